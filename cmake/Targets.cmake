@@ -1,0 +1,23 @@
+# How every target of this project is built: one place for warnings, sanitizers and the static runtime.
+
+option(PLANFOLD_SANITIZE "AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+
+add_library(house_rules INTERFACE)
+target_compile_options(house_rules INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(PLANFOLD_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(WIN32)
+    add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
+    add_compile_options(-ffunction-sections -fdata-sections)
+    add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections -Wl,--no-insert-timestamp)
+endif()
+
+# house_library(NAME SOURCES... [LINK libs...])
+function(house_library name)
+    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+    add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
+    target_link_libraries(${name} PUBLIC sdk ${arg_LINK} PRIVATE house_rules)
+endfunction()
