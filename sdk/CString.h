@@ -88,8 +88,7 @@ public:
             header = fork;
         } else {
             // A text inside this buffer is never longer than the buffer, so growing cannot move it away.
-            if (header->allocated < length)
-                header = Checked(header->manager->Reallocate(header, length, 1));
+            if (header->allocated < length) header = Checked(header->manager->Reallocate(header, length, 1));
             m_text = header->Text();
             Fill(header, text);
         }

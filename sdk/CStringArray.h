@@ -41,7 +41,9 @@ private:
         void* memory = sdk::ProcessHeapAllocate(static_cast<std::size_t>(capacity) * sizeof(CString));
         if (!memory) throw std::bad_alloc();
         // A string is one pointer that nothing points back to, so moving it is copying its bytes.
-        if (m_size) std::memcpy(memory, static_cast<const void*>(m_data), static_cast<std::size_t>(m_size) * sizeof(CString));
+        if (m_size)
+            std::memcpy(memory, static_cast<const void*>(m_data),
+                        static_cast<std::size_t>(m_size) * sizeof(CString));
         sdk::ProcessHeapRelease(m_data);
         m_data = static_cast<CString*>(memory);
         m_capacity = capacity;

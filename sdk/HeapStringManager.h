@@ -17,8 +17,7 @@ public:
     StringHeader* Allocate(int chars, int charSize) override {
         if (chars < 0 || charSize < 1 || charSize > 4) return nullptr;
         const std::size_t bytes =
-            sizeof(StringHeader)
-            + (static_cast<std::size_t>(chars) + 1) * static_cast<std::size_t>(charSize);
+            sizeof(StringHeader) + (static_cast<std::size_t>(chars) + 1) * static_cast<std::size_t>(charSize);
         void* memory = sdk::ProcessHeapAllocate(bytes);
         if (!memory) return nullptr;
         auto* header = new (memory) StringHeader{this, 0, chars, 1, 0};

@@ -35,51 +35,51 @@ using ByValueString = CString*;
 // pu_get_FontVariation: points to add (may be negative), then size in points, 0 for the template's own.
 // pu_invoke_caution_order_confirmation: client, invest type, product, amount or quantity, trading symbol,
 //   exchange code; 1 cautionary, 0 not, anything else undecided. May ask the user and run a message loop.
-#define VESK_HOST_EXPORTS(X)                                                                                 \
-    X(pu_fill_scrip_combos, int(HostWindow dialog, int, int, int, int, int, int, int flag))                  \
-    X(pu_get_trading_symbol_n_token,                                                                         \
-      int(HostWindow dialog, int, int, int, int, int, int, OutString symbol, OutString exchangeAndToken))    \
-    X(pu_get_intersted_scrip_field, int(InString key, int zero, int six, OutString, OutString, OutString,    \
-                                        OutString, OutString, OutString))                                    \
-    X(pu_get_scrip_details_from_TradSymbol,                                                                  \
-      ScripDetails*(InString exchange, InString tradingSymbol, ScripDetails * out))                          \
-    X(register_hotkey, int(HostWindow window, InString group, int command, InString text,                    \
-                           InString description, InString key))                                              \
-    X(pu_InvokeDialog, int(int dialog, HostWindow caller))                                                   \
-    X(GetKeloRxControl, RxControl*(int kind, CKeloRxNotifierBase* notifier))                                 \
-    X(DestoryKeloRxCOntrol, void(RxControl* control))                                                        \
-    X(pu_get_client_search_time, int())                                                                      \
-    X(pu_add_to_tabbed_log, int(ByValueString text))                                                         \
-    X(pu_load_client_id_combo, int(HostWindow dialog, int combo))                                            \
-    X(pu_get_peer_data, int(OutString peerIdA, OutString peerIdB, OutString other))                          \
-    X(pu_get_uuid, int(OutString identifier))                                                                \
-    X(pu_get_ActiveClient, int(OutString client))                                                            \
-    X(pu_get_FontVariation, int(std::intptr_t * variation, std::intptr_t * size, void*, void*))              \
-    X(pu_clear_FocusFromDropDown, int(HostWindow combo, HostWindow dialog))                                  \
-    X(pu_resize_EditCtrlForFontChange, int(HostWindow edit))                                                 \
-    X(pu_is_valid_account, int(InString account))                                                            \
-    X(pu_get_entered_text_results, const ClientResult*(int mode, int* count, InString text, int one))        \
-    X(pu_read_settings_from_json, int(InString section, InString key, OutString value, int one))             \
-    X(pu_write_settings_to_json, int(InString section, InString key, InString value, int one))               \
-    X(pu_get_client_name, int(OutString name, InString client))                                              \
-    X(pu_get_client_overview_status, int(int zero))                                                          \
-    X(pu_get_all_mappedAccount_ids, int(CStringArray * accounts))                                            \
-    X(pu_get_non_trading_dates_map, const NonTradingDates*())                                                \
-    X(pu_resend_nontradingDate_Request, int())                                                               \
-    X(pu_get_UserDirectory, int(OutString directory))                                                        \
-    X(pu_invoke_caution_order_confirmation, int(InString client, InString investType, InString product,      \
-                                                InString value, InString symbol, InString exchange))         \
-    X(pu_build_bskt_caution_order_map, int(InString client, InString investType, InString product,           \
-                                           InString value, InString symbol, InString exchange, int row))     \
-    X(pu_invoke_bskt_caution_order_confirmation, int())                                                      \
-    X(pu_get_cautionary_bskt_confirm_state, int(InString symbol, InString exchange, int row))                \
-    X(pu_free_allocated_memory, int())                                                                       \
+#define VESK_HOST_EXPORTS(X)                                                                                   \
+    X(pu_fill_scrip_combos, int(HostWindow dialog, int, int, int, int, int, int, int flag))                    \
+    X(pu_get_trading_symbol_n_token,                                                                           \
+      int(HostWindow dialog, int, int, int, int, int, int, OutString symbol, OutString exchangeAndToken))      \
+    X(pu_get_intersted_scrip_field,                                                                            \
+      int(InString key, int zero, int six, OutString, OutString, OutString, OutString, OutString, OutString))  \
+    X(pu_get_scrip_details_from_TradSymbol,                                                                    \
+      ScripDetails*(InString exchange, InString tradingSymbol, ScripDetails * out))                            \
+    X(register_hotkey,                                                                                         \
+      int(HostWindow window, InString group, int command, InString text, InString description, InString key))  \
+    X(pu_InvokeDialog, int(int dialog, HostWindow caller))                                                     \
+    X(GetKeloRxControl, RxControl*(int kind, CKeloRxNotifierBase* notifier))                                   \
+    X(DestoryKeloRxCOntrol, void(RxControl * control))                                                         \
+    X(pu_get_client_search_time, int())                                                                        \
+    X(pu_add_to_tabbed_log, int(ByValueString text))                                                           \
+    X(pu_load_client_id_combo, int(HostWindow dialog, int combo))                                              \
+    X(pu_get_peer_data, int(OutString peerIdA, OutString peerIdB, OutString other))                            \
+    X(pu_get_uuid, int(OutString identifier))                                                                  \
+    X(pu_get_ActiveClient, int(OutString client))                                                              \
+    X(pu_get_FontVariation, int(std::intptr_t * variation, std::intptr_t * size, void*, void*))                \
+    X(pu_clear_FocusFromDropDown, int(HostWindow combo, HostWindow dialog))                                    \
+    X(pu_resize_EditCtrlForFontChange, int(HostWindow edit))                                                   \
+    X(pu_is_valid_account, int(InString account))                                                              \
+    X(pu_get_entered_text_results, const ClientResult*(int mode, int* count, InString text, int one))          \
+    X(pu_read_settings_from_json, int(InString section, InString key, OutString value, int one))               \
+    X(pu_write_settings_to_json, int(InString section, InString key, InString value, int one))                 \
+    X(pu_get_client_name, int(OutString name, InString client))                                                \
+    X(pu_get_client_overview_status, int(int zero))                                                            \
+    X(pu_get_all_mappedAccount_ids, int(CStringArray * accounts))                                              \
+    X(pu_get_non_trading_dates_map, const NonTradingDates*())                                                  \
+    X(pu_resend_nontradingDate_Request, int())                                                                 \
+    X(pu_get_UserDirectory, int(OutString directory))                                                          \
+    X(pu_invoke_caution_order_confirmation, int(InString client, InString investType, InString product,        \
+                                                InString value, InString symbol, InString exchange))           \
+    X(pu_build_bskt_caution_order_map, int(InString client, InString investType, InString product,             \
+                                           InString value, InString symbol, InString exchange, int row))       \
+    X(pu_invoke_bskt_caution_order_confirmation, int())                                                        \
+    X(pu_get_cautionary_bskt_confirm_state, int(InString symbol, InString exchange, int row))                  \
+    X(pu_free_allocated_memory, int())                                                                         \
     X(pu_send_mrv_master_request, int(InString exchange, int))
 
 // Looked up where they are used, not part of the table.
-#define VESK_HOST_EXPORTS_BESIDE_THE_TABLE(X)                                                                \
-    X(pu_is_actionright_enabled, int(InString right))                                                        \
-    X(pu_get_exe_app, VeskApp*())                                                                            \
+#define VESK_HOST_EXPORTS_BESIDE_THE_TABLE(X)                                                                  \
+    X(pu_is_actionright_enabled, int(InString right))                                                          \
+    X(pu_get_exe_app, VeskApp*())                                                                              \
     X(pu_load_product_type_combo, int(HostWindow dialog, int combo))
 
 namespace sdk {

@@ -13,7 +13,9 @@ __declspec(dllimport) int __stdcall HeapFree(void*, unsigned long, void*);
 
 namespace sdk {
 // Null when there is no memory.
-inline void* ProcessHeapAllocate(std::size_t bytes) { return HeapAlloc(GetProcessHeap(), 0, bytes); }
+inline void* ProcessHeapAllocate(std::size_t bytes) {
+    return HeapAlloc(GetProcessHeap(), 0, bytes);
+}
 inline void ProcessHeapRelease(void* memory) {
     if (memory) HeapFree(GetProcessHeap(), 0, memory);
 }
@@ -22,7 +24,11 @@ inline void ProcessHeapRelease(void* memory) {
 #include <cstdlib>
 
 namespace sdk {
-inline void* ProcessHeapAllocate(std::size_t bytes) { return std::malloc(bytes); }
-inline void ProcessHeapRelease(void* memory) { std::free(memory); }
+inline void* ProcessHeapAllocate(std::size_t bytes) {
+    return std::malloc(bytes);
+}
+inline void ProcessHeapRelease(void* memory) {
+    std::free(memory);
+}
 } // namespace sdk
 #endif

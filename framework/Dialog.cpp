@@ -1,0 +1,81 @@
+#include "framework/Dialog.h"
+
+#include "framework/Guard.h"
+#include "framework/KeyboardHook.h"
+
+namespace framework {
+
+bool Dialog::Create(HWND parent) {
+    return CreateDialogParamA(m_module, MAKEINTRESOURCEA(m_resource), parent, Procedure,
+                              reinterpret_cast<LPARAM>(this))
+           != nullptr;
+}
+
+void Dialog::Destroy() {
+    if (m_handle) DestroyWindow(m_handle);
+}
+
+int Dialog::TemplateFontSize() {
+    if (!m_layout) m_layout.emplace(m_module, m_resource);
+    return m_layout->TemplatePointSize();
+}
+
+void Dialog::SetFontSize(int points) {
+    m_points = points;
+    if (m_handle) LayOut(Self().Dpi());
+}
+
+void Dialog::LayOut(UINT dpi) {
+    const int own = TemplateFontSize();
+    m_dpi = dpi;
+    m_layout->Apply(m_handle, m_points ? m_points : own, dpi);
+    OnLaidOut();
+}
+
+void Dialog::OnDpiChanged(UINT dpi, const RECT& suggested) {
+    SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    LayOut(dpi);
+}
+
+INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    return Guard(INT_PTR{0}, [&]() -> INT_PTR {
+        if (message == WM_INITDIALOG) SetWindowLongPtrA(window, DWLP_USER, lParam);
+        auto* self = reinterpret_cast<Dialog*>(GetWindowLongPtrA(window, DWLP_USER));
+        return self ? self->Handle(window, message, wParam, lParam) : 0;
+    });
+}
+
+INT_PTR Dialog::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        m_handle = window;
+        KeyboardHook::Enroll(window);
+        LayOut(Self().Dpi());
+        OnInit();
+        return TRUE;
+    case WM_CLOSE:
+        OnClose();
+        return TRUE;
+    case WM_NCDESTROY:
+        SetWindowLongPtrA(window, DWLP_USER, 0);
+        KeyboardHook::Withdraw(window);
+        m_handle = nullptr;
+        OnDestroyed();
+        return TRUE;
+    default:
+        break;
+    }
+    const auto answer = Dispatch(message, wParam, lParam);
+    if (answer) {
+        SetWindowLongPtrA(window, DWLP_MSGRESULT, *answer);
+        return TRUE;
+    }
+    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
+        OnClose();
+        return TRUE;
+    }
+    return FALSE;
+}
+
+} // namespace framework

@@ -1,0 +1,61 @@
+// A modeless dialog from a resource. The object outlives its window: Create makes one, Destroy (or the
+// user's close) takes it away, and Create may be called again.
+#pragma once
+
+#include "framework/DialogLayout.h"
+#include "framework/MessageTarget.h"
+#include "framework/Window.h"
+
+#include <optional>
+
+namespace framework {
+
+class Dialog : public MessageTarget {
+public:
+    Dialog(HINSTANCE module, int resource) : m_module(module), m_resource(resource) {}
+    Dialog(const Dialog&) = delete;
+    Dialog& operator=(const Dialog&) = delete;
+    ~Dialog() override { Destroy(); }
+
+    // False when the system refuses; GetLastError says why.
+    bool Create(HWND parent = nullptr);
+    void Destroy();
+    bool HasWindow() const { return m_handle != nullptr; }
+    HWND Handle() const { return m_handle; }
+    Window Self() const { return Window(m_handle); }
+
+    template <class Control = Window>
+    Control Item(int id) const {
+        return Control(GetDlgItem(m_handle, id));
+    }
+
+    // Points; 0 keeps the template's size. Also called by itself when the DPI changes.
+    void SetFontSize(int points);
+    int TemplateFontSize();
+
+protected:
+    // The window and its controls exist; the focus goes to the first control afterwards.
+    virtual void OnInit() {}
+    // WM_CLOSE and Escape.
+    virtual void OnClose() { Destroy(); }
+    // The window is gone; the object stays.
+    virtual void OnDestroyed() {}
+    // After each new layout.
+    virtual void OnLaidOut() {}
+
+    void OnDpiChanged(UINT dpi, const RECT& suggested) override;
+
+private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    INT_PTR Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void LayOut(UINT dpi);
+
+    HINSTANCE m_module;
+    int m_resource;
+    HWND m_handle = nullptr;
+    int m_points = 0;
+    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
+    std::optional<DialogLayout> m_layout;
+};
+
+} // namespace framework

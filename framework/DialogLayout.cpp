@@ -1,0 +1,77 @@
+#include "framework/DialogLayout.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace framework {
+
+namespace {
+
+RECT ToPixels(const RECT& units, SIZE base) {
+    const auto x = [&](LONG value) { return MulDiv(value, base.cx, 4); };
+    const auto y = [&](LONG value) { return MulDiv(value, base.cy, 8); };
+    return {x(units.left), y(units.top), x(units.right), y(units.bottom)};
+}
+
+RECT WorkArea(HWND window) {
+    MONITORINFO info{};
+    info.cbSize = sizeof info;
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info);
+    return info.rcWork;
+}
+
+} // namespace
+
+Font MakeFont(const std::wstring& face, int points, UINT dpi) {
+    LOGFONTW font{};
+    font.lfHeight = -MulDiv(points, static_cast<int>(dpi), 72);
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = DEFAULT_CHARSET;
+    face.copy(font.lfFaceName, LF_FACESIZE - 1);
+    return Font(CreateFontIndirectW(&font));
+}
+
+SIZE BaseUnits(HFONT font) {
+    static constexpr wchar_t letters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const HDC screen = GetDC(nullptr);
+    const HGDIOBJ previous = SelectObject(screen, font);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(screen, &metrics);
+    SIZE extent{};
+    GetTextExtentPoint32W(screen, letters, 52, &extent);
+    SelectObject(screen, previous);
+    ReleaseDC(nullptr, screen);
+    return {std::max<LONG>((extent.cx / 26 + 1) / 2, 1), std::max<LONG>(metrics.tmHeight, 1)};
+}
+
+void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
+    Font font = MakeFont(m_template.face, points, dpi);
+    const SIZE base = BaseUnits(font.Get());
+    Window(dialog).Send(WM_SETREDRAW, FALSE);
+    Window(dialog).SetFont(font.Get());
+    for (const DialogTemplate::Item& item : m_template.items) {
+        const Window control(GetDlgItem(dialog, item.id));
+        control.SetFont(font.Get());
+        control.Move(ToPixels(item.units, base));
+    }
+    m_font = std::move(font);
+    ResizeFrame(dialog, base, dpi);
+    Window(dialog).Send(WM_SETREDRAW, TRUE);
+    RedrawWindow(dialog, nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE | RDW_ALLCHILDREN);
+}
+
+void DialogLayout::ResizeFrame(HWND dialog, SIZE base, UINT dpi) const {
+    if (GetWindowLongA(dialog, GWL_STYLE) & WS_CHILD) return;
+    RECT frame = ToPixels({0, 0, m_template.units.cx, m_template.units.cy}, base);
+    AdjustWindowRectExForDpi(&frame, static_cast<DWORD>(GetWindowLongA(dialog, GWL_STYLE)), FALSE,
+                             static_cast<DWORD>(GetWindowLongA(dialog, GWL_EXSTYLE)), dpi);
+    const SIZE size{frame.right - frame.left, frame.bottom - frame.top};
+    RECT place{};
+    GetWindowRect(dialog, &place);
+    const RECT work = WorkArea(dialog);
+    const LONG left = std::max(work.left, std::min(place.left, work.right - size.cx));
+    const LONG top = std::max(work.top, std::min(place.top, work.bottom - size.cy));
+    Window(dialog).Move({left, top, left + size.cx, top + size.cy});
+}
+
+} // namespace framework

@@ -1,0 +1,34 @@
+// Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
+// the dialog itself grow with the text.
+#pragma once
+
+#include "framework/DialogTemplate.h"
+#include "framework/Handle.h"
+#include "framework/Window.h"
+
+namespace framework {
+
+// `points` in logical points, `dpi` of the monitor.
+Font MakeFont(const std::wstring& face, int points, UINT dpi);
+
+// A dialog unit in pixels is x / 4 and y / 8.
+SIZE BaseUnits(HFONT font);
+
+class DialogLayout {
+public:
+    DialogLayout(HINSTANCE module, int resource) : m_template(ReadDialogTemplate(module, resource)) {}
+
+    int TemplatePointSize() const { return m_template.pointSize; }
+
+    // Sets the font and every position. The top left corner of a top-level dialog stays; it is moved
+    // back only when the new size would leave the monitor.
+    void Apply(HWND dialog, int points, UINT dpi);
+
+private:
+    void ResizeFrame(HWND dialog, SIZE base, UINT dpi) const;
+
+    DialogTemplate m_template;
+    Font m_font; // in use by the controls until the next one is
+};
+
+} // namespace framework

@@ -1,0 +1,46 @@
+#include "framework/KeyboardHook.h"
+
+#include "framework/Guard.h"
+
+namespace framework {
+
+namespace {
+
+constexpr char kMark[] = "framework.dialog";
+
+// The enrolled dialog that the window is, or lies in; it may itself be docked inside a foreign frame.
+HWND EnrolledDialog(HWND window) {
+    for (; window; window = GetAncestor(window, GA_PARENT))
+        if (GetPropA(window, kMark)) return window;
+    return nullptr;
+}
+
+LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
+    Guard([&] {
+        auto& message = *reinterpret_cast<MSG*>(lParam);
+        if (code < 0 || removed != PM_REMOVE) return;
+        if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
+        const HWND dialog = EnrolledDialog(message.hwnd);
+        if (!dialog || !IsDialogMessageA(dialog, &message)) return;
+        // Already dispatched: what the host's loop gets must do nothing.
+        message.message = WM_NULL;
+        message.wParam = 0;
+        message.lParam = 0;
+    });
+    return CallNextHookEx(nullptr, code, removed, lParam);
+}
+
+} // namespace
+
+KeyboardHook::KeyboardHook()
+    : m_hook(SetWindowsHookExA(WH_GETMESSAGE, OfferKey, nullptr, GetCurrentThreadId())) {}
+
+void KeyboardHook::Enroll(HWND dialog) {
+    SetPropA(dialog, kMark, dialog);
+}
+
+void KeyboardHook::Withdraw(HWND dialog) {
+    RemovePropA(dialog, kMark);
+}
+
+} // namespace framework

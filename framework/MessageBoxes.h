@@ -1,0 +1,32 @@
+// Message boxes, one at a time. A text that comes while a box is open (its message loop lets answers in)
+// waits and is shown after it, together with the others that wait for the same window.
+#pragma once
+
+#include "framework/PendingTexts.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace framework {
+
+class MessageBoxes {
+public:
+    explicit MessageBoxes(std::string caption) : m_caption(std::move(caption)) {}
+
+    // Returns when the box, and all that waited meanwhile, have been answered; at once when another box
+    // is open. `owner` may be null or already gone.
+    void Show(HWND owner, std::string_view text);
+
+    // A question is asked in its own box: 0 when another box is open, else the button pressed.
+    int Ask(HWND owner, const std::string& text, UINT style);
+
+private:
+    int Open(HWND owner, const std::string& text, UINT style);
+
+    std::string m_caption;
+    PendingTexts<HWND> m_pending;
+    bool m_open = false;
+};
+
+} // namespace framework

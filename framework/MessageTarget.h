@@ -1,0 +1,36 @@
+// The one place where WPARAM and LPARAM are taken apart. `OnX` is told, and answers whether it was handled.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+
+namespace framework {
+
+// From a control (its identifier and notification), a menu entry or an accelerator.
+struct Command {
+    int id;
+    int notification; // 0 for a menu entry or a button's click
+    HWND control;     // null for a menu entry
+};
+
+inline Command DecodeCommand(WPARAM wParam, LPARAM lParam) {
+    return {LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)};
+}
+
+class MessageTarget {
+protected:
+    virtual ~MessageTarget() = default;
+
+    virtual bool OnCommand(const Command&) { return false; }
+    // A value when handled: what the sender of the notification gets.
+    virtual std::optional<LRESULT> OnNotify(const NMHDR&) { return std::nullopt; }
+    virtual void OnDpiChanged(UINT /*dpi*/, const RECT& /*suggested*/) {}
+    // Everything else, and before the rest. A value when handled.
+    virtual std::optional<LRESULT> OnMessage(UINT, WPARAM, LPARAM) { return std::nullopt; }
+
+    // The value to answer with, or none when the message was not handled.
+    std::optional<LRESULT> Dispatch(UINT message, WPARAM wParam, LPARAM lParam);
+};
+
+} // namespace framework

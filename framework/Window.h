@@ -1,0 +1,80 @@
+// Windows and controls by kind: small values that hold a handle and say what can be done with it.
+// They own nothing; a null handle makes every call do nothing and every question answer empty.
+// Positions and sizes are pixels of the window's own DPI.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace framework {
+
+class Window {
+public:
+    Window() = default;
+    explicit Window(HWND handle) : m_handle(handle) {}
+
+    HWND Handle() const { return m_handle; }
+    explicit operator bool() const { return m_handle && IsWindow(m_handle); }
+    bool operator==(const Window&) const = default;
+
+    std::string Text() const;
+    void SetText(const std::string& text) const;
+    void Enable(bool enabled) const { EnableWindow(m_handle, enabled); }
+    void Show(bool shown) const { ShowWindow(m_handle, shown ? SW_SHOW : SW_HIDE); }
+    void Focus() const { SetFocus(m_handle); }
+    void Move(const RECT& rect) const;
+    void SetFont(HFONT font) const { Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE); }
+    // Sets and clears style bits.
+    void ChangeStyle(LONG_PTR set, LONG_PTR clear) const;
+    // Dots per inch of the monitor that the window is on; 96 without a window.
+    UINT Dpi() const;
+    RECT ClientRect() const;
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return m_handle ? SendMessageA(m_handle, message, wParam, lParam) : 0;
+    }
+
+private:
+    HWND m_handle = nullptr;
+};
+
+class ComboBox : public Window {
+public:
+    using Window::Window;
+
+    void Clear() const { Send(CB_RESETCONTENT); }
+    int Add(const std::string& text) const;
+    int Count() const { return static_cast<int>(Send(CB_GETCOUNT)); }
+    int Selected() const { return static_cast<int>(Send(CB_GETCURSEL)); }
+    void Select(int index) const { Send(CB_SETCURSEL, static_cast<WPARAM>(index)); }
+    // The first item that equals the text, ignoring case; -1 when there is none.
+    int Find(const std::string& text) const;
+    std::string Item(int index) const;
+    std::vector<std::string> Items() const;
+};
+
+class Edit : public Window {
+public:
+    using Window::Window;
+
+    void SelectAll() const { Send(EM_SETSEL, 0, -1); }
+    void DigitsOnly(bool on) const { on ? ChangeStyle(ES_NUMBER, 0) : ChangeStyle(0, ES_NUMBER); }
+};
+
+class DatePicker : public Window {
+public:
+    using Window::Window;
+
+    // In the picker's own notation, for example "dd'/'MMM'/'yyyy".
+    void SetFormat(const char* format) const { Send(DTM_SETFORMATA, 0, reinterpret_cast<LPARAM>(format)); }
+    SYSTEMTIME Time() const;
+    void SetTime(const SYSTEMTIME& time) const {
+        Send(DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&time));
+    }
+};
+
+} // namespace framework
