@@ -1,0 +1,231 @@
+#include "sdk/CString.h"
+#include "tests/support/QuarantineStringManager.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+StringHeader* HeaderOf(const CString& string) {
+    return reinterpret_cast<StringHeader*>(const_cast<char*>(string.c_str())) - 1;
+}
+
+struct WriteRow {
+    const char* name;
+    std::string_view before; // empty: a string that was never written
+    bool shared;
+    std::string_view after;
+    int allocations;
+    int reallocations;
+};
+
+using namespace std::string_view_literals;
+constexpr WriteRow kWrites[] = {
+    // name                     before        shared  after           allocated  reallocated
+    {"never written", "", false, "ARBORTEX", 1, 0},
+    {"fits in place", "ARBORTEX", false, "BYTEFIN", 0, 0},
+    {"same length", "BYTEFIN", false, "FIN", 0, 0},
+    {"one more grows", "BYTEFIN", false, "INFOCAR", 0, 1},
+    {"cleared in place", "BYTEFIN", false, "", 0, 0},
+    {"shared forks", "BYTEFIN", true, "ARBORTEX", 1, 0},
+    {"shared forks to shorter", "ARBORTEX", true, "A", 1, 0},
+    {"shared forks to empty", "ARBORTEX", true, "", 1, 0},
+    {"zero inside", "BYTEFIN", false, "A\0B"sv, 0, 0},
+};
+
+TEST(CString, WritesTouchOnlyTheirOwnBuffer) {
+    for (const WriteRow& row : kWrites) {
+        SCOPED_TRACE(row.name);
+        QuarantineStringManager manager;
+        {
+            auto written = row.before.empty() ? CString(manager) : CString(row.before, manager);
+            std::optional<CString> sharer;
+            if (row.shared) sharer.emplace(written);
+            manager.allocations = manager.reallocations = 0;
+
+            written = row.after;
+
+            EXPECT_EQ(written.View(), row.after);
+            EXPECT_EQ(written.c_str()[row.after.size()], '\0');
+            EXPECT_EQ(manager.allocations, row.allocations);
+            EXPECT_EQ(manager.reallocations, row.reallocations);
+            if (sharer) {
+                EXPECT_EQ(sharer->View(), row.before);
+                EXPECT_EQ(HeaderOf(*sharer)->references, 1);
+            }
+        }
+        EXPECT_EQ(manager.Live(), 0);
+        EXPECT_EQ(manager.Faults(), 0);
+    }
+}
+
+TEST(CString, CopyingSharesOneBuffer) {
+    QuarantineStringManager manager;
+    {
+        const CString first("nse_cm|2885", manager);
+        CString second(first);
+        CString third("other", manager);
+        third = second;
+        EXPECT_EQ(first.c_str(), third.c_str());
+        EXPECT_EQ(HeaderOf(first)->references, 3);
+        const CString& itself = third;
+        third = itself;
+        EXPECT_EQ(third.View(), "nse_cm|2885");
+        EXPECT_EQ(HeaderOf(first)->references, 3);
+        EXPECT_EQ(manager.Live(), 1);
+    }
+    EXPECT_EQ(manager.Live(), 0);
+    EXPECT_EQ(manager.Faults(), 0);
+}
+
+TEST(CString, CopyOfALockedBufferIsABufferOfItsOwn) {
+    QuarantineStringManager manager;
+    {
+        const CString locked("being written", manager);
+        HeaderOf(locked)->references = -1;
+        const CString copy(locked);
+        CString assigned("x", manager);
+        assigned = locked;
+        EXPECT_NE(copy.c_str(), locked.c_str());
+        EXPECT_EQ(copy.View(), "being written");
+        EXPECT_EQ(assigned.View(), "being written");
+        EXPECT_EQ(HeaderOf(locked)->references, -1);
+        HeaderOf(locked)->references = 1;
+    }
+    EXPECT_EQ(manager.Live(), 0);
+    EXPECT_EQ(manager.Faults(), 0);
+}
+
+struct AliasRow {
+    std::size_t from, count;
+    bool shared;
+};
+
+constexpr AliasRow kAliases[] = {{0, 10, false}, {3, 7, false}, {3, 2, false}, {9, 1, false},
+                                 {10, 0, false}, {0, 10, true}, {3, 7, true},  {9, 1, true}};
+
+TEST(CString, AssignsAPartOfItself) {
+    for (const AliasRow& row : kAliases) {
+        SCOPED_TRACE(testing::Message() << row.from << '+' << row.count << (row.shared ? " shared" : ""));
+        QuarantineStringManager manager;
+        {
+            CString string("0123456789", manager);
+            std::optional<CString> sharer;
+            if (row.shared) sharer.emplace(string);
+            string.Assign(string.View().substr(row.from, row.count));
+            EXPECT_EQ(string.View(), std::string("0123456789").substr(row.from, row.count));
+        }
+        EXPECT_EQ(manager.Live(), 0);
+        EXPECT_EQ(manager.Faults(), 0);
+    }
+}
+
+TEST(CString, WrittenByAnotherModuleStaysWithItsManager) {
+    QuarantineStringManager owner, writer;
+    {
+        CString out(owner);
+        out = "a text that another module writes";
+        out = "and writes again, longer than it was before, so that the buffer must grow";
+        EXPECT_EQ(&out.Manager(), &owner);
+
+        // Taking over a string made elsewhere keeps that buffer with its own maker.
+        CString taken("mine", owner);
+        taken = CString("theirs", writer);
+        EXPECT_EQ(&taken.Manager(), &writer);
+        taken = "theirs still, though grown here";
+        EXPECT_EQ(&taken.Manager(), &writer);
+    }
+    EXPECT_EQ(owner.Live(), 0);
+    EXPECT_EQ(writer.Live(), 0);
+    EXPECT_EQ(owner.Faults() + writer.Faults(), 0);
+}
+
+TEST(CString, ForkIsMadeByTheManagersClone) {
+    QuarantineStringManager original, clone;
+    original.cloneTo = &clone;
+    {
+        const CString first("shared", original);
+        EXPECT_EQ(&first.Manager(), &clone) << "the first write forks the empty string";
+        CString stays("stays", clone);
+        const CString sharer(stays);
+        stays = "forked";
+        EXPECT_EQ(&stays.Manager(), &clone);
+    }
+    EXPECT_EQ(clone.Live() + original.Live(), 0);
+    EXPECT_EQ(clone.Faults() + original.Faults(), 0);
+}
+
+TEST(CString, EmptyStringIsCountedAndGivenBack) {
+    QuarantineStringManager manager;
+    const int before = manager.NilReferences();
+    {
+        const CString first(manager);
+        const CString second(first);
+        EXPECT_TRUE(second.IsEmpty());
+        EXPECT_EQ(manager.NilReferences(), before + 2);
+        EXPECT_EQ(manager.Live(), 0);
+    }
+    EXPECT_EQ(manager.NilReferences(), before);
+}
+
+TEST(CString, KeepsItsTextWhenThereIsNoMemory) {
+    QuarantineStringManager manager;
+    {
+        CString alone("old", manager), shared("kept", manager), never(manager), locked("locked", manager);
+        const CString sharer(shared);
+        HeaderOf(locked)->references = -1;
+        manager.failing = true;
+
+        EXPECT_THROW(alone = "longer than the old one", std::bad_alloc);
+        EXPECT_THROW(shared = "x", std::bad_alloc);
+        EXPECT_THROW(never = "x", std::bad_alloc);
+        EXPECT_THROW(alone = locked, std::bad_alloc);
+        EXPECT_THROW(CString("new", manager), std::bad_alloc);
+
+        EXPECT_EQ(alone.View(), "old");
+        EXPECT_EQ(shared.View(), "kept");
+        EXPECT_EQ(shared.c_str(), sharer.c_str());
+        EXPECT_TRUE(never.IsEmpty());
+        HeaderOf(locked)->references = 1;
+    }
+    EXPECT_EQ(manager.Live(), 0);
+    EXPECT_EQ(manager.Faults(), 0);
+    EXPECT_EQ(manager.NilReferences(), 2);
+}
+
+TEST(CString, ByValueArgumentIsDestroyedByTheCallee) {
+    QuarantineStringManager caller;
+    const auto callee = [](CString* argument) { return std::string(TakenString(argument).View()); };
+    {
+        PassedString passed("Order Entry", caller);
+        EXPECT_EQ(caller.Live(), 1);
+        EXPECT_EQ(callee(passed.Hand()), "Order Entry");
+        EXPECT_EQ(caller.Live(), 0);
+    }
+    EXPECT_EQ(caller.Faults(), 0) << "the caller must not destroy it a second time";
+    EXPECT_EQ(callee(nullptr), "");
+}
+
+TEST(CString, CountOfASharedBufferSurvivesThreads) {
+    QuarantineStringManager manager;
+    {
+        const CString shared("shared by several threads", manager);
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&shared] {
+                for (int n = 0; n < 20000; ++n)
+                    const CString copy(shared);
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(HeaderOf(shared)->references, 1);
+    }
+    EXPECT_EQ(manager.Live(), 0);
+    EXPECT_EQ(manager.Faults(), 0);
+}
+
+} // namespace
