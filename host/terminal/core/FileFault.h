@@ -1,0 +1,48 @@
+// What is wrong with one of the terminal's files, and where.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace vesk {
+
+struct FileFault {
+    std::string file;
+    std::size_t line = 0; // from 1; 0 when the fault is the whole file's
+    std::string what;
+
+    // "scrips.csv:12: 8 fields expected, 7 found"
+    std::string Text() const {
+        return line ? file + ':' + std::to_string(line) + ": " + what : file + ": " + what;
+    }
+};
+
+// A loaded value or the fault that kept it from being loaded.
+template <class T>
+class Loaded {
+public:
+    Loaded(T value) : m_result(std::move(value)) {}
+    Loaded(FileFault fault) : m_result(std::move(fault)) {}
+
+    explicit operator bool() const { return std::holds_alternative<T>(m_result); }
+    T& Value() { return std::get<T>(m_result); }
+    const T& Value() const { return std::get<T>(m_result); }
+    const FileFault& Fault() const { return std::get<FileFault>(m_result); }
+
+private:
+    std::variant<T, FileFault> m_result;
+};
+
+// The whole file as it is. Fault: missing, a folder, or unreadable.
+Loaded<std::string> ReadWholeFile(const std::string& path);
+
+// Replaces the file as a whole: a reader sees the old text or the new one. False when it cannot.
+bool WriteWholeFile(const std::string& path, std::string_view text);
+
+// The last part of a path, with either separator: faults name the file, not where it lies.
+std::string_view FileNameOf(std::string_view path);
+
+} // namespace vesk

@@ -1,0 +1,90 @@
+#include "host/terminal/core/ScriptRunner.h"
+
+#include <algorithm>
+
+namespace vesk {
+
+ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
+    if (m_state != State::running) return m_state;
+    if (m_next == m_script.commands.size() || m_script.commands[m_next].verb == Verb::exit)
+        return m_state = State::passed;
+    const ScriptCommand& command = m_script.commands[m_next];
+    if (m_attempt == 0) m_stepBegan = nowMs;
+    const std::optional<OpenMessageBox> box = m_stage.OpenBox();
+    if (box && !IsExpected(*box)) {
+        Fail("unexpected message box \"" + box->text + '"');
+        return m_state;
+    }
+    const StepResult result = TryStep(command);
+    ++m_attempt;
+    if (result.state == StepResult::State::done) {
+        m_stage.Report(m_script.fileName + ':' + std::to_string(command.line) + ": " + command.Text());
+        ++m_next;
+        m_attempt = 0;
+    } else if (result.state == StepResult::State::failed) {
+        Fail(result.why);
+    } else if (nowMs - m_stepBegan >= m_timeoutMs) {
+        Fail("timed out: " + result.why);
+    }
+    return m_state;
+}
+
+StepResult ScriptRunner::TryStep(const ScriptCommand& command) {
+    switch (command.verb) {
+    case Verb::timeout:
+        m_timeoutMs = std::int64_t{1000} * command.Number(0);
+        return StepResult::Done();
+    case Verb::expectBox:
+        return TryBox(command.words[0], std::nullopt);
+    case Verb::box:
+        return TryBox(command.words[0], BoxButton(command.words[1]));
+    case Verb::answer:
+        return TryAnswer(*BoxButton(command.words[0]));
+    default:
+        return m_stage.Try(command, m_attempt);
+    }
+}
+
+StepResult ScriptRunner::TryBox(const std::string& text, std::optional<int> button) {
+    if (m_answeredBox) return TryAnswer(*button);
+    const std::optional<OpenMessageBox> box = m_stage.OpenBox();
+    if (!box) return StepResult::Again("there is no message box \"" + text + '"');
+    m_foundBox = box->id;
+    return button ? TryAnswer(*button) : StepResult::Done();
+}
+
+StepResult ScriptRunner::TryAnswer(int button) {
+    const std::optional<OpenMessageBox> box = m_stage.OpenBox();
+    if (!m_answeredBox) {
+        if (!box) return StepResult::Again("there is no message box");
+        if (!m_stage.AnswerBox(button)) return StepResult::Failed("the message box has no such button");
+        m_answeredBox = box->id;
+    }
+    // The next box may already be there when the answered one has gone.
+    if (box && box->id == m_answeredBox)
+        return StepResult::Again("the message box \"" + box->text + "\" stays open");
+    m_answeredBox = m_foundBox = 0;
+    return StepResult::Done();
+}
+
+bool ScriptRunner::IsExpected(const OpenMessageBox& box) const {
+    if (box.id == m_foundBox || box.id == m_answeredBox) return true;
+    // The command that is being played may itself be done with, its box answered.
+    const auto first =
+        m_script.commands.begin() + static_cast<std::ptrdiff_t>(m_next + (m_answeredBox ? 1 : 0));
+    const auto next = std::find_if(first, m_script.commands.end(), [](const ScriptCommand& command) {
+        return command.verb == Verb::box || command.verb == Verb::expectBox;
+    });
+    return next != m_script.commands.end() && next->words[0] == box.text;
+}
+
+void ScriptRunner::Fail(const std::string& why) {
+    m_state = State::failed;
+    m_failure = m_script.fileName + ':' + std::to_string(m_script.commands[m_next].line) + ": " + why;
+}
+
+std::string ScriptRunner::Verdict() const {
+    return m_state == State::passed ? "script passed" : "script failed: " + m_failure;
+}
+
+} // namespace vesk

@@ -1,0 +1,69 @@
+#include "host/terminal/core/Script.h"
+
+#include <gtest/gtest.h>
+
+namespace vesk {
+namespace {
+
+TEST(Script, ReadsCommands) {
+    const struct {
+        const char* line;
+        const char* command; // as written back; empty for a line without one
+    } rows[] = {
+        {"menu \"Planfold\" \"Order Entry\"", "menu \"Planfold\" \"Order Entry\""},
+        {"  select 1003\tNSE # comment", "select 1003 \"NSE\""},
+        {"edit 1025 \"# no comment\"", "edit 1025 \"# no comment\""},
+        {"edit 1025 \"\"", "edit 1025 \"\""},
+        {R"(box "a \"b\" \\ c\nd" Yes)", R"(box "a \"b\" \\ c\nd" Yes)"},
+        {"expect combo 1026", "expect combo 1026"},
+        {"expect combo 1026 daily weekly", "expect combo 1026 \"daily\" \"weekly\""},
+        {"expect no-window X\r", "expect no-window \"X\""},
+        {"font -2 0", "font -2 0"},
+        {"key Shift+Tab", "key Shift+Tab"},
+        {"", ""},
+        {"# only a comment", ""},
+    };
+    for (const auto& row : rows) {
+        const auto script = Script::Parse(row.line, "a.script");
+        ASSERT_TRUE(script) << row.line << ": " << script.Fault().Text();
+        const auto& commands = script.Value().commands;
+        ASSERT_EQ(commands.size(), *row.command ? 1u : 0u) << row.line;
+        for (const ScriptCommand& command : commands)
+            EXPECT_EQ(command.Text(), row.command);
+    }
+}
+
+TEST(Script, FaultsNameFileAndLine) {
+    const struct {
+        const char* text;
+        const char* fault;
+    } rows[] = {
+        {"exit\n\nfly away", "a.script:3: unknown command \"fly\""},
+        {"expect miracle", "a.script:1: unknown command \"expect\""},
+        {"\"menu", "a.script:1: a quote is not closed"},
+        {"type \"a\\", "a.script:1: a quote is not closed"},
+        {"type \"a\\t\"", "a.script:1: unknown escape \\t"},
+        {"press", "a.script:1: \"press\" takes 1 words, 0 found"},
+        {"press 1 2", "a.script:1: \"press\" takes 1 words, 2 found"},
+        {"press OK", "a.script:1: \"OK\" is not a whole number"},
+        {"press 99999999999", "a.script:1: \"99999999999\" is not a whole number"},
+        {"menu File", "a.script:1: \"menu\" takes at least 2 words, 1 found"},
+        {"key Enterr", "a.script:1: \"Enterr\" is not a key"},
+        {"right \"QV\" yes", "a.script:1: \"yes\" is neither on nor off"},
+        {"answer Maybe", "a.script:1: \"Maybe\" is not an answer"},
+    };
+    for (const auto& row : rows) {
+        const auto script = Script::Parse(row.text, "tests/a.script");
+        ASSERT_FALSE(script) << row.text;
+        EXPECT_EQ(script.Fault().Text(), row.fault);
+    }
+}
+
+TEST(Script, RulesStandInTheOrderOfTheVerbs) {
+    std::size_t expected = 0;
+    for (const VerbRule& rule : VerbRules())
+        EXPECT_EQ(static_cast<std::size_t>(rule.verb), expected++) << rule.name;
+}
+
+} // namespace
+} // namespace vesk

@@ -1,0 +1,127 @@
+#include "host/terminal/core/TerminalConfig.h"
+#include "host/terminal/core/UserSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace vesk {
+namespace {
+
+class UserSettingsFile : public testing::Test {
+protected:
+    void SetUp() override {
+        m_folder = std::filesystem::path(testing::TempDir())
+                   / testing::UnitTest::GetInstance()->current_test_info()->name();
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directories(m_folder);
+    }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
+    std::string Path() const { return (m_folder / "settings.json").string(); }
+
+    std::filesystem::path m_folder;
+};
+
+TEST_F(UserSettingsFile, ComesBackAfterRestart) {
+    UserSettings first;
+    EXPECT_FALSE(first.Open(Path()));
+    EXPECT_EQ(first.Read("Client_Search", "Planfold Order Entry"), std::nullopt);
+    EXPECT_TRUE(first.Write("Client_Search", "Planfold Order Entry", "1"));
+    EXPECT_TRUE(first.Write("Client_Search", "a \"quoted\" key\\", ""));
+    EXPECT_TRUE(first.Write("Client_Search", "Planfold Order Entry", "2"));
+
+    UserSettings second;
+    EXPECT_FALSE(second.Open(Path()));
+    EXPECT_EQ(second.Read("Client_Search", "Planfold Order Entry"), "2");
+    EXPECT_EQ(second.Read("Client_Search", "a \"quoted\" key\\"), "");
+    EXPECT_EQ(second.Read("Client_Search_Settings", "Planfold Order Entry"), std::nullopt);
+}
+
+TEST_F(UserSettingsFile, WritesAnEmptyFirstValue) {
+    UserSettings settings;
+    settings.Open(Path());
+    EXPECT_TRUE(settings.Write("s", "k", ""));
+    UserSettings again;
+    again.Open(Path());
+    EXPECT_EQ(again.Read("s", "k"), "");
+}
+
+TEST_F(UserSettingsFile, SurvivesTextThatIsNotUtf8) {
+    UserSettings settings;
+    settings.Open(Path());
+    EXPECT_TRUE(settings.Write("s", "k", "caf\xe9"));
+    UserSettings again;
+    EXPECT_FALSE(again.Open(Path()));
+}
+
+TEST_F(UserSettingsFile, PutsABadFileAside) {
+    const struct {
+        const char* text;
+        const char* fault;
+    } rows[] = {
+        {"{\n  \"s\": {\n    \"k\": \n  }\n}", "settings.json:4: this is not JSON"},
+        {"", "settings.json:1: this is not JSON"},
+        {"[]", "settings.json:1: an object { } is expected"},
+        {"{\"s\": 1}", "settings.json: section \"s\" is not an object"},
+        {"{\"s\": {\"k\": 1}}", "settings.json: \"s\", \"k\" is not a text"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_TRUE(WriteWholeFile(Path(), row.text));
+        UserSettings settings;
+        const auto fault = settings.Open(Path());
+        ASSERT_TRUE(fault) << row.text;
+        EXPECT_EQ(fault->Text(), row.fault);
+        EXPECT_TRUE(settings.Write("s", "k", "v"));
+        EXPECT_EQ(ReadWholeFile(Path() + ".bad").Value(), row.text);
+    }
+}
+
+TEST_F(UserSettingsFile, KeepsTheValueWhenTheFileCannotBeWritten) {
+    UserSettings settings;
+    settings.Open((m_folder / "missing" / "settings.json").string());
+    EXPECT_FALSE(settings.Write("s", "k", "v"));
+    EXPECT_EQ(settings.Read("s", "k"), "v");
+}
+
+TEST(TerminalConfig, LeavesOutWhatTheFileLeavesOut) {
+    const auto loaded = TerminalConfig::Parse(
+        R"({"loginId": "U1", "loginMode": 4, "products": ["CNC"], "rights": {"QV: Planfold": false}})", "t");
+    ASSERT_TRUE(loaded);
+    const TerminalConfig& config = loaded.Value();
+    EXPECT_EQ(config.loginId, "U1");
+    EXPECT_EQ(config.loginMode, 4);
+    EXPECT_EQ(config.clientSearchMs, TerminalConfig().clientSearchMs);
+    EXPECT_EQ(config.products, std::vector<std::string>{"CNC"});
+    EXPECT_FALSE(config.rights.at("QV: Planfold"));
+}
+
+TEST(TerminalConfig, FaultsNameTheMember) {
+    const struct {
+        const char* text;
+        const char* fault;
+    } rows[] = {
+        {R"({"loginId": 1})", "terminal.json: loginId is not a text"},
+        {R"({"loginMode": 5})", "terminal.json: loginMode is not a whole number between 0 and 4"},
+        {R"({"loginMode": 1.5})", "terminal.json: loginMode is not a whole number between 0 and 4"},
+        {R"({"clientOverview": 1})", "terminal.json: clientOverview is neither true nor false"},
+        {R"({"products": "CNC"})", "terminal.json: products is not a list"},
+        {R"({"products": ["CNC", 1]})", "terminal.json: products holds something that is not a text"},
+        {R"({"rights": []})", "terminal.json: rights is not an object"},
+        {R"({"rights": {"QV": 1}})", "terminal.json: right \"QV\" is neither true nor false"},
+        {"{\n\"loginId\"\n}", "terminal.json:3: this is not JSON"},
+    };
+    for (const auto& row : rows) {
+        const auto loaded = TerminalConfig::Parse(row.text, "data/terminal.json");
+        ASSERT_FALSE(loaded) << row.text;
+        EXPECT_EQ(loaded.Fault().Text(), row.fault);
+    }
+}
+
+TEST(TerminalConfig, DeliveredFileLoads) {
+    const auto loaded = TerminalConfig::Load(std::string(DATA_FOLDER) + "/terminal.json");
+    ASSERT_TRUE(loaded) << loaded.Fault().Text();
+    EXPECT_FALSE(loaded.Value().loginId.empty());
+}
+
+} // namespace
+} // namespace vesk
