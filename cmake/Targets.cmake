@@ -12,7 +12,7 @@ endif()
 if(WIN32)
     add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
     add_compile_options(-ffunction-sections -fdata-sections)
-    add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections -Wl,--no-insert-timestamp)
+    add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections )
 endif()
 
 # house_library(NAME SOURCES... [LINK libs...])

@@ -43,6 +43,8 @@ protected:
     // After each new layout.
     virtual void OnLaidOut() {}
 
+    HINSTANCE Module() const { return m_module; }
+
     void OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:

@@ -1,12 +1,24 @@
 #include "framework/MessageBoxes.h"
 
+#include <utility>
+
 namespace framework {
 
 void MessageBoxes::Show(HWND owner, std::string_view text) {
+    if (m_holding) {
+        m_held.push_back({owner, std::string(text)});
+        return;
+    }
     m_pending.Add(owner, text);
     if (m_open) return;
     while (const auto box = m_pending.TakeNext())
         Open(box->owner, box->text, MB_OK);
+}
+
+MessageBoxes::Hold::~Hold() {
+    m_boxes.m_holding = false;
+    for (const Text& held : std::exchange(m_boxes.m_held, {}))
+        m_boxes.Show(held.owner, held.text);
 }
 
 int MessageBoxes::Ask(HWND owner, const std::string& text, UINT style) {

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace framework {
 
@@ -21,12 +22,32 @@ public:
     // A question is asked in its own box: 0 when another box is open, else the button pressed.
     int Ask(HWND owner, const std::string& text, UINT style);
 
+    // While one lives, texts are kept; then each is shown in a box of its own. For code that a message loop
+    // must not enter.
+    class Hold {
+    public:
+        explicit Hold(MessageBoxes& boxes) : m_boxes(boxes) { m_boxes.m_holding = true; }
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+        ~Hold();
+
+    private:
+        MessageBoxes& m_boxes;
+    };
+
 private:
+    struct Text {
+        HWND owner;
+        std::string text;
+    };
+
     int Open(HWND owner, const std::string& text, UINT style);
 
     std::string m_caption;
     PendingTexts<HWND> m_pending;
+    std::vector<Text> m_held;
     bool m_open = false;
+    bool m_holding = false;
 };
 
 } // namespace framework

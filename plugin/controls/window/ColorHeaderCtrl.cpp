@@ -1,0 +1,4 @@
+#include "plugin/controls/window/ColorHeaderCtrl.h"
+
+CColorHeaderCtrl::CColorHeaderCtrl() = default;
+CColorHeaderCtrl::~CColorHeaderCtrl() = default;

@@ -1,0 +1,48 @@
+// The base of the plug-in's dialogs: a dialog of the framework that is also the view which the code that
+// decides talks to. Its message boxes go through the plug-in's one queue.
+#pragma once
+
+#include "framework/Dialog.h"
+#include "framework/MessageBoxes.h"
+#include "plugin/controls/DialogView.h"
+
+namespace planfold {
+
+LocalDateTime FromSystemTime(const SYSTEMTIME& time);
+LocalDateTime LocalNow();
+
+class DialogWindow : public framework::Dialog, public DialogView {
+public:
+    DialogWindow(HINSTANCE module, int resource, framework::MessageBoxes& boxes)
+        : Dialog(module, resource), m_boxes(boxes) {}
+
+    void ShowMessage(std::string_view text) override { m_boxes.Show(Dialog::Handle(), text); }
+
+    HostWindow Handle() const override { return Dialog::Handle(); }
+    void SetTitle(std::string_view text) override { Self().SetText(std::string(text)); }
+    void Close() override { Destroy(); }
+
+    std::string Text(int control) const override { return Item(control).Text(); }
+    void SetText(int control, std::string_view text) override { Item(control).SetText(std::string(text)); }
+    void Show(int control, bool shown) override { Item(control).Show(shown); }
+    void Enable(int control, bool enabled) override { Item(control).Enable(enabled); }
+    void Focus(int control) override { Item(control).Focus(); }
+    void SetDigitsOnly(int edit, bool on) override { Item<framework::Edit>(edit).DigitsOnly(on); }
+
+    std::vector<std::string> Items(int combo) const override {
+        return Item<framework::ComboBox>(combo).Items();
+    }
+    void AddItem(int combo, std::string_view text) override {
+        Item<framework::ComboBox>(combo).Add(std::string(text));
+    }
+    void Select(int combo, int index) override { Item<framework::ComboBox>(combo).Select(index); }
+    bool SelectText(int combo, std::string_view text) override;
+
+    LocalDateTime Date(int picker) const override;
+    void SetDate(int picker, const LocalDateTime& date) override;
+
+private:
+    framework::MessageBoxes& m_boxes;
+};
+
+} // namespace planfold

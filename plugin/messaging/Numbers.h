@@ -1,0 +1,27 @@
+// Numbers out of typed or received text, and the range of a price.
+#pragma once
+
+#include "sdk/HostRecords.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace planfold {
+
+// The whole number at the start of the text, after blanks and a sign; 0 without one. Held at the ends of
+// the 64-bit range.
+std::int64_t LeadingInteger(std::string_view text);
+
+// The decimal number at the start of the text, after blanks and a sign; 0 without one.
+double LeadingReal(std::string_view text);
+
+// Whether the price fits the exchange's integers. On failure `message` says which range it leaves and, with
+// scrip details, the largest price: texts to be put behind the name of the checked field.
+bool CheckPriceRange(std::string_view price, std::string& message, const ScripDetails* details,
+                     bool check32Bit);
+
+// The largest price of the scrip that fits 32 bits and its tick. False without details.
+bool FormatMaxPrice(std::string& text, const ScripDetails* details);
+
+} // namespace planfold

@@ -1,0 +1,74 @@
+// Requests as tables: rows of tag, where the value comes from, and the text shown when it cannot be added.
+// One engine builds and sends them all.
+#pragma once
+
+#include "plugin/messaging/Session.h"
+#include "sdk/RxControl.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace planfold {
+
+inline constexpr const char* kBuildFailed = "zup_add_parameter: Error while building message";
+
+// `Source` is what the values are read from. A value is asked for when its turn comes, once, and its
+// characters must live as long as the source.
+template <class Source>
+struct RequestField {
+    std::uint32_t tag;
+    // None leaves the field out.
+    std::optional<std::string_view> (*value)(Source&);
+    const char* failure; // null fails without a word
+    // What else happens when this field cannot be added.
+    void (*onFailure)(Source&) = nullptr;
+};
+
+template <class Source>
+struct Request {
+    std::span<const RequestField<Source>> fields; // the first is the request name under tag 0
+    const char* sendFailure;
+    const char* startFailure = kBuildFailed; // null fails without a word
+};
+
+// Appends one field to the session's message; an empty value is sent as a null pointer.
+bool AddField(Session& session, std::uint32_t tag, std::string_view value);
+
+// False when the control is missing or refuses.
+bool SendMessage(Session& session, RxControl* control);
+
+// Builds and sends. The first failure is shown, nothing is sent and false is returned.
+template <class Source>
+bool SendRequest(Session& session, RxControl* control, Notices& notices, const Request<Source>& request,
+                 Source& source) {
+    const auto fail = [&](const char* text) {
+        if (text) notices.ShowMessage(text);
+        return false;
+    };
+    if (!session.StartMessage()) return fail(request.startFailure);
+
+    constexpr std::size_t mostFields = 32;
+    std::array<std::optional<std::string_view>, mostFields> values;
+    auto generation = session.Generation();
+    std::size_t added = 0;
+    for (std::size_t asked = 0; asked < request.fields.size(); ++asked) {
+        values.at(asked) = request.fields[asked].value(source);
+        // Asking the host may have let another request use the buffer: then all is added again.
+        if (session.Generation() != generation) {
+            if (!session.StartMessage()) return fail(request.startFailure);
+            generation = session.Generation();
+            added = 0;
+        }
+        for (; added <= asked; ++added) {
+            const RequestField<Source>& field = request.fields[added];
+            if (!values[added] || AddField(session, field.tag, *values[added])) continue;
+            if (field.onFailure) field.onFailure(source);
+            return fail(field.failure);
+        }
+    }
+    return SendMessage(session, control) || fail(request.sendFailure);
+}
+
+} // namespace planfold

@@ -1,0 +1,27 @@
+#include "plugin/messaging/RxLink.h"
+
+namespace planfold {
+
+namespace {
+
+template <class Function>
+Function* FindOrTell(const HostLookup& lookup, const char* name, Notices& notices) {
+    Function* found = Find<Function>(lookup, name);
+    if (!found) notices.ShowMessage("Exe is not compatible with the plugin");
+    return found;
+}
+
+} // namespace
+
+RxLink::RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase* notifier, Notices& notices)
+    : m_destroy(nullptr) {
+    const auto get = FindOrTell<sdk::fn::GetKeloRxControl>(lookup, "GetKeloRxControl", notices);
+    m_destroy = FindOrTell<sdk::fn::DestoryKeloRxCOntrol>(lookup, "DestoryKeloRxCOntrol", notices);
+    if (get) m_control = get(kind, notifier);
+}
+
+RxLink::~RxLink() {
+    if (m_control && m_destroy) m_destroy(m_control);
+}
+
+} // namespace planfold

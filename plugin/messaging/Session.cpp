@@ -1,0 +1,91 @@
+#include "plugin/messaging/Session.h"
+
+#include "plugin/messaging/Tags.h"
+#include "sdk/CStringArray.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace planfold {
+
+namespace {
+
+constexpr std::uint32_t kScratchBytes = 32768;
+
+} // namespace
+
+Session::~Session() {
+    QmxError error{};
+    if (m_primeCb) qmx_dtor_primecb(&m_primeCb, &error);
+    if (m_scratch) qmx_close_scratch(&m_scratch, &error);
+}
+
+void Session::OpenHandles(Notices& notices) {
+    QmxError error{};
+    ++m_generation;
+    m_scratch = nullptr;
+    if (!qmx_open_scratch(&m_scratch, kScratchBytes, &error)) notices.ShowMessage("Buffer Handle open Failed");
+    m_primeCb = nullptr;
+    if (!qmx_ctor_primecb(&m_primeCb, &error)) notices.ShowMessage("MNM Handle Open Failed");
+}
+
+bool Session::StartMessage() {
+    QmxError error{};
+    ++m_generation;
+    constexpr std::uint32_t empty = 0;
+    if (m_scratch) std::memcpy(m_scratch, &empty, sizeof empty);
+    return qmx_start_msg(m_primeCb, m_scratch, &error) != 0;
+}
+
+LoginIdentity Session::GetLoginIdentity() const {
+    switch (m_nLoginMode) {
+    case 0:
+        return {tag::peerIdA, {}};
+    case 1:
+        return {tag::peerIdA, identity.peerIdA};
+    case 2:
+        return {tag::peerIdB, identity.peerIdB};
+    default:
+        return {tag::loginId, identity.loginId};
+    }
+}
+
+bool Session::GetActiveClient(std::string& client) {
+    client.clear();
+    if (host.pu_get_ActiveClient) {
+        CString active = String();
+        host.pu_get_ActiveClient(&active);
+        client = active.View();
+        identity.activeClient = client;
+    }
+    return !identity.activeClient.empty();
+}
+
+void Session::Log(std::string_view text) const {
+    if (!host.pu_add_to_tabbed_log) return;
+    PassedString line(text, strings);
+    host.pu_add_to_tabbed_log(line.Hand());
+}
+
+bool Session::HasRight(std::string_view right) const {
+    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
+    if (!enabled) return false;
+    const CString name = String(right);
+    return enabled(&name) != 0;
+}
+
+std::vector<std::string> Session::MappedAccounts() const {
+    CStringArray accounts;
+    host.pu_get_all_mappedAccount_ids(&accounts);
+    std::vector<std::string> result;
+    for (const CString& account : accounts.Elements())
+        result.emplace_back(account.View());
+    return result;
+}
+
+const FrequencyRow* FindFrequency(std::string_view word) {
+    const auto* row = std::ranges::find(kFrequencies, word, &FrequencyRow::word);
+    return row == std::end(kFrequencies) ? nullptr : row;
+}
+
+} // namespace planfold

@@ -1,0 +1,100 @@
+// What every request needs: the connection library's handles, who is logged in and how, the server's
+// operation mode, and the host's callbacks. One for the plug-in, owned by the control block.
+#pragma once
+
+#include "plugin/messaging/HostCallbacks.h"
+#include "sdk/CString.h"
+#include "sdk/Qmx.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// The process-wide strings, which outlive the session.
+struct Identity {
+    std::string& loginId;
+    std::string& peerIdA;
+    std::string& peerIdB;
+    std::string& activeClient;
+};
+
+// Where a text for the user is shown: a plain message box with OK, owned by the window that asks.
+class Notices {
+public:
+    virtual void ShowMessage(std::string_view text) = 0;
+
+protected:
+    ~Notices() = default;
+};
+
+// Tag and value under which the server knows the user.
+struct LoginIdentity {
+    std::uint32_t tag;
+    std::string_view value;
+};
+
+class Session {
+public:
+    Session(HostLookup hostLookup, Identity identityStrings, StringManager& manager)
+        : lookup(std::move(hostLookup)), identity(identityStrings), strings(manager) {}
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    // Closes both handles.
+    ~Session();
+
+    // Opens both handles anew, over the old ones, which stay open. Each failure is one text.
+    void OpenHandles(Notices& notices);
+
+    // Begins an empty message. False when the library refuses.
+    bool StartMessage();
+    // Tells whether the message begun at a generation is still the one in the buffer: a host callback may
+    // run a message loop, in which another request is built or the handles are opened anew.
+    std::uint64_t Generation() const { return m_generation; }
+
+    LoginIdentity GetLoginIdentity() const;
+    // Asks the host; true when a client is active.
+    bool GetActiveClient(std::string& client);
+    // One line of the host's tabbed log; nothing when the host has none.
+    void Log(std::string_view text) const;
+    bool HasRight(std::string_view right) const;
+    std::vector<std::string> MappedAccounts() const;
+
+    CString String(std::string_view text = {}) const { return CString(text, strings); }
+
+    HostLookup lookup;
+    HostCallbacks host;
+    Identity identity;
+    StringManager& strings;
+
+    void* m_primeCb = nullptr;
+    void* m_scratch = nullptr;
+    std::int32_t m_nLoginMode = 0;
+    std::int32_t m_nSipOperationMode = 0; // 1 once the server has supplied the periods below
+    double m_dMinSipDaily = 0.0;          // least number of instalments, a frequency each
+    double m_dMinSipWeekly = 0.0;
+    double m_dMinSipMonthly = 0.0;
+    double m_dMinSipYearly = 0.0;
+
+private:
+    std::uint64_t m_generation = 0;
+};
+
+// The minimum that belongs to a frequency word.
+struct FrequencyRow {
+    std::string_view word;
+    double Session::*minimum;
+};
+inline constexpr FrequencyRow kFrequencies[] = {
+    {"daily", &Session::m_dMinSipDaily},
+    {"weekly", &Session::m_dMinSipWeekly},
+    {"monthly", &Session::m_dMinSipMonthly},
+    {"yearly", &Session::m_dMinSipYearly},
+};
+
+// Null for any other word.
+const FrequencyRow* FindFrequency(std::string_view word);
+
+} // namespace planfold

@@ -1,0 +1,37 @@
+// The field tags of requests, answers and stream messages.
+#pragma once
+
+#include <cstdint>
+
+namespace planfold::tag {
+
+inline constexpr std::uint32_t requestName = 0;
+inline constexpr std::uint32_t frequency = 10012;
+inline constexpr std::uint32_t token = 10100;
+inline constexpr std::uint32_t side = 12003;
+inline constexpr std::uint32_t validity = 12005;
+inline constexpr std::uint32_t orderType = 12008;
+inline constexpr std::uint32_t userText = 20008;
+inline constexpr std::uint32_t loginId = 31003;
+inline constexpr std::uint32_t errorCode = 32766;
+inline constexpr std::uint32_t echoedRequest = 32767;
+inline constexpr std::uint32_t startDate = 49165;
+inline constexpr std::uint32_t amountOrQuantity = 53063;
+inline constexpr std::uint32_t cautionaryFlag = 53405;
+inline constexpr std::uint32_t account = 54001;
+inline constexpr std::uint32_t customerFirm = 54056;
+inline constexpr std::uint32_t minimumPeriods = 54101;
+inline constexpr std::uint32_t investType = 54152;
+inline constexpr std::uint32_t orderId = 54158;
+inline constexpr std::uint32_t streamName = 54211;
+inline constexpr std::uint32_t exchange = 63001;
+inline constexpr std::uint32_t tradingSymbol = 63100;
+inline constexpr std::uint32_t totalPeriod = 63415;
+inline constexpr std::uint32_t operationMode = 63715;
+inline constexpr std::uint32_t product = 64030;
+inline constexpr std::uint32_t peerIdB = 64053;
+inline constexpr std::uint32_t peerIdA = 64056;
+inline constexpr std::uint32_t orderSource = 64756;
+inline constexpr std::uint32_t registrationNumber = 64804;
+
+} // namespace planfold::tag

@@ -1,0 +1,42 @@
+#include "plugin/messaging/Text.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <stdexcept>
+
+namespace planfold {
+
+std::string Format(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    std::string text;
+    if (length >= 0) {
+        text.resize(static_cast<std::size_t>(length) + 1);
+        std::vsnprintf(text.data(), text.size(), format, again);
+        text.pop_back();
+    }
+    va_end(again);
+    if (length < 0) throw std::runtime_error("text cannot be formatted");
+    return text;
+}
+
+int NextCsvField(std::string_view line, int start, std::string& field) {
+    field.clear();
+    auto at = static_cast<std::size_t>(start);
+    if (start != 0) {
+        if (start < 0 || at >= line.size() || line[at] != ',') return -1;
+        ++at;
+    }
+    // A zero ends the text as it does for every reader of it.
+    constexpr std::string_view ends(",\n\r\0", 4);
+    const std::size_t end = std::min(line.find_first_of(ends, at), line.size());
+    field = line.substr(at, end - at);
+    return end < line.size() && line[end] == '\n' ? -1 : static_cast<int>(end);
+}
+
+} // namespace planfold

@@ -1,0 +1,23 @@
+// Small text helpers shared by all subsystems.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace planfold {
+
+#ifdef __MINGW32__
+#define PLANFOLD_PRINTF gnu_printf
+#else
+#define PLANFOLD_PRINTF printf
+#endif
+
+// The format is always one of our own literals, never text from outside.
+[[gnu::format(PLANFOLD_PRINTF, 1, 2)]] std::string Format(const char* format, ...);
+
+// Cuts one field out of a basket line, starting at `start`: 0, or the position of the "," in front of the
+// field. The field ends at ",", line feed, carriage return or the end of the text. Returns where it ended,
+// or -1 when it ended at a line feed or `start` is no ",".
+int NextCsvField(std::string_view line, int start, std::string& field);
+
+} // namespace planfold

@@ -1,0 +1,59 @@
+#include "plugin/orderentry/OperationMode.h"
+
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Request.h"
+#include "plugin/messaging/Tags.h"
+
+namespace planfold {
+
+namespace {
+
+struct NoSource {};
+
+constexpr RequestField<NoSource> kFields[] = {
+    {tag::requestName, [](NoSource&) -> std::optional<std::string_view> { return "get_sip_operation_mode"; },
+     "Failed to add the request add_sip_orders"},
+};
+constexpr Request<NoSource> kRequest{kFields, "Sending Request add_sip_orders Failed"};
+
+// What a server without a period list offers, after whatever was read before.
+OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
+    answer.understood = true;
+    for (const char* frequency : {"daily", "weekly", "monthly"})
+        answer.frequencies.emplace_back(frequency);
+    session.m_nSipOperationMode = 0;
+    return answer;
+}
+
+} // namespace
+
+bool SendGetSipOperationMode(Session& session, RxControl* control, Notices& notices) {
+    NoSource source;
+    return SendRequest(session, control, notices, kRequest, source);
+}
+
+OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
+    QmxField list{};
+    QmxError error{};
+    if (!qmx_get_field(answer.message, tag::frequency, &list, &error)) {
+        if (answer.hasError && FieldCount(answer.message, tag::errorCode) > 0) return Defaults(session, {});
+        return {};
+    }
+    OperationModeAnswer result;
+    for (std::uint32_t i = 0; i < list.count; ++i) {
+        const std::string frequency = FieldText(answer.message, tag::frequency, i);
+        if (frequency == "0") return Defaults(session, result);
+        if (!frequency.empty()) result.frequencies.push_back(frequency);
+        std::string minimum;
+        int status = kFieldRead;
+        const FrequencyRow* row = FindFrequency(frequency);
+        if (GetFieldString(answer.message, tag::minimumPeriods, i, minimum, status) && row)
+            session.*row->minimum = LeadingReal(minimum);
+    }
+    result.understood = true;
+    result.serverPeriods = true;
+    session.m_nSipOperationMode = 1;
+    return result;
+}
+
+} // namespace planfold

@@ -1,0 +1,57 @@
+// What the order entry window decides without being one: its first contents, what follows a change of a
+// control, Submit, and what an answer changes.
+#pragma once
+
+#include "plugin/controls/DialogView.h"
+#include "plugin/messaging/Answer.h"
+#include "plugin/messaging/Session.h"
+#include "plugin/orderentry/SipOrder.h"
+#include "sdk/RxControl.h"
+
+#include <string_view>
+
+namespace planfold {
+
+class OrderEntry {
+public:
+    // `control` may be null: every sending then fails with its own text.
+    OrderEntry(Session& session, DialogView& view, RxControl* control)
+        : m_session(session), m_view(view), m_control(control) {}
+
+    // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
+    // is the comma-separated list of the settings file; it counts only for holders of the right.
+    void Initialise(const LocalDateTime& now, std::string_view customProducts);
+
+    void OnExchangeChanged();
+    void OnSeriesChanged();
+    void OnInvestTypeChanged();
+
+    // Checks and sends what the form holds. Does nothing while an earlier press is still being worked on:
+    // the host's question about a cautionary order lets the user press again.
+    void Submit(const LocalDateTime& now);
+
+    void OnResponse(void* message);
+
+private:
+    enum class ScripLevel : int { exchange = 0, series = 1 };
+
+    SipOrderForm ReadForm() const;
+    void PrepareClient();
+    void FillProducts(std::string_view customProducts);
+    void RefreshScrips(ScripLevel changed);
+    void HandleOperationMode(const Answer& answer);
+    void HandleUserText(const Answer& answer);
+    void HandleModified(const Answer& answer);
+
+    static const AnswerHandler<OrderEntry> kAnswers[];
+
+    Session& m_session;
+    DialogView& m_view;
+    RxControl* m_control;
+    bool m_submitting = false;
+    int m_openModeRequests = 0;    // sent and not yet answered
+    int m_earlierModeRequests = 0; // of those, sent by windows before this one
+    bool m_frequenciesListed = false;
+};
+
+} // namespace planfold

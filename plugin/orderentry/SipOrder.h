@@ -1,0 +1,59 @@
+// One SIP order on its way from the form to the server.
+#pragma once
+
+#include "plugin/controls/DialogView.h"
+#include "plugin/messaging/Dates.h"
+
+#include <optional>
+#include <string>
+
+namespace planfold {
+
+// The controls of the form as they read when Submit is pressed.
+struct SipOrderForm {
+    std::string exchange; // "NSE"
+    std::string series;   // "EQ"
+    std::string symbol;
+    std::string action; // "SIP" or "SWP"
+    std::string orderType;
+    std::string product;
+    std::string frequency;
+    std::string investType; // "Amount" or "Quantity"
+    std::string value;      // rupees or shares, as typed
+    std::string totalPeriod;
+    std::string client;
+    LocalDateTime startDate;
+    bool modifyMode = false;
+};
+
+// The order in the server's words. Empty when made, filled by ValidateSipOrder.
+struct sSipOrderData {
+    std::string orderType; // "MKT"
+    std::string product;
+    std::string frequency;
+    std::string amountOrQuantity; // whole paise, or shares
+    std::string totalPeriod;
+    std::string startDate; // seconds since 1 January 1970, decimal
+    std::string customerFirm;
+    std::string validity;
+    std::string investType;      // "value" or "qty"
+    std::string exchangeSegment; // "nse_cm"
+    std::string side;            // "B" or "S"
+    std::string token;
+    std::string tradingSymbol;
+    std::string client;
+    std::string sideLabel; // "BUY" or "SELL", for log lines
+};
+
+// Why an order is refused, and whether the user is led back to the value edit.
+struct Refusal {
+    std::string text;
+    bool focusValue = false;
+};
+
+// Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
+// host's scrip callbacks; `now` is the local time.
+std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
+                                        const LocalDateTime& now, sSipOrderData& record);
+
+} // namespace planfold

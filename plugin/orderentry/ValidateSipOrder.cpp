@@ -1,0 +1,150 @@
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/orderentry/SipOrder.h"
+#include "plugin/resources/resource.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace planfold {
+
+namespace {
+
+using Verdict = std::optional<Refusal>;
+
+constexpr int kMostYearsAhead = 2;
+
+void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& record) {
+    CString symbol = session.String();
+    CString exchangeAndToken = session.String();
+    session.host.pu_get_trading_symbol_n_token(dialog, IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_HOST_SCRIP_1,
+                                               IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3, &symbol, &exchangeAndToken);
+    record.tradingSymbol = symbol.View();
+    const std::string_view pair = exchangeAndToken.View();
+    const std::size_t bar = pair.find('|');
+    record.exchangeSegment = pair.substr(0, bar);
+    if (bar != pair.npos) record.token = pair.substr(bar + 1);
+}
+
+std::string TradingSymbol(const Session& session, const std::string& scripKey) {
+    if (!session.host.pu_get_intersted_scrip_field) return {};
+    constexpr int fieldCount = 6;
+    const CString key = session.String(scripKey);
+    CString exchange = session.String(), series = exchange, symbol = exchange;
+    CString token = exchange, tradingSymbol = exchange, company = exchange;
+    session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &series, &symbol, &token,
+                                              &tradingSymbol, &company);
+    return std::string(tradingSymbol.View());
+}
+
+std::string Token(const Session& session, const std::string& exchange, const std::string& tradingSymbol) {
+    if (!session.host.pu_get_scrip_details_from_TradSymbol) return {};
+    const CString exchangeText = session.String(exchange);
+    const CString symbolText = session.String(tradingSymbol);
+    ScripDetails details{};
+    const ScripDetails* found =
+        session.host.pu_get_scrip_details_from_TradSymbol(&exchangeText, &symbolText, &details);
+    return found ? std::string(found->token, strnlen(found->token, sizeof found->token)) : std::string();
+}
+
+void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrderData& record) {
+    Convert(kExchangeToServer, form.exchange, record.exchangeSegment);
+    record.tradingSymbol =
+        TradingSymbol(session, record.exchangeSegment + "|" + form.series + "|" + form.symbol);
+    session.Log(
+        Format("SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
+               record.exchangeSegment.c_str(), form.series.c_str(), form.symbol.c_str(),
+               record.tradingSymbol.c_str()));
+    record.token = Token(session, form.exchange, record.tradingSymbol);
+    session.Log(Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
+                       form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str()));
+}
+
+Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
+    if (form.modifyMode) return std::nullopt;
+    const LocalDateTime today = now.Midnight();
+    if (ToSeconds(form.startDate.Midnight()) < ToSeconds(today))
+        return Refusal{"Start Date Cannot be less that today's Date"};
+    const std::int64_t latest = ToSeconds(today) + CountDaysInYears(today, kMostYearsAhead) * kSecondsPerDay;
+    if (ToSeconds(form.startDate) > latest)
+        return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
+    return std::nullopt;
+}
+
+Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
+    if (form.totalPeriod.empty()) return Refusal{"Enter a Month."};
+    if (form.totalPeriod == "0") return Refusal{"Enter valid Month."};
+    const std::int64_t period = LeadingInteger(form.totalPeriod);
+    if (session.m_nSipOperationMode == 1) {
+        const FrequencyRow* frequency = FindFrequency(form.frequency);
+        const double minimum = frequency ? session.*frequency->minimum : 0.0;
+        if (frequency && static_cast<double>(period) < minimum)
+            return Refusal{Format("Minimum SIP value is %.0lf", minimum)};
+    } else if (period < 1 || period > 60) {
+        return Refusal{"Month Should be Between 1 and 60"};
+    }
+    return std::nullopt;
+}
+
+Verdict QuantityToWire(std::string& value) {
+    if (value.empty()) return Refusal{"Enter Quantity"};
+    if (value == "." || value == "0") return Refusal{"Enter valid Quantity"};
+    const std::int64_t shares = LeadingInteger(value);
+    if (shares == 0) return Refusal{"Quantity cannot be zero", true};
+    if (LeadingReal(value) > INT_MAX)
+        return Refusal{Format(" should not be more than integer max value(%d)", INT_MAX)};
+    value = Format("%d", static_cast<int>(std::max<std::int64_t>(shares, INT_MIN)));
+    return std::nullopt;
+}
+
+Verdict AmountToWire(std::string& value) {
+    constexpr std::size_t mostPaiseDigits = 9;
+    constexpr std::size_t mostFromPoint = 8;
+    if (value.empty()) return Refusal{"Enter Amount"};
+    const double rupees = LeadingReal(value);
+    if (rupees == 0.0) return Refusal{"Enter valid Amount", true};
+    value = Format("%.lf", rupees * 100);
+    const std::size_t point = value.find('.');
+    for (std::size_t i = 0; i < value.size(); ++i)
+        if (i != point && (value[i] < '0' || value[i] > '9'))
+            return Refusal{"Please enter valid amount.", true};
+    if (point == value.npos ? value.size() > mostPaiseDigits : point > mostPaiseDigits)
+        return Refusal{"cannot have more than 7 digits in rupees part of Amount"};
+    if (point != value.npos && value.size() - point > mostFromPoint)
+        return Refusal{"Paise Part cannot Exceed above .99"};
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
+                                        const LocalDateTime& now, sSipOrderData& record) {
+    if (session.host.pu_get_trading_symbol_n_token)
+        ScripFromDialog(session, dialog, record);
+    else
+        ScripFromMaster(session, form, record);
+    Convert(kPlanToServer, form.action, record.side);
+    Convert(kPlanToSideLabel, form.action, record.sideLabel);
+    Convert(kOrderTypeToServer, form.orderType, record.orderType);
+    record.product = form.product;
+    record.frequency = form.frequency;
+
+    if (auto refusal = CheckStartDate(form, now)) return refusal;
+    record.startDate = std::to_string(ParseDate(FormatPickerDate(form.startDate)));
+
+    record.totalPeriod = form.totalPeriod;
+    if (auto refusal = CheckPeriod(session, form)) return refusal;
+    record.customerFirm = "C";
+    record.validity = "DAY";
+    record.client = form.client;
+
+    Convert(kInvestTypeToServer, form.investType, record.investType);
+    record.amountOrQuantity = form.value;
+    if (form.investType == "Quantity") return QuantityToWire(record.amountOrQuantity);
+    if (form.investType == "Amount") return AmountToWire(record.amountOrQuantity);
+    return std::nullopt;
+}
+
+} // namespace planfold

@@ -1,0 +1,97 @@
+#include "plugin/orderentry/window/OrderEntryDlg.h"
+
+#include "framework/Guard.h"
+#include "plugin/messaging/Settings.h"
+#include "plugin/resources/resource.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr char kDateFormat[] = "dd'/'MMM'/'yyyy";
+
+// After a pick from one of these the host may move the focus on.
+constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
+
+struct Change {
+    int control;
+    int notification;
+    void (OrderEntry::*handle)();
+};
+constexpr Change kChanges[] = {
+    {IDC_EXCHANGE, CBN_SELCHANGE, &OrderEntry::OnExchangeChanged},
+    {IDC_SERIES, CBN_SELCHANGE, &OrderEntry::OnSeriesChanged},
+    {IDC_INVEST_BY, CBN_SELCHANGE, &OrderEntry::OnInvestTypeChanged},
+};
+
+} // namespace
+
+COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+    : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
+      m_link(session.lookup, kRxRequests, this, *this), m_entry(session, *this, m_link.Control()) {}
+
+void COrderEntryDlg::Open() {
+    if (!HasWindow()) Create();
+    Self().Show(true);
+    SetForegroundWindow(Dialog::Handle());
+}
+
+void COrderEntryDlg::OnInit() {
+    Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
+    std::string customProducts;
+    ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
+    m_entry.Initialise(LocalNow(), customProducts);
+}
+
+void COrderEntryDlg::OnLaidOut() {
+    LoadPeriodIcons();
+    if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
+    for (const int edit : {IDC_VALUE, IDC_PERIOD})
+        m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+}
+
+// A static takes the size of its icon, so the icon is loaded in the size that the layout gave.
+void COrderEntryDlg::LoadPeriodIcons() {
+    struct IconRow {
+        int control;
+        int icon;
+    };
+    static constexpr IconRow rows[] = {{IDC_PERIOD_ICON_1, IDI_CALENDAR}, {IDC_PERIOD_ICON_2, IDI_REPEAT}};
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const framework::Window control = Item(rows[i].control);
+        const int side = control.ClientRect().bottom;
+        framework::Icon icon(static_cast<HICON>(LoadImageA(
+            Module(), MAKEINTRESOURCEA(rows[i].icon), IMAGE_ICON, side, side, LR_DEFAULTCOLOR)));
+        control.Send(STM_SETICON, reinterpret_cast<WPARAM>(icon.Get()));
+        m_periodIcons[i] = std::move(icon);
+    }
+}
+
+bool COrderEntryDlg::OnCommand(const framework::Command& command) {
+    if (command.id == IDC_SUBMIT && command.notification == BN_CLICKED) {
+        m_entry.Submit(LocalNow());
+        return true;
+    }
+    if (command.notification == CBN_SELENDOK) m_picked = true;
+    if (command.notification == CBN_SELENDCANCEL) m_picked = false;
+    if (command.notification == CBN_CLOSEUP) OnDropDownPicked(command.id);
+    for (const auto& [control, notification, handle] : kChanges)
+        if (command.id == control && command.notification == notification) (m_entry.*handle)();
+    return false;
+}
+
+void COrderEntryDlg::OnDropDownPicked(int combo) {
+    const bool picked = std::exchange(m_picked, false);
+    const auto clearFocus = m_session.host.pu_clear_FocusFromDropDown;
+    if (picked && clearFocus && std::ranges::find(kHostDropDowns, combo) != std::end(kHostDropDowns))
+        clearFocus(Item(combo).Handle(), Dialog::Handle());
+}
+
+void COrderEntryDlg::OnResponse(void*, void* message, void*) noexcept {
+    framework::Guard([&] { m_entry.OnResponse(message); });
+}
+
+} // namespace planfold

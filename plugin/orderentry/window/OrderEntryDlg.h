@@ -1,0 +1,35 @@
+// The order entry window.
+#pragma once
+
+#include "plugin/controls/window/DialogWindow.h"
+#include "plugin/messaging/RxLink.h"
+#include "plugin/orderentry/OrderEntry.h"
+
+namespace planfold {
+
+class COrderEntryDlg final : public DialogWindow, public CKeloRxNotifierBase {
+public:
+    COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    ~COrderEntryDlg() override { Destroy(); }
+
+    // Makes the window unless there is one, and brings it up.
+    void Open();
+
+    void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
+    void OnResponse(void*, void* message, void*) noexcept override;
+
+private:
+    void OnInit() override;
+    void OnLaidOut() override;
+    bool OnCommand(const framework::Command& command) override;
+    void OnDropDownPicked(int combo);
+    void LoadPeriodIcons();
+
+    Session& m_session;
+    RxLink m_link;
+    OrderEntry m_entry;
+    framework::Icon m_periodIcons[2];
+    bool m_picked = false; // in the list that is dropped down
+};
+
+} // namespace planfold

@@ -1,0 +1,48 @@
+#include "plugin/shell/HostCheck.h"
+
+#include "plugin/shell/PluginInfo.h"
+
+#include <algorithm>
+
+namespace planfold {
+
+namespace {
+
+constexpr char kNotCompatible[] = "Initialisation failed. ZUP not compatible with Trader version.";
+
+} // namespace
+
+HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& strings) {
+    const auto getApp = Find<sdk::fn::pu_get_exe_app>(lookup, "pu_get_exe_app");
+    if (!getApp) return {"Exe is not compatible with ZUP"};
+    const VeskApp* app = getApp();
+
+    const auto getPeerData = Find<sdk::fn::pu_get_peer_data>(lookup, "pu_get_peer_data");
+    if (!getPeerData) return {kNotCompatible};
+    CString peerIdA(identity.peerIdA, strings);
+    CString peerIdB(identity.peerIdB, strings);
+    CString other(strings);
+    getPeerData(&peerIdA, &peerIdB, &other);
+    identity.peerIdA = peerIdA.View();
+    identity.peerIdB = peerIdB.View();
+
+    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
+    if (!enabled) return {kNotCompatible};
+    const CString right(kPluginRight, strings);
+    if (!enabled(&right)) return {"You are not enabled on Planfold."};
+    return {nullptr, app};
+}
+
+HostWindow MainFrame(const VeskApp* app) {
+    constexpr std::uint32_t needed = offsetof(VeskApp, mainFrame) + sizeof(VeskApp::mainFrame);
+    return app && app->size >= needed ? app->mainFrame : nullptr;
+}
+
+int PreferredPointSize(int templatePoints, std::intptr_t size, std::intptr_t variation) {
+    constexpr std::intptr_t smallest = 6, largest = 36;
+    // The host's numbers are held first, so that their sum cannot overflow.
+    const std::intptr_t base = size > 0 ? std::min(size, largest) : templatePoints;
+    return static_cast<int>(std::clamp(base + std::clamp(variation, -largest, largest), smallest, largest));
+}
+
+} // namespace planfold

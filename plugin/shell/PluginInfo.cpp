@@ -1,0 +1,48 @@
+#include "plugin/shell/PluginInfo.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr std::string_view kName = "Planfold";
+constexpr std::string_view kVersion = "4.5.2.10";
+constexpr std::uint32_t kBuildStamp = 29032010; // DDMMYYYY
+constexpr std::uint32_t kInterfaceNumber = 58;
+
+// New elements live in the host's own strings, so that they may outlive this library.
+StringManager& ManagerFor(const CString* sibling, StringManager& ownStrings) {
+    return sibling ? sibling->Manager() : ownStrings;
+}
+
+bool MayRestrictDates(const HostLookup& lookup, StringManager& strings) {
+    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
+    if (!enabled) return false;
+    const CString right(kRestrictedDatesRight, strings);
+    return enabled(&right) != 0;
+}
+
+} // namespace
+
+void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
+                    std::uint32_t* buildStamp, std::uint32_t* interfaceNumber, StringManager& ownStrings) {
+    StringManager& strings = ManagerFor(name ? name : version, ownStrings);
+    if (name) *name = kName;
+    if (version) *version = kVersion;
+    if (menu) {
+        for (const std::string_view entry : {kOrderEntryMenu, kBasketMenu, kBookMenu})
+            menu->Append(entry, strings);
+        if (MayRestrictDates(lookup, strings)) menu->Append(kRestrictedDatesMenu, strings);
+    }
+    if (buildStamp) *buildStamp = kBuildStamp;
+    if (interfaceNumber) *interfaceNumber = kInterfaceNumber;
+}
+
+void FillRights(CString* root, CStringArray* names, StringManager& ownStrings) {
+    StringManager& strings = ManagerFor(root, ownStrings);
+    if (root) *root = "QV";
+    if (!names) return;
+    for (const std::string_view right : {kPluginRight, kCustomRight, kRestrictedDatesRight})
+        names->Append(right, strings);
+}
+
+} // namespace planfold

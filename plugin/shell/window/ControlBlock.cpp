@@ -1,0 +1,49 @@
+#include "plugin/shell/window/ControlBlock.h"
+
+#include "host/korvexcontrols/CommonListCtrl.h"
+#include "plugin/shell/Globals.h"
+#include "plugin/shell/HostCheck.h"
+
+namespace planfold {
+
+AnyFunction FindInHost(const char* name) {
+    return reinterpret_cast<AnyFunction>(GetProcAddress(g_hHostModule, name));
+}
+
+CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
+                                             framework::MessageBoxes& boxes)
+    : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes) {
+    m_session.host = ResolveHostCallbacks(FindInHost);
+}
+
+void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
+    m_session.OpenHandles(notices);
+    for (const FrequencyRow& frequency : kFrequencies)
+        m_session.*frequency.minimum = 0.0;
+    if (m_session.host.pu_get_non_trading_dates_map && !m_pNonTradingDates)
+        m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map();
+    if (m_strUserDirectory.empty()) FindSettingsPaths();
+}
+
+void CPlanfoldControlBlock::FindSettingsPaths() {
+    std::string dialogPositions;
+    std::string userSettings;
+    CString directory = m_session.String();
+    if (m_session.host.pu_get_UserDirectory && m_session.host.pu_get_UserDirectory(&directory)) {
+        m_strUserDirectory = directory.View();
+        dialogPositions = m_strUserDirectory + "\\DialogPos.ini";
+        userSettings = m_strUserDirectory + "\\UserSetting.ini";
+    }
+    PassedString userSettingsPath(userSettings, m_session.strings);
+    PassedString dialogPositionsPath(dialogPositions, m_session.strings);
+    CCommonListCtrl::SetRecoveryFiles(userSettingsPath.Hand(), dialogPositionsPath.Hand());
+}
+
+void CPlanfoldControlBlock::ApplyFontPreference(void* third, void* fourth) {
+    if (!m_session.host.pu_get_FontVariation) return;
+    m_session.host.pu_get_FontVariation(&m_nFontVariation, &m_nFontSize, third, fourth);
+    m_orderEntry.SetFontSize(
+        PreferredPointSize(m_orderEntry.TemplateFontSize(), m_nFontSize, m_nFontVariation));
+}
+
+} // namespace planfold

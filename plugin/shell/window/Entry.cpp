@@ -1,0 +1,160 @@
+// The exported entry points. Each runs inside the guard: a host compiled by anyone must never see an
+// exception.
+
+#include "framework/Guard.h"
+#include "plugin/messaging/Codes.h"
+#include "plugin/shell/Globals.h"
+#include "plugin/shell/HostCheck.h"
+#include "plugin/shell/PluginInfo.h"
+#include "plugin/shell/window/ControlBlock.h"
+#include "sdk/HeapStringManager.h"
+#include "sdk/PluginExports.h"
+
+#define PLANFOLD_EXPORT extern "C" __declspec(dllexport)
+
+namespace planfold {
+
+namespace {
+
+// What must outlive the control block: our strings in the host's hands, and the boxes shown before it.
+struct Module {
+    HeapStringManager strings;
+    framework::MessageBoxes boxes{"Planfold"};
+};
+
+Module& ThisModule() {
+    static Module module;
+    return module;
+}
+
+// The library's own instance, for its resources.
+HINSTANCE OwnInstance() {
+    HMODULE own = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<LPCSTR>(&ThisModule), &own);
+    return own;
+}
+
+Identity IdentityStrings() {
+    return {g_strLoginId, g_strPeerIdA, g_strPeerIdB, g_strActiveClient};
+}
+
+// Boxes of the shell belong to the host's main frame.
+class ShellNotices final : public Notices {
+public:
+    explicit ShellNotices(HostWindow owner) : m_owner(owner) {}
+    void ShowMessage(std::string_view text) override { ThisModule().boxes.Show(m_owner, text); }
+
+private:
+    HostWindow m_owner;
+};
+
+// False when the host or the user is refused; the reason has been shown.
+bool CheckHostAndCreateControlBlock(HostWindow& mainFrame) {
+    ShellNotices notices(nullptr);
+    if (!GetModuleHandleA(nullptr)) {
+        notices.ShowMessage("exe Module not found");
+        return false;
+    }
+    Module& module = ThisModule();
+    const HostCheck check = CheckHost(FindInHost, IdentityStrings(), module.strings);
+    if (check.refusal) {
+        notices.ShowMessage(check.refusal);
+        return false;
+    }
+    mainFrame = MainFrame(check.app);
+    if (g_pControlBlock) return true;
+    // Boxes of the construction wait until the block stands: their message loop may bring the next pick.
+    const framework::MessageBoxes::Hold hold(module.boxes);
+    g_pControlBlock = new CPlanfoldControlBlock(OwnInstance(), IdentityStrings(), module.strings, module.boxes);
+    return true;
+}
+
+struct MenuRow {
+    std::string_view entry;
+    void (*open)(CPlanfoldControlBlock&);
+};
+constexpr MenuRow kMenu[] = {
+    {kOrderEntryMenu, [](CPlanfoldControlBlock& block) { block.OrderEntryDialog().Open(); }},
+};
+
+void Pick(std::string_view entry) {
+    for (const MenuRow& row : kMenu)
+        if (row.entry == entry) row.open(*g_pControlBlock);
+}
+
+} // namespace
+
+} // namespace planfold
+
+using namespace planfold;
+
+PLANFOLD_EXPORT int GetVeskPluginInfo(CString* name, CString* version, CStringArray* menu,
+                                      std::uint32_t* buildStamp, std::uint32_t* interfaceNumber) {
+    framework::Guard([&] {
+        FillPluginInfo(FindInHost, name, version, menu, buildStamp, interfaceNumber, ThisModule().strings);
+    });
+    return 1;
+}
+
+PLANFOLD_EXPORT void GetOptionalVeskPluginInfo(CString* rightsRoot, CStringArray* rightNames, void*, void*) {
+    framework::Guard([&] { FillRights(rightsRoot, rightNames, ThisModule().strings); });
+}
+
+PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t loginMode, CString* menuEntry) {
+    framework::Guard([&] {
+        const TakenString entry(menuEntry);
+        HostWindow mainFrame = nullptr;
+        if (!CheckHostAndCreateControlBlock(mainFrame)) return;
+        g_pControlBlock->SetLoginMode(loginMode);
+        g_strLoginId = loginId ? loginId : "";
+        if (!mainFrame) return;
+        ShellNotices notices(mainFrame);
+        if (!GetModuleHandleA(nullptr)) {
+            notices.ShowMessage("Cant rename VeskTrader.exe,Module not found");
+            return;
+        }
+        g_pControlBlock->PrepareForPick(notices);
+        Pick(entry.View());
+    });
+}
+
+PLANFOLD_EXPORT int ProcessVeskPluginMsg(void*) {
+    return 0;
+}
+
+PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
+    framework::Guard([] { delete std::exchange(g_pControlBlock, nullptr); });
+    return 0;
+}
+
+PLANFOLD_EXPORT int AlertOn_ClientActivation(CString* client) {
+    return framework::Guard(0, [&] {
+        if (!g_pControlBlock) return 0;
+        g_strActiveClient = client ? client->View() : std::string_view();
+        return 1;
+    });
+}
+
+PLANFOLD_EXPORT void ApplyFontVarPreference(void*, void*, void* third, void* fourth) {
+    framework::Guard([&] {
+        if (g_pControlBlock) g_pControlBlock->ApplyFontPreference(third, fourth);
+    });
+}
+
+// The version of the GUI library that hosts ask for: 36.20 as 0x36020.
+PLANFOLD_EXPORT int GetBCGCBProVersion() {
+    return 0x36020;
+}
+
+PLANFOLD_EXPORT int vesku_get_formatted_month_in_number(const char* month) {
+    return month ? MonthNumber(month) : 0;
+}
+
+BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        g_hHostModule = GetModuleHandleA(nullptr);
+        DisableThreadLibraryCalls(library);
+    }
+    return TRUE;
+}
