@@ -1,0 +1,63 @@
+// The server's journal: every accepted change as one line of text, on the disk before it is answered.
+//
+// A line is "V1 ", the CRC-32 of the content as eight hex digits, a blank, the content (one JSON text
+// without line breaks), and a line feed. A last line without its line feed was torn by a crash: it was
+// never answered, so it is dropped. Any other line that does not check is damage, and nothing is opened.
+//
+// Thread: one at a time. Owner: the journal holds its file open and locked against a second server.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vesk {
+
+class DurableFile;
+struct JournalOpening;
+
+class Journal {
+public:
+    // Replays the file, or creates it. After damage or an unreadable file `journal` is null.
+    static JournalOpening Open(const std::filesystem::path& path);
+
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+    ~Journal();
+
+    // True once the record is on the disk. After a failure, told in `error`, the journal holds exactly what
+    // it held before; when even that cannot be restored, every later append fails.
+    [[nodiscard]] bool Append(std::string_view content, std::string& error);
+
+private:
+    Journal(std::unique_ptr<DurableFile> file, std::uint64_t end);
+
+    std::unique_ptr<DurableFile> m_file;
+    std::uint64_t m_end; // bytes of whole records
+    bool m_broken = false;
+};
+
+struct JournalOpening {
+    std::unique_ptr<Journal> journal;
+    std::vector<std::string> records; // contents in order, to be replayed
+    std::string warning;              // a torn record that was dropped, with path and offset
+    std::string error;                // without a journal: path, and record number and offset of damage
+};
+
+// The whole text of a journal judged, apart from any file.
+struct JournalText {
+    std::vector<std::string> records;
+    std::uint64_t end = 0; // offset behind the last whole record
+    bool torn = false;     // bytes without a line feed follow
+    bool damaged = false;  // at `end`, record number `records.size() + 1`
+};
+JournalText ReadJournalText(std::string_view text);
+// One line with its line feed.
+std::string JournalLine(std::string_view content);
+
+std::uint32_t Crc32(std::string_view bytes);
+
+} // namespace vesk

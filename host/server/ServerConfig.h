@@ -1,0 +1,57 @@
+// What the trading server is told at its start: the frequencies it offers and the faults it plays.
+//
+// Thread: any; plain values.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vesk {
+
+struct Frequency {
+    std::string name;
+    std::optional<int> minimumPeriods; // absent: not sent, and no minimum is held
+};
+
+// How "get_sip_operation_mode" is answered.
+enum class OperationModeShape {
+    list,         // the frequencies; "0" when there are none
+    listThenZero, // the frequencies and then a "0"
+    bare,         // neither frequencies nor an error
+};
+
+// What is played on one request name instead of, or on top of, handling it.
+struct RequestFault {
+    std::optional<std::string> errorCode; // refused with this code, and not handled
+    std::int64_t delayMs = 0;             // before the request is handled
+    bool silent = false;                  // handled, never answered
+    bool garbage = false;                 // handled, answered with a message of unknown fields
+};
+
+struct ServerConfig {
+    std::vector<Frequency> frequencies{{"daily", 1}, {"weekly", 1}, {"monthly", 6}, {"yearly", 2}};
+    OperationModeShape operationModeShape = OperationModeShape::list;
+    // By request name; "*" stands for every request without a row of its own.
+    std::map<std::string, RequestFault, std::less<>> faults;
+
+    const RequestFault& FaultFor(std::string_view request) const;
+};
+
+struct ConfigResult {
+    std::optional<ServerConfig> config;
+    std::string error; // "file:line: what" without a config
+};
+
+// JSON: {"operationMode": {"shape": "list", "frequencies": [{"name": "monthly", "minimum": 6}]},
+//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true}}}
+// A member left out keeps its default; an unknown one is refused.
+ConfigResult LoadServerConfig(const std::filesystem::path& path);
+// `name` stands for the file in error texts.
+ConfigResult ParseServerConfig(std::string_view text, std::string_view name);
+
+} // namespace vesk
