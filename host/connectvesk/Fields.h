@@ -1,0 +1,30 @@
+// Building and looking up the fields of one message. Every step checks its bounds against the message's
+// own length, so that bytes overwritten behind our back are an error and never a wrong read.
+#pragma once
+
+#include "host/connectvesk/Handles.h"
+
+#include <cstdint>
+
+namespace qmx {
+
+// A field that was found, with the position of its first value.
+struct FoundField {
+    FieldHeader header{};
+    std::uint32_t values = 0;
+};
+
+int StartMessage(Message& message, void* scratch, QmxError* error);
+int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error);
+int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* error);
+int ReadValue(const Message& message, const FoundField& field, std::uint32_t index, QmxDatum& datum,
+              QmxError* error);
+
+// Non-zero while the message can be read; tells why not.
+int CheckReadable(const Message& message, QmxError* error);
+// Checks received bytes completely and makes `message` read them.
+int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error);
+// The field at `position`, which moves behind it. Non-zero when it lies wholly inside the message.
+int NextField(const Message& message, std::uint32_t& position, FoundField& found, QmxError* error);
+
+} // namespace qmx

@@ -1,0 +1,73 @@
+#include "host/connectvesk/Handles.h"
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace qmx {
+namespace {
+
+// The memory of the handles closed last, oldest next to go.
+class Quarantine {
+public:
+    constexpr Quarantine() = default;
+    Quarantine(const Quarantine&) = delete;
+    Quarantine& operator=(const Quarantine&) = delete;
+    ~Quarantine() {
+        for (void* block : m_blocks)
+            std::free(block);
+    }
+
+    void Keep(void* block) {
+        while (m_busy.test_and_set(std::memory_order_acquire)) {
+        }
+        void* oldest = m_blocks[m_next];
+        m_blocks[m_next] = block;
+        m_next = (m_next + 1) % m_blocks.size();
+        m_busy.clear(std::memory_order_release);
+        std::free(oldest);
+    }
+
+private:
+    std::array<void*, 64> m_blocks{};
+    std::size_t m_next = 0;
+    std::atomic_flag m_busy;
+};
+
+Quarantine g_quarantine;
+
+} // namespace
+
+ScratchPrefix* PrefixOf(void* scratch) {
+    if (!scratch || reinterpret_cast<std::uintptr_t>(scratch) % alignof(ScratchPrefix) != 0) return nullptr;
+    ScratchPrefix* prefix = static_cast<ScratchPrefix*>(scratch) - 1;
+    const bool open = prefix->mark == Mark::scratch && prefix->capacity == ~prefix->capacityCheck;
+    return open ? prefix : nullptr;
+}
+
+Message* NewMessage() {
+    void* memory = std::malloc(sizeof(Message));
+    return memory ? new (memory) Message : nullptr;
+}
+
+void* NewScratch(std::uint32_t size) {
+    void* memory = std::malloc(sizeof(ScratchPrefix) + size);
+    if (!memory) return nullptr;
+    auto* prefix = new (memory) ScratchPrefix{Mark::scratch, size, ~size};
+    std::memset(prefix + 1, 0, size);
+    return prefix + 1;
+}
+
+void Close(Message* message) {
+    *message = Message{};
+    message->mark = Mark::closed;
+    g_quarantine.Keep(message);
+}
+
+void Close(ScratchPrefix* prefix) {
+    prefix->mark = Mark::closed;
+    g_quarantine.Keep(prefix);
+}
+
+} // namespace qmx

@@ -1,0 +1,54 @@
+// The two kinds of handle, and how a wrong one is told from a right one.
+//
+// A closed handle's memory is kept for a while, marked as closed, so that a late use finds the mark and not
+// somebody else's data.
+#pragma once
+
+#include "host/connectvesk/Wire.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qmx {
+
+enum class Mark : std::uint64_t {
+    message = 0x6D786D65737361FEull,
+    scratch = 0x6D78736372617BFEull,
+    closed = 0x6D78636C6F736564ull,
+};
+
+// Stands hidden before the buffer that qmx_open_scratch hands out; the buffer begins with the fill length.
+struct alignas(16) ScratchPrefix {
+    Mark mark;
+    std::uint32_t capacity;      // bytes of the buffer, the fill length included
+    std::uint32_t capacityCheck; // its complement: an overrun from in front is noticed
+};
+
+struct Message {
+    enum class State : std::uint32_t { idle, writing, reading };
+
+    Mark mark = Mark::message;
+    State state = State::idle;
+    std::uint32_t used = 0;             // bytes of the message, header included
+    char* scratch = nullptr;            // the buffer that is written
+    const char* bytes = nullptr;        // the message itself
+    std::uint32_t resume = kHeaderSize; // where the look-up of the next field starts
+    TagFilter tags;
+};
+
+inline constexpr std::uint32_t kFillSize = 4;
+inline constexpr std::uint32_t kLargestScratch = 1u << 30;
+
+inline Message* AsMessage(void* handle) {
+    auto* message = static_cast<Message*>(handle);
+    return message && message->mark == Mark::message ? message : nullptr;
+}
+// Null when the pointer is not an open scratch buffer.
+ScratchPrefix* PrefixOf(void* scratch);
+
+Message* NewMessage();
+void* NewScratch(std::uint32_t size);
+void Close(Message* message);
+void Close(ScratchPrefix* prefix);
+
+} // namespace qmx

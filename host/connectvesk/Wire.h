@@ -1,0 +1,54 @@
+// How a message lies in memory, behind the scratch buffer's fill length or as received bytes.
+//
+//   message: signature, length of the whole message, fields
+//   field:   tag, number of values, size in bytes of the values, values
+//   value:   length, bytes
+//
+// All numbers are 32-bit, little-endian, unaligned.
+#pragma once
+
+#include "sdk/Qmx.h"
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace qmx {
+
+static_assert(std::endian::native == std::endian::little);
+
+inline constexpr std::uint32_t kSignature = 0x31584D51; // "QMX1"
+inline constexpr std::uint32_t kHeaderSize = 8;
+inline constexpr std::uint32_t kFieldHeaderSize = 12;
+inline constexpr std::uint32_t kLengthSize = 4;
+
+inline std::uint32_t Load(const char* from) {
+    std::uint32_t number;
+    std::memcpy(&number, from, sizeof number);
+    return number;
+}
+inline void Store(char* to, std::uint32_t number) {
+    std::memcpy(to, &number, sizeof number);
+}
+
+struct FieldHeader {
+    std::uint32_t tag;
+    std::uint32_t count;
+    std::uint32_t size;
+};
+
+// Which tags may be in a message: a clear bit says surely not. Saves the writer a scan for doubles and the
+// reader a scan for absent fields.
+class TagFilter {
+public:
+    void Add(std::uint32_t tag) { m_words[Hash(tag) >> 6] |= Bit(tag); }
+    bool MayHave(std::uint32_t tag) const { return (m_words[Hash(tag) >> 6] & Bit(tag)) != 0; }
+
+private:
+    static std::uint32_t Hash(std::uint32_t tag) { return tag * 0x9E3779B1u >> 24; }
+    static std::uint64_t Bit(std::uint32_t tag) { return 1ull << (Hash(tag) & 63); }
+
+    std::uint64_t m_words[4] = {};
+};
+
+} // namespace qmx
