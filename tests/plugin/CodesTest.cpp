@@ -1,0 +1,203 @@
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/Dates.h"
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+namespace planfold {
+namespace {
+
+TEST(Convert, KnowsItsRowsAndLeavesTheRestAlone) {
+    struct Row {
+        CodeTable table;
+        const char* from;
+        const char* to; // null: untouched
+    };
+    const Row rows[] = {
+        {kExchangeToDisplay, "bse_cm", "BSE"},
+        {kExchangeToDisplay, "nse_cm", "NSE"},
+        {kExchangeToDisplay, "NSE_CM", nullptr},
+        {kExchangeToServer, "BSE", "bse_cm"},
+        {kExchangeToServer, "NSE", "nse_cm"},
+        {kExchangeToServer, "nse", nullptr},
+        {kPlanToSideLabel, "SIP", "BUY"},
+        {kPlanToSideLabel, "SWP", "SELL"},
+        {kPlanToServer, "SIP", "B"},
+        {kPlanToServer, "SWP", "S"},
+        {kPlanToDisplay, "B", "SIP"},
+        {kPlanToDisplay, "S", "SWP"},
+        {kOrderTypeToServer, "MARKET", "MKT"},
+        {kOrderTypeToServer, "LIMIT", nullptr},
+        {kOrderTypeToDisplay, "MKT", "MARKET"},
+        {kOrderTypeToDisplay, "L", "LIMIT"},
+        {kMarketOrderTypeToDisplay, "MKT", "MARKET"},
+        {kMarketOrderTypeToDisplay, "L", nullptr},
+        {kInvestTypeToServer, "Amount", "value"},
+        {kInvestTypeToServer, "Quantity", "qty"},
+        {kInvestTypeToDisplay, "value", "Amount"},
+        {kInvestTypeToDisplay, "qty", "Quantity"},
+    };
+    for (const Row& row : rows) {
+        std::string out = "as it was";
+        Convert(row.table, row.from, out);
+        EXPECT_EQ(out, row.to ? row.to : "as it was") << row.from;
+    }
+}
+
+TEST(MonthNumber, IsExact) {
+    EXPECT_EQ(MonthNumber("Jan"), 1);
+    EXPECT_EQ(MonthNumber("Dec"), 12);
+    for (const char* wrong : {"jan", "JAN", "January", "", " Jan"})
+        EXPECT_EQ(MonthNumber(wrong), 0) << wrong;
+}
+
+TEST(LeadingNumbers, ReadWhatATextBeginsWith) {
+    struct Row {
+        const char* text;
+        std::int64_t integer;
+        double real;
+    };
+    const Row rows[] = {
+        {"", 0, 0},
+        {"abc", 0, 0},
+        {"12", 12, 12},
+        {"00", 0, 0},
+        {".5", 0, 0.5},
+        {"1.5", 1, 1.5},
+        {"12abc", 12, 12},
+        {"-5", -5, -5},
+        {"+7", 7, 7},
+        {"  8", 8, 8},
+        {"--3", 0, 0},
+        {"0x10", 0, 0},
+        {"inf", 0, 0},
+        {"nan", 0, 0},
+        {"1e3", 1, 1000},
+        {"3000000000", 3000000000, 3e9},
+        {".", 0, 0},
+        {"1e-999", 1, 0.0},
+        {"99999999999999999999", LLONG_MAX, 1e20},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(LeadingInteger(row.text), row.integer) << row.text;
+        EXPECT_DOUBLE_EQ(LeadingReal(row.text), row.real) << row.text;
+    }
+    EXPECT_GT(LeadingReal("1e999"), 1e308);
+}
+
+ScripDetails Scrip(int decimals, double multiplier, std::int64_t tick) {
+    return {decimals, 0, multiplier, tick, {}, {}};
+}
+
+TEST(CheckPriceRange, TellsTheRangeAndTheLargestPrice) {
+    const ScripDetails rupees = Scrip(2, 100.0, 5);
+    const ScripDetails currency = Scrip(4, 10000.0, 25);
+    const ScripDetails nonsense = Scrip(-3, 0.0, 0);
+    struct Row {
+        const char* price;
+        const ScripDetails* details;
+        bool check32Bit;
+        const char* message; // null: passes
+    };
+    const Row rows[] = {
+        {"21474836.47", nullptr, true, nullptr},
+        {"21474836.48", nullptr, true, " exceeds the long variable range"},
+        {"21474836.48", &rupees, true, " exceeds the long variable range, Max Price is : 21474836.45"},
+        {"214748.3648", &currency, true, " exceeds the long variable range, Max Price is : 214748.3625"},
+        {"21474836.48", nullptr, false, nullptr},
+        {"99999999999999999999", nullptr, false, " exceeds the long long variable range"},
+        {"99999999999999999999", nullptr, true, " exceeds the long variable range"},
+        {"abc", nullptr, true, " exceeds the long variable range"},
+        {"", nullptr, false, " exceeds the long long variable range"},
+        {"12.34.5", nullptr, true, " exceeds the long variable range"},
+        {"12.345", nullptr, true, nullptr},
+        {"21474836.48", &nonsense, true, " exceeds the long variable range, Max Price is : 21474836.47"},
+    };
+    for (const Row& row : rows) {
+        std::string message;
+        EXPECT_EQ(CheckPriceRange(row.price, message, row.details, row.check32Bit), row.message == nullptr)
+            << row.price;
+        EXPECT_EQ(message, row.message ? row.message : "") << row.price;
+    }
+}
+
+TEST(NextCsvField, CutsALine) {
+    struct Row {
+        const char* line;
+        int start;
+        const char* field;
+        int next;
+    };
+    const Row rows[] = {
+        {"a,bc,d\n", 0, "a", 1}, {"a,bc,d\n", 1, "bc", 4}, {"a,bc,d\n", 4, "d", -1}, {"a,bc", 1, "bc", 4},
+        {"a,b\r\n", 1, "b", 3},  {"abc", 1, "", -1},       {",x", 0, "", 0},         {"", 0, "", 0},
+        {"a,", 1, "", 2},        {"a", 5, "", -1},         {"a,b", -3, "", -1},
+    };
+    for (const Row& row : rows) {
+        std::string field = "old";
+        EXPECT_EQ(NextCsvField(row.line, row.start, field), row.next) << row.line << " at " << row.start;
+        EXPECT_EQ(field, row.field) << row.line << " at " << row.start;
+    }
+}
+
+TEST(CountDaysInYears, CountsYearByYear) {
+    struct Row {
+        LocalDateTime date;
+        int days;
+    };
+    const Row rows[] = {
+        {{2027, 1, 10}, 731}, {{2027, 3, 10}, 731}, {{2028, 1, 10}, 730}, // January of a leap year: one short
+        {{2028, 2, 10}, 731}, {{2028, 2, 29}, 730}, {{2028, 3, 1}, 730},  {{2026, 11, 21}, 731},
+        {{2025, 1, 1}, 730},  {{2096, 3, 1}, 730},  {{2099, 3, 1}, 730},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(CountDaysInYears(row.date, 2), row.days) << FormatPickerDate(row.date);
+}
+
+TEST(ParseDate, TakesWhatAUserTypes) {
+    const auto midnight = [](int year, int month, int day) { return ToSeconds({year, month, day, 0, 0, 0}); };
+    struct Row {
+        const char* text;
+        std::int64_t seconds;
+    };
+    const Row rows[] = {
+        {"05/Mar/2027", midnight(2027, 3, 5)},
+        {"5/3/2027", midnight(2027, 3, 5)},
+        {"05-Mar-27", midnight(2027, 3, 5)},
+        {"29/Feb/2028", midnight(2028, 2, 29)},
+        {"31/Dec/2027", midnight(2027, 12, 31)},
+        {"", -1},
+        {"05/Mar", -1},
+        {"05/Mar/", -1},
+        {"05//2027", -1},
+        {"//", -1},
+        {"05-Mar/2027", -1},
+        {"29/Feb/2027", -2},
+        {"30/Feb/2028", -2},
+        {"32/Jan/2027", -2},
+        {"31/Apr/2027", -2},
+        {"31/Jun/2027", -2},
+        {"31/Sep/2027", -2},
+        {"31/Nov/2027", -2},
+        {"1/13/2027", -2},
+        {"1/mar/2027", -2},
+        {"0/Mar/2027", -2},
+        {"-1/Mar/2027", -2},
+        {"5/0/2027", -2},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(ParseDate(row.text), row.seconds) << row.text;
+}
+
+TEST(PickerDate, SurvivesItsOwnText) {
+    for (std::int64_t day = 0; day < 800; ++day) {
+        const LocalDateTime date = ToLocal(ToSeconds({2026, 11, 21, 12, 0, 0}) + day * kSecondsPerDay);
+        EXPECT_EQ(ParseDate(FormatPickerDate(date)), ToSeconds(date.Midnight())) << FormatPickerDate(date);
+    }
+}
+
+} // namespace
+} // namespace planfold
