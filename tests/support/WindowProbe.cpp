@@ -1,0 +1,139 @@
+#include "tests/support/WindowProbe.h"
+
+#include <commctrl.h>
+
+namespace probe {
+namespace {
+
+LRESULT Send(HWND dialog, int control, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+    return SendMessageA(GetDlgItem(dialog, control), message, wParam, lParam);
+}
+
+void Notify(HWND dialog, int control, WORD notification) {
+    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(control, notification),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, control)));
+}
+
+BOOL CALLBACK Collect(HWND window, LPARAM list) {
+    const std::string name = ClassOf(window);
+    if (name != "IME" && name != "MSCTFIME UI") reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
+
+} // namespace
+
+std::string ClassOf(HWND window) {
+    char name[64] = "";
+    GetClassNameA(window, name, sizeof name);
+    return name;
+}
+
+std::string Text(HWND window) {
+    std::string text(static_cast<std::size_t>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+std::string Text(HWND dialog, int control) {
+    return Text(GetDlgItem(dialog, control));
+}
+
+std::vector<std::string> Items(HWND dialog, int combo) {
+    std::vector<std::string> items;
+    const auto count = Send(dialog, combo, CB_GETCOUNT);
+    for (LRESULT i = 0; i < count; ++i) {
+        const auto index = static_cast<WPARAM>(i);
+        std::string item(static_cast<std::size_t>(Send(dialog, combo, CB_GETLBTEXTLEN, index)) + 1, '\0');
+        item.resize(static_cast<std::size_t>(
+            Send(dialog, combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(item.data()))));
+        items.push_back(item);
+    }
+    return items;
+}
+
+bool IsShown(HWND dialog, int control) {
+    HWND window = GetDlgItem(dialog, control);
+    return window && (GetWindowLongPtrA(window, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+void SetEdit(HWND dialog, int edit, std::string_view text) {
+    Send(dialog, edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(std::string(text).c_str()));
+}
+
+bool Select(HWND dialog, int combo, std::string_view entry) {
+    const auto items = Items(dialog, combo);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i] != entry) continue;
+        Send(dialog, combo, CB_SETCURSEL, i);
+        Notify(dialog, combo, CBN_SELCHANGE);
+        return true;
+    }
+    return false;
+}
+
+void Press(HWND dialog, int button) {
+    Notify(dialog, button, BN_CLICKED);
+}
+
+SYSTEMTIME Date(HWND dialog, int picker) {
+    SYSTEMTIME date{};
+    Send(dialog, picker, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&date));
+    return date;
+}
+
+void SetDate(HWND dialog, int picker, SYSTEMTIME date) {
+    Send(dialog, picker, DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&date));
+    NMDATETIMECHANGE change{};
+    change.nmhdr = {GetDlgItem(dialog, picker), static_cast<UINT_PTR>(picker), DTN_DATETIMECHANGE};
+    change.st = date;
+    SendMessageA(dialog, WM_NOTIFY, static_cast<WPARAM>(picker), reinterpret_cast<LPARAM>(&change));
+}
+
+void PostKey(WPARAM key) {
+    HWND focus = GetFocus();
+    PostMessageA(focus, WM_KEYDOWN, key, 1);
+    constexpr LPARAM released = static_cast<LPARAM>(0xC0000001);
+    PostMessageA(focus, WM_KEYUP, key, released);
+}
+
+std::vector<HWND> TopWindows() {
+    std::vector<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+HWND FindDialog(std::string_view title) {
+    for (HWND window : TopWindows())
+        if (ClassOf(window) == "#32770" && Text(window) == title) return window;
+    return nullptr;
+}
+
+std::vector<HWND> Children(HWND parent) {
+    std::vector<HWND> children;
+    for (HWND child = GetWindow(parent, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        children.push_back(child);
+    return children;
+}
+
+void Pump() {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+}
+
+bool PumpUntil(const std::function<bool()>& holds) {
+    constexpr ULONGLONG patience = 5000;
+    constexpr DWORD slice = 20;
+    const ULONGLONG deadline = GetTickCount64() + patience;
+    for (;;) {
+        Pump();
+        if (holds()) return true;
+        if (GetTickCount64() > deadline) return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, slice, QS_ALLINPUT);
+    }
+}
+
+} // namespace probe
