@@ -18,7 +18,8 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <utility>
 
 namespace vesk {
 
@@ -45,8 +46,6 @@ private:
     using ControlId = std::uint64_t; // never reused, so a late answer finds nobody
 
     struct Request {
-        std::int64_t dueMs;
-        std::uint64_t number;
         ControlId sender;
         std::string bytes;
     };
@@ -57,10 +56,9 @@ private:
     };
 
     void OnUpdate(const Registration& registration) override;
-    std::uint64_t Queue(ControlId sender, std::string bytes, std::int64_t delayMs);
+    std::uint64_t Queue(ControlId sender, std::string_view request, std::string_view bytes);
     void HandleDueRequests();
     bool Deliver(const Delivery& delivery);
-    Control* FindControl(ControlId id) const;
 
     Server& m_server;
     UserIdentity m_user;

@@ -8,6 +8,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "host/server/Journal.h"
+#include "host/server/OrderCheck.h"
 #include "host/server/Registration.h"
 #include "host/server/ServerConfig.h"
 
@@ -28,10 +29,9 @@ struct UserIdentity {
     std::string peerIdB;
 };
 
-// Dates go by the exchange's own calendar, whatever the zone of this machine.
 struct ServerClock {
-    std::function<std::int64_t()> now; // seconds since 1970-01-01 00:00 UTC
-    std::function<std::chrono::year_month_day(std::int64_t)> localDate;
+    std::function<std::int64_t()> now;                                  // seconds since 1970-01-01 00:00 UTC
+    std::function<std::chrono::year_month_day(std::int64_t)> localDate; // in the exchange's zone
 };
 // The machine's clock and zone.
 ServerClock SystemClock();
@@ -66,26 +66,23 @@ public:
     const std::vector<Registration>& Registrations() const { return m_registrations; }
     // Null when the number is unknown.
     const Registration* Find(std::string_view registrationNumber) const;
-    // Journal records that this server could not read, told once at the start; empty when all is well.
+    // Which journal record this server could not read; it then refuses every request. Empty when all is well.
     const std::string& ReplayError() const { return m_replayError; }
 
 private:
-    struct Refusal {
-        std::string code;
-        std::string text;
-    };
+    using Answers = std::vector<std::string>;
     struct Handler;
     static const Handler kHandlers[];
 
-    std::string AnswerOperationMode(void* request, const UserIdentity& user);
-    std::string AddRegistration(void* request, const UserIdentity& user);
+    Answers Dispatch(std::string_view name, void* request, const UserIdentity& user);
+    Answers AnswerOperationMode(void* request, const UserIdentity& user);
+    Answers AddRegistration(void* request, const UserIdentity& user);
 
-    std::string Refuse(std::string_view request, const Refusal& refusal);
-    std::string AnswerRegistered(const Registration& registration);
-    // Empty when the order may be registered.
-    Refusal Judge(void* request, const UserIdentity& user) const;
-    Registration Register(void* request) const;
-    void Keep(Registration registration);
+    Answers Refuse(std::string_view request, const Refusal& refusal);
+    Answers AnswerRegistered(const Registration& registration);
+    Registration MakeRegistration(void* request) const;
+    bool Keep(Registration registration, Refusal& refusal);
+    void Enter(Registration registration);
 
     ServerConfig m_config;
     Journal& m_journal;

@@ -1,0 +1,126 @@
+#include "host/server/Journal.h"
+
+#include "host/server/DurableFile.h"
+
+#include <array>
+
+namespace vesk {
+namespace {
+
+constexpr std::string_view kVersion = "V1 ";
+constexpr std::size_t kChecksumDigits = 8;
+constexpr std::size_t kContentStart = kVersion.size() + kChecksumDigits + 1;
+
+constexpr std::array<std::uint32_t, 256> kCrcTable = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
+        std::uint32_t value = byte;
+        for (int bit = 0; bit < 8; ++bit)
+            value = (value >> 1) ^ ((value & 1) ? 0xEDB88320u : 0u);
+        table[byte] = value;
+    }
+    return table;
+}();
+
+std::string HexDigits(std::uint32_t number) {
+    std::string digits(kChecksumDigits, '0');
+    for (std::size_t i = digits.size(); i-- > 0; number >>= 4)
+        digits[i] = "0123456789abcdef"[number & 15];
+    return digits;
+}
+
+// `line` without its line feed.
+bool IsWhole(std::string_view line) {
+    if (line.size() < kContentStart) return false;
+    const std::string_view content = line.substr(kContentStart);
+    return line.substr(0, kContentStart) == JournalLine(content).substr(0, kContentStart);
+}
+
+} // namespace
+
+std::uint32_t Crc32(std::string_view bytes) {
+    std::uint32_t value = 0xFFFFFFFFu;
+    for (const char c : bytes)
+        value = (value >> 8) ^ kCrcTable[(value ^ static_cast<unsigned char>(c)) & 0xFFu];
+    return ~value;
+}
+
+std::string JournalLine(std::string_view content) {
+    std::string line(kVersion);
+    line.append(HexDigits(Crc32(content))).append(" ").append(content).append("\n");
+    return line;
+}
+
+JournalText ReadJournalText(std::string_view text) {
+    JournalText result;
+    while (result.end < text.size()) {
+        const std::size_t lineEnd = text.find('\n', result.end);
+        if (lineEnd == text.npos) {
+            result.torn = true;
+            break;
+        }
+        const std::string_view line = text.substr(result.end, lineEnd - result.end);
+        if (!IsWhole(line)) {
+            result.damaged = true;
+            break;
+        }
+        result.records.emplace_back(line.substr(kContentStart));
+        result.end = lineEnd + 1;
+    }
+    return result;
+}
+
+Journal::Journal(std::unique_ptr<DurableFile> file, std::uint64_t end) : m_file(std::move(file)), m_end(end) {}
+Journal::~Journal() = default;
+
+JournalOpening Journal::Open(const std::filesystem::path& path) {
+    JournalOpening opening;
+    const std::string name = path.string();
+    std::string reason;
+    std::unique_ptr<DurableFile> file = DurableFile::Open(path, reason);
+    std::string text;
+    if (!file || !file->ReadAll(text, reason)) {
+        opening.error = "journal " + name + " " + reason;
+        return opening;
+    }
+    JournalText judged = ReadJournalText(text);
+    if (judged.damaged) {
+        opening.error = "journal " + name + " is damaged: record " + std::to_string(judged.records.size() + 1)
+                        + " at offset " + std::to_string(judged.end) + " does not match its checksum";
+        return opening;
+    }
+    if (judged.torn) {
+        if (!file->CutTo(judged.end, reason)) {
+            opening.error = "journal " + name + " ends in a torn record and " + reason;
+            return opening;
+        }
+        opening.warning = "journal " + name + ": dropped a torn last record of "
+                          + std::to_string(text.size() - judged.end) + " bytes at offset "
+                          + std::to_string(judged.end);
+    }
+    opening.records = std::move(judged.records);
+    opening.journal.reset(new Journal(std::move(file), judged.end));
+    return opening;
+}
+
+bool Journal::Append(std::string_view content, std::string& error) {
+    if (m_broken) {
+        error = "an earlier failure left the journal unusable";
+        return false;
+    }
+    if (content.find('\n') != content.npos) {
+        error = "a record is one line";
+        return false;
+    }
+    const std::string line = JournalLine(content);
+    if (!m_file->Append(line, error)) {
+        // What was written of the record must go, or the next record would follow on its line.
+        std::string cutError;
+        m_broken = !m_file->CutTo(m_end, cutError);
+        return false;
+    }
+    m_end += line.size();
+    return true;
+}
+
+} // namespace vesk

@@ -1,0 +1,125 @@
+#include "host/server/OrderCheck.h"
+
+#include "host/connectvesk/QmxHost.h"
+#include "host/server/Registration.h"
+#include "host/server/Schedule.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace vesk {
+namespace {
+
+enum class Form { text, code, number, positive, date };
+
+// Beyond the year 2100 no calendar of a platform is relied on.
+constexpr std::int64_t kLatestDate = 4'102'444'800;
+
+struct FieldRule {
+    std::uint32_t tag;
+    const char* name;
+    Form form;
+    std::string_view codes; // of a code: those allowed, each between blanks
+};
+
+constexpr FieldRule kNeeded[] = {
+    {kTagExchange, "exchange segment", Form::code, " bse_cm nse_cm "},
+    {kTagToken, "token", Form::text, {}},
+    {kTagTradingSymbol, "trading symbol", Form::text, {}},
+    {kTagSide, "side", Form::code, " B S "},
+    {kTagOrderType, "order type", Form::code, " MKT "},
+    {kTagProduct, "product", Form::text, {}},
+    {kTagInvestType, "invest type", Form::code, " value qty "},
+    {kTagAmountOrQuantity, "amount or quantity", Form::positive, {}},
+    {kTagFrequency, "frequency", Form::text, {}},
+    {kTagStartDate, "start date", Form::date, {}},
+    {kTagPeriods, "total period", Form::positive, {}},
+    {kTagUser, "user", Form::text, {}},
+    {kTagFirm, "customer firm", Form::code, " C "},
+    {kTagAccount, "account", Form::text, {}},
+    {kTagValidity, "validity", Form::code, " DAY "},
+    {kTagOrderSource, "order source", Form::text, {}},
+};
+constexpr FieldRule kOptional[] = {
+    {kTagCautionary, "cautionary flag", Form::code, " Y N "},
+    {kTagOperationMode, "operation mode", Form::number, {}},
+};
+
+bool IsListed(std::string_view code, std::string_view codes) {
+    if (code.find(' ') != code.npos) return false;
+    const std::string framed = " " + std::string(code) + " ";
+    return codes.find(framed) != codes.npos;
+}
+
+bool Fits(const FieldRule& rule, std::string_view text) {
+    switch (rule.form) {
+    case Form::text:
+        return true;
+    case Form::code:
+        return IsListed(text, rule.codes);
+    case Form::number:
+        return WholeNumber(text).has_value();
+    case Form::positive:
+        return WholeNumber(text).value_or(0) > 0;
+    }
+    return false;
+}
+
+std::optional<Refusal> JudgeField(void* request, const FieldRule& rule, bool needed) {
+    const std::string_view text = qmx::Text(request, rule.tag);
+    if (text.empty()) {
+        if (!needed) return std::nullopt;
+        return Refusal{kCodeMissingField, std::string("The ") + rule.name + " is missing"};
+    }
+    if (Fits(rule, text)) return std::nullopt;
+    return Refusal{kCodeWrongValue,
+                   std::string("The ") + rule.name + " cannot be \"" + std::string(text) + "\""};
+}
+
+// With a list of frequencies its minimums hold; without one the plain limits do.
+std::optional<Refusal> JudgePeriods(std::string_view frequency, std::int64_t periods,
+                                    const ServerConfig& config) {
+    constexpr std::int64_t mostPeriods = 10'000;
+    constexpr std::int64_t mostWithoutList = 60;
+    const bool hasList = !config.frequencies.empty() && config.operationModeShape == OperationModeShape::list;
+    std::int64_t least = 1;
+    bool allowed = !hasList && (frequency == "daily" || frequency == "weekly" || frequency == "monthly");
+    for (const Frequency& row : config.frequencies) {
+        if (row.name != frequency) continue;
+        allowed = true;
+        if (hasList) least = row.minimumPeriods.value_or(1);
+    }
+    if (!allowed || !IsKnownFrequency(frequency))
+        return Refusal{kCodeFrequency, "The frequency \"" + std::string(frequency) + "\" is not offered"};
+    if (periods < least)
+        return Refusal{kCodePeriods, "The total period must be at least " + std::to_string(least)};
+    const std::int64_t most = hasList ? mostPeriods : mostWithoutList;
+    if (periods > most)
+        return Refusal{kCodePeriods, "The total period must not exceed " + std::to_string(most)};
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::int64_t> WholeNumber(std::string_view text) {
+    std::int64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    const bool digitsOnly =
+        !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!digitsOnly || fault != std::errc() || stop != end) return std::nullopt;
+    return number;
+}
+
+std::optional<Refusal> JudgeOrder(void* request, std::string_view loginId, const ServerConfig& config) {
+    for (const FieldRule& rule : kNeeded)
+        if (auto refusal = JudgeField(request, rule, true)) return refusal;
+    for (const FieldRule& rule : kOptional)
+        if (auto refusal = JudgeField(request, rule, false)) return refusal;
+    if (qmx::Text(request, kTagUser) != loginId)
+        return Refusal{kCodeUser, "The user is not the one who is logged in"};
+    return JudgePeriods(qmx::Text(request, kTagFrequency),
+                        WholeNumber(qmx::Text(request, kTagPeriods)).value_or(0), config);
+}
+
+} // namespace vesk

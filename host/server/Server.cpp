@@ -1,0 +1,196 @@
+#include "host/server/Server.h"
+
+#include "host/server/Schedule.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+namespace vesk {
+namespace {
+
+constexpr std::string_view kStreamName = "PLANFOLD";
+constexpr std::string_view kStatusActive = "active";
+
+// Fields that a record takes from its request as they are.
+constexpr std::uint32_t kTakenOver[] = {
+    kTagUser,    kTagBroker,  kTagBranch,    kTagExchange,          kTagToken,       kTagTradingSymbol,
+    kTagSide,    kTagProduct, kTagOrderType, kTagInvestType,        kTagFrequency,   kTagAmountOrQuantity,
+    kTagPeriods, kTagAccount, kTagValidity,  kTagRequestIdentifier, kTagOrderSource,
+};
+
+std::string RegistrationNumber(std::chrono::year_month_day date, std::size_t sequence) {
+    char text[40];
+    std::snprintf(text, sizeof text, "SIP%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), sequence);
+    return text;
+}
+
+std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
+    std::vector<QmxDatum> data;
+    for (const std::string& text : texts)
+        data.push_back(qmx::Datum(text));
+    return data;
+}
+
+void AddTexts(qmx::MessageWriter& writer, std::uint32_t tag, const std::vector<std::string>& texts) {
+    if (texts.empty()) return;
+    const std::vector<QmxDatum> data = Data(texts);
+    writer.AddValues(tag, data.data(), static_cast<std::uint32_t>(data.size()));
+}
+
+} // namespace
+
+ServerClock SystemClock() {
+    return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
+            [](std::int64_t seconds) {
+                const std::time_t time = static_cast<std::time_t>(seconds);
+                const std::tm* local = std::localtime(&time);
+                if (!local) return std::chrono::year_month_day{};
+                return std::chrono::year(local->tm_year + 1900)
+                       / std::chrono::month(static_cast<unsigned>(local->tm_mon + 1))
+                       / std::chrono::day(static_cast<unsigned>(local->tm_mday));
+            }};
+}
+
+struct Server::Handler {
+    std::string_view request;
+    Answers (Server::*handle)(void* request, const UserIdentity& user);
+};
+const Server::Handler Server::kHandlers[] = {
+    {"get_sip_operation_mode", &Server::AnswerOperationMode},
+    {"add_sip_orders", &Server::AddRegistration},
+};
+
+Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string>& records,
+               ServerClock clock)
+    : m_config(std::move(config)), m_journal(journal), m_clock(std::move(clock)) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        std::optional<Registration> registration = Registration::FromJson(records[i]);
+        if (!registration) {
+            m_replayError = "journal record " + std::to_string(i + 1) + " is not one this server knows";
+            return;
+        }
+        Enter(std::move(*registration));
+    }
+}
+
+std::vector<std::string> Server::Handle(void* request, const UserIdentity& user) {
+    const std::string name(qmx::Text(request, kTagRequestName));
+    const RequestFault& fault = m_config.FaultFor(name);
+    Answers answers = fault.errorCode
+                          ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
+                          : Dispatch(name, request, user);
+    if (fault.silent) return {};
+    if (fault.garbage) return {m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()};
+    return answers;
+}
+
+Server::Answers Server::Dispatch(std::string_view name, void* request, const UserIdentity& user) {
+    if (!m_replayError.empty()) return Refuse(name, {kCodeJournal, m_replayError});
+    const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
+                                    [&](const Handler& row) { return row.request == name; });
+    if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
+    return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
+}
+
+Server::Answers Server::AnswerOperationMode(void* request, const UserIdentity&) {
+    std::vector<std::string> names;
+    std::vector<std::string> minimums;
+    for (const Frequency& frequency : m_config.frequencies) {
+        names.push_back(frequency.name);
+        if (frequency.minimumPeriods) minimums.push_back(std::to_string(*frequency.minimumPeriods));
+    }
+    if (names.empty() || m_config.operationModeShape == OperationModeShape::listThenZero)
+        names.emplace_back("0");
+    m_writer.Start().Add(kTagAnswerName, qmx::Text(request, kTagRequestName));
+    if (m_config.operationModeShape != OperationModeShape::bare) {
+        AddTexts(m_writer, kTagFrequency, names);
+        AddTexts(m_writer, kTagMinimumPeriods, minimums);
+    }
+    return {m_writer.Finish()};
+}
+
+Server::Answers Server::AddRegistration(void* request, const UserIdentity& user) {
+    const std::string_view name = qmx::Text(request, kTagRequestName);
+    // A request that was sent twice is one order; its judgement was made the first time.
+    const std::string identifier(qmx::Text(request, kTagRequestIdentifier));
+    if (const auto before = m_byRequestIdentifier.find(identifier); before != m_byRequestIdentifier.end())
+        return AnswerRegistered(m_registrations[before->second]);
+    if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
+
+    const Registration registration = MakeRegistration(request);
+    if (Refusal refusal; !Keep(registration, refusal)) return Refuse(name, refusal);
+    for (UpdateListener* listener : m_listeners)
+        listener->OnUpdate(registration);
+    return AnswerRegistered(registration);
+}
+
+Registration Server::MakeRegistration(void* request) const {
+    Registration registration;
+    for (const std::uint32_t tag : kTakenOver)
+        if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
+    const auto today = m_clock.localDate(m_clock.now());
+    const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, kTagStartDate)).value_or(0));
+    const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, kTagPeriods)).value_or(1));
+    const auto end = InstalmentDate(start, qmx::Text(request, kTagFrequency), periods - 1);
+    registration.Set(kTagStartDate, RecordDate(start));
+    registration.Set(kTagNextExecution, RecordDate(start));
+    registration.Set(kTagEndDate, RecordDate(end));
+    registration.Set(kTagRegistrationDate, RecordDate(today));
+    registration.Set(kTagRegistrationNumber, RegistrationNumber(today, m_registrations.size() + 1));
+    registration.Set(kTagStatus, kStatusActive);
+    registration.Set(kTagStream, kStreamName);
+    return registration;
+}
+
+bool Server::Keep(Registration registration, Refusal& refusal) {
+    std::string error;
+    if (!m_journal.Append(registration.Json(), error)) {
+        refusal = {kCodeJournal, "The server's journal " + error};
+        return false;
+    }
+    Enter(std::move(registration));
+    return true;
+}
+
+void Server::Enter(Registration registration) {
+    const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_registrations.size());
+    if (!registration.Text(kTagRequestIdentifier).empty())
+        m_byRequestIdentifier.emplace(registration.Text(kTagRequestIdentifier), place->second);
+    if (isNew)
+        m_registrations.push_back(std::move(registration));
+    else
+        m_registrations[place->second] = std::move(registration);
+}
+
+Server::Answers Server::Refuse(std::string_view request, const Refusal& refusal) {
+    return {m_writer.Start()
+                .Add(kTagAnswerName, request)
+                .Add(kTagErrorCode, refusal.code)
+                .Add(kTagUserText, refusal.text)
+                .Finish()};
+}
+
+Server::Answers Server::AnswerRegistered(const Registration& registration) {
+    const std::string text = "SIP registered. Registration No : " + std::string(registration.Number());
+    return {m_writer.Start()
+                .Add(kTagAnswerName, "add_sip_orders")
+                .Add(kTagUserText, text)
+                .Add(kTagAccount, registration.Text(kTagAccount))
+                .Finish()};
+}
+
+void Server::AddListener(UpdateListener& listener) {
+    m_listeners.push_back(&listener);
+}
+void Server::RemoveListener(UpdateListener& listener) {
+    std::erase(m_listeners, &listener);
+}
+
+const Registration* Server::Find(std::string_view registrationNumber) const {
+    const auto found = m_byNumber.find(std::string(registrationNumber));
+    return found == m_byNumber.end() ? nullptr : &m_registrations[found->second];
+}
+
+} // namespace vesk
