@@ -1,0 +1,16 @@
+#!/bin/sh
+# Installs what the build and the tests need and this machine lacks: Debian's packages, nothing else.
+set -eu
+list=$(dirname "$0")/packages.txt
+missing=
+while read -r package; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing="$missing $package"
+done < "$list"
+[ -n "$missing" ] || exit 0
+
+echo "installing:$missing"
+as_root=
+[ "$(id -u)" = 0 ] || as_root=sudo
+$as_root apt-get update -q
+# shellcheck disable=SC2086
+DEBIAN_FRONTEND=noninteractive $as_root apt-get install -q -y --no-install-recommends $missing
