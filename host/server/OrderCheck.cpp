@@ -61,6 +61,8 @@ bool Fits(const FieldRule& rule, std::string_view text) {
         return WholeNumber(text).has_value();
     case Form::positive:
         return WholeNumber(text).value_or(0) > 0;
+    case Form::date:
+        return WholeNumber(text).value_or(kLatestDate) < kLatestDate;
     }
     return false;
 }

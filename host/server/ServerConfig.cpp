@@ -141,9 +141,9 @@ ConfigResult ParseServerConfig(std::string_view text, std::string_view name) {
 
 ConfigResult LoadServerConfig(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) return {std::nullopt, At(path.string(), 0, "cannot be opened")};
+    if (!file) return {std::nullopt, path.string() + ": cannot be opened"};
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (file.bad()) return {std::nullopt, At(path.string(), 0, "cannot be read")};
+    if (file.bad()) return {std::nullopt, path.string() + ": cannot be read"};
     return ParseServerConfig(text, path.string());
 }
 

@@ -15,7 +15,7 @@ namespace vesk {
 
 struct Frequency {
     std::string name;
-    std::optional<int> minimumPeriods; // absent: not sent, and no minimum is held
+    std::optional<int> minimumPeriods{}; // absent: not sent, and no minimum is held
 };
 
 // How "get_sip_operation_mode" is answered.
@@ -27,10 +27,10 @@ enum class OperationModeShape {
 
 // What is played on one request name instead of, or on top of, handling it.
 struct RequestFault {
-    std::optional<std::string> errorCode; // refused with this code, and not handled
-    std::int64_t delayMs = 0;             // before the request is handled
-    bool silent = false;                  // handled, never answered
-    bool garbage = false;                 // handled, answered with a message of unknown fields
+    std::optional<std::string> errorCode{}; // refused with this code, and not handled
+    std::int64_t delayMs = 0;               // before the request is handled
+    bool silent = false;                    // handled, never answered
+    bool garbage = false;                   // handled, answered with a message of unknown fields
 };
 
 struct ServerConfig {
@@ -44,7 +44,7 @@ struct ServerConfig {
 
 struct ConfigResult {
     std::optional<ServerConfig> config;
-    std::string error; // "file:line: what" without a config
+    std::string error; // without a config: "file:line: what", or "file: what" of a file that cannot be read
 };
 
 // JSON: {"operationMode": {"shape": "list", "frequencies": [{"name": "monthly", "minimum": 6}]},

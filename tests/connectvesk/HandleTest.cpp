@@ -1,0 +1,166 @@
+// Wrong handles of every kind are refused, by every function.
+
+#include "host/connectvesk/QmxHost.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+struct Call {
+    const char* name;
+    std::function<int(void* message, QmxError*)> make;
+};
+
+const Call kCallsOnMessages[] = {
+    {"qmx_add_data",
+     [](void* message, QmxError* error) {
+         const QmxDatum datum = qmx::Datum("x");
+         return qmx_add_data(message, 1, 1, &datum, error);
+     }},
+    {"qmx_get_field",
+     [](void* message, QmxError* error) {
+         QmxField field;
+         return qmx_get_field(message, 1, &field, error);
+     }},
+    {"qmx_get_data",
+     [](void* message, QmxError* error) {
+         QmxDatum datum;
+         return qmx_get_data(message, 1, 0, &datum, error);
+     }},
+    {"qmx_message_bytes",
+     [](void* message, QmxError* error) {
+         QmxDatum bytes;
+         return qmx_message_bytes(message, &bytes, error);
+     }},
+    {"qmx_dump_message",
+     [](void* message, QmxError* error) {
+         char text[8];
+         return qmx_dump_message(message, text, sizeof text, error);
+     }},
+};
+
+TEST(Handle, WrongOnesAreRefusedByEveryCall) {
+    QmxError error{};
+    void* scratch = nullptr;
+    void* open = nullptr;
+    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+    ASSERT_TRUE(qmx_ctor_primecb(&open, &error));
+    void* closed = open;
+    ASSERT_TRUE(qmx_dtor_primecb(&open, &error));
+    EXPECT_EQ(open, nullptr);
+    void* unstarted = nullptr;
+    ASSERT_TRUE(qmx_ctor_primecb(&unstarted, &error));
+    void* unbound = nullptr;
+    void* lost = nullptr;
+    ASSERT_TRUE(qmx_ctor_primecb(&unbound, &error));
+    ASSERT_TRUE(qmx_open_scratch(&lost, 64, &error));
+    ASSERT_TRUE(qmx_start_msg(unbound, lost, &error));
+    ASSERT_TRUE(qmx_close_scratch(&lost, &error));
+
+    const struct {
+        const char* name;
+        void* handle;
+    } handles[] = {{"null", nullptr},
+                   {"scratch", scratch},
+                   {"closed", closed},
+                   {"not started", unstarted},
+                   {"scratch closed", unbound}};
+    for (const auto& handle : handles)
+        for (const Call& call : kCallsOnMessages) {
+            error = {};
+            EXPECT_EQ(call.make(handle.handle, &error), 0) << call.name << " on " << handle.name;
+            EXPECT_EQ(error.code, kQmxBadHandle) << call.name << " on " << handle.name;
+            EXPECT_STRNE(error.text, "");
+            EXPECT_EQ(call.make(handle.handle, nullptr), 0);
+        }
+    qmx_dtor_primecb(&unstarted, &error);
+    qmx_dtor_primecb(&unbound, &error);
+    qmx_close_scratch(&scratch, &error);
+}
+
+TEST(Handle, ClosingTwiceIsRefused) {
+    QmxError error{};
+    void* scratch = nullptr;
+    void* message = nullptr;
+    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+    ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+    void* scratchCopy = scratch;
+    void* messageCopy = message;
+    EXPECT_TRUE(qmx_close_scratch(&scratch, &error));
+    EXPECT_TRUE(qmx_dtor_primecb(&message, &error));
+    for (void** late : {&scratch, &scratchCopy}) {
+        EXPECT_FALSE(qmx_close_scratch(late, &error));
+        EXPECT_EQ(error.code, kQmxBadHandle);
+    }
+    for (void** late : {&message, &messageCopy}) {
+        EXPECT_FALSE(qmx_dtor_primecb(late, &error));
+        EXPECT_EQ(error.code, kQmxBadHandle);
+    }
+    EXPECT_FALSE(qmx_close_scratch(nullptr, &error));
+    EXPECT_FALSE(qmx_dtor_primecb(nullptr, nullptr));
+}
+
+TEST(Handle, StartWantsAnOpenScratchOfOurOwn) {
+    QmxError error{};
+    alignas(16) char foreign[128] = {};
+    void* message = nullptr;
+    ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+    for (void* scratch :
+         {static_cast<void*>(nullptr), static_cast<void*>(foreign + 64), static_cast<void*>(foreign + 65)}) {
+        EXPECT_FALSE(qmx_start_msg(message, scratch, &error));
+        EXPECT_EQ(error.code, kQmxBadHandle);
+    }
+    qmx_dtor_primecb(&message, &error);
+}
+
+TEST(Handle, OpeningRefusesAbsurdSizesAndNowhereToPut) {
+    QmxError error{};
+    for (const std::uint32_t size : {0u, 3u, (1u << 30) + 1, 0xFFFFFFFFu}) {
+        void* scratch = nullptr;
+        EXPECT_FALSE(qmx_open_scratch(&scratch, size, &error)) << size;
+        EXPECT_EQ(error.code, kQmxBadArgument);
+        EXPECT_EQ(scratch, nullptr);
+    }
+    EXPECT_FALSE(qmx_open_scratch(nullptr, 64, &error));
+    EXPECT_FALSE(qmx_ctor_primecb(nullptr, &error));
+}
+
+TEST(Handle, ReopeningOverAnOldPointerLeavesTheOldOneWorking) {
+    QmxError error{};
+    void* scratch = nullptr;
+    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+    void* old = scratch;
+    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+    EXPECT_NE(scratch, old);
+    EXPECT_TRUE(qmx_close_scratch(&old, &error));
+    EXPECT_TRUE(qmx_close_scratch(&scratch, &error));
+}
+
+TEST(Handle, ReceivedMessageCannotBeBuiltIn) {
+    qmx::MessageWriter writer;
+    const std::string bytes = writer.Add(0, "name").Finish();
+    const qmx::MessageReader reader(bytes);
+    ASSERT_TRUE(reader.Good());
+    QmxError error{};
+    void* scratch = nullptr;
+    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+    const QmxDatum datum = qmx::Datum("x");
+    EXPECT_FALSE(qmx_add_data(reader.Handle(), 1, 1, &datum, &error));
+    EXPECT_FALSE(qmx_start_msg(reader.Handle(), scratch, &error));
+    EXPECT_EQ(error.code, kQmxBadHandle);
+    EXPECT_EQ(qmx::Dump(reader.Handle()), "0=name");
+    qmx_close_scratch(&scratch, &error);
+}
+
+TEST(MessageWriter, FirstFailureSticksUntilTheNextStart) {
+    qmx::MessageWriter writer(48);
+    writer.Add(1, std::string(100, 'x')).Add(2, "fits");
+    EXPECT_FALSE(writer.Good());
+    EXPECT_EQ(writer.Error().code, kQmxBufferFull);
+    EXPECT_EQ(writer.Finish(), "");
+    EXPECT_NE(writer.Start().Add(2, "fits").Finish(), "");
+}
+
+} // namespace

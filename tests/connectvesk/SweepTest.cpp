@@ -1,0 +1,162 @@
+// The writer at every capacity, and the reader over every cut and every changed byte.
+
+#include "host/connectvesk/QmxHost.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr std::string_view kDump = "0=add_sip_orders 10012=daily||yearly 54001=CL1";
+
+// Adds field after field as long as they fit; how many did.
+int AddFields(void* message) {
+    const QmxDatum name = qmx::Datum("add_sip_orders");
+    const QmxDatum frequencies[] = {qmx::Datum("daily"), {nullptr, 0}, qmx::Datum("yearly")};
+    const QmxDatum account = qmx::Datum("CL1");
+    QmxError error{};
+    int added = 0;
+    added += qmx_add_data(message, 0, 1, &name, &error);
+    if (added == 1) added += qmx_add_data(message, 10012, 3, frequencies, &error);
+    if (added == 2) added += qmx_add_data(message, 54001, 1, &account, &error);
+    if (added < 3) {
+        EXPECT_EQ(error.code, kQmxBufferFull);
+    }
+    return added;
+}
+
+// Each buffer is a block of exactly its capacity, so AddressSanitizer sees the byte behind it.
+TEST(WriterSweep, BeginsToSucceedAtExactlyOneCapacityForEachField) {
+    int before = -1;
+    std::uint32_t firstWhole = 0;
+    std::uint32_t wholeFill = 0;
+    for (std::uint32_t capacity = 4; capacity < 200; ++capacity) {
+        QmxError error{};
+        void* scratch = nullptr;
+        void* message = nullptr;
+        ASSERT_TRUE(qmx_open_scratch(&scratch, capacity, &error));
+        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+        const int added = qmx_start_msg(message, scratch, &error) ? AddFields(message) : -1;
+        EXPECT_GE(added, before) << "at " << capacity;
+        EXPECT_LE(added, before + 1) << "at " << capacity;
+        std::uint32_t fill = 0;
+        std::memcpy(&fill, scratch, sizeof fill);
+        EXPECT_LE(fill + 4, capacity);
+        if (added == 3) {
+            if (!firstWhole) firstWhole = capacity;
+            wholeFill = fill;
+            EXPECT_EQ(qmx::Dump(message), kDump);
+        }
+        before = added;
+        qmx_dtor_primecb(&message, &error);
+        qmx_close_scratch(&scratch, &error);
+    }
+    EXPECT_EQ(before, 3);
+    EXPECT_EQ(firstWhole, wholeFill + 4) << "room was left unused";
+}
+
+// Room left by a short message is untouched by a field that does not fit.
+TEST(WriterSweep, RefusedFieldWritesNothing) {
+    for (std::uint32_t length = 0; length < 64; ++length) {
+        QmxError error{};
+        void* scratch = nullptr;
+        void* message = nullptr;
+        ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
+        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+        ASSERT_TRUE(qmx_start_msg(message, scratch, &error));
+        std::memset(static_cast<char*>(scratch) + 12, '#', 52);
+        const std::string before(static_cast<char*>(scratch), 64);
+        const std::string value(length, 'v');
+        const QmxDatum datum = qmx::Datum(value);
+        const bool fits = 12 + 12 + 4 + length <= 64;
+        EXPECT_EQ(qmx_add_data(message, 1, 1, &datum, &error) != 0, fits) << length;
+        const std::string after(static_cast<char*>(scratch), 64);
+        if (fits)
+            EXPECT_EQ(after.substr(28 + length), std::string(36 - length, '#')) << length;
+        else
+            EXPECT_EQ(after, before) << length;
+        qmx_dtor_primecb(&message, &error);
+        qmx_close_scratch(&scratch, &error);
+    }
+}
+
+std::string Built() {
+    qmx::MessageWriter writer;
+    AddFields(writer.Handle());
+    return writer.Finish();
+}
+
+// Reads everything there is; under AddressSanitizer a step outside the exact copy is caught.
+void ReadAll(std::string_view bytes) {
+    const std::unique_ptr<char[]> exact(new char[bytes.size()]);
+    if (!bytes.empty()) std::memcpy(exact.get(), bytes.data(), bytes.size());
+    const qmx::MessageReader reader({exact.get(), bytes.size()});
+    if (!reader.Good()) {
+        EXPECT_EQ(reader.Error().code, kQmxCorrupt);
+        EXPECT_STRNE(reader.Error().text, "");
+        return;
+    }
+    for (const std::uint32_t tag : {0u, 10012u, 54001u})
+        for (std::uint32_t i = 0; i < qmx::Count(reader.Handle(), tag); ++i) {
+            const std::string_view value = qmx::Text(reader.Handle(), tag, i);
+            EXPECT_LE(value.data() + value.size(), exact.get() + bytes.size());
+        }
+    EXPECT_NE(qmx::Dump(reader.Handle()).front(), '(');
+}
+
+TEST(ReaderSweep, EveryCutIsToldAsIncomplete) {
+    const std::string whole = Built();
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        ReadAll(std::string_view(whole).substr(0, length));
+        const qmx::MessageReader cut(std::string_view(whole).substr(0, length));
+        ASSERT_FALSE(cut.Good()) << length;
+        EXPECT_NE(std::string_view(cut.Error().text).find("incomplete"), std::string_view::npos);
+    }
+    const qmx::MessageReader longer(whole + "x");
+    EXPECT_FALSE(longer.Good());
+}
+
+TEST(ReaderSweep, EveryChangedByteIsRefusedOrReadWithinBounds) {
+    const std::string whole = Built();
+    for (std::size_t i = 0; i < whole.size(); ++i)
+        for (int value = 0; value < 256; ++value) {
+            std::string changed = whole;
+            changed[i] = static_cast<char>(value);
+            ReadAll(changed);
+        }
+}
+
+TEST(ReaderSweep, FieldsThatContradictThemselvesAreRefused) {
+    const auto word = [](std::uint32_t number) {
+        return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+    };
+    const auto message = [&](const std::string& fields) {
+        return word(0x31584D51) + word(static_cast<std::uint32_t>(8 + fields.size())) + fields;
+    };
+    const std::string field = word(5) + word(1) + word(5) + word(1) + "x";
+    ASSERT_TRUE(qmx::MessageReader(message(field)).Good());
+    const struct {
+        const char* fault;
+        std::string fields;
+    } rows[] = {
+        {"the same field twice", field + field},
+        {"no values", word(5) + word(0) + word(0)},
+        {"more values than there are", word(5) + word(2) + word(5) + word(1) + "x"},
+        {"fewer values than there are", word(5) + word(1) + word(8) + word(0) + word(0)},
+        {"a value larger than its field", word(5) + word(1) + word(5) + word(2) + "x"},
+        {"a field larger than the message", word(5) + word(1) + word(6) + word(1) + "x"},
+        {"an endless value", word(5) + word(1) + word(5) + word(0xFFFFFFFF) + "x"},
+        {"an endless field", word(5) + word(1) + word(0xFFFFFFFF) + word(1) + "x"},
+        {"bytes behind the last field", field + "x"},
+    };
+    for (const auto& row : rows) {
+        const std::string bytes = message(row.fields);
+        const qmx::MessageReader reader(bytes);
+        EXPECT_FALSE(reader.Good()) << row.fault;
+        EXPECT_EQ(reader.Error().code, kQmxCorrupt) << row.fault;
+    }
+}
+
+} // namespace

@@ -1,0 +1,141 @@
+// The journal after a crash at every byte, after damage, and on a disk that refuses.
+
+#include "tests/server/ServerFixture.h"
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+namespace vesk {
+namespace {
+
+std::string ThreeLines() {
+    return JournalLine("{\"a\":1}") + JournalLine("") + JournalLine("{\"c\":3}");
+}
+
+TEST(Journal, ChecksumIsTheCommonOne) {
+    EXPECT_EQ(Crc32("123456789"), 0xCBF43926u);
+}
+
+TEST(Journal, KeepsWhatWasAppendedAcrossOpenings) {
+    const TemporaryFolder folder;
+    std::string error;
+    for (int round = 0; round < 3; ++round) {
+        JournalOpening opening = Journal::Open(folder.File("journal"));
+        ASSERT_TRUE(opening.journal) << opening.error;
+        EXPECT_EQ(opening.warning, "");
+        EXPECT_EQ(opening.records.size(), static_cast<std::size_t>(round));
+        EXPECT_TRUE(opening.journal->Append("{\"round\":" + std::to_string(round) + "}", error));
+    }
+    EXPECT_EQ(FileText(folder.File("journal")).substr(0, 3), "V1 ");
+    EXPECT_EQ(Journal::Open(folder.File("journal")).records.back(), "{\"round\":2}");
+}
+
+TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
+    const TemporaryFolder folder;
+    const std::string whole = ThreeLines();
+    const auto path = folder.File("journal");
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const std::string left = whole.substr(0, length);
+        const auto kept = static_cast<std::size_t>(std::count(left.begin(), left.end(), '\n'));
+        const std::size_t end = kept ? left.rfind('\n') + 1 : 0;
+        WriteFileText(path, left);
+        {
+            JournalOpening opening = Journal::Open(path);
+            ASSERT_TRUE(opening.journal) << "at " << length << ": " << opening.error;
+            EXPECT_EQ(opening.records.size(), kept) << "at " << length;
+            EXPECT_EQ(opening.warning.empty(), end == length) << "at " << length;
+            if (end != length) {
+                EXPECT_NE(opening.warning.find(path.string()), std::string::npos);
+                EXPECT_NE(opening.warning.find("offset " + std::to_string(end)), std::string::npos);
+            }
+            std::string error;
+            ASSERT_TRUE(opening.journal->Append("{\"d\":4}", error)) << error;
+        }
+        EXPECT_EQ(FileText(path), whole.substr(0, end) + JournalLine("{\"d\":4}")) << "at " << length;
+    }
+}
+
+TEST(Journal, AnyChangedByteIsDamageUnlessItTearsTheLastRecord) {
+    const std::string whole = ThreeLines();
+    for (std::size_t i = 0; i < whole.size(); ++i)
+        for (int bit = 0; bit < 8; ++bit) {
+            std::string changed = whole;
+            changed[i] = static_cast<char>(changed[i] ^ (1 << bit));
+            const JournalText judged = ReadJournalText(changed);
+            const bool lastLineEnd = i + 1 == whole.size();
+            EXPECT_EQ(judged.damaged, !lastLineEnd) << "byte " << i << " bit " << bit;
+            EXPECT_EQ(judged.torn, lastLineEnd) << "byte " << i << " bit " << bit;
+            const auto before = static_cast<std::size_t>(
+                std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i), '\n'));
+            EXPECT_EQ(judged.records.size(), before);
+        }
+}
+
+TEST(Journal, DamageIsToldWithPathRecordAndOffsetAndNothingIsChanged) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    std::string text = ThreeLines();
+    const std::size_t second = text.find('\n') + 1;
+    text[second + 4] = 'x';
+    WriteFileText(path, text);
+    const JournalOpening opening = Journal::Open(path);
+    EXPECT_FALSE(opening.journal);
+    EXPECT_EQ(opening.error, "journal " + path.string() + " is damaged: record 2 at offset "
+                                 + std::to_string(second) + " does not match its checksum");
+    EXPECT_EQ(FileText(path), text);
+}
+
+TEST(Journal, FileThatCannotBeOpenedIsNamed) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("no-such-folder") / "journal";
+    const JournalOpening opening = Journal::Open(path);
+    EXPECT_FALSE(opening.journal);
+    EXPECT_NE(opening.error.find(path.string()), std::string::npos);
+}
+
+TEST(Journal, SecondServerIsKeptOut) {
+    const TemporaryFolder folder;
+    const JournalOpening first = Journal::Open(folder.File("journal"));
+    ASSERT_TRUE(first.journal);
+    EXPECT_FALSE(Journal::Open(folder.File("journal")).journal);
+}
+
+TEST(Journal, RecordOfTwoLinesIsRefused) {
+    const TemporaryFolder folder;
+    const JournalOpening opening = Journal::Open(folder.File("journal"));
+    std::string error;
+    EXPECT_FALSE(opening.journal->Append("a\nb", error));
+    EXPECT_EQ(FileText(folder.File("journal")), "");
+}
+
+#ifndef _WIN32
+// A file size limit in the middle of a record stands for a full disk.
+TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    const JournalOpening opening = Journal::Open(path);
+    std::string error;
+    ASSERT_TRUE(opening.journal->Append("{\"first\":1}", error));
+    const std::string before = FileText(path);
+
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit normal{};
+    getrlimit(RLIMIT_FSIZE, &normal);
+    rlimit small = normal;
+    small.rlim_cur = before.size() + 10;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool written = opening.journal->Append("{\"second\":2}", error);
+    setrlimit(RLIMIT_FSIZE, &normal);
+
+    EXPECT_FALSE(written);
+    EXPECT_NE(error, "");
+    EXPECT_EQ(FileText(path), before);
+    EXPECT_TRUE(opening.journal->Append("{\"third\":3}", error)) << error;
+    EXPECT_EQ(FileText(path), before + JournalLine("{\"third\":3}"));
+}
+#endif
+
+} // namespace
+} // namespace vesk

@@ -1,0 +1,127 @@
+// Orders that the server refuses, each with its code, and the limits at which it begins to.
+
+#include "host/server/OrderCheck.h"
+#include "host/server/Schedule.h"
+#include "tests/server/ServerFixture.h"
+
+namespace vesk {
+namespace {
+
+std::string Code(const Fields& changes, const ServerConfig& config = {}) {
+    const std::string bytes = Message(Order(changes));
+    const qmx::MessageReader reader(bytes);
+    const auto refusal = JudgeOrder(reader.Handle(), "USER1", config);
+    if (!refusal) return "";
+    EXPECT_NE(refusal->text, "");
+    return std::string(refusal->code);
+}
+
+TEST(OrderCheck, EveryNeededFieldIsMissedWhenAbsentOrEmpty) {
+    const std::uint32_t mayBeAbsent[] = {kTagRequestName,       kTagBroker,        kTagBranch,
+                                         kTagRequestIdentifier, kTagOperationMode, kTagCautionary};
+    for (const auto& [tag, text] : GoodOrder()) {
+        const bool needed =
+            std::find(std::begin(mayBeAbsent), std::end(mayBeAbsent), tag) == std::end(mayBeAbsent);
+        EXPECT_EQ(Code({{tag, ""}}), needed ? kCodeMissingField : "") << tag;
+        Fields without = GoodOrder();
+        without.erase(tag);
+        const std::string bytes = Message(without);
+        const qmx::MessageReader reader(bytes);
+        EXPECT_EQ(JudgeOrder(reader.Handle(), "USER1", {}).has_value(), needed) << tag;
+    }
+}
+
+TEST(OrderCheck, ValuesAreJudgedByTheirForm) {
+    const struct {
+        std::uint32_t tag;
+        const char* text;
+        std::string_view code;
+    } rows[] = {
+        {kTagExchange, "bse_cm", ""},
+        {kTagExchange, "NSE", kCodeWrongValue},
+        {kTagExchange, " ", kCodeWrongValue},
+        {kTagExchange, "bse_cm nse_cm", kCodeWrongValue},
+        {kTagSide, "S", ""},
+        {kTagSide, "b", kCodeWrongValue},
+        {kTagOrderType, "L", kCodeWrongValue},
+        {kTagInvestType, "qty", ""},
+        {kTagInvestType, "Amount", kCodeWrongValue},
+        {kTagAmountOrQuantity, "1", ""},
+        {kTagAmountOrQuantity, "0", kCodeWrongValue},
+        {kTagAmountOrQuantity, "-5", kCodeWrongValue},
+        {kTagAmountOrQuantity, "1.5", kCodeWrongValue},
+        {kTagAmountOrQuantity, "12a", kCodeWrongValue},
+        {kTagAmountOrQuantity, "9223372036854775807", ""},
+        {kTagAmountOrQuantity, "9223372036854775808", kCodeWrongValue},
+        {kTagStartDate, "4102444799", ""},
+        {kTagStartDate, "4102444800", kCodeWrongValue},
+        {kTagStartDate, "06/Mar/2026", kCodeWrongValue},
+        {kTagPeriods, "0", kCodeWrongValue},
+        {kTagFirm, "D", kCodeWrongValue},
+        {kTagValidity, "IOC", kCodeWrongValue},
+        {kTagCautionary, "Y", ""},
+        {kTagCautionary, "yes", kCodeWrongValue},
+        {kTagOperationMode, "x", kCodeWrongValue},
+        {kTagUser, "USER2", kCodeUser},
+        {kTagFrequency, "Monthly", kCodeFrequency},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Code({{row.tag, row.text}}), row.code) << row.tag << "=" << row.text;
+}
+
+TEST(OrderCheck, PeriodsGoByTheListOrByThePlainLimits) {
+    ServerConfig list;
+    list.frequencies = {{"monthly", 6}, {"yearly", std::nullopt}};
+    ServerConfig none;
+    none.frequencies.clear();
+    ServerConfig zeroed = list;
+    zeroed.operationModeShape = OperationModeShape::listThenZero;
+    const struct {
+        const ServerConfig& config;
+        const char* frequency;
+        const char* periods;
+        std::string_view code;
+    } rows[] = {
+        {list, "monthly", "5", kCodePeriods},
+        {list, "monthly", "6", ""},
+        {list, "monthly", "61", ""},
+        {list, "monthly", "10001", kCodePeriods},
+        {list, "yearly", "1", ""},
+        {list, "daily", "10", kCodeFrequency},
+        {none, "daily", "1", ""},
+        {none, "monthly", "60", ""},
+        {none, "monthly", "61", kCodePeriods},
+        {none, "yearly", "2", kCodeFrequency},
+        {zeroed, "monthly", "1", ""},
+        {zeroed, "daily", "60", ""},
+        {zeroed, "weekly", "61", kCodePeriods},
+        {zeroed, "yearly", "2", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Code({{kTagFrequency, row.frequency}, {kTagPeriods, row.periods}}, row.config), row.code)
+            << row.frequency << " " << row.periods;
+}
+
+TEST(Schedule, InstalmentsFallOnTheSameDayOrTheMonthsLast) {
+    using namespace std::chrono;
+    const struct {
+        year_month_day start;
+        const char* frequency;
+        int index;
+        const char* date;
+    } rows[] = {
+        {2026y / March / 6, "monthly", 0, "06-Mar-2026"},
+        {2026y / January / 31, "monthly", 1, "28-Feb-2026"},
+        {2026y / January / 31, "monthly", 2, "31-Mar-2026"},
+        {2026y / March / 6, "monthly", 11, "06-Feb-2027"},
+        {2028y / February / 29, "yearly", 1, "28-Feb-2029"},
+        {2028y / February / 29, "yearly", 4, "29-Feb-2032"},
+        {2026y / December / 31, "daily", 1, "01-Jan-2027"},
+        {2026y / December / 31, "weekly", 2, "14-Jan-2027"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(RecordDate(InstalmentDate(row.start, row.frequency, row.index)), row.date);
+}
+
+} // namespace
+} // namespace vesk

@@ -1,0 +1,234 @@
+// Delivery: when, in which order, to whom, and what happens when a notifier turns things upside down.
+
+#include "tests/server/ServerFixture.h"
+
+#include <functional>
+
+namespace vesk {
+namespace {
+
+class Notifier : public CKeloRxNotifierBase {
+public:
+    explicit Notifier(std::vector<std::string>& log, std::string name) : m_log(log), m_name(std::move(name)) {}
+
+    void OnBroadcast(void* message, std::uint32_t, void*) override {
+        m_log.push_back(m_name + " stream " + std::string(qmx::Text(message, kTagRegistrationNumber)));
+        Meanwhile(message);
+    }
+    void OnResponse(void*, void* message, void*) override {
+        m_log.push_back(m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName)));
+        Meanwhile(message);
+    }
+
+    std::function<void()> act; // once, in the middle of the next call
+    void* lastMessage = nullptr;
+
+private:
+    void Meanwhile(void* message) {
+        lastMessage = message;
+        const std::string before = qmx::Dump(message);
+        if (const auto once = std::exchange(act, nullptr)) once();
+        EXPECT_EQ(qmx::Dump(message), before) << "the message changed during the call";
+    }
+
+    std::vector<std::string>& m_log;
+    std::string m_name;
+};
+
+class RxHubTest : public testing::Test {
+protected:
+    using Log = std::vector<std::string>;
+
+    int Send(RxControl* control, const Fields& fields) {
+        qmx::MessageWriter writer;
+        for (const auto& [tag, text] : fields)
+            writer.Add(tag, text);
+        return control->SendRequest(&m_number, writer.Handle(), 0, &m_error);
+    }
+    int Subscribe(RxControl* control, const std::vector<std::pair<std::uint32_t, std::string>>& fields) {
+        std::vector<std::uint32_t> tags;
+        std::vector<QmxDatum> values;
+        for (const auto& [tag, text] : fields) {
+            tags.push_back(tag);
+            values.push_back(qmx::Datum(text));
+        }
+        std::uint64_t out = 0;
+        return control->Subscribe(&out, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
+                                  control, 0, 0, 1, &m_error);
+    }
+    static Fields Named(const char* name) { return {{kTagRequestName, name}}; }
+    Log Taken() { return std::exchange(m_log, {}); }
+
+    TemporaryFolder m_folder;
+    RunningServer m_running{m_folder.File("journal")};
+    Log m_log;
+    Notifier m_one{m_log, "one"};
+    Notifier m_two{m_log, "two"};
+    RxHub m_hub{*m_running.server, m_running.user};
+    std::uint64_t m_number = 0;
+    QmxError m_error{};
+};
+
+TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    RxControl* two = m_hub.Get(kRxRequests, &m_two);
+    ASSERT_TRUE(Send(one, Named("a")));
+    ASSERT_TRUE(Send(two, Named("b")));
+    ASSERT_TRUE(Send(one, Named("c")));
+    EXPECT_EQ(m_number, 3u);
+    EXPECT_EQ(m_log, Log{});
+    EXPECT_EQ(m_hub.Pump(0), 3u);
+    EXPECT_EQ(m_log, (Log{"one answer a", "two answer b", "one answer c"}));
+    EXPECT_EQ(m_hub.Pump(0), 0u);
+    // Valid during the call only.
+    EXPECT_FALSE(qmx::Has(m_one.lastMessage, kTagAnswerName));
+}
+
+TEST_F(RxHubTest, DelaysHoldBackTheirOwnRequestsOnly) {
+    m_running.server->Config().faults = {{"slow", {.delayMs = 100}}};
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    m_hub.Pump(1000);
+    ASSERT_TRUE(Send(one, Named("slow")));
+    ASSERT_TRUE(Send(one, Named("fast")));
+    m_hub.Pump(1099);
+    EXPECT_EQ(Taken(), Log{"one answer fast"});
+    EXPECT_EQ(m_hub.Waiting(), 1u);
+    m_hub.Pump(500); // a clock that goes back changes nothing
+    EXPECT_EQ(Taken(), Log{});
+    m_hub.Pump(1100);
+    EXPECT_EQ(Taken(), Log{"one answer slow"});
+}
+
+TEST_F(RxHubTest, MessageIsCopiedBeforeSendRequestReturns) {
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    qmx::MessageWriter writer;
+    writer.Add(kTagRequestName, "first");
+    ASSERT_TRUE(one->SendRequest(nullptr, writer.Handle(), 0, nullptr));
+    writer.Start().Add(kTagRequestName, "other");
+    m_hub.Pump(0);
+    EXPECT_EQ(m_log, Log{"one answer first"});
+}
+
+TEST_F(RxHubTest, SubscriptionsMatchByIdentityOrAccount) {
+    const struct {
+        const char* what;
+        std::vector<std::pair<std::uint32_t, std::string>> fields;
+        bool matches;
+    } rows[] = {
+        {"any identity", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, ""}}, true},
+        {"own broker", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, "BROKER"}}, true},
+        {"other broker", {{kTagBroker, "OTHER"}, {kTagRegistrationNumber, ""}}, false},
+        {"other branch", {{kTagBranch, "BR"}, {kTagRegistrationNumber, ""}}, false},
+        {"own user", {{kTagUser, "USER1"}, {kTagRegistrationNumber, ""}}, true},
+        {"other user", {{kTagUser, "USER"}, {kTagRegistrationNumber, ""}}, false},
+        {"own account", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL1"}}, true},
+        {"other account",
+         {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL2"}},
+         false},
+        {"user and other account", {{kTagUser, "USER1"}, {kTagAccount, "CL2"}}, false},
+        {"other stream", {{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}, false},
+    };
+    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
+    int order = 0;
+    for (const auto& row : rows) {
+        RxControl* stream = m_hub.Get(kRxAccountStream, &m_two);
+        ASSERT_TRUE(Subscribe(stream, row.fields)) << row.what << ": " << m_error.text;
+        ASSERT_TRUE(Subscribe(stream, row.fields)) << "twice is still one message";
+        ASSERT_TRUE(Send(sender, Order({{kTagRequestIdentifier, "id" + std::to_string(++order)}})));
+        m_hub.Pump(0);
+        Log expected{"one answer add_sip_orders"};
+        if (row.matches)
+            expected.push_back("two stream " + std::string(m_running.server->Registrations().back().Number()));
+        EXPECT_EQ(Taken(), expected) << row.what;
+        m_hub.Destroy(stream);
+    }
+}
+
+TEST_F(RxHubTest, UpdateIsStreamedOncePerOrderHoweverOftenItIsSent) {
+    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
+    ASSERT_TRUE(Subscribe(m_hub.Get(kRxIdentityStream, &m_two), {{kTagUser, ""}}));
+    ASSERT_TRUE(Send(sender, Order()));
+    ASSERT_TRUE(Send(sender, Order()));
+    m_hub.Pump(0);
+    EXPECT_EQ(m_log,
+              (Log{"one answer add_sip_orders", "two stream SIP2603020000001", "one answer add_sip_orders"}));
+}
+
+TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
+    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
+    RxControl* stream = m_hub.Get(kRxIdentityStream, &m_two);
+    ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
+    m_one.act = [&] { EXPECT_TRUE(stream->Stop(0)); };
+    ASSERT_TRUE(Send(sender, Order()));
+    m_hub.Pump(0);
+    EXPECT_EQ(m_log, Log{"one answer add_sip_orders"});
+    EXPECT_EQ(m_hub.LiveControls(), 2u);
+}
+
+TEST_F(RxHubTest, NestedPumpDeliversTheRestOnce) {
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    for (const char* name : {"a", "b", "c"})
+        ASSERT_TRUE(Send(one, Named(name)));
+    m_one.act = [&] {
+        ASSERT_TRUE(Send(one, Named("d")));
+        EXPECT_EQ(m_log.size(), 1u) << "nothing is delivered from inside SendRequest";
+        EXPECT_EQ(m_hub.Pump(0), 3u);
+    };
+    EXPECT_EQ(m_hub.Pump(0), 1u);
+    EXPECT_EQ(m_log, (Log{"one answer a", "one answer b", "one answer c", "one answer d"}));
+}
+
+TEST_F(RxHubTest, RequestMadeByANotifierWaitsForTheNextPump) {
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    m_one.act = [&] { ASSERT_TRUE(Send(one, Named("b"))); };
+    ASSERT_TRUE(Send(one, Named("a")));
+    m_hub.Pump(0);
+    EXPECT_EQ(Taken(), Log{"one answer a"});
+    m_hub.Pump(0);
+    EXPECT_EQ(Taken(), Log{"one answer b"});
+}
+
+TEST_F(RxHubTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
+    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+    RxControl* two = m_hub.Get(kRxRequests, &m_two);
+    m_one.act = [&] { m_hub.Destroy(one); };
+    ASSERT_TRUE(Send(one, Named("a")));
+    ASSERT_TRUE(Send(one, Order()));
+    ASSERT_TRUE(Send(two, Named("b")));
+    m_hub.Pump(0);
+    EXPECT_EQ(m_log, (Log{"one answer a", "two answer b"}));
+    EXPECT_EQ(m_running.server->Registrations().size(), 1u) << "what was sent is still served";
+    EXPECT_EQ(m_hub.LiveControls(), 1u);
+    m_hub.Destroy(one); // a stranger by now
+    m_hub.Destroy(nullptr);
+    EXPECT_EQ(m_hub.LiveControls(), 1u);
+}
+
+TEST_F(RxHubTest, WrongUseIsRefusedWithAnError) {
+    EXPECT_EQ(m_hub.Get(3, &m_one), nullptr);
+    EXPECT_EQ(m_hub.Get(-1, &m_one), nullptr);
+    EXPECT_EQ(m_hub.Get(kRxRequests, nullptr), nullptr);
+    RxControl* requests = m_hub.Get(kRxRequests, &m_one);
+    RxControl* stream = m_hub.Get(kRxAccountStream, &m_one);
+
+    EXPECT_FALSE(requests->SendRequest(&m_number, nullptr, 0, &m_error));
+    EXPECT_EQ(m_error.code, kQmxBadHandle);
+    EXPECT_FALSE(Send(stream, Named("a")));
+    EXPECT_EQ(m_error.code, kQmxBadArgument);
+    EXPECT_FALSE(Subscribe(requests, {{kTagUser, ""}}));
+    EXPECT_FALSE(Subscribe(stream, {}));
+    EXPECT_FALSE(Subscribe(stream, {{kTagToken, "1"}}));
+    EXPECT_FALSE(Subscribe(stream, std::vector<std::pair<std::uint32_t, std::string>>(17, {kTagUser, ""})));
+    const std::uint32_t tag = kTagUser;
+    const QmxDatum value{nullptr, 4};
+    EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 1, stream, 0, 0, 1, &m_error));
+    EXPECT_FALSE(stream->Subscribe(nullptr, nullptr, &value, 1, stream, 0, 0, 1, &m_error));
+    EXPECT_FALSE(stream->Subscribe(nullptr, &tag, nullptr, 1, stream, 0, 0, 1, nullptr));
+    EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 0xFFFFFFFF, requests, 0, 0, 1, &m_error));
+    EXPECT_EQ(m_error.code, kQmxBadArgument);
+    EXPECT_STRNE(m_error.text, "");
+    EXPECT_EQ(m_hub.Waiting(), 0u);
+}
+
+} // namespace
+} // namespace vesk

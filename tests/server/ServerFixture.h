@@ -1,0 +1,121 @@
+// A server over a journal in a folder of its own, with a clock that stands still, and requests to send it.
+#pragma once
+
+#include "host/server/RxHub.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+// 2026-03-02 00:00 UTC, and days counted in UTC.
+inline constexpr std::int64_t kToday = 1772409600;
+
+inline ServerClock FixedClock() {
+    return {[] { return kToday; },
+            [](std::int64_t seconds) {
+                return std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(
+                    std::chrono::sys_seconds(std::chrono::seconds(seconds))));
+            }};
+}
+
+inline std::string FileText(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+}
+inline void WriteFileText(const std::filesystem::path& path, std::string_view text) {
+    std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        m_path = std::filesystem::temp_directory_path()
+                 / ("vesk-" + std::string(test->test_suite_name()) + "-" + test->name());
+        std::filesystem::remove_all(m_path);
+        std::filesystem::create_directories(m_path);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    std::filesystem::path File(const char* name) const { return m_path / name; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+using Fields = std::map<std::uint32_t, std::string>;
+
+// An order that the server accepts.
+inline Fields GoodOrder() {
+    return {{kTagRequestName, "add_sip_orders"},
+            {kTagExchange, "nse_cm"},
+            {kTagToken, "2885"},
+            {kTagTradingSymbol, "ALPHA-EQ"},
+            {kTagSide, "B"},
+            {kTagOrderType, "MKT"},
+            {kTagProduct, "CNC"},
+            {kTagInvestType, "value"},
+            {kTagAmountOrQuantity, "123450"},
+            {kTagFrequency, "monthly"},
+            {kTagStartDate, "1772755200"},
+            {kTagPeriods, "12"},
+            {kTagUser, "USER1"},
+            {kTagFirm, "C"},
+            {kTagAccount, "CL1"},
+            {kTagValidity, "DAY"},
+            {kTagBroker, "BROKER"},
+            {kTagBranch, ""},
+            {kTagRequestIdentifier, "id-1"},
+            {kTagOperationMode, "1"},
+            {kTagOrderSource, "TWS"}};
+}
+
+// A good order with some fields set otherwise.
+inline Fields Order(const Fields& changes = {}) {
+    Fields fields = changes;
+    fields.merge(GoodOrder());
+    return fields;
+}
+
+inline std::string Message(const Fields& fields) {
+    qmx::MessageWriter writer;
+    for (const auto& [tag, text] : fields)
+        writer.Add(tag, text);
+    return writer.Finish();
+}
+
+struct RunningServer {
+    explicit RunningServer(const std::filesystem::path& path, ServerConfig config = {}) {
+        opening = Journal::Open(path);
+        EXPECT_EQ(opening.error, "");
+        server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records, FixedClock());
+    }
+
+    std::vector<std::string> Ask(const Fields& request) {
+        const std::string bytes = Message(request);
+        const qmx::MessageReader reader(bytes);
+        std::vector<std::string> dumps;
+        for (const std::string& answer : server->Handle(reader.Handle(), user)) {
+            const qmx::MessageReader read(answer);
+            dumps.push_back(qmx::Dump(read.Handle()));
+        }
+        return dumps;
+    }
+
+    JournalOpening opening;
+    UserIdentity user{"USER1", "BROKER", ""};
+    std::unique_ptr<Server> server;
+};
+
+} // namespace vesk
