@@ -97,6 +97,8 @@ TEST(ScriptRunner, MessageBoxes) {
          {7}},
         {"box \"Boo\" OK\nbox \"Boo\" No", {{7, "Boo"}, {8, "Boo"}}, "script passed", {1, 7}},
         {"box \"One\" OK\nbox \"Two\" OK", {{7, "One"}, {8, "Two"}}, "script passed", {1, 1}},
+        {"exit", {{7, "Boo"}}, "script failed: a.script:1: unexpected message box \"Boo\"", {}},
+        {"", {{7, "Boo"}}, "script failed: a.script: unexpected message box \"Boo\"", {}},
         {"answer OK", {}, "script failed: a.script:1: timed out: there is no message box", {}},
     };
     for (const auto& row : rows) {

@@ -56,7 +56,7 @@ std::optional<FileFault> ReadCsv(std::string_view text, std::string_view fileNam
     return std::nullopt;
 }
 
-std::optional<long long> WholeNumber(std::string_view text) {
+std::optional<long long> ParseWholeNumber(std::string_view text) {
     long long value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;

@@ -22,6 +22,6 @@ std::optional<FileFault> ReadCsv(std::string_view text, std::string_view fileNam
                                  const CsvRow& row);
 
 // Whole-text conversions: nothing may stand before or behind the number.
-std::optional<long long> WholeNumber(std::string_view text);
+std::optional<long long> ParseWholeNumber(std::string_view text);
 
 } // namespace vesk

@@ -37,7 +37,7 @@ int KeyCode(std::string_view name) {
     if (name.size() == 1 && ((name[0] >= 'a' && name[0] <= 'z'))) return name[0] - 'a' + 'A';
     if (name.size() == 1 && name[0] >= '0' && name[0] <= '9') return name[0];
     if (name.size() >= 2 && name[0] == 'f')
-        if (const auto number = WholeNumber(name.substr(1)); number && *number >= 1 && *number <= 24)
+        if (const auto number = ParseWholeNumber(name.substr(1)); number && *number >= 1 && *number <= 24)
             return kF1 + static_cast<int>(*number) - 1;
     return 0;
 }

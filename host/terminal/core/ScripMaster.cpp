@@ -58,13 +58,13 @@ constexpr NumberColumn kNumberColumns[] = {
 
 std::optional<std::string> ReadNumbers(std::span<const std::string_view> fields, Scrip& scrip) {
     for (const NumberColumn& column : kNumberColumns) {
-        const auto value = WholeNumber(fields[column.field]);
+        const auto value = ParseWholeNumber(fields[column.field]);
         if (!value || *value < column.least || *value > column.most)
             return std::string(column.name) + " \"" + std::string(fields[column.field]) + "\" is not between "
                    + std::to_string(column.least) + " and " + std::to_string(column.most);
         scrip.*column.member = static_cast<int>(*value);
     }
-    const auto price = WholeNumber(fields[lastPrice]);
+    const auto price = ParseWholeNumber(fields[lastPrice]);
     if (!price || *price < 0)
         return "last price \"" + std::string(fields[lastPrice]) + "\" is not a whole number";
     scrip.lastPrice = *price;

@@ -107,7 +107,7 @@ const VerbRule* FindRule(std::span<const Word> words, std::size_t& nameWords) {
 }
 
 std::optional<std::string> CheckWord(char kind, const std::string& word) {
-    const auto number = WholeNumber(word);
+    const auto number = ParseWholeNumber(word);
     switch (kind) {
     case 'n':
         if (!number || *number < INT_MIN || *number > INT_MAX) return '"' + word + "\" is not a whole number";
@@ -181,7 +181,7 @@ std::optional<int> BoxButton(std::string_view answer) {
 }
 
 int ScriptCommand::Number(std::size_t word) const {
-    return static_cast<int>(WholeNumber(words[word]).value_or(0));
+    return static_cast<int>(ParseWholeNumber(words[word]).value_or(0));
 }
 
 std::string ScriptCommand::Text() const {

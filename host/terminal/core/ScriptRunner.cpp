@@ -6,15 +6,14 @@ namespace vesk {
 
 ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
     if (m_state != State::running) return m_state;
+    if (const std::optional<OpenMessageBox> box = m_stage.OpenBox(); box && !IsExpected(*box)) {
+        Fail("unexpected message box \"" + box->text + '"');
+        return m_state;
+    }
     if (m_next == m_script.commands.size() || m_script.commands[m_next].verb == Verb::exit)
         return m_state = State::passed;
     const ScriptCommand& command = m_script.commands[m_next];
     if (m_attempt == 0) m_stepBegan = nowMs;
-    const std::optional<OpenMessageBox> box = m_stage.OpenBox();
-    if (box && !IsExpected(*box)) {
-        Fail("unexpected message box \"" + box->text + '"');
-        return m_state;
-    }
     const StepResult result = TryStep(command);
     ++m_attempt;
     if (result.state == StepResult::State::done) {
@@ -80,7 +79,10 @@ bool ScriptRunner::IsExpected(const OpenMessageBox& box) const {
 
 void ScriptRunner::Fail(const std::string& why) {
     m_state = State::failed;
-    m_failure = m_script.fileName + ':' + std::to_string(m_script.commands[m_next].line) + ": " + why;
+    m_failure = m_script.fileName + ": " + why;
+    if (m_script.commands.empty()) return;
+    const std::size_t index = std::min(m_next, m_script.commands.size() - 1);
+    m_failure = m_script.fileName + ':' + std::to_string(m_script.commands[index].line) + ": " + why;
 }
 
 std::string ScriptRunner::Verdict() const {

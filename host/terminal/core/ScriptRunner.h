@@ -51,6 +51,7 @@ public:
     // One step at most. `nowMs` comes from a clock that never goes back.
     State Tick(std::int64_t nowMs);
 
+    State Current() const { return m_state; }
     // "script passed", or "script failed: file:line: why".
     std::string Verdict() const;
 

@@ -1,0 +1,23 @@
+// What the terminal is told when it is started.
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace vesk {
+
+// An empty path means: beside the program.
+struct StartOptions {
+    std::string dataFolder;
+    std::string userFolder;
+    std::string journal;    // the embedded server's file
+    std::string scriptFile; // a session to play; empty for none
+    std::string logFile;    // what happened, line by line; empty for none
+    std::string outFolder;  // for screenshots
+    std::string fault;      // what is wrong with the command line; empty when nothing is
+};
+
+// Without the program's name.
+StartOptions ParseCommandLine(std::span<const char* const> words);
+
+} // namespace vesk

@@ -1,0 +1,50 @@
+// Everything that the terminal knows, without a window: what the host's exports answer from.
+#pragma once
+
+#include "host/terminal/core/CautionRule.h"
+#include "host/terminal/core/ClientList.h"
+#include "host/terminal/core/HotKeys.h"
+#include "host/terminal/core/ScripMaster.h"
+#include "host/terminal/core/TabbedLog.h"
+#include "host/terminal/core/TerminalConfig.h"
+#include "host/terminal/core/TradingCalendar.h"
+#include "host/terminal/core/UserSettings.h"
+#include "sdk/HostRecords.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vesk {
+
+struct TerminalState {
+    // Without its own configuration the terminal does not start: the fault says why. What else is missing
+    // it does without; those faults are added to `faults`.
+    std::optional<FileFault> Load(const std::string& data, const std::string& user);
+
+    // The records as the boundary hands them out.
+    bool FillDetails(std::string_view exchange, std::string_view tradingSymbol, ScripDetails& details) const;
+    const ClientResult* SearchClients(int mode, std::string_view text, int& count);
+    const NonTradingDates& NonTrading() const { return m_nonTrading; }
+    void ReloadCalendar();
+    bool HasRight(std::string_view right) const;
+
+    std::string dataFolder, userFolder;
+    TerminalConfig config;
+    ScripMaster master;
+    ClientList clients;
+    TradingCalendar calendar;
+    UserSettings settings;
+    TabbedLog log;
+    HotKeyTable hotKeys;
+    BasketCaution basketCaution;
+    std::string activeClient;
+    std::vector<FileFault> faults;
+
+private:
+    std::vector<ClientResult> m_results; // until the next search
+    NonTradingDates m_nonTrading{};      // one address for the terminal's life
+};
+
+} // namespace vesk

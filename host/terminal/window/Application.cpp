@@ -1,0 +1,268 @@
+#include "host/terminal/window/Application.h"
+
+#include "framework/DialogLayout.h"
+#include "host/terminal/window/WindowStage.h"
+
+#include <ctime>
+#include <filesystem>
+
+namespace vesk {
+namespace {
+
+constexpr UINT kPumpMs = 20;
+constexpr UINT kScriptMs = 15;
+constexpr int kFailed = 1;
+constexpr const char* kBusyText = "Finish the open box or dialog first.";
+
+// The exports have no argument that could carry it.
+Application* g_application = nullptr;
+
+std::string ProgramFolder() {
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, path, sizeof path);
+    const std::string program(path);
+    return program.substr(0, program.find_last_of('\\'));
+}
+
+StartOptions WithDefaults(StartOptions options) {
+    const auto settle = [](std::string& path, const std::string& usual) {
+        if (path.empty()) path = usual;
+    };
+    settle(options.dataFolder, ProgramFolder() + "\\data");
+    settle(options.userFolder, options.dataFolder + "\\user");
+    settle(options.journal, options.dataFolder + "\\journal");
+    settle(options.outFolder, ".");
+    char full[MAX_PATH] = "";
+    // Plug-ins build paths upon it and may change the current folder.
+    if (GetFullPathNameA(options.userFolder.c_str(), sizeof full, full, nullptr)) options.userFolder = full;
+    std::error_code ignored; // a folder that cannot be made shows when the first file is written
+    std::filesystem::create_directories(options.userFolder, ignored);
+    std::filesystem::create_directories(options.outFolder, ignored);
+    return options;
+}
+
+std::string TimeOfDay() {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    char text[16];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour % 100u, now.wMinute % 100u,
+                  now.wSecond % 100u);
+    return text;
+}
+
+} // namespace
+
+Application* RunningApplication() {
+    return g_application;
+}
+
+Application::Application(StartOptions options)
+    : m_options(WithDefaults(std::move(options))), m_sessionLog(m_options.logFile), m_plugins(m_strings),
+      m_frame(*this) {
+    g_application = this;
+}
+
+Application::~Application() {
+    g_application = nullptr;
+}
+
+VeskApp* Application::Record() {
+    m_record = {sizeof m_record, 0, m_frame.Handle(), GetModuleHandleA(nullptr)};
+    return &m_record;
+}
+
+int Application::Run() {
+    if (!Start()) return kFailed;
+    while (GetMessageA(&m_current, nullptr, 0, 0) > 0) {
+        TranslateMessage(&m_current);
+        DispatchMessageA(&m_current);
+    }
+    m_sessionLog.Write("string buffers still live: " + std::to_string(m_strings.LiveBuffers()));
+    if (m_runner) m_sessionLog.Write(m_runner->Verdict());
+    return m_exitStatus;
+}
+
+bool Application::StartFailed(const std::string& why) {
+    m_sessionLog.Write(why);
+    if (m_options.scriptFile.empty())
+        MessageBoxA(nullptr, why.c_str(), "Vesk Trader", MB_OK | MB_ICONERROR);
+    else
+        m_sessionLog.Write("script failed: " + why);
+    return false;
+}
+
+bool Application::Start() {
+    if (!m_options.fault.empty()) return StartFailed(m_options.fault);
+    if (const auto fault = m_state.Load(m_options.dataFolder, m_options.userFolder))
+        return StartFailed(fault->Text() + "\nThe terminal cannot start without it.");
+    if (!m_options.scriptFile.empty()) {
+        Loaded<Script> script = Script::Load(m_options.scriptFile);
+        if (!script) return StartFailed(script.Fault().Text());
+        m_stage = std::make_unique<WindowStage>(*this, m_sessionLog);
+        m_runner.emplace(std::move(script.Value()), *m_stage);
+    }
+    std::vector<std::string> notes;
+    for (const FileFault& fault : m_state.faults)
+        notes.push_back(fault.Text());
+    const TerminalConfig& config = m_state.config;
+    m_server =
+        std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
+                                     UserIdentity{config.loginId, config.peerIdA, config.peerIdB}, notes);
+    if (!m_frame.Open()) return StartFailed("the main window cannot be made");
+    m_hotKeyHook.emplace(m_state.hotKeys);
+    for (const std::string& note : notes)
+        LogFromSystem(note);
+    for (const std::string& line : m_plugins.LoadFolder(ProgramFolder() + "\\Vesk Plugins"))
+        LogFromSystem(line);
+    m_frame.RebuildMenu();
+    m_frame.SetStatus(MainFrame::StatusPart::note, "Ready");
+    m_frame.SetStatus(MainFrame::StatusPart::client, "All clients");
+    for (const Plugin& plugin : m_plugins.Plugins())
+        m_frame.SetStatus(MainFrame::StatusPart::plugin, plugin.name + ' ' + plugin.version);
+    ShowLogin();
+    SetTimer(m_frame.Handle(), kPumpTimer, kPumpMs, nullptr);
+    if (m_runner) SetTimer(m_frame.Handle(), kScriptTimer, kScriptMs, nullptr);
+    return true;
+}
+
+void Application::ShutDown() {
+    KillTimer(m_frame.Handle(), kPumpTimer);
+    KillTimer(m_frame.Handle(), kScriptTimer);
+    m_plugins.UnloadAll();
+    m_sessionLog.Write("server controls still live: " + std::to_string(m_server->LiveControls()));
+    m_hotKeyHook.reset();
+    m_frame.Destroy();
+    PostQuitMessage(m_exitStatus);
+}
+
+void Application::LogFromPlugin(std::string_view text) {
+    m_sessionLog.Write("log: " + m_state.log.AddFromPlugin(TimeOfDay(), text).text);
+    m_frame.LogChanged();
+}
+
+void Application::LogFromSystem(std::string_view text) {
+    m_sessionLog.Write("system: " + m_state.log.AddFromSystem(TimeOfDay(), text).text);
+    m_frame.LogChanged();
+}
+
+void Application::ShowLogin() {
+    m_frame.SetStatus(MainFrame::StatusPart::login,
+                      m_state.config.loginId + ", login mode " + std::to_string(m_state.config.loginMode));
+}
+
+int Application::Ask(const std::string& text, UINT style) {
+    std::vector<HWND> disabled;
+    const HWND owner = GetActiveWindow();
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM list) -> BOOL {
+            if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+            EnableWindow(window, FALSE);
+            reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&disabled));
+    ++m_questions;
+    const int answer = MessageBoxA(owner, text.c_str(), "Vesk Trader", style);
+    --m_questions;
+    for (const HWND window : disabled)
+        EnableWindow(window, TRUE);
+    if (owner) SetActiveWindow(owner);
+    return answer;
+}
+
+void Application::ActivateClient(const std::string& client) {
+    m_state.activeClient = client;
+    const Client* known = m_state.clients.Find(client);
+    m_frame.ShowClient(client);
+    m_frame.SetStatus(MainFrame::StatusPart::client, known            ? known->id + "  " + known->name
+                                                     : client.empty() ? "All clients"
+                                                                      : client);
+    m_plugins.ActivateClient(client);
+}
+
+void Application::SetFont(int variation, int size) {
+    m_state.config.fontVariation = variation;
+    m_state.config.fontSize = size;
+    m_frame.ApplyFont();
+    m_plugins.ApplyFont();
+}
+
+void Application::SetRight(const std::string& right, bool granted) {
+    m_state.config.rights[right] = granted;
+    m_plugins.RefreshInfo();
+    m_frame.RebuildMenu();
+    LogFromSystem((granted ? "Granted: " : "Revoked: ") + right);
+}
+
+void Application::SetLoginMode(int mode) {
+    m_state.config.loginMode = mode;
+    m_frame.RebuildMenu();
+    ShowLogin();
+}
+
+void Application::AdvanceClock(int days) {
+    m_server->AdvanceClock(days);
+    LogFromSystem("Server clock advanced by " + std::to_string(days) + (days == 1 ? " day" : " days"));
+}
+
+void Application::Defer(std::function<void()> work) {
+    m_deferred[++m_lastDeferred] = std::move(work);
+    PostMessageA(m_frame.Handle(), kDeferredMessage, m_lastDeferred, 0);
+}
+
+void Application::OnDeferred(std::uint64_t number) {
+    auto entry = m_deferred.extract(number);
+    if (entry.empty()) return;
+    // A loop of a message box or dialog leaves the outermost loop's message as it was.
+    const bool outermost = m_current.message == kDeferredMessage && m_current.wParam == number;
+    if (!outermost || m_plugins.Busy() || m_questions) {
+        MessageBeep(MB_ICONWARNING);
+        m_frame.SetStatus(MainFrame::StatusPart::note, kBusyText);
+        m_sessionLog.Write(std::string("refused: ") + kBusyText);
+        if (m_runner && m_runner->Current() == ScriptRunner::State::passed)
+            AbandonScript("script failed: a box or dialog is open at the end");
+        return;
+    }
+    m_frame.SetStatus(MainFrame::StatusPart::note, "Ready");
+    entry.mapped()();
+}
+
+void Application::RequestPick(std::size_t plugin, std::size_t entry) {
+    Defer([this, plugin, entry] {
+        if (plugin < m_plugins.Plugins().size() && entry < m_plugins.Plugins()[plugin].menu.size())
+            m_plugins.Pick(plugin, entry, m_state.config.loginId, m_state.config.loginMode);
+    });
+}
+
+void Application::RequestClose() {
+    Defer([this] { ShutDown(); });
+}
+
+void Application::OnTimer(UINT_PTR timer) {
+    if (timer == kPumpTimer && !m_questions) m_server->Pump();
+    if (timer == kScriptTimer) TickScript();
+}
+
+void Application::TickScript() {
+    if (m_runner->Tick(static_cast<std::int64_t>(GetTickCount64())) == ScriptRunner::State::running) return;
+    KillTimer(m_frame.Handle(), kScriptTimer);
+    FinishScript();
+}
+
+void Application::FinishScript() {
+    if (m_runner->Current() == ScriptRunner::State::passed)
+        RequestClose();
+    else
+        AbandonScript(m_runner->Verdict());
+}
+
+// A failed script leaves the program in any state, perhaps with a box open: nothing but the end is safe.
+void Application::AbandonScript(const std::string& verdict) {
+    const Script picture = Script::Parse("screenshot failed.png", "").Value();
+    m_stage->Try(picture.commands[0], 0);
+    m_sessionLog.Write(verdict);
+    ExitProcess(kFailed);
+}
+
+} // namespace vesk

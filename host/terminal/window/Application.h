@@ -1,0 +1,89 @@
+// The running terminal: what it knows, its window, the plug-ins, the server, and the script that is played.
+#pragma once
+
+#include "host/terminal/core/CommandLine.h"
+#include "host/terminal/core/ScriptRunner.h"
+#include "host/terminal/core/TerminalState.h"
+#include "host/terminal/window/HotKeyHook.h"
+#include "host/terminal/window/MainFrame.h"
+#include "host/terminal/window/PluginHost.h"
+#include "host/terminal/window/ServerLink.h"
+#include "host/terminal/window/SessionLog.h"
+#include "sdk/HeapStringManager.h"
+#include "sdk/HostRecords.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace vesk {
+
+class Application {
+public:
+    explicit Application(StartOptions options);
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+    ~Application();
+
+    // The whole life of the program; the result is its exit status.
+    int Run();
+
+    TerminalState& State() { return m_state; }
+    const StartOptions& Options() const { return m_options; }
+    HeapStringManager& Strings() { return m_strings; }
+    PluginHost& Plugins() { return m_plugins; }
+    MainFrame& Frame() { return m_frame; }
+    ServerLink& Server() { return *m_server; }
+    VeskApp* Record();
+
+    void LogFromPlugin(std::string_view text);
+    void LogFromSystem(std::string_view text);
+    // Asks the user inside a plug-in's call. No other window takes input and the server stays silent
+    // meanwhile, because the caller is half way through a request.
+    int Ask(const std::string& text, UINT style);
+
+    void ActivateClient(const std::string& client);
+    void SetFont(int variation, int size);
+    void SetRight(const std::string& right, bool granted);
+    void SetLoginMode(int mode);
+    void AdvanceClock(int days);
+
+    // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
+    void RequestPick(std::size_t plugin, std::size_t entry);
+    void RequestClose();
+    void OnDeferred(std::uint64_t number);
+    void OnTimer(UINT_PTR timer);
+
+private:
+    bool Start();
+    bool StartFailed(const std::string& why);
+    void Defer(std::function<void()> work);
+    void ShutDown();
+    void TickScript();
+    void FinishScript();
+    void AbandonScript(const std::string& verdict);
+    void ShowLogin();
+
+    StartOptions m_options;
+    SessionLog m_sessionLog;
+    HeapStringManager m_strings;
+    TerminalState m_state;
+    PluginHost m_plugins;
+    MainFrame m_frame;
+    std::unique_ptr<ServerLink> m_server;
+    std::optional<HotKeyHook> m_hotKeyHook;
+    std::unique_ptr<ScriptStage> m_stage;
+    std::optional<ScriptRunner> m_runner;
+    VeskApp m_record{};
+    MSG m_current{}; // the message that the outermost loop dispatches
+    std::map<std::uint64_t, std::function<void()>> m_deferred;
+    std::uint64_t m_lastDeferred = 0;
+    int m_questions = 0; // open ones of Ask
+    int m_exitStatus = 0;
+};
+
+// What the exports answer from; null while there is none.
+Application* RunningApplication();
+
+} // namespace vesk

@@ -1,0 +1,32 @@
+// The identifiers of the main frame's controls and menu commands.
+#pragma once
+
+namespace vesk {
+
+enum ControlId : int {
+    kClientLabelId = 500,
+    kClientComboId = 501,
+    kMarketWatchId = 502,
+    kLogTabsId = 503,
+    kLogListId = 504,
+    kStatusBarId = 505,
+};
+
+enum CommandId : int {
+    kExitCommand = 1,
+    kShowWatchCommand = 10,
+    kShowLogCommand = 11,
+    kFontSmallerCommand = 20,
+    kFontNormalCommand = 21,
+    kFontLargerCommand = 22,
+    kFirstFontSizeCommand = 1000, // + points
+    kFirstLoginModeCommand = 1100,
+    kFirstRightCommand = 1200,
+    kFirstClockCommand = 1400, // + days
+    kFirstPluginCommand = 2000,
+};
+inline constexpr int kMostRights = 200;
+inline constexpr int kMostClockDays = 400;
+inline constexpr int kEntriesPerPlugin = 64;
+
+} // namespace vesk

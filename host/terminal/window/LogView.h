@@ -1,0 +1,31 @@
+// The tabbed log at the foot of the main frame.
+#pragma once
+
+#include "framework/Window.h"
+#include "host/terminal/core/TabbedLog.h"
+
+#include <optional>
+
+namespace vesk {
+
+class LogView {
+public:
+    explicit LogView(const TabbedLog& log) : m_log(log) {}
+
+    bool Create(HWND parent, int tabsId, int listId);
+    void Place(const RECT& rect, UINT dpi);
+    void SetFont(HFONT font, UINT dpi);
+    void Show(bool shown);
+    // After lines were added: shows the newest.
+    void Refresh();
+    std::optional<LRESULT> OnNotify(const NMHDR& header);
+
+private:
+    LogTab Shown() const;
+
+    const TabbedLog& m_log;
+    HWND m_tabs = nullptr;
+    HWND m_list = nullptr;
+};
+
+} // namespace vesk

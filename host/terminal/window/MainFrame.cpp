@@ -1,0 +1,285 @@
+#include "host/terminal/window/MainFrame.h"
+
+#include "framework/Guard.h"
+#include "host/terminal/window/Application.h"
+#include "host/terminal/window/CommandIds.h"
+#include "host/terminal/window/MenuBar.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+namespace vesk {
+namespace {
+
+constexpr int kSplitter = 5;
+constexpr int kClientBarHeight = 38;
+constexpr int kLeastWatchHeight = 90;
+constexpr int kPaneHeight = 250;
+constexpr int kLeastPaneHeight = 110;
+constexpr int kLogHeight = 170;
+constexpr int kLeastLogHeight = 90;
+constexpr int kUsualPoints = 9;
+constexpr int kLeastPoints = 6;
+constexpr int kMostPoints = 36;
+constexpr UINT_PTR kPaneSubclass = 1;
+
+} // namespace
+
+MainFrame::MainFrame(Application& application)
+    : m_application(application), m_clientBar(application.State().clients), m_watch(application.State().master),
+      m_log(application.State().log), m_layout(kSplitter) {}
+
+bool MainFrame::Open() {
+    const HINSTANCE module = GetModuleHandleA(nullptr);
+    Args args;
+    args.module = module;
+    args.className = "VeskTraderFrame";
+    args.caption = "Vesk Trader";
+    args.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
+    args.exStyle = WS_EX_CONTROLPARENT;
+    args.icon = LoadIconA(module, MAKEINTRESOURCEA(1));
+    RECT area{};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+    const int marginX = (area.right - area.left) / 32, marginY = (area.bottom - area.top) / 32;
+    InflateRect(&area, -marginX, -marginY);
+    args.rect = area;
+    if (!Create(args) || !CreateChildren()) return false;
+    ApplyFont();
+    RebuildMenu();
+    ShowWindow(Handle(), SW_SHOW);
+    UpdateWindow(Handle());
+    return true;
+}
+
+bool MainFrame::CreateChildren() {
+    if (!m_clientBar.Create(Handle(), kClientLabelId, kClientComboId)
+        || !m_watch.Create(Handle(), kMarketWatchId) || !m_log.Create(Handle(), kLogTabsId, kLogListId))
+        return false;
+    m_status = framework::Window(
+        CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, Handle(),
+                        reinterpret_cast<HMENU>(INT_PTR{kStatusBarId}), GetModuleHandleA(nullptr), nullptr));
+    // Band order is BandIndex; panes are put in front of the log.
+    m_layout.Bands() = {
+        {.least = Scaled(kClientBarHeight)},
+        {.least = Scaled(kLeastWatchHeight), .stretch = true, .resizable = true},
+        {.wanted = Scaled(kLogHeight), .least = Scaled(kLeastLogHeight), .resizable = true},
+    };
+    return static_cast<bool>(m_status);
+}
+
+int MainFrame::Scaled(int pixels) const {
+    return MulDiv(pixels, static_cast<int>(Self().Dpi()), USER_DEFAULT_SCREEN_DPI);
+}
+
+void MainFrame::RebuildMenu() {
+    const HMENU old = GetMenu(Handle());
+    SetMenu(Handle(), BuildMenuBar({m_application.Plugins().Plugins(), m_application.State().config,
+                                    m_watchShown, m_logShown}));
+    if (old) DestroyMenu(old);
+}
+
+void MainFrame::ApplyFont() {
+    const TerminalConfig& config = m_application.State().config;
+    const int points = std::clamp((config.fontSize ? config.fontSize : kUsualPoints) + config.fontVariation,
+                                  kLeastPoints, kMostPoints);
+    const UINT dpi = Self().Dpi();
+    framework::Font font = framework::MakeFont(L"Segoe UI", points, dpi);
+    m_clientBar.SetFont(font.Get());
+    m_watch.SetFont(font.Get(), dpi);
+    m_log.SetFont(font.Get(), dpi);
+    m_status.SetFont(font.Get());
+    m_font = std::move(font);
+    LayOut();
+}
+
+void MainFrame::SetStatus(StatusPart part, const std::string& text) {
+    const auto index = static_cast<std::size_t>(part);
+    m_statusTexts[index] = ' ' + text;
+    m_status.Send(SB_SETTEXTA, index, reinterpret_cast<LPARAM>(m_statusTexts[index].c_str()));
+}
+
+bool MainFrame::OnCommand(const framework::Command& command) {
+    if (command.id == kClientComboId && command.notification == CBN_SELCHANGE) {
+        m_application.ActivateClient(m_clientBar.Picked());
+        return true;
+    }
+    return !command.control && OnMenuCommand(command.id);
+}
+
+bool MainFrame::OnMenuCommand(int id) {
+    const TerminalConfig& config = m_application.State().config;
+    const struct {
+        int first, count;
+        std::function<void(int)> run; // gets the command's place in its range
+    } commands[] = {
+        {kExitCommand, 1, [&](int) { m_application.RequestClose(); }},
+        {kShowWatchCommand, 1, [&](int) { m_watchShown = !m_watchShown; }},
+        {kShowLogCommand, 1, [&](int) { m_logShown = !m_logShown; }},
+        {kFontSmallerCommand, 1,
+         [&](int) { m_application.SetFont(config.fontVariation - 1, config.fontSize); }},
+        {kFontNormalCommand, 1, [&](int) { m_application.SetFont(0, 0); }},
+        {kFontLargerCommand, 1, [&](int) { m_application.SetFont(config.fontVariation + 1, config.fontSize); }},
+        {kFirstFontSizeCommand, kMostPoints + 1, [&](int points) { m_application.SetFont(0, points); }},
+        {kFirstLoginModeCommand, TerminalConfig::kMostLoginMode + 1,
+         [&](int mode) { m_application.SetLoginMode(mode); }},
+        {kFirstRightCommand, kMostRights,
+         [&](int index) {
+             if (index >= static_cast<int>(config.rights.size())) return;
+             const auto [right, granted] = *std::next(config.rights.begin(), index);
+             m_application.SetRight(right, !granted);
+         }},
+        {kFirstClockCommand, kMostClockDays, [&](int days) { m_application.AdvanceClock(days); }},
+        {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
+         [&](int entry) {
+             m_application.RequestPick(static_cast<std::size_t>(entry / kEntriesPerPlugin),
+                                       static_cast<std::size_t>(entry % kEntriesPerPlugin));
+         }},
+    };
+    for (const auto& command : commands)
+        if (id >= command.first && id < command.first + command.count) {
+            command.run(id - command.first);
+            RebuildMenu();
+            LayOut();
+            return true;
+        }
+    return false;
+}
+
+std::optional<LRESULT> MainFrame::OnNotify(const NMHDR& header) {
+    if (const auto answer = m_watch.OnNotify(header)) return answer;
+    return m_log.OnNotify(header);
+}
+
+std::optional<LRESULT> MainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_SIZE:
+        m_status.Send(WM_SIZE, wParam, lParam);
+        LayOut();
+        return 0;
+    case WM_CLOSE:
+        m_application.RequestClose();
+        return 0;
+    case WM_TIMER:
+        m_application.OnTimer(wParam);
+        return 0;
+    case WM_PARENTNOTIFY:
+        if (LOWORD(wParam) == WM_DESTROY) ForgetPane(reinterpret_cast<HWND>(lParam));
+        return 0;
+    case kRegisterPaneMessage:
+        RegisterPane(reinterpret_cast<HWND>(wParam));
+        return 0;
+    case kDeferredMessage:
+        m_application.OnDeferred(wParam);
+        return 0;
+    case kPanesChangedMessage:
+        LayOut();
+        return 0;
+    default:
+        return OnMouse(message, lParam);
+    }
+}
+
+std::optional<LRESULT> MainFrame::OnMouse(UINT message, LPARAM lParam) {
+    switch (message) {
+    case WM_SETCURSOR: {
+        POINT point{};
+        GetCursorPos(&point);
+        ScreenToClient(Handle(), &point);
+        if (LOWORD(lParam) != HTCLIENT || !m_layout.SplitterAt(point.y)) return std::nullopt;
+        SetCursor(LoadCursorA(nullptr, IDC_SIZENS));
+        return TRUE;
+    }
+    case WM_LBUTTONDOWN:
+        m_dragged = m_layout.SplitterAt(GET_Y_LPARAM(lParam));
+        if (m_dragged) SetCapture(Handle());
+        return 0;
+    case WM_MOUSEMOVE:
+        if (!m_dragged) return std::nullopt;
+        m_layout.Drag(*m_dragged, GET_Y_LPARAM(lParam));
+        LayOut();
+        return 0;
+    case WM_LBUTTONUP:
+        if (m_dragged) ReleaseCapture();
+        return 0;
+    case WM_CAPTURECHANGED:
+        m_dragged.reset();
+        return 0;
+    default:
+        return std::nullopt;
+    }
+}
+
+void MainFrame::OnDpiChanged(UINT, const RECT& suggested) {
+    Self().Move(suggested);
+    ApplyFont();
+}
+
+void MainFrame::RegisterPane(HWND pane) {
+    if (!IsWindow(pane) || std::ranges::find(m_panes, pane) != m_panes.end()) return;
+    m_panes.push_back(pane);
+    auto& bands = m_layout.Bands();
+    bands.insert(bands.end() - 1,
+                 Band{.wanted = Scaled(kPaneHeight), .least = Scaled(kLeastPaneHeight), .resizable = true});
+    SetWindowSubclass(pane, PaneProcedure, kPaneSubclass, reinterpret_cast<DWORD_PTR>(this));
+    LayOut();
+}
+
+void MainFrame::ForgetPane(HWND pane) {
+    const auto found = std::ranges::find(m_panes, pane);
+    if (found == m_panes.end()) return;
+    RemoveWindowSubclass(pane, PaneProcedure, kPaneSubclass);
+    auto& bands = m_layout.Bands();
+    bands.erase(bands.begin() + logBand + (found - m_panes.begin()));
+    m_panes.erase(found);
+    LayOut();
+}
+
+// Panes hide and show themselves; their neighbours then take or give the room.
+LRESULT CALLBACK MainFrame::PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR frame) noexcept {
+    if (message == WM_WINDOWPOSCHANGED) {
+        const WINDOWPOS& change = *reinterpret_cast<const WINDOWPOS*>(lParam);
+        if (change.flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW))
+            PostMessageA(reinterpret_cast<MainFrame*>(frame)->Handle(), kPanesChangedMessage, 0, 0);
+    }
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+void MainFrame::LayOut() {
+    auto& bands = m_layout.Bands();
+    if (bands.empty() || IsIconic(Handle())) return;
+    const auto isShown = [](HWND pane) { return (GetWindowLongPtrA(pane, GWL_STYLE) & WS_VISIBLE) != 0; };
+    bands[watchBand].shown = m_watchShown;
+    for (std::size_t i = 0; i < m_panes.size(); ++i)
+        bands[logBand + i].shown = isShown(m_panes[i]);
+    bands.back().shown = m_logShown;
+    const RECT client = Self().ClientRect();
+    RECT status{};
+    GetWindowRect(m_status.Handle(), &status);
+    m_layout.Arrange(client.bottom - (status.bottom - status.top));
+
+    const UINT dpi = Self().Dpi();
+    const auto place = [&](const Band& band) {
+        return RECT{0, band.top, client.right, band.top + band.height};
+    };
+    m_clientBar.Place(place(bands[clientBand]), dpi);
+    framework::Window(m_watch.List()).Move(place(bands[watchBand]));
+    framework::Window(m_watch.List()).Show(m_watchShown);
+    for (std::size_t i = 0; i < m_panes.size(); ++i)
+        if (bands[logBand + i].shown) framework::Window(m_panes[i]).Move(place(bands[logBand + i]));
+    m_log.Show(m_logShown);
+    m_log.Place(place(bands.back()), dpi);
+    LayOutStatusBar(client.right);
+}
+
+void MainFrame::LayOutStatusBar(int width) {
+    const int plugin = width - Scaled(20), login = plugin - Scaled(170), client = login - Scaled(230);
+    const int edges[] = {client - Scaled(260), client, login, plugin};
+    static_assert(std::size(edges) == static_cast<std::size_t>(StatusPart::count));
+    m_status.Send(SB_SETPARTS, std::size(edges), reinterpret_cast<LPARAM>(edges));
+    for (std::size_t i = 0; i < m_statusTexts.size(); ++i)
+        m_status.Send(SB_SETTEXTA, i, reinterpret_cast<LPARAM>(m_statusTexts[i].c_str()));
+}
+
+} // namespace vesk

@@ -1,0 +1,77 @@
+// The terminal's main window: menu bar, client bar, market watch, docked panes, tabbed log, status bar.
+#pragma once
+
+#include "framework/CustomWindow.h"
+#include "framework/DialogLayout.h"
+#include "host/terminal/core/FrameLayout.h"
+#include "host/terminal/window/ClientBar.h"
+#include "host/terminal/window/LogView.h"
+#include "host/terminal/window/MarketWatch.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+class Application;
+
+// Told by a plug-in: WPARAM is its pane, which the frame lays out from then on.
+inline constexpr UINT kRegisterPaneMessage = 1933;
+// The application's own deferred work; WPARAM is its number.
+inline constexpr UINT kDeferredMessage = WM_APP + 1;
+// A docked pane was shown or hidden.
+inline constexpr UINT kPanesChangedMessage = WM_APP + 2;
+
+inline constexpr UINT_PTR kPumpTimer = 1;
+inline constexpr UINT_PTR kScriptTimer = 2;
+
+class MainFrame : public framework::CustomWindow {
+public:
+    explicit MainFrame(Application& application);
+
+    bool Open();
+    void RebuildMenu();
+    void ApplyFont();
+    void ShowClient(const std::string& client) { m_clientBar.Show(client); }
+    void LogChanged() { m_log.Refresh(); }
+
+    enum class StatusPart : std::size_t { note, client, login, plugin, count };
+    void SetStatus(StatusPart part, const std::string& text);
+
+protected:
+    bool OnCommand(const framework::Command& command) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& header) override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnDpiChanged(UINT dpi, const RECT& suggested) override;
+
+private:
+    enum BandIndex : std::size_t { clientBand, watchBand, logBand };
+
+    bool CreateChildren();
+    bool OnMenuCommand(int id);
+    std::optional<LRESULT> OnMouse(UINT message, LPARAM lParam);
+    void RegisterPane(HWND pane);
+    void ForgetPane(HWND pane);
+    void LayOut();
+    void LayOutStatusBar(int width);
+    int Scaled(int pixels) const;
+
+    static LRESULT CALLBACK PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                          DWORD_PTR frame) noexcept;
+
+    Application& m_application;
+    ClientBar m_clientBar;
+    MarketWatch m_watch;
+    LogView m_log;
+    framework::Window m_status;
+    std::array<std::string, static_cast<std::size_t>(StatusPart::count)> m_statusTexts;
+    framework::Font m_font;
+    std::vector<HWND> m_panes;
+    FrameLayout m_layout;
+    std::optional<std::size_t> m_dragged; // band whose upper edge the mouse holds
+    bool m_watchShown = true;
+    bool m_logShown = true;
+};
+
+} // namespace vesk

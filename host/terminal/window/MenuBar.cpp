@@ -1,0 +1,121 @@
+#include "host/terminal/window/MenuBar.h"
+
+#include "host/terminal/window/CommandIds.h"
+
+#include <algorithm>
+
+namespace vesk {
+namespace {
+
+constexpr const char* kLoginModes[] = {
+    "&0  No identity", "&1  Broker", "&2  Branch", "&3  User, mapped accounts", "&4  User, account overview",
+};
+static_assert(std::size(kLoginModes) == TerminalConfig::kMostLoginMode + 1);
+
+constexpr int kFontSizes[] = {8, 9, 10, 11, 12, 14};
+constexpr int kClockDays[] = {1, 7, 30, 365};
+
+void Add(HMENU menu, int id, const std::string& text, bool checked = false, bool radio = false) {
+    MENUITEMINFOA item{};
+    item.cbSize = sizeof item;
+    item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_FTYPE;
+    item.fType = radio ? MFT_RADIOCHECK : MFT_STRING;
+    item.fState = checked ? MFS_CHECKED : MFS_ENABLED;
+    item.wID = static_cast<UINT>(id);
+    item.dwTypeData = const_cast<char*>(text.c_str());
+    InsertMenuItemA(menu, static_cast<UINT>(GetMenuItemCount(menu)), TRUE, &item);
+}
+
+void AddSeparator(HMENU menu) {
+    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+}
+
+void AddSubmenu(HMENU menu, HMENU submenu, const char* text) {
+    AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu), text);
+}
+
+HMENU FontMenu(const TerminalConfig& config) {
+    const HMENU menu = CreatePopupMenu();
+    Add(menu, kFontSmallerCommand, "&Smaller\tCtrl+-");
+    Add(menu, kFontNormalCommand, "&Normal\tCtrl+0", config.fontSize == 0 && config.fontVariation == 0, true);
+    Add(menu, kFontLargerCommand, "&Larger\tCtrl++");
+    AddSeparator(menu);
+    for (const int points : kFontSizes)
+        Add(menu, kFirstFontSizeCommand + points, std::to_string(points) + " pt",
+            config.fontSize == points && config.fontVariation == 0, true);
+    return menu;
+}
+
+HMENU ViewMenu(const MenuContents& contents) {
+    const HMENU menu = CreatePopupMenu();
+    Add(menu, kShowWatchCommand, "&Market Watch", contents.watchShown);
+    Add(menu, kShowLogCommand, "&Log", contents.logShown);
+    AddSeparator(menu);
+    AddSubmenu(menu, FontMenu(contents.config), "&Font Size");
+    return menu;
+}
+
+HMENU UserMenu(const TerminalConfig& config) {
+    const HMENU menu = CreatePopupMenu(), modes = CreatePopupMenu(), rights = CreatePopupMenu();
+    for (int mode = TerminalConfig::kLeastLoginMode; mode <= TerminalConfig::kMostLoginMode; ++mode)
+        Add(modes, kFirstLoginModeCommand + mode, kLoginModes[mode], config.loginMode == mode, true);
+    int id = kFirstRightCommand;
+    for (const auto& [right, granted] : config.rights)
+        if (id < kFirstRightCommand + kMostRights) Add(rights, id++, right, granted);
+    AddSubmenu(menu, modes, "Login &Mode");
+    AddSubmenu(menu, rights, "&Rights");
+    return menu;
+}
+
+HMENU ServerMenu() {
+    const HMENU menu = CreatePopupMenu();
+    for (const int days : kClockDays)
+        Add(menu, kFirstClockCommand + days,
+            "Advance Clock by " + std::to_string(days) + (days == 1 ? " Day" : " Days"));
+    return menu;
+}
+
+std::string Plain(std::string text) {
+    text.resize(std::min(text.find('\t'), text.size()));
+    std::erase(text, '&');
+    return text;
+}
+
+} // namespace
+
+HMENU BuildMenuBar(const MenuContents& contents) {
+    const HMENU bar = CreateMenu(), file = CreatePopupMenu();
+    Add(file, kExitCommand, "E&xit\tAlt+F4");
+    AddSubmenu(bar, file, "&File");
+    AddSubmenu(bar, ViewMenu(contents), "&View");
+    AddSubmenu(bar, UserMenu(contents.config), "&User");
+    AddSubmenu(bar, ServerMenu(), "&Server");
+    int id = kFirstPluginCommand;
+    for (const Plugin& plugin : contents.plugins) {
+        const HMENU menu = CreatePopupMenu();
+        const std::size_t count = std::min<std::size_t>(plugin.menu.size(), kEntriesPerPlugin);
+        for (std::size_t i = 0; i < count; ++i)
+            Add(menu, id + static_cast<int>(i), plugin.menu[i]);
+        AddSubmenu(bar, menu, ('&' + plugin.name).c_str());
+        id += kEntriesPerPlugin;
+    }
+    return bar;
+}
+
+std::vector<MenuEntry> MenuEntries(HMENU menu) {
+    std::vector<MenuEntry> entries;
+    for (int i = 0, count = GetMenuItemCount(menu); i < count; ++i) {
+        char text[256] = "";
+        MENUITEMINFOA item{};
+        item.cbSize = sizeof item;
+        item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_FTYPE | MIIM_SUBMENU;
+        item.dwTypeData = text;
+        item.cch = sizeof text;
+        if (!GetMenuItemInfoA(menu, static_cast<UINT>(i), TRUE, &item) || (item.fType & MFT_SEPARATOR))
+            continue;
+        entries.push_back({Plain(text), item.hSubMenu, item.wID, !(item.fState & MFS_DISABLED)});
+    }
+    return entries;
+}
+
+} // namespace vesk

@@ -1,0 +1,35 @@
+// The embedded server with its journal and clock, and the hub through which the plug-ins reach it.
+#pragma once
+
+#include "host/server/Journal.h"
+#include "host/server/RxHub.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+class ServerLink {
+public:
+    // What the user should know about the start is added to `notes`. Without a journal that can be opened
+    // there is no server: GetControl then gives null.
+    ServerLink(const std::string& configFile, const std::string& journalFile, UserIdentity user,
+               std::vector<std::string>& notes);
+
+    RxControl* GetControl(int kind, CKeloRxNotifierBase* notifier);
+    void DestroyControl(RxControl* control);
+    std::size_t LiveControls() const { return m_hub ? m_hub->LiveControls() : 0; }
+    void Pump();
+    void AdvanceClock(int days) { m_clockOffset += std::int64_t{days} * 86'400; }
+    const std::string& JournalFile() const { return m_journalFile; }
+
+private:
+    std::string m_journalFile;
+    std::int64_t m_clockOffset = 0; // seconds that the server is ahead of the machine
+    std::unique_ptr<Journal> m_journal;
+    std::unique_ptr<Server> m_server;
+    std::unique_ptr<RxHub> m_hub;
+};
+
+} // namespace vesk

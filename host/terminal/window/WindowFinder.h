@@ -1,0 +1,30 @@
+// Finding windows and controls of this program as a user would: by caption, by identifier, by what is open.
+#pragma once
+
+#include "framework/Window.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+bool IsOfClass(HWND window, std::string_view name);
+
+// The shown window of this thread with exactly this caption: a top-level one, or a pane inside `frame`.
+// Null when there is none.
+HWND FindWindowByCaption(const std::string& caption, HWND frame);
+
+// The control with this identifier, at any depth below `window`; the nearest to it. Null when there is none.
+HWND FindControl(HWND window, int id);
+
+// The open message box, if there is one.
+HWND FindMessageBox();
+std::string MessageBoxText(HWND box);
+// The button for an answer; a box that only tells something has one button, whatever its identifier.
+HWND MessageBoxButton(HWND box, int button);
+
+// The popup menu that is open; null when there is none.
+HMENU FindOpenMenu(HWND& window);
+
+} // namespace vesk
