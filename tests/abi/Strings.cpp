@@ -2,6 +2,7 @@
 
 #include "Boundary.h"
 #include "Support.h"
+#include "Watch.h"
 
 namespace {
 
@@ -141,6 +142,7 @@ CString& CString::operator=(const char* text) {
 
 void CStringArray::SetOnly(const char* text) {
     m_data = static_cast<CString*>(HeapAlloc(GetProcessHeap(), 0, sizeof(CString)));
+    watch::AllocatedByHost(m_data);
     new (static_cast<void*>(m_data)) CString(text);
     m_size = m_capacity = 1;
 }
@@ -148,5 +150,7 @@ void CStringArray::SetOnly(const char* text) {
 CStringArray::~CStringArray() {
     for (int64_t i = 0; i < m_size; ++i)
         m_data[i].~CString();
-    if (m_data) HeapFree(GetProcessHeap(), 0, m_data);
+    if (!m_data) return;
+    watch::FreedByHost(m_data);
+    HeapFree(GetProcessHeap(), 0, m_data);
 }

@@ -63,24 +63,29 @@ int AddData(void* message, unsigned tag, unsigned count, const QmxDatum* data, Q
     return g_original.addData(message, tag, count, data, error);
 }
 
+void Allocated(const void* memory) {
+    constexpr int room = sizeof g_heap / sizeof *g_heap;
+    if (!memory || g_heapCount == room) return;
+    g_heap[g_heapCount++] = {memory, false};
+    ++g_seen.heapBlocks;
+}
 void* Allocate(void* heap, unsigned flags, size_t bytes) {
     void* memory = g_original.heapAlloc(heap, flags, bytes);
-    constexpr int room = sizeof g_heap / sizeof *g_heap;
-    if (memory && g_heapCount < room) {
-        g_heap[g_heapCount++] = {memory, false};
-        ++g_seen.heapBlocks;
-    }
+    Allocated(memory);
     return memory;
 }
-int Free(void* heap, unsigned flags, void* memory) {
-    // The newest entry counts: the heap may give an address out again.
+// The newest entry counts: the heap may give an address out again.
+void Freed(const void* memory) {
     for (int i = g_heapCount; i-- > 0;) {
         if (g_heap[i].memory != memory) continue;
         g_seen.heapFaults += g_heap[i].freed;
         g_seen.heapBlocks -= !g_heap[i].freed;
         g_heap[i].freed = true;
-        break;
+        return;
     }
+}
+int Free(void* heap, unsigned flags, void* memory) {
+    Freed(memory);
     return g_original.heapFree(heap, flags, memory);
 }
 
@@ -105,6 +110,14 @@ void Replace(HMODULE plugin, const char* library, const char* name, F* replaceme
 
 Counts& Seen() {
     return g_seen;
+}
+
+void AllocatedByHost(const void* memory) {
+    Allocated(memory);
+}
+
+void FreedByHost(const void* memory) {
+    Freed(memory);
 }
 
 void Install(HMODULE plugin) {

@@ -1,5 +1,6 @@
 // Watches what the plug-in does to the libraries it imports: connection handles, the fields of the request
-// being built, window hooks, and its blocks on the process heap.
+// being built, window hooks, and the blocks on
+// the process heap that both sides may free.
 #pragma once
 
 #include "Platform.h"
@@ -14,6 +15,10 @@ struct Counts {
     char request[2048]; // "tag=value;" in the order added
 };
 Counts& Seen();
+
+// Memory that the host takes for, or gives back from, what both sides grow.
+void AllocatedByHost(const void* memory);
+void FreedByHost(const void* memory);
 
 // To be called right after the plug-in was loaded.
 void Install(HMODULE plugin);

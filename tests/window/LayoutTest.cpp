@@ -51,7 +51,9 @@ protected:
                        height = control.place.bottom - control.place.top;
             EXPECT_TRUE(control.place.left >= 0 && control.place.top >= 0 && control.place.right <= client.right
                         && control.place.bottom <= client.bottom)
-                << "outside the window";
+                << "outside the window: " << control.place.left << "," << control.place.top << " to "
+                << control.place.right << "," << control.place.bottom << " in " << client.right << ","
+                << client.bottom;
             const std::string name = probe::ClassOf(control.window);
             const bool icon =
                 name == "Static" && (GetWindowLongPtrA(control.window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
