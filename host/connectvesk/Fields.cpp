@@ -25,27 +25,11 @@ void CopyBytes(char* to, const char* from, std::uint32_t length) {
         Store(to + length - 4, tail);
     } else if (length > 16) {
         std::memmove(to, from, length);
-    } else {
-        for (std::uint32_t i = 0; i < length; ++i)
-            to[i] = from[i];
+    } else if (length) {
+        to[0] = from[0];
+        to[length / 2] = from[length / 2];
+        to[length - 1] = from[length - 1];
     }
-}
-
-int CheckValues(std::uint32_t count, const QmxDatum* data, std::uint32_t room, std::uint64_t& size,
-                QmxError* error) {
-    // A count that cannot fit is refused before the caller's array is walked.
-    if (std::uint64_t{count} * kLengthSize > room)
-        return Fail(error, kQmxBufferFull, "no room for %u values in %u bytes", count, room);
-    size = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (!data[i].data && data[i].length)
-            return Fail(error, kQmxBadArgument, "value %u: null with length %u", i, data[i].length);
-        size += kLengthSize + std::uint64_t{data[i].length};
-    }
-    if (size > room)
-        return Fail(error, kQmxBufferFull, "no room for %llu bytes of values in %u",
-                    static_cast<unsigned long long>(size), room);
-    return 1;
 }
 
 int CheckWritable(const Message& message, QmxError* error) {
@@ -55,13 +39,18 @@ int CheckWritable(const Message& message, QmxError* error) {
     return Fail(error, kQmxBadHandle, "no message was started");
 }
 
-int CheckScratch(const Message& message, QmxError* error) {
+// The bytes a message may have in its scratch buffer; 0 when message and buffer no longer go together.
+std::uint32_t CheckScratch(const Message& message, QmxError* error) {
     const ScratchPrefix* prefix = PrefixOf(message.scratch);
-    if (!prefix) return Fail(error, kQmxBadHandle, "the message's scratch buffer is closed");
+    if (!prefix) {
+        Fail(error, kQmxBadHandle, "the message's scratch buffer is closed");
+        return 0;
+    }
     const std::uint32_t fill = Load(message.scratch);
-    if (fill != message.used || message.used > prefix->capacity - kFillSize)
-        return Fail(error, kQmxCorrupt, "fill length is %u, %u bytes were written", fill, message.used);
-    return 1;
+    const std::uint32_t capacity = prefix->capacity - kFillSize;
+    if (fill == message.used && fill <= capacity) return capacity;
+    Fail(error, kQmxCorrupt, "fill length is %u, %u bytes were written", fill, message.used);
+    return 0;
 }
 
 int Absent(std::uint32_t tag, QmxError* error) {
@@ -79,6 +68,13 @@ int FindBetween(Message& message, std::uint32_t from, std::uint32_t to, std::uin
         return 1;
     }
     return -1;
+}
+
+int CheckNotThere(Message& message, std::uint32_t tag, QmxError* error) {
+    FoundField before;
+    const int found = FindBetween(message, kHeaderSize, message.used, tag, before, error);
+    if (found == 1) return Fail(error, kQmxBadArgument, "field %u is already in the message", tag);
+    return found != 0;
 }
 
 int CheckField(const Message& message, const FoundField& found, QmxError* error) {
@@ -124,30 +120,33 @@ int StartMessage(Message& message, void* scratch, QmxError* error) {
 }
 
 int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error) {
-    if (!CheckWritable(message, error) || !CheckScratch(message, error)) return 0;
+    if (!CheckWritable(message, error)) return 0;
+    const std::uint32_t capacity = CheckScratch(message, error);
+    if (!capacity) return 0;
     if (count == 0 || !data) return Fail(error, kQmxBadArgument, "field %u has no values", tag);
-    if (FoundField before; message.tags.MayHave(tag)) {
-        const int found = FindBetween(message, kHeaderSize, message.used, tag, before, error);
-        if (found == 0) return 0;
-        if (found == 1) return Fail(error, kQmxBadArgument, "field %u is already in the message", tag);
-    }
-    const std::uint32_t capacity = PrefixOf(message.scratch)->capacity - kFillSize;
+    if (message.tags.MayHave(tag) && !CheckNotThere(message, tag, error)) return 0;
     const std::uint32_t room = capacity - message.used;
-    if (room < kFieldHeaderSize) return Fail(error, kQmxBufferFull, "no room for field %u", tag);
-    std::uint64_t size = 0;
-    if (!CheckValues(count, data, room - kFieldHeaderSize, size, error)) return 0;
+    // A count that cannot fit is refused before the caller's array is walked.
+    if (room < kFieldHeaderSize || (room - kFieldHeaderSize) / kLengthSize < count)
+        return Fail(error, kQmxBufferFull, "no room for field %u of %u values", tag, count);
 
-    char* to = MessageStart(message.scratch) + message.used;
-    Store(to, tag);
-    Store(to + 4, count);
-    Store(to + 8, static_cast<std::uint32_t>(size));
-    to += kFieldHeaderSize;
-    for (const QmxDatum* datum = data; datum != data + count; ++datum) {
-        Store(to, datum->length);
-        CopyBytes(to + kLengthSize, datum->data, datum->length);
-        to += kLengthSize + datum->length;
+    char* const field = MessageStart(message.scratch) + message.used;
+    std::uint32_t size = kFieldHeaderSize;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const QmxDatum datum = data[i];
+        if (!datum.data && datum.length)
+            return Fail(error, kQmxBadArgument, "value %u: null with length %u", i, datum.length);
+        if (room - size < kLengthSize || datum.length > room - size - kLengthSize)
+            return Fail(error, kQmxBufferFull, "no room for value %u of field %u", i, tag);
+        Store(field + size, datum.length);
+        CopyBytes(field + size + kLengthSize, datum.data, datum.length);
+        size += kLengthSize + datum.length;
     }
-    message.used += kFieldHeaderSize + static_cast<std::uint32_t>(size);
+    // Only now does the field belong to the message.
+    Store(field, tag);
+    Store(field + 4, count);
+    Store(field + 8, size - kFieldHeaderSize);
+    message.used += size;
     message.tags.Add(tag);
     Store(message.scratch, message.used);
     Store(MessageStart(message.scratch) + 4, message.used);
@@ -159,7 +158,7 @@ int CheckReadable(const Message& message, QmxError* error) {
     case Message::State::reading:
         return 1;
     case Message::State::writing:
-        return CheckScratch(message, error);
+        return CheckScratch(message, error) != 0;
     case Message::State::idle:
         break;
     }
@@ -187,6 +186,11 @@ int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* 
     if (result < 0) result = FindBetween(message, kHeaderSize, resume, tag, found, error);
     if (result < 0) return Absent(tag, error);
     return result ? Succeed(error) : 0;
+}
+
+int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum& datum, QmxError* error) {
+    FoundField found;
+    return FindField(message, tag, found, error) && ReadValue(message, found, index, datum, error);
 }
 
 int ReadValue(const Message& message, const FoundField& field, std::uint32_t index, QmxDatum& datum,

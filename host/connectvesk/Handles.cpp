@@ -39,13 +39,6 @@ Quarantine g_quarantine;
 
 } // namespace
 
-ScratchPrefix* PrefixOf(void* scratch) {
-    if (!scratch || reinterpret_cast<std::uintptr_t>(scratch) % alignof(ScratchPrefix) != 0) return nullptr;
-    ScratchPrefix* prefix = static_cast<ScratchPrefix*>(scratch) - 1;
-    const bool open = prefix->mark == Mark::scratch && prefix->capacity == ~prefix->capacityCheck;
-    return open ? prefix : nullptr;
-}
-
 Message* NewMessage() {
     void* memory = std::malloc(sizeof(Message));
     return memory ? new (memory) Message : nullptr;

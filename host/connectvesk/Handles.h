@@ -44,7 +44,12 @@ inline Message* AsMessage(void* handle) {
     return message && message->mark == Mark::message ? message : nullptr;
 }
 // Null when the pointer is not an open scratch buffer.
-ScratchPrefix* PrefixOf(void* scratch);
+inline ScratchPrefix* PrefixOf(void* scratch) {
+    if (!scratch || reinterpret_cast<std::uintptr_t>(scratch) % alignof(ScratchPrefix) != 0) return nullptr;
+    ScratchPrefix* prefix = static_cast<ScratchPrefix*>(scratch) - 1;
+    const bool open = prefix->mark == Mark::scratch && prefix->capacity == ~prefix->capacityCheck;
+    return open ? prefix : nullptr;
+}
 
 Message* NewMessage();
 void* NewScratch(std::uint32_t size);

@@ -120,8 +120,7 @@ int qmx_get_data(void* handle, std::uint32_t tag, std::uint32_t index, QmxDatum*
     Message* message = Readable(handle, error);
     if (!message) return 0;
     if (!datum) return Fail(error, kQmxBadArgument, "no place for the value");
-    qmx::FoundField found;
-    return FindField(*message, tag, found, error) ? ReadValue(*message, found, index, *datum, error) : 0;
+    return ReadField(*message, tag, index, *datum, error);
 }
 
 int qmx_message_bytes(void* handle, QmxDatum* bytes, QmxError* error) {
