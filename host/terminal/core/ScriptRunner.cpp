@@ -3,6 +3,19 @@
 #include <algorithm>
 
 namespace vesk {
+namespace {
+
+bool NamesBox(const ScriptCommand& command) {
+    constexpr Verb verbs[] = {Verb::box, Verb::boxStarting, Verb::expectBox, Verb::expectBoxStarting};
+    return std::ranges::find(verbs, command.verb) != std::end(verbs);
+}
+
+bool Names(const ScriptCommand& command, const std::string& boxText) {
+    const bool starting = command.verb == Verb::boxStarting || command.verb == Verb::expectBoxStarting;
+    return starting ? boxText.starts_with(command.words[0]) : boxText == command.words[0];
+}
+
+} // namespace
 
 ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
     if (m_state != State::running) return m_state;
@@ -34,9 +47,11 @@ StepResult ScriptRunner::TryStep(const ScriptCommand& command) {
         m_timeoutMs = std::int64_t{1000} * command.Number(0);
         return StepResult::Done();
     case Verb::expectBox:
-        return TryBox(command.words[0], std::nullopt);
+    case Verb::expectBoxStarting:
+        return TryBox(command, std::nullopt);
     case Verb::box:
-        return TryBox(command.words[0], BoxButton(command.words[1]));
+    case Verb::boxStarting:
+        return TryBox(command, BoxButton(command.words[1]));
     case Verb::answer:
         return TryAnswer(*BoxButton(command.words[0]));
     default:
@@ -44,10 +59,10 @@ StepResult ScriptRunner::TryStep(const ScriptCommand& command) {
     }
 }
 
-StepResult ScriptRunner::TryBox(const std::string& text, std::optional<int> button) {
+StepResult ScriptRunner::TryBox(const ScriptCommand& command, std::optional<int> button) {
     if (m_answeredBox) return TryAnswer(*button);
     const std::optional<OpenMessageBox> box = m_stage.OpenBox();
-    if (!box) return StepResult::Again("there is no message box \"" + text + '"');
+    if (!box) return StepResult::Again("there is no message box \"" + command.words[0] + '"');
     m_foundBox = box->id;
     return button ? TryAnswer(*button) : StepResult::Done();
 }
@@ -71,10 +86,8 @@ bool ScriptRunner::IsExpected(const OpenMessageBox& box) const {
     // The command that is being played may itself be done with, its box answered.
     const auto first =
         m_script.commands.begin() + static_cast<std::ptrdiff_t>(m_next + (m_answeredBox ? 1 : 0));
-    const auto next = std::find_if(first, m_script.commands.end(), [](const ScriptCommand& command) {
-        return command.verb == Verb::box || command.verb == Verb::expectBox;
-    });
-    return next != m_script.commands.end() && next->words[0] == box.text;
+    const auto next = std::find_if(first, m_script.commands.end(), NamesBox);
+    return next != m_script.commands.end() && Names(*next, box.text);
 }
 
 void ScriptRunner::Fail(const std::string& why) {

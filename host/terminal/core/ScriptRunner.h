@@ -59,7 +59,7 @@ public:
 
 private:
     StepResult TryStep(const ScriptCommand& command);
-    StepResult TryBox(const std::string& text, std::optional<int> button);
+    StepResult TryBox(const ScriptCommand& command, std::optional<int> button);
     StepResult TryAnswer(int button);
     // A box is expected when the next box command of the script has its text, or "expect box" has found it.
     bool IsExpected(const OpenMessageBox& box) const;

@@ -109,7 +109,6 @@ bool Application::Start() {
         std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
                                      UserIdentity{config.loginId, config.peerIdA, config.peerIdB}, notes);
     if (!m_frame.Open()) return StartFailed("the main window cannot be made");
-    m_hotKeyHook.emplace(m_state.hotKeys);
     for (const std::string& note : notes)
         LogFromSystem(note);
     for (const std::string& line : m_plugins.LoadFolder(ProgramFolder() + "\\Vesk Plugins"))

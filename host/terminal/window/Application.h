@@ -48,6 +48,8 @@ public:
     void SetRight(const std::string& right, bool granted);
     void SetLoginMode(int mode);
     void AdvanceClock(int days);
+    // The hook that comes last is asked first: the plug-ins' own would take the keys away.
+    void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
     // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
     void RequestPick(std::size_t plugin, std::size_t entry);

@@ -23,18 +23,15 @@ bool ClientBar::Create(HWND parent, int labelId, int comboId) {
     return true;
 }
 
-void ClientBar::Place(const RECT& rect, UINT dpi) {
-    const auto scaled = [&](int pixels) {
-        return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
-    };
+void ClientBar::Place(const RECT& rect, const TextScale& scale) {
     RECT combo{};
     GetWindowRect(m_combo.Handle(), &combo);
     const int comboHeight = combo.bottom - combo.top;
     const int top = rect.top + (rect.bottom - rect.top - comboHeight) / 2;
-    const int left = rect.left + scaled(10), labelWidth = scaled(90);
+    const int left = rect.left + scale.Pixels(10), labelWidth = scale.Pixels(90);
     m_label.Move({left, top, left + labelWidth, top + comboHeight});
     // The height given to a combo is that of its open list.
-    m_combo.Move({left + labelWidth, top, left + labelWidth + scaled(240), top + scaled(360)});
+    m_combo.Move({left + labelWidth, top, left + labelWidth + scale.Pixels(240), top + scale.Pixels(360)});
 }
 
 void ClientBar::SetFont(HFONT font) {

@@ -1,9 +1,9 @@
 // The strip above the market watch: which client is active.
 #pragma once
 
-#include "framework/Handle.h"
 #include "framework/Window.h"
 #include "host/terminal/core/ClientList.h"
+#include "host/terminal/window/ListColumns.h"
 
 #include <string>
 
@@ -15,7 +15,7 @@ public:
 
     bool Create(HWND parent, int labelId, int comboId);
     // `rect` is the strip's place in the parent; the drop-down opens below it.
-    void Place(const RECT& rect, UINT dpi);
+    void Place(const RECT& rect, const TextScale& scale);
     void SetFont(HFONT font);
     void Show(const std::string& client);
     // The client that the user picked; empty for all.

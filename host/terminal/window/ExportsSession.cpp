@@ -131,6 +131,7 @@ int register_hotkey(HostWindow window, InString group, int command, InString tex
         if (!stroke || !IsWindow(window)) return 0;
         application.State().hotKeys.Register(
             {window, command, *stroke, TextOf(group), TextOf(text), TextOf(description)});
+        application.WatchHotKeys();
         return 1;
     });
 }

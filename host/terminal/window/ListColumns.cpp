@@ -24,10 +24,20 @@ HWND CreateReportList(HWND parent, int id, std::span<const ListColumn> columns) 
     return list;
 }
 
-void ScaleColumns(HWND list, std::span<const ListColumn> columns, UINT dpi) {
+void FitColumns(HWND list, std::span<const ListColumn> columns, const TextScale& scale) {
+    constexpr int rowHeight = 19, leastStretched = 120;
+    RECT client{};
+    GetClientRect(list, &client);
+    int left = client.right;
+    for (const ListColumn& column : columns)
+        if (!column.stretch) left -= scale.Pixels(column.width);
     for (std::size_t i = 0; i < columns.size(); ++i)
         ListView_SetColumnWidth(list, static_cast<int>(i),
-                                MulDiv(columns[i].width, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI));
+                                columns[i].stretch ? std::max(left, scale.Pixels(leastStretched))
+                                                   : scale.Pixels(columns[i].width));
+    // A row is as high as its image: an empty one gives the text room.
+    const HIMAGELIST spacer = ImageList_Create(1, scale.Pixels(rowHeight), ILC_COLOR, 1, 1);
+    if (const HIMAGELIST old = ListView_SetImageList(list, spacer, LVSIL_SMALL)) ImageList_Destroy(old);
 }
 
 void AnswerText(LVITEMA& item, const std::string& text) {

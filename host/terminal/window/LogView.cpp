@@ -1,7 +1,5 @@
 #include "host/terminal/window/LogView.h"
 
-#include "host/terminal/window/ListColumns.h"
-
 #include <algorithm>
 
 namespace vesk {
@@ -9,7 +7,7 @@ namespace {
 
 constexpr ListColumn kColumns[] = {
     {"Time", 80},
-    {"Message", 1100},
+    {"Message", 0, LVCFMT_LEFT, true},
 };
 
 } // namespace
@@ -29,21 +27,18 @@ bool LogView::Create(HWND parent, int tabsId, int listId) {
     return true;
 }
 
-void LogView::Place(const RECT& rect, UINT dpi) {
+void LogView::Place(const RECT& rect, const TextScale& scale) {
     framework::Window(m_tabs).Move(rect);
     RECT inside = rect;
     TabCtrl_AdjustRect(m_tabs, FALSE, &inside);
     framework::Window(m_list).Move(inside);
     SetWindowPos(m_list, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    const int time = MulDiv(kColumns[0].width, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
-    const int rest = inside.right - inside.left - time - GetSystemMetrics(SM_CXVSCROLL) - 8;
-    ListView_SetColumnWidth(m_list, 1, std::max(rest, 4 * time));
+    FitColumns(m_list, kColumns, scale);
 }
 
-void LogView::SetFont(HFONT font, UINT dpi) {
+void LogView::SetFont(HFONT font) {
     framework::Window(m_tabs).SetFont(font);
     framework::Window(m_list).SetFont(font);
-    ScaleColumns(m_list, std::span(kColumns).first(1), dpi);
 }
 
 void LogView::Show(bool shown) {

@@ -3,6 +3,7 @@
 
 #include "framework/Window.h"
 #include "host/terminal/core/TabbedLog.h"
+#include "host/terminal/window/ListColumns.h"
 
 #include <optional>
 
@@ -13,8 +14,8 @@ public:
     explicit LogView(const TabbedLog& log) : m_log(log) {}
 
     bool Create(HWND parent, int tabsId, int listId);
-    void Place(const RECT& rect, UINT dpi);
-    void SetFont(HFONT font, UINT dpi);
+    void Place(const RECT& rect, const TextScale& scale);
+    void SetFont(HFONT font);
     void Show(bool shown);
     // After lines were added: shows the newest.
     void Refresh();

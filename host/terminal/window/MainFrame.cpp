@@ -19,7 +19,6 @@ constexpr int kPaneHeight = 250;
 constexpr int kLeastPaneHeight = 110;
 constexpr int kLogHeight = 170;
 constexpr int kLeastLogHeight = 90;
-constexpr int kUsualPoints = 9;
 constexpr int kLeastPoints = 6;
 constexpr int kMostPoints = 36;
 constexpr UINT_PTR kPaneSubclass = 1;
@@ -61,15 +60,17 @@ bool MainFrame::CreateChildren() {
                         reinterpret_cast<HMENU>(INT_PTR{kStatusBarId}), GetModuleHandleA(nullptr), nullptr));
     // Band order is BandIndex; panes are put in front of the log.
     m_layout.Bands() = {
-        {.least = Scaled(kClientBarHeight)},
-        {.least = Scaled(kLeastWatchHeight), .stretch = true, .resizable = true},
-        {.wanted = Scaled(kLogHeight), .least = Scaled(kLeastLogHeight), .resizable = true},
+        {.least = Scale().Pixels(kClientBarHeight)},
+        {.least = Scale().Pixels(kLeastWatchHeight), .stretch = true, .resizable = true},
+        {.wanted = Scale().Pixels(kLogHeight), .least = Scale().Pixels(kLeastLogHeight), .resizable = true},
     };
     return static_cast<bool>(m_status);
 }
 
-int MainFrame::Scaled(int pixels) const {
-    return MulDiv(pixels, static_cast<int>(Self().Dpi()), USER_DEFAULT_SCREEN_DPI);
+TextScale MainFrame::Scale() const {
+    const TerminalConfig& config = m_application.State().config;
+    const int points = (config.fontSize ? config.fontSize : TextScale::kUsualPoints) + config.fontVariation;
+    return {Self().Dpi(), std::clamp(points, kLeastPoints, kMostPoints)};
 }
 
 void MainFrame::RebuildMenu() {
@@ -80,16 +81,15 @@ void MainFrame::RebuildMenu() {
 }
 
 void MainFrame::ApplyFont() {
-    const TerminalConfig& config = m_application.State().config;
-    const int points = std::clamp((config.fontSize ? config.fontSize : kUsualPoints) + config.fontVariation,
-                                  kLeastPoints, kMostPoints);
-    const UINT dpi = Self().Dpi();
-    framework::Font font = framework::MakeFont(L"Segoe UI", points, dpi);
+    const TextScale scale = Scale();
+    framework::Font font = framework::MakeFont(L"Segoe UI", scale.points, scale.dpi);
     m_clientBar.SetFont(font.Get());
-    m_watch.SetFont(font.Get(), dpi);
-    m_log.SetFont(font.Get(), dpi);
+    m_watch.SetFont(font.Get());
+    m_log.SetFont(font.Get());
     m_status.SetFont(font.Get());
     m_font = std::move(font);
+    m_layout.Bands()[clientBand].least = scale.Pixels(kClientBarHeight);
+    m_status.Send(WM_SIZE);
     LayOut();
 }
 
@@ -219,8 +219,9 @@ void MainFrame::RegisterPane(HWND pane) {
     if (!IsWindow(pane) || std::ranges::find(m_panes, pane) != m_panes.end()) return;
     m_panes.push_back(pane);
     auto& bands = m_layout.Bands();
-    bands.insert(bands.end() - 1,
-                 Band{.wanted = Scaled(kPaneHeight), .least = Scaled(kLeastPaneHeight), .resizable = true});
+    bands.insert(bands.end() - 1, Band{.wanted = Scale().Pixels(kPaneHeight),
+                                       .least = Scale().Pixels(kLeastPaneHeight),
+                                       .resizable = true});
     SetWindowSubclass(pane, PaneProcedure, kPaneSubclass, reinterpret_cast<DWORD_PTR>(this));
     LayOut();
 }
@@ -259,23 +260,24 @@ void MainFrame::LayOut() {
     GetWindowRect(m_status.Handle(), &status);
     m_layout.Arrange(client.bottom - (status.bottom - status.top));
 
-    const UINT dpi = Self().Dpi();
+    const TextScale scale = Scale();
     const auto place = [&](const Band& band) {
         return RECT{0, band.top, client.right, band.top + band.height};
     };
-    m_clientBar.Place(place(bands[clientBand]), dpi);
-    framework::Window(m_watch.List()).Move(place(bands[watchBand]));
+    m_clientBar.Place(place(bands[clientBand]), scale);
+    m_watch.Place(place(bands[watchBand]), scale);
     framework::Window(m_watch.List()).Show(m_watchShown);
     for (std::size_t i = 0; i < m_panes.size(); ++i)
         if (bands[logBand + i].shown) framework::Window(m_panes[i]).Move(place(bands[logBand + i]));
     m_log.Show(m_logShown);
-    m_log.Place(place(bands.back()), dpi);
+    m_log.Place(place(bands.back()), scale);
     LayOutStatusBar(client.right);
 }
 
 void MainFrame::LayOutStatusBar(int width) {
-    const int plugin = width - Scaled(20), login = plugin - Scaled(170), client = login - Scaled(230);
-    const int edges[] = {client - Scaled(260), client, login, plugin};
+    const int plugin = width - Scale().Pixels(20), login = plugin - Scale().Pixels(170),
+              client = login - Scale().Pixels(230);
+    const int edges[] = {client - Scale().Pixels(260), client, login, plugin};
     static_assert(std::size(edges) == static_cast<std::size_t>(StatusPart::count));
     m_status.Send(SB_SETPARTS, std::size(edges), reinterpret_cast<LPARAM>(edges));
     for (std::size_t i = 0; i < m_statusTexts.size(); ++i)

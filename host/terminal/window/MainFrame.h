@@ -55,7 +55,7 @@ private:
     void ForgetPane(HWND pane);
     void LayOut();
     void LayOutStatusBar(int width);
-    int Scaled(int pixels) const;
+    TextScale Scale() const;
 
     static LRESULT CALLBACK PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                           DWORD_PTR frame) noexcept;

@@ -1,21 +1,20 @@
 #include "host/terminal/window/MarketWatch.h"
 
-#include "host/terminal/window/ListColumns.h"
-
 #include <cstdio>
 
 namespace vesk {
 namespace {
 
+enum Column { symbol, company, exchange, series, remark, lastPrice, tickSize, token };
 constexpr ListColumn kColumns[] = {
     {"Symbol", 150},
+    {"Company", 0, LVCFMT_LEFT, true},
     {"Exchange", 80},
     {"Series", 60},
-    {"Last Price", 110, LVCFMT_RIGHT},
-    {"Tick Size", 80, LVCFMT_RIGHT},
-    {"Token", 90, LVCFMT_RIGHT},
-    {"Company", 280},
     {"Remark", 110},
+    {"Last Price", 110, LVCFMT_RIGHT},
+    {"Tick Size", 90, LVCFMT_RIGHT},
+    {"Token", 90, LVCFMT_RIGHT},
 };
 
 std::string Price(std::int64_t scaled, const Scrip& scrip) {
@@ -25,26 +24,30 @@ std::string Price(std::int64_t scaled, const Scrip& scrip) {
     return text;
 }
 
+std::string ShownExchange(const Scrip& scrip) {
+    for (const Exchange& known : kExchanges)
+        if (known.code == scrip.exchange) return std::string(known.shown);
+    return scrip.exchange;
+}
+
 std::string CellText(const Scrip& scrip, int column) {
     switch (column) {
-    case 0:
+    case symbol:
         return scrip.symbol;
-    case 1:
-        for (const Exchange& exchange : kExchanges)
-            if (exchange.code == scrip.exchange) return std::string(exchange.shown);
-        return scrip.exchange;
-    case 2:
-        return scrip.series;
-    case 3:
-        return Price(scrip.lastPrice, scrip);
-    case 4:
-        return Price(scrip.tickSize, scrip);
-    case 5:
-        return scrip.token;
-    case 6:
+    case company:
         return scrip.company;
-    default:
+    case exchange:
+        return ShownExchange(scrip);
+    case series:
+        return scrip.series;
+    case remark:
         return scrip.cautionary ? "Under caution" : "";
+    case lastPrice:
+        return Price(scrip.lastPrice, scrip);
+    case tickSize:
+        return Price(scrip.tickSize, scrip);
+    default:
+        return scrip.token;
     }
 }
 
@@ -57,9 +60,9 @@ bool MarketWatch::Create(HWND parent, int id) {
     return true;
 }
 
-void MarketWatch::SetFont(HFONT font, UINT dpi) {
-    framework::Window(m_list).SetFont(font);
-    ScaleColumns(m_list, kColumns, dpi);
+void MarketWatch::Place(const RECT& rect, const TextScale& scale) {
+    framework::Window(m_list).Move(rect);
+    FitColumns(m_list, kColumns, scale);
 }
 
 std::optional<LRESULT> MarketWatch::OnNotify(const NMHDR& header) {

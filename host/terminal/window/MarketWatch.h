@@ -3,6 +3,7 @@
 
 #include "framework/Window.h"
 #include "host/terminal/core/ScripMaster.h"
+#include "host/terminal/window/ListColumns.h"
 
 #include <optional>
 
@@ -14,7 +15,8 @@ public:
 
     bool Create(HWND parent, int id);
     HWND List() const { return m_list; }
-    void SetFont(HFONT font, UINT dpi);
+    void SetFont(HFONT font) { framework::Window(m_list).SetFont(font); }
+    void Place(const RECT& rect, const TextScale& scale);
     std::optional<LRESULT> OnNotify(const NMHDR& header);
 
 private:

@@ -75,9 +75,13 @@ StepResult WindowStage::Type(const ScriptCommand& command, std::size_t attempt) 
     if (attempt == text.size()) return StepResult::Done();
     if (!KeyReceiver()) return StepResult::Failed("no window has the focus");
     const SHORT scan = VkKeyScanA(text[attempt]);
-    if (scan == -1) return StepResult::Failed(std::string("no key types ") + text[attempt]);
-    const int modifiers = HIBYTE(scan);
-    PressKey({LOBYTE(scan), (modifiers & 2) != 0, (modifiers & 4) != 0, (modifiers & 1) != 0});
+    if (scan == -1) {
+        // Not on this keyboard: the character comes by itself, as from an input method.
+        PostMessageA(KeyReceiver(), WM_CHAR, static_cast<unsigned char>(text[attempt]), 1);
+    } else {
+        const int modifiers = HIBYTE(scan);
+        PressKey({LOBYTE(scan), (modifiers & 2) != 0, (modifiers & 4) != 0, (modifiers & 1) != 0});
+    }
     return StepResult::Again("typing is not finished");
 }
 

@@ -1,0 +1,29 @@
+#!/bin/sh
+# play.sh DIST SCRIPT OUT [ZUP]: plays a script on a fresh copy of the terminal in its own Wine desktop, where
+# windows have title bars. The log and the screenshots are left in OUT. ZUP takes the place of the plug-ins.
+# The desktop loses the exit status, so the verdict is read from the log's last line.
+set -eu
+dist=$1 script=$2 out=$3
+root=$(cd "$(dirname "$0")/../.." && pwd)
+mkdir -p "$out"
+out=$(cd "$out" && pwd)
+stage=$(mktemp -d)
+trap 'rm -rf "$stage"' EXIT
+cp -r "$dist/." "$stage"
+rm -rf "$stage/data/user" "$stage/data/journal"
+if [ $# -gt 3 ]; then
+    rm -rf "$stage/Vesk Plugins"
+    mkdir "$stage/Vesk Plugins"
+    cp "$4" "$stage/Vesk Plugins"
+fi
+log=$out/$(basename "$script" .script).log
+rm -f "$log"
+
+WINE_DESKTOP=vesk$$,1280x800 timeout "${PLAY_TIMEOUT:-180}" "$root/cmake/wine.sh" "Z:$stage/VeskTrader.exe" \
+    --script "Z:$(realpath "$script")" --log "Z:$log" --out "Z:$out" || true
+
+verdict=$(tail -n 1 "$log" 2>/dev/null | tr -d '\r')
+[ "$verdict" = "script passed" ] && exit 0
+cat "$log" 2>/dev/null || true
+[ "${verdict#script failed}" != "$verdict" ] || echo "the terminal ended without a verdict"
+exit 1
