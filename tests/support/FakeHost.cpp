@@ -105,7 +105,8 @@ const FakeHost::Scrip* FakeHost::FindScrip(const std::function<bool(const Scrip&
 }
 
 VeskApp* FakeHost::App() {
-    m_app = {sizeof m_app, 0, hasMainFrame ? m_mainFrame : nullptr, GetModuleHandleA(nullptr)};
+    if (!hasApp) return nullptr;
+    m_app = {appSize, 0, hasMainFrame ? m_mainFrame : nullptr, GetModuleHandleA(nullptr)};
     return &m_app;
 }
 

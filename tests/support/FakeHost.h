@@ -74,6 +74,9 @@ public:
     // Answers.
     std::set<std::string> rights{"QV: Planfold"};
     bool hasMainFrame = true;
+    bool hasApp = true;
+    std::uint32_t appSize = sizeof(VeskApp); // as the record says itself
+    bool givesControls = true;
     std::string peerIdA = "PEERA", peerIdB = "PEERB";
     std::string uuid = "UUID-1"; // empty: refused
     std::string userDirectory;   // empty: refused

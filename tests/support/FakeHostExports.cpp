@@ -129,6 +129,7 @@ HOST_EXPORT int pu_InvokeDialog(int dialog, HWND caller) {
 
 HOST_EXPORT RxControl* GetKeloRxControl(int kind, CKeloRxNotifierBase* notifier) {
     Record("GetKeloRxControl", kind);
+    if (!Host().givesControls) return nullptr;
     return &Host().controls.emplace_back(Host(), static_cast<int>(Host().controls.size()), kind, notifier);
 }
 

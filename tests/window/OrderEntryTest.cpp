@@ -1,6 +1,7 @@
 // The order entry window as it stands after opening, and what follows a change of a control.
 #include "tests/window/PluginTest.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -22,7 +23,6 @@ const StartRow kStart[] = {
     {order::kAction, "SIP", {"SIP", "SWP"}},
     {order::kOrderType, "MARKET", {"MARKET"}},
     {order::kProduct, "CNC", {"CNC"}},
-    {order::kClient, "C001", {"C001", "C002"}},
     {order::kInvestBy, "Amount", {"Amount", "Quantity"}},
     {order::kFrequency, "", {}},
     {order::kPeriod, "1", {}},
@@ -62,6 +62,23 @@ TEST_F(OrderEntryWindow, OpensInItsStartState) {
     EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode;");
     EXPECT_EQ(host.requests.size(), 1u);
     EXPECT_EQ(boxes.Texts(), "");
+}
+
+TEST_F(OrderEntryWindow, OffersTheClientsInAComboWithoutASearch) {
+    const HiddenExport hidden("pu_get_entered_text_results");
+    HWND dialog = OpenOrderEntry();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(probe::IsShown(dialog, order::kClient));
+    EXPECT_FALSE(probe::IsShown(dialog, order::kClientSearch));
+    EXPECT_EQ(Items(dialog, order::kClient), (Texts{"C001", "C002"}));
+    EXPECT_EQ(Text(dialog, order::kClient), "C001");
+    EXPECT_EQ(host.CallsOf("pu_write_settings_to_json"), 0);
+}
+
+TEST_F(OrderEntryWindow, RemembersItsClientSearch) {
+    OpenOrderEntry();
+    EXPECT_EQ(
+        std::ranges::count(host.calls, "pu_write_settings_to_json(Client_Search,Planfold Order Entry,1,1)"), 1);
 }
 
 TEST_F(OrderEntryWindow, ReopensInItsStartState) {

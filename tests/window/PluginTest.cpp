@@ -24,9 +24,14 @@ void PluginTest::AnswerDefaults() {
     host.Answer(kOrderEntryControl, {{32767, "get_sip_operation_mode"}, {10012, "0"}});
 }
 
+void PluginTest::ChooseClient(HWND dialog, std::string_view client) {
+    const bool search = probe::IsShown(dialog, order::kClientSearch);
+    probe::SetEdit(dialog, search ? order::kClientSearch : order::kClient, client);
+}
+
 void PluginTest::FillGoodOrder(HWND dialog) {
     EXPECT_TRUE(probe::Select(dialog, order::kSymbol, "BYTEFIN"));
-    EXPECT_TRUE(probe::Select(dialog, order::kClient, "C002"));
+    ChooseClient(dialog, "C002");
     EXPECT_TRUE(probe::Select(dialog, order::kFrequency, "monthly"));
     probe::SetEdit(dialog, order::kValue, "1234.5");
     probe::SetEdit(dialog, order::kPeriod, "12");

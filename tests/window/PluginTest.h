@@ -15,7 +15,8 @@
 // Controls of the order entry window.
 namespace order {
 inline constexpr int kExchange = 1003, kSeries = 1005, kSymbol = 1008, kAction = 1040, kOrderType = 1018;
-inline constexpr int kClient = 1053, kProduct = 1019, kInvestBy = 1041, kValue = 1025, kFrequency = 1026;
+inline constexpr int kClient = 1053, kClientSearch = 1057, kProduct = 1019, kInvestBy = 1041, kValue = 1025,
+                     kFrequency = 1026;
 inline constexpr int kStartDate = 1030, kPeriod = 1037, kPeriodHint = 1047, kSubmit = 1034, kCancel = 2;
 inline constexpr int kPeriodIcons[] = {1035, 1036};
 inline constexpr char kTitle[] = "Planfold Order Entry";
@@ -33,6 +34,8 @@ protected:
     HWND OrderEntry() const { return probe::FindDialog(order::kTitle); }
     // The server's answer without a list: "daily", "weekly", "monthly", and 1 to 60 periods.
     void AnswerDefaults();
+    // By the combo or the search box, whichever this host's window has.
+    void ChooseClient(HWND dialog, std::string_view client);
     // Sets what a good order needs, in an open window that has its frequencies.
     void FillGoodOrder(HWND dialog);
     std::vector<HWND> PluginWindows() const;

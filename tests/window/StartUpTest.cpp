@@ -58,13 +58,41 @@ TEST_F(StartUp, TheRightCountsAtEveryPick) {
     EXPECT_EQ(plugin->Activate("C001"), 1) << "what exists stays";
 }
 
+struct FrameRow {
+    const char* name;
+    bool hasApp, hasMainFrame;
+    std::uint32_t appSize;
+};
+constexpr FrameRow kNoFrame[] = {
+    {"no record", false, false, 0},
+    {"no frame yet", true, false, sizeof(VeskApp)},
+    {"record of an older host", true, true, 8},
+    {"record that ends within the frame", true, true, 12},
+};
+
 TEST_F(StartUp, WithoutAMainFrameNothingOpens) {
-    host.hasMainFrame = false;
-    EXPECT_EQ(OpenOrderEntry(), nullptr);
-    EXPECT_EQ(ConnectionWatch::Current().scratchOpened, 0);
-    EXPECT_EQ(boxes.Texts(), "");
-    host.hasMainFrame = true;
-    EXPECT_NE(OpenOrderEntry(), nullptr);
+    for (const FrameRow& row : kNoFrame) {
+        SCOPED_TRACE(row.name);
+        host.hasApp = row.hasApp;
+        host.hasMainFrame = row.hasMainFrame;
+        host.appSize = row.appSize;
+        EXPECT_EQ(OpenOrderEntry(), nullptr);
+        EXPECT_EQ(ConnectionWatch::Current().scratchOpened, 0);
+        EXPECT_EQ(boxes.Texts(), "");
+    }
+    host.hasApp = host.hasMainFrame = true;
+    host.appSize = 4096;
+    EXPECT_NE(OpenOrderEntry(), nullptr) << "a newer host's larger record";
+}
+
+TEST_F(StartUp, HostThatGivesNoControlFailsTheSending) {
+    host.givesControls = false;
+    HWND dialog = OpenOrderEntry();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(boxes.Texts(), "Sending Request add_sip_orders Failed|");
+    EXPECT_EQ(host.CallsOf("DestoryKeloRxCOntrol"), 0);
+    plugin->Exit();
+    EXPECT_EQ(host.CallsOf("DestoryKeloRxCOntrol"), 0);
 }
 
 TEST_F(StartUp, OnlyTheExactTextOpensAWindow) {

@@ -24,7 +24,9 @@ protected:
     }
     void Set(const std::vector<Setting>& settings) {
         for (const auto& [control, value] : settings) {
-            if (IsCombo(dialog, control))
+            if (control == order::kClient)
+                ChooseClient(dialog, value);
+            else if (IsCombo(dialog, control))
                 EXPECT_TRUE(probe::Select(dialog, control, value)) << control << ": " << value;
             else
                 probe::SetEdit(dialog, control, value);
@@ -186,6 +188,17 @@ TEST_F(Submit, FailureIsToldAndClearsTheForm) {
         EXPECT_EQ(probe::Text(dialog, order::kValue) + probe::Text(dialog, order::kPeriod), "");
     }
     EXPECT_TRUE(host.requests.empty());
+}
+
+TEST_F(Submit, TextTooLongForAMessageIsRefused) {
+    FillGoodOrder(dialog);
+    ChooseClient(dialog, std::string(33000, 'x'));
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(boxes.Texts(), "Failed to add Account ID|");
+    EXPECT_TRUE(host.requests.empty());
+    FillGoodOrder(dialog);
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(host.requests.size(), 1u) << "the next one goes out";
 }
 
 struct AnswerRow {
