@@ -91,6 +91,8 @@ void MainFrame::ApplyFont() {
     m_layout.Bands()[clientBand].least = scale.Pixels(kClientBarHeight);
     m_status.Send(WM_SIZE);
     LayOut();
+    // Smaller controls leave traces of their larger selves.
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void MainFrame::SetStatus(StatusPart part, const std::string& text) {
