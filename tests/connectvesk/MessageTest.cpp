@@ -159,7 +159,7 @@ TEST_F(Message, OverwrittenBytesAreNeverReadBeyondTheBuffer) {
     char* const bytes = static_cast<char*>(m_scratch) + 4;
     for (std::uint32_t i = 0; i < fill; ++i) {
         const char original = bytes[i];
-        for (const int value : {0x00, 0x7F, 0xFF}) {
+        for (int value = 0; value < 256; ++value) {
             bytes[i] = static_cast<char>(value);
             for (const std::uint32_t tag : {5u, 6u})
                 if (qmx_get_data(m_message, tag, 0, &m_datum, &m_error)) {

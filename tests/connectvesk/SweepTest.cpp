@@ -147,12 +147,14 @@ TEST(ReaderSweep, FieldsThatContradictThemselvesAreRefused) {
         {"fewer values than there are", word(5) + word(1) + word(8) + word(0) + word(0)},
         {"a value larger than its field", word(5) + word(1) + word(5) + word(2) + "x"},
         {"a field larger than the message", word(5) + word(1) + word(6) + word(1) + "x"},
+        {"a second value behind the end", word(5) + word(2) + word(9) + word(1) + "x"},
         {"an endless value", word(5) + word(1) + word(5) + word(0xFFFFFFFF) + "x"},
         {"an endless field", word(5) + word(1) + word(0xFFFFFFFF) + word(1) + "x"},
         {"bytes behind the last field", field + "x"},
     };
     for (const auto& row : rows) {
         const std::string bytes = message(row.fields);
+        ReadAll(bytes);
         const qmx::MessageReader reader(bytes);
         EXPECT_FALSE(reader.Good()) << row.fault;
         EXPECT_EQ(reader.Error().code, kQmxCorrupt) << row.fault;
