@@ -183,7 +183,9 @@ int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* 
     // Fields are mostly asked for in their order, so the search goes on behind the last one found.
     const std::uint32_t resume = message.resume;
     int result = FindBetween(message, resume, message.used, tag, found, error);
-    if (result < 0) result = FindBetween(message, kHeaderSize, resume, tag, found, error);
+    // Bytes overwritten for a while may have left it between two fields: then the whole message counts.
+    const std::uint32_t end = result < 0 ? resume : message.used;
+    if (result <= 0) result = FindBetween(message, kHeaderSize, end, tag, found, error);
     if (result < 0) return Absent(tag, error);
     return result ? Succeed(error) : 0;
 }

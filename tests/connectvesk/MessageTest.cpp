@@ -168,6 +168,8 @@ TEST_F(Message, OverwrittenBytesAreNeverReadBeyondTheBuffer) {
                 }
         }
         bytes[i] = original;
+        EXPECT_EQ(qmx::Text(m_message, 5), "first") << "restored at " << i;
+        EXPECT_EQ(qmx::Text(m_message, 6), "second") << "restored at " << i;
     }
     EXPECT_EQ(qmx::Dump(m_message), "5=first 6=second");
 }
