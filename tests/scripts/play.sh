@@ -23,7 +23,12 @@ WINE_DESKTOP=vesk$$,1280x800 timeout "${PLAY_TIMEOUT:-180}" "$root/cmake/wine.sh
     --script "Z:$(realpath "$script")" --log "Z:$log" --out "Z:$out" || true
 
 verdict=$(tail -n 1 "$log" 2>/dev/null | tr -d '\r')
-[ "$verdict" = "script passed" ] && exit 0
+live=$(tr -d '\r' <"$log" 2>/dev/null | grep -c ' still live: 0$' || true)
+[ "$verdict" = "script passed" ] && [ "$live" = 2 ] && exit 0
 cat "$log" 2>/dev/null || true
-[ "${verdict#script failed}" != "$verdict" ] || echo "the terminal ended without a verdict"
+case $verdict in
+"script passed") echo "strings or server controls were left behind" ;;
+"script failed"*) ;;
+*) echo "the terminal ended without a verdict" ;;
+esac
 exit 1

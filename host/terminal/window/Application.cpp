@@ -150,23 +150,26 @@ void Application::ShowLogin() {
 }
 
 int Application::Ask(const std::string& text, UINT style) {
-    std::vector<HWND> disabled;
-    const HWND owner = GetActiveWindow();
+    // The box itself looks after its owner.
+    struct Windows {
+        HWND owner;
+        std::vector<HWND> disabled;
+    } windows{GetActiveWindow(), {}};
     EnumThreadWindows(
         GetCurrentThreadId(),
         [](HWND window, LPARAM list) -> BOOL {
-            if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+            auto& [owner, disabled] = *reinterpret_cast<Windows*>(list);
+            if (window == owner || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
             EnableWindow(window, FALSE);
-            reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+            disabled.push_back(window);
             return TRUE;
         },
-        reinterpret_cast<LPARAM>(&disabled));
+        reinterpret_cast<LPARAM>(&windows));
     ++m_questions;
-    const int answer = MessageBoxA(owner, text.c_str(), "Vesk Trader", style);
+    const int answer = MessageBoxA(windows.owner, text.c_str(), "Vesk Trader", style);
     --m_questions;
-    for (const HWND window : disabled)
+    for (const HWND window : windows.disabled)
         EnableWindow(window, TRUE);
-    if (owner) SetActiveWindow(owner);
     return answer;
 }
 
@@ -232,6 +235,10 @@ void Application::RequestPick(std::size_t plugin, std::size_t entry) {
         if (plugin < m_plugins.Plugins().size() && entry < m_plugins.Plugins()[plugin].menu.size())
             m_plugins.Pick(plugin, entry, m_state.config.loginId, m_state.config.loginMode);
     });
+}
+
+void Application::RequestPaneCommand(const std::string& text) {
+    Defer([this, text] { m_frame.TellPanes(text); });
 }
 
 void Application::RequestClose() {

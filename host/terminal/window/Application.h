@@ -53,6 +53,7 @@ public:
 
     // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
     void RequestPick(std::size_t plugin, std::size_t entry);
+    void RequestPaneCommand(const std::string& text);
     void RequestClose();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);

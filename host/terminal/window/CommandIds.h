@@ -16,6 +16,7 @@ enum CommandId : int {
     kExitCommand = 1,
     kShowWatchCommand = 10,
     kShowLogCommand = 11,
+    kCancelOrderCommand = 15,
     kFontSmallerCommand = 20,
     kFontNormalCommand = 21,
     kFontLargerCommand = 22,

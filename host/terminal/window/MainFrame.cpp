@@ -58,6 +58,7 @@ bool MainFrame::CreateChildren() {
     m_status = framework::Window(
         CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, Handle(),
                         reinterpret_cast<HMENU>(INT_PTR{kStatusBarId}), GetModuleHandleA(nullptr), nullptr));
+    m_dpi = Self().Dpi();
     // Band order is BandIndex; panes are put in front of the log.
     m_layout.Bands() = {
         {.least = Scale().Pixels(kClientBarHeight)},
@@ -131,6 +132,7 @@ bool MainFrame::OnMenuCommand(int id) {
              const auto [right, granted] = *std::next(config.rights.begin(), index);
              m_application.SetRight(right, !granted);
          }},
+        {kCancelOrderCommand, 1, [&](int) { m_application.RequestPaneCommand("Cancel Order"); }},
         {kFirstClockCommand, kMostClockDays, [&](int days) { m_application.AdvanceClock(days); }},
         {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
          [&](int entry) {
@@ -212,7 +214,11 @@ std::optional<LRESULT> MainFrame::OnMouse(UINT message, LPARAM lParam) {
     }
 }
 
-void MainFrame::OnDpiChanged(UINT, const RECT& suggested) {
+void MainFrame::OnDpiChanged(UINT dpi, const RECT& suggested) {
+    for (Band& band : m_layout.Bands())
+        for (int* height : {&band.wanted, &band.least})
+            *height = MulDiv(*height, static_cast<int>(dpi), static_cast<int>(m_dpi));
+    m_dpi = dpi;
     Self().Move(suggested);
     ApplyFont();
 }
@@ -236,6 +242,12 @@ void MainFrame::ForgetPane(HWND pane) {
     bands.erase(bands.begin() + logBand + (found - m_panes.begin()));
     m_panes.erase(found);
     LayOut();
+}
+
+void MainFrame::TellPanes(const std::string& command) {
+    const std::vector<HWND> panes = m_panes; // one may go away while it is told
+    for (const HWND pane : panes)
+        SendMessageA(pane, kPaneCommandMessage, 0, reinterpret_cast<LPARAM>(command.c_str()));
 }
 
 // Panes hide and show themselves; their neighbours then take or give the room.

@@ -18,6 +18,8 @@ class Application;
 
 // Told by a plug-in: WPARAM is its pane, which the frame lays out from then on.
 inline constexpr UINT kRegisterPaneMessage = 1933;
+// To a pane; LPARAM is a command's text.
+inline constexpr UINT kPaneCommandMessage = 1214;
 // The application's own deferred work; WPARAM is its number.
 inline constexpr UINT kDeferredMessage = WM_APP + 1;
 // A docked pane was shown or hidden.
@@ -34,6 +36,8 @@ public:
     void RebuildMenu();
     void ApplyFont();
     void ShowClient(const std::string& client) { m_clientBar.Show(client); }
+    // Gives the text to every docked pane.
+    void TellPanes(const std::string& command);
     void LogChanged() { m_log.Refresh(); }
 
     enum class StatusPart : std::size_t { note, client, login, plugin, count };
@@ -70,6 +74,7 @@ private:
     std::vector<HWND> m_panes;
     FrameLayout m_layout;
     std::optional<std::size_t> m_dragged; // band whose upper edge the mouse holds
+    UINT m_dpi = USER_DEFAULT_SCREEN_DPI; // the bands' heights are for this
     bool m_watchShown = true;
     bool m_logShown = true;
 };

@@ -36,9 +36,9 @@ void AddSubmenu(HMENU menu, HMENU submenu, const char* text) {
 
 HMENU FontMenu(const TerminalConfig& config) {
     const HMENU menu = CreatePopupMenu();
-    Add(menu, kFontSmallerCommand, "&Smaller\tCtrl+-");
-    Add(menu, kFontNormalCommand, "&Normal\tCtrl+0", config.fontSize == 0 && config.fontVariation == 0, true);
-    Add(menu, kFontLargerCommand, "&Larger\tCtrl++");
+    Add(menu, kFontSmallerCommand, "&Smaller");
+    Add(menu, kFontNormalCommand, "&Normal", config.fontSize == 0 && config.fontVariation == 0, true);
+    Add(menu, kFontLargerCommand, "&Larger");
     AddSeparator(menu);
     for (const int points : kFontSizes)
         Add(menu, kFirstFontSizeCommand + points, std::to_string(points) + " pt",
@@ -84,11 +84,13 @@ std::string Plain(std::string text) {
 } // namespace
 
 HMENU BuildMenuBar(const MenuContents& contents) {
-    const HMENU bar = CreateMenu(), file = CreatePopupMenu();
+    const HMENU bar = CreateMenu(), file = CreatePopupMenu(), orders = CreatePopupMenu();
     Add(file, kExitCommand, "E&xit\tAlt+F4");
     AddSubmenu(bar, file, "&File");
     AddSubmenu(bar, ViewMenu(contents), "&View");
     AddSubmenu(bar, UserMenu(contents.config), "&User");
+    Add(orders, kCancelOrderCommand, "&Cancel Order");
+    AddSubmenu(bar, orders, "&Orders");
     AddSubmenu(bar, ServerMenu(), "&Server");
     int id = kFirstPluginCommand;
     for (const Plugin& plugin : contents.plugins) {

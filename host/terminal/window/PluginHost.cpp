@@ -65,7 +65,6 @@ std::string PluginHost::LoadOne(const std::string& path, const std::string& file
     Resolve(plugin.module, "GetOptionalVeskPluginInfo", plugin.optionalInfo);
     Resolve(plugin.module, "AlertOn_ClientActivation", plugin.clientActivated);
     Resolve(plugin.module, "ApplyFontVarPreference", plugin.fontChanged);
-    Resolve(plugin.module, "ProcessVeskPluginMsg", plugin.process);
     Resolve(plugin.module, "ExitVeskPlugin", plugin.exit);
     AskInfo(plugin);
     m_plugins.push_back(plugin);

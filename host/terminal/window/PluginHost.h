@@ -20,7 +20,6 @@ struct Plugin {
     sdk::plugin::GetOptionalVeskPluginInfo* optionalInfo = nullptr;
     sdk::plugin::AlertOn_ClientActivation* clientActivated = nullptr;
     sdk::plugin::ApplyFontVarPreference* fontChanged = nullptr;
-    sdk::plugin::ProcessVeskPluginMsg* process = nullptr;
     sdk::plugin::ExitVeskPlugin* exit = nullptr;
 };
 

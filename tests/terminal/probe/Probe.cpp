@@ -7,6 +7,9 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+#include <commdlg.h>
+
 #include <optional>
 #include <string>
 
@@ -127,6 +130,46 @@ void Ask(HWND dialog) {
     Log(answer == IDYES ? "probe answered yes" : "probe answered no");
 }
 
+void FillList(HWND list) {
+    LVCOLUMNA column{};
+    column.mask = LVCF_TEXT | LVCF_WIDTH;
+    column.cx = 100;
+    LVITEMA item{};
+    item.mask = LVIF_TEXT;
+    for (const char* heading : {"First", "Second"}) {
+        column.pszText = const_cast<char*>(heading);
+        SendMessageA(list, LVM_INSERTCOLUMNA, 1, reinterpret_cast<LPARAM>(&column));
+    }
+    for (const char* text : {"lower", "upper"}) {
+        item.iSubItem = 0;
+        item.pszText = const_cast<char*>(text);
+        SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+        item.iSubItem = 1;
+        SendMessageA(list, LVM_SETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+void ShowContextMenu(HWND dialog) {
+    const HMENU menu = CreatePopupMenu();
+    AppendMenuA(menu, MF_STRING, 25001, "First");
+    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuA(menu, MF_STRING | MF_GRAYED, 25003, "Greyed");
+    AppendMenuA(menu, MF_STRING, 25002, "Delete\tDel");
+    TrackPopupMenu(menu, 0, 300, 300, 0, dialog, nullptr);
+    DestroyMenu(menu);
+}
+
+void OpenFile(HWND dialog) {
+    char path[MAX_PATH] = "";
+    OPENFILENAMEA open{};
+    open.lStructSize = sizeof open;
+    open.hwndOwner = dialog;
+    open.lpstrFile = path;
+    open.nMaxFile = sizeof path;
+    open.lpstrFilter = "All Files (*.*)\0*.*\0";
+    Log(GetOpenFileNameA(&open) ? std::string("opened ") + path : "nothing opened");
+}
+
 void OnCommand(HWND dialog, int id, int notification) {
     const auto fill = [&](int flag) {
         HOST(pu_fill_scrip_combos)(dialog, 1003, 1005, 1008, 1048, 1049, 1050, flag);
@@ -139,6 +182,10 @@ void OnCommand(HWND dialog, int id, int notification) {
         Log("picked " + std::string(symbol.View()) + ' ' + std::string(token.View()));
     }
     if (id == 1034) Ask(dialog);
+    if (id == 1036) OpenFile(dialog);
+    if (id == 25001 || id == 25002)
+        Log("command " + std::to_string(id) + " for row "
+            + std::to_string(ListView_GetNextItem(GetDlgItem(dialog, 1100), -1, LVNI_SELECTED)));
     if (id == 1035)
         Log("caution " + std::to_string(Caution("ALPHATEX-EQ")) + std::to_string(Caution("NOWHERE-EQ"))
             + std::to_string(Caution("ARBORTOOLS-EQ")));
@@ -149,10 +196,14 @@ INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARA
     switch (message) {
     case WM_INITDIALOG:
         FillDialog(dialog);
+        FillList(GetDlgItem(dialog, 1100));
         framework::KeyboardHook::Enroll(dialog);
         return TRUE;
     case WM_COMMAND:
         OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
+        return TRUE;
+    case WM_CONTEXTMENU:
+        ShowContextMenu(dialog);
         return TRUE;
     case WM_USER + 193:
     case WM_USER + 194:
@@ -166,11 +217,17 @@ INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARA
     }
 }
 
+LRESULT CALLBACK PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    if (message == 1214) Log(std::string("pane is told ") + reinterpret_cast<const char*>(lParam));
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
 void ShowPane() {
     const HWND frame = HOST(pu_get_exe_app)()->mainFrame;
     if (!g_pane) {
         g_pane = CreateWindowExA(0, "STATIC", "Probe Pane", WS_CHILD | WS_BORDER, 0, 0, 200, 200, frame,
                                  reinterpret_cast<HMENU>(INT_PTR{104}), g_module, nullptr);
+        SetWindowSubclass(g_pane, PaneProcedure, 1, 0);
         SendMessageA(frame, 1933, reinterpret_cast<WPARAM>(g_pane), 0);
     }
     ShowWindow(g_pane, IsWindowVisible(g_pane) ? SW_HIDE : SW_SHOW);
