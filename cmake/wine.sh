@@ -1,15 +1,26 @@
 #!/bin/sh
 # Runs a Windows program: in a 64-bit prefix inside the build folder, on a display of its own when there is
-# none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop, where top-level windows have title bars.
+# none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost).
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
-export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
+kind=display
+[ -n "${DISPLAY:-}" ] || kind=headless
+export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 mkdir -p "$(dirname "$WINEPREFIX")"
+
+make_prefix() {
+    wineboot -i
+    # A virtual display has no window manager: waiting for one costs two seconds a window. Wine then draws
+    # the frames itself.
+    [ "$kind" = display ] || wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+    wineserver -w
+    touch "$WINEPREFIX/ready"
+}
 # One process makes the prefix; the others wait for it.
 (
     flock 9
-    [ -f "$WINEPREFIX/ready" ] || { wineboot -i >/dev/null 2>&1 && wineserver -w && touch "$WINEPREFIX/ready"; }
+    [ -f "$WINEPREFIX/ready" ] || make_prefix >/dev/null 2>&1
 ) 9>"$WINEPREFIX.lock"
 
 set -- wine ${WINE_DESKTOP:+explorer "/desktop=$WINE_DESKTOP"} "$@"

@@ -32,6 +32,17 @@ void Dialog::LayOut(UINT dpi) {
     OnLaidOut();
 }
 
+Icon Dialog::LoadModuleIcon(int resource, int side) const {
+    return Icon(static_cast<HICON>(
+        LoadImageA(m_module, MAKEINTRESOURCEA(resource), IMAGE_ICON, side, side, LR_DEFAULTCOLOR)));
+}
+
+void Dialog::SetCaptionIcon(int resource) {
+    Icon icon = LoadModuleIcon(resource, GetSystemMetricsForDpi(SM_CXSMICON, Self().Dpi()));
+    Self().Send(WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon.Get()));
+    m_captionIcon = std::move(icon);
+}
+
 void Dialog::OnDpiChanged(UINT dpi, const RECT& suggested) {
     SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);

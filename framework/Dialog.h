@@ -43,7 +43,10 @@ protected:
     // After each new layout.
     virtual void OnLaidOut() {}
 
-    HINSTANCE Module() const { return m_module; }
+    // From the module's resources, square; `side` in pixels.
+    Icon LoadModuleIcon(int resource, int side) const;
+    // In the caption, at the size of the window's DPI.
+    void SetCaptionIcon(int resource);
 
     void OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
@@ -58,6 +61,7 @@ private:
     int m_points = 0;
     UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
     std::optional<DialogLayout> m_layout;
+    Icon m_captionIcon;
 };
 
 } // namespace framework

@@ -26,6 +26,7 @@ public:
     virtual void Show(int control, bool shown) = 0;
     virtual void Enable(int control, bool enabled) = 0;
     virtual void Focus(int control) = 0;
+    // Digits only for whole numbers; otherwise the edit refuses what cannot be part of a positive decimal.
     virtual void SetDigitsOnly(int edit, bool on) = 0;
 
     virtual std::vector<std::string> Items(int combo) const = 0;

@@ -17,11 +17,12 @@ RxLink::RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase
     : m_destroy(nullptr) {
     const auto get = FindOrTell<sdk::fn::GetKeloRxControl>(lookup, "GetKeloRxControl", notices);
     m_destroy = FindOrTell<sdk::fn::DestoryKeloRxCOntrol>(lookup, "DestoryKeloRxCOntrol", notices);
-    if (get) m_control = get(kind, notifier);
+    // What cannot be given back is not taken.
+    if (get && m_destroy) m_control = get(kind, notifier);
 }
 
 RxLink::~RxLink() {
-    if (m_control && m_destroy) m_destroy(m_control);
+    if (m_control) m_destroy(m_control);
 }
 
 } // namespace planfold

@@ -8,7 +8,7 @@ namespace planfold {
 
 class RxLink {
 public:
-    // Each of the two exports that is missing is told once, here.
+    // Each of the two exports that is missing is told once, here; no control is taken then.
     RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase* notifier, Notices& notices);
     RxLink(const RxLink&) = delete;
     RxLink& operator=(const RxLink&) = delete;

@@ -220,7 +220,7 @@ TEST_F(AnswerTest, ControlsAreTakenAndGivenBackOrTold) {
     const Row rows[] = {
         {{}, 0, true, 1},
         {{"GetKeloRxControl"}, 1, false, 0},
-        {{"DestoryKeloRxCOntrol"}, 1, true, 0},
+        {{"DestoryKeloRxCOntrol"}, 1, false, 0},
         {{"GetKeloRxControl", "DestoryKeloRxCOntrol"}, 2, false, 0},
     };
     host.control = &control;

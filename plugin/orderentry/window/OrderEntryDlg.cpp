@@ -11,7 +11,7 @@ namespace planfold {
 
 namespace {
 
-constexpr char kDateFormat[] = "dd'/'MMM'/'yyyy";
+constexpr char kDateFormat[] = "dd/MMM/yyyy";
 
 // After a pick from one of these the host may move the focus on.
 constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
@@ -39,7 +39,13 @@ void COrderEntryDlg::Open() {
     SetForegroundWindow(Dialog::Handle());
 }
 
+void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
+    DialogWindow::SetDigitsOnly(edit, on);
+    m_value.SetFilter(!on);
+}
+
 void COrderEntryDlg::OnInit() {
+    m_value.Attach(Item(IDC_VALUE).Handle());
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     std::string customProducts;
     ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
@@ -48,12 +54,13 @@ void COrderEntryDlg::OnInit() {
 
 void COrderEntryDlg::OnLaidOut() {
     LoadPeriodIcons();
+    SetCaptionIcon(IDI_CALENDAR);
     if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
     for (const int edit : {IDC_VALUE, IDC_PERIOD})
         m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
 }
 
-// A static takes the size of its icon, so the icon is loaded in the size that the layout gave.
+// In the size that the layout gave: a static does not scale its icon.
 void COrderEntryDlg::LoadPeriodIcons() {
     struct IconRow {
         int control;
@@ -62,9 +69,7 @@ void COrderEntryDlg::LoadPeriodIcons() {
     static constexpr IconRow rows[] = {{IDC_PERIOD_ICON_1, IDI_CALENDAR}, {IDC_PERIOD_ICON_2, IDI_REPEAT}};
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         const framework::Window control = Item(rows[i].control);
-        const int side = control.ClientRect().bottom;
-        framework::Icon icon(static_cast<HICON>(LoadImageA(
-            Module(), MAKEINTRESOURCEA(rows[i].icon), IMAGE_ICON, side, side, LR_DEFAULTCOLOR)));
+        framework::Icon icon = LoadModuleIcon(rows[i].icon, control.ClientRect().bottom);
         control.Send(STM_SETICON, reinterpret_cast<WPARAM>(icon.Get()));
         m_periodIcons[i] = std::move(icon);
     }
@@ -75,6 +80,7 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
         m_entry.Submit(LocalNow());
         return true;
     }
+    if (command.id == IDC_VALUE && command.notification == EN_CHANGE) m_value.OnTextChanged();
     if (command.notification == CBN_SELENDOK) m_picked = true;
     if (command.notification == CBN_SELENDCANCEL) m_picked = false;
     if (command.notification == CBN_CLOSEUP) OnDropDownPicked(command.id);

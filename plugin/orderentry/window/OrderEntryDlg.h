@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/controls/window/DialogWindow.h"
+#include "plugin/controls/window/ExtEditOntry.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"
 
@@ -19,6 +20,7 @@ public:
     void OnResponse(void*, void* message, void*) noexcept override;
 
 private:
+    void SetDigitsOnly(int edit, bool on) override;
     void OnInit() override;
     void OnLaidOut() override;
     bool OnCommand(const framework::Command& command) override;
@@ -28,6 +30,7 @@ private:
     Session& m_session;
     RxLink m_link;
     OrderEntry m_entry;
+    CExtEditOntry m_value;
     framework::Icon m_periodIcons[2];
     bool m_picked = false; // in the list that is dropped down
 };

@@ -1,0 +1,32 @@
+#include "framework/Subclass.h"
+
+#include "framework/Guard.h"
+
+#include <utility>
+
+namespace framework {
+
+bool Subclass::Attach(HWND control) {
+    Detach();
+    if (!control || !SetWindowSubclass(control, Procedure, 1, reinterpret_cast<DWORD_PTR>(this))) return false;
+    m_control = control;
+    return true;
+}
+
+void Subclass::Detach() {
+    if (const HWND control = std::exchange(m_control, nullptr)) RemoveWindowSubclass(control, Procedure, 1);
+}
+
+LRESULT CALLBACK Subclass::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                     DWORD_PTR context) noexcept {
+    return Guard(LRESULT{0}, [&]() -> LRESULT {
+        auto* self = reinterpret_cast<Subclass*>(context);
+        if (message == WM_NCDESTROY)
+            self->Detach();
+        else if (const auto answer = self->Dispatch(message, wParam, lParam))
+            return *answer;
+        return DefSubclassProc(control, message, wParam, lParam);
+    });
+}
+
+} // namespace framework
