@@ -130,11 +130,11 @@ TEST_F(TerminalFolder, KeepsTheCalendarWhenTheNewOneIsBad) {
     ASSERT_FALSE(state.Load(m_folder.string(), m_folder.string()));
     const NonTradingDates& dates = state.NonTrading();
     Put("nontrading.csv", "date,occasion\n2027-01-26,A\n2027-03-19,B\n");
-    state.ReloadCalendar();
+    EXPECT_FALSE(state.ReloadCalendar());
     ASSERT_EQ(dates.count, 2u);
     EXPECT_EQ(dates.dates[1], 20270319u);
     Put("nontrading.csv", "date,occasion\n2027-01-99,A\n");
-    state.ReloadCalendar();
+    EXPECT_TRUE(state.ReloadCalendar());
     ASSERT_EQ(dates.count, 2u);
     EXPECT_EQ(dates.dates[0], 20270126u);
 }

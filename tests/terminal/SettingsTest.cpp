@@ -62,8 +62,8 @@ TEST_F(UserSettingsFile, PutsABadFileAside) {
         {"{\n  \"s\": {\n    \"k\": \n  }\n}", "settings.json:4: this is not JSON"},
         {"", "settings.json:1: this is not JSON"},
         {"[]", "settings.json:1: an object { } is expected"},
-        {"{\"s\": 1}", "settings.json: section \"s\" is not an object"},
-        {"{\"s\": {\"k\": 1}}", "settings.json: \"s\", \"k\" is not a text"},
+        {"{\"s\": 1}", "settings.json:1: section \"s\" is not an object"},
+        {"{\"s\": {\n\"k\": 1}}", "settings.json:2: \"s\", \"k\" is not a text"},
     };
     for (const auto& row : rows) {
         ASSERT_TRUE(WriteWholeFile(Path(), row.text));
@@ -100,14 +100,14 @@ TEST(TerminalConfig, FaultsNameTheMember) {
         const char* text;
         const char* fault;
     } rows[] = {
-        {R"({"loginId": 1})", "terminal.json: loginId is not a text"},
-        {R"({"loginMode": 5})", "terminal.json: loginMode is not a whole number between 0 and 4"},
-        {R"({"loginMode": 1.5})", "terminal.json: loginMode is not a whole number between 0 and 4"},
-        {R"({"clientOverview": 1})", "terminal.json: clientOverview is neither true nor false"},
-        {R"({"products": "CNC"})", "terminal.json: products is not a list"},
-        {R"({"products": ["CNC", 1]})", "terminal.json: products holds something that is not a text"},
-        {R"({"rights": []})", "terminal.json: rights is not an object"},
-        {R"({"rights": {"QV": 1}})", "terminal.json: right \"QV\" is neither true nor false"},
+        {"{\n\"loginMode\": 1,\n\"loginId\": 1}", "terminal.json:3: \"loginId\" is not a text"},
+        {R"({"loginMode": 5})", "terminal.json:1: \"loginMode\" is not a whole number between 0 and 4"},
+        {R"({"loginMode": 1.5})", "terminal.json:1: \"loginMode\" is not a whole number between 0 and 4"},
+        {R"({"clientOverview": 1})", "terminal.json:1: \"clientOverview\" is neither true nor false"},
+        {R"({"products": "CNC"})", "terminal.json:1: \"products\" is not a list"},
+        {R"({"products": ["CNC", 1]})", "terminal.json:1: \"products\" holds something that is not a text"},
+        {R"({"rights": []})", "terminal.json:1: \"rights\" is not an object"},
+        {R"({"rights": {"QV": 1}})", "terminal.json:1: \"QV\" is neither true nor false"},
         {"{\n\"loginId\"\n}", "terminal.json:3: this is not JSON"},
     };
     for (const auto& row : rows) {

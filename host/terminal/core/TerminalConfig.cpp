@@ -3,6 +3,7 @@
 #include "host/terminal/core/Json.h"
 
 #include <optional>
+#include <utility>
 
 namespace vesk {
 namespace {
@@ -37,38 +38,44 @@ const json* Member(const json& root, const char* name) {
     return found == root.end() ? nullptr : &*found;
 }
 
-std::optional<std::string> ReadScalars(const json& root, TerminalConfig& config) {
+// The member that is wrong, and how.
+struct MemberFault {
+    std::string member;
+    std::string what;
+};
+
+std::optional<MemberFault> ReadScalars(const json& root, TerminalConfig& config) {
     for (const TextMember& row : kTexts)
         if (const json* value = Member(root, row.name)) {
-            if (!value->is_string()) return std::string(row.name) + " is not a text";
+            if (!value->is_string()) return MemberFault{row.name, "is not a text"};
             config.*row.member = value->get<std::string>();
         }
     for (const NumberMember& row : kNumbers)
         if (const json* value = Member(root, row.name)) {
             if (!value->is_number_integer() || *value < row.least || *value > row.most)
-                return std::string(row.name) + " is not a whole number between " + std::to_string(row.least)
-                       + " and " + std::to_string(row.most);
+                return MemberFault{row.name, "is not a whole number between " + std::to_string(row.least)
+                                                 + " and " + std::to_string(row.most)};
             config.*row.member = value->get<int>();
         }
     if (const json* value = Member(root, "clientOverview")) {
-        if (!value->is_boolean()) return "clientOverview is neither true nor false";
+        if (!value->is_boolean()) return MemberFault{"clientOverview", "is neither true nor false"};
         config.clientOverview = value->get<bool>();
     }
     return std::nullopt;
 }
 
-std::optional<std::string> ReadLists(const json& root, TerminalConfig& config) {
+std::optional<MemberFault> ReadLists(const json& root, TerminalConfig& config) {
     if (const json* value = Member(root, "products")) {
-        if (!value->is_array()) return "products is not a list";
+        if (!value->is_array()) return MemberFault{"products", "is not a list"};
         for (const json& product : *value) {
-            if (!product.is_string()) return "products holds something that is not a text";
+            if (!product.is_string()) return MemberFault{"products", "holds something that is not a text"};
             config.products.push_back(product.get<std::string>());
         }
     }
     if (const json* value = Member(root, "rights")) {
-        if (!value->is_object()) return "rights is not an object";
+        if (!value->is_object()) return MemberFault{"rights", "is not an object"};
         for (const auto& [right, granted] : value->items()) {
-            if (!granted.is_boolean()) return "right \"" + right + "\" is neither true nor false";
+            if (!granted.is_boolean()) return MemberFault{right, "is neither true nor false"};
             config.rights[right] = granted.get<bool>();
         }
     }
@@ -87,9 +94,11 @@ Loaded<TerminalConfig> TerminalConfig::Parse(std::string_view text, std::string_
     Loaded<json> root = ParseJsonObject(text, fileName);
     if (!root) return root.Fault();
     TerminalConfig config;
-    std::optional<std::string> what = ReadScalars(root.Value(), config);
-    if (!what) what = ReadLists(root.Value(), config);
-    if (what) return FileFault{std::string(FileNameOf(fileName)), 0, *what};
+    std::optional<MemberFault> fault = ReadScalars(root.Value(), config);
+    if (!fault) fault = ReadLists(root.Value(), config);
+    if (fault)
+        return FileFault{std::string(FileNameOf(fileName)), LineOfMember(text, fault->member),
+                         '"' + fault->member + "\" " + fault->what};
     return config;
 }
 

@@ -33,14 +33,17 @@ std::optional<FileFault> TerminalState::Load(const std::string& data, const std:
     Take(ScripMaster::Load(data + "/scrips.csv"), master, faults);
     Take(ClientList::Load(data + "/clients.csv"), clients, faults);
     if (auto fault = settings.Open(user + "/settings.json")) faults.push_back(std::move(*fault));
-    ReloadCalendar();
+    if (auto fault = ReloadCalendar()) faults.push_back(std::move(*fault));
     return std::nullopt;
 }
 
-void TerminalState::ReloadCalendar() {
-    Take(TradingCalendar::Load(dataFolder + "/nontrading.csv"), calendar, faults);
+std::optional<FileFault> TerminalState::ReloadCalendar() {
+    Loaded<TradingCalendar> loaded = TradingCalendar::Load(dataFolder + "/nontrading.csv");
+    if (!loaded) return loaded.Fault();
+    calendar = std::move(loaded.Value());
     const std::span<const std::uint32_t> dates = calendar.Dates();
     m_nonTrading = {static_cast<std::uint32_t>(dates.size()), 0, dates.empty() ? nullptr : dates.data()};
+    return std::nullopt;
 }
 
 bool TerminalState::FillDetails(std::string_view exchange, std::string_view tradingSymbol,

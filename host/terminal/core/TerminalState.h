@@ -27,7 +27,8 @@ struct TerminalState {
     bool FillDetails(std::string_view exchange, std::string_view tradingSymbol, ScripDetails& details) const;
     const ClientResult* SearchClients(int mode, std::string_view text, int& count);
     const NonTradingDates& NonTrading() const { return m_nonTrading; }
-    void ReloadCalendar();
+    // On a fault the old calendar stays.
+    std::optional<FileFault> ReloadCalendar();
     bool HasRight(std::string_view right) const;
 
     std::string dataFolder, userFolder;

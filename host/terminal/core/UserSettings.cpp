@@ -10,14 +10,14 @@ namespace {
 
 using nlohmann::json;
 
-std::optional<FileFault> CheckShape(const json& root, std::string_view path) {
+std::optional<FileFault> CheckShape(const json& root, std::string_view text, std::string_view path) {
+    const auto fault = [&](const std::string& member, std::string what) {
+        return FileFault{std::string(FileNameOf(path)), LineOfMember(text, member), std::move(what)};
+    };
     for (const auto& [section, values] : root.items()) {
-        if (!values.is_object())
-            return FileFault{std::string(FileNameOf(path)), 0, "section \"" + section + "\" is not an object"};
+        if (!values.is_object()) return fault(section, "section \"" + section + "\" is not an object");
         for (const auto& [key, value] : values.items())
-            if (!value.is_string())
-                return FileFault{std::string(FileNameOf(path)), 0,
-                                 "\"" + section + "\", \"" + key + "\" is not a text"};
+            if (!value.is_string()) return fault(key, '"' + section + "\", \"" + key + "\" is not a text");
     }
     return std::nullopt;
 }
@@ -36,7 +36,7 @@ std::optional<FileFault> UserSettings::Open(const std::string& path) {
     if (!root)
         fault = root.Fault();
     else
-        fault = CheckShape(root.Value(), path);
+        fault = CheckShape(root.Value(), text.Value(), path);
     if (fault) {
         std::filesystem::rename(path, path + ".bad", error);
         return fault;

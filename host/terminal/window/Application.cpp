@@ -83,18 +83,16 @@ int Application::Run() {
 }
 
 bool Application::StartFailed(const std::string& why) {
-    m_sessionLog.Write(why);
-    if (m_options.scriptFile.empty())
-        MessageBoxA(nullptr, why.c_str(), "Vesk Trader", MB_OK | MB_ICONERROR);
-    else
-        m_sessionLog.Write("script failed: " + why);
+    const bool scripted = !m_options.scriptFile.empty();
+    m_sessionLog.Write(scripted ? "script failed: " + why : why);
+    if (!scripted) MessageBoxA(nullptr, why.c_str(), "Vesk Trader", MB_OK | MB_ICONERROR);
     return false;
 }
 
 bool Application::Start() {
     if (!m_options.fault.empty()) return StartFailed(m_options.fault);
     if (const auto fault = m_state.Load(m_options.dataFolder, m_options.userFolder))
-        return StartFailed(fault->Text() + "\nThe terminal cannot start without it.");
+        return StartFailed(fault->Text() + "; the terminal cannot start without it");
     if (!m_options.scriptFile.empty()) {
         Loaded<Script> script = Script::Load(m_options.scriptFile);
         if (!script) return StartFailed(script.Fault().Text());

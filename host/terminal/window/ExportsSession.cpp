@@ -148,8 +148,9 @@ const NonTradingDates* pu_get_non_trading_dates_map() {
 
 int pu_resend_nontradingDate_Request() {
     return Serve(0, [](Application& application) {
-        application.State().ReloadCalendar();
-        return 1;
+        const auto fault = application.State().ReloadCalendar();
+        if (fault) application.LogFromSystem(fault->Text());
+        return fault ? 0 : 1;
     });
 }
 
