@@ -95,7 +95,7 @@ public:
     int searchTime = 0;
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
-    std::function<void()> duringCaution;
+    std::function<void()> duringCaution; // runs once, while the host asks
     int sendResult = 1, subscribeResult = 1;
     std::int32_t subscribeError = 0;
 

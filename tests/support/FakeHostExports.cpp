@@ -259,7 +259,7 @@ HOST_EXPORT int pu_get_UserDirectory(OutString directory) {
 HOST_EXPORT int pu_invoke_caution_order_confirmation(InString client, InString investType, InString product,
                                                      InString value, InString symbol, InString exchange) {
     Record("pu_invoke_caution_order_confirmation", client, investType, product, value, symbol, exchange);
-    if (Host().duringCaution) Host().duringCaution();
+    if (const auto action = std::exchange(Host().duringCaution, nullptr)) action();
     return Host().caution;
 }
 
@@ -271,7 +271,7 @@ HOST_EXPORT int pu_build_bskt_caution_order_map(InString client, InString invest
 
 HOST_EXPORT int pu_invoke_bskt_caution_order_confirmation() {
     Record("pu_invoke_bskt_caution_order_confirmation");
-    if (Host().duringCaution) Host().duringCaution();
+    if (const auto action = std::exchange(Host().duringCaution, nullptr)) action();
     return Host().caution;
 }
 

@@ -87,7 +87,6 @@ TEST_F(Boxes, SubmitDuringTheHostsQuestionDoesNothing) {
     EXPECT_TRUE(host.LastRequest().ends_with("53405=N;64756=TWS;")) << host.LastRequest();
     EXPECT_EQ(boxes.Texts(), "");
 
-    host.duringCaution = nullptr;
     FillGoodOrder(dialog);
     probe::Press(dialog, order::kSubmit);
     EXPECT_EQ(host.requests.size(), 2u) << "the next press counts again";
