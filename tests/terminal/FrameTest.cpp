@@ -37,7 +37,9 @@ TEST(FrameLayout, SharesTheHeight) {
         {700, {true, true, true, true}, "0+40 40+230 275+250 530+170 "},
         {700, {true, true, false, true}, "0+40 40+485 525+0 530+170 "},
         {700, {true, true, false, false}, "0+40 40+660 700+0 700+0 "},
-        {700, {true, false, false, true}, "0+40 40+0 40+0 40+170 "},
+        {700, {true, false, false, true}, "0+40 40+0 40+0 40+660 "},
+        {700, {true, false, true, true}, "0+40 40+0 40+250 295+405 "},
+        {700, {true, false, false, false}, "0+40 40+0 40+0 40+0 "},
         // The lowest gives way first, then the one above it; never below their least.
         {500, {true, true, true, true}, "0+40 40+90 135+250 390+110 "},
         {400, {true, true, true, true}, "0+40 40+90 135+170 310+90 "},

@@ -10,6 +10,16 @@ bool FrameLayout::HasSplitter(std::size_t band) const {
                        [](const Band& above) { return above.shown && above.resizable; });
 }
 
+Band* FrameLayout::TakerOfRest() {
+    Band* taker = nullptr;
+    for (Band& band : m_bands) {
+        if (!band.shown || !band.resizable) continue;
+        if (band.stretch) return &band;
+        taker = &band;
+    }
+    return taker;
+}
+
 void FrameLayout::Arrange(int height) {
     m_height = height;
     int left = height;
@@ -26,10 +36,10 @@ void FrameLayout::Arrange(int height) {
             band->height -= given;
             left += given;
         }
+    if (Band* taker = TakerOfRest()) taker->height += std::max(0, left);
     int top = 0;
     for (std::size_t i = 0; i < m_bands.size(); ++i) {
         Band& band = m_bands[i];
-        if (band.shown && band.stretch) band.height += std::max(0, left);
         if (HasSplitter(i)) top += m_splitter;
         band.top = top;
         top += band.height;

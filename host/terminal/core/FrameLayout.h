@@ -11,7 +11,7 @@ namespace vesk {
 struct Band {
     int wanted = 0;       // height asked for; ignored when it stretches
     int least = 0;        // never smaller than this, unless the frame itself is
-    bool stretch = false; // takes what the others leave; one band does
+    bool stretch = false; // takes what the others leave; while it is hidden, the lowest resizable one does
     bool resizable = false;
     bool shown = true;
 
@@ -33,6 +33,7 @@ public:
 
 private:
     bool HasSplitter(std::size_t band) const;
+    Band* TakerOfRest();
 
     std::vector<Band> m_bands;
     int m_splitter;
