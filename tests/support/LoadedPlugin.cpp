@@ -1,6 +1,7 @@
 #include "tests/support/LoadedPlugin.h"
 
 #include "tests/support/Connection.h"
+#include "tests/support/FreedMemory.h"
 #include "tests/support/ImageEdit.h"
 #include "tests/support/WindowProbe.h"
 
@@ -38,6 +39,7 @@ LoadedPlugin::LoadedPlugin(StringManager& hostStrings) : m_strings(hostStrings),
     ReplaceImport(m_module, "user32.dll", "SetWindowsHookExW", SetHook);
     ReplaceImport(m_module, "user32.dll", "UnhookWindowsHookEx", RemoveHook);
     ConnectionWatch::Install(m_module);
+    freed::Watch(m_module);
 }
 
 LoadedPlugin::~LoadedPlugin() {

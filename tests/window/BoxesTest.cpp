@@ -74,6 +74,23 @@ TEST_F(Boxes, WindowMayCloseUnderItsBox) {
     EXPECT_EQ(boxes.Texts(), "later|");
 }
 
+TEST_F(Boxes, HostMayExitUnderABox) {
+    for (const bool atSubmit : {true, false}) {
+        SCOPED_TRACE(atSubmit ? "of Submit" : "of an answer");
+        dialog = OpenOrderEntry();
+        boxes.during = [&] { plugin->Exit(); };
+        if (atSubmit) {
+            probe::SetEdit(dialog, order::kPeriod, "");
+            probe::Press(dialog, order::kSubmit);
+        } else {
+            host.Answer(static_cast<int>(host.controls.size()) - host.LiveControls(), Told("last words"));
+        }
+        probe::Pump();
+        EXPECT_FALSE(IsWindow(dialog));
+        EXPECT_EQ(host.LiveControls(), 0);
+    }
+}
+
 TEST_F(Boxes, SubmitDuringTheHostsQuestionDoesNothing) {
     host.requests.clear();
     FillGoodOrder(dialog);

@@ -1,5 +1,7 @@
 #include "tests/window/PluginTest.h"
 
+#include "tests/support/FreedMemory.h"
+
 #include <ctime>
 
 void PluginTest::TearDown() {
@@ -11,6 +13,7 @@ void PluginTest::TearDown() {
     EXPECT_FALSE(boxes.AnyNested());
     plugin.reset();
     EXPECT_EQ(GetModuleHandleA("Planfold.zup"), nullptr);
+    EXPECT_EQ(freed::WrittenBlocks(), 0) << "written after they were freed";
     EXPECT_EQ(host.strings.Live(), 0);
     EXPECT_EQ(host.strings.Faults(), 0);
 }
