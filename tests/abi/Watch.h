@@ -1,6 +1,5 @@
 // Watches what the plug-in does to the libraries it imports: connection handles, the fields of the request
-// being built, window hooks, and the blocks on
-// the process heap that both sides may free.
+// being built, window hooks, and the blocks on the process heap that both sides may free.
 #pragma once
 
 #include "Platform.h"
