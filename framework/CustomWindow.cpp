@@ -4,7 +4,16 @@
 
 namespace framework {
 
+// A library may be unloaded and loaded elsewhere: its classes must not stay. The system refuses this while
+// another window of the class lives.
+CustomWindow::~CustomWindow() {
+    Destroy();
+    if (m_className) UnregisterClassA(m_className, m_module);
+}
+
 bool CustomWindow::Create(const Args& args) {
+    m_module = args.module;
+    m_className = args.className;
     WNDCLASSEXA windowClass{};
     windowClass.cbSize = sizeof windowClass;
     if (!GetClassInfoExA(args.module, args.className, &windowClass)) {

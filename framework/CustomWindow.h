@@ -24,7 +24,7 @@ public:
     CustomWindow() = default;
     CustomWindow(const CustomWindow&) = delete;
     CustomWindow& operator=(const CustomWindow&) = delete;
-    ~CustomWindow() override { Destroy(); }
+    ~CustomWindow() override;
 
     // False when the system refuses; GetLastError says why.
     bool Create(const Args& args);
@@ -43,6 +43,8 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 
     HWND m_handle = nullptr;
+    HINSTANCE m_module = nullptr;
+    const char* m_className = nullptr;
 };
 
 } // namespace framework

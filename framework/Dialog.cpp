@@ -53,7 +53,9 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPA
     return Guard(INT_PTR{0}, [&]() -> INT_PTR {
         if (message == WM_INITDIALOG) SetWindowLongPtrA(window, DWLP_USER, lParam);
         auto* self = reinterpret_cast<Dialog*>(GetWindowLongPtrA(window, DWLP_USER));
-        return self ? self->Handle(window, message, wParam, lParam) : 0;
+        if (!self) return 0;
+        const auto held = self->Hold();
+        return self->Handle(window, message, wParam, lParam);
     });
 }
 

@@ -6,6 +6,7 @@
 #include "framework/MessageTarget.h"
 #include "framework/Window.h"
 
+#include <memory>
 #include <optional>
 
 namespace framework {
@@ -34,6 +35,9 @@ public:
     int TemplateFontSize();
 
 protected:
+    // Held while a message is handled: a message box or the host's question runs a message loop, in which
+    // the host may end what this dialog belongs to.
+    virtual std::shared_ptr<void> Hold() { return nullptr; }
     // The window and its controls exist; the focus goes to the first control afterwards.
     virtual void OnInit() {}
     // WM_CLOSE and Escape.

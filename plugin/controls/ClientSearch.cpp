@@ -59,6 +59,9 @@ void ClientResults::Clear() {
 void ClientSearch::SetUp(std::string settingsKey) {
     m_settingsKey = std::move(settingsKey);
     m_mode = SearchMode::all;
+    m_results.Clear();
+    m_pending = m_listShown = false;
+    m_selected = -1;
     if (!m_session.host.pu_read_settings_from_json) return;
     const CString section = m_session.String(kSettingsSection);
     const CString key = m_session.String(m_settingsKey);
@@ -120,14 +123,6 @@ void ClientSearch::OnKey(Key key) {
 
 void ClientSearch::OnFocusLost() {
     Hide();
-}
-
-void ClientSearch::Clear() {
-    m_view.StopDelay();
-    m_pending = false;
-    Hide();
-    m_view.SetTip({});
-    m_view.SetSearchText({});
 }
 
 bool ClientSearch::IsValidAccount(const std::string& text) const {

@@ -59,7 +59,7 @@ public:
 
     ClientSearch(Session& session, ClientSearchView& view) : m_session(session), m_view(view) {}
 
-    // Reads the kept mode of the box with this settings key.
+    // For a box that has just been made: reads its kept mode by this settings key.
     void SetUp(std::string settingsKey);
     SearchMode Mode() const { return m_mode; }
     // Keeps it.
@@ -71,8 +71,6 @@ public:
     bool Wants(Key key) const;
     void OnKey(Key key);
     void OnFocusLost();
-    // Empties the box without asking the host.
-    void Clear();
 
     void Search();
     void Pick(int row);

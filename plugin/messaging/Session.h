@@ -7,6 +7,7 @@
 #include "sdk/Qmx.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +64,9 @@ public:
     std::vector<std::string> MappedAccounts() const;
 
     CString String(std::string_view text = {}) const { return CString(text, strings); }
+
+    // What this session is part of; to be held by whoever may be interrupted by a message loop.
+    std::weak_ptr<void> owner;
 
     HostLookup lookup;
     HostCallbacks host;

@@ -12,7 +12,6 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "Planfold Order Entry";
 constexpr std::string_view kCustomProductsRight = "QV: Planfold: Custom";
 constexpr std::string_view kDefaultProduct = "CNC";
 constexpr std::string_view kDefaultSeries = "EQ";
@@ -69,12 +68,17 @@ void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customPro
 
 void OrderEntry::PrepareClient() {
     const HostCallbacks& host = m_session.host;
-    if (host.pu_load_client_id_combo) host.pu_load_client_id_combo(m_view.Handle(), IDC_CLIENT_COMBO);
-    if (!host.pu_get_entered_text_results || !host.pu_write_settings_to_json) return;
-    const CString section = m_session.String("Client_Search");
-    const CString key = m_session.String(kName);
-    const CString on = m_session.String("1");
-    host.pu_write_settings_to_json(&section, &key, &on, 1);
+    m_view.Show(IDC_CLIENT_SEARCH, SearchesClients());
+    m_view.Show(IDC_CLIENT_SEARCH_MODE, SearchesClients());
+    m_view.Show(IDC_CLIENT_COMBO, !SearchesClients());
+    if (!SearchesClients()) {
+        if (host.pu_load_client_id_combo) host.pu_load_client_id_combo(m_view.Handle(), IDC_CLIENT_COMBO);
+    } else if (host.pu_write_settings_to_json) {
+        const CString section = m_session.String("Client_Search");
+        const CString key = m_session.String(kName);
+        const CString on = m_session.String("1");
+        host.pu_write_settings_to_json(&section, &key, &on, 1);
+    }
 }
 
 void OrderEntry::FillProducts(std::string_view customProducts) {
@@ -123,11 +127,11 @@ SipOrderForm OrderEntry::ReadForm() const {
         {IDC_ORDER_TYPE, &SipOrderForm::orderType}, {IDC_PRODUCT, &SipOrderForm::product},
         {IDC_FREQUENCY, &SipOrderForm::frequency},  {IDC_INVEST_BY, &SipOrderForm::investType},
         {IDC_VALUE, &SipOrderForm::value},          {IDC_PERIOD, &SipOrderForm::totalPeriod},
-        {IDC_CLIENT_COMBO, &SipOrderForm::client},
     };
     SipOrderForm form;
     for (const auto& [control, member] : rows)
         form.*member = m_view.Text(control);
+    form.client = m_view.Text(SearchesClients() ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO);
     form.startDate = m_view.Date(IDC_START_DATE);
     return form;
 }

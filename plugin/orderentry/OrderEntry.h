@@ -14,6 +14,9 @@ namespace planfold {
 
 class OrderEntry {
 public:
+    // The window's name, and under it the settings of its client search.
+    static constexpr char kName[] = "Planfold Order Entry";
+
     // `control` may be null: every sending then fails with its own text.
     OrderEntry(Session& session, DialogView& view, RxControl* control)
         : m_session(session), m_view(view), m_control(control) {}
@@ -36,6 +39,7 @@ private:
     enum class ScripLevel : int { exchange = 0, series = 1 };
 
     SipOrderForm ReadForm() const;
+    bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }
     void PrepareClient();
     void FillProducts(std::string_view customProducts);
     void RefreshScrips(ScripLevel changed);

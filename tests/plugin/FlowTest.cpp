@@ -48,7 +48,6 @@ protected:
         session.OpenHandles(view);
         view.controls[IDC_SERIES].items = {"EQ"};
         view.controls[IDC_SYMBOL].items = {"ALPHA"};
-        view.controls[IDC_CLIENT_COMBO].items = {"C001"};
     }
     void TearDown() override {
         hub.Destroy(control);
@@ -63,6 +62,7 @@ protected:
 
     void Open() {
         entry.Initialise(kNow, {});
+        view.SetText(IDC_CLIENT_SEARCH, "C001");
         Pump();
     }
     void Submit(const char* value, const char* periods) {

@@ -2,6 +2,8 @@
 
 #include "sdk/CStringArray.h"
 
+#include <cctype>
+
 namespace planfold::test {
 
 namespace {
@@ -60,13 +62,37 @@ int ActiveClient(OutString client) {
     *client = g_host->activeClient;
     return 1;
 }
-int WriteSetting(InString section, InString key, InString value, int) {
-    g_host->settingWritten = {Text(section), Text(key), Text(value)};
+int ReadSetting(InString section, InString key, OutString value, int) {
+    const auto kept = g_host->settings.find(Text(section) + "/" + Text(key));
+    if (kept == g_host->settings.end()) return 0;
+    *value = kept->second;
     return 1;
 }
-const ClientResult* SearchClients(int, int* count, InString, int) {
-    *count = 0;
-    return nullptr;
+int WriteSetting(InString section, InString key, InString value, int) {
+    g_host->settings[Text(section) + "/" + Text(key)] = Text(value);
+    return 1;
+}
+int ValidAccount(InString account) {
+    return g_host->validAccounts.contains(Text(account));
+}
+// Blanks match everything; "X(" matches X alone, and whatever begins with it.
+const ClientResult* SearchClients(int mode, int* count, InString text, int) {
+    const std::string asked = Text(text);
+    g_host->searched = std::to_string(mode) + ":" + asked;
+    g_host->found.clear();
+    const bool exact = asked.ends_with('(');
+    const std::string wanted = exact ? asked.substr(0, asked.size() - 1) : asked;
+    for (const auto& [id, name] : g_host->clients) {
+        std::string upperName = name;
+        for (char& c : upperName)
+            c = static_cast<char>(std::toupper(c));
+        const bool matches = exact ? id == wanted || id.starts_with(asked)
+                                   : wanted.find_first_not_of(' ') == wanted.npos || id.find(wanted) != id.npos
+                                         || upperName.find(wanted) != upperName.npos;
+        if (matches) g_host->found.push_back({id.c_str(), name.c_str()});
+    }
+    *count = static_cast<int>(g_host->found.size());
+    return g_host->found.data();
 }
 // The answer is the low byte only.
 int ClientOverview(int) {
@@ -104,7 +130,9 @@ const std::map<std::string, AnyFunction>& Exports() {
         EXPORT(pu_get_peer_data, PeerData),
         EXPORT(pu_get_uuid, Uuid),
         EXPORT(pu_get_ActiveClient, ActiveClient),
+        EXPORT(pu_read_settings_from_json, ReadSetting),
         EXPORT(pu_write_settings_to_json, WriteSetting),
+        EXPORT(pu_is_valid_account, ValidAccount),
         EXPORT(pu_get_entered_text_results, SearchClients),
         EXPORT(pu_get_client_overview_status, ClientOverview),
         EXPORT(pu_get_all_mappedAccount_ids, MappedAccounts),
@@ -128,8 +156,8 @@ HostDouble::~HostDouble() {
 HostLookup HostDouble::Lookup() {
     return [this](const char* name) -> AnyFunction {
         lookedUp.emplace_back(name);
-        const auto found = Exports().find(name);
-        return missing.contains(name) || found == Exports().end() ? nullptr : found->second;
+        const auto entry = Exports().find(name);
+        return missing.contains(name) || entry == Exports().end() ? nullptr : entry->second;
     };
 }
 

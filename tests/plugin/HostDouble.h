@@ -48,8 +48,12 @@ struct HostDouble {
     int cautionAnswer = 0;
     std::vector<std::string> cautionAsked; // the six texts of the last question
     std::function<void()> duringCaution = [] {};
-    std::vector<std::string> settingWritten; // section, key, value
-    std::vector<int> scripFills;             // the flags
+    std::map<std::string, std::string> settings;              // "section/key"
+    std::vector<std::pair<std::string, std::string>> clients; // identifier, name
+    std::set<std::string> validAccounts;
+    std::string searched; // "mode:text" of the last search
+    std::vector<ClientResult> found;
+    std::vector<int> scripFills; // the flags
     VeskApp app{sizeof(VeskApp), 0, nullptr, nullptr};
     RxControl* control = nullptr; // what GetKeloRxControl gives
     int controlsTaken = 0;

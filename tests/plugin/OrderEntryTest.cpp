@@ -40,10 +40,9 @@ TEST_F(OrderEntryTest, OpensWithItsFirstContents) {
     session.m_nSipOperationMode = 1;
     Open();
     const std::pair<int, const char*> texts[] = {
-        {IDC_EXCHANGE, "NSE"},       {IDC_SERIES, "EQ"},   {IDC_SYMBOL, "ALPHA"},
-        {IDC_ACTION, "SIP"},         {IDC_PRODUCT, "CNC"}, {IDC_ORDER_TYPE, "MARKET"},
-        {IDC_INVEST_BY, "Amount"},   {IDC_PERIOD, "1"},    {IDC_VALUE, ""},
-        {IDC_VALUE_LABEL, "Amount"}, {IDC_FREQUENCY, ""},  {IDC_CLIENT_COMBO, "C001"},
+        {IDC_EXCHANGE, "NSE"}, {IDC_SERIES, "EQ"},          {IDC_SYMBOL, "ALPHA"},     {IDC_ACTION, "SIP"},
+        {IDC_PRODUCT, "CNC"},  {IDC_ORDER_TYPE, "MARKET"},  {IDC_INVEST_BY, "Amount"}, {IDC_PERIOD, "1"},
+        {IDC_VALUE, ""},       {IDC_VALUE_LABEL, "Amount"}, {IDC_FREQUENCY, ""},       {IDC_CLIENT_SEARCH, ""},
     };
     for (const auto& [id, text] : texts)
         EXPECT_EQ(view.Text(id), text) << id;
@@ -55,8 +54,24 @@ TEST_F(OrderEntryTest, OpensWithItsFirstContents) {
     EXPECT_EQ(session.m_nSipOperationMode, 0);
     EXPECT_EQ(host.scripFills, std::vector<int>{0});
     EXPECT_EQ(control.sent, std::vector<std::string>{"0=get_sip_operation_mode"});
-    EXPECT_EQ(host.settingWritten, (std::vector<std::string>{"Client_Search", "Planfold Order Entry", "1"}));
+    EXPECT_EQ(host.settings["Client_Search/Planfold Order Entry"], "1");
     EXPECT_TRUE(view.boxes.empty());
+}
+
+TEST_F(OrderEntryTest, TheClientComesFromTheSearchBoxOrTheCombo) {
+    for (const bool search : {true, false}) {
+        if (!search) session.host.pu_get_entered_text_results = nullptr;
+        control.sent.clear();
+        Open();
+        EXPECT_EQ(view.controls[IDC_CLIENT_SEARCH].shown, search);
+        EXPECT_EQ(view.controls[IDC_CLIENT_SEARCH_MODE].shown, search);
+        EXPECT_EQ(view.controls[IDC_CLIENT_COMBO].shown, !search);
+        view.SetText(IDC_CLIENT_SEARCH, "typed");
+        view.SetText(IDC_VALUE, "1500");
+        entry.Submit(kNow);
+        EXPECT_NE(control.sent.back().find(search ? "54001=typed" : "54001=C001"), std::string::npos)
+            << control.sent.back();
+    }
 }
 
 TEST_F(OrderEntryTest, CustomProductsNeedTheRightAndAKnownName) {
@@ -140,11 +155,12 @@ TEST_F(OrderEntryTest, AWindowOpenedAgainBeforeTheAnswerListsTheFrequenciesOnce)
 TEST_F(OrderEntryTest, SubmitSendsAndClearsValueAndPeriod) {
     Open();
     Answer(kMonthlyYearly);
+    view.SetText(IDC_CLIENT_SEARCH, "C002");
     view.SetText(IDC_VALUE, "1500");
     view.SetText(IDC_PERIOD, "6");
     entry.Submit(kNow);
     ASSERT_EQ(control.sent.size(), 2u);
-    EXPECT_NE(control.sent[1].find("54001=C001"), std::string::npos) << control.sent[1];
+    EXPECT_NE(control.sent[1].find("54001=C002"), std::string::npos) << control.sent[1];
     EXPECT_NE(control.sent[1].find("53063=150000 10012=monthly"), std::string::npos) << control.sent[1];
     EXPECT_EQ(view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "");
 

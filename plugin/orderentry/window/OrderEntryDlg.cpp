@@ -11,6 +11,7 @@ namespace planfold {
 
 namespace {
 
+constexpr UINT kClientSearchDelayMs = 700;
 constexpr char kDateFormat[] = "dd/MMM/yyyy";
 
 // After a pick from one of these the host may move the focus on.
@@ -31,7 +32,8 @@ constexpr Change kChanges[] = {
 
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
-      m_link(session.lookup, kRxRequests, this, *this), m_entry(session, *this, m_link.Control()) {}
+      m_link(session.lookup, kRxRequests, this, *this), m_entry(session, *this, m_link.Control()),
+      m_client(session) {}
 
 void COrderEntryDlg::Open() {
     if (!HasWindow()) Create();
@@ -46,6 +48,8 @@ void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
 
 void COrderEntryDlg::OnInit() {
     m_value.Attach(Item(IDC_VALUE).Handle());
+    if (m_session.host.pu_get_entered_text_results)
+        m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), OrderEntry::kName, kClientSearchDelayMs);
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     std::string customProducts;
     ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
@@ -75,12 +79,24 @@ void COrderEntryDlg::LoadPeriodIcons() {
     }
 }
 
+std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM, LPARAM) {
+    if (message == WM_MOVE) m_client.CloseList();
+    return std::nullopt;
+}
+
 bool COrderEntryDlg::OnCommand(const framework::Command& command) {
     if (command.id == IDC_SUBMIT && command.notification == BN_CLICKED) {
         m_entry.Submit(LocalNow());
         return true;
     }
-    if (command.id == IDC_VALUE && command.notification == EN_CHANGE) m_value.OnTextChanged();
+    if (command.id == IDC_CLIENT_SEARCH_MODE && command.notification == BN_CLICKED) {
+        m_client.OpenModeMenu(command.control);
+        return true;
+    }
+    if (command.notification == EN_CHANGE) {
+        if (command.id == IDC_VALUE) m_value.OnTextChanged();
+        if (command.id == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
+    }
     if (command.notification == CBN_SELENDOK) m_picked = true;
     if (command.notification == CBN_SELENDCANCEL) m_picked = false;
     if (command.notification == CBN_CLOSEUP) OnDropDownPicked(command.id);
@@ -97,7 +113,10 @@ void COrderEntryDlg::OnDropDownPicked(int combo) {
 }
 
 void COrderEntryDlg::OnResponse(void*, void* message, void*) noexcept {
-    framework::Guard([&] { m_entry.OnResponse(message); });
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_entry.OnResponse(message);
+    });
 }
 
 } // namespace planfold

@@ -1,6 +1,7 @@
 // The order entry window.
 #pragma once
 
+#include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/ExtEditOntry.h"
 #include "plugin/messaging/RxLink.h"
@@ -20,9 +21,11 @@ public:
     void OnResponse(void*, void* message, void*) noexcept override;
 
 private:
+    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetDigitsOnly(int edit, bool on) override;
     void OnInit() override;
     void OnLaidOut() override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
     void OnDropDownPicked(int combo);
     void LoadPeriodIcons();
@@ -31,6 +34,7 @@ private:
     RxLink m_link;
     OrderEntry m_entry;
     CExtEditOntry m_value;
+    CClientSearchBox m_client;
     framework::Icon m_periodIcons[2];
     bool m_picked = false; // in the list that is dropped down
 };

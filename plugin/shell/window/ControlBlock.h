@@ -18,6 +18,10 @@ public:
     CPlanfoldControlBlock(const CPlanfoldControlBlock&) = delete;
     CPlanfoldControlBlock& operator=(const CPlanfoldControlBlock&) = delete;
 
+    // Calls into the plug-in hold their block, so that it ends after the last of them.
+    void SetOwner(std::weak_ptr<void> owner) { m_session.owner = std::move(owner); }
+    void DestroyWindows() { m_orderEntry.Destroy(); }
+
     // What every menu pick does before its window is shown.
     void PrepareForPick(Notices& notices);
     void SetLoginMode(std::int32_t mode) { m_session.m_nLoginMode = mode; }

@@ -10,6 +10,8 @@
 #include "sdk/HeapStringManager.h"
 #include "sdk/PluginExports.h"
 
+#include <memory>
+
 #define PLANFOLD_EXPORT extern "C" __declspec(dllexport)
 
 namespace planfold {
@@ -20,6 +22,7 @@ namespace {
 struct Module {
     HeapStringManager strings;
     framework::MessageBoxes boxes{"Planfold"};
+    std::shared_ptr<CPlanfoldControlBlock> block;
 };
 
 Module& ThisModule() {
@@ -66,7 +69,10 @@ bool CheckHostAndCreateControlBlock(HostWindow& mainFrame) {
     if (g_pControlBlock) return true;
     // Boxes of the construction wait until the block stands: their message loop may bring the next pick.
     const framework::MessageBoxes::Hold hold(module.boxes);
-    g_pControlBlock = new CPlanfoldControlBlock(OwnInstance(), IdentityStrings(), module.strings, module.boxes);
+    module.block =
+        std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings, module.boxes);
+    module.block->SetOwner(module.block);
+    g_pControlBlock = module.block.get();
     return true;
 }
 
@@ -78,9 +84,9 @@ constexpr MenuRow kMenu[] = {
     {kOrderEntryMenu, [](CPlanfoldControlBlock& block) { block.OrderEntryDialog().Open(); }},
 };
 
-void Pick(std::string_view entry) {
+void Pick(CPlanfoldControlBlock& block, std::string_view entry) {
     for (const MenuRow& row : kMenu)
-        if (row.entry == entry) row.open(*g_pControlBlock);
+        if (row.entry == entry) row.open(block);
 }
 
 } // namespace
@@ -106,7 +112,8 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
         const TakenString entry(menuEntry);
         HostWindow mainFrame = nullptr;
         if (!CheckHostAndCreateControlBlock(mainFrame)) return;
-        g_pControlBlock->SetLoginMode(loginMode);
+        const auto held = ThisModule().block;
+        held->SetLoginMode(loginMode);
         g_strLoginId = loginId ? loginId : "";
         if (!mainFrame) return;
         ShellNotices notices(mainFrame);
@@ -114,8 +121,8 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
             notices.ShowMessage("Cant rename VeskTrader.exe,Module not found");
             return;
         }
-        g_pControlBlock->PrepareForPick(notices);
-        Pick(entry.View());
+        held->PrepareForPick(notices);
+        Pick(*held, entry.View());
     });
 }
 
@@ -124,7 +131,12 @@ PLANFOLD_EXPORT int ProcessVeskPluginMsg(void*) {
 }
 
 PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
-    framework::Guard([] { delete std::exchange(g_pControlBlock, nullptr); });
+    framework::Guard([] {
+        if (!g_pControlBlock) return;
+        g_pControlBlock->DestroyWindows();
+        g_pControlBlock = nullptr;
+        ThisModule().block.reset();
+    });
     return 0;
 }
 
@@ -138,7 +150,7 @@ PLANFOLD_EXPORT int AlertOn_ClientActivation(CString* client) {
 
 PLANFOLD_EXPORT void ApplyFontVarPreference(void*, void*, void* third, void* fourth) {
     framework::Guard([&] {
-        if (g_pControlBlock) g_pControlBlock->ApplyFontPreference(third, fourth);
+        if (const auto held = ThisModule().block) held->ApplyFontPreference(third, fourth);
     });
 }
 

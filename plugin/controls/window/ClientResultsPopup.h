@@ -1,0 +1,45 @@
+// The matches of a client search, in a list that hangs under its box. The list is virtual: it asks for the
+// rows it shows.
+#pragma once
+
+#include "framework/CustomWindow.h"
+#include "plugin/controls/ClientSearch.h"
+
+namespace planfold {
+
+class CResultsList : public framework::Window {
+public:
+    using Window::Window;
+
+    // `dpi` scales the columns.
+    void AddColumns(UINT dpi) const;
+    void SetCount(int count) const;
+    // -1 selects nothing.
+    void SelectRow(int row) const;
+    int SelectedRow() const;
+};
+
+class CPopup final : public framework::CustomWindow {
+public:
+    CPopup(ClientSearch& search, HWND& box) : m_search(search), m_box(box) {}
+    ~CPopup() override { Destroy(); }
+
+    void ShowUnder(HWND box, int count, int selected);
+    void Hide() { Self().Show(false); }
+    void SelectRow(int row) const { m_list.SelectRow(row); }
+    // The pop-up or the list in it.
+    bool Holds(HWND window) const { return window && (window == Handle() || window == m_list.Handle()); }
+
+private:
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
+    void OnDestroyed() override { m_list = CResultsList(); }
+    void Make(HWND box);
+    void FillCell(LVITEMA& item) const;
+
+    ClientSearch& m_search;
+    HWND& m_box; // the box that the pop-up hangs under
+    CResultsList m_list;
+};
+
+} // namespace planfold
