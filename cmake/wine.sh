@@ -14,6 +14,8 @@ make_prefix() {
     # A virtual display has no window manager: waiting for one costs two seconds a window. Wine then draws
     # the frames itself.
     [ "$kind" = display ] || wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+    # Debian's Wine does not look where its own fonts are installed; Marlett draws the caption buttons.
+    cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
     wineserver -w
     touch "$WINEPREFIX/ready"
 }

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <utility>
 
 namespace framework {
@@ -46,6 +48,9 @@ inline void CloseIcon(HICON icon) {
 inline void CloseMenu(HMENU menu) {
     DestroyMenu(menu);
 }
+inline void CloseImageList(HIMAGELIST images) {
+    ImageList_Destroy(images);
+}
 inline void CloseHook(HHOOK hook) {
     UnhookWindowsHookEx(hook);
 }
@@ -53,6 +58,7 @@ inline void CloseHook(HHOOK hook) {
 using Font = UniqueHandle<HFONT, CloseFont>;
 using Icon = UniqueHandle<HICON, CloseIcon>;
 using Menu = UniqueHandle<HMENU, CloseMenu>;
+using ImageList = UniqueHandle<HIMAGELIST, CloseImageList>;
 using Hook = UniqueHandle<HHOOK, CloseHook>;
 
 } // namespace framework

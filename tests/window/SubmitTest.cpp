@@ -49,7 +49,8 @@ const SentRow kSent[] = {
      "123450;"
      "10012=monthly;49165=DATE;63415=12;31003=LOGIN;54056=C;54001=C002;12005=DAY;64056=PEERA;64053=PEERB;"
      "54158=UUID-1;53405=N;64756=TWS;",
-     "NSE BUY SIP Order : Status : Trigger Pending CNC BYTEFIN-EQ at 1234.50 DAY monthly for period : 12 Months "
+     "NSE BUY SIP Order : Status : Trigger Pending CNC BYTEFIN-EQ at 1234.50 DAY monthly for period : 12 "
+     "Months "
      "Client ID : C002 by LOGIN"},
     {"quantity of a selling plan at the other exchange",
      {{order::kExchange, "BSE"},

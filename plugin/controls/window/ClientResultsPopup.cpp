@@ -87,13 +87,17 @@ void CPopup::Make(HWND box) {
             .exStyle = WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE,
             .rect = {0, 0, 1, 1},
             .parent = GetParent(box)});
-    m_list = CResultsList(CreateWindowExA(0, WC_LISTVIEWA, "",
-                                          WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL
-                                              | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
-                                          0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS),
-                                          module, nullptr));
+    m_list = CResultsList(
+        CreateWindowExA(0, WC_LISTVIEWA, "",
+                        WS_CHILD | WS_VISIBLE | LVS_SHAREIMAGELISTS | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL
+                            | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
+                        0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS), module, nullptr));
     m_list.Send(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     m_list.AddColumns(framework::Window(box).Dpi());
+    // A report list makes its rows as high as its images: an empty one sets the height.
+    m_rowHeight.Reset(
+        ImageList_Create(1, Scaled(kRowHeight, framework::Window(box).Dpi()) - 1, ILC_COLOR, 0, 1));
+    m_list.Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(m_rowHeight.Get()));
 }
 
 void CPopup::ShowUnder(HWND box, int count, int selected) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/CustomWindow.h"
+#include "framework/Handle.h"
 #include "plugin/controls/ClientSearch.h"
 
 namespace planfold {
@@ -40,6 +41,7 @@ private:
     ClientSearch& m_search;
     HWND& m_box; // the box that the pop-up hangs under
     CResultsList m_list;
+    framework::ImageList m_rowHeight;
 };
 
 } // namespace planfold
