@@ -32,6 +32,7 @@ public:
 
     // Points; 0 keeps the template's size. Also called by itself when the DPI changes.
     void SetFontSize(int points);
+    int FontSize() const { return m_points; }
     int TemplateFontSize();
 
 protected:

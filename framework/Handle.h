@@ -3,8 +3,6 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include <utility>
 
 namespace framework {
@@ -48,9 +46,6 @@ inline void CloseIcon(HICON icon) {
 inline void CloseMenu(HMENU menu) {
     DestroyMenu(menu);
 }
-inline void CloseImageList(HIMAGELIST images) {
-    ImageList_Destroy(images);
-}
 inline void CloseHook(HHOOK hook) {
     UnhookWindowsHookEx(hook);
 }
@@ -58,7 +53,6 @@ inline void CloseHook(HHOOK hook) {
 using Font = UniqueHandle<HFONT, CloseFont>;
 using Icon = UniqueHandle<HICON, CloseIcon>;
 using Menu = UniqueHandle<HMENU, CloseMenu>;
-using ImageList = UniqueHandle<HIMAGELIST, CloseImageList>;
 using Hook = UniqueHandle<HHOOK, CloseHook>;
 
 } // namespace framework

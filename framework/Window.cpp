@@ -61,6 +61,47 @@ std::vector<std::string> ComboBox::Items() const {
     return items;
 }
 
+void ReportList::AddColumn(const Column& column) const {
+    LVCOLUMNA insert{};
+    insert.mask = LVCF_TEXT | LVCF_WIDTH;
+    insert.cx = Scaled(column.width, Dpi());
+    insert.pszText = const_cast<char*>(column.heading);
+    const LRESULT count = SendMessageA(ListView_GetHeader(Handle()), HDM_GETITEMCOUNT, 0, 0);
+    Send(LVM_INSERTCOLUMNA, static_cast<WPARAM>(count), reinterpret_cast<LPARAM>(&insert));
+}
+
+void ReportList::SetColumnWidth(int index, int width) const {
+    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(index), Scaled(width, Dpi()));
+}
+
+void ReportList::SetCount(int count) const {
+    Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), 0);
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE);
+}
+
+void ReportList::SelectRow(int row) const {
+    LVITEMA state{};
+    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    if (row < 0) return;
+    state.state = state.stateMask;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
+    Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
+int ReportList::SelectedRow() const {
+    return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+void ReportList::SetLook(int rowHeight) const {
+    constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
+    // A report list makes its rows one pixel higher than its images. It destroys the last list it was given.
+    const HIMAGELIST images = ImageList_Create(1, Scaled(rowHeight, Dpi()) - 1, ILC_COLOR, 0, 1);
+    const LRESULT previous = Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
+    if (previous) ImageList_Destroy(reinterpret_cast<HIMAGELIST>(previous));
+}
+
 SYSTEMTIME DatePicker::Time() const {
     SYSTEMTIME time{};
     Send(DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&time));

@@ -65,6 +65,32 @@ public:
     void DigitsOnly(bool on) const { on ? ChangeStyle(ES_NUMBER, 0) : ChangeStyle(0, ES_NUMBER); }
 };
 
+// A report list that asks for its cells (owner data).
+class ReportList : public Window {
+public:
+    struct Column {
+        const char* heading;
+        int width; // pixels at 96 DPI
+    };
+
+    using Window::Window;
+
+    void AddColumn(const Column& column) const;
+    void SetColumnWidth(int index, int width) const;
+    void SetCount(int count) const;
+    // Selects and focuses the row alone and scrolls it into view; -1 selects nothing.
+    void SelectRow(int row) const;
+    // -1 when none is.
+    int SelectedRow() const;
+    // Full rows, drawn without flicker, `rowHeight` pixels high at 96 DPI.
+    void SetLook(int rowHeight) const;
+};
+
+// Pixels at 96 DPI as pixels at `dpi`.
+inline int Scaled(int pixels, UINT dpi) {
+    return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
+}
+
 class DatePicker : public Window {
 public:
     using Window::Window;

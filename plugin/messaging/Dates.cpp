@@ -124,7 +124,7 @@ std::int64_t ParseDate(std::string_view text) {
     const std::int64_t year = LeadingInteger(
         yearText.size() < 3 ? Format("%d%s", 20, std::string(yearText).c_str()) : std::string(yearText));
     // A month that is no month must not slide into the year before.
-    if (!IsCalendarDay(year, month, day) || year > 9999) return kNoSuchDate;
+    if (!IsCalendarDay(year, month, day) || year < 0 || year > 9999) return kNoSuchDate;
     return MakeTime({static_cast<int>(year), static_cast<int>(month), static_cast<int>(day)}, 0);
 }
 

@@ -104,8 +104,9 @@ double LeadingReal(std::string_view text) {
     if (error == std::errc::result_out_of_range) {
         // Too large and too small are told apart by the exponent's sign or, without one, by the point.
         const std::string_view used(number.data(), static_cast<std::size_t>(end - number.data()));
-        const bool tiny = used.find("e-") != used.npos || used.find("E-") != used.npos || used.front() == '.'
-                          || used.starts_with("0.");
+        const std::size_t exponent = used.find_first_of("eE");
+        const bool tiny =
+            exponent != used.npos ? used[exponent + 1] == '-' : used.front() == '.' || used.starts_with("0.");
         value = tiny ? 0.0 : std::numeric_limits<double>::infinity();
     }
     return negative ? -value : value;

@@ -81,6 +81,7 @@ public:
     double m_dMinSipWeekly = 0.0;
     double m_dMinSipMonthly = 0.0;
     double m_dMinSipYearly = 0.0;
+    const NonTradingDates* m_pNonTradingDates = nullptr; // the host's; it may replace the contents
 
 private:
     std::uint64_t m_generation = 0;

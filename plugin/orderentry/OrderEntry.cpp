@@ -1,5 +1,7 @@
 #include "plugin/orderentry/OrderEntry.h"
 
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderentry/OperationMode.h"
@@ -156,6 +158,22 @@ void OrderEntry::Submit(const LocalDateTime& now) {
     m_view.SetText(IDC_PERIOD, "");
 }
 
+Plan OrderEntry::CurrentPlan() const {
+    return {m_view.Date(IDC_START_DATE), m_view.Text(IDC_FREQUENCY), LeadingInteger(m_view.Text(IDC_PERIOD))};
+}
+
+void OrderEntry::ShowPlan() {
+    const Plan plan = CurrentPlan();
+    const std::string label = m_view.Text(IDC_INVEST_BY);
+    std::string value = m_view.Text(IDC_VALUE);
+    if (ValueToWire(label, value)) value.clear();
+    std::string investType;
+    Convert(kInvestTypeToServer, label, investType);
+    const std::string text = DescribePlan(plan, m_view.Text(IDC_ACTION), investType, value);
+    if (m_view.Text(IDC_PLAN_SUMMARY) != text) m_view.SetText(IDC_PLAN_SUMMARY, text);
+    m_view.Enable(IDC_PLAN_DATES, !text.empty());
+}
+
 void OrderEntry::OnResponse(void* message) {
     Dispatch<OrderEntry>(*this, m_session, kAnswers, Answer(message));
 }
@@ -173,6 +191,7 @@ void OrderEntry::HandleOperationMode(const Answer& answer) {
     for (const std::string& frequency : mode.frequencies)
         m_view.AddItem(IDC_FREQUENCY, frequency);
     m_view.Select(IDC_FREQUENCY, 0);
+    ShowPlan();
     if (!mode.serverPeriods) return;
     m_view.SetText(IDC_PERIOD_LABEL, "SIP Periods");
     for (const int control : {IDC_PERIOD_HINT, IDC_PERIOD_ICON_1, IDC_PERIOD_ICON_2})

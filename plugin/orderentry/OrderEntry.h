@@ -5,6 +5,7 @@
 #include "plugin/controls/DialogView.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderentry/PlannedDates.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "sdk/RxControl.h"
 
@@ -34,6 +35,11 @@ public:
     void Submit(const LocalDateTime& now);
 
     void OnResponse(void* message);
+
+    // The planned dates of what the form holds now; no instalments while it is incomplete.
+    Plan CurrentPlan() const;
+    // Tells them in the form. Called at each change of a control that they depend on.
+    void ShowPlan();
 
 private:
     enum class ScripLevel : int { exchange = 0, series = 1 };

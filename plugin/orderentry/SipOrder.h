@@ -51,6 +51,10 @@ struct Refusal {
     bool focusValue = false;
 };
 
+// The typed value in the server's words: "Amount" to whole paise, "Quantity" to shares; any other invest
+// type leaves it as it is. A refused value is left in either form.
+std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value);
+
 // Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
 // host's scrip callbacks; `now` is the local time.
 std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,

@@ -119,6 +119,12 @@ Verdict AmountToWire(std::string& value) {
 
 } // namespace
 
+std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value) {
+    if (investType == "Quantity") return QuantityToWire(value);
+    if (investType == "Amount") return AmountToWire(value);
+    return std::nullopt;
+}
+
 std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
                                         const LocalDateTime& now, sSipOrderData& record) {
     if (session.host.pu_get_trading_symbol_n_token)
@@ -142,9 +148,7 @@ std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialo
 
     Convert(kInvestTypeToServer, form.investType, record.investType);
     record.amountOrQuantity = form.value;
-    if (form.investType == "Quantity") return QuantityToWire(record.amountOrQuantity);
-    if (form.investType == "Amount") return AmountToWire(record.amountOrQuantity);
-    return std::nullopt;
+    return ValueToWire(form.investType, record.amountOrQuantity);
 }
 
 } // namespace planfold

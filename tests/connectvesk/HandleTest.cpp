@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
+#include <vector>
 
 namespace {
 
@@ -100,6 +102,43 @@ TEST(Handle, ClosingTwiceIsRefused) {
     }
     EXPECT_FALSE(qmx_close_scratch(nullptr, &error));
     EXPECT_FALSE(qmx_dtor_primecb(nullptr, nullptr));
+}
+
+// Handles give their memory on to later ones, but not soon.
+TEST(Handle, ClosedOnesAreToldWhileManyOthersComeAndGo) {
+    constexpr int kept = 64;
+    QmxError error{};
+    void* message = nullptr;
+    ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+    void* late = message;
+    ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
+    for (int others = 0; others < kept; ++others) {
+        EXPECT_FALSE(qmx_dtor_primecb(&late, &error)) << "after " << others;
+        EXPECT_EQ(error.code, kQmxBadHandle);
+        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
+        if (others < kept - 1) {
+            EXPECT_NE(message, late) << "after " << others;
+        }
+        ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
+    }
+}
+
+TEST(Handle, EveryOpenOneHasMemoryOfItsOwn) {
+    QmxError error{};
+    std::vector<void*> open;
+    std::set<void*> different;
+    // Twice: first from the heap, then from those that were closed.
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 200; ++i) {
+            ASSERT_TRUE(qmx_ctor_primecb(&open.emplace_back(), &error));
+            different.insert(open.back());
+        }
+        EXPECT_EQ(different.size(), open.size());
+        for (void*& message : open)
+            ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
+        open.clear();
+        different.clear();
+    }
 }
 
 TEST(Handle, StartWantsAnOpenScratchOfOurOwn) {

@@ -197,6 +197,24 @@ TEST_F(OrderEntryTest, ASecondPressDuringTheCautionaryQuestionPlacesNothing) {
     EXPECT_EQ(control.sent.size(), 3u);
 }
 
+TEST_F(OrderEntryTest, ThePlanFollowsTheForm) {
+    Open();
+    EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY), "");
+    entry.ShowPlan();
+    EXPECT_FALSE(view.controls[IDC_PLAN_DATES].enabled) << "no frequency yet";
+    Answer(kMonthlyYearly);
+    EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY), "1 planned from 01-Feb-2027 to 01-Feb-2027");
+    EXPECT_TRUE(view.controls[IDC_PLAN_DATES].enabled);
+    view.SetText(IDC_PERIOD, "12");
+    for (const auto& [value, total] :
+         {std::pair{"100.51", "\nTotal outlay Rs 1,206.12"}, {"10000000", ""}, {"", ""}}) {
+        view.SetText(IDC_VALUE, value);
+        entry.ShowPlan();
+        EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY),
+                  std::string("12 planned from 01-Feb-2027 to 01-Jan-2028") + total);
+    }
+}
+
 TEST_F(OrderEntryTest, AnswersAreShownErrorsLogged) {
     Answer({{32767, {"add_sip_orders"}}, {20008, {"SIP registered: 17"}}, {54001, {"C001"}}});
     EXPECT_EQ(view.boxes, std::vector<std::string>{"SIP registered: 17"});

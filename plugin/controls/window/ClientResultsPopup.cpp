@@ -8,26 +8,22 @@ namespace planfold {
 
 namespace {
 
+using framework::Scaled;
+
 constexpr UINT kGiveFocusBack = WM_APP + 1;
 
-struct Column {
-    const char* heading;
-    int width; // pixels at 96 DPI
+struct Column : framework::ReportList::Column {
     const char* ClientResult::*text;
 };
 constexpr Column kColumns[] = {
-    {"Client ID", 100, &ClientResult::clientId},
-    {"Client Name", 150, &ClientResult::clientName},
+    {{"Client ID", 100}, &ClientResult::clientId},
+    {{"Client Name", 150}, &ClientResult::clientName},
 };
 
 constexpr int kPopupWidth = 500; // pixels at 96 DPI, as the rest
 constexpr int kMostHeight = 500;
 constexpr int kRowHeight = 20;
 constexpr int kHeightBesideRows = 50;
-
-int Scaled(int pixels, UINT dpi) {
-    return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
-}
 
 // Under the box, or above it when there is no room below; always on the monitor of the box.
 RECT PlaceUnder(HWND box, int count) {
@@ -49,34 +45,9 @@ RECT PlaceUnder(HWND box, int count) {
 
 } // namespace
 
-void CResultsList::AddColumns(UINT dpi) const {
-    int index = 0;
-    for (const Column& column : kColumns) {
-        LVCOLUMNA insert{};
-        insert.mask = LVCF_TEXT | LVCF_WIDTH;
-        insert.cx = Scaled(column.width, dpi);
-        insert.pszText = const_cast<char*>(column.heading);
-        Send(LVM_INSERTCOLUMNA, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&insert));
-    }
-}
-
-void CResultsList::SetCount(int count) const {
-    Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), 0);
-    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE);
-}
-
-void CResultsList::SelectRow(int row) const {
-    LVITEMA state{};
-    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
-    if (row < 0) return;
-    state.state = state.stateMask;
-    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
-    Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
-}
-
-int CResultsList::SelectedRow() const {
-    return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+void CResultsList::AddColumns() const {
+    for (const Column& column : kColumns)
+        AddColumn(column);
 }
 
 void CPopup::Make(HWND box) {
@@ -87,17 +58,13 @@ void CPopup::Make(HWND box) {
             .exStyle = WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE,
             .rect = {0, 0, 1, 1},
             .parent = GetParent(box)});
-    m_list = CResultsList(
-        CreateWindowExA(0, WC_LISTVIEWA, "",
-                        WS_CHILD | WS_VISIBLE | LVS_SHAREIMAGELISTS | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL
-                            | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
-                        0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS), module, nullptr));
-    m_list.Send(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
-    m_list.AddColumns(framework::Window(box).Dpi());
-    // A report list makes its rows as high as its images: an empty one sets the height.
-    m_rowHeight.Reset(
-        ImageList_Create(1, Scaled(kRowHeight, framework::Window(box).Dpi()) - 1, ILC_COLOR, 0, 1));
-    m_list.Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(m_rowHeight.Get()));
+    m_list = CResultsList(CreateWindowExA(0, WC_LISTVIEWA, "",
+                                          WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL
+                                              | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
+                                          0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS),
+                                          module, nullptr));
+    m_list.SetLook(kRowHeight);
+    m_list.AddColumns();
 }
 
 void CPopup::ShowUnder(HWND box, int count, int selected) {

@@ -3,21 +3,15 @@
 #pragma once
 
 #include "framework/CustomWindow.h"
-#include "framework/Handle.h"
 #include "plugin/controls/ClientSearch.h"
 
 namespace planfold {
 
-class CResultsList : public framework::Window {
+class CResultsList : public framework::ReportList {
 public:
-    using Window::Window;
+    using ReportList::ReportList;
 
-    // `dpi` scales the columns.
-    void AddColumns(UINT dpi) const;
-    void SetCount(int count) const;
-    // -1 selects nothing.
-    void SelectRow(int row) const;
-    int SelectedRow() const;
+    void AddColumns() const;
 };
 
 class CPopup final : public framework::CustomWindow {
@@ -41,7 +35,6 @@ private:
     ClientSearch& m_search;
     HWND& m_box; // the box that the pop-up hangs under
     CResultsList m_list;
-    framework::ImageList m_rowHeight;
 };
 
 } // namespace planfold

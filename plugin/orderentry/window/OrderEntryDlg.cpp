@@ -18,14 +18,13 @@ constexpr char kDateFormat[] = "dd/MMM/yyyy";
 constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
 
 struct Change {
-    int control;
-    int notification;
+    int combo;
     void (OrderEntry::*handle)();
 };
 constexpr Change kChanges[] = {
-    {IDC_EXCHANGE, CBN_SELCHANGE, &OrderEntry::OnExchangeChanged},
-    {IDC_SERIES, CBN_SELCHANGE, &OrderEntry::OnSeriesChanged},
-    {IDC_INVEST_BY, CBN_SELCHANGE, &OrderEntry::OnInvestTypeChanged},
+    {IDC_EXCHANGE, &OrderEntry::OnExchangeChanged},
+    {IDC_SERIES, &OrderEntry::OnSeriesChanged},
+    {IDC_INVEST_BY, &OrderEntry::OnInvestTypeChanged},
 };
 
 } // namespace
@@ -33,7 +32,7 @@ constexpr Change kChanges[] = {
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, *this), m_entry(session, *this, m_link.Control()),
-      m_client(session) {}
+      m_client(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
     if (!HasWindow()) Create();
@@ -85,24 +84,53 @@ std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM, LPARAM) {
 }
 
 bool COrderEntryDlg::OnCommand(const framework::Command& command) {
-    if (command.id == IDC_SUBMIT && command.notification == BN_CLICKED) {
-        m_entry.Submit(LocalNow());
-        return true;
+    switch (command.notification) {
+    case BN_CLICKED:
+        OnButton(command.id);
+        return command.id != IDCANCEL;
+    case EN_CHANGE:
+        OnEditChanged(command.id);
+        break;
+    case CBN_SELCHANGE:
+        for (const auto& [combo, handle] : kChanges)
+            if (command.id == combo) (m_entry.*handle)();
+        OnPlanChanged();
+        break;
+    case CBN_SELENDOK:
+        m_picked = true;
+        break;
+    case CBN_SELENDCANCEL:
+        m_picked = false;
+        break;
+    case CBN_CLOSEUP:
+        OnDropDownPicked(command.id);
+        break;
+    default:
+        break;
     }
-    if (command.id == IDC_CLIENT_SEARCH_MODE && command.notification == BN_CLICKED) {
-        m_client.OpenModeMenu(command.control);
-        return true;
-    }
-    if (command.notification == EN_CHANGE) {
-        if (command.id == IDC_VALUE) m_value.OnTextChanged();
-        if (command.id == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
-    }
-    if (command.notification == CBN_SELENDOK) m_picked = true;
-    if (command.notification == CBN_SELENDCANCEL) m_picked = false;
-    if (command.notification == CBN_CLOSEUP) OnDropDownPicked(command.id);
-    for (const auto& [control, notification, handle] : kChanges)
-        if (command.id == control && command.notification == notification) (m_entry.*handle)();
     return false;
+}
+
+void COrderEntryDlg::OnButton(int button) {
+    if (button == IDC_SUBMIT) m_entry.Submit(LocalNow());
+    if (button == IDC_CLIENT_SEARCH_MODE) m_client.OpenModeMenu(Item(button).Handle());
+    if (button == IDC_PLAN_DATES) m_plannedDates.Open(Dialog::Handle(), m_entry.CurrentPlan(), FontSize());
+}
+
+void COrderEntryDlg::OnEditChanged(int edit) {
+    if (edit == IDC_VALUE) m_value.OnTextChanged();
+    if (edit == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
+    if (edit == IDC_VALUE || edit == IDC_PERIOD) OnPlanChanged();
+}
+
+std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
+    if (notification.code == DTN_DATETIMECHANGE) OnPlanChanged();
+    return std::nullopt;
+}
+
+void COrderEntryDlg::OnPlanChanged() {
+    m_entry.ShowPlan();
+    m_plannedDates.SetPlan(m_entry.CurrentPlan());
 }
 
 void COrderEntryDlg::OnDropDownPicked(int combo) {

@@ -6,6 +6,7 @@
 #include "plugin/controls/window/ExtEditOntry.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"
+#include "plugin/orderentry/window/PlannedDatesDlg.h"
 
 namespace planfold {
 
@@ -27,6 +28,10 @@ private:
     void OnLaidOut() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
+    void OnButton(int button);
+    void OnEditChanged(int edit);
+    void OnPlanChanged();
     void OnDropDownPicked(int combo);
     void LoadPeriodIcons();
 
@@ -35,6 +40,7 @@ private:
     OrderEntry m_entry;
     CExtEditOntry m_value;
     CClientSearchBox m_client;
+    CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
     bool m_picked = false; // in the list that is dropped down
 };

@@ -20,8 +20,8 @@ void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
     m_session.OpenHandles(notices);
     for (const FrequencyRow& frequency : kFrequencies)
         m_session.*frequency.minimum = 0.0;
-    if (m_session.host.pu_get_non_trading_dates_map && !m_pNonTradingDates)
-        m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map();
+    if (m_session.host.pu_get_non_trading_dates_map && !m_session.m_pNonTradingDates)
+        m_session.m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map();
     if (m_strUserDirectory.empty()) FindSettingsPaths();
 }
 

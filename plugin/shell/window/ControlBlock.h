@@ -37,7 +37,6 @@ private:
     framework::KeyboardHook m_keyboard;
     COrderEntryDlg m_orderEntry;
     std::string m_strUserDirectory;
-    const NonTradingDates* m_pNonTradingDates = nullptr; // the host's
     std::intptr_t m_nFontVariation = 0;                  // points
     std::intptr_t m_nFontSize = 0;                       // points; 0 is the template's
 };

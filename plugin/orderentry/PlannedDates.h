@@ -1,0 +1,45 @@
+// The dates on which a SIP would fall by the calendar. Planned only: the server moves those on days without
+// trading and decides.
+#pragma once
+
+#include "plugin/messaging/Dates.h"
+#include "sdk/HostRecords.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace planfold {
+
+struct Plan {
+    LocalDateTime start; // its time of day is not used
+    std::string frequency;
+    std::int64_t instalments = 0; // 0: there is no plan
+
+    // More are not listed.
+    static constexpr std::int64_t kMostInstalments = 100000;
+};
+
+// The plan's date number `index`, from 0. A month or year without the start's day takes its last day. None
+// for an unknown frequency, an index outside the plan, or a date after the year 9999.
+std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index);
+
+// Saturday, Sunday, or one of the host's dates; `holidays` may be null.
+bool IsNonTradingDay(const LocalDateTime& date, const NonTradingDates* holidays);
+
+// "Mon" to "Sun".
+std::string_view WeekdayName(const LocalDateTime& date);
+
+// "22-Dec-2026".
+std::string FormatPlannedDate(const LocalDateTime& date);
+
+// Paise as rupees, grouped as in "12,34,567.50".
+std::string FormatRupees(std::int64_t paise);
+
+// What the form says of its plan in two lines; empty when there is none. `investType` and `value` are the
+// server's words ("value" and paise, or "qty" and shares); an empty value leaves the total out.
+std::string DescribePlan(const Plan& plan, std::string_view action, std::string_view investType,
+                         std::string_view value);
+
+} // namespace planfold
