@@ -133,6 +133,8 @@ ConfigResult ParseServerConfig(std::string_view text, std::string_view name) {
         return {ReadConfig(Json::parse(text)), {}};
     } catch (const Json::parse_error& fault) {
         return {std::nullopt, At(name, LineAt(text, fault.byte ? fault.byte - 1 : 0), "not valid JSON")};
+    } catch (const Json::out_of_range&) {
+        return {std::nullopt, std::string(name) + ": a number is too large"};
     } catch (const WrongSetting& fault) {
         const std::size_t position = text.find("\"" + fault.key + "\"");
         return {std::nullopt, At(name, position == text.npos ? 1 : LineAt(text, position), fault.what())};

@@ -20,6 +20,8 @@ Loaded<nlohmann::json> ParseJsonObject(std::string_view text, std::string_view f
         return value;
     } catch (const nlohmann::json::parse_error& error) {
         return FileFault{name, LineAt(text, error.byte), "this is not JSON"};
+    } catch (const nlohmann::json::out_of_range&) {
+        return FileFault{name, 0, "a number is too large"};
     }
 }
 
