@@ -1,11 +1,12 @@
 #!/bin/sh
 # Runs a Windows program: in a 64-bit prefix inside the build folder, on a display of its own when there is
-# none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost).
+# none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost); WINE_DPI=144 sets the
+# screen's resolution.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 kind=display
 [ -n "${DISPLAY:-}" ] || kind=headless
-export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
+export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind${WINE_DPI:+-$WINE_DPI}}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 mkdir -p "$(dirname "$WINEPREFIX")"
 
@@ -14,6 +15,7 @@ make_prefix() {
     # A virtual display has no window manager: waiting for one costs two seconds a window. Wine then draws
     # the frames itself.
     [ "$kind" = display ] || wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+    [ -z "${WINE_DPI:-}" ] || wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$WINE_DPI" /f
     # Debian's Wine does not look where its own fonts are installed; Marlett draws the caption buttons.
     cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
     wineserver -w

@@ -20,6 +20,20 @@ RECT WorkArea(HWND window) {
     return info.rcWork;
 }
 
+// A combo makes its own height, of its text alone; beside edits of the template's height it would look low.
+void MatchEditHeight(HWND control, SIZE base) {
+    constexpr LONG editUnits = 13;
+    char className[16];
+    GetClassNameA(control, className, sizeof className);
+    if (lstrcmpiA(className, WC_COMBOBOXA) != 0) return;
+    constexpr auto field = static_cast<WPARAM>(-1);
+    RECT place{};
+    GetWindowRect(control, &place);
+    const LRESULT text = SendMessageA(control, CB_GETITEMHEIGHT, field, 0);
+    const LRESULT frame = place.bottom - place.top - text;
+    SendMessageA(control, CB_SETITEMHEIGHT, field, MulDiv(editUnits, base.cy, 8) - frame);
+}
+
 } // namespace
 
 Font MakeFont(const std::wstring& face, int points, UINT dpi) {
@@ -53,6 +67,7 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
         const Window control(GetDlgItem(dialog, item.id));
         control.SetFont(font.Get());
         control.Move(ToPixels(item.units, base));
+        MatchEditHeight(control.Handle(), base);
     }
     m_font = std::move(font);
     ResizeFrame(dialog, base, dpi);
