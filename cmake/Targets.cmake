@@ -1,15 +1,23 @@
 # How every target of this project is built: one place for warnings, sanitizers and the static runtime.
 
 option(PLANFOLD_SANITIZE "AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+option(PLANFOLD_FUZZ "The fuzzers; needs clang" OFF)
 
 add_library(house_rules INTERFACE)
 target_compile_options(house_rules INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
     # GCC 12 reports std::string of its own library here when it optimises (PR 105651).
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+    # Records of the boundary hold members that only the other side uses.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-missing-braces;-Wno-unused-private-field>)
 if(PLANFOLD_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+endif()
+if(PLANFOLD_FUZZ)
+    # The counting of branches goes everywhere, libFuzzer's own main only into the fuzzers.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 if(WIN32)
     add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
@@ -23,3 +31,8 @@ function(house_library name)
     add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PUBLIC sdk ${arg_LINK} PRIVATE house_rules)
 endfunction()
+
+if(PLANFOLD_FUZZ)
+    enable_testing()
+    add_subdirectory(${CMAKE_SOURCE_DIR}/fuzz ${CMAKE_BINARY_DIR}/fuzz)
+endif()

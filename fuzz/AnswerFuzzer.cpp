@@ -1,0 +1,89 @@
+// Answers of any content to an open order entry form: none sends a request, none touches what the user entered,
+// and the form can be submitted afterwards.
+
+#include "fuzz/Fuzz.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
+#include "tests/plugin/Doubles.h"
+
+#include <cstdlib>
+
+using fuzz::Demand;
+using namespace planfold;
+
+namespace {
+
+constexpr LocalDateTime kNow{2027, 1, 31, 15, 30, 0};
+
+// Received bytes as they are, or lines of "tag=value|value" made into a message.
+std::string MessageBytes(fuzz::Input input) {
+    std::string text = input.Rest();
+    if (text.starts_with("QMX1")) return text;
+    qmx::MessageWriter writer;
+    while (!input.AtEnd()) {
+        const std::string line = input.Line();
+        std::string_view rest = line;
+        const auto tag = static_cast<std::uint32_t>(
+            std::strtoul(std::string(fuzz::Input::CutAt(rest, '=')).c_str(), nullptr, 10));
+        std::vector<QmxDatum> values;
+        while (!rest.empty())
+            values.push_back(qmx::Datum(fuzz::Input::CutAt(rest, '|')));
+        writer.AddValues(tag, values.data(), static_cast<std::uint32_t>(values.size()));
+    }
+    return writer.Finish();
+}
+
+std::vector<std::string> Entered(const test::DialogDouble& view) {
+    std::vector<std::string> texts{FormatPickerDate(view.date)};
+    for (const int id : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT,
+                         IDC_INVEST_BY, IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH, IDC_CLIENT_COMBO})
+        texts.push_back(view.Text(id));
+    return texts;
+}
+
+struct Form {
+    Form() {
+        session.host = ResolveHostCallbacks(session.lookup);
+        session.OpenHandles(view);
+        view.controls[IDC_SERIES].items = {"BE", "EQ"};
+        view.controls[IDC_SYMBOL].items = {"ALPHA", "BETA"};
+        entry.Initialise(kNow, {});
+        view.SetText(IDC_VALUE, "1500");
+        view.SetText(IDC_CLIENT_SEARCH, "C001");
+    }
+
+    test::HostDouble host;
+    test::DialogDouble view;
+    test::RecordingControl control;
+    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
+    OrderEntry entry{session, view, &control};
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string bytes = MessageBytes({data, size});
+    const qmx::MessageReader reader(bytes);
+    if (!reader.Good()) return 0;
+    Form form;
+    const Answer answer(reader.Handle());
+    const bool aboutMode = answer.request == "get_sip_operation_mode";
+    const bool modified = answer.request == "modify_sip_order" && !answer.hasError;
+    const bool added = answer.request == "add_sip_orders" && !answer.hasError;
+
+    const auto entered = Entered(form.view);
+    const std::size_t sent = form.control.sent.size();
+    form.entry.OnResponse(reader.Handle());
+    Demand(form.control.sent.size() == sent);
+    Demand(Entered(form.view) == entered);
+    Demand(form.view.closed == modified);
+    Demand(form.view.boxes.empty() || added || modified);
+    Demand(form.host.log.size() == (answer.hasError && !aboutMode ? 1u : 0u));
+    const bool frequenciesListed = !form.view.controls[IDC_FREQUENCY].items.empty();
+    Demand(aboutMode || (!frequenciesListed && form.view.Text(IDC_PERIOD_LABEL).empty()));
+
+    form.view.boxes.clear();
+    form.entry.Submit(kNow);
+    Demand(form.control.sent.size() - sent + form.view.boxes.size() == 1);
+    return 0;
+}
