@@ -1,5 +1,6 @@
 #include "tests/support/FakeHost.h"
 
+#include <cctype>
 #include <windows.h>
 
 #include <algorithm>
@@ -117,12 +118,17 @@ const NonTradingDates* FakeHost::NonTrading() {
 }
 
 // Every search gives texts of its own and lets those of the one before go, as a host may.
-const ClientResult* FakeHost::Search(int, std::string_view text, int& count) {
+// Mode 2 looks at the identifier only, 3 at the name only; the text is in upper case, "X(" asks for X alone.
+const ClientResult* FakeHost::Search(int mode, std::string_view text, int& count) {
+    const auto holds = [&](std::string value) {
+        for (char& c : value)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        return text.ends_with('(') ? value == text.substr(0, text.size() - 1) : value.find(text) != value.npos;
+    };
     m_results.clear();
     m_resultTexts.clear();
     for (const auto& client : clients) {
-        if (client.first.find(text) == std::string::npos && client.second.find(text) == std::string::npos)
-            continue;
+        if (!(mode != 3 && holds(client.first)) && !(mode != 2 && holds(client.second))) continue;
         const auto& copy =
             *m_resultTexts.emplace_back(std::make_unique<std::pair<std::string, std::string>>(client));
         m_results.push_back({copy.first.c_str(), copy.second.c_str()});

@@ -85,9 +85,9 @@ public:
                                                              {"C002", "Second Client"}};
     std::vector<std::string> products{"CNC", "MIS", "NRML"};
     std::vector<Scrip> scrips{{"nse_cm", "EQ", "ARBORTEX", "2885", "ARBORTEX-EQ", "Arbor Textiles"},
-                              {"nse_cm", "EQ", "BYTEFIN", "11536", "BYTEFIN-EQ", "Byte Finance"},
-                              {"nse_cm", "BE", "LUMENBANK", "11915", "LUMENBANK-BE", "Lumen Bank"},
-                              {"bse_cm", "EQ", "INFOCAR", "500209", "INFOCAR", "Infocar Motors"}};
+                              {"nse_cm", "EQ", "BYTEFIN", "2901", "BYTEFIN-EQ", "Byte Finance"},
+                              {"nse_cm", "BE", "LUMENBANK", "2902", "LUMENBANK-BE", "Lumen Bank"},
+                              {"bse_cm", "EQ", "INFOCAR", "500100", "INFOCAR", "Infocar Motors"}};
     std::map<std::pair<std::string, std::string>, std::string> settings; // (section, key)
     std::vector<std::uint32_t> nonTradingDates;
     std::vector<std::string> mappedAccounts{"C001", "C002"};

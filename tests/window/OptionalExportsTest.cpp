@@ -15,7 +15,7 @@ struct LackRow {
 
 constexpr std::string_view kTextStart = "opening: ", kSubmitStart = "submit: ", kLogStart = "log: ";
 constexpr std::string_view kRequest =
-    "0=add_sip_orders;63001=nse_cm;10100=11536;63100=BYTEFIN-EQ;12003=B;12008=MKT;64030=CNC;54152=value;53063="
+    "0=add_sip_orders;63001=nse_cm;10100=2901;63100=BYTEFIN-EQ;12003=B;12008=MKT;64030=CNC;54152=value;53063="
     "123450;"
     "10012=monthly;49165=DATE;63415=12;31003=LOGIN;54056=C;54001=C002;12005=DAY;64056=PEERA;64053=PEERB;"
     "54158=UUID-1;53405=N;64756=TWS;";
@@ -53,9 +53,9 @@ const LackRow kLacks[] = {
     {"pu_get_trading_symbol_n_token",
      {{kLogStart,
        "log: SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : BYTEFIN,TradingSymbol : "
-       "BYTEFIN-EQ |SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : BYTEFIN-EQ,Token : 11536 |"}}},
+       "BYTEFIN-EQ |SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : BYTEFIN-EQ,Token : 2901 |"}}},
     {"pu_fill_scrip_combos",
-     {{"63001=nse_cm;10100=11536;63100=BYTEFIN-EQ;", "63001=null;10100=null;63100=null;"},
+     {{"63001=nse_cm;10100=2901;63100=BYTEFIN-EQ;", "63001=null;10100=null;63100=null;"},
       {"CNC BYTEFIN-EQ at", "CNC  at"}}},
     {"pu_load_client_id_combo",
      {{"54001=C002", "54001=null"}, {"Client ID : C002", "Client ID : "}},

@@ -45,7 +45,7 @@ struct SentRow {
 const SentRow kSent[] = {
     {"amount",
      {},
-     "0=add_sip_orders;63001=nse_cm;10100=11536;63100=BYTEFIN-EQ;12003=B;12008=MKT;64030=CNC;54152=value;53063="
+     "0=add_sip_orders;63001=nse_cm;10100=2901;63100=BYTEFIN-EQ;12003=B;12008=MKT;64030=CNC;54152=value;53063="
      "123450;"
      "10012=monthly;49165=DATE;63415=12;31003=LOGIN;54056=C;54001=C002;12005=DAY;64056=PEERA;64053=PEERB;"
      "54158=UUID-1;53405=N;64756=TWS;",
@@ -60,7 +60,7 @@ const SentRow kSent[] = {
       {order::kFrequency, "daily"},
       {order::kPeriod, "60"},
       {order::kClient, "C001"}},
-     "0=add_sip_orders;63001=bse_cm;10100=500209;63100=INFOCAR;12003=S;12008=MKT;64030=CNC;54152=qty;53063=1;"
+     "0=add_sip_orders;63001=bse_cm;10100=500100;63100=INFOCAR;12003=S;12008=MKT;64030=CNC;54152=qty;53063=1;"
      "10012=daily;49165=DATE;63415=60;31003=LOGIN;54056=C;54001=C001;12005=DAY;64056=PEERA;64053=PEERB;"
      "54158=UUID-1;53405=N;64756=TWS;",
      "BSE SELL SIP Order : Status : Trigger Pending CNC INFOCAR at 1 DAY daily for period : 60 Months "

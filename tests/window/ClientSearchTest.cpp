@@ -1,0 +1,239 @@
+// The client search box with its pop-up list and mode menu, and the value edit, in the real window.
+#include "tests/window/PluginTest.h"
+
+#include <commctrl.h>
+
+namespace {
+
+constexpr int kModeButton = 1058, kResults = 1501;
+
+class ClientSearchWindow : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        dialog = OpenOrderEntry();
+        box = GetDlgItem(dialog, order::kClientSearch);
+        SetFocus(box);
+    }
+
+    void Type(std::string_view text) const {
+        for (const char character : text)
+            PostMessageA(box, WM_CHAR, static_cast<WPARAM>(character), 1);
+        probe::Pump();
+    }
+    // The pop-up's list while it is shown; null otherwise.
+    HWND List() const {
+        for (HWND window : probe::TopWindows())
+            if (HWND list = GetDlgItem(window, kResults); list && IsWindowVisible(window)) return list;
+        return nullptr;
+    }
+    static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+    static int Selected(HWND list) {
+        return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    }
+    static std::string Cell(HWND list, int row, int column) {
+        char text[64] = "";
+        LVITEMA item{};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = sizeof text;
+        SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        return text;
+    }
+
+    HWND dialog = nullptr;
+    HWND box = nullptr;
+};
+
+TEST_F(ClientSearchWindow, StandsInThePlaceOfTheComboOnlyWhereTheHostSearches) {
+    EXPECT_TRUE(probe::IsShown(dialog, order::kClientSearch));
+    EXPECT_TRUE(probe::IsShown(dialog, kModeButton));
+    EXPECT_FALSE(probe::IsShown(dialog, order::kClient));
+    EXPECT_EQ((host.settings[{"Client_Search", "Planfold Order Entry"}]), "1");
+}
+
+TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
+    Type("client");
+    EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 0) << "not with every letter";
+    EXPECT_FALSE(List());
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 1);
+    HWND list = List();
+    EXPECT_EQ(Rows(list), 2);
+    EXPECT_EQ(Cell(list, 1, 0) + "|" + Cell(list, 1, 1), "C002|Second Client");
+    EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 100);
+    EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
+    EXPECT_EQ(GetWindow(GetParent(list), GW_OWNER), dialog);
+    RECT place{};
+    GetWindowRect(GetParent(list), &place);
+    EXPECT_EQ(place.right - place.left, 500);
+    EXPECT_EQ(place.bottom - place.top, 2 * 20 + 50);
+    EXPECT_EQ(GetFocus(), box) << "the typing goes on";
+}
+
+TEST_F(ClientSearchWindow, KeysPickAndDoNotReachTheForm) {
+    Type("client");
+    probe::PostKey(VK_RETURN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    probe::PostKey(VK_DOWN);
+    probe::PostKey(VK_DOWN);
+    probe::Pump();
+    EXPECT_EQ(Selected(List()), 1);
+    probe::PostKey(VK_RETURN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return !List(); }));
+    EXPECT_EQ(probe::Text(box), "C002");
+    DWORD begin = 0, end = 0;
+    SendMessageA(box, EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));
+    EXPECT_EQ(end - begin, 4u) << "the whole text is selected";
+
+    Type("x");
+    probe::PostKey(VK_DOWN);
+    probe::Pump();
+    EXPECT_EQ(probe::Text(box), "") << "what nobody is called is taken away";
+    Type("client");
+    probe::PostKey(VK_DOWN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    probe::PostKey(VK_ESCAPE);
+    ASSERT_TRUE(probe::PumpUntil([&] { return !List(); }));
+    EXPECT_TRUE(IsWindow(dialog)) << "the first Escape closes the list only";
+    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(host.requests.size(), 1u) << "Enter never submitted";
+}
+
+TEST_F(ClientSearchWindow, DoubleClickPicksAndFocusLossCloses) {
+    Type("client");
+    probe::PostKey(VK_DOWN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    HWND list = List();
+    RECT row{LVIR_LABEL, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
+    const LPARAM point = MAKELPARAM(row.left + 3, row.top + 3);
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageA(list, message, MK_LBUTTON, point);
+    ASSERT_TRUE(probe::PumpUntil([&] { return !List(); }));
+    EXPECT_EQ(probe::Text(box), "C002");
+
+    SetFocus(box);
+    probe::PostKey(VK_DOWN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    SetFocus(GetDlgItem(dialog, order::kValue));
+    probe::Pump();
+    EXPECT_FALSE(List());
+}
+
+TEST_F(ClientSearchWindow, AHundredThousandResultsAreInstant) {
+    host.clients.clear();
+    for (int i = 0; i < 100000; ++i)
+        host.clients.emplace_back("K" + std::to_string(i), "Client " + std::to_string(i));
+    Type("client");
+    probe::PostKey(VK_DOWN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    EXPECT_EQ(Rows(List()), 100000);
+    EXPECT_EQ(Cell(List(), 99999, 1), "Client 99999");
+    RECT place{};
+    GetWindowRect(GetParent(List()), &place);
+    EXPECT_EQ(place.bottom - place.top, 500);
+}
+
+TEST_F(ClientSearchWindow, TheModeGoesToTheHostAndIsKept) {
+    SendMessageA(box, WM_COMMAND, 2026, 0);
+    EXPECT_EQ((host.settings[{"Client_Search_Settings", "Planfold Order Entry"}]), "3");
+    Type("second");
+    probe::PostKey(VK_DOWN);
+    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 1);
+    SendMessageA(dialog, WM_CLOSE, 0, 0);
+    dialog = OpenOrderEntry();
+    EXPECT_EQ(Rows(List()), 0) << "the list went with its window";
+    SendMessageA(GetDlgItem(dialog, order::kClientSearch), WM_COMMAND, 2025, 0);
+    EXPECT_EQ((host.settings[{"Client_Search_Settings", "Planfold Order Entry"}]), "2");
+}
+
+class ValueEdit : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        dialog = OpenOrderEntry();
+        value = GetDlgItem(dialog, order::kValue);
+        SetFocus(value);
+    }
+
+    void Type(char character) const {
+        PostMessageA(value, WM_CHAR, static_cast<WPARAM>(character), 1);
+        probe::Pump();
+    }
+    void Paste(const char* text) const {
+        ASSERT_TRUE(OpenClipboard(value));
+        EmptyClipboard();
+        HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, strlen(text) + 1);
+        strcpy(static_cast<char*>(GlobalLock(memory)), text);
+        GlobalUnlock(memory);
+        SetClipboardData(CF_TEXT, memory);
+        CloseClipboard();
+        SendMessageA(value, WM_PASTE, 0, 0);
+    }
+    DWORD Caret() const {
+        DWORD begin = 0, end = 0;
+        SendMessageA(value, EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));
+        EXPECT_EQ(begin, end);
+        return end;
+    }
+    // The balloon's text; empty when none is shown.
+    std::string Balloon() const {
+        for (HWND window : probe::TopWindows()) {
+            if (probe::ClassOf(window) != TOOLTIPS_CLASSA || !IsWindowVisible(window)) continue;
+            if (!(GetWindowLongA(window, GWL_STYLE) & TTS_BALLOON) || GetWindow(window, GW_OWNER) != dialog)
+                continue;
+            char text[256] = "";
+            TTTOOLINFOA tool{};
+            tool.cbSize = sizeof tool;
+            tool.hwnd = value;
+            tool.uId = reinterpret_cast<UINT_PTR>(value);
+            tool.lpszText = text;
+            SendMessageA(window, TTM_GETTEXTA, sizeof text, reinterpret_cast<LPARAM>(&tool));
+            return text;
+        }
+        return {};
+    }
+
+    HWND dialog = nullptr;
+    HWND value = nullptr;
+};
+
+TEST_F(ValueEdit, RefusesALetterWithABalloonThatTheNextDigitTakesAway) {
+    Type('1');
+    EXPECT_EQ(Balloon(), "");
+    for (const char refused : {'x', '-', ','}) {
+        Type(refused);
+        EXPECT_EQ(Balloon(), "You can only type positive decimal number") << refused;
+        EXPECT_EQ(probe::Text(value), "1");
+    }
+    Type('2');
+    EXPECT_EQ(Balloon(), "");
+    EXPECT_EQ(probe::Text(value), "12");
+}
+
+TEST_F(ValueEdit, CleansWhatIsPastedAndPutsTheCaretAtItsEnd) {
+    Paste("1,234.50 Rs");
+    EXPECT_EQ(probe::Text(value), "1234.50");
+    EXPECT_EQ(Caret(), 7u);
+    // A clean text is left alone, and the caret where the user put it.
+    SendMessageA(value, EM_SETSEL, 2, 2);
+    Type('9');
+    EXPECT_EQ(probe::Text(value), "12934.50");
+    EXPECT_EQ(Caret(), 3u);
+    Type('.');
+    EXPECT_EQ(probe::Text(value), "129.3450");
+}
+
+TEST_F(ValueEdit, QuantityTakesWholeNumbersOnlyButPastedTextIsStillCleaned) {
+    ASSERT_TRUE(probe::Select(dialog, order::kInvestBy, "Quantity"));
+    EXPECT_TRUE(GetWindowLongA(value, GWL_STYLE) & ES_NUMBER);
+    probe::SetEdit(dialog, order::kValue, "12 shares");
+    EXPECT_EQ(probe::Text(value), "12");
+    ASSERT_TRUE(probe::Select(dialog, order::kInvestBy, "Amount"));
+    EXPECT_FALSE(GetWindowLongA(value, GWL_STYLE) & ES_NUMBER);
+    EXPECT_EQ(probe::Text(value), "");
+}
+
+} // namespace
