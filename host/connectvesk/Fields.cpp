@@ -9,22 +9,22 @@ char* MessageStart(void* scratch) {
     return static_cast<char*>(scratch) + kFillSize;
 }
 
+constexpr std::uint32_t kShortValue = 16;
+
 // Most values are short, and two overlapping moves beat a call.
-void CopyBytes(char* to, const char* from, std::uint32_t length) {
-    if (length >= 8 && length <= 16) {
+void CopyShort(char* to, const char* from, std::uint32_t length) {
+    if (length >= 8) {
         std::uint64_t head;
         std::uint64_t tail;
         std::memcpy(&head, from, 8);
         std::memcpy(&tail, from + length - 8, 8);
         std::memcpy(to, &head, 8);
         std::memcpy(to + length - 8, &tail, 8);
-    } else if (length >= 4 && length < 8) {
+    } else if (length >= 4) {
         const std::uint32_t head = Load(from);
         const std::uint32_t tail = Load(from + length - 4);
         Store(to, head);
         Store(to + length - 4, tail);
-    } else if (length > 16) {
-        std::memmove(to, from, length);
     } else if (length) {
         to[0] = from[0];
         to[length / 2] = from[length / 2];
@@ -32,29 +32,56 @@ void CopyBytes(char* to, const char* from, std::uint32_t length) {
     }
 }
 
-int CheckWritable(const Message& message, QmxError* error) {
-    if (message.state == Message::State::writing) return 1;
-    if (message.state == Message::State::reading)
-        return Fail(error, kQmxBadHandle, "a received message cannot be added to");
-    return Fail(error, kQmxBadHandle, "no message was started");
+// Whether `bytes` more fit into the message that is being written and into its buffer, of which both still
+// tell the same.
+bool HasRoom(const Message& message, std::uint64_t bytes) {
+    if (message.state != Message::State::writing) return false;
+    const ScratchPrefix& prefix = *PrefixBefore(message.scratch);
+    return IsOpen(prefix) && Load(message.scratch) == message.used
+           && bytes + message.used + kFillSize <= prefix.capacity;
 }
 
-// The bytes a message may have in its scratch buffer; 0 when message and buffer no longer go together.
-std::uint32_t CheckScratch(const Message& message, QmxError* error) {
-    const ScratchPrefix* prefix = PrefixOf(message.scratch);
-    if (!prefix) {
-        Fail(error, kQmxBadHandle, "the message's scratch buffer is closed");
-        return 0;
-    }
-    const std::uint32_t fill = Load(message.scratch);
-    const std::uint32_t capacity = prefix->capacity - kFillSize;
-    if (fill == message.used && fill <= capacity) return capacity;
-    Fail(error, kQmxCorrupt, "fill length is %u, %u bytes were written", fill, message.used);
-    return 0;
+bool IsWritable(const Message& message) {
+    return HasRoom(message, 0);
+}
+
+bool IsReadable(const Message& message) {
+    return message.state == Message::State::reading || IsWritable(message);
+}
+
+// The failures are told apart only once there is one: this keeps the way of a good field short.
+[[gnu::cold, gnu::noinline]] int TellNotWritable(const Message& message, QmxError* error) {
+    if (message.state == Message::State::reading)
+        return Fail(error, kQmxBadHandle, "a received message cannot be added to");
+    if (message.state == Message::State::idle) return Fail(error, kQmxBadHandle, "no message was started");
+    if (!IsOpen(*PrefixBefore(message.scratch)))
+        return Fail(error, kQmxBadHandle, "the message's scratch buffer is closed");
+    return Fail(error, kQmxCorrupt, "fill length is %u, %u bytes were written", Load(message.scratch),
+                message.used);
 }
 
 int Absent(std::uint32_t tag, QmxError* error) {
     return Fail(error, kQmxFieldAbsent, "field %u is absent", tag);
+}
+
+// The field at `position`, which moves behind it. False when it does not lie wholly inside the message.
+bool StepOver(const Message& message, std::uint32_t& position, FoundField& found) {
+    const std::uint32_t left = message.used - position;
+    if (left < kFieldHeaderSize) return false;
+    const char* from = message.bytes + position;
+    found.header = {Load(from), Load(from + 4), Load(from + 8)};
+    found.values = position + kFieldHeaderSize;
+    if (found.header.size > left - kFieldHeaderSize) return false;
+    position = found.values + found.header.size;
+    return true;
+}
+
+[[gnu::cold, gnu::noinline]] int TellBadField(const Message& message, std::uint32_t position, QmxError* error) {
+    const std::uint32_t left = message.used - position;
+    if (left < kFieldHeaderSize) return Fail(error, kQmxCorrupt, "%u stray bytes at offset %u", left, position);
+    const char* from = message.bytes + position;
+    return Fail(error, kQmxCorrupt, "field %u at offset %u claims %u bytes, %u are left", Load(from), position,
+                Load(from + 8), left - kFieldHeaderSize);
 }
 
 // Looks from `from` up to `to`. 1: found, 0: failed, -1: not there.
@@ -62,7 +89,7 @@ int FindBetween(Message& message, std::uint32_t from, std::uint32_t to, std::uin
                 QmxError* error) {
     std::uint32_t position = from;
     while (position < to) {
-        if (!NextField(message, position, found, error)) return 0;
+        if (!StepOver(message, position, found)) return TellBadField(message, position, error);
         if (found.header.tag != tag) continue;
         message.resume = position;
         return 1;
@@ -70,27 +97,86 @@ int FindBetween(Message& message, std::uint32_t from, std::uint32_t to, std::uin
     return -1;
 }
 
-int CheckNotThere(Message& message, std::uint32_t tag, QmxError* error) {
+// Fields asked for out of their order, and absent ones.
+[[gnu::noinline]] int FindElsewhere(Message& message, std::uint32_t tag, FoundField& found, QmxError* error) {
+    if (!message.tags.MayHave(tag)) return Absent(tag, error);
+    const std::uint32_t resume = message.resume;
+    int result = FindBetween(message, resume, message.used, tag, found, error);
+    // Bytes overwritten for a while may have left it between two fields: then the whole message counts.
+    const std::uint32_t end = result < 0 ? resume : message.used;
+    if (result <= 0) result = FindBetween(message, kHeaderSize, end, tag, found, error);
+    if (result < 0) return Absent(tag, error);
+    return result ? Succeed(error) : 0;
+}
+
+[[gnu::noinline]] int CheckNotThere(Message& message, std::uint32_t tag, QmxError* error) {
     FoundField before;
     const int found = FindBetween(message, kHeaderSize, message.used, tag, before, error);
     if (found == 1) return Fail(error, kQmxBadArgument, "field %u is already in the message", tag);
     return found != 0;
 }
 
-int CheckField(const Message& message, const FoundField& found, QmxError* error) {
+// Makes the field part of the message. Gives the place of its values, which are there or written at once.
+char* Append(Message& message, const FieldHeader& header) {
+    char* const scratch = message.scratch;
+    char* const field = MessageStart(scratch) + message.used;
+    const std::uint32_t used = message.used + kFieldHeaderSize + header.size;
+    message.used = used;
+    message.tags.Add(header.tag);
+    Store(scratch, used);
+    Store(MessageStart(scratch) + 4, used);
+    Store(field, header.tag);
+    Store(field + 4, header.count);
+    Store(field + 8, header.size);
+    return field + kFieldHeaderSize;
+}
+
+[[gnu::noinline]] int AddAnyField(Message& message, std::uint32_t tag, std::uint32_t count,
+                                  const QmxDatum* data, QmxError* error) {
+    if (!IsWritable(message)) return TellNotWritable(message, error);
+    if (count == 0 || !data) return Fail(error, kQmxBadArgument, "field %u has no values", tag);
+    if (message.tags.MayHave(tag) && !CheckNotThere(message, tag, error)) return 0;
+    // A count that cannot fit is refused before the caller's array is walked.
+    const std::uint64_t overhead = kFieldHeaderSize + std::uint64_t{kLengthSize} * count;
+    std::uint64_t left = PrefixBefore(message.scratch)->capacity - kFillSize - message.used;
+    if (left < overhead) return Fail(error, kQmxBufferFull, "no room for field %u of %u values", tag, count);
+
+    left -= overhead; // which leaves it to the bytes of all values
+    char* const values = MessageStart(message.scratch) + message.used + kFieldHeaderSize;
+    char* to = values;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const char* const from = data[i].data;
+        const std::uint32_t length = data[i].length;
+        if (!from && length) return Fail(error, kQmxBadArgument, "value %u: null with length %u", i, length);
+        if (length > left) return Fail(error, kQmxBufferFull, "no room for value %u of field %u", i, tag);
+        Store(to, length);
+        if (length) std::memmove(to + kLengthSize, from, length);
+        to += kLengthSize + length;
+        left -= length;
+    }
+    Append(message, {tag, count, static_cast<std::uint32_t>(to - values)});
+    return Succeed(error);
+}
+
+bool HoldsItsValues(const Message& message, const FoundField& found) {
     const char* from = message.bytes + found.values;
     std::uint32_t left = found.header.size;
     std::uint32_t values = 0;
     for (; left >= kLengthSize && values < found.header.count; ++values) {
         const std::uint32_t length = Load(from);
-        if (length > left - kLengthSize) break;
+        if (length > left - kLengthSize) return false;
         from += kLengthSize + length;
         left -= kLengthSize + length;
     }
-    if (values == 0 || values != found.header.count || left != 0)
-        return Fail(error, kQmxCorrupt, "field %u does not hold the %u values it claims", found.header.tag,
-                    found.header.count);
-    return 1;
+    return values != 0 && values == found.header.count && left == 0;
+}
+
+[[gnu::noinline]] int ReadAnyField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum,
+                                   QmxError* error) {
+    if (!CheckReadable(message, error)) return 0;
+    if (!datum) return Fail(error, kQmxBadArgument, "no place for the value");
+    FoundField found;
+    return FindField(message, tag, found, error) && ReadValue(message, found, index, *datum, error);
 }
 
 } // namespace
@@ -120,79 +206,56 @@ int StartMessage(Message& message, void* scratch, QmxError* error) {
 }
 
 int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error) {
-    if (!CheckWritable(message, error)) return 0;
-    const std::uint32_t capacity = CheckScratch(message, error);
-    if (!capacity) return 0;
-    if (count == 0 || !data) return Fail(error, kQmxBadArgument, "field %u has no values", tag);
-    if (message.tags.MayHave(tag) && !CheckNotThere(message, tag, error)) return 0;
-    const std::uint32_t room = capacity - message.used;
-    // A count that cannot fit is refused before the caller's array is walked.
-    if (room < kFieldHeaderSize || (room - kFieldHeaderSize) / kLengthSize < count)
-        return Fail(error, kQmxBufferFull, "no room for field %u of %u values", tag, count);
-
-    char* const field = MessageStart(message.scratch) + message.used;
-    std::uint32_t size = kFieldHeaderSize;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const QmxDatum datum = data[i];
-        if (!datum.data && datum.length)
-            return Fail(error, kQmxBadArgument, "value %u: null with length %u", i, datum.length);
-        if (room - size < kLengthSize || datum.length > room - size - kLengthSize)
-            return Fail(error, kQmxBufferFull, "no room for value %u of field %u", i, tag);
-        Store(field + size, datum.length);
-        CopyBytes(field + size + kLengthSize, datum.data, datum.length);
-        size += kLengthSize + datum.length;
+    // One short value that fits, under a new tag, is the ordinary field. Whatever else there is, and every
+    // fault, is left to the general way: so this one needs neither loop nor call.
+    if (count == 1 && data) {
+        // Member by member: the caller has just written them so, and one wider load would wait for its stores.
+        const char* const from = data->data;
+        const std::uint32_t length = data->length;
+        if (length <= kShortValue && (from || !length)
+            && HasRoom(message, kFieldHeaderSize + kLengthSize + length) && !message.tags.MayHave(tag)) {
+            char* const value = Append(message, {tag, 1, kLengthSize + length});
+            Store(value, length);
+            CopyShort(value + kLengthSize, from, length);
+            return Succeed(error);
+        }
     }
-    // Only now does the field belong to the message.
-    Store(field, tag);
-    Store(field + 4, count);
-    Store(field + 8, size - kFieldHeaderSize);
-    message.used += size;
-    message.tags.Add(tag);
-    Store(message.scratch, message.used);
-    Store(MessageStart(message.scratch) + 4, message.used);
-    return Succeed(error);
+    return AddAnyField(message, tag, count, data, error);
 }
 
 int CheckReadable(const Message& message, QmxError* error) {
-    switch (message.state) {
-    case Message::State::reading:
-        return 1;
-    case Message::State::writing:
-        return CheckScratch(message, error) != 0;
-    case Message::State::idle:
-        break;
-    }
-    return Fail(error, kQmxBadHandle, "no message was started");
+    return IsReadable(message) || TellNotWritable(message, error);
 }
 
 int NextField(const Message& message, std::uint32_t& position, FoundField& found, QmxError* error) {
-    const std::uint32_t left = message.used - position;
-    if (left < kFieldHeaderSize) return Fail(error, kQmxCorrupt, "%u stray bytes at offset %u", left, position);
-    const char* from = message.bytes + position;
-    found.header = {Load(from), Load(from + 4), Load(from + 8)};
-    found.values = position + kFieldHeaderSize;
-    if (found.header.size > left - kFieldHeaderSize)
-        return Fail(error, kQmxCorrupt, "field %u at offset %u claims %u bytes, %u are left", found.header.tag,
-                    position, found.header.size, left - kFieldHeaderSize);
-    position = found.values + found.header.size;
-    return 1;
+    return StepOver(message, position, found) || TellBadField(message, position, error);
 }
 
 int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* error) {
-    if (!message.tags.MayHave(tag)) return Absent(tag, error);
-    // Fields are mostly asked for in their order, so the search goes on behind the last one found.
-    const std::uint32_t resume = message.resume;
-    int result = FindBetween(message, resume, message.used, tag, found, error);
-    // Bytes overwritten for a while may have left it between two fields: then the whole message counts.
-    const std::uint32_t end = result < 0 ? resume : message.used;
-    if (result <= 0) result = FindBetween(message, kHeaderSize, end, tag, found, error);
-    if (result < 0) return Absent(tag, error);
-    return result ? Succeed(error) : 0;
+    // Fields are mostly asked for in their order, so the one behind the last one found comes first.
+    std::uint32_t position = message.resume;
+    if (!StepOver(message, position, found) || found.header.tag != tag)
+        return FindElsewhere(message, tag, found, error);
+    message.resume = position;
+    return Succeed(error);
 }
 
-int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum& datum, QmxError* error) {
+int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error) {
+    // The first value of the field behind the last one found is the ordinary wish.
+    std::uint32_t position = message.resume;
     FoundField found;
-    return FindField(message, tag, found, error) && ReadValue(message, found, index, datum, error);
+    if (index == 0 && datum && IsReadable(message) && StepOver(message, position, found)
+        && found.header.tag == tag && found.header.count != 0 && found.header.size >= kLengthSize) {
+        const char* const value = message.bytes + found.values;
+        const std::uint32_t length = Load(value);
+        if (length <= found.header.size - kLengthSize) {
+            message.resume = position;
+            datum->data = value + kLengthSize;
+            datum->length = length;
+            return Succeed(error);
+        }
+    }
+    return ReadAnyField(message, tag, index, datum, error);
 }
 
 int ReadValue(const Message& message, const FoundField& field, std::uint32_t index, QmxDatum& datum,
@@ -232,7 +295,10 @@ int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error) {
     for (std::uint32_t position = kHeaderSize; position < message.used;) {
         const std::uint32_t fieldStart = position;
         FoundField found;
-        if (!NextField(message, position, found, error) || !CheckField(message, found, error)) return 0;
+        if (!StepOver(message, position, found)) return TellBadField(message, position, error);
+        if (!HoldsItsValues(message, found))
+            return Fail(error, kQmxCorrupt, "field %u does not hold the %u values it claims", found.header.tag,
+                        found.header.count);
         if (FoundField before;
             message.tags.MayHave(found.header.tag)
             && FindBetween(message, kHeaderSize, fieldStart, found.header.tag, before, error) == 1)

@@ -17,7 +17,7 @@ struct FoundField {
 int StartMessage(Message& message, void* scratch, QmxError* error);
 int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error);
 int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* error);
-int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum& datum, QmxError* error);
+int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error);
 int ReadValue(const Message& message, const FoundField& field, std::uint32_t index, QmxDatum& datum,
               QmxError* error);
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace qmx {
 namespace {
@@ -20,27 +21,42 @@ public:
     }
 
     void Keep(void* block) {
-        while (m_busy.test_and_set(std::memory_order_acquire)) {
-        }
-        void* oldest = m_blocks[m_next];
-        m_blocks[m_next] = block;
+        Lock();
+        void* oldest = std::exchange(m_blocks[m_next], block);
         m_next = (m_next + 1) % m_blocks.size();
-        m_busy.clear(std::memory_order_release);
+        Unlock();
         std::free(oldest);
+    }
+    // The oldest, once there are so many that it would go next; else null.
+    void* TakeOldest() {
+        Lock();
+        void* oldest = std::exchange(m_blocks[m_next], nullptr);
+        Unlock();
+        return oldest;
     }
 
 private:
+    void Lock() {
+        while (m_busy.test_and_set(std::memory_order_acquire)) {
+        }
+    }
+    void Unlock() { m_busy.clear(std::memory_order_release); }
+
     std::array<void*, 64> m_blocks{};
     std::size_t m_next = 0;
     std::atomic_flag m_busy;
 };
 
-Quarantine g_quarantine;
+// Apart, so that a message gets the memory of an earlier one and not of a buffer.
+Quarantine g_closedMessages;
+Quarantine g_closedScratch;
 
 } // namespace
 
 Message* NewMessage() {
-    void* memory = std::malloc(sizeof(Message));
+    // A message is opened for each one received: the heap is spared that.
+    void* memory = g_closedMessages.TakeOldest();
+    if (!memory) memory = std::malloc(sizeof(Message));
     return memory ? new (memory) Message : nullptr;
 }
 
@@ -55,12 +71,12 @@ void* NewScratch(std::uint32_t size) {
 void Close(Message* message) {
     *message = Message{};
     message->mark = Mark::closed;
-    g_quarantine.Keep(message);
+    g_closedMessages.Keep(message);
 }
 
 void Close(ScratchPrefix* prefix) {
     prefix->mark = Mark::closed;
-    g_quarantine.Keep(prefix);
+    g_closedScratch.Keep(prefix);
 }
 
 } // namespace qmx

@@ -43,12 +43,17 @@ inline Message* AsMessage(void* handle) {
     auto* message = static_cast<Message*>(handle);
     return message && message->mark == Mark::message ? message : nullptr;
 }
+inline ScratchPrefix* PrefixBefore(void* scratch) {
+    return static_cast<ScratchPrefix*>(scratch) - 1;
+}
+inline bool IsOpen(const ScratchPrefix& prefix) {
+    return prefix.mark == Mark::scratch && prefix.capacity == ~prefix.capacityCheck;
+}
 // Null when the pointer is not an open scratch buffer.
 inline ScratchPrefix* PrefixOf(void* scratch) {
     if (!scratch || reinterpret_cast<std::uintptr_t>(scratch) % alignof(ScratchPrefix) != 0) return nullptr;
-    ScratchPrefix* prefix = static_cast<ScratchPrefix*>(scratch) - 1;
-    const bool open = prefix->mark == Mark::scratch && prefix->capacity == ~prefix->capacityCheck;
-    return open ? prefix : nullptr;
+    ScratchPrefix* prefix = PrefixBefore(scratch);
+    return IsOpen(*prefix) ? prefix : nullptr;
 }
 
 Message* NewMessage();

@@ -117,10 +117,8 @@ int qmx_get_field(void* handle, std::uint32_t tag, QmxField* field, QmxError* er
 }
 
 int qmx_get_data(void* handle, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error) {
-    Message* message = Readable(handle, error);
-    if (!message) return 0;
-    if (!datum) return Fail(error, kQmxBadArgument, "no place for the value");
-    return ReadField(*message, tag, index, *datum, error);
+    Message* message = qmx::AsMessage(handle);
+    return message ? ReadField(*message, tag, index, datum, error) : BadMessage(error);
 }
 
 int qmx_message_bytes(void* handle, QmxDatum* bytes, QmxError* error) {
