@@ -5,7 +5,7 @@
 
 namespace bench {
 
-// As long as an order's message in the tag=value form of the peers.
+// About what an order's values take with tags and lengths packed; our message of it has 478 bytes.
 inline constexpr std::size_t kFloorBytes = 219;
 
 // memcpy of kFloorBytes; an order's 22 fields built and read by the connection library and by its peers.
