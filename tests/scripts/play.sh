@@ -1,6 +1,6 @@
 #!/bin/sh
-# play.sh DIST SCRIPT OUT [ZUP]: plays a script on a fresh copy of the terminal in its own Wine desktop, where
-# windows have title bars. The log and the screenshots are left in OUT. ZUP takes the place of the plug-ins.
+# play.sh DIST SCRIPT OUT: plays a script on a fresh copy of the terminal in its own Wine desktop, where
+# windows have title bars. The log and the screenshots are left in OUT.
 # The desktop loses the exit status, so the verdict is read from the log's last line.
 set -eu
 dist=$1 script=$2 out=$3
@@ -11,11 +11,6 @@ stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 cp -r "$dist/." "$stage"
 rm -rf "$stage/data/user" "$stage/data/journal"
-if [ $# -gt 3 ]; then
-    rm -rf "$stage/Vesk Plugins"
-    mkdir "$stage/Vesk Plugins"
-    cp "$4" "$stage/Vesk Plugins"
-fi
 log=$out/$(basename "$script" .script).log
 rm -f "$log"
 
