@@ -28,8 +28,8 @@ constexpr WriteRow kWrites[] = {
     // name                     before        shared  after           allocated  reallocated
     {"never written", "", false, "ARBORTEX", 1, 0},
     {"fits in place", "ARBORTEX", false, "BYTEFIN", 0, 0},
-    {"same length", "BYTEFIN", false, "FIN", 0, 0},
-    {"one more grows", "BYTEFIN", false, "INFOCAR", 0, 1},
+    {"same length", "BYT", false, "FIN", 0, 0},
+    {"one more grows", "BYT", false, "CARS", 0, 1},
     {"cleared in place", "BYTEFIN", false, "", 0, 0},
     {"shared forks", "BYTEFIN", true, "ARBORTEX", 1, 0},
     {"shared forks to shorter", "ARBORTEX", true, "A", 1, 0},
