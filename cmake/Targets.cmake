@@ -36,3 +36,11 @@ if(PLANFOLD_FUZZ)
     enable_testing()
     add_subdirectory(${CMAKE_SOURCE_DIR}/fuzz ${CMAKE_BINARY_DIR}/fuzz)
 endif()
+
+# The header-only JSON library serves every target. A link in the build folder keeps the rest of the system's
+# headers away from the cross compiler.
+find_path(NLOHMANN_JSON_ROOT nlohmann/json.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/json)
+file(CREATE_LINK ${NLOHMANN_JSON_ROOT}/nlohmann ${CMAKE_BINARY_DIR}/json/nlohmann SYMBOLIC)
+add_library(house_json INTERFACE)
+target_include_directories(house_json SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/json)
