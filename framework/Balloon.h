@@ -15,7 +15,6 @@ public:
     // Under the middle of the control; an earlier one is replaced. `icon` is one of TTI_*.
     void Show(HWND control, const std::wstring& title, const std::wstring& text, int icon);
     void Hide();
-    bool Shown() const { return m_shown; }
 
 private:
     TTTOOLINFOW Tool() const;

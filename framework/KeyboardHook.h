@@ -8,9 +8,8 @@ namespace framework {
 
 class KeyboardHook {
 public:
-    // For the calling thread, until this object ends. Installed() is false when the system refused.
+    // For the calling thread, until this object ends.
     KeyboardHook();
-    bool Installed() const { return static_cast<bool>(m_hook); }
 
     // Dialogs that want keys. The mark lies on the window itself.
     static void Enroll(HWND dialog);

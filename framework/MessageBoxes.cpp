@@ -1,5 +1,7 @@
 #include "framework/MessageBoxes.h"
 
+#include "framework/Guard.h"
+
 #include <utility>
 
 namespace framework {
@@ -12,28 +14,21 @@ void MessageBoxes::Show(HWND owner, std::string_view text) {
     m_pending.Add(owner, text);
     if (m_open) return;
     while (const auto box = m_pending.TakeNext())
-        Open(box->owner, box->text, MB_OK);
+        Open(box->owner, box->text);
 }
 
 MessageBoxes::Hold::~Hold() {
     m_boxes.m_holding = false;
-    for (const Text& held : std::exchange(m_boxes.m_held, {}))
-        m_boxes.Show(held.owner, held.text);
+    Guard([&] {
+        for (const Text& held : std::exchange(m_boxes.m_held, {}))
+            m_boxes.Show(held.owner, held.text);
+    });
 }
 
-int MessageBoxes::Ask(HWND owner, const std::string& text, UINT style) {
-    if (m_open) return 0;
-    const int answer = Open(owner, text, style);
-    while (const auto box = m_pending.TakeNext())
-        Open(box->owner, box->text, MB_OK);
-    return answer;
-}
-
-int MessageBoxes::Open(HWND owner, const std::string& text, UINT style) {
+void MessageBoxes::Open(HWND owner, const std::string& text) {
     m_open = true;
-    const int answer = MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), style);
+    MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), MB_OK);
     m_open = false;
-    return answer;
 }
 
 } // namespace framework

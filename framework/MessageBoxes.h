@@ -19,9 +19,6 @@ public:
     // is open. `owner` may be null or already gone.
     void Show(HWND owner, std::string_view text);
 
-    // A question is asked in its own box: 0 when another box is open, else the button pressed.
-    int Ask(HWND owner, const std::string& text, UINT style);
-
     // While one lives, texts are kept; then each is shown in a box of its own. For code that a message loop
     // must not enter.
     class Hold {
@@ -41,7 +38,7 @@ private:
         std::string text;
     };
 
-    int Open(HWND owner, const std::string& text, UINT style);
+    void Open(HWND owner, const std::string& text);
 
     std::string m_caption;
     PendingTexts<HWND> m_pending;

@@ -61,7 +61,6 @@ class Edit : public Window {
 public:
     using Window::Window;
 
-    void SelectAll() const { Send(EM_SETSEL, 0, -1); }
     void DigitsOnly(bool on) const { on ? ChangeStyle(ES_NUMBER, 0) : ChangeStyle(0, ES_NUMBER); }
 };
 
