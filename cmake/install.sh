@@ -1,7 +1,8 @@
 #!/bin/sh
-# Installs what the build and the tests need and this machine lacks: Debian's packages, nothing else.
+# install.sh [LIST]: installs the packages of the list that this machine lacks; without one, what the build and the
+# tests need. Debian's packages, nothing else.
 set -eu
-list=$(dirname "$0")/packages.txt
+list=${1:-$(dirname "$0")/packages.txt}
 missing=
 while read -r package; do
     dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing="$missing $package"
