@@ -11,6 +11,8 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 mkdir -p "$(dirname "$WINEPREFIX")"
 
 make_prefix() {
+    # What an interrupted start left is never completed.
+    rm -rf "$WINEPREFIX"
     wineboot -i
     # A virtual display has no window manager: waiting for one costs two seconds a window. Wine then draws
     # the frames itself.
