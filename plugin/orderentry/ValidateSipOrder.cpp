@@ -93,7 +93,7 @@ Verdict QuantityToWire(std::string& value) {
     if (value == "." || value == "0") return Refusal{"Enter valid Quantity"};
     const std::int64_t shares = LeadingInteger(value);
     if (shares == 0) return Refusal{"Quantity cannot be zero", true};
-    if (LeadingReal(value) > INT_MAX)
+    if (shares > INT_MAX || LeadingReal(value) > INT_MAX)
         return Refusal{Format(" should not be more than integer max value(%d)", INT_MAX)};
     value = Format("%d", static_cast<int>(std::max<std::int64_t>(shares, INT_MIN)));
     return std::nullopt;
