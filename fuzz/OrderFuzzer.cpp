@@ -49,6 +49,7 @@ void CheckPassed(const Session& session, const SipOrderForm& form, const sSipOrd
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static test::HostDouble host;
     static Session session(host.Lookup(), host.IdentityStrings(), host.strings);
+    static const HostCallbacks resolved = ResolveHostCallbacks(session.lookup);
     fuzz::Input input(data, size);
     SipOrderForm form;
     for (std::string SipOrderForm::*member :
@@ -61,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string ways = input.Line();
     form.modifyMode = ways.find('m') != ways.npos;
     session.m_nSipOperationMode = ways.find('s') != ways.npos;
-    session.host = ResolveHostCallbacks(session.lookup);
+    session.host = resolved;
     if (ways.find('k') != ways.npos) session.host.pu_get_trading_symbol_n_token = nullptr;
     for (const FrequencyRow& row : kFrequencies)
         session.*row.minimum = LeadingReal(input.Line());

@@ -27,6 +27,7 @@ int IsValid(InString account) {
 }
 
 struct Box final : ClientSearchView {
+    bool HasBox() const override { return true; }
     std::string SearchText() const override { return text; }
     void SetSearchText(std::string_view value) override { text = value; }
     void SelectSearchText() override {}
@@ -97,7 +98,6 @@ void Step(ClientSearch& search, Box& box, char step, const std::string& typed) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static test::HostDouble host;
     static Session session(host.Lookup(), host.IdentityStrings(), host.strings);
-    session.host = ResolveHostCallbacks(session.lookup);
     session.host.pu_get_entered_text_results = GiveMatches;
     session.host.pu_is_valid_account = IsValid;
     fuzz::Input input(data, size);

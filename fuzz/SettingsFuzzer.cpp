@@ -15,6 +15,7 @@ namespace {
 
 // A box that nobody looks at: only the mode counts.
 struct NoBox final : ClientSearchView {
+    bool HasBox() const override { return true; }
     std::string SearchText() const override { return {}; }
     void SetSearchText(std::string_view) override {}
     void SelectSearchText() override {}
