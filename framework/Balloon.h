@@ -15,6 +15,11 @@ public:
     // Under the middle of the control; an earlier one is replaced. `icon` is one of TTI_*.
     void Show(HWND control, const std::wstring& title, const std::wstring& text, int icon);
     void Hide();
+    // The control is gone, and the balloon with it.
+    void Forget() {
+        m_tip = m_control = nullptr;
+        m_shown = false;
+    }
 
 private:
     TTTOOLINFOW Tool() const;

@@ -50,6 +50,7 @@ LRESULT CALLBACK CustomWindow::Procedure(HWND window, UINT message, WPARAM wPara
         }
         auto* self = reinterpret_cast<CustomWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
         if (!self) return DefWindowProcA(window, message, wParam, lParam);
+        const auto held = self->Hold();
         if (message == WM_NCDESTROY) {
             SetWindowLongPtrA(window, GWLP_USERDATA, 0);
             self->m_handle = nullptr;

@@ -27,7 +27,6 @@ void Dialog::SetFontSize(int points) {
 
 void Dialog::LayOut(UINT dpi) {
     const int own = TemplateFontSize();
-    m_dpi = dpi;
     m_layout->Apply(m_handle, m_points ? m_points : own, dpi);
     OnLaidOut();
 }
@@ -55,11 +54,11 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPA
         auto* self = reinterpret_cast<Dialog*>(GetWindowLongPtrA(window, DWLP_USER));
         if (!self) return 0;
         const auto held = self->Hold();
-        return self->Handle(window, message, wParam, lParam);
+        return self->HandleMessage(window, message, wParam, lParam);
     });
 }
 
-INT_PTR Dialog::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_INITDIALOG:
         m_handle = window;

@@ -6,7 +6,6 @@
 #include "framework/MessageTarget.h"
 #include "framework/Window.h"
 
-#include <memory>
 #include <optional>
 
 namespace framework {
@@ -36,9 +35,6 @@ public:
     int TemplateFontSize();
 
 protected:
-    // Held while a message is handled: a message box or the host's question runs a message loop, in which
-    // the host may end what this dialog belongs to.
-    virtual std::shared_ptr<void> Hold() { return nullptr; }
     // The window and its controls exist; the focus goes to the first control afterwards.
     virtual void OnInit() {}
     // WM_CLOSE and Escape.
@@ -57,14 +53,13 @@ protected:
 
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    INT_PTR Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void LayOut(UINT dpi);
 
     HINSTANCE m_module;
     int m_resource;
     HWND m_handle = nullptr;
     int m_points = 0;
-    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
     std::optional<DialogLayout> m_layout;
     Icon m_captionIcon;
 };

@@ -23,7 +23,7 @@ RECT WorkArea(HWND window) {
 // A combo makes its own height, of its text alone; beside edits of the template's height it would look low.
 void MatchEditHeight(HWND control, SIZE base) {
     constexpr LONG editUnits = 13;
-    char className[16];
+    char className[16] = "";
     GetClassNameA(control, className, sizeof className);
     if (lstrcmpiA(className, WC_COMBOBOXA) != 0) return;
     constexpr auto field = static_cast<WPARAM>(-1);
@@ -58,6 +58,13 @@ SIZE BaseUnits(HFONT font) {
     return {std::max<LONG>((extent.cx / 26 + 1) / 2, 1), std::max<LONG>(metrics.tmHeight, 1)};
 }
 
+SIZE DialogLayout::FrameSize(HWND dialog, SIZE base, UINT dpi) const {
+    RECT frame = ToPixels({0, 0, m_template.units.cx, m_template.units.cy}, base);
+    AdjustWindowRectExForDpi(&frame, static_cast<DWORD>(GetWindowLongA(dialog, GWL_STYLE)), FALSE,
+                             static_cast<DWORD>(GetWindowLongA(dialog, GWL_EXSTYLE)), dpi);
+    return {frame.right - frame.left, frame.bottom - frame.top};
+}
+
 void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     Font font = MakeFont(m_template.face, points, dpi);
     const SIZE base = BaseUnits(font.Get());
@@ -70,17 +77,12 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
         MatchEditHeight(control.Handle(), base);
     }
     m_font = std::move(font);
-    ResizeFrame(dialog, base, dpi);
+    ResizeFrame(dialog, FrameSize(dialog, base, dpi));
     Window(dialog).Send(WM_SETREDRAW, TRUE);
     RedrawWindow(dialog, nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void DialogLayout::ResizeFrame(HWND dialog, SIZE base, UINT dpi) const {
-    if (GetWindowLongA(dialog, GWL_STYLE) & WS_CHILD) return;
-    RECT frame = ToPixels({0, 0, m_template.units.cx, m_template.units.cy}, base);
-    AdjustWindowRectExForDpi(&frame, static_cast<DWORD>(GetWindowLongA(dialog, GWL_STYLE)), FALSE,
-                             static_cast<DWORD>(GetWindowLongA(dialog, GWL_EXSTYLE)), dpi);
-    const SIZE size{frame.right - frame.left, frame.bottom - frame.top};
+void DialogLayout::ResizeFrame(HWND dialog, SIZE size) {
     RECT place{};
     GetWindowRect(dialog, &place);
     const RECT work = WorkArea(dialog);

@@ -20,12 +20,13 @@ public:
 
     int TemplatePointSize() const { return m_template.pointSize; }
 
-    // Sets the font and every position. The top left corner of a top-level dialog stays; it is moved
-    // back only when the new size would leave the monitor.
+    // Sets the font and every position. The top left corner stays; it is moved back only when the new size
+    // would leave the monitor.
     void Apply(HWND dialog, int points, UINT dpi);
 
 private:
-    void ResizeFrame(HWND dialog, SIZE base, UINT dpi) const;
+    SIZE FrameSize(HWND dialog, SIZE base, UINT dpi) const;
+    static void ResizeFrame(HWND dialog, SIZE size);
 
     DialogTemplate m_template;
     Font m_font; // in use by the controls until the next one is

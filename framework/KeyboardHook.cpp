@@ -15,13 +15,27 @@ HWND EnrolledDialog(HWND window) {
     return nullptr;
 }
 
+// Keys of an open menu, or of moving and sizing by keyboard, are for that.
+bool InSystemLoop() {
+    constexpr DWORD loops = GUI_INMENUMODE | GUI_POPUPMENUMODE | GUI_SYSTEMMENUMODE | GUI_INMOVESIZE;
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & loops) != 0;
+}
+
+// In the character set that the host's loop took the message in.
+bool Dispatched(HWND dialog, MSG& message) {
+    return IsWindowUnicode(message.hwnd) ? IsDialogMessageW(dialog, &message)
+                                         : IsDialogMessageA(dialog, &message);
+}
+
 LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
     Guard([&] {
         auto& message = *reinterpret_cast<MSG*>(lParam);
         if (code < 0 || removed != PM_REMOVE) return;
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
         const HWND dialog = EnrolledDialog(message.hwnd);
-        if (!dialog || !IsDialogMessageA(dialog, &message)) return;
+        if (!dialog || InSystemLoop() || !Dispatched(dialog, message)) return;
         // Already dispatched: what the host's loop gets must do nothing.
         message.message = WM_NULL;
         message.wParam = 0;

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <optional>
 
 namespace framework {
@@ -21,6 +22,10 @@ inline Command DecodeCommand(WPARAM wParam, LPARAM lParam) {
 class MessageTarget {
 protected:
     virtual ~MessageTarget() = default;
+
+    // Kept while a message is handled: a message box or the host's question runs a message loop, in which the
+    // host may end what this window belongs to.
+    virtual std::shared_ptr<void> Hold() { return nullptr; }
 
     virtual bool OnCommand(const Command&) { return false; }
     // A value when handled: what the sender of the notification gets.

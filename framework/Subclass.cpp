@@ -21,10 +21,13 @@ LRESULT CALLBACK Subclass::Procedure(HWND control, UINT message, WPARAM wParam, 
                                      DWORD_PTR context) noexcept {
     return Guard(LRESULT{0}, [&]() -> LRESULT {
         auto* self = reinterpret_cast<Subclass*>(context);
-        if (message == WM_NCDESTROY)
+        const auto held = self->Hold();
+        if (message == WM_NCDESTROY) {
             self->Detach();
-        else if (const auto answer = self->Dispatch(message, wParam, lParam))
+            self->OnGone();
+        } else if (const auto answer = self->Dispatch(message, wParam, lParam)) {
             return *answer;
+        }
         return DefSubclassProc(control, message, wParam, lParam);
     });
 }

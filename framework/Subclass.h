@@ -19,6 +19,8 @@ public:
     HWND Handle() const { return m_control; }
 
 protected:
+    // The control is gone; the object stays.
+    virtual void OnGone() {}
     // What the control itself does with the message.
     LRESULT Default(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return m_control ? DefSubclassProc(m_control, message, wParam, lParam) : 0;

@@ -15,11 +15,13 @@ void Window::SetText(const std::string& text) const {
 }
 
 void Window::Move(const RECT& rect) const {
+    if (!m_handle) return;
     SetWindowPos(m_handle, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Window::ChangeStyle(LONG_PTR set, LONG_PTR clear) const {
+    if (!m_handle) return;
     const LONG_PTR style = GetWindowLongPtrA(m_handle, GWL_STYLE);
     SetWindowLongPtrA(m_handle, GWL_STYLE, (style & ~clear) | set);
 }

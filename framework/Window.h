@@ -24,9 +24,15 @@ public:
 
     std::string Text() const;
     void SetText(const std::string& text) const;
-    void Enable(bool enabled) const { EnableWindow(m_handle, enabled); }
-    void Show(bool shown) const { ShowWindow(m_handle, shown ? SW_SHOW : SW_HIDE); }
-    void Focus() const { SetFocus(m_handle); }
+    void Enable(bool enabled) const {
+        if (m_handle) EnableWindow(m_handle, enabled);
+    }
+    void Show(bool shown) const {
+        if (m_handle) ShowWindow(m_handle, shown ? SW_SHOW : SW_HIDE);
+    }
+    void Focus() const {
+        if (m_handle) SetFocus(m_handle);
+    }
     void Move(const RECT& rect) const;
     void SetFont(HFONT font) const { Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE); }
     // Sets and clears style bits.

@@ -136,21 +136,27 @@ private:
 };
 static_assert(sizeof(CString) == 8);
 
-// A string to be passed by value to another module: the callee destroys it, so this side does not.
+// A string to be passed by value to another module: the callee destroys it. Not handed over, it ends here.
 class PassedString {
 public:
     PassedString(std::string_view text, StringManager& manager) : m_string(text, manager) {}
     PassedString(const PassedString&) = delete;
     PassedString& operator=(const PassedString&) = delete;
-    ~PassedString() {}
+    ~PassedString() {
+        if (!m_handed) m_string.~CString();
+    }
 
     // Call once, as the argument itself.
-    CString* Hand() { return &m_string; }
+    CString* Hand() {
+        m_handed = true;
+        return &m_string;
+    }
 
 private:
     union {
         CString m_string;
     };
+    bool m_handed = false;
 };
 
 // A string received by value: destroyed when this scope ends. A null argument reads as empty.

@@ -81,6 +81,7 @@ void ClientSearch::SetMode(SearchMode mode) {
 }
 
 void ClientSearch::OnTyped() {
+    m_view.SetTip({});
     m_pending = !m_view.SearchText().empty();
     if (m_pending) {
         m_view.StartDelay();
@@ -122,6 +123,8 @@ void ClientSearch::OnKey(Key key) {
 }
 
 void ClientSearch::OnFocusLost() {
+    m_view.StopDelay();
+    m_pending = false;
     Hide();
 }
 
@@ -136,7 +139,8 @@ void ClientSearch::Search() {
     m_pending = false;
     const std::string upper = UpperCase(m_view.SearchText());
     std::string asked = upper;
-    if (IsValidAccount(upper)) asked += '(';
+    const bool isAccount = IsValidAccount(upper);
+    if (isAccount) asked += '(';
     m_view.SetTip({});
     m_results.Clear();
     if (m_session.host.pu_get_entered_text_results) {
@@ -146,8 +150,10 @@ void ClientSearch::Search() {
             m_session.host.pu_get_entered_text_results(static_cast<int>(m_mode), &count, &text, 1);
         m_results.Assign(found, count);
     }
+    // The host may have run a message loop, and the window closed in it.
+    if (!m_view.HasBox()) return;
     if (m_results.Count() > 0) {
-        ShowList(upper);
+        ShowList(upper, isAccount);
         if (!IsBlank(asked)) return;
     } else {
         Hide();
@@ -155,9 +161,9 @@ void ClientSearch::Search() {
     m_view.SetSearchText({});
 }
 
-void ClientSearch::ShowList(const std::string& upperText) {
+void ClientSearch::ShowList(const std::string& upperText, bool isAccount) {
     m_selected = -1;
-    if (m_results.Count() < kMostMatchedRows && IsValidAccount(upperText)) {
+    if (m_results.Count() < kMostMatchedRows && isAccount) {
         for (int row = 0; row < m_results.Count() && m_selected < 0; ++row)
             if (UpperCase(m_results.Row(row).clientId) == upperText) m_selected = row;
         if (m_selected < 0) {

@@ -34,6 +34,8 @@ private:
 
 class ClientSearchView {
 public:
+    // False once the window is gone.
+    virtual bool HasBox() const = 0;
     virtual std::string SearchText() const = 0;
     // The box's own change: it starts no search.
     virtual void SetSearchText(std::string_view text) = 0;
@@ -80,7 +82,7 @@ public:
 
 private:
     bool IsValidAccount(const std::string& text) const;
-    void ShowList(const std::string& upperText);
+    void ShowList(const std::string& upperText, bool isAccount);
     void Hide();
     void MoveSelection(int by);
 

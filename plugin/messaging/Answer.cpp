@@ -4,8 +4,6 @@
 #include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 
-#include <algorithm>
-
 namespace planfold {
 
 namespace {

@@ -1,7 +1,6 @@
 // The fixed tables between the words a user reads and the codes that travel to the server.
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>

@@ -1,6 +1,7 @@
 // Local dates and times as the windows and requests use them.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@ struct LocalDateTime {
     int minute = 0;
     int second = 0;
 
+    auto operator<=>(const LocalDateTime&) const = default;
     LocalDateTime Midnight() const { return {year, month, day, 0, 0, 0}; }
 };
 
@@ -26,8 +28,8 @@ LocalDateTime ToLocal(std::int64_t seconds);
 
 bool IsLeapYear(int year);
 
-// Days from `date` to the same date `years` later, counted year by year as the server's back office does it:
-// from January of a leap year the count stays one day short.
+// Days from `date` to the same date `years` later, counted year by year: from
+// January of a leap year the count stays one day short.
 int CountDaysInYears(const LocalDateTime& date, int years);
 
 // "05/Mar/2027".

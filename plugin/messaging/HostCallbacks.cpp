@@ -20,8 +20,8 @@ constexpr std::array tableOrder{
 #undef PLANFOLD_SLOT
 };
 
-// Hosts that track look-ups see the three of the request controls and the search delay after the tabbed
-// log and the peer data; the rest goes by the table.
+// The request controls and the search delay are looked up after the tabbed log and the peer data; the rest
+// goes by the table.
 constexpr auto resolveOrder = [] {
     auto order = tableOrder;
     const auto at = [&](sdk::HostExport name) { return order.begin() + static_cast<std::ptrdiff_t>(name); };

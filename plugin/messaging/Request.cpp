@@ -8,7 +8,7 @@ bool AddField(Session& session, std::uint32_t tag, std::string_view value) {
     return qmx_add_data(session.m_primeCb, tag, 1, &datum, &error) != 0;
 }
 
-bool SendMessage(Session& session, RxControl* control) {
+bool SendBuilt(Session& session, RxControl* control) {
     std::uint64_t requestNumber = 0;
     QmxError error{};
     return control && control->SendRequest(&requestNumber, session.m_primeCb, 0, &error) != 0;

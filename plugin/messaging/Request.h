@@ -37,7 +37,7 @@ struct Request {
 bool AddField(Session& session, std::uint32_t tag, std::string_view value);
 
 // False when the control is missing or refuses.
-bool SendMessage(Session& session, RxControl* control);
+bool SendBuilt(Session& session, RxControl* control);
 
 // Builds and sends. The first failure is shown, nothing is sent and false is returned.
 template <class Source>
@@ -55,6 +55,7 @@ bool SendRequest(Session& session, RxControl* control, Notices& notices, const R
     std::size_t added = 0;
     for (std::size_t asked = 0; asked < request.fields.size(); ++asked) {
         values.at(asked) = request.fields[asked].value(source);
+        if (session.Ended()) return false;
         // Asking the host may have let another request use the buffer: then all is added again.
         if (session.Generation() != generation) {
             if (!session.StartMessage()) return fail(request.startFailure);
@@ -68,7 +69,7 @@ bool SendRequest(Session& session, RxControl* control, Notices& notices, const R
             return fail(field.failure);
         }
     }
-    return SendMessage(session, control) || fail(request.sendFailure);
+    return SendBuilt(session, control) || fail(request.sendFailure);
 }
 
 } // namespace planfold

@@ -1,5 +1,7 @@
 #include "plugin/messaging/RxLink.h"
 
+#include <utility>
+
 namespace planfold {
 
 namespace {
@@ -22,7 +24,11 @@ RxLink::RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase
 }
 
 RxLink::~RxLink() {
-    if (m_control) m_destroy(m_control);
+    Release();
+}
+
+void RxLink::Release() {
+    if (RxControl* control = std::exchange(m_control, nullptr)) m_destroy(control);
 }
 
 } // namespace planfold

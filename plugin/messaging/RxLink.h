@@ -14,6 +14,8 @@ public:
     RxLink& operator=(const RxLink&) = delete;
     ~RxLink();
 
+    // Gives the control back.
+    void Release();
     // Null when the host gave none.
     RxControl* Control() const { return m_control; }
 

@@ -55,6 +55,10 @@ public:
     // run a message loop, in which another request is built or the handles are opened anew.
     std::uint64_t Generation() const { return m_generation; }
 
+    // The plug-in was told to exit while a call was under way: nothing more is sent or answered.
+    void End() { m_ended = true; }
+    bool Ended() const { return m_ended; }
+
     LoginIdentity GetLoginIdentity() const;
     // Asks the host; true when a client is active.
     bool GetActiveClient(std::string& client);
@@ -85,6 +89,7 @@ public:
 
 private:
     std::uint64_t m_generation = 0;
+    bool m_ended = false;
 };
 
 // The minimum that belongs to a frequency word.

@@ -2,6 +2,7 @@
 
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Rights.h"
 #include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderentry/OperationMode.h"
@@ -14,7 +15,6 @@ namespace planfold {
 
 namespace {
 
-constexpr std::string_view kCustomProductsRight = "QV: Planfold: Custom";
 constexpr std::string_view kDefaultProduct = "CNC";
 constexpr std::string_view kDefaultSeries = "EQ";
 
@@ -26,6 +26,12 @@ constexpr FirstEntry kFirstEntries[] = {
     {IDC_EXCHANGE, "NSE"},      {IDC_EXCHANGE, "BSE"},          {IDC_ACTION, "SIP"},
     {IDC_ACTION, "SWP"},        {IDC_INVEST_BY, "Amount"},      {IDC_INVEST_BY, "Quantity"},
     {IDC_ORDER_TYPE, "MARKET"}, {IDC_PRODUCT, kDefaultProduct},
+};
+
+// Shown when the sending is over, so that a box does not hold up the next press.
+struct KeptNotice final : Notices {
+    void ShowMessage(std::string_view shown) override { text = shown; }
+    std::string text;
 };
 
 std::vector<std::string> SplitAtCommas(std::string_view list) {
@@ -47,6 +53,7 @@ const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
+    ++m_openings;
     PrepareClient();
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
     for (const auto& [combo, text] : kFirstEntries)
@@ -86,7 +93,7 @@ void OrderEntry::PrepareClient() {
 void OrderEntry::FillProducts(std::string_view customProducts) {
     const auto load = Find<sdk::fn::pu_load_product_type_combo>(m_session.lookup, "pu_load_product_type_combo");
     if (load) load(m_view.Handle(), IDC_HOST_PRODUCTS);
-    if (!m_session.HasRight(kCustomProductsRight)) return;
+    if (!m_session.HasRight(kCustomRight)) return;
     const std::vector<std::string> known = m_view.Items(IDC_HOST_PRODUCTS);
     for (const std::string& product : SplitAtCommas(customProducts))
         if (product != kDefaultProduct && std::ranges::find(known, product) != known.end())
@@ -140,6 +147,17 @@ SipOrderForm OrderEntry::ReadForm() const {
 
 void OrderEntry::Submit(const LocalDateTime& now) {
     if (m_submitting) return;
+    const int opening = m_openings;
+    const Outcome outcome = CheckAndSend(now);
+    if (outcome.sendingTried && opening == m_openings) {
+        m_view.SetText(IDC_VALUE, "");
+        m_view.SetText(IDC_PERIOD, "");
+    }
+    if (outcome.focusValue) m_view.Focus(IDC_VALUE);
+    if (!outcome.text.empty()) m_view.ShowMessage(outcome.text);
+}
+
+OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
     m_submitting = true;
     struct Done {
         bool& flag;
@@ -148,14 +166,11 @@ void OrderEntry::Submit(const LocalDateTime& now) {
 
     const SipOrderForm form = ReadForm();
     sSipOrderData record;
-    if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record)) {
-        if (refusal->focusValue) m_view.Focus(IDC_VALUE);
-        m_view.ShowMessage(refusal->text);
-        return;
-    }
-    SendAddSipOrders(m_session, m_control, m_view, record, form.exchange);
-    m_view.SetText(IDC_VALUE, "");
-    m_view.SetText(IDC_PERIOD, "");
+    if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record))
+        return {refusal->text, refusal->focusValue};
+    KeptNotice notice;
+    SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
+    return {notice.text, false, true};
 }
 
 Plan OrderEntry::CurrentPlan() const {
@@ -175,6 +190,7 @@ void OrderEntry::ShowPlan() {
 }
 
 void OrderEntry::OnResponse(void* message) {
+    if (m_session.Ended()) return;
     Dispatch<OrderEntry>(*this, m_session, kAnswers, Answer(message));
 }
 

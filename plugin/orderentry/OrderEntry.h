@@ -42,8 +42,15 @@ public:
     void ShowPlan();
 
 private:
+    // What a press of Submit led to; the text is for the user.
+    struct Outcome {
+        std::string text{};
+        bool focusValue = false;
+        bool sendingTried = false;
+    };
     enum class ScripLevel : int { exchange = 0, series = 1 };
 
+    Outcome CheckAndSend(const LocalDateTime& now);
     SipOrderForm ReadForm() const;
     bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }
     void PrepareClient();
@@ -59,6 +66,7 @@ private:
     DialogView& m_view;
     RxControl* m_control;
     bool m_submitting = false;
+    int m_openings = 0;            // of the window
     int m_openModeRequests = 0;    // sent and not yet answered
     int m_earlierModeRequests = 0; // of those, sent by windows before this one
     bool m_frequenciesListed = false;

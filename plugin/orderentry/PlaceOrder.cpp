@@ -16,8 +16,12 @@ struct AddSipOrder {
     Session& session;
     const sSipOrderData& order;
     std::string_view exchangeShown;
-    std::string orderId;
-    std::string operationMode;
+    // Copies: a menu pick under the host's question sets the session's anew.
+    std::string loginId = session.identity.loginId;
+    std::string peerIdA = session.identity.peerIdA;
+    std::string peerIdB = session.identity.peerIdB;
+    std::string orderId{};
+    std::string operationMode{};
 };
 
 enum class Outcome { sent, failed };
@@ -33,7 +37,7 @@ void LogOutcome(const AddSipOrder& add, Outcome outcome) {
         std::string(add.exchangeShown).c_str(), order.sideLabel.c_str(),
         outcome == Outcome::sent ? ": Status" : "Failed Status", order.product.c_str(),
         order.tradingSymbol.c_str(), value.c_str(), order.validity.c_str(), order.frequency.c_str(),
-        order.totalPeriod.c_str(), order.client.c_str(), add.session.identity.loginId.c_str()));
+        order.totalPeriod.c_str(), order.client.c_str(), add.loginId.c_str()));
 }
 
 template <std::string sSipOrderData::*member>
@@ -93,15 +97,12 @@ constexpr RequestField<AddSipOrder> kFields[] = {
     {tag::frequency, Of<&Order::frequency>, "Failed to add the Frequency"},
     {tag::startDate, Of<&Order::startDate>, "Failed to add the Start Date"},
     {tag::totalPeriod, Of<&Order::totalPeriod>, "Failed to add the Total Period"},
-    {tag::loginId, [](AddSipOrder& add) -> Value { return add.session.identity.loginId; },
-     "Failed to add User"},
+    {tag::loginId, [](AddSipOrder& add) -> Value { return add.loginId; }, "Failed to add User"},
     {tag::customerFirm, Of<&Order::customerFirm>, "Failed to add customer Firm Id"},
     {tag::account, Of<&Order::client>, "Failed to add Account ID"},
     {tag::validity, Of<&Order::validity>, "Failed to specify the day"},
-    {tag::peerIdA, [](AddSipOrder& add) -> Value { return add.session.identity.peerIdA; },
-     "Failed to add Broker Name"},
-    {tag::peerIdB, [](AddSipOrder& add) -> Value { return add.session.identity.peerIdB; },
-     "Failed to add Branch Name"},
+    {tag::peerIdA, [](AddSipOrder& add) -> Value { return add.peerIdA; }, "Failed to add Broker Name"},
+    {tag::peerIdB, [](AddSipOrder& add) -> Value { return add.peerIdB; }, "Failed to add Branch Name"},
     {tag::orderId, OrderId, "Failed to add Order ID"},
     {tag::cautionaryFlag, CautionaryFlag, "Failed to add Cautionary Flag"},
     {tag::operationMode, OperationMode, "Failed to add Mode"},
@@ -114,7 +115,7 @@ constexpr Request<AddSipOrder> kRequest{kFields, "Sending Request add_sip_orders
 
 bool SendAddSipOrders(Session& session, RxControl* control, Notices& notices, const sSipOrderData& order,
                       std::string_view exchangeShown) {
-    AddSipOrder add{session, order, exchangeShown, {}, {}};
+    AddSipOrder add{session, order, exchangeShown};
     if (!SendRequest(session, control, notices, kRequest, add)) return false;
     LogOutcome(add, Outcome::sent);
     return true;

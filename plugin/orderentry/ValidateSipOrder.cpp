@@ -65,10 +65,11 @@ void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrder
 Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
     if (form.modifyMode) return std::nullopt;
     const LocalDateTime today = now.Midnight();
-    if (ToSeconds(form.startDate.Midnight()) < ToSeconds(today))
-        return Refusal{"Start Date Cannot be less that today's Date"};
+    if (form.startDate.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
     const std::int64_t latest = ToSeconds(today) + CountDaysInYears(today, kMostYearsAhead) * kSecondsPerDay;
-    if (ToSeconds(form.startDate) > latest)
+    const std::int64_t start = ToSeconds(form.startDate);
+    const bool beyondTheClock = start < 0;
+    if (beyondTheClock || start > latest)
         return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
     return std::nullopt;
 }

@@ -1,6 +1,6 @@
 #include "plugin/shell/HostCheck.h"
 
-#include "plugin/shell/PluginInfo.h"
+#include "plugin/messaging/Rights.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& 
     const VeskApp* app = getApp();
 
     const auto getPeerData = Find<sdk::fn::pu_get_peer_data>(lookup, "pu_get_peer_data");
-    if (!getPeerData) return {kNotCompatible};
+    if (!getPeerData) return {kNotCompatible, app};
     CString peerIdA(identity.peerIdA, strings);
     CString peerIdB(identity.peerIdB, strings);
     CString other(strings);
@@ -27,9 +27,9 @@ HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& 
     identity.peerIdB = peerIdB.View();
 
     const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
-    if (!enabled) return {kNotCompatible};
+    if (!enabled) return {kNotCompatible, app};
     const CString right(kPluginRight, strings);
-    if (!enabled(&right)) return {"You are not enabled on Planfold."};
+    if (!enabled(&right)) return {"You are not enabled on Planfold.", app};
     return {nullptr, app};
 }
 

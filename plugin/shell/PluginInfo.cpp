@@ -1,5 +1,7 @@
 #include "plugin/shell/PluginInfo.h"
 
+#include "plugin/messaging/Rights.h"
+
 namespace planfold {
 
 namespace {
@@ -39,7 +41,7 @@ void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, C
 
 void FillRights(CString* root, CStringArray* names, StringManager& ownStrings) {
     StringManager& strings = ManagerFor(root, ownStrings);
-    if (root) *root = "QV";
+    if (root) *root = kRightsRoot;
     if (!names) return;
     for (const std::string_view right : {kPluginRight, kCustomRight, kRestrictedDatesRight})
         names->Append(right, strings);

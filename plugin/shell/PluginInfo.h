@@ -14,11 +14,6 @@ inline constexpr std::string_view kBasketMenu = "SIP Basket Entry";
 inline constexpr std::string_view kBookMenu = "SIP Registration Book";
 inline constexpr std::string_view kRestrictedDatesMenu = "SIP Set Restricted Date";
 
-// The right to use the plug-in at all, and the two that unlock more of it.
-inline constexpr std::string_view kPluginRight = "QV: Planfold";
-inline constexpr std::string_view kCustomRight = "QV: Planfold: Custom";
-inline constexpr std::string_view kRestrictedDatesRight = "QV: Planfold: SIP Set Restricted Date";
-
 // Pointers that the host leaves null are passed over. The restricted dates entry is offered only when the
 // host can be asked for the right and grants it.
 void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,

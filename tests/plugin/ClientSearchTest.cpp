@@ -30,6 +30,7 @@ protected:
                + (picked.empty() ? "" : ", picked " + picked + ", tip " + tip);
     }
 
+    bool HasBox() const override { return hasBox; }
     std::string SearchText() const override { return text; }
     void SetSearchText(std::string_view value) override { text = value; }
     void SelectSearchText() override { textSelected = true; }
@@ -49,7 +50,7 @@ protected:
     ClientSearch search{session, *this};
     std::string text, tip, picked;
     int rows = -1, selected = -1;
-    bool delayed = false, textSelected = false;
+    bool hasBox = true, delayed = false, textSelected = false;
 };
 
 TEST_F(ClientSearchTest, AsksTheHostAndShowsWhatItFinds) {

@@ -1,6 +1,7 @@
 #include "tests/support/FakeHost.h"
 
 #include <cctype>
+#include <utility>
 #include <windows.h>
 
 #include <algorithm>
@@ -125,6 +126,7 @@ const ClientResult* FakeHost::Search(int mode, std::string_view text, int& count
             c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         return text.ends_with('(') ? value == text.substr(0, text.size() - 1) : value.find(text) != value.npos;
     };
+    if (const auto during = std::exchange(duringSearch, nullptr)) during();
     m_results.clear();
     m_resultTexts.clear();
     for (const auto& client : clients) {

@@ -96,6 +96,7 @@ public:
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
     std::function<void()> duringCaution; // runs once, while the host asks
+    std::function<void()> duringSearch;  // runs once, while the host searches clients
     int sendResult = 1, subscribeResult = 1;
     std::int32_t subscribeError = 0;
 

@@ -1,6 +1,7 @@
 // Exports that answer from the scrip master.
 #include "host/terminal/window/HostExports.h"
 
+#include <algorithm>
 #include <array>
 
 namespace vesk {
@@ -34,7 +35,9 @@ int pu_fill_scrip_combos(HostWindow dialog, int exchangeId, int seriesId, int sy
         std::string chosen = series.Text();
         if (flag == 0) {
             Fill(series, known);
-            chosen = known.empty() ? std::string_view() : known.front();
+            // What a dialog selects by itself, so that the symbols belong to it.
+            const bool hasEquities = std::ranges::find(known, "EQ") != known.end();
+            chosen = hasEquities ? "EQ" : known.empty() ? std::string_view() : known.front();
         }
         Fill(Item<framework::ComboBox>(dialog, symbolId), master.SymbolsOf(exchange, chosen));
         return 1;

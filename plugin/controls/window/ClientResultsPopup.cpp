@@ -50,6 +50,12 @@ void CResultsList::AddColumns() const {
         AddColumn(column);
 }
 
+void CResultsList::SetSizes() const {
+    SetLook(kRowHeight);
+    for (int i = 0; i < static_cast<int>(std::size(kColumns)); ++i)
+        SetColumnWidth(i, kColumns[i].width);
+}
+
 void CPopup::Make(HWND box) {
     const auto module = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(box, GWLP_HINSTANCE));
     Create({.module = module,
@@ -63,12 +69,12 @@ void CPopup::Make(HWND box) {
                                               | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
                                           0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS),
                                           module, nullptr));
-    m_list.SetLook(kRowHeight);
     m_list.AddColumns();
 }
 
 void CPopup::ShowUnder(HWND box, int count, int selected) {
     if (!Handle()) Make(box);
+    m_list.SetSizes();
     m_list.SetFont(reinterpret_cast<HFONT>(framework::Window(box).Send(WM_GETFONT)));
     m_list.SetCount(count);
     m_list.SelectRow(selected);

@@ -12,11 +12,14 @@ public:
     using ReportList::ReportList;
 
     void AddColumns() const;
+    // For the DPI that the list is shown at.
+    void SetSizes() const;
 };
 
 class CPopup final : public framework::CustomWindow {
 public:
-    CPopup(ClientSearch& search, HWND& box) : m_search(search), m_box(box) {}
+    CPopup(const Session& session, ClientSearch& search, HWND& box)
+        : m_session(session), m_search(search), m_box(box) {}
     ~CPopup() override { Destroy(); }
 
     void ShowUnder(HWND box, int count, int selected);
@@ -26,12 +29,14 @@ public:
     bool Holds(HWND window) const { return window && (window == Handle() || window == m_list.Handle()); }
 
 private:
+    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
     void OnDestroyed() override { m_list = CResultsList(); }
     void Make(HWND box);
     void FillCell(LVITEMA& item) const;
 
+    const Session& m_session;
     ClientSearch& m_search;
     HWND& m_box; // the box that the pop-up hangs under
     CResultsList m_list;

@@ -14,7 +14,8 @@ constexpr UINT kClientPickedMessage = 1224;
 
 class CClientSearchBox final : public framework::Subclass, private ClientSearchView {
 public:
-    explicit CClientSearchBox(Session& session) : m_search(session, *this), m_popup(m_search, m_box) {}
+    explicit CClientSearchBox(Session& session)
+        : m_session(session), m_search(session, *this), m_popup(session, m_search, m_box) {}
 
     // `name` is the settings key; `delayMs` from the user's last change to the search.
     void SetUp(HWND edit, const std::string& name, UINT delayMs);
@@ -26,10 +27,13 @@ public:
     void OpenModeMenu(HWND button);
 
 private:
+    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
+    void OnGone() override { m_box = m_tip = nullptr; }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
     bool WantsKey(WPARAM virtualKey) const;
 
+    bool HasBox() const override { return Handle() != nullptr; }
     std::string SearchText() const override;
     void SetSearchText(std::string_view text) override;
     void SelectSearchText() override;
@@ -41,6 +45,7 @@ private:
     void StopDelay() override;
     void TellPicked(const ClientResult& result) override;
 
+    Session& m_session;
     HWND m_box = nullptr;
     UINT m_delayMs = 0;
     bool m_ownChange = false;

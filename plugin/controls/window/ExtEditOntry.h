@@ -18,6 +18,7 @@ public:
 
 private:
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnGone() override { m_balloon.Forget(); }
     void Refuse();
 
     bool m_filter = false;

@@ -35,9 +35,18 @@ COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::Me
       m_client(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
-    if (!HasWindow()) Create();
-    Self().Show(true);
+    if (!HasWindow() && !Create())
+        framework::ReportFault("the order entry window cannot be made", std::source_location::current());
+    if (IsIconic(Dialog::Handle()))
+        ShowWindow(Dialog::Handle(), SW_RESTORE);
+    else
+        Self().Show(true);
     SetForegroundWindow(Dialog::Handle());
+}
+
+void COrderEntryDlg::ShutDown() {
+    Destroy();
+    m_link.Release();
 }
 
 void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {

@@ -17,6 +17,8 @@ public:
 
     // Makes the window unless there is one, and brings it up.
     void Open();
+    // Takes the window away and gives the control back, for good.
+    void ShutDown();
 
     void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
     void OnResponse(void*, void* message, void*) noexcept override;

@@ -14,6 +14,20 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
                                              framework::MessageBoxes& boxes)
     : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes) {
     m_session.host = ResolveHostCallbacks(FindInHost);
+    constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
+                                           ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
+    InitCommonControlsEx(&classes);
+}
+
+void CPlanfoldControlBlock::ShutDown() {
+    m_session.End();
+    m_orderEntry.ShutDown();
+    m_keyboard.reset();
+}
+
+void CPlanfoldControlBlock::OpenOrderEntry() {
+    if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+    m_orderEntry.Open();
 }
 
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {

@@ -6,6 +6,8 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
 
+#include <optional>
+
 namespace planfold {
 
 // Finds an export of the host executable.
@@ -20,7 +22,8 @@ public:
 
     // Calls into the plug-in hold their block, so that it ends after the last of them.
     void SetOwner(std::weak_ptr<void> owner) { m_session.owner = std::move(owner); }
-    void DestroyWindows() { m_orderEntry.Destroy(); }
+    // The exit: no window, control or hook is left, whatever call is still under way.
+    void ShutDown();
 
     // What every menu pick does before its window is shown.
     void PrepareForPick(Notices& notices);
@@ -28,17 +31,17 @@ public:
     // Asks the host for its font preference and lays the windows out anew.
     void ApplyFontPreference(void* third, void* fourth);
 
-    COrderEntryDlg& OrderEntryDialog() { return m_orderEntry; }
+    void OpenOrderEntry();
 
 private:
     void FindSettingsPaths();
 
     Session m_session;
-    framework::KeyboardHook m_keyboard;
+    std::optional<framework::KeyboardHook> m_keyboard{std::in_place};
     COrderEntryDlg m_orderEntry;
     std::string m_strUserDirectory;
-    std::intptr_t m_nFontVariation = 0;                  // points
-    std::intptr_t m_nFontSize = 0;                       // points; 0 is the template's
+    std::intptr_t m_nFontVariation = 0; // points
+    std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
 };
 
 } // namespace planfold

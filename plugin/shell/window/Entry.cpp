@@ -11,6 +11,7 @@
 #include "sdk/PluginExports.h"
 
 #include <memory>
+#include <utility>
 
 #define PLANFOLD_EXPORT extern "C" __declspec(dllexport)
 
@@ -52,28 +53,31 @@ private:
     HostWindow m_owner;
 };
 
-// False when the host or the user is refused; the reason has been shown.
-bool CheckHostAndCreateControlBlock(HostWindow& mainFrame) {
-    ShellNotices notices(nullptr);
+// Null when the host or the user is refused; the reason has been shown.
+std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow& mainFrame) {
     if (!GetModuleHandleA(nullptr)) {
-        notices.ShowMessage("exe Module not found");
-        return false;
+        ShellNotices(nullptr).ShowMessage("exe Module not found");
+        return nullptr;
     }
     Module& module = ThisModule();
     const HostCheck check = CheckHost(FindInHost, IdentityStrings(), module.strings);
-    if (check.refusal) {
-        notices.ShowMessage(check.refusal);
-        return false;
-    }
     mainFrame = MainFrame(check.app);
-    if (g_pControlBlock) return true;
-    // Boxes of the construction wait until the block stands: their message loop may bring the next pick.
-    const framework::MessageBoxes::Hold hold(module.boxes);
-    module.block =
-        std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings, module.boxes);
-    module.block->SetOwner(module.block);
-    g_pControlBlock = module.block.get();
-    return true;
+    if (check.refusal) {
+        ShellNotices(mainFrame).ShowMessage(check.refusal);
+        return nullptr;
+    }
+    auto block = module.block;
+    if (!block) {
+        // Boxes of the construction wait until the block stands: their message loop may bring the next pick,
+        // or the end.
+        const framework::MessageBoxes::Hold hold(module.boxes);
+        block = std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
+                                                        module.boxes);
+        block->SetOwner(block);
+        module.block = block;
+        g_pControlBlock = block.get();
+    }
+    return block;
 }
 
 struct MenuRow {
@@ -81,7 +85,7 @@ struct MenuRow {
     void (*open)(CPlanfoldControlBlock&);
 };
 constexpr MenuRow kMenu[] = {
-    {kOrderEntryMenu, [](CPlanfoldControlBlock& block) { block.OrderEntryDialog().Open(); }},
+    {kOrderEntryMenu, [](CPlanfoldControlBlock& block) { block.OpenOrderEntry(); }},
 };
 
 void Pick(CPlanfoldControlBlock& block, std::string_view entry) {
@@ -111,9 +115,11 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
     framework::Guard([&] {
         const TakenString entry(menuEntry);
         HostWindow mainFrame = nullptr;
-        if (!CheckHostAndCreateControlBlock(mainFrame)) return;
-        const auto held = ThisModule().block;
-        held->SetLoginMode(loginMode);
+        const auto block = CheckHostAndCreateControlBlock(mainFrame);
+        // Each box on the way may have brought the exit.
+        const auto ended = [&] { return !block || g_pControlBlock != block.get(); };
+        if (ended()) return;
+        block->SetLoginMode(loginMode);
         g_strLoginId = loginId ? loginId : "";
         if (!mainFrame) return;
         ShellNotices notices(mainFrame);
@@ -121,8 +127,8 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
             notices.ShowMessage("Cant rename VeskTrader.exe,Module not found");
             return;
         }
-        held->PrepareForPick(notices);
-        Pick(*held, entry.View());
+        block->PrepareForPick(notices);
+        if (!ended()) Pick(*block, entry.View());
     });
 }
 
@@ -132,10 +138,10 @@ PLANFOLD_EXPORT int ProcessVeskPluginMsg(void*) {
 
 PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
     framework::Guard([] {
-        if (!g_pControlBlock) return;
-        g_pControlBlock->DestroyWindows();
+        const auto block = std::exchange(ThisModule().block, nullptr);
+        if (!block) return;
         g_pControlBlock = nullptr;
-        ThisModule().block.reset();
+        block->ShutDown();
     });
     return 0;
 }
