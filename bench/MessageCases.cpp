@@ -18,7 +18,7 @@ struct FieldText {
 constexpr FieldText kFields[] = {
     {0, "add_sip_orders"},
     {63001, "nse_cm"},
-    {10100, "2885"},
+    {10100, "1013"},
     {63100, "ARBORTEX-EQ"},
     {12003, "B"},
     {12008, "MKT"},

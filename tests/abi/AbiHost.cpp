@@ -197,7 +197,7 @@ void CheckSubmit() {
     CutStartDate(request);
     CheckText(
         request,
-        "0=add_sip_orders;63001=nse_cm;10100=2885;63100=ARBORTEX-EQ;12003=B;12008=MKT;64030=CNC;54152=value;"
+        "0=add_sip_orders;63001=nse_cm;10100=1013;63100=ARBORTEX-EQ;12003=B;12008=MKT;64030=CNC;54152=value;"
         "53063=123450;10012=monthly;49165=;63415=6;31003=LOGIN;54056=C;54001=C001;12005=DAY;64056=PEERA;"
         "64053=PEERB;54158=an identifier that is longer than any text the plug-in had in this string before;"
         "53405=N;63715=1;64756=TWS;",

@@ -111,7 +111,7 @@ EXPORTED int pu_fill_scrip_combos(HWND dialog, int, int series, int symbols, int
 EXPORTED int pu_get_trading_symbol_n_token(HWND, int, int, int, int, int, int, CString* symbol,
                                            CString* token) {
     *symbol = "ARBORTEX-EQ";
-    *token = "nse_cm|2885";
+    *token = "nse_cm|1013";
     return 1;
 }
 

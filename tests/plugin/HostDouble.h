@@ -35,10 +35,10 @@ struct HostDouble {
     std::vector<std::string> log;
     std::set<std::string> rights{"QV: Planfold"};
     std::string tradingSymbol = "ALPHA-EQ";
-    std::string exchangeAndToken = "nse_cm|2885";
+    std::string exchangeAndToken = "nse_cm|1013";
     std::string scripKey;                     // what was asked for
     std::vector<std::string> detailsAskedFor; // exchange, trading symbol
-    std::map<std::string, std::string> tokens{{"NSE/ALPHA-EQ", "2885"}};
+    std::map<std::string, std::string> tokens{{"NSE/ALPHA-EQ", "1013"}};
     std::string peerIdA = "BROKER";
     std::string peerIdB = "BRANCH";
     std::string uuid = "uuid-1"; // empty: the host gives none

@@ -27,7 +27,7 @@ protected:
         order.investType = "value";
         order.exchangeSegment = "nse_cm";
         order.side = "B";
-        order.token = "2885";
+        order.token = "1013";
         order.tradingSymbol = "ALPHA-EQ";
         order.client = "C001";
         order.sideLabel = "BUY";
@@ -42,7 +42,7 @@ protected:
     sSipOrderData order;
 };
 
-constexpr char kUpToBranch[] = "0=add_sip_orders 63001=nse_cm 10100=2885 63100=ALPHA-EQ 12003=B 12008=MKT "
+constexpr char kUpToBranch[] = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ALPHA-EQ 12003=B 12008=MKT "
                                "64030=CNC 54152=value 53063=123450 "
                                "10012=monthly 49165=1799625600 63415=12 31003=DEALER1 54056=C 54001=C001 "
                                "12005=DAY 64056=BROKER 64053=BRANCH";

@@ -46,7 +46,7 @@ protected:
 TEST_F(ValidateSipOrderTest, FillsTheRecordInTheServersWords) {
     ASSERT_EQ(Check(GoodForm()), "");
     EXPECT_EQ(record.exchangeSegment, "nse_cm");
-    EXPECT_EQ(record.token, "2885");
+    EXPECT_EQ(record.token, "1013");
     EXPECT_EQ(record.tradingSymbol, "ALPHA-EQ");
     EXPECT_EQ(record.side + record.sideLabel, "BBUY");
     EXPECT_EQ(record.orderType, "MKT");
@@ -67,11 +67,11 @@ TEST_F(ValidateSipOrderTest, FindsTheScripInTheMasterWhenTheHostCannotReadTheDia
     ASSERT_EQ(Check(GoodForm()), "");
     EXPECT_EQ(host.scripKey, "nse_cm|EQ|ALPHA");
     EXPECT_EQ(host.detailsAskedFor, (std::vector<std::string>{"NSE", "ALPHA-EQ"}));
-    EXPECT_EQ(record.exchangeSegment + " " + record.token + " " + record.tradingSymbol, "nse_cm 2885 ALPHA-EQ");
+    EXPECT_EQ(record.exchangeSegment + " " + record.token + " " + record.tradingSymbol, "nse_cm 1013 ALPHA-EQ");
     EXPECT_EQ(host.log, (std::vector<std::string>{
                             "SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : "
                             "ALPHA,TradingSymbol : ALPHA-EQ ",
-                            "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ALPHA-EQ,Token : 2885 "}));
+                            "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ALPHA-EQ,Token : 1013 "}));
 }
 
 TEST_F(ValidateSipOrderTest, AcceptsAnUnknownScripAndAnEmptyClient) {

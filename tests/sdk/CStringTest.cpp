@@ -66,7 +66,7 @@ TEST(CString, WritesTouchOnlyTheirOwnBuffer) {
 TEST(CString, CopyingSharesOneBuffer) {
     QuarantineStringManager manager;
     {
-        const CString first("nse_cm|2885", manager);
+        const CString first("nse_cm|1013", manager);
         CString second(first);
         CString third("other", manager);
         third = second;
@@ -74,7 +74,7 @@ TEST(CString, CopyingSharesOneBuffer) {
         EXPECT_EQ(HeaderOf(first)->references, 3);
         const CString& itself = third;
         third = itself;
-        EXPECT_EQ(third.View(), "nse_cm|2885");
+        EXPECT_EQ(third.View(), "nse_cm|1013");
         EXPECT_EQ(HeaderOf(first)->references, 3);
         EXPECT_EQ(manager.Live(), 1);
     }

@@ -60,7 +60,7 @@ using Fields = std::map<std::uint32_t, std::string>;
 inline Fields GoodOrder() {
     return {{kTagRequestName, "add_sip_orders"},
             {kTagExchange, "nse_cm"},
-            {kTagToken, "2885"},
+            {kTagToken, "1013"},
             {kTagTradingSymbol, "ALPHA-EQ"},
             {kTagSide, "B"},
             {kTagOrderType, "MKT"},

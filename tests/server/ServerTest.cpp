@@ -60,7 +60,7 @@ TEST(Server, RecordCarriesTheFieldsOfTheBook) {
     const std::string bytes = running.server->Registrations().at(0).Message(writer);
     const qmx::MessageReader reader(bytes);
     EXPECT_EQ(qmx::Dump(reader.Handle()),
-              "10012=monthly 10100=2885 10303=active 10615=06-Mar-2026 12003=B 12005=DAY 12008=MKT "
+              "10012=monthly 10100=1013 10303=active 10615=06-Mar-2026 12003=B 12005=DAY 12008=MKT "
               "31003=USER1 49165=06-Mar-2026 53063=123450 54001=CL1 54152=value 54158=id-1 54211=PLANFOLD "
               "54270=02-Mar-2026 63001=nse_cm 63100=ALPHA-EQ 63415=12 64030=CNC 64053= 64056=BROKER "
               "64756=TWS 64804=SIP2603020000001 64987=06-Feb-2027");

@@ -84,7 +84,7 @@ public:
     std::vector<std::pair<std::string, std::string>> clients{{"C001", "First Client"},
                                                              {"C002", "Second Client"}};
     std::vector<std::string> products{"CNC", "MIS", "NRML"};
-    std::vector<Scrip> scrips{{"nse_cm", "EQ", "ARBORTEX", "2885", "ARBORTEX-EQ", "Arbor Textiles"},
+    std::vector<Scrip> scrips{{"nse_cm", "EQ", "ARBORTEX", "1013", "ARBORTEX-EQ", "Arbor Textiles"},
                               {"nse_cm", "EQ", "BYTEFIN", "2901", "BYTEFIN-EQ", "Byte Finance"},
                               {"nse_cm", "BE", "LUMENBANK", "2902", "LUMENBANK-BE", "Lumen Bank"},
                               {"bse_cm", "EQ", "INFOCAR", "500100", "INFOCAR", "Infocar Motors"}};
