@@ -60,6 +60,7 @@ public:
     ~CString() { Release(Header()); }
 
     CString& operator=(const CString& other) {
+        if (this == &other) return *this;
         char* shared = Share(other);
         Release(Header());
         m_text = shared;

@@ -34,7 +34,7 @@ HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& 
 }
 
 HostWindow MainFrame(const VeskApp* app) {
-    constexpr std::uint32_t needed = offsetof(VeskApp, mainFrame) + sizeof(VeskApp::mainFrame);
+    constexpr std::uint32_t needed = offsetof(VeskApp, mainFrame) + sizeof(HostWindow);
     return app && app->size >= needed ? app->mainFrame : nullptr;
 }
 
