@@ -4,12 +4,9 @@ if(WIN32)
     set(support ${CMAKE_SOURCE_DIR}/tests/support)
     add_executable(planfold_startup EXCLUDE_FROM_ALL
         ${bench}/startup/Startup.cpp
-        ${support}/Connection.cpp
         ${support}/FakeHost.cpp
-        ${support}/FakeHostExports.cpp
-        ${support}/ImageEdit.cpp
         ${support}/WindowProbe.cpp)
-    target_link_libraries(planfold_startup PRIVATE house_rules sdk comctl32)
+    target_link_libraries(planfold_startup PRIVATE house_rules sdk connectvesk comctl32)
     set_target_properties(planfold_startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/startup)
     # Beside the libraries, as the host is.
     add_custom_command(TARGET planfold_startup POST_BUILD

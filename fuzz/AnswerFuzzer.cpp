@@ -41,21 +41,16 @@ std::vector<std::string> Entered(const test::DialogDouble& view) {
     return texts;
 }
 
-struct Form {
+struct Form : test::Stage {
     Form() {
-        session.host = ResolveHostCallbacks(session.lookup);
-        session.OpenHandles(view);
         view.controls[IDC_SERIES].items = {"BE", "EQ"};
-        view.controls[IDC_SYMBOL].items = {"ALPHA", "BETA"};
+        view.controls[IDC_SYMBOL].items = {"ARBORTEX", "BYTEFIN"};
         entry.Initialise(kNow, {});
         view.SetText(IDC_VALUE, "1500");
         view.SetText(IDC_CLIENT_SEARCH, "C001");
     }
 
-    test::HostDouble host;
     test::DialogDouble view;
-    test::RecordingControl control;
-    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
     OrderEntry entry{session, view, &control};
 };
 
@@ -72,9 +67,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool added = answer.request == "add_sip_orders" && !answer.hasError;
 
     const auto entered = Entered(form.view);
-    const std::size_t sent = form.control.sent.size();
+    const std::size_t sent = form.host.requests.size();
     form.entry.OnResponse(reader.Handle());
-    Demand(form.control.sent.size() == sent);
+    Demand(form.host.requests.size() == sent);
     Demand(Entered(form.view) == entered);
     Demand(form.view.closed == modified);
     Demand(form.view.boxes.empty() || added || modified);
@@ -84,6 +79,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     form.view.boxes.clear();
     form.entry.Submit(kNow);
-    Demand(form.control.sent.size() - sent + form.view.boxes.size() == 1);
+    Demand(form.host.requests.size() - sent + form.view.boxes.size() == 1);
     return 0;
 }

@@ -3,7 +3,7 @@
 #include "fuzz/Fuzz.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/orderentry/SipOrder.h"
-#include "tests/plugin/HostDouble.h"
+#include "tests/support/FakeHost.h"
 
 #include <algorithm>
 #include <climits>
@@ -47,9 +47,8 @@ void CheckPassed(const Session& session, const SipOrderForm& form, const sSipOrd
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static test::HostDouble host;
-    static Session session(host.Lookup(), host.IdentityStrings(), host.strings);
-    static const HostCallbacks resolved = ResolveHostCallbacks(session.lookup);
+    test::FakeHost host;
+    Session session(host.Lookup(), host.IdentityStrings(), host.strings);
     fuzz::Input input(data, size);
     SipOrderForm form;
     for (std::string SipOrderForm::*member :
@@ -62,14 +61,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string ways = input.Line();
     form.modifyMode = ways.find('m') != ways.npos;
     session.m_nSipOperationMode = ways.find('s') != ways.npos;
-    session.host = resolved;
+    session.host = ResolveHostCallbacks(session.lookup);
     if (ways.find('k') != ways.npos) session.host.pu_get_trading_symbol_n_token = nullptr;
     for (const FrequencyRow& row : kFrequencies)
         session.*row.minimum = LeadingReal(input.Line());
-    host.tradingSymbol = input.Line();
+    host.scrips = {{"nse_cm", form.series, form.symbol, "", input.Line(), ""}};
     host.exchangeAndToken = input.Line();
-    host.tokens = {{form.exchange + '/' + host.tradingSymbol, input.Line()}};
-    host.log.clear();
+    host.scrips.front().token = input.Line();
 
     sSipOrderData record;
     if (const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record))

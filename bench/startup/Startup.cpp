@@ -28,10 +28,10 @@ bool IsPainted(HWND window) {
     return window && IsWindowVisible(window) && !GetUpdateRect(window, nullptr, FALSE);
 }
 
-long long MeasureFloor(HMODULE templates) {
+long long MeasureFloor(HMODULE templates, HWND owner) {
     const auto start = Clock::now();
     HWND window = CreateDialogParamA(
-        templates, MAKEINTRESOURCEA(IDD_ORDER_ENTRY), FakeHost::Current().MainFrame(),
+        templates, MAKEINTRESOURCEA(IDD_ORDER_ENTRY), owner,
         [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
     ShowWindow(window, SW_SHOW);
     const bool painted = IsPainted(window);
@@ -62,13 +62,13 @@ int main(int count, char** arguments) {
     if (count != 2) return 2;
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
     InitCommonControlsEx(&classes);
-    FakeHost host;
-    ShowWindow(host.MainFrame(), SW_SHOW);
+    planfold::test::FakeHost host;
+    ShowWindow(host.mainFrame, SW_SHOW);
     probe::Pump();
     // The first window of a process waits for the window system, which neither is to be charged with.
     HMODULE templates = LoadLibraryExA(arguments[1], nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    MeasureFloor(templates);
-    const long long floor = MeasureFloor(templates);
+    MeasureFloor(templates, host.mainFrame);
+    const long long floor = MeasureFloor(templates, host.mainFrame);
     FreeLibrary(templates);
     const long long plugin = MeasurePlugin(arguments[1], host.strings);
     std::printf("%lld %lld\n", plugin, floor);

@@ -123,24 +123,6 @@ TEST(Handle, ClosedOnesAreToldWhileManyOthersComeAndGo) {
     }
 }
 
-TEST(Handle, EveryOpenOneHasMemoryOfItsOwn) {
-    QmxError error{};
-    std::vector<void*> open;
-    std::set<void*> different;
-    // Twice: first from the heap, then from those that were closed.
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 200; ++i) {
-            ASSERT_TRUE(qmx_ctor_primecb(&open.emplace_back(), &error));
-            different.insert(open.back());
-        }
-        EXPECT_EQ(different.size(), open.size());
-        for (void*& message : open)
-            ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
-        open.clear();
-        different.clear();
-    }
-}
-
 TEST(Handle, StartWantsAnOpenScratchOfOurOwn) {
     QmxError error{};
     alignas(16) char foreign[128] = {};
@@ -166,17 +148,6 @@ TEST(Handle, OpeningRefusesAbsurdSizesAndNowhereToPut) {
     EXPECT_FALSE(qmx_ctor_primecb(nullptr, &error));
 }
 
-TEST(Handle, ReopeningOverAnOldPointerLeavesTheOldOneWorking) {
-    QmxError error{};
-    void* scratch = nullptr;
-    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
-    void* old = scratch;
-    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
-    EXPECT_NE(scratch, old);
-    EXPECT_TRUE(qmx_close_scratch(&old, &error));
-    EXPECT_TRUE(qmx_close_scratch(&scratch, &error));
-}
-
 TEST(Handle, ReceivedMessageCannotBeBuiltIn) {
     qmx::MessageWriter writer;
     const std::string bytes = writer.Add(0, "name").Finish();
@@ -191,15 +162,6 @@ TEST(Handle, ReceivedMessageCannotBeBuiltIn) {
     EXPECT_EQ(error.code, kQmxBadHandle);
     EXPECT_EQ(qmx::Dump(reader.Handle()), "0=name");
     qmx_close_scratch(&scratch, &error);
-}
-
-TEST(MessageWriter, FirstFailureSticksUntilTheNextStart) {
-    qmx::MessageWriter writer(48);
-    writer.Add(1, std::string(100, 'x')).Add(2, "fits");
-    EXPECT_FALSE(writer.Good());
-    EXPECT_EQ(writer.Error().code, kQmxBufferFull);
-    EXPECT_EQ(writer.Finish(), "");
-    EXPECT_NE(writer.Start().Add(2, "fits").Finish(), "");
 }
 
 } // namespace

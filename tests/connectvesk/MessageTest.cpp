@@ -54,29 +54,6 @@ TEST_F(Message, ComesOutAsBuiltAndAsReceived) {
     EXPECT_EQ(qmx::Dump(received.Handle()), dump);
 }
 
-TEST_F(Message, GivesEveryFieldInWhateverOrderItIsAskedFor) {
-    const std::uint32_t tags[] = {0, 63001, 10100, 63100, 256, 512, 31003};
-    for (const std::uint32_t tag : tags)
-        ASSERT_TRUE(Add(tag, std::to_string(tag)));
-    for (const std::uint32_t first : tags)
-        for (const std::uint32_t second : tags) {
-            EXPECT_EQ(qmx::Text(m_message, first), std::to_string(first));
-            EXPECT_EQ(qmx::Text(m_message, second), std::to_string(second));
-        }
-}
-
-TEST_F(Message, CopiesValuesOfEveryLengthExactly) {
-    const std::string text = "0123456789abcdefghijklmnopqrstuvwxyz";
-    for (std::size_t length = 0; length <= text.size(); ++length) {
-        SetFill(m_scratch, 0);
-        ASSERT_TRUE(qmx_start_msg(m_message, m_scratch, &m_error));
-        ASSERT_TRUE(Add(7, std::string_view(text).substr(0, length)));
-        ASSERT_TRUE(Add(8, "|"));
-        EXPECT_EQ(qmx::Text(m_message, 7), text.substr(0, length));
-        EXPECT_EQ(qmx::Text(m_message, 8), "|");
-    }
-}
-
 TEST_F(Message, TellsAbsentFieldFromIndexBeyondItsCount) {
     ASSERT_TRUE(Add(5, "x"));
     QmxField field{};
@@ -140,17 +117,6 @@ TEST_F(Message, IsStartedOnlyOverAFillLengthOfZero) {
     EXPECT_EQ(qmx::Dump(m_message), "");
 }
 
-TEST_F(Message, IsNotTouchedOnceItsFillLengthWasChangedBehindIt) {
-    ASSERT_TRUE(Add(5, "x"));
-    for (const std::uint32_t fill : {0u, 1u, 255u, 0xFFFFFFFFu}) {
-        SetFill(m_scratch, fill);
-        EXPECT_FALSE(Add(6, "y")) << fill;
-        EXPECT_EQ(m_error.code, kQmxCorrupt);
-        EXPECT_FALSE(qmx_get_data(m_message, 5, 0, &m_datum, &m_error));
-        EXPECT_EQ(m_error.code, kQmxCorrupt);
-    }
-}
-
 TEST_F(Message, OverwrittenBytesAreNeverReadBeyondTheBuffer) {
     ASSERT_TRUE(Add(5, "first"));
     ASSERT_TRUE(Add(6, "second"));
@@ -172,18 +138,6 @@ TEST_F(Message, OverwrittenBytesAreNeverReadBeyondTheBuffer) {
         EXPECT_EQ(qmx::Text(m_message, 6), "second") << "restored at " << i;
     }
     EXPECT_EQ(qmx::Dump(m_message), "5=first 6=second");
-}
-
-TEST_F(Message, DumpIsCutToItsSpaceAndStillTerminated) {
-    ASSERT_TRUE(Add(5, "abc"));
-    const std::string whole = "5=abc";
-    for (std::uint32_t size = 1; size < 8; ++size) {
-        char text[9];
-        std::memset(text, '#', sizeof text);
-        ASSERT_TRUE(qmx_dump_message(m_message, text, size, &m_error));
-        EXPECT_EQ(text, whole.substr(0, size - 1));
-        EXPECT_EQ(text[size], '#');
-    }
 }
 
 } // namespace

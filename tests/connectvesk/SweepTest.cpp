@@ -57,31 +57,6 @@ TEST(WriterSweep, BeginsToSucceedAtExactlyOneCapacityForEachField) {
     EXPECT_EQ(firstWhole, wholeFill + 4) << "room was left unused";
 }
 
-// Room left by a short message is untouched by a field that does not fit.
-TEST(WriterSweep, RefusedFieldWritesNothing) {
-    for (std::uint32_t length = 0; length < 64; ++length) {
-        QmxError error{};
-        void* scratch = nullptr;
-        void* message = nullptr;
-        ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
-        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
-        ASSERT_TRUE(qmx_start_msg(message, scratch, &error));
-        std::memset(static_cast<char*>(scratch) + 12, '#', 52);
-        const std::string before(static_cast<char*>(scratch), 64);
-        const std::string value(length, 'v');
-        const QmxDatum datum = qmx::Datum(value);
-        const bool fits = 12 + 12 + 4 + length <= 64;
-        EXPECT_EQ(qmx_add_data(message, 1, 1, &datum, &error) != 0, fits) << length;
-        const std::string after(static_cast<char*>(scratch), 64);
-        if (fits)
-            EXPECT_EQ(after.substr(28 + length), std::string(36 - length, '#')) << length;
-        else
-            EXPECT_EQ(after, before) << length;
-        qmx_dtor_primecb(&message, &error);
-        qmx_close_scratch(&scratch, &error);
-    }
-}
-
 std::string Built() {
     qmx::MessageWriter writer;
     AddFields(writer.Handle());

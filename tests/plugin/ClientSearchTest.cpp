@@ -2,7 +2,7 @@
 
 #include "plugin/controls/ClientSearch.h"
 #include "plugin/controls/ValueText.h"
-#include "tests/plugin/HostDouble.h"
+#include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,9 @@ namespace {
 
 using Key = ClientSearch::Key;
 
-class ClientSearchTest : public ::testing::Test, public ClientSearchView {
+class ClientSearchTest : public ::testing::Test, public ClientSearchView, protected Stage {
 protected:
     void SetUp() override {
-        session.host = ResolveHostCallbacks(session.lookup);
         host.clients = {{"C001", "Asha Rao"}, {"C002", "Bela Shah"}, {"C0021", "Chetan Rao"}};
         search.SetUp("box");
     }
@@ -23,9 +22,15 @@ protected:
         text = typed;
         search.OnTyped();
     }
-    // "asked: ..., box: ..., list: rows/selected" and what was picked.
+    // "1,RAO": the mode and the text of the last search.
+    std::string Asked() const {
+        for (auto call = host.calls.rbegin(); call != host.calls.rend(); ++call)
+            if (call->starts_with("pu_get_entered")) return call->substr(28, call->size() - 29);
+        return {};
+    }
+    // "asked, box ..., list: rows/selected" and what was picked.
     std::string State() const {
-        return "asked " + host.searched + ", box " + text + ", list "
+        return Asked() + ", box " + text + ", list "
                + (rows < 0 ? "hidden" : std::to_string(rows) + "/" + std::to_string(selected))
                + (picked.empty() ? "" : ", picked " + picked + ", tip " + tip);
     }
@@ -45,8 +50,6 @@ protected:
     void StopDelay() override { delayed = false; }
     void TellPicked(const ClientResult& result) override { picked = result.clientId; }
 
-    HostDouble host;
-    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
     ClientSearch search{session, *this};
     std::string text, tip, picked;
     int rows = -1, selected = -1;
@@ -60,10 +63,10 @@ TEST_F(ClientSearchTest, AsksTheHostAndShowsWhatItFinds) {
     };
     host.validAccounts = {"C002", "C009"};
     const Row rowsOfTable[] = {
-        {"rao", "asked 1:RAO, box rao, list 2/-1"},      {"c00", "asked 1:C00, box c00, list 3/-1"},
-        {"c002", "asked 1:C002(, box c002, list 1/0"},   // an account of the user: exactly that one
-        {"nobody", "asked 1:NOBODY, box , list hidden"}, // no match empties the box
-        {"   ", "asked 1:   , box , list 3/-1"},         {"c009", "asked 1:C009(, box , list hidden"},
+        {"rao", "1,RAO, box rao, list 2/-1"},      {"c00", "1,C00, box c00, list 3/-1"},
+        {"c002", "1,C002(, box c002, list 1/0"},   // an account of the user: exactly that one
+        {"nobody", "1,NOBODY, box , list hidden"}, // no match empties the box
+        {"   ", "1,   , box , list 3/-1"},         {"c009", "1,C009(, box , list hidden"},
     };
     for (const Row& row : rowsOfTable) {
         Type(row.typed);
@@ -80,8 +83,7 @@ TEST_F(ClientSearchTest, AnAccountThatNoRowMatchesEmptiesTheBoxBelowTenThousandR
         host.clients.assign(static_cast<std::size_t>(count), {"ZZ(9", "Someone"});
         Type("zz");
         search.Search();
-        EXPECT_EQ(State(),
-                  count < 10000 ? "asked 1:ZZ(, box , list hidden" : "asked 1:ZZ(, box zz, list 10000/-1");
+        EXPECT_EQ(State(), count < 10000 ? "1,ZZ(, box , list hidden" : "1,ZZ(, box zz, list 10000/-1");
     }
 }
 
@@ -91,15 +93,15 @@ TEST_F(ClientSearchTest, KeysMoveAndPick) {
     Type("c00");
     EXPECT_TRUE(search.Wants(Key::enter));
     search.OnKey(Key::enter); // at once, not after the delay
-    EXPECT_EQ(State(), "asked 1:C00, box c00, list 3/-1");
+    EXPECT_EQ(State(), "1,C00, box c00, list 3/-1");
     search.OnKey(Key::enter); // only shows the first
-    EXPECT_EQ(State(), "asked 1:C00, box c00, list 3/0");
+    EXPECT_EQ(State(), "1,C00, box c00, list 3/0");
     search.OnKey(Key::down);
     search.OnKey(Key::pageDown);
     EXPECT_EQ(selected, 2);
     search.OnKey(Key::up);
     search.OnKey(Key::enter);
-    EXPECT_EQ(State(), "asked 1:C00, box C002, list hidden, picked C002, tip C002(Bela Shah)");
+    EXPECT_EQ(State(), "1,C00, box C002, list hidden, picked C002, tip C002(Bela Shah)");
     EXPECT_TRUE(textSelected);
 
     search.OnKey(Key::down); // opens the list again
@@ -143,7 +145,7 @@ TEST_F(ClientSearchTest, ModesAreKeptApartByBox) {
     EXPECT_EQ(search.Mode(), SearchMode::clientName);
     Type("rao");
     search.Search();
-    EXPECT_EQ(host.searched, "3:RAO");
+    EXPECT_EQ(Asked(), "3,RAO");
     for (const char* bad : {"", "0", "4", "-1", "abc"}) {
         host.settings["Client_Search_Settings/box"] = bad;
         search.SetUp("box");

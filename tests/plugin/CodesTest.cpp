@@ -47,13 +47,6 @@ TEST(Convert, KnowsItsRowsAndLeavesTheRestAlone) {
     }
 }
 
-TEST(MonthNumber, IsExact) {
-    EXPECT_EQ(MonthNumber("Jan"), 1);
-    EXPECT_EQ(MonthNumber("Dec"), 12);
-    for (const char* wrong : {"jan", "JAN", "January", "", " Jan"})
-        EXPECT_EQ(MonthNumber(wrong), 0) << wrong;
-}
-
 TEST(LeadingNumbers, ReadWhatATextBeginsWith) {
     struct Row {
         const char* text;
@@ -190,13 +183,6 @@ TEST(ParseDate, TakesWhatAUserTypes) {
     };
     for (const Row& row : rows)
         EXPECT_EQ(ParseDate(row.text), row.seconds) << row.text;
-}
-
-TEST(PickerDate, SurvivesItsOwnText) {
-    for (std::int64_t day = 0; day < 800; ++day) {
-        const LocalDateTime date = ToLocal(ToSeconds({2026, 11, 21, 12, 0, 0}) + day * kSecondsPerDay);
-        EXPECT_EQ(ParseDate(FormatPickerDate(date)), ToSeconds(date.Midnight())) << FormatPickerDate(date);
-    }
 }
 
 } // namespace

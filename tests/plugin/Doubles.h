@@ -1,57 +1,18 @@
-// Doubles of what stands around the plug-in's core: the request control, the dialog and failing calls of the
-// connection library.
+// What stands around the plug-in's core besides the host: texts that would be boxes, the dialog, failing calls
+// of the connection library, and a session over all of it.
 #pragma once
 
-#include "host/connectvesk/QmxHost.h"
 #include "plugin/controls/DialogView.h"
-#include "sdk/RxControl.h"
-#include "tests/plugin/HostDouble.h"
-
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
+#include "tests/support/FakeHost.h"
 
 namespace planfold::test {
 
-// Keeps every request and subscription as one line of text.
-class RecordingControl final : public RxControl {
+// Texts that would be message boxes.
+class RecordedNotices : public Notices {
 public:
-    int SendRequest(std::uint64_t*, void* message, int, QmxError*) override {
-        if (refuses) return 0;
-        sent.push_back(qmx::Dump(message));
-        return 1;
-    }
-    int Subscribe(std::uint64_t*, const std::uint32_t* tags, const QmxDatum* values, std::uint32_t count,
-                  RxControl* self, int zeroA, int zeroB, int one, QmxError* error) override {
-        std::string line = self == this && zeroA == 0 && zeroB == 0 && one == 1 ? "" : "(bad call) ";
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const bool absent = !values[i].data && values[i].length == 0;
-            line += (i ? " " : "") + std::to_string(tags[i]) + "="
-                    + (absent ? "-" : std::string(qmx::View(values[i])));
-        }
-        subscribed.push_back(line);
-        error->code = 42;
-        return !refuses;
-    }
-    int Stop(int) override { return 1; }
-    void Reserved0() override {}
-    void Reserved1() override {}
-    void Reserved2() override {}
-    void Reserved3() override {}
-    void Reserved6() override {}
-    void Reserved7() override {}
-    void Reserved8() override {}
-    void Reserved9() override {}
-    void Reserved10() override {}
-    void Reserved11() override {}
-    void Reserved12() override {}
-    void Reserved13() override {}
-    void Reserved14() override {}
+    void ShowMessage(std::string_view text) override { shown.emplace_back(text); }
 
-    std::vector<std::string> sent;
-    std::vector<std::string> subscribed;
-    bool refuses = false;
+    Texts shown;
 };
 
 // A dialog without a window.
@@ -59,7 +20,7 @@ class DialogDouble final : public DialogView {
 public:
     struct Control {
         std::string text;
-        std::vector<std::string> items;
+        Texts items;
         int selected = -1;
         bool shown = true;
         bool enabled = true;
@@ -81,7 +42,7 @@ public:
     void Enable(int id, bool enabled) override { controls[id].enabled = enabled; }
     void Focus(int id) override { focused = id; }
     void SetDigitsOnly(int id, bool on) override { controls[id].digitsOnly = on; }
-    std::vector<std::string> Items(int id) const override { return controls[id].items; }
+    Texts Items(int id) const override { return controls[id].items; }
     void AddItem(int id, std::string_view text) override { controls[id].items.emplace_back(text); }
     void Select(int id, int index) override {
         Control& control = controls[id];
@@ -100,11 +61,26 @@ public:
     void SetDate(int, const LocalDateTime& value) override { date = value; }
 
     mutable std::map<int, Control> controls;
-    std::vector<std::string> boxes;
+    Texts boxes;
     std::string title;
     LocalDateTime date;
     int focused = 0;
     bool closed = false;
+};
+
+// A session with a host; the peers as they are after the check of the host.
+struct Stage {
+    Stage() {
+        host.peerA = "BROKER";
+        host.peerB = "BRANCH";
+        session.host = ResolveHostCallbacks(session.lookup);
+        session.OpenHandles(notices);
+    }
+
+    FakeHost host;
+    RecordedNotices notices;
+    FakeControl control{host};
+    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
 };
 
 // Lets the n-th call (from 1) of a connection library function fail while it lives.
@@ -134,22 +110,6 @@ public:
 private:
     void* m_primeCb;
     void* m_scratch;
-};
-
-// A message as the host hands it to a notifier.
-class Received {
-public:
-    struct Field {
-        std::uint32_t tag;
-        std::vector<std::string> values;
-    };
-
-    explicit Received(const std::vector<Field>& fields);
-    void* Message() const { return m_reader->Handle(); }
-
-private:
-    std::string m_bytes;
-    std::unique_ptr<qmx::MessageReader> m_reader;
 };
 
 } // namespace planfold::test

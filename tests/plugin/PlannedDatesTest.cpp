@@ -40,14 +40,6 @@ TEST(PlannedDate, FollowsTheCalendar) {
             << row.frequency << " " << FormatPlannedDate(row.start);
 }
 
-TEST(PlannedDate, HoldsAbsurdPlansInBounds) {
-    const Plan plan{{2027, 1, 1}, "weekly", INT64_MAX};
-    EXPECT_TRUE(PlannedDate(plan, Plan::kMostInstalments - 1));
-    EXPECT_FALSE(PlannedDate(plan, Plan::kMostInstalments));
-    EXPECT_FALSE(PlannedDate({{2027, 1, 1}, "yearly", INT64_MAX}, Plan::kMostInstalments - 1));
-    EXPECT_FALSE(PlannedDate(plan, -1));
-}
-
 TEST(IsNonTradingDay, KnowsWeekendsAndTheHostsDates) {
     const std::uint32_t dates[] = {20270126, 20270315};
     const NonTradingDates holidays{2, 0, dates};

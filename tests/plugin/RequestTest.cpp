@@ -9,13 +9,9 @@
 namespace planfold::test {
 namespace {
 
-class RequestTest : public ::testing::Test {
+class RequestTest : public ::testing::Test, protected Stage {
 protected:
-    void SetUp() override {
-        session.host = ResolveHostCallbacks(session.lookup);
-        session.OpenHandles(notices);
-        host.peerA = "BROKER";
-        host.peerB = "BRANCH";
+    RequestTest() {
         order.orderType = "MKT";
         order.product = "CNC";
         order.frequency = "monthly";
@@ -34,18 +30,18 @@ protected:
     }
 
     bool Place() { return SendAddSipOrders(session, &control, notices, order, "NSE"); }
+    bool AskMode() { return SendGetSipOperationMode(session, &control, notices); }
+    Texts Shown() { return std::exchange(notices.shown, {}); }
 
-    HostDouble host;
-    RecordedNotices notices;
-    RecordingControl control;
-    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
     sSipOrderData order;
+    const std::string building = "zup_add_parameter: Error while building message";
 };
 
 constexpr char kUpToBranch[] = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ALPHA-EQ 12003=B 12008=MKT "
-                               "64030=CNC 54152=value 53063=123450 "
-                               "10012=monthly 49165=1799625600 63415=12 31003=DEALER1 54056=C 54001=C001 "
-                               "12005=DAY 64056=BROKER 64053=BRANCH";
+                               "64030=CNC 54152=value 53063=123450 10012=monthly 49165=1799625600 63415=12 "
+                               "31003=DEALER1 54056=C 54001=C001 12005=DAY 64056=BROKER 64053=BRANCH";
+constexpr char kLogStart[] = "NSE BUY SIP Order : Status : Trigger Pending CNC ALPHA-EQ at ";
+constexpr char kLogEnd[] = " DAY monthly for period : 12 Months Client ID : C001 by DEALER1";
 
 TEST_F(RequestTest, AddCarriesItsFieldsInOrder) {
     struct Row {
@@ -62,41 +58,30 @@ TEST_F(RequestTest, AddCarriesItsFieldsInOrder) {
     };
     for (const Row& row : rows) {
         host.uuid = row.uuid;
-        host.cautionAnswer = row.caution;
+        host.caution = row.caution;
         session.m_nSipOperationMode = row.mode;
-        control.sent.clear();
         EXPECT_TRUE(Place());
-        EXPECT_EQ(control.sent, std::vector<std::string>{std::string(kUpToBranch) + row.tail});
+        EXPECT_EQ(host.LastRequest(), std::string(kUpToBranch) + row.tail);
     }
-    EXPECT_EQ(host.cautionAsked,
-              (std::vector<std::string>{"C001", "value", "CNC", "123450", "ALPHA-EQ", "nse_cm"}));
-    EXPECT_TRUE(notices.shown.empty());
+    EXPECT_EQ(host.calls.back(), "pu_invoke_caution_order_confirmation(C001,value,CNC,123450,ALPHA-EQ,nse_cm)");
+    EXPECT_EQ(host.requests.size(), std::size(rows));
+    EXPECT_EQ(Shown(), Texts{});
+    session.host = {}; // no optional callback at all
+    session.m_nSipOperationMode = 0;
+    EXPECT_TRUE(Place());
+    EXPECT_EQ(host.LastRequest(), std::string(kUpToBranch) + " 64756=TWS");
 }
 
-TEST_F(RequestTest, AddWorksWithoutTheOptionalCallbacks) {
-    session.host = {};
+TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
     EXPECT_TRUE(Place());
-    EXPECT_EQ(control.sent, std::vector<std::string>{std::string(kUpToBranch) + " 64756=TWS"});
-}
-
-TEST_F(RequestTest, AddLogsTheOrderInRupeesOrShares) {
-    EXPECT_TRUE(Place());
+    EXPECT_EQ(host.log.back(), std::string(kLogStart) + "1234.50" + kLogEnd);
     order.investType = "qty";
     order.amountOrQuantity = "5";
-    order.sideLabel = "SELL";
     EXPECT_TRUE(Place());
-    EXPECT_EQ(host.log,
-              (std::vector<std::string>{
-                  "NSE BUY SIP Order : Status : Trigger Pending CNC ALPHA-EQ at 1234.50 DAY monthly for "
-                  "period : 12 Months Client ID : C001 by DEALER1",
-                  "NSE SELL SIP Order : Status : Trigger Pending CNC ALPHA-EQ at 5 DAY monthly for "
-                  "period : 12 Months Client ID : C001 by DEALER1"}));
-}
-
-TEST_F(RequestTest, TextsAreNeverFormats) {
+    EXPECT_EQ(host.log.back(), std::string(kLogStart) + "5" + kLogEnd);
     order.client = "%s%n%d";
     EXPECT_TRUE(Place());
-    EXPECT_NE(host.log.at(0).find("Client ID : %s%n%d by"), std::string::npos);
+    EXPECT_NE(host.log.back().find("Client ID : %s%n%d by"), std::string::npos);
 }
 
 TEST_F(RequestTest, EachStepOfAddFailsWithItsOwnText) {
@@ -128,71 +113,48 @@ TEST_F(RequestTest, EachStepOfAddFailsWithItsOwnText) {
     int call = 0;
     for (const char* text : texts) {
         const FailQmxCall failing(FailQmxCall::addData, ++call);
-        notices.shown.clear();
         host.log.clear();
-        host.cautionAsked.clear();
+        host.calls.clear();
         EXPECT_FALSE(Place()) << text;
-        EXPECT_EQ(notices.shown, std::vector<std::string>{text});
-        EXPECT_EQ(host.cautionAsked.empty(), call < 20) << text;
+        EXPECT_EQ(Shown(), Texts{text});
+        EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), call < 20 ? 0 : 1) << text;
         const bool isToken = call == 3;
-        EXPECT_EQ(host.log.size(), isToken ? 1u : 0u) << text;
-        if (isToken) {
-            EXPECT_EQ(host.log[0],
-                      "NSE BUY SIP Order Failed Status : Trigger Pending CNC ALPHA-EQ at 123450 DAY "
-                      "monthly for period : 12 Months Client ID : C001 by DEALER1");
-        }
+        EXPECT_EQ(host.log,
+                  isToken ? Texts{"NSE BUY SIP Order Failed Status : Trigger Pending CNC ALPHA-EQ at 123450"
+                                  + std::string(kLogEnd)}
+                          : Texts{});
     }
-    EXPECT_TRUE(control.sent.empty());
+    EXPECT_EQ(host.requests, Texts{});
 }
 
 TEST_F(RequestTest, StartingAndSendingFailWithTheirTexts) {
-    const auto both = [&] {
-        notices.shown.clear();
-        EXPECT_FALSE(Place());
-        EXPECT_FALSE(SendGetSipOperationMode(session, &control, notices));
-        return notices.shown;
-    };
-    const std::string build = "zup_add_parameter: Error while building message";
     {
         const FailQmxCall failing(FailQmxCall::startMsg, 1);
         EXPECT_FALSE(Place());
-        EXPECT_EQ(notices.shown, std::vector<std::string>{build});
+        EXPECT_EQ(Shown(), Texts{building});
     }
     {
-        notices.shown.clear();
         const FailQmxCall failing(FailQmxCall::addData, 1);
-        EXPECT_FALSE(SendGetSipOperationMode(session, &control, notices));
-        EXPECT_EQ(notices.shown, std::vector<std::string>{"Failed to add the request add_sip_orders"});
+        EXPECT_FALSE(AskMode());
+        EXPECT_EQ(Shown(), Texts{"Failed to add the request add_sip_orders"});
     }
-    control.refuses = true;
-    const std::vector<std::string> sending(2, "Sending Request add_sip_orders Failed");
-    EXPECT_EQ(both(), sending);
-    notices.shown.clear();
+    host.refuses = true;
+    EXPECT_FALSE(Place());
+    EXPECT_FALSE(AskMode());
     EXPECT_FALSE(SendAddSipOrders(session, nullptr, notices, order, "NSE")); // no control at all
-    EXPECT_EQ(notices.shown, std::vector<std::string>(1, sending[0]));
-    // The log tells of sent orders only.
-    EXPECT_TRUE(host.log.empty());
+    EXPECT_EQ(Shown(), Texts(3, "Sending Request add_sip_orders Failed"));
+    EXPECT_EQ(host.log, Texts{}) << "the log tells of sent orders only";
 }
 
 TEST_F(RequestTest, HandlesThatCouldNotBeOpenedAreToldAndFailEveryRequest) {
-    HostDouble other;
-    Session unopened(other.Lookup(), other.IdentityStrings(), other.strings);
-    {
-        const FailQmxCall scratch(FailQmxCall::openScratch, 1);
+    for (const auto& [function, text] : {std::pair(FailQmxCall::openScratch, "Buffer Handle open Failed"),
+                                         std::pair(FailQmxCall::ctorPrimeCb, "MNM Handle Open Failed")}) {
+        Session unopened(host.Lookup(), host.IdentityStrings(), host.strings);
+        const FailQmxCall failing(function, 1);
         unopened.OpenHandles(notices);
+        EXPECT_FALSE(SendGetSipOperationMode(unopened, &control, notices));
+        EXPECT_EQ(Shown(), (Texts{text, building}));
     }
-    EXPECT_EQ(notices.shown, std::vector<std::string>{"Buffer Handle open Failed"});
-    EXPECT_FALSE(SendGetSipOperationMode(unopened, &control, notices));
-    EXPECT_EQ(notices.shown.back(), "zup_add_parameter: Error while building message");
-    const EarlierHandles withoutScratch(unopened);
-    {
-        notices.shown.clear();
-        const FailQmxCall prime(FailQmxCall::ctorPrimeCb, 1);
-        unopened.OpenHandles(notices);
-    }
-    EXPECT_EQ(notices.shown, std::vector<std::string>{"MNM Handle Open Failed"});
-    EXPECT_FALSE(SendGetSipOperationMode(unopened, &control, notices));
-    EXPECT_EQ(notices.shown.back(), "zup_add_parameter: Error while building message");
 }
 
 // The cautionary question runs a message loop: another menu pick opens the handles anew, another window sends.
@@ -200,20 +162,19 @@ TEST_F(RequestTest, AnotherRequestDuringTheCautionaryQuestionSpoilsNothing) {
     const EarlierHandles firstPick(session);
     host.duringCaution = [&] {
         session.OpenHandles(notices);
-        EXPECT_TRUE(SendGetSipOperationMode(session, &control, notices));
+        EXPECT_TRUE(AskMode());
     };
     EXPECT_TRUE(Place());
-    ASSERT_EQ(control.sent.size(), 2u);
-    EXPECT_EQ(control.sent[0], "0=get_sip_operation_mode");
-    EXPECT_EQ(control.sent[1], std::string(kUpToBranch) + " 54158=uuid-1 53405=N 64756=TWS");
+    EXPECT_EQ(host.requests, (Texts{"0=get_sip_operation_mode",
+                                    std::string(kUpToBranch) + " 54158=UUID-1 53405=N 64756=TWS"}));
 }
 
 TEST_F(RequestTest, EmptyValuesAreSentAsAbsent) {
     host.peerA.clear();
     order.token.clear();
     EXPECT_TRUE(Place());
-    EXPECT_NE(control.sent.at(0).find(" 10100= "), std::string::npos) << control.sent[0];
-    EXPECT_NE(control.sent.at(0).find(" 64056= "), std::string::npos) << control.sent[0];
+    for (const char* absent : {" 10100= ", " 64056= "})
+        EXPECT_NE(host.LastRequest().find(absent), std::string::npos) << host.LastRequest();
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "plugin/orderentry/SipOrder.h"
-#include "tests/plugin/HostDouble.h"
+#include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ SipOrderForm GoodForm() {
     SipOrderForm form;
     form.exchange = "NSE";
     form.series = "EQ";
-    form.symbol = "ALPHA";
+    form.symbol = "ARBORTEX";
     form.action = "SIP";
     form.orderType = "MARKET";
     form.product = "CNC";
@@ -25,10 +25,8 @@ SipOrderForm GoodForm() {
     return form;
 }
 
-class ValidateSipOrderTest : public ::testing::Test {
+class ValidateSipOrderTest : public ::testing::Test, protected Stage {
 protected:
-    void SetUp() override { session.host = ResolveHostCallbacks(session.lookup); }
-
     // The refusal's text, or empty.
     std::string Check(const SipOrderForm& form) {
         record = {};
@@ -37,41 +35,21 @@ protected:
         return refusal ? refusal->text : std::string();
     }
 
-    HostDouble host;
-    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
     sSipOrderData record;
     bool focused = false;
 };
 
-TEST_F(ValidateSipOrderTest, FillsTheRecordInTheServersWords) {
-    ASSERT_EQ(Check(GoodForm()), "");
-    EXPECT_EQ(record.exchangeSegment, "nse_cm");
-    EXPECT_EQ(record.token, "1013");
-    EXPECT_EQ(record.tradingSymbol, "ALPHA-EQ");
-    EXPECT_EQ(record.side + record.sideLabel, "BBUY");
-    EXPECT_EQ(record.orderType, "MKT");
-    EXPECT_EQ(record.product, "CNC");
-    EXPECT_EQ(record.frequency, "monthly");
-    EXPECT_EQ(record.investType, "value");
-    EXPECT_EQ(record.amountOrQuantity, "123450");
-    EXPECT_EQ(record.totalPeriod, "12");
-    EXPECT_EQ(record.startDate, std::to_string(ToSeconds({2027, 1, 11, 0, 0, 0})));
-    EXPECT_EQ(record.customerFirm, "C");
-    EXPECT_EQ(record.validity, "DAY");
-    EXPECT_EQ(record.client, "C001");
-    EXPECT_TRUE(host.log.empty());
-}
-
 TEST_F(ValidateSipOrderTest, FindsTheScripInTheMasterWhenTheHostCannotReadTheDialog) {
     session.host.pu_get_trading_symbol_n_token = nullptr;
     ASSERT_EQ(Check(GoodForm()), "");
-    EXPECT_EQ(host.scripKey, "nse_cm|EQ|ALPHA");
-    EXPECT_EQ(host.detailsAskedFor, (std::vector<std::string>{"NSE", "ALPHA-EQ"}));
-    EXPECT_EQ(record.exchangeSegment + " " + record.token + " " + record.tradingSymbol, "nse_cm 1013 ALPHA-EQ");
-    EXPECT_EQ(host.log, (std::vector<std::string>{
-                            "SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : "
-                            "ALPHA,TradingSymbol : ALPHA-EQ ",
-                            "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ALPHA-EQ,Token : 1013 "}));
+    EXPECT_EQ(host.calls, (Texts{"pu_get_intersted_scrip_field(nse_cm|EQ|ARBORTEX,0,6)",
+                                 "pu_get_scrip_details_from_TradSymbol(NSE,ARBORTEX-EQ)"}));
+    EXPECT_EQ(record.exchangeSegment + " " + record.token + " " + record.tradingSymbol,
+              "nse_cm 1013 ARBORTEX-EQ");
+    EXPECT_EQ(host.log,
+              (Texts{"SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : "
+                     "ARBORTEX,TradingSymbol : ARBORTEX-EQ ",
+                     "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ARBORTEX-EQ,Token : 1013 "}));
 }
 
 TEST_F(ValidateSipOrderTest, AcceptsAnUnknownScripAndAnEmptyClient) {

@@ -5,8 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -159,19 +157,6 @@ TEST(CString, ForkIsMadeByTheManagersClone) {
     EXPECT_EQ(clone.Faults() + original.Faults(), 0);
 }
 
-TEST(CString, EmptyStringIsCountedAndGivenBack) {
-    QuarantineStringManager manager;
-    const int before = manager.NilReferences();
-    {
-        const CString first(manager);
-        const CString second(first);
-        EXPECT_TRUE(second.IsEmpty());
-        EXPECT_EQ(manager.NilReferences(), before + 2);
-        EXPECT_EQ(manager.Live(), 0);
-    }
-    EXPECT_EQ(manager.NilReferences(), before);
-}
-
 TEST(CString, KeepsItsTextWhenThereIsNoMemory) {
     QuarantineStringManager manager;
     {
@@ -208,24 +193,6 @@ TEST(CString, ByValueArgumentIsDestroyedByTheCallee) {
     }
     EXPECT_EQ(caller.Faults(), 0) << "the caller must not destroy it a second time";
     EXPECT_EQ(callee(nullptr), "");
-}
-
-TEST(CString, CountOfASharedBufferSurvivesThreads) {
-    QuarantineStringManager manager;
-    {
-        const CString shared("shared by several threads", manager);
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([&shared] {
-                for (int n = 0; n < 20000; ++n)
-                    const CString copy(shared);
-            });
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_EQ(HeaderOf(shared)->references, 1);
-    }
-    EXPECT_EQ(manager.Live(), 0);
-    EXPECT_EQ(manager.Faults(), 0);
 }
 
 } // namespace

@@ -74,21 +74,4 @@ TEST(HeapStringManager, EmptyStringIsNeverFreed) {
     EXPECT_STREQ(CString(manager).c_str(), "");
 }
 
-TEST(HeapStringManager, LeavesNothingWithAnotherModulesStrings) {
-    HeapStringManager plugin;
-    QuarantineStringManager host;
-    {
-        CString hostText("host", host), pluginText("plugin", plugin);
-        hostText.Assign(pluginText.View());
-        pluginText = hostText;
-        hostText = CString("again", plugin);
-        pluginText.Assign("written by the plug-in into what is now a buffer of the host");
-        EXPECT_EQ(plugin.LiveBuffers(), 1);
-        EXPECT_EQ(host.Live(), 1);
-    }
-    EXPECT_EQ(plugin.LiveBuffers(), 0);
-    EXPECT_EQ(host.Live(), 0);
-    EXPECT_EQ(host.Faults(), 0);
-}
-
 } // namespace

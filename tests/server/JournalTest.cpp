@@ -14,24 +14,6 @@ std::string ThreeLines() {
     return JournalLine("{\"a\":1}") + JournalLine("") + JournalLine("{\"c\":3}");
 }
 
-TEST(Journal, ChecksumIsTheCommonOne) {
-    EXPECT_EQ(Crc32("123456789"), 0xCBF43926u);
-}
-
-TEST(Journal, KeepsWhatWasAppendedAcrossOpenings) {
-    const TemporaryFolder folder;
-    std::string error;
-    for (int round = 0; round < 3; ++round) {
-        JournalOpening opening = Journal::Open(folder.File("journal"));
-        ASSERT_TRUE(opening.journal) << opening.error;
-        EXPECT_EQ(opening.warning, "");
-        EXPECT_EQ(opening.records.size(), static_cast<std::size_t>(round));
-        EXPECT_TRUE(opening.journal->Append("{\"round\":" + std::to_string(round) + "}", error));
-    }
-    EXPECT_EQ(FileText(folder.File("journal")).substr(0, 3), "V1 ");
-    EXPECT_EQ(Journal::Open(folder.File("journal")).records.back(), "{\"round\":2}");
-}
-
 TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
     const TemporaryFolder folder;
     const std::string whole = ThreeLines();
@@ -87,26 +69,13 @@ TEST(Journal, DamageIsToldWithPathRecordAndOffsetAndNothingIsChanged) {
     EXPECT_EQ(FileText(path), text);
 }
 
-TEST(Journal, FileThatCannotBeOpenedIsNamed) {
-    const TemporaryFolder folder;
-    const auto path = folder.File("no-such-folder") / "journal";
-    const JournalOpening opening = Journal::Open(path);
-    EXPECT_FALSE(opening.journal);
-    EXPECT_NE(opening.error.find(path.string()), std::string::npos);
-}
-
-TEST(Journal, SecondServerIsKeptOut) {
+TEST(Journal, SecondServerAndRecordOfTwoLinesAreKeptOut) {
     const TemporaryFolder folder;
     const JournalOpening first = Journal::Open(folder.File("journal"));
     ASSERT_TRUE(first.journal);
     EXPECT_FALSE(Journal::Open(folder.File("journal")).journal);
-}
-
-TEST(Journal, RecordOfTwoLinesIsRefused) {
-    const TemporaryFolder folder;
-    const JournalOpening opening = Journal::Open(folder.File("journal"));
     std::string error;
-    EXPECT_FALSE(opening.journal->Append("a\nb", error));
+    EXPECT_FALSE(first.journal->Append("a\nb", error));
     EXPECT_EQ(FileText(folder.File("journal")), "");
 }
 

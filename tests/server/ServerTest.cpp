@@ -1,4 +1,5 @@
-// What the server answers, what it journals, and what is left of it after a restart.
+// What the server takes for its configuration, what it answers, what it journals, and what is left of it after
+// a restart.
 
 #include "tests/server/ServerFixture.h"
 
@@ -50,28 +51,10 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     EXPECT_EQ(again.server->Registrations().size(), 1u);
     again.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
     EXPECT_TRUE(again.server->Find("SIP2603020000002"));
-}
-
-TEST(Server, RecordCarriesTheFieldsOfTheBook) {
-    const TemporaryFolder folder;
-    RunningServer running(folder.File("journal"));
-    running.Ask(Order());
-    qmx::MessageWriter writer;
-    const std::string bytes = running.server->Registrations().at(0).Message(writer);
-    const qmx::MessageReader reader(bytes);
-    EXPECT_EQ(qmx::Dump(reader.Handle()),
-              "10012=monthly 10100=1013 10303=active 10615=06-Mar-2026 12003=B 12005=DAY 12008=MKT "
-              "31003=USER1 49165=06-Mar-2026 53063=123450 54001=CL1 54152=value 54158=id-1 54211=PLANFOLD "
-              "54270=02-Mar-2026 63001=nse_cm 63100=ALPHA-EQ 63415=12 64030=CNC 64053= 64056=BROKER "
-              "64756=TWS 64804=SIP2603020000001 64987=06-Feb-2027");
-}
-
-TEST(Server, OrdersWithoutAnIdentifierAreEachTheirOwn) {
-    const TemporaryFolder folder;
-    RunningServer running(folder.File("journal"));
-    running.Ask(Order({{kTagRequestIdentifier, ""}}));
-    running.Ask(Order({{kTagRequestIdentifier, ""}}));
-    EXPECT_EQ(running.server->Registrations().size(), 2u);
+    // Without an identifier each is an order of its own.
+    again.Ask(Order({{kTagRequestIdentifier, ""}}));
+    again.Ask(Order({{kTagRequestIdentifier, ""}}));
+    EXPECT_EQ(again.server->Registrations().size(), 4u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
@@ -87,34 +70,6 @@ TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
     EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
 }
 
-TEST(Server, FaultsArePlayedOnTheRequestsTheyName) {
-    const TemporaryFolder folder;
-    RunningServer running(folder.File("journal"));
-    running.server->Config().faults = {{"add_sip_orders", {.errorCode = "99"}}};
-    EXPECT_EQ(running.Ask(Order()),
-              Answers{"32767=add_sip_orders 32766=99 20008=Refused by the server's configuration"});
-    EXPECT_TRUE(running.server->Registrations().empty());
-    EXPECT_EQ(running.Ask(kAskMode).size(), 1u);
-
-    running.server->Config().faults = {{"*", {.garbage = true}}};
-    EXPECT_EQ(running.Ask(kAskMode), Answers{"1=\\xFF\\x01 2="});
-    running.server->Config().faults = {{"*", {.silent = true}}};
-    EXPECT_EQ(running.Ask(Order()), Answers{});
-    EXPECT_EQ(running.server->Registrations().size(), 1u);
-}
-
-TEST(Server, TextsInAnyCodePageSurviveTheJournal) {
-    std::string every;
-    for (int byte = 1; byte < 256; ++byte)
-        every += static_cast<char>(byte);
-    Registration registration;
-    registration.Set(kTagRegistrationNumber, "SIP1");
-    registration.Set(kTagUserText, every);
-    const std::string json = registration.Json();
-    EXPECT_EQ(json.find('\n'), std::string::npos);
-    EXPECT_EQ(Registration::FromJson(json)->Text(kTagUserText), every);
-}
-
 TEST(Server, RecordOfAnotherKindStopsItFromServing) {
     for (const char* content :
          {"", "[]", "{\"registration\":1}", "{\"registration\":{}}", "{\"registration\":{\"64804\":1}}",
@@ -126,6 +81,40 @@ TEST(Server, RecordOfAnotherKindStopsItFromServing) {
         EXPECT_EQ(running.server->ReplayError(), "journal record 1 is not one this server knows") << content;
         EXPECT_EQ(running.Ask(kAskMode),
                   Answers{"32767=get_sip_operation_mode 32766=106 20008=" + running.server->ReplayError()});
+    }
+}
+
+TEST(ServerConfig, RefusesWithFileLineAndReason) {
+    const struct {
+        const char* text;
+        const char* error;
+    } rows[] = {
+        {"", "s:1: not valid JSON"},
+        {"{\n\"faults\": {\n,", "s:3: not valid JSON"},
+        {"[]", "s:1: \"configuration\" must be an object"},
+        {"{\n\"fault\": {}}", "s:2: unknown setting \"fault\""},
+        {"{\"faults\": []}", "s:1: \"faults\" must be an object"},
+        {"{\"faults\":\n{\"a\": {\n\"error\": 5}}}", "s:3: \"error\" must be a text"},
+        {"{\"faults\": {\"a\": {\"delayMs\": -1}}}", "s:1: \"delayMs\" must be a whole number of milliseconds"},
+        {"{\"faults\": {\"a\": {\"delayMs\": 18446744073709551615}}}",
+         "s:1: \"delayMs\" must not exceed a day"},
+        {"{\"faults\": {\"a\": {\"silent\": 1}}}", "s:1: \"silent\" must be true or false"},
+        {"{\"faults\": {\n\"a\": 1}}", "s:2: \"a\" must be an object"},
+        {"{\"operationMode\": {\"shape\": \"x\"}}",
+         "s:1: \"shape\" must be \"list\", \"listThenZero\" or \"bare\""},
+        {"{\"operationMode\": {\"frequencies\": 1}}", "s:1: \"frequencies\" must be a list"},
+        {"{\"operationMode\": {\"frequencies\": [{\"minimum\": 1}]}}", "s:1: a frequency needs a \"name\""},
+        {"{\"operationMode\": {\"frequencies\": [{\"name\": \"daily\", \"minimum\": 1e9}]}}",
+         "s:1: \"minimum\" must be a whole number"},
+        {"{\"operationMode\": {\"frequencies\": [{\"name\": \"daily\", \"minimum\": 1000000}]}}",
+         "s:1: \"minimum\" must lie between 0 and 100000"},
+        {"{\"operationMode\": {\n\"frequencies\": [{\"name\": \"a\"}, {\"name\": \"b\", \"minimum\": 1}]}}",
+         "s:2: only the last frequencies may lack a \"minimum\""},
+    };
+    for (const auto& row : rows) {
+        const ConfigResult result = ParseServerConfig(row.text, "s");
+        EXPECT_FALSE(result.config) << row.text;
+        EXPECT_EQ(result.error, row.error);
     }
 }
 

@@ -8,8 +8,7 @@
 namespace {
 
 constexpr int kBoxText = 0xFFFF;
-constexpr UINT kHandleBox = WM_APP;
-constexpr char kHelperClass[] = "BoxRecorderHelper";
+BoxRecorder* g_recorder = nullptr;
 
 // Message boxes share their class with every dialog, but have a text and nothing to type into.
 bool IsMessageBox(HWND window) {
@@ -20,65 +19,45 @@ bool IsMessageBox(HWND window) {
 
 } // namespace
 
-BoxRecorder* BoxRecorder::s_current = nullptr;
-
-BoxRecorder::BoxRecorder() {
-    s_current = this;
-    WNDCLASSA helper{};
-    helper.lpfnWndProc = Procedure;
-    helper.lpszClassName = kHelperClass;
-    helper.hInstance = GetModuleHandleA(nullptr);
-    RegisterClassA(&helper);
-    m_helper = CreateWindowExA(0, kHelperClass, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    m_hook = SetWindowsHookExA(WH_CBT, OnCbt, nullptr, GetCurrentThreadId());
+BoxRecorder::BoxRecorder() : m_hook(SetWindowsHookExA(WH_CBT, OnCbt, nullptr, GetCurrentThreadId())) {
+    g_recorder = this;
 }
 
 BoxRecorder::~BoxRecorder() {
     UnhookWindowsHookEx(m_hook);
-    DestroyWindow(m_helper);
-    s_current = nullptr;
+    g_recorder = nullptr;
 }
 
-std::string BoxRecorder::Texts(std::size_t from) const {
-    std::string texts;
-    for (; from < m_boxes.size(); ++from)
-        texts += m_boxes[from].text + "|";
-    return texts;
-}
-
-bool BoxRecorder::AnyNested() const {
-    return std::ranges::any_of(m_boxes, &Box::nested);
+std::string BoxRecorder::Texts() {
+    return std::exchange(m_texts, {});
 }
 
 LRESULT CALLBACK BoxRecorder::OnCbt(int code, WPARAM wParam, LPARAM lParam) {
-    if (s_current) {
-        const auto window = reinterpret_cast<HWND>(wParam);
-        if (code == HCBT_ACTIVATE && IsMessageBox(window)) s_current->Opened(window);
-        if (code == HCBT_DESTROYWND) std::erase(s_current->m_open, window);
-    }
+    const auto window = reinterpret_cast<HWND>(wParam);
+    if (g_recorder && code == HCBT_ACTIVATE && IsMessageBox(window)) g_recorder->Opened(window);
+    if (g_recorder && code == HCBT_DESTROYWND) std::erase(g_recorder->m_open, window);
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
 void BoxRecorder::Opened(HWND box) {
     if (std::ranges::find(m_open, box) != m_open.end()) return;
-    m_boxes.push_back(
-        {probe::Text(box), probe::Text(GetDlgItem(box, kBoxText)), GetWindow(box, GW_OWNER), !m_open.empty()});
+    m_texts += probe::Text(GetDlgItem(box, kBoxText)) + "|";
+    lastOwner = GetWindow(box, GW_OWNER);
+    anyNested |= !m_open.empty();
     m_open.push_back(box);
-    PostMessageA(m_helper, kHandleBox, 0, reinterpret_cast<LPARAM>(box));
+    m_unanswered.push_back(box);
+    SetTimer(nullptr, 0, 1, OnTimer);
 }
 
-LRESULT CALLBACK BoxRecorder::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != kHandleBox || !s_current) return DefWindowProcA(window, message, wParam, lParam);
-    s_current->Handle(reinterpret_cast<HWND>(lParam));
-    return 0;
+void CALLBACK BoxRecorder::OnTimer(HWND, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(nullptr, timer);
+    if (g_recorder) g_recorder->Answer();
 }
 
-void BoxRecorder::Handle(HWND box) {
+void BoxRecorder::Answer() {
+    if (m_unanswered.empty()) return;
+    HWND box = m_unanswered.back();
+    m_unanswered.pop_back();
     if (const auto action = std::exchange(during, nullptr)) action();
-    int answer = IDOK;
-    if (!answers.empty()) {
-        answer = answers.front();
-        answers.pop_front();
-    }
-    PostMessageA(box, WM_COMMAND, static_cast<WPARAM>(answer), 0);
+    PostMessageA(box, WM_COMMAND, IDOK, 0);
 }

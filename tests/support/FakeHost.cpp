@@ -1,38 +1,137 @@
 #include "tests/support/FakeHost.h"
 
-#include <cctype>
-#include <utility>
-#include <windows.h>
+#ifdef _WIN32
+#include "tests/support/WindowProbe.h"
+#define HOST_EXPORT(name, ...) extern "C" __declspec(dllexport) sdk::fn::name name;
+#else
+#define HOST_EXPORT(name, ...) extern "C" sdk::fn::name name;
+#endif
 
 #include <algorithm>
-#include <stdexcept>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
 
+VESK_HOST_EXPORTS(HOST_EXPORT)
+VESK_HOST_EXPORTS_BESIDE_THE_TABLE(HOST_EXPORT)
+
+namespace planfold::test {
 namespace {
 
-constexpr char kFrameClass[] = "FakeHostFrame";
+FakeHost* g_host = nullptr; // plain functions have no other way to their test
 
-// The fields must be in the message itself, not only in the calls that were seen to build it.
-bool Carries(void* message, const Fields& fields) {
-    std::map<std::uint32_t, std::uint32_t> next;
-    for (const Field& field : fields) {
-        QmxDatum datum{};
-        QmxError error{};
-        if (!Connection::Loaded().get(message, field.tag, next[field.tag]++, &datum, &error)) return false;
-        const std::string text = datum.length ? std::string(datum.data, datum.length) : "null";
-        if (text != field.text) return false;
-    }
-    return true;
+FakeHost& Host() {
+    if (!g_host) std::abort();
+    return *g_host;
+}
+
+#ifdef _WIN32
+// The entry that the combo shows, read by its selection: a combo that is being changed still has its old text.
+std::string Selected(HWND dialog, int combo) {
+    const auto index = SendMessageA(GetDlgItem(dialog, combo), CB_GETCURSEL, 0, 0);
+    return index < 0 ? "" : probe::Items(dialog, combo)[static_cast<std::size_t>(index)];
+}
+void FillCombo(HWND dialog, int combo, const Texts& items) {
+    HWND window = GetDlgItem(dialog, combo);
+    SendMessageA(window, CB_RESETCONTENT, 0, 0);
+    for (const std::string& item : items)
+        SendMessageA(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.c_str()));
+}
+std::string Shown(HWND window) {
+    return "#" + std::to_string(GetDlgCtrlID(window));
+}
+#else
+std::string Selected(HostWindow, int combo) {
+    constexpr int exchange = 1003, series = 1005;
+    return combo == exchange ? "NSE" : combo == series ? "EQ" : Host().scrips.front().symbol;
+}
+void FillCombo(HostWindow, int, const Texts&) {}
+std::string Shown(HostWindow) {
+    return "#";
+}
+#endif
+std::string Shown(InString text) {
+    return std::string(text->View());
+}
+std::string Shown(int number) {
+    return std::to_string(number);
+}
+
+template <class... Arguments>
+int Record(const char* name, const Arguments&... arguments) {
+    std::string call;
+    ((call += (call.empty() ? "" : ",") + Shown(arguments)), ...);
+    Host().calls.push_back(std::string(name) + "(" + call + ")");
+    return 1;
+}
+
+std::string CodeOf(std::string_view exchange) {
+    return exchange == "NSE" ? "nse_cm" : exchange == "BSE" ? "bse_cm" : std::string(exchange);
+}
+
+const FakeHost::Scrip* FindScrip(std::string_view exchange, std::string FakeHost::Scrip::*by,
+                                 std::string_view value) {
+    const auto found = std::ranges::find_if(Host().scrips, [&](const FakeHost::Scrip& scrip) {
+        return scrip.exchange == CodeOf(exchange) && scrip.*by == value;
+    });
+    return found == Host().scrips.end() ? nullptr : &*found;
+}
+
+int Give(OutString out, const std::string& text) {
+    if (text.empty()) return 0;
+    *out = text;
+    return 1;
+}
+
+int AskCaution() {
+    if (const auto action = std::exchange(Host().duringCaution, nullptr)) action();
+    return Host().caution;
+}
+
+// Mode 2 looks at the identifier only, 3 at the name only; the text is in upper case, blanks match everything,
+// "X(" matches X alone and whatever begins with it. Every search lets the texts of the one before go, as a host
+// may.
+const ClientResult* Search(int mode, std::string_view text, int& count) {
+    static std::deque<std::pair<std::string, std::string>> texts;
+    static std::vector<ClientResult> results;
+    const bool exact = text.ends_with('(');
+    const std::string_view wanted = text.substr(0, text.size() - exact);
+    const auto holds = [&](std::string value) {
+        for (char& c : value)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        if (exact) return value == wanted || value.starts_with(text);
+        return wanted.find_first_not_of(' ') == wanted.npos || value.find(wanted) != value.npos;
+    };
+    texts.clear();
+    results.clear();
+    for (const auto& client : Host().clients)
+        if ((mode != 3 && holds(client.first)) || (mode != 2 && holds(client.second))) {
+            const auto& [id, name] = texts.emplace_back(client);
+            results.push_back({id.c_str(), name.c_str()});
+        }
+    count = static_cast<int>(results.size());
+    return results.data();
 }
 
 } // namespace
 
-int FakeControl::SendRequest(std::uint64_t* requestNumber, void* message, int zero, QmxError* error) {
-    const Fields& fields = ConnectionWatch::Current().building;
+Received::Received(const Fields& fields) {
+    qmx::MessageWriter writer;
+    for (const Field& field : fields) {
+        std::vector<QmxDatum> values;
+        for (const std::string& value : field.values)
+            values.push_back(qmx::Datum(value));
+        writer.AddValues(field.tag, values.data(), static_cast<std::uint32_t>(values.size()));
+    }
+    m_bytes = writer.Finish();
+    m_reader = std::make_unique<qmx::MessageReader>(m_bytes);
+}
+
+int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* error) {
     if (!live || zero != 0 || !error || !message) Misused();
-    if (!Carries(message, fields)) m_host.misuses.push_back("sent something else than was built");
-    if (requestNumber) *requestNumber = m_host.requests.size() + 1;
-    if (!m_host.sendResult) return 0;
-    m_host.requests.push_back({m_index, fields});
+    if (m_host.refuses) return 0;
+    m_host.requests.push_back(qmx::Dump(message));
     return 1;
 }
 
@@ -40,101 +139,246 @@ int FakeControl::Subscribe(std::uint64_t*, const std::uint32_t* tags, const QmxD
                            std::uint32_t count, RxControl* self, int zeroA, int zeroB, int one,
                            QmxError* error) {
     if (!live || self != this || zeroA != 0 || zeroB != 0 || one != 1 || !error) Misused();
-    Fields fields;
-    for (std::uint32_t i = 0; i < count; ++i)
-        fields.push_back({tags[i], values[i].data ? std::string(values[i].data, values[i].length) : "null"});
-    m_host.subscriptions.push_back({m_index, fields});
-    if (!m_host.subscribeResult && error) error->code = m_host.subscribeError;
-    return m_host.subscribeResult;
-}
-
-int FakeControl::Stop(int zero) {
-    if (!live || zero != 0) Misused();
-    stopped = true;
-    return 1;
+    std::string line;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const bool absent = !values[i].data && values[i].length == 0;
+        line +=
+            (i ? " " : "") + std::to_string(tags[i]) + "=" + (absent ? "-" : std::string(qmx::View(values[i])));
+    }
+    m_host.subscriptions.push_back(line);
+    error->code = 42;
+    return !m_host.refuses;
 }
 
 void FakeControl::Misused() {
-    m_host.misuses.push_back("control " + std::to_string(m_index));
+    m_host.misuses.push_back("a control of kind " + std::to_string(kind));
 }
-
-FakeHost* FakeHost::s_current = nullptr;
 
 FakeHost::FakeHost() {
-    if (s_current) throw std::logic_error("a host is there already");
-    s_current = this;
+    g_host = this;
+#ifdef _WIN32
     WNDCLASSA frame{};
     frame.lpfnWndProc = DefWindowProcA;
-    frame.lpszClassName = kFrameClass;
-    frame.hInstance = GetModuleHandleA(nullptr);
+    frame.lpszClassName = "FakeHostFrame";
     RegisterClassA(&frame);
-    m_mainFrame = CreateWindowExA(0, kFrameClass, "Host", WS_OVERLAPPEDWINDOW, 0, 0, 1000, 700, nullptr,
-                                  nullptr, frame.hInstance, nullptr);
+    app.mainFrame = mainFrame = CreateWindowExA(0, frame.lpszClassName, "Host", WS_OVERLAPPEDWINDOW, 0, 0, 1000,
+                                                700, nullptr, nullptr, nullptr, nullptr);
+#endif
 }
-
 FakeHost::~FakeHost() {
-    DestroyWindow(m_mainFrame);
-    s_current = nullptr;
+#ifdef _WIN32
+    DestroyWindow(mainFrame);
+#endif
+    g_host = nullptr;
 }
 
-FakeHost& FakeHost::Current() {
-    if (!s_current) std::abort();
-    return *s_current;
+HostLookup FakeHost::Lookup() {
+#define ROW(name, ...) {#name, reinterpret_cast<AnyFunction>(static_cast<sdk::fn::name*>(&::name))},
+    static const std::map<std::string, AnyFunction> exports{VESK_HOST_EXPORTS(ROW)
+                                                                VESK_HOST_EXPORTS_BESIDE_THE_TABLE(ROW)};
+#undef ROW
+    return [this](const char* name) -> AnyFunction {
+        lookedUp.emplace_back(name);
+        return missing.contains(name) || !exports.contains(name) ? nullptr : exports.at(name);
+    };
 }
 
 int FakeHost::CallsOf(std::string_view name) const {
-    return static_cast<int>(std::ranges::count_if(
-        calls, [&](const std::string& call) { return call.starts_with(std::string(name) + "("); }));
+    const std::string start = std::string(name) + "(";
+    return static_cast<int>(
+        std::ranges::count_if(calls, [&](const std::string& call) { return call.starts_with(start); }));
 }
 
 int FakeHost::LiveControls() const {
     return static_cast<int>(std::ranges::count_if(controls, &FakeControl::live));
 }
 
-void FakeHost::Answer(int control, const Fields& fields) {
-    const BuiltMessage message(fields);
-    controls.at(static_cast<std::size_t>(control)).notifier->OnResponse(nullptr, message.Handle(), nullptr);
+void FakeHost::Answer(const Fields& fields) {
+    const Received message(fields);
+    const auto taken = std::ranges::find_if(controls, &FakeControl::live);
+    (taken == controls.end() ? controls.front() : *taken)
+        .notifier->OnResponse(nullptr, message.Message(), nullptr);
 }
 
-void FakeHost::Broadcast(int control, const Fields& fields) {
-    const BuiltMessage message(fields);
-    controls.at(static_cast<std::size_t>(control)).notifier->OnBroadcast(message.Handle(), 0, nullptr);
-}
+} // namespace planfold::test
 
-const FakeHost::Scrip* FakeHost::FindScrip(const std::function<bool(const Scrip&)>& matches) const {
-    const auto found = std::ranges::find_if(scrips, matches);
-    return found == scrips.end() ? nullptr : &*found;
-}
+using namespace planfold::test;
 
-VeskApp* FakeHost::App() {
-    if (!hasApp) return nullptr;
-    m_app = {appSize, 0, hasMainFrame ? m_mainFrame : nullptr, GetModuleHandleA(nullptr)};
-    return &m_app;
-}
-
-const NonTradingDates* FakeHost::NonTrading() {
-    m_nonTrading = {static_cast<std::uint32_t>(nonTradingDates.size()), 0,
-                    nonTradingDates.empty() ? nullptr : nonTradingDates.data()};
-    return &m_nonTrading;
-}
-
-// Every search gives texts of its own and lets those of the one before go, as a host may.
-// Mode 2 looks at the identifier only, 3 at the name only; the text is in upper case, "X(" asks for X alone.
-const ClientResult* FakeHost::Search(int mode, std::string_view text, int& count) {
-    const auto holds = [&](std::string value) {
-        for (char& c : value)
-            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        return text.ends_with('(') ? value == text.substr(0, text.size() - 1) : value.find(text) != value.npos;
-    };
-    if (const auto during = std::exchange(duringSearch, nullptr)) during();
-    m_results.clear();
-    m_resultTexts.clear();
-    for (const auto& client : clients) {
-        if (!(mode != 3 && holds(client.first)) && !(mode != 2 && holds(client.second))) continue;
-        const auto& copy =
-            *m_resultTexts.emplace_back(std::make_unique<std::pair<std::string, std::string>>(client));
-        m_results.push_back({copy.first.c_str(), copy.second.c_str()});
+int pu_fill_scrip_combos(HostWindow dialog, int exchange, int series, int symbol, int a, int b, int c,
+                         int flag) {
+    Record("pu_fill_scrip_combos", exchange, series, symbol, a, b, c, flag);
+    const std::string code = CodeOf(Selected(dialog, exchange));
+    const std::string chosen = flag == 0 ? "EQ" : Selected(dialog, series);
+    Texts seriesList, symbols;
+    for (const FakeHost::Scrip& scrip : Host().scrips) {
+        if (scrip.exchange != code) continue;
+        if (std::ranges::find(seriesList, scrip.series) == seriesList.end()) seriesList.push_back(scrip.series);
+        if (scrip.series == chosen) symbols.push_back(scrip.symbol);
     }
-    count = static_cast<int>(m_results.size());
-    return m_results.empty() ? nullptr : m_results.data();
+    if (flag == 0) FillCombo(dialog, series, seriesList);
+    FillCombo(dialog, symbol, symbols);
+    return 1;
+}
+int pu_get_trading_symbol_n_token(HostWindow dialog, int exchange, int series, int symbol, int a, int b, int c,
+                                  OutString tradingSymbol, OutString exchangeAndToken) {
+    Record("pu_get_trading_symbol_n_token", exchange, series, symbol, a, b, c);
+    const auto* scrip =
+        FindScrip(Selected(dialog, exchange), &FakeHost::Scrip::symbol, Selected(dialog, symbol));
+    if (!scrip) return 0;
+    const std::string& other = Host().exchangeAndToken;
+    *tradingSymbol = scrip->tradingSymbol;
+    *exchangeAndToken = other.empty() ? scrip->exchange + "|" + scrip->token : other;
+    return 1;
+}
+int pu_get_intersted_scrip_field(InString key, int zero, int six, OutString exchange, OutString series,
+                                 OutString symbol, OutString token, OutString tradingSymbol,
+                                 OutString company) {
+    Record("pu_get_intersted_scrip_field", key, zero, six);
+    for (const FakeHost::Scrip& scrip : Host().scrips) {
+        if (scrip.exchange + "|" + scrip.series + "|" + scrip.symbol != key->View()) continue;
+        *exchange = scrip.exchange;
+        *series = scrip.series;
+        *symbol = scrip.symbol;
+        *token = scrip.token;
+        *tradingSymbol = scrip.tradingSymbol;
+        *company = scrip.company;
+        return 1;
+    }
+    return 0;
+}
+ScripDetails* pu_get_scrip_details_from_TradSymbol(InString exchange, InString tradingSymbol,
+                                                   ScripDetails* out) {
+    Record("pu_get_scrip_details_from_TradSymbol", exchange, tradingSymbol);
+    const auto* scrip = FindScrip(exchange->View(), &FakeHost::Scrip::tradingSymbol, tradingSymbol->View());
+    if (!scrip) return nullptr;
+    *out = {2, 0, 100.0, 5, {}, {}};
+    std::snprintf(out->token, sizeof out->token, "%s", scrip->token.c_str());
+    std::snprintf(out->tradingSymbol, sizeof out->tradingSymbol, "%s", scrip->tradingSymbol.c_str());
+    return out;
+}
+RxControl* GetKeloRxControl(int kind, CKeloRxNotifierBase* notifier) {
+    Record("GetKeloRxControl", kind);
+    return Host().givesControls ? &Host().controls.emplace_back(Host(), kind, notifier) : nullptr;
+}
+void DestoryKeloRxCOntrol(RxControl* control) {
+    Record("DestoryKeloRxCOntrol");
+    auto* fake = static_cast<FakeControl*>(control);
+    if (!fake || !fake->live) Host().misuses.emplace_back("a control given back that is not there");
+    if (fake) fake->live = false;
+}
+int pu_add_to_tabbed_log(ByValueString text) {
+    Host().log.emplace_back(TakenString(text).View());
+    return 1;
+}
+int pu_load_client_id_combo(HostWindow dialog, int combo) {
+    Texts identifiers;
+    for (const auto& client : Host().clients)
+        identifiers.push_back(client.first);
+    FillCombo(dialog, combo, identifiers);
+    return 1;
+}
+int pu_load_product_type_combo(HostWindow dialog, int combo) {
+    FillCombo(dialog, combo, {"CNC", "MIS", "NRML"});
+    return 1;
+}
+int pu_get_peer_data(OutString peerIdA, OutString peerIdB, OutString other) {
+    *peerIdA = Host().peerIdA;
+    *peerIdB = Host().peerIdB;
+    *other = "other";
+    return 1;
+}
+int pu_get_uuid(OutString identifier) {
+    return Give(identifier, Host().uuid);
+}
+int pu_get_ActiveClient(OutString client) {
+    return Give(client, Host().activeClient);
+}
+int pu_get_FontVariation(std::intptr_t* variation, std::intptr_t* size, void*, void*) {
+    *variation = Host().fontVariation;
+    *size = Host().fontSize;
+    return 1;
+}
+int pu_is_valid_account(InString account) {
+    return Host().validAccounts.contains(Shown(account));
+}
+const ClientResult* pu_get_entered_text_results(int mode, int* count, InString text, int) {
+    Record("pu_get_entered_text_results", mode, text);
+    if (const auto action = std::exchange(Host().duringSearch, nullptr)) action();
+    return Search(mode, text->View(), *count);
+}
+int pu_read_settings_from_json(InString section, InString key, OutString value, int) {
+    return Give(value, Host().settings[Shown(section) + "/" + Shown(key)]);
+}
+int pu_write_settings_to_json(InString section, InString key, InString value, int) {
+    Host().settings[Shown(section) + "/" + Shown(key)] = Shown(value);
+    return 1;
+}
+int pu_get_client_name(OutString name, InString client) {
+    for (const auto& known : Host().clients)
+        if (known.first == client->View()) return Give(name, known.second);
+    return 0;
+}
+// The answer is the low byte only.
+int pu_get_client_overview_status(int) {
+    return 0x100 | Host().clientOverview;
+}
+int pu_get_all_mappedAccount_ids(CStringArray* accounts) {
+    for (const std::string& account : Host().accounts)
+        accounts->Append(account, Host().strings);
+    return 1;
+}
+const NonTradingDates* pu_get_non_trading_dates_map() {
+    static const NonTradingDates none{};
+    Record("pu_get_non_trading_dates_map");
+    return &none;
+}
+int pu_get_UserDirectory(OutString directory) {
+    Record("pu_get_UserDirectory");
+    return Give(directory, "C:\\user");
+}
+int pu_invoke_caution_order_confirmation(InString client, InString investType, InString product, InString value,
+                                         InString symbol, InString exchange) {
+    Record("pu_invoke_caution_order_confirmation", client, investType, product, value, symbol, exchange);
+    return AskCaution();
+}
+int pu_is_actionright_enabled(InString right) {
+    return Host().rights.contains(Shown(right));
+}
+VeskApp* pu_get_exe_app() {
+    return Host().hasApp ? &Host().app : nullptr;
+}
+int pu_resize_EditCtrlForFontChange(HostWindow edit) {
+    return Record("pu_resize_EditCtrlForFontChange", edit);
+}
+
+// Present, as every host has them, and asked for by nothing that is tested here.
+int register_hotkey(HostWindow, InString, int, InString, InString, InString) {
+    return 1;
+}
+int pu_InvokeDialog(int, HostWindow) {
+    return 1;
+}
+int pu_get_client_search_time() {
+    return 0;
+}
+int pu_clear_FocusFromDropDown(HostWindow, HostWindow) {
+    return 1;
+}
+int pu_resend_nontradingDate_Request() {
+    return 1;
+}
+int pu_build_bskt_caution_order_map(InString, InString, InString, InString, InString, InString, int) {
+    return 1;
+}
+int pu_invoke_bskt_caution_order_confirmation() {
+    return AskCaution();
+}
+int pu_get_cautionary_bskt_confirm_state(InString, InString, int) {
+    return Host().caution;
+}
+int pu_free_allocated_memory() {
+    return 1;
+}
+int pu_send_mrv_master_request(InString, int) {
+    return 1;
 }

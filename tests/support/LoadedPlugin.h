@@ -1,35 +1,48 @@
-// The plug-in, loaded for one test and watched while it lives.
+// The plug-in, loaded for one test, and what it does to the libraries it imports while it lives.
 #pragma once
 
 #include "sdk/PluginExports.h"
-#include "tests/support/QuarantineStringManager.h"
 
 #include <windows.h>
 
+#include <stdexcept>
+#include <string>
 #include <string_view>
+
+// Since the plug-in was loaded.
+struct Watched {
+    int scratchOpened = 0, scratchClosed = 0, messagesOpened = 0, messagesClosed = 0;
+    int hooksSet = 0, hooksLive = 0;
+    bool failScratch = false, failMessage = false;
+};
 
 class LoadedPlugin {
 public:
     // Throws when the library or one of its entry points is missing.
-    explicit LoadedPlugin(StringManager& hostStrings);
+    LoadedPlugin();
     LoadedPlugin(const LoadedPlugin&) = delete;
     LoadedPlugin& operator=(const LoadedPlugin&) = delete;
     // Exits, if that was not done, and frees the library.
     ~LoadedPlugin();
 
+    template <class Function>
+    Function* Entry(const char* name) const {
+        const FARPROC entry = GetProcAddress(m_module, name);
+        if (!entry) throw std::runtime_error(std::string(name) + " is missing");
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(entry));
+    }
+    HMODULE Module() const { return m_module; }
     // One pick of a menu entry, and what it left in the message queue.
-    void Pick(std::string_view entry, std::int32_t loginMode = 3);
+    void Pick(std::string_view entry, StringManager& hostStrings) const;
     void Exit();
-    int Activate(std::string_view client);
-    void ApplyFont();
-    // Window hooks set and not removed.
-    static int LiveHooks();
+    int Activate(std::string_view client, StringManager& hostStrings) const;
+    void ApplyFont() const;
+
+    static Watched watched;
+    // Of the plug-in's own memory; asked for once it is gone.
+    static int WrittenAfterFree();
 
 private:
-    template <class Function>
-    Function* Entry(const char* name) const;
-
-    StringManager& m_strings;
     HMODULE m_module;
     bool m_exited = false;
 };

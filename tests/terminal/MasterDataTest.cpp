@@ -49,22 +49,6 @@ TEST(ScripMaster, IsFoundByEveryKey) {
         EXPECT_EQ(TokenOf(row.found), row.token) << row.what;
 }
 
-TEST(ScripMaster, KeepsItsIndexWhenMoved) {
-    auto loaded = ScripMaster::Parse(kScrips, "scrips.csv");
-    ScripMaster moved = std::move(loaded.Value());
-    ScripMaster again;
-    again = std::move(moved);
-    EXPECT_EQ(TokenOf(again.ByKey("bse_cm|EQ|ALPHA")), "50");
-}
-
-TEST(ScripMaster, ListsSeriesInFileOrderAndSymbolsSorted) {
-    const auto loaded = ScripMaster::Parse(kScrips, "scrips.csv");
-    using Texts = std::vector<std::string_view>;
-    EXPECT_EQ(loaded.Value().SeriesOf("NSE"), (Texts{"EQ", "BE"}));
-    EXPECT_EQ(loaded.Value().SymbolsOf("nse_cm", "EQ"), (Texts{"ALPHA", "ZULU"}));
-    EXPECT_EQ(loaded.Value().SymbolsOf("BSE", "BE"), Texts{});
-}
-
 struct BadFile {
     const char* text;
     const char* fault;
@@ -160,14 +144,6 @@ TEST(ClientList, FaultsNameFileAndLine) {
     };
     ExpectFaults<ClientList>(rows, "client,name,mapped\n",
                              [](std::string_view text) { return ClientList::Parse(text, "clients.csv"); });
-}
-
-TEST(TradingCalendar, SortsItsDates) {
-    const auto loaded =
-        TradingCalendar::Parse("date,occasion\n2027-01-26,B\n2026-12-25,A\n2028-02-29,C\n", "nontrading.csv");
-    ASSERT_TRUE(loaded);
-    const std::vector<std::uint32_t> dates(loaded.Value().Dates().begin(), loaded.Value().Dates().end());
-    EXPECT_EQ(dates, (std::vector<std::uint32_t>{20261225, 20270126, 20280229}));
 }
 
 TEST(TradingCalendar, FaultsNameFileAndLine) {

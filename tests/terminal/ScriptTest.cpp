@@ -59,11 +59,5 @@ TEST(Script, FaultsNameFileAndLine) {
     }
 }
 
-TEST(Script, RulesStandInTheOrderOfTheVerbs) {
-    std::size_t expected = 0;
-    for (const VerbRule& rule : VerbRules())
-        EXPECT_EQ(static_cast<std::size_t>(rule.verb), expected++) << rule.name;
-}
-
 } // namespace
 } // namespace vesk

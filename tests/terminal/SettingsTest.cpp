@@ -1,4 +1,6 @@
+#include "host/terminal/core/CommandLine.h"
 #include "host/terminal/core/TerminalConfig.h"
+#include "host/terminal/core/TerminalState.h"
 #include "host/terminal/core/UserSettings.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +10,7 @@
 namespace vesk {
 namespace {
 
-class UserSettingsFile : public testing::Test {
+class TerminalFolder : public testing::Test {
 protected:
     void SetUp() override {
         m_folder = std::filesystem::path(testing::TempDir())
@@ -22,7 +24,7 @@ protected:
     std::filesystem::path m_folder;
 };
 
-TEST_F(UserSettingsFile, ComesBackAfterRestart) {
+TEST_F(TerminalFolder, ComesBackAfterRestart) {
     UserSettings first;
     EXPECT_FALSE(first.Open(Path()));
     EXPECT_EQ(first.Read("Client_Search", "Planfold Order Entry"), std::nullopt);
@@ -37,24 +39,7 @@ TEST_F(UserSettingsFile, ComesBackAfterRestart) {
     EXPECT_EQ(second.Read("Client_Search_Settings", "Planfold Order Entry"), std::nullopt);
 }
 
-TEST_F(UserSettingsFile, WritesAnEmptyFirstValue) {
-    UserSettings settings;
-    settings.Open(Path());
-    EXPECT_TRUE(settings.Write("s", "k", ""));
-    UserSettings again;
-    again.Open(Path());
-    EXPECT_EQ(again.Read("s", "k"), "");
-}
-
-TEST_F(UserSettingsFile, SurvivesTextThatIsNotUtf8) {
-    UserSettings settings;
-    settings.Open(Path());
-    EXPECT_TRUE(settings.Write("s", "k", "caf\xe9"));
-    UserSettings again;
-    EXPECT_FALSE(again.Open(Path()));
-}
-
-TEST_F(UserSettingsFile, PutsABadFileAside) {
+TEST_F(TerminalFolder, PutsABadFileAside) {
     const struct {
         const char* text;
         const char* fault;
@@ -76,23 +61,11 @@ TEST_F(UserSettingsFile, PutsABadFileAside) {
     }
 }
 
-TEST_F(UserSettingsFile, KeepsTheValueWhenTheFileCannotBeWritten) {
+TEST_F(TerminalFolder, KeepsTheValueWhenTheFileCannotBeWritten) {
     UserSettings settings;
     settings.Open((m_folder / "missing" / "settings.json").string());
     EXPECT_FALSE(settings.Write("s", "k", "v"));
     EXPECT_EQ(settings.Read("s", "k"), "v");
-}
-
-TEST(TerminalConfig, LeavesOutWhatTheFileLeavesOut) {
-    const auto loaded = TerminalConfig::Parse(
-        R"({"loginId": "U1", "loginMode": 4, "products": ["CNC"], "rights": {"QV: Planfold": false}})", "t");
-    ASSERT_TRUE(loaded);
-    const TerminalConfig& config = loaded.Value();
-    EXPECT_EQ(config.loginId, "U1");
-    EXPECT_EQ(config.loginMode, 4);
-    EXPECT_EQ(config.clientSearchMs, TerminalConfig().clientSearchMs);
-    EXPECT_EQ(config.products, std::vector<std::string>{"CNC"});
-    EXPECT_FALSE(config.rights.at("QV: Planfold"));
 }
 
 TEST(TerminalConfig, FaultsNameTheMember) {
@@ -117,10 +90,35 @@ TEST(TerminalConfig, FaultsNameTheMember) {
     }
 }
 
-TEST(TerminalConfig, DeliveredFileLoads) {
-    const auto loaded = TerminalConfig::Load(std::string(DATA_FOLDER) + "/terminal.json");
-    ASSERT_TRUE(loaded) << loaded.Fault().Text();
-    EXPECT_FALSE(loaded.Value().loginId.empty());
+TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
+    TerminalState state;
+    const auto fatal = state.Load(m_folder.string(), m_folder.string());
+    ASSERT_TRUE(fatal);
+    EXPECT_EQ(fatal->Text(), "terminal.json: file not found");
+
+    WriteWholeFile((m_folder / "terminal.json").string(), R"({"rights": {"QV": true, "QV: X": false}})");
+    WriteWholeFile((m_folder / "clients.csv").string(), "client,name,mapped\nCL1,A,maybe\n");
+    TerminalState bare;
+    ASSERT_FALSE(bare.Load(m_folder.string(), m_folder.string()));
+    std::string faults;
+    for (const FileFault& fault : bare.faults)
+        faults += fault.Text() + '\n';
+    EXPECT_EQ(faults, "scrips.csv: file not found\n"
+                      "clients.csv:2: mapped \"maybe\" is neither Y nor N\n"
+                      "nontrading.csv: file not found\n");
+}
+
+TEST(CommandLine, ReadsOptions) {
+    const char* const words[] = {"--script", "a.script", "--log", "out log.txt"};
+    const StartOptions options = ParseCommandLine(words);
+    EXPECT_EQ(options.scriptFile, "a.script");
+    EXPECT_EQ(options.logFile, "out log.txt");
+    EXPECT_EQ(options.journal, "");
+    EXPECT_EQ(options.fault, "");
+    const char* const unknown[] = {"--log", "x", "/script"};
+    EXPECT_EQ(ParseCommandLine(unknown).fault, "unknown option /script");
+    const char* const cut[] = {"--journal"};
+    EXPECT_EQ(ParseCommandLine(cut).fault, "--journal needs a path");
 }
 
 } // namespace

@@ -27,6 +27,10 @@ protected:
             if (HWND list = GetDlgItem(window, kResults); list && IsWindowVisible(window)) return list;
         return nullptr;
     }
+    bool Opens(WPARAM key) const {
+        probe::PostKey(key);
+        return probe::PumpUntil([&] { return List() != nullptr; });
+    }
     static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
     static int Selected(HWND list) {
         return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
@@ -45,14 +49,11 @@ protected:
     HWND box = nullptr;
 };
 
-TEST_F(ClientSearchWindow, StandsInThePlaceOfTheComboOnlyWhereTheHostSearches) {
+TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
     EXPECT_TRUE(probe::IsShown(dialog, order::kClientSearch));
     EXPECT_TRUE(probe::IsShown(dialog, kModeButton));
     EXPECT_FALSE(probe::IsShown(dialog, order::kClient));
-    EXPECT_EQ((host.settings[{"Client_Search", "Planfold Order Entry"}]), "1");
-}
-
-TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
+    EXPECT_EQ(host.settings["Client_Search/Planfold Order Entry"], "1");
     Type("client");
     EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 0) << "not with every letter";
     EXPECT_FALSE(List());
@@ -63,7 +64,6 @@ TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
     EXPECT_EQ(Cell(list, 1, 0) + "|" + Cell(list, 1, 1), "C002|Second Client");
     EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 100);
     EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
-    EXPECT_EQ(GetWindow(GetParent(list), GW_OWNER), dialog);
     RECT place{};
     GetWindowRect(GetParent(list), &place);
     EXPECT_EQ(place.right - place.left, 500);
@@ -73,8 +73,7 @@ TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
 
 TEST_F(ClientSearchWindow, KeysPickAndDoNotReachTheForm) {
     Type("client");
-    probe::PostKey(VK_RETURN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    ASSERT_TRUE(Opens(VK_RETURN));
     probe::PostKey(VK_DOWN);
     probe::PostKey(VK_DOWN);
     probe::Pump();
@@ -91,19 +90,16 @@ TEST_F(ClientSearchWindow, KeysPickAndDoNotReachTheForm) {
     probe::Pump();
     EXPECT_EQ(probe::Text(box), "") << "what nobody is called is taken away";
     Type("client");
-    probe::PostKey(VK_DOWN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    ASSERT_TRUE(Opens(VK_DOWN));
     probe::PostKey(VK_ESCAPE);
     ASSERT_TRUE(probe::PumpUntil([&] { return !List(); }));
     EXPECT_TRUE(IsWindow(dialog)) << "the first Escape closes the list only";
-    EXPECT_EQ(boxes.Texts(), "");
     EXPECT_EQ(host.requests.size(), 1u) << "Enter never submitted";
 }
 
 TEST_F(ClientSearchWindow, DoubleClickPicksAndFocusLossCloses) {
     Type("client");
-    probe::PostKey(VK_DOWN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    ASSERT_TRUE(Opens(VK_DOWN));
     HWND list = List();
     RECT row{LVIR_LABEL, 0, 0, 0};
     SendMessageA(list, LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
@@ -114,39 +110,23 @@ TEST_F(ClientSearchWindow, DoubleClickPicksAndFocusLossCloses) {
     EXPECT_EQ(probe::Text(box), "C002");
 
     SetFocus(box);
-    probe::PostKey(VK_DOWN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    ASSERT_TRUE(Opens(VK_DOWN));
     SetFocus(GetDlgItem(dialog, order::kValue));
     probe::Pump();
     EXPECT_FALSE(List());
 }
 
-TEST_F(ClientSearchWindow, AHundredThousandResultsAreInstant) {
-    host.clients.clear();
-    for (int i = 0; i < 100000; ++i)
-        host.clients.emplace_back("K" + std::to_string(i), "Client " + std::to_string(i));
-    Type("client");
-    probe::PostKey(VK_DOWN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
-    EXPECT_EQ(Rows(List()), 100000);
-    EXPECT_EQ(Cell(List(), 99999, 1), "Client 99999");
-    RECT place{};
-    GetWindowRect(GetParent(List()), &place);
-    EXPECT_EQ(place.bottom - place.top, 500);
-}
-
 TEST_F(ClientSearchWindow, TheModeGoesToTheHostAndIsKept) {
     SendMessageA(box, WM_COMMAND, 2026, 0);
-    EXPECT_EQ((host.settings[{"Client_Search_Settings", "Planfold Order Entry"}]), "3");
+    EXPECT_EQ(host.settings["Client_Search_Settings/Planfold Order Entry"], "3");
     Type("second");
-    probe::PostKey(VK_DOWN);
-    ASSERT_TRUE(probe::PumpUntil([&] { return List() != nullptr; }));
+    ASSERT_TRUE(Opens(VK_DOWN));
     EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 1);
     SendMessageA(dialog, WM_CLOSE, 0, 0);
     dialog = OpenOrderEntry();
     EXPECT_EQ(Rows(List()), 0) << "the list went with its window";
     SendMessageA(GetDlgItem(dialog, order::kClientSearch), WM_COMMAND, 2025, 0);
-    EXPECT_EQ((host.settings[{"Client_Search_Settings", "Planfold Order Entry"}]), "2");
+    EXPECT_EQ(host.settings["Client_Search_Settings/Planfold Order Entry"], "2");
 }
 
 class ValueEdit : public PluginTest {
@@ -224,16 +204,6 @@ TEST_F(ValueEdit, CleansWhatIsPastedAndPutsTheCaretAtItsEnd) {
     EXPECT_EQ(Caret(), 3u);
     Type('.');
     EXPECT_EQ(probe::Text(value), "129.3450");
-}
-
-TEST_F(ValueEdit, QuantityTakesWholeNumbersOnlyButPastedTextIsStillCleaned) {
-    ASSERT_TRUE(probe::Select(dialog, order::kInvestBy, "Quantity"));
-    EXPECT_TRUE(GetWindowLongA(value, GWL_STYLE) & ES_NUMBER);
-    probe::SetEdit(dialog, order::kValue, "12 shares");
-    EXPECT_EQ(probe::Text(value), "12");
-    ASSERT_TRUE(probe::Select(dialog, order::kInvestBy, "Amount"));
-    EXPECT_FALSE(GetWindowLongA(value, GWL_STYLE) & ES_NUMBER);
-    EXPECT_EQ(probe::Text(value), "");
 }
 
 } // namespace

@@ -9,8 +9,7 @@ constexpr int kModeButton = 1058, kResults = 1501;
 class Interrupt : public PluginTest {
 protected:
     HWND OpenGoodOrder() {
-        HWND dialog = OpenOrderEntry();
-        AnswerDefaults();
+        HWND dialog = OpenWithDefaults();
         FillGoodOrder(dialog);
         SetForegroundWindow(dialog);
         return dialog;
@@ -54,12 +53,12 @@ TEST_F(Interrupt, ExitUnderTheFirstPicksBoxesEndsThePick) {
     {
         const HiddenExport hidden("GetKeloRxControl");
         boxes.during = [&] { plugin->Exit(); };
-        plugin->Pick("Order Entry");
+        Pick("Order Entry");
         EXPECT_EQ(OrderEntry(), nullptr);
     }
     boxes.during = [&] { plugin->Exit(); };
-    ConnectionWatch::Current().failOpenScratch = true;
-    plugin->Pick("Order Entry");
+    LoadedPlugin::watched.failScratch = true;
+    Pick("Order Entry");
     EXPECT_EQ(OrderEntry(), nullptr);
     EXPECT_EQ(boxes.Texts(), "Exe is not compatible with the plugin|Buffer Handle open Failed|");
 }
@@ -70,7 +69,7 @@ TEST_F(Interrupt, ExitUnderTheQuestionSendsNothingAndLeavesNothing) {
     host.duringCaution = [&] {
         plugin->Exit();
         EXPECT_EQ(host.LiveControls(), 0);
-        EXPECT_EQ(LoadedPlugin::LiveHooks(), 0);
+        EXPECT_EQ(LoadedPlugin::watched.hooksLive, 0);
     };
     probe::Press(dialog, order::kSubmit);
     EXPECT_TRUE(host.requests.empty());
@@ -81,16 +80,16 @@ TEST_F(Interrupt, AnotherIdentityUnderTheQuestionDoesNotReachTheOrder) {
     HWND dialog = OpenGoodOrder();
     host.duringCaution = [&] {
         host.peerIdA = std::string(200, 'N');
-        plugin->Pick("a text of nobody");
+        Pick("a text of nobody");
     };
     probe::Press(dialog, order::kSubmit);
-    EXPECT_NE(host.LastRequest().find(";64056=PEERA;64053=PEERB;"), std::string::npos) << host.LastRequest();
+    EXPECT_NE(host.LastRequest().find(" 64056=PEERA 64053=PEERB "), std::string::npos) << host.LastRequest();
 }
 
 TEST_F(Interrupt, AWindowOpenedAnewUnderTheQuestionKeepsItsContents) {
     HWND dialog = OpenGoodOrder();
     host.duringCaution = [&] {
-        SendMessageA(dialog, WM_CLOSE, 0, 0);
+        Close(dialog);
         OpenOrderEntry();
     };
     probe::Press(dialog, order::kSubmit);
@@ -102,7 +101,7 @@ TEST_F(Interrupt, SubmitWorksUnderABoxOfAnotherWindow) {
     probe::SetEdit(dialog, order::kPeriod, "");
     boxes.during = [&] {
         host.rights.clear();
-        plugin->Pick("Order Entry"); // refused: its box waits for the first
+        Pick("Order Entry"); // refused: its box waits for the first
         boxes.during = [&] {
             FillGoodOrder(dialog);
             probe::Press(dialog, order::kSubmit);
@@ -122,7 +121,7 @@ TEST_F(Interrupt, TheWindowOrThePluginMayEndDuringASearch) {
             if (exits)
                 plugin->Exit();
             else
-                SendMessageA(dialog, WM_CLOSE, 0, 0);
+                Close(dialog);
         };
         probe::PostKey(VK_DOWN);
         EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(dialog); }));

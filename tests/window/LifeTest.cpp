@@ -1,14 +1,100 @@
-// Opening, closing and leaving.
+// What a menu pick does before any window is at work, opening, closing and leaving.
 #include "tests/window/PluginTest.h"
 
 namespace {
 
-class Life : public PluginTest {};
+class Life : public PluginTest {
+protected:
+    void ExpectRefusedAtEveryPick(const char* text) {
+        for (const char* entry : {"Order Entry", "SIP Basket Entry", "a text of nobody"}) {
+            SCOPED_TRACE(entry);
+            Pick(entry);
+            EXPECT_EQ(boxes.Texts(), std::string(text) + "|");
+            EXPECT_TRUE(PluginWindows().empty());
+        }
+        EXPECT_EQ(LoadedPlugin::watched.scratchOpened, 0);
+    }
+    int Activate() { return plugin->Activate("C001", host.strings); }
+};
+
+TEST_F(Life, HostWithoutARequiredExportIsRefusedAtEveryPick) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"pu_get_exe_app", "Exe is not compatible with ZUP"},
+        {"pu_get_peer_data", "Initialisation failed. ZUP not compatible with Trader version."},
+        {"pu_is_actionright_enabled", "Initialisation failed. ZUP not compatible with Trader version."},
+    };
+    for (const auto& [name, text] : rows) {
+        const HiddenExport hidden(name);
+        ExpectRefusedAtEveryPick(text);
+        EXPECT_TRUE(host.controls.empty());
+        EXPECT_EQ(Activate(), 0);
+    }
+    EXPECT_NE(OpenOrderEntry(), nullptr) << "the host is asked again at the next pick";
+}
+
+TEST_F(Life, TheRightCountsAtEveryPick) {
+    const auto rights = std::exchange(host.rights, {});
+    ExpectRefusedAtEveryPick("You are not enabled on Planfold.");
+    host.rights = rights;
+    Close(OpenOrderEntry());
+    host.rights.clear();
+    EXPECT_EQ(OpenOrderEntry(), nullptr);
+    EXPECT_EQ(boxes.Texts(), "You are not enabled on Planfold.|");
+    EXPECT_EQ(Activate(), 1) << "what exists stays";
+}
+
+TEST_F(Life, WithoutAMainFrameNothingOpens) {
+    for (const int lacking : {0, 1, 2}) {
+        host.hasApp = lacking != 0;
+        host.app.mainFrame = lacking == 1 ? nullptr : host.mainFrame;
+        host.app.size = lacking == 2 ? 12 : sizeof(VeskApp);
+        EXPECT_EQ(OpenOrderEntry(), nullptr) << lacking;
+        EXPECT_EQ(LoadedPlugin::watched.scratchOpened, 0);
+    }
+    EXPECT_EQ(boxes.Texts(), "");
+}
+
+TEST_F(Life, HostThatGivesNoControlFailsTheSending) {
+    host.givesControls = false;
+    ASSERT_NE(OpenOrderEntry(), nullptr);
+    EXPECT_EQ(boxes.Texts(), "Sending Request add_sip_orders Failed|");
+    plugin->Exit();
+    EXPECT_EQ(host.CallsOf("DestoryKeloRxCOntrol"), 0);
+}
+
+TEST_F(Life, EveryPickOpensTheHandlesAnewAndExitClosesThemOnce) {
+    const Watched& watched = LoadedPlugin::watched;
+    EXPECT_EQ(Activate(), 0);
+    int picks = 0;
+    for (const char* entry : {"", "order entry", "Order Entry ", "Order Entry", "Order Entry"}) {
+        Pick(entry);
+        EXPECT_EQ(OrderEntry() != nullptr, picks >= 3) << "only the exact text opens a window";
+        EXPECT_EQ(watched.scratchOpened, ++picks);
+        EXPECT_EQ(watched.messagesOpened, picks);
+        EXPECT_EQ(Activate(), 1);
+    }
+    EXPECT_EQ(watched.scratchClosed + watched.messagesClosed, 0);
+    plugin->Exit();
+    EXPECT_EQ(watched.scratchClosed, 1);
+    EXPECT_EQ(watched.messagesClosed, 1);
+    EXPECT_EQ(Activate(), 0);
+    EXPECT_EQ(host.CallsOf("pu_get_UserDirectory"), 1);
+    EXPECT_EQ(host.CallsOf("pu_get_non_trading_dates_map"), 1);
+}
+
+TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
+    LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = true;
+    Close(OpenOrderEntry());
+    EXPECT_EQ(boxes.Texts(), "Buffer Handle open Failed|MNM Handle Open Failed|"
+                             "zup_add_parameter: Error while building message|");
+    LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = false;
+    EXPECT_NE(OpenOrderEntry(), nullptr);
+    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(host.requests, Texts{"0=get_sip_operation_mode"});
+}
 
 TEST_F(Life, TwoPicksAreOneWindow) {
-    HWND dialog = OpenOrderEntry();
-    ASSERT_NE(dialog, nullptr);
-    AnswerDefaults();
+    HWND dialog = OpenWithDefaults();
     probe::SetEdit(dialog, order::kValue, "77");
     const std::size_t windows = PluginWindows().size();
     ShowWindow(dialog, SW_HIDE);
@@ -20,67 +106,36 @@ TEST_F(Life, TwoPicksAreOneWindow) {
 }
 
 TEST_F(Life, ClosesAndReopensAnyNumberOfTimes) {
-    const struct {
-        const char* name;
-        UINT message;
-        WPARAM wParam;
-    } ways[] = {{"close", WM_CLOSE, 0}, {"escape", WM_COMMAND, IDCANCEL}, {"close again", WM_CLOSE, 0}};
     std::size_t requests = 0;
-    for (const auto& way : ways) {
-        SCOPED_TRACE(way.name);
+    for (const bool escape : {false, true, false}) {
         HWND dialog = OpenOrderEntry();
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(host.requests.size(), ++requests);
-        SendMessageA(dialog, way.message, way.wParam, 0);
+        SendMessageA(dialog, escape ? WM_COMMAND : WM_CLOSE, escape ? IDCANCEL : 0, 0);
         probe::Pump();
         EXPECT_FALSE(IsWindow(dialog));
     }
-    EXPECT_EQ(host.LiveControls(), static_cast<int>(host.controls.size()))
-        << "controls live as long as the plug-in";
-}
-
-TEST_F(Life, LateAnswerFindsNoWindowAndHarmsNothing) {
-    HWND dialog = OpenOrderEntry();
-    SendMessageA(dialog, WM_CLOSE, 0, 0);
+    EXPECT_EQ(host.LiveControls(), static_cast<int>(host.controls.size())) << "as long as the plug-in lives";
+    // A late answer finds no window and harms nothing.
     AnswerDefaults();
-    host.Answer(kOrderEntryControl, {{32767, "add_sip_orders"}, {32766, "3"}});
+    host.Answer({{32767, {"add_sip_orders"}}, {32766, {"3"}}});
+    host.Answer({{32767, {"modify_sip_order"}}, {20008, {"modified"}}});
     EXPECT_EQ(host.log.size(), 1u);
-    host.Answer(kOrderEntryControl, {{32767, "modify_sip_order"}, {20008, "modified"}});
     EXPECT_EQ(OrderEntry(), nullptr);
-    EXPECT_NE(OpenOrderEntry(), nullptr);
 }
 
-TEST_F(Life, AnswersOfTwoOpeningsFillTheFrequenciesOnce) {
-    SendMessageA(OpenOrderEntry(), WM_CLOSE, 0, 0);
-    HWND dialog = OpenOrderEntry();
-    AnswerDefaults();
-    AnswerDefaults();
-    EXPECT_EQ(probe::Items(dialog, order::kFrequency),
-              (std::vector<std::string>{"daily", "weekly", "monthly"}));
-}
-
-TEST_F(Life, ExitWithoutAnyPickDoesNothing) {
-    plugin->Exit();
-    EXPECT_TRUE(host.calls.empty());
-    EXPECT_EQ(boxes.Texts(), "");
-}
-
-TEST_F(Life, ExitTakesAnOpenWindowAway) {
-    HWND dialog = OpenOrderEntry();
-    EXPECT_GT(LoadedPlugin::LiveHooks(), 0);
-    plugin->Exit();
-    EXPECT_FALSE(IsWindow(dialog));
-    EXPECT_EQ(LoadedPlugin::LiveHooks(), 0);
-    EXPECT_EQ(host.LiveControls(), 0);
-}
-
-TEST_F(Life, PicksAfterExitBeginAnew) {
-    OpenOrderEntry();
-    plugin->Exit();
-    const std::size_t controls = host.controls.size();
-    EXPECT_NE(OpenOrderEntry(), nullptr);
-    EXPECT_EQ(host.controls.size(), 2 * controls);
-    plugin->Exit();
+TEST_F(Life, ExitTakesAnOpenWindowAwayAndPicksBeginAnew) {
+    plugin->Exit(); // without any pick nothing happens
+    EXPECT_EQ(host.calls, Texts{});
+    for (std::size_t life = 1; life <= 2; ++life) {
+        HWND dialog = OpenOrderEntry();
+        EXPECT_GT(LoadedPlugin::watched.hooksLive, 0);
+        plugin->Exit();
+        EXPECT_FALSE(IsWindow(dialog));
+        EXPECT_EQ(LoadedPlugin::watched.hooksLive, 0);
+        EXPECT_EQ(host.LiveControls(), 0);
+        EXPECT_EQ(static_cast<std::size_t>(host.CallsOf("DestoryKeloRxCOntrol")), host.controls.size());
+    }
 }
 
 } // namespace

@@ -12,6 +12,8 @@
 
 #include <optional>
 
+using namespace planfold::test;
+
 // Controls of the order entry window.
 namespace order {
 inline constexpr int kExchange = 1003, kSeries = 1005, kSymbol = 1008, kAction = 1040, kOrderType = 1018;
@@ -19,36 +21,35 @@ inline constexpr int kClient = 1053, kClientSearch = 1057, kProduct = 1019, kInv
                      kFrequency = 1026;
 inline constexpr int kStartDate = 1030, kPeriod = 1037, kPeriodHint = 1047, kSubmit = 1034, kCancel = 2;
 inline constexpr int kPeriodIcons[] = {1035, 1036};
-inline constexpr char kTitle[] = "Planfold Order Entry";
 } // namespace order
 
 class PluginTest : public testing::Test {
 protected:
-    static constexpr int kOrderEntryControl = 0; // the first that is taken
-
-    void SetUp() override { plugin.emplace(host.strings); }
+    void SetUp() override { plugin.emplace(); }
     void TearDown() override;
 
+    void Pick(std::string_view entry) { plugin->Pick(entry, host.strings); }
     // Picks the menu entry; the window, null when there is none.
     HWND OpenOrderEntry();
-    HWND OrderEntry() const { return probe::FindDialog(order::kTitle); }
-    // The server's answer without a list: "daily", "weekly", "monthly", and 1 to 60 periods.
-    void AnswerDefaults();
-    // By the combo or the search box, whichever this host's window has.
-    void ChooseClient(HWND dialog, std::string_view client);
-    // Sets what a good order needs, in an open window that has its frequencies.
-    void FillGoodOrder(HWND dialog);
+    HWND OrderEntry() const { return probe::FindDialog("Planfold Order Entry"); }
+    // Opens it with the server's answer without a list: "daily", "weekly", "monthly", and 1 to 60 periods.
+    HWND OpenWithDefaults();
+    void AnswerDefaults() { host.Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"0"}}}); }
+    void Close(HWND dialog) const { SendMessageA(dialog, WM_CLOSE, 0, 0); }
+    // What a good order needs, in an open window that has its frequencies; the client by the combo or the
+    // search box, whichever this host's window has.
+    void FillGoodOrder(HWND dialog, std::string_view client = "C002");
     std::vector<HWND> PluginWindows() const;
-    bool HasChildWithText(HWND dialog, std::string_view text) const;
+    static bool HasChildWithText(HWND dialog, std::string_view text);
 
     FakeHost host;
     BoxRecorder boxes;
     std::optional<LoadedPlugin> plugin;
 };
 
-// The request with "DATE" for the start date, which is another one every day.
-std::string WithoutDate(std::string request);
-// Local midnight of the date in seconds since 1970.
-std::string WireDate(const SYSTEMTIME& date);
+// The message that a server sends about an order.
+Fields Told(const char* text);
 // The date so many days from now.
 SYSTEMTIME DaysFromNow(int days);
+// Local midnight of the date in seconds since 1970.
+std::string WireDate(const SYSTEMTIME& date);

@@ -1,0 +1,195 @@
+// Keys go through the host's loop, which only translates and dispatches; the plug-in makes dialog keys of them.
+// At other font sizes and resolutions every text fits, and nothing lies over another.
+#include "tests/window/PluginTest.h"
+
+#include <algorithm>
+
+namespace {
+
+class Keyboard : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        dialog = OpenWithDefaults();
+        SetForegroundWindow(dialog);
+        SetFocus(GetDlgItem(dialog, order::kExchange));
+    }
+    // The direct child of the dialog that has the focus or holds it.
+    HWND Focused() const {
+        HWND window = GetFocus();
+        while (window && GetParent(window) != dialog)
+            window = GetParent(window);
+        return window;
+    }
+    RECT PlaceOf(HWND control) const {
+        RECT place{};
+        GetWindowRect(control, &place);
+        return place;
+    }
+
+    HWND dialog = nullptr;
+};
+
+TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
+    std::vector<HWND> stops;
+    for (HWND child : probe::Children(dialog)) {
+        const LONG_PTR style = GetWindowLongPtrA(child, GWL_STYLE);
+        if ((style & WS_TABSTOP) && (style & WS_VISIBLE) && !(style & WS_DISABLED)) stops.push_back(child);
+    }
+    // Rows from top to bottom, each from left to right.
+    const int sameRow = 8;
+    std::ranges::sort(stops, [&](HWND a, HWND b) {
+        const RECT first = PlaceOf(a), second = PlaceOf(b);
+        return std::abs(first.top - second.top) > sameRow ? first.top < second.top : first.left < second.left;
+    });
+    ASSERT_GE(stops.size(), 12u);
+    SetFocus(stops.front());
+    for (std::size_t i = 0; i < stops.size(); ++i) {
+        EXPECT_EQ(GetDlgCtrlID(Focused()), GetDlgCtrlID(stops[i])) << "stop " << i;
+        probe::PostKey(VK_TAB);
+        probe::Pump();
+    }
+    EXPECT_EQ(Focused(), stops.front()) << "and around";
+}
+
+TEST_F(Keyboard, EnterSubmitsAndEscapeCloses) {
+    FillGoodOrder(dialog);
+    SetFocus(GetDlgItem(dialog, order::kValue));
+    probe::PostKey(VK_RETURN);
+    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
+    EXPECT_TRUE(host.LastRequest().starts_with("0=add_sip_orders "));
+    probe::PostKey(VK_ESCAPE);
+    EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(dialog); }));
+}
+
+TEST_F(Keyboard, KeysOfTheHostsOwnWindowsStayTheHosts) {
+    HWND edit = CreateWindowExA(0, "EDIT", "", WS_CHILD | WS_VISIBLE, 0, 0, 100, 20, host.mainFrame, nullptr,
+                                nullptr, nullptr);
+    ShowWindow(host.mainFrame, SW_SHOW);
+    SetFocus(edit);
+    ASSERT_EQ(GetFocus(), edit);
+    probe::PostKey(VK_ESCAPE);
+    probe::PostKey(VK_TAB);
+    probe::Pump();
+    EXPECT_TRUE(IsWindow(dialog));
+    EXPECT_EQ(GetFocus(), edit);
+    DestroyWindow(edit);
+}
+
+class Layout : public PluginTest {
+protected:
+    struct Shown {
+        HWND window;
+        std::string name;
+        RECT place; // in the dialog's client area
+    };
+
+    std::vector<Shown> ShownControls(HWND dialog) const {
+        std::vector<Shown> shown;
+        for (HWND child : probe::Children(dialog)) {
+            if (!IsWindowVisible(child)) continue;
+            RECT place{};
+            GetWindowRect(child, &place);
+            MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+            shown.push_back({child,
+                             probe::ClassOf(child) + " " + std::to_string(GetDlgCtrlID(child)) + " '"
+                                 + probe::Text(child) + "'",
+                             place});
+        }
+        return shown;
+    }
+
+    // The place that the control's text needs, in its own font; labels may wrap.
+    SIZE Needed(const Shown& control, int width) const {
+        HDC screen = GetDC(control.window);
+        const auto font = SendMessageA(control.window, WM_GETFONT, 0, 0);
+        const HGDIOBJ before = SelectObject(screen, reinterpret_cast<HGDIOBJ>(font));
+        const std::string text = probe::Text(control.window);
+        RECT needed{0, 0, width, 0};
+        DrawTextA(screen, text.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
+        SelectObject(screen, before);
+        ReleaseDC(control.window, screen);
+        return {needed.right, needed.bottom};
+    }
+
+    void ExpectNothingClipped(HWND dialog) {
+        const std::vector<Shown> controls = ShownControls(dialog);
+        RECT client{};
+        GetClientRect(dialog, &client);
+        for (const Shown& control : controls) {
+            SCOPED_TRACE(control.name);
+            const LONG width = control.place.right - control.place.left,
+                       height = control.place.bottom - control.place.top;
+            EXPECT_TRUE(control.place.left >= 0 && control.place.top >= 0 && control.place.right <= client.right
+                        && control.place.bottom <= client.bottom)
+                << "outside the window";
+            const std::string name = probe::ClassOf(control.window);
+            const bool icon =
+                name == "Static" && (GetWindowLongPtrA(control.window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
+            if ((name != "Static" && name != "Button") || icon) continue;
+            const SIZE needed = Needed(control, width);
+            EXPECT_LE(needed.cx, width);
+            EXPECT_LE(needed.cy, height);
+        }
+        for (std::size_t i = 0; i < controls.size(); ++i)
+            for (std::size_t k = i + 1; k < controls.size(); ++k) {
+                RECT common{};
+                EXPECT_FALSE(IntersectRect(&common, &controls[i].place, &controls[k].place))
+                    << controls[i].name << " and " << controls[k].name;
+            }
+    }
+
+    int FontHeight(HWND dialog) const {
+        LOGFONTA font{};
+        GetObjectA(reinterpret_cast<HGDIOBJ>(SendMessageA(GetDlgItem(dialog, order::kValue), WM_GETFONT, 0, 0)),
+                   sizeof font, &font);
+        return std::abs(font.lfHeight);
+    }
+};
+
+TEST_F(Layout, FollowsTheHostsFontInEveryState) {
+    HWND dialog = OpenOrderEntry();
+    ASSERT_NE(dialog, nullptr);
+    ExpectNothingClipped(dialog);
+    const int usual = FontHeight(dialog);
+    struct Row {
+        std::intptr_t size, variation;
+        int points; // 0: the template's
+    };
+    for (const bool serverPeriods : {false, true}) {
+        if (serverPeriods) host.Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly"}}});
+        probe::Select(dialog, order::kInvestBy, serverPeriods ? "Quantity" : "Amount");
+        for (const Row& row : {Row{0, 0, 0}, Row{6, 0, 6}, Row{9, 2, 11}, Row{18, -2, 16}, Row{60, 0, 36}}) {
+            SCOPED_TRACE(testing::Message() << row.size << " points, " << row.variation << " more");
+            host.fontSize = row.size;
+            host.fontVariation = row.variation;
+            host.calls.clear();
+            plugin->ApplyFont();
+            EXPECT_EQ(FontHeight(dialog), row.points ? MulDiv(row.points, USER_DEFAULT_SCREEN_DPI, 72) : usual);
+            ExpectNothingClipped(dialog);
+            for (const char* edit : {"(#1025)", "(#1037)"})
+                EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)),
+                          1);
+        }
+    }
+    EXPECT_EQ(probe::Text(dialog, order::kSymbol), "ARBORTEX") << "a new layout changes no value";
+    Close(dialog);
+    dialog = OpenOrderEntry();
+    EXPECT_EQ(FontHeight(dialog), MulDiv(36, USER_DEFAULT_SCREEN_DPI, 72)) << "a window opened later";
+    ExpectNothingClipped(dialog);
+}
+
+TEST_F(Layout, FollowsTheResolution) {
+    HWND dialog = OpenOrderEntry();
+    const int usual = FontHeight(dialog);
+    RECT suggested{};
+    GetWindowRect(dialog, &suggested);
+    for (const int dpi : {144, 192, 96}) {
+        SCOPED_TRACE(dpi);
+        SendMessageA(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+        EXPECT_NEAR(FontHeight(dialog), MulDiv(usual, dpi, USER_DEFAULT_SCREEN_DPI), 1);
+        ExpectNothingClipped(dialog);
+    }
+}
+
+} // namespace
