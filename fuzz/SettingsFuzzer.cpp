@@ -1,0 +1,71 @@
+// The plug-in's settings of any content: the kept search mode, and the list of further products.
+
+#include "fuzz/Fuzz.h"
+#include "plugin/controls/ClientSearch.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
+#include "tests/plugin/Doubles.h"
+
+#include <algorithm>
+
+using fuzz::Demand;
+using namespace planfold;
+
+namespace {
+
+// A box that nobody looks at: only the mode counts.
+struct NoBox final : ClientSearchView {
+    bool HasBox() const override { return true; }
+    std::string SearchText() const override { return {}; }
+    void SetSearchText(std::string_view) override {}
+    void SelectSearchText() override {}
+    void SetTip(std::string_view) override {}
+    void ShowResults(int, int) override {}
+    void SelectResult(int) override {}
+    void HideResults() override {}
+    void StartDelay() override {}
+    void StopDelay() override {}
+    void TellPicked(const ClientResult&) override {}
+};
+
+void CheckMode(test::FakeHost& host, Session& session, const std::string& kept) {
+    host.settings = {{"Client_Search_Settings/key", kept}};
+    NoBox box;
+    ClientSearch search(session, box);
+    search.SetUp("key");
+    const SearchMode mode = search.Mode();
+    Demand(mode >= SearchMode::all && mode <= SearchMode::clientName);
+    search.SetMode(mode);
+    ClientSearch again(session, box);
+    again.SetUp("key");
+    Demand(again.Mode() == mode);
+}
+
+void CheckProducts(test::FakeHost& host, Session& session, std::string_view list) {
+    const std::vector<std::string> known{"CNC", "MIS", "NRML", ""};
+    for (const bool right : {false, true}) {
+        host.rights.clear();
+        if (right) host.rights.insert("QV: Planfold: Custom");
+        test::DialogDouble view;
+        test::FakeControl control(host);
+        view.controls[IDC_HOST_PRODUCTS].items = known;
+        OrderEntry(session, view, &control).Initialise({2027, 1, 31}, list);
+        const std::vector<std::string> products = view.Items(IDC_PRODUCT);
+        Demand(view.Text(IDC_PRODUCT) == "CNC" && std::ranges::count(products, "CNC") == 1);
+        Demand(right || products.size() == 1);
+        for (const std::string& product : products)
+            Demand(std::ranges::find(known, product) != known.end());
+        const bool misListed = ("," + std::string(list) + ",").find(",MIS,") != std::string::npos;
+        Demand((std::ranges::find(products, "MIS") != products.end()) == (right && misListed));
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    test::Stage stage;
+    fuzz::Input input(data, size);
+    CheckMode(stage.host, stage.session, input.Line());
+    CheckProducts(stage.host, stage.session, input.Rest());
+    return 0;
+}
