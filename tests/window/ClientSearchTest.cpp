@@ -116,6 +116,16 @@ TEST_F(ClientSearchWindow, DoubleClickPicksAndFocusLossCloses) {
     EXPECT_FALSE(List());
 }
 
+TEST_F(ClientSearchWindow, AHundredThousandResultsAreListedAtOnce) {
+    host.clients.clear();
+    for (int i = 0; i < 100000; ++i)
+        host.clients.emplace_back("K" + std::to_string(i), "Client " + std::to_string(i));
+    Type("client");
+    ASSERT_TRUE(Opens(VK_DOWN));
+    EXPECT_EQ(Rows(List()), 100000);
+    EXPECT_EQ(Cell(List(), 99999, 1), "Client 99999");
+}
+
 TEST_F(ClientSearchWindow, TheModeGoesToTheHostAndIsKept) {
     SendMessageA(box, WM_COMMAND, 2026, 0);
     EXPECT_EQ(host.settings["Client_Search_Settings/Planfold Order Entry"], "3");
