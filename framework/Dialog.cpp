@@ -64,7 +64,7 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         m_handle = window;
         KeyboardHook::Enroll(window);
         LayOut(Self().Dpi());
-        OnInit();
+        if (m_handle) OnInit();
         return TRUE;
     case WM_CLOSE:
         OnClose();

@@ -68,7 +68,9 @@ SIZE DialogLayout::FrameSize(HWND dialog, SIZE base, UINT dpi) const {
 void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     Font font = MakeFont(m_template.face, points, dpi);
     const SIZE base = BaseUnits(font.Get());
-    Window(dialog).Send(WM_SETREDRAW, FALSE);
+    // Switching drawing on again would also show a hidden dialog.
+    const bool visible = IsWindowVisible(dialog);
+    if (visible) Window(dialog).Send(WM_SETREDRAW, FALSE);
     Window(dialog).SetFont(font.Get());
     for (const DialogTemplate::Item& item : m_template.items) {
         const Window control(GetDlgItem(dialog, item.id));
@@ -78,17 +80,26 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     }
     m_font = std::move(font);
     ResizeFrame(dialog, FrameSize(dialog, base, dpi));
+    if (!visible) return;
     Window(dialog).Send(WM_SETREDRAW, TRUE);
     RedrawWindow(dialog, nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
 void DialogLayout::ResizeFrame(HWND dialog, SIZE size) {
-    RECT place{};
-    GetWindowRect(dialog, &place);
+    // Of a minimised dialog it is the place that it comes back to.
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof placement;
+    const bool minimised = IsIconic(dialog) && GetWindowPlacement(dialog, &placement);
+    RECT place = placement.rcNormalPosition;
+    if (!minimised) GetWindowRect(dialog, &place);
     const RECT work = WorkArea(dialog);
     const LONG left = std::max(work.left, std::min(place.left, work.right - size.cx));
     const LONG top = std::max(work.top, std::min(place.top, work.bottom - size.cy));
-    Window(dialog).Move({left, top, left + size.cx, top + size.cy});
+    placement.rcNormalPosition = {left, top, left + size.cx, top + size.cy};
+    if (minimised)
+        SetWindowPlacement(dialog, &placement);
+    else
+        Window(dialog).Move(placement.rcNormalPosition);
 }
 
 } // namespace framework

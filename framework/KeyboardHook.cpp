@@ -23,19 +23,13 @@ bool InSystemLoop() {
     return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & loops) != 0;
 }
 
-// In the character set that the host's loop took the message in.
-bool Dispatched(HWND dialog, MSG& message) {
-    return IsWindowUnicode(message.hwnd) ? IsDialogMessageW(dialog, &message)
-                                         : IsDialogMessageA(dialog, &message);
-}
-
 LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
     Guard([&] {
         auto& message = *reinterpret_cast<MSG*>(lParam);
         if (code < 0 || removed != PM_REMOVE) return;
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
         const HWND dialog = EnrolledDialog(message.hwnd);
-        if (!dialog || InSystemLoop() || !Dispatched(dialog, message)) return;
+        if (!dialog || InSystemLoop() || !IsDialogMessageW(dialog, &message)) return;
         // Already dispatched: what the host's loop gets must do nothing.
         message.message = WM_NULL;
         message.wParam = 0;
@@ -46,8 +40,9 @@ LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
 
 } // namespace
 
+// The wide hook: a narrow one would cut characters that the code page lacks a place for.
 KeyboardHook::KeyboardHook()
-    : m_hook(SetWindowsHookExA(WH_GETMESSAGE, OfferKey, nullptr, GetCurrentThreadId())) {}
+    : m_hook(SetWindowsHookExW(WH_GETMESSAGE, OfferKey, nullptr, GetCurrentThreadId())) {}
 
 void KeyboardHook::Enroll(HWND dialog) {
     SetPropA(dialog, kMark, dialog);

@@ -87,7 +87,7 @@ void ClientSearch::OnTyped() {
         m_view.StartDelay();
     } else {
         m_view.StopDelay();
-        Hide();
+        HideList();
     }
 }
 
@@ -104,7 +104,7 @@ bool ClientSearch::Wants(Key key) const {
 
 void ClientSearch::OnKey(Key key) {
     if (!Wants(key)) return;
-    if (key == Key::escape) return Hide();
+    if (key == Key::escape) return HideList();
     const bool searches = !m_listShown || m_pending;
     if (searches && (key == Key::enter || key == Key::down)) return Search();
     switch (key) {
@@ -124,8 +124,7 @@ void ClientSearch::OnKey(Key key) {
 
 void ClientSearch::OnFocusLost() {
     m_view.StopDelay();
-    m_pending = false;
-    Hide();
+    HideList();
 }
 
 bool ClientSearch::IsValidAccount(const std::string& text) const {
@@ -156,7 +155,7 @@ void ClientSearch::Search() {
         ShowList(upper, isAccount);
         if (!IsBlank(asked)) return;
     } else {
-        Hide();
+        HideList();
     }
     m_view.SetSearchText({});
 }
@@ -168,14 +167,14 @@ void ClientSearch::ShowList(const std::string& upperText, bool isAccount) {
             if (UpperCase(m_results.Row(row).clientId) == upperText) m_selected = row;
         if (m_selected < 0) {
             m_view.SetSearchText({});
-            return Hide();
+            return HideList();
         }
     }
     m_listShown = true;
     m_view.ShowResults(m_results.Count(), m_selected);
 }
 
-void ClientSearch::Hide() {
+void ClientSearch::HideList() {
     if (!m_listShown) return;
     m_listShown = false;
     m_selected = -1;
@@ -193,7 +192,7 @@ void ClientSearch::Pick(int row) {
     // A copy: the parent may search again while it is told.
     const std::string clientId = m_results.Row(row).clientId;
     const std::string clientName = m_results.Row(row).clientName;
-    Hide();
+    HideList();
     m_view.SetSearchText(clientId);
     m_view.SelectSearchText();
     m_view.SetTip(Format("%s(%s)", clientId.c_str(), clientName.c_str()));

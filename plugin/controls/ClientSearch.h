@@ -72,7 +72,9 @@ public:
     // Whether the key is the search's; otherwise it is the dialog's. Asked before it is pressed, too.
     bool Wants(Key key) const;
     void OnKey(Key key);
+    // What was typed stays to be searched on return, by Enter or Down.
     void OnFocusLost();
+    void HideList();
 
     void Search();
     void Pick(int row);
@@ -83,7 +85,6 @@ public:
 private:
     bool IsValidAccount(const std::string& text) const;
     void ShowList(const std::string& upperText, bool isAccount);
-    void Hide();
     void MoveSelection(int by);
 
     Session& m_session;

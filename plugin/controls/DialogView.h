@@ -16,6 +16,8 @@ class DialogView : public Notices {
 public:
     // For the host's callbacks; null while there is no window.
     virtual HostWindow Handle() const = 0;
+    // False before the window is made and once it is gone.
+    virtual bool IsOpen() const = 0;
     virtual void SetTitle(std::string_view text) = 0;
     // Takes the window away; the object stays.
     virtual void Close() = 0;

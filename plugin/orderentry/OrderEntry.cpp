@@ -53,18 +53,21 @@ const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
-    ++m_openings;
+    const int opening = ++m_openings;
     PrepareClient();
+    if (!StillOpen(opening)) return;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
     for (const auto& [combo, text] : kFirstEntries)
         m_view.AddItem(combo, text);
     m_view.Select(IDC_ACTION, 0);
     FillProducts(customProducts);
+    if (!StillOpen(opening)) return;
 
     m_view.SetText(IDC_PERIOD, "1");
     m_session.m_nSipOperationMode = 0;
     m_view.Select(IDC_EXCHANGE, 0);
     RefreshScrips(ScripLevel::exchange);
+    if (!StillOpen(opening)) return;
     m_view.Select(IDC_INVEST_BY, 0);
     OnInvestTypeChanged();
     m_view.Select(IDC_ORDER_TYPE, 0);
@@ -149,12 +152,17 @@ void OrderEntry::Submit(const LocalDateTime& now) {
     if (m_submitting) return;
     const int opening = m_openings;
     const Outcome outcome = CheckAndSend(now);
-    if (outcome.sendingTried && opening == m_openings) {
-        m_view.SetText(IDC_VALUE, "");
-        m_view.SetText(IDC_PERIOD, "");
-    }
+    if (m_session.Ended()) return;
     if (outcome.focusValue) m_view.Focus(IDC_VALUE);
     if (!outcome.text.empty()) m_view.ShowMessage(outcome.text);
+    if (!outcome.form || !StillOpen(opening)) return;
+    // Only what was submitted: under a box of another window the user may have typed the next order.
+    if (m_view.Text(IDC_VALUE) == outcome.form->value) m_view.SetText(IDC_VALUE, "");
+    if (m_view.Text(IDC_PERIOD) == outcome.form->totalPeriod) m_view.SetText(IDC_PERIOD, "");
+}
+
+bool OrderEntry::StillOpen(int opening) const {
+    return opening == m_openings && m_view.IsOpen() && !m_session.Ended();
 }
 
 OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
@@ -164,13 +172,15 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
         ~Done() { flag = false; }
     } done{m_submitting};
 
+    const int opening = m_openings;
     const SipOrderForm form = ReadForm();
     sSipOrderData record;
-    if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record))
-        return {refusal->text, refusal->focusValue};
+    const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record);
+    if (!StillOpen(opening)) return {};
+    if (refusal) return {refusal->text, refusal->focusValue};
     KeptNotice notice;
     SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
-    return {notice.text, false, true};
+    return {notice.text, false, form};
 }
 
 Plan OrderEntry::CurrentPlan() const {

@@ -9,6 +9,7 @@
 #include "plugin/orderentry/SipOrder.h"
 #include "sdk/RxControl.h"
 
+#include <optional>
 #include <string_view>
 
 namespace planfold {
@@ -46,10 +47,13 @@ private:
     struct Outcome {
         std::string text{};
         bool focusValue = false;
-        bool sendingTried = false;
+        // What was sent, or tried to be.
+        std::optional<SipOrderForm> form{};
     };
     enum class ScripLevel : int { exchange = 0, series = 1 };
 
+    // Whether the window of that opening is still there; a host callback may have closed it, or opened another.
+    bool StillOpen(int opening) const;
     Outcome CheckAndSend(const LocalDateTime& now);
     SipOrderForm ReadForm() const;
     bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }

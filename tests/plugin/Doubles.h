@@ -29,6 +29,7 @@ public:
 
     void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
     HostWindow Handle() const override { return nullptr; }
+    bool IsOpen() const override { return !closed; }
     void SetTitle(std::string_view text) override { title = text; }
     void Close() override { closed = true; }
 

@@ -228,6 +228,7 @@ int pu_get_trading_symbol_n_token(HostWindow dialog, int exchange, int series, i
     const std::string& other = Host().exchangeAndToken;
     *tradingSymbol = scrip->tradingSymbol;
     *exchangeAndToken = other.empty() ? scrip->exchange + "|" + scrip->token : other;
+    if (const auto action = std::exchange(Host().duringScripLookUp, nullptr)) action();
     return 1;
 }
 int pu_get_intersted_scrip_field(InString key, int zero, int six, OutString exchange, OutString series,

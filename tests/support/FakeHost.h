@@ -110,7 +110,7 @@ struct FakeHost {
     int clientOverview = 0;
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
-    std::function<void()> duringCaution, duringSearch; // run once, while the host asks or searches
+    std::function<void()> duringCaution, duringSearch, duringScripLookUp; // run once, inside the host
 
     // What was seen. A call is "pu_is_valid_account(C001)": texts and numbers as they are, windows as their
     // identifiers.

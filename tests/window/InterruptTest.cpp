@@ -96,6 +96,14 @@ TEST_F(Interrupt, AWindowOpenedAnewUnderTheQuestionKeepsItsContents) {
     EXPECT_EQ(probe::Text(OrderEntry(), order::kPeriod), "1");
 }
 
+TEST_F(Interrupt, AWindowClosedDuringTheScripLookUpSendsNoOrder) {
+    HWND dialog = OpenGoodOrder();
+    host.duringScripLookUp = [&] { SendMessageA(dialog, WM_CLOSE, 0, 0); };
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(host.requests.size(), 1u);
+    EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), 0);
+}
+
 TEST_F(Interrupt, SubmitWorksUnderABoxOfAnotherWindow) {
     HWND dialog = OpenGoodOrder();
     probe::SetEdit(dialog, order::kPeriod, "");
@@ -137,6 +145,12 @@ TEST_F(Interrupt, LeavingTheBoxBeforeTheDelayStartsNoSearch) {
     const DWORD start = GetTickCount();
     probe::PumpUntil([&] { return ResultsShown() || GetTickCount() - start > 900; });
     EXPECT_FALSE(ResultsShown());
+    // On return, also after the window moved, Enter searches; it does not submit.
+    SetFocus(GetDlgItem(dialog, order::kClientSearch));
+    SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    probe::PostKey(VK_RETURN);
+    EXPECT_TRUE(probe::PumpUntil([&] { return ResultsShown(); }));
+    EXPECT_EQ(boxes.Texts(), "");
 }
 
 TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {
@@ -148,8 +162,13 @@ TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {
     GetWindowRect(dialog, &applied);
     EXPECT_EQ(opened.right - opened.left, applied.right - applied.left);
     ShowWindow(dialog, SW_MINIMIZE);
+    host.fontVariation = 12;
+    plugin->ApplyFont();
     OpenOrderEntry();
     EXPECT_FALSE(IsIconic(dialog));
+    RECT restored{};
+    GetWindowRect(dialog, &restored);
+    EXPECT_GT(restored.right - restored.left, applied.right - applied.left) << "the new font's size";
 }
 
 } // namespace

@@ -21,8 +21,8 @@ public:
     void SetUp(HWND edit, const std::string& name, UINT delayMs);
     // The edit told its parent that its text changed.
     void OnTextChanged();
-    // The pop-up goes; it hangs under a box that moved, say.
-    void CloseList() { m_search.OnFocusLost(); }
+    // It hangs under a box that moves, say.
+    void CloseList() { m_search.HideList(); }
     // The search mode menu, under the button.
     void OpenModeMenu(HWND button);
 

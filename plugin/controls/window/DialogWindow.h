@@ -19,6 +19,7 @@ public:
     void ShowMessage(std::string_view text) override { m_boxes.Show(Dialog::Handle(), text); }
 
     HostWindow Handle() const override { return Dialog::Handle(); }
+    bool IsOpen() const override { return HasWindow(); }
     void SetTitle(std::string_view text) override { Self().SetText(std::string(text)); }
     void Close() override { Destroy(); }
 

@@ -35,7 +35,7 @@ COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::Me
       m_client(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
-    if (!HasWindow() && !Create())
+    if (!HasWindow() && !Create() && !m_session.Ended())
         framework::ReportFault("the order entry window cannot be made", std::source_location::current());
     if (IsIconic(Dialog::Handle()))
         ShowWindow(Dialog::Handle(), SW_RESTORE);
@@ -58,6 +58,7 @@ void COrderEntryDlg::OnInit() {
     m_value.Attach(Item(IDC_VALUE).Handle());
     if (m_session.host.pu_get_entered_text_results)
         m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), OrderEntry::kName, kClientSearchDelayMs);
+    if (!HasWindow()) return; // closed while the host was asked
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     std::string customProducts;
     ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
@@ -69,7 +70,7 @@ void COrderEntryDlg::OnLaidOut() {
     SetCaptionIcon(IDI_CALENDAR);
     if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
     for (const int edit : {IDC_VALUE, IDC_PERIOD})
-        m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+        if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
 }
 
 // In the size that the layout gave: a static does not scale its icon.

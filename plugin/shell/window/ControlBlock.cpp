@@ -27,7 +27,7 @@ void CPlanfoldControlBlock::ShutDown() {
 
 void CPlanfoldControlBlock::OpenOrderEntry() {
     if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
-    m_orderEntry.Open();
+    if (!m_session.Ended()) m_orderEntry.Open();
 }
 
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {

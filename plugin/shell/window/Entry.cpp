@@ -24,6 +24,7 @@ struct Module {
     HeapStringManager strings;
     framework::MessageBoxes boxes{"Planfold"};
     std::shared_ptr<CPlanfoldControlBlock> block;
+    int exits = 0; // told by the host so far
 };
 
 Module& ThisModule() {
@@ -60,6 +61,7 @@ std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow
         return nullptr;
     }
     Module& module = ThisModule();
+    const int exits = module.exits;
     const HostCheck check = CheckHost(FindInHost, IdentityStrings(), module.strings);
     mainFrame = MainFrame(check.app);
     if (check.refusal) {
@@ -71,10 +73,13 @@ std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow
         // Boxes of the construction wait until the block stands: their message loop may bring the next pick,
         // or the end.
         const framework::MessageBoxes::Hold hold(module.boxes);
-        block = std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
-                                                        module.boxes);
-        block->SetOwner(block);
-        module.block = block;
+        auto made = std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
+                                                            module.boxes);
+        made->SetOwner(made);
+        // The host was asked on the way: it may have picked again, or told to exit.
+        if (module.exits != exits) return nullptr;
+        if (!module.block) module.block = std::move(made);
+        block = module.block;
         g_pControlBlock = block.get();
     }
     return block;
@@ -138,6 +143,7 @@ PLANFOLD_EXPORT int ProcessVeskPluginMsg(void*) {
 
 PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
     framework::Guard([] {
+        ++ThisModule().exits;
         const auto block = std::exchange(ThisModule().block, nullptr);
         if (!block) return;
         g_pControlBlock = nullptr;
