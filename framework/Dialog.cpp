@@ -66,6 +66,9 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         LayOut(Self().Dpi());
         if (m_handle) OnInit();
         return TRUE;
+    case WM_DPICHANGED_AFTERPARENT:
+        LayOut(Self().Dpi());
+        return TRUE;
     case WM_CLOSE:
         OnClose();
         return TRUE;

@@ -41,6 +41,9 @@ protected:
     virtual void OnClose() { Destroy(); }
     // The window is gone; the object stays.
     virtual void OnDestroyed() {}
+    // For the window's font size and DPI, before OnInit and at each change of either. As the template says,
+    // unless a dialog that fills another window does it itself.
+    virtual void LayOut(UINT dpi);
     // After each new layout.
     virtual void OnLaidOut() {}
 
@@ -54,7 +57,6 @@ protected:
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     INT_PTR HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void LayOut(UINT dpi);
 
     HINSTANCE m_module;
     int m_resource;

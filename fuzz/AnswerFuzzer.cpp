@@ -1,12 +1,10 @@
 // Answers of any content to an open order entry form: none sends a request, none touches what the user entered,
 // and the form can be submitted afterwards.
 
-#include "fuzz/Fuzz.h"
+#include "fuzz/Messages.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 #include "tests/plugin/Doubles.h"
-
-#include <cstdlib>
 
 using fuzz::Demand;
 using namespace planfold;
@@ -14,24 +12,6 @@ using namespace planfold;
 namespace {
 
 constexpr LocalDateTime kNow{2027, 1, 31, 15, 30, 0};
-
-// Received bytes as they are, or lines of "tag=value|value" made into a message.
-std::string MessageBytes(fuzz::Input input) {
-    std::string text = input.Rest();
-    if (text.starts_with("QMX1")) return text;
-    qmx::MessageWriter writer;
-    while (!input.AtEnd()) {
-        const std::string line = input.Line();
-        std::string_view rest = line;
-        const auto tag = static_cast<std::uint32_t>(
-            std::strtoul(std::string(fuzz::Input::CutAt(rest, '=')).c_str(), nullptr, 10));
-        std::vector<QmxDatum> values;
-        while (!rest.empty())
-            values.push_back(qmx::Datum(fuzz::Input::CutAt(rest, '|')));
-        writer.AddValues(tag, values.data(), static_cast<std::uint32_t>(values.size()));
-    }
-    return writer.Finish();
-}
 
 std::vector<std::string> Entered(const test::DialogDouble& view) {
     std::vector<std::string> texts{FormatPickerDate(view.date)};
@@ -57,7 +37,7 @@ struct Form : test::Stage {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string bytes = MessageBytes({data, size});
+    const std::string bytes = fuzz::MessageBytes({data, size});
     const qmx::MessageReader reader(bytes);
     if (!reader.Good()) return 0;
     Form form;

@@ -49,6 +49,13 @@ std::string FieldText(void* message, std::uint32_t tag, std::uint32_t index) {
     return text;
 }
 
+std::optional<std::string_view> FieldView(void* message, std::uint32_t tag) {
+    std::string_view value;
+    int status = kFieldRead;
+    if (!GetDatum(message, tag, 0, value, status)) return std::nullopt;
+    return value;
+}
+
 std::uint32_t FieldCount(void* message, std::uint32_t tag) {
     QmxField field{};
     QmxError error{};

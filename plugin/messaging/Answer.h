@@ -3,6 +3,7 @@
 
 #include "plugin/messaging/Session.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,6 +22,8 @@ bool GetFieldNumber(void* message, std::uint32_t tag, std::uint32_t index, std::
 
 // The value, or empty when it is not there.
 std::string FieldText(void* message, std::uint32_t tag, std::uint32_t index = 0);
+// The same without a copy, valid as long as the message; none when it is not there.
+std::optional<std::string_view> FieldView(void* message, std::uint32_t tag);
 // How many values the field holds; 0 without the field.
 std::uint32_t FieldCount(void* message, std::uint32_t tag);
 

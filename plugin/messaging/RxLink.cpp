@@ -7,16 +7,16 @@ namespace planfold {
 namespace {
 
 template <class Function>
-Function* FindOrTell(const HostLookup& lookup, const char* name, Notices& notices) {
+Function* FindOrTell(const HostLookup& lookup, const char* name, Notices* notices) {
     Function* found = Find<Function>(lookup, name);
-    if (!found) notices.ShowMessage("Exe is not compatible with the plugin");
+    if (!found && notices) notices->ShowMessage("Exe is not compatible with the plugin");
     return found;
 }
 
 } // namespace
 
-RxLink::RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase* notifier, Notices& notices)
-    : m_destroy(nullptr) {
+RxLink::RxLink(const HostLookup& lookup, RxControlKind kind, CKeloRxNotifierBase* notifier, Notices* notices)
+    : m_kind(kind), m_destroy(nullptr) {
     const auto get = FindOrTell<sdk::fn::GetKeloRxControl>(lookup, "GetKeloRxControl", notices);
     m_destroy = FindOrTell<sdk::fn::DestoryKeloRxCOntrol>(lookup, "DestoryKeloRxCOntrol", notices);
     // What cannot be given back is not taken.
@@ -28,7 +28,10 @@ RxLink::~RxLink() {
 }
 
 void RxLink::Release() {
-    if (RxControl* control = std::exchange(m_control, nullptr)) m_destroy(control);
+    RxControl* control = std::exchange(m_control, nullptr);
+    if (!control) return;
+    if (m_kind != kRxRequests) control->Stop(0);
+    m_destroy(control);
 }
 
 } // namespace planfold

@@ -1,6 +1,7 @@
 /* Identifiers of the dialogs and their controls, for the code and the resource compiler. */
 #pragma once
 
+#define IDD_ORDER_BOOK 104
 #define IDD_ORDER_ENTRY 1007
 #define IDD_PLANNED_DATES 1010
 
@@ -30,6 +31,10 @@
 #define IDC_CLIENT_SEARCH_MODE 1058
 #define IDC_PLAN_SUMMARY 1160
 #define IDC_PLAN_DATES 1161
+#define IDC_BOOK_TABS 1200
+#define IDC_REGISTERED_LIST 1201
+#define IDC_CANCELLED_LIST 1202
+#define IDC_BOOK_STATUS 1203
 #define IDC_CLIENT_RESULTS 1501
 #define IDC_PLANNED_LIST 1601
 

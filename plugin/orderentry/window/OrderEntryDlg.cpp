@@ -31,7 +31,7 @@ constexpr Change kChanges[] = {
 
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
-      m_link(session.lookup, kRxRequests, this, *this), m_entry(session, *this, m_link.Control()),
+      m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
       m_client(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {

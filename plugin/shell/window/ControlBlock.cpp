@@ -12,7 +12,8 @@ AnyFunction FindInHost(const char* name) {
 
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes)
-    : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes) {
+    : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
+      m_orderBook(module, m_session, boxes) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -21,6 +22,7 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
 
 void CPlanfoldControlBlock::ShutDown() {
     m_session.End();
+    m_orderBook.ShutDown();
     m_orderEntry.ShutDown();
     m_keyboard.reset();
 }

@@ -4,6 +4,7 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
 
 #include <optional>
@@ -32,6 +33,9 @@ public:
     void ApplyFontPreference(void* third, void* fourth);
 
     void OpenOrderEntry();
+    void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
+    // An empty client removes the filter of the book's lists.
+    void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 
 private:
     void FindSettingsPaths();
@@ -39,6 +43,7 @@ private:
     Session m_session;
     std::optional<framework::KeyboardHook> m_keyboard{std::in_place};
     COrderEntryDlg m_orderEntry;
+    COrderBookDlgBar m_orderBook; // last: the windows take their controls in this order
     std::string m_strUserDirectory;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's

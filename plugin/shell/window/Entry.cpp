@@ -87,15 +87,16 @@ std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow
 
 struct MenuRow {
     std::string_view entry;
-    void (*open)(CPlanfoldControlBlock&);
+    void (*open)(CPlanfoldControlBlock&, HWND mainFrame);
 };
 constexpr MenuRow kMenu[] = {
-    {kOrderEntryMenu, [](CPlanfoldControlBlock& block) { block.OpenOrderEntry(); }},
+    {kOrderEntryMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenOrderEntry(); }},
+    {kBookMenu, [](CPlanfoldControlBlock& block, HWND mainFrame) { block.OpenOrderBook(mainFrame); }},
 };
 
-void Pick(CPlanfoldControlBlock& block, std::string_view entry) {
+void Pick(CPlanfoldControlBlock& block, std::string_view entry, HWND mainFrame) {
     for (const MenuRow& row : kMenu)
-        if (row.entry == entry) row.open(block);
+        if (row.entry == entry) row.open(block, mainFrame);
 }
 
 } // namespace
@@ -133,7 +134,7 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
             return;
         }
         block->PrepareForPick(notices);
-        if (!ended()) Pick(*block, entry.View());
+        if (!ended()) Pick(*block, entry.View(), static_cast<HWND>(mainFrame));
     });
 }
 
@@ -154,8 +155,10 @@ PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
 
 PLANFOLD_EXPORT int AlertOn_ClientActivation(CString* client) {
     return framework::Guard(0, [&] {
-        if (!g_pControlBlock) return 0;
+        const auto held = ThisModule().block;
+        if (!held) return 0;
         g_strActiveClient = client ? client->View() : std::string_view();
+        held->FilterByClient(g_strActiveClient);
         return 1;
     });
 }

@@ -1,0 +1,32 @@
+#include "plugin/orderbook/BookMenu.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr MenuEntry kOrderHistory{"Order History", kOrderHistoryCommand};
+
+// "canceled" with one l is none of them, as in every check of an action.
+bool HasEnded(std::string_view status) {
+    return status == "cancelled" || status == "expired";
+}
+
+} // namespace
+
+std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected) {
+    std::vector<MenuEntry> entries{{"Refresh", kRefreshCommand}, {"Cancel\tDel", kCancelCommand}};
+    if (selected && !HasEnded(selected->Text(OrderField::sipStatus))) {
+        const bool paused = selected->Text(OrderField::sipStatus) == kPausedStatus;
+        entries.push_back({"Modify", kModifyCommand});
+        entries.push_back({"Pause", kPauseCommand, paused});
+        entries.push_back({"Resume", kResumeCommand, !paused});
+    }
+    entries.push_back(kOrderHistory);
+    return entries;
+}
+
+std::vector<MenuEntry> CancelledMenu() {
+    return {kOrderHistory};
+}
+
+} // namespace planfold

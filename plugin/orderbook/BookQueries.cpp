@@ -1,0 +1,91 @@
+#include "plugin/orderbook/BookQueries.h"
+
+#include "plugin/messaging/Answer.h"
+#include "plugin/messaging/Request.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/messaging/Text.h"
+
+#include <chrono>
+
+namespace planfold {
+
+namespace {
+
+using Value = std::optional<std::string_view>;
+
+constexpr int kYearsBack = 2;
+
+struct OrdersQuery {
+    std::string loginId;
+};
+constexpr RequestField<OrdersQuery> kOrdersFields[] = {
+    {tag::requestName, [](OrdersQuery&) -> Value { return "om_get_sip_orders"; }, nullptr},
+    {tag::loginId, [](OrdersQuery& query) -> Value { return query.loginId; }, "User not logged in"},
+};
+constexpr Request<OrdersQuery> kOrdersRequest{kOrdersFields, "Request Failure", nullptr};
+
+struct HistoryQuery {
+    std::string from;
+    std::string to;
+};
+constexpr RequestField<HistoryQuery> kHistoryFields[] = {
+    {tag::requestName, [](HistoryQuery&) -> Value { return "qry_eq_sip"; }, nullptr},
+    {tag::startDate, [](HistoryQuery& query) -> Value { return query.from; }, nullptr},
+    {tag::toDate, [](HistoryQuery& query) -> Value { return query.to; }, nullptr},
+};
+constexpr Request<HistoryQuery> kHistoryRequest{kHistoryFields, "Request Failure"};
+
+std::chrono::sys_days Days(const LocalDateTime& date) {
+    return std::chrono::year(date.year) / date.month / date.day;
+}
+
+std::string QueryDate(std::chrono::year_month_day date) {
+    return Format("%d/%d/%d", static_cast<int>(static_cast<unsigned>(date.month())),
+                  static_cast<int>(static_cast<unsigned>(date.day())), static_cast<int>(date.year()));
+}
+
+} // namespace
+
+bool SendGetSipOrders(Session& session, RxControl* control, Notices& notices) {
+    OrdersQuery query{session.identity.loginId};
+    return SendRequest(session, control, notices, kOrdersRequest, query);
+}
+
+bool SendQuerySips(Session& session, RxControl* control, Notices& notices, const LocalDateTime& today) {
+    const auto to = Days(today);
+    HistoryQuery query{QueryDate(to - std::chrono::days(LookBackDays(today, kYearsBack))), QueryDate(to)};
+    return SendRequest(session, control, notices, kHistoryRequest, query);
+}
+
+bool IsOwnHistory(const Session& session, void* message) {
+    const LoginIdentity login = session.GetLoginIdentity();
+    const auto value = FieldView(message, login.tag);
+    // In mode 0 the user is known by nothing: any value will do.
+    return value && (session.m_nLoginMode == 0 || *value == login.value);
+}
+
+int LookBackDays(const LocalDateTime& today, int years) {
+    std::chrono::sys_days date = Days(today);
+    const auto year = [&] { return std::chrono::year_month_day(date).year(); };
+    const auto beforeMarch = [&] { return std::chrono::year_month_day(date).month() < std::chrono::March; };
+    int total = 0;
+    const auto goBack = [&](int days) {
+        total += days;
+        date -= std::chrono::days(days);
+    };
+    for (int pass = years; pass >= 1; --pass) {
+        if (pass == 2) total = 0;
+        if (!year().is_leap())
+            goBack(365);
+        else if (!beforeMarch())
+            goBack(366);
+        else {
+            if (pass != 2) goBack(1);
+            goBack(365);
+        }
+    }
+    if (year().is_leap() && beforeMarch()) ++total;
+    return total;
+}
+
+} // namespace planfold

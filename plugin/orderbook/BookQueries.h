@@ -1,0 +1,24 @@
+// The two queries that fill the book.
+#pragma once
+
+#include "plugin/messaging/Dates.h"
+#include "plugin/messaging/Session.h"
+#include "sdk/RxControl.h"
+
+namespace planfold {
+
+// The registrations of the login id: the request om_get_sip_orders. False when nothing was sent; most reasons
+// are shown.
+bool SendGetSipOrders(Session& session, RxControl* control, Notices& notices);
+
+// The history of the last two years up to today: the request qry_eq_sip. False when nothing was sent; the
+// reason has been shown.
+bool SendQuerySips(Session& session, RxControl* control, Notices& notices, const LocalDateTime& today);
+
+// Whether an answer to the second is for this user, by the identity of the login mode.
+bool IsOwnHistory(const Session& session, void* message);
+
+// How many days before today the history begins: years counted one by one on a date that moves back.
+int LookBackDays(const LocalDateTime& today, int years);
+
+} // namespace planfold

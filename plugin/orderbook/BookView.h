@@ -1,0 +1,43 @@
+// The registration book's window as the code that decides sees it.
+#pragma once
+
+#include "plugin/messaging/Session.h"
+#include "plugin/orderbook/OrderCache.h"
+
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// One of the two lists. Row 0 is the newest.
+class BookList {
+public:
+    virtual bool Contains(RecordId record) const = 0;
+    // The row takes the focus.
+    virtual void InsertFront(RecordId record) = 0;
+    // The record's texts have changed. Nothing when it has no row.
+    virtual void Repaint(RecordId record) = 0;
+    virtual void Remove(RecordId record) = 0;
+    virtual void RemoveAll() = 0;
+    // Shows only the rows whose cell equals the text; an empty text shows all again.
+    virtual void FilterBy(int column, std::string_view text) = 0;
+    // The shown, selected rows from the top.
+    virtual std::vector<RecordId> Selected() const = 0;
+    virtual void Deselect(RecordId record) = 0;
+
+protected:
+    ~BookList() = default;
+};
+
+class BookView : public Notices {
+public:
+    // False before the window is made and once it is gone.
+    virtual bool IsOpen() const = 0;
+    virtual BookList& Registered() = 0;
+    virtual BookList& Cancelled() = 0;
+
+protected:
+    ~BookView() = default;
+};
+
+} // namespace planfold

@@ -1,0 +1,110 @@
+#include "plugin/orderbook/OrderBook.h"
+
+#include "plugin/messaging/Subscriptions.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/orderbook/BookColumns.h"
+#include "plugin/orderbook/BookQueries.h"
+#include "plugin/orderbook/OrderRow.h"
+#include "plugin/orderentry/OperationMode.h"
+
+namespace planfold {
+
+const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
+    {"om_get_sip_orders", &OrderBook::HandleRow},
+    {"qry_eq_sip", &OrderBook::HandleHistoryRow},
+    {"get_sip_operation_mode", &OrderBook::HandleOperationMode, OnError::logAndHandle},
+    {"add_sip_orders", &OrderBook::HandleUserText, OnError::logAndHandle},
+};
+
+void OrderBook::Open(const LocalDateTime& today) {
+    // Records of an earlier window would never be shown again: only a new one enters the registered book.
+    m_cache.Clear();
+    m_view.Registered().RemoveAll();
+    m_view.Cancelled().RemoveAll();
+    m_session.m_nSipOperationMode = 0;
+    SendGetSipOperationMode(m_session, m_controls.requests, m_view);
+    // Each failure is a box, whose message loop may bring the end.
+    if (!Gone()) SubscribeBroadcasts(m_session, m_controls.accountStream, m_view);
+    if (!Gone()) SendGetSipOrders(m_session, m_controls.requests, m_view);
+    if (!Gone()) SubscribeIdentity(m_session, m_controls.identityStream, m_view);
+    if (!Gone()) SendQuerySips(m_session, m_controls.requests, m_view, today);
+}
+
+void OrderBook::Refresh() {
+    SendGetSipOrders(m_session, m_controls.requests, m_view);
+}
+
+void OrderBook::FilterByClient(std::string_view client) {
+    for (BookList* list : {&m_view.Registered(), &m_view.Cancelled()})
+        list->FilterBy(kClientColumn, client);
+}
+
+void OrderBook::OnResponse(void* message) {
+    if (!Gone()) Dispatch<OrderBook>(*this, m_session, kAnswers, Answer(message));
+}
+
+void OrderBook::OnBroadcast(void* message) {
+    if (Gone()) return;
+    const RecordId record = ApplyRow(message);
+    const auto status = FieldView(message, tag::sipStatus);
+    if (record == kNoRecord || !status || !IsCancelled(*status)) return;
+    BookList& registered = m_view.Registered();
+    if (!registered.Contains(record)) return;
+    registered.Remove(record);
+    m_session.Log(Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str()));
+}
+
+RecordId OrderBook::ApplyRow(void* message) {
+    const auto number = FieldView(message, tag::registrationNumber);
+    if (!number || number->empty()) return kNoRecord;
+    // Before the record is looked up: the host's answer may let other messages in.
+    const auto accountName = AskAccountName(m_session, message);
+    if (Gone()) return kNoRecord;
+
+    RecordId record = m_cache.Find(*number);
+    const bool isNew = record == kNoRecord;
+    if (isNew) record = m_cache.Add(*number);
+    ReadOrderRow(message, m_session.m_nSipOperationMode != 0, accountName, m_cache[record]);
+    if (isNew) {
+        ShowNew(record);
+        return record;
+    }
+    m_view.Registered().Repaint(record);
+    m_view.Cancelled().Repaint(record);
+    // A known record enters the cancelled book, but never the registered one.
+    const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
+    if (cancelled && !m_view.Cancelled().Contains(record)) m_view.Cancelled().InsertFront(record);
+    return record;
+}
+
+void OrderBook::ShowNew(RecordId record) {
+    const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
+    (cancelled ? m_view.Cancelled() : m_view.Registered()).InsertFront(record);
+}
+
+void OrderBook::HandleOperationMode(const Answer& answer) {
+    bool periods = !answer.hasError;
+    for (std::uint32_t i = 0, count = FieldCount(answer.message, tag::frequency); i < count; ++i)
+        if (FieldText(answer.message, tag::frequency, i) == "0") periods = false;
+    m_session.m_nSipOperationMode = periods ? 1 : 0;
+}
+
+void OrderBook::HandleRow(const Answer& answer) {
+    if (FieldCount(answer.message, tag::queriedRow) > 0) ApplyRow(answer.message);
+}
+
+void OrderBook::HandleHistoryRow(const Answer& answer) {
+    const auto status = FieldView(answer.message, tag::sipStatus);
+    const auto number = FieldView(answer.message, tag::registrationNumber);
+    if (!status || !IsCancelled(*status) || !number || number->empty()) return;
+    if (!IsOwnHistory(m_session, answer.message) || m_cache.Find(*number) != kNoRecord) return;
+    ApplyRow(answer.message);
+}
+
+void OrderBook::HandleUserText(const Answer& answer) {
+    const std::string text = FieldText(answer.message, tag::userText);
+    if (!text.empty()) m_view.ShowMessage(text);
+}
+
+} // namespace planfold

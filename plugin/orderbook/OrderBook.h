@@ -1,0 +1,58 @@
+// What the registration book decides without being a window: the queries that fill it, in which of its two
+// lists a record stands, and what answers and streamed updates change.
+#pragma once
+
+#include "plugin/messaging/Answer.h"
+#include "plugin/messaging/Dates.h"
+#include "plugin/orderbook/BookView.h"
+#include "plugin/orderbook/OrderCache.h"
+#include "sdk/RxControl.h"
+
+#include <string_view>
+
+namespace planfold {
+
+// Each may be null: what is sent by it then fails with its own text.
+struct BookControls {
+    RxControl* requests;
+    RxControl* identityStream;
+    RxControl* accountStream;
+};
+
+class OrderBook {
+public:
+    OrderBook(Session& session, BookView& view, const BookControls& controls)
+        : m_session(session), m_view(view), m_controls(controls) {}
+
+    // For a window that has just been made: begins empty, asks for everything and subscribes.
+    void Open(const LocalDateTime& today);
+    // Asks for the registrations again.
+    void Refresh();
+    // Shows only this client's rows in both lists; an empty text shows all.
+    void FilterByClient(std::string_view client);
+
+    void OnResponse(void* message);
+    void OnBroadcast(void* message);
+
+    const OrderCache& Records() const { return m_cache; }
+
+private:
+    bool Gone() const { return m_session.Ended() || !m_view.IsOpen(); }
+    // The record of the message's registration number, entered where the rules put it; kNoRecord without a
+    // number.
+    RecordId ApplyRow(void* message);
+    void ShowNew(RecordId record);
+    void HandleOperationMode(const Answer& answer);
+    void HandleRow(const Answer& answer);
+    void HandleHistoryRow(const Answer& answer);
+    void HandleUserText(const Answer& answer);
+
+    static const AnswerHandler<OrderBook> kAnswers[];
+
+    Session& m_session;
+    BookView& m_view;
+    BookControls m_controls;
+    OrderCache m_cache;
+};
+
+} // namespace planfold

@@ -1,0 +1,82 @@
+// One registration as the book shows it: 27 texts in one block of memory, read and set by field. A record is
+// empty where the server sent nothing.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace planfold {
+
+enum class OrderField : std::uint8_t {
+    userId,
+    exchange, // as shown ("NSE")
+    tradingSymbol,
+    product,
+    action,    // "SIP" or "SWP"
+    orderType, // "MARKET", or empty: the book names market orders only
+    quantity,
+    frequency,
+    startDate,
+    totalPeriod, // months; the server's own periods are installmentsRegistered
+    nextExecutionDate,
+    registrationNumber, // the key
+    clientId,
+    sipType, // "value" or "qty"; not shown
+    sipStatus,
+    amount,            // rupees with two decimals
+    requestIdentifier, // not shown
+    streamName,        // not shown
+    registrationDate,
+    accountName, // the host's name for the client
+    orderSource,
+    installmentsRegistered,
+    remarks,
+    cancelledDate,
+    cancelledBy,
+    endDate,
+    token, // not shown
+    count
+};
+inline constexpr std::size_t kOrderFieldCount = static_cast<std::size_t>(OrderField::count);
+
+// What a message changes: a field without a value stays as it was.
+class OrderChanges {
+public:
+    std::optional<std::string_view>& operator[](OrderField field) {
+        return m_texts[static_cast<std::size_t>(field)];
+    }
+    const std::optional<std::string_view>& operator[](OrderField field) const {
+        return m_texts[static_cast<std::size_t>(field)];
+    }
+
+private:
+    std::array<std::optional<std::string_view>, kOrderFieldCount> m_texts;
+};
+
+class sOrderinfo {
+public:
+    // Valid until the record is changed.
+    std::string_view Text(OrderField field) const;
+    std::string_view Number() const { return Text(OrderField::registrationNumber); }
+    // The changes' characters must not be the record's own.
+    void Apply(const OrderChanges& changes);
+
+private:
+    struct Head;
+    struct Freed {
+        void operator()(Head* block) const;
+    };
+
+    std::unique_ptr<Head, Freed> m_block; // none while every text is empty
+};
+
+// Both words that mean it; exact, as everywhere.
+inline bool IsCancelled(std::string_view sipStatus) {
+    return sipStatus == "canceled" || sipStatus == "cancelled";
+}
+
+} // namespace planfold

@@ -1,0 +1,194 @@
+#include "plugin/orderbook/window/OrderBookDlg.h"
+
+#include "framework/DialogLayout.h"
+#include "plugin/controls/window/DialogWindow.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/orderbook/BookMenu.h"
+#include "plugin/resources/resource.h"
+
+#include <windowsx.h>
+
+namespace planfold {
+
+namespace {
+
+constexpr unsigned kRegisteredListCommands = 26000;
+constexpr unsigned kCancelledListCommands = 26100;
+constexpr int kCountWidth = 90; // pixels at 96 DPI
+constexpr const wchar_t* kFace = L"MS Shell Dlg";
+
+struct Page {
+    const char* caption;
+    int list;
+};
+constexpr Page kPages[] = {{"Registered Orders", IDC_REGISTERED_LIST},
+                           {"Cancelled Orders", IDC_CANCELLED_LIST}};
+
+struct MenuHandle {
+    HMENU menu = CreatePopupMenu();
+    ~MenuHandle() { DestroyMenu(menu); }
+};
+
+void AppendSeparator(HMENU menu) {
+    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+}
+
+// Below the focused row when the menu is asked for by key.
+POINT MenuPlace(HWND list, LPARAM position) {
+    POINT at{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+    if (at.x != -1 || at.y != -1) return at;
+    const int focused =
+        static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    RECT row{LVIR_LABEL, 0, 0, 0};
+    if (focused < 0
+        || !SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(focused), reinterpret_cast<LPARAM>(&row)))
+        row = {};
+    at = {row.left, row.bottom};
+    ClientToScreen(list, &at);
+    return at;
+}
+
+} // namespace
+
+COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                             const BookControls& controls)
+    : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
+      m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
+                   [this] { ShowCounts(); }),
+      m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
+                  [this] { ShowCounts(); }) {}
+
+void COrderBookDlg::OnInit() {
+    m_open = true;
+    for (const Page& page : kPages) {
+        TCITEMA item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = const_cast<char*>(page.caption);
+        Item(IDC_BOOK_TABS)
+            .Send(TCM_INSERTITEMA, static_cast<WPARAM>(&page - kPages), reinterpret_cast<LPARAM>(&item));
+    }
+    m_registered.Attach(Item(IDC_REGISTERED_LIST).Handle());
+    m_cancelled.Attach(Item(IDC_CANCELLED_LIST).Handle());
+    if (!m_statusBar.Create(Handle(), IDC_BOOK_STATUS, kName)) ShowMessage("Status Bar Creation Failed");
+    if (!m_open) return;
+    LayOut(Self().Dpi());
+    ShowPage();
+    ShowCounts();
+    m_book.Open(LocalNow());
+}
+
+// Escape is no wish to be rid of the book; its pane is closed by the frame.
+void COrderBookDlg::OnClose() {}
+
+void COrderBookDlg::LayOut(UINT dpi) {
+    framework::Font font = framework::MakeFont(kFace, TemplateFontSize(), dpi);
+    for (const int id : {IDC_BOOK_TABS, IDC_REGISTERED_LIST, IDC_CANCELLED_LIST, IDC_BOOK_STATUS})
+        Item(id).SetFont(font.Get());
+    m_font = std::move(font);
+    const int width = framework::Scaled(kCountWidth, dpi);
+    const int edges[] = {width, 2 * width};
+    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
+    Arrange();
+}
+
+// The tabs are a strip of their own height, the lists fill what it and the status bar leave.
+void COrderBookDlg::Arrange() {
+    const RECT client = Self().ClientRect();
+    m_statusBar.Place();
+    RECT status = framework::Window(m_statusBar.Handle()).ClientRect();
+    RECT strip{0, 0, client.right, client.bottom};
+    Item(IDC_BOOK_TABS).Send(TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&strip));
+    Item(IDC_BOOK_TABS).Move({0, 0, client.right, strip.top});
+    for (const Page& page : kPages)
+        Item(page.list).Move({0, strip.top, client.right, std::max(strip.top, client.bottom - status.bottom)});
+}
+
+int COrderBookDlg::CurrentPage() const {
+    return static_cast<int>(Item(IDC_BOOK_TABS).Send(TCM_GETCURSEL));
+}
+
+void COrderBookDlg::ShowPage() {
+    const int current = CurrentPage();
+    const bool focused =
+        GetFocus() == Item(IDC_REGISTERED_LIST).Handle() || GetFocus() == Item(IDC_CANCELLED_LIST).Handle();
+    for (int i = 0; i < static_cast<int>(std::size(kPages)); ++i)
+        if (i == current) Item(kPages[i].list).Show(true);
+    if (focused) FocusList();
+    for (int i = 0; i < static_cast<int>(std::size(kPages)); ++i)
+        if (i != current) Item(kPages[i].list).Show(false);
+}
+
+void COrderBookDlg::FocusList() {
+    const int page = CurrentPage();
+    if (page >= 0) Item(kPages[page].list).Focus();
+}
+
+void COrderBookDlg::ShowCounts() {
+    const CFilterListCtrl* lists[] = {&m_registered.Control(), &m_cancelled.Control()};
+    for (int pane = 0; pane < static_cast<int>(std::size(lists)); ++pane)
+        m_statusBar.SetText(pane, Format("%d", static_cast<int>(lists[pane]->ShownCount())).c_str());
+}
+
+BookListWindow& COrderBookDlg::ListOf(HWND list) {
+    return list == m_cancelled.Control().Handle() ? m_cancelled : m_registered;
+}
+
+std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_SIZE:
+        if (m_open) Arrange();
+        return 0;
+    case WM_CONTEXTMENU: {
+        const HWND list = reinterpret_cast<HWND>(wParam);
+        if (list != m_registered.Control().Handle() && list != m_cancelled.Control().Handle())
+            return std::nullopt;
+        OpenMenu(list, MenuPlace(list, lParam));
+        return 0;
+    }
+    default:
+        return std::nullopt;
+    }
+}
+
+void COrderBookDlg::OpenMenu(HWND list, POINT at) {
+    BookListWindow& window = ListOf(list);
+    const std::vector<RecordId> selected = m_registered.Selected();
+    const sOrderinfo* first = selected.empty() ? nullptr : &m_book.Records()[selected.front()];
+    const MenuHandle handle;
+    for (const MenuEntry& entry : &window == &m_cancelled ? CancelledMenu() : RegisteredMenu(first))
+        AppendMenuA(handle.menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u),
+                    static_cast<UINT_PTR>(entry.command), entry.text);
+    AppendSeparator(handle.menu);
+    window.Control().AppendMenuEntries(handle.menu);
+    AppendSeparator(handle.menu);
+    TrackPopupMenu(handle.menu, TPM_RIGHTBUTTON, at.x, at.y, 0, Handle(), nullptr);
+}
+
+bool COrderBookDlg::OnCommand(const framework::Command& command) {
+    if (command.control) return false;
+    const auto id = static_cast<unsigned>(command.id);
+    if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
+    if (command.id == kRefreshCommand) m_book.Refresh();
+    return true;
+}
+
+std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {
+    if (notification.idFrom == IDC_BOOK_TABS && notification.code == TCN_SELCHANGE) ShowPage();
+    if (notification.code == LVN_KEYDOWN && OnKey(reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey))
+        return 0;
+    LRESULT result = 0;
+    for (BookListWindow* list : {&m_registered, &m_cancelled})
+        if (m_open && list->Control().HandleNotify(&notification, &result)) return result;
+    return std::nullopt;
+}
+
+// True when the key was the book's.
+bool COrderBookDlg::OnKey(int key) {
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    if (!control || (key != VK_PRIOR && key != VK_NEXT)) return false;
+    Item(IDC_BOOK_TABS).Send(TCM_SETCURSEL, key == VK_NEXT ? 1 : 0);
+    ShowPage();
+    return true;
+}
+
+} // namespace planfold

@@ -1,0 +1,97 @@
+#include "plugin/orderbook/window/OrderBookDlgBar.h"
+
+#include "framework/Guard.h"
+#include "plugin/resources/resource.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr char kCaption[] = "SIP Registration Book";
+constexpr DWORD kPaneStyle = 0x56408234; // a visible child with the host's docking bits
+constexpr UINT kRegisterPaneMessage = 1933;
+constexpr UINT kCommandTextMessage = 1214;
+constexpr RECT kFirstRect{0, 0, 200, 200};
+
+} // namespace
+
+COrderBookDlgBar::COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+    : m_module(module), m_session(session), m_boxes(boxes), m_requests(session.lookup, kRxRequests, this, this),
+      m_identityStream(session.lookup, kRxIdentityStream, this, nullptr),
+      m_accountStream(session.lookup, kRxAccountStream, this, nullptr),
+      m_dialog(module, session, boxes,
+               {m_requests.Control(), m_identityStream.Control(), m_accountStream.Control()}) {}
+
+void COrderBookDlgBar::Open(HWND mainFrame) {
+    // What fails is told when the pane stands.
+    const framework::MessageBoxes::Hold hold(m_boxes);
+    if (!Handle()) MakePane(mainFrame);
+    if (m_session.Ended() || !Handle()) return;
+    Self().Show(true);
+    m_dialog.FocusList();
+    m_dialog.Book().Refresh();
+}
+
+void COrderBookDlgBar::MakePane(HWND mainFrame) {
+    if (!Create({.module = m_module,
+                 .className = "PlanfoldOrderBookBar",
+                 .caption = kCaption,
+                 .style = kPaneStyle,
+                 .rect = kFirstRect,
+                 .parent = mainFrame,
+                 .menuOrId = reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDD_ORDER_BOOK))})
+        || !m_dialog.Create(Handle()))
+        ShowMessage("Unable to creat a sip dialog");
+    if (m_session.Ended() || !Handle()) return;
+    m_dialog.Self().Show(true);
+    m_dock.Dock(mainFrame, Handle());
+    SendMessageA(mainFrame, kRegisterPaneMessage, reinterpret_cast<WPARAM>(Handle()), 0);
+}
+
+void COrderBookDlgBar::ShutDown() {
+    m_dock.Detach();
+    Destroy();
+    for (RxLink* link : {&m_requests, &m_identityStream, &m_accountStream})
+        link->Release();
+}
+
+void COrderBookDlgBar::FilterByClient(std::string_view client) {
+    if (m_dialog.HasWindow()) m_dialog.Book().FilterByClient(client);
+}
+
+std::optional<LRESULT> COrderBookDlgBar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_SIZE:
+        m_dialog.Self().Move(Self().ClientRect());
+        return 0;
+    case WM_WINDOWPOSCHANGED:
+        m_dock.OnPaneMoved();
+        return std::nullopt;
+    case WM_SETFOCUS:
+        m_dialog.FocusList();
+        return 0;
+    case WM_CLOSE:
+        Self().Show(false);
+        return 0;
+    case kCommandTextMessage:
+        return m_dialog.Self().Send(message, wParam, lParam);
+    default:
+        return std::nullopt;
+    }
+}
+
+void COrderBookDlgBar::OnResponse(void*, void* message, void*) noexcept {
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_dialog.Book().OnResponse(message);
+    });
+}
+
+void COrderBookDlgBar::OnBroadcast(void* message, std::uint32_t, void*) noexcept {
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_dialog.Book().OnBroadcast(message);
+    });
+}
+
+} // namespace planfold

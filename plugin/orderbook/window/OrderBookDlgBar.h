@@ -1,0 +1,42 @@
+// The registration book: its docking pane in the host's main frame, and its line to the server.
+#pragma once
+
+#include "framework/CustomWindow.h"
+#include "plugin/messaging/RxLink.h"
+#include "plugin/orderbook/window/BottomDock.h"
+#include "plugin/orderbook/window/OrderBookDlg.h"
+
+namespace planfold {
+
+class COrderBookDlgBar final : public framework::CustomWindow, public CKeloRxNotifierBase, private Notices {
+public:
+    COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    ~COrderBookDlgBar() override { Destroy(); }
+
+    // Makes the pane unless there is one, brings it up, and asks for the registrations.
+    void Open(HWND mainFrame);
+    // Takes the windows away and gives the controls back, for good.
+    void ShutDown();
+    // An empty client shows all rows. Nothing without a window.
+    void FilterByClient(std::string_view client);
+
+    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override;
+    void OnResponse(void*, void* message, void*) noexcept override;
+
+private:
+    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
+    void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void MakePane(HWND mainFrame);
+
+    HINSTANCE m_module;
+    Session& m_session;
+    framework::MessageBoxes& m_boxes;
+    RxLink m_requests;
+    RxLink m_identityStream;
+    RxLink m_accountStream;
+    COrderBookDlg m_dialog;
+    BottomDock m_dock;
+};
+
+} // namespace planfold

@@ -1,0 +1,341 @@
+// The registration book: what its queries send, where a record stands, and what each message changes.
+
+#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookQueries.h"
+#include "tests/plugin/BookDouble.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace planfold::test {
+namespace {
+
+constexpr LocalDateTime kToday{2024, 3, 7, 12, 0, 0};
+
+class OrderBookTest : public ::testing::Test, protected Stage {
+protected:
+    void Answer(const char* request, Fields fields) {
+        fields.push_back({32767, {request}});
+        const Received received(fields);
+        book.OnResponse(received.Message());
+    }
+    void Queried(Fields fields) {
+        fields.push_back({54324, {"1"}});
+        Answer("om_get_sip_orders", std::move(fields));
+    }
+    void Streamed(const Fields& fields) {
+        const Received received(fields);
+        book.OnBroadcast(received.Message());
+    }
+    std::string_view Text(OrderField field, std::string_view number = "SIP1") const {
+        return book.Records()[book.Records().Find(number)].Text(field);
+    }
+
+    BookDouble view;
+    OrderBook book{session, view, {&control, &control, &control}};
+};
+
+TEST_F(OrderBookTest, OpeningAsksForEverythingInOrderAndToldFailuresStopNothing) {
+    session.m_nSipOperationMode = 1;
+    book.Open(kToday);
+    EXPECT_EQ(session.m_nSipOperationMode, 0);
+    const Texts requests{"0=get_sip_operation_mode", "0=om_get_sip_orders 31003=DEALER1",
+                         "0=qry_eq_sip 49165=3/7/2022 79=3/7/2024"};
+    EXPECT_EQ(host.requests, requests);
+    EXPECT_EQ(host.subscriptions, (Texts{"54211=PLANFOLD 64804=- 64056=-", "64056=- 64804=-"}));
+    book.Refresh();
+    EXPECT_EQ(host.LastRequest(), requests[1]);
+
+    struct Row {
+        FailQmxCall::Function function;
+        int call;
+        Texts boxes;
+        std::size_t sent;
+    };
+    const char* building = "zup_add_parameter: Error while building message";
+    const Row rows[] = {
+        {FailQmxCall::startMsg, 1, {building}, 2},
+        {FailQmxCall::startMsg, 2, {}, 2}, // the plain query says nothing of these two
+        {FailQmxCall::startMsg, 3, {building}, 2},
+        {FailQmxCall::addData, 1, {"Failed to add the request add_sip_orders"}, 2},
+        {FailQmxCall::addData, 2, {}, 2},
+        {FailQmxCall::addData, 3, {"User not logged in"}, 2},
+        {FailQmxCall::addData, 4, {}, 2},
+        {FailQmxCall::addData, 6, {}, 2},
+    };
+    for (const Row& row : rows) {
+        const FailQmxCall failing(row.function, row.call);
+        host.requests.clear();
+        view.boxes.clear();
+        book.Open(kToday);
+        EXPECT_EQ(view.boxes, row.boxes) << row.function << row.call;
+        EXPECT_EQ(host.requests.size(), row.sent) << row.function << row.call;
+    }
+    view.boxes.clear();
+    host.refuses = true;
+    book.Open(kToday);
+    const char* noStream = "Subscription  is failed ,error code : 42";
+    EXPECT_EQ(view.boxes, (Texts{"Sending Request add_sip_orders Failed", noStream, "Request Failure", noStream,
+                                 "Request Failure"}));
+}
+
+TEST_F(OrderBookTest, TheHistoryReachesBackByTheCountOfYears) {
+    struct Row {
+        LocalDateTime today;
+        int days;
+    };
+    const Row rows[] = {
+        {{2026, 11, 21}, 730},                        // no leap day on the way
+        {{2024, 3, 1}, 731},   {{2024, 12, 31}, 731}, // 366 from a leap year's March on
+        {{2024, 2, 29}, 730},  {{2024, 1, 1}, 730},
+        {{2025, 3, 1}, 731},   {{2025, 2, 28}, 731}, // the second pass begins in the leap year
+        {{2025, 1, 1}, 731},   {{2026, 3, 1}, 730},
+        {{2026, 2, 10}, 731},  {{2026, 1, 1}, 731}, // ends in January or February of a leap year
+        {{2100, 3, 1}, 730},   {{2000, 3, 1}, 731},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(LookBackDays(row.today, 2), row.days) << FormatPickerDate(row.today);
+}
+
+// Each step's lists from the top; what changes between them is the rule.
+TEST_F(OrderBookTest, EveryRowStandsWhereTheRulesPutIt) {
+    enum From { queried, streamed, history, queriedWithoutMark };
+    struct Step {
+        From from;
+        const char* number; // null: none
+        const char* status; // null: none
+        const char* registered;
+        const char* cancelled;
+        const char* logged = nullptr;
+    };
+    const Step steps[] = {
+        {queriedWithoutMark, "SIP1", "active", "", ""},
+        {queried, nullptr, "active", "", ""},
+        {queried, "", "active", "", ""},
+        {streamed, nullptr, "canceled", "", ""},
+        {queried, "SIP1", "active", "SIP1", ""},
+        {queried, "SIP2", "canceled", "SIP1", "SIP2"},
+        {queried, "SIP3", "Cancelled", "SIP3 SIP1", "SIP2"}, // any other word is registered
+        {queried, "SIP4", nullptr, "SIP4 SIP3 SIP1", "SIP2"},
+        {queried, "SIP3", "Paused", "SIP4 SIP3 SIP1", "SIP2"},
+        // A query enters a cancelled record there and leaves its registered row.
+        {queried, "SIP1", "cancelled", "SIP4 SIP3 SIP1", "SIP1 SIP2"},
+        {queried, "SIP1", "cancelled", "SIP4 SIP3 SIP1", "SIP1 SIP2"},
+        // A known record never enters the registered book, whatever it became.
+        {queried, "SIP2", "active", "SIP4 SIP3 SIP1", "SIP1 SIP2"},
+        {streamed, "SIP2", "active", "SIP4 SIP3 SIP1", "SIP1 SIP2"},
+        // The stream takes the registered row away, and says so.
+        {streamed, "SIP1", "cancelled", "SIP4 SIP3", "SIP1 SIP2", "SIP1 Order Cancelled "},
+        {streamed, "SIP1", "canceled", "SIP4 SIP3", "SIP1 SIP2"},
+        {streamed, "SIP3", "Cancelled", "SIP4 SIP3", "SIP1 SIP2"},
+        {streamed, "SIP4", "canceled", "SIP3", "SIP4 SIP1 SIP2", "SIP4 Order Cancelled "},
+        {streamed, "SIP5", "cancelled", "SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {streamed, "SIP6", "active", "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        // History brings cancelled records that nobody has told of yet.
+        {history, "SIP7", "active", "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {history, "SIP7", "Cancelled", "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {history, "SIP7", nullptr, "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {history, nullptr, "canceled", "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {history, "SIP3", "canceled", "SIP6 SIP3", "SIP5 SIP4 SIP1 SIP2"},
+        {history, "SIP7", "canceled", "SIP6 SIP3", "SIP7 SIP5 SIP4 SIP1 SIP2"},
+    };
+    for (const Step& step : steps) {
+        Fields fields{{64056, {"any"}}};
+        if (step.number) fields.push_back({64804, {step.number}});
+        if (step.status) fields.push_back({10303, {step.status}});
+        host.log.clear();
+        if (step.from == queried) Queried(fields);
+        if (step.from == streamed) Streamed(fields);
+        if (step.from == history) Answer("qry_eq_sip", fields);
+        if (step.from == queriedWithoutMark) Answer("om_get_sip_orders", fields);
+        const auto line = &step - steps;
+        EXPECT_EQ(Numbers(book, view.registered), step.registered) << line;
+        EXPECT_EQ(Numbers(book, view.cancelled), step.cancelled) << line;
+        EXPECT_EQ(host.log, step.logged ? Texts{step.logged} : Texts{}) << line;
+    }
+    EXPECT_EQ(view.boxes, Texts{});
+    EXPECT_EQ(Text(OrderField::sipStatus, "SIP3"), "Cancelled") << "history left the known record alone";
+
+    book.Open(kToday); // a new window begins empty: the earlier records could not enter its registered book
+    Queried({{64804, {"SIP3"}}});
+    EXPECT_EQ(Numbers(book, view.registered) + "|" + Numbers(book, view.cancelled), "SIP3|");
+}
+
+TEST_F(OrderBookTest, AMessageFillsItsFieldsAndLeavesTheOthers) {
+    struct Row {
+        Fields fields;
+        bool installments;
+        OrderField field;
+        const char* text;
+    };
+    using enum OrderField;
+    const Row rows[] = {
+        {{{31003, {"DEALER1"}}}, false, userId, "DEALER1"},
+        {{{63001, {"nse_cm"}}}, false, exchange, "NSE"},
+        {{{63001, {"NSE_CM"}}}, false, exchange, "NSE"}, // in no row: as it was
+        {{{12003, {"S"}}}, false, action, "SWP"},
+        {{{12003, {"SWP"}}}, false, action, "SWP"},
+        {{{12008, {"L"}}}, false, orderType, ""}, // the book names market orders only
+        {{{12008, {"MKT"}}}, false, orderType, "MARKET"},
+        {{{12008, {"L"}}}, false, orderType, "MARKET"},
+        {{{53063, {"12345"}}}, false, amount, ""}, // neither value nor quantity so far
+        {{{53063, {"12345"}}, {54152, {"value"}}}, false, amount, "123.45"},
+        {{{53063, {"900719925474099"}}}, false, amount, "9007199254740.99"},
+        {{{53063, {"7"}}}, false, amount, "0.07"},
+        {{{53063, {"12"}}, {54152, {"qty"}}}, false, quantity, "12"},
+        {{{53063, {"13"}}}, false, amount, "0.07"},
+        {{{53063, {"14"}}, {54152, {"Qty"}}}, false, quantity, "13"},
+        {{{63415, {"12"}}}, false, totalPeriod, "12"},
+        {{{63415, {"24"}}}, true, installmentsRegistered, "24"},
+        {{{63415, {"25"}}}, true, totalPeriod, "12"},
+        {{{54001, {"C001"}}}, false, accountName, "First Client"},
+        {{{20008, {"r"}}}, false, accountName, "First Client"},
+        {{{54001, {"C9"}}}, false, accountName, ""}, // the host knows no such client
+        {{{10303, {""}}}, false, sipStatus, ""},     // an empty value is one
+        {{{20008, {"%s%n"}}}, false, remarks, "%s%n"},
+    };
+    Queried({{64804, {"SIP1"}}, {10303, {"active"}}});
+    for (const Row& row : rows) {
+        session.m_nSipOperationMode = row.installments;
+        Fields fields = row.fields;
+        fields.push_back({64804, {"SIP1"}});
+        Queried(fields);
+        EXPECT_EQ(Text(row.field), row.text) << &row - rows;
+    }
+    session.host.pu_get_client_name = nullptr;
+    Queried({{64804, {"SIP1"}}, {54001, {"C001"}}});
+    EXPECT_EQ(Text(clientId), "C001");
+    EXPECT_EQ(Text(accountName), "") << "without the callback nothing else is missing";
+
+    const std::pair<std::uint32_t, OrderField> asTheyAre[] = {
+        {63100, tradingSymbol},     {64030, product},     {10012, frequency},        {49165, startDate},
+        {54158, requestIdentifier}, {54211, streamName},  {54270, registrationDate}, {64756, orderSource},
+        {10320, cancelledDate},     {49281, cancelledBy}, {64987, endDate},          {10100, token},
+        {10615, nextExecutionDate},
+    };
+    for (const auto& [tag, field] : asTheyAre) {
+        Streamed({{64804, {"SIP1"}}, {tag, {std::to_string(tag)}}});
+        EXPECT_EQ(Text(field), std::to_string(tag));
+    }
+    EXPECT_EQ(book.Records().Size(), 1u);
+}
+
+TEST_F(OrderBookTest, HistoryIsFilteredByTheIdentityOfTheLoginMode) {
+    struct Row {
+        int mode;
+        Fields fields;
+        bool passes;
+    };
+    const Row rows[] = {
+        {0, {{64056, {""}}}, true},         {0, {{64053, {"BRANCH"}}}, false},
+        {1, {{64056, {"BROKER"}}}, true},   {1, {{64056, {"broker"}}}, false},
+        {1, {{64053, {"BROKER"}}}, false},  {2, {{64053, {"BRANCH"}}}, true},
+        {2, {{64056, {"BRANCH"}}}, false},  {3, {{31003, {"DEALER1"}}}, true},
+        {4, {{31003, {"DEALER2"}}}, false}, {-1, {{31003, {"DEALER1"}}}, true},
+        {9, {{64056, {"DEALER1"}}}, false},
+    };
+    for (const Row& row : rows) {
+        session.m_nLoginMode = row.mode;
+        Fields fields = row.fields;
+        fields.push_back({64804, {"SIP" + std::to_string(&row - rows)}});
+        fields.push_back({10303, {"cancelled"}});
+        const std::size_t before = view.cancelled.rows.size();
+        Answer("qry_eq_sip", fields);
+        EXPECT_EQ(view.cancelled.rows.size() - before, row.passes) << &row - rows;
+    }
+}
+
+TEST_F(OrderBookTest, ErrorsGoToTheLogAndChangeNoRow) {
+    for (const char* request : {"om_get_sip_orders", "qry_eq_sip", "get_sip_operation_mode", "other"}) {
+        host.log.clear();
+        session.m_nSipOperationMode = 1;
+        Answer(request,
+               {{32766, {"17"}}, {64804, {"SIP1"}}, {10303, {"cancelled"}}, {64056, {"x"}}, {54324, {"1"}}});
+        EXPECT_EQ(host.log, Texts{std::string("Error in response : ") + request + " . Error Code : 17"});
+        EXPECT_EQ(session.m_nSipOperationMode, request == std::string_view("get_sip_operation_mode") ? 0 : 1);
+    }
+    EXPECT_EQ(book.Records().Size(), 0u);
+    struct Mode {
+        Texts frequencies;
+        int flag;
+    };
+    for (const auto& [frequencies, flag] :
+         {Mode{{"monthly", "yearly"}, 1}, Mode{{"monthly", "0"}, 0}, Mode{{"0"}, 0}, Mode{{"00"}, 1}}) {
+        Answer("get_sip_operation_mode", {{10012, frequencies}, {54101, {"6"}}});
+        EXPECT_EQ(session.m_nSipOperationMode, flag);
+    }
+    EXPECT_EQ(session.m_dMinSipMonthly, 0) << "the minimums are the order windows' affair";
+}
+
+TEST_F(OrderBookTest, AfterTheEndNothingIsTouched) {
+    Queried({{64804, {"SIP1"}}});
+    view.open = false;
+    Queried({{64804, {"SIP2"}}});
+    view.open = true;
+    session.End();
+    Streamed({{64804, {"SIP3"}}});
+    EXPECT_EQ(book.Records().Size(), 1u);
+}
+
+TEST_F(OrderBookTest, TheMenuFollowsTheStatusOfTheFirstSelectedRow) {
+    struct Row {
+        const char* status; // null: no row
+        const char* entries;
+    };
+    const Row rows[] = {
+        {nullptr, "Refresh|Cancel\tDel|Order History"},
+        {"active", "Refresh|Cancel\tDel|Modify|Pause|~Resume|Order History"},
+        {"Paused", "Refresh|Cancel\tDel|Modify|~Pause|Resume|Order History"},
+        {"paused", "Refresh|Cancel\tDel|Modify|Pause|~Resume|Order History"},
+        {"canceled", "Refresh|Cancel\tDel|Modify|Pause|~Resume|Order History"},
+        {"cancelled", "Refresh|Cancel\tDel|Order History"},
+        {"expired", "Refresh|Cancel\tDel|Order History"},
+    };
+    for (const Row& row : rows) {
+        sOrderinfo record;
+        OrderChanges status;
+        status[OrderField::sipStatus] = row.status ? row.status : "";
+        record.Apply(status);
+        std::string entries;
+        for (const MenuEntry& entry : RegisteredMenu(row.status ? &record : nullptr))
+            entries += std::string(entries.empty() ? "" : "|") + (entry.greyed ? "~" : "") + entry.text;
+        EXPECT_EQ(entries, row.entries);
+    }
+}
+
+// Against plain strings: any text of any length, changed any number of times, found by its number.
+TEST(OrderCacheTest, RecordsKeepTheirTexts) {
+    std::mt19937 random(4711);
+    OrderCache cache;
+    std::vector<std::array<std::string, kOrderFieldCount>> expected;
+    for (int step = 0; step < 20'000; ++step) {
+        const std::size_t id = random() % (expected.size() + 1 + (step % 3 == 0));
+        if (id >= expected.size()) {
+            const std::string number = "SIP" + std::to_string(expected.size());
+            EXPECT_EQ(cache.Find(number), kNoRecord);
+            EXPECT_EQ(cache.Add(number), expected.size());
+            expected.emplace_back()[static_cast<std::size_t>(OrderField::registrationNumber)] = number;
+            continue;
+        }
+        OrderChanges changes;
+        std::array<std::string, 3> texts;
+        for (std::string& text : texts) {
+            const auto field = random() % kOrderFieldCount;
+            if (field == static_cast<std::size_t>(OrderField::registrationNumber)) continue;
+            text.assign(random() % 40, static_cast<char>('a' + random() % 26));
+            changes[static_cast<OrderField>(field)] = text;
+            expected[id][field] = text;
+        }
+        cache[static_cast<RecordId>(id)].Apply(changes);
+    }
+    for (std::size_t id = 0; id < expected.size(); ++id) {
+        EXPECT_EQ(cache.Find("SIP" + std::to_string(id)), id);
+        for (std::size_t field = 0; field < kOrderFieldCount; ++field)
+            ASSERT_EQ(cache[static_cast<RecordId>(id)].Text(static_cast<OrderField>(field)),
+                      expected[id][field]);
+    }
+}
+
+} // namespace
+} // namespace planfold::test
