@@ -61,6 +61,12 @@ bool Session::GetActiveClient(std::string& client) {
     return !identity.activeClient.empty();
 }
 
+std::optional<std::string> Session::FreshIdentifier() const {
+    CString identifier = String();
+    if (!host.pu_get_uuid || !host.pu_get_uuid(&identifier)) return std::nullopt;
+    return std::string(identifier.View());
+}
+
 void Session::Log(std::string_view text) const {
     if (!host.pu_add_to_tabbed_log) return;
     PassedString line(text, strings);

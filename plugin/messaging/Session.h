@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,6 +63,8 @@ public:
     LoginIdentity GetLoginIdentity() const;
     // Asks the host; true when a client is active.
     bool GetActiveClient(std::string& client);
+    // A fresh unique identifier for an order's request; none when the host gives none.
+    std::optional<std::string> FreshIdentifier() const;
     // One line of the host's tabbed log; nothing when the host has none.
     void Log(std::string_view text) const;
     bool HasRight(std::string_view right) const;

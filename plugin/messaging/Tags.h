@@ -17,6 +17,7 @@ inline constexpr std::uint32_t validity = 12005;
 inline constexpr std::uint32_t orderType = 12008;
 inline constexpr std::uint32_t userText = 20008;
 inline constexpr std::uint32_t loginId = 31003;
+inline constexpr std::uint32_t echoedNumber = 32760; // comes back as it was sent
 inline constexpr std::uint32_t errorCode = 32766;
 inline constexpr std::uint32_t echoedRequest = 32767;
 inline constexpr std::uint32_t startDate = 49165;

@@ -6,11 +6,6 @@ namespace {
 
 constexpr MenuEntry kOrderHistory{"Order History", kOrderHistoryCommand};
 
-// "canceled" with one l is none of them, as in every check of an action.
-bool HasEnded(std::string_view status) {
-    return status == "cancelled" || status == "expired";
-}
-
 } // namespace
 
 std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected) {
@@ -27,6 +22,11 @@ std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected) {
 
 std::vector<MenuEntry> CancelledMenu() {
     return {kOrderHistory};
+}
+
+std::vector<MenuEntry> SeveralRowsMenu(std::size_t selected) {
+    if (selected < 2) return {};
+    return {{"Pause Selected...", kPauseSelectedCommand}, {"Resume Selected...", kResumeSelectedCommand}};
 }
 
 } // namespace planfold

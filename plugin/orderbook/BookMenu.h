@@ -13,8 +13,9 @@ inline constexpr int kCancelCommand = 25002;
 inline constexpr int kModifyCommand = 25003;
 inline constexpr int kPauseCommand = 25004;
 inline constexpr int kResumeCommand = 25005;
-
-inline constexpr std::string_view kPausedStatus = "Paused";
+// Of several rows; they stand among the list's own entries.
+inline constexpr int kPauseSelectedCommand = 25101;
+inline constexpr int kResumeSelectedCommand = 25102;
 
 struct MenuEntry {
     const char* text;
@@ -25,5 +26,7 @@ struct MenuEntry {
 // `selected` is the first selected row's record; null when no row is selected.
 std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected);
 std::vector<MenuEntry> CancelledMenu();
+// None unless several rows are selected.
+std::vector<MenuEntry> SeveralRowsMenu(std::size_t selected);
 
 } // namespace planfold

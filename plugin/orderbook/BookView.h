@@ -4,6 +4,7 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/OrderCache.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,8 @@ public:
     virtual void FilterBy(int column, std::string_view text) = 0;
     // The shown, selected rows from the top.
     virtual std::vector<RecordId> Selected() const = 0;
+    virtual RecordId FirstSelected() const = 0; // kNoRecord when none is
+    virtual bool IsSelected(RecordId record) const = 0;
     virtual void Deselect(RecordId record) = 0;
 
 protected:
@@ -33,6 +36,13 @@ class BookView : public Notices {
 public:
     // False before the window is made and once it is gone.
     virtual bool IsOpen() const = 0;
+    // A question with Yes and No; true for Yes. False at once while another box is open.
+    virtual bool Ask(std::string_view question) = 0;
+    // The reason of a cancellation; empty when its dialog is cancelled.
+    virtual std::string AskReason() = 0;
+    virtual void OpenForModify(const sOrderinfo& record) = 0;
+    // A run over many rows has begun, gone on or ended.
+    virtual void ShowRun() = 0;
     virtual BookList& Registered() = 0;
     virtual BookList& Cancelled() = 0;
 

@@ -15,10 +15,14 @@ const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
     {"qry_eq_sip", &OrderBook::HandleHistoryRow},
     {"get_sip_operation_mode", &OrderBook::HandleOperationMode, OnError::logAndHandle},
     {"add_sip_orders", &OrderBook::HandleUserText, OnError::logAndHandle},
+    {"cancel_sip_order", &OrderBook::HandleCancelled, OnError::logAndHandle},
+    {"pause_sip_order", &OrderBook::HandlePaused, OnError::logAndHandle},
+    {"resume_sip_order", &OrderBook::HandleResumed, OnError::logAndHandle},
 };
 
 void OrderBook::Open(const LocalDateTime& today) {
     // Records of an earlier window would never be shown again: only a new one enters the registered book.
+    m_actions.Reset();
     m_cache.Clear();
     m_view.Registered().RemoveAll();
     m_view.Cancelled().RemoveAll();

@@ -4,6 +4,7 @@
 
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Dates.h"
+#include "plugin/orderbook/BookActions.h"
 #include "plugin/orderbook/BookView.h"
 #include "plugin/orderbook/OrderCache.h"
 #include "sdk/RxControl.h"
@@ -22,7 +23,8 @@ struct BookControls {
 class OrderBook {
 public:
     OrderBook(Session& session, BookView& view, const BookControls& controls)
-        : m_session(session), m_view(view), m_controls(controls) {}
+        : m_session(session), m_view(view), m_controls(controls),
+          m_actions(session, view, m_cache, controls.requests) {}
 
     // For a window that has just been made: begins empty, asks for everything and subscribes.
     void Open(const LocalDateTime& today);
@@ -35,6 +37,7 @@ public:
     void OnBroadcast(void* message);
 
     const OrderCache& Records() const { return m_cache; }
+    BookActions& Actions() { return m_actions; }
 
 private:
     bool Gone() const { return m_session.Ended() || !m_view.IsOpen(); }
@@ -46,6 +49,9 @@ private:
     void HandleRow(const Answer& answer);
     void HandleHistoryRow(const Answer& answer);
     void HandleUserText(const Answer& answer);
+    void HandleCancelled(const Answer& answer) { m_actions.HandleCancelled(answer); }
+    void HandlePaused(const Answer& answer) { m_actions.HandlePaused(answer); }
+    void HandleResumed(const Answer& answer) { m_actions.HandleResumed(answer); }
 
     static const AnswerHandler<OrderBook> kAnswers[];
 
@@ -53,6 +59,7 @@ private:
     BookView& m_view;
     BookControls m_controls;
     OrderCache m_cache;
+    BookActions m_actions;
 };
 
 } // namespace planfold

@@ -79,4 +79,11 @@ inline bool IsCancelled(std::string_view sipStatus) {
     return sipStatus == "canceled" || sipStatus == "cancelled";
 }
 
+// Neither can be changed any more. "canceled" with one l is not among them.
+inline bool HasEnded(std::string_view sipStatus) {
+    return sipStatus == "cancelled" || sipStatus == "expired";
+}
+
+inline constexpr std::string_view kPausedStatus = "Paused";
+
 } // namespace planfold

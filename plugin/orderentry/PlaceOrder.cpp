@@ -20,7 +20,7 @@ struct AddSipOrder {
     std::string loginId = session.identity.loginId;
     std::string peerIdA = session.identity.peerIdA;
     std::string peerIdB = session.identity.peerIdB;
-    std::string orderId{};
+    std::optional<std::string> orderId{};
     std::string operationMode{};
 };
 
@@ -46,10 +46,7 @@ Value Of(AddSipOrder& add) {
 }
 
 Value OrderId(AddSipOrder& add) {
-    if (!add.session.host.pu_get_uuid) return std::nullopt;
-    CString identifier = add.session.String();
-    if (!add.session.host.pu_get_uuid(&identifier)) return std::nullopt;
-    add.orderId = identifier.View();
+    add.orderId = add.session.FreshIdentifier();
     return add.orderId;
 }
 

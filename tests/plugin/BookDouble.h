@@ -5,6 +5,7 @@
 #include "tests/plugin/Doubles.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace planfold::test {
 
@@ -22,6 +23,8 @@ public:
         filter = std::to_string(column) + "=" + std::string(text);
     }
     std::vector<RecordId> Selected() const override { return selected; }
+    RecordId FirstSelected() const override { return selected.empty() ? kNoRecord : selected.front(); }
+    bool IsSelected(RecordId record) const override { return std::ranges::count(selected, record) > 0; }
     void Deselect(RecordId record) override { std::erase(selected, record); }
 
     std::vector<RecordId> rows; // the newest first
@@ -33,11 +36,27 @@ class BookDouble final : public BookView {
 public:
     void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
     bool IsOpen() const override { return open; }
+    bool Ask(std::string_view question) override {
+        questions.emplace_back(question);
+        if (const auto action = std::exchange(duringQuestion, nullptr)) action();
+        return yes;
+    }
+    std::string AskReason() override {
+        ++reasonsAsked;
+        if (const auto action = std::exchange(duringReason, nullptr)) action();
+        return reason;
+    }
+    void OpenForModify(const sOrderinfo& record) override { modified.emplace_back(record.Number()); }
+    void ShowRun() override {}
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }
 
     ListDouble registered, cancelled;
-    Texts boxes;
+    Texts boxes, questions, modified;
+    bool yes = true;
+    std::string reason;
+    int reasonsAsked = 0;
+    std::function<void()> duringQuestion, duringReason; // run once
     bool open = true;
 };
 

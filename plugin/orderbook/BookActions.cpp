@@ -1,0 +1,253 @@
+#include "plugin/orderbook/BookActions.h"
+
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/orderbook/BookMenu.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+// Sent at once: what comes back from a click in the blink of an eye.
+constexpr std::size_t kFirstPortion = 250;
+constexpr std::size_t kPortion = 100;
+// Portions that bring no answer before the run is given up: some ten seconds.
+constexpr int kMostWaits = 500;
+
+class KeptFailures final : public Notices {
+public:
+    explicit KeptFailures(BookRun& run) : m_run(run) {}
+    void ShowMessage(std::string_view text) override { m_run.AddFailure(text); }
+
+private:
+    BookRun& m_run;
+};
+
+struct Refusal {
+    std::string_view status;
+    const char* text;
+};
+constexpr Refusal kPauseRefusals[] = {
+    {kPausedStatus, "Cannot pause - order is already paused"},
+    {"cancelled", "Cannot pause - order is cancelled"},
+    {"expired", "Cannot pause - order is expired"},
+};
+
+// Null when the status allows it.
+const char* RefusalToPause(std::string_view status) {
+    const auto* row = std::ranges::find(kPauseRefusals, status, &Refusal::status);
+    return row == std::end(kPauseRefusals) ? nullptr : row->text;
+}
+
+const char* RefusalToResume(std::string_view status) {
+    return status == kPausedStatus ? nullptr : "Cannot Resume - order is not paused";
+}
+
+bool Allows(RunKind kind, std::string_view status) {
+    return !(kind == RunKind::pause ? RefusalToPause(status) : RefusalToResume(status));
+}
+
+// What many registrations mean in money, for the question before something is done with all of them.
+struct Totals {
+    std::set<std::string_view> clients;
+    std::int64_t paise = 0;
+    std::int64_t shares = 0;
+
+    void Add(const sOrderinfo& record) {
+        clients.insert(record.Text(OrderField::clientId));
+        std::string amount(record.Text(OrderField::amount));
+        std::erase(amount, '.');
+        if (record.Text(OrderField::sipType) == "value") paise += LeadingInteger(amount);
+        if (record.Text(OrderField::sipType) == "qty")
+            shares += LeadingInteger(record.Text(OrderField::quantity));
+    }
+    std::string Text() const {
+        std::string text = Format("%zu client%s", clients.size(), clients.size() == 1 ? "" : "s");
+        if (paise)
+            text += Format(", amount %lld.%02lld per run", static_cast<long long>(paise / 100),
+                           static_cast<long long>(paise % 100));
+        if (shares) text += Format(", quantity %lld per run", static_cast<long long>(shares));
+        return text;
+    }
+};
+
+} // namespace
+
+const sOrderinfo* BookActions::FirstSelected() const {
+    const RecordId record = m_view.Registered().FirstSelected();
+    return record == kNoRecord ? nullptr : &m_cache[record];
+}
+
+void BookActions::Cancel() {
+    std::vector<RecordId> records = m_view.Registered().Selected();
+    if (records.empty() || m_asking || m_run) return;
+    const std::string question =
+        records.size() == 1
+            ? Format("Do you want to cancel Order No: %s ", std::string(m_cache[records[0]].Number()).c_str())
+            : Format("You have selected %d Orders to Cancel. Proceed?", static_cast<int>(records.size()));
+    const int resets = m_resets;
+    m_asking = true;
+    const bool proceed = m_view.Ask(question);
+    // Whichever way the reason is closed, the cancellation goes on.
+    std::string reason =
+        proceed && resets == m_resets && !m_session.Ended() ? m_view.AskReason() : std::string();
+    m_asking = false;
+    if (proceed && resets == m_resets && !m_session.Ended())
+        Begin(RunKind::cancel, std::move(records), std::move(reason));
+}
+
+void BookActions::Modify() {
+    const sOrderinfo* record = FirstSelected();
+    if (!record) return;
+    const std::string_view status = record->Text(OrderField::sipStatus);
+    if (HasEnded(status))
+        m_view.ShowMessage("Cannot modify SIP. Order status: " + std::string(status));
+    else
+        m_view.OpenForModify(*record);
+}
+
+void BookActions::Pause() {
+    const sOrderinfo* record = FirstSelected();
+    if (!record || m_run) return;
+    if (const char* refusal = RefusalToPause(record->Text(OrderField::sipStatus)))
+        m_view.ShowMessage(refusal);
+    else
+        SendPauseSipOrder(m_session, m_control, m_view, PauseOrResume::pause, record->Number());
+}
+
+void BookActions::Resume() {
+    const sOrderinfo* record = FirstSelected();
+    if (!record || m_run) return;
+    if (const char* refusal = RefusalToResume(record->Text(OrderField::sipStatus)))
+        m_view.ShowMessage(refusal);
+    else
+        SendPauseSipOrder(m_session, m_control, m_view, PauseOrResume::resume, record->Number());
+}
+
+void BookActions::ChangeSelected(RunKind kind) {
+    if (m_asking || m_run) return;
+    std::vector<RecordId> records = m_view.Registered().Selected();
+    const std::size_t selected = records.size();
+    std::erase_if(records,
+                  [&](RecordId record) { return !Allows(kind, m_cache[record].Text(OrderField::sipStatus)); });
+    const char* verb = kind == RunKind::pause ? "paused" : "resumed";
+    if (records.empty()) {
+        if (selected)
+            m_view.ShowMessage(Format("None of the %zu selected registrations can be %s.", selected, verb));
+        return;
+    }
+    Totals totals;
+    for (const RecordId record : records)
+        totals.Add(m_cache[record]);
+    const int resets = m_resets;
+    m_asking = true;
+    const bool proceed = m_view.Ask(Format("%zu of %zu selected registrations will be %s: %s.\nProceed?",
+                                           records.size(), selected, verb, totals.Text().c_str()));
+    m_asking = false;
+    if (proceed && resets == m_resets && !m_session.Ended()) Begin(kind, std::move(records), {});
+}
+
+void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string reason) {
+    m_reason = std::move(reason);
+    m_run.emplace(kind, std::move(records));
+    m_waits = 0;
+    SendPortion(kFirstPortion);
+    if (m_run) m_view.ShowRun();
+}
+
+void BookActions::ContinueRun() {
+    SendPortion(kPortion);
+    if (m_run && m_run->AllTried() && ++m_waits > kMostWaits) EndRun();
+}
+
+void BookActions::StopRun() {
+    if (m_run) m_run->Stop();
+    if (Finished()) EndRun();
+}
+
+// A cancellation ends with its last request: every answer tells its own row. The other two end with one summary
+// of all answers.
+bool BookActions::Finished() const {
+    if (!m_run || m_sending || !m_run->AllTried()) return false;
+    return m_run->Kind() == RunKind::cancel || m_run->Stopped() || m_run->AllAnswered();
+}
+
+void BookActions::SendPortion(std::size_t most) {
+    // The host is asked for identifiers on the way and may let the window's timer in.
+    if (!m_run || m_sending) return;
+    m_sending = true;
+    const int resets = m_resets;
+    for (std::size_t i = 0; i < most && !m_run->AllTried(); ++i) {
+        KeptFailures failures(*m_run);
+        const bool sent = SendOne(m_run->TakeNext(), failures);
+        if (m_session.Ended() || resets != m_resets) break;
+        if (sent) m_run->CountSent();
+    }
+    m_sending = false;
+    if (m_session.Ended() || resets != m_resets)
+        m_run.reset();
+    else if (Finished())
+        EndRun();
+}
+
+bool BookActions::SendOne(RecordId id, Notices& notices) {
+    sOrderinfo& record = m_cache[id];
+    switch (m_run->Kind()) {
+    case RunKind::cancel: {
+        OrderChanges reason;
+        reason[OrderField::remarks] = m_reason;
+        record.Apply(reason);
+        return SendCancelSipOrder(m_session, m_control, notices, record);
+    }
+    case RunKind::pause:
+        return SendPauseSipOrder(m_session, m_control, notices, PauseOrResume::pause, record.Number());
+    case RunKind::resume:
+        return SendPauseSipOrder(m_session, m_control, notices, PauseOrResume::resume, record.Number());
+    }
+    return false;
+}
+
+void BookActions::EndRun() {
+    const BookRun run = *std::exchange(m_run, std::nullopt);
+    m_view.ShowRun();
+    std::string text = run.Failures();
+    if (run.Stopped() || run.Kind() != RunKind::cancel)
+        text.append(text.empty() ? "" : "\n").append(run.Summary());
+    if (!text.empty()) m_view.ShowMessage(text);
+}
+
+void BookActions::HandleCancelled(const Answer& answer) {
+    const auto number = FieldView(answer.message, tag::echoedNumber);
+    if (!number) return;
+    BookList& registered = m_view.Registered();
+    const RecordId record = m_cache.Find(*number);
+    if (record == kNoRecord || !registered.IsSelected(record)) return;
+    registered.Deselect(record);
+    registered.Remove(record);
+    const std::string text = Format("%s Order Cancelled ", std::string(*number).c_str());
+    m_session.Log(text);
+    m_view.ShowMessage(text);
+}
+
+void BookActions::HandleChanged(const Answer& answer, RunKind kind) {
+    if (m_run && m_run->Kind() == kind && !m_run->AllAnswered()) {
+        m_run->CountAnswer(answer.hasError);
+        m_waits = 0;
+        if (Finished()) EndRun();
+        return;
+    }
+    const std::string text = FieldText(answer.message, tag::userText);
+    if (!text.empty()) m_view.ShowMessage(text);
+}
+
+void BookActions::Reset() {
+    ++m_resets;
+    if (!m_sending) m_run.reset();
+}
+
+} // namespace planfold

@@ -1,0 +1,66 @@
+// What the dealer does with rows of the registered book: cancel, pause, resume, open for modification. Refused
+// with a reason where the status forbids it, asked before where it cannot be undone, and never done twice.
+#pragma once
+
+#include "plugin/messaging/Answer.h"
+#include "plugin/orderbook/BookRequests.h"
+#include "plugin/orderbook/BookRun.h"
+#include "plugin/orderbook/BookView.h"
+#include "plugin/orderbook/OrderCache.h"
+#include "sdk/RxControl.h"
+
+#include <optional>
+
+namespace planfold {
+
+class BookActions {
+public:
+    BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control)
+        : m_session(session), m_view(view), m_cache(cache), m_control(control) {}
+
+    // Of every selected row, after a question and a reason.
+    void Cancel();
+    // Of the first selected row.
+    void Modify();
+    void Pause();
+    void Resume();
+    // Of every selected row whose status allows it, after a question with exact numbers.
+    void PauseSelected() { ChangeSelected(RunKind::pause); }
+    void ResumeSelected() { ChangeSelected(RunKind::resume); }
+
+    // A long run goes on in portions: the window calls this as long as a run is under way.
+    void ContinueRun();
+    void StopRun();
+    // Null while none is.
+    const BookRun* Run() const { return m_run ? &*m_run : nullptr; }
+
+    void HandleCancelled(const Answer& answer);
+    void HandlePaused(const Answer& answer) { HandleChanged(answer, RunKind::pause); }
+    void HandleResumed(const Answer& answer) { HandleChanged(answer, RunKind::resume); }
+
+    // The records are gone, and with them every run.
+    void Reset();
+
+private:
+    const sOrderinfo* FirstSelected() const;
+    void ChangeSelected(RunKind kind);
+    void Begin(RunKind kind, std::vector<RecordId> records, std::string reason);
+    void SendPortion(std::size_t most);
+    bool SendOne(RecordId record, Notices& notices);
+    bool Finished() const;
+    void EndRun();
+    void HandleChanged(const Answer& answer, RunKind kind);
+
+    Session& m_session;
+    BookView& m_view;
+    OrderCache& m_cache;
+    RxControl* m_control;
+    std::optional<BookRun> m_run;
+    std::string m_reason;
+    int m_waits = 0; // since the last answer
+    bool m_asking = false;
+    bool m_sending = false;
+    int m_resets = 0;
+};
+
+} // namespace planfold

@@ -1,0 +1,50 @@
+#include "plugin/orderbook/BookRun.h"
+
+#include "plugin/messaging/Text.h"
+
+namespace planfold {
+
+namespace {
+
+struct Words {
+    const char* doing;
+    const char* noun;
+};
+// In the order of RunKind.
+constexpr Words kWords[] = {{"Cancelling", "Cancel"}, {"Pausing", "Pause"}, {"Resuming", "Resume"}};
+
+const Words& WordsOf(RunKind kind) {
+    return kWords[static_cast<std::size_t>(kind)];
+}
+
+// A box stays readable.
+constexpr std::size_t kMostLines = 30;
+
+} // namespace
+
+void BookRun::AddFailure(std::string_view text) {
+    if (++m_failed <= kMostLines) m_failures.emplace_back(text);
+}
+
+std::string BookRun::Failures() const {
+    std::string text;
+    for (const std::string& failure : m_failures)
+        text.append(text.empty() ? "" : "\n").append(failure);
+    if (m_failed > kMostLines) text += Format("\n... and %zu more", m_failed - kMostLines);
+    return text;
+}
+
+std::string BookRun::Summary() const {
+    std::string text = Format("%s: %zu of %zu requests were sent%s.", WordsOf(m_kind).noun, m_sent,
+                              m_records.size(), m_stopped ? ", then it was stopped" : "");
+    if (m_confirmed + m_refused == 0) return text;
+    text += Format("\nThe server confirmed %zu", m_confirmed);
+    if (m_refused) text += Format(" and refused %zu (see the log)", m_refused);
+    return text + ".";
+}
+
+std::string BookRun::Progress() const {
+    return Format("%s %zu of %zu", WordsOf(m_kind).doing, m_next, m_records.size());
+}
+
+} // namespace planfold

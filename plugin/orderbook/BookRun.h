@@ -1,0 +1,53 @@
+// The same request for many registrations: sent in portions, so that the window keeps painting and the dealer
+// can stop, with true numbers of what was sent and what came of it.
+#pragma once
+
+#include "plugin/orderbook/OrderCache.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+enum class RunKind { cancel, pause, resume };
+
+class BookRun {
+public:
+    BookRun(RunKind kind, std::vector<RecordId> records) : m_kind(kind), m_records(std::move(records)) {}
+
+    RunKind Kind() const { return m_kind; }
+    std::size_t Total() const { return m_records.size(); }
+    std::size_t Tried() const { return m_next; }
+    bool AllTried() const { return m_stopped || m_next == m_records.size(); }
+    bool Stopped() const { return m_stopped; }
+    void Stop() { m_stopped = m_next < m_records.size(); }
+
+    // The next record; only while not all are tried.
+    RecordId TakeNext() { return m_records[m_next++]; }
+    void CountSent() { ++m_sent; }
+    void AddFailure(std::string_view text);
+    // An answer to one of the sent requests.
+    void CountAnswer(bool refused) { ++(refused ? m_refused : m_confirmed); }
+    bool AllAnswered() const { return m_confirmed + m_refused >= m_sent; }
+
+    // The texts of what could not be sent, each on its own line; empty when all were.
+    std::string Failures() const;
+    // What became of it in numbers.
+    std::string Summary() const;
+    // While it is under way.
+    std::string Progress() const;
+
+private:
+    RunKind m_kind;
+    std::vector<RecordId> m_records;
+    std::size_t m_next = 0;
+    std::size_t m_sent = 0;
+    std::size_t m_confirmed = 0;
+    std::size_t m_refused = 0;
+    std::vector<std::string> m_failures; // the first of them
+    std::size_t m_failed = 0;
+    bool m_stopped = false;
+};
+
+} // namespace planfold
