@@ -3,6 +3,8 @@
 #include "framework/Guard.h"
 #include "framework/KeyboardHook.h"
 
+#include <utility>
+
 namespace framework {
 
 bool Dialog::Create(HWND parent) {
@@ -11,7 +13,32 @@ bool Dialog::Create(HWND parent) {
            != nullptr;
 }
 
+bool Dialog::RunModal(HWND owner) {
+    const HWND root = GetAncestor(owner, GA_ROOT);
+    if (!Create(root)) return false;
+    if (!EnableWindow(root, FALSE)) m_disabledOwner = root;
+    Self().Show(true);
+    MSG message{};
+    while (m_handle) {
+        if (GetMessageA(&message, nullptr, 0, 0) > 0) {
+            TranslateMessage(&message);
+            DispatchMessageA(&message);
+            continue;
+        }
+        // The end of the program is for the loop outside.
+        Destroy();
+        PostQuitMessage(static_cast<int>(message.wParam));
+    }
+    return true;
+}
+
+// Before the window goes, or another program's window would come to the front.
+void Dialog::EnableOwner() {
+    if (const HWND owner = std::exchange(m_disabledOwner, nullptr)) EnableWindow(owner, TRUE);
+}
+
 void Dialog::Destroy() {
+    EnableOwner();
     if (m_handle) DestroyWindow(m_handle);
 }
 
@@ -76,6 +103,7 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         SetWindowLongPtrA(window, DWLP_USER, 0);
         KeyboardHook::Withdraw(window);
         m_handle = nullptr;
+        EnableOwner();
         OnDestroyed();
         return TRUE;
     default:

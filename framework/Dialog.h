@@ -19,6 +19,9 @@ public:
 
     // False when the system refuses; GetLastError says why.
     bool Create(HWND parent = nullptr);
+    // Makes the window over the one that holds `owner`, which is disabled meanwhile, and returns when it is
+    // gone. False when the system refuses.
+    bool RunModal(HWND owner);
     void Destroy();
     bool HasWindow() const { return m_handle != nullptr; }
     HWND Handle() const { return m_handle; }
@@ -55,12 +58,14 @@ protected:
     void OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:
+    void EnableOwner();
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     INT_PTR HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     HINSTANCE m_module;
     int m_resource;
     HWND m_handle = nullptr;
+    HWND m_disabledOwner = nullptr; // while it runs modally
     int m_points = 0;
     std::optional<DialogLayout> m_layout;
     Icon m_captionIcon;

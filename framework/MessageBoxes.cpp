@@ -12,9 +12,19 @@ void MessageBoxes::Show(HWND owner, std::string_view text) {
         return;
     }
     m_pending.Add(owner, text);
-    if (m_open) return;
+    if (!m_open) ShowPending();
+}
+
+bool MessageBoxes::Ask(HWND owner, const std::string& question) {
+    if (m_open || m_holding) return false;
+    const int answer = Open(owner, question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2);
+    ShowPending();
+    return answer == IDYES;
+}
+
+void MessageBoxes::ShowPending() {
     while (const auto box = m_pending.TakeNext())
-        Open(box->owner, box->text);
+        Open(box->owner, box->text, MB_OK);
 }
 
 MessageBoxes::Hold::~Hold() {
@@ -25,10 +35,11 @@ MessageBoxes::Hold::~Hold() {
     });
 }
 
-void MessageBoxes::Open(HWND owner, const std::string& text) {
+int MessageBoxes::Open(HWND owner, const std::string& text, UINT kind) {
     m_open = true;
-    MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), MB_OK);
+    const int answer = MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), kind);
     m_open = false;
+    return answer;
 }
 
 } // namespace framework

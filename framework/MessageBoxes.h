@@ -19,6 +19,10 @@ public:
     // is open. `owner` may be null or already gone.
     void Show(HWND owner, std::string_view text);
 
+    // A question with Yes and No, No being the default; true for Yes. While it is open, texts wait. False
+    // without asking when a box is open already.
+    bool Ask(HWND owner, const std::string& question);
+
     // While one lives, texts are kept; then each is shown in a box of its own. For code that a message loop
     // must not enter.
     class Hold {
@@ -38,7 +42,8 @@ private:
         std::string text;
     };
 
-    void Open(HWND owner, const std::string& text);
+    int Open(HWND owner, const std::string& text, UINT kind);
+    void ShowPending();
 
     std::string m_caption;
     PendingTexts<HWND> m_pending;

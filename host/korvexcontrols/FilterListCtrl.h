@@ -97,6 +97,7 @@ public:
 
     // Selection and focus, of shown rows.
     std::uint32_t SelectedCount() const noexcept;
+    bool IsSelected(std::uint32_t record) const noexcept;
     // The first `capacity` selected records from the top; returns how many were written.
     std::uint32_t Selected(std::uint32_t* records, std::uint32_t capacity) const noexcept;
     std::uint32_t Focused() const noexcept;         // UINT32_MAX when none has it

@@ -174,6 +174,12 @@ void ClientSearch::ShowList(const std::string& upperText, bool isAccount) {
     m_view.ShowResults(m_results.Count(), m_selected);
 }
 
+void ClientSearch::Forget() {
+    m_pending = false;
+    m_view.StopDelay();
+    HideList();
+}
+
 void ClientSearch::HideList() {
     if (!m_listShown) return;
     m_listShown = false;

@@ -75,6 +75,8 @@ public:
     // What was typed stays to be searched on return, by Enter or Down.
     void OnFocusLost();
     void HideList();
+    // What was typed is no longer to be searched for.
+    void Forget();
 
     void Search();
     void Pick(int row);

@@ -32,6 +32,7 @@ public:
     virtual void SetDigitsOnly(int edit, bool on) = 0;
 
     virtual std::vector<std::string> Items(int combo) const = 0;
+    virtual void ClearItems(int combo) = 0;
     virtual void AddItem(int combo, std::string_view text) = 0;
     // -1 selects nothing.
     virtual void Select(int combo, int index) = 0;

@@ -49,11 +49,12 @@ std::vector<std::string> SplitAtCommas(std::string_view list) {
 const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
     {"get_sip_operation_mode", &OrderEntry::HandleOperationMode, OnError::handle},
     {"add_sip_orders", &OrderEntry::HandleUserText},
-    {"modify_sip_order", &OrderEntry::HandleModified},
+    {"modify_sip_order", &OrderEntry::HandleModified, OnError::logAndHandle},
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
     const int opening = ++m_openings;
+    m_modifying.reset();
     PrepareClient();
     if (!StillOpen(opening)) return;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
@@ -145,6 +146,7 @@ SipOrderForm OrderEntry::ReadForm() const {
         form.*member = m_view.Text(control);
     form.client = m_view.Text(SearchesClients() ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO);
     form.startDate = m_view.Date(IDC_START_DATE);
+    form.modifyMode = FilledForModify();
     return form;
 }
 
@@ -174,12 +176,16 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
 
     const int opening = m_openings;
     const SipOrderForm form = ReadForm();
+    const std::string number = m_modifying.value_or("");
     sSipOrderData record;
     const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record);
     if (!StillOpen(opening)) return {};
     if (refusal) return {refusal->text, refusal->focusValue};
     KeptNotice notice;
-    SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
+    if (!form.modifyMode)
+        SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
+    else if (SendModifySipOrder(m_session, m_control, notice, number, record))
+        m_sentModifications.push_back(number);
     return {notice.text, false, form};
 }
 
@@ -207,7 +213,7 @@ void OrderEntry::OnResponse(void* message) {
 void OrderEntry::HandleOperationMode(const Answer& answer) {
     const OperationModeAnswer mode = ReadOperationMode(m_session, answer);
     if (m_openModeRequests > 0) --m_openModeRequests;
-    if (!mode.understood) return;
+    if (!mode.understood || FilledForModify()) return;
     // A window closed and opened again within the server's delay gets the answers of both.
     if (m_frequenciesListed && m_earlierModeRequests > 0) {
         --m_earlierModeRequests;
@@ -219,6 +225,10 @@ void OrderEntry::HandleOperationMode(const Answer& answer) {
     m_view.Select(IDC_FREQUENCY, 0);
     ShowPlan();
     if (!mode.serverPeriods) return;
+    ShowServerPeriods();
+}
+
+void OrderEntry::ShowServerPeriods() {
     m_view.SetText(IDC_PERIOD_LABEL, "SIP Periods");
     for (const int control : {IDC_PERIOD_HINT, IDC_PERIOD_ICON_1, IDC_PERIOD_ICON_2})
         m_view.Show(control, false);
@@ -230,8 +240,14 @@ void OrderEntry::HandleUserText(const Answer& answer) {
 }
 
 void OrderEntry::HandleModified(const Answer& answer) {
+    std::string number = FieldText(answer.message, tag::registrationNumber);
+    if (number.empty() && !m_sentModifications.empty()) number = m_sentModifications.front();
+    const auto sent = std::ranges::find(m_sentModifications, number);
+    if (sent != m_sentModifications.end()) m_sentModifications.erase(sent);
+    if (answer.hasError) return;
     HandleUserText(answer);
-    m_view.Close();
+    // Another registration may have been opened in the window meanwhile.
+    if (!m_session.Ended() && m_modifying == number) m_view.Close();
 }
 
 } // namespace planfold

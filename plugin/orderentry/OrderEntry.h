@@ -5,11 +5,14 @@
 #include "plugin/controls/DialogView.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderentry/ModifyOrder.h"
 #include "plugin/orderentry/PlannedDates.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "sdk/RxControl.h"
 
+#include <deque>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace planfold {
@@ -26,6 +29,11 @@ public:
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
     // is the comma-separated list of the settings file; it counts only for holders of the right.
     void Initialise(const LocalDateTime& now, std::string_view customProducts);
+
+    // Fills the open form from a registration and locks all but value and period; Submit then changes that
+    // registration. Until the window is made anew the form never places a new order again.
+    void FillForModify(const SipRegistration& registration);
+    bool FilledForModify() const { return m_modifying.has_value(); }
 
     void OnExchangeChanged();
     void OnSeriesChanged();
@@ -63,6 +71,10 @@ private:
     void HandleOperationMode(const Answer& answer);
     void HandleUserText(const Answer& answer);
     void HandleModified(const Answer& answer);
+    void ShowServerPeriods();
+    // Empties the combo but for the text, and locks it.
+    void Fix(int combo, std::string_view text);
+    void FillClient(std::string_view client);
 
     static const AnswerHandler<OrderEntry> kAnswers[];
 
@@ -74,6 +86,9 @@ private:
     int m_openModeRequests = 0;    // sent and not yet answered
     int m_earlierModeRequests = 0; // of those, sent by windows before this one
     bool m_frequenciesListed = false;
+    // The registration that the form was filled from; its number is empty when the filling stopped half-way.
+    std::optional<std::string> m_modifying;
+    std::deque<std::string> m_sentModifications; // not yet answered
 };
 
 } // namespace planfold

@@ -44,6 +44,10 @@ public:
     void Focus(int id) override { focused = id; }
     void SetDigitsOnly(int id, bool on) override { controls[id].digitsOnly = on; }
     Texts Items(int id) const override { return controls[id].items; }
+    void ClearItems(int id) override {
+        controls[id].items.clear();
+        controls[id].selected = -1;
+    }
     void AddItem(int id, std::string_view text) override { controls[id].items.emplace_back(text); }
     void Select(int id, int index) override {
         Control& control = controls[id];

@@ -45,6 +45,11 @@ void CClientSearchBox::SetUp(HWND edit, const std::string& name, UINT delayMs) {
     m_search.SetUp(name);
 }
 
+void CClientSearchBox::SetText(std::string_view text) {
+    m_search.Forget();
+    SetSearchText(text);
+}
+
 void CClientSearchBox::OnTextChanged() {
     if (!m_ownChange) m_search.OnTyped();
 }

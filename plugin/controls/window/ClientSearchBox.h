@@ -19,6 +19,8 @@ public:
 
     // `name` is the settings key; `delayMs` from the user's last change to the search.
     void SetUp(HWND edit, const std::string& name, UINT delayMs);
+    // Not typed by the user: it starts no search, and ends one that was waiting.
+    void SetText(std::string_view text);
     // The edit told its parent that its text changed.
     void OnTextChanged();
     // It hangs under a box that moves, say.

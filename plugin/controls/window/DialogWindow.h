@@ -33,6 +33,7 @@ public:
     std::vector<std::string> Items(int combo) const override {
         return Item<framework::ComboBox>(combo).Items();
     }
+    void ClearItems(int combo) override { Item<framework::ComboBox>(combo).Clear(); }
     void AddItem(int combo, std::string_view text) override {
         Item<framework::ComboBox>(combo).Add(std::string(text));
     }

@@ -25,6 +25,12 @@ std::vector<RecordId> BookListWindow::Selected() const {
     return records;
 }
 
+RecordId BookListWindow::FirstSelected() const {
+    RecordId first = kNoRecord;
+    m_list.Selected(&first, 1);
+    return first;
+}
+
 void BookListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                                KorvexText* texts) noexcept {
     const OrderField field = m_args.columns[static_cast<std::size_t>(column)].field;

@@ -33,6 +33,8 @@ public:
     void RemoveAll() override { m_list.RemoveAll(); }
     void FilterBy(int column, std::string_view text) override;
     std::vector<RecordId> Selected() const override;
+    RecordId FirstSelected() const override;
+    bool IsSelected(RecordId record) const override { return m_list.IsSelected(record); }
     void Deselect(RecordId record) override { m_list.Deselect(record); }
 
 private:

@@ -8,6 +8,9 @@
 
 #include <windowsx.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace planfold {
 
 namespace {
@@ -24,14 +27,28 @@ struct Page {
 constexpr Page kPages[] = {{"Registered Orders", IDC_REGISTERED_LIST},
                            {"Cancelled Orders", IDC_CANCELLED_LIST}};
 
-struct MenuHandle {
-    HMENU menu = CreatePopupMenu();
-    ~MenuHandle() { DestroyMenu(menu); }
-};
+void AppendEntries(HMENU menu, const std::vector<MenuEntry>& entries) {
+    for (const MenuEntry& entry : entries)
+        AppendMenuA(menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u), static_cast<UINT_PTR>(entry.command),
+                    entry.text);
+}
 
 void AppendSeparator(HMENU menu) {
     AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
 }
+
+struct CommandRow {
+    int command;
+    void (BookActions::*act)();
+};
+constexpr CommandRow kCommands[] = {
+    {kCancelCommand, &BookActions::Cancel},
+    {kModifyCommand, &BookActions::Modify},
+    {kPauseCommand, &BookActions::Pause},
+    {kResumeCommand, &BookActions::Resume},
+    {kPauseSelectedCommand, &BookActions::PauseSelected},
+    {kResumeSelectedCommand, &BookActions::ResumeSelected},
+};
 
 // Below the focused row when the menu is asked for by key.
 POINT MenuPlace(HWND list, LPARAM position) {
@@ -51,12 +68,13 @@ POINT MenuPlace(HWND list, LPARAM position) {
 } // namespace
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                             const BookControls& controls)
+                             const BookControls& controls, Modify modify)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
-                  [this] { ShowCounts(); }) {}
+                  [this] { ShowCounts(); }),
+      m_reason(module, session), m_progress(module, session, m_book.Actions()), m_modify(std::move(modify)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -77,8 +95,16 @@ void COrderBookDlg::OnInit() {
     m_book.Open(LocalNow());
 }
 
-// Escape is no wish to be rid of the book; its pane is closed by the frame.
-void COrderBookDlg::OnClose() {}
+// The pane is what is closed.
+void COrderBookDlg::OnClose() {
+    framework::Window(GetParent(Handle())).Send(WM_CLOSE);
+}
+
+void COrderBookDlg::OnDestroyed() {
+    m_open = false;
+    m_reason.Destroy();
+    m_progress.Destroy();
+}
 
 void COrderBookDlg::LayOut(UINT dpi) {
     framework::Font font = framework::MakeFont(kFace, TemplateFontSize(), dpi);
@@ -129,10 +155,6 @@ void COrderBookDlg::ShowCounts() {
         m_statusBar.SetText(pane, Format("%d", static_cast<int>(lists[pane]->ShownCount())).c_str());
 }
 
-BookListWindow& COrderBookDlg::ListOf(HWND list) {
-    return list == m_cancelled.Control().Handle() ? m_cancelled : m_registered;
-}
-
 std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SIZE:
@@ -145,47 +167,60 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
         OpenMenu(list, MenuPlace(list, lParam));
         return 0;
     }
+    case kCommandTextMessage:
+        if (const char* text = reinterpret_cast<const char*>(lParam);
+            text && text == std::string_view("Cancel Order"))
+            m_book.Actions().Cancel();
+        return 0;
     default:
         return std::nullopt;
     }
 }
 
 void COrderBookDlg::OpenMenu(HWND list, POINT at) {
-    BookListWindow& window = ListOf(list);
-    const std::vector<RecordId> selected = m_registered.Selected();
-    const sOrderinfo* first = selected.empty() ? nullptr : &m_book.Records()[selected.front()];
-    const MenuHandle handle;
-    for (const MenuEntry& entry : &window == &m_cancelled ? CancelledMenu() : RegisteredMenu(first))
-        AppendMenuA(handle.menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u),
-                    static_cast<UINT_PTR>(entry.command), entry.text);
-    AppendSeparator(handle.menu);
-    window.Control().AppendMenuEntries(handle.menu);
-    AppendSeparator(handle.menu);
-    TrackPopupMenu(handle.menu, TPM_RIGHTBUTTON, at.x, at.y, 0, Handle(), nullptr);
+    const bool cancelled = list == m_cancelled.Control().Handle();
+    CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
+    const RecordId first = m_registered.FirstSelected();
+    const framework::Menu menu(CreatePopupMenu());
+    AppendEntries(menu.Get(), cancelled
+                                  ? CancelledMenu()
+                                  : RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]));
+    AppendSeparator(menu.Get());
+    if (!cancelled) AppendEntries(menu.Get(), SeveralRowsMenu(control.SelectedCount()));
+    control.AppendMenuEntries(menu.Get());
+    AppendSeparator(menu.Get());
+    TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON, at.x, at.y, 0, Handle(), nullptr);
 }
 
 bool COrderBookDlg::OnCommand(const framework::Command& command) {
-    if (command.control) return false;
-    const auto id = static_cast<unsigned>(command.id);
+    const auto id = static_cast<std::uint32_t>(command.id);
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) m_book.Refresh();
+    for (const CommandRow& row : kCommands)
+        if (row.command == command.id) (m_book.Actions().*row.act)();
+    // Escape is no wish to be rid of the book.
     return true;
 }
 
 std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {
+    if (!m_open) return std::nullopt;
     if (notification.idFrom == IDC_BOOK_TABS && notification.code == TCN_SELCHANGE) ShowPage();
-    if (notification.code == LVN_KEYDOWN && OnKey(reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey))
+    if (notification.code == LVN_KEYDOWN
+        && OnKey(notification.idFrom, reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey))
         return 0;
     LRESULT result = 0;
     for (BookListWindow* list : {&m_registered, &m_cancelled})
-        if (m_open && list->Control().HandleNotify(&notification, &result)) return result;
+        if (list->Control().HandleNotify(&notification, &result)) return result;
     return std::nullopt;
 }
 
 // True when the key was the book's.
-bool COrderBookDlg::OnKey(int key) {
-    const bool control = GetKeyState(VK_CONTROL) < 0;
-    if (!control || (key != VK_PRIOR && key != VK_NEXT)) return false;
+bool COrderBookDlg::OnKey(UINT_PTR list, int key) {
+    if (key == VK_DELETE && list == IDC_REGISTERED_LIST) {
+        m_book.Actions().Cancel();
+        return true;
+    }
+    if ((key != VK_PRIOR && key != VK_NEXT) || GetKeyState(VK_CONTROL) >= 0) return false;
     Item(IDC_BOOK_TABS).Send(TCM_SETCURSEL, key == VK_NEXT ? 1 : 0);
     ShowPage();
     return true;

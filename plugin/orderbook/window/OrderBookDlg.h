@@ -6,16 +6,25 @@
 #include "host/korvexcontrols/BrickBar.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "plugin/orderbook/window/BookListWindow.h"
+#include "plugin/orderbook/window/RejectReasonDlg.h"
+#include "plugin/orderbook/window/RunProgressDlg.h"
+
+#include <functional>
 
 namespace planfold {
 
 class COrderBookDlg final : public framework::Dialog, public BookView {
 public:
+    // From the host: LPARAM is a command's text.
+    static constexpr UINT kCommandTextMessage = 1214;
     // The name of the registered list's and the status bar's settings.
     static constexpr char kName[] = "SIPRegistrationBook";
 
+    // Opens the order entry window over a record.
+    using Modify = std::function<void(const sOrderinfo&)>;
+
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  const BookControls& controls);
+                  const BookControls& controls, Modify modify);
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
@@ -24,6 +33,10 @@ public:
 
     void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
     bool IsOpen() const override { return m_open; }
+    bool Ask(std::string_view question) override { return m_boxes.Ask(Handle(), std::string(question)); }
+    std::string AskReason() override { return m_reason.Ask(Handle()); }
+    void OpenForModify(const sOrderinfo& record) override { m_modify(record); }
+    void ShowRun() override { m_progress.Follow(Handle()); }
     BookList& Registered() override { return m_registered; }
     BookList& Cancelled() override { return m_cancelled; }
 
@@ -32,7 +45,7 @@ private:
     void LayOut(UINT dpi) override;
     void OnInit() override;
     void OnClose() override;
-    void OnDestroyed() override { m_open = false; }
+    void OnDestroyed() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
@@ -40,10 +53,9 @@ private:
     void Arrange();
     void ShowPage();
     int CurrentPage() const;
-    bool OnKey(int key);
+    bool OnKey(UINT_PTR list, int key);
     void ShowCounts();
     void OpenMenu(HWND list, POINT at);
-    BookListWindow& ListOf(HWND list);
 
     Session& m_session;
     framework::MessageBoxes& m_boxes;
@@ -51,6 +63,9 @@ private:
     BookListWindow m_registered;
     BookListWindow m_cancelled;
     CQVBrickBar m_statusBar;
+    CRejectReasonDlg m_reason;
+    CRunProgressDlg m_progress;
+    Modify m_modify;
     framework::Font m_font;
     bool m_open = false;
 };

@@ -3,6 +3,8 @@
 #include "framework/Guard.h"
 #include "plugin/resources/resource.h"
 
+#include <utility>
+
 namespace planfold {
 
 namespace {
@@ -10,17 +12,18 @@ namespace {
 constexpr char kCaption[] = "SIP Registration Book";
 constexpr DWORD kPaneStyle = 0x56408234; // a visible child with the host's docking bits
 constexpr UINT kRegisterPaneMessage = 1933;
-constexpr UINT kCommandTextMessage = 1214;
 constexpr RECT kFirstRect{0, 0, 200, 200};
 
 } // namespace
 
-COrderBookDlgBar::COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+COrderBookDlgBar::COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                                   COrderBookDlg::Modify modify)
     : m_module(module), m_session(session), m_boxes(boxes), m_requests(session.lookup, kRxRequests, this, this),
       m_identityStream(session.lookup, kRxIdentityStream, this, nullptr),
       m_accountStream(session.lookup, kRxAccountStream, this, nullptr),
       m_dialog(module, session, boxes,
-               {m_requests.Control(), m_identityStream.Control(), m_accountStream.Control()}) {}
+               {m_requests.Control(), m_identityStream.Control(), m_accountStream.Control()},
+               std::move(modify)) {}
 
 void COrderBookDlgBar::Open(HWND mainFrame) {
     // What fails is told when the pane stands.
@@ -73,7 +76,7 @@ std::optional<LRESULT> COrderBookDlgBar::OnMessage(UINT message, WPARAM wParam, 
     case WM_CLOSE:
         Self().Show(false);
         return 0;
-    case kCommandTextMessage:
+    case COrderBookDlg::kCommandTextMessage:
         return m_dialog.Self().Send(message, wParam, lParam);
     default:
         return std::nullopt;

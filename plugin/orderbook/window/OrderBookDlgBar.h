@@ -10,7 +10,8 @@ namespace planfold {
 
 class COrderBookDlgBar final : public framework::CustomWindow, public CKeloRxNotifierBase, private Notices {
 public:
-    COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                     COrderBookDlg::Modify modify);
     ~COrderBookDlgBar() override { Destroy(); }
 
     // Makes the pane unless there is one, brings it up, and asks for the registrations.

@@ -35,6 +35,22 @@ COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::Me
       m_client(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
+    // A form that was filled for modification is never used for a new order.
+    if (m_entry.FilledForModify()) Destroy();
+    BringUp();
+}
+
+void COrderEntryDlg::OpenForModify(const SipRegistration& registration) {
+    // Making the form sets the operation mode anew, as for an order of its own.
+    const std::int32_t operationMode = m_session.m_nSipOperationMode;
+    BringUp();
+    m_session.m_nSipOperationMode = operationMode;
+    if (HasWindow()) m_entry.FillForModify(registration);
+    m_session.m_nSipOperationMode = operationMode;
+    SetForegroundWindow(Dialog::Handle());
+}
+
+void COrderEntryDlg::BringUp() {
     if (!HasWindow() && !Create() && !m_session.Ended())
         framework::ReportFault("the order entry window cannot be made", std::source_location::current());
     if (IsIconic(Dialog::Handle()))
@@ -47,6 +63,14 @@ void COrderEntryDlg::Open() {
 void COrderEntryDlg::ShutDown() {
     Destroy();
     m_link.Release();
+}
+
+void COrderEntryDlg::SetText(int control, std::string_view text) {
+    // What the user did not type is not searched for.
+    if (control == IDC_CLIENT_SEARCH)
+        m_client.SetText(text);
+    else
+        DialogWindow::SetText(control, text);
 }
 
 void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {

@@ -17,6 +17,8 @@ public:
 
     // Makes the window unless there is one, and brings it up.
     void Open();
+    // The same, filled from a registration that is to be changed.
+    void OpenForModify(const SipRegistration& registration);
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -25,7 +27,9 @@ public:
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
+    void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
+    void BringUp();
     void OnInit() override;
     void OnLaidOut() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -13,7 +13,7 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes)
     : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
-      m_orderBook(module, m_session, boxes) {
+      m_orderBook(module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -30,6 +30,34 @@ void CPlanfoldControlBlock::ShutDown() {
 void CPlanfoldControlBlock::OpenOrderEntry() {
     if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
     if (!m_session.Ended()) m_orderEntry.Open();
+}
+
+void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
+    struct Row {
+        std::string SipRegistration::*member;
+        OrderField field;
+    };
+    static constexpr Row rows[] = {
+        {&SipRegistration::number, OrderField::registrationNumber},
+        {&SipRegistration::exchange, OrderField::exchange},
+        {&SipRegistration::frequency, OrderField::frequency},
+        {&SipRegistration::orderType, OrderField::orderType},
+        {&SipRegistration::product, OrderField::product},
+        {&SipRegistration::totalPeriod, OrderField::totalPeriod},
+        {&SipRegistration::installments, OrderField::installmentsRegistered},
+        {&SipRegistration::tradingSymbol, OrderField::tradingSymbol},
+        {&SipRegistration::action, OrderField::action},
+        {&SipRegistration::sipType, OrderField::sipType},
+        {&SipRegistration::amount, OrderField::amount},
+        {&SipRegistration::quantity, OrderField::quantity},
+        {&SipRegistration::startDate, OrderField::startDate},
+        {&SipRegistration::client, OrderField::clientId},
+    };
+    SipRegistration registration;
+    for (const auto& [member, field] : rows)
+        registration.*member = record.Text(field);
+    if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+    if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
 }
 
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {

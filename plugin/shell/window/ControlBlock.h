@@ -34,6 +34,7 @@ public:
 
     void OpenOrderEntry();
     void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
+    void OpenForModify(const sOrderinfo& record);
     // An empty client removes the filter of the book's lists.
     void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 

@@ -1,0 +1,72 @@
+// The order entry form over a registration that is to be changed.
+
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
+
+#include <utility>
+
+namespace planfold {
+
+void OrderEntry::FillForModify(const SipRegistration& registration) {
+    const int opening = ++m_openings;
+    // Also when the filling stops half-way: no new order comes out of this form, and no change of the
+    // registration that it showed before.
+    if (!std::exchange(m_modifying, "").value_or("").empty()) {
+        m_view.SetTitle(kName);
+        m_view.SetText(IDC_SUBMIT, "Submit");
+    }
+    Fix(IDC_EXCHANGE, registration.exchange);
+    Fix(IDC_FREQUENCY, registration.frequency);
+    Fix(IDC_ORDER_TYPE, registration.orderType);
+    Fix(IDC_PRODUCT, registration.product);
+    const bool serverPeriods = m_session.m_nSipOperationMode != 0;
+    if (serverPeriods) ShowServerPeriods();
+    m_view.SetText(IDC_PERIOD, serverPeriods ? registration.installments : registration.totalPeriod);
+    m_view.Enable(IDC_PERIOD, true);
+
+    const SymbolAndSeries scrip = SplitTradingSymbol(registration.tradingSymbol);
+    Fix(IDC_SERIES, scrip.series);
+    Fix(IDC_SYMBOL, scrip.symbol);
+    Fix(IDC_ACTION, registration.action);
+
+    std::string investType;
+    Convert(kInvestTypeToDisplay, registration.sipType, investType);
+    if (!m_view.SelectText(IDC_INVEST_BY, investType)) m_view.Select(IDC_INVEST_BY, 0);
+    OnInvestTypeChanged();
+    m_view.Enable(IDC_INVEST_BY, false);
+    m_view.SetText(IDC_VALUE,
+                   m_view.Text(IDC_INVEST_BY) == "Amount" ? registration.amount : registration.quantity);
+
+    const auto startDate = ReadServerDate(registration.startDate);
+    if (!startDate) return;
+    m_view.SetDate(IDC_START_DATE, *startDate);
+    m_view.Enable(IDC_START_DATE, false);
+    FillClient(registration.client);
+    if (!StillOpen(opening)) return;
+    m_modifying = registration.number;
+    m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));
+    m_view.SetText(IDC_SUBMIT, "Modify");
+    ShowPlan();
+    m_view.Focus(IDC_VALUE);
+}
+
+void OrderEntry::Fix(int combo, std::string_view text) {
+    m_view.ClearItems(combo);
+    m_view.AddItem(combo, text);
+    m_view.Select(combo, 0);
+    m_view.Enable(combo, false);
+}
+
+void OrderEntry::FillClient(std::string_view client) {
+    if (SearchesClients()) {
+        m_view.SetText(IDC_CLIENT_SEARCH, client);
+        m_view.Enable(IDC_CLIENT_SEARCH, false);
+        m_view.Enable(IDC_CLIENT_SEARCH_MODE, false);
+    } else {
+        Fix(IDC_CLIENT_COMBO, client);
+    }
+}
+
+} // namespace planfold
