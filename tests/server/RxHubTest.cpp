@@ -86,38 +86,66 @@ TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
     EXPECT_FALSE(qmx::Has(m_one.lastMessage, kTagAnswerName));
 }
 
-TEST_F(RxHubTest, SubscriptionsMatchByIdentityOrAccount) {
+TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
+    using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
+    // Own orders are of USER1, BROKER, CL1; another session's of USER2, BROKER, CL2.
+    const Subscription::value_type stream{kTagStream, "PLANFOLD"};
+    const Subscription::value_type anyNumber{kTagRegistrationNumber, ""};
     const struct {
         const char* what;
-        std::vector<std::pair<std::uint32_t, std::string>> fields;
-        bool matches;
+        int kind;
+        std::vector<Subscription> subscriptions;
+        bool own;
+        bool other;
     } rows[] = {
-        {"any identity", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, ""}}, true},
-        {"own broker", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, "BROKER"}}, true},
-        {"other broker", {{kTagBroker, "OTHER"}, {kTagRegistrationNumber, ""}}, false},
-        {"other branch", {{kTagBranch, "BR"}, {kTagRegistrationNumber, ""}}, false},
-        {"own user", {{kTagUser, "USER1"}, {kTagRegistrationNumber, ""}}, true},
-        {"other user", {{kTagUser, "USER"}, {kTagRegistrationNumber, ""}}, false},
-        {"own account", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL1"}}, true},
-        {"other account",
-         {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL2"}},
+        {"empty broker", 2, {{stream, anyNumber, {kTagBroker, ""}}}, true, false},
+        {"empty login", 1, {{{kTagUser, ""}, anyNumber}}, true, false},
+        {"broker", 2, {{stream, anyNumber, {kTagBroker, "BROKER"}}}, true, true},
+        {"broker", 1, {{{kTagBroker, "BROKER"}, anyNumber}}, true, true},
+        {"other broker", 1, {{{kTagBroker, "OTHER"}, anyNumber}}, false, false},
+        {"branch", 1, {{{kTagBranch, "BR2"}, anyNumber}}, false, true},
+        {"own login", 1, {{{kTagUser, "USER1"}, anyNumber}}, true, false},
+        {"other login", 2, {{stream, anyNumber, {kTagUser, "USER2"}}}, false, true},
+        {"part of a login", 2, {{stream, anyNumber, {kTagUser, "USER"}}}, false, false},
+        {"own account", 2, {{stream, anyNumber, {kTagAccount, "CL1"}}}, true, false},
+        {"other's account", 2, {{stream, anyNumber, {kTagAccount, "CL2"}}}, false, true},
+        {"login and account",
+         2,
+         {{stream, anyNumber, {kTagUser, "USER1"}, {kTagAccount, "CL2"}}},
+         false,
          false},
-        {"user and other account", {{kTagUser, "USER1"}, {kTagAccount, "CL2"}}, false},
-        {"other stream", {{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}, false},
+        {"other stream", 2, {{{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}}, false, false},
+        {"several accounts, some twice",
+         2,
+         {{stream, {kTagAccount, "CL1"}}, {stream, {kTagAccount, "CL2"}}, {stream, {kTagAccount, "CL1"}}},
+         true,
+         true},
+        {"overlapping", 2, {{stream, {kTagAccount, "CL1"}}, {stream, {kTagUser, "USER1"}}}, true, false},
     };
-    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
+    RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"});
+    RxControl* senders[] = {m_hub.Get(kRxRequests, &m_one), otherHub.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
-        RxControl* stream = m_hub.Get(kRxAccountStream, &m_two);
-        ASSERT_TRUE(Subscribe(stream, row.fields)) << row.what << ": " << m_error.text;
-        ASSERT_TRUE(Subscribe(stream, row.fields)) << "twice is still one message";
-        ASSERT_TRUE(Send(sender, Order({{kTagRequestIdentifier, "id" + std::to_string(++order)}})));
-        m_hub.Pump(0);
-        Log expected{"one answer add_sip_orders"};
-        if (row.matches)
-            expected.push_back("two stream " + std::string(m_running.server->Registrations().back().Number()));
-        EXPECT_EQ(Taken(), expected) << row.what;
-        m_hub.Destroy(stream);
+        RxControl* control = m_hub.Get(row.kind, &m_two);
+        for (const Subscription& subscription : row.subscriptions)
+            ASSERT_TRUE(Subscribe(control, subscription)) << row.what << ": " << m_error.text;
+        const Fields whose[] = {
+            {},
+            {{kTagUser, "USER2"}, {kTagBranch, "BR2"}, {kTagAccount, "CL2"}},
+        };
+        for (const bool isOther : {false, true}) {
+            Fields changes = whose[isOther];
+            changes[kTagRequestIdentifier] = "id" + std::to_string(++order);
+            ASSERT_TRUE(Send(senders[isOther], Order(changes)));
+            otherHub.Pump(0);
+            m_hub.Pump(0);
+            Log expected{"one answer add_sip_orders"};
+            if (isOther ? row.other : row.own)
+                expected.push_back("two stream "
+                                   + std::string(m_running.server->Registrations().back().Number()));
+            EXPECT_EQ(Taken(), expected) << row.what << (isOther ? ", other's order" : ", own order");
+        }
+        m_hub.Destroy(control);
     }
 }
 
