@@ -90,6 +90,7 @@ Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity&
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
+    if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user);
     return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
 }
 
@@ -139,6 +140,28 @@ Registration Server::MakeRegistration(void* request) const {
     registration.Set(kTagStatus, kStatusActive);
     registration.Set(kTagStream, kStreamName);
     return registration;
+}
+
+Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user) {
+    const std::string number(qmx::Text(request, kTagRegistrationNumber));
+    if (number.empty()) return Refuse(kind.request, MissingField("registration number"));
+    const Registration* before = Find(number);
+    if (!before)
+        return Refuse(kind.request,
+                      {kCodeUnknownNumber, "There is no registration " + number.substr(0, kLongestText)});
+    if (before->Text(kTagUser) != user.loginId)
+        return Refuse(kind.request, {kCodeUser, "The registration is another user's"});
+
+    Registration after = *before;
+    const ChangeRequest change{request, user.loginId, m_config, m_clock.localDate(m_clock.now())};
+    if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
+    if (after != *before)
+        if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
+
+    m_writer.Start().Add(kTagAnswerName, kind.request);
+    if (kind.request == "cancel_sip_order") m_writer.Add(kTagCancelledNumber, number);
+    m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
+    return {{m_writer.Finish()}};
 }
 
 template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>

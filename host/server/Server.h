@@ -9,6 +9,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "host/server/Journal.h"
+#include "host/server/OrderChange.h"
 #include "host/server/OrderCheck.h"
 #include "host/server/Registration.h"
 #include "host/server/RowQuery.h"
@@ -92,6 +93,8 @@ private:
     Reply AddRegistration(void* request, const UserIdentity& user);
     template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
     Reply StartQuery(void* request, const UserIdentity& user);
+
+    Reply ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user);
 
     Reply Refuse(std::string_view request, const Refusal& refusal);
     Reply AnswerRegistered(const Registration& registration);

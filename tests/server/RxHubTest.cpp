@@ -16,7 +16,13 @@ public:
         Meanwhile(message);
     }
     void OnResponse(void*, void* message, void*) override {
-        m_log.push_back(m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName)));
+        std::string line = m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName));
+        if (qmx::Has(message, kTagListRow))
+            line.append(" ")
+                .append(qmx::Text(message, kTagRegistrationNumber))
+                .append(" ")
+                .append(qmx::Text(message, kTagStatus));
+        m_log.push_back(line);
         Meanwhile(message);
     }
 
@@ -158,6 +164,45 @@ TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
     m_hub.Pump(0);
     EXPECT_EQ(m_log, Log{"one answer add_sip_orders"});
     EXPECT_EQ(m_hub.LiveControls(), 2u);
+}
+
+TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
+    const auto enter = [&](const char* identifier) {
+        m_running.Ask(Order({{kTagRequestIdentifier, identifier}}));
+        return std::string(m_running.server->Registrations().back().Number());
+    };
+    const std::string first = enter("1");
+    const std::string second = enter("2");
+    const std::string third = enter("3");
+    RxHub hub(*m_running.server, m_running.user, {2, std::chrono::milliseconds(0)});
+    RxControl* asking = hub.Get(kRxRequests, &m_one);
+    RxControl* stream = hub.Get(kRxAccountStream, &m_two);
+    ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
+    const Fields query{{kTagRequestName, "om_get_sip_orders"}, {kTagUser, "USER1"}};
+    const std::string row = "one answer om_get_sip_orders ";
+
+    ASSERT_TRUE(Send(asking, query));
+    ASSERT_TRUE(Send(asking, Named("after")));
+    EXPECT_EQ(hub.Pump(0), 0u) << "two turns, two requests";
+    m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 2u) << "a nested pump goes on with the next row"; };
+    m_running.Ask({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, second}});
+    const std::string fourth = enter("4");
+    EXPECT_EQ(hub.Pump(0), 2u);
+    EXPECT_EQ(Taken(), (Log{row + first + " active", row + second + " Paused", row + third + " active",
+                            "one answer after"}));
+    EXPECT_EQ(hub.Waiting(), 2u);
+    hub.Pump(0);
+    EXPECT_EQ(Taken(), (Log{"two stream " + second, "two stream " + fourth}));
+    EXPECT_EQ(hub.Waiting(), 0u);
+
+    // Ended in its middle, and with it what stands behind it.
+    ASSERT_TRUE(Send(asking, query));
+    ASSERT_TRUE(Send(asking, Named("after")));
+    hub.Pump(0);
+    m_one.act = [&] { hub.Destroy(asking); };
+    EXPECT_EQ(hub.Pump(0), 1u);
+    EXPECT_EQ(hub.Waiting(), 0u);
+    EXPECT_EQ(Taken(), Log{row + first + " active"});
 }
 
 TEST_F(RxHubTest, NestedPumpDeliversTheRestOnce) {
