@@ -37,7 +37,7 @@ struct RowQuery {
     std::size_t next = 0;          // the registration to look at next
     std::size_t end = 0;           // those that came later are told by the stream
     bool hasRows = false;          // until now
-    bool AtEnd() const { return next >= end; }
+    bool isDone = false;           // nothing more is to be asked for
 };
 
 // Both fill `query`, except where it is and ends, or tell why it is refused.

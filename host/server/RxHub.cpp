@@ -217,7 +217,7 @@ RxHub::Delivery RxHub::TakeNext() {
     else
         next.bytes = std::move(front.bytes);
     // Taken out before the call: the notifier may run a message loop that pumps again.
-    if (!front.rows || front.rows->AtEnd()) m_deliveries.pop_front();
+    if (!front.rows || front.rows->isDone) m_deliveries.pop_front();
     return next;
 }
 

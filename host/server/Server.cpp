@@ -176,17 +176,18 @@ Reply Server::StartQuery(void* request, const UserIdentity& user) {
 std::string Server::NextRow(RowQuery& query) {
     constexpr std::size_t mostLookedAt = 256;
     const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
-    while (query.next < stop) {
+    const Registration* found = nullptr;
+    while (!found && query.next < stop) {
         const Registration& registration = m_registrations[query.next++];
-        if (!query.Wants(registration)) continue;
-        query.hasRows = true;
-        m_writer.Start().Add(kTagAnswerName, query.request);
-        if (query.isList) m_writer.Add(kTagListRow, "1");
-        registration.AddTo(m_writer);
-        return m_writer.Finish();
+        if (query.Wants(registration)) found = &registration;
     }
-    if (!query.AtEnd() || query.hasRows) return {};
-    return m_writer.Start().Add(kTagAnswerName, query.request).Finish();
+    query.isDone = query.next == query.end;
+    if (!found && (!query.isDone || query.hasRows)) return {};
+    query.hasRows = true;
+    m_writer.Start().Add(kTagAnswerName, query.request);
+    if (found && query.isList) m_writer.Add(kTagListRow, "1");
+    if (found) found->AddTo(m_writer);
+    return m_writer.Finish();
 }
 
 std::optional<Refusal> Server::Keep(Registration registration) {

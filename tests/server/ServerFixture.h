@@ -107,7 +107,7 @@ struct RunningServer {
         const qmx::MessageReader reader(bytes);
         std::vector<std::string> dumps;
         Reply reply = server->Handle(reader.Handle(), user);
-        while (reply.rows && !reply.rows->AtEnd())
+        while (reply.rows && !reply.rows->isDone)
             if (std::string row = server->NextRow(*reply.rows); !row.empty())
                 reply.answers.push_back(std::move(row));
         for (const std::string& answer : reply.answers) {
