@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const vesk::JournalText judged = vesk::ReadJournalText(text);
     std::string written;
-    for (const std::string& record : judged.records) {
+    for (const std::string_view record : judged.records) {
         written += vesk::JournalLine(record);
         const auto registration = vesk::Registration::FromJson(record);
         if (registration && vesk::Registration::FromJson(registration->Json())->Json() != registration->Json())

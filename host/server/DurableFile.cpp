@@ -93,7 +93,9 @@ DurableFile::~DurableFile() {
 
 bool DurableFile::ReadAll(std::string& text, std::string& error) {
     text.clear();
-    if (SeekTo(m_descriptor, 0, SEEK_SET) < 0) return FailWith(error, "cannot be read");
+    const long long size = SeekTo(m_descriptor, 0, SEEK_END);
+    if (size < 0 || SeekTo(m_descriptor, 0, SEEK_SET) < 0) return FailWith(error, "cannot be read");
+    text.reserve(static_cast<std::size_t>(size));
     std::array<char, 65536> part;
     for (;;) {
         const long long got = ReadSome(m_descriptor, part.data(), part.size());

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,9 +32,12 @@ public:
     // True once the record is on the disk. After a failure, told in `error`, the journal holds exactly what
     // it held before; when even that cannot be restored, every later append fails.
     [[nodiscard]] bool Append(std::string_view content, std::string& error);
+    // The same for many records, of which none counts before all are on the disk.
+    [[nodiscard]] bool Append(std::span<const std::string> contents, std::string& error);
 
 private:
     Journal(std::unique_ptr<DurableFile> file, std::uint64_t end);
+    bool AppendLines(std::string_view lines, std::string& error);
 
     std::unique_ptr<DurableFile> m_file;
     std::uint64_t m_end; // bytes of whole records
@@ -42,14 +46,15 @@ private:
 
 struct JournalOpening {
     std::unique_ptr<Journal> journal;
-    std::vector<std::string> records; // contents in order, to be replayed
-    std::string warning;              // a torn record that was dropped, with path and offset
-    std::string error;                // without a journal: path, and record number and offset of damage
+    std::unique_ptr<std::string> text;     // what the records point into
+    std::vector<std::string_view> records; // contents in order, to be replayed
+    std::string warning;                   // a torn record that was dropped, with path and offset
+    std::string error;                     // without a journal: path, and record number and offset of damage
 };
 
-// The whole text of a journal judged, apart from any file.
+// The whole text of a journal judged, apart from any file. It must outlive the records.
 struct JournalText {
-    std::vector<std::string> records;
+    std::vector<std::string_view> records;
     std::uint64_t end = 0; // offset behind the last whole record
     bool torn = false;     // bytes without a line feed follow
     bool damaged = false;  // at `end`, record number `records.size() + 1`

@@ -5,7 +5,6 @@
 #include "host/server/Schedule.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace vesk {
 namespace {
@@ -43,6 +42,9 @@ constexpr FieldRule kNeeded[] = {
 constexpr FieldRule kOptional[] = {
     {kTagCautionary, "cautionary flag", Form::code, " Y N "},
     {kTagOperationMode, "operation mode", Form::number, {}},
+    {kTagBroker, "broker", Form::text, {}},
+    {kTagBranch, "branch", Form::text, {}},
+    {kTagRequestIdentifier, "request identifier", Form::text, {}},
 };
 
 bool IsListed(std::string_view code, std::string_view codes) {
@@ -69,16 +71,13 @@ bool Fits(const FieldRule& rule, std::string_view text) {
 
 std::optional<Refusal> JudgeField(void* request, const FieldRule& rule, bool needed) {
     const std::string_view text = qmx::Text(request, rule.tag);
-    if (text.empty()) {
-        if (!needed) return std::nullopt;
-        return Refusal{kCodeMissingField, std::string("The ") + rule.name + " is missing"};
-    }
-    if (Fits(rule, text)) return std::nullopt;
-    return Refusal{kCodeWrongValue,
-                   std::string("The ") + rule.name + " cannot be \"" + std::string(text) + "\""};
+    if (text.empty()) return needed ? std::optional(MissingField(rule.name)) : std::nullopt;
+    if (text.size() <= kLongestText && Fits(rule, text)) return std::nullopt;
+    return WrongValue(rule.name, text);
 }
 
-// With a list of frequencies its minimums hold; without one the plain limits do.
+} // namespace
+
 std::optional<Refusal> JudgePeriods(std::string_view frequency, std::int64_t periods,
                                     const ServerConfig& config) {
     constexpr std::int64_t mostPeriods = 10'000;
@@ -101,25 +100,12 @@ std::optional<Refusal> JudgePeriods(std::string_view frequency, std::int64_t per
     return std::nullopt;
 }
 
-} // namespace
-
-std::optional<std::int64_t> WholeNumber(std::string_view text) {
-    std::int64_t number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, number);
-    const bool digitsOnly =
-        !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!digitsOnly || fault != std::errc() || stop != end) return std::nullopt;
-    return number;
-}
-
 std::optional<Refusal> JudgeOrder(void* request, std::string_view loginId, const ServerConfig& config) {
     for (const FieldRule& rule : kNeeded)
         if (auto refusal = JudgeField(request, rule, true)) return refusal;
     for (const FieldRule& rule : kOptional)
         if (auto refusal = JudgeField(request, rule, false)) return refusal;
-    if (qmx::Text(request, kTagUser) != loginId)
-        return Refusal{kCodeUser, "The user is not the one who is logged in"};
+    if (qmx::Text(request, kTagUser) != loginId) return WrongUser();
     return JudgePeriods(qmx::Text(request, kTagFrequency),
                         WholeNumber(qmx::Text(request, kTagPeriods)).value_or(0), config);
 }

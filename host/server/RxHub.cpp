@@ -26,8 +26,13 @@ int Succeed(QmxError* error) {
     return 1;
 }
 
-// Fields that a record must have; an empty value stands for any.
+// Fields that a record must have; an empty value stands for any, an empty identity for the connection's user.
 using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
+
+// Fields by which a registration belongs to somebody.
+bool IsIdentity(std::uint32_t tag) {
+    return tag == kTagUser || tag == kTagBroker || tag == kTagBranch;
+}
 
 bool Matches(const Subscription& subscription, const Registration& registration) {
     return std::all_of(subscription.begin(), subscription.end(), [&](const auto& field) {
@@ -71,8 +76,13 @@ public:
         if (const char* fault = FaultOf(tags, values, count, self)) return Fail(error, kQmxBadArgument, fault);
         try {
             Subscription subscription;
-            for (std::uint32_t i = 0; i < count; ++i)
-                subscription.emplace_back(tags[i], qmx::View(values[i]));
+            for (std::uint32_t i = 0; i < count; ++i) {
+                const std::string_view value = qmx::View(values[i]);
+                if (value.empty() && IsIdentity(tags[i]))
+                    subscription.emplace_back(kTagUser, m_hub.m_user.loginId);
+                else
+                    subscription.emplace_back(tags[i], value);
+            }
             m_subscriptions.push_back(std::move(subscription));
         } catch (const std::bad_alloc&) {
             return Fail(error, kQmxNoMemory, "no memory for the subscription");
@@ -124,7 +134,22 @@ private:
     std::vector<Subscription> m_subscriptions;
 };
 
-RxHub::RxHub(Server& server, UserIdentity user) : m_server(server), m_user(std::move(user)) {
+// What one pump may still do. Only once many turns are taken is the clock asked.
+class RxHub::Turns {
+public:
+    explicit Turns(const PumpBudget& budget)
+        : m_least(budget.leastTurns), m_end(std::chrono::steady_clock::now() + budget.time) {}
+
+    bool Take() { return m_taken++ < m_least || std::chrono::steady_clock::now() < m_end; }
+
+private:
+    std::size_t m_least;
+    std::size_t m_taken = 0;
+    std::chrono::steady_clock::time_point m_end;
+};
+
+RxHub::RxHub(Server& server, UserIdentity user, PumpBudget budget)
+    : m_server(server), m_user(std::move(user)), m_budget(budget) {
     m_server.AddListener(*this);
 }
 RxHub::~RxHub() {
@@ -139,7 +164,11 @@ RxControl* RxHub::Get(int kind, CKeloRxNotifierBase* notifier) {
 }
 
 void RxHub::Destroy(RxControl* control) {
-    std::erase_if(m_controls, [&](const auto& entry) { return entry.second.get() == control; });
+    const auto found = std::find_if(m_controls.begin(), m_controls.end(),
+                                    [&](const auto& entry) { return entry.second.get() == control; });
+    if (found == m_controls.end()) return;
+    std::erase_if(m_deliveries, [&](const Delivery& delivery) { return delivery.receiver == found->first; });
+    m_controls.erase(found);
 }
 
 std::uint64_t RxHub::Queue(ControlId sender, std::string_view request, std::string_view bytes) {
@@ -152,36 +181,51 @@ std::uint64_t RxHub::Queue(ControlId sender, std::string_view request, std::stri
 
 std::size_t RxHub::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
-    HandleDueRequests();
+    Turns turns(m_budget);
+    HandleDueRequests(turns);
     std::size_t calls = 0;
-    while (!m_deliveries.empty()) {
-        // Taken out first: the notifier may run a message loop that pumps again.
-        const Delivery delivery = std::move(m_deliveries.front());
-        m_deliveries.pop_front();
-        if (Deliver(delivery)) ++calls;
-    }
+    while (!m_deliveries.empty() && turns.Take())
+        if (Deliver(TakeNext())) ++calls;
     return calls;
 }
 
-void RxHub::HandleDueRequests() {
-    while (!m_requests.empty() && m_requests.begin()->first.first <= m_nowMs) {
+void RxHub::HandleDueRequests(Turns& turns) {
+    while (!m_requests.empty() && m_requests.begin()->first.first <= m_nowMs && turns.Take()) {
         const Request request = std::move(m_requests.begin()->second);
         m_requests.erase(m_requests.begin());
-        const qmx::MessageReader reader(request.bytes);
-        // The server tells of the change while it handles; the answer still goes out first.
-        const auto answersFrom = static_cast<std::ptrdiff_t>(m_deliveries.size());
-        std::vector<std::string> answers = m_server.Handle(reader.Handle(), m_user);
-        auto place = m_deliveries.begin() + answersFrom;
-        for (std::string& answer : answers)
-            place = 1 + m_deliveries.insert(place, Delivery{request.sender, false, std::move(answer)});
+        HandleRequest(request);
     }
+}
+
+void RxHub::HandleRequest(const Request& request) {
+    const qmx::MessageReader reader(request.bytes);
+    // The server tells of the change while it handles; the answer still goes out first.
+    const auto answersFrom = static_cast<std::ptrdiff_t>(m_deliveries.size());
+    Reply reply = m_server.Handle(reader.Handle(), m_user);
+    if (!m_controls.contains(request.sender)) return;
+    auto place = m_deliveries.begin() + answersFrom;
+    for (std::string& answer : reply.answers)
+        place = 1 + m_deliveries.insert(place, Delivery{request.sender, false, std::move(answer)});
+    if (reply.rows) m_deliveries.insert(place, Delivery{request.sender, false, {}, std::move(reply.rows)});
+}
+
+RxHub::Delivery RxHub::TakeNext() {
+    Delivery& front = m_deliveries.front();
+    Delivery next{front.receiver, front.isStream};
+    if (front.rows)
+        next.bytes = m_server.NextRow(*front.rows);
+    else
+        next.bytes = std::move(front.bytes);
+    // Taken out before the call: the notifier may run a message loop that pumps again.
+    if (!front.rows || front.rows->isDone) m_deliveries.pop_front();
+    return next;
 }
 
 bool RxHub::Deliver(const Delivery& delivery) {
     const auto found = m_controls.find(delivery.receiver);
     if (found == m_controls.end()) return false;
     Control& control = *found->second;
-    if (delivery.isStream && !control.IsSubscribed()) return false;
+    if (delivery.bytes.empty() || (delivery.isStream && !control.IsSubscribed())) return false;
     const qmx::MessageReader reader(delivery.bytes);
     if (!reader.Good()) return false;
     // The notifier may destroy the control, so nothing of it is touched after the call.
@@ -193,8 +237,15 @@ bool RxHub::Deliver(const Delivery& delivery) {
 }
 
 void RxHub::OnUpdate(const Registration& registration) {
-    for (const auto& [id, control] : m_controls)
-        if (control->Wants(registration)) m_deliveries.push_back({id, true, registration.Message(m_writer)});
+    std::string bytes;
+    for (const auto& [id, control] : m_controls) {
+        if (!control->Wants(registration)) continue;
+        if (bytes.empty()) {
+            registration.AddTo(m_writer.Start());
+            bytes = m_writer.Finish();
+        }
+        m_deliveries.push_back({id, true, bytes});
+    }
 }
 
 } // namespace vesk

@@ -1,7 +1,9 @@
 // The host's request and stream controls over the server, for one logged-in user.
 //
 // Requests wait in a queue until they are pumped; answers and stream messages are delivered one after
-// another from the pump, never from inside SendRequest.
+// another from the pump, never from inside SendRequest. A query stands in that queue too until its last row is
+// delivered, so answers and updates keep their order; its rows are made when their turn comes, and show a
+// registration as it is then.
 //
 // Thread:   one (the GUI thread). A notifier may pump again (a message box runs the loop), send, subscribe,
 //           and destroy any control, its own included.
@@ -12,20 +14,28 @@
 #include "host/server/Server.h"
 #include "sdk/RxControl.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace vesk {
 
+// How much one pump does: this many turns (a request, a row, a message), and more until the time is over.
+struct PumpBudget {
+    std::size_t leastTurns = 16;
+    std::chrono::milliseconds time{12};
+};
+
 class RxHub final : private UpdateListener {
 public:
-    RxHub(Server& server, UserIdentity user);
+    RxHub(Server& server, UserIdentity user, PumpBudget budget = {});
     RxHub(const RxHub&) = delete;
     RxHub& operator=(const RxHub&) = delete;
     ~RxHub();
@@ -35,10 +45,11 @@ public:
     void Destroy(RxControl* control);
     std::size_t LiveControls() const { return m_controls.size(); }
 
-    // Lets the server handle the requests that are due and delivers what waits; `nowMs` never goes back.
+    // Lets the server handle the requests that are due and delivers what waits, until the budget is used up;
+    // `nowMs` never goes back.
     // The number of notifier calls made by this call, nested pumps not counted.
     std::size_t Pump(std::int64_t nowMs);
-    // Requests and deliveries that still wait.
+    // Requests and deliveries that still wait, a running query as one.
     std::size_t Waiting() const { return m_requests.size() + m_deliveries.size(); }
 
 private:
@@ -52,16 +63,22 @@ private:
     struct Delivery {
         ControlId receiver;
         bool isStream;
-        std::string bytes;
+        std::string bytes{};
+        std::optional<RowQuery> rows{}; // instead of the bytes
     };
+    class Turns;
 
     void OnUpdate(const Registration& registration) override;
     std::uint64_t Queue(ControlId sender, std::string_view request, std::string_view bytes);
-    void HandleDueRequests();
+    void HandleDueRequests(Turns& turns);
+    void HandleRequest(const Request& request);
+    // The bytes are empty when a query's turn gave no row.
+    Delivery TakeNext();
     bool Deliver(const Delivery& delivery);
 
     Server& m_server;
     UserIdentity m_user;
+    PumpBudget m_budget;
     std::map<ControlId, std::unique_ptr<Control>> m_controls;
     std::map<std::pair<std::int64_t, std::uint64_t>, Request> m_requests; // by due time, then number
     std::deque<Delivery> m_deliveries;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 
 namespace vesk {
@@ -18,6 +19,9 @@ constexpr std::array kSteps{
     Step{"monthly", 0, 1},
     Step{"yearly", 0, 12},
 };
+
+constexpr std::array<std::string_view, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 const Step* FindStep(std::string_view frequency) {
     const auto found = std::find_if(kSteps.begin(), kSteps.end(),
@@ -40,14 +44,49 @@ std::chrono::year_month_day InstalmentDate(std::chrono::year_month_day start, st
     return std::chrono::sys_days(date) + std::chrono::days(step.days * index);
 }
 
+int InstalmentsBefore(std::chrono::year_month_day start, std::string_view frequency,
+                      std::chrono::year_month_day day) {
+    const Step* found = FindStep(frequency);
+    const Step& step = found ? *found : kSteps.front();
+    constexpr int longestMonth = 31;
+    const auto days = (std::chrono::sys_days(day) - std::chrono::sys_days(start)).count();
+    // Shorter months make the first guess too small, never too large.
+    int count = std::max(0, static_cast<int>(days / (step.days + longestMonth * step.months)));
+    while (std::chrono::sys_days(InstalmentDate(start, frequency, count)) < std::chrono::sys_days(day))
+        ++count;
+    return count;
+}
+
 std::string RecordDate(std::chrono::year_month_day date) {
-    static constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     if (!date.ok()) return {};
     char text[32];
     std::snprintf(text, sizeof text, "%02u-%s-%04d", static_cast<unsigned>(date.day()),
-                  months[static_cast<unsigned>(date.month()) - 1], static_cast<int>(date.year()));
+                  kMonths[static_cast<unsigned>(date.month()) - 1].data(), static_cast<int>(date.year()));
     return text;
+}
+
+std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text) {
+    constexpr std::size_t monthAt = 3;
+    constexpr std::size_t yearAt = 7;
+    if (text.size() != 11 || text[monthAt - 1] != '-' || text[yearAt - 1] != '-') return std::nullopt;
+    const auto month = std::find(kMonths.begin(), kMonths.end(), text.substr(monthAt, 3));
+    const auto day = WholeNumber(text.substr(0, 2));
+    const auto year = WholeNumber(text.substr(yearAt));
+    if (month == kMonths.end() || !day || !year) return std::nullopt;
+    const std::chrono::year_month_day date{
+        std::chrono::year(static_cast<int>(*year)),
+        std::chrono::month(static_cast<unsigned>(month - kMonths.begin() + 1)),
+        std::chrono::day(static_cast<unsigned>(*day))};
+    return date.ok() ? std::optional(date) : std::nullopt;
+}
+
+std::optional<std::int64_t> WholeNumber(std::string_view text) {
+    std::int64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    // A minus is read too.
+    if (text.empty() || text.front() == '-' || fault != std::errc() || stop != end) return std::nullopt;
+    return number;
 }
 
 } // namespace vesk

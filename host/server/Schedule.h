@@ -1,9 +1,11 @@
-// When the instalments of a registration fall due, and how a date stands in a record.
+// When the instalments of a registration fall due, and how dates and numbers stand in texts.
 //
 // Thread: any; pure functions.
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,7 +19,15 @@ bool IsKnownFrequency(std::string_view frequency);
 std::chrono::year_month_day InstalmentDate(std::chrono::year_month_day start, std::string_view frequency,
                                            int index);
 
-// "05-Mar-2027"
+// How many instalments fall due before `day`.
+int InstalmentsBefore(std::chrono::year_month_day start, std::string_view frequency,
+                      std::chrono::year_month_day day);
+
+// "05-Mar-2027", and back; nothing when that is no date.
 std::string RecordDate(std::chrono::year_month_day date);
+std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text);
+
+// Digits only, within 64 bits.
+std::optional<std::int64_t> WholeNumber(std::string_view text);
 
 } // namespace vesk

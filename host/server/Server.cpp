@@ -9,22 +9,12 @@
 namespace vesk {
 namespace {
 
-constexpr std::string_view kStreamName = "PLANFOLD";
-constexpr std::string_view kStatusActive = "active";
-
 // Fields that a record takes from its request as they are.
 constexpr std::uint32_t kTakenOver[] = {
     kTagUser,    kTagBroker,  kTagBranch,    kTagExchange,          kTagToken,       kTagTradingSymbol,
     kTagSide,    kTagProduct, kTagOrderType, kTagInvestType,        kTagFrequency,   kTagAmountOrQuantity,
     kTagPeriods, kTagAccount, kTagValidity,  kTagRequestIdentifier, kTagOrderSource,
 };
-
-std::string RegistrationNumber(std::chrono::year_month_day date, std::size_t sequence) {
-    char text[40];
-    std::snprintf(text, sizeof text, "SIP%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), sequence);
-    return text;
-}
 
 std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
     std::vector<QmxDatum> data;
@@ -41,6 +31,13 @@ void AddTexts(qmx::MessageWriter& writer, std::uint32_t tag, const std::vector<s
 
 } // namespace
 
+std::string RegistrationNumber(std::chrono::year_month_day date, std::size_t sequence) {
+    char text[40];
+    std::snprintf(text, sizeof text, "SIP%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), sequence);
+    return text;
+}
+
 ServerClock SystemClock() {
     return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
             [](std::int64_t seconds) {
@@ -55,16 +52,19 @@ ServerClock SystemClock() {
 
 struct Server::Handler {
     std::string_view request;
-    Answers (Server::*handle)(void* request, const UserIdentity& user);
+    Reply (Server::*handle)(void* request, const UserIdentity& user);
 };
 const Server::Handler Server::kHandlers[] = {
     {"get_sip_operation_mode", &Server::AnswerOperationMode},
     {"add_sip_orders", &Server::AddRegistration},
+    {"om_get_sip_orders", &Server::StartQuery<ReadListQuery>},
+    {"qry_eq_sip", &Server::StartQuery<ReadHistoryQuery>},
 };
 
-Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string>& records,
+Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
                ServerClock clock)
     : m_config(std::move(config)), m_journal(journal), m_clock(std::move(clock)) {
+    MakeRoom(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
         std::optional<Registration> registration = Registration::FromJson(records[i]);
         if (!registration) {
@@ -75,26 +75,26 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
     }
 }
 
-std::vector<std::string> Server::Handle(void* request, const UserIdentity& user) {
-    const std::string name(qmx::Text(request, kTagRequestName));
+Reply Server::Handle(void* request, const UserIdentity& user) {
+    const std::string name(qmx::Text(request, kTagRequestName).substr(0, kLongestText));
     const RequestFault& fault = m_config.FaultFor(name);
-    Answers answers = fault.errorCode
-                          ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
-                          : Dispatch(name, request, user);
+    Reply reply = fault.errorCode ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
+                                  : Dispatch(name, request, user);
     if (fault.silent) return {};
-    if (fault.garbage) return {m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()};
-    return answers;
+    if (fault.garbage) return {{m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()}};
+    return reply;
 }
 
-Server::Answers Server::Dispatch(std::string_view name, void* request, const UserIdentity& user) {
+Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user) {
     if (!m_replayError.empty()) return Refuse(name, {kCodeJournal, m_replayError});
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
+    if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user);
     return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
 }
 
-Server::Answers Server::AnswerOperationMode(void* request, const UserIdentity&) {
+Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
     std::vector<std::string> names;
     std::vector<std::string> minimums;
     for (const Frequency& frequency : m_config.frequencies) {
@@ -108,10 +108,10 @@ Server::Answers Server::AnswerOperationMode(void* request, const UserIdentity&) 
         AddTexts(m_writer, kTagFrequency, names);
         AddTexts(m_writer, kTagMinimumPeriods, minimums);
     }
-    return {m_writer.Finish()};
+    return {{m_writer.Finish()}};
 }
 
-Server::Answers Server::AddRegistration(void* request, const UserIdentity& user) {
+Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     // A request that was sent twice is one order; its judgement was made the first time.
     const std::string identifier(qmx::Text(request, kTagRequestIdentifier));
@@ -120,9 +120,7 @@ Server::Answers Server::AddRegistration(void* request, const UserIdentity& user)
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
 
     const Registration registration = MakeRegistration(request);
-    if (Refusal refusal; !Keep(registration, refusal)) return Refuse(name, refusal);
-    for (UpdateListener* listener : m_listeners)
-        listener->OnUpdate(registration);
+    if (const auto refusal = Keep(registration)) return Refuse(name, *refusal);
     return AnswerRegistered(registration);
 }
 
@@ -144,41 +142,97 @@ Registration Server::MakeRegistration(void* request) const {
     return registration;
 }
 
-bool Server::Keep(Registration registration, Refusal& refusal) {
-    std::string error;
-    if (!m_journal.Append(registration.Json(), error)) {
-        refusal = {kCodeJournal, "The server's journal " + error};
-        return false;
+Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user) {
+    const std::string number(qmx::Text(request, kTagRegistrationNumber));
+    if (number.empty()) return Refuse(kind.request, MissingField("registration number"));
+    const Registration* before = Find(number);
+    if (!before)
+        return Refuse(kind.request,
+                      {kCodeUnknownNumber, "There is no registration " + number.substr(0, kLongestText)});
+    if (before->Text(kTagUser) != user.loginId)
+        return Refuse(kind.request, {kCodeUser, "The registration is another user's"});
+
+    Registration after = *before;
+    const ChangeRequest change{request, user.loginId, m_config, m_clock.localDate(m_clock.now())};
+    if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
+    if (after != *before)
+        if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
+
+    m_writer.Start().Add(kTagAnswerName, kind.request);
+    if (kind.request == "cancel_sip_order") m_writer.Add(kTagCancelledNumber, number);
+    m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
+    return {{m_writer.Finish()}};
+}
+
+template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
+Reply Server::StartQuery(void* request, const UserIdentity& user) {
+    RowQuery query;
+    query.request = qmx::Text(request, kTagRequestName);
+    if (const auto refusal = read(request, user, query)) return Refuse(query.request, *refusal);
+    query.end = m_registrations.size();
+    return {{}, std::move(query)};
+}
+
+std::string Server::NextRow(RowQuery& query) {
+    constexpr std::size_t mostLookedAt = 256;
+    const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
+    const Registration* found = nullptr;
+    while (!found && query.next < stop) {
+        const Registration& registration = m_registrations[query.next++];
+        if (query.Wants(registration)) found = &registration;
     }
+    query.isDone = query.next == query.end;
+    if (!found && (!query.isDone || query.hasRows)) return {};
+    query.hasRows = true;
+    m_writer.Start().Add(kTagAnswerName, query.request);
+    if (found && query.isList) m_writer.Add(kTagListRow, "1");
+    if (found) found->AddTo(m_writer);
+    return m_writer.Finish();
+}
+
+std::optional<Refusal> Server::Keep(Registration registration) {
+    std::string error;
+    if (!m_journal.Append(registration.Json(), error))
+        return Refusal{kCodeJournal, "The server's journal " + error};
+    for (UpdateListener* listener : m_listeners)
+        listener->OnUpdate(registration);
     Enter(std::move(registration));
-    return true;
+    return std::nullopt;
+}
+
+void Server::MakeRoom(std::size_t more) {
+    const std::size_t count = m_registrations.size() + more;
+    m_registrations.reserve(count);
+    m_byNumber.reserve(count);
+    m_byRequestIdentifier.reserve(count);
 }
 
 void Server::Enter(Registration registration) {
     const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_registrations.size());
-    if (!registration.Text(kTagRequestIdentifier).empty())
-        m_byRequestIdentifier.emplace(registration.Text(kTagRequestIdentifier), place->second);
-    if (isNew)
-        m_registrations.push_back(std::move(registration));
-    else
+    if (!isNew) {
         m_registrations[place->second] = std::move(registration);
+        return;
+    }
+    if (const std::string_view identifier = registration.Text(kTagRequestIdentifier); !identifier.empty())
+        m_byRequestIdentifier.emplace(identifier, place->second);
+    m_registrations.push_back(std::move(registration));
 }
 
-Server::Answers Server::Refuse(std::string_view request, const Refusal& refusal) {
-    return {m_writer.Start()
-                .Add(kTagAnswerName, request)
-                .Add(kTagErrorCode, refusal.code)
-                .Add(kTagUserText, refusal.text)
-                .Finish()};
+Reply Server::Refuse(std::string_view request, const Refusal& refusal) {
+    return {{m_writer.Start()
+                 .Add(kTagAnswerName, request)
+                 .Add(kTagErrorCode, refusal.code)
+                 .Add(kTagUserText, refusal.text)
+                 .Finish()}};
 }
 
-Server::Answers Server::AnswerRegistered(const Registration& registration) {
+Reply Server::AnswerRegistered(const Registration& registration) {
     const std::string text = "SIP registered. Registration No : " + std::string(registration.Number());
-    return {m_writer.Start()
-                .Add(kTagAnswerName, "add_sip_orders")
-                .Add(kTagUserText, text)
-                .Add(kTagAccount, registration.Text(kTagAccount))
-                .Finish()};
+    return {{m_writer.Start()
+                 .Add(kTagAnswerName, "add_sip_orders")
+                 .Add(kTagUserText, text)
+                 .Add(kTagAccount, registration.Text(kTagAccount))
+                 .Finish()}};
 }
 
 void Server::AddListener(UpdateListener& listener) {

@@ -16,7 +16,13 @@ public:
         Meanwhile(message);
     }
     void OnResponse(void*, void* message, void*) override {
-        m_log.push_back(m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName)));
+        std::string line = m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName));
+        if (qmx::Has(message, kTagListRow))
+            line.append(" ")
+                .append(qmx::Text(message, kTagRegistrationNumber))
+                .append(" ")
+                .append(qmx::Text(message, kTagStatus));
+        m_log.push_back(line);
         Meanwhile(message);
     }
 
@@ -86,38 +92,66 @@ TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
     EXPECT_FALSE(qmx::Has(m_one.lastMessage, kTagAnswerName));
 }
 
-TEST_F(RxHubTest, SubscriptionsMatchByIdentityOrAccount) {
+TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
+    using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
+    // Own orders are of USER1, BROKER, CL1; another session's of USER2, BROKER, CL2.
+    const Subscription::value_type stream{kTagStream, "PLANFOLD"};
+    const Subscription::value_type anyNumber{kTagRegistrationNumber, ""};
     const struct {
         const char* what;
-        std::vector<std::pair<std::uint32_t, std::string>> fields;
-        bool matches;
+        int kind;
+        std::vector<Subscription> subscriptions;
+        bool own;
+        bool other;
     } rows[] = {
-        {"any identity", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, ""}}, true},
-        {"own broker", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagBroker, "BROKER"}}, true},
-        {"other broker", {{kTagBroker, "OTHER"}, {kTagRegistrationNumber, ""}}, false},
-        {"other branch", {{kTagBranch, "BR"}, {kTagRegistrationNumber, ""}}, false},
-        {"own user", {{kTagUser, "USER1"}, {kTagRegistrationNumber, ""}}, true},
-        {"other user", {{kTagUser, "USER"}, {kTagRegistrationNumber, ""}}, false},
-        {"own account", {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL1"}}, true},
-        {"other account",
-         {{kTagStream, "PLANFOLD"}, {kTagRegistrationNumber, ""}, {kTagAccount, "CL2"}},
+        {"empty broker", 2, {{stream, anyNumber, {kTagBroker, ""}}}, true, false},
+        {"empty login", 1, {{{kTagUser, ""}, anyNumber}}, true, false},
+        {"broker", 2, {{stream, anyNumber, {kTagBroker, "BROKER"}}}, true, true},
+        {"broker", 1, {{{kTagBroker, "BROKER"}, anyNumber}}, true, true},
+        {"other broker", 1, {{{kTagBroker, "OTHER"}, anyNumber}}, false, false},
+        {"branch", 1, {{{kTagBranch, "BR2"}, anyNumber}}, false, true},
+        {"own login", 1, {{{kTagUser, "USER1"}, anyNumber}}, true, false},
+        {"other login", 2, {{stream, anyNumber, {kTagUser, "USER2"}}}, false, true},
+        {"part of a login", 2, {{stream, anyNumber, {kTagUser, "USER"}}}, false, false},
+        {"own account", 2, {{stream, anyNumber, {kTagAccount, "CL1"}}}, true, false},
+        {"other's account", 2, {{stream, anyNumber, {kTagAccount, "CL2"}}}, false, true},
+        {"login and account",
+         2,
+         {{stream, anyNumber, {kTagUser, "USER1"}, {kTagAccount, "CL2"}}},
+         false,
          false},
-        {"user and other account", {{kTagUser, "USER1"}, {kTagAccount, "CL2"}}, false},
-        {"other stream", {{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}, false},
+        {"other stream", 2, {{{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}}, false, false},
+        {"several accounts, some twice",
+         2,
+         {{stream, {kTagAccount, "CL1"}}, {stream, {kTagAccount, "CL2"}}, {stream, {kTagAccount, "CL1"}}},
+         true,
+         true},
+        {"overlapping", 2, {{stream, {kTagAccount, "CL1"}}, {stream, {kTagUser, "USER1"}}}, true, false},
     };
-    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
+    RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"});
+    RxControl* senders[] = {m_hub.Get(kRxRequests, &m_one), otherHub.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
-        RxControl* stream = m_hub.Get(kRxAccountStream, &m_two);
-        ASSERT_TRUE(Subscribe(stream, row.fields)) << row.what << ": " << m_error.text;
-        ASSERT_TRUE(Subscribe(stream, row.fields)) << "twice is still one message";
-        ASSERT_TRUE(Send(sender, Order({{kTagRequestIdentifier, "id" + std::to_string(++order)}})));
-        m_hub.Pump(0);
-        Log expected{"one answer add_sip_orders"};
-        if (row.matches)
-            expected.push_back("two stream " + std::string(m_running.server->Registrations().back().Number()));
-        EXPECT_EQ(Taken(), expected) << row.what;
-        m_hub.Destroy(stream);
+        RxControl* control = m_hub.Get(row.kind, &m_two);
+        for (const Subscription& subscription : row.subscriptions)
+            ASSERT_TRUE(Subscribe(control, subscription)) << row.what << ": " << m_error.text;
+        const Fields whose[] = {
+            {},
+            {{kTagUser, "USER2"}, {kTagBranch, "BR2"}, {kTagAccount, "CL2"}},
+        };
+        for (const bool isOther : {false, true}) {
+            Fields changes = whose[isOther];
+            changes[kTagRequestIdentifier] = "id" + std::to_string(++order);
+            ASSERT_TRUE(Send(senders[isOther], Order(changes)));
+            otherHub.Pump(0);
+            m_hub.Pump(0);
+            Log expected{"one answer add_sip_orders"};
+            if (isOther ? row.other : row.own)
+                expected.push_back("two stream "
+                                   + std::string(m_running.server->Registrations().back().Number()));
+            EXPECT_EQ(Taken(), expected) << row.what << (isOther ? ", other's order" : ", own order");
+        }
+        m_hub.Destroy(control);
     }
 }
 
@@ -130,6 +164,45 @@ TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
     m_hub.Pump(0);
     EXPECT_EQ(m_log, Log{"one answer add_sip_orders"});
     EXPECT_EQ(m_hub.LiveControls(), 2u);
+}
+
+TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
+    const auto enter = [&](const char* identifier) {
+        m_running.Ask(Order({{kTagRequestIdentifier, identifier}}));
+        return std::string(m_running.server->Registrations().back().Number());
+    };
+    const std::string first = enter("1");
+    const std::string second = enter("2");
+    const std::string third = enter("3");
+    RxHub hub(*m_running.server, m_running.user, {2, std::chrono::milliseconds(0)});
+    RxControl* asking = hub.Get(kRxRequests, &m_one);
+    RxControl* stream = hub.Get(kRxAccountStream, &m_two);
+    ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
+    const Fields query{{kTagRequestName, "om_get_sip_orders"}, {kTagUser, "USER1"}};
+    const std::string row = "one answer om_get_sip_orders ";
+
+    ASSERT_TRUE(Send(asking, query));
+    ASSERT_TRUE(Send(asking, Named("after")));
+    EXPECT_EQ(hub.Pump(0), 0u) << "two turns, two requests";
+    m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 2u) << "a nested pump goes on with the next row"; };
+    m_running.Ask({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, second}});
+    const std::string fourth = enter("4");
+    EXPECT_EQ(hub.Pump(0), 2u);
+    EXPECT_EQ(Taken(), (Log{row + first + " active", row + second + " Paused", row + third + " active",
+                            "one answer after"}));
+    EXPECT_EQ(hub.Waiting(), 2u);
+    hub.Pump(0);
+    EXPECT_EQ(Taken(), (Log{"two stream " + second, "two stream " + fourth}));
+    EXPECT_EQ(hub.Waiting(), 0u);
+
+    // Ended in its middle, and with it what stands behind it.
+    ASSERT_TRUE(Send(asking, query));
+    ASSERT_TRUE(Send(asking, Named("after")));
+    hub.Pump(0);
+    m_one.act = [&] { hub.Destroy(asking); };
+    EXPECT_EQ(hub.Pump(0), 1u);
+    EXPECT_EQ(hub.Waiting(), 0u);
+    EXPECT_EQ(Taken(), Log{row + first + " active"});
 }
 
 TEST_F(RxHubTest, NestedPumpDeliversTheRestOnce) {

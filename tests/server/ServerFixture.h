@@ -106,7 +106,11 @@ struct RunningServer {
         const std::string bytes = Message(request);
         const qmx::MessageReader reader(bytes);
         std::vector<std::string> dumps;
-        for (const std::string& answer : server->Handle(reader.Handle(), user)) {
+        Reply reply = server->Handle(reader.Handle(), user);
+        while (reply.rows && !reply.rows->isDone)
+            if (std::string row = server->NextRow(*reply.rows); !row.empty())
+                reply.answers.push_back(std::move(row));
+        for (const std::string& answer : reply.answers) {
             const qmx::MessageReader read(answer);
             dumps.push_back(qmx::Dump(read.Handle()));
         }

@@ -1,0 +1,113 @@
+// Requests of any content to the trading server: every one is answered readably, what changes is told and
+// journaled, and a server that starts from the journal holds the same.
+//
+// The first line names what the server is set to, each further one is a request: tag=text|tag=text
+
+#include "fuzz/Fuzz.h"
+#include "host/server/Schedule.h"
+#include "host/server/Server.h"
+
+#include <filesystem>
+#include <unistd.h>
+
+using fuzz::Demand;
+using namespace vesk;
+
+namespace {
+
+ServerClock StoppedClock() {
+    return {[] { return std::int64_t{1'772'409'600}; },
+            [](std::int64_t seconds) {
+                return std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(
+                    std::chrono::sys_seconds(std::chrono::seconds(seconds))));
+            }};
+}
+
+class Listener final : public UpdateListener {
+public:
+    void OnUpdate(const Registration& registration) override {
+        ++updates;
+        registration.AddTo(m_writer.Start());
+        const std::string bytes = m_writer.Finish();
+        const qmx::MessageReader reader(bytes);
+        Demand(reader.Good() && qmx::Text(reader.Handle(), kTagRegistrationNumber) == registration.Number());
+    }
+    std::size_t updates = 0;
+
+private:
+    qmx::MessageWriter m_writer;
+};
+
+// Letters: "n" no list of frequencies, "z" one that a zero ends, "e" an error, "s" silence, "g" garbage.
+ServerConfig ConfigOf(std::string_view letters) {
+    const auto has = [&](char letter) { return letters.find(letter) != letters.npos; };
+    ServerConfig config;
+    if (has('n')) config.frequencies.clear();
+    if (has('z')) config.operationModeShape = OperationModeShape::listThenZero;
+    RequestFault& fault = config.faults["*"];
+    if (has('e')) fault.errorCode = "99";
+    fault.silent = has('s');
+    fault.garbage = has('g');
+    return config;
+}
+
+void CheckAnswer(const std::string& bytes, std::string_view request, bool isGarbage) {
+    const qmx::MessageReader reader(bytes);
+    Demand(reader.Good());
+    if (isGarbage) return;
+    Demand(qmx::Text(reader.Handle(), kTagAnswerName) == request.substr(0, kLongestText));
+    if (qmx::Has(reader.Handle(), kTagErrorCode)) Demand(!qmx::Text(reader.Handle(), kTagUserText).empty());
+}
+
+void Ask(Server& server, std::string_view line) {
+    qmx::MessageWriter writer;
+    while (!line.empty()) {
+        std::string_view text = fuzz::Input::CutAt(line, '|');
+        const auto tag = WholeNumber(fuzz::Input::CutAt(text, '='));
+        // A field that stands twice would spoil the message before it is sent.
+        if (tag && !qmx::Has(writer.Handle(), static_cast<std::uint32_t>(*tag)))
+            writer.Add(static_cast<std::uint32_t>(*tag), text);
+    }
+    if (!writer.Good()) return;
+    const std::string name(qmx::Text(writer.Handle(), kTagRequestName));
+    const RequestFault& fault = server.Config().FaultFor(name);
+    Reply reply = server.Handle(writer.Handle(), {"USER1", "BROKER", "BR1"});
+    Demand(reply.answers.empty() == (fault.silent || reply.rows.has_value()));
+    for (const std::string& answer : reply.answers)
+        CheckAnswer(answer, name, fault.garbage);
+    std::size_t rows = 0;
+    while (reply.rows && !reply.rows->isDone)
+        if (const std::string row = server.NextRow(*reply.rows); !row.empty()) {
+            CheckAnswer(row, name, false);
+            ++rows;
+        }
+    Demand(!reply.rows || rows != 0);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const auto path =
+        std::filesystem::temp_directory_path() / ("fuzz-server-" + std::to_string(getpid()));
+    std::filesystem::remove(path);
+    fuzz::Input input(data, size);
+    const ServerConfig config = ConfigOf(input.Line());
+    std::vector<Registration> held;
+    std::size_t updates = 0;
+    {
+        const JournalOpening opening = Journal::Open(path);
+        Server server(config, *opening.journal, opening.records, StoppedClock());
+        Listener listener;
+        server.AddListener(listener);
+        while (!input.AtEnd())
+            Ask(server, input.Line());
+        held = server.Registrations();
+        updates = listener.updates;
+    }
+    const JournalOpening opening = Journal::Open(path);
+    Demand(opening.journal && opening.warning.empty() && opening.records.size() == updates);
+    const Server again(config, *opening.journal, opening.records, StoppedClock());
+    Demand(again.ReplayError().empty() && again.Registrations() == held);
+    std::filesystem::remove(path);
+    return 0;
+}

@@ -1,0 +1,93 @@
+// Many registrations at once, of every kind that years of trading leave behind.
+
+#include "host/server/SampleOrders.h"
+#include "host/server/Schedule.h"
+#include "host/server/Server.h"
+
+#include <algorithm>
+
+namespace vesk {
+namespace {
+
+using Date = std::chrono::year_month_day;
+using std::chrono::sys_days;
+
+constexpr int kDaysBack = 730;
+
+const std::vector<std::string_view> kReasons{"Client's request", "Funds not available", "Wrong scrip", " "};
+
+struct Day {
+    Date today;
+    Date entered;
+};
+
+void SetStatus(Registration& registration, const Day& day, const Date& start, const Date& end,
+               SampleOrders& orders) {
+    const std::size_t lot = orders.Below(10);
+    std::string_view status = sys_days(end) < sys_days(day.today) ? kStatusExpired : kStatusActive;
+    if (lot < 3) status = kStatusCancelled;
+    if (status == kStatusActive && lot == 3) status = kStatusPaused;
+    registration.Set(kTagStatus, status);
+    if (status == kStatusCancelled) {
+        const auto daysSince = static_cast<std::size_t>((sys_days(day.today) - sys_days(day.entered)).count());
+        const auto after = std::chrono::days(static_cast<int>(orders.Below(daysSince + 1)));
+        registration.Set(kTagUserText, orders.AnyOf(kReasons));
+        registration.Set(kTagCancelledDate, RecordDate(sys_days(day.entered) + after));
+        registration.Set(kTagCancelledBy, registration.Text(kTagUser));
+    }
+    const std::string_view frequency = registration.Text(kTagFrequency);
+    const Date next = InstalmentDate(start, frequency, InstalmentsBefore(start, frequency, day.today));
+    registration.Set(kTagNextExecution, RecordDate(std::min(next, end)));
+}
+
+Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t sequence, SampleOrders& orders) {
+    Registration registration = orders.Next();
+    const auto periods = static_cast<int>(WholeNumber(registration.Text(kTagPeriods)).value_or(1));
+    const Date start = sys_days(day.entered) + std::chrono::days(1 + static_cast<int>(orders.Below(30)));
+    const Date end = InstalmentDate(start, registration.Text(kTagFrequency), periods - 1);
+    registration.Set(kTagUser, user.loginId);
+    registration.Set(kTagBroker, user.peerIdA);
+    registration.Set(kTagBranch, user.peerIdB);
+    registration.Set(kTagStartDate, RecordDate(start));
+    registration.Set(kTagEndDate, RecordDate(end));
+    registration.Set(kTagRegistrationDate, RecordDate(day.entered));
+    registration.Set(kTagRegistrationNumber, RegistrationNumber(day.entered, sequence));
+    registration.Set(kTagRequestIdentifier, "sample-" + std::to_string(sequence));
+    registration.Set(kTagStream, kStreamName);
+    SetStatus(registration, day, start, end, orders);
+    registration.Shrink();
+    return registration;
+}
+
+} // namespace
+
+std::string Server::Fill(const FillPlan& plan) {
+    if (!m_replayError.empty()) return m_replayError;
+    if (plan.users.empty() || plan.market.accounts.empty() || plan.market.scrips.empty())
+        return "nothing to make registrations of";
+    constexpr std::size_t batchSize = 16'384;
+    const Date today = m_clock.localDate(m_clock.now());
+    SampleOrders orders(plan.market, m_config, plan.seed);
+    MakeRoom(plan.count);
+    std::vector<Registration> batch;
+    std::vector<std::string> records;
+    for (std::size_t done = 0; done < plan.count; done += batch.size()) {
+        batch.clear();
+        records.clear();
+        for (std::size_t i = done; i < std::min(plan.count, done + batchSize); ++i) {
+            // Oldest first, as if they had come one after the other.
+            const auto age = kDaysBack - static_cast<int>(i * kDaysBack / plan.count);
+            const Day day{today, sys_days(today) - std::chrono::days(age)};
+            const std::size_t sequence = m_registrations.size() + batch.size() + 1;
+            batch.push_back(MakeSample(day, orders.AnyOf(plan.users), sequence, orders));
+            records.push_back(batch.back().Json());
+        }
+        std::string error;
+        if (!m_journal.Append(records, error)) return "The server's journal " + error;
+        for (Registration& registration : batch)
+            Enter(std::move(registration));
+    }
+    return {};
+}
+
+} // namespace vesk

@@ -1,0 +1,89 @@
+#include "host/server/OrderChange.h"
+
+#include "host/server/OrderCheck.h"
+#include "host/server/Schedule.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vesk {
+namespace {
+
+std::optional<Refusal> JudgeStatus(const Registration& registration) {
+    const std::string_view status = registration.Text(kTagStatus);
+    if (status != kStatusCancelled && status != kStatusExpired) return std::nullopt;
+    return Refusal{kCodeStatus, "The registration is " + std::string(status)};
+}
+
+std::optional<Refusal> ReadPositive(void* message, std::uint32_t tag, const char* name, std::int64_t& number) {
+    const std::string_view text = qmx::Text(message, tag);
+    if (text.empty()) return MissingField(name);
+    number = WholeNumber(text).value_or(0);
+    if (number <= 0) return WrongValue(name, text);
+    return std::nullopt;
+}
+
+std::optional<Refusal> Modify(const ChangeRequest& request, Registration& registration) {
+    std::int64_t value = 0;
+    std::int64_t periods = 0;
+    const std::string frequency(registration.Text(kTagFrequency));
+    if (auto refusal = JudgeStatus(registration)) return refusal;
+    if (auto refusal = ReadPositive(request.message, kTagAmountOrQuantity, "amount or quantity", value))
+        return refusal;
+    if (auto refusal = ReadPositive(request.message, kTagPeriods, "total period", periods)) return refusal;
+    if (auto refusal = JudgePeriods(frequency, periods, request.config)) return refusal;
+    registration.Set(kTagAmountOrQuantity, std::to_string(value));
+    registration.Set(kTagPeriods, std::to_string(periods));
+    if (const auto start = ParseRecordDate(registration.Text(kTagStartDate)))
+        registration.Set(kTagEndDate,
+                         RecordDate(InstalmentDate(*start, frequency, static_cast<int>(periods) - 1)));
+    return std::nullopt;
+}
+
+std::optional<Refusal> Cancel(const ChangeRequest& request, Registration& registration) {
+    const std::string_view identifier = qmx::Text(request.message, kTagRequestIdentifier);
+    const std::string_view by = qmx::Text(request.message, kTagCancelledBy);
+    const std::string_view remarks = qmx::Text(request.message, kTagUserText);
+    const bool isCancelled = registration.Text(kTagStatus) == kStatusCancelled;
+    if (isCancelled && !identifier.empty() && registration.Text(kTagRequestIdentifier) == identifier)
+        return std::nullopt;
+    if (auto refusal = JudgeStatus(registration)) return refusal;
+    if (!by.empty() && by != request.loginId) return WrongUser();
+    if (identifier.size() > kLongestText) return WrongValue("request identifier", identifier);
+    if (remarks.size() > kLongestText) return WrongValue("remarks", remarks);
+    registration.Set(kTagStatus, kStatusCancelled);
+    registration.Set(kTagUserText, remarks);
+    registration.Set(kTagCancelledBy, request.loginId);
+    registration.Set(kTagCancelledDate, RecordDate(request.today));
+    if (!identifier.empty()) registration.Set(kTagRequestIdentifier, identifier);
+    return std::nullopt;
+}
+
+std::optional<Refusal> Pause(const ChangeRequest&, Registration& registration) {
+    if (auto refusal = JudgeStatus(registration)) return refusal;
+    registration.Set(kTagStatus, kStatusPaused);
+    return std::nullopt;
+}
+
+std::optional<Refusal> Resume(const ChangeRequest&, Registration& registration) {
+    if (auto refusal = JudgeStatus(registration)) return refusal;
+    registration.Set(kTagStatus, kStatusActive);
+    return std::nullopt;
+}
+
+constexpr ChangeKind kChanges[] = {
+    {"modify_sip_order", "modified", Modify},
+    {"cancel_sip_order", "cancelled", Cancel},
+    {"pause_sip_order", "paused", Pause},
+    {"resume_sip_order", "resumed", Resume},
+};
+
+} // namespace
+
+const ChangeKind* FindChange(std::string_view request) {
+    const auto found = std::find_if(std::begin(kChanges), std::end(kChanges),
+                                    [&](const ChangeKind& row) { return row.request == request; });
+    return found == std::end(kChanges) ? nullptr : found;
+}
+
+} // namespace vesk

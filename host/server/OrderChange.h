@@ -1,0 +1,35 @@
+// What modify, cancel, pause and resume do to a registration that exists.
+//
+// Thread: any; pure functions.
+#pragma once
+
+#include "host/server/Refusal.h"
+#include "host/server/Registration.h"
+#include "host/server/ServerConfig.h"
+
+#include <chrono>
+#include <optional>
+#include <string_view>
+
+namespace vesk {
+
+// A request for a change and where it comes in.
+struct ChangeRequest {
+    void* message;
+    std::string_view loginId;
+    const ServerConfig& config;
+    std::chrono::year_month_day today;
+};
+
+struct ChangeKind {
+    std::string_view request;
+    std::string_view done; // told to the user
+    // Leaves the registration as it is when the change was made before: it is then answered again, and
+    // nothing else happens.
+    std::optional<Refusal> (*apply)(const ChangeRequest& request, Registration& registration);
+};
+
+// Null when the request is none for a change.
+const ChangeKind* FindChange(std::string_view request);
+
+} // namespace vesk

@@ -1,0 +1,67 @@
+#include "host/server/RowQuery.h"
+
+#include "host/server/Schedule.h"
+
+#include <array>
+
+namespace vesk {
+namespace {
+
+// "3/7/2024": month, day, year.
+std::optional<std::chrono::sys_days> ParseQueryDate(std::string_view text) {
+    std::array<int, 3> numbers{};
+    for (int& number : numbers) {
+        const bool isLast = &number == &numbers.back();
+        const std::size_t end = isLast ? text.size() : text.find('/');
+        if (end == text.npos || end > 4) return std::nullopt;
+        const auto read = WholeNumber(text.substr(0, end));
+        if (!read) return std::nullopt;
+        number = static_cast<int>(*read);
+        text.remove_prefix(isLast ? end : end + 1);
+    }
+    const std::chrono::year_month_day date{std::chrono::year(numbers[2]),
+                                           std::chrono::month(static_cast<unsigned>(numbers[0])),
+                                           std::chrono::day(static_cast<unsigned>(numbers[1]))};
+    return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
+}
+
+std::optional<Refusal> ReadDay(void* request, std::uint32_t tag, const char* name, std::chrono::sys_days& day) {
+    const std::string_view text = qmx::Text(request, tag);
+    if (text.empty()) return MissingField(name);
+    const auto read = ParseQueryDate(text);
+    if (!read) return WrongValue(name, text);
+    day = *read;
+    return std::nullopt;
+}
+
+} // namespace
+
+bool RowQuery::Wants(const Registration& registration) const {
+    if (registration.Text(ownerTag) != owner) return false;
+    if (!entered) return true;
+    const auto date = ParseRecordDate(registration.Text(kTagRegistrationDate));
+    return date && std::chrono::sys_days(*date) >= entered->first
+           && std::chrono::sys_days(*date) <= entered->last;
+}
+
+std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query) {
+    const std::string_view login = qmx::Text(request, kTagUser);
+    if (login.empty()) return MissingField("user");
+    if (login != user.loginId) return WrongUser();
+    query.ownerTag = kTagUser;
+    query.owner = user.loginId;
+    query.isList = true;
+    return std::nullopt;
+}
+
+std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query) {
+    RowQuery::Days days;
+    if (auto refusal = ReadDay(request, kTagStartDate, "from-date", days.first)) return refusal;
+    if (auto refusal = ReadDay(request, kTagToDate, "to-date", days.last)) return refusal;
+    query.entered = days;
+    query.ownerTag = !user.peerIdA.empty() ? kTagBroker : !user.peerIdB.empty() ? kTagBranch : kTagUser;
+    query.owner = !user.peerIdA.empty() ? user.peerIdA : !user.peerIdB.empty() ? user.peerIdB : user.loginId;
+    return std::nullopt;
+}
+
+} // namespace vesk

@@ -1,0 +1,49 @@
+// A query whose answer is one message a registration. There may be a million of them, so nothing is made in
+// advance: the query remembers how far it is, and the server makes a row when its turn comes.
+//
+// Thread: any; plain values.
+#pragma once
+
+#include "host/server/Refusal.h"
+#include "host/server/Registration.h"
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+// Who is logged in on the connection that a request came by.
+struct UserIdentity {
+    std::string loginId;
+    std::string peerIdA;
+    std::string peerIdB;
+};
+
+struct RowQuery {
+    struct Days {
+        std::chrono::sys_days first;
+        std::chrono::sys_days last;
+    };
+
+    bool Wants(const Registration& registration) const;
+
+    std::string request{};         // echoed
+    std::uint32_t ownerTag = 0;    // the field by which a registration belongs to who asks,
+    std::string owner{};           // and its text
+    std::optional<Days> entered{}; // the days of registration; absent: any
+    bool isList = false;           // the rows are marked as those of a list
+    std::size_t next = 0;          // the registration to look at next
+    std::size_t end = 0;           // those that came later are told by the stream
+    bool hasRows = false;          // until now
+    bool isDone = false;           // nothing more is to be asked for
+};
+
+// Both fill `query`, except where it is and ends, or tell why it is refused.
+// "om_get_sip_orders": the login's own, of any date.
+std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query);
+// "qry_eq_sip": the firm's, or the login's where the connection has no firm, by date of registration.
+std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query);
+
+} // namespace vesk

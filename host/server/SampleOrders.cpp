@@ -1,0 +1,37 @@
+#include "host/server/SampleOrders.h"
+
+#include "host/server/Schedule.h"
+
+namespace vesk {
+
+SampleOrders::SampleOrders(const SampleMarket& market, const ServerConfig& config, std::uint64_t seed)
+    : m_market(market), m_frequencies(config.frequencies), m_random(seed) {
+    std::erase_if(m_frequencies, [](const Frequency& row) { return !IsKnownFrequency(row.name); });
+    if (m_frequencies.empty()) m_frequencies = {{"daily"}, {"weekly"}, {"monthly"}};
+}
+
+Registration SampleOrders::Next() {
+    const SampleScrip& scrip = AnyOf(m_market.scrips);
+    const Frequency& frequency = AnyOf(m_frequencies);
+    const bool byValue = Below(2) != 0;
+    // Paise, of whole rupees.
+    const std::size_t value = byValue ? 100 * (100 + Below(50'000)) : 1 + Below(500);
+    const std::size_t periods = static_cast<std::size_t>(frequency.minimumPeriods.value_or(1)) + 1 + Below(36);
+    Registration order;
+    order.Set(kTagFrequency, frequency.name);
+    order.Set(kTagToken, scrip.token);
+    order.Set(kTagSide, Below(4) ? "B" : "S");
+    order.Set(kTagValidity, "DAY");
+    order.Set(kTagOrderType, "MKT");
+    order.Set(kTagAmountOrQuantity, std::to_string(value));
+    order.Set(kTagAccount, AnyOf(m_market.accounts));
+    order.Set(kTagInvestType, byValue ? "value" : "qty");
+    order.Set(kTagExchange, scrip.exchange);
+    order.Set(kTagTradingSymbol, scrip.tradingSymbol);
+    order.Set(kTagPeriods, std::to_string(periods));
+    order.Set(kTagProduct, "CNC");
+    order.Set(kTagOrderSource, "TWS");
+    return order;
+}
+
+} // namespace vesk

@@ -1,0 +1,56 @@
+// Made-up orders over given accounts and scrips, the same ones for the same seed: for a server that shall hold
+// many, and for a second session that trades beside the user.
+//
+// Thread: one at a time. Lifetime: market and configuration outlive the source.
+#pragma once
+
+#include "host/server/Registration.h"
+#include "host/server/RowQuery.h"
+#include "host/server/ServerConfig.h"
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+struct SampleScrip {
+    std::string exchange;
+    std::string token;
+    std::string tradingSymbol;
+};
+
+// Neither list is empty.
+struct SampleMarket {
+    std::vector<std::string> accounts;
+    std::vector<SampleScrip> scrips;
+};
+
+// What Server::Fill enters: registrations of these users, spread over the last two years.
+struct FillPlan {
+    std::size_t count;
+    std::vector<UserIdentity> users;
+    SampleMarket market;
+    std::uint64_t seed = 1;
+};
+
+class SampleOrders {
+public:
+    SampleOrders(const SampleMarket& market, const ServerConfig& config, std::uint64_t seed);
+
+    // The fields that an order and its registration share, except whose it is and from when.
+    Registration Next();
+    // A number below `end`, which is positive.
+    std::size_t Below(std::size_t end) { return static_cast<std::size_t>(m_random() % end); }
+    template <typename T>
+    const T& AnyOf(const std::vector<T>& values) {
+        return values[Below(values.size())];
+    }
+
+private:
+    const SampleMarket& m_market;
+    std::vector<Frequency> m_frequencies;
+    std::mt19937_64 m_random;
+};
+
+} // namespace vesk

@@ -1,0 +1,160 @@
+// The two queries, and a server with many registrations and another trader.
+
+#include "host/server/OtherSession.h"
+#include "tests/server/ServerFixture.h"
+
+namespace vesk {
+namespace {
+
+using Answers = std::vector<std::string>;
+
+struct Held {
+    const char* number;
+    const char* user;
+    const char* broker;
+    const char* branch;
+    const char* entered;
+};
+constexpr Held kHeld[] = {
+    {"A", "USER1", "BROKER", "BR1", "28-Feb-2026"},
+    {"B", "USER2", "BROKER", "BR1", "01-Mar-2026"},
+    {"C", "USER3", "OTHER", "BR1", "01-Mar-2026"},
+    {"D", "USER1", "BROKER", "", "10-Mar-2026"},
+};
+
+std::string DumpOf(const Held& held) {
+    return std::string("31003=") + held.user + " 54270=" + held.entered + " 64053=" + held.branch
+           + " 64056=" + held.broker + " 64804=" + held.number;
+}
+
+void WriteHeld(const std::filesystem::path& journal) {
+    std::string text;
+    for (const Held& held : kHeld) {
+        Registration registration;
+        registration.Set(kTagRegistrationNumber, held.number);
+        registration.Set(kTagUser, held.user);
+        registration.Set(kTagBroker, held.broker);
+        registration.Set(kTagBranch, held.branch);
+        registration.Set(kTagRegistrationDate, held.entered);
+        text += JournalLine(registration.Json());
+    }
+    WriteFileText(journal, text);
+}
+
+TEST(Query, GivesTheRowsOfWhoAsksOrOneBareAnswerOrARefusal) {
+    const UserIdentity one{"USER1", "BROKER", "BR1"};
+    const UserIdentity branchOnly{"USER1", "", "BR1"};
+    const UserIdentity alone{"USER1", "", ""};
+    const UserIdentity stranger{"USER9", "NOBODY", ""};
+    const std::string missing = "32766=101 20008=The ";
+    const std::string wrong = "32766=102 20008=The ";
+    const struct {
+        UserIdentity user;
+        Fields request;     // the login, or the two dates
+        std::string answer; // the numbers of the rows, or what stands behind the name
+    } rows[] = {
+        {one, {{kTagUser, "USER1"}}, "AD"},
+        {stranger, {{kTagUser, "USER9"}}, ""},
+        {one, {{kTagUser, "USER2"}}, "32766=105 20008=The user is not the one who is logged in"},
+        {one, {}, missing + "user is missing"},
+        {one, {{kTagStartDate, "2/28/2026"}, {kTagToDate, "3/10/2026"}}, "ABD"},
+        {one, {{kTagStartDate, "03/01/2026"}, {kTagToDate, "3/9/2026"}}, "B"},
+        {one, {{kTagStartDate, "3/11/2026"}, {kTagToDate, "3/1/2026"}}, ""},
+        {branchOnly, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, "ABC"},
+        {alone, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, "AD"},
+        {stranger, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, ""},
+        {one, {{kTagStartDate, "3/1/2026"}}, missing + "to-date is missing"},
+        {one, {{kTagStartDate, ""}, {kTagToDate, "3/1/2026"}}, missing + "from-date is missing"},
+        {one,
+         {{kTagStartDate, "2/29/2026"}, {kTagToDate, "3/1/2026"}},
+         wrong + "from-date cannot be \"2/29/2026\""},
+        {one,
+         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "13/1/2026"}},
+         wrong + "to-date cannot be \"13/1/2026\""},
+        {one, {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/1"}}, wrong + "to-date cannot be \"3/1\""},
+        {one,
+         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/-1/2026"}},
+         wrong + "to-date cannot be \"3/-1/2026\""},
+        {one,
+         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/1/2026/"}},
+         wrong + "to-date cannot be \"3/1/2026/\""},
+        {one,
+         {{kTagStartDate, std::string(300, '1')}, {kTagToDate, "3/1/2026"}},
+         wrong + "from-date is too long"},
+    };
+    const TemporaryFolder folder;
+    WriteHeld(folder.File("journal"));
+    RunningServer running(folder.File("journal"));
+    for (const auto& row : rows) {
+        const bool isList = row.request.empty() || row.request.contains(kTagUser);
+        Fields request = row.request;
+        request[kTagRequestName] = isList ? "om_get_sip_orders" : "qry_eq_sip";
+        const std::string head = "32767=" + request[kTagRequestName];
+        const bool isRefused = row.answer.starts_with("32766");
+        Answers expected;
+        for (const Held& held : kHeld)
+            if (!isRefused && row.answer.find(held.number) != std::string::npos)
+                expected.push_back(head + (isList ? " 54324=1 " : " ") + DumpOf(held));
+        if (expected.empty()) expected.push_back(head + (isRefused ? " " + row.answer : ""));
+        running.user = row.user;
+        EXPECT_EQ(running.Ask(request), expected) << "expected: " << row.answer;
+    }
+}
+
+const SampleMarket kMarket{{"CL1", "CL2"},
+                           {{"nse_cm", "1008", "ARBORTOOLS-EQ"}, {"bse_cm", "1009", "BYTEFIN-A"}}};
+
+std::string AllRecords(const Server& server) {
+    std::string text;
+    for (const Registration& registration : server.Registrations())
+        text += JournalLine(registration.Json());
+    return text;
+}
+
+TEST(Fill, IsThereAfterARestartAndVaried) {
+    const TemporaryFolder folder;
+    constexpr std::size_t count = 20'000; // more than are journaled at once
+    std::string records;
+    {
+        RunningServer running(folder.File("journal"));
+        running.Ask(Order());
+        EXPECT_EQ(running.server->Fill({count, {running.user, {"USER2", "BROKER", ""}}, kMarket}), "");
+        records = AllRecords(*running.server);
+        EXPECT_NE(running.server->Fill({1, {}, kMarket}), "");
+    }
+    RunningServer again(folder.File("journal"));
+    EXPECT_EQ(AllRecords(*again.server), records);
+    std::map<std::string, std::size_t> seen;
+    for (const Registration& registration : again.server->Registrations()) {
+        EXPECT_EQ(again.server->Find(registration.Number()), &registration);
+        const bool isCancelled = registration.Text(kTagStatus) == kStatusCancelled;
+        for (const Tag tag : {kTagUserText, kTagCancelledBy, kTagCancelledDate})
+            EXPECT_EQ(registration.Text(tag).empty(), !isCancelled) << tag;
+        for (const Tag tag :
+             {kTagStatus, kTagSide, kTagInvestType, kTagFrequency, kTagAccount, kTagUser, kTagToken})
+            ++seen[std::to_string(tag) + "=" + std::string(registration.Text(tag))];
+    }
+    EXPECT_EQ(seen.size(), 4u + 2 + 2 + 4 + 2 + 2 + 3);
+    for (const auto& [text, times] : seen)
+        EXPECT_TRUE(times > count / 50 || text == "10100=1013") << text << " " << times;
+}
+
+TEST(OtherSession, PlacesTheSameOrdersForTheSameSeedAndNewOnesAfterARestart) {
+    const TemporaryFolder folder;
+    const auto trade = [&](const char* file, std::uint64_t seed) {
+        RunningServer running(folder.File(file));
+        OtherSession other(*running.server, {"USER2", "BROKER", "BR2"}, kMarket, seed);
+        EXPECT_EQ(other.PlaceOrders(40, 0), 40u);
+        running.server->Config().faults["*"].errorCode = "99";
+        EXPECT_EQ(other.PlaceOrders(1, 0), 0u);
+        return AllRecords(*running.server);
+    };
+    const std::string first = trade("a", 1);
+    EXPECT_EQ(trade("b", 1), first);
+    EXPECT_NE(trade("c", 2), first);
+    const std::string both = trade("a", 1);
+    EXPECT_EQ(std::count(both.begin(), both.end(), '\n'), 80);
+}
+
+} // namespace
+} // namespace vesk
