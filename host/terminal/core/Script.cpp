@@ -48,6 +48,11 @@ constexpr VerbRule kRules[] = {
     {Verb::right, "right", "tb", "grant or revoke this right"},
     {Verb::mode, "mode", "n", "log in with this mode"},
     {Verb::clock, "clock", "n", "move the server's clock forward by so many days"},
+    {Verb::dock, "dock", "td",
+     "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
+    {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
+    {Verb::showPane, "show-pane", "t", "show the pane with this caption"},
+    {Verb::expectDocked, "expect docked", "td", "the pane stands so; it may be hidden"},
     {Verb::timeout, "timeout", "n", "seconds that each following command may take"},
     {Verb::close, "close", "", "close the current window"},
     {Verb::exit, "exit", "", "end the session here"},
@@ -60,6 +65,8 @@ constexpr BoxAnswer kAnswers[] = {
     {"Yes", 6},
     {"No", 7},
 };
+
+constexpr std::string_view kDockPlaces[] = {"left", "right", "top", "bottom", "float", "tab"};
 
 struct Word {
     std::string text;
@@ -119,6 +126,9 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
         break;
     case 'b':
         if (word != "on" && word != "off") return '"' + word + "\" is neither on nor off";
+        break;
+    case 'd':
+        if (std::ranges::count(kDockPlaces, word) == 0) return '"' + word + "\" is not a pane's place";
         break;
     case 'a':
         if (!BoxButton(word)) return '"' + word + "\" is not an answer";

@@ -57,6 +57,10 @@ enum class Verb : std::size_t {
     right,
     mode,
     clock,
+    dock,
+    hidePane,
+    showPane,
+    expectDocked,
     timeout,
     close,
     exit,
@@ -66,8 +70,8 @@ enum class Verb : std::size_t {
 struct VerbRule {
     Verb verb;
     std::string_view name;
-    // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box;
-    // "*" behind the last: any number of such words, or none.
+    // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box,
+    // d place of a pane; "*" behind the last: any number of such words, or none.
     std::string_view words;
     std::string_view meaning;
 };

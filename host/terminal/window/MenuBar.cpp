@@ -1,6 +1,8 @@
 #include "host/terminal/window/MenuBar.h"
 
 #include "host/terminal/window/CommandIds.h"
+#include "host/terminal/window/DockMenu.h"
+#include "host/terminal/window/DockSite.h"
 
 #include <algorithm>
 
@@ -50,6 +52,10 @@ HMENU ViewMenu(const MenuContents& contents) {
     const HMENU menu = CreatePopupMenu();
     Add(menu, kShowWatchCommand, "&Market Watch", contents.watchShown);
     Add(menu, kShowLogCommand, "&Log", contents.logShown);
+    const auto& panes = contents.panes.Panes();
+    for (std::size_t i = 0; i < std::min<std::size_t>(panes.size(), kMostPanes); ++i)
+        AppendMenuA(menu, MF_POPUP | (panes[i].shown ? MF_CHECKED : MF_UNCHECKED),
+                    reinterpret_cast<UINT_PTR>(PaneMenu(contents.panes, i)), panes[i].caption.c_str());
     AddSeparator(menu);
     AddSubmenu(menu, FontMenu(contents.config), "&Font Size");
     return menu;

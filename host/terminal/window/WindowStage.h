@@ -5,6 +5,7 @@
 #include "framework/Window.h"
 #include "host/terminal/core/KeyText.h"
 #include "host/terminal/core/ScriptRunner.h"
+#include "host/terminal/window/DockSite.h"
 #include "host/terminal/window/SessionLog.h"
 
 #include <deque>
@@ -52,7 +53,11 @@ private:
     StepResult Right(const ScriptCommand&, std::size_t);
     StepResult Mode(const ScriptCommand&, std::size_t);
     StepResult Clock(const ScriptCommand&, std::size_t);
+    StepResult Dock(const ScriptCommand&, std::size_t);
+    StepResult HidePane(const ScriptCommand&, std::size_t);
+    StepResult ShowPane(const ScriptCommand&, std::size_t);
     // Checks
+    StepResult ExpectDocked(const ScriptCommand&, std::size_t);
     StepResult ExpectText(const ScriptCommand&, std::size_t);
     StepResult ExpectWindow(const ScriptCommand&, std::size_t);
     StepResult ExpectNoWindow(const ScriptCommand&, std::size_t);
@@ -68,6 +73,8 @@ private:
     StepResult ExpectJournal(const ScriptCommand&, std::size_t);
 
     HWND Current() const;
+    // Runs the command on the pane that the first word names.
+    StepResult RunOnPane(const ScriptCommand& command, DockCommand run, std::size_t tab = 0);
     // The control that the command's first word names; null without one.
     HWND Control(const ScriptCommand& command) const;
     static StepResult NoControl(const ScriptCommand& command);
