@@ -32,4 +32,7 @@ struct MenuEntry {
 };
 std::vector<MenuEntry> MenuEntries(HMENU menu);
 
+// Every line of a menu: "-" for a separator, "~" before the text of a greyed entry.
+std::vector<std::string> MenuLines(HMENU menu);
+
 } // namespace vesk

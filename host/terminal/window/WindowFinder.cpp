@@ -78,7 +78,10 @@ HWND FindWindowByCaption(const std::string& caption, HWND frame) {
 }
 
 HWND FindControl(HWND window, int id) {
-    return FindDescendant(window, [&](HWND child) { return GetDlgCtrlID(child) == id; });
+    const auto isControl = [id](HWND child) { return GetDlgCtrlID(child) == id; };
+    const HWND seen =
+        FindDescendant(window, [&](HWND child) { return isControl(child) && IsWindowVisible(child); });
+    return seen ? seen : FindDescendant(window, isControl);
 }
 
 HWND FindMessageBox() {

@@ -43,6 +43,9 @@ private:
     StepResult Press(const ScriptCommand&, std::size_t);
     StepResult SendCommand(const ScriptCommand&, std::size_t);
     StepResult SelectRow(const ScriptCommand&, std::size_t);
+    StepResult SelectRows(const ScriptCommand&, std::size_t);
+    StepResult ClickHeader(const ScriptCommand&, std::size_t);
+    StepResult SelectTab(const ScriptCommand&, std::size_t);
     StepResult Context(const ScriptCommand&, std::size_t attempt);
     StepResult GiveFile(const ScriptCommand&, std::size_t attempt);
     StepResult Screenshot(const ScriptCommand&, std::size_t);
@@ -70,6 +73,13 @@ private:
     StepResult ExpectFocus(const ScriptCommand&, std::size_t);
     StepResult ExpectRows(const ScriptCommand&, std::size_t);
     StepResult ExpectCell(const ScriptCommand&, std::size_t);
+    StepResult ExpectHeadings(const ScriptCommand&, std::size_t);
+    StepResult ExpectFocusRow(const ScriptCommand&, std::size_t);
+    StepResult ExpectSelectedRows(const ScriptCommand&, std::size_t);
+    StepResult ExpectContext(const ScriptCommand&, std::size_t attempt);
+    StepResult ExpectTabs(const ScriptCommand&, std::size_t);
+    StepResult ExpectSelected(const ScriptCommand&, std::size_t);
+    StepResult ExpectStatus(const ScriptCommand&, std::size_t);
     StepResult ExpectJournal(const ScriptCommand&, std::size_t);
 
     HWND Current() const;
@@ -77,6 +87,7 @@ private:
     StepResult RunOnPane(const ScriptCommand& command, DockCommand run, std::size_t tab = 0);
     // The control that the command's first word names; null without one.
     HWND Control(const ScriptCommand& command) const;
+    HMENU OpenContextMenu(HWND list, std::size_t attempt, HWND& popup);
     static StepResult NoControl(const ScriptCommand& command);
     void PressKey(const KeyStroke& stroke);
     void ReleaseKeys();
