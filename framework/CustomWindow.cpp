@@ -19,6 +19,7 @@ bool CustomWindow::Create(const Args& args) {
     if (!GetClassInfoExA(args.module, args.className, &windowClass)) {
         windowClass = {};
         windowClass.cbSize = sizeof windowClass;
+        windowClass.style = args.classStyle;
         windowClass.lpfnWndProc = Procedure;
         windowClass.hInstance = args.module;
         windowClass.hIcon = args.icon;

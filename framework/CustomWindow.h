@@ -11,6 +11,7 @@ public:
     struct Args {
         HINSTANCE module = nullptr;
         const char* className = nullptr; // registered at the first use
+        UINT classStyle = 0;
         const char* caption = "";
         DWORD style = WS_OVERLAPPEDWINDOW;
         DWORD exStyle = 0;

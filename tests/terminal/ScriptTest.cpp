@@ -20,6 +20,7 @@ TEST(Script, ReadsCommands) {
         {"expect no-window X\r", "expect no-window \"X\""},
         {"font -2 0", "font -2 0"},
         {"key Shift+Tab", "key Shift+Tab"},
+        {"dock Book left", "dock \"Book\" left"},
         {"", ""},
         {"# only a comment", ""},
     };
@@ -50,6 +51,7 @@ TEST(Script, FaultsNameFileAndLine) {
         {"menu File", "a.script:1: \"menu\" takes at least 2 words, 1 found"},
         {"key Enterr", "a.script:1: \"Enterr\" is not a key"},
         {"right \"QV\" yes", "a.script:1: \"yes\" is neither on nor off"},
+        {"dock Book middle", "a.script:1: \"middle\" is not a pane's place"},
         {"answer Maybe", "a.script:1: \"Maybe\" is not an answer"},
     };
     for (const auto& row : rows) {

@@ -22,6 +22,10 @@ constexpr VerbRule kRules[] = {
     {Verb::press, "press", "n", "press the button"},
     {Verb::command, "command", "n", "send the current window this command"},
     {Verb::row, "row", "nn", "select only this row of the list"},
+    {Verb::selectRows, "select-rows", "nnn",
+     "select the list's rows from the first to the last, and only these"},
+    {Verb::header, "header", "nn", "click the heading of this column of the list"},
+    {Verb::tab, "tab", "nt", "go to the page with this text"},
     {Verb::context, "context", "nt", "pick this entry of the list's context menu"},
     {Verb::file, "file", "t", "give this path to the open file dialog"},
     {Verb::box, "box", "ta", "wait for the message box with exactly this text and answer it"},
@@ -39,6 +43,14 @@ constexpr VerbRule kRules[] = {
     {Verb::expectFocus, "expect focus", "n", "the control has the focus"},
     {Verb::expectRows, "expect rows", "nn", "the list has this many rows"},
     {Verb::expectCell, "expect cell", "nnnt", "list, row, column: the cell shows this text"},
+    {Verb::expectHeadings, "expect headings", "nt*", "the list has exactly these columns"},
+    {Verb::expectFocusRow, "expect focus-row", "nn", "this row of the list has the focus"},
+    {Verb::expectSelectedRows, "expect selected-rows", "nn", "so many rows of the list are selected"},
+    {Verb::expectContext, "expect context", "nt*",
+     "the list's context menu holds exactly these entries: - a separator, ~ before a greyed one"},
+    {Verb::expectTabs, "expect tabs", "nt*", "the tabs are exactly these"},
+    {Verb::expectSelected, "expect selected", "nt", "the tab with this text is selected"},
+    {Verb::expectStatus, "expect status", "nnt", "status bar, part: it shows this text"},
     {Verb::expectJournal, "expect journal", "t", "the server's journal file contains this"},
     {Verb::expectBox, "expect box", "t", "a message box with exactly this text is open; it stays open"},
     {Verb::expectBoxStarting, "expect box-starting", "t", "the same for a text that only begins so"},
@@ -48,6 +60,11 @@ constexpr VerbRule kRules[] = {
     {Verb::right, "right", "tb", "grant or revoke this right"},
     {Verb::mode, "mode", "n", "log in with this mode"},
     {Verb::clock, "clock", "n", "move the server's clock forward by so many days"},
+    {Verb::dock, "dock", "td",
+     "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
+    {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
+    {Verb::showPane, "show-pane", "t", "show the pane with this caption"},
+    {Verb::expectDocked, "expect docked", "td", "the pane stands so; it may be hidden"},
     {Verb::timeout, "timeout", "n", "seconds that each following command may take"},
     {Verb::close, "close", "", "close the current window"},
     {Verb::exit, "exit", "", "end the session here"},
@@ -60,6 +77,8 @@ constexpr BoxAnswer kAnswers[] = {
     {"Yes", 6},
     {"No", 7},
 };
+
+constexpr std::string_view kDockPlaces[] = {"left", "right", "top", "bottom", "float", "tab"};
 
 struct Word {
     std::string text;
@@ -119,6 +138,9 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
         break;
     case 'b':
         if (word != "on" && word != "off") return '"' + word + "\" is neither on nor off";
+        break;
+    case 'd':
+        if (std::ranges::count(kDockPlaces, word) == 0) return '"' + word + "\" is not a pane's place";
         break;
     case 'a':
         if (!BoxButton(word)) return '"' + word + "\" is not an answer";

@@ -31,6 +31,9 @@ enum class Verb : std::size_t {
     press,
     command,
     row,
+    selectRows,
+    header,
+    tab,
     context,
     file,
     box,
@@ -48,6 +51,13 @@ enum class Verb : std::size_t {
     expectFocus,
     expectRows,
     expectCell,
+    expectHeadings,
+    expectFocusRow,
+    expectSelectedRows,
+    expectContext,
+    expectTabs,
+    expectSelected,
+    expectStatus,
     expectJournal,
     expectBox,
     expectBoxStarting,
@@ -57,6 +67,10 @@ enum class Verb : std::size_t {
     right,
     mode,
     clock,
+    dock,
+    hidePane,
+    showPane,
+    expectDocked,
     timeout,
     close,
     exit,
@@ -66,8 +80,8 @@ enum class Verb : std::size_t {
 struct VerbRule {
     Verb verb;
     std::string_view name;
-    // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box;
-    // "*" behind the last: any number of such words, or none.
+    // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box,
+    // d place of a pane; "*" behind the last: any number of such words, or none.
     std::string_view words;
     std::string_view meaning;
 };

@@ -20,6 +20,7 @@ enum CommandId : int {
     kFontSmallerCommand = 20,
     kFontNormalCommand = 21,
     kFontLargerCommand = 22,
+    kFirstPaneCommand = 100,      // + pane * kDockCommandsPerPane
     kFirstFontSizeCommand = 1000, // + points
     kFirstLoginModeCommand = 1100,
     kFirstRightCommand = 1200,

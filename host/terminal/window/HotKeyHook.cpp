@@ -1,6 +1,8 @@
 #include "host/terminal/window/HotKeyHook.h"
 
 #include "framework/Guard.h"
+#include "host/terminal/window/DockParts.h"
+#include "host/terminal/window/WindowFinder.h"
 
 #include <string_view>
 
@@ -21,7 +23,9 @@ void Offer(const MSG& message) {
     const KeyStroke stroke{static_cast<int>(message.wParam), down(VK_CONTROL), down(VK_MENU), down(VK_SHIFT)};
     if (IsEdit(message.hwnd) && IsEditingKey(stroke)) return;
     g_table->Forget([](HWND window) { return IsWindow(window) != 0; });
-    const HWND window = GetAncestor(message.hwnd, GA_ROOT);
+    HWND window = GetAncestor(message.hwnd, GA_ROOT);
+    // A pane that floats is still the main frame's.
+    if (IsOfClass(window, FloatWindow::kClass)) window = GetWindow(window, GW_OWNER);
     if (const HotKey* key = g_table->Find(window, stroke))
         PostMessageA(window, kHotKeyMessageBase + static_cast<UINT>(key->command),
                      static_cast<WPARAM>(key->command), 0);

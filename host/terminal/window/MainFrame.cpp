@@ -1,6 +1,5 @@
 #include "host/terminal/window/MainFrame.h"
 
-#include "framework/Guard.h"
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/MenuBar.h"
@@ -15,25 +14,24 @@ namespace {
 constexpr int kSplitter = 5;
 constexpr int kClientBarHeight = 38;
 constexpr int kLeastWatchHeight = 90;
-constexpr int kPaneHeight = 250;
-constexpr int kLeastPaneHeight = 110;
 constexpr int kLogHeight = 170;
 constexpr int kLeastLogHeight = 90;
 constexpr int kLeastPoints = 6;
 constexpr int kMostPoints = 36;
-constexpr UINT_PTR kPaneSubclass = 1;
 
 } // namespace
 
 MainFrame::MainFrame(Application& application)
     : m_application(application), m_clientBar(application.State().clients), m_watch(application.State().master),
-      m_log(application.State().log), m_layout(kSplitter) {}
+      m_log(application.State().log), m_docking(application.State().settings), m_dockBars(m_docking),
+      m_layout(kSplitter) {}
 
 bool MainFrame::Open() {
     const HINSTANCE module = GetModuleHandleA(nullptr);
     Args args;
     args.module = module;
     args.className = "VeskTraderFrame";
+    args.classStyle = CS_DBLCLKS;
     args.caption = "Vesk Trader";
     args.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
     args.exStyle = WS_EX_CONTROLPARENT;
@@ -58,8 +56,10 @@ bool MainFrame::CreateChildren() {
     m_status = framework::Window(
         CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, Handle(),
                         reinterpret_cast<HMENU>(INT_PTR{kStatusBarId}), GetModuleHandleA(nullptr), nullptr));
+    m_docking.Open(Handle(), kPanesChangedMessage);
+    m_dockBars.Open(Handle());
     m_dpi = Self().Dpi();
-    // Band order is BandIndex; panes are put in front of the log.
+    // Band order is BandIndex.
     m_layout.Bands() = {
         {.least = Scale().Pixels(kClientBarHeight)},
         {.least = Scale().Pixels(kLeastWatchHeight), .stretch = true, .resizable = true},
@@ -77,7 +77,7 @@ TextScale MainFrame::Scale() const {
 void MainFrame::RebuildMenu() {
     const HMENU old = GetMenu(Handle());
     SetMenu(Handle(), BuildMenuBar({m_application.Plugins().Plugins(), m_application.State().config,
-                                    m_watchShown, m_logShown}));
+                                    m_watchShown, m_logShown, m_docking.Layout()}));
     if (old) DestroyMenu(old);
 }
 
@@ -92,8 +92,6 @@ void MainFrame::ApplyFont() {
     m_layout.Bands()[clientBand].least = scale.Pixels(kClientBarHeight);
     m_status.Send(WM_SIZE);
     LayOut();
-    // Smaller controls leave traces of their larger selves.
-    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void MainFrame::SetStatus(StatusPart part, const std::string& text) {
@@ -123,6 +121,8 @@ bool MainFrame::OnMenuCommand(int id) {
          [&](int) { m_application.SetFont(config.fontVariation - 1, config.fontSize); }},
         {kFontNormalCommand, 1, [&](int) { m_application.SetFont(0, 0); }},
         {kFontLargerCommand, 1, [&](int) { m_application.SetFont(config.fontVariation + 1, config.fontSize); }},
+        {kFirstPaneCommand, kMostPanes * kDockCommandsPerPane,
+         [&](int number) { m_docking.RunNumber(number); }},
         {kFirstFontSizeCommand, kMostPoints + 1, [&](int points) { m_application.SetFont(0, points); }},
         {kFirstLoginModeCommand, TerminalConfig::kMostLoginMode + 1,
          [&](int mode) { m_application.SetLoginMode(mode); }},
@@ -161,6 +161,9 @@ std::optional<LRESULT> MainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM 
         m_status.Send(WM_SIZE, wParam, lParam);
         LayOut();
         return 0;
+    case WM_ACTIVATE:
+        if (m_focus.OnActivate(Handle(), wParam)) return 0;
+        return std::nullopt;
     case WM_CLOSE:
         m_application.RequestClose();
         return 0;
@@ -168,18 +171,30 @@ std::optional<LRESULT> MainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM 
         m_application.OnTimer(wParam);
         return 0;
     case WM_PARENTNOTIFY:
-        if (LOWORD(wParam) == WM_DESTROY) ForgetPane(reinterpret_cast<HWND>(lParam));
-        return 0;
+        if (LOWORD(wParam) == WM_DESTROY) m_docking.Forget(reinterpret_cast<HWND>(lParam));
+        return std::nullopt;
     case kRegisterPaneMessage:
-        RegisterPane(reinterpret_cast<HWND>(wParam));
+        m_docking.Register(reinterpret_cast<HWND>(wParam));
+        LayOut();
         return 0;
     case kDeferredMessage:
         m_application.OnDeferred(wParam);
         return 0;
     case kPanesChangedMessage:
-        LayOut();
+        OnPanesChanged(wParam != 0);
         return 0;
+    case WM_EXITMENULOOP:
+        if (m_menuStale) OnPanesChanged(true);
+        return 0;
+    case WM_PAINT: {
+        PAINTSTRUCT paint{};
+        m_dockBars.Paint(BeginPaint(Handle(), &paint), m_font.Get());
+        EndPaint(Handle(), &paint);
+        return 0;
+    }
     default:
+        if (!m_dragged)
+            if (const auto answer = m_dockBars.OnMessage(message, wParam, lParam)) return answer;
         return OnMouse(message, lParam);
     }
 }
@@ -223,52 +238,24 @@ void MainFrame::OnDpiChanged(UINT dpi, const RECT& suggested) {
     ApplyFont();
 }
 
-void MainFrame::RegisterPane(HWND pane) {
-    if (!IsWindow(pane) || std::ranges::find(m_panes, pane) != m_panes.end()) return;
-    m_panes.push_back(pane);
-    auto& bands = m_layout.Bands();
-    bands.insert(bands.end() - 1, Band{.wanted = Scale().Pixels(kPaneHeight),
-                                       .least = Scale().Pixels(kLeastPaneHeight),
-                                       .resizable = true});
-    SetWindowSubclass(pane, PaneProcedure, kPaneSubclass, reinterpret_cast<DWORD_PTR>(this));
-    LayOut();
-}
-
-void MainFrame::ForgetPane(HWND pane) {
-    const auto found = std::ranges::find(m_panes, pane);
-    if (found == m_panes.end()) return;
-    RemoveWindowSubclass(pane, PaneProcedure, kPaneSubclass);
-    auto& bands = m_layout.Bands();
-    bands.erase(bands.begin() + logBand + (found - m_panes.begin()));
-    m_panes.erase(found);
+void MainFrame::OnPanesChanged(bool menus) {
+    GUITHREADINFO thread{};
+    thread.cbSize = sizeof thread;
+    m_menuStale = menus && GetGUIThreadInfo(GetCurrentThreadId(), &thread) && (thread.flags & GUI_INMENUMODE);
+    if (menus && !m_menuStale) RebuildMenu();
     LayOut();
 }
 
 void MainFrame::TellPanes(const std::string& command) {
-    const std::vector<HWND> panes = m_panes; // one may go away while it is told
-    for (const HWND pane : panes)
+    for (const HWND pane : m_docking.Panes())
         SendMessageA(pane, kPaneCommandMessage, 0, reinterpret_cast<LPARAM>(command.c_str()));
-}
-
-// Panes hide and show themselves; their neighbours then take or give the room.
-LRESULT CALLBACK MainFrame::PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                          DWORD_PTR frame) noexcept {
-    if (message == WM_WINDOWPOSCHANGED) {
-        const WINDOWPOS& change = *reinterpret_cast<const WINDOWPOS*>(lParam);
-        if (change.flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW))
-            PostMessageA(reinterpret_cast<MainFrame*>(frame)->Handle(), kPanesChangedMessage, 0, 0);
-    }
-    return DefSubclassProc(pane, message, wParam, lParam);
 }
 
 void MainFrame::LayOut() {
     auto& bands = m_layout.Bands();
     if (bands.empty() || IsIconic(Handle())) return;
-    const auto isShown = [](HWND pane) { return (GetWindowLongPtrA(pane, GWL_STYLE) & WS_VISIBLE) != 0; };
-    bands[watchBand].shown = m_watchShown;
-    for (std::size_t i = 0; i < m_panes.size(); ++i)
-        bands[logBand + i].shown = isShown(m_panes[i]);
-    bands.back().shown = m_logShown;
+    bands[middleBand].shown = m_watchShown || m_docking.Layout().ShowsDocked();
+    bands[logBand].shown = m_logShown;
     const RECT client = Self().ClientRect();
     RECT status{};
     GetWindowRect(m_status.Handle(), &status);
@@ -279,13 +266,13 @@ void MainFrame::LayOut() {
         return RECT{0, band.top, client.right, band.top + band.height};
     };
     m_clientBar.Place(place(bands[clientBand]), scale);
-    m_watch.Place(place(bands[watchBand]), scale);
+    m_watch.Place(m_docking.LayOut(place(bands[middleBand]), scale, m_watchShown), scale);
     framework::Window(m_watch.List()).Show(m_watchShown);
-    for (std::size_t i = 0; i < m_panes.size(); ++i)
-        if (bands[logBand + i].shown) framework::Window(m_panes[i]).Move(place(bands[logBand + i]));
     m_log.Show(m_logShown);
-    m_log.Place(place(bands.back()), scale);
+    m_log.Place(place(bands[logBand]), scale);
     LayOutStatusBar(client.right);
+    // Children that change places copy what lay between them.
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void MainFrame::LayOutStatusBar(int width) {

@@ -1,16 +1,17 @@
-// The terminal's main window: menu bar, client bar, market watch, docked panes, tabbed log, status bar.
+// The terminal's main window: menu bar, client bar, market watch with the panes around it, tabbed log, status
+// bar.
 #pragma once
 
 #include "framework/CustomWindow.h"
 #include "framework/DialogLayout.h"
 #include "host/terminal/core/FrameLayout.h"
 #include "host/terminal/window/ClientBar.h"
+#include "host/terminal/window/DockBars.h"
 #include "host/terminal/window/LogView.h"
 #include "host/terminal/window/MarketWatch.h"
 
 #include <array>
 #include <string>
-#include <vector>
 
 namespace vesk {
 
@@ -22,7 +23,7 @@ inline constexpr UINT kRegisterPaneMessage = 1933;
 inline constexpr UINT kPaneCommandMessage = 1214;
 // The application's own deferred work; WPARAM is its number.
 inline constexpr UINT kDeferredMessage = WM_APP + 1;
-// A docked pane was shown or hidden.
+// The panes need a new layout; WPARAM says whether the menus changed too.
 inline constexpr UINT kPanesChangedMessage = WM_APP + 2;
 
 inline constexpr UINT_PTR kPumpTimer = 1;
@@ -36,9 +37,11 @@ public:
     void RebuildMenu();
     void ApplyFont();
     void ShowClient(const std::string& client) { m_clientBar.Show(client); }
-    // Gives the text to every docked pane.
+    // Gives the text to every pane.
     void TellPanes(const std::string& command);
     void LogChanged() { m_log.Refresh(); }
+
+    DockSite& Docking() { return m_docking; }
 
     enum class StatusPart : std::size_t { note, client, login, plugin, count };
     void SetStatus(StatusPart part, const std::string& text);
@@ -50,19 +53,15 @@ protected:
     void OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:
-    enum BandIndex : std::size_t { clientBand, watchBand, logBand };
+    enum BandIndex : std::size_t { clientBand, middleBand, logBand };
 
     bool CreateChildren();
     bool OnMenuCommand(int id);
     std::optional<LRESULT> OnMouse(UINT message, LPARAM lParam);
-    void RegisterPane(HWND pane);
-    void ForgetPane(HWND pane);
+    void OnPanesChanged(bool menus);
     void LayOut();
     void LayOutStatusBar(int width);
     TextScale Scale() const;
-
-    static LRESULT CALLBACK PaneProcedure(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                          DWORD_PTR frame) noexcept;
 
     Application& m_application;
     ClientBar m_clientBar;
@@ -71,12 +70,15 @@ private:
     framework::Window m_status;
     std::array<std::string, static_cast<std::size_t>(StatusPart::count)> m_statusTexts;
     framework::Font m_font;
-    std::vector<HWND> m_panes;
+    DockSite m_docking; // shares the middle band with the market watch
+    DockBars m_dockBars;
+    FocusKeeper m_focus;
     FrameLayout m_layout;
     std::optional<std::size_t> m_dragged; // band whose upper edge the mouse holds
     UINT m_dpi = USER_DEFAULT_SCREEN_DPI; // the bands' heights are for this
     bool m_watchShown = true;
     bool m_logShown = true;
+    bool m_menuStale = false; // while a menu is open, it cannot be replaced
 };
 
 } // namespace vesk

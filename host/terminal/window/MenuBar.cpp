@@ -1,6 +1,8 @@
 #include "host/terminal/window/MenuBar.h"
 
 #include "host/terminal/window/CommandIds.h"
+#include "host/terminal/window/DockMenu.h"
+#include "host/terminal/window/DockSite.h"
 
 #include <algorithm>
 
@@ -12,6 +14,7 @@ constexpr const char* kLoginModes[] = {
 };
 static_assert(std::size(kLoginModes) == TerminalConfig::kMostLoginMode + 1);
 
+constexpr const char* kSeparator = "-";
 constexpr int kFontSizes[] = {8, 9, 10, 11, 12, 14};
 constexpr int kClockDays[] = {1, 7, 30, 365};
 
@@ -50,6 +53,10 @@ HMENU ViewMenu(const MenuContents& contents) {
     const HMENU menu = CreatePopupMenu();
     Add(menu, kShowWatchCommand, "&Market Watch", contents.watchShown);
     Add(menu, kShowLogCommand, "&Log", contents.logShown);
+    const auto& panes = contents.panes.Panes();
+    for (std::size_t i = 0; i < std::min<std::size_t>(panes.size(), kMostPanes); ++i)
+        AppendMenuA(menu, MF_POPUP | (panes[i].shown ? MF_CHECKED : MF_UNCHECKED),
+                    reinterpret_cast<UINT_PTR>(PaneMenu(contents.panes, i)), panes[i].caption.c_str());
     AddSeparator(menu);
     AddSubmenu(menu, FontMenu(contents.config), "&Font Size");
     return menu;
@@ -81,6 +88,22 @@ std::string Plain(std::string text) {
     return text;
 }
 
+std::vector<MenuEntry> AllEntries(HMENU menu) {
+    std::vector<MenuEntry> entries;
+    for (int i = 0, count = GetMenuItemCount(menu); i < count; ++i) {
+        char text[256] = "";
+        MENUITEMINFOA item{};
+        item.cbSize = sizeof item;
+        item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_FTYPE | MIIM_SUBMENU;
+        item.dwTypeData = text;
+        item.cch = sizeof text;
+        if (!GetMenuItemInfoA(menu, static_cast<UINT>(i), TRUE, &item)) continue;
+        entries.push_back({item.fType & MFT_SEPARATOR ? kSeparator : Plain(text), item.hSubMenu, item.wID,
+                           !(item.fState & MFS_DISABLED)});
+    }
+    return entries;
+}
+
 } // namespace
 
 HMENU BuildMenuBar(const MenuContents& contents) {
@@ -105,19 +128,16 @@ HMENU BuildMenuBar(const MenuContents& contents) {
 }
 
 std::vector<MenuEntry> MenuEntries(HMENU menu) {
-    std::vector<MenuEntry> entries;
-    for (int i = 0, count = GetMenuItemCount(menu); i < count; ++i) {
-        char text[256] = "";
-        MENUITEMINFOA item{};
-        item.cbSize = sizeof item;
-        item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_FTYPE | MIIM_SUBMENU;
-        item.dwTypeData = text;
-        item.cch = sizeof text;
-        if (!GetMenuItemInfoA(menu, static_cast<UINT>(i), TRUE, &item) || (item.fType & MFT_SEPARATOR))
-            continue;
-        entries.push_back({Plain(text), item.hSubMenu, item.wID, !(item.fState & MFS_DISABLED)});
-    }
+    std::vector<MenuEntry> entries = AllEntries(menu);
+    std::erase_if(entries, [](const MenuEntry& entry) { return entry.text == kSeparator; });
     return entries;
+}
+
+std::vector<std::string> MenuLines(HMENU menu) {
+    std::vector<std::string> lines;
+    for (const MenuEntry& entry : AllEntries(menu))
+        lines.push_back((entry.enabled || entry.text == kSeparator ? "" : "~") + entry.text);
+    return lines;
 }
 
 } // namespace vesk

@@ -1,6 +1,7 @@
 // The menu bar, built anew from what it shows whenever that changes.
 #pragma once
 
+#include "host/terminal/core/DockLayout.h"
 #include "host/terminal/core/TerminalConfig.h"
 #include "host/terminal/window/PluginHost.h"
 
@@ -16,6 +17,7 @@ struct MenuContents {
     const TerminalConfig& config;
     bool watchShown;
     bool logShown;
+    const DockLayout& panes;
 };
 
 // The caller gives it to a window, which then owns it.
@@ -29,5 +31,8 @@ struct MenuEntry {
     bool enabled;
 };
 std::vector<MenuEntry> MenuEntries(HMENU menu);
+
+// Every line of a menu: "-" for a separator, "~" before the text of a greyed entry.
+std::vector<std::string> MenuLines(HMENU menu);
 
 } // namespace vesk

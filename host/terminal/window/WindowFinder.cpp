@@ -1,5 +1,7 @@
 #include "host/terminal/window/WindowFinder.h"
 
+#include "host/terminal/window/DockParts.h"
+
 #include <functional>
 #include <vector>
 
@@ -64,15 +66,22 @@ bool IsOfClass(HWND window, std::string_view name) {
 }
 
 HWND FindWindowByCaption(const std::string& caption, HWND frame) {
-    for (const HWND window : TopLevelWindows())
-        if (framework::Window(window).Text() == caption) return window;
+    for (const HWND window : TopLevelWindows()) {
+        if (framework::Window(window).Text() != caption) continue;
+        // The window in which a pane floats has the pane's caption.
+        const HWND pane = IsOfClass(window, FloatWindow::kClass) ? GetWindow(window, GW_CHILD) : nullptr;
+        return pane ? pane : window;
+    }
     return FindDescendant(frame, [&](HWND child) {
         return IsWindowVisible(child) && framework::Window(child).Text() == caption;
     });
 }
 
 HWND FindControl(HWND window, int id) {
-    return FindDescendant(window, [&](HWND child) { return GetDlgCtrlID(child) == id; });
+    const auto isControl = [id](HWND child) { return GetDlgCtrlID(child) == id; };
+    const HWND seen =
+        FindDescendant(window, [&](HWND child) { return isControl(child) && IsWindowVisible(child); });
+    return seen ? seen : FindDescendant(window, isControl);
 }
 
 HWND FindMessageBox() {

@@ -15,7 +15,8 @@ bool IsOfClass(HWND window, std::string_view name);
 // Null when there is none.
 HWND FindWindowByCaption(const std::string& caption, HWND frame);
 
-// The control with this identifier, at any depth below `window`; the nearest to it. Null when there is none.
+// The control with this identifier, at any depth below `window`: one that is seen before one that is not, then
+// the nearest. Null when there is none.
 HWND FindControl(HWND window, int id);
 
 // The open message box, if there is one.

@@ -21,6 +21,9 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::press, &WindowStage::Press},
     {Verb::command, &WindowStage::SendCommand},
     {Verb::row, &WindowStage::SelectRow},
+    {Verb::selectRows, &WindowStage::SelectRows},
+    {Verb::header, &WindowStage::ClickHeader},
+    {Verb::tab, &WindowStage::SelectTab},
     {Verb::context, &WindowStage::Context},
     {Verb::file, &WindowStage::GiveFile},
     {Verb::screenshot, &WindowStage::Screenshot},
@@ -29,6 +32,10 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::right, &WindowStage::Right},
     {Verb::mode, &WindowStage::Mode},
     {Verb::clock, &WindowStage::Clock},
+    {Verb::dock, &WindowStage::Dock},
+    {Verb::hidePane, &WindowStage::HidePane},
+    {Verb::showPane, &WindowStage::ShowPane},
+    {Verb::expectDocked, &WindowStage::ExpectDocked},
     {Verb::close, &WindowStage::Close},
     {Verb::expectText, &WindowStage::ExpectText},
     {Verb::expectWindow, &WindowStage::ExpectWindow},
@@ -42,6 +49,13 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::expectFocus, &WindowStage::ExpectFocus},
     {Verb::expectRows, &WindowStage::ExpectRows},
     {Verb::expectCell, &WindowStage::ExpectCell},
+    {Verb::expectHeadings, &WindowStage::ExpectHeadings},
+    {Verb::expectFocusRow, &WindowStage::ExpectFocusRow},
+    {Verb::expectSelectedRows, &WindowStage::ExpectSelectedRows},
+    {Verb::expectContext, &WindowStage::ExpectContext},
+    {Verb::expectTabs, &WindowStage::ExpectTabs},
+    {Verb::expectSelected, &WindowStage::ExpectSelected},
+    {Verb::expectStatus, &WindowStage::ExpectStatus},
     {Verb::expectJournal, &WindowStage::ExpectJournal},
 };
 
@@ -142,17 +156,6 @@ StepResult WindowStage::Press(const ScriptCommand& command, std::size_t) {
 
 StepResult WindowStage::SendCommand(const ScriptCommand& command, std::size_t) {
     PostMessageA(Current(), WM_COMMAND, static_cast<WPARAM>(command.Number(0)), 0);
-    return StepResult::Done();
-}
-
-StepResult WindowStage::SelectRow(const ScriptCommand& command, std::size_t) {
-    const HWND list = Control(command);
-    if (!list) return NoControl(command);
-    const int row = command.Number(1);
-    if (row >= ListView_GetItemCount(list)) return StepResult::Again("the list has no row " + command.words[1]);
-    ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
-    ListView_SetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    ListView_EnsureVisible(list, row, FALSE);
     return StepResult::Done();
 }
 

@@ -5,6 +5,7 @@
 #include "framework/Window.h"
 #include "host/terminal/core/KeyText.h"
 #include "host/terminal/core/ScriptRunner.h"
+#include "host/terminal/window/DockSite.h"
 #include "host/terminal/window/SessionLog.h"
 
 #include <deque>
@@ -42,6 +43,9 @@ private:
     StepResult Press(const ScriptCommand&, std::size_t);
     StepResult SendCommand(const ScriptCommand&, std::size_t);
     StepResult SelectRow(const ScriptCommand&, std::size_t);
+    StepResult SelectRows(const ScriptCommand&, std::size_t);
+    StepResult ClickHeader(const ScriptCommand&, std::size_t);
+    StepResult SelectTab(const ScriptCommand&, std::size_t);
     StepResult Context(const ScriptCommand&, std::size_t attempt);
     StepResult GiveFile(const ScriptCommand&, std::size_t attempt);
     StepResult Screenshot(const ScriptCommand&, std::size_t);
@@ -52,7 +56,11 @@ private:
     StepResult Right(const ScriptCommand&, std::size_t);
     StepResult Mode(const ScriptCommand&, std::size_t);
     StepResult Clock(const ScriptCommand&, std::size_t);
+    StepResult Dock(const ScriptCommand&, std::size_t);
+    StepResult HidePane(const ScriptCommand&, std::size_t);
+    StepResult ShowPane(const ScriptCommand&, std::size_t);
     // Checks
+    StepResult ExpectDocked(const ScriptCommand&, std::size_t);
     StepResult ExpectText(const ScriptCommand&, std::size_t);
     StepResult ExpectWindow(const ScriptCommand&, std::size_t);
     StepResult ExpectNoWindow(const ScriptCommand&, std::size_t);
@@ -65,11 +73,21 @@ private:
     StepResult ExpectFocus(const ScriptCommand&, std::size_t);
     StepResult ExpectRows(const ScriptCommand&, std::size_t);
     StepResult ExpectCell(const ScriptCommand&, std::size_t);
+    StepResult ExpectHeadings(const ScriptCommand&, std::size_t);
+    StepResult ExpectFocusRow(const ScriptCommand&, std::size_t);
+    StepResult ExpectSelectedRows(const ScriptCommand&, std::size_t);
+    StepResult ExpectContext(const ScriptCommand&, std::size_t attempt);
+    StepResult ExpectTabs(const ScriptCommand&, std::size_t);
+    StepResult ExpectSelected(const ScriptCommand&, std::size_t);
+    StepResult ExpectStatus(const ScriptCommand&, std::size_t);
     StepResult ExpectJournal(const ScriptCommand&, std::size_t);
 
     HWND Current() const;
+    // Runs the command on the pane that the first word names.
+    StepResult RunOnPane(const ScriptCommand& command, DockCommand run, std::size_t tab = 0);
     // The control that the command's first word names; null without one.
     HWND Control(const ScriptCommand& command) const;
+    HMENU OpenContextMenu(HWND list, std::size_t attempt, HWND& popup);
     static StepResult NoControl(const ScriptCommand& command);
     void PressKey(const KeyStroke& stroke);
     void ReleaseKeys();

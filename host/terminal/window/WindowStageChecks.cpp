@@ -2,6 +2,7 @@
 #include "host/terminal/core/FileFault.h"
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/MenuBar.h"
+#include "host/terminal/window/StageTexts.h"
 #include "host/terminal/window/WindowFinder.h"
 #include "host/terminal/window/WindowStage.h"
 
@@ -10,34 +11,9 @@
 namespace vesk {
 namespace {
 
-constexpr std::size_t kMostCellText = 4096;
-
-StepResult Compare(const std::string& what, const std::string& found, const std::string& expected) {
-    if (found == expected) return StepResult::Done();
-    return StepResult::Again(what + " is \"" + found + "\", not \"" + expected + '"');
-}
-
 StepResult CompareState(const std::string& what, bool found, bool expected) {
     if (found == expected) return StepResult::Done();
     return StepResult::Again(what + (found ? " is on" : " is off"));
-}
-
-std::string Joined(const std::vector<std::string>& texts) {
-    std::string result;
-    for (const std::string& text : texts)
-        result += (result.empty() ? "" : ", ") + text;
-    return result;
-}
-
-std::string CellText(HWND list, int row, int column) {
-    std::string text(kMostCellText, '\0');
-    LVITEMA item{};
-    item.iSubItem = column;
-    item.pszText = text.data();
-    item.cchTextMax = static_cast<int>(text.size());
-    const LRESULT length =
-        SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    return std::string(item.pszText, static_cast<std::size_t>(std::max<LRESULT>(length, 0)));
 }
 
 } // namespace
@@ -65,7 +41,7 @@ StepResult WindowStage::ExpectMenu(const ScriptCommand& command, std::size_t) {
     std::vector<std::string> found;
     for (const MenuEntry& entry : MenuEntries(menu->submenu))
         found.push_back(entry.text);
-    return Compare("the menu", Joined(found), Joined({command.words.begin() + 1, command.words.end()}));
+    return Compare("the menu", Joined(found), Joined(command, 1));
 }
 
 StepResult WindowStage::ExpectLog(const ScriptCommand& command, std::size_t) {
@@ -81,8 +57,7 @@ StepResult WindowStage::ExpectNoLog(const ScriptCommand& command, std::size_t) {
 StepResult WindowStage::ExpectCombo(const ScriptCommand& command, std::size_t) {
     const framework::ComboBox combo(Control(command));
     if (!combo) return NoControl(command);
-    return Compare("combo " + command.words[0], Joined(combo.Items()),
-                   Joined({command.words.begin() + 1, command.words.end()}));
+    return Compare("combo " + command.words[0], Joined(combo.Items()), Joined(command, 1));
 }
 
 StepResult WindowStage::ExpectEnabled(const ScriptCommand& command, std::size_t) {
@@ -103,20 +78,6 @@ StepResult WindowStage::ExpectFocus(const ScriptCommand& command, std::size_t) {
     // The focus of an editable combo lies in the edit inside it.
     if (focus == control || (focus && GetParent(focus) == control)) return StepResult::Done();
     return StepResult::Again("the focus is on " + std::to_string(focus ? GetDlgCtrlID(focus) : 0));
-}
-
-StepResult WindowStage::ExpectRows(const ScriptCommand& command, std::size_t) {
-    const HWND list = Control(command);
-    if (!list) return NoControl(command);
-    return Compare("row count of " + command.words[0], std::to_string(ListView_GetItemCount(list)),
-                   command.words[1]);
-}
-
-StepResult WindowStage::ExpectCell(const ScriptCommand& command, std::size_t) {
-    const HWND list = Control(command);
-    if (!list) return NoControl(command);
-    return Compare("cell " + command.words[1] + ", " + command.words[2],
-                   CellText(list, command.Number(1), command.Number(2)), command.words[3]);
 }
 
 StepResult WindowStage::ExpectJournal(const ScriptCommand& command, std::size_t) {

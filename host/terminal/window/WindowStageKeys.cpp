@@ -2,6 +2,7 @@
 // comes only when all posted messages are done, so each key is taken before the next is pressed.
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/MenuBar.h"
+#include "host/terminal/window/StageTexts.h"
 #include "host/terminal/window/WindowFinder.h"
 #include "host/terminal/window/WindowStage.h"
 
@@ -26,6 +27,10 @@ LPARAM KeyParameter(int key, bool alt, bool up) {
     if (alt) bits |= 1u << 29;
     if (up) bits |= 3u << 30;
     return static_cast<LPARAM>(bits);
+}
+
+void PressInMenu(HWND popup, int key) {
+    PostMessageA(popup, WM_KEYDOWN, static_cast<WPARAM>(key), KeyParameter(key, false, false));
 }
 
 } // namespace
@@ -85,16 +90,21 @@ StepResult WindowStage::Type(const ScriptCommand& command, std::size_t attempt) 
     return StepResult::Again("typing is not finished");
 }
 
-StepResult WindowStage::Context(const ScriptCommand& command, std::size_t attempt) {
-    const HWND list = Control(command);
-    if (!list) return NoControl(command);
+// The list's context menu, asked for at the first attempt; null while it is not open.
+HMENU WindowStage::OpenContextMenu(HWND list, std::size_t attempt, HWND& popup) {
     if (attempt == 0) {
         m_menuSteps = -1;
         SetFocus(list);
         PostMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
     }
+    return FindOpenMenu(popup);
+}
+
+StepResult WindowStage::Context(const ScriptCommand& command, std::size_t attempt) {
+    const HWND list = Control(command);
+    if (!list) return NoControl(command);
     HWND popup = nullptr;
-    const HMENU menu = FindOpenMenu(popup);
+    const HMENU menu = OpenContextMenu(list, attempt, popup);
     if (m_menuSteps == 0) {
         if (!menu) return StepResult::Done();
         return StepResult::Again("the context menu stays open");
@@ -104,16 +114,29 @@ StepResult WindowStage::Context(const ScriptCommand& command, std::size_t attemp
         const std::vector<MenuEntry> entries = MenuEntries(menu);
         const auto entry = std::ranges::find(entries, command.words[1], &MenuEntry::text);
         if (entry == entries.end() || !entry->enabled) {
-            PostMessageA(popup, WM_KEYDOWN, VK_ESCAPE, KeyParameter(VK_ESCAPE, false, false));
+            PressInMenu(popup, VK_ESCAPE);
             return StepResult::Failed("the context menu has no entry \"" + command.words[1] + '"');
         }
         m_menuSteps = static_cast<int>(entry - entries.begin()) + 2;
     }
     // The first Down key marks the first entry; Enter picks.
     --m_menuSteps;
-    const int key = m_menuSteps ? VK_DOWN : VK_RETURN;
-    PostMessageA(popup, WM_KEYDOWN, static_cast<WPARAM>(key), KeyParameter(key, false, false));
+    PressInMenu(popup, m_menuSteps ? VK_DOWN : VK_RETURN);
     return StepResult::Again("the context menu is not finished");
+}
+
+StepResult WindowStage::ExpectContext(const ScriptCommand& command, std::size_t attempt) {
+    const HWND list = Control(command);
+    if (!list) return NoControl(command);
+    HWND popup = nullptr;
+    const HMENU menu = OpenContextMenu(list, attempt, popup);
+    if (m_menuSteps < 0 && !menu) return StepResult::Again("no context menu opens");
+    if (!menu) return StepResult::Done();
+    m_menuSteps = 0;
+    const StepResult result = Compare("the context menu", Joined(MenuLines(menu)), Joined(command, 1));
+    PressInMenu(popup, VK_ESCAPE);
+    if (result.state != StepResult::State::done) return StepResult::Failed(result.why);
+    return StepResult::Again("the context menu stays open");
 }
 
 // The system's file dialogs keep their edit under one of these identifiers, by version.
