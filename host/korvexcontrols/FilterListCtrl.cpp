@@ -101,7 +101,9 @@ void CFilterListCtrl::Deselect(std::uint32_t record) noexcept {
     Guard([&] { m_impl->Deselect(record); });
 }
 
-void CFilterListCtrl::SetOwnerFilter(std::int32_t, const char*) noexcept {}
+void CFilterListCtrl::SetOwnerFilter(std::int32_t column, const char* text) noexcept {
+    Guard([&] { m_impl->SetOwnerFilter(column, text); });
+}
 
 void CFilterListCtrl::AppendMenuEntries(HMENU) noexcept {}
 

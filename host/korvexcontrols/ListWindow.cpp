@@ -71,6 +71,11 @@ void CFilterListCtrl::Impl::Repaint(std::uint32_t record) {
     Apply([&] { return m_model.Repaint(record); });
 }
 
+void CFilterListCtrl::Impl::SetOwnerFilter(std::int32_t column, const char* text) {
+    const std::string_view view = text ? text : "";
+    Apply([&] { return m_model.SetOwnerFilter(column, text ? &view : nullptr); });
+}
+
 void CFilterListCtrl::Impl::BeginChanges() {
     if (m_changes++) return;
     m_changed = false;

@@ -26,6 +26,7 @@ public:
     void Repaint(std::uint32_t record);
     void SelectOnly(std::uint32_t record);
     void Deselect(std::uint32_t record);
+    void SetOwnerFilter(std::int32_t column, const char* text);
     void BeginChanges();
     void EndChanges();
     void AdoptSelection() { m_sync.AdoptSelection(); }

@@ -5,23 +5,15 @@
 // the user has selected anew meanwhile.
 #pragma once
 
+#include "host/korvexcontrols/model/ColumnFilter.h"
 #include "host/korvexcontrols/model/RowOrder.h"
 #include "host/korvexcontrols/model/RowRanges.h"
+#include "host/korvexcontrols/model/SortOrder.h"
+#include "host/korvexcontrols/model/SortedRows.h"
 
-#include <span>
-#include <string_view>
+#include <memory>
 
 namespace korvex {
-
-// The cells of records in one column; they hold until the record changes.
-class CellSource {
-public:
-    virtual void Cells(std::span<const std::uint32_t> records, std::int32_t column,
-                       std::string_view* texts) = 0;
-
-protected:
-    ~CellSource() = default;
-};
 
 // What an operation did to the shown rows.
 struct Change {
@@ -36,7 +28,9 @@ struct Change {
 
 class ListModel {
 public:
-    explicit ListModel(CellSource& source) : m_source(source) {}
+    explicit ListModel(CellSource& source) : m_source(source), m_sort(source, m_order) {}
+    ListModel(const ListModel&) = delete;
+    ListModel& operator=(const ListModel&) = delete;
 
     // A record that stands already is repainted; an unknown one changes nothing.
     Change InsertFront(std::uint32_t record);
@@ -55,6 +49,17 @@ public:
     std::uint32_t ShownAt(std::uint32_t row) const;       // kNone behind the last
     std::uint32_t ShownRowOf(std::uint32_t record) const; // kNone when it is not shown
 
+    // One filter a column; null takes it away.
+    Change SetFilter(std::int32_t column, const FilterInput* input);
+    const ColumnFilter* FilterOf(std::int32_t column) const;
+    bool HasFilters() const { return !m_filters.empty(); }
+    Change ClearFilters(); // but the owner's
+    // Exact equality, beside the filters of the columns; null takes it away.
+    Change SetOwnerFilter(std::int32_t column, const std::string_view* text);
+    // No column is the natural order.
+    Change SetSort(std::vector<SortColumn> columns);
+    const std::vector<SortColumn>& Sort() const { return m_sort.Columns(); }
+
     const RowRanges& Selection() const { return m_selected; }
     // What the user does: what is hidden is no longer selected.
     void SelectRows(std::uint32_t begin, std::uint32_t end, bool on);
@@ -66,6 +71,19 @@ public:
     void Focus(std::uint32_t record) { m_focused = ShownRowOf(record) == kNone ? kNone : record; }
 
 private:
+    bool IsSorted() const { return !m_sort.IsNatural(); }
+    bool IsFiltered() const { return HasFilters() || m_ownerFilter; }
+    bool Passes(std::uint32_t record) const;
+    void DropThatFail(const ColumnFilter& filter, std::vector<std::uint32_t>& records) const;
+    // Puts a record among the shown ones, or takes it from them; both answer the row.
+    std::uint32_t Show(std::uint32_t record);
+    std::uint32_t Hide(std::uint32_t record);
+    // Changes filters or sort, and finds the shown rows, the selection and the focus anew.
+    template <class Operation>
+    Change Rearrange(Operation&& operation);
+    std::vector<std::uint32_t> ShowAnew();
+    void SelectAnew(std::span<const std::uint32_t> shown);
+
     bool IsHiddenSelected(std::uint32_t record) const {
         return record < m_hiddenSelected.size() && m_hiddenSelected[record];
     }
@@ -76,6 +94,12 @@ private:
 
     CellSource& m_source;
     RowOrder m_order;
+    SortOrder m_sort;
+    std::vector<std::unique_ptr<const ColumnFilter>> m_filters;
+    std::unique_ptr<const ColumnFilter> m_ownerFilter;
+    // The shown rows: with a sort these; else with a filter these bits, one a slot; else all.
+    SortedRows m_sorted;
+    RankedBits m_passing;
     RowRanges m_selected;               // of shown rows
     std::vector<bool> m_hiddenSelected; // by record
     std::uint32_t m_focused = kNone;    // a shown record

@@ -36,7 +36,7 @@ public:
     void Compact(RankedBits& companion);
 
 private:
-    static constexpr std::uint32_t kSparseSlots = 4096;
+    static constexpr std::uint32_t kSparseSlots = 1024;
 
     RankedBits m_live;
     std::vector<std::uint32_t> m_recordAt; // by slot

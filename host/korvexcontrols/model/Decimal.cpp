@@ -1,0 +1,67 @@
+#include "host/korvexcontrols/model/Decimal.h"
+
+#include "host/korvexcontrols/model/Text.h"
+
+namespace korvex {
+namespace {
+
+constexpr std::size_t kKeyFraction = 4, kKeyWhole = 14;
+
+std::string_view TakeDigits(std::string_view& text) {
+    std::size_t length = 0;
+    while (length < text.size() && text[length] >= '0' && text[length] <= '9')
+        ++length;
+    const std::string_view digits = text.substr(0, length);
+    text.remove_prefix(length);
+    return digits;
+}
+
+int CompareSizes(const Decimal& one, const Decimal& other) {
+    if (one.whole.size() != other.whole.size()) return one.whole.size() < other.whole.size() ? -1 : 1;
+    if (const int order = one.whole.compare(other.whole)) return order;
+    return one.fraction.compare(other.fraction);
+}
+
+} // namespace
+
+std::optional<Decimal> ReadDecimal(std::string_view text) {
+    text = Trimmed(text);
+    Decimal decimal;
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+        decimal.negative = text.front() == '-';
+        text.remove_prefix(1);
+    }
+    decimal.whole = TakeDigits(text);
+    bool any = !decimal.whole.empty();
+    if (!text.empty() && text.front() == '.') {
+        text.remove_prefix(1);
+        decimal.fraction = TakeDigits(text);
+        any |= !decimal.fraction.empty();
+    }
+    if (!any || !text.empty()) return std::nullopt;
+    while (!decimal.whole.empty() && decimal.whole.front() == '0')
+        decimal.whole.remove_prefix(1);
+    while (!decimal.fraction.empty() && decimal.fraction.back() == '0')
+        decimal.fraction.remove_suffix(1);
+    if (decimal.whole.empty() && decimal.fraction.empty()) decimal.negative = false;
+    return decimal;
+}
+
+int Compare(const Decimal& one, const Decimal& other) {
+    if (one.negative != other.negative) return one.negative ? -1 : 1;
+    const int order = CompareSizes(one, other);
+    return one.negative ? -order : order;
+}
+
+DecimalKey KeyOf(const Decimal& decimal) {
+    if (decimal.whole.size() > kKeyWhole)
+        return {decimal.negative ? DecimalKey::lowest : DecimalKey::highest, false};
+    std::int64_t key = 0;
+    for (const char digit : decimal.whole)
+        key = key * 10 + (digit - '0');
+    for (std::size_t i = 0; i < kKeyFraction; ++i)
+        key = key * 10 + (i < decimal.fraction.size() ? decimal.fraction[i] - '0' : 0);
+    return {decimal.negative ? -key : key, decimal.fraction.size() <= kKeyFraction};
+}
+
+} // namespace korvex

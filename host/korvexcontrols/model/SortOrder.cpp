@@ -1,0 +1,213 @@
+#include "host/korvexcontrols/model/SortOrder.h"
+
+#include "host/korvexcontrols/model/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace korvex {
+namespace {
+
+constexpr std::uint64_t kNoNumber = UINT64_MAX, kBefore = 0, kBehind = UINT64_MAX;
+constexpr std::size_t kKeyText = 7, kLongerThanKey = kKeyText + 1;
+// Below these, comparing cells costs less than fetching them together, and comparing keys less than counting
+// their bytes.
+constexpr std::size_t kFew = 8, kManyKeys = 512;
+
+// Behind the offset: seven folded bytes, then how many there are, at most eight. So a text comes before those
+// that begin with it, and two keys are equal when the texts are, unless both are longer.
+std::uint64_t KeyAt(std::string_view text, std::size_t offset) {
+    const std::size_t rest = text.size() - offset;
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < kKeyText; ++i)
+        key = key << 8 | (i < rest ? Fold(text[offset + i]) : 0u);
+    return key << 8 | std::min(rest, kLongerThanKey);
+}
+
+bool IsWhole(std::uint64_t key) {
+    return (key & 0xFF) < kLongerThanKey;
+}
+
+DecimalKey NumberKey(std::string_view cell, bool descending, std::uint64_t& key) {
+    const auto number = ReadDecimal(cell);
+    key = kNoNumber;
+    if (!number) return {0, true};
+    const DecimalKey made = KeyOf(*number);
+    key = static_cast<std::uint64_t>(descending ? -made.key : made.key) ^ (std::uint64_t{1} << 63);
+    return made;
+}
+
+int CompareNumbers(std::string_view one, std::string_view other, bool descending) {
+    const auto left = ReadDecimal(one), right = ReadDecimal(other);
+    if (!left || !right) return static_cast<int>(!left) - static_cast<int>(!right);
+    const int order = Compare(*left, *right);
+    return descending ? -order : order;
+}
+
+int CompareCells(const SortColumn& by, std::string_view one, std::string_view other) {
+    if (IsNumeric(by.type)) return CompareNumbers(one, other, by.descending);
+    const int order = CompareFolded(one, other);
+    return by.descending ? -order : order;
+}
+
+} // namespace
+
+void SortOrder::StoreKey(std::uint32_t record, std::uint64_t key) {
+    if (record >= m_keys.size())
+        m_keys.resize(std::max<std::size_t>(record + std::size_t{1}, m_keys.size() * 2));
+    m_keys[record] = key;
+}
+
+// Texts without the prefix come before or behind all that have it.
+std::uint64_t SortOrder::TextKey(std::string_view cell) const {
+    if (StartsWithFolded(cell, m_prefix)) return KeyAt(cell, m_prefix.size());
+    return CompareFolded(cell, m_prefix) < 0 ? kBefore : kBehind;
+}
+
+void SortOrder::MakeKey(std::uint32_t record) {
+    const SortColumn& by = m_columns.front();
+    const std::string_view cell = m_source.Cell(record, by.column);
+    std::uint64_t key = 0;
+    if (IsNumeric(by.type)) {
+        m_exact &= NumberKey(cell, by.descending, key).exact;
+    } else {
+        key = TextKey(cell);
+        m_exact &= IsWhole(key) && key != kBefore;
+        if (by.descending) key = ~key;
+    }
+    StoreKey(record, key);
+}
+
+std::string_view SortOrder::Probe::OwnCell(std::size_t level) {
+    auto& cell = m_cells[level];
+    if (!cell) cell = m_order.m_source.Cell(m_record, m_order.m_columns[level].column);
+    return *cell;
+}
+
+bool SortOrder::Probe::StandsBefore(std::uint32_t other) {
+    const std::uint64_t own = m_order.m_keys[m_record], others = m_order.m_keys[other];
+    if (own != others) return own < others;
+    for (std::size_t level = m_order.m_exact ? 1 : 0; level < m_cells.size(); ++level) {
+        const SortColumn& by = m_order.m_columns[level];
+        if (const int order = CompareCells(by, OwnCell(level), m_order.m_source.Cell(other, by.column)))
+            return order < 0;
+    }
+    return m_order.m_arrival.SlotOf(m_record) > m_order.m_arrival.SlotOf(other);
+}
+
+std::vector<std::string_view> SortOrder::FetchCells(std::span<const Item> items, std::int32_t column) {
+    std::vector<std::string_view> cells(items.size());
+    std::array<std::uint32_t, kBatch> records;
+    for (std::size_t at = 0; at < items.size(); at += kBatch) {
+        const std::size_t count = std::min(kBatch, items.size() - at);
+        for (std::size_t i = 0; i < count; ++i)
+            records[i] = items[at + i].record;
+        m_source.Cells({records.data(), count}, column, &cells[at]);
+    }
+    return cells;
+}
+
+void SortOrder::SortByCells(std::span<Item> items, std::size_t level) {
+    std::ranges::stable_sort(items, [&](const Item& one, const Item& other) {
+        for (std::size_t i = level; i < m_columns.size(); ++i) {
+            const SortColumn& by = m_columns[i];
+            const std::string_view left = m_source.Cell(one.record, by.column);
+            if (const int order = CompareCells(by, left, m_source.Cell(other.record, by.column)))
+                return order < 0;
+        }
+        return false;
+    });
+}
+
+// Byte by byte from the lowest, those that are the same in all keys left out. Equal keys keep their order.
+void SortOrder::SortByKey(std::span<Item> items) {
+    if (items.size() < kManyKeys) {
+        std::ranges::stable_sort(items, {}, &Item::key);
+        return;
+    }
+    constexpr int bytes = 8;
+    std::array<std::array<std::uint32_t, 256>, bytes> counts{};
+    for (const Item& item : items)
+        for (int byte = 0; byte < bytes; ++byte)
+            ++counts[static_cast<std::size_t>(byte)][item.key >> (8 * byte) & 0xFF];
+    m_spare.resize(std::max(m_spare.size(), items.size()));
+    Item *from = items.data(), *to = m_spare.data();
+    for (int byte = 0; byte < bytes; ++byte) {
+        auto& places = counts[static_cast<std::size_t>(byte)];
+        if (places[from->key >> (8 * byte) & 0xFF] == items.size()) continue;
+        std::uint32_t place = 0;
+        for (std::uint32_t& count : places)
+            place += std::exchange(count, place);
+        for (const Item* item = from; item != from + items.size(); ++item)
+            to[places[item->key >> (8 * byte) & 0xFF]++] = *item;
+        std::swap(from, to);
+    }
+    if (from != items.data()) std::copy_n(from, items.size(), items.data());
+}
+
+SortOrder::Made SortOrder::MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset) {
+    const SortColumn& by = m_columns[level];
+    const auto cells = FetchCells(items, by.column);
+    Made made;
+    if (IsNumeric(by.type)) {
+        for (std::size_t i = 0; i < items.size(); ++i)
+            made.exact &= NumberKey(cells[i], by.descending, items[i].key).exact;
+        return made;
+    }
+    std::string_view prefix = cells.front();
+    for (const std::string_view cell : cells)
+        prefix = prefix.substr(0, offset + CommonPrefixFolded(cell.substr(offset), prefix.substr(offset)));
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::uint64_t key = KeyAt(cells[i], prefix.size());
+        made.exact &= IsWhole(key);
+        items[i].key = by.descending ? ~key : key;
+    }
+    made.behind = prefix.size() + kKeyText;
+    if (level + offset == 0) m_prefix = prefix;
+    return made;
+}
+
+void SortOrder::SortRun(std::span<Item> items, std::size_t level, std::size_t offset) {
+    if (level == m_columns.size() || items.size() < 2) return;
+    if (items.size() <= kFew) return SortByCells(items, level);
+    const Made made = MakeKeys(items, level, offset);
+    SortByKey(items);
+    SortTies(items, level, made);
+}
+
+void SortOrder::SortTies(std::span<Item> items, std::size_t level, const Made& made) {
+    const SortColumn& by = m_columns[level];
+    if (made.exact && level + 1 == m_columns.size()) return;
+    for (auto begin = items.begin(); begin != items.end();) {
+        const std::uint64_t key = begin->key;
+        const auto end = std::find_if(begin, items.end(), [&](const Item& item) { return item.key != key; });
+        const std::span<Item> run(begin, end);
+        begin = end;
+        if (IsNumeric(by.type)) {
+            const bool open = !made.exact && key != kNoNumber;
+            open ? SortByCells(run, level) : SortRun(run, level + 1, 0);
+        } else {
+            const bool whole = IsWhole(by.descending ? ~key : key);
+            whole ? SortRun(run, level + 1, 0) : SortRun(run, level, made.behind);
+        }
+    }
+}
+
+void SortOrder::Sort(std::vector<std::uint32_t>& records) {
+    m_prefix.clear();
+    m_exact = true;
+    if (records.empty()) return;
+    std::vector<Item> items(records.size());
+    for (std::size_t i = 0; i < items.size(); ++i)
+        items[i].record = records[i];
+    const Made made = MakeKeys(items, 0, 0);
+    m_exact = made.exact;
+    for (const Item& item : items)
+        StoreKey(item.record, item.key);
+    SortByKey(items);
+    SortTies(items, 0, made);
+    std::ranges::transform(items, records.begin(), &Item::record);
+    m_spare = {};
+}
+
+} // namespace korvex

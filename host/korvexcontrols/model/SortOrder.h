@@ -1,0 +1,84 @@
+// The order of records by the cells of several columns: numbers by value, what is no number behind them; text
+// without the case of ASCII letters; and among equals the newest first.
+//
+// Each record has a key of its first column, eight bytes that compare as the cells do: a number in units of
+// 1/10000; of a text what follows the prefix that all had when they were sorted, seven bytes and its length.
+// Whole cells are compared only where keys are equal and do not say everything.
+#pragma once
+
+#include "host/korvexcontrols/model/CellSource.h"
+#include "host/korvexcontrols/model/ColumnFilter.h"
+#include "host/korvexcontrols/model/RowOrder.h"
+
+#include <optional>
+#include <utility>
+
+namespace korvex {
+
+struct SortColumn {
+    std::int32_t column;
+    bool descending = false;
+    ValueType type = ValueType::text;
+    bool operator==(const SortColumn&) const = default;
+};
+
+class SortOrder {
+public:
+    SortOrder(CellSource& source, const RowOrder& arrival) : m_source(source), m_arrival(arrival) {}
+
+    bool IsNatural() const { return m_columns.empty(); }
+    const std::vector<SortColumn>& Columns() const { return m_columns; }
+    void SetColumns(std::vector<SortColumn> columns) { m_columns = std::move(columns); }
+
+    // Sorts records that stand newest first, and makes their keys.
+    void Sort(std::vector<std::uint32_t>& records);
+    // The record is new, or its cells have changed.
+    void MakeKey(std::uint32_t record);
+
+    // One record beside others. Its cells are asked for once.
+    class Probe {
+    public:
+        Probe(SortOrder& order, std::uint32_t record)
+            : m_order(order), m_record(record), m_cells(order.m_columns.size()) {}
+        bool StandsBefore(std::uint32_t other);
+
+    private:
+        std::string_view OwnCell(std::size_t level);
+
+        SortOrder& m_order;
+        std::uint32_t m_record;
+        std::vector<std::optional<std::string_view>> m_cells;
+    };
+
+private:
+    struct Item {
+        std::uint64_t key;
+        std::uint32_t record;
+    };
+
+    // What the keys of a run leave open.
+    struct Made {
+        bool exact = true;      // equal keys mean equal cells
+        std::size_t behind = 0; // of texts: the first place that no key holds
+    };
+
+    // Records whose cells agree in the columns before `level`, and in that one before `offset`.
+    void SortRun(std::span<Item> items, std::size_t level, std::size_t offset);
+    void SortByCells(std::span<Item> items, std::size_t level);
+    std::vector<std::string_view> FetchCells(std::span<const Item> items, std::int32_t column);
+    Made MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset);
+    void SortByKey(std::span<Item> items);
+    void SortTies(std::span<Item> items, std::size_t level, const Made& made);
+    std::uint64_t TextKey(std::string_view cell) const;
+    void StoreKey(std::uint32_t record, std::uint64_t key);
+
+    CellSource& m_source;
+    const RowOrder& m_arrival;
+    std::vector<SortColumn> m_columns;
+    std::vector<std::uint64_t> m_keys; // by record
+    std::string m_prefix;              // of the first column's texts
+    bool m_exact = true;               // equal keys mean equal cells
+    std::vector<Item> m_spare;
+};
+
+} // namespace korvex
