@@ -1,0 +1,282 @@
+// Cancel, pause and resume from the book: what is asked, refused, sent and logged, and what an answer changes.
+
+#include "tests/plugin/BookDouble.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace planfold::test {
+namespace {
+
+class BookActionsTest : public ::testing::Test, protected Stage {
+protected:
+    void Row(const std::string& number, const char* status = "active") {
+        const Received received({{64804, {number}},
+                                 {10303, {status}},
+                                 {54001, {"C" + number}},
+                                 {54152, {"value"}},
+                                 {53063, {"12345"}}});
+        book.OnBroadcast(received.Message());
+    }
+    void Select(const Texts& numbers) {
+        view.registered.selected.clear();
+        for (const std::string& number : numbers)
+            view.registered.selected.push_back(book.Records().Find(number));
+    }
+    void Answer(const char* request, Fields fields) {
+        fields.push_back({32767, {request}});
+        const Received received(fields);
+        book.OnResponse(received.Message());
+    }
+    Texts Taken(Texts& texts) { return std::exchange(texts, {}); }
+
+    BookDouble view;
+    OrderBook book{session, view, {&control, &control, &control}};
+    BookActions& actions = book.Actions();
+};
+
+std::string CancelRequest(const std::string& number, const char* reason, const char* source = " ") {
+    return "0=cancel_sip_order 64804=" + number + " 32760=" + number + " 54158=UUID-1 20008=" + reason
+           + " 49281=DEALER1 64756=" + source;
+}
+
+TEST_F(BookActionsTest, CancelAsksOnceAndSendsEveryRowWithTheSameReason) {
+    for (const char* number : {"SIP1", "SIP2", "SIP3"})
+        Row(number);
+    actions.Cancel();
+    EXPECT_EQ(view.questions, Texts{}) << "nothing selected";
+    view.reason = "client's wish";
+    Select({"SIP3", "SIP1", "SIP2"});
+    actions.Cancel();
+    EXPECT_EQ(Taken(view.questions), Texts{"You have selected 3 Orders to Cancel. Proceed?"});
+    EXPECT_EQ(view.reasonsAsked, 1);
+    EXPECT_EQ(Taken(host.requests),
+              (Texts{CancelRequest("SIP3", "client's wish"), CancelRequest("SIP1", "client's wish"),
+                     CancelRequest("SIP2", "client's wish")}));
+    EXPECT_EQ(Taken(host.log), (Texts{"Sending request to cancel SIP3", "Sending request to cancel SIP1",
+                                      "Sending request to cancel SIP2"}));
+    EXPECT_EQ(view.boxes, Texts{});
+
+    view.yes = false;
+    Select({"SIP1"});
+    actions.Cancel();
+    EXPECT_EQ(Taken(view.questions), Texts{"Do you want to cancel Order No: SIP1 "});
+    EXPECT_EQ(view.reasonsAsked, 1) << "No ends it";
+    view.yes = true;
+    view.reason.clear();
+    host.uuid.clear(); // the host gives no identifier: the field is left out
+    actions.Cancel();
+    EXPECT_EQ(Taken(host.requests),
+              Texts{"0=cancel_sip_order 64804=SIP1 32760=SIP1 20008=  49281=DEALER1 64756= "});
+}
+
+TEST_F(BookActionsTest, WhatHappensUnderTheQuestionsIsBorne) {
+    Row("SIP1");
+    Row("SIP2");
+    Select({"SIP1", "SIP2"});
+    view.duringReason = [&] {
+        Row("SIP1", "cancelled"); // a stream takes a row away
+        actions.Cancel();         // and a second press is no second cancellation
+    };
+    actions.Cancel();
+    EXPECT_EQ(Taken(host.requests).size(), 2u);
+    EXPECT_EQ(view.questions.size(), 1u);
+    // The window is closed and opened anew: the collected rows are no more.
+    Select({"SIP2"});
+    view.duringQuestion = [&] { book.Open({2027, 1, 31}); };
+    actions.Cancel();
+    EXPECT_EQ(host.requests.back().find("cancel_sip_order"), std::string::npos);
+    Row("SIP2");
+    Select({"SIP2"});
+    view.duringReason = [&] { session.End(); };
+    const std::size_t sent = host.requests.size();
+    actions.Cancel();
+    EXPECT_EQ(host.requests.size(), sent);
+}
+
+TEST_F(BookActionsTest, EachStepFailsWithItsTextAndFailuresAreToldTogether) {
+    struct Row_ {
+        FailQmxCall::Function function;
+        int call;
+        Texts cancel;
+        Texts pause;
+    };
+    const char* building = "zup_add_parameter: Error while building message";
+    const Row_ rows[] = {
+        {FailQmxCall::startMsg, 1, {building}, {building}},
+        {FailQmxCall::addData,
+         1,
+         {"Adding request cancel_sip_order failed"},
+         {"Failed to add the request pause_sip_order"}},
+        {FailQmxCall::addData, 2, {"SIP number not added"}, {"Failed to add the SIP ID"}},
+        {FailQmxCall::addData, 3, {}, {}},
+        {FailQmxCall::addData, 4, {}, {}},
+        {FailQmxCall::addData, 5, {}, {}},
+        {FailQmxCall::addData, 6, {}, {}},
+        {FailQmxCall::addData, 7, {"Failed to add Order Source"}, {}},
+    };
+    Row("SIP1", "active");
+    Select({"SIP1"});
+    for (const Row_& row : rows) {
+        const bool pauseFails = row.function == FailQmxCall::startMsg || row.call <= 2;
+        {
+            const FailQmxCall failing(row.function, row.call);
+            actions.Cancel();
+        }
+        EXPECT_EQ(Taken(view.boxes), row.cancel) << row.call;
+        EXPECT_EQ(Taken(host.requests).size(), 0u);
+        const FailQmxCall failing(row.function, row.call);
+        actions.Pause();
+        EXPECT_EQ(Taken(view.boxes), row.pause) << row.call;
+        EXPECT_EQ(Taken(host.requests).size(), pauseFails ? 0u : 1u);
+    }
+    host.refuses = true;
+    actions.Pause();
+    Row("SIP2", "Paused");
+    Select({"SIP2", "SIP1"});
+    actions.Resume();
+    actions.Cancel();
+    const char* notSent = "Sending request cancel_sip_orders failed";
+    EXPECT_EQ(view.boxes,
+              (Texts{"Sending Request pause_sip_order Failed", "Sending Request pause_sip_order Failed",
+                     std::string(notSent) + "\n" + notSent}));
+}
+
+TEST_F(BookActionsTest, StatusRefusesPauseResumeAndModify) {
+    struct Row_ {
+        const char* status;
+        const char* pause;
+        const char* resume;
+        const char* modify;
+    };
+    const char* notPaused = "Cannot Resume - order is not paused";
+    const Row_ rows[] = {
+        {"active", "", notPaused, ""},
+        {"Paused", "Cannot pause - order is already paused", "", ""},
+        {"paused", "", notPaused, ""},
+        {"canceled", "", notPaused, ""}, // one l passes every check but that of resuming
+        {"cancelled", "Cannot pause - order is cancelled", notPaused,
+         "Cannot modify SIP. Order status: cancelled"},
+        {"expired", "Cannot pause - order is expired", notPaused, "Cannot modify SIP. Order status: expired"},
+    };
+    Row("SIP1");
+    for (const Row_& row : rows) {
+        Row("SIP1", row.status);
+        Select({"SIP1"});
+        const struct {
+            void (*act)(BookActions&);
+            const char* refusal;
+            bool opens;
+        } checks[] = {
+            {[](BookActions& on) { on.Pause(); }, row.pause, false},
+            {[](BookActions& on) { on.Resume(); }, row.resume, false},
+            {[](BookActions& on) { on.Modify(); }, row.modify, true},
+        };
+        for (const auto& [act, refusal, opens] : checks) {
+            host.requests.clear();
+            host.log.clear();
+            view.modified.clear();
+            act(actions);
+            const bool done = !*refusal;
+            EXPECT_EQ(Taken(view.boxes), done ? Texts{} : Texts{refusal}) << row.status;
+            EXPECT_EQ(host.requests.size(), done && !opens) << row.status;
+            EXPECT_EQ(view.modified.size(), done && opens) << row.status;
+            EXPECT_EQ(host.log, done && !opens ? Texts{"Request sent Pause SIP Order: SIP1"} : Texts{});
+        }
+    }
+    Row("SIP2", "Paused");
+    Select({"SIP2"});
+    actions.Resume();
+    EXPECT_EQ(host.LastRequest(), "0=resume_sip_order 64804=SIP2");
+}
+
+TEST_F(BookActionsTest, AnswersRemoveSelectedRowsAndShowTexts) {
+    for (const char* number : {"SIP1", "SIP2", "SIP3"})
+        Row(number);
+    Select({"SIP1", "SIP3"});
+    Answer("cancel_sip_order", {{20008, {"done"}}});
+    Answer("cancel_sip_order", {{32760, {"SIP2"}}}); // not selected
+    Answer("cancel_sip_order", {{32760, {"SIP9"}}});
+    EXPECT_EQ(view.registered.rows.size(), 3u);
+    Answer("cancel_sip_order", {{32760, {"SIP1"}}});
+    EXPECT_EQ(Numbers(book, view.registered), "SIP3 SIP2");
+    EXPECT_EQ(view.registered.selected.size(), 1u);
+    EXPECT_EQ(Taken(view.boxes), Texts{"SIP1 Order Cancelled "});
+    EXPECT_EQ(Taken(host.log), Texts{"SIP1 Order Cancelled "});
+    EXPECT_EQ(book.Records().Size(), 3u) << "the record stays";
+    // An error is logged, and the handling runs all the same.
+    Answer("cancel_sip_order", {{32766, {"5"}}, {32760, {"SIP3"}}});
+    EXPECT_EQ(Numbers(book, view.registered), "SIP2");
+    EXPECT_EQ(Taken(host.log),
+              (Texts{"Error in response : cancel_sip_order . Error Code : 5", "SIP3 Order Cancelled "}));
+    view.boxes.clear();
+    for (const char* request : {"pause_sip_order", "resume_sip_order", "add_sip_orders"}) {
+        Answer(request, {});
+        Answer(request, {{20008, {request}}});
+        Answer(request, {{32766, {"5"}}, {20008, {"refused"}}});
+        EXPECT_EQ(Taken(view.boxes), (Texts{request, "refused"}));
+    }
+    EXPECT_EQ(host.log.size(), 3u);
+}
+
+TEST_F(BookActionsTest, ALongCancellationGoesInPortionsAndStopsWithTrueNumbers) {
+    constexpr int many = 1000;
+    Texts numbers;
+    for (int i = 0; i < many; ++i) {
+        numbers.push_back("SIP" + std::to_string(i));
+        Row(numbers.back());
+    }
+    Select(numbers);
+    actions.Cancel();
+    const std::size_t first = host.requests.size();
+    EXPECT_LT(first, 1000u);
+    ASSERT_NE(actions.Run(), nullptr);
+    actions.Cancel(); // nothing begins meanwhile
+    actions.Pause();
+    EXPECT_EQ(host.requests.size(), first);
+    actions.ContinueRun();
+    const std::size_t sent = host.requests.size();
+    EXPECT_GT(sent, first);
+    actions.StopRun();
+    actions.ContinueRun();
+    EXPECT_EQ(host.requests.size(), sent);
+    EXPECT_EQ(Taken(view.boxes),
+              Texts{"Cancel: " + std::to_string(sent) + " of 1000 requests were sent, then it was stopped."});
+    host.requests.clear();
+    actions.Cancel();
+    while (actions.Run())
+        actions.ContinueRun();
+    EXPECT_EQ(std::set(host.requests.begin(), host.requests.end()).size(), 1000u) << "each once";
+    EXPECT_EQ(host.requests.size(), 1000u);
+    EXPECT_EQ(view.boxes, Texts{});
+}
+
+TEST_F(BookActionsTest, SeveralRowsArePausedAfterOneQuestionAndSummedUpOnce) {
+    Row("SIP1");
+    Row("SIP2");
+    Row("SIP3", "Paused");
+    Select({"SIP1", "SIP2", "SIP3"});
+    actions.PauseSelected();
+    EXPECT_EQ(
+        Taken(view.questions),
+        Texts{"2 of 3 selected registrations will be paused: 2 clients, amount 246.90 per run.\nProceed?"});
+    EXPECT_EQ(host.requests, (Texts{"0=pause_sip_order 64804=SIP1", "0=pause_sip_order 64804=SIP2"}));
+    Answer("pause_sip_order", {{20008, {"paused"}}});
+    EXPECT_EQ(view.boxes, Texts{});
+    Answer("pause_sip_order", {{32766, {"5"}}});
+    EXPECT_EQ(Taken(view.boxes),
+              Texts{"Pause: 2 of 2 requests were sent.\nThe server confirmed 1 and refused 1 (see the log)."});
+    Select({"SIP1"});
+    actions.ResumeSelected();
+    EXPECT_EQ(Taken(view.boxes), Texts{"None of the 1 selected registrations can be resumed."});
+    // A silent server is not waited for for ever.
+    Select({"SIP3"});
+    actions.ResumeSelected();
+    for (int i = 0; i < 1000 && actions.Run(); ++i)
+        actions.ContinueRun();
+    EXPECT_EQ(Taken(view.boxes), Texts{"Resume: 1 of 1 requests were sent."});
+}
+
+} // namespace
+} // namespace planfold::test
