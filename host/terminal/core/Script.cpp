@@ -60,6 +60,8 @@ constexpr VerbRule kRules[] = {
     {Verb::right, "right", "tb", "grant or revoke this right"},
     {Verb::mode, "mode", "n", "log in with this mode"},
     {Verb::clock, "clock", "n", "move the server's clock forward by so many days"},
+    {Verb::fill, "fill", "n", "enter so many made-up registrations on the server"},
+    {Verb::other, "other", "n", "place so many orders from another session"},
     {Verb::dock, "dock", "td",
      "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
     {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},

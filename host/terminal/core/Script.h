@@ -67,6 +67,8 @@ enum class Verb : std::size_t {
     right,
     mode,
     clock,
+    fill,
+    other,
     dock,
     hidePane,
     showPane,

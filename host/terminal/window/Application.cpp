@@ -1,8 +1,10 @@
 #include "host/terminal/window/Application.h"
 
 #include "framework/DialogLayout.h"
+#include "host/terminal/window/CountDialog.h"
 #include "host/terminal/window/WindowStage.h"
 
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 
@@ -48,6 +50,15 @@ std::string TimeOfDay() {
     std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour % 100u, now.wMinute % 100u,
                   now.wSecond % 100u);
     return text;
+}
+
+SampleMarket SampleMarketOf(const TerminalState& state) {
+    SampleMarket market;
+    for (const Client& client : state.clients.Clients())
+        market.accounts.push_back(client.id);
+    for (const Scrip& scrip : state.master.Scrips())
+        market.scrips.push_back({scrip.exchange, scrip.token, scrip.tradingSymbol});
+    return market;
 }
 
 } // namespace
@@ -206,6 +217,20 @@ void Application::AdvanceClock(int days) {
     LogFromSystem("Server clock advanced by " + std::to_string(days) + (days == 1 ? " day" : " days"));
 }
 
+bool Application::FillRegistrations(int count) {
+    const std::string fault =
+        m_server->Fill(static_cast<std::size_t>(std::max(count, 0)), SampleMarketOf(m_state));
+    LogFromSystem(fault.empty() ? "Server filled with " + std::to_string(count) + " registrations" : fault);
+    return fault.empty();
+}
+
+bool Application::PlaceOtherOrders(int count) {
+    const auto wanted = static_cast<std::size_t>(std::max(count, 0));
+    const std::size_t placed = m_server->PlaceOtherOrders(wanted, SampleMarketOf(m_state));
+    LogFromSystem("Another session placed " + std::to_string(placed) + " orders");
+    return placed == wanted;
+}
+
 void Application::Defer(std::function<void()> work) {
     m_deferred[++m_lastDeferred] = std::move(work);
     PostMessageA(m_frame.Handle(), kDeferredMessage, m_lastDeferred, 0);
@@ -237,6 +262,20 @@ void Application::RequestPick(std::size_t plugin, std::size_t entry) {
 
 void Application::RequestPaneCommand(const std::string& text) {
     Defer([this, text] { m_frame.TellPanes(text); });
+}
+
+void Application::RequestFill() {
+    Defer([this] {
+        const CountQuestion question{"Fill Registrations", "Made-up &registrations:", 1000, 1'000'000};
+        if (const auto count = AskCount(m_frame.Handle(), question)) FillRegistrations(*count);
+    });
+}
+
+void Application::RequestOtherOrders() {
+    Defer([this] {
+        const CountQuestion question{"Orders from Another Session", "&Orders:", 10, 1000};
+        if (const auto count = AskCount(m_frame.Handle(), question)) PlaceOtherOrders(*count);
+    });
 }
 
 void Application::RequestClose() {

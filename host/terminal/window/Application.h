@@ -48,12 +48,18 @@ public:
     void SetRight(const std::string& right, bool granted);
     void SetLoginMode(int mode);
     void AdvanceClock(int days);
+    // Tell in the log what became of it; false when the server did not take them all.
+    bool FillRegistrations(int count);
+    bool PlaceOtherOrders(int count);
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
     // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
     void RequestPick(std::size_t plugin, std::size_t entry);
     void RequestPaneCommand(const std::string& text);
+    // These ask how many.
+    void RequestFill();
+    void RequestOtherOrders();
     void RequestClose();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);

@@ -17,6 +17,8 @@ enum CommandId : int {
     kShowWatchCommand = 10,
     kShowLogCommand = 11,
     kCancelOrderCommand = 15,
+    kFillCommand = 16,
+    kOtherOrdersCommand = 17,
     kFontSmallerCommand = 20,
     kFontNormalCommand = 21,
     kFontLargerCommand = 22,

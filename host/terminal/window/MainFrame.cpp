@@ -133,6 +133,8 @@ bool MainFrame::OnMenuCommand(int id) {
              m_application.SetRight(right, !granted);
          }},
         {kCancelOrderCommand, 1, [&](int) { m_application.RequestPaneCommand("Cancel Order"); }},
+        {kFillCommand, 1, [&](int) { m_application.RequestFill(); }},
+        {kOtherOrdersCommand, 1, [&](int) { m_application.RequestOtherOrders(); }},
         {kFirstClockCommand, kMostClockDays, [&](int days) { m_application.AdvanceClock(days); }},
         {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
          [&](int entry) {

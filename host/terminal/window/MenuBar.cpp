@@ -79,6 +79,9 @@ HMENU ServerMenu() {
     for (const int days : kClockDays)
         Add(menu, kFirstClockCommand + days,
             "Advance Clock by " + std::to_string(days) + (days == 1 ? " Day" : " Days"));
+    AddSeparator(menu);
+    Add(menu, kFillCommand, "&Fill Registrations...");
+    Add(menu, kOtherOrdersCommand, "&Orders from Another Session...");
     return menu;
 }
 

@@ -6,10 +6,16 @@
 #include <windows.h>
 
 namespace vesk {
+namespace {
+
+constexpr const char* kOtherLogin = "DEALER02";
+constexpr const char* kNoServer = "There is no trading server";
+
+} // namespace
 
 ServerLink::ServerLink(const std::string& configFile, const std::string& journalFile, UserIdentity user,
                        std::vector<std::string>& notes)
-    : m_journalFile(journalFile) {
+    : m_journalFile(journalFile), m_user(std::move(user)) {
     ConfigResult config = LoadServerConfig(configFile);
     if (!config.config) notes.push_back(config.error + "; the server runs with its usual settings");
     JournalOpening opening = Journal::Open(journalFile);
@@ -24,7 +30,7 @@ ServerLink::ServerLink(const std::string& configFile, const std::string& journal
     m_server = std::make_unique<Server>(config.config.value_or(ServerConfig{}), *m_journal, opening.records,
                                         std::move(clock));
     if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
-    m_hub = std::make_unique<RxHub>(*m_server, std::move(user));
+    m_hub = std::make_unique<RxHub>(*m_server, m_user);
     notes.push_back("Trading server ready, " + std::to_string(opening.records.size()) + " journal records");
 }
 
@@ -38,6 +44,28 @@ void ServerLink::DestroyControl(RxControl* control) {
 
 void ServerLink::Pump() {
     if (m_hub) m_hub->Pump(static_cast<std::int64_t>(GetTickCount64()));
+}
+
+UserIdentity ServerLink::OtherUser() const {
+    UserIdentity other = m_user;
+    other.loginId = kOtherLogin;
+    return other;
+}
+
+std::string ServerLink::Fill(std::size_t count, SampleMarket market) {
+    if (!m_server) return kNoServer;
+    if (market.accounts.empty() || market.scrips.empty())
+        return "There are no clients or no scrips to fill with";
+    FillPlan plan{count, {m_user, OtherUser()}, std::move(market)};
+    plan.seed += m_server->Registrations().size(); // a second filling brings others
+    return m_server->Fill(plan);
+}
+
+std::size_t ServerLink::PlaceOtherOrders(std::size_t count, SampleMarket market) {
+    if (!m_server) return 0;
+    if (!m_other)
+        m_other = std::make_unique<OtherSession>(*m_server, OtherUser(), std::move(market), GetTickCount64());
+    return m_other->PlaceOrders(count, static_cast<std::int64_t>(GetTickCount64()));
 }
 
 } // namespace vesk

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/server/Journal.h"
+#include "host/server/OtherSession.h"
 #include "host/server/RxHub.h"
 
 #include <memory>
@@ -22,14 +23,22 @@ public:
     std::size_t LiveControls() const { return m_hub ? m_hub->LiveControls() : 0; }
     void Pump();
     void AdvanceClock(int days) { m_clockOffset += std::int64_t{days} * 86'400; }
+    // Why it did not; empty when all are entered. The next listing shows them.
+    std::string Fill(std::size_t count, SampleMarket market);
+    // As another user of the same branch; the number of orders that the server took.
+    std::size_t PlaceOtherOrders(std::size_t count, SampleMarket market);
     const std::string& JournalFile() const { return m_journalFile; }
 
 private:
+    UserIdentity OtherUser() const;
+
     std::string m_journalFile;
+    UserIdentity m_user;
     std::int64_t m_clockOffset = 0; // seconds that the server is ahead of the machine
     std::unique_ptr<Journal> m_journal;
     std::unique_ptr<Server> m_server;
     std::unique_ptr<RxHub> m_hub;
+    std::unique_ptr<OtherSession> m_other; // once it was needed
 };
 
 } // namespace vesk

@@ -32,6 +32,8 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::right, &WindowStage::Right},
     {Verb::mode, &WindowStage::Mode},
     {Verb::clock, &WindowStage::Clock},
+    {Verb::fill, &WindowStage::Fill},
+    {Verb::other, &WindowStage::OtherOrders},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},
     {Verb::showPane, &WindowStage::ShowPane},
@@ -195,6 +197,16 @@ StepResult WindowStage::Mode(const ScriptCommand& command, std::size_t) {
 StepResult WindowStage::Clock(const ScriptCommand& command, std::size_t) {
     m_application.AdvanceClock(command.Number(0));
     return StepResult::Done();
+}
+
+StepResult WindowStage::Fill(const ScriptCommand& command, std::size_t) {
+    if (m_application.FillRegistrations(command.Number(0))) return StepResult::Done();
+    return StepResult::Failed("the server does not take so many registrations");
+}
+
+StepResult WindowStage::OtherOrders(const ScriptCommand& command, std::size_t) {
+    if (m_application.PlaceOtherOrders(command.Number(0))) return StepResult::Done();
+    return StepResult::Failed("the server does not take so many orders");
 }
 
 } // namespace vesk

@@ -56,6 +56,8 @@ private:
     StepResult Right(const ScriptCommand&, std::size_t);
     StepResult Mode(const ScriptCommand&, std::size_t);
     StepResult Clock(const ScriptCommand&, std::size_t);
+    StepResult Fill(const ScriptCommand&, std::size_t);
+    StepResult OtherOrders(const ScriptCommand&, std::size_t);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);
     StepResult ShowPane(const ScriptCommand&, std::size_t);
