@@ -70,17 +70,16 @@ std::string Server::Fill(const FillPlan& plan) {
     SampleOrders orders(plan.market, m_config, plan.seed);
     MakeRoom(plan.count);
     std::vector<Registration> batch;
-    std::vector<std::string> records;
     for (std::size_t done = 0; done < plan.count; done += batch.size()) {
         batch.clear();
-        records.clear();
+        JournalBatch records;
         for (std::size_t i = done; i < std::min(plan.count, done + batchSize); ++i) {
             // Oldest first, as if they had come one after the other.
             const auto age = kDaysBack - static_cast<int>(i * kDaysBack / plan.count);
             const Day day{today, sys_days(today) - std::chrono::days(age)};
             const std::size_t sequence = m_registrations.size() + batch.size() + 1;
             batch.push_back(MakeSample(day, orders.AnyOf(plan.users), sequence, orders));
-            records.push_back(batch.back().Json());
+            records.Add(batch.back().Json());
         }
         std::string error;
         if (!m_journal.Append(records, error)) return "The server's journal " + error;

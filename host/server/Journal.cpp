@@ -121,35 +121,33 @@ JournalOpening Journal::Open(const std::filesystem::path& path) {
     return opening;
 }
 
+void JournalBatch::Add(std::string_view content) {
+    m_isWritable = m_isWritable && content.find('\n') == content.npos;
+    m_lines += JournalLine(content);
+}
+
 bool Journal::Append(std::string_view content, std::string& error) {
-    const std::string one(content);
-    return Append(std::span(&one, 1), error);
+    JournalBatch one;
+    one.Add(content);
+    return Append(one, error);
 }
 
-bool Journal::Append(std::span<const std::string> contents, std::string& error) {
-    std::string lines;
-    for (const std::string& content : contents) {
-        if (content.find('\n') != content.npos) {
-            error = "a record is one line";
-            return false;
-        }
-        lines += JournalLine(content);
-    }
-    return AppendLines(lines, error);
-}
-
-bool Journal::AppendLines(std::string_view lines, std::string& error) {
+bool Journal::Append(const JournalBatch& batch, std::string& error) {
     if (m_broken) {
         error = "an earlier failure left the journal unusable";
         return false;
     }
-    if (!m_file->Append(lines, error)) {
+    if (!batch.m_isWritable) {
+        error = "a record is one line";
+        return false;
+    }
+    if (!m_file->Append(batch.m_lines, error)) {
         // What was written of the records must go, or the next one would follow on their line.
         std::string cutError;
         m_broken = !m_file->CutTo(m_end, cutError);
         return false;
     }
-    m_end += lines.size();
+    m_end += batch.m_lines.size();
     return true;
 }
 

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +18,17 @@ namespace vesk {
 
 class DurableFile;
 struct JournalOpening;
+
+// Records that are put on the disk together, as text already: many small blocks of memory would outlive it.
+class JournalBatch {
+public:
+    void Add(std::string_view content);
+
+private:
+    friend class Journal;
+    std::string m_lines;
+    bool m_isWritable = true;
+};
 
 class Journal {
 public:
@@ -33,11 +43,10 @@ public:
     // it held before; when even that cannot be restored, every later append fails.
     [[nodiscard]] bool Append(std::string_view content, std::string& error);
     // The same for many records, of which none counts before all are on the disk.
-    [[nodiscard]] bool Append(std::span<const std::string> contents, std::string& error);
+    [[nodiscard]] bool Append(const JournalBatch& batch, std::string& error);
 
 private:
     Journal(std::unique_ptr<DurableFile> file, std::uint64_t end);
-    bool AppendLines(std::string_view lines, std::string& error);
 
     std::unique_ptr<DurableFile> m_file;
     std::uint64_t m_end; // bytes of whole records

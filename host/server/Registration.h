@@ -73,6 +73,8 @@ public:
 
     // All fields, behind those that the message already has.
     void AddTo(qmx::MessageWriter& writer) const;
+    // Room for an ordinary record, so that setting its fields takes no memory time and again.
+    void Reserve() { m_fields.reserve(640); }
     // Gives back the memory that setting left over.
     void Shrink() { m_fields.shrink_to_fit(); }
     bool operator==(const Registration&) const = default;

@@ -18,6 +18,7 @@ Registration SampleOrders::Next() {
     const std::size_t value = byValue ? 100 * (100 + Below(50'000)) : 1 + Below(500);
     const std::size_t periods = static_cast<std::size_t>(frequency.minimumPeriods.value_or(1)) + 1 + Below(36);
     Registration order;
+    order.Reserve();
     order.Set(kTagFrequency, frequency.name);
     order.Set(kTagToken, scrip.token);
     order.Set(kTagSide, Below(4) ? "B" : "S");

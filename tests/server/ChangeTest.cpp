@@ -99,7 +99,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     };
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
-    std::optional<RunningServer> running(path);
+    auto running = std::make_unique<RunningServer>(path);
     running->Ask(Order());
     for (const auto& row : rows) {
         const std::string name = std::string(row.verb) + "_sip_order";
@@ -124,7 +124,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     const std::string journal = FileText(path);
     const Registration before = *running->server->Find(kNumber);
     running.reset();
-    running.emplace(path);
+    running = std::make_unique<RunningServer>(path);
     EXPECT_EQ(running->server->Registrations(), std::vector{before});
     Fields again = cancel;
     again.merge(Fields{{kTagRequestName, "cancel_sip_order"}, {kTagRegistrationNumber, kNumber}});
