@@ -18,6 +18,7 @@ constexpr std::uint32_t kTakenOver[] = {
 
 std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
     std::vector<QmxDatum> data;
+    data.reserve(texts.size());
     for (const std::string& text : texts)
         data.push_back(qmx::Datum(text));
     return data;

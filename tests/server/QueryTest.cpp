@@ -8,34 +8,20 @@ namespace {
 
 using Answers = std::vector<std::string>;
 
-struct Held {
-    const char* number;
-    const char* user;
-    const char* broker;
-    const char* branch;
-    const char* entered;
+// By their last field's text.
+const std::string kHeld[] = {
+    "31003=USER1|54270=28-Feb-2026|64053=BR1|64056=BROKER|64804=A",
+    "31003=USER2|54270=01-Mar-2026|64053=BR1|64056=BROKER|64804=B",
+    "31003=USER3|54270=01-Mar-2026|64053=BR1|64056=OTHER|64804=C",
+    "31003=USER1|54270=10-Mar-2026|64053=|64056=BROKER|64804=D",
 };
-constexpr Held kHeld[] = {
-    {"A", "USER1", "BROKER", "BR1", "28-Feb-2026"},
-    {"B", "USER2", "BROKER", "BR1", "01-Mar-2026"},
-    {"C", "USER3", "OTHER", "BR1", "01-Mar-2026"},
-    {"D", "USER1", "BROKER", "", "10-Mar-2026"},
-};
-
-std::string DumpOf(const Held& held) {
-    return std::string("31003=") + held.user + " 54270=" + held.entered + " 64053=" + held.branch
-           + " 64056=" + held.broker + " 64804=" + held.number;
-}
 
 void WriteHeld(const std::filesystem::path& journal) {
     std::string text;
-    for (const Held& held : kHeld) {
+    for (const std::string& held : kHeld) {
         Registration registration;
-        registration.Set(kTagRegistrationNumber, held.number);
-        registration.Set(kTagUser, held.user);
-        registration.Set(kTagBroker, held.broker);
-        registration.Set(kTagBranch, held.branch);
-        registration.Set(kTagRegistrationDate, held.entered);
+        for (const auto& [tag, field] : FieldsOf(held))
+            registration.Set(tag, field);
         text += JournalLine(registration.Json());
     }
     WriteFileText(journal, text);
@@ -50,51 +36,43 @@ TEST(Query, GivesTheRowsOfWhoAsksOrOneBareAnswerOrARefusal) {
     const std::string wrong = "32766=102 20008=The ";
     const struct {
         UserIdentity user;
-        Fields request;     // the login, or the two dates
-        std::string answer; // the numbers of the rows, or what stands behind the name
+        std::string request; // the login, or the two dates
+        std::string answer;  // the numbers of the rows, or what stands behind the name
     } rows[] = {
-        {one, {{kTagUser, "USER1"}}, "AD"},
-        {stranger, {{kTagUser, "USER9"}}, ""},
-        {one, {{kTagUser, "USER2"}}, "32766=105 20008=The user is not the one who is logged in"},
-        {one, {}, missing + "user is missing"},
-        {one, {{kTagStartDate, "2/28/2026"}, {kTagToDate, "3/10/2026"}}, "ABD"},
-        {one, {{kTagStartDate, "03/01/2026"}, {kTagToDate, "3/9/2026"}}, "B"},
-        {one, {{kTagStartDate, "3/11/2026"}, {kTagToDate, "3/1/2026"}}, ""},
-        {branchOnly, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, "ABC"},
-        {alone, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, "AD"},
-        {stranger, {{kTagStartDate, "1/1/2026"}, {kTagToDate, "12/31/2026"}}, ""},
-        {one, {{kTagStartDate, "3/1/2026"}}, missing + "to-date is missing"},
-        {one, {{kTagStartDate, ""}, {kTagToDate, "3/1/2026"}}, missing + "from-date is missing"},
-        {one,
-         {{kTagStartDate, "2/29/2026"}, {kTagToDate, "3/1/2026"}},
-         wrong + "from-date cannot be \"2/29/2026\""},
-        {one,
-         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "13/1/2026"}},
-         wrong + "to-date cannot be \"13/1/2026\""},
-        {one, {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/1"}}, wrong + "to-date cannot be \"3/1\""},
-        {one,
-         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/-1/2026"}},
-         wrong + "to-date cannot be \"3/-1/2026\""},
-        {one,
-         {{kTagStartDate, "3/1/2026"}, {kTagToDate, "3/1/2026/"}},
-         wrong + "to-date cannot be \"3/1/2026/\""},
-        {one,
-         {{kTagStartDate, std::string(300, '1')}, {kTagToDate, "3/1/2026"}},
-         wrong + "from-date is too long"},
+        {one, "31003=USER1", "AD"},
+        {stranger, "31003=USER9", ""},
+        {one, "31003=USER2", "32766=105 20008=The user is not the one who is logged in"},
+        {one, "", missing + "user is missing"},
+        {one, "49165=2/28/2026|79=3/10/2026", "ABD"},
+        {one, "49165=03/01/2026|79=3/9/2026", "B"},
+        {one, "49165=3/11/2026|79=3/1/2026", ""},
+        {branchOnly, "49165=1/1/2026|79=12/31/2026", "ABC"},
+        {alone, "49165=1/1/2026|79=12/31/2026", "AD"},
+        {stranger, "49165=1/1/2026|79=12/31/2026", ""},
+        {one, "49165=3/1/2026", missing + "to-date is missing"},
+        {one, "49165=|79=3/1/2026", missing + "from-date is missing"},
+        {one, "49165=2/29/2026|79=3/1/2026", wrong + "from-date cannot be \"2/29/2026\""},
+        {one, "49165=3/1/2026|79=13/1/2026", wrong + "to-date cannot be \"13/1/2026\""},
+        {one, "49165=3/1/2026|79=3/1", wrong + "to-date cannot be \"3/1\""},
+        {one, "49165=3/1/2026|79=3/-1/2026", wrong + "to-date cannot be \"3/-1/2026\""},
+        {one, "49165=3/1/2026|79=3/1/2026/", wrong + "to-date cannot be \"3/1/2026/\""},
+        {one, "49165=" + std::string(300, '1') + "|79=3/1/2026", wrong + "from-date is too long"},
     };
     const TemporaryFolder folder;
     WriteHeld(folder.File("journal"));
     RunningServer running(folder.File("journal"));
     for (const auto& row : rows) {
-        const bool isList = row.request.empty() || row.request.contains(kTagUser);
-        Fields request = row.request;
+        const bool isList = !row.request.starts_with("49165");
+        Fields request = FieldsOf(row.request);
         request[kTagRequestName] = isList ? "om_get_sip_orders" : "qry_eq_sip";
         const std::string head = "32767=" + request[kTagRequestName];
         const bool isRefused = row.answer.starts_with("32766");
         Answers expected;
-        for (const Held& held : kHeld)
-            if (!isRefused && row.answer.find(held.number) != std::string::npos)
-                expected.push_back(head + (isList ? " 54324=1 " : " ") + DumpOf(held));
+        for (std::string held : kHeld)
+            if (!isRefused && row.answer.find(held.back()) != std::string::npos) {
+                std::replace(held.begin(), held.end(), '|', ' ');
+                expected.push_back(head + (isList ? " 54324=1 " : " ") + held);
+            }
         if (expected.empty()) expected.push_back(head + (isRefused ? " " + row.answer : ""));
         running.user = row.user;
         EXPECT_EQ(running.Ask(request), expected) << "expected: " << row.answer;

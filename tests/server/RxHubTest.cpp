@@ -93,63 +93,49 @@ TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
 }
 
 TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
-    using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
-    // Own orders are of USER1, BROKER, CL1; another session's of USER2, BROKER, CL2.
-    const Subscription::value_type stream{kTagStream, "PLANFOLD"};
-    const Subscription::value_type anyNumber{kTagRegistrationNumber, ""};
     const struct {
-        const char* what;
         int kind;
-        std::vector<Subscription> subscriptions;
-        bool own;
-        bool other;
+        std::vector<std::string> subscriptions;
+        const char* delivered; // of an order of USER1, BROKER, CL1 ("own") and one of USER2, BROKER, BR2, CL2
     } rows[] = {
-        {"empty broker", 2, {{stream, anyNumber, {kTagBroker, ""}}}, true, false},
-        {"empty login", 1, {{{kTagUser, ""}, anyNumber}}, true, false},
-        {"broker", 2, {{stream, anyNumber, {kTagBroker, "BROKER"}}}, true, true},
-        {"broker", 1, {{{kTagBroker, "BROKER"}, anyNumber}}, true, true},
-        {"other broker", 1, {{{kTagBroker, "OTHER"}, anyNumber}}, false, false},
-        {"branch", 1, {{{kTagBranch, "BR2"}, anyNumber}}, false, true},
-        {"own login", 1, {{{kTagUser, "USER1"}, anyNumber}}, true, false},
-        {"other login", 2, {{stream, anyNumber, {kTagUser, "USER2"}}}, false, true},
-        {"part of a login", 2, {{stream, anyNumber, {kTagUser, "USER"}}}, false, false},
-        {"own account", 2, {{stream, anyNumber, {kTagAccount, "CL1"}}}, true, false},
-        {"other's account", 2, {{stream, anyNumber, {kTagAccount, "CL2"}}}, false, true},
-        {"login and account",
-         2,
-         {{stream, anyNumber, {kTagUser, "USER1"}, {kTagAccount, "CL2"}}},
-         false,
-         false},
-        {"other stream", 2, {{{kTagStream, "OTHER"}, {kTagAccount, "CL1"}}}, false, false},
-        {"several accounts, some twice",
-         2,
-         {{stream, {kTagAccount, "CL1"}}, {stream, {kTagAccount, "CL2"}}, {stream, {kTagAccount, "CL1"}}},
-         true,
-         true},
-        {"overlapping", 2, {{stream, {kTagAccount, "CL1"}}, {stream, {kTagUser, "USER1"}}}, true, false},
+        {2, {"54211=PLANFOLD|64804=|64056="}, "own"},
+        {1, {"31003=|64804="}, "own"},
+        {2, {"54211=PLANFOLD|64804=|64056=BROKER"}, "own other"},
+        {1, {"64056=BROKER|64804="}, "own other"},
+        {1, {"64056=NOBODY|64804="}, ""},
+        {1, {"64053=BR2|64804="}, "other"},
+        {1, {"31003=USER1|64804="}, "own"},
+        {2, {"54211=PLANFOLD|64804=|31003=USER2"}, "other"},
+        {2, {"54211=PLANFOLD|64804=|31003=USER"}, ""},
+        {2, {"54211=PLANFOLD|64804=|54001=CL1"}, "own"},
+        {2, {"54211=PLANFOLD|64804=|54001=CL2"}, "other"},
+        {2, {"54211=PLANFOLD|64804=|31003=USER1|54001=CL2"}, ""},
+        {2, {"54211=NONE|54001=CL1"}, ""},
+        {2, {"54211=PLANFOLD|54001=CL1", "54211=PLANFOLD|54001=CL2", "54211=PLANFOLD|54001=CL1"}, "own other"},
+        {2, {"54211=PLANFOLD|54001=CL1", "54211=PLANFOLD|31003=USER1"}, "own"},
     };
+    const std::pair<const char*, std::string> orders[] = {{"own", ""},
+                                                          {"other", "31003=USER2|64053=BR2|54001=CL2"}};
     RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"});
     RxControl* senders[] = {m_hub.Get(kRxRequests, &m_one), otherHub.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
         RxControl* control = m_hub.Get(row.kind, &m_two);
-        for (const Subscription& subscription : row.subscriptions)
-            ASSERT_TRUE(Subscribe(control, subscription)) << row.what << ": " << m_error.text;
-        const Fields whose[] = {
-            {},
-            {{kTagUser, "USER2"}, {kTagBranch, "BR2"}, {kTagAccount, "CL2"}},
-        };
-        for (const bool isOther : {false, true}) {
-            Fields changes = whose[isOther];
+        for (const std::string& subscription : row.subscriptions) {
+            const Fields fields = FieldsOf(subscription);
+            ASSERT_TRUE(Subscribe(control, {fields.begin(), fields.end()})) << subscription << m_error.text;
+        }
+        for (const auto& [name, fields] : orders) {
+            Fields changes = FieldsOf(fields);
             changes[kTagRequestIdentifier] = "id" + std::to_string(++order);
-            ASSERT_TRUE(Send(senders[isOther], Order(changes)));
+            ASSERT_TRUE(Send(senders[&fields != &orders[0].second], Order(changes)));
             otherHub.Pump(0);
             m_hub.Pump(0);
             Log expected{"one answer add_sip_orders"};
-            if (isOther ? row.other : row.own)
+            if (std::string(row.delivered).find(name) != std::string::npos)
                 expected.push_back("two stream "
                                    + std::string(m_running.server->Registrations().back().Number()));
-            EXPECT_EQ(Taken(), expected) << row.what << (isOther ? ", other's order" : ", own order");
+            EXPECT_EQ(Taken(), expected) << name << " for " << row.subscriptions[0];
         }
         m_hub.Destroy(control);
     }

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,15 @@ private:
 };
 
 using Fields = std::map<std::uint32_t, std::string>;
+
+// "tag=text|tag=text"
+inline Fields FieldsOf(const std::string& text) {
+    Fields fields;
+    std::istringstream pieces(text);
+    for (std::string piece; std::getline(pieces, piece, '|');)
+        fields[static_cast<std::uint32_t>(std::stoul(piece))] = piece.substr(piece.find('=') + 1);
+    return fields;
+}
 
 // An order that the server accepts.
 inline Fields GoodOrder() {
