@@ -162,6 +162,17 @@ void DragBook(int x, int y, bool drop) {
     if (drop) Mouse(WM_LBUTTONUP, to);
 }
 
+// A button pressed and let go, or a double click, on the book's caption; `x` from its left, or from its right
+// when negative.
+void ClickBook(int x, UINT message) {
+    RECT pane{};
+    GetWindowRect(g_panes[0], &pane);
+    const POINT point{x < 0 ? pane.right + x : pane.left + x, pane.top - 10};
+    Mouse(WM_MOUSEMOVE, point);
+    Mouse(message, point);
+    Mouse(WM_LBUTTONUP, point);
+}
+
 constexpr struct {
     const char* entry;
     void (*run)();
@@ -171,6 +182,9 @@ constexpr struct {
     {"End Book", [] { DestroyWindow(g_panes[0]); }},
     {"Drag Book to the Left", [] { DragBook(12, 450, true); }},
     {"Drag Book to the Middle", [] { DragBook(500, 350, true); }},
+    {"Click Book's Close Button", [] { ClickBook(-10, WM_LBUTTONDOWN); }},
+    {"Click Book's Float Button", [] { ClickBook(-34, WM_LBUTTONDOWN); }},
+    {"Double-click Book's Caption", [] { ClickBook(60, WM_LBUTTONDBLCLK); }},
     {"Hold Book over the Right", [] { DragBook(985, 450, false); }},
 };
 

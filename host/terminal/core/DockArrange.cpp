@@ -144,6 +144,7 @@ DockRect DockLayout::PreviewOf(PaneId id, const DockTarget& target) const {
 }
 
 void DockLayout::DragSplitter(std::size_t index, const DockPoint& corner) {
+    if (index >= m_groups.size()) return; // its panes may have ended under the mouse
     DockGroup& group = m_groups[index];
     int size = 0;
     switch (group.side) {

@@ -72,7 +72,7 @@ std::optional<LRESULT> FloatWindow::OnMessage(UINT message, WPARAM wParam, LPARA
         return 0;
     case WM_MOVING:
         m_moved = true;
-        m_site.DragOver(m_pane, *reinterpret_cast<const RECT*>(lParam));
+        m_site.DragOver(m_pane, {}); // where it floats, it is seen itself
         return TRUE;
     case WM_EXITSIZEMOVE:
         m_site.OnFloatMoved(m_pane, m_moved);

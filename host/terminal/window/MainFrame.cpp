@@ -14,6 +14,7 @@ namespace {
 constexpr int kSplitter = 5;
 constexpr int kClientBarHeight = 38;
 constexpr int kLeastWatchHeight = 90;
+constexpr int kLeastDockingHeight = 330; // with panes at it
 constexpr int kLogHeight = 170;
 constexpr int kLeastLogHeight = 90;
 constexpr int kLeastPoints = 6;
@@ -256,7 +257,9 @@ void MainFrame::TellPanes(const std::string& command) {
 void MainFrame::LayOut() {
     auto& bands = m_layout.Bands();
     if (bands.empty() || IsIconic(Handle())) return;
-    bands[middleBand].shown = m_watchShown || m_docking.Layout().ShowsDocked();
+    const bool docked = m_docking.Layout().ShowsDocked();
+    bands[middleBand].shown = m_watchShown || docked;
+    bands[middleBand].least = Scale().Pixels(docked ? kLeastDockingHeight : kLeastWatchHeight);
     bands[logBand].shown = m_logShown;
     const RECT client = Self().ClientRect();
     RECT status{};
