@@ -1,45 +1,16 @@
 // The form, the connection library and the trading server together: what a dealer sees of one order.
 
-#include "host/server/Journal.h"
-#include "host/server/RxHub.h"
 #include "plugin/messaging/Subscriptions.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
-#include "tests/plugin/Doubles.h"
+#include "tests/plugin/FlowStage.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace planfold::test {
 namespace {
 
-constexpr LocalDateTime kNow{2027, 1, 10, 15, 30, 0};
-
-class TemporaryFile {
-public:
-    TemporaryFile()
-        : m_path(std::filesystem::temp_directory_path()
-                 / ("planfold-flow-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
-        std::filesystem::remove(m_path);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { std::filesystem::remove(m_path); }
-
-    const std::filesystem::path& Path() const { return m_path; }
-    std::string Text() const {
-        std::ifstream file(m_path, std::ios::binary);
-        return (std::ostringstream() << file.rdbuf()).str();
-    }
-
-private:
-    std::filesystem::path m_path;
-};
-
-class FlowTest : public ::testing::Test, public Stage, public CKeloRxNotifierBase {
+class FlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
 protected:
     void SetUp() override {
         view.controls[IDC_SERIES].items = {"EQ"};
@@ -66,25 +37,12 @@ protected:
         view.SetText(IDC_PERIOD, periods);
         entry.Submit(kNow);
     }
-    void Pump() { hub.Pump(now += 1000); }
-    static vesk::ServerClock Clock() {
-        return {[] { return ToSeconds(kNow); },
-                [](std::int64_t seconds) {
-                    const LocalDateTime local = ToLocal(seconds);
-                    return std::chrono::year(local.year) / local.month / local.day;
-                }};
-    }
 
     DialogDouble view;
-    TemporaryFile journalFile;
-    vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
-    vesk::Server server{{}, *opening.journal, opening.records, Clock()};
-    vesk::RxHub hub{server, {"DEALER1", "BROKER", "BRANCH"}};
     RxControl* requests = hub.Get(kRxRequests, this);
     RxControl* stream = hub.Get(kRxAccountStream, this);
     OrderEntry entry{session, view, requests};
     std::vector<std::string> streamed;
-    std::int64_t now = 0;
 };
 
 TEST_F(FlowTest, AnOrderIsRegisteredJournalledAnsweredAndStreamed) {

@@ -1,0 +1,253 @@
+// The registration book, the connection library and the trading server together, with other sessions beside.
+
+#include "host/server/SampleOrders.h"
+#include "tests/plugin/BookDouble.h"
+#include "tests/plugin/FlowStage.h"
+
+#include <gtest/gtest.h>
+
+namespace planfold::test {
+namespace {
+
+// Sends requests as another terminal would.
+class Terminal final : public CKeloRxNotifierBase {
+public:
+    Terminal(vesk::Server& server, const vesk::UserIdentity& user)
+        : m_user(user), m_hub(server, user), m_control(m_hub.Get(kRxRequests, this)) {}
+
+    void Send(const std::vector<std::pair<std::uint32_t, std::string>>& fields) {
+        qmx::MessageWriter writer;
+        for (const auto& [tag, text] : fields)
+            writer.Add(tag, text);
+        const std::string bytes = writer.Finish();
+        const qmx::MessageReader reader(bytes);
+        std::uint64_t number = 0;
+        QmxError error{};
+        m_control->SendRequest(&number, reader.Handle(), 0, &error);
+        m_hub.Pump(m_now += 1000);
+    }
+    // The number of the order.
+    std::string Place(const vesk::Server& server, const char* account) {
+        Send({{0, "add_sip_orders"},
+              {63001, "nse_cm"},
+              {10100, "1013"},
+              {63100, "ARBORTEX-EQ"},
+              {12003, "B"},
+              {12008, "MKT"},
+              {64030, "CNC"},
+              {54152, "value"},
+              {53063, "123450"},
+              {10012, "monthly"},
+              {49165, std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay)},
+              {63415, "12"},
+              {31003, m_user.loginId},
+              {54056, "C"},
+              {54001, account},
+              {12005, "DAY"},
+              {64056, m_user.peerIdA},
+              {64053, m_user.peerIdB},
+              {54158, "id" + std::to_string(++m_orders) + m_user.loginId},
+              {64756, "TWS"}});
+        return std::string(server.Registrations().back().Number());
+    }
+
+    void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
+    void OnResponse(void*, void*, void*) noexcept override {}
+
+private:
+    vesk::UserIdentity m_user;
+    vesk::RxHub m_hub;
+    RxControl* m_control;
+    std::int64_t m_now = 0;
+    int m_orders = 0;
+};
+
+struct BookLine final : CKeloRxNotifierBase {
+    void OnResponse(void*, void* message, void*) noexcept override { book->OnResponse(message); }
+    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override { book->OnBroadcast(message); }
+
+    OrderBook* book = nullptr;
+};
+
+class BookFlowTest : public ::testing::Test, public FlowStage {
+protected:
+    void SetUp() override { line.book = &book; }
+    void Open() {
+        book.Open(kNow);
+        Pump();
+    }
+    void Select(const std::string& number) { view.registered.selected = {book.Records().Find(number)}; }
+    std::string Lists() const { return Numbers(book, view.registered) + "|" + Numbers(book, view.cancelled); }
+    std::string_view Text(OrderField field, const std::string& number) const {
+        return book.Records()[book.Records().Find(number)].Text(field);
+    }
+
+    BookDouble view;
+    BookLine line;
+    OrderBook book{
+        session,
+        view,
+        {hub.Get(kRxRequests, &line), hub.Get(kRxIdentityStream, &line), hub.Get(kRxAccountStream, &line)}};
+    Terminal own{server, {"DEALER1", "BROKER", "BRANCH"}};
+    Terminal colleague{server, {"DEALER2", "BROKER", "BRANCH"}};
+    Terminal stranger{server, {"DEALER9", "ELSEWHERE", "FAR"}};
+};
+
+TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
+    session.m_nLoginMode = 1;
+    const std::string before = own.Place(server, "C001");
+    Open();
+    EXPECT_EQ(Lists(), before + "|");
+    EXPECT_EQ(session.m_nSipOperationMode, 1);
+    const std::string after = own.Place(server, "C002");
+    const std::string theirs = colleague.Place(server, "C001");
+    stranger.Place(server, "C003");
+    Pump();
+    EXPECT_EQ(Lists(), theirs + " " + after + " " + before + "|");
+    const std::pair<OrderField, const char*> cells[] = {
+        {OrderField::exchange, "NSE"},
+        {OrderField::action, "SIP"},
+        {OrderField::orderType, "MARKET"},
+        {OrderField::amount, "1234.50"},
+        {OrderField::quantity, ""},
+        {OrderField::startDate, "15-Jan-2027"},
+        {OrderField::installmentsRegistered, "12"},
+        {OrderField::totalPeriod, ""},
+        {OrderField::endDate, "15-Dec-2027"},
+        {OrderField::accountName, "Second Client"},
+        {OrderField::sipStatus, "active"},
+        {OrderField::userId, "DEALER1"},
+    };
+    for (const auto& [field, text] : cells)
+        EXPECT_EQ(Text(field, after), text);
+
+    own.Send({{0, "pause_sip_order"}, {64804, before}});
+    Pump();
+    EXPECT_EQ(Text(OrderField::sipStatus, before), "Paused");
+    own.Send({{0, "modify_sip_order"}, {64804, before}, {53063, "50000"}, {63415, "24"}});
+    Pump();
+    EXPECT_EQ(Text(OrderField::amount, before), "500.00");
+    EXPECT_EQ(Text(OrderField::installmentsRegistered, before), "24");
+    own.Send({{0, "cancel_sip_order"}, {64804, after}, {32760, after}, {20008, "gone"}, {49281, "DEALER1"}});
+    Pump();
+    EXPECT_EQ(Lists(), theirs + " " + before + "|" + after);
+    EXPECT_EQ(Text(OrderField::remarks, after), "gone");
+    EXPECT_EQ(Text(OrderField::cancelledBy, after), "DEALER1");
+    EXPECT_EQ(Text(OrderField::cancelledDate, after), "10-Jan-2027");
+    EXPECT_EQ(host.log.back(), after + " Order Cancelled ");
+    EXPECT_EQ(view.boxes, Texts{}) << "a stream opens no box";
+    book.Refresh();
+    Pump();
+    EXPECT_EQ(Lists(), theirs + " " + before + "|" + after) << "asking again adds nothing twice";
+}
+
+TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
+    session.m_nLoginMode = 1;
+    const std::string first = own.Place(server, "C001");
+    const std::string second = own.Place(server, "C002");
+    Open();
+    view.reason = "wish";
+    Select(first);
+    book.Actions().Pause();
+    Pump();
+    EXPECT_EQ(view.boxes.size(), 1u) << "the server's text";
+    EXPECT_EQ(Text(OrderField::sipStatus, first), "Paused");
+    book.Actions().Resume();
+    Pump();
+    EXPECT_EQ(Text(OrderField::sipStatus, first), "active");
+    view.boxes.clear();
+    host.log.clear();
+    book.Actions().Cancel();
+    Pump();
+    EXPECT_EQ(Lists(), second + "|" + first);
+    EXPECT_EQ(view.boxes, Texts{first + " Order Cancelled "});
+    EXPECT_EQ(host.log, (Texts{"Sending request to cancel " + first, first + " Order Cancelled "}));
+    EXPECT_EQ(Text(OrderField::remarks, first), "wish");
+
+    // Refused, delayed beyond a change of the selection, and silent.
+    host.log.clear();
+    server.Config().faults["pause_sip_order"] = {.errorCode = "77"};
+    Select(second);
+    book.Actions().Pause();
+    Pump();
+    EXPECT_EQ(host.log.back(), "Error in response : pause_sip_order . Error Code : 77");
+    server.Config().faults["cancel_sip_order"] = {.errorCode = {}, .silent = true};
+    host.uuid = "another";
+    book.Actions().Cancel();
+    Pump();
+    EXPECT_EQ(Lists(), "|" + second + " " + first) << "the stream tells what the answer did not";
+}
+
+TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
+    host.accounts = {"C001", "C002"};
+    struct Row {
+        int mode;
+        int overview;
+        const char* heard; // of own, colleague's and stranger's orders
+        const char* history;
+    };
+    const Row rows[] = {
+        {0, 0, "own ", "own colleague "},
+        {1, 0, "own colleague ", "own colleague "},
+        {2, 0, "own colleague ", "own colleague "},
+        {3, 1, "own colleague stranger ", "own "},
+        {3, 0, "own ", "own "},
+        {4, 1, "own colleague stranger ", "own "},
+        {4, 0, "own ", "own "},
+        {7, 1, "own ", "own "},
+    };
+    const std::pair<const char*, Terminal*> terminals[] = {
+        {"own ", &own}, {"colleague ", &colleague}, {"stranger ", &stranger}};
+    for (const Row& row : rows) {
+        // Cancelled ones come by the history, new ones by the stream.
+        std::vector<std::string> cancelled;
+        for (const auto& [name, terminal] : terminals) {
+            cancelled.push_back(terminal->Place(server, "C001"));
+            terminal->Send({{0, "cancel_sip_order"},
+                            {64804, cancelled.back()},
+                            {32760, cancelled.back()},
+                            {54158, cancelled.back()},
+                            {20008, "x"}});
+        }
+        session.m_nLoginMode = row.mode;
+        host.clientOverview = row.overview;
+        BookDouble seen;
+        BookLine its;
+        RxControl* controls[] = {hub.Get(kRxRequests, &its), hub.Get(kRxIdentityStream, &its),
+                                 hub.Get(kRxAccountStream, &its)};
+        OrderBook fresh(session, seen, {controls[0], controls[1], controls[2]});
+        its.book = &fresh;
+        fresh.Open(kNow);
+        Pump();
+        std::string heard, history;
+        for (std::size_t i = 0; i < std::size(terminals); ++i) {
+            if (fresh.Records().Find(cancelled[i]) != kNoRecord) history += terminals[i].first;
+            const std::string number = terminals[i].second->Place(server, "C002");
+            Pump();
+            if (fresh.Records().Find(number) != kNoRecord) heard += terminals[i].first;
+        }
+        EXPECT_EQ(heard, row.heard) << row.mode << " " << row.overview;
+        EXPECT_EQ(history, row.history) << row.mode << " " << row.overview;
+        for (RxControl* one : controls)
+            hub.Destroy(one);
+    }
+}
+
+TEST_F(BookFlowTest, AFullServerFillsTheBookOnce) {
+    session.m_nLoginMode = 3;
+    vesk::FillPlan plan{3000, {{"DEALER1", "BROKER", "BRANCH"}, {"DEALER2", "BROKER", "BRANCH"}}, {}};
+    plan.market.accounts = {"C001", "C002"};
+    plan.market.scrips = {{"nse_cm", "1013", "ARBORTEX-EQ"}};
+    ASSERT_EQ(server.Fill(plan), "");
+    Open();
+    std::size_t count = 0;
+    for (const vesk::Registration& registration : server.Registrations()) {
+        const bool mine = registration.Text(31003) == "DEALER1";
+        count += mine;
+        EXPECT_EQ(book.Records().Find(registration.Number()) != kNoRecord, mine);
+    }
+    EXPECT_EQ(view.registered.rows.size() + view.cancelled.rows.size(), count);
+}
+
+} // namespace
+} // namespace planfold::test

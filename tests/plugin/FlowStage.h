@@ -1,0 +1,59 @@
+// The plug-in's core over the real connection library and trading server.
+#pragma once
+
+#include "host/server/Journal.h"
+#include "host/server/RxHub.h"
+#include "tests/plugin/Doubles.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace planfold::test {
+
+inline constexpr LocalDateTime kNow{2027, 1, 10, 15, 30, 0};
+
+class TemporaryFile {
+public:
+    TemporaryFile()
+        : m_path(std::filesystem::temp_directory_path()
+                 / ("planfold-flow-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
+        std::filesystem::remove(m_path);
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() { std::filesystem::remove(m_path); }
+
+    const std::filesystem::path& Path() const { return m_path; }
+    std::string Text() const {
+        std::ifstream file(m_path, std::ios::binary);
+        return (std::ostringstream() << file.rdbuf()).str();
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+inline vesk::ServerClock FlowClock() {
+    return {[] { return ToSeconds(kNow); },
+            [](std::int64_t seconds) {
+                const LocalDateTime local = ToLocal(seconds);
+                return std::chrono::year(local.year) / local.month / local.day;
+            }};
+}
+
+struct FlowStage : Stage {
+    void Pump() {
+        do
+            hub.Pump(now += 1000);
+        while (hub.Waiting() > 0);
+    }
+
+    TemporaryFile journalFile;
+    vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
+    vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
+    vesk::RxHub hub{server, {"DEALER1", "BROKER", "BRANCH"}};
+    std::int64_t now = 0;
+};
+
+} // namespace planfold::test
