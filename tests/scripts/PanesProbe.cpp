@@ -167,6 +167,7 @@ void DragBook(int x, int y, bool drop) {
 void ClickBook(int x, UINT message) {
     RECT pane{};
     GetWindowRect(g_panes[0], &pane);
+    x = MulDiv(x, static_cast<int>(GetDpiForWindow(Frame())), USER_DEFAULT_SCREEN_DPI);
     const POINT point{x < 0 ? pane.right + x : pane.left + x, pane.top - 10};
     Mouse(WM_MOUSEMOVE, point);
     Mouse(message, point);
