@@ -1,19 +1,25 @@
 #include "host/korvexcontrols/CommonListCtrl.h"
 
 #include "framework/Guard.h"
+#include "host/korvexcontrols/RecoveryFiles.h"
 
-#include <string>
+#include <windows.h>
 
 namespace {
 
-struct RecoveryFiles {
+struct RecoveryPaths {
     std::string userSettings;
     std::string dialogPositions;
 };
 
-RecoveryFiles& CurrentRecoveryFiles() {
-    static RecoveryFiles files;
-    return files;
+RecoveryPaths& CurrentPaths() {
+    static RecoveryPaths paths;
+    return paths;
+}
+
+const std::string& PathOf(korvex::RecoveryFile file) {
+    const RecoveryPaths& paths = CurrentPaths();
+    return file == korvex::RecoveryFile::userSettings ? paths.userSettings : paths.dialogPositions;
 }
 
 } // namespace
@@ -22,8 +28,23 @@ void CCommonListCtrl::SetRecoveryFiles(CString* userSettings, CString* dialogPos
     framework::Guard([&] {
         const TakenString userSettingsPath(userSettings);
         const TakenString dialogPositionsPath(dialogPositions);
-        RecoveryFiles& files = CurrentRecoveryFiles();
-        files.userSettings = userSettingsPath.View();
-        files.dialogPositions = dialogPositionsPath.View();
+        RecoveryPaths& paths = CurrentPaths();
+        paths.userSettings = userSettingsPath.View();
+        paths.dialogPositions = dialogPositionsPath.View();
     });
+}
+
+std::string korvex::ReadRecovered(RecoveryFile file, const char* section, const std::string& key) {
+    const std::string& path = PathOf(file);
+    if (path.empty() || key.empty()) return {};
+    char text[4096];
+    const DWORD length = GetPrivateProfileStringA(section, key.c_str(), "", text, sizeof text, path.c_str());
+    return {text, length};
+}
+
+void korvex::WriteRecovered(RecoveryFile file, const char* section, const std::string& key,
+                            const std::string& text) {
+    const std::string& path = PathOf(file);
+    if (!path.empty() && !key.empty())
+        WritePrivateProfileStringA(section, key.c_str(), text.c_str(), path.c_str());
 }

@@ -4,24 +4,21 @@
 #include "host/korvexcontrols/ListWindow.h"
 
 #include <algorithm>
-#include <new>
 
 using framework::Guard;
-using korvex::kNone;
 
-CFilterListCtrl::CFilterListCtrl() noexcept
-    : m_impl(Guard(static_cast<Impl*>(nullptr), [&] { return new Impl(*this); })) {}
+CFilterListCtrl::CFilterListCtrl() noexcept : m_impl(Impl::Make(*this)) {}
 
 CFilterListCtrl::~CFilterListCtrl() {
-    delete m_impl;
+    Guard([&] { m_impl->Release(); });
 }
 
 bool CFilterListCtrl::Attach(const Args& args) noexcept {
-    return Guard(false, [&] { return m_impl && m_impl->Attach(args); });
+    return Guard(false, [&] { return m_impl->Attach(args); });
 }
 
 HWND CFilterListCtrl::Handle() const noexcept {
-    return m_impl ? m_impl->Handle() : nullptr;
+    return m_impl->Handle();
 }
 
 void CFilterListCtrl::InsertFront(std::uint32_t record) noexcept {
@@ -105,14 +102,17 @@ void CFilterListCtrl::SetOwnerFilter(std::int32_t column, const char* text) noex
     Guard([&] { m_impl->SetOwnerFilter(column, text); });
 }
 
-void CFilterListCtrl::AppendMenuEntries(HMENU) noexcept {}
+void CFilterListCtrl::AppendMenuEntries(HMENU menu) noexcept {
+    Guard([&] { m_impl->AppendMenuEntries(menu); });
+}
 
-bool CFilterListCtrl::HandleCommand(std::uint32_t) noexcept {
-    return false;
+bool CFilterListCtrl::HandleCommand(std::uint32_t command) noexcept {
+    return Guard(false, [&] { return m_impl->HandleCommand(command); });
 }
 
 bool CFilterListCtrl::HandleNotify(const NMHDR* notification, LRESULT* result) noexcept {
     return Guard(false, [&] {
+        const auto held = m_impl->Hold();
         const auto answer = m_impl->HandleNotify(*notification);
         if (answer) *result = *answer;
         return answer.has_value();

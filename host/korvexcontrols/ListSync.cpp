@@ -109,6 +109,14 @@ ListSync::Before ListSync::Remember() {
     return before;
 }
 
+void ListSync::AnchorFocus(Before& before) {
+    before.anchors.clear();
+    const auto focused = std::ranges::find(before.lines, true, &Before::Line::focused);
+    if (focused == before.lines.end()) return;
+    before.anchorLine = static_cast<std::uint32_t>(focused - before.lines.begin());
+    before.anchors.push_back(focused->record);
+}
+
 // The top row with which the anchor stands in its line.
 std::uint32_t ListSync::TopFor(const Before& before) const {
     for (std::uint32_t i = 0; i < before.anchors.size(); ++i) {
@@ -136,6 +144,14 @@ void ListSync::SetCount() {
     m_count = count;
 }
 
+// A list without rows has none selected, at any length at once.
+void ListSync::SelectNone() {
+    for (const std::uint32_t count : {0u, m_count})
+        m_list.Send(LVM_SETITEMCOUNT, count, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    m_selected.Clear();
+    m_focusedRow = kNone;
+}
+
 // Toggles the rows that differ, or begins with none or all selected where that is less to do.
 void ListSync::SetSelection() {
     constexpr auto allRows = static_cast<std::uint32_t>(-1);
@@ -143,10 +159,12 @@ void ListSync::SetSelection() {
     RowRanges difference = RowRanges::Difference(m_selected, wanted);
     const std::uint32_t fewest = std::min(wanted.Count(), m_count - wanted.Count()) + 1;
     if (difference.Count() > fewest) {
-        const bool all = wanted.Count() > m_count / 2;
-        SetState(allRows, all ? LVIS_SELECTED : 0, LVIS_SELECTED);
-        m_selected.Clear();
-        if (all) m_selected.Set(0, m_count, true);
+        if (wanted.Count() > m_count / 2) {
+            SetState(allRows, LVIS_SELECTED, LVIS_SELECTED);
+            m_selected.Set(0, m_count, true);
+        } else {
+            SelectNone();
+        }
         difference = RowRanges::Difference(m_selected, wanted);
     }
     for (const RowRanges::Range& range : difference.Ranges())

@@ -36,6 +36,8 @@ public:
         std::vector<std::uint32_t> anchors;
     };
     Before Remember();
+    // The focused record keeps its line when it is on the screen; else the list stays where it is scrolled.
+    static void AnchorFocus(Before& before);
     // After the model has changed; `record` is repainted where it stands.
     void Follow(const Before& before, std::uint32_t record = kNone);
     void RepaintAll() const;
@@ -58,6 +60,7 @@ private:
     std::uint32_t RowUnderMouse() const;
     std::uint32_t TopFor(const Before& before) const;
     void SetCount();
+    void SelectNone();
     void SetSelection();
     void SetFocusAndMark(const Before& before);
     void SetState(std::uint32_t row, UINT state, UINT mask) const;

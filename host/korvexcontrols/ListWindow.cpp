@@ -1,33 +1,92 @@
 #include "host/korvexcontrols/ListWindow.h"
 
+#include "host/korvexcontrols/ListLook.h"
+#include "host/korvexcontrols/model/Text.h"
+
+#include <windowsx.h>
+
 #include <algorithm>
 #include <cstring>
 
 using korvex::Change;
+using korvex::kNone;
+
+namespace {
+
+// Column changes are in force only after their notification.
+constexpr UINT kSaveColumns = WM_APP + 1;
+constexpr std::uint32_t kLargeSelection = 1000;
+
+int CopyNarrow(std::string_view text, char* to, int most) {
+    const std::size_t length = std::min(text.size(), static_cast<std::size_t>(most));
+    std::memcpy(to, text.data(), length);
+    return static_cast<int>(length);
+}
+
+int CopyWide(std::string_view text, wchar_t* to, int most) {
+    const int length = static_cast<int>(std::min(text.size(), static_cast<std::size_t>(most)));
+    return MultiByteToWideChar(CP_ACP, 0, text.data(), length, to, most);
+}
+
+template <class Item, class Copy>
+void Answer(Item& item, std::string_view text, Copy&& copy) {
+    if (!(item.mask & LVIF_TEXT) || !item.pszText || item.cchTextMax <= 0) return;
+    item.pszText[std::max(copy(text, item.pszText, item.cchTextMax - 1), 0)] = 0;
+}
+
+std::string Narrow(const wchar_t* text) {
+    char narrow[512];
+    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
+    return length > 0 ? std::string(narrow) : std::string();
+}
+
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+} // namespace
+
+CFilterListCtrl::Impl* CFilterListCtrl::Impl::Make(CFilterListCtrl& face) {
+    auto made = std::make_shared<Impl>();
+    made->m_face = &face;
+    made->m_self = made;
+    return made.get();
+}
 
 bool CFilterListCtrl::Impl::Attach(const Args& args) {
     if (!Subclass::Attach(args.list)) return false;
     m_owner = args.owner;
+    m_firstCommand = args.firstCommand;
     m_name = args.name ? args.name : "";
-    const framework::Window list(args.list);
+    std::vector<korvex::ListHeader::Column> columns;
     for (std::int32_t i = 0; i < args.columnCount; ++i) {
         const KorvexColumn& column = args.columns[i];
-        LVCOLUMNA insert{};
-        insert.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        insert.fmt = column.rightAligned ? LVCFMT_RIGHT : LVCFMT_LEFT;
-        insert.cx = framework::Scaled(column.width, list.Dpi());
-        insert.pszText = const_cast<char*>(column.heading);
-        list.Send(LVM_INSERTCOLUMNA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&insert));
+        columns.push_back({column.heading ? column.heading : "", column.width, column.rightAligned != 0,
+                           static_cast<korvex::ValueType>(column.valueType)});
     }
+    m_header.Attach(args.list, std::move(columns), m_name);
     constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP;
-    list.Send(LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
+    SendMessageA(args.list, LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
+    m_header.ShowSort(m_model.Sort());
     m_sync.Attach(args.list);
     return true;
+}
+
+void CFilterListCtrl::Impl::Release() {
+    const auto last = std::move(m_self);
+    m_header.Save();
+    Detach();
+    OnGone();
+    m_face = nullptr;
+    m_owner = nullptr;
 }
 
 // The rows stay, and are there again when the list is attached to another window.
 void CFilterListCtrl::Impl::OnGone() {
     m_sync.Detach();
+    m_header.Detach();
+    if (m_filterDialog) m_filterDialog->Destroy();
+    if (m_findDialog) m_findDialog->Destroy();
 }
 
 void CFilterListCtrl::Impl::Cells(std::span<const std::uint32_t> records, std::int32_t column,
@@ -41,8 +100,11 @@ void CFilterListCtrl::Impl::Cells(std::span<const std::uint32_t> records, std::i
             m_fetched[i].data ? std::string_view(m_fetched[i].data, m_fetched[i].length) : std::string_view();
 }
 
-template <class Operation>
-void CFilterListCtrl::Impl::Apply(Operation&& operation) {
+void CFilterListCtrl::Impl::TellShownRowsChanged() {
+    if (m_owner && m_face) m_owner->ShownRowsChanged(m_face);
+}
+
+void CFilterListCtrl::Impl::Apply(const Operation& operation) {
     if (m_changes) {
         m_changed |= operation().kind != Change::nothing;
         return;
@@ -50,9 +112,27 @@ void CFilterListCtrl::Impl::Apply(Operation&& operation) {
     const auto before = m_sync.Remember();
     const Change change = operation();
     if (change.kind == Change::nothing) return;
-    m_sync.Follow(before, change.kind == Change::repainted ? m_model.ShownAt(change.row) : korvex::kNone);
-    if (change.kind == Change::everything) m_sync.RepaintAll();
-    if (m_owner) m_owner->ShownRowsChanged(&m_face);
+    m_sync.Follow(before, change.kind == Change::repainted ? m_model.ShownAt(change.row) : kNone);
+    TellShownRowsChanged();
+}
+
+void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
+    if (m_changes) return Apply(operation);
+    auto before = m_sync.Remember();
+    korvex::ListSync::AnchorFocus(before);
+    operation();
+    m_sync.Follow(before);
+    m_sync.RepaintAll();
+    m_header.ShowSort(m_model.Sort());
+    m_header.Repaint();
+    TellShownRowsChanged();
+}
+
+void CFilterListCtrl::Impl::Select(const std::function<void()>& operation) {
+    if (m_changes) return operation();
+    const auto before = m_sync.Remember();
+    operation();
+    m_sync.Follow(before);
 }
 
 void CFilterListCtrl::Impl::InsertFront(std::uint32_t record) {
@@ -73,7 +153,7 @@ void CFilterListCtrl::Impl::Repaint(std::uint32_t record) {
 
 void CFilterListCtrl::Impl::SetOwnerFilter(std::int32_t column, const char* text) {
     const std::string_view view = text ? text : "";
-    Apply([&] { return m_model.SetOwnerFilter(column, text ? &view : nullptr); });
+    Rearrange([&] { return m_model.SetOwnerFilter(column, text ? &view : nullptr); });
 }
 
 void CFilterListCtrl::Impl::BeginChanges() {
@@ -83,72 +163,160 @@ void CFilterListCtrl::Impl::BeginChanges() {
 }
 
 void CFilterListCtrl::Impl::EndChanges() {
-    if (!m_changes || --m_changes || !m_changed) return;
+    if (!m_changes || --m_changes) return;
     m_sync.Follow(m_before);
+    if (!m_changed) return;
     m_sync.RepaintAll();
-    if (m_owner) m_owner->ShownRowsChanged(&m_face);
+    TellShownRowsChanged();
 }
 
 void CFilterListCtrl::Impl::SelectOnly(std::uint32_t record) {
-    const auto before = m_sync.Remember();
-    m_model.SelectOnly(record);
-    if (m_changes) return;
-    m_sync.Follow(before);
-    if (const std::uint32_t row = m_model.ShownRowOf(record); row != korvex::kNone) m_sync.EnsureVisible(row);
+    Select([&] { m_model.SelectOnly(record); });
+    const std::uint32_t row = m_model.ShownRowOf(record);
+    if (!m_changes && row != kNone) m_sync.EnsureVisible(row);
 }
 
 void CFilterListCtrl::Impl::Deselect(std::uint32_t record) {
-    const auto before = m_sync.Remember();
-    m_model.Deselect(record);
-    if (!m_changes) m_sync.Follow(before);
+    Select([&] { m_model.Deselect(record); });
 }
 
 std::string_view CFilterListCtrl::Impl::CellAt(int row, int column) {
-    const std::uint32_t record = row < 0 ? korvex::kNone : m_model.ShownAt(static_cast<std::uint32_t>(row));
-    std::string_view text;
-    if (record != korvex::kNone) Cells({&record, 1}, column, &text);
-    return text;
+    const std::uint32_t record = row < 0 ? kNone : m_model.ShownAt(static_cast<std::uint32_t>(row));
+    return record == kNone ? std::string_view() : Cell(record, column);
 }
 
-template <class Item, class Copy>
-void CFilterListCtrl::Impl::AnswerCell(Item& item, Copy&& copy) {
-    if (!(item.mask & LVIF_TEXT) || !item.pszText || item.cchTextMax <= 0) return;
-    const int length = copy(CellAt(item.iItem, item.iSubItem), item.pszText, item.cchTextMax - 1);
-    item.pszText[std::max(length, 0)] = 0;
+// The system draws what is selected.
+LRESULT CFilterListCtrl::Impl::DrawRow(NMLVCUSTOMDRAW& draw) {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || !m_owner) return CDRF_DODEFAULT;
+    const auto row = static_cast<std::uint32_t>(draw.nmcd.dwItemSpec);
+    const std::uint32_t record = m_model.ShownAt(row);
+    if (record != kNone && !m_model.Selection().Contains(row))
+        korvex::ColourRow(draw, m_owner->RowLook(record));
+    return CDRF_DODEFAULT;
 }
 
-namespace {
-
-int CopyNarrow(std::string_view text, char* to, int most) {
-    const std::size_t length = std::min(text.size(), static_cast<std::size_t>(most));
-    std::memcpy(to, text.data(), length);
-    return static_cast<int>(length);
+// Typing finds by the start of the first column from the left.
+int CFilterListCtrl::Impl::FindTyped(const LVFINDINFOA& find, int start) {
+    const auto shown = m_header.Shown();
+    const std::uint32_t count = m_model.ShownCount();
+    if (!(find.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.psz || shown.empty() || !count) return -1;
+    const std::string_view typed = find.psz;
+    const std::uint32_t from = start > 0 ? static_cast<std::uint32_t>(start) : 0;
+    if (from >= count && !(find.flags & LVFI_WRAP)) return -1;
+    const std::uint32_t steps = find.flags & LVFI_WRAP ? count : count - from;
+    const bool whole = !(find.flags & LVFI_PARTIAL);
+    const std::uint32_t row =
+        m_model.Find({from, steps, true, std::span(shown).first(1)}, [&](std::string_view cell) {
+            return korvex::StartsWithFolded(cell, typed) && (!whole || cell.size() == typed.size());
+        });
+    return row == kNone ? -1 : static_cast<int>(row);
 }
-
-int CopyWide(std::string_view text, wchar_t* to, int most) {
-    const int length = static_cast<int>(std::min(text.size(), static_cast<std::size_t>(most)));
-    return MultiByteToWideChar(CP_ACP, 0, text.data(), length, to, most);
-}
-
-} // namespace
 
 std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notification) {
     if (!Handle() || notification.hwndFrom != Handle()) return std::nullopt;
     auto& header = const_cast<NMHDR&>(notification);
+    const auto own = [&] { return m_sync.Busy() ? std::optional<LRESULT>(0) : std::nullopt; };
     switch (notification.code) {
-    case LVN_GETDISPINFOA:
-        AnswerCell(reinterpret_cast<NMLVDISPINFOA&>(header).item, CopyNarrow);
+    case LVN_GETDISPINFOA: {
+        auto& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
+        Answer(item, CellAt(item.iItem, item.iSubItem), CopyNarrow);
         return 0;
-    case LVN_GETDISPINFOW:
-        AnswerCell(reinterpret_cast<NMLVDISPINFOW&>(header).item, CopyWide);
+    }
+    case LVN_GETDISPINFOW: {
+        auto& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
+        Answer(item, CellAt(item.iItem, item.iSubItem), CopyWide);
         return 0;
+    }
     case LVN_ITEMCHANGED:
         m_sync.OnItemChanged(reinterpret_cast<const NMLISTVIEW&>(notification));
-        return m_sync.Busy() ? std::optional<LRESULT>(0) : std::nullopt;
+        return own();
     case LVN_ODSTATECHANGED:
         m_sync.OnRangeChanged(reinterpret_cast<const NMLVODSTATECHANGE&>(notification));
-        return m_sync.Busy() ? std::optional<LRESULT>(0) : std::nullopt;
+        return own();
+    case LVN_ODFINDITEMA: {
+        const auto& find = reinterpret_cast<const NMLVFINDITEMA&>(notification);
+        return FindTyped(find.lvfi, find.iStart);
+    }
+    case LVN_ODFINDITEMW: {
+        const auto& find = reinterpret_cast<const NMLVFINDITEMW&>(notification);
+        const std::string typed = find.lvfi.psz ? Narrow(find.lvfi.psz) : std::string();
+        return FindTyped({find.lvfi.flags, typed.c_str(), 0, {}, 0}, find.iStart);
+    }
+    case LVN_COLUMNCLICK: {
+        const std::int32_t column = reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem;
+        const bool adding = IsDown(VK_CONTROL) || IsDown(VK_SHIFT);
+        Rearrange([&] { return m_model.ClickHeading(column, TypeOf(column), adding); });
+        return 0;
+    }
+    case NM_CUSTOMDRAW:
+        return DrawRow(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
     default:
         return std::nullopt;
     }
+}
+
+// From the header.
+std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification) {
+    if (notification.hwndFrom != m_header.Handle()) return std::nullopt;
+    switch (notification.code) {
+    case NM_CUSTOMDRAW:
+        return m_header.Draw(reinterpret_cast<const NMCUSTOMDRAW&>(notification),
+                             [&](std::int32_t column) { return m_model.FilterOf(column) != nullptr; });
+    case NM_RCLICK:
+        ShowColumnMenu();
+        return 0;
+    case HDN_ENDTRACKA:
+    case HDN_ENDTRACKW:
+    case HDN_DIVIDERDBLCLICKA:
+    case HDN_DIVIDERDBLCLICKW:
+    case HDN_ENDDRAG:
+        PostMessageA(Handle(), kSaveColumns, 0, 0);
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_KEYDOWN:
+        return OnKey(wParam);
+    case WM_CHAR:
+        // Control keys are not typed text.
+        return wParam < ' ' && IsDown(VK_CONTROL) ? std::optional<LRESULT>(0) : std::nullopt;
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+        OnMouseDown({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+        if (message == WM_LBUTTONDOWN && m_clickedRecord != kNone && !(wParam & (MK_CONTROL | MK_SHIFT)))
+            DropLargeSelection();
+        return std::nullopt;
+    case WM_DESTROY:
+    case kSaveColumns:
+        m_header.Save();
+        return std::nullopt;
+    case WM_DPICHANGED_AFTERPARENT:
+        m_header.Rescale();
+        return std::nullopt;
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+        m_sync.RepaintAll();
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+void CFilterListCtrl::Impl::OnMouseDown(POINT place) {
+    LVHITTESTINFO hit{};
+    hit.pt = place;
+    SendMessageA(Handle(), LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    m_clickedRecord = hit.iItem < 0 ? kNone : m_model.ShownAt(static_cast<std::uint32_t>(hit.iItem));
+    ClientToScreen(Handle(), &place);
+    if (const std::int32_t column = m_header.ColumnAt(place); column >= 0) m_clickedColumn = column;
+}
+
+void CFilterListCtrl::Impl::DropLargeSelection() {
+    if (m_model.Selection().Count() < kLargeSelection) return;
+    Select([&] { m_model.SelectRows(0, kNone, false); });
 }

@@ -1,25 +1,30 @@
-// The list's own side of the control: cells, colours, menus, keys and columns over the model.
+// The list's own side of the control: cells, colours, menus, keys and boxes over the model.
+//
+// Owner callbacks, menus and boxes may end the window and even the list itself; whoever calls one is held until
+// it returns, and asks afterwards what is left.
 #pragma once
 
+#include "framework/MessageBoxes.h"
 #include "framework/Subclass.h"
+#include "host/korvexcontrols/FilterDialog.h"
 #include "host/korvexcontrols/FilterListCtrl.h"
+#include "host/korvexcontrols/FindDialog.h"
+#include "host/korvexcontrols/ListHeader.h"
 #include "host/korvexcontrols/ListSync.h"
-
-#include <optional>
-#include <string>
-#include <vector>
+#include "host/korvexcontrols/model/Export.h"
 
 class CFilterListCtrl::Impl final : private korvex::CellSource, private framework::Subclass {
 public:
-    explicit Impl(CFilterListCtrl& face) : m_face(face) {}
+    // Lives until Release, and as long as somebody holds it.
+    static Impl* Make(CFilterListCtrl& face);
 
     bool Attach(const Args& args);
+    // The list's object ends; its window may live on without it.
+    void Release();
+    std::shared_ptr<void> Hold() override { return m_self; }
     HWND Handle() const { return framework::Subclass::Handle(); }
 
     const korvex::ListModel& Model() const { return m_model; }
-    // Runs the operation on the model and lets the window follow.
-    template <class Operation>
-    void Apply(Operation&& operation);
     void InsertFront(std::uint32_t record);
     void Remove(std::uint32_t record);
     void RemoveAll();
@@ -31,23 +36,74 @@ public:
     void EndChanges();
     void AdoptSelection() { m_sync.AdoptSelection(); }
 
+    void AppendMenuEntries(HMENU menu) { AppendEntries(menu, false); }
+    bool HandleCommand(std::uint32_t command);
     std::optional<LRESULT> HandleNotify(const NMHDR& notification);
 
 private:
+    using Operation = std::function<korvex::Change()>;
+    struct Entry;
+
     void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
     void OnGone() override;
 
-    std::string_view CellAt(int row, int column);
-    template <class Item, class Copy>
-    void AnswerCell(Item& item, Copy&& copy);
+    // Runs the operation on the model and lets the window follow.
+    void Apply(const Operation& operation);
+    // The same for filters and sort.
+    void Rearrange(const Operation& operation);
+    void Select(const std::function<void()>& operation);
+    void TellShownRowsChanged();
 
-    CFilterListCtrl& m_face;
+    std::string_view CellAt(int row, int column);
+    LRESULT DrawRow(NMLVCUSTOMDRAW& draw);
+    int FindTyped(const LVFINDINFOA& find, int start);
+    std::optional<LRESULT> OnKey(WPARAM key);
+    void OnMouseDown(POINT place);
+    // The control itself would unselect row by row, and paint each.
+    void DropLargeSelection();
+
+    static std::span<const Entry> Entries();
+    void AppendEntries(HMENU menu, bool ofColumnOnly);
+    void ShowColumnMenu();
+    korvex::ValueType TypeOf(std::int32_t column) const;
+    std::optional<korvex::FilterInput> FilterByThisCell();
+    std::vector<korvex::ExportColumn> ExportedColumns() const;
+    void SortBy(bool descending);
+    void Copy();
+    void SelectAll();
+    void OpenFind();
+    void FindNext();
+    void FindPrevious();
+    bool Find(const std::string& text, bool forward);
+    void FilterCell();
+    void AskForFilter();
+    void ClearColumnFilter();
+    void ClearFilters();
+    void SortAscending() { SortBy(false); }
+    void SortDescending() { SortBy(true); }
+    void SortNaturally();
+    void Export();
+    void ResetColumns() { m_header.Reset(); }
+
+    CFilterListCtrl* m_face = nullptr;
     CListOwner* m_owner = nullptr;
+    std::shared_ptr<Impl> m_self;
     korvex::ListModel m_model{*this};
     korvex::ListSync m_sync{m_model};
+    korvex::ListHeader m_header;
     std::string m_name;
+    std::uint32_t m_firstCommand = 0;
     std::vector<KorvexText> m_fetched;
     int m_changes = 0; // calls of BeginChanges that are open
     bool m_changed = false;
     korvex::ListSync::Before m_before;
+    // What a menu is about: the cell clicked last. By keyboard it is in the focused row.
+    std::uint32_t m_clickedRecord = korvex::kNone;
+    std::int32_t m_clickedColumn = 0;
+    std::string m_searched;
+    std::optional<korvex::FilterDialog> m_filterDialog;
+    std::optional<korvex::FindDialog> m_findDialog;
+    framework::MessageBoxes m_boxes{"Export"};
 };

@@ -191,6 +191,21 @@ Change ListModel::SetSort(std::vector<SortColumn> columns) {
     return Rearrange([&] { m_sort.SetColumns(std::move(columns)); });
 }
 
+Change ListModel::ClickHeading(std::int32_t column, ValueType type, bool adding) {
+    auto columns = m_sort.Columns();
+    const auto sorted = std::ranges::find(columns, column, &SortColumn::column);
+    const bool known = sorted != columns.end() && (adding || columns.size() == 1);
+    if (!known) {
+        if (!adding) columns.clear();
+        columns.push_back({column, false, type});
+    } else if (sorted->descending) {
+        columns.erase(sorted);
+    } else {
+        sorted->descending = true;
+    }
+    return SetSort(std::move(columns));
+}
+
 void ListModel::DropThatFail(const ColumnFilter& filter, std::vector<std::uint32_t>& records) const {
     std::array<std::string_view, kBatch> cells;
     std::size_t kept = 0;

@@ -11,6 +11,7 @@
 #include "host/korvexcontrols/model/SortOrder.h"
 #include "host/korvexcontrols/model/SortedRows.h"
 
+#include <functional>
 #include <memory>
 
 namespace korvex {
@@ -59,6 +60,20 @@ public:
     // No column is the natural order.
     Change SetSort(std::vector<SortColumn> columns);
     const std::vector<SortColumn>& Sort() const { return m_sort.Columns(); }
+
+    // What a click on a heading makes of the sort: ascending, descending, natural. `adding` keeps the other
+    // columns.
+    Change ClickHeading(std::int32_t column, ValueType type, bool adding);
+
+    // The first shown row, `steps` rows from `start` on and around the end, with a cell that is wanted; kNone
+    // when there is none.
+    struct Search {
+        std::uint32_t start = 0, steps = kNone;
+        bool forward = true;
+        std::span<const std::int32_t> columns;
+    };
+    std::uint32_t Find(const Search& search, const std::function<bool(std::string_view)>& wanted) const;
+    std::vector<std::uint32_t> ShownRecords() const;
 
     const RowRanges& Selection() const { return m_selected; }
     // What the user does: what is hidden is no longer selected.

@@ -1,0 +1,228 @@
+// The list's own menu entries and keys.
+#include "host/korvexcontrols/ListFile.h"
+#include "host/korvexcontrols/ListWindow.h"
+#include "host/korvexcontrols/model/Text.h"
+
+#include <algorithm>
+
+using korvex::kNone;
+
+// The commands in the order of their numbers, and of the menu.
+struct CFilterListCtrl::Impl::Entry {
+    const char* text;
+    bool separatorBefore;
+    bool ofColumn; // also in the menu of a heading
+    bool (*isPossible)(Impl& list);
+    void (Impl::*run)();
+};
+
+namespace {
+
+constexpr char kSelectAllKey = 'A', kCopyKey = 'C', kFindKey = 'F', kFilterKey = 'L';
+
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+std::string Folded(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char c) { return static_cast<char>(korvex::Fold(c)); });
+    return text;
+}
+
+} // namespace
+
+std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
+    static constexpr auto always = [](Impl&) { return true; };
+    static constexpr auto anySelected = [](Impl& list) { return list.m_model.Selection().Count() > 0; };
+    static constexpr auto anyShown = [](Impl& list) { return list.m_model.ShownCount() > 0; };
+    static constexpr auto hasCell = [](Impl& list) { return list.FilterByThisCell().has_value(); };
+    static constexpr auto filtered = [](Impl& list) {
+        return list.m_model.FilterOf(list.m_clickedColumn) != nullptr;
+    };
+    static constexpr auto anyFilter = [](Impl& list) { return list.m_model.HasFilters(); };
+    static constexpr auto sorted = [](Impl& list) { return !list.m_model.Sort().empty(); };
+    static constexpr Entry entries[] = {
+        {"Copy\tCtrl+C", false, false, anySelected, &Impl::Copy},
+        {"Select All\tCtrl+A", false, false, anyShown, &Impl::SelectAll},
+        {"Find...\tCtrl+F", false, false, always, &Impl::OpenFind},
+        {"Filter by This Cell", true, false, hasCell, &Impl::FilterCell},
+        {"Filter Column...\tCtrl+Shift+L", false, true, always, &Impl::AskForFilter},
+        {"Clear Filter of This Column", false, true, filtered, &Impl::ClearColumnFilter},
+        {"Clear All Filters", false, true, anyFilter, &Impl::ClearFilters},
+        {"Sort Ascending", true, true, always, &Impl::SortAscending},
+        {"Sort Descending", false, true, always, &Impl::SortDescending},
+        {"Natural Order", false, true, sorted, &Impl::SortNaturally},
+        {"Export...", true, false, anyShown, &Impl::Export},
+        {"Reset Columns", false, true, always, &Impl::ResetColumns},
+    };
+    return entries;
+}
+
+void CFilterListCtrl::Impl::AppendEntries(HMENU menu, bool ofColumnOnly) {
+    m_sync.AdoptSelection();
+    UINT command = m_firstCommand;
+    for (const Entry& entry : Entries()) {
+        const UINT id = command++;
+        if (ofColumnOnly && !entry.ofColumn) continue;
+        if (entry.separatorBefore && GetMenuItemCount(menu) > 0) AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+        AppendMenuA(menu, MF_STRING | (entry.isPossible(*this) ? MF_ENABLED : MF_GRAYED), id, entry.text);
+    }
+}
+
+bool CFilterListCtrl::Impl::HandleCommand(std::uint32_t command) {
+    const auto entries = Entries();
+    if (!Handle() || command < m_firstCommand || command - m_firstCommand >= entries.size()) return false;
+    const auto held = Hold();
+    m_sync.AdoptSelection();
+    const Entry& entry = entries[command - m_firstCommand];
+    if (entry.isPossible(*this)) (this->*entry.run)();
+    return true;
+}
+
+void CFilterListCtrl::Impl::ShowColumnMenu() {
+    const DWORD position = GetMessagePos();
+    const POINT place{static_cast<short>(LOWORD(position)), static_cast<short>(HIWORD(position))};
+    const std::int32_t column = m_header.ColumnAt(place);
+    if (column < 0) return;
+    m_clickedColumn = column;
+    const framework::Menu menu(CreatePopupMenu());
+    AppendEntries(menu.Get(), true);
+    const int chosen =
+        TrackPopupMenu(menu.Get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, Handle(), nullptr);
+    if (chosen) HandleCommand(static_cast<std::uint32_t>(chosen));
+}
+
+std::optional<LRESULT> CFilterListCtrl::Impl::OnKey(WPARAM key) {
+    struct Key {
+        WPARAM key;
+        bool control, shift;
+        void (Impl::*run)();
+    };
+    static constexpr Key keys[] = {
+        {kSelectAllKey, true, false, &Impl::SelectAll}, {kCopyKey, true, false, &Impl::Copy},
+        {VK_INSERT, true, false, &Impl::Copy},          {kFindKey, true, false, &Impl::OpenFind},
+        {VK_F3, false, false, &Impl::FindNext},         {VK_F3, false, true, &Impl::FindPrevious},
+        {kFilterKey, true, true, &Impl::AskForFilter},
+    };
+    // By keyboard the menu is about the focused row.
+    m_clickedRecord = kNone;
+    const bool control = IsDown(VK_CONTROL), shift = IsDown(VK_SHIFT);
+    for (const Key& known : keys) {
+        if (known.key != key || known.control != control || known.shift != shift || IsDown(VK_MENU)) continue;
+        (this->*known.run)();
+        return 0;
+    }
+    if (key >= VK_PRIOR && key <= VK_DOWN && !control && !shift) DropLargeSelection();
+    return std::nullopt;
+}
+
+korvex::ValueType CFilterListCtrl::Impl::TypeOf(std::int32_t column) const {
+    const auto* known = m_header.At(column);
+    return known ? known->type : korvex::ValueType::text;
+}
+
+std::optional<korvex::FilterInput> CFilterListCtrl::Impl::FilterByThisCell() {
+    const bool clicked = m_model.ShownRowOf(m_clickedRecord) != kNone;
+    const std::uint32_t record = clicked ? m_clickedRecord : m_model.Focused();
+    if (record == kNone) return std::nullopt;
+    const bool number = korvex::IsNumeric(TypeOf(m_clickedColumn));
+    korvex::FilterInput input{number ? korvex::FilterOperator::equals : korvex::FilterOperator::equalsText,
+                              std::string(Cell(record, m_clickedColumn)),
+                              {}};
+    if (!korvex::ColumnFilter::FaultOf(input).empty()) return std::nullopt;
+    return input;
+}
+
+void CFilterListCtrl::Impl::FilterCell() {
+    if (const auto input = FilterByThisCell())
+        Rearrange([&] { return m_model.SetFilter(m_clickedColumn, &*input); });
+}
+
+void CFilterListCtrl::Impl::AskForFilter() {
+    const std::int32_t column = m_clickedColumn;
+    const auto* known = m_header.At(column);
+    if (!known) return;
+    if (!m_filterDialog) m_filterDialog.emplace(m_self);
+    const korvex::ColumnFilter* now = m_model.FilterOf(column);
+    m_filterDialog->Ask(Handle(), known->heading, known->type, now ? &now->Input() : nullptr,
+                        [this, column](const korvex::FilterInput* input) {
+                            SetFocus(Handle());
+                            Rearrange([&] { return m_model.SetFilter(column, input); });
+                        });
+}
+
+void CFilterListCtrl::Impl::ClearColumnFilter() {
+    Rearrange([&] { return m_model.SetFilter(m_clickedColumn, nullptr); });
+}
+
+void CFilterListCtrl::Impl::ClearFilters() {
+    Rearrange([&] { return m_model.ClearFilters(); });
+}
+
+void CFilterListCtrl::Impl::SortBy(bool descending) {
+    Rearrange([&] { return m_model.SetSort({{m_clickedColumn, descending, TypeOf(m_clickedColumn)}}); });
+}
+
+void CFilterListCtrl::Impl::SortNaturally() {
+    Rearrange([&] { return m_model.SetSort({}); });
+}
+
+void CFilterListCtrl::Impl::SelectAll() {
+    Select([&] { m_model.SelectRows(0, kNone, true); });
+}
+
+void CFilterListCtrl::Impl::OpenFind() {
+    if (!m_findDialog)
+        m_findDialog.emplace(m_self,
+                             [this](const std::string& text, bool forward) { return Find(text, forward); });
+    m_findDialog->Show(Handle(), m_searched);
+}
+
+void CFilterListCtrl::Impl::FindNext() {
+    m_searched.empty() ? OpenFind() : static_cast<void>(Find(m_searched, true));
+}
+
+void CFilterListCtrl::Impl::FindPrevious() {
+    m_searched.empty() ? OpenFind() : static_cast<void>(Find(m_searched, false));
+}
+
+// From the row beside the focused one, around the end and back to itself.
+bool CFilterListCtrl::Impl::Find(const std::string& text, bool forward) {
+    m_searched = text;
+    const std::uint32_t count = m_model.ShownCount(), focused = m_model.ShownRowOf(m_model.Focused());
+    if (text.empty() || !count) return false;
+    const std::uint32_t none = forward ? 0 : count - 1;
+    const std::uint32_t start = focused == kNone ? none : (focused + (forward ? 1 : count - 1)) % count;
+    const auto columns = m_header.Shown();
+    const std::string folded = Folded(text);
+    const std::uint32_t row = m_model.Find({start, kNone, forward, columns}, [&](std::string_view cell) {
+        return korvex::ContainsFolded(cell, folded);
+    });
+    if (row == kNone) return false;
+    SelectOnly(m_model.ShownAt(row));
+    return true;
+}
+
+std::vector<korvex::ExportColumn> CFilterListCtrl::Impl::ExportedColumns() const {
+    std::vector<korvex::ExportColumn> columns;
+    for (const std::int32_t column : m_header.Shown())
+        columns.push_back({column, m_header.At(column)->heading, TypeOf(column)});
+    return columns;
+}
+
+void CFilterListCtrl::Impl::Copy() {
+    m_sync.AdoptSelection();
+    const auto selected = m_model.SelectedRecords();
+    if (!selected.empty())
+        korvex::PutOnClipboard(Handle(), korvex::ToTabbed(*this, ExportedColumns(), selected));
+}
+
+// While the box is open the list goes on, and may go.
+void CFilterListCtrl::Impl::Export() {
+    const HWND top = GetAncestor(Handle(), GA_ROOT);
+    const auto path = korvex::AskForCsvName(top, m_name + ".csv");
+    if (!path || !Handle() || !m_owner) return;
+    const std::string text = korvex::ToCsv(*this, ExportedColumns(), m_model.ShownRecords());
+    const std::string fault = korvex::WriteWhole(*path, text);
+    if (!fault.empty()) m_boxes.Show(top, fault);
+}

@@ -1,0 +1,91 @@
+#include "host/korvexcontrols/ListFile.h"
+
+#include "framework/Handle.h"
+
+#include <commdlg.h>
+
+#include <cstring>
+
+namespace korvex {
+namespace {
+
+void CloseFile(HANDLE file) {
+    CloseHandle(file);
+}
+using File = framework::UniqueHandle<HANDLE, CloseFile>;
+
+std::string SystemText(DWORD error) {
+    char text[512];
+    const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        error, 0, text, sizeof text, nullptr);
+    std::string message(text, length);
+    while (!message.empty() && (message.back() == '\n' || message.back() == '\r'))
+        message.pop_back();
+    return message.empty() ? "Error " + std::to_string(error) : message;
+}
+
+bool WriteAll(HANDLE file, const std::string& text) {
+    constexpr std::size_t piece = 1 << 24;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto size = static_cast<DWORD>(std::min(piece, text.size() - at));
+        DWORD written = 0;
+        if (!WriteFile(file, text.data() + at, size, &written, nullptr) || written == 0) return false;
+        at += written;
+    }
+    return FlushFileBuffers(file) != 0;
+}
+
+} // namespace
+
+void PutOnClipboard(HWND owner, const std::string& text) {
+    if (!OpenClipboard(owner)) return;
+    EmptyClipboard();
+    if (HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, text.size() + 1)) {
+        if (void* to = GlobalLock(memory)) {
+            std::memcpy(to, text.c_str(), text.size() + 1);
+            GlobalUnlock(memory);
+        }
+        // The clipboard takes the memory over, unless it refuses.
+        if (!SetClipboardData(CF_TEXT, memory)) GlobalFree(memory);
+    }
+    CloseClipboard();
+}
+
+std::optional<std::string> AskForCsvName(HWND owner, const std::string& proposed) {
+    char path[MAX_PATH] = "";
+    lstrcpynA(path, proposed.c_str(), MAX_PATH);
+    OPENFILENAMEA ask{};
+    ask.lStructSize = sizeof ask;
+    ask.hwndOwner = owner;
+    ask.lpstrFilter = "Comma-separated values (*.csv)\0*.csv\0All files\0*.*\0";
+    ask.lpstrFile = path;
+    ask.nMaxFile = MAX_PATH;
+    ask.lpstrTitle = "Export";
+    ask.lpstrDefExt = "csv";
+    ask.Flags = OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (!GetSaveFileNameA(&ask)) return std::nullopt;
+    return path;
+}
+
+std::string WriteWhole(const std::string& path, const std::string& text) {
+    const std::string neighbour = path + ".new";
+    const auto failed = [&](DWORD error) {
+        DeleteFileA(neighbour.c_str());
+        return "\"" + path + "\" could not be written: " + SystemText(error);
+    };
+    File file;
+    const HANDLE opened = CreateFileA(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return failed(GetLastError());
+    file.Reset(opened);
+    if (!WriteAll(file.Get(), text)) {
+        const DWORD error = GetLastError();
+        file.Reset();
+        return failed(error);
+    }
+    file.Reset();
+    if (!MoveFileExA(neighbour.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return failed(GetLastError());
+    return {};
+}
+
+} // namespace korvex

@@ -1,0 +1,60 @@
+// The list's columns in the control: as given, as the user ordered and sized them, at the window's DPI, with
+// arrows for the sort and a funnel where a filter is. Texts and formats of the columns never change.
+#pragma once
+
+#include "framework/Window.h"
+#include "host/korvexcontrols/model/ColumnFilter.h"
+#include "host/korvexcontrols/model/SortOrder.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korvex {
+
+class ListHeader {
+public:
+    struct Column {
+        std::string heading;
+        int width; // pixels at 96 DPI
+        bool rightAligned;
+        ValueType type;
+    };
+
+    // `name` is the one under which the columns are remembered.
+    void Attach(HWND list, std::vector<Column> columns, std::string name);
+    void Detach() { m_list = framework::Window(); }
+
+    const std::vector<Column>& Columns() const { return m_columns; }
+    const Column* At(std::int32_t column) const;
+    HWND Handle() const { return reinterpret_cast<HWND>(m_list.Send(LVM_GETHEADER)); }
+    // Columns of some width, from left to right.
+    std::vector<std::int32_t> Shown() const;
+    // The column under a place of the screen; -1 beside all.
+    std::int32_t ColumnAt(POINT screen) const;
+
+    void Save();
+    void Reset();
+    // To the DPI that the window has now.
+    void Rescale();
+    void ShowSort(const std::vector<SortColumn>& sort) const;
+    void Repaint() const { InvalidateRect(Handle(), nullptr, TRUE); }
+    // Of the header's custom draw.
+    LRESULT Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std::int32_t)>& isFiltered) const;
+
+private:
+    void Insert();
+    int WidthAtUsualDpi(std::size_t column) const;
+    void Apply(const std::vector<int>& order, const std::vector<int>& widths);
+    void SetWidths();
+    void DrawFunnel(HDC device, RECT cell, bool atLeft) const;
+
+    framework::Window m_list;
+    std::vector<Column> m_columns;
+    std::string m_name, m_saved;
+    std::vector<int> m_widths; // as they were set, at 96 DPI
+    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
+};
+
+} // namespace korvex
