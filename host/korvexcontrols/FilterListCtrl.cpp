@@ -74,7 +74,7 @@ std::uint32_t CFilterListCtrl::SelectedCount() const noexcept {
 
 bool CFilterListCtrl::IsSelected(std::uint32_t record) const noexcept {
     const std::uint32_t row = m_impl->Model().ShownRowOf(record);
-    return row != kNone && SendMessageA(Handle(), LVM_GETITEMSTATE, row, LVIS_SELECTED) != 0;
+    return row != korvex::kNone && SendMessageA(Handle(), LVM_GETITEMSTATE, row, LVIS_SELECTED) != 0;
 }
 
 std::uint32_t CFilterListCtrl::Selected(std::uint32_t* records, std::uint32_t capacity) const noexcept {
