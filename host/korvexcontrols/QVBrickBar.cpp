@@ -1,37 +1,25 @@
 #include "host/korvexcontrols/QVBrickBar.h"
 
-#include "framework/Guard.h"
-#include "framework/Window.h"
+#include <commctrl.h>
 
-#include <string>
-#include <vector>
-
-using framework::Guard;
-
-void CQVBrickBar::Attach(HWND bar, const char* name) noexcept {
-    m_bar = bar;
-    SetText(0, name);
+bool CQVBrickBar::Create(HWND parent, std::int32_t id, const char* name) noexcept {
+    m_bar = CreateWindowExA(0, STATUSCLASSNAMEA, name, WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, parent,
+                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
+    return m_bar != nullptr;
 }
 
-void CQVBrickBar::SetParts(const std::int32_t* widths, std::int32_t count) noexcept {
-    Guard([&] {
-        const framework::Window bar(m_bar);
-        std::vector<int> edges;
-        int edge = 0;
-        for (std::int32_t i = 0; i < count; ++i)
-            edges.push_back(widths[i] < 0 ? -1 : edge += framework::Scaled(widths[i], bar.Dpi()));
-        bar.Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
-    });
+void CQVBrickBar::SetParts(const std::int32_t* edges, std::int32_t count) noexcept {
+    SendMessageA(m_bar, SB_SETPARTS, static_cast<WPARAM>(count), reinterpret_cast<LPARAM>(edges));
 }
 
 void CQVBrickBar::SetText(std::int32_t pane, const char* text) noexcept {
-    Guard([&] {
-        const framework::Window bar(m_bar);
-        const auto part = static_cast<WPARAM>(pane);
-        std::string shown(LOWORD(bar.Send(SB_GETTEXTLENGTHA, part)) + std::size_t{1}, '\0');
-        bar.Send(SB_GETTEXTA, part, reinterpret_cast<LPARAM>(shown.data()));
-        shown.pop_back();
-        const std::string wanted = text ? text : "";
-        if (shown != wanted) bar.Send(SB_SETTEXTA, part, reinterpret_cast<LPARAM>(wanted.c_str()));
-    });
+    const auto part = static_cast<WPARAM>(pane);
+    char shown[64] = "";
+    if (LOWORD(SendMessageA(m_bar, SB_GETTEXTLENGTHA, part, 0)) < sizeof shown)
+        SendMessageA(m_bar, SB_GETTEXTA, part, reinterpret_cast<LPARAM>(shown));
+    if (lstrcmpA(shown, text) != 0) SendMessageA(m_bar, SB_SETTEXTA, part, reinterpret_cast<LPARAM>(text));
+}
+
+void CQVBrickBar::Place() noexcept {
+    SendMessageA(m_bar, WM_SIZE, 0, 0);
 }

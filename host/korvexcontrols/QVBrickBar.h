@@ -1,4 +1,4 @@
-// The status bar under a list: panes with texts.
+// The shared status bar: a row of panes with a text each.
 //
 // Thread: the GUI thread. Nothing throws across.
 #pragma once
@@ -11,14 +11,16 @@
 
 class KORVEX_API CQVBrickBar {
 public:
-    // Takes over a status bar of the system; the name stands in the first pane until that has a text.
-    void Attach(HWND bar, const char* name) noexcept;
+    // At the bottom of the parent. False when the system refuses. Its window lives as long as the parent's.
+    bool Create(HWND parent, std::int32_t id, const char* name) noexcept;
     HWND Handle() const noexcept { return m_bar; }
 
-    // Widths in pixels at 96 DPI, from the left; -1 takes what is left.
-    void SetParts(const std::int32_t* widths, std::int32_t count) noexcept;
+    // The right edge of each pane, in pixels; -1 is the bar's own.
+    void SetParts(const std::int32_t* edges, std::int32_t count) noexcept;
     // Nothing is drawn when the pane shows the text already.
     void SetText(std::int32_t pane, const char* text) noexcept;
+    // Goes to the bottom again, after the parent's size or the font has changed.
+    void Place() noexcept;
 
 private:
     HWND m_bar = nullptr;

@@ -65,15 +65,19 @@ bool IsOfClass(HWND window, std::string_view name) {
     return name == text;
 }
 
+bool IsCaption(std::string_view text, std::string_view caption) {
+    return caption.ends_with('*') ? text.starts_with(caption.substr(0, caption.size() - 1)) : text == caption;
+}
+
 HWND FindWindowByCaption(const std::string& caption, HWND frame) {
     for (const HWND window : TopLevelWindows()) {
-        if (framework::Window(window).Text() != caption) continue;
+        if (!IsCaption(framework::Window(window).Text(), caption)) continue;
         // The window in which a pane floats has the pane's caption.
         const HWND pane = IsOfClass(window, FloatWindow::kClass) ? GetWindow(window, GW_CHILD) : nullptr;
         return pane ? pane : window;
     }
     return FindDescendant(frame, [&](HWND child) {
-        return IsWindowVisible(child) && framework::Window(child).Text() == caption;
+        return IsWindowVisible(child) && IsCaption(framework::Window(child).Text(), caption);
     });
 }
 

@@ -11,7 +11,10 @@ namespace vesk {
 
 bool IsOfClass(HWND window, std::string_view name);
 
-// The shown window of this thread with exactly this caption: a top-level one, or a pane inside `frame`.
+// A caption that ends with "*" stands for all that begin so.
+bool IsCaption(std::string_view text, std::string_view caption);
+
+// The shown window of this thread with this caption: a top-level one, or a pane inside `frame`.
 // Null when there is none.
 HWND FindWindowByCaption(const std::string& caption, HWND frame);
 

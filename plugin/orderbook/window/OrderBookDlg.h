@@ -3,7 +3,7 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "host/korvexcontrols/BrickBar.h"
+#include "host/korvexcontrols/QVBrickBar.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "plugin/orderbook/window/BookListWindow.h"
 #include "plugin/orderbook/window/RejectReasonDlg.h"
