@@ -6,17 +6,18 @@
 namespace korvex {
 namespace {
 
-// Turns redrawing off; afterwards only what had to be painted before still has to be.
+// Turns redrawing off; afterwards only what had to be painted before still has to be. Past the list itself,
+// which may keep a flag of its own and scroll its pixels all the same.
 class Quiet {
 public:
     explicit Quiet(framework::Window list) : m_list(list), m_pending(CreateRectRgn(0, 0, 0, 0)) {
         GetUpdateRgn(m_list.Handle(), m_pending, FALSE);
-        if (m_shown) m_list.Send(WM_SETREDRAW, FALSE);
+        if (m_shown) DefWindowProcA(m_list.Handle(), WM_SETREDRAW, FALSE, 0);
     }
     Quiet(const Quiet&) = delete;
     Quiet& operator=(const Quiet&) = delete;
     ~Quiet() {
-        if (m_shown) m_list.Send(WM_SETREDRAW, TRUE);
+        if (m_shown) DefWindowProcA(m_list.Handle(), WM_SETREDRAW, TRUE, 0);
         ValidateRect(m_list.Handle(), nullptr);
         InvalidateRgn(m_list.Handle(), m_pending, TRUE);
         DeleteObject(m_pending);
