@@ -103,13 +103,15 @@ std::vector<std::int32_t> ListHeader::Shown() const {
     return {order.begin(), order.end()};
 }
 
+// Also of a place below the heading. A hit test would give the left column the first pixels of the next.
 std::int32_t ListHeader::ColumnAt(POINT screen) const {
-    HDHITTESTINFO hit{};
-    hit.pt = screen;
-    ScreenToClient(Handle(), &hit.pt);
-    hit.pt.y = 1; // also for places below the heading
-    SendMessageA(Handle(), HDM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-    return At(hit.iItem) ? hit.iItem : -1;
+    ScreenToClient(Handle(), &screen);
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        RECT rect{};
+        SendMessageA(Handle(), HDM_GETITEMRECT, i, reinterpret_cast<LPARAM>(&rect));
+        if (screen.x >= rect.left && screen.x < rect.right) return static_cast<std::int32_t>(i);
+    }
+    return -1;
 }
 
 void ListHeader::ShowSort(const std::vector<SortColumn>& sort) const {

@@ -112,7 +112,8 @@ ListSync::Before ListSync::Remember() {
 
 void ListSync::AnchorFocus(Before& before) {
     before.anchors.clear();
-    const auto focused = std::ranges::find(before.lines, true, &Before::Line::focused);
+    const auto focused = std::ranges::find_if(
+        before.lines, [](const Before::Line& line) { return line.focused && line.selected; });
     if (focused == before.lines.end()) return;
     before.anchorLine = static_cast<std::uint32_t>(focused - before.lines.begin());
     before.anchors.push_back(focused->record);

@@ -36,7 +36,7 @@ public:
         std::vector<std::uint32_t> anchors;
     };
     Before Remember();
-    // The focused record keeps its line when it is on the screen; else the list stays where it is scrolled.
+    // The row that the user chose keeps its line when it is on the screen; else the list stays scrolled as it is.
     static void AnchorFocus(Before& before);
     // After the model has changed; `record` is repainted where it stands.
     void Follow(const Before& before, std::uint32_t record = kNone);
