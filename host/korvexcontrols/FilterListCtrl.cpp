@@ -21,8 +21,8 @@ HWND CFilterListCtrl::Handle() const noexcept {
     return m_impl->Handle();
 }
 
-void CFilterListCtrl::InsertFront(std::uint32_t record) noexcept {
-    Guard([&] { m_impl->InsertFront(record); });
+void CFilterListCtrl::InsertFront(std::uint32_t record, KorvexArrival arrival) noexcept {
+    Guard([&] { m_impl->InsertFront(record, arrival); });
 }
 
 void CFilterListCtrl::Remove(std::uint32_t record) noexcept {

@@ -46,6 +46,10 @@ enum KorvexRowLook : std::int32_t {
     kKorvexBad = 4,
 };
 
+// Rows that the user asked for show themselves at the top of a list that is not scrolled; others leave the row
+// under the mouse where it is.
+enum KorvexArrival : std::int32_t { kKorvexUnasked = 0, kKorvexAsked = 1 };
+
 class CListOwner {
 public:
     // The cells of `count` records in one column, into `texts`.
@@ -81,7 +85,8 @@ public:
     HWND Handle() const noexcept;
 
     // Rows. An unknown record is ignored; one that stands already is repainted.
-    void InsertFront(std::uint32_t record) noexcept; // takes the focus, unselected, without scrolling
+    // The row takes the focus, unselected, without scrolling.
+    void InsertFront(std::uint32_t record, KorvexArrival arrival = kKorvexUnasked) noexcept;
     void Remove(std::uint32_t record) noexcept;
     void RemoveAll() noexcept;
     void Repaint(std::uint32_t record) noexcept; // its cells have changed: filters and sort are applied again

@@ -197,7 +197,11 @@ void ListSync::EnsureVisible(std::uint32_t row) {
     m_list.Send(LVM_ENSUREVISIBLE, row, FALSE);
 }
 
-void ListSync::Follow(const Before& before, std::uint32_t record) {
+void ListSync::ReleaseTop(Before& before) {
+    if (before.top == 0) before.anchors.clear();
+}
+
+void ListSync::Follow(const Before& before, std::span<const std::uint32_t> repainted) {
     if (!m_list) return;
     const Flag busy(m_busy);
     const bool quietly = TopFor(before) != before.top || m_selected != m_model.Selection();
@@ -209,17 +213,18 @@ void ListSync::Follow(const Before& before, std::uint32_t record) {
         SetFocusAndMark(before);
         ScrollTo(TopFor(before));
     }
-    RepaintChanged(before, record);
+    RepaintChanged(before, repainted);
 }
 
-void ListSync::RepaintChanged(const Before& before, std::uint32_t record) const {
+void ListSync::RepaintChanged(const Before& before, std::span<const std::uint32_t> repainted) const {
     const std::vector<Before::Line> now = Lines();
     RECT line = RowsArea();
     const int height = LineHeight();
     for (std::size_t i = 0; i < std::max(now.size(), before.lines.size()); ++i, line.top += height) {
         const bool same = i < now.size() && i < before.lines.size() && now[i] == before.lines[i];
         line.bottom = line.top + height;
-        if (!same || now[i].record == record) InvalidateRect(m_list.Handle(), &line, TRUE);
+        if (!same || std::ranges::find(repainted, now[i].record) != repainted.end())
+            InvalidateRect(m_list.Handle(), &line, TRUE);
     }
 }
 

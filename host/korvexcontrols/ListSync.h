@@ -36,10 +36,13 @@ public:
         std::vector<std::uint32_t> anchors;
     };
     Before Remember();
-    // The row that the user chose keeps its line when it is on the screen; else the list stays scrolled as it is.
+    // The row that the user chose keeps its line when it is on the screen; else the list stays scrolled as it
+    // is.
     static void AnchorFocus(Before& before);
-    // After the model has changed; `record` is repainted where it stands.
-    void Follow(const Before& before, std::uint32_t record = kNone);
+    // At the very top new rows show themselves, whatever row the mouse is on.
+    static void ReleaseTop(Before& before);
+    // After the model has changed; the records are repainted where they stand.
+    void Follow(const Before& before, std::span<const std::uint32_t> repainted = {});
     void RepaintAll() const;
 
     // True while the control's notifications are answers to our own messages.
@@ -64,7 +67,7 @@ private:
     void SetSelection();
     void SetFocusAndMark(const Before& before);
     void SetState(std::uint32_t row, UINT state, UINT mask) const;
-    void RepaintChanged(const Before& before, std::uint32_t record) const;
+    void RepaintChanged(const Before& before, std::span<const std::uint32_t> repainted) const;
     int LineHeight() const;
     RECT RowsArea() const;
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 using korvex::Change;
 using korvex::kNone;
@@ -15,7 +16,9 @@ namespace {
 
 // Column changes are in force only after their notification.
 constexpr UINT kSaveColumns = WM_APP + 1;
+constexpr UINT kCatchUp = WM_APP + 2;
 constexpr std::uint32_t kLargeSelection = 1000;
+constexpr std::size_t kMostRepainted = 64;
 
 int CopyNarrow(std::string_view text, char* to, int most) {
     const std::size_t length = std::min(text.size(), static_cast<std::size_t>(most));
@@ -83,6 +86,7 @@ void CFilterListCtrl::Impl::Release() {
 
 // The rows stay, and are there again when the list is attached to another window.
 void CFilterListCtrl::Impl::OnGone() {
+    if (std::exchange(m_behind, false)) --m_changes;
     m_sync.Detach();
     m_header.Detach();
     if (m_filterDialog) m_filterDialog->Destroy();
@@ -105,18 +109,36 @@ void CFilterListCtrl::Impl::TellShownRowsChanged() {
 }
 
 void CFilterListCtrl::Impl::Apply(const Operation& operation) {
-    if (m_changes) {
-        m_changed |= operation().kind != Change::nothing;
-        return;
+    if (!m_changes && Handle()) {
+        BeginChanges();
+        m_behind = true;
+        PostMessageA(Handle(), kCatchUp, 0, 0);
     }
-    const auto before = m_sync.Remember();
     const Change change = operation();
     if (change.kind == Change::nothing) return;
-    m_sync.Follow(before, change.kind == Change::repainted ? m_model.ShownAt(change.row) : kNone);
+    NoteRepainted(change);
     TellShownRowsChanged();
 }
 
+// Rows that came, went or moved are seen by comparing the lines.
+void CFilterListCtrl::Impl::NoteRepainted(const Change& change) {
+    if (change.kind == Change::everything || m_repainted.size() == kMostRepainted) m_repaintAll = true;
+    if (change.kind == Change::repainted) m_repainted.push_back(m_model.ShownAt(change.row));
+    if (change.kind == Change::moved) m_repainted.push_back(m_model.ShownAt(change.to));
+}
+
+void CFilterListCtrl::Impl::CatchUp() {
+    if (!std::exchange(m_behind, false)) return;
+    EndChanges();
+}
+
+void CFilterListCtrl::Impl::AdoptSelection() {
+    CatchUp();
+    m_sync.AdoptSelection();
+}
+
 void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
+    CatchUp();
     if (m_changes) return Apply(operation);
     auto before = m_sync.Remember();
     korvex::ListSync::AnchorFocus(before);
@@ -129,14 +151,16 @@ void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
 }
 
 void CFilterListCtrl::Impl::Select(const std::function<void()>& operation) {
+    CatchUp();
     if (m_changes) return operation();
     const auto before = m_sync.Remember();
     operation();
     m_sync.Follow(before);
 }
 
-void CFilterListCtrl::Impl::InsertFront(std::uint32_t record) {
+void CFilterListCtrl::Impl::InsertFront(std::uint32_t record, KorvexArrival arrival) {
     Apply([&] { return m_model.InsertFront(record); });
+    m_unasked |= arrival == kKorvexUnasked;
 }
 
 void CFilterListCtrl::Impl::Remove(std::uint32_t record) {
@@ -158,16 +182,16 @@ void CFilterListCtrl::Impl::SetOwnerFilter(std::int32_t column, const char* text
 
 void CFilterListCtrl::Impl::BeginChanges() {
     if (m_changes++) return;
-    m_changed = false;
+    m_repaintAll = m_unasked = false;
+    m_repainted.clear();
     m_before = m_sync.Remember();
 }
 
 void CFilterListCtrl::Impl::EndChanges() {
     if (!m_changes || --m_changes) return;
-    m_sync.Follow(m_before);
-    if (!m_changed) return;
-    m_sync.RepaintAll();
-    TellShownRowsChanged();
+    if (!m_unasked) korvex::ListSync::ReleaseTop(m_before);
+    m_sync.Follow(m_before, m_repainted);
+    if (m_repaintAll) m_sync.RepaintAll();
 }
 
 void CFilterListCtrl::Impl::SelectOnly(std::uint32_t record) {
@@ -279,7 +303,10 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
 }
 
 std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    CatchUp();
     switch (message) {
+    case kCatchUp:
+        return 0;
     case WM_KEYDOWN:
         return OnKey(wParam);
     case WM_CHAR:

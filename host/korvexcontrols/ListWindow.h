@@ -25,7 +25,7 @@ public:
     HWND Handle() const { return framework::Subclass::Handle(); }
 
     const korvex::ListModel& Model() const { return m_model; }
-    void InsertFront(std::uint32_t record);
+    void InsertFront(std::uint32_t record, KorvexArrival arrival);
     void Remove(std::uint32_t record);
     void RemoveAll();
     void Repaint(std::uint32_t record);
@@ -34,7 +34,8 @@ public:
     void SetOwnerFilter(std::int32_t column, const char* text);
     void BeginChanges();
     void EndChanges();
-    void AdoptSelection() { m_sync.AdoptSelection(); }
+    // Before the selection is asked for.
+    void AdoptSelection();
 
     void AppendMenuEntries(HMENU menu) { AppendEntries(menu, false); }
     bool HandleCommand(std::uint32_t command);
@@ -49,12 +50,15 @@ private:
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
     void OnGone() override;
 
-    // Runs the operation on the model and lets the window follow.
+    // Runs the operation on the model. The window follows before anything else reaches it: a stream of changes
+    // costs it one step.
     void Apply(const Operation& operation);
+    void CatchUp();
     // The same for filters and sort.
     void Rearrange(const Operation& operation);
     void Select(const std::function<void()>& operation);
     void TellShownRowsChanged();
+    void NoteRepainted(const korvex::Change& change);
 
     std::string_view CellAt(int row, int column);
     LRESULT DrawRow(NMLVCUSTOMDRAW& draw);
@@ -97,7 +101,11 @@ private:
     std::uint32_t m_firstCommand = 0;
     std::vector<KorvexText> m_fetched;
     int m_changes = 0; // calls of BeginChanges that are open
-    bool m_changed = false;
+    // What happened meanwhile; too many repainted records are all rows.
+    bool m_repaintAll = false;
+    bool m_unasked = false; // a row came that the user did not ask for
+    std::vector<std::uint32_t> m_repainted;
+    bool m_behind = false; // the window, with one of m_changes
     korvex::ListSync::Before m_before;
     // What a menu is about: the cell clicked last. By keyboard it is in the focused row.
     std::uint32_t m_clickedRecord = korvex::kNone;

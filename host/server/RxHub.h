@@ -29,7 +29,7 @@ namespace vesk {
 
 // How much one pump does: this many turns (a request, a row, a message), and more until the time is over.
 struct PumpBudget {
-    std::size_t leastTurns = 16;
+    std::size_t leastTurns = 1;
     std::chrono::milliseconds time{12};
 };
 

@@ -10,12 +10,15 @@
 
 namespace planfold {
 
+// An answer to a query, or a streamed update that nobody asked for.
+enum class Arrival { listed, streamed };
+
 // One of the two lists. Row 0 is the newest.
 class BookList {
 public:
     virtual bool Contains(RecordId record) const = 0;
     // The row takes the focus.
-    virtual void InsertFront(RecordId record) = 0;
+    virtual void InsertFront(RecordId record, Arrival arrival) = 0;
     // The record's texts have changed. Nothing when it has no row.
     virtual void Repaint(RecordId record) = 0;
     virtual void Remove(RecordId record) = 0;

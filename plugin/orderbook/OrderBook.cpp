@@ -50,7 +50,7 @@ void OrderBook::OnResponse(void* message) {
 
 void OrderBook::OnBroadcast(void* message) {
     if (Gone()) return;
-    const RecordId record = ApplyRow(message);
+    const RecordId record = ApplyRow(message, Arrival::streamed);
     const auto status = FieldView(message, tag::sipStatus);
     if (record == kNoRecord || !status || !IsCancelled(*status)) return;
     BookList& registered = m_view.Registered();
@@ -59,7 +59,7 @@ void OrderBook::OnBroadcast(void* message) {
     m_session.Log(Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str()));
 }
 
-RecordId OrderBook::ApplyRow(void* message) {
+RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     const auto number = FieldView(message, tag::registrationNumber);
     if (!number || number->empty()) return kNoRecord;
     // Before the record is looked up: the host's answer may let other messages in.
@@ -70,21 +70,13 @@ RecordId OrderBook::ApplyRow(void* message) {
     const bool isNew = record == kNoRecord;
     if (isNew) record = m_cache.Add(*number);
     ReadOrderRow(message, m_session.m_nSipOperationMode != 0, accountName, m_cache[record]);
-    if (isNew) {
-        ShowNew(record);
-        return record;
-    }
     m_view.Registered().Repaint(record);
     m_view.Cancelled().Repaint(record);
     // A known record enters the cancelled book, but never the registered one.
     const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
-    if (cancelled && !m_view.Cancelled().Contains(record)) m_view.Cancelled().InsertFront(record);
+    BookList& list = cancelled ? m_view.Cancelled() : m_view.Registered();
+    if ((isNew || cancelled) && !list.Contains(record)) list.InsertFront(record, arrival);
     return record;
-}
-
-void OrderBook::ShowNew(RecordId record) {
-    const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
-    (cancelled ? m_view.Cancelled() : m_view.Registered()).InsertFront(record);
 }
 
 void OrderBook::HandleOperationMode(const Answer& answer) {
@@ -95,7 +87,7 @@ void OrderBook::HandleOperationMode(const Answer& answer) {
 }
 
 void OrderBook::HandleRow(const Answer& answer) {
-    if (FieldCount(answer.message, tag::queriedRow) > 0) ApplyRow(answer.message);
+    if (FieldCount(answer.message, tag::queriedRow) > 0) ApplyRow(answer.message, Arrival::listed);
 }
 
 void OrderBook::HandleHistoryRow(const Answer& answer) {
@@ -103,7 +95,7 @@ void OrderBook::HandleHistoryRow(const Answer& answer) {
     const auto number = FieldView(answer.message, tag::registrationNumber);
     if (!status || !IsCancelled(*status) || !number || number->empty()) return;
     if (!IsOwnHistory(m_session, answer.message) || m_cache.Find(*number) != kNoRecord) return;
-    ApplyRow(answer.message);
+    ApplyRow(answer.message, Arrival::listed);
 }
 
 void OrderBook::HandleUserText(const Answer& answer) {

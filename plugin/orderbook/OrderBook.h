@@ -43,8 +43,7 @@ private:
     bool Gone() const { return m_session.Ended() || !m_view.IsOpen(); }
     // The record of the message's registration number, entered where the rules put it; kNoRecord without a
     // number.
-    RecordId ApplyRow(void* message);
-    void ShowNew(RecordId record);
+    RecordId ApplyRow(void* message, Arrival arrival);
     void HandleOperationMode(const Answer& answer);
     void HandleRow(const Answer& answer);
     void HandleHistoryRow(const Answer& answer);

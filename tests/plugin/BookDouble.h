@@ -12,7 +12,7 @@ namespace planfold::test {
 class ListDouble final : public BookList {
 public:
     bool Contains(RecordId record) const override { return std::ranges::count(rows, record) > 0; }
-    void InsertFront(RecordId record) override { rows.insert(rows.begin(), record); }
+    void InsertFront(RecordId record, Arrival) override { rows.insert(rows.begin(), record); }
     void Repaint(RecordId) override {}
     void Remove(RecordId record) override {
         std::erase(rows, record);

@@ -27,7 +27,9 @@ public:
     const CFilterListCtrl& Control() const { return m_list; }
 
     bool Contains(RecordId record) const override { return m_list.Contains(record); }
-    void InsertFront(RecordId record) override { m_list.InsertFront(record); }
+    void InsertFront(RecordId record, Arrival arrival) override {
+        m_list.InsertFront(record, arrival == Arrival::listed ? kKorvexAsked : kKorvexUnasked);
+    }
     void Repaint(RecordId record) override { m_list.Repaint(record); }
     void Remove(RecordId record) override { m_list.Remove(record); }
     void RemoveAll() override { m_list.RemoveAll(); }
