@@ -182,19 +182,23 @@ std::uint64_t RxHub::Queue(ControlId sender, std::string_view request, std::stri
 std::size_t RxHub::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     Turns turns(m_budget);
-    HandleDueRequests(turns);
     std::size_t calls = 0;
-    while (!m_deliveries.empty() && turns.Take())
-        if (Deliver(TakeNext())) ++calls;
+    // One of each: neither many requests nor a long query holds up the other.
+    while ((RequestIsDue() || !m_deliveries.empty()) && turns.Take()) {
+        if (RequestIsDue()) HandleNextRequest();
+        if (!m_deliveries.empty() && Deliver(TakeNext())) ++calls;
+    }
     return calls;
 }
 
-void RxHub::HandleDueRequests(Turns& turns) {
-    while (!m_requests.empty() && m_requests.begin()->first.first <= m_nowMs && turns.Take()) {
-        const Request request = std::move(m_requests.begin()->second);
-        m_requests.erase(m_requests.begin());
-        HandleRequest(request);
-    }
+bool RxHub::RequestIsDue() const {
+    return !m_requests.empty() && m_requests.begin()->first.first <= m_nowMs;
+}
+
+void RxHub::HandleNextRequest() {
+    const Request request = std::move(m_requests.begin()->second);
+    m_requests.erase(m_requests.begin());
+    HandleRequest(request);
 }
 
 void RxHub::HandleRequest(const Request& request) {

@@ -27,7 +27,7 @@
 
 namespace vesk {
 
-// How much one pump does: this many turns (a request, a row, a message), and more until the time is over.
+// How much one pump does: this many turns (a request and a delivery each), and more until the time is over.
 struct PumpBudget {
     std::size_t leastTurns = 1;
     std::chrono::milliseconds time{12};
@@ -70,7 +70,8 @@ private:
 
     void OnUpdate(const Registration& registration) override;
     std::uint64_t Queue(ControlId sender, std::string_view request, std::string_view bytes);
-    void HandleDueRequests(Turns& turns);
+    bool RequestIsDue() const;
+    void HandleNextRequest();
     void HandleRequest(const Request& request);
     // The bytes are empty when a query's turn gave no row.
     Delivery TakeNext();

@@ -160,7 +160,7 @@ TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     const std::string first = enter("1");
     const std::string second = enter("2");
     const std::string third = enter("3");
-    RxHub hub(*m_running.server, m_running.user, {2, std::chrono::milliseconds(0)});
+    RxHub hub(*m_running.server, m_running.user, {1, std::chrono::milliseconds(0)});
     RxControl* asking = hub.Get(kRxRequests, &m_one);
     RxControl* stream = hub.Get(kRxAccountStream, &m_two);
     ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
@@ -169,25 +169,23 @@ TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
 
     ASSERT_TRUE(Send(asking, query));
     ASSERT_TRUE(Send(asking, Named("after")));
-    EXPECT_EQ(hub.Pump(0), 0u) << "two turns, two requests";
-    m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 2u) << "a nested pump goes on with the next row"; };
+    EXPECT_EQ(hub.Pump(0), 1u) << "a request and a delivery a turn";
     m_running.Ask({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, second}});
     const std::string fourth = enter("4");
-    EXPECT_EQ(hub.Pump(0), 2u);
-    EXPECT_EQ(Taken(), (Log{row + first + " active", row + second + " Paused", row + third + " active",
-                            "one answer after"}));
-    EXPECT_EQ(hub.Waiting(), 2u);
-    hub.Pump(0);
-    EXPECT_EQ(Taken(), (Log{"two stream " + second, "two stream " + fourth}));
-    EXPECT_EQ(hub.Waiting(), 0u);
+    m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 1u) << "a nested pump goes on with the next row"; };
+    EXPECT_EQ(hub.Pump(0), 1u);
+    EXPECT_EQ(Taken(), (Log{row + first + " active", row + second + " Paused", row + third + " active"}));
+    EXPECT_EQ(hub.Waiting(), 3u);
+    while (hub.Waiting())
+        hub.Pump(0);
+    EXPECT_EQ(Taken(), (Log{"two stream " + second, "two stream " + fourth, "one answer after"}));
 
     // Ended in its middle, and with it what stands behind it.
     ASSERT_TRUE(Send(asking, query));
     ASSERT_TRUE(Send(asking, Named("after")));
-    hub.Pump(0);
     m_one.act = [&] { hub.Destroy(asking); };
     EXPECT_EQ(hub.Pump(0), 1u);
-    EXPECT_EQ(hub.Waiting(), 0u);
+    EXPECT_EQ(hub.Waiting(), 1u) << "what was sent is still the server's to handle";
     EXPECT_EQ(Taken(), Log{row + first + " active"});
 }
 

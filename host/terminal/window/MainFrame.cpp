@@ -183,6 +183,10 @@ std::optional<LRESULT> MainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM 
     case kDeferredMessage:
         m_application.OnDeferred(wParam);
         return 0;
+    case kLogChangedMessage:
+        m_logStale = false;
+        m_log.Refresh();
+        return 0;
     case kPanesChangedMessage:
         OnPanesChanged(wParam != 0);
         return 0;

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 namespace vesk {
 
@@ -25,6 +26,8 @@ inline constexpr UINT kPaneCommandMessage = 1214;
 inline constexpr UINT kDeferredMessage = WM_APP + 1;
 // The panes need a new layout; WPARAM says whether the menus changed too.
 inline constexpr UINT kPanesChangedMessage = WM_APP + 2;
+// Lines came into the log since it was shown last.
+inline constexpr UINT kLogChangedMessage = WM_APP + 3;
 
 inline constexpr UINT_PTR kPumpTimer = 1;
 inline constexpr UINT_PTR kScriptTimer = 2;
@@ -39,7 +42,10 @@ public:
     void ShowClient(const std::string& client) { m_clientBar.Show(client); }
     // Gives the text to every pane.
     void TellPanes(const std::string& command);
-    void LogChanged() { m_log.Refresh(); }
+    // Many lines in one go are shown once.
+    void LogChanged() {
+        if (!std::exchange(m_logStale, true)) PostMessageA(Handle(), kLogChangedMessage, 0, 0);
+    }
 
     DockSite& Docking() { return m_docking; }
 
@@ -78,6 +84,7 @@ private:
     UINT m_dpi = USER_DEFAULT_SCREEN_DPI; // the bands' heights are for this
     bool m_watchShown = true;
     bool m_logShown = true;
+    bool m_logStale = false;
     bool m_menuStale = false; // while a menu is open, it cannot be replaced
 };
 
