@@ -6,6 +6,8 @@
 namespace korvex {
 namespace {
 
+constexpr std::uint32_t kManyRows = 8;
+
 // Turns redrawing off; afterwards only what had to be painted before still has to be. Past the list itself,
 // which may keep a flag of its own and scroll its pixels all the same.
 class Quiet {
@@ -160,6 +162,9 @@ void ListSync::SetSelection() {
     const RowRanges& wanted = m_model.Selection();
     RowRanges difference = RowRanges::Difference(m_selected, wanted);
     const std::uint32_t fewest = std::min(wanted.Count(), m_count - wanted.Count()) + 1;
+    // By the list's own flag it leaves out what each row costs.
+    const bool many = difference.Count() > kManyRows;
+    if (many) m_list.Send(WM_SETREDRAW, FALSE);
     if (difference.Count() > fewest) {
         if (wanted.Count() > m_count / 2) {
             SetState(allRows, LVIS_SELECTED, LVIS_SELECTED);
@@ -172,6 +177,7 @@ void ListSync::SetSelection() {
     for (const RowRanges::Range& range : difference.Ranges())
         for (std::uint32_t row = range.begin; row < range.end; ++row)
             SetState(row, wanted.Contains(row) ? LVIS_SELECTED : 0, LVIS_SELECTED);
+    if (many) m_list.Send(WM_SETREDRAW, TRUE);
     m_selected = wanted;
 }
 

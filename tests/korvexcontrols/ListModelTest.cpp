@@ -1,9 +1,13 @@
 // The list without its window, beside a plain model and by tables.
+#include "host/korvexcontrols/model/ColumnsState.h"
+#include "host/korvexcontrols/model/Export.h"
 #include "tests/support/ListPair.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
+#include <sstream>
 
 using namespace korvex;
 
@@ -29,6 +33,108 @@ TEST(ListModel, DoesWhatAPlainListDoes) {
             }
         }
     }
+}
+
+TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
+    using enum FilterOperator;
+    struct Row {
+        FilterOperator id;
+        const char *value, *second;
+        const char* passing; // cells between bars
+        const char* failing;
+        const char* fault = "";
+    };
+    const Row rows[] = {
+        {contains, "Ten", "", "ten|mitTEN|often", "te|t en|"},
+        {containsNot, "Ten", "", "te|t en|", "ten|mitTEN"},
+        {equalsText, "", "", "", " |a"},
+        {beginsWith, "AB", "", "ab|ABc", "a|bab"},
+        {exactly, "Ab", "", "Ab", "ab|AB|Ab |"},
+        {equals, "0.1", "", "0.10|.1|+00.1| 0.1 ", "0.10000000000000000001|0.1x|1e-1|-0.1|"},
+        {equals, "-0", "", "0|-0.0|.0|+0", "0.0000000000000000000001|.|-|"},
+        {equalsNot, "5", "", "4|x||5.0.0", "5|5.00"},
+        {less, "-5", "", "-5.01|-10", "-5|-4.99|x|"},
+        {atMost, "90071992547409920001", "", "90071992547409920001|1", "90071992547409920002"},
+        {greater, "9.99", "", "10|9.991", "9.99|9|-10"},
+        {between, "-1", "1", "-1|0|1.0", "-1.0001|1.0001|x"},
+        {between, "2", "1.99", "", "", "The second number is less than the first."},
+        {between, "1", "", "", "", "\"\" is not a number."},
+        {atLeast, "1,000", "", "", "", "\"1,000\" is not a number."},
+        {contains, "", "", "", "", "Type the text to look for."},
+    };
+    for (const Row& row : rows) {
+        const FilterInput input{row.id, row.value, row.second};
+        ASSERT_EQ(ColumnFilter::FaultOf(input), row.fault) << row.value;
+        if (*row.fault) continue;
+        const ColumnFilter filter(0, input);
+        for (const bool passes : {true, false}) {
+            std::istringstream cells(std::string(passes ? row.passing : row.failing) + "|");
+            for (std::string cell; std::getline(cells, cell, '|');)
+                EXPECT_EQ(filter.Passes(cell), passes) << row.value << " on \"" << cell << '"';
+        }
+    }
+}
+
+TEST(Export, QuotesAndDisarmsCells) {
+    struct Row {
+        std::string cell;
+        ValueType type;
+        const char *csv, *tabbed;
+    };
+    const ValueType text = ValueType::text, amount = ValueType::amount;
+    const Row rows[] = {
+        {"plain", text, "plain", "plain"},
+        {"a,b", text, "\"a,b\"", "a,b"},
+        {"say \"x\"", text, "\"say \"\"x\"\"\"", "say \"x\""},
+        {"two\r\nlines\tand", text, "\"two\r\nlines\tand\"", "two  lines and"},
+        {"=1+1", text, "'=1+1", "'=1+1"},
+        {"@SUM(A1,2)", text, "\"'@SUM(A1,2)\"", "'@SUM(A1,2)"},
+        {"\tx", text, "'\tx", "' x"},
+        {"\rx", text, "\"'\rx\"", "' x"},
+        {"-5", text, "'-5", "'-5"},
+        {"-5.50", amount, "-5.50", "-5.50"},
+        {"+7", ValueType::number, "+7", "+7"},
+        {"-5+cmd", amount, "'-5+cmd", "'-5+cmd"},
+        {"", amount, "", ""},
+    };
+    struct Source final : CellSource {
+        void Cells(std::span<const std::uint32_t> records, std::int32_t, std::string_view* texts) override {
+            std::fill_n(texts, records.size(), cell);
+        }
+        std::string_view cell;
+    } source;
+    const std::uint32_t records[] = {0};
+    for (const Row& row : rows) {
+        source.cell = row.cell;
+        const ExportColumn columns[] = {{0, "=H", row.type}, {1, "I", row.type}};
+        EXPECT_EQ(ToCsv(source, columns, records), std::string("'=H,I\r\n") + row.csv + "," + row.csv + "\r\n");
+        EXPECT_EQ(ToTabbed(source, columns, records),
+                  std::string("'=H\tI\r\n") + row.tabbed + "\t" + row.tabbed + "\r\n");
+    }
+}
+
+TEST(ColumnsState, IsReadWholeOrNotAtAll) {
+    const ColumnsState state{{2, 0, 1}, {0, 10000, 80}};
+    const std::string line = WriteColumns(state);
+    EXPECT_EQ(ReadColumns(line, 3), state);
+    const std::string bad[] = {"",
+                               ";",
+                               "0,1,2",
+                               "0,1,2;1,2",
+                               "0,1;1,2,3",
+                               "0,1,1;1,2,3",
+                               "0,1,3;1,2,3",
+                               "0,1,2;1,2,-3",
+                               "0,1,2;1,2,3,",
+                               "0,1,2;1,2,10001",
+                               "0,1,2;1,2,3 ",
+                               "x0,1,2;1,2,3",
+                               "0,1,2;1,,3",
+                               "0,1,2;1,2,99999999999"};
+    for (const std::string& damaged : bad)
+        EXPECT_FALSE(ReadColumns(damaged, 3)) << damaged;
+    for (const std::size_t columns : {0, 2, 4})
+        EXPECT_FALSE(ReadColumns(line, columns));
 }
 
 } // namespace
