@@ -1,6 +1,6 @@
 #include "bench/Allocations.h"
 
-#include <cstddef>
+#include <malloc.h>
 
 namespace {
 
@@ -10,6 +10,11 @@ std::uint64_t g_allocations = 0; // one thread
 
 std::uint64_t bench::AllocationsSoFar() {
     return g_allocations;
+}
+
+std::size_t bench::HeapBytes() {
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;
 }
 
 // The C library's own names for its functions; ours stand before them in the search for the symbol.

@@ -17,13 +17,27 @@ if(WIN32)
     return()
 endif()
 
-add_executable(planfold_bench EXCLUDE_FROM_ALL
+add_library(bench_rounds OBJECT EXCLUDE_FROM_ALL
     ${bench}/Allocations.cpp
+    ${bench}/Report.cpp
+    ${bench}/Rounds.cpp)
+target_link_libraries(bench_rounds PRIVATE house_rules sdk)
+
+add_executable(planfold_bench EXCLUDE_FROM_ALL
     ${bench}/Main.cpp
     ${bench}/MessageCases.cpp
     ${bench}/QuickFixPeer.cpp
-    ${bench}/Rounds.cpp
     ${bench}/SubmitCase.cpp)
-target_link_libraries(planfold_bench PRIVATE house_rules planfold_core quickfix)
+target_link_libraries(planfold_bench PRIVATE house_rules bench_rounds planfold_core quickfix)
 # The peer's headers throw by lists of types, which the language gave up in C++17.
 set_source_files_properties(${bench}/QuickFixPeer.cpp PROPERTIES COMPILE_OPTIONS "-std=c++14;-Wno-deprecated")
+
+find_package(absl REQUIRED)
+add_executable(planfold_book_bench EXCLUDE_FROM_ALL
+    ${bench}/BookMain.cpp
+    ${bench}/BookRecordCases.cpp
+    ${bench}/BookStreamCases.cpp
+    ${bench}/SampleBook.cpp
+    ${bench}/SqlitePeer.cpp)
+target_link_libraries(planfold_book_bench PRIVATE
+    house_rules bench_rounds planfold_core korvex_model absl::flat_hash_map sqlite3)

@@ -6,18 +6,20 @@
 
 #include <cstdint>
 #include <functional>
-#include <string_view>
+#include <string>
 #include <vector>
 
 namespace bench {
 
 struct Case {
-    std::string_view name;
-    std::function<void()> run; // one unit
+    std::string name;
+    std::function<void()> run;          // one unit,
+    std::uint64_t units = 1;            // or more: then a turn is one run
+    std::function<void()> prepare = {}; // before each turn, not measured
 };
 
 struct Result {
-    std::string_view name;
+    std::string name;
     double nanoseconds = 0; // a unit, in the best turn
     double allocations = 0; // a unit
 };

@@ -1,0 +1,262 @@
+#include "bench/Allocations.h"
+#include "bench/BookCases.h"
+#include "bench/Cases.h"
+#include "bench/PeerBook.h"
+#include "bench/SampleBook.h"
+#include "host/korvexcontrols/model/ListModel.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/orderbook/BookColumns.h"
+#include "plugin/orderbook/OrderBook.h"
+#include "sdk/HeapStringManager.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace bench {
+namespace {
+
+using namespace planfold;
+
+constexpr std::string_view kAccountName = "Rekha Castellino";
+
+// One of the book's lists, but for its window.
+class ModelList final : public BookList, private korvex::CellSource {
+public:
+    korvex::ListModel& Model() { return m_model; }
+    void Show(const OrderCache& records) { m_records = &records; }
+
+    bool Contains(RecordId record) const override { return m_model.Contains(record); }
+    void InsertFront(RecordId record) override { m_model.InsertFront(record); }
+    void Repaint(RecordId record) override { m_model.Repaint(record); }
+    void Remove(RecordId record) override { m_model.Remove(record); }
+    void RemoveAll() override { m_model.RemoveAll(); }
+    void FilterBy(int column, std::string_view text) override { m_model.SetOwnerFilter(column, &text); }
+    std::vector<RecordId> Selected() const override { return m_model.SelectedRecords(); }
+    RecordId FirstSelected() const override { return kNoRecord; }
+    bool IsSelected(RecordId) const override { return false; }
+    void Deselect(RecordId record) override { m_model.Deselect(record); }
+
+private:
+    void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override {
+        const OrderField field = kBookColumns[column].field;
+        for (const RecordId record : records)
+            *texts++ = (*m_records)[record].Text(field);
+    }
+
+    const OrderCache* m_records = nullptr;
+    korvex::ListModel m_model{*this};
+};
+
+class ModelView final : public BookView {
+public:
+    void ShowMessage(std::string_view) override {}
+    bool IsOpen() const override { return true; }
+    bool Ask(std::string_view) override { return false; }
+    std::string AskReason() override { return {}; }
+    void OpenForModify(const sOrderinfo&) override {}
+    void ShowRun() override {}
+    BookList& Registered() override { return registered; }
+    BookList& Cancelled() override { return cancelled; }
+
+    ModelList registered, cancelled;
+};
+
+// The book without windows, in a host that knows a name for every client.
+class Book {
+public:
+    Book() {
+        m_session.host.pu_get_client_name = [](OutString name, InString) {
+            *name = kAccountName;
+            return 1;
+        };
+        m_session.m_nSipOperationMode = 1;
+        m_view.registered.Show(m_book.Records());
+        m_view.cancelled.Show(m_book.Records());
+    }
+    Book(const Book&) = delete;
+    Book& operator=(const Book&) = delete;
+
+    void Stream(std::string_view number) {
+        const qmx::MessageReader received(m_streamed.Next(number));
+        m_book.OnBroadcast(received.Handle());
+    }
+    void Answer(std::string_view number) {
+        const qmx::MessageReader received(m_queried.Next(number));
+        m_book.OnResponse(received.Handle());
+    }
+    std::uint32_t Rows() { return Registered().RowCount(); }
+    korvex::ListModel& Registered() { return m_view.registered.Model(); }
+    const OrderCache& Records() const { return m_book.Records(); }
+
+private:
+    HeapStringManager m_strings;
+    std::string m_loginId = "DEALER1", m_peerA = "BROKER", m_peerB = "BRANCH", m_active;
+    Session m_session{
+        [](const char*) -> AnyFunction { return nullptr; }, {m_loginId, m_peerA, m_peerB, m_active}, m_strings};
+    ModelView m_view;
+    OrderBook m_book{m_session, m_view, {}};
+    SampleMessages m_streamed{SampleMessages::streamed}, m_queried{SampleMessages::queried};
+};
+
+std::unique_ptr<Book> Filled(std::uint32_t rows) {
+    auto book = std::make_unique<Book>();
+    const Numbers numbers(0, rows);
+    for (std::uint32_t i = 0; i < rows; ++i)
+        book->Answer(numbers[i]);
+    Require(book->Rows() == rows, "filling the book");
+    return book;
+}
+
+// How the rows are shown.
+struct Showing {
+    const char* name;
+    void (*set)(korvex::ListModel& model);
+};
+constexpr Showing kShowings[] = {
+    {"stream", [](korvex::ListModel&) {}},
+    {"stream-filtered",
+     [](korvex::ListModel& model) {
+         const korvex::FilterInput input{korvex::FilterOperator::contains, "byte", {}};
+         model.SetFilter(3, &input);
+     }},
+    {"stream-sorted",
+     [](korvex::ListModel& model) {
+         model.SetSort({{7, false, korvex::ValueType::amount}});
+     }},
+};
+static_assert(kBookColumns[3].field == OrderField::tradingSymbol
+              && kBookColumns[7].field == OrderField::amount);
+
+Case StreamCase(const Showing& showing, std::uint32_t rows, std::shared_ptr<const Numbers> numbers) {
+    std::shared_ptr<Book> book = Filled(rows);
+    showing.set(book->Registered());
+    return {Sized(showing.name, rows), [=, next = 0u]() mutable {
+                book->Stream((*numbers)[next]);
+                if (++next == numbers->Count()) next = 0;
+            }};
+}
+
+// New registrations in front of so many; the book is made anew when it has grown too far.
+class Growth {
+public:
+    explicit Growth(std::uint32_t rows) : m_rows(rows), m_numbers(0, 0) {}
+
+    std::uint32_t Units() const { return std::min(m_rows / 10, 10'000u); }
+    void Prepare() {
+        if (!m_book || m_book->Rows() > m_rows + m_rows / 2) m_book = Filled(m_rows);
+        m_numbers = Numbers(m_book->Rows(), Units());
+    }
+    void Grow() {
+        for (std::uint32_t i = 0; i < m_numbers.Count(); ++i)
+            m_book->Stream(m_numbers[i]);
+        Require(m_book->Registered().ShownAt(0) == m_book->Rows() - 1, "a new row in front");
+    }
+
+private:
+    std::uint32_t m_rows;
+    Numbers m_numbers;
+    std::unique_ptr<Book> m_book;
+};
+
+// The same answers read by tag in the same order, each value as it is.
+class PeerFill {
+public:
+    void Answer(std::string_view number) {
+        namespace tag = planfold::tag;
+        constexpr std::uint32_t tags[] = {
+            tag::loginId,
+            tag::exchange,
+            tag::tradingSymbol,
+            tag::product,
+            tag::side,
+            tag::orderType,
+            tag::amountOrQuantity,
+            tag::frequency,
+            tag::startDate,
+            tag::totalPeriod,
+            tag::nextExecutionDate,
+            tag::registrationNumber,
+            tag::account,
+            tag::investType,
+            tag::sipStatus,
+            tag::amountOrQuantity,
+            tag::orderId,
+            tag::streamName,
+            tag::registrationDate,
+            tag::account,
+            tag::orderSource,
+            tag::totalPeriod,
+            tag::userText,
+            tag::cancelledDate,
+            tag::cancelledBy,
+            tag::endDate,
+            tag::token,
+        };
+        static_assert(std::size(tags) == kOrderFieldCount);
+        const qmx::MessageReader received(m_messages.Next(number));
+        PeerRecord record;
+        record.reserve(kOrderFieldCount);
+        for (const std::uint32_t each : tags)
+            record.emplace_back(qmx::Text(received.Handle(), each));
+        m_book.insert_or_assign(std::string(qmx::Text(received.Handle(), tag::registrationNumber)),
+                                std::move(record));
+    }
+    std::uint32_t Rows() const { return static_cast<std::uint32_t>(m_book.size()); }
+
+private:
+    SampleMessages m_messages{SampleMessages::queried};
+    PeerBook m_book;
+};
+
+template <class Filled>
+Case FillCase(std::string name, std::shared_ptr<const Numbers> numbers) {
+    struct State {
+        std::unique_ptr<Filled> book;
+    };
+    auto state = std::make_shared<State>();
+    return {std::move(name),
+            [=] {
+                for (std::uint32_t i = 0; i < numbers->Count(); ++i)
+                    state->book->Answer((*numbers)[i]);
+                Require(state->book->Rows() == numbers->Count(), "filling");
+            },
+            numbers->Count(),
+            [=] {
+                state->book.reset();
+                state->book = std::make_unique<Filled>();
+            }};
+}
+
+} // namespace
+
+std::vector<Case> StreamCases(std::uint32_t rows) {
+    auto numbers = std::make_shared<const Numbers>(Numbers::InAnyOrder(rows));
+    std::vector<Case> cases;
+    for (const Showing& showing : kShowings)
+        cases.push_back(StreamCase(showing, rows, numbers));
+    auto growth = std::make_shared<Growth>(rows);
+    cases.push_back({Sized("new", rows), [=] { growth->Grow(); }, growth->Units(), [=] { growth->Prepare(); }});
+    return cases;
+}
+
+std::vector<Case> FillCases(std::uint32_t rows) {
+    auto numbers = std::make_shared<const Numbers>(0, rows);
+    return {FillCase<Book>(Sized("fill", rows), numbers),
+            FillCase<PeerFill>(Sized("fill-absl", rows), numbers)};
+}
+
+std::vector<Result> RowBytes(std::uint32_t rows) {
+    const auto book = Filled(rows);
+    const std::size_t before = HeapBytes();
+    ModelList list;
+    list.Show(book->Records());
+    for (RecordId record = 0; record < rows; ++record)
+        list.InsertFront(record);
+    const std::size_t plain = HeapBytes();
+    kShowings[2].set(list.Model());
+    const std::size_t sorted = HeapBytes();
+    return {{"bytes-row", static_cast<double>(plain - before) / rows},
+            {"bytes-row-sorted", static_cast<double>(sorted - before) / rows}};
+}
+
+} // namespace bench
