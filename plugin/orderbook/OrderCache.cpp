@@ -18,27 +18,29 @@ std::uint32_t Hash(std::string_view number) {
 RecordId OrderCache::Find(std::string_view number) const {
     if (m_places.empty()) return kNoRecord;
     const std::uint32_t hash = Hash(number);
+    const Beginning beginning(number);
     for (std::size_t at = Start(hash);; at = (at + 1) & (m_places.size() - 1)) {
         const Place& place = m_places[at];
         if (place.id == kNoRecord) return kNoRecord;
-        if (place.hash == hash && m_records[place.id].Number() == number) return place.id;
+        if (place.hash != hash || m_entries[place.id].beginning != beginning) continue;
+        if (beginning.IsWhole() || m_entries[place.id].record.Number() == number) return place.id;
     }
 }
 
 RecordId OrderCache::Add(std::string_view number) {
-    if (m_places.size() <= 2 * (m_records.size() + 1)) Grow();
+    if (m_places.size() <= 2 * (m_entries.size() + 1)) Grow();
     OrderChanges key;
     key[OrderField::registrationNumber] = number;
     sOrderinfo record;
     record.Apply(key);
-    m_records.push_back(std::move(record));
-    const auto id = static_cast<RecordId>(m_records.size() - 1);
+    m_entries.push_back({Beginning(number), std::move(record)});
+    const auto id = static_cast<RecordId>(m_entries.size() - 1);
     Enter({Hash(number), id});
     return id;
 }
 
 void OrderCache::Clear() {
-    m_records.clear();
+    m_entries.clear();
     m_places.clear();
 }
 

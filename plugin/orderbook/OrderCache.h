@@ -3,6 +3,8 @@
 
 #include "plugin/orderbook/OrderInfo.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -21,10 +23,10 @@ public:
     RecordId Add(std::string_view number);
     void Clear();
 
-    std::size_t Size() const { return m_records.size(); }
+    std::size_t Size() const { return m_entries.size(); }
     // Another Add may move the record, not its texts.
-    sOrderinfo& operator[](RecordId id) { return m_records[id]; }
-    const sOrderinfo& operator[](RecordId id) const { return m_records[id]; }
+    sOrderinfo& operator[](RecordId id) { return m_entries[id].record; }
+    const sOrderinfo& operator[](RecordId id) const { return m_entries[id].record; }
 
 private:
     // Open addressing: a place holds a piece of the number's hash, so that the record itself is looked at only
@@ -34,11 +36,28 @@ private:
         RecordId id = kNoRecord;
     };
 
+    // How a number begins: all of it, as a rule, so that the record's own block need not be fetched to compare.
+    struct Beginning {
+        explicit Beginning(std::string_view number)
+            : size(static_cast<std::uint8_t>(std::min<std::size_t>(number.size(), UINT8_MAX))) {
+            number.copy(text.data(), text.size());
+        }
+        bool operator==(const Beginning&) const = default;
+        bool IsWhole() const { return size <= text.size(); }
+
+        std::array<char, 23> text{};
+        std::uint8_t size;
+    };
+    struct Entry {
+        Beginning beginning;
+        sOrderinfo record;
+    };
+
     std::size_t Start(std::uint32_t hash) const { return hash & (m_places.size() - 1); }
     void Enter(Place place);
     void Grow();
 
-    std::vector<sOrderinfo> m_records;
+    std::vector<Entry> m_entries;
     std::vector<Place> m_places; // a power of two, at most half of them taken
 };
 

@@ -5,24 +5,15 @@
 
 namespace planfold {
 
-// In front of the texts, which lie one behind the other: where each ends, counted from the first.
+// In front of the texts, which lie one behind the other.
 struct sOrderinfo::Head {
-    std::array<std::uint32_t, kOrderFieldCount> ends;
+    std::array<std::uint32_t, kOrderFieldCount> ends; // counted from the first text
+    std::uint32_t room;                               // for texts
 
+    std::uint32_t Begin(std::size_t place) const { return place ? ends[place - 1] : 0; }
+    std::uint32_t Length() const { return ends.back(); }
     char* Texts() { return reinterpret_cast<char*>(this + 1); }
-    const char* Texts() const { return reinterpret_cast<const char*>(this + 1); }
 };
-
-namespace {
-
-// The key comes first: a look-up compares it, and finds it beside the head.
-constexpr std::size_t Place(OrderField field) {
-    const auto index = static_cast<std::size_t>(field);
-    constexpr auto key = static_cast<std::size_t>(OrderField::registrationNumber);
-    return index == key ? 0 : index < key ? index + 1 : index;
-}
-
-} // namespace
 
 void sOrderinfo::Freed::operator()(Head* block) const {
     ::operator delete(block);
@@ -30,42 +21,56 @@ void sOrderinfo::Freed::operator()(Head* block) const {
 
 std::string_view sOrderinfo::Text(OrderField field) const {
     if (!m_block) return {};
-    const std::size_t place = Place(field);
-    const std::uint32_t begin = place ? m_block->ends[place - 1] : 0;
+    const auto place = static_cast<std::size_t>(field);
+    const std::uint32_t begin = m_block->Begin(place);
     return {m_block->Texts() + begin, m_block->ends[place] - begin};
 }
 
 void sOrderinfo::Apply(const OrderChanges& changes) {
-    std::array<std::string_view, kOrderFieldCount> texts;
-    std::size_t length = 0;
-    bool changed = false;
-    bool sameLengths = m_block != nullptr;
+    std::size_t growth = 0;
     for (std::size_t i = 0; i < kOrderFieldCount; ++i) {
         const auto field = static_cast<OrderField>(i);
-        const std::string_view old = Text(field);
-        const std::string_view text = changes[field].value_or(old);
-        texts[Place(field)] = text;
-        length += text.size();
-        sameLengths = sameLengths && text.size() == old.size();
-        changed = changed || text != old;
+        const auto& text = changes[field];
+        if (!text) continue;
+        const std::size_t size = Text(field).size();
+        if (text->size() > size) growth += text->size() - size;
     }
-    if (!changed) return;
-    if (sameLengths) {
-        for (std::size_t place = 0; place < kOrderFieldCount; ++place) {
-            char* own = m_block->Texts() + (place ? m_block->ends[place - 1] : 0);
-            if (own != texts[place].data()) std::memmove(own, texts[place].data(), texts[place].size());
-        }
-        return;
+    if (growth) MakeRoom(growth);
+    if (!m_block) return;
+    for (std::size_t i = 0; i < kOrderFieldCount; ++i) {
+        const auto field = static_cast<OrderField>(i);
+        if (changes[field]) Set(field, *changes[field]);
     }
+}
 
-    std::unique_ptr<Head, Freed> block(static_cast<Head*>(::operator new(sizeof(Head) + length)));
-    std::uint32_t end = 0;
-    for (std::size_t place = 0; place < kOrderFieldCount; ++place) {
-        const std::string_view text = texts[place];
-        if (!text.empty()) std::memcpy(block->Texts() + end, text.data(), text.size());
-        block->ends[place] = end += static_cast<std::uint32_t>(text.size());
-    }
+// Blocks are a little larger than their texts, so that most changes find room.
+void sOrderinfo::MakeRoom(std::size_t growth) {
+    const std::size_t length = m_block ? m_block->Length() : 0;
+    if (m_block && length + growth <= m_block->room) return;
+    constexpr std::size_t step = 64;
+    const std::size_t bytes = (sizeof(Head) + length + growth + step - 1) / step * step;
+    std::unique_ptr<Head, Freed> block(static_cast<Head*>(::operator new(bytes)));
+    if (m_block)
+        std::memcpy(block.get(), m_block.get(), sizeof(Head) + length);
+    else
+        block->ends.fill(0);
+    block->room = static_cast<std::uint32_t>(bytes - sizeof(Head));
     m_block = std::move(block);
+}
+
+// There is room.
+void sOrderinfo::Set(OrderField field, std::string_view text) {
+    const std::string_view old = Text(field);
+    if (text == old) return;
+    const auto place = static_cast<std::size_t>(field);
+    char* at = m_block->Texts() + m_block->Begin(place);
+    if (text.size() != old.size()) {
+        std::memmove(at + text.size(), at + old.size(), m_block->Length() - m_block->ends[place]);
+        const auto difference = static_cast<std::uint32_t>(text.size() - old.size());
+        for (std::size_t i = place; i < kOrderFieldCount; ++i)
+            m_block->ends[i] += difference;
+    }
+    text.copy(at, text.size());
 }
 
 } // namespace planfold

@@ -71,6 +71,9 @@ private:
         void operator()(Head* block) const;
     };
 
+    void MakeRoom(std::size_t growth);
+    void Set(OrderField field, std::string_view text);
+
     std::unique_ptr<Head, Freed> m_block; // none while every text is empty
 };
 

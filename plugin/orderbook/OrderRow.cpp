@@ -4,7 +4,9 @@
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Tags.h"
-#include "plugin/messaging/Text.h"
+
+#include <array>
+#include <charconv>
 
 namespace planfold {
 
@@ -15,7 +17,7 @@ struct Reading {
     std::string_view sipType;
     bool installments;
     const std::optional<std::string>& accountName;
-    std::string made{};
+    std::array<char, 320> made{}; // the longest amount has 312 characters
 };
 
 // The record's text from the one on the wire; none leaves the field as it was.
@@ -39,8 +41,11 @@ std::optional<std::string_view> WhenQuantity(Reading& reading, std::string_view 
 
 std::optional<std::string_view> RupeesWhenAmount(Reading& reading, std::string_view wire) {
     if (reading.sipType != "value") return std::nullopt;
-    reading.made = Format("%.2lf", LeadingReal(wire) / 100);
-    return reading.made;
+    const double rupees = LeadingReal(wire) / 100;
+    char* const made = reading.made.data();
+    const auto [end, fault] =
+        std::to_chars(made, made + reading.made.size(), rupees, std::chars_format::fixed, 2);
+    return std::string_view(made, static_cast<std::size_t>(end - made));
 }
 
 std::optional<std::string_view> WhenMonths(Reading& reading, std::string_view wire) {
