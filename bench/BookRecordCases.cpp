@@ -31,17 +31,18 @@ BoostBook::iterator Find(BoostBook& book, std::string_view number) {
     return book.find(number);
 }
 
-// What an instalment changes of a registration.
+// What modifying a registration changes of it, and then an instalment.
 constexpr OrderField kUpdated[] = {
-    OrderField::sipStatus, OrderField::amount,      OrderField::nextExecutionDate,
-    OrderField::remarks,   OrderField::orderSource, OrderField::installmentsRegistered,
+    OrderField::amount,    OrderField::endDate,
+    OrderField::sipStatus, OrderField::nextExecutionDate,
+    OrderField::remarks,   OrderField::installmentsRegistered,
 };
 
 void Fill(OrderCache& cache, const Numbers& numbers) {
     SampleMessages messages(SampleMessages::queried);
     for (std::uint32_t i = 0; i < numbers.Count(); ++i) {
         const qmx::MessageReader reader(messages.Next(numbers[i]));
-        ReadOrderRow(reader.Handle(), true, "Rekha Castellino", cache[cache.Add(numbers[i])]);
+        ReadOrderRow(reader.Handle(), true, "Tara Thakur", cache[cache.Add(numbers[i])]);
     }
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 using namespace planfold;
 
-constexpr std::string_view kAccountName = "Rekha Castellino";
+constexpr std::string_view kAccountName = "Tara Thakur";
 
 // One of the book's lists, but for its window.
 class ModelList final : public BookList, private korvex::CellSource {
