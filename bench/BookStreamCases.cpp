@@ -26,7 +26,7 @@ public:
     void Show(const OrderCache& records) { m_records = &records; }
 
     bool Contains(RecordId record) const override { return m_model.Contains(record); }
-    void InsertFront(RecordId record) override { m_model.InsertFront(record); }
+    void InsertFront(RecordId record, Arrival) override { m_model.InsertFront(record); }
     void Repaint(RecordId record) override { m_model.Repaint(record); }
     void Remove(RecordId record) override { m_model.Remove(record); }
     void RemoveAll() override { m_model.RemoveAll(); }
@@ -251,7 +251,7 @@ std::vector<Result> RowBytes(std::uint32_t rows) {
     ModelList list;
     list.Show(book->Records());
     for (RecordId record = 0; record < rows; ++record)
-        list.InsertFront(record);
+        list.InsertFront(record, Arrival::listed);
     const std::size_t plain = HeapBytes();
     kShowings[2].set(list.Model());
     const std::size_t sorted = HeapBytes();
