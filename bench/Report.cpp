@@ -33,8 +33,10 @@ bool Repeated(std::span<const Case> cases, int count, char** arguments) {
     if (count != 4 || std::string_view(arguments[1]) != "--repeat") return false;
     const auto one = std::ranges::find(cases, std::string_view(arguments[2]), &Case::name);
     Require(one != cases.end(), arguments[2]);
-    for (int left = std::atoi(arguments[3]); left > 0; --left)
+    for (int left = std::atoi(arguments[3]); left > 0; --left) {
+        if (one->prepare) one->prepare();
         one->run();
+    }
     return true;
 }
 
