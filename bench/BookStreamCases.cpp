@@ -3,11 +3,10 @@
 #include "bench/Cases.h"
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"
-#include "host/korvexcontrols/model/ListModel.h"
 #include "plugin/messaging/Tags.h"
-#include "plugin/orderbook/BookColumns.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "sdk/HeapStringManager.h"
+#include "tests/support/ModelList.h"
 
 #include <algorithm>
 #include <memory>
@@ -16,36 +15,9 @@ namespace bench {
 namespace {
 
 using namespace planfold;
+using test::ModelList;
 
 constexpr std::string_view kAccountName = "Tara Thakur";
-
-// One of the book's lists, but for its window.
-class ModelList final : public BookList, private korvex::CellSource {
-public:
-    korvex::ListModel& Model() { return m_model; }
-    void Show(const OrderCache& records) { m_records = &records; }
-
-    bool Contains(RecordId record) const override { return m_model.Contains(record); }
-    void InsertFront(RecordId record, Arrival) override { m_model.InsertFront(record); }
-    void Repaint(RecordId record) override { m_model.Repaint(record); }
-    void Remove(RecordId record) override { m_model.Remove(record); }
-    void RemoveAll() override { m_model.RemoveAll(); }
-    void FilterBy(int column, std::string_view text) override { m_model.SetOwnerFilter(column, &text); }
-    std::vector<RecordId> Selected() const override { return m_model.SelectedRecords(); }
-    RecordId FirstSelected() const override { return kNoRecord; }
-    bool IsSelected(RecordId) const override { return false; }
-    void Deselect(RecordId record) override { m_model.Deselect(record); }
-
-private:
-    void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override {
-        const OrderField field = kBookColumns[column].field;
-        for (const RecordId record : records)
-            *texts++ = (*m_records)[record].Text(field);
-    }
-
-    const OrderCache* m_records = nullptr;
-    korvex::ListModel m_model{*this};
-};
 
 class ModelView final : public BookView {
 public:

@@ -202,7 +202,11 @@ bool BookActions::SendOne(RecordId id, Notices& notices) {
         OrderChanges reason;
         reason[OrderField::remarks] = m_reason;
         record.Apply(reason);
-        return SendCancelSipOrder(m_session, m_control, notices, record);
+        const int resets = m_resets;
+        const bool sent = SendCancelSipOrder(m_session, m_control, notices, record);
+        // The record itself has changed: reason and order source.
+        if (resets == m_resets) m_view.Registered().Repaint(id);
+        return sent;
     }
     case RunKind::pause:
         return SendPauseSipOrder(m_session, m_control, notices, PauseOrResume::pause, record.Number());

@@ -32,7 +32,8 @@ public:
     std::string filter;
 };
 
-class BookDouble final : public BookView {
+template <class List>
+class BookDoubleOf final : public BookView {
 public:
     void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
     bool IsOpen() const override { return open; }
@@ -51,7 +52,7 @@ public:
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }
 
-    ListDouble registered, cancelled;
+    List registered, cancelled;
     Texts boxes, questions, modified;
     bool yes = true;
     std::string reason;
@@ -59,6 +60,8 @@ public:
     std::function<void()> duringQuestion, duringReason; // run once
     bool open = true;
 };
+
+using BookDouble = BookDoubleOf<ListDouble>;
 
 // The numbers of a list from the top, "SIP2 SIP1".
 inline std::string Numbers(const OrderBook& book, const ListDouble& list) {
