@@ -1,5 +1,6 @@
 #include "framework/Dialog.h"
 
+#include "framework/FocusKeeper.h"
 #include "framework/Guard.h"
 #include "framework/KeyboardHook.h"
 
@@ -14,6 +15,7 @@ bool Dialog::Create(HWND parent) {
 }
 
 bool Dialog::RunModal(HWND owner) {
+    const FocusKeeper focus;
     const HWND root = GetAncestor(owner, GA_ROOT);
     if (!Create(root)) return false;
     if (!EnableWindow(root, FALSE)) m_disabledOwner = root;

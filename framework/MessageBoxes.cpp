@@ -1,10 +1,17 @@
 #include "framework/MessageBoxes.h"
 
+#include "framework/FocusKeeper.h"
 #include "framework/Guard.h"
 
 #include <utility>
 
 namespace framework {
+
+namespace {
+
+constexpr int kBoxText = 0xFFFF; // the one control that every box has
+
+} // namespace
 
 void MessageBoxes::Show(HWND owner, std::string_view text) {
     if (m_holding) {
@@ -22,6 +29,14 @@ bool MessageBoxes::Ask(HWND owner, const std::string& question) {
     return answer == IDYES;
 }
 
+void MessageBoxes::Close(HWND owner) {
+    if (!m_open || owner != m_owner) return;
+    for (HWND box = nullptr; (box = FindWindowExA(nullptr, box, "#32770", m_caption.c_str())) != nullptr;)
+        if (GetDlgItem(box, kBoxText) && GetWindow(box, GW_OWNER) == GetAncestor(owner, GA_ROOT)
+            && GetWindowThreadProcessId(box, nullptr) == GetCurrentThreadId())
+            EndDialog(box, IDCANCEL);
+}
+
 void MessageBoxes::ShowPending() {
     while (const auto box = m_pending.TakeNext())
         Open(box->owner, box->text, MB_OK);
@@ -36,7 +51,9 @@ MessageBoxes::Hold::~Hold() {
 }
 
 int MessageBoxes::Open(HWND owner, const std::string& text, UINT kind) {
+    const FocusKeeper focus;
     m_open = true;
+    m_owner = owner;
     const int answer = MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), kind);
     m_open = false;
     return answer;

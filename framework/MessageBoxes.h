@@ -23,6 +23,10 @@ public:
     // without asking when a box is open already.
     bool Ask(HWND owner, const std::string& question);
 
+    // Ends the open box if it is this window's, as if it were cancelled. A box belongs to the top-level window,
+    // and so outlives a child that it was asked for.
+    void Close(HWND owner);
+
     // While one lives, texts are kept; then each is shown in a box of its own. For code that a message loop
     // must not enter.
     class Hold {
@@ -48,6 +52,7 @@ private:
     std::string m_caption;
     PendingTexts<HWND> m_pending;
     std::vector<Text> m_held;
+    HWND m_owner = nullptr; // of the open box
     bool m_open = false;
     bool m_holding = false;
 };

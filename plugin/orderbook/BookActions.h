@@ -38,7 +38,7 @@ public:
     void HandlePaused(const Answer& answer) { HandleChanged(answer, RunKind::pause); }
     void HandleResumed(const Answer& answer) { HandleChanged(answer, RunKind::resume); }
 
-    // The records are gone, and with them every run.
+    // The records or their window are gone, and with them every run and question.
     void Reset();
 
 private:

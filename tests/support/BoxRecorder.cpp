@@ -59,5 +59,5 @@ void BoxRecorder::Answer() {
     HWND box = m_unanswered.back();
     m_unanswered.pop_back();
     if (const auto action = std::exchange(during, nullptr)) action();
-    PostMessageA(box, WM_COMMAND, IDOK, 0);
+    PostMessageA(box, WM_COMMAND, static_cast<WPARAM>(GetDlgItem(box, IDYES) ? toQuestions : IDOK), 0);
 }

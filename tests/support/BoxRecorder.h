@@ -1,4 +1,4 @@
-// Records every message box of the thread and answers it with OK from inside its own message loop.
+// Records every message box of the thread and answers it from inside its own message loop.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,8 @@ public:
     // The texts, each closed by "|", since this was last asked.
     std::string Texts();
 
-    bool anyNested = false; // another one was still open
+    int toQuestions = IDYES; // all others get OK
+    bool anyNested = false;  // another one was still open
     HWND lastOwner = nullptr;
     // Runs once, in the message loop of the next box, before that is answered.
     std::function<void()> during;

@@ -150,6 +150,13 @@ int FakeControl::Subscribe(std::uint64_t*, const std::uint32_t* tags, const QmxD
     return !m_host.refuses;
 }
 
+// Streams only, before they are given back.
+int FakeControl::Stop(int zero) {
+    if (!live || zero != 0 || kind == kRxRequests) Misused();
+    ++stops;
+    return 1;
+}
+
 void FakeControl::Misused() {
     m_host.misuses.push_back("a control of kind " + std::to_string(kind));
 }
@@ -198,6 +205,23 @@ void FakeHost::Answer(const Fields& fields) {
     const auto taken = std::ranges::find_if(controls, &FakeControl::live);
     (taken == controls.end() ? controls.front() : *taken)
         .notifier->OnResponse(nullptr, message.Message(), nullptr);
+}
+
+FakeControl& FakeHost::Newest(int kind) {
+    const auto found = std::find_if(controls.rbegin(), controls.rend(),
+                                    [&](const FakeControl& control) { return control.kind == kind; });
+    if (found == controls.rend()) std::abort();
+    return *found;
+}
+
+void FakeHost::AnswerBook(const Fields& fields) {
+    const Received message(fields);
+    Newest(kRxRequests).notifier->OnResponse(nullptr, message.Message(), nullptr);
+}
+
+void FakeHost::Stream(int kind, const Fields& fields) {
+    const Received message(fields);
+    Newest(kind).notifier->OnBroadcast(message.Message(), 0, nullptr);
 }
 
 } // namespace planfold::test
@@ -265,7 +289,10 @@ void DestoryKeloRxCOntrol(RxControl* control) {
     Record("DestoryKeloRxCOntrol");
     auto* fake = static_cast<FakeControl*>(control);
     if (!fake || !fake->live) Host().misuses.emplace_back("a control given back that is not there");
-    if (fake) fake->live = false;
+    if (!fake) return;
+    const int stops = fake->kind == kRxRequests ? 0 : 1;
+    if (fake->stops != stops) Host().misuses.emplace_back("a control not stopped as its kind wants");
+    fake->live = false;
 }
 int pu_add_to_tabbed_log(ByValueString text) {
     Host().log.emplace_back(TakenString(text).View());

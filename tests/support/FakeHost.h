@@ -57,11 +57,12 @@ public:
     void Reserved12() override { Misused(); }
     void Reserved13() override { Misused(); }
     void Reserved14() override { Misused(); }
-    int Stop(int) override { return 1; }
+    int Stop(int zero) override;
 
     const int kind;
     CKeloRxNotifierBase* const notifier;
     bool live = true;
+    int stops = 0;
 
 private:
     void Misused();
@@ -87,6 +88,10 @@ struct FakeHost {
     std::string LastRequest() const { return requests.empty() ? "(none)" : requests.back(); }
     // To the window that took the first control.
     void Answer(const Fields& fields);
+    // The control of the kind that was taken last: the book's.
+    FakeControl& Newest(int kind);
+    void AnswerBook(const Fields& fields);
+    void Stream(int kind, const Fields& fields);
 
     // Answers.
     std::set<std::string> missing; // for Lookup

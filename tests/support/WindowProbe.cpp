@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 
+#include <map>
+#include <utility>
+
 namespace probe {
 namespace {
 
@@ -90,6 +93,33 @@ void SetDate(HWND dialog, int picker, SYSTEMTIME date) {
     SendMessageA(dialog, WM_NOTIFY, static_cast<WPARAM>(picker), reinterpret_cast<LPARAM>(&change));
 }
 
+std::string Cell(HWND list, int row, int column) {
+    char text[256] = "";
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+std::string Entries(HMENU menu) {
+    std::string entries;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        char text[64] = "";
+        MENUITEMINFOA item{};
+        item.cbSize = sizeof item;
+        item.fMask = MIIM_STRING | MIIM_ID | MIIM_STATE | MIIM_FTYPE;
+        item.dwTypeData = text;
+        item.cch = sizeof text;
+        GetMenuItemInfoA(menu, static_cast<UINT>(i), TRUE, &item);
+        std::string entry = item.fType & MFT_SEPARATOR ? "-" : text + (" " + std::to_string(item.wID));
+        if (!(item.fType & MFT_SEPARATOR) && (item.fState & MFS_GRAYED)) entry = "(" + entry + ")";
+        entries += (i ? "|" : "") + entry;
+    }
+    return entries;
+}
+
 void PostKey(WPARAM key) {
     HWND focus = GetFocus();
     PostMessageA(focus, WM_KEYDOWN, key, 1);
@@ -114,6 +144,41 @@ std::vector<HWND> Children(HWND parent) {
     for (HWND child = GetWindow(parent, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         children.push_back(child);
     return children;
+}
+
+namespace {
+
+std::map<UINT_PTR, WhenShown*> g_waiting; // by timer
+
+} // namespace
+
+WhenShown::WhenShown(std::function<HWND()> find, std::function<void(HWND)> act)
+    : m_find(std::move(find)), m_act(std::move(act)), m_timer(SetTimer(nullptr, 0, 1, OnTimer)) {
+    g_waiting[m_timer] = this;
+}
+
+WhenShown::~WhenShown() {
+    KillTimer(nullptr, m_timer);
+    g_waiting.erase(m_timer);
+}
+
+void CALLBACK WhenShown::OnTimer(HWND, UINT, UINT_PTR timer, DWORD) {
+    const auto found = g_waiting.find(timer);
+    if (found == g_waiting.end() || found->second->m_seen) return;
+    if (const HWND window = found->second->m_find()) {
+        found->second->m_seen = true;
+        found->second->m_act(window);
+    }
+}
+
+HWND OpenMenu() {
+    for (HWND window : TopWindows())
+        if (ClassOf(window) == "#32768" && IsWindowVisible(window)) return window;
+    return nullptr;
+}
+
+HMENU MenuOf(HWND openMenu) {
+    return reinterpret_cast<HMENU>(SendMessageA(openMenu, MN_GETHMENU, 0, 0));
 }
 
 void Pump() {

@@ -23,6 +23,10 @@ void Press(HWND dialog, int button);
 SYSTEMTIME Date(HWND dialog, int picker);
 void SetDate(HWND dialog, int picker, SYSTEMTIME date);
 
+std::string Cell(HWND list, int row, int column);
+// Each entry as "Text 25001", greyed "(Text 25001)", a separator "-", joined by "|".
+std::string Entries(HMENU menu);
+
 // A key into the window that has the focus; arrives through the message loop.
 void PostKey(WPARAM key);
 
@@ -35,5 +39,27 @@ std::vector<HWND> Children(HWND parent);
 void Pump();
 // Pumps until it holds; false after some seconds.
 bool PumpUntil(const std::function<bool()>& holds);
+
+// While it lives: does something once, in whatever message loop runs, as soon as the window is there.
+class WhenShown {
+public:
+    WhenShown(std::function<HWND()> find, std::function<void(HWND)> act);
+    WhenShown(const WhenShown&) = delete;
+    WhenShown& operator=(const WhenShown&) = delete;
+    ~WhenShown();
+    bool Seen() const { return m_seen; }
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR timer, DWORD);
+
+    std::function<HWND()> m_find;
+    std::function<void(HWND)> m_act;
+    UINT_PTR m_timer;
+    bool m_seen = false;
+};
+
+// The menu that is open; null when none is.
+HWND OpenMenu();
+HMENU MenuOf(HWND openMenu);
 
 } // namespace probe

@@ -7,6 +7,8 @@ namespace {
 
 constexpr int kModeButton = 1058, kResults = 1501;
 
+using probe::Cell;
+
 class ClientSearchWindow : public PluginTest {
 protected:
     void SetUp() override {
@@ -34,15 +36,6 @@ protected:
     static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
     static int Selected(HWND list) {
         return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    }
-    static std::string Cell(HWND list, int row, int column) {
-        char text[64] = "";
-        LVITEMA item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-        return text;
     }
 
     HWND dialog = nullptr;

@@ -15,8 +15,9 @@ void BottomDock::Dock(HWND frame, HWND pane) {
     if (Attach(frame)) Place();
 }
 
-void BottomDock::OnPaneMoved() {
-    if (!m_placing) Detach();
+void BottomDock::OnPaneMoved(const WINDOWPOS& position) {
+    constexpr UINT onlyShown = SWP_NOMOVE | SWP_NOSIZE;
+    if (!m_placing && (position.flags & onlyShown) != onlyShown) Detach();
 }
 
 std::optional<LRESULT> BottomDock::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -29,6 +30,8 @@ std::optional<LRESULT> BottomDock::OnMessage(UINT message, WPARAM wParam, LPARAM
 
 void BottomDock::Place() {
     const framework::Window frame(Handle());
+    // The frame may have let it float where it stood.
+    if (GetAncestor(m_pane, GA_PARENT) != frame.Handle()) return Detach();
     const RECT client = frame.ClientRect();
     const LONG height = std::min<LONG>(framework::Scaled(kPaneHeight, frame.Dpi()), client.bottom);
     m_placing = true;

@@ -9,8 +9,8 @@ class BottomDock final : public framework::Subclass {
 public:
     // Places the pane and follows the frame's size.
     void Dock(HWND frame, HWND pane);
-    // The pane's position changed, by whomever: another hand than ours takes over.
-    void OnPaneMoved();
+    // The pane's WM_WINDOWPOSCHANGED: when another hand than ours moves or sizes it, that takes over.
+    void OnPaneMoved(const WINDOWPOS& position);
 
 private:
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

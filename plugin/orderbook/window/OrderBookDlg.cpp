@@ -102,6 +102,7 @@ void COrderBookDlg::OnClose() {
 
 void COrderBookDlg::OnDestroyed() {
     m_open = false;
+    m_book.Actions().Reset();
     m_reason.Destroy();
     m_progress.Destroy();
 }
@@ -160,6 +161,11 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
     case WM_SIZE:
         if (m_open) Arrange();
         return 0;
+    case WM_DESTROY:
+        m_boxes.Close(Handle());
+        // Its loop would wait for a choice that nobody gets.
+        if (m_menuOpen) EndMenu();
+        return std::nullopt;
     case WM_CONTEXTMENU: {
         const HWND list = reinterpret_cast<HWND>(wParam);
         if (list != m_registered.Control().Handle() && list != m_cancelled.Control().Handle())
@@ -189,7 +195,9 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     if (!cancelled) AppendEntries(menu.Get(), SeveralRowsMenu(control.SelectedCount()));
     control.AppendMenuEntries(menu.Get());
     AppendSeparator(menu.Get());
+    m_menuOpen = true;
     TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON, at.x, at.y, 0, Handle(), nullptr);
+    m_menuOpen = false;
 }
 
 bool COrderBookDlg::OnCommand(const framework::Command& command) {

@@ -68,6 +68,7 @@ private:
     Modify m_modify;
     framework::Font m_font;
     bool m_open = false;
+    bool m_menuOpen = false;
 };
 
 } // namespace planfold

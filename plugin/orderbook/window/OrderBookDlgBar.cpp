@@ -68,7 +68,7 @@ std::optional<LRESULT> COrderBookDlgBar::OnMessage(UINT message, WPARAM wParam, 
         m_dialog.Self().Move(Self().ClientRect());
         return 0;
     case WM_WINDOWPOSCHANGED:
-        m_dock.OnPaneMoved();
+        m_dock.OnPaneMoved(*reinterpret_cast<const WINDOWPOS*>(lParam));
         return std::nullopt;
     case WM_SETFOCUS:
         m_dialog.FocusList();

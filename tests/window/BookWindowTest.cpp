@@ -1,0 +1,107 @@
+#include "tests/window/BookWindowTest.h"
+
+#include <algorithm>
+
+void BookWindowTest::SetUp() {
+    PluginTest::SetUp();
+    SetWindowSubclass(Frame(), FrameProcedure, 77, reinterpret_cast<DWORD_PTR>(this));
+    ShowWindow(Frame(), SW_SHOW);
+    SetForegroundWindow(Frame());
+}
+
+void BookWindowTest::TearDown() {
+    onFrame = nullptr;
+    PluginTest::TearDown();
+    EXPECT_TRUE(probe::Children(Frame()).empty());
+    EXPECT_TRUE(IsWindowEnabled(Frame()));
+    RemoveWindowSubclass(Frame(), FrameProcedure, 77);
+}
+
+LRESULT CALLBACK BookWindowTest::FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam,
+                                                UINT_PTR, DWORD_PTR context) {
+    auto* self = reinterpret_cast<BookWindowTest*>(context);
+    const LRESULT result = DefSubclassProc(frame, message, wParam, lParam);
+    if (message == book::kRegisterPane) self->announced.push_back(reinterpret_cast<HWND>(wParam));
+    if (self->onFrame && !self->announced.empty()) self->onFrame(message, self->announced.back());
+    return result;
+}
+
+void BookWindowTest::Open() {
+    Pick(book::kName);
+    pane = GetDlgItem(Frame(), book::kPane);
+    dialog = pane ? GetWindow(pane, GW_CHILD) : nullptr;
+    registered = GetDlgItem(dialog, book::kRegistered);
+    cancelled = GetDlgItem(dialog, book::kCancelled);
+}
+
+void BookWindowTest::Queried(const std::string& number, const char* status, const char* client) {
+    host.AnswerBook({{32767, {"om_get_sip_orders"}},
+                     {54324, {"1"}},
+                     {64804, {number}},
+                     {10303, {status}},
+                     {54001, {client}},
+                     {54152, {"value"}},
+                     {53063, {"123450"}}});
+}
+
+void BookWindowTest::QueriedInFull(const char* number, const char* status) {
+    Fields fields{{32767, {"om_get_sip_orders"}}, {64804, {number}}, {10303, {status}}};
+    constexpr std::pair<std::uint32_t, const char*> others[] = {
+        {54324, "1"},           {31003, "DEALER7"},          {54001, "C002"},        {63001, "nse_cm"},
+        {64030, "CNC"},         {63100, "ARBORTOOLS-EQ"},    {12003, "B"},           {12008, "MKT"},
+        {54152, "value"},       {53063, "123450"},           {10012, "monthly"},     {63415, "12"},
+        {49165, "05-Mar-2020"}, {10615, "05-Apr-2027"},      {54270, "01-Mar-2027"}, {64756, "TWS"},
+        {64987, "05-Feb-2028"}, {20008, "no longer wanted"}, {49281, "DEALER8"},     {10320, "09-Mar-2027"}};
+    for (const auto& [tag, text] : others)
+        fields.push_back({tag, {text}});
+    host.AnswerBook(fields);
+}
+
+void BookWindowTest::Streamed(const std::string& number, const char* status) {
+    host.Stream(kRxAccountStream, {{64804, {number}}, {10303, {status}}});
+}
+
+void BookWindowTest::QueriedUpTo(int count) {
+    for (int i = 1; i <= count; ++i)
+        Queried(Number(i));
+}
+
+std::string BookWindowTest::Counts() const {
+    std::string counts;
+    for (const WPARAM part : {0, 1}) {
+        char text[32] = "";
+        SendMessageA(GetDlgItem(dialog, book::kStatus), SB_GETTEXTA, part, reinterpret_cast<LPARAM>(text));
+        counts += (part ? " " : "") + std::string(text);
+    }
+    return counts;
+}
+
+std::string BookWindowTest::SelectedNumbers(HWND list) {
+    std::string numbers;
+    for (int row = -1; (row = Next(list, LVNI_SELECTED, row)) >= 0;)
+        numbers += (numbers.empty() ? "" : " ") + NumberAt(list, row);
+    return numbers;
+}
+
+void BookWindowTest::Select(HWND list, const std::vector<std::string>& numbers) {
+    const auto set = [&](int row, UINT state) {
+        LVITEMA item{};
+        item.state = state;
+        item.stateMask = LVIS_SELECTED | (state & LVIS_FOCUSED);
+        SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    };
+    set(-1, 0);
+    for (int row = 0; row < Rows(list); ++row)
+        if (std::ranges::find(numbers, NumberAt(list, row)) != numbers.end())
+            set(row, LVIS_SELECTED | LVIS_FOCUSED);
+}
+
+std::string BookWindowTest::MenuOf(HWND list) const {
+    std::string entries = "(none)";
+    const WhenShown menu(probe::OpenMenu, [&](HWND open) {
+        entries = probe::Entries(probe::MenuOf(open));
+        EndMenu();
+    });
+    SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), MAKELPARAM(60, 60));
+    return entries;
+}

@@ -1,0 +1,58 @@
+// A test with the registration book in the host's main frame, which can be told how to treat the pane.
+#pragma once
+
+#include "tests/window/PluginTest.h"
+
+#include <commctrl.h>
+
+namespace book {
+inline constexpr int kPane = 104, kTabs = 1200, kRegistered = 1201, kCancelled = 1202, kStatus = 1203;
+inline constexpr int kReason = 1401, kRunBar = 1702;
+inline constexpr int kRefresh = 25001, kCancel = 25002, kModify = 25003, kPauseSelected = 25101;
+inline constexpr UINT kRegisterPane = 1933, kCommandText = 1214;
+inline constexpr const char kName[] = "SIP Registration Book";
+} // namespace book
+
+// "SIP7"
+inline std::string Number(int number) {
+    return "SIP" + std::to_string(number);
+}
+
+using probe::WhenShown;
+
+class BookWindowTest : public PluginTest {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    HWND Frame() const { return static_cast<HWND>(host.mainFrame); }
+    // Picks the menu entry and finds the windows, null where there are none.
+    void Open();
+    // What the server answers to the query of all registrations, and what it streams.
+    void Queried(const std::string& number, const char* status = "active", const char* client = "C001");
+    void QueriedInFull(const char* number, const char* status);
+    void Streamed(const std::string& number, const char* status);
+    void QueriedUpTo(int count);
+    // How many rows the two panes of the status bar say, "3 0".
+    std::string Counts() const;
+
+    static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+    static int Next(HWND list, UINT flags, int from = -1) {
+        return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
+    }
+    static std::string NumberAt(HWND list, int row) { return row < 0 ? "" : probe::Cell(list, row, 14); }
+    static std::string SelectedNumbers(HWND list);
+    // Exactly these rows, by their numbers, and the focus on the last of them.
+    static void Select(HWND list, const std::vector<std::string>& numbers);
+    // The row menu, once it is open.
+    std::string MenuOf(HWND list) const;
+    static HWND ReasonDialog() { return probe::FindDialog("Reject Reason"); }
+    void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+
+    std::vector<HWND> announced;             // panes told to the frame
+    std::function<void(UINT, HWND)> onFrame; // after the frame's own handling of a message: 1933's pane
+    HWND pane = nullptr, dialog = nullptr, registered = nullptr, cancelled = nullptr;
+
+private:
+    static LRESULT CALLBACK FrameProcedure(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
+};
