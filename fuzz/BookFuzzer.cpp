@@ -96,7 +96,7 @@ void SetView(const View& view, test::ModelList& list) {
     const korvex::FilterInput contains{korvex::FilterOperator::contains, view.filter, {}};
     list.Model().ClearFilters();
     list.Model().SetFilter(view.column, view.filter.empty() ? nullptr : &contains);
-    list.Model().SetSort({{view.column, korvex::ValueType::text, false}});
+    list.Model().SetSort({{view.column, false, korvex::ValueType::text}});
 }
 
 void Compare(const Expected& expected, const OrderBook& book, const Book& view) {
