@@ -24,8 +24,9 @@ void OrderBook::Open(const LocalDateTime& today) {
     // Records of an earlier window would never be shown again: only a new one enters the registered book.
     m_actions.Reset();
     m_cache.Clear();
-    m_view.Registered().RemoveAll();
-    m_view.Cancelled().RemoveAll();
+    for (BookList* list : {&m_view.Registered(), &m_view.Cancelled()})
+        list->RemoveAll();
+    FilterByClient({});
     m_session.m_nSipOperationMode = 0;
     SendGetSipOperationMode(m_session, m_controls.requests, m_view);
     // Each failure is a box, whose message loop may bring the end.

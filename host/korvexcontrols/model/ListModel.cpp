@@ -97,7 +97,7 @@ Change ListModel::Repaint(std::uint32_t record) {
     Hide(record);
     if (!passes) {
         SetHiddenSelected(record, m_selected.Contains(from));
-        RowWent(record, from);
+        m_selected.RemoveRow(from);
         return {Change::removed, from, from};
     }
     const std::uint32_t to = Show(record);
@@ -115,14 +115,11 @@ Change ListModel::Repaint(std::uint32_t record) {
 
 template <class Operation>
 Change ListModel::Rearrange(Operation&& operation) {
-    const std::uint32_t focusedRow = ShownRowOf(m_focused);
     for (const std::uint32_t record : SelectedRecords())
         SetHiddenSelected(record, true);
     operation();
     const auto shown = ShowAnew();
     SelectAnew(shown);
-    if (m_focused != kNone && ShownRowOf(m_focused) == kNone)
-        m_focused = shown.empty() ? kNone : shown[std::min<std::size_t>(focusedRow, shown.size() - 1)];
     return {Change::everything, 0, 0};
 }
 

@@ -82,7 +82,7 @@ public:
     void SelectOnly(std::uint32_t record);
     void Deselect(std::uint32_t record);
     std::vector<std::uint32_t> SelectedRecords(std::uint32_t most = kNone) const; // from the top
-    std::uint32_t Focused() const { return m_focused; }
+    std::uint32_t Focused() const { return ShownRowOf(m_focused) == kNone ? kNone : m_focused; }
     void Focus(std::uint32_t record) { m_focused = ShownRowOf(record) == kNone ? kNone : record; }
 
 private:
@@ -117,7 +117,7 @@ private:
     RankedBits m_passing;
     RowRanges m_selected;               // of shown rows
     std::vector<bool> m_hiddenSelected; // by record
-    std::uint32_t m_focused = kNone;    // a shown record
+    std::uint32_t m_focused = kNone;    // has the focus again when a filter no longer hides it
 };
 
 } // namespace korvex

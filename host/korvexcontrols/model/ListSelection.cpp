@@ -14,6 +14,7 @@ void ListModel::RowCame(std::uint32_t record, std::uint32_t row) {
 
 void ListModel::RowWent(std::uint32_t record, std::uint32_t row) {
     m_selected.RemoveRow(row);
+    // The record is no more: the row now in its place takes over.
     if (m_focused == record) m_focused = ShownCount() ? ShownAt(std::min(row, ShownCount() - 1)) : kNone;
 }
 
