@@ -35,6 +35,35 @@ TEST(ListModel, DoesWhatAPlainListDoes) {
     }
 }
 
+// All but a few records move to the end again and again, which empties the blocks but for those few.
+TEST(SortedRows, KeepsItsOrderWhenNearlyAllMovesOn) {
+    constexpr std::uint32_t count = 4000, staying = 40;
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> plain;
+    std::vector<std::uint64_t> keys;
+    std::vector<std::uint32_t> records;
+    for (std::uint32_t record = 0; record < count; ++record) {
+        keys.push_back(record);
+        records.push_back(record);
+    }
+    SortedRows rows;
+    rows.Assign(records, keys);
+    std::uint64_t last = count;
+    for (int round = 0; round < 6; ++round)
+        for (std::uint32_t record = 0; record < count; ++record) {
+            if (record % staying == 0) continue;
+            EXPECT_EQ(rows.Erase(record), round ? count / staying : 1 + record / staying) << record;
+            keys[record] = ++last;
+            EXPECT_EQ(rows.Insert(record, last, [](std::uint32_t) { return false; }), count - 1);
+        }
+    for (std::uint32_t record = 0; record < count; ++record)
+        plain.emplace_back(keys[record], record);
+    std::ranges::sort(plain);
+    for (std::uint32_t row = 0; row < count; ++row) {
+        ASSERT_EQ(rows.RecordAt(row), plain[row].second);
+        ASSERT_EQ(rows.RowOf(plain[row].second), row);
+    }
+}
+
 TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
     using enum FilterOperator;
     struct Row {
