@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <sstream>
 
@@ -35,32 +36,26 @@ TEST(ListModel, DoesWhatAPlainListDoes) {
     }
 }
 
-// All but a few records move to the end again and again, which empties the blocks but for those few.
+// In each round a few records more stay behind while the others move to the end: blocks that hold next to
+// nothing become many.
 TEST(SortedRows, KeepsItsOrderWhenNearlyAllMovesOn) {
-    constexpr std::uint32_t count = 4000, staying = 40;
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> plain;
-    std::vector<std::uint64_t> keys;
-    std::vector<std::uint32_t> records;
-    for (std::uint32_t record = 0; record < count; ++record) {
-        keys.push_back(record);
-        records.push_back(record);
-    }
+    constexpr std::uint32_t count = 4000, kinds = 40;
+    std::vector<std::uint32_t> records(count);
+    std::iota(records.begin(), records.end(), 0u);
+    std::vector<std::uint64_t> keys(records.begin(), records.end());
     SortedRows rows;
     rows.Assign(records, keys);
-    std::uint64_t last = count;
-    for (int round = 0; round < 6; ++round)
+    for (std::uint32_t round = 1; round < kinds; ++round)
         for (std::uint32_t record = 0; record < count; ++record) {
-            if (record % staying == 0) continue;
-            EXPECT_EQ(rows.Erase(record), round ? count / staying : 1 + record / staying) << record;
-            keys[record] = ++last;
-            EXPECT_EQ(rows.Insert(record, last, [](std::uint32_t) { return false; }), count - 1);
+            if (record % kinds < round) continue;
+            rows.Erase(record);
+            keys[record] += count;
+            ASSERT_EQ(rows.Insert(record, keys[record], [](std::uint32_t) { return false; }), count - 1);
         }
-    for (std::uint32_t record = 0; record < count; ++record)
-        plain.emplace_back(keys[record], record);
-    std::ranges::sort(plain);
+    std::ranges::sort(records, {}, [&](std::uint32_t record) { return keys[record]; });
     for (std::uint32_t row = 0; row < count; ++row) {
-        ASSERT_EQ(rows.RecordAt(row), plain[row].second);
-        ASSERT_EQ(rows.RowOf(plain[row].second), row);
+        ASSERT_EQ(rows.RecordAt(row), records[row]);
+        ASSERT_EQ(rows.RowOf(records[row]), row);
     }
 }
 

@@ -56,9 +56,8 @@ private:
     template <class IsBehind>
     static std::size_t FirstBehind(const std::vector<std::uint64_t>& keys, std::uint64_t key,
                                    const IsBehind& isBehind) {
-        const auto [first, last] = std::ranges::equal_range(keys, key);
-        auto low = static_cast<std::size_t>(first - keys.begin());
-        auto high = static_cast<std::size_t>(last - keys.begin());
+        auto low = static_cast<std::size_t>(std::ranges::lower_bound(keys, key) - keys.begin());
+        auto high = static_cast<std::size_t>(std::ranges::upper_bound(keys, key) - keys.begin());
         while (low < high) {
             const std::size_t middle = (low + high) / 2;
             isBehind(middle) ? high = middle : low = middle + 1;
