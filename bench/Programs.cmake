@@ -41,3 +41,6 @@ add_executable(planfold_book_bench EXCLUDE_FROM_ALL
     ${bench}/SqlitePeer.cpp)
 target_link_libraries(planfold_book_bench PRIVATE
     house_rules bench_rounds planfold_core korvex_model absl::flat_hash_map sqlite3)
+
+add_executable(planfold_list_bench EXCLUDE_FROM_ALL ${bench}/ListCases.cpp)
+target_link_libraries(planfold_list_bench PRIVATE house_rules bench_rounds korvex_model)

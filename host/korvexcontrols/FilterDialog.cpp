@@ -14,6 +14,7 @@ void FilterDialog::Ask(HWND list, const std::string& heading, ValueType type, co
     m_now = now ? std::optional(*now) : std::nullopt;
     m_chosen = std::move(chosen);
     Open(list);
+    Item(IDC_FILTER_VALUE).Focus();
 }
 
 void FilterDialog::OnInit() {

@@ -126,21 +126,18 @@ void ListHeader::ShowSort(const std::vector<SortColumn>& sort) const {
     }
 }
 
+// All funnels at the end: not every system asks about an item once more after drawing it.
 LRESULT ListHeader::Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std::int32_t)>& isFiltered) const {
-    const auto column = static_cast<std::int32_t>(draw.dwItemSpec);
-    switch (draw.dwDrawStage) {
-    case CDDS_PREPAINT:
-        return CDRF_NOTIFYITEMDRAW;
-    case CDDS_ITEMPREPAINT:
-        return isFiltered(column) ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
-    case CDDS_ITEMPOSTPAINT:
-        // On the side where the heading's text is not.
-        if (const Column* filtered = At(column))
-            DrawFunnel(draw.hdc, draw.rc, filtered->rightAligned && column > 0);
-        return CDRF_DODEFAULT;
-    default:
-        return CDRF_DODEFAULT;
+    if (draw.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYPOSTPAINT;
+    if (draw.dwDrawStage != CDDS_POSTPAINT) return CDRF_DODEFAULT;
+    for (std::int32_t column = 0; At(column); ++column) {
+        RECT cell{};
+        if (!isFiltered(column)) continue;
+        SendMessageA(Handle(), HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
+        // On the side where the heading's text is not; the first column's is always left.
+        DrawFunnel(draw.hdc, cell, At(column)->rightAligned && column > 0);
     }
+    return CDRF_DODEFAULT;
 }
 
 void ListHeader::DrawFunnel(HDC device, RECT cell, bool atLeft) const {

@@ -24,7 +24,10 @@ bool IsHighContrast() {
            && (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-bool IsDark(COLORREF colour) {
+// The list's own background, which may not be the system's.
+bool IsDark(HWND list) {
+    const auto own = static_cast<COLORREF>(SendMessageA(list, LVM_GETBKCOLOR, 0, 0));
+    const COLORREF colour = own == CLR_NONE ? GetSysColor(COLOR_WINDOW) : own;
     constexpr int half = 128 * 1000;
     return GetRValue(colour) * 299 + GetGValue(colour) * 587 + GetBValue(colour) * 114 < half;
 }
@@ -34,7 +37,7 @@ bool IsDark(COLORREF colour) {
 void ColourRow(NMLVCUSTOMDRAW& draw, std::int32_t look) {
     for (const Look& known : kLooks) {
         if (known.look != look || IsHighContrast()) continue;
-        const Colours& colours = IsDark(GetSysColor(COLOR_WINDOW)) ? known.onDark : known.onLight;
+        const Colours& colours = IsDark(draw.nmcd.hdr.hwndFrom) ? known.onDark : known.onLight;
         draw.clrText = colours.text;
         if (colours.background != CLR_DEFAULT) draw.clrTextBk = colours.background;
     }

@@ -289,7 +289,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
                              [&](std::int32_t column) { return m_model.FilterOf(column) != nullptr; });
     case NM_RCLICK:
         ShowColumnMenu();
-        return 0;
+        return 1; // no context menu of the rows besides
     case HDN_ENDTRACKA:
     case HDN_ENDTRACKW:
     case HDN_DIVIDERDBLCLICKA:

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <sstream>
 
@@ -32,6 +33,29 @@ TEST(ListModel, DoesWhatAPlainListDoes) {
                     << run.records << " records, seed " << seed << ", step " << step;
             }
         }
+    }
+}
+
+// In each round a few records more stay behind while the others move to the end: blocks that hold next to
+// nothing become many.
+TEST(SortedRows, KeepsItsOrderWhenNearlyAllMovesOn) {
+    constexpr std::uint32_t count = 4000, kinds = 40;
+    std::vector<std::uint32_t> records(count);
+    std::iota(records.begin(), records.end(), 0u);
+    std::vector<std::uint64_t> keys(records.begin(), records.end());
+    SortedRows rows;
+    rows.Assign(records, keys);
+    for (std::uint32_t round = 1; round < kinds; ++round)
+        for (std::uint32_t record = 0; record < count; ++record) {
+            if (record % kinds < round) continue;
+            rows.Erase(record);
+            keys[record] += count;
+            ASSERT_EQ(rows.Insert(record, keys[record], [](std::uint32_t) { return false; }), count - 1);
+        }
+    std::ranges::sort(records, {}, [&](std::uint32_t record) { return keys[record]; });
+    for (std::uint32_t row = 0; row < count; ++row) {
+        ASSERT_EQ(rows.RecordAt(row), records[row]);
+        ASSERT_EQ(rows.RowOf(records[row]), row);
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "host/korvexcontrols/model/Text.h"
 
+#include <algorithm>
+
 namespace korvex {
 namespace {
 
@@ -14,6 +16,31 @@ std::string_view TakeDigits(std::string_view& text) {
     const std::string_view digits = text.substr(0, length);
     text.remove_prefix(length);
     return digits;
+}
+
+// The usual cell, in one pass: no blanks, no sign but "-", no more digits than a key holds.
+std::optional<std::int64_t> ReadPlainKey(std::string_view text) {
+    const bool negative = text.starts_with('-');
+    if (negative) text.remove_prefix(1);
+    std::int64_t key = 0;
+    std::size_t at = 0;
+    const auto take = [&](std::size_t end) {
+        const std::size_t begin = at;
+        for (unsigned digit; at < end && (digit = static_cast<unsigned>(text[at]) - '0') <= 9; ++at)
+            key = key * 10 + digit;
+        return at - begin;
+    };
+    const std::size_t whole = take(std::min(text.size(), kKeyWhole));
+    if (whole == 0) return std::nullopt;
+    std::size_t fraction = 0;
+    if (at < text.size() && text[at] == '.') {
+        ++at;
+        fraction = take(std::min(text.size(), at + kKeyFraction));
+    }
+    if (at != text.size()) return std::nullopt;
+    constexpr std::int64_t scales[kKeyFraction + 1] = {10000, 1000, 100, 10, 1};
+    key *= scales[fraction];
+    return negative ? -key : key;
 }
 
 int CompareSizes(const Decimal& one, const Decimal& other) {
@@ -53,15 +80,18 @@ int Compare(const Decimal& one, const Decimal& other) {
     return one.negative ? -order : order;
 }
 
-DecimalKey KeyOf(const Decimal& decimal) {
-    if (decimal.whole.size() > kKeyWhole)
-        return {decimal.negative ? DecimalKey::lowest : DecimalKey::highest, false};
+std::optional<DecimalKey> ReadKey(std::string_view text) {
+    if (const auto key = ReadPlainKey(text)) return DecimalKey{*key, true};
+    const auto decimal = ReadDecimal(text);
+    if (!decimal) return std::nullopt;
+    if (decimal->whole.size() > kKeyWhole)
+        return DecimalKey{decimal->negative ? DecimalKey::lowest : DecimalKey::highest, false};
     std::int64_t key = 0;
-    for (const char digit : decimal.whole)
+    for (const char digit : decimal->whole)
         key = key * 10 + (digit - '0');
     for (std::size_t i = 0; i < kKeyFraction; ++i)
-        key = key * 10 + (i < decimal.fraction.size() ? decimal.fraction[i] - '0' : 0);
-    return {decimal.negative ? -key : key, decimal.fraction.size() <= kKeyFraction};
+        key = key * 10 + (i < decimal->fraction.size() ? decimal->fraction[i] - '0' : 0);
+    return DecimalKey{decimal->negative ? -key : key, decimal->fraction.size() <= kKeyFraction};
 }
 
 } // namespace korvex

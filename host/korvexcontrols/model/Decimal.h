@@ -20,13 +20,13 @@ std::optional<Decimal> ReadDecimal(std::string_view text);
 // Less than, equal to or greater than 0.
 int Compare(const Decimal& one, const Decimal& other);
 
-// A number in units of 1/10000, from `lowest` to `highest`; it never puts two decimals the other way round.
+// The number of a text in units of 1/10000; it never puts two numbers the other way round.
 struct DecimalKey {
     static constexpr std::int64_t lowest = -1'000'000'000'000'000'000, highest = -lowest;
 
     std::int64_t key;
-    bool exact; // another decimal has another key
+    bool exact; // another number has another key
 };
-DecimalKey KeyOf(const Decimal& decimal);
+std::optional<DecimalKey> ReadKey(std::string_view text);
 
 } // namespace korvex

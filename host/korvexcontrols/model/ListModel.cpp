@@ -34,22 +34,18 @@ bool ListModel::Passes(std::uint32_t record) const {
 
 std::uint32_t ListModel::Show(std::uint32_t record) {
     if (IsSorted()) {
-        m_sort.MakeKey(record);
         SortOrder::Probe probe(m_sort, record);
-        m_sorted.Insert(record, [&](std::uint32_t other) { return probe.StandsBefore(other); });
-    } else if (IsFiltered()) {
-        m_passing.Set(m_order.SlotOf(record), true);
+        return m_sorted.Insert(record, m_sort.MakeKey(record),
+                               [&](std::uint32_t other) { return probe.StandsBefore(other); });
     }
+    if (IsFiltered()) m_passing.Set(m_order.SlotOf(record), true);
     return ShownRowOf(record);
 }
 
 std::uint32_t ListModel::Hide(std::uint32_t record) {
+    if (IsSorted()) return m_sorted.Contains(record) ? m_sorted.Erase(record) : kNone;
     const std::uint32_t row = ShownRowOf(record);
-    if (row == kNone) return row;
-    if (IsSorted())
-        m_sorted.Erase(record);
-    else if (IsFiltered())
-        m_passing.Set(m_order.SlotOf(record), false);
+    if (IsFiltered()) m_passing.Set(m_order.SlotOf(record), false);
     return row;
 }
 
@@ -91,10 +87,10 @@ Change ListModel::RemoveAll() {
 Change ListModel::Repaint(std::uint32_t record) {
     if (!Contains(record)) return {};
     const bool passes = Passes(record);
-    const std::uint32_t from = ShownRowOf(record);
+    if (passes && !IsSorted())
+        if (const std::uint32_t row = ShownRowOf(record); row != kNone) return {Change::repainted, row, row};
+    const std::uint32_t from = Hide(record);
     if (!passes && from == kNone) return {};
-    if (passes && from != kNone && !IsSorted()) return {Change::repainted, from, from};
-    Hide(record);
     if (!passes) {
         SetHiddenSelected(record, m_selected.Contains(from));
         m_selected.RemoveRow(from);
@@ -132,8 +128,8 @@ std::vector<std::uint32_t> ListModel::ShowAnew() {
     m_sorted = SortedRows();
     m_passing.Clear();
     if (IsSorted()) {
-        m_sort.Sort(records);
-        m_sorted.Assign(records);
+        const auto keys = m_sort.Sort(records);
+        m_sorted.Assign(records, keys);
     } else if (IsFiltered()) {
         auto next = records.rbegin();
         for (std::uint32_t slot = 0; slot < m_order.Slots(); ++slot) {

@@ -28,13 +28,13 @@ bool IsWhole(std::uint64_t key) {
     return (key & 0xFF) < kLongerThanKey;
 }
 
-DecimalKey NumberKey(std::string_view cell, bool descending, std::uint64_t& key) {
-    const auto number = ReadDecimal(cell);
+// False when another number may have the same key.
+bool MakeNumberKey(std::string_view cell, bool descending, std::uint64_t& key) {
+    const auto made = ReadKey(cell);
     key = kNoNumber;
-    if (!number) return {0, true};
-    const DecimalKey made = KeyOf(*number);
-    key = static_cast<std::uint64_t>(descending ? -made.key : made.key) ^ (std::uint64_t{1} << 63);
-    return made;
+    if (!made) return true;
+    key = static_cast<std::uint64_t>(descending ? -made->key : made->key) ^ (std::uint64_t{1} << 63);
+    return made->exact;
 }
 
 int CompareNumbers(std::string_view one, std::string_view other, bool descending) {
@@ -52,30 +52,24 @@ int CompareCells(const SortColumn& by, std::string_view one, std::string_view ot
 
 } // namespace
 
-void SortOrder::StoreKey(std::uint32_t record, std::uint64_t key) {
-    if (record >= m_keys.size())
-        m_keys.resize(std::max<std::size_t>(record + std::size_t{1}, m_keys.size() * 2));
-    m_keys[record] = key;
-}
-
 // Texts without the prefix come before or behind all that have it.
 std::uint64_t SortOrder::TextKey(std::string_view cell) const {
     if (StartsWithFolded(cell, m_prefix)) return KeyAt(cell, m_prefix.size());
     return CompareFolded(cell, m_prefix) < 0 ? kBefore : kBehind;
 }
 
-void SortOrder::MakeKey(std::uint32_t record) {
+std::uint64_t SortOrder::MakeKey(std::uint32_t record) {
     const SortColumn& by = m_columns.front();
     const std::string_view cell = m_source.Cell(record, by.column);
     std::uint64_t key = 0;
     if (IsNumeric(by.type)) {
-        m_exact &= NumberKey(cell, by.descending, key).exact;
+        m_exact &= MakeNumberKey(cell, by.descending, key);
     } else {
         key = TextKey(cell);
         m_exact &= IsWhole(key) && key != kBefore;
         if (by.descending) key = ~key;
     }
-    StoreKey(record, key);
+    return key;
 }
 
 std::string_view SortOrder::Probe::OwnCell(std::size_t level) {
@@ -85,8 +79,6 @@ std::string_view SortOrder::Probe::OwnCell(std::size_t level) {
 }
 
 bool SortOrder::Probe::StandsBefore(std::uint32_t other) {
-    const std::uint64_t own = m_order.m_keys[m_record], others = m_order.m_keys[other];
-    if (own != others) return own < others;
     for (std::size_t level = m_order.m_exact ? 1 : 0; level < m_cells.size(); ++level) {
         const SortColumn& by = m_order.m_columns[level];
         if (const int order = CompareCells(by, OwnCell(level), m_order.m_source.Cell(other, by.column)))
@@ -95,16 +87,18 @@ bool SortOrder::Probe::StandsBefore(std::uint32_t other) {
     return m_order.m_arrival.SlotOf(m_record) > m_order.m_arrival.SlotOf(other);
 }
 
-std::vector<std::string_view> SortOrder::FetchCells(std::span<const Item> items, std::int32_t column) {
-    std::vector<std::string_view> cells(items.size());
+template <class Take>
+void SortOrder::ForCells(std::span<const Item> items, std::int32_t column, Take&& take) {
     std::array<std::uint32_t, kBatch> records;
+    std::array<std::string_view, kBatch> cells;
     for (std::size_t at = 0; at < items.size(); at += kBatch) {
         const std::size_t count = std::min(kBatch, items.size() - at);
         for (std::size_t i = 0; i < count; ++i)
             records[i] = items[at + i].record;
-        m_source.Cells({records.data(), count}, column, &cells[at]);
+        m_source.Cells({records.data(), count}, column, cells.data());
+        for (std::size_t i = 0; i < count; ++i)
+            take(at + i, cells[i]);
     }
-    return cells;
 }
 
 void SortOrder::SortByCells(std::span<Item> items, std::size_t level) {
@@ -145,15 +139,23 @@ void SortOrder::SortByKey(std::span<Item> items) {
     if (from != items.data()) std::copy_n(from, items.size(), items.data());
 }
 
+bool SortOrder::MakeNumberKeys(std::span<Item> items, const SortColumn& by) {
+    bool exact = true;
+    ForCells(items, by.column, [&](std::size_t i, std::string_view cell) {
+        exact &= MakeNumberKey(cell, by.descending, items[i].key);
+    });
+    return exact;
+}
+
 SortOrder::Made SortOrder::MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset) {
     const SortColumn& by = m_columns[level];
-    const auto cells = FetchCells(items, by.column);
     Made made;
     if (IsNumeric(by.type)) {
-        for (std::size_t i = 0; i < items.size(); ++i)
-            made.exact &= NumberKey(cells[i], by.descending, items[i].key).exact;
+        made.exact = MakeNumberKeys(items, by);
         return made;
     }
+    std::vector<std::string_view> cells(items.size());
+    ForCells(items, by.column, [&](std::size_t i, std::string_view cell) { cells[i] = cell; });
     std::string_view prefix = cells.front();
     for (const std::string_view cell : cells)
         prefix = prefix.substr(0, offset + CommonPrefixFolded(cell.substr(offset), prefix.substr(offset)));
@@ -193,21 +195,23 @@ void SortOrder::SortTies(std::span<Item> items, std::size_t level, const Made& m
     }
 }
 
-void SortOrder::Sort(std::vector<std::uint32_t>& records) {
+std::vector<std::uint64_t> SortOrder::Sort(std::vector<std::uint32_t>& records) {
     m_prefix.clear();
     m_exact = true;
-    if (records.empty()) return;
+    if (records.empty()) return {};
     std::vector<Item> items(records.size());
     for (std::size_t i = 0; i < items.size(); ++i)
         items[i].record = records[i];
     const Made made = MakeKeys(items, 0, 0);
     m_exact = made.exact;
-    for (const Item& item : items)
-        StoreKey(item.record, item.key);
     SortByKey(items);
+    // Before the ties overwrite them; a tie stays among records of one key.
+    std::vector<std::uint64_t> keys(items.size());
+    std::ranges::transform(items, keys.begin(), &Item::key);
     SortTies(items, 0, made);
     std::ranges::transform(items, records.begin(), &Item::record);
     m_spare = {};
+    return keys;
 }
 
 } // namespace korvex

@@ -3,7 +3,7 @@
 //
 // Each record has a key of its first column, eight bytes that compare as the cells do: a number in units of
 // 1/10000; of a text what follows the prefix that all had when they were sorted, seven bytes and its length.
-// Whole cells are compared only where keys are equal and do not say everything.
+// Cells are compared only where keys are equal.
 #pragma once
 
 #include "host/korvexcontrols/model/CellSource.h"
@@ -30,12 +30,12 @@ public:
     const std::vector<SortColumn>& Columns() const { return m_columns; }
     void SetColumns(std::vector<SortColumn> columns) { m_columns = std::move(columns); }
 
-    // Sorts records that stand newest first, and makes their keys.
-    void Sort(std::vector<std::uint32_t>& records);
-    // The record is new, or its cells have changed.
-    void MakeKey(std::uint32_t record);
+    // Sorts records that stand newest first; their keys, in the same order.
+    std::vector<std::uint64_t> Sort(std::vector<std::uint32_t>& records);
+    // Of a record that is new, or whose cells have changed.
+    std::uint64_t MakeKey(std::uint32_t record);
 
-    // One record beside others. Its cells are asked for once.
+    // One record beside others with the same key. Its cells are asked for once.
     class Probe {
     public:
         Probe(SortOrder& order, std::uint32_t record)
@@ -65,19 +65,20 @@ private:
     // Records whose cells agree in the columns before `level`, and in that one before `offset`.
     void SortRun(std::span<Item> items, std::size_t level, std::size_t offset);
     void SortByCells(std::span<Item> items, std::size_t level);
-    std::vector<std::string_view> FetchCells(std::span<const Item> items, std::int32_t column);
+    // Hands the items' cells over in their order.
+    template <class Take>
+    void ForCells(std::span<const Item> items, std::int32_t column, Take&& take);
+    bool MakeNumberKeys(std::span<Item> items, const SortColumn& by);
     Made MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset);
     void SortByKey(std::span<Item> items);
     void SortTies(std::span<Item> items, std::size_t level, const Made& made);
     std::uint64_t TextKey(std::string_view cell) const;
-    void StoreKey(std::uint32_t record, std::uint64_t key);
 
     CellSource& m_source;
     const RowOrder& m_arrival;
     std::vector<SortColumn> m_columns;
-    std::vector<std::uint64_t> m_keys; // by record
-    std::string m_prefix;              // of the first column's texts
-    bool m_exact = true;               // equal keys mean equal cells
+    std::string m_prefix; // of the first column's texts
+    bool m_exact = true;  // equal keys mean equal cells
     std::vector<Item> m_spare;
 };
 

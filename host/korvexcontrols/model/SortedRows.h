@@ -1,5 +1,6 @@
-// Records in an order that is kept under insertion and removal in about O(log n): a row of blocks, the blocks'
-// counts in a binary indexed tree, and for each record the block it is in.
+// Records in the order of their keys, which is kept under insertion and removal in about O(log n): a row of
+// blocks, the blocks' counts in a binary indexed tree, and for each record the block it is in. The keys lie
+// beside each other, so that a search stays in the cache.
 #pragma once
 
 #include <algorithm>
@@ -20,44 +21,63 @@ public:
     // The row of a record that stands here.
     std::uint32_t RowOf(std::uint32_t record) const;
 
-    void Assign(std::span<const std::uint32_t> records);
-    // `standsBefore(other)`: whether the record belongs in front of the other.
+    void Assign(std::span<const std::uint32_t> records, std::span<const std::uint64_t> keys);
+    // `standsBefore(other)`: whether the record belongs in front of the other, which has the same key. The row
+    // that it got.
     template <class StandsBefore>
-    void Insert(std::uint32_t record, StandsBefore&& standsBefore) {
-        if (m_row.empty()) return InsertFirst(record);
-        const auto firstBehind = std::ranges::partition_point(
-            m_row, [&](std::uint32_t block) { return !standsBefore(m_blocks[block].records.front()); });
-        const auto place = static_cast<std::size_t>(firstBehind - m_row.begin());
-        const std::uint32_t block = m_row[place ? place - 1 : 0];
-        const auto& records = m_blocks[block].records;
-        const auto at =
-            std::ranges::partition_point(records, [&](std::uint32_t other) { return !standsBefore(other); });
-        InsertInto(block, static_cast<std::size_t>(at - records.begin()), record);
+    std::uint32_t Insert(std::uint32_t record, std::uint64_t key, StandsBefore&& standsBefore) {
+        if (m_row.empty()) return InsertFirst(record, key);
+        const std::size_t behind = FirstBehind(m_firstKeys, key, [&](std::size_t place) {
+            return standsBefore(m_blocks[m_row[place]].records.front());
+        });
+        const std::uint32_t block = m_row[behind ? behind - 1 : 0];
+        const Block& into = m_blocks[block];
+        const std::size_t at =
+            FirstBehind(into.keys, key, [&](std::size_t i) { return standsBefore(into.records[i]); });
+        return InsertInto(block, at, record, key);
     }
-    void Erase(std::uint32_t record);
+    // The row that it had.
+    std::uint32_t Erase(std::uint32_t record);
 
 private:
     static constexpr std::uint32_t kNoBlock = UINT32_MAX;
-    static constexpr std::size_t kFullBlock = 512;
+    static constexpr std::size_t kFullBlock = 256, kFewBlocks = 8;
 
     struct Block {
+        std::vector<std::uint64_t> keys;
         std::vector<std::uint32_t> records;
         std::uint32_t place = 0; // in m_row
     };
 
     std::uint32_t OpenBlock(std::size_t place);
-    void InsertFirst(std::uint32_t record);
-    void InsertInto(std::uint32_t block, std::size_t at, std::uint32_t record);
+    // Rows in the blocks before this place.
+    std::uint32_t RowsBefore(std::uint32_t place) const;
+    // The first place whose key is greater, or equal and `isBehind(place)`.
+    template <class IsBehind>
+    static std::size_t FirstBehind(const std::vector<std::uint64_t>& keys, std::uint64_t key,
+                                   const IsBehind& isBehind) {
+        auto low = static_cast<std::size_t>(std::ranges::lower_bound(keys, key) - keys.begin());
+        auto high = static_cast<std::size_t>(std::ranges::upper_bound(keys, key) - keys.begin());
+        while (low < high) {
+            const std::size_t middle = (low + high) / 2;
+            isBehind(middle) ? high = middle : low = middle + 1;
+        }
+        return low;
+    }
+    std::uint32_t InsertFirst(std::uint32_t record, std::uint64_t key);
+    std::uint32_t InsertInto(std::uint32_t block, std::size_t at, std::uint32_t record, std::uint64_t key);
     void Split(std::uint32_t block);
+    void FillBlocksAnew();
     void Enter(std::uint32_t record, std::uint32_t block);
     void CountAnew();
     void Add(std::uint32_t place, std::uint32_t difference);
 
     std::vector<Block> m_blocks;
-    std::vector<std::uint32_t> m_free;    // blocks without records
-    std::vector<std::uint32_t> m_row;     // the blocks in their order; none is empty
-    std::vector<std::uint32_t> m_tree{0}; // over m_row
-    std::vector<std::uint32_t> m_blockOf; // by record
+    std::vector<std::uint32_t> m_free;      // blocks without records
+    std::vector<std::uint32_t> m_row;       // the blocks in their order; none is empty
+    std::vector<std::uint64_t> m_firstKeys; // of the blocks in m_row
+    std::vector<std::uint32_t> m_tree{0};   // over m_row
+    std::vector<std::uint32_t> m_blockOf;   // by record
     std::uint32_t m_count = 0;
 };
 
