@@ -132,9 +132,10 @@ void ListPair::Settle(const Change& change, const std::vector<std::uint32_t>& be
         told.insert(at(change.to), change.to < shown.size() ? shown[change.to] : kNone);
     if (change.kind != Change::everything && told != shown) m_fault = "the change is not what happened";
     if (rearranged && change.kind != Change::everything) m_fault = "a rearrangement is told as less";
-    if (std::ranges::find(shown, m_focused) != shown.end() || m_focused == kNone) return;
+    if (std::ranges::find(m_rows, m_focused) != m_rows.end()) return;
     const auto place = static_cast<std::size_t>(std::ranges::find(before, m_focused) - before.begin());
-    m_focused = shown.empty() ? kNone : shown[std::min(place, shown.size() - 1)];
+    const bool wasShown = place < before.size();
+    m_focused = shown.empty() || !wasShown ? kNone : shown[std::min(place, shown.size() - 1)];
 }
 
 void ListPair::Select(const std::function<unsigned()>& next) {
@@ -256,7 +257,8 @@ std::string ListPair::Difference() {
             return "row " + std::to_string(row);
     if (m_model.SelectedRecords() != selected || m_model.Selection().Count() != selected.size())
         return "selection";
-    if (m_model.Focused() != m_focused) return "focus";
+    const bool focusIsShown = std::ranges::find(shown, m_focused) != shown.end();
+    if (m_model.Focused() != (focusIsShown ? m_focused : kNone)) return "focus";
     return {};
 }
 

@@ -269,8 +269,8 @@ TEST_F(BookTest, SelectionFocusAndPlaceStayWithTheirRecords) {
         {"updated", [&] { Streamed("SIP150", "Paused"); }, "SIP140"},
         {"inserted", [&] { Queried("SIP301"); }, "SIP301"},
         {"inserted of another client", [&] { Queried("SIP302", "active", "C002"); }, "SIP302"},
-        {"filtered", [&] { plugin->Activate("C001", host.strings); }, "SIP301", true},
-        {"sorted", [&] { Command(26007); }, "SIP301", true},
+        {"filtered", [&] { plugin->Activate("C001", host.strings); }, "", true},
+        {"sorted", [&] { Command(26007); }, "", true},
         {"inserted in a sorted list", [&] { Queried("SIP303"); }, "SIP303"},
         {"in natural order", [&] { Command(26009); }, "SIP303", true},
     };

@@ -67,6 +67,7 @@ Change ListModel::Remove(std::uint32_t record) {
     const std::uint32_t row = Hide(record);
     m_order.Remove(record);
     SetHiddenSelected(record, false);
+    if (row == kNone && m_focused == record) m_focused = kNone;
     if (row == kNone) return {};
     RowWent(record, row);
     return {Change::removed, row, row};
