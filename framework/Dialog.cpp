@@ -71,10 +71,11 @@ void Dialog::SetCaptionIcon(int resource) {
     m_captionIcon = std::move(icon);
 }
 
-void Dialog::OnDpiChanged(UINT dpi, const RECT& suggested) {
+bool Dialog::OnDpiChanged(UINT dpi, const RECT& suggested) {
     SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     LayOut(dpi);
+    return true;
 }
 
 INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {

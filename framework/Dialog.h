@@ -55,7 +55,7 @@ protected:
     // In the caption, at the size of the window's DPI.
     void SetCaptionIcon(int resource);
 
-    void OnDpiChanged(UINT dpi, const RECT& suggested) override;
+    bool OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:
     void EnableOwner();

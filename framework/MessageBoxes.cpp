@@ -14,7 +14,7 @@ constexpr int kBoxText = 0xFFFF; // the one control that every box has
 } // namespace
 
 void MessageBoxes::Show(HWND owner, std::string_view text) {
-    if (m_holding) {
+    if (m_holds) {
         m_held.push_back({owner, std::string(text)});
         return;
     }
@@ -23,7 +23,7 @@ void MessageBoxes::Show(HWND owner, std::string_view text) {
 }
 
 bool MessageBoxes::Ask(HWND owner, const std::string& question) {
-    if (m_open || m_holding) return false;
+    if (m_open || m_holds) return false;
     const int answer = Open(owner, question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2);
     ShowPending();
     return answer == IDYES;
@@ -37,16 +37,24 @@ void MessageBoxes::Close(HWND owner) {
             EndDialog(box, IDCANCEL);
 }
 
+void MessageBoxes::Forget() {
+    m_pending = {};
+    m_held.clear();
+}
+
 void MessageBoxes::ShowPending() {
     while (const auto box = m_pending.TakeNext())
         Open(box->owner, box->text, MB_OK);
 }
 
 MessageBoxes::Hold::~Hold() {
-    m_boxes.m_holding = false;
+    if (--m_boxes.m_holds) return;
     Guard([&] {
-        for (const Text& held : std::exchange(m_boxes.m_held, {}))
+        while (!m_boxes.m_held.empty()) {
+            const Text held = std::move(m_boxes.m_held.front());
+            m_boxes.m_held.pop_front();
             m_boxes.Show(held.owner, held.text);
+        }
     });
 }
 

@@ -6,8 +6,8 @@
 
 #include <windows.h>
 
+#include <deque>
 #include <string>
-#include <vector>
 
 namespace framework {
 
@@ -27,11 +27,14 @@ public:
     // and so outlives a child that it was asked for.
     void Close(HWND owner);
 
-    // While one lives, texts are kept; then each is shown in a box of its own. For code that a message loop
-    // must not enter.
+    // Drops every text that waits.
+    void Forget();
+
+    // While one lives, texts are kept; after the last each is shown in a box of its own. For code that a
+    // message loop must not enter.
     class Hold {
     public:
-        explicit Hold(MessageBoxes& boxes) : m_boxes(boxes) { m_boxes.m_holding = true; }
+        explicit Hold(MessageBoxes& boxes) : m_boxes(boxes) { ++m_boxes.m_holds; }
         Hold(const Hold&) = delete;
         Hold& operator=(const Hold&) = delete;
         ~Hold();
@@ -51,10 +54,10 @@ private:
 
     std::string m_caption;
     PendingTexts<HWND> m_pending;
-    std::vector<Text> m_held;
+    std::deque<Text> m_held;
     HWND m_owner = nullptr; // of the open box
     bool m_open = false;
-    bool m_holding = false;
+    int m_holds = 0;
 };
 
 } // namespace framework

@@ -11,8 +11,8 @@ std::optional<LRESULT> MessageTarget::Dispatch(UINT message, WPARAM wParam, LPAR
     case WM_NOTIFY:
         return OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
     case WM_DPICHANGED:
-        OnDpiChanged(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
-        return 0;
+        if (OnDpiChanged(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam))) return 0;
+        break;
     default:
         break;
     }

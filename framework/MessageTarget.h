@@ -30,7 +30,7 @@ protected:
     virtual bool OnCommand(const Command&) { return false; }
     // A value when handled: what the sender of the notification gets.
     virtual std::optional<LRESULT> OnNotify(const NMHDR&) { return std::nullopt; }
-    virtual void OnDpiChanged(UINT /*dpi*/, const RECT& /*suggested*/) {}
+    virtual bool OnDpiChanged(UINT /*dpi*/, const RECT& /*suggested*/) { return false; }
     // Everything else, and before the rest. A value when handled.
     virtual std::optional<LRESULT> OnMessage(UINT, WPARAM, LPARAM) { return std::nullopt; }
 

@@ -59,7 +59,7 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
 }
 
 void CFilterListCtrl::Impl::AppendEntries(HMENU menu, bool ofColumnOnly) {
-    m_sync.AdoptSelection();
+    AdoptSelection();
     UINT command = m_firstCommand;
     for (const Entry& entry : Entries()) {
         const UINT id = command++;
@@ -73,7 +73,7 @@ bool CFilterListCtrl::Impl::HandleCommand(std::uint32_t command) {
     const auto entries = Entries();
     if (!Handle() || command < m_firstCommand || command - m_firstCommand >= entries.size()) return false;
     const auto held = Hold();
-    m_sync.AdoptSelection();
+    AdoptSelection();
     const Entry& entry = entries[command - m_firstCommand];
     if (entry.isPossible(*this)) (this->*entry.run)();
     return true;
@@ -211,7 +211,7 @@ std::vector<korvex::ExportColumn> CFilterListCtrl::Impl::ExportedColumns() const
 }
 
 void CFilterListCtrl::Impl::Copy() {
-    m_sync.AdoptSelection();
+    AdoptSelection();
     const auto selected = m_model.SelectedRecords();
     if (!selected.empty())
         korvex::PutOnClipboard(Handle(), korvex::ToTabbed(*this, ExportedColumns(), selected));

@@ -62,7 +62,8 @@ void Dispatch(Window& window, const Session& session, std::span<const AnswerHand
         if (row.request == answer.request) handler = &row;
     const OnError onError = handler ? handler->onError : OnError::logAndStop;
     if (answer.hasError && onError != OnError::handle) LogErrorAnswer(session, answer);
-    if (answer.hasError && onError == OnError::logAndStop) return;
+    // The log is the host's, which may exit in it.
+    if (session.Ended() || (answer.hasError && onError == OnError::logAndStop)) return;
     if (handler) (window.*handler->handle)(answer);
 }
 

@@ -18,7 +18,10 @@ struct StreamField {
     std::string_view value;
 };
 
-void Subscribe(RxControl* control, Notices& notices, std::initializer_list<StreamField> fields) {
+void Subscribe(const Session& session, RxControl* control, Notices& notices,
+               std::initializer_list<StreamField> fields) {
+    // The host was asked for accounts, or a failure told: either may have ended the control.
+    if (session.Ended()) return;
     std::vector<std::uint32_t> tags;
     std::vector<QmxDatum> values;
     for (const auto& [tag, value] : fields) {
@@ -44,22 +47,22 @@ void SubscribeBroadcasts(Session& session, RxControl* control, Notices& notices)
         knowsAccounts && (session.m_nLoginMode == 3 || (session.m_nLoginMode == 4 && overview));
     if (!byAccount) {
         const LoginIdentity login = session.GetLoginIdentity();
-        Subscribe(control, notices, {stream, anyNumber, {login.tag, login.value}});
+        Subscribe(session, control, notices, {stream, anyNumber, {login.tag, login.value}});
         return;
     }
     for (const std::string& account : session.MappedAccounts()) {
         const StreamField ofAccount{tag::account, account};
         if (overview)
-            Subscribe(control, notices, {stream, anyNumber, ofAccount});
+            Subscribe(session, control, notices, {stream, anyNumber, ofAccount});
         else
-            Subscribe(control, notices,
+            Subscribe(session, control, notices,
                       {stream, anyNumber, {tag::loginId, session.identity.loginId}, ofAccount});
     }
 }
 
 void SubscribeIdentity(Session& session, RxControl* control, Notices& notices) {
     const LoginIdentity login = session.GetLoginIdentity();
-    Subscribe(control, notices, {{login.tag, login.value}, {tag::registrationNumber, {}}});
+    Subscribe(session, control, notices, {{login.tag, login.value}, {tag::registrationNumber, {}}});
 }
 
 } // namespace planfold

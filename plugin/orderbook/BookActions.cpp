@@ -78,6 +78,10 @@ struct Totals {
 
 } // namespace
 
+bool BookActions::IsStill(int resets) const {
+    return resets == m_resets && !m_session.Ended();
+}
+
 const sOrderinfo* BookActions::FirstSelected() const {
     const RecordId record = m_view.Registered().FirstSelected();
     return record == kNoRecord ? nullptr : &m_cache[record];
@@ -94,11 +98,9 @@ void BookActions::Cancel() {
     m_asking = true;
     const bool proceed = m_view.Ask(question);
     // Whichever way the reason is closed, the cancellation goes on.
-    std::string reason =
-        proceed && resets == m_resets && !m_session.Ended() ? m_view.AskReason() : std::string();
+    std::string reason = proceed && IsStill(resets) ? m_view.AskReason() : std::string();
     m_asking = false;
-    if (proceed && resets == m_resets && !m_session.Ended())
-        Begin(RunKind::cancel, std::move(records), std::move(reason));
+    if (proceed && IsStill(resets)) Begin(RunKind::cancel, std::move(records), std::move(reason));
 }
 
 void BookActions::Modify() {
@@ -149,7 +151,7 @@ void BookActions::ChangeSelected(RunKind kind) {
     const bool proceed = m_view.Ask(Format("%zu of %zu selected registrations will be %s: %s.\nProceed?",
                                            records.size(), selected, verb, totals.Text().c_str()));
     m_asking = false;
-    if (proceed && resets == m_resets && !m_session.Ended()) Begin(kind, std::move(records), {});
+    if (proceed && IsStill(resets)) Begin(kind, std::move(records), {});
 }
 
 void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string reason) {
@@ -185,11 +187,11 @@ void BookActions::SendPortion(std::size_t most) {
     for (std::size_t i = 0; i < most && !m_run->AllTried(); ++i) {
         KeptFailures failures(*m_run);
         const bool sent = SendOne(m_run->TakeNext(), failures);
-        if (m_session.Ended() || resets != m_resets) break;
+        if (!IsStill(resets)) break;
         if (sent) m_run->CountSent();
     }
     m_sending = false;
-    if (m_session.Ended() || resets != m_resets)
+    if (!IsStill(resets))
         m_run.reset();
     else if (Finished())
         EndRun();
@@ -235,7 +237,7 @@ void BookActions::HandleCancelled(const Answer& answer) {
     registered.Remove(record);
     const std::string text = Format("%s Order Cancelled ", std::string(*number).c_str());
     m_session.Log(text);
-    m_view.ShowMessage(text);
+    if (!m_session.Ended()) m_view.ShowMessage(text);
 }
 
 void BookActions::HandleChanged(const Answer& answer, RunKind kind) {

@@ -42,6 +42,9 @@ public:
     void Reset();
 
 private:
+    // Whether the window that had seen so many resets is still there: a question, the reason and the host's
+    // callbacks may end it.
+    bool IsStill(int resets) const;
     const sOrderinfo* FirstSelected() const;
     void ChangeSelected(RunKind kind);
     void Begin(RunKind kind, std::vector<RecordId> records, std::string reason);

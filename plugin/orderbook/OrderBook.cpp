@@ -23,9 +23,9 @@ const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
 void OrderBook::Open(const LocalDateTime& today) {
     // Records of an earlier window would never be shown again: only a new one enters the registered book.
     m_actions.Reset();
-    m_cache.Clear();
     for (BookList* list : {&m_view.Registered(), &m_view.Cancelled()})
         list->RemoveAll();
+    m_cache.Clear();
     FilterByClient({});
     m_session.m_nSipOperationMode = 0;
     SendGetSipOperationMode(m_session, m_controls.requests, m_view);

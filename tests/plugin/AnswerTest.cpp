@@ -167,6 +167,11 @@ TEST_F(AnswerTest, FailedSubscriptionsAreToldAndTheNextAccountGoesOn) {
     host.accounts.clear();
     SubscribeBroadcasts(session, &control, notices);
     EXPECT_EQ(notices.shown.size(), 3u);
+    // The host exits while it is asked: the control is no more.
+    host.accounts = {"C1"};
+    host.duringAccounts = [&] { session.End(); };
+    SubscribeBroadcasts(session, &control, notices);
+    EXPECT_EQ(host.subscriptions.size(), 3u);
 }
 
 } // namespace

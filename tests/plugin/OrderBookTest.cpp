@@ -270,10 +270,12 @@ TEST_F(OrderBookTest, ErrorsGoToTheLogAndChangeNoRow) {
 
 TEST_F(OrderBookTest, AfterTheEndNothingIsTouched) {
     Queried({{64804, {"SIP1"}}});
+    host.duringLog = [&] { session.End(); };
+    Answer("add_sip_orders", {{32766, {"17"}}, {20008, {"refused"}}});
+    EXPECT_EQ(view.boxes, Texts{}) << "the host exited while the error was logged";
     view.open = false;
     Queried({{64804, {"SIP2"}}});
     view.open = true;
-    session.End();
     Streamed({{64804, {"SIP3"}}});
     EXPECT_EQ(book.Records().Size(), 1u);
 }

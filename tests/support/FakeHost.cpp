@@ -296,6 +296,7 @@ void DestoryKeloRxCOntrol(RxControl* control) {
 }
 int pu_add_to_tabbed_log(ByValueString text) {
     Host().log.emplace_back(TakenString(text).View());
+    if (const auto action = std::exchange(Host().duringLog, nullptr)) action();
     return 1;
 }
 int pu_load_client_id_combo(HostWindow dialog, int combo) {
@@ -353,6 +354,7 @@ int pu_get_client_overview_status(int) {
 int pu_get_all_mappedAccount_ids(CStringArray* accounts) {
     for (const std::string& account : Host().accounts)
         accounts->Append(account, Host().strings);
+    if (const auto action = std::exchange(Host().duringAccounts, nullptr)) action();
     return 1;
 }
 const NonTradingDates* pu_get_non_trading_dates_map() {

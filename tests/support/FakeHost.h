@@ -115,7 +115,8 @@ struct FakeHost {
     int clientOverview = 0;
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
-    std::function<void()> duringCaution, duringSearch, duringScripLookUp; // run once, inside the host
+    // Run once, inside the host.
+    std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringAccounts, duringLog;
 
     // What was seen. A call is "pu_is_valid_account(C001)": texts and numbers as they are, windows as their
     // identifiers.

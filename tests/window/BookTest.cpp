@@ -122,6 +122,12 @@ TEST_F(BookTest, StandsAtTheBottomUntilTheFrameTakesItOver) {
                 SendMessageA(pane, WM_CLOSE, 0, 0);
                 Pick(book::kName);
             }
+            UINT arrived = 0;
+            const auto handle = std::exchange(onFrame, [&](UINT message, HWND) { arrived = message; });
+            RECT suggested{0, 0, 800, 600};
+            SendMessageA(Frame(), WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&suggested));
+            EXPECT_EQ(arrived, UINT{WM_DPICHANGED}) << "is the frame's own affair";
+            onFrame = handle;
             SizeFrame(hides ? 900 : 800, 650);
             EXPECT_EQ(PlaceText(), row.floats ? placed : row.takesOverOn ? "10,20 300x120" : Bottom()) << hides;
         }

@@ -48,7 +48,10 @@ public:
 protected:
     std::shared_ptr<void> Hold() override { return shared_from_this(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void OnDpiChanged(UINT, const RECT& suggested) override { Self().Move(suggested); }
+    bool OnDpiChanged(UINT, const RECT& suggested) override {
+        Self().Move(suggested);
+        return true;
+    }
 
 private:
     std::optional<LRESULT> OnCaption(UINT message, LPARAM lParam);

@@ -236,13 +236,14 @@ std::optional<LRESULT> MainFrame::OnMouse(UINT message, LPARAM lParam) {
     }
 }
 
-void MainFrame::OnDpiChanged(UINT dpi, const RECT& suggested) {
+bool MainFrame::OnDpiChanged(UINT dpi, const RECT& suggested) {
     for (Band& band : m_layout.Bands())
         for (int* height : {&band.wanted, &band.least})
             *height = MulDiv(*height, static_cast<int>(dpi), static_cast<int>(m_dpi));
     m_dpi = dpi;
     Self().Move(suggested);
     ApplyFont();
+    return true;
 }
 
 void MainFrame::OnPanesChanged(bool menus) {

@@ -56,7 +56,7 @@ protected:
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& header) override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void OnDpiChanged(UINT dpi, const RECT& suggested) override;
+    bool OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:
     enum BandIndex : std::size_t { clientBand, middleBand, logBand };

@@ -36,16 +36,18 @@ void COrderBookDlgBar::Open(HWND mainFrame) {
 }
 
 void COrderBookDlgBar::MakePane(HWND mainFrame) {
-    if (!Create({.module = m_module,
-                 .className = "PlanfoldOrderBookBar",
-                 .caption = kCaption,
-                 .style = kPaneStyle,
-                 .rect = kFirstRect,
-                 .parent = mainFrame,
-                 .menuOrId = reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDD_ORDER_BOOK))})
-        || !m_dialog.Create(Handle()))
-        ShowMessage("Unable to creat a sip dialog");
-    if (m_session.Ended() || !Handle()) return;
+    const bool made = Create({.module = m_module,
+                              .className = "PlanfoldOrderBookBar",
+                              .caption = kCaption,
+                              .style = kPaneStyle,
+                              .rect = kFirstRect,
+                              .parent = mainFrame,
+                              .menuOrId = reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDD_ORDER_BOOK))})
+                      && m_dialog.Create(Handle());
+    // The host is asked while the dialog fills, and may exit.
+    if (m_session.Ended()) return;
+    if (!made) ShowMessage("Unable to creat a sip dialog");
+    if (!Handle()) return;
     m_dialog.Self().Show(true);
     m_dock.Dock(mainFrame, Handle());
     SendMessageA(mainFrame, kRegisterPaneMessage, reinterpret_cast<WPARAM>(Handle()), 0);

@@ -146,6 +146,8 @@ PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
     framework::Guard([] {
         ++ThisModule().exits;
         const auto block = std::exchange(ThisModule().block, nullptr);
+        // No box comes after the end.
+        ThisModule().boxes.Forget();
         if (!block) return;
         g_pControlBlock = nullptr;
         block->ShutDown();
