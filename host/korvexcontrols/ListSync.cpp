@@ -223,6 +223,8 @@ void ListSync::Follow(const Before& before, std::span<const std::uint32_t> repai
 }
 
 void ListSync::RepaintChanged(const Before& before, std::span<const std::uint32_t> repainted) const {
+    // Without a row the height of a line is not known.
+    if (!m_count) return RepaintAll();
     const std::vector<Before::Line> now = Lines();
     RECT line = RowsArea();
     const int height = LineHeight();

@@ -290,6 +290,22 @@ TEST_F(FilterList, AnInsertionTakesTheFocusAndNothingElse) {
     EXPECT_EQ(changes, 104) << "of each row that came or went";
 }
 
+TEST_F(FilterList, TheLineOfTheOnlyRowIsPaintedAnewWhenItGoes) {
+    MoveWindow(list, 0, 0, 400, 60, TRUE);
+    for (const bool selected : {false, true}) {
+        Fill(1);
+        if (selected) control->SelectOnly(0);
+        RECT row{LVIR_BOUNDS, 0, 0, 0}, painted{};
+        Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+        ValidateRect(list, nullptr);
+        control->Remove(0);
+        EXPECT_EQ(Send(LVM_GETITEMCOUNT), 0);
+        GetUpdateRect(list, &painted, FALSE);
+        EXPECT_GE(painted.bottom, row.bottom) << selected;
+        EXPECT_LE(painted.top, row.top) << selected;
+    }
+}
+
 TEST_F(FilterList, ARowHiddenByAFilterComesBackSelectedUnlessTheUserSelectedAnew) {
     Fill(9);
     for (const bool again : {true, false}) {
