@@ -168,8 +168,10 @@ void BookActions::ContinueRun() {
 }
 
 void BookActions::StopRun() {
-    if (m_run) m_run->Stop();
-    if (Finished()) EndRun();
+    if (!m_run) return;
+    m_run->Stop();
+    // Also when only answers were waited for.
+    if (!m_sending) EndRun();
 }
 
 // A cancellation ends with its last request: every answer tells its own row. The other two end with one summary

@@ -46,7 +46,10 @@ void COrderBookDlgBar::MakePane(HWND mainFrame) {
                       && m_dialog.Create(Handle());
     // The host is asked while the dialog fills, and may exit.
     if (m_session.Ended()) return;
-    if (!made) ShowMessage("Unable to creat a sip dialog");
+    if (!made) {
+        ShowMessage("Unable to creat a sip dialog");
+        Destroy(); // an empty pane; the next pick tries again
+    }
     if (!Handle()) return;
     m_dialog.Self().Show(true);
     m_dock.Dock(mainFrame, Handle());

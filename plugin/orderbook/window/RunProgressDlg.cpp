@@ -15,12 +15,12 @@ CRunProgressDlg::CRunProgressDlg(HINSTANCE module, const Session& session, BookA
     : Dialog(module, IDD_RUN_PROGRESS), m_session(session), m_actions(actions) {}
 
 void CRunProgressDlg::Follow(HWND owner) {
-    if (!m_actions.Run()) {
-        Destroy();
-    } else if (!HasWindow() && Create(GetAncestor(owner, GA_ROOT))) {
-        // In front, but the keyboard stays where the dealer works.
-        ShowWindow(Handle(), SW_SHOWNOACTIVATE);
-    }
+    if (!m_actions.Run()) return Destroy();
+    if (HasWindow()) return;
+    // Without its timer a run would never end.
+    if (!Create(GetAncestor(owner, GA_ROOT))) return m_actions.StopRun();
+    // In front, but the keyboard stays where the dealer works.
+    ShowWindow(Handle(), SW_SHOWNOACTIVATE);
 }
 
 void CRunProgressDlg::OnInit() {
