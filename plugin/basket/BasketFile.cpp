@@ -1,0 +1,58 @@
+#include "plugin/basket/BasketFile.h"
+
+#include "plugin/messaging/Text.h"
+
+#include <utility>
+
+namespace planfold {
+
+std::optional<BasketLines::Line> BasketLines::Next() {
+    if (m_rest.empty()) return std::nullopt;
+    const std::size_t end = m_rest.find('\n');
+    Line line{m_rest.substr(0, end), end != m_rest.npos};
+    m_rest.remove_prefix(line.isEnded ? end + 1 : m_rest.size());
+    if (line.isEnded && line.text.ends_with('\r')) line.text.remove_suffix(1);
+    return line;
+}
+
+bool BasketLoad::Read(std::size_t lines) {
+    while (lines-- > 0) {
+        const auto line = m_lines.Next();
+        if (!line) return false;
+        ReadLine(*line);
+    }
+    return true;
+}
+
+void BasketLoad::ReadLine(const BasketLines::Line& line) {
+    ++m_number;
+    BasketTexts columns;
+    if (!SplitBasketLine(line.text, columns)) return Reject(line, {}, kInvalidFormat, false);
+    auto refusal = m_check.Validate(columns, m_number);
+    if (!refusal) {
+        ++m_rows;
+        m_sink.OnRow(columns);
+        return;
+    }
+    if (!refusal->notice.empty()) m_sink.OnNotice(refusal->notice);
+    if (refusal->logReason) m_sink.OnLog(refusal->reason);
+    Reject(line, columns, std::move(refusal->reason), true);
+}
+
+void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason,
+                        bool hasNumber) {
+    RejectedLine rejected{m_number, std::string(line.text), std::move(reason), std::string(line.text)};
+    rejected.report += line.isEnded ? "\nfailed to load" : "failed to load";
+    if (!rejected.reason.empty()) rejected.report += " due to " + rejected.reason;
+    if (!rejected.reason.empty() && hasNumber) rejected.report += Format(" In Line Number %d", m_number);
+    m_lastReason = rejected.reason;
+    m_sink.OnRejected(rejected, columns);
+}
+
+void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
+    for (const BasketField field : kBasketColumns)
+        text.append(row.Text(field)).push_back(',');
+    text += " ,\n";
+}
+
+} // namespace planfold

@@ -1,0 +1,83 @@
+// Basket files: read line by line into rows and rejected lines, and written from rows.
+#pragma once
+
+#include "plugin/basket/BasketLine.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// The lines of a file's text, with line ends of either platform. Positions stay valid as long as the text.
+class BasketLines {
+public:
+    explicit BasketLines(std::string_view text) : m_rest(text) {}
+
+    struct Line {
+        std::string_view text; // without its end
+        bool isEnded;          // false: the file ends without a line feed
+    };
+    // None at the end.
+    std::optional<Line> Next();
+
+private:
+    std::string_view m_rest;
+};
+
+// A line that did not become a row.
+struct RejectedLine {
+    int number;         // from 1
+    std::string text;   // as it was read, without its end
+    std::string reason; // may be empty
+    // What is said about it: the line, "failed to load" and why.
+    std::string report;
+};
+
+// What a load brings, line by line.
+class BasketSink {
+public:
+    // The texts live during the call only.
+    virtual void OnRow(const BasketTexts& texts) = 0;
+    // `columns` are the line's, as far as it had the file's format.
+    virtual void OnRejected(const RejectedLine& line, const BasketTexts& columns) = 0;
+    // A text for the user, at once.
+    virtual void OnNotice(std::string_view text) = 0;
+    // A line for the log.
+    virtual void OnLog(std::string_view text) = 0;
+
+protected:
+    ~BasketSink() = default;
+};
+
+class BasketLoad {
+public:
+    // The text, the rules and the others outlive the load.
+    BasketLoad(std::string_view text, const BasketRules& rules, ScripSource& scrips, BasketSink& sink)
+        : m_lines(text), m_check(rules, scrips), m_sink(sink) {}
+
+    // At most so many lines; false when the file is at its end.
+    bool Read(std::size_t lines);
+
+    int LinesRead() const { return m_number; }
+    std::size_t RowsLoaded() const { return m_rows; }
+    // Of the line rejected last; empty without one, or when it had none.
+    const std::string& LastReason() const { return m_lastReason; }
+
+private:
+    void ReadLine(const BasketLines::Line& line);
+    void Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason, bool hasNumber);
+
+    BasketLines m_lines;
+    BasketCheck m_check;
+    BasketSink& m_sink;
+    int m_number = 0;
+    std::size_t m_rows = 0;
+    std::string m_lastReason;
+};
+
+// One line of an exported file, with its line feed.
+void AppendBasketLine(const sBasketOrderData& row, std::string& text);
+
+} // namespace planfold

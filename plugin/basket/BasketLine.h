@@ -1,0 +1,95 @@
+// One line of a basket file: cut into its columns, checked rule by rule, and brought into the form in which a
+// row keeps it.
+#pragma once
+
+#include "plugin/basket/BasketOrder.h"
+#include "sdk/HostRecords.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace planfold {
+
+// Where scrips are looked up: the host's master, or a file.
+class ScripSource {
+public:
+    // By exchange segment and trading symbol. None when unknown.
+    virtual std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) = 0;
+    // Empty when unknown.
+    virtual std::string TradingSymbol(std::string_view exchange, std::string_view series,
+                                      std::string_view symbol) = 0;
+
+protected:
+    ~ScripSource() = default;
+};
+
+// What lines are checked against.
+struct BasketRules {
+    std::vector<std::string> products;    // allowed, exact
+    std::vector<std::string> frequencies; // the server's list; counts with its periods
+    bool serverPeriods = false;
+    std::array<double, 4> minimums{}; // with the server's periods, in the order of kFrequencies
+    std::int64_t now = 0;             // seconds since 1 January 1970
+};
+
+// The columns of the file, in order; each names the field that it fills.
+inline constexpr BasketField kBasketColumns[] = {
+    BasketField::clientId,    BasketField::exchangeSegment, BasketField::series,
+    BasketField::symbol,      BasketField::token,           BasketField::tradingSymbol,
+    BasketField::product,     BasketField::amount,          BasketField::quantity,
+    BasketField::frequency,   BasketField::startDate,       BasketField::startDateText,
+    BasketField::totalPeriod, BasketField::orderType,       BasketField::action,
+    BasketField::sideWord,    BasketField::customerFirm,    BasketField::validity,
+    BasketField::investType,
+};
+
+inline constexpr const char* kInvalidFormat = "Invalid Format";
+
+// The columns as they stand, views into the line. False: not of the file's format.
+bool SplitBasketLine(std::string_view line, BasketTexts& columns);
+
+// Why a line is refused.
+struct BasketRefusal {
+    std::string reason;     // may be empty
+    std::string notice{};   // for the user, at once
+    bool logReason = false; // the reason goes to the log by itself
+};
+
+// Checks lines one after another; what it has found out about scrips and dates is kept for the next.
+class BasketCheck {
+public:
+    BasketCheck(const BasketRules& rules, ScripSource& scrips) : m_rules(rules), m_scrips(scrips) {}
+
+    // Puts the columns into the form of a row; what is made lives until the next check.
+    std::optional<BasketRefusal> Validate(BasketTexts& columns, int lineNumber);
+
+private:
+    struct Scrip {
+        std::string tradingSymbol; // expected
+        std::optional<ScripDetails> details;
+        std::string token;
+    };
+
+    const Scrip& LookUp(const BasketTexts& columns);
+    bool ReadStartDate(BasketTexts& columns);
+    std::optional<BasketRefusal> CheckPeriod(const BasketTexts& columns) const;
+    std::optional<BasketRefusal> CheckQuantity(const BasketTexts& columns, int lineNumber) const;
+    std::optional<BasketRefusal> CheckAmount(BasketTexts& columns, const Scrip& scrip, int lineNumber);
+
+    const BasketRules& m_rules;
+    ScripSource& m_scrips;
+    std::unordered_map<std::string, Scrip> m_known; // by exchange, series, symbol and trading symbol
+    std::string m_key;
+    std::string m_typedDate; // of the line before
+    std::string m_dateText;
+    std::int64_t m_date = -1;
+    std::string m_dateNumber;
+    std::string m_amount;
+};
+
+} // namespace planfold

@@ -1,0 +1,49 @@
+#include "plugin/basket/BasketOrder.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace planfold {
+
+sBasketOrderData::sBasketOrderData(const BasketTexts& texts, std::int32_t serialNumber)
+    : m_serialNumber(serialNumber) {
+    Ends ends{};
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < kBasketFieldCount; ++i) {
+        end = std::min<std::size_t>(end + texts[static_cast<BasketField>(i)].size(), UINT16_MAX);
+        ends[i] = static_cast<std::uint16_t>(end);
+    }
+    m_block = std::make_unique_for_overwrite<char[]>(sizeof ends + end);
+    std::memcpy(m_block.get(), ends.data(), sizeof ends);
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < kBasketFieldCount; ++i) {
+        texts[static_cast<BasketField>(i)].copy(m_block.get() + sizeof ends + begin, ends[i] - begin);
+        begin = ends[i];
+    }
+}
+
+std::string_view sBasketOrderData::Text(BasketField field) const {
+    if (!m_block) return {};
+    const auto index = static_cast<std::size_t>(field);
+    std::uint16_t ends[2] = {};
+    if (index)
+        std::memcpy(ends, m_block.get() + (index - 1) * sizeof ends[0], sizeof ends);
+    else
+        std::memcpy(&ends[1], m_block.get(), sizeof ends[1]);
+    return {m_block.get() + sizeof(Ends) + ends[0], static_cast<std::size_t>(ends[1] - ends[0])};
+}
+
+BasketTexts sBasketOrderData::Texts() const {
+    BasketTexts texts;
+    for (std::size_t i = 0; i < kBasketFieldCount; ++i)
+        texts[static_cast<BasketField>(i)] = Text(static_cast<BasketField>(i));
+    return texts;
+}
+
+void sBasketOrderData::SetRemarks(std::string_view remarks) {
+    BasketTexts texts = Texts();
+    texts[BasketField::remarks] = remarks;
+    *this = sBasketOrderData(texts, m_serialNumber);
+}
+
+} // namespace planfold

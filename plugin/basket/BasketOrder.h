@@ -1,0 +1,69 @@
+// One row of the basket: texts by field in one block of memory.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace planfold {
+
+enum class BasketField : std::uint8_t {
+    orderType, // "MKT"
+    product,
+    frequency,
+    series,
+    amount, // paise
+    quantity,
+    totalPeriod,
+    startDateText, // day/month/year
+    startDate,     // seconds since 1 January 1970, decimal
+    customerFirm,
+    validity,
+    exchangeSegment, // "nse_cm"
+    action,          // "B" or "S"
+    token,
+    symbol,
+    tradingSymbol,
+    clientId,
+    sideWord,   // "BUY" or "SELL"
+    investType, // "value" or "qty"
+    remarks,    // the server's answer
+    count
+};
+inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
+
+// The texts of a row while it is put together; they are whoever's.
+class BasketTexts {
+public:
+    std::string_view& operator[](BasketField field) { return m_texts[static_cast<std::size_t>(field)]; }
+    std::string_view operator[](BasketField field) const { return m_texts[static_cast<std::size_t>(field)]; }
+
+private:
+    std::array<std::string_view, kBasketFieldCount> m_texts;
+};
+
+class sBasketOrderData {
+public:
+    sBasketOrderData() = default;
+    // Copies the texts. What would make the row longer than 65,535 characters is cut off.
+    sBasketOrderData(const BasketTexts& texts, std::int32_t serialNumber);
+
+    // Valid until the row is changed.
+    std::string_view Text(BasketField field) const;
+    BasketTexts Texts() const;
+    void SetRemarks(std::string_view remarks);
+
+    // By which the server's answer finds its row.
+    std::int32_t SerialNumber() const { return m_serialNumber; }
+
+private:
+    // Where each text ends, counted from the first, then the texts.
+    using Ends = std::array<std::uint16_t, kBasketFieldCount>;
+
+    std::unique_ptr<char[]> m_block;
+    std::int32_t m_serialNumber = 0;
+};
+
+} // namespace planfold
