@@ -4,8 +4,9 @@ set(dist ${CMAKE_SOURCE_DIR}/dist)
 add_custom_target(dist ALL
     COMMAND ${CMAKE_COMMAND} -E make_directory "${dist}/Vesk Plugins"
     COMMAND ${CMAKE_COMMAND} -E copy_if_different
-        $<TARGET_FILE:VeskTrader> $<TARGET_FILE:connectvesk> $<TARGET_FILE:korvexcontrols> "${dist}"
+        $<TARGET_FILE:VeskTrader> $<TARGET_FILE:connectvesk> $<TARGET_FILE:korvexcontrols>
+        $<TARGET_FILE:planfold-basket> "${dist}"
     COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:planfold> "${dist}/Vesk Plugins"
     COMMAND ${CMAKE_COMMAND} -E copy_directory ${CMAKE_SOURCE_DIR}/data ${dist}/data
     VERBATIM)
-add_dependencies(dist VeskTrader connectvesk korvexcontrols planfold)
+add_dependencies(dist VeskTrader connectvesk korvexcontrols planfold planfold-basket)

@@ -41,7 +41,9 @@ void BasketLoad::ReadLine(const BasketLines::Line& line) {
 
 void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason,
                         bool hasNumber) {
-    RejectedLine rejected{m_number, std::string(line.text), std::move(reason), std::string(line.text)};
+    // A zero ends the line for whoever reads the report; what is said behind it must not be lost.
+    const std::string_view text = line.text.substr(0, line.text.find('\0'));
+    RejectedLine rejected{m_number, std::string(text), std::move(reason), std::string(text)};
     rejected.report += line.isEnded ? "\nfailed to load" : "failed to load";
     if (!rejected.reason.empty()) rejected.report += " due to " + rejected.reason;
     if (!rejected.reason.empty() && hasNumber) rejected.report += Format(" In Line Number %d", m_number);

@@ -17,6 +17,7 @@ using Verdict = std::optional<BasketRefusal>;
 
 constexpr std::ptrdiff_t kFewestCommas = 19;
 constexpr std::ptrdiff_t kMostCommas = 20;
+constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
 constexpr double kDefaultDivisor = 100.0;
 constexpr int kDefaultDecimals = 2;
@@ -50,6 +51,7 @@ constexpr WordRule kWordRules[] = {
 } // namespace
 
 bool SplitBasketLine(std::string_view line, BasketTexts& columns) {
+    if (line.size() > kLongestLine) return false;
     line = line.substr(0, line.find('\0'));
     if (line.empty() || line.front() == ',') return false;
     const std::ptrdiff_t commas = std::ranges::count(line, ',');

@@ -1,0 +1,18 @@
+// Texts from and to files, or the program's own streams.
+#pragma once
+
+#include "host/terminal/core/FileFault.h"
+
+#include <string>
+#include <string_view>
+
+namespace basket {
+
+// "-" is standard input.
+vesk::Loaded<std::string> ReadText(const std::string& path);
+
+// Line feeds become the platform's line ends; "-" is standard output. A file is replaced as a whole or not at
+// all. False when it cannot be.
+bool WriteText(const std::string& path, std::string_view text);
+
+} // namespace basket

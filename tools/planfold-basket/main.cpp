@@ -1,0 +1,49 @@
+// planfold-basket: checks basket files without the terminal.
+#include "tools/planfold-basket/Commands.h"
+#include "tools/planfold-basket/Files.h"
+#include "tools/planfold-basket/MasterScrips.h"
+
+#include <cstdio>
+#include <exception>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
+namespace basket {
+namespace {
+
+int Run(std::span<const char* const> words) {
+    Options options;
+    if (const auto complaint = ReadOptions(words, options))
+        return Fail(*complaint + "; see planfold-basket --help");
+    if (options.command == Command::help)
+        return WriteText(std::string(kStandardStream), kHelp) ? kAllGood : kFailed;
+    const auto master = vesk::ScripMaster::Load(options.scrips);
+    if (!master) return Fail(master.Fault().Text());
+    MasterScrips scrips(master.Value());
+    return options.command == Command::check ? Check(options, scrips)
+                                             : WriteTemplate(options, master.Value().Scrips(), scrips);
+}
+
+} // namespace
+
+int Fail(std::string_view why) {
+    std::fprintf(stderr, "planfold-basket: %.*s\n", static_cast<int>(why.size()), why.data());
+    return kFailed;
+}
+
+} // namespace basket
+
+int main(int count, char** words) {
+#ifdef _WIN32
+    // As files are read: the byte 26 does not end the text.
+    _setmode(_fileno(stdin), _O_BINARY);
+#endif
+    try {
+        return basket::Run({words + 1, static_cast<std::size_t>(count > 0 ? count - 1 : 0)});
+    } catch (const std::exception& fault) {
+        return basket::Fail(fault.what());
+    }
+}
