@@ -1,0 +1,308 @@
+// Basket files: what becomes of each line, what is told about it, and that what is written loads again.
+#include "plugin/basket/BasketFile.h"
+#include "plugin/messaging/Dates.h"
+
+#include <gtest/gtest.h>
+
+#include <ranges>
+
+namespace planfold {
+namespace {
+
+using Field = BasketField;
+
+class Scrips final : public ScripSource {
+public:
+    std::optional<ScripDetails> Details(std::string_view exchange, std::string_view symbol) override {
+        ++lookups;
+        if (exchange != "nse_cm") return std::nullopt;
+        if (symbol == "BYTEFIN-EQ" || symbol == "bytefin-eq")
+            return ScripDetails{2, 0, 100.0, 5, "1234", "BYTEFIN-EQ"};
+        if (symbol == "FINE-EQ") return ScripDetails{4, 0, 10000.0, 25, "77", "FINE-EQ"};
+        return std::nullopt;
+    }
+    std::string TradingSymbol(std::string_view, std::string_view, std::string_view symbol) override {
+        return symbol == "KNOWN" ? "KNOWN-EQ" : "";
+    }
+
+    int lookups = 0;
+};
+
+// What is told of the lines in the order in which it comes, a text each; of a line that is refused its report.
+class Recorder final : public BasketSink {
+public:
+    explicit Recorder(std::string_view text, const BasketRules& rules) : load(text, rules, scrips, *this) {
+        while (load.Read(2)) {
+        }
+    }
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+
+    void OnRow(const BasketTexts& texts) override { rows.emplace_back(texts, 7); }
+    void OnRejected(const RejectedLine& line, const BasketTexts&) override {
+        told.push_back(line.report);
+        numbers.push_back(line.number);
+    }
+    void OnNotice(std::string_view text) override { told.push_back("box " + std::string(text)); }
+    void OnLog(std::string_view text) override { told.push_back("log " + std::string(text)); }
+
+    Scrips scrips;
+    std::vector<sBasketOrderData> rows;
+    std::vector<std::string> told;
+    std::vector<int> numbers;
+    BasketLoad load;
+};
+
+const BasketRules kMonths{{"CNC", "MIS"}, {}, false, {}, ToSeconds({2027, 3, 4, 15, 30, 0})};
+const BasketRules kServer{
+    {"CNC"}, {"Daily", "monthly", "hourly"}, true, {5, 4, 6, 2}, ToSeconds({2027, 3, 4, 15, 30, 0})};
+
+using Changes = std::vector<std::pair<int, std::string>>; // column, text
+using Texts = std::vector<std::string>;
+
+std::string Line(const Changes& changes, std::size_t commas = 19) {
+    Texts columns = {"CL100",  "nse_cm", "EQ",      "BYTEFIN", "1234",        "BYTEFIN-EQ", "CNC",
+                     "150000", "",       "monthly", "",        "05/Mar/2027", "12",         "MKT",
+                     "B",      "",       "",        "",        "value"};
+    for (const auto& [column, text] : changes)
+        columns[static_cast<std::size_t>(column)] = text;
+    columns.resize(commas + 1);
+    std::string line = columns.front();
+    for (const std::string& column : columns | std::views::drop(1))
+        line += ',' + column;
+    return line;
+}
+Changes Shares(const std::string& text) {
+    return {{18, "qty"}, {8, text}};
+}
+std::string Exported(const sBasketOrderData& row) {
+    std::string text;
+    AppendBasketLine(row, text);
+    return text;
+}
+
+// "box" and "log" begin texts that come before the report; any other text is the reason in it.
+void ExpectTold(const Recorder& recorder, const std::string& line, const Texts& outcome) {
+    Texts told;
+    std::string reason;
+    for (const std::string& text : outcome) {
+        reason = text.starts_with("box ") ? "" : text.substr(text.starts_with("log ") ? 4 : 0);
+        if (reason != text) told.push_back(text);
+    }
+    if (!outcome.empty())
+        told.push_back(line + "failed to load"
+                       + (reason.empty() ? "" : " due to " + reason + " In Line Number 1"));
+    EXPECT_EQ(recorder.told, told) << line;
+    EXPECT_EQ(recorder.rows.size(), outcome.empty()) << line;
+    EXPECT_EQ(recorder.load.LastReason(), reason) << line;
+}
+
+TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
+    const Texts row, badAmount = {"InValid Amount"}, badPeriod = {"Invalid Period"}, badDate = {"Invalid Date"},
+                     badQuantity = {"InValid Quantity"}, badToken = {"InValid Token"},
+                     months = {"Period Should be Between 1 and 60"}, zero = {"Quantity cannot be zero"};
+    const Texts tooMany = {
+        "log Quantity should not be more than integer max value(2147483647) In Line Number 1"};
+    const auto tooDear = [](const char* most) {
+        return Texts{std::string("log Amount exceeds the long variable range, Max Price is : ") + most
+                     + " In Line Number 1"};
+    };
+    const Changes fine = {{5, "FINE-EQ"}, {4, "77"}};
+    struct Case {
+        const BasketRules& rules;
+        Changes changes;
+        Texts outcome;
+    };
+    const Case cases[] = {
+        {kMonths, {}, row},
+        {kMonths, {{5, "bytefin-eq"}}, badToken},
+        {kMonths, {{3, "KNOWN"}, {5, "KNOWN-EQ"}, {4, ""}}, badToken},
+        {kMonths, {{1, "bse_cm"}}, badToken},
+        {kMonths, {{4, "1234 "}}, badToken},
+        {kMonths, {{11, "04/Mar/2027"}}, badDate},
+        {kMonths, {{11, "5-3-27"}}, row},
+        {kMonths, {{11, "05/Mar/127"}}, badDate},
+        {kMonths, {{11, "05/13/2027"}}, badDate},
+        {kMonths, {{11, "05/mar/2027"}}, badDate},
+        {kMonths, {{11, "05/Mar"}}, badDate},
+        {kMonths, {{11, "05/Mar/"}}, badDate},
+        {kMonths, {{11, "29/Feb/2028"}}, row},
+        {kMonths, {{11, "29/Feb/2029"}}, badDate},
+        {kMonths, {{12, ""}}, badPeriod},
+        {kMonths, {{12, "0"}}, badPeriod},
+        {kMonths, {{12, "1.5"}}, badPeriod},
+        {kMonths, {{12, "-1"}}, badPeriod},
+        {kMonths, {{12, "00"}}, months},
+        {kMonths, {{12, "1"}}, row},
+        {kMonths, {{12, "60"}}, row},
+        {kMonths, {{12, "61"}}, months},
+        {kMonths, {{12, "99999999999999999999"}}, months},
+        {kServer, {{12, "5"}}, {"box Minimum SIP value is 6"}},
+        {kServer, {{12, "6"}}, row},
+        {kServer, {{12, "61"}}, row},
+        {kServer, {{9, "daily"}, {12, "4"}}, {"box Minimum SIP value is 5"}},
+        {kServer, {{9, "daily"}, {12, "5"}}, row},
+        {kServer, {{9, "DAILY"}, {12, "1"}}, {"InValid Frequency."}},
+        {kServer, {{9, "hourly"}}, {"InValid Frequency."}},
+        {kServer, {{9, "yearly"}, {14, "x"}}, {"box yearly Frequency not set"}},
+        {kServer, {{9, "%s"}}, {"box %s Frequency not set"}},
+        {kMonths, {{14, "b"}}, {"InValid Action Type."}},
+        {kMonths, {{14, "S"}}, row},
+        {kMonths, {{18, "Value"}}, {"InValid Invest Type."}},
+        {kMonths, {{9, "Monthly"}}, {"InValid Frequency."}},
+        {kMonths, {{13, "mkt"}}, {"InValid Order Type"}},
+        {kMonths, {{6, "cnc"}}, {"InValid Product"}},
+        {kMonths, {{6, "MIS"}}, row},
+        {kMonths, Shares(""), badQuantity},
+        {kMonths, Shares("."), badQuantity},
+        {kMonths, Shares("0"), badQuantity},
+        {kMonths, Shares("00"), zero},
+        {kMonths, Shares("a5"), zero},
+        {kMonths, Shares("5a"), badQuantity},
+        {kMonths, Shares("-5"), badQuantity},
+        {kMonths, Shares("2147483647"), row},
+        {kMonths, Shares("2147483648"), tooMany},
+        {kMonths, {{7, ""}}, badAmount},
+        {kMonths, {{7, "0"}}, {"Enter valid Amount"}},
+        {kMonths, {{7, "abc"}}, {"Enter valid Amount"}},
+        {kMonths, {{7, "-100"}}, badAmount},
+        {kMonths, {{7, "1e999"}}, badAmount},
+        {kMonths, {{7, "2147483647"}}, row},
+        {kMonths, {{7, "2147483648"}}, tooDear("21474836.45")},
+        {kMonths, {fine[0], fine[1], {7, "2147483648"}}, tooDear("214748.3625")},
+        {kMonths, {fine[0], fine[1], {7, "2147483647"}}, row},
+    };
+    for (const Case& each : cases) {
+        const std::string line = Line(each.changes);
+        ExpectTold(Recorder(line, each.rules), line, each.outcome);
+    }
+}
+
+TEST(BasketLine, TellsTheFirstOfTwoFaults) {
+    const std::tuple<int, const char*, const char*> faults[] = {
+        {4, "x", "InValid Token"},        {11, "", "Invalid Date"},         {12, "0", "Invalid Period"},
+        {14, "", "InValid Action Type."}, {18, "", "InValid Invest Type."}, {9, "", "InValid Frequency."},
+        {13, "", "InValid Order Type"},   {6, "", "InValid Product"},       {7, "", "InValid Amount"},
+    };
+    for (const auto& [column, text, reason] : faults)
+        for (const auto& [otherColumn, otherText, otherReason] : faults) {
+            if (&otherColumn < &column) continue;
+            const std::string line = Line({{column, text}, {otherColumn, otherText}});
+            ExpectTold(Recorder(line, kMonths), line, {reason});
+        }
+}
+
+TEST(BasketLine, IsCutIntoItsColumns) {
+    const std::string name(127, 'n'), filled = Line({}) + std::string(1022 - Line({}).size(), 'x');
+    const struct {
+        std::string text;
+        std::size_t rows;
+        int lines = 1;
+    } cases[] = {
+        {"", 0, 0},
+        {"\n", 0},
+        {"\r\n\n", 0, 2},
+        {"no comma", 0},
+        {Line({}, 18), 0},
+        {Line({}, 19), 1},
+        {Line({}, 20), 1},
+        {Line({}, 21), 0},
+        {Line({{0, ""}}), 0},
+        {Line({}) + '\n', 1},
+        {Line({}) + "\r\n" + Line({}) + "\r\n", 2, 2},
+        {Line({{12, "12\r"}}), 0}, // the columns behind it are empty
+        {Line({{18, "value\rx"}}), 1},
+        {Line({{18, std::string("value\0x", 7)}}), 0}, // no 19 commas before the zero
+        {Line({}) + std::string("\0,,,", 4), 1},
+        {Line({{0, name}}), 1},
+        {Line({{0, name + 'n'}}), 0},
+        {Line({{0, "\xe9\xff\x80"}}), 1},
+        {filled, 1},
+        {filled + '\n' + filled + "x\n", 1, 2},
+        {std::string(1 << 20, 'x') + '\n' + Line({}), 1, 2},
+    };
+    for (const auto& each : cases) {
+        const Recorder recorder(each.text, kMonths);
+        EXPECT_EQ(recorder.rows.size(), each.rows) << each.text.substr(0, 200);
+        EXPECT_EQ(recorder.load.LinesRead(), each.lines) << each.text.substr(0, 200);
+        EXPECT_EQ(recorder.load.LastReason().empty(), recorder.told.empty());
+    }
+}
+
+TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
+    const struct {
+        Changes changes;
+        Field field;
+        const char* text;
+    } cases[] = {
+        {{{16, "x"}}, Field::customerFirm, "C"},
+        {{{17, "IOC"}}, Field::validity, "DAY"},
+        {{{15, "SELL"}}, Field::sideWord, "BUY"},
+        {{{14, "S"}}, Field::sideWord, "SELL"},
+        {{{11, "05-Mar-27"}}, Field::startDateText, "05/Mar/2027"},
+        {{{11, "5/3/7"}}, Field::startDateText, "5/3/207"},
+        {{{7, "150000.6"}}, Field::amount, "150001"},
+        {{{7, "  1.5e5x"}}, Field::amount, "150000"},
+        {{{7, "0012"}}, Field::amount, "12"},
+        {{}, Field::remarks, "NA"},
+        {{{0, "CL 7 "}}, Field::clientId, "CL 7 "},
+    };
+    for (const auto& each : cases) {
+        BasketRules rules = kMonths;
+        if (each.field == Field::startDateText) rules.now = INT64_MIN;
+        const Recorder recorder(Line(each.changes), rules);
+        ASSERT_EQ(recorder.rows.size(), 1u) << each.text;
+        EXPECT_EQ(recorder.rows[0].Text(each.field), each.text);
+    }
+    EXPECT_EQ(Recorder(Line({}), kMonths).rows[0].Text(Field::startDate),
+              std::to_string(ToSeconds({2027, 3, 5, 0, 0, 0})));
+}
+
+TEST(BasketLoad, NumbersLinesAndReportsThemLetterByLetter) {
+    const std::string heading = "client,exchange\r\n", bad = Line({{4, "9"}}),
+                      few = Line({{8, "3000000000"}, {18, "qty"}, {14, "S"}});
+    const Recorder recorder(heading + Line({}) + '\n' + bad + "\r\n" + few + "\n\n" + Line({}), kMonths);
+    const std::string reason =
+        "Quantity should not be more than integer max value(2147483647) In Line Number 4";
+    EXPECT_EQ(recorder.told,
+              (Texts{"client,exchange\nfailed to load due to Invalid Format",
+                     bad + "\nfailed to load due to InValid Token In Line Number 3", "log " + reason,
+                     few + "\nfailed to load due to " + reason + " In Line Number 4",
+                     "\nfailed to load due to Invalid Format"}));
+    EXPECT_EQ(recorder.numbers, (std::vector{1, 3, 4, 5}));
+    EXPECT_EQ(recorder.load.RowsLoaded(), 2u);
+    EXPECT_EQ(recorder.load.LinesRead(), 6);
+    EXPECT_EQ(recorder.scrips.lookups, 1);
+    EXPECT_EQ(recorder.load.LastReason(), "Invalid Format");
+    // A line told by a box alone leaves no reason to show at the end.
+    EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
+}
+
+TEST(BasketLoad, TakesBackWhatIsExportedInReverse) {
+    std::string text;
+    for (const char* date : {"05-Mar-27", "6/3/2027", "31/Dec/2027"})
+        for (const char* side : {"B", "S"})
+            for (const char* frequency : {"daily", "weekly", "monthly", "yearly"})
+                for (const Changes& shape :
+                     {Changes{{7, "99999.5"}}, Changes{{4, "77"}, {5, "FINE-EQ"}, {7, "00123"}},
+                      Changes{{18, "qty"}, {8, "0012"}, {7, "any"}},
+                      Changes{{6, "MIS"}, {0, " \xe9 "}, {2, ""}}}) {
+                    Changes changes = shape;
+                    changes.insert(changes.end(), {{11, date}, {14, side}, {9, frequency}});
+                    text += Line(changes, 19 + changes.size() % 2) + (side[0] == 'B' ? "\n" : "\r\n");
+                }
+    const Recorder first(text, kMonths);
+    ASSERT_EQ(first.rows.size(), 96u);
+    std::string exported, again;
+    for (const sBasketOrderData& row : first.rows | std::views::reverse)
+        exported += Exported(row);
+    const Recorder second(exported, kMonths);
+    EXPECT_EQ(second.told, Texts{});
+    for (const sBasketOrderData& row : second.rows)
+        again += Exported(row);
+    EXPECT_EQ(again, exported);
+    EXPECT_EQ(exported.substr(exported.rfind('\n', exported.size() - 2) + 1), Exported(first.rows.front()));
+}
+
+} // namespace
+} // namespace planfold
