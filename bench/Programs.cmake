@@ -44,3 +44,9 @@ target_link_libraries(planfold_book_bench PRIVATE
 
 add_executable(planfold_list_bench EXCLUDE_FROM_ALL ${bench}/ListCases.cpp)
 target_link_libraries(planfold_list_bench PRIVATE house_rules bench_rounds korvex_model)
+
+add_executable(planfold_basket_bench EXCLUDE_FROM_ALL
+    ${bench}/BasketCases.cpp
+    ${bench}/BasketMain.cpp
+    ${bench}/BasketPeers.cpp)
+target_link_libraries(planfold_basket_bench PRIVATE house_rules bench_rounds planfold_core csv)

@@ -6,6 +6,7 @@
 #include "plugin/messaging/Text.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstring>
 
@@ -15,8 +16,8 @@ namespace {
 
 using Verdict = std::optional<BasketRefusal>;
 
-constexpr std::ptrdiff_t kFewestCommas = 19;
-constexpr std::ptrdiff_t kMostCommas = 20;
+constexpr std::size_t kFewestCommas = 19;
+constexpr std::size_t kMostCommas = 20;
 constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
 constexpr double kDefaultDivisor = 100.0;
@@ -36,6 +37,15 @@ std::string InLine(std::string reason, int lineNumber) {
     return reason + Format(" In Line Number %d", lineNumber);
 }
 
+// A file of ever new names must not fill the memory.
+constexpr std::size_t kMostKept = 100'000;
+
+template <class Map>
+Map& RoomFor(Map& map) {
+    if (map.size() >= kMostKept) map.clear();
+    return map;
+}
+
 struct WordRule {
     BasketField field;
     std::string_view words[4]; // one of them
@@ -48,29 +58,63 @@ constexpr WordRule kWordRules[] = {
     {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, "InValid Order Type"},
 };
 
+using Commas = std::array<std::uint16_t, kMostCommas>;
+
+constexpr std::size_t kStep = 64;
+
+// Bit i tells whether character i is a comma, without a branch for each: where commas stand cannot be foreseen.
+std::uint64_t CommaBits(std::string_view text) {
+    std::array<char, kStep> isComma{};
+    text.copy(isComma.data(), kStep);
+    for (char& c : isComma)
+        c = c == ',';
+    std::uint64_t bits = 0;
+    for (std::size_t at = 0; at < kStep; at += 8) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, &isComma[at], 8);
+        // Moves the lowest bits of the eight bytes together into the highest byte.
+        bits |= eight * 0x0102'0408'1020'4080 >> 56 << at;
+    }
+    return bits;
+}
+
+// False unless there are as many as a line has.
+bool FindCommas(std::string_view line, Commas& commas) {
+    std::size_t count = 0;
+    for (std::size_t base = 0; base < line.size(); base += kStep) {
+        std::uint64_t bits = CommaBits(line.substr(base));
+        if (count + static_cast<std::size_t>(std::popcount(bits)) > kMostCommas) return false;
+        for (; bits; bits &= bits - 1)
+            commas[count++] =
+                static_cast<std::uint16_t>(base + static_cast<std::size_t>(std::countr_zero(bits)));
+    }
+    return count >= kFewestCommas;
+}
+
 } // namespace
 
 bool SplitBasketLine(std::string_view line, BasketTexts& columns) {
     if (line.size() > kLongestLine) return false;
     line = line.substr(0, line.find('\0'));
     if (line.empty() || line.front() == ',') return false;
-    const std::ptrdiff_t commas = std::ranges::count(line, ',');
-    if (commas < kFewestCommas || commas > kMostCommas) return false;
-    columns = {};
+    Commas commas;
+    if (!FindCommas(line, commas)) return false;
+    // What a line end cuts off leaves the columns behind it empty.
+    line = line.substr(0, std::min(line.find('\n'), line.find('\r')));
     std::size_t at = 0;
-    for (const BasketField field : kBasketColumns) {
-        const std::size_t end = std::min(line.find_first_of(",\n\r", at), line.size());
-        columns[field] = line.substr(at, end - at);
-        if (end - at > kLongestField) return false;
-        // What a line end cut off leaves the columns behind it empty.
-        if (end == line.size() || line[end] != ',') break;
-        at = end + 1;
+    std::size_t longest = 0;
+    columns = {};
+    for (std::size_t i = 0; i < std::size(kBasketColumns) && at <= line.size(); ++i) {
+        const std::string_view field = line.substr(at, commas[i] - at);
+        columns[kBasketColumns[i]] = field;
+        longest = std::max(longest, field.size());
+        at = commas[i] + 1u;
     }
-    return true;
+    return longest <= kLongestField;
 }
 
 Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
-    const Scrip& scrip = LookUp(columns);
+    Scrip& scrip = LookUp(columns);
     if (columns[BasketField::tradingSymbol] != scrip.tradingSymbol || scrip.token.empty()
         || columns[BasketField::token] != scrip.token)
         return BasketRefusal{"InValid Token"};
@@ -94,14 +138,14 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
 }
 
 // A basket names few scrips many times; the host is asked once for each.
-const BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
+BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
     const std::string_view exchange = columns[BasketField::exchangeSegment];
     const std::string_view tradingSymbol = columns[BasketField::tradingSymbol];
     m_key.clear();
     for (const BasketField field :
          {BasketField::exchangeSegment, BasketField::series, BasketField::symbol, BasketField::tradingSymbol})
         m_key.append(columns[field]).push_back(',');
-    const auto [place, isNew] = m_known.try_emplace(m_key);
+    const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
     Scrip& scrip = place->second;
     if (!isNew) return scrip;
     scrip.details = m_scrips.Details(exchange, tradingSymbol);
@@ -120,19 +164,22 @@ const BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
 
 // Day, month and year in the form that a row keeps; today is already too late.
 bool BasketCheck::ReadStartDate(BasketTexts& columns) {
-    const std::string_view typed = columns[BasketField::startDateText];
-    if (m_dateNumber.empty() || typed != m_typedDate) {
-        m_typedDate = typed;
-        m_dateText = typed;
-        std::ranges::replace(m_dateText, '-', '/');
-        const std::size_t year = m_dateText.rfind('/');
-        if (year != m_dateText.npos && m_dateText.size() - year - 1 < 3) m_dateText.insert(year + 1, "20");
-        m_date = ParseDate(m_dateText);
-        m_dateNumber = std::to_string(m_date);
+    const auto [place, isNew] = RoomFor(m_dates).try_emplace(std::string(columns[BasketField::startDateText]));
+    Date& date = place->second;
+    if (isNew) {
+        date.text = place->first;
+        std::ranges::replace(date.text, '-', '/');
+        const std::size_t year = date.text.rfind('/');
+        // "27" is 2027; nothing behind the last separator is no year.
+        const std::size_t digits = date.text.size() - year - 1;
+        if (year != date.text.npos && (digits == 1 || digits == 2)) date.text.insert(year + 1, "20");
+        // What a row keeps must fit a file's field.
+        if (date.text.size() <= kLongestField) date.seconds = ParseDate(date.text);
+        date.number = std::to_string(date.seconds);
     }
-    columns[BasketField::startDateText] = m_dateText;
-    columns[BasketField::startDate] = m_dateNumber;
-    return m_date >= m_rules.now;
+    columns[BasketField::startDateText] = date.text;
+    columns[BasketField::startDate] = date.number;
+    return date.seconds >= m_rules.now;
 }
 
 Verdict BasketCheck::CheckPeriod(const BasketTexts& columns) const {
@@ -164,22 +211,28 @@ Verdict BasketCheck::CheckQuantity(const BasketTexts& columns, int lineNumber) c
     return BasketRefusal{InLine(reason, lineNumber), {}, true};
 }
 
-Verdict BasketCheck::CheckAmount(BasketTexts& columns, const Scrip& scrip, int lineNumber) {
+Verdict BasketCheck::CheckAmount(BasketTexts& columns, Scrip& scrip, int lineNumber) {
     const std::string_view text = columns[BasketField::amount];
     if (text.empty()) return BasketRefusal{"InValid Amount"};
-    const double paise = LeadingReal(text);
+    double paise = LeadingReal(text);
     if (paise == 0.0) return BasketRefusal{"Enter valid Amount"};
     const bool isWhole = AllDigits(text) && text.front() != '0' && text.size() < 16;
-    m_amount = isWhole ? std::string(text) : Format("%.lf", paise);
-    columns[BasketField::amount] = m_amount;
-    if (!AllDigits(m_amount)) return BasketRefusal{"InValid Amount"};
+    if (!isWhole) {
+        m_amount = Format("%.lf", paise);
+        columns[BasketField::amount] = m_amount;
+        if (!AllDigits(m_amount)) return BasketRefusal{"InValid Amount"};
+        paise = LeadingReal(m_amount);
+    }
+    // What is less than an amount in range is in range as well.
+    if (paise <= scrip.largestInRange) return std::nullopt;
     const ScripDetails* details = scrip.details ? &*scrip.details : nullptr;
     const double divisor = details ? details->priceMultiplier : kDefaultDivisor;
     const int decimals = details ? std::clamp(details->decimals, 0, 9) : kDefaultDecimals;
     std::string message;
-    if (CheckPriceRange(Format("%.*lf", decimals, LeadingReal(m_amount) / divisor), message, details, true))
-        return std::nullopt;
-    return BasketRefusal{InLine("Amount" + message, lineNumber), {}, true};
+    if (!CheckPriceRange(Format("%.*lf", decimals, paise / divisor), message, details, true))
+        return BasketRefusal{InLine("Amount" + message, lineNumber), {}, true};
+    scrip.largestInRange = paise;
+    return std::nullopt;
 }
 
 } // namespace planfold

@@ -73,22 +73,25 @@ private:
         std::string tradingSymbol; // expected
         std::optional<ScripDetails> details;
         std::string token;
+        double largestInRange = 0.0; // of the amounts that have been checked, in paise
+    };
+    struct Date {
+        std::string text; // as a row keeps it
+        std::string number;
+        std::int64_t seconds = -1;
     };
 
-    const Scrip& LookUp(const BasketTexts& columns);
+    Scrip& LookUp(const BasketTexts& columns);
     bool ReadStartDate(BasketTexts& columns);
     std::optional<BasketRefusal> CheckPeriod(const BasketTexts& columns) const;
     std::optional<BasketRefusal> CheckQuantity(const BasketTexts& columns, int lineNumber) const;
-    std::optional<BasketRefusal> CheckAmount(BasketTexts& columns, const Scrip& scrip, int lineNumber);
+    std::optional<BasketRefusal> CheckAmount(BasketTexts& columns, Scrip& scrip, int lineNumber);
 
     const BasketRules& m_rules;
     ScripSource& m_scrips;
     std::unordered_map<std::string, Scrip> m_known; // by exchange, series, symbol and trading symbol
     std::string m_key;
-    std::string m_typedDate; // of the line before
-    std::string m_dateText;
-    std::int64_t m_date = -1;
-    std::string m_dateNumber;
+    std::unordered_map<std::string, Date> m_dates; // as typed
     std::string m_amount;
 };
 

@@ -240,6 +240,7 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{15, "SELL"}}, Field::sideWord, "BUY"},
         {{{14, "S"}}, Field::sideWord, "SELL"},
         {{{11, "05-Mar-27"}}, Field::startDateText, "05/Mar/2027"},
+        {{{11, "05-Mar-27-"}}, Field::startDateText, "05/Mar/27/"},
         {{{11, "5/3/7"}}, Field::startDateText, "5/3/207"},
         {{{7, "150000.6"}}, Field::amount, "150001"},
         {{{7, "  1.5e5x"}}, Field::amount, "150000"},
