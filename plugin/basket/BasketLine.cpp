@@ -141,10 +141,7 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
 BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
     const std::string_view exchange = columns[BasketField::exchangeSegment];
     const std::string_view tradingSymbol = columns[BasketField::tradingSymbol];
-    m_key.clear();
-    for (const BasketField field :
-         {BasketField::exchangeSegment, BasketField::series, BasketField::symbol, BasketField::tradingSymbol})
-        m_key.append(columns[field]).push_back(',');
+    m_key.assign(tradingSymbol).append(1, ',').append(exchange);
     const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
     Scrip& scrip = place->second;
     if (!isNew) return scrip;
@@ -156,6 +153,7 @@ BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
         scrip.token = text(scrip.details->token);
         scrip.tradingSymbol = text(scrip.details->tradingSymbol);
     } else {
+        // Without details there is no token, so that all lines of the trading symbol are refused alike.
         scrip.tradingSymbol =
             m_scrips.TradingSymbol(exchange, columns[BasketField::series], columns[BasketField::symbol]);
     }

@@ -89,7 +89,7 @@ private:
 
     const BasketRules& m_rules;
     ScripSource& m_scrips;
-    std::unordered_map<std::string, Scrip> m_known; // by exchange, series, symbol and trading symbol
+    std::unordered_map<std::string, Scrip> m_known; // by trading symbol and exchange
     std::string m_key;
     std::unordered_map<std::string, Date> m_dates; // as typed
     std::string m_amount;

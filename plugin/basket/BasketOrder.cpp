@@ -7,19 +7,19 @@ namespace planfold {
 
 sBasketOrderData::sBasketOrderData(const BasketTexts& texts, std::int32_t serialNumber)
     : m_serialNumber(serialNumber) {
-    Ends ends{};
+    Ends ends;
     std::size_t end = 0;
     for (std::size_t i = 0; i < kBasketFieldCount; ++i) {
         end = std::min<std::size_t>(end + texts[static_cast<BasketField>(i)].size(), UINT16_MAX);
         ends[i] = static_cast<std::uint16_t>(end);
     }
     m_block = std::make_unique_for_overwrite<char[]>(sizeof ends + end);
-    std::memcpy(m_block.get(), ends.data(), sizeof ends);
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < kBasketFieldCount; ++i) {
-        texts[static_cast<BasketField>(i)].copy(m_block.get() + sizeof ends + begin, ends[i] - begin);
-        begin = ends[i];
-    }
+    char* to = m_block.get();
+    std::memcpy(to, ends.data(), sizeof ends);
+    to += sizeof ends;
+    char* const last = to + end;
+    for (std::size_t i = 0; i < kBasketFieldCount; ++i)
+        to += texts[static_cast<BasketField>(i)].copy(to, static_cast<std::size_t>(last - to));
 }
 
 std::string_view sBasketOrderData::Text(BasketField field) const {
