@@ -26,7 +26,7 @@ bool BasketLoad::Read(std::size_t lines) {
 
 void BasketLoad::ReadLine(const BasketLines::Line& line) {
     ++m_number;
-    BasketTexts columns;
+    BasketTexts& columns = m_columns;
     if (!SplitBasketLine(line.text, columns)) return Reject(line, {}, kInvalidFormat, false);
     auto refusal = m_check.Validate(columns, m_number);
     if (!refusal) {

@@ -72,6 +72,7 @@ private:
     BasketLines m_lines;
     BasketCheck m_check;
     BasketSink& m_sink;
+    BasketTexts m_columns; // of the line that is read
     int m_number = 0;
     std::size_t m_rows = 0;
     std::string m_lastReason;

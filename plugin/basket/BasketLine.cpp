@@ -103,13 +103,13 @@ bool SplitBasketLine(std::string_view line, BasketTexts& columns) {
     line = line.substr(0, std::min(line.find('\n'), line.find('\r')));
     std::size_t at = 0;
     std::size_t longest = 0;
-    columns = {};
-    for (std::size_t i = 0; i < std::size(kBasketColumns) && at <= line.size(); ++i) {
-        const std::string_view field = line.substr(at, commas[i] - at);
-        columns[kBasketColumns[i]] = field;
-        longest = std::max(longest, field.size());
-        at = commas[i] + 1u;
+    for (std::size_t i = 0; i < std::size(kBasketColumns); ++i) {
+        const std::size_t end = std::min<std::size_t>(commas[i], line.size());
+        columns[kBasketColumns[i]] = {line.data() + at, end - at};
+        longest = std::max(longest, end - at);
+        at = std::min(end + 1, line.size());
     }
+    columns[BasketField::remarks] = {};
     return longest <= kLongestField;
 }
 
@@ -212,9 +212,9 @@ Verdict BasketCheck::CheckQuantity(const BasketTexts& columns, int lineNumber) c
 Verdict BasketCheck::CheckAmount(BasketTexts& columns, Scrip& scrip, int lineNumber) {
     const std::string_view text = columns[BasketField::amount];
     if (text.empty()) return BasketRefusal{"InValid Amount"};
-    double paise = LeadingReal(text);
-    if (paise == 0.0) return BasketRefusal{"Enter valid Amount"};
     const bool isWhole = AllDigits(text) && text.front() != '0' && text.size() < 16;
+    double paise = isWhole ? static_cast<double>(LeadingInteger(text)) : LeadingReal(text);
+    if (paise == 0.0) return BasketRefusal{"Enter valid Amount"};
     if (!isWhole) {
         m_amount = Format("%.lf", paise);
         columns[BasketField::amount] = m_amount;

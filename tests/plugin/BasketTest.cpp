@@ -275,6 +275,9 @@ TEST(BasketLoad, NumbersLinesAndReportsThemLetterByLetter) {
     EXPECT_EQ(recorder.load.LinesRead(), 6);
     EXPECT_EQ(recorder.scrips.lookups, 1);
     EXPECT_EQ(recorder.load.LastReason(), "Invalid Format");
+    // What is remembered of a scrip does not lift its limit.
+    const std::string most = Line({{7, "2147483647"}}) + '\n', more = Line({{7, "2147483648"}}) + '\n';
+    EXPECT_EQ(Recorder(most + more + most, kMonths).numbers, std::vector{2});
     // A line told by a box alone leaves no reason to show at the end.
     EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
 }
