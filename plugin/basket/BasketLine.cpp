@@ -162,7 +162,8 @@ BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
 
 // Day, month and year in the form that a row keeps; today is already too late.
 bool BasketCheck::ReadStartDate(BasketTexts& columns) {
-    const auto [place, isNew] = RoomFor(m_dates).try_emplace(std::string(columns[BasketField::startDateText]));
+    m_key = columns[BasketField::startDateText];
+    const auto [place, isNew] = RoomFor(m_dates).try_emplace(m_key);
     Date& date = place->second;
     if (isNew) {
         date.text = place->first;
