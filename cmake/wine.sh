@@ -30,16 +30,5 @@ make_prefix() {
 ) 9>"$WINEPREFIX.lock"
 
 set -- wine ${WINE_DESKTOP:+explorer "/desktop=$WINE_DESKTOP"} "$@"
-[ -z "${DISPLAY:-}" ] || exec "$@"
-# The virtual display's server now and then refuses a request of Wine's own (a window that is already gone), which ends
-# the program whatever it does: it is begun again.
-errors=$(mktemp)
-trap 'rm -f "$errors"' EXIT
-for attempt in 1 2 3; do
-    status=0
-    xvfb-run -a -s "-screen 0 1280x800x24" "$@" 2>"$errors" || status=$?
-    cat "$errors" >&2
-    [ "$status" -ne 0 ] && grep -q "X Error of failed request" "$errors" || break
-    echo "the virtual display failed (attempt $attempt)" >&2
-done
-exit "$status"
+[ -n "${DISPLAY:-}" ] || set -- xvfb-run -a -s "-screen 0 1280x800x24" "$@"
+exec "$@"
