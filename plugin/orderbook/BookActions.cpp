@@ -48,8 +48,12 @@ const char* RefusalToResume(std::string_view status) {
     return status == kPausedStatus ? nullptr : "Cannot Resume - order is not paused";
 }
 
-bool Allows(RunKind kind, std::string_view status) {
-    return !(kind == RunKind::pause ? RefusalToPause(status) : RefusalToResume(status));
+const char* RefusalTo(PauseOrResume which, std::string_view status) {
+    return which == PauseOrResume::pause ? RefusalToPause(status) : RefusalToResume(status);
+}
+
+RunKind RunOf(PauseOrResume which) {
+    return which == PauseOrResume::pause ? RunKind::pause : RunKind::resume;
 }
 
 // What many registrations mean in money, for the question before something is done with all of them.
@@ -113,31 +117,23 @@ void BookActions::Modify() {
         m_view.OpenForModify(*record);
 }
 
-void BookActions::Pause() {
+void BookActions::Change(PauseOrResume which) {
     const sOrderinfo* record = FirstSelected();
     if (!record || m_run) return;
-    if (const char* refusal = RefusalToPause(record->Text(OrderField::sipStatus)))
+    if (const char* refusal = RefusalTo(which, record->Text(OrderField::sipStatus)))
         m_view.ShowMessage(refusal);
     else
-        SendPauseSipOrder(m_session, m_control, m_view, PauseOrResume::pause, record->Number());
+        SendPauseSipOrder(m_session, m_control, m_view, which, record->Number());
 }
 
-void BookActions::Resume() {
-    const sOrderinfo* record = FirstSelected();
-    if (!record || m_run) return;
-    if (const char* refusal = RefusalToResume(record->Text(OrderField::sipStatus)))
-        m_view.ShowMessage(refusal);
-    else
-        SendPauseSipOrder(m_session, m_control, m_view, PauseOrResume::resume, record->Number());
-}
-
-void BookActions::ChangeSelected(RunKind kind) {
+void BookActions::ChangeSelected(PauseOrResume which) {
     if (m_asking || m_run) return;
     std::vector<RecordId> records = m_view.Registered().Selected();
     const std::size_t selected = records.size();
-    std::erase_if(records,
-                  [&](RecordId record) { return !Allows(kind, m_cache[record].Text(OrderField::sipStatus)); });
-    const char* verb = kind == RunKind::pause ? "paused" : "resumed";
+    std::erase_if(records, [&](RecordId record) {
+        return RefusalTo(which, m_cache[record].Text(OrderField::sipStatus)) != nullptr;
+    });
+    const char* verb = which == PauseOrResume::pause ? "paused" : "resumed";
     if (records.empty()) {
         if (selected)
             m_view.ShowMessage(Format("None of the %zu selected registrations can be %s.", selected, verb));
@@ -151,7 +147,7 @@ void BookActions::ChangeSelected(RunKind kind) {
     const bool proceed = m_view.Ask(Format("%zu of %zu selected registrations will be %s: %s.\nProceed?",
                                            records.size(), selected, verb, totals.Text().c_str()));
     m_asking = false;
-    if (proceed && IsStill(resets)) Begin(kind, std::move(records), {});
+    if (proceed && IsStill(resets)) Begin(RunOf(which), std::move(records), {});
 }
 
 void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string reason) {

@@ -22,11 +22,11 @@ public:
     void Cancel();
     // Of the first selected row.
     void Modify();
-    void Pause();
-    void Resume();
+    void Pause() { Change(PauseOrResume::pause); }
+    void Resume() { Change(PauseOrResume::resume); }
     // Of every selected row whose status allows it, after a question with exact numbers.
-    void PauseSelected() { ChangeSelected(RunKind::pause); }
-    void ResumeSelected() { ChangeSelected(RunKind::resume); }
+    void PauseSelected() { ChangeSelected(PauseOrResume::pause); }
+    void ResumeSelected() { ChangeSelected(PauseOrResume::resume); }
 
     // A long run goes on in portions: the window calls this as long as a run is under way.
     void ContinueRun();
@@ -46,7 +46,8 @@ private:
     // callbacks may end it.
     bool IsStill(int resets) const;
     const sOrderinfo* FirstSelected() const;
-    void ChangeSelected(RunKind kind);
+    void Change(PauseOrResume which);
+    void ChangeSelected(PauseOrResume which);
     void Begin(RunKind kind, std::vector<RecordId> records, std::string reason);
     void SendPortion(std::size_t most);
     bool SendOne(RecordId record, Notices& notices);
