@@ -23,17 +23,21 @@ Loaded<std::string> ReadWholeFile(const std::string& path) {
     return text;
 }
 
-bool WriteWholeFile(const std::string& path, std::string_view text) {
+bool WriteInPlace(const std::string& path, std::string_view text, std::ios::openmode mode) {
+    std::ofstream stream(path, mode | std::ios::trunc);
+    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    stream.close();
+    return !stream.fail();
+}
+
+bool WriteWholeFile(const std::string& path, std::string_view text, std::ios::openmode mode) {
     const std::string draft = path + ".new";
-    {
-        std::ofstream stream(draft, std::ios::binary | std::ios::trunc);
-        stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-        stream.flush();
-        if (!stream) return false;
-    }
-    std::error_code error;
-    std::filesystem::rename(draft, path, error);
-    return !error;
+    std::error_code error = std::make_error_code(std::errc::io_error);
+    if (WriteInPlace(draft, text, mode)) std::filesystem::rename(draft, path, error);
+    if (!error) return true;
+    std::error_code ignored;
+    std::filesystem::remove(draft, ignored);
+    return false;
 }
 
 } // namespace vesk

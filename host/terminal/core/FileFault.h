@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <ios>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,8 +40,11 @@ private:
 // The whole file as it is. Fault: missing, a folder, or unreadable.
 Loaded<std::string> ReadWholeFile(const std::string& path);
 
-// Replaces the file as a whole: a reader sees the old text or the new one. False when it cannot.
-bool WriteWholeFile(const std::string& path, std::string_view text);
+// Replaces the file as a whole: a reader sees the old text or the new one. False when it cannot, and then
+// nothing is left behind. Without std::ios::binary line feeds become the platform's line ends.
+bool WriteWholeFile(const std::string& path, std::string_view text, std::ios::openmode mode = std::ios::binary);
+// For a device or a pipe, which cannot be replaced. False when it cannot.
+bool WriteInPlace(const std::string& path, std::string_view text, std::ios::openmode mode);
 
 // The last part of a path, with either separator: faults name the file, not where it lies.
 std::string_view FileNameOf(std::string_view path);
