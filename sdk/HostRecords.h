@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 struct ScripDetails {
     std::int32_t decimals; // of a price as shown
@@ -17,6 +18,13 @@ struct ScripDetails {
 };
 static_assert(sizeof(ScripDetails) == 120 && offsetof(ScripDetails, priceMultiplier) == 8);
 static_assert(offsetof(ScripDetails, token) == 24 && offsetof(ScripDetails, tradingSymbol) == 56);
+
+// A text member, also one that the host left without its zero.
+template <std::size_t size>
+std::string_view TextOf(const char (&member)[size]) {
+    const std::string_view all(member, size);
+    return all.substr(0, all.find('\0'));
+}
 
 // One match of a client search; zero-terminated texts.
 struct ClientResult {

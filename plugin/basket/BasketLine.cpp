@@ -147,11 +147,8 @@ BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
     if (!isNew) return scrip;
     scrip.details = m_scrips.Details(exchange, tradingSymbol);
     if (scrip.details) {
-        const auto text = [](const auto& member) {
-            return std::string(member, strnlen(member, sizeof member));
-        };
-        scrip.token = text(scrip.details->token);
-        scrip.tradingSymbol = text(scrip.details->tradingSymbol);
+        scrip.token = TextOf(scrip.details->token);
+        scrip.tradingSymbol = TextOf(scrip.details->tradingSymbol);
     } else {
         // Without details there is no token, so that all lines of the trading symbol are refused alike.
         scrip.tradingSymbol =

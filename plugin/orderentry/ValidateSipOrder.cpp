@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 
 namespace planfold {
 
@@ -46,7 +45,7 @@ std::string Token(const Session& session, const std::string& exchange, const std
     ScripDetails details{};
     const ScripDetails* found =
         session.host.pu_get_scrip_details_from_TradSymbol(&exchangeText, &symbolText, &details);
-    return found ? std::string(found->token, strnlen(found->token, sizeof found->token)) : std::string();
+    return found ? std::string(TextOf(found->token)) : std::string();
 }
 
 void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrderData& record) {
