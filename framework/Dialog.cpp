@@ -18,7 +18,7 @@ bool Dialog::RunModal(HWND owner) {
     const FocusKeeper focus;
     const HWND root = GetAncestor(owner, GA_ROOT);
     if (!Create(root)) return false;
-    if (!EnableWindow(root, FALSE)) m_disabledOwner = root;
+    DisableOwner(root);
     Self().Show(true);
     MSG message{};
     while (m_handle) {
@@ -32,6 +32,10 @@ bool Dialog::RunModal(HWND owner) {
         PostQuitMessage(static_cast<int>(message.wParam));
     }
     return true;
+}
+
+void Dialog::DisableOwner(HWND owner) {
+    if (!EnableWindow(owner, FALSE)) m_disabledOwner = owner;
 }
 
 // Before the window goes, or another program's window would come to the front.

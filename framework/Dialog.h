@@ -55,6 +55,9 @@ protected:
     // In the caption, at the size of the window's DPI.
     void SetCaptionIcon(int resource);
 
+    // The user cannot reach it until this window is gone.
+    void DisableOwner(HWND owner);
+
     bool OnDpiChanged(UINT dpi, const RECT& suggested) override;
 
 private:
@@ -65,7 +68,7 @@ private:
     HINSTANCE m_module;
     int m_resource;
     HWND m_handle = nullptr;
-    HWND m_disabledOwner = nullptr; // while it runs modally
+    HWND m_disabledOwner = nullptr;
     int m_points = 0;
     std::optional<DialogLayout> m_layout;
     Icon m_captionIcon;

@@ -86,17 +86,17 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
 }
 
 void DialogLayout::ResizeFrame(HWND dialog, SIZE size) {
-    // Of a minimised dialog it is the place that it comes back to.
+    // Of a minimised or maximised dialog it is the place that it comes back to.
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
-    const bool minimised = IsIconic(dialog) && GetWindowPlacement(dialog, &placement);
+    const bool away = (IsIconic(dialog) || IsZoomed(dialog)) && GetWindowPlacement(dialog, &placement);
     RECT place = placement.rcNormalPosition;
-    if (!minimised) GetWindowRect(dialog, &place);
+    if (!away) GetWindowRect(dialog, &place);
     const RECT work = WorkArea(dialog);
     const LONG left = std::max(work.left, std::min(place.left, work.right - size.cx));
     const LONG top = std::max(work.top, std::min(place.top, work.bottom - size.cy));
     placement.rcNormalPosition = {left, top, left + size.cx, top + size.cy};
-    if (minimised)
+    if (away)
         SetWindowPlacement(dialog, &placement);
     else
         Window(dialog).Move(placement.rcNormalPosition);

@@ -1,5 +1,5 @@
 // The list's own menu entries and keys.
-#include "host/korvexcontrols/ListFile.h"
+#include "framework/Files.h"
 #include "host/korvexcontrols/ListWindow.h"
 #include "host/korvexcontrols/model/Text.h"
 
@@ -18,6 +18,7 @@ struct CFilterListCtrl::Impl::Entry {
 
 namespace {
 
+constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|All files|*.*|", "csv", "Export"};
 constexpr char kSelectAllKey = 'A', kCopyKey = 'C', kFindKey = 'F', kFilterKey = 'L';
 
 bool IsDown(int key) {
@@ -214,15 +215,15 @@ void CFilterListCtrl::Impl::Copy() {
     AdoptSelection();
     const auto selected = m_model.SelectedRecords();
     if (!selected.empty())
-        korvex::PutOnClipboard(Handle(), korvex::ToTabbed(*this, ExportedColumns(), selected));
+        framework::PutOnClipboard(Handle(), korvex::ToTabbed(*this, ExportedColumns(), selected));
 }
 
 // While the box is open the list goes on, and may go.
 void CFilterListCtrl::Impl::Export() {
     const HWND top = GetAncestor(Handle(), GA_ROOT);
-    const auto path = korvex::AskForCsvName(top, m_name + ".csv");
+    const auto path = framework::AskForFileToWrite(top, kExport, m_name + ".csv");
     if (!path || !Handle() || !m_owner) return;
     const std::string text = korvex::ToCsv(*this, ExportedColumns(), m_model.ShownRecords());
-    const std::string fault = korvex::WriteWhole(*path, text);
+    const std::string fault = framework::WriteWhole(*path, text);
     if (!fault.empty()) m_boxes.Show(top, fault);
 }

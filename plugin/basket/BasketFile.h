@@ -21,6 +21,7 @@ public:
     };
     // None at the end.
     std::optional<Line> Next();
+    std::size_t CharactersLeft() const { return m_rest.size(); }
 
 private:
     std::string_view m_rest;
@@ -61,6 +62,7 @@ public:
     bool Read(std::size_t lines);
 
     int LinesRead() const { return m_number; }
+    std::size_t CharactersLeft() const { return m_lines.CharactersLeft(); }
     std::size_t RowsLoaded() const { return m_rows; }
     // Of the line rejected last; empty without one, or when it had none.
     const std::string& LastReason() const { return m_lastReason; }

@@ -27,12 +27,6 @@ bool AllDigits(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// A combo box finds its entries so.
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
-
 std::string InLine(std::string reason, int lineNumber) {
     return reason + Format(" In Line Number %d", lineNumber);
 }

@@ -32,6 +32,7 @@ inline constexpr std::uint32_t orderId = 54158;
 inline constexpr std::uint32_t streamName = 54211;
 inline constexpr std::uint32_t registrationDate = 54270;
 inline constexpr std::uint32_t queriedRow = 54324; // in answers to om_get_sip_orders that are rows
+inline constexpr std::uint32_t location = 61117;
 inline constexpr std::uint32_t exchange = 63001;
 inline constexpr std::uint32_t tradingSymbol = 63100;
 inline constexpr std::uint32_t totalPeriod = 63415;

@@ -25,6 +25,15 @@ std::string Format(const char* format, ...) {
     return text;
 }
 
+bool EqualsIgnoringCase(std::string_view text, std::string_view other) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::ranges::equal(text, other, {}, lower, lower);
+}
+
+bool StartsWithIgnoringCase(std::string_view text, std::string_view beginning) {
+    return EqualsIgnoringCase(text.substr(0, beginning.size()), beginning);
+}
+
 int NextCsvField(std::string_view line, int start, std::string& field) {
     field.clear();
     auto at = static_cast<std::size_t>(start);

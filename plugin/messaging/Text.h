@@ -15,6 +15,10 @@ namespace planfold {
 // The format is always one of our own literals, never text from outside.
 [[gnu::format(PLANFOLD_PRINTF, 1, 2)]] std::string Format(const char* format, ...);
 
+// As the system's lists compare: letters of the plain alphabet alike in both cases.
+bool EqualsIgnoringCase(std::string_view text, std::string_view other);
+bool StartsWithIgnoringCase(std::string_view text, std::string_view beginning);
+
 // Cuts one field out of a basket line, starting at `start`: 0, or the position of the "," in front of the
 // field. The field ends at ",", line feed, carriage return or the end of the text. Returns where it ended,
 // or -1 when it ended at a line feed or `start` is no ",".

@@ -19,15 +19,6 @@ constexpr std::size_t kPortion = 100;
 // Portions that bring no answer before the run is given up: some ten seconds.
 constexpr int kMostWaits = 500;
 
-class KeptFailures final : public Notices {
-public:
-    explicit KeptFailures(BookRun& run) : m_run(run) {}
-    void ShowMessage(std::string_view text) override { m_run.AddFailure(text); }
-
-private:
-    BookRun& m_run;
-};
-
 struct Refusal {
     std::string_view status;
     const char* text;
@@ -158,12 +149,12 @@ void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string
     if (m_run) m_view.ShowRun();
 }
 
-void BookActions::ContinueRun() {
+void BookActions::Continue() {
     SendPortion(kPortion);
     if (m_run && m_run->AllTried() && ++m_waits > kMostWaits) EndRun();
 }
 
-void BookActions::StopRun() {
+void BookActions::Stop() {
     if (!m_run) return;
     m_run->Stop();
     // Also when only answers were waited for.
@@ -183,8 +174,7 @@ void BookActions::SendPortion(std::size_t most) {
     m_sending = true;
     const int resets = m_resets;
     for (std::size_t i = 0; i < most && !m_run->AllTried(); ++i) {
-        KeptFailures failures(*m_run);
-        const bool sent = SendOne(m_run->TakeNext(), failures);
+        const bool sent = SendOne(m_run->TakeNext(), m_run->Failures());
         if (!IsStill(resets)) break;
         if (sent) m_run->CountSent();
     }
@@ -219,7 +209,7 @@ bool BookActions::SendOne(RecordId id, Notices& notices) {
 void BookActions::EndRun() {
     const BookRun run = *std::exchange(m_run, std::nullopt);
     m_view.ShowRun();
-    std::string text = run.Failures();
+    std::string text = run.FailureTexts();
     if (run.Stopped() || run.Kind() != RunKind::cancel)
         text.append(text.empty() ? "" : "\n").append(run.Summary());
     if (!text.empty()) m_view.ShowMessage(text);

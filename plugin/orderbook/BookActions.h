@@ -2,6 +2,7 @@
 // with a reason where the status forbids it, asked before where it cannot be undone, and never done twice.
 #pragma once
 
+#include "plugin/controls/LongRun.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderbook/BookRun.h"
@@ -13,7 +14,7 @@
 
 namespace planfold {
 
-class BookActions {
+class BookActions : public LongRun {
 public:
     BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control)
         : m_session(session), m_view(view), m_cache(cache), m_control(control) {}
@@ -28,11 +29,12 @@ public:
     void PauseSelected() { ChangeSelected(PauseOrResume::pause); }
     void ResumeSelected() { ChangeSelected(PauseOrResume::resume); }
 
-    // A long run goes on in portions: the window calls this as long as a run is under way.
-    void ContinueRun();
-    void StopRun();
-    // Null while none is.
-    const BookRun* Run() const { return m_run ? &*m_run : nullptr; }
+    bool IsUnderWay() const override { return m_run.has_value(); }
+    void Continue() override;
+    void Stop() override;
+    std::string Progress() const override { return m_run->Progress(); }
+    std::size_t Done() const override { return m_run->Tried(); }
+    std::size_t Total() const override { return m_run->Total(); }
 
     void HandleCancelled(const Answer& answer);
     void HandlePaused(const Answer& answer) { HandleChanged(answer, RunKind::pause); }

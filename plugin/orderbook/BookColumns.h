@@ -1,15 +1,12 @@
 // The columns of the two books, in order.
 #pragma once
 
+#include "plugin/controls/ListColumn.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <span>
 
 namespace planfold {
-
-// What a column holds, as the filter list counts them.
-enum class ValueType : int { number = 1, text = 3, amount = 9, identifier = 11 };
-enum class Align { left, right };
 
 struct BookColumn {
     const char* heading;

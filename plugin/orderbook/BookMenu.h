@@ -1,6 +1,7 @@
 // The row menus of the two books. The lists add entries of their own behind them.
 #pragma once
 
+#include "plugin/controls/MenuEntry.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <vector>
@@ -16,12 +17,6 @@ inline constexpr int kResumeCommand = 25005;
 // Of several rows; they stand among the list's own entries.
 inline constexpr int kPauseSelectedCommand = 25101;
 inline constexpr int kResumeSelectedCommand = 25102;
-
-struct MenuEntry {
-    const char* text;
-    int command;
-    bool greyed = false;
-};
 
 // `selected` is the first selected row's record; null when no row is selected.
 std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected);

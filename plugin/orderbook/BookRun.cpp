@@ -17,22 +17,7 @@ const Words& WordsOf(RunKind kind) {
     return kWords[static_cast<std::size_t>(kind)];
 }
 
-// A box stays readable.
-constexpr std::size_t kMostLines = 30;
-
 } // namespace
-
-void BookRun::AddFailure(std::string_view text) {
-    if (++m_failed <= kMostLines) m_failures.emplace_back(text);
-}
-
-std::string BookRun::Failures() const {
-    std::string text;
-    for (const std::string& failure : m_failures)
-        text.append(text.empty() ? "" : "\n").append(failure);
-    if (m_failed > kMostLines) text += Format("\n... and %zu more", m_failed - kMostLines);
-    return text;
-}
 
 std::string BookRun::Summary() const {
     std::string text = Format("%s: %zu of %zu requests were sent%s.", WordsOf(m_kind).noun, m_sent,

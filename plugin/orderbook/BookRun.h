@@ -2,10 +2,10 @@
 // can stop, with true numbers of what was sent and what came of it.
 #pragma once
 
+#include "plugin/messaging/KeptTexts.h"
 #include "plugin/orderbook/OrderCache.h"
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace planfold {
@@ -26,13 +26,13 @@ public:
     // The next record; only while not all are tried.
     RecordId TakeNext() { return m_records[m_next++]; }
     void CountSent() { ++m_sent; }
-    void AddFailure(std::string_view text);
+    // Takes the texts of what could not be sent.
+    Notices& Failures() { return m_failures; }
+    std::string FailureTexts() const { return m_failures.Text(); }
     // An answer to one of the sent requests.
     void CountAnswer(bool refused) { ++(refused ? m_refused : m_confirmed); }
     bool AllAnswered() const { return m_confirmed + m_refused >= m_sent; }
 
-    // The texts of what could not be sent, each on its own line; empty when all were.
-    std::string Failures() const;
     // What became of it in numbers.
     std::string Summary() const;
     // While it is under way.
@@ -45,8 +45,7 @@ private:
     std::size_t m_sent = 0;
     std::size_t m_confirmed = 0;
     std::size_t m_refused = 0;
-    std::vector<std::string> m_failures; // the first of them
-    std::size_t m_failed = 0;
+    KeptTexts m_failures;
     bool m_stopped = false;
 };
 

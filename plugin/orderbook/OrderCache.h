@@ -1,6 +1,7 @@
 // Every registration that the book has heard of, by number. Records stay for the life of the book.
 #pragma once
 
+#include "plugin/controls/RecordId.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <algorithm>
@@ -11,10 +12,7 @@
 
 namespace planfold {
 
-// Dense, in the order of arrival.
-using RecordId = std::uint32_t;
-inline constexpr RecordId kNoRecord = UINT32_MAX;
-
+// Records are numbered in the order of arrival.
 class OrderCache {
 public:
     // kNoRecord when the number is unknown. Compared exactly.

@@ -22,7 +22,7 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
     Fix(IDC_ORDER_TYPE, registration.orderType);
     Fix(IDC_PRODUCT, registration.product);
     const bool serverPeriods = m_session.m_nSipOperationMode != 0;
-    if (serverPeriods) ShowServerPeriods();
+    if (serverPeriods) FrequencyList::ShowServerPeriods(m_view);
     m_view.SetText(IDC_PERIOD, serverPeriods ? registration.installments : registration.totalPeriod);
     m_view.Enable(IDC_PERIOD, true);
 
@@ -60,7 +60,7 @@ void OrderEntry::Fix(int combo, std::string_view text) {
 }
 
 void OrderEntry::FillClient(std::string_view client) {
-    if (SearchesClients()) {
+    if (m_form.SearchesClients()) {
         m_view.SetText(IDC_CLIENT_SEARCH, client);
         m_view.Enable(IDC_CLIENT_SEARCH, false);
         m_view.Enable(IDC_CLIENT_SEARCH_MODE, false);

@@ -3,6 +3,7 @@
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Request.h"
 #include "plugin/messaging/Tags.h"
+#include "plugin/resources/resource.h"
 
 namespace planfold {
 
@@ -54,6 +55,35 @@ OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
     result.serverPeriods = true;
     session.m_nSipOperationMode = 1;
     return result;
+}
+
+void FrequencyList::Ask() {
+    m_earlier = m_open;
+    m_listed = false;
+    if (SendGetSipOperationMode(m_session, m_control, m_view)) ++m_open;
+}
+
+bool FrequencyList::OnAnswer(const Answer& answer, bool wanted) {
+    const OperationModeAnswer mode = ReadOperationMode(m_session, answer);
+    if (m_open > 0) --m_open;
+    if (!mode.understood || !wanted) return false;
+    // A window closed and opened again within the server's delay gets the answers of both.
+    if (m_listed && m_earlier > 0) {
+        --m_earlier;
+        return false;
+    }
+    m_listed = true;
+    for (const std::string& frequency : mode.frequencies)
+        m_view.AddItem(IDC_FREQUENCY, frequency);
+    m_view.Select(IDC_FREQUENCY, 0);
+    if (mode.serverPeriods) ShowServerPeriods(m_view);
+    return true;
+}
+
+void FrequencyList::ShowServerPeriods(DialogView& view) {
+    view.SetText(IDC_PERIOD_LABEL, "SIP Periods");
+    for (const int control : {IDC_PERIOD_HINT, IDC_PERIOD_ICON_1, IDC_PERIOD_ICON_2})
+        view.Show(control, false);
 }
 
 } // namespace planfold

@@ -1,6 +1,7 @@
 // Which frequencies the server lets SIPs use, and how many instalments each must have at least.
 #pragma once
 
+#include "plugin/controls/DialogView.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
 #include "sdk/RxControl.h"
@@ -23,5 +24,27 @@ struct OperationModeAnswer {
 
 // Stores the mode and the minimum periods in the session.
 OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer);
+
+// The frequencies that a form offers: asked for at each opening of its window, listed once.
+class FrequencyList {
+public:
+    FrequencyList(Session& session, DialogView& view, RxControl* control)
+        : m_session(session), m_view(view), m_control(control) {}
+
+    void Ask();
+    // Takes the answer in; `wanted` tells whether the form is one that lists frequencies. True when they were
+    // listed.
+    bool OnAnswer(const Answer& answer, bool wanted);
+    // The form's words for periods that the server sets.
+    static void ShowServerPeriods(DialogView& view);
+
+private:
+    Session& m_session;
+    DialogView& m_view;
+    RxControl* m_control;
+    int m_open = 0;    // requests sent and not yet answered
+    int m_earlier = 0; // of those, sent by windows before this one
+    bool m_listed = false;
+};
 
 } // namespace planfold

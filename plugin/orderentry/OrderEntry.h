@@ -6,8 +6,9 @@
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderentry/ModifyOrder.h"
+#include "plugin/orderentry/OperationMode.h"
 #include "plugin/orderentry/PlannedDates.h"
-#include "plugin/orderentry/SipOrder.h"
+#include "plugin/orderentry/SipForm.h"
 #include "sdk/RxControl.h"
 
 #include <deque>
@@ -24,7 +25,8 @@ public:
 
     // `control` may be null: every sending then fails with its own text.
     OrderEntry(Session& session, DialogView& view, RxControl* control)
-        : m_session(session), m_view(view), m_control(control) {}
+        : m_session(session), m_view(view), m_control(control), m_form(session, view),
+          m_frequencies(session, view, control) {}
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
     // is the comma-separated list of the settings file; it counts only for holders of the right.
@@ -35,8 +37,8 @@ public:
     void FillForModify(const SipRegistration& registration);
     bool FilledForModify() const { return m_modifying.has_value(); }
 
-    void OnExchangeChanged();
-    void OnSeriesChanged();
+    void OnExchangeChanged() { m_form.RefreshScrips(ScripLevel::exchange); }
+    void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
     void OnInvestTypeChanged();
 
     // Checks and sends what the form holds. Does nothing while an earlier press is still being worked on:
@@ -58,20 +60,15 @@ private:
         // What was sent, or tried to be.
         std::optional<SipOrderForm> form{};
     };
-    enum class ScripLevel : int { exchange = 0, series = 1 };
 
     // Whether the window of that opening is still there; a host callback may have closed it, or opened another.
     bool StillOpen(int opening) const;
     Outcome CheckAndSend(const LocalDateTime& now);
     SipOrderForm ReadForm() const;
-    bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }
     void PrepareClient();
-    void FillProducts(std::string_view customProducts);
-    void RefreshScrips(ScripLevel changed);
     void HandleOperationMode(const Answer& answer);
     void HandleUserText(const Answer& answer);
     void HandleModified(const Answer& answer);
-    void ShowServerPeriods();
     // Empties the combo but for the text, and locks it.
     void Fix(int combo, std::string_view text);
     void FillClient(std::string_view client);
@@ -81,11 +78,10 @@ private:
     Session& m_session;
     DialogView& m_view;
     RxControl* m_control;
+    SipForm m_form;
+    FrequencyList m_frequencies;
     bool m_submitting = false;
-    int m_openings = 0;            // of the window
-    int m_openModeRequests = 0;    // sent and not yet answered
-    int m_earlierModeRequests = 0; // of those, sent by windows before this one
-    bool m_frequenciesListed = false;
+    int m_openings = 0; // of the window
     // The registration that the form was filled from; its number is empty when the filling stopped half-way.
     std::optional<std::string> m_modifying;
     std::deque<std::string> m_sentModifications; // not yet answered

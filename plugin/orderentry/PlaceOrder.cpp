@@ -5,6 +5,9 @@
 #include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 
+#include <algorithm>
+#include <array>
+
 namespace planfold {
 
 namespace {
@@ -16,12 +19,14 @@ struct AddSipOrder {
     Session& session;
     const sSipOrderData& order;
     std::string_view exchangeShown;
+    const BasketPlace* place = nullptr; // null: an order of its own
     // Copies: a menu pick under the host's question sets the session's anew.
     std::string loginId = session.identity.loginId;
     std::string peerIdA = session.identity.peerIdA;
     std::string peerIdB = session.identity.peerIdB;
     std::optional<std::string> orderId{};
     std::string operationMode{};
+    std::string sequence{};
 };
 
 enum class Outcome { sent, failed };
@@ -71,6 +76,17 @@ Value CautionaryFlag(AddSipOrder& add) {
     }
 }
 
+// A basket asks the host before, once for all its rows.
+Value BasketCautionaryFlag(AddSipOrder& add) {
+    if (add.place->cautionary) return *add.place->cautionary ? "Y" : "N";
+    return std::nullopt;
+}
+
+Value Sequence(AddSipOrder& add) {
+    add.sequence = Format("%ld", static_cast<long>(add.place->serialNumber));
+    return add.sequence;
+}
+
 Value OperationMode(AddSipOrder& add) {
     if (add.session.m_nSipOperationMode == 0) return std::nullopt;
     add.operationMode = Format("%d", add.session.m_nSipOperationMode);
@@ -78,13 +94,24 @@ Value OperationMode(AddSipOrder& add) {
 }
 
 using Order = sSipOrderData;
+using Field = RequestField<AddSipOrder>;
 
-constexpr RequestField<AddSipOrder> kFields[] = {
+template <std::size_t... counts>
+constexpr auto Join(const Field (&... parts)[counts]) {
+    std::array<Field, (counts + ...)> fields{};
+    auto to = fields.begin();
+    ((to = std::ranges::copy(parts, to).out), ...);
+    return fields;
+}
+
+constexpr Field kOrderFields[] = {
     {tag::requestName, [](AddSipOrder&) -> Value { return "add_sip_orders"; },
      "Failed to add the request add_sip_orders"},
     {tag::exchange, Of<&Order::exchangeSegment>, "Failed to add the Exchange segment"},
     {tag::token, Of<&Order::token>, "Failed to add the Token",
-     [](AddSipOrder& add) { LogOutcome(add, Outcome::failed); }},
+     [](AddSipOrder& add) {
+         if (!add.place) LogOutcome(add, Outcome::failed);
+     }},
     {tag::tradingSymbol, Of<&Order::tradingSymbol>, "Failed to add the Scrip Symbol"},
     {tag::side, Of<&Order::side>, "Failed to mention either buy or sell"},
     {tag::orderType, Of<&Order::orderType>, "Failed to mention the order Type"},
@@ -100,20 +127,31 @@ constexpr RequestField<AddSipOrder> kFields[] = {
     {tag::validity, Of<&Order::validity>, "Failed to specify the day"},
     {tag::peerIdA, [](AddSipOrder& add) -> Value { return add.peerIdA; }, "Failed to add Broker Name"},
     {tag::peerIdB, [](AddSipOrder& add) -> Value { return add.peerIdB; }, "Failed to add Branch Name"},
-    {tag::orderId, OrderId, "Failed to add Order ID"},
-    {tag::cautionaryFlag, CautionaryFlag, "Failed to add Cautionary Flag"},
-    {tag::operationMode, OperationMode, "Failed to add Mode"},
-    {tag::orderSource, [](AddSipOrder&) -> Value { return "TWS"; }, "Failed to add Order Source"},
 };
+constexpr Field kOrderId[] = {{tag::orderId, OrderId, "Failed to add Order ID"}};
+constexpr Field kMode[] = {{tag::operationMode, OperationMode, "Failed to add Mode"}};
+constexpr Field kOrderSource[] = {
+    {tag::orderSource, [](AddSipOrder&) -> Value { return "TWS"; }, "Failed to add Order Source"}};
+constexpr Field kCaution[] = {{tag::cautionaryFlag, CautionaryFlag, "Failed to add Cautionary Flag"}};
+constexpr Field kSequence[] = {{tag::echoedNumber, Sequence, "Failed to add sequence"}};
+// The text is the basket's own.
+constexpr Field kBasketCaution[] = {{tag::cautionaryFlag, BasketCautionaryFlag, "Failed to add Order ID"}};
+constexpr Field kLocation[] = {
+    {tag::location, [](AddSipOrder&) -> Value { return "1"; }, "Failed to add Location Id Tag"}};
+
+constexpr auto kFields = Join(kOrderFields, kOrderId, kCaution, kMode, kOrderSource);
+constexpr auto kBasketFields =
+    Join(kOrderFields, kMode, kSequence, kOrderId, kBasketCaution, kOrderSource, kLocation);
 
 constexpr Request<AddSipOrder> kRequest{kFields, "Sending Request add_sip_orders Failed"};
+constexpr Request<AddSipOrder> kBasketRequest{kBasketFields, "Sending Request add_sip_orders Failed"};
 
 } // namespace
 
 bool SendAddSipOrders(Session& session, RxControl* control, Notices& notices, const sSipOrderData& order,
-                      std::string_view exchangeShown) {
-    AddSipOrder add{session, order, exchangeShown};
-    if (!SendRequest(session, control, notices, kRequest, add)) return false;
+                      std::string_view exchangeShown, const BasketPlace* place) {
+    AddSipOrder add{session, order, exchangeShown, place};
+    if (!SendRequest(session, control, notices, place ? kBasketRequest : kRequest, add)) return false;
     LogOutcome(add, Outcome::sent);
     return true;
 }

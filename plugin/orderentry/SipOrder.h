@@ -51,13 +51,22 @@ struct Refusal {
     bool focusValue = false;
 };
 
+// Where the forms that take an order differ.
+struct FormTexts {
+    const char* noToken = nullptr; // null: goes through
+    const char* noClient = nullptr;
+    const char* malformedQuantity = "Enter valid Quantity";
+};
+
 // The typed value in the server's words: "Amount" to whole paise, "Quantity" to shares; any other invest
 // type leaves it as it is. A refused value is left in either form.
-std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value);
+std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value,
+                                   const FormTexts& texts = {});
 
 // Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
 // host's scrip callbacks; `now` is the local time.
 std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
-                                        const LocalDateTime& now, sSipOrderData& record);
+                                        const LocalDateTime& now, sSipOrderData& record,
+                                        const FormTexts& texts = {});
 
 } // namespace planfold

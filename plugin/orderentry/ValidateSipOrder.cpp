@@ -1,4 +1,5 @@
 #include "plugin/messaging/Codes.h"
+#include "plugin/messaging/HostScrips.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderentry/SipOrder.h"
@@ -27,36 +28,15 @@ void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& r
     if (bar != pair.npos) record.token = pair.substr(bar + 1);
 }
 
-std::string TradingSymbol(const Session& session, const std::string& scripKey) {
-    if (!session.host.pu_get_intersted_scrip_field) return {};
-    constexpr int fieldCount = 6;
-    const CString key = session.String(scripKey);
-    CString exchange = session.String(), series = exchange, symbol = exchange;
-    CString token = exchange, tradingSymbol = exchange, company = exchange;
-    session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &series, &symbol, &token,
-                                              &tradingSymbol, &company);
-    return std::string(tradingSymbol.View());
-}
-
-std::string Token(const Session& session, const std::string& exchange, const std::string& tradingSymbol) {
-    if (!session.host.pu_get_scrip_details_from_TradSymbol) return {};
-    const CString exchangeText = session.String(exchange);
-    const CString symbolText = session.String(tradingSymbol);
-    ScripDetails details{};
-    const ScripDetails* found =
-        session.host.pu_get_scrip_details_from_TradSymbol(&exchangeText, &symbolText, &details);
-    return found ? std::string(TextOf(found->token)) : std::string();
-}
-
 void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrderData& record) {
     Convert(kExchangeToServer, form.exchange, record.exchangeSegment);
-    record.tradingSymbol =
-        TradingSymbol(session, record.exchangeSegment + "|" + form.series + "|" + form.symbol);
+    record.tradingSymbol = AskTradingSymbol(session, record.exchangeSegment, form.series, form.symbol);
     session.Log(
         Format("SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
                record.exchangeSegment.c_str(), form.series.c_str(), form.symbol.c_str(),
                record.tradingSymbol.c_str()));
-    record.token = Token(session, form.exchange, record.tradingSymbol);
+    const auto details = AskScripDetails(session, form.exchange, record.tradingSymbol);
+    record.token = details ? TextOf(details->token) : std::string_view();
     session.Log(Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
                        form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str()));
 }
@@ -88,9 +68,9 @@ Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
     return std::nullopt;
 }
 
-Verdict QuantityToWire(std::string& value) {
+Verdict QuantityToWire(std::string& value, const char* malformed) {
     if (value.empty()) return Refusal{"Enter Quantity"};
-    if (value == "." || value == "0") return Refusal{"Enter valid Quantity"};
+    if (value == "." || value == "0") return Refusal{malformed};
     const std::int64_t shares = LeadingInteger(value);
     if (shares == 0) return Refusal{"Quantity cannot be zero", true};
     if (shares > INT_MAX || LeadingReal(value) > INT_MAX)
@@ -119,18 +99,21 @@ Verdict AmountToWire(std::string& value) {
 
 } // namespace
 
-std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value) {
-    if (investType == "Quantity") return QuantityToWire(value);
+std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value, const FormTexts& texts) {
+    if (investType == "Quantity") return QuantityToWire(value, texts.malformedQuantity);
     if (investType == "Amount") return AmountToWire(value);
     return std::nullopt;
 }
 
 std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
-                                        const LocalDateTime& now, sSipOrderData& record) {
+                                        const LocalDateTime& now, sSipOrderData& record,
+                                        const FormTexts& texts) {
     if (session.host.pu_get_trading_symbol_n_token)
         ScripFromDialog(session, dialog, record);
     else
         ScripFromMaster(session, form, record);
+    if (texts.noToken && record.token.empty()) return Refusal{texts.noToken};
+    if (texts.noClient && form.client.empty()) return Refusal{texts.noClient};
     Convert(kPlanToServer, form.action, record.side);
     Convert(kPlanToSideLabel, form.action, record.sideLabel);
     Convert(kOrderTypeToServer, form.orderType, record.orderType);
@@ -148,7 +131,7 @@ std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialo
 
     Convert(kInvestTypeToServer, form.investType, record.investType);
     record.amountOrQuantity = form.value;
-    return ValueToWire(form.investType, record.amountOrQuantity);
+    return ValueToWire(form.investType, record.amountOrQuantity, texts);
 }
 
 } // namespace planfold

@@ -231,22 +231,22 @@ TEST_F(BookActionsTest, ALongCancellationGoesInPortionsAndStopsWithTrueNumbers) 
     actions.Cancel();
     const std::size_t first = host.requests.size();
     EXPECT_LT(first, 1000u);
-    ASSERT_NE(actions.Run(), nullptr);
+    ASSERT_TRUE(actions.IsUnderWay());
     actions.Cancel(); // nothing begins meanwhile
     actions.Pause();
     EXPECT_EQ(host.requests.size(), first);
-    actions.ContinueRun();
+    actions.Continue();
     const std::size_t sent = host.requests.size();
     EXPECT_GT(sent, first);
-    actions.StopRun();
-    actions.ContinueRun();
+    actions.Stop();
+    actions.Continue();
     EXPECT_EQ(host.requests.size(), sent);
     EXPECT_EQ(Taken(view.boxes),
               Texts{"Cancel: " + std::to_string(sent) + " of 1000 requests were sent, then it was stopped."});
     host.requests.clear();
     actions.Cancel();
-    while (actions.Run())
-        actions.ContinueRun();
+    while (actions.IsUnderWay())
+        actions.Continue();
     EXPECT_EQ(std::set(host.requests.begin(), host.requests.end()).size(), 1000u) << "each once";
     EXPECT_EQ(host.requests.size(), 1000u);
     EXPECT_EQ(view.boxes, Texts{});
@@ -273,8 +273,8 @@ TEST_F(BookActionsTest, SeveralRowsArePausedAfterOneQuestionAndSummedUpOnce) {
     // A silent server is not waited for for ever.
     Select({"SIP3"});
     actions.ResumeSelected();
-    for (int i = 0; i < 1000 && actions.Run(); ++i)
-        actions.ContinueRun();
+    for (int i = 0; i < 1000 && actions.IsUnderWay(); ++i)
+        actions.Continue();
     EXPECT_EQ(Taken(view.boxes), Texts{"Resume: 1 of 1 requests were sent."});
 }
 

@@ -27,7 +27,7 @@ constexpr VerbRule kRules[] = {
     {Verb::header, "header", "nn", "click the heading of this column of the list"},
     {Verb::tab, "tab", "nt", "go to the page with this text"},
     {Verb::context, "context", "nt", "pick this entry of the list's context menu"},
-    {Verb::file, "file", "t", "give this path to the open file dialog"},
+    {Verb::file, "file", "t", "give this path to the open file dialog; a relative one is beside the program"},
     {Verb::box, "box", "ta", "wait for the message box with exactly this text and answer it"},
     {Verb::boxStarting, "box starting", "ta", "the same for a text that only begins so"},
     {Verb::answer, "answer", "a", "answer the message box that \"expect box\" found"},

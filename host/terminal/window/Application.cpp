@@ -19,13 +19,6 @@ constexpr const char* kBusyText = "Finish the open box or dialog first.";
 // The exports have no argument that could carry it.
 Application* g_application = nullptr;
 
-std::string ProgramFolder() {
-    char path[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, path, sizeof path);
-    const std::string program(path);
-    return program.substr(0, program.find_last_of('\\'));
-}
-
 StartOptions WithDefaults(StartOptions options) {
     const auto settle = [](std::string& path, const std::string& usual) {
         if (path.empty()) path = usual;
@@ -62,6 +55,13 @@ SampleMarket SampleMarketOf(const TerminalState& state) {
 }
 
 } // namespace
+
+std::string ProgramFolder() {
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, path, sizeof path);
+    const std::string program(path);
+    return program.substr(0, program.find_last_of('\\'));
+}
 
 Application* RunningApplication() {
     return g_application;

@@ -19,6 +19,9 @@
 
 namespace vesk {
 
+// Where the terminal itself stands.
+std::string ProgramFolder();
+
 class Application {
 public:
     explicit Application(StartOptions options);

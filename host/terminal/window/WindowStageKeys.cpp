@@ -139,6 +139,11 @@ StepResult WindowStage::ExpectContext(const ScriptCommand& command, std::size_t 
     return StepResult::Again("the context menu stays open");
 }
 
+// The dialog would take it as beside the file that was opened last.
+std::string BesideProgram(const std::string& path) {
+    return path.find(':') == path.npos ? ProgramFolder() + '\\' + path : path;
+}
+
 // The system's file dialogs keep their edit under one of these identifiers, by version.
 StepResult WindowStage::GiveFile(const ScriptCommand& command, std::size_t attempt) {
     if (attempt == 0) m_fileDialog = nullptr;
@@ -151,7 +156,7 @@ StepResult WindowStage::GiveFile(const ScriptCommand& command, std::size_t attem
     for (const int id : {0x47C, 0x480}) {
         const framework::Window edit(FindControl(dialog, id));
         if (!edit) continue;
-        edit.SetText(command.words[0]);
+        edit.SetText(BesideProgram(command.words[0]));
         PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
                      reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
         m_fileDialog = dialog;

@@ -2,8 +2,6 @@
 
 namespace planfold {
 
-namespace {
-
 SYSTEMTIME ToSystemTime(const LocalDateTime& local) {
     SYSTEMTIME time{};
     time.wYear = static_cast<WORD>(local.year);
@@ -15,8 +13,6 @@ SYSTEMTIME ToSystemTime(const LocalDateTime& local) {
     return time;
 }
 
-} // namespace
-
 LocalDateTime FromSystemTime(const SYSTEMTIME& time) {
     return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
 }
@@ -27,19 +23,10 @@ LocalDateTime LocalNow() {
     return FromSystemTime(now);
 }
 
-bool DialogWindow::SelectText(int combo, std::string_view text) {
-    const auto control = Item<framework::ComboBox>(combo);
-    const int index = control.Find(std::string(text));
-    if (index >= 0) control.Select(index);
+bool SelectEntry(framework::ComboBox combo, std::string_view text) {
+    const int index = combo.Find(std::string(text));
+    if (index >= 0) combo.Select(index);
     return index >= 0;
-}
-
-LocalDateTime DialogWindow::Date(int picker) const {
-    return FromSystemTime(Item<framework::DatePicker>(picker).Time());
-}
-
-void DialogWindow::SetDate(int picker, const LocalDateTime& date) {
-    Item<framework::DatePicker>(picker).SetTime(ToSystemTime(date));
 }
 
 } // namespace planfold

@@ -9,11 +9,16 @@
 namespace planfold {
 
 LocalDateTime FromSystemTime(const SYSTEMTIME& time);
+SYSTEMTIME ToSystemTime(const LocalDateTime& local);
 LocalDateTime LocalNow();
+// The entry that equals the text, ignoring case. False, and nothing changed, when there is none.
+bool SelectEntry(framework::ComboBox combo, std::string_view text);
 
-class DialogWindow : public framework::Dialog, public DialogView {
+// `View` is DialogView or what a window adds to it.
+template <class View>
+class DialogWindowOf : public framework::Dialog, public View {
 public:
-    DialogWindow(HINSTANCE module, int resource, framework::MessageBoxes& boxes)
+    DialogWindowOf(HINSTANCE module, int resource, framework::MessageBoxes& boxes)
         : Dialog(module, resource), m_boxes(boxes) {}
 
     void ShowMessage(std::string_view text) override { m_boxes.Show(Dialog::Handle(), text); }
@@ -38,13 +43,24 @@ public:
         Item<framework::ComboBox>(combo).Add(std::string(text));
     }
     void Select(int combo, int index) override { Item<framework::ComboBox>(combo).Select(index); }
-    bool SelectText(int combo, std::string_view text) override;
+    bool SelectText(int combo, std::string_view text) override {
+        return SelectEntry(Item<framework::ComboBox>(combo), text);
+    }
 
-    LocalDateTime Date(int picker) const override;
-    void SetDate(int picker, const LocalDateTime& date) override;
+    LocalDateTime Date(int picker) const override {
+        return FromSystemTime(Item<framework::DatePicker>(picker).Time());
+    }
+    void SetDate(int picker, const LocalDateTime& date) override {
+        Item<framework::DatePicker>(picker).SetTime(ToSystemTime(date));
+    }
+
+protected:
+    framework::MessageBoxes& Boxes() { return m_boxes; }
 
 private:
     framework::MessageBoxes& m_boxes;
 };
+
+using DialogWindow = DialogWindowOf<DialogView>;
 
 } // namespace planfold

@@ -7,28 +7,13 @@
 namespace planfold {
 
 bool BookListWindow::Attach(HWND list) {
-    std::vector<KorvexColumn> columns;
-    for (const BookColumn& column : m_args.columns)
-        columns.push_back({column.heading, column.width, column.align == Align::right,
-                           static_cast<std::int32_t>(column.type)});
+    const auto columns = ListColumns(m_args.columns);
     return m_list.Attach({list, m_args.name, this, columns.data(), static_cast<std::int32_t>(columns.size()),
                           m_args.firstCommand});
 }
 
 void BookListWindow::FilterBy(int column, std::string_view text) {
     m_list.SetOwnerFilter(column, text.empty() ? nullptr : std::string(text).c_str());
-}
-
-std::vector<RecordId> BookListWindow::Selected() const {
-    std::vector<RecordId> records(m_list.SelectedCount());
-    records.resize(m_list.Selected(records.data(), static_cast<std::uint32_t>(records.size())));
-    return records;
-}
-
-RecordId BookListWindow::FirstSelected() const {
-    RecordId first = kNoRecord;
-    m_list.Selected(&first, 1);
-    return first;
 }
 
 void BookListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

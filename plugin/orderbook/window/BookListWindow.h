@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/korvexcontrols/FilterListCtrl.h"
+#include "plugin/controls/window/FilterList.h"
 #include "plugin/orderbook/BookColumns.h"
 #include "plugin/orderbook/BookView.h"
 
@@ -34,8 +35,8 @@ public:
     void Remove(RecordId record) override { m_list.Remove(record); }
     void RemoveAll() override { m_list.RemoveAll(); }
     void FilterBy(int column, std::string_view text) override;
-    std::vector<RecordId> Selected() const override;
-    RecordId FirstSelected() const override;
+    std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
+    RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
     bool IsSelected(RecordId record) const override { return m_list.IsSelected(record); }
     void Deselect(RecordId record) override { m_list.Deselect(record); }
 

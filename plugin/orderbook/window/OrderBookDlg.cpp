@@ -6,8 +6,6 @@
 #include "plugin/orderbook/BookMenu.h"
 #include "plugin/resources/resource.h"
 
-#include <windowsx.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -27,16 +25,6 @@ struct Page {
 constexpr Page kPages[] = {{"Registered Orders", IDC_REGISTERED_LIST},
                            {"Cancelled Orders", IDC_CANCELLED_LIST}};
 
-void AppendEntries(HMENU menu, const std::vector<MenuEntry>& entries) {
-    for (const MenuEntry& entry : entries)
-        AppendMenuA(menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u), static_cast<UINT_PTR>(entry.command),
-                    entry.text);
-}
-
-void AppendSeparator(HMENU menu) {
-    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
-}
-
 struct CommandRow {
     int command;
     void (BookActions::*act)();
@@ -50,21 +38,6 @@ constexpr CommandRow kCommands[] = {
     {kResumeSelectedCommand, &BookActions::ResumeSelected},
 };
 
-// Below the focused row when the menu is asked for by key.
-POINT MenuPlace(HWND list, LPARAM position) {
-    POINT at{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
-    if (at.x != -1 || at.y != -1) return at;
-    const int focused =
-        static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
-    RECT row{LVIR_LABEL, 0, 0, 0};
-    if (focused < 0
-        || !SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(focused), reinterpret_cast<LPARAM>(&row)))
-        row = {};
-    at = {row.left, row.bottom};
-    ClientToScreen(list, &at);
-    return at;
-}
-
 } // namespace
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
@@ -74,7 +47,8 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
                   [this] { ShowCounts(); }),
-      m_reason(module, session), m_progress(module, session, m_book.Actions()), m_modify(std::move(modify)) {}
+      m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
+      m_modify(std::move(modify)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -163,14 +137,13 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     case WM_DESTROY:
         m_boxes.Close(Handle());
-        // Its loop would wait for a choice that nobody gets.
-        if (m_menuOpen) EndMenu();
+        m_menu.Close();
         return std::nullopt;
     case WM_CONTEXTMENU: {
         const HWND list = reinterpret_cast<HWND>(wParam);
         if (list != m_registered.Control().Handle() && list != m_cancelled.Control().Handle())
             return std::nullopt;
-        OpenMenu(list, MenuPlace(list, lParam));
+        OpenMenu(list, RowMenuPlace(list, lParam));
         return 0;
     }
     case kCommandTextMessage:
@@ -187,17 +160,12 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     const bool cancelled = list == m_cancelled.Control().Handle();
     CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
     const RecordId first = m_registered.FirstSelected();
-    const framework::Menu menu(CreatePopupMenu());
-    AppendEntries(menu.Get(), cancelled
-                                  ? CancelledMenu()
-                                  : RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]));
-    AppendSeparator(menu.Get());
-    if (!cancelled) AppendEntries(menu.Get(), SeveralRowsMenu(control.SelectedCount()));
-    control.AppendMenuEntries(menu.Get());
-    AppendSeparator(menu.Get());
-    m_menuOpen = true;
-    TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON, at.x, at.y, 0, Handle(), nullptr);
-    m_menuOpen = false;
+    if (cancelled)
+        m_menu.Open(Handle(), at, control, CancelledMenu());
+    else
+        m_menu.Open(Handle(), at, control,
+                    RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
+                    SeveralRowsMenu(control.SelectedCount()));
 }
 
 bool COrderBookDlg::OnCommand(const framework::Command& command) {

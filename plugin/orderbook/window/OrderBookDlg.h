@@ -4,10 +4,11 @@
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
 #include "host/korvexcontrols/QVBrickBar.h"
+#include "plugin/controls/window/RowMenu.h"
+#include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "plugin/orderbook/window/BookListWindow.h"
 #include "plugin/orderbook/window/RejectReasonDlg.h"
-#include "plugin/orderbook/window/RunProgressDlg.h"
 
 #include <functional>
 
@@ -65,10 +66,10 @@ private:
     CQVBrickBar m_statusBar;
     CRejectReasonDlg m_reason;
     CRunProgressDlg m_progress;
+    RowMenu m_menu;
     Modify m_modify;
     framework::Font m_font;
     bool m_open = false;
-    bool m_menuOpen = false;
 };
 
 } // namespace planfold

@@ -13,6 +13,7 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes)
     : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
+      m_basket(module, m_session, boxes),
       m_orderBook(module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
@@ -23,6 +24,7 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
 void CPlanfoldControlBlock::ShutDown() {
     m_session.End();
     m_orderBook.ShutDown();
+    m_basket.ShutDown();
     m_orderEntry.ShutDown();
     m_keyboard.reset();
 }
@@ -30,6 +32,11 @@ void CPlanfoldControlBlock::ShutDown() {
 void CPlanfoldControlBlock::OpenOrderEntry() {
     if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
     if (!m_session.Ended()) m_orderEntry.Open();
+}
+
+void CPlanfoldControlBlock::OpenBasket() {
+    if (!m_basket.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+    if (!m_session.Ended()) m_basket.Open();
 }
 
 void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
@@ -86,8 +93,11 @@ void CPlanfoldControlBlock::FindSettingsPaths() {
 void CPlanfoldControlBlock::ApplyFontPreference(void* third, void* fourth) {
     if (!m_session.host.pu_get_FontVariation) return;
     m_session.host.pu_get_FontVariation(&m_nFontVariation, &m_nFontSize, third, fourth);
-    m_orderEntry.SetFontSize(
-        PreferredPointSize(m_orderEntry.TemplateFontSize(), m_nFontSize, m_nFontVariation));
+    const auto apply = [&](framework::Dialog& dialog) {
+        dialog.SetFontSize(PreferredPointSize(dialog.TemplateFontSize(), m_nFontSize, m_nFontVariation));
+    };
+    apply(m_orderEntry);
+    apply(m_basket);
 }
 
 } // namespace planfold

@@ -3,6 +3,7 @@
 
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
+#include "plugin/basket/window/BasketUpload.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
@@ -33,6 +34,7 @@ public:
     void ApplyFontPreference(void* third, void* fourth);
 
     void OpenOrderEntry();
+    void OpenBasket();
     void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
     void OpenForModify(const sOrderinfo& record);
     // An empty client removes the filter of the book's lists.
@@ -43,8 +45,10 @@ private:
 
     Session m_session;
     std::optional<framework::KeyboardHook> m_keyboard{std::in_place};
+    // The windows take their controls in this order.
     COrderEntryDlg m_orderEntry;
-    COrderBookDlgBar m_orderBook; // last: the windows take their controls in this order
+    CBasketUpload m_basket;
+    COrderBookDlgBar m_orderBook;
     std::string m_strUserDirectory;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's

@@ -91,6 +91,7 @@ struct MenuRow {
 };
 constexpr MenuRow kMenu[] = {
     {kOrderEntryMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenOrderEntry(); }},
+    {kBasketMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenBasket(); }},
     {kBookMenu, [](CPlanfoldControlBlock& block, HWND mainFrame) { block.OpenOrderBook(mainFrame); }},
 };
 

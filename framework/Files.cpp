@@ -1,18 +1,19 @@
-#include "host/korvexcontrols/ListFile.h"
+#include "framework/Files.h"
 
 #include "framework/Handle.h"
 
 #include <commdlg.h>
 
+#include <algorithm>
 #include <cstring>
 
-namespace korvex {
+namespace framework {
 namespace {
 
 void CloseFile(HANDLE file) {
     CloseHandle(file);
 }
-using File = framework::UniqueHandle<HANDLE, CloseFile>;
+using File = UniqueHandle<HANDLE, CloseFile>;
 
 std::string SystemText(DWORD error) {
     char text[512];
@@ -35,6 +36,25 @@ bool WriteAll(HANDLE file, const std::string& text) {
     return FlushFileBuffers(file) != 0;
 }
 
+std::optional<std::string> Ask(decltype(GetOpenFileNameA)* dialog, HWND owner, const FileQuestion& question,
+                               const std::string& proposed, DWORD flags) {
+    char path[MAX_PATH] = "";
+    lstrcpynA(path, proposed.c_str(), MAX_PATH);
+    std::string filter(question.filter);
+    std::ranges::replace(filter, '|', '\0');
+    OPENFILENAMEA ask{};
+    ask.lStructSize = sizeof ask;
+    ask.hwndOwner = owner;
+    ask.lpstrFilter = filter.c_str();
+    ask.lpstrFile = path;
+    ask.nMaxFile = MAX_PATH;
+    ask.lpstrTitle = question.title;
+    ask.lpstrDefExt = question.defaultExtension;
+    ask.Flags = flags | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (!dialog(&ask)) return std::nullopt;
+    return path;
+}
+
 } // namespace
 
 void PutOnClipboard(HWND owner, const std::string& text) {
@@ -51,20 +71,39 @@ void PutOnClipboard(HWND owner, const std::string& text) {
     CloseClipboard();
 }
 
-std::optional<std::string> AskForCsvName(HWND owner, const std::string& proposed) {
-    char path[MAX_PATH] = "";
-    lstrcpynA(path, proposed.c_str(), MAX_PATH);
-    OPENFILENAMEA ask{};
-    ask.lStructSize = sizeof ask;
-    ask.hwndOwner = owner;
-    ask.lpstrFilter = "Comma-separated values (*.csv)\0*.csv\0All files\0*.*\0";
-    ask.lpstrFile = path;
-    ask.nMaxFile = MAX_PATH;
-    ask.lpstrTitle = "Export";
-    ask.lpstrDefExt = "csv";
-    ask.Flags = OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (!GetSaveFileNameA(&ask)) return std::nullopt;
-    return path;
+std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& question) {
+    return Ask(GetOpenFileNameA, owner, question, {}, OFN_FILEMUSTEXIST);
+}
+
+std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
+                                             const std::string& proposed) {
+    return Ask(GetSaveFileNameA, owner, question, proposed, OFN_OVERWRITEPROMPT);
+}
+
+std::optional<std::string> ReadWhole(const std::string& path) {
+    constexpr DWORD piece = 1 << 24;
+    const HANDLE opened = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+    const File file(opened);
+    std::string text;
+    for (DWORD read = piece; read > 0;) {
+        const std::size_t at = text.size();
+        text.resize(at + piece);
+        if (!ReadFile(file.Get(), text.data() + at, piece, &read, nullptr)) return std::nullopt;
+        text.resize(at + read);
+    }
+    return text;
+}
+
+std::string WithLineEnds(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + text.size() / 64);
+    for (const char c : text) {
+        if (c == '\n') result += '\r';
+        result += c;
+    }
+    return result;
 }
 
 std::string WriteWhole(const std::string& path, const std::string& text) {
@@ -88,4 +127,4 @@ std::string WriteWhole(const std::string& path, const std::string& text) {
     return {};
 }
 
-} // namespace korvex
+} // namespace framework

@@ -1,28 +1,33 @@
-// How far a run over many rows has come, with a button to stop it.
+// How far a long run has come, with a button to stop it.
 #pragma once
 
 #include "framework/Dialog.h"
-#include "plugin/orderbook/BookActions.h"
+#include "plugin/controls/LongRun.h"
+#include "plugin/messaging/Session.h"
 
 namespace planfold {
 
 class CRunProgressDlg final : public framework::Dialog {
 public:
-    CRunProgressDlg(HINSTANCE module, const Session& session, BookActions& actions);
+    // What the user may do in the owner meanwhile.
+    enum class Owner { enabled, disabled };
+
+    CRunProgressDlg(HINSTANCE module, const Session& session, LongRun& run, Owner owner);
     ~CRunProgressDlg() override { Destroy(); }
 
-    // Opens while a run is under way, and closes after it.
+    // Opens while the run is under way, and closes after it.
     void Follow(HWND owner);
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void OnInit() override;
-    void OnClose() override { m_actions.StopRun(); }
+    void OnClose() override { m_run.Stop(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Show();
 
     const Session& m_session;
-    BookActions& m_actions;
+    LongRun& m_run;
+    Owner m_owner;
 };
 
 } // namespace planfold

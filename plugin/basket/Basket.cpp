@@ -1,0 +1,339 @@
+#include "plugin/basket/Basket.h"
+
+#include "plugin/basket/BasketFile.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/resources/resource.h"
+
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr std::string_view kAdd = "Add";
+constexpr std::string_view kModify = "&Modify";
+
+std::string InRupees(std::int64_t paise) {
+    return Format("%lld.%02lld", static_cast<long long>(paise / 100), static_cast<long long>(paise % 100));
+}
+
+std::string SideText(const char* side, const BasketTotals& totals) {
+    return Format("%s: amount %s, quantity %lld", side, InRupees(totals.amountPaise).c_str(),
+                  static_cast<long long>(totals.quantity));
+}
+
+} // namespace
+
+const AnswerHandler<Basket> Basket::kAnswers[] = {
+    {"get_sip_operation_mode", &Basket::HandleOperationMode, OnError::handle},
+    {"add_sip_orders", &Basket::HandlePlaced},
+};
+
+void Basket::Initialise(const LocalDateTime& now, std::string_view customProducts) {
+    const int closings = m_closings;
+    m_form.Fill(now, customProducts);
+    if (!IsStill(closings)) return;
+    LeaveModifyMode();
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable);
+    m_view.ShowStatus();
+    m_view.ShowRejected();
+    RegisterDeleteKey();
+    if (IsStill(closings)) m_form.AskFrequencies();
+}
+
+void Basket::RegisterDeleteKey() {
+    const auto add = Find<sdk::fn::register_hotkey>(m_session.lookup, "register_hotkey");
+    m_hostOwnsDeleteKey = add && Find<sdk::fn::pu_InvokeDialog>(m_session.lookup, "pu_InvokeDialog");
+    if (!m_hostOwnsDeleteKey) return;
+    const CString group = m_session.String(kName);
+    const CString text = m_session.String("Delete");
+    const CString description = m_session.String("Basket Delete");
+    const CString key = m_session.String("del");
+    add(m_view.Handle(), &group, kDeleteHotKey, &text, &description, &key);
+}
+
+void Basket::OnClosed() {
+    ++m_closings;
+    m_partlyPlaced |= m_placing && m_placing->SentCount() > 0;
+    m_loading.reset();
+    m_placing.reset();
+    m_placeable = m_view.List().RowCount() > 0;
+}
+
+bool Basket::IsModifying() const {
+    return m_view.Text(IDC_SUBMIT) == kModify;
+}
+
+void Basket::LeaveModifyMode() {
+    m_view.SetText(IDC_SUBMIT, kAdd);
+}
+
+void Basket::AddOrModify(const LocalDateTime& now) {
+    if (IsBusy()) return;
+    const int closings = m_closings;
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    FormOrder order;
+    const auto refusal = m_form.Read(now, order);
+    if (!IsStill(closings) || IsBusy()) return;
+    if (refusal) {
+        if (refusal->focusValue) m_view.Focus(order.data.investType == "qty" ? IDC_BASKET_QUANTITY : IDC_VALUE);
+        return m_view.ShowMessage(refusal->text);
+    }
+    if (!IsModifying()) {
+        m_view.List().InsertFront(m_rows.Add(order.Texts()));
+        return m_view.ShowStatus();
+    }
+    const RecordId selected = m_view.List().FirstSelected();
+    LeaveModifyMode();
+    m_form.ClearAfterModify();
+    if (selected == kNoRecord) return m_view.ShowMessage("Order Not Found");
+    m_rows.Replace(selected, order.Texts());
+    m_view.List().Repaint(selected);
+    m_view.ShowStatus();
+}
+
+void Basket::Activate(RecordId record) {
+    if (IsBusy() || record == kNoRecord) return;
+    const int closings = m_closings;
+    // A copy: while the form fills the host may let an answer in, which changes the row.
+    const sBasketOrderData row(m_rows[record].Texts(), 0);
+    int notShown = m_form.Show(row.Texts());
+    if (!IsStill(closings)) return;
+    if (notShown == 0) m_view.SetText(IDC_SUBMIT, kModify);
+    for (; notShown > 0 && IsStill(closings); --notShown)
+        m_view.ShowMessage("Failed to Load");
+}
+
+void Basket::ActivateRejected(std::size_t index) {
+    if (IsBusy() || index >= m_rejected.size()) return;
+    const std::string line = m_rejected[index].text;
+    BasketTexts columns;
+    if (!SplitBasketLine(line, columns))
+        return m_view.ShowMessage("The line does not have the columns of a basket file.");
+    const int closings = m_closings;
+    m_form.Show(columns);
+    if (IsStill(closings)) LeaveModifyMode();
+}
+
+void Basket::Delete() {
+    if (IsBusy()) return;
+    const std::vector<RecordId> selected = m_view.List().Selected();
+    if (selected.empty()) return;
+    m_view.List().RemoveSelected();
+    for (const RecordId record : selected)
+        m_rows.Remove(record);
+    m_view.ShowStatus();
+}
+
+bool Basket::Ask(const std::string& question) {
+    const int closings = m_closings;
+    m_asking = true;
+    const bool yes = m_view.Ask(question);
+    m_asking = false;
+    return yes && IsStill(closings);
+}
+
+void Basket::Load(const LocalDateTime& now) {
+    if (IsBusy()) return;
+    const int closings = m_closings;
+    m_asking = true;
+    const auto path = m_view.AskLoadPath();
+    m_asking = false;
+    if (!path || !IsStill(closings)) return;
+    auto text = m_view.ReadFile(*path);
+    if (!text) return m_view.ShowMessage("File Open Error");
+    BasketList& list = m_view.List();
+    list.RemoveAll();
+    m_rows.Clear();
+    m_rejected.clear();
+    m_partlyPlaced = false;
+    m_titleBefore = m_view.Title();
+    m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
+    m_view.ShowRejected();
+    m_loading = std::make_shared<BasketLoading>(m_session, std::move(*text), m_form.Rules(now),
+                                                BasketLoading::Target{m_rows, list, m_rejected});
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+void Basket::EndLoading() {
+    const auto loading = std::exchange(m_loading, nullptr);
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    m_view.SetTitle(m_titleBefore);
+    m_view.ShowRun();
+    m_view.ShowStatus();
+    m_view.ShowRejected();
+    const int closings = m_closings;
+    std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
+    if (loading->Stopped())
+        texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
+                          loading->LinesRead(), loading->RowsLoaded());
+    for (const std::string& text : texts)
+        if (!text.empty() && IsStill(closings)) m_view.ShowMessage(text);
+}
+
+void Basket::Export() {
+    if (IsBusy()) return;
+    if (m_view.List().RowCount() == 0) return m_view.ShowMessage("No items in the list");
+    const int closings = m_closings;
+    m_asking = true;
+    const auto path = m_view.AskExportPath();
+    m_asking = false;
+    if (!path || !IsStill(closings)) return;
+    std::string text;
+    const BasketList& list = m_view.List();
+    for (std::size_t row = 0; row < list.RowCount(); ++row)
+        AppendBasketLine(m_rows[list.RecordAt(row)], text);
+    if (m_view.ReplaceFile(*path, text))
+        m_view.ShowMessage("Exported to File Successfully");
+    else
+        m_view.ShowMessage(" Basket File Write Error: File Open Error");
+}
+
+void Basket::SaveRejected() {
+    if (IsBusy() || m_rejected.empty()) return;
+    const int closings = m_closings;
+    m_asking = true;
+    const auto path = m_view.AskRejectsPath();
+    m_asking = false;
+    if (!path || !IsStill(closings)) return;
+    std::string text;
+    for (const RejectedLine& line : m_rejected)
+        text.append(line.text).push_back('\n');
+    if (!m_view.ReplaceFile(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
+}
+
+void Basket::Place() {
+    if (IsBusy()) return;
+    const BasketList& list = m_view.List();
+    if (list.RowCount() == 0) return m_view.ShowMessage("Please Select an Order");
+    if (!m_placeable) return;
+    if (m_partlyPlaced && m_rows.SentCount() > 0
+        && !Ask(Format("%zu of the %zu orders have already been sent. Place all of them, and so these again?",
+                       m_rows.SentCount(), list.RowCount())))
+        return;
+    if (!Ask("Are you sure to place these Basket Orders?")) return;
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
+    std::vector<RecordId> records;
+    for (std::size_t row = 0; row < list.RowCount(); ++row)
+        records.push_back(list.RecordAt(row));
+    const int closings = m_closings;
+    // Its first call to the host is made before it stands.
+    m_asking = true;
+    auto placing = std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(records));
+    m_asking = false;
+    if (!IsStill(closings)) return;
+    m_placing = std::move(placing);
+    m_partlyPlaced = false;
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+void Basket::EndPlacing() {
+    const auto placing = std::exchange(m_placing, nullptr);
+    m_view.ShowRun();
+    m_view.ShowStatus();
+    const int closings = m_closings;
+    if (const std::string failures = placing->FailureTexts(); !failures.empty()) m_view.ShowMessage(failures);
+    if (!IsStill(closings)) return;
+    if (placing->Stopped())
+        OfferToRemove(*placing);
+    else
+        m_view.ShowMessage("Order Placed..!!");
+}
+
+void Basket::OfferToRemove(const BasketPlacing& placing) {
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    const std::size_t sent = placing.SentCount();
+    m_partlyPlaced = sent > 0;
+    if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
+    if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
+                    sent, placing.Total(), sent)))
+        return;
+    BasketList& list = m_view.List();
+    list.BeginChanges();
+    for (const RecordId record : placing.Sent()) {
+        list.Remove(record);
+        m_rows.Remove(record);
+    }
+    list.EndChanges();
+    m_partlyPlaced = false;
+    m_view.ShowStatus();
+}
+
+void Basket::RunFor(std::int64_t milliseconds) {
+    if (m_inPortion || !IsUnderWay()) return;
+    m_inPortion = true;
+    const int closings = m_closings;
+    const std::int64_t end = m_view.Milliseconds() + milliseconds;
+    const auto loading = m_loading;
+    const auto placing = m_placing;
+    BasketList& list = m_view.List();
+    bool more = true;
+    if (loading) {
+        m_view.ShowWaiting(true);
+        list.BeginChanges();
+    }
+    while (more && m_view.Milliseconds() < end)
+        more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
+    if (loading) {
+        list.EndChanges();
+        m_view.ShowWaiting(false);
+    }
+    m_inPortion = false;
+    if (more || !IsStill(closings)) return;
+    if (loading)
+        EndLoading();
+    else
+        EndPlacing();
+}
+
+void Basket::Stop() {
+    if (m_loading) m_loading->Stop();
+    if (m_placing) m_placing->Stop();
+    RunFor(1);
+}
+
+std::string Basket::Progress() const {
+    if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
+    return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
+                  m_placing->Total());
+}
+
+std::size_t Basket::Done() const {
+    return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
+}
+
+std::size_t Basket::Total() const {
+    return m_loading ? m_loading->Characters() : m_placing->Total();
+}
+
+std::vector<std::string> Basket::Status() const {
+    const BasketList& list = m_view.List();
+    const std::size_t rows = list.RowCount();
+    const std::size_t hidden = rows - list.ShownCount();
+    std::string counts = Format("Rows: %zu", rows);
+    if (hidden) counts += Format(" (%zu hidden)", hidden);
+    std::string marks;
+    if (m_rows.StandingTwice()) marks = Format("Twice: %zu", m_rows.StandingTwice());
+    if (m_rows.SentCount()) marks += Format("%sSent: %zu", marks.empty() ? "" : "  ", m_rows.SentCount());
+    return {std::move(counts), SideText("SIP", m_rows.Buy()), SideText("SWP", m_rows.Sell()), std::move(marks)};
+}
+
+void Basket::OnResponse(void* message) {
+    if (m_session.Ended()) return;
+    Dispatch<Basket>(*this, m_session, kAnswers, Answer(message));
+}
+
+void Basket::HandlePlaced(const Answer& answer) {
+    std::int64_t number = 0;
+    int status = kFieldRead;
+    if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
+    const RecordId record = m_rows.BySerialNumber(number);
+    if (record == kNoRecord) return;
+    m_rows.SetRemarks(record, FieldText(answer.message, tag::userText));
+    m_view.List().Repaint(record);
+}
+
+} // namespace planfold

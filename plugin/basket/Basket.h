@@ -1,0 +1,108 @@
+// What the basket's window decides without being one: the form, loading, editing, placing, export, and what an
+// answer changes. The rows outlive the window: one closed by mistake has lost nothing when it is opened again.
+#pragma once
+
+#include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketLoading.h"
+#include "plugin/basket/BasketPlacing.h"
+#include "plugin/basket/BasketRows.h"
+#include "plugin/basket/BasketView.h"
+#include "plugin/controls/LongRun.h"
+#include "plugin/messaging/Answer.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+class Basket final : public LongRun {
+public:
+    // The window's name, and its group of hot keys.
+    static constexpr char kName[] = "SIP Basket Entry";
+    static constexpr char kCaption[] = "Planfold Basket Order";
+    static constexpr int kDeleteHotKey = 193;
+
+    // `control` may be null: every sending then fails with its own text.
+    Basket(Session& session, BasketView& view, RxControl* control)
+        : m_session(session), m_view(view), m_control(control), m_form(session, view, control) {}
+
+    // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
+    // the settings file's list; it counts only for holders of the right.
+    void Initialise(const LocalDateTime& now, std::string_view customProducts);
+    // The window is gone, and with it every run and question.
+    void OnClosed();
+
+    BasketForm& Form() { return m_form; }
+    const BasketRows& Rows() const { return m_rows; }
+    const std::vector<RejectedLine>& Rejected() const { return m_rejected; }
+
+    void AddOrModify(const LocalDateTime& now);
+    // A row was chosen for modification.
+    void Activate(RecordId record);
+    // A rejected line was chosen to be corrected in the form.
+    void ActivateRejected(std::size_t index);
+    void Delete();
+    // Then the key arrives as the host's message, and not from the list.
+    bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
+    void Load(const LocalDateTime& now);
+    void Export();
+    // The rejected lines as they were read, to be corrected and loaded again.
+    void SaveRejected();
+    void Place();
+
+    // What the rows come to, a part of the status line each.
+    std::vector<std::string> Status() const;
+
+    bool IsUnderWay() const override { return m_loading || m_placing; }
+    void Continue() override { RunFor(kPortionMs); }
+    void Stop() override;
+    std::string Progress() const override;
+    std::size_t Done() const override;
+    std::size_t Total() const override;
+
+    void OnResponse(void* message);
+
+private:
+    static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
+    static constexpr std::int64_t kPortionMs = 50;
+
+    // Whether the window that had seen so many closings is still there: a question and the host's callbacks may
+    // end it.
+    bool IsStill(int closings) const { return closings == m_closings && !m_session.Ended(); }
+    // Nothing else is done meanwhile: rows keep their places, and no second run begins.
+    bool IsBusy() const { return m_asking || IsUnderWay(); }
+    // False when the answer is No, or the window has gone.
+    bool Ask(const std::string& question);
+    void RunFor(std::int64_t milliseconds);
+    void EndLoading();
+    void EndPlacing();
+    void OfferToRemove(const BasketPlacing& placing);
+    void RegisterDeleteKey();
+    void LeaveModifyMode();
+    bool IsModifying() const;
+    void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
+    void HandlePlaced(const Answer& answer);
+
+    static const AnswerHandler<Basket> kAnswers[];
+
+    Session& m_session;
+    BasketView& m_view;
+    RxControl* m_control;
+    BasketForm m_form;
+    BasketRows m_rows;
+    std::vector<RejectedLine> m_rejected; // of the last load
+    // Shared with the portion that is under way, in which the window may be closed.
+    std::shared_ptr<BasketLoading> m_loading;
+    std::shared_ptr<BasketPlacing> m_placing;
+    std::string m_titleBefore; // the load
+    bool m_inPortion = false;  // the host may let the window's timer in
+    bool m_asking = false;
+    bool m_placeable = false;    // the place button
+    bool m_partlyPlaced = false; // a stopped placing left rows that were sent
+    bool m_hostOwnsDeleteKey = false;
+    int m_closings = 0;
+};
+
+} // namespace planfold

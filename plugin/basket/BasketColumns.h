@@ -1,0 +1,48 @@
+// The columns of the basket's list, and what stands in its cells.
+#pragma once
+
+#include "plugin/basket/BasketOrder.h"
+#include "plugin/controls/ListColumn.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace planfold {
+
+struct BasketColumn {
+    const char* heading;
+    int width; // pixels at 96 DPI
+    BasketField field;
+    ValueType type = ValueType::text;
+    Align align = Align::left;
+};
+
+inline constexpr BasketColumn kBasketListColumns[] = {
+    {"Client ID", 50, BasketField::clientId},
+    {"Exchange", 50, BasketField::exchangeSegment},
+    {"Series", 50, BasketField::series},
+    {"Symbol", 100, BasketField::symbol},
+    {"Product", 50, BasketField::product},
+    {"Amount", 70, BasketField::amount, ValueType::amount, Align::right},
+    {"Quantity", 70, BasketField::quantity, ValueType::number, Align::right},
+    {"Frequency", 50, BasketField::frequency},
+    {"Start Date", 150, BasketField::startDateText},
+    {"Total Period", 50, BasketField::totalPeriod, ValueType::number},
+    {"Order Type", 50, BasketField::orderType},
+    {"Action", 50, BasketField::action},
+    {"Remarks", 50, BasketField::remarks},
+};
+
+// The texts of the cells. What a row does not keep as it is shown is kept here, once for equal texts.
+class BasketCells {
+public:
+    // Valid until the row is changed.
+    std::string_view Text(const sBasketOrderData& row, BasketField field);
+
+private:
+    std::unordered_map<std::string, std::string> m_amounts, m_quantities; // as they are shown
+};
+
+} // namespace planfold

@@ -1,0 +1,56 @@
+#include "plugin/basket/BasketLoading.h"
+
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/Text.h"
+
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr std::size_t kLinesAtOnce = 64;
+
+} // namespace
+
+std::optional<ScripDetails> HostScrips::Details(std::string_view exchange, std::string_view tradingSymbol) {
+    return AskScripDetails(m_session, exchange, tradingSymbol);
+}
+
+std::string HostScrips::TradingSymbol(std::string_view exchange, std::string_view series,
+                                      std::string_view symbol) {
+    return AskTradingSymbol(m_session, exchange, series, symbol);
+}
+
+BasketLoading::BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target)
+    : m_session(session), m_text(std::move(text)), m_rules(std::move(rules)), m_scrips(session),
+      m_target(target), m_load(m_text, m_rules, m_scrips, *this) {}
+
+bool BasketLoading::Step() {
+    return !m_stopped && !m_session.Ended() && m_load.Read(kLinesAtOnce);
+}
+
+void BasketLoading::OnRow(const BasketTexts& texts) {
+    m_target.list.InsertFront(m_target.rows.Add(texts));
+}
+
+void BasketLoading::OnNotice(std::string_view text) {
+    m_notice = text;
+    m_notices.ShowMessage(text);
+}
+
+void BasketLoading::OnRejected(const RejectedLine& line, const BasketTexts& columns) {
+    m_target.rejected.push_back(line);
+    // What has no reason was told as a notice.
+    if (line.reason.empty()) m_target.rejected.back().reason = m_notice;
+    const auto text = [&](BasketField field) { return std::string(columns[field]); };
+    std::string exchange = text(BasketField::exchangeSegment);
+    Convert(kExchangeToDisplay, columns[BasketField::exchangeSegment], exchange);
+    m_session.Log(Format("%s %s SIP Order Upload Failed: %s %s Client ID : %s by %s In Line Number %d",
+                         exchange.c_str(), text(BasketField::sideWord).c_str(),
+                         text(BasketField::product).c_str(), text(BasketField::token).c_str(),
+                         text(BasketField::clientId).c_str(), m_session.identity.loginId.c_str(), line.number));
+}
+
+} // namespace planfold

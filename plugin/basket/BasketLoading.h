@@ -1,0 +1,72 @@
+// One load of a basket file into the rows and the list of rejected lines. Goes on some lines at a time, so that
+// it can be painted and stopped in between.
+#pragma once
+
+#include "plugin/basket/BasketFile.h"
+#include "plugin/basket/BasketRows.h"
+#include "plugin/basket/BasketView.h"
+#include "plugin/messaging/KeptTexts.h"
+#include "plugin/messaging/Session.h"
+
+#include <string>
+#include <vector>
+
+namespace planfold {
+
+// The host's scrip master.
+class HostScrips final : public ScripSource {
+public:
+    explicit HostScrips(const Session& session) : m_session(session) {}
+    std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
+    std::string TradingSymbol(std::string_view exchange, std::string_view series,
+                              std::string_view symbol) override;
+
+private:
+    const Session& m_session;
+};
+
+class BasketLoading final : private BasketSink {
+public:
+    // Where rows and rejected lines go to; both are empty at first.
+    struct Target {
+        BasketRows& rows;
+        BasketList& list;
+        std::vector<RejectedLine>& rejected;
+    };
+
+    BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target);
+    BasketLoading(const BasketLoading&) = delete;
+    BasketLoading& operator=(const BasketLoading&) = delete;
+
+    // Some lines; false at the end of the file.
+    bool Step();
+
+    void Stop() { m_stopped = true; }
+    bool Stopped() const { return m_stopped; }
+
+    int LinesRead() const { return m_load.LinesRead(); }
+    std::size_t RowsLoaded() const { return m_load.RowsLoaded(); }
+    std::size_t CharactersRead() const { return m_text.size() - m_load.CharactersLeft(); }
+    std::size_t Characters() const { return m_text.size(); }
+    const std::string& LastReason() const { return m_load.LastReason(); }
+    // What the checks had to say beside the reasons.
+    std::string Notices() const { return m_notices.Text(); }
+
+private:
+    void OnRow(const BasketTexts& texts) override;
+    void OnRejected(const RejectedLine& line, const BasketTexts& columns) override;
+    void OnNotice(std::string_view text) override;
+    void OnLog(std::string_view text) override { m_session.Log(text); }
+
+    const Session& m_session;
+    std::string m_text;
+    BasketRules m_rules;
+    HostScrips m_scrips;
+    Target m_target;
+    KeptTexts m_notices;
+    std::string m_notice; // the last
+    BasketLoad m_load;
+    bool m_stopped = false;
+};
+
+} // namespace planfold

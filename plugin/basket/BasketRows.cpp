@@ -1,0 +1,99 @@
+#include "plugin/basket/BasketRows.h"
+
+#include "plugin/messaging/Numbers.h"
+
+#include <functional>
+
+namespace planfold {
+
+namespace {
+
+constexpr BasketField kAlikeFields[] = {BasketField::clientId,      BasketField::exchangeSegment,
+                                        BasketField::tradingSymbol, BasketField::action,
+                                        BasketField::frequency,     BasketField::startDate};
+
+// A hash is enough for a mark: that two of a million differing rows share one is rarer than a memory fault.
+std::uint64_t AlikeKey(const sBasketOrderData& row) {
+    std::uint64_t key = 0;
+    for (const BasketField field : kAlikeFields)
+        key = (key ^ std::hash<std::string_view>{}(row.Text(field))) * 0x9E37'79B9'7F4A'7C15u;
+    return key;
+}
+
+} // namespace
+
+RecordId BasketRows::Add(const BasketTexts& texts) {
+    RecordId record = static_cast<RecordId>(m_rows.size());
+    if (m_free.empty()) {
+        m_rows.emplace_back();
+        m_sent.push_back(false);
+    } else {
+        record = m_free.back();
+        m_free.pop_back();
+    }
+    m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
+    m_bySerialNumber.push_back(record);
+    Enter(record);
+    return record;
+}
+
+void BasketRows::Replace(RecordId record, const BasketTexts& texts) {
+    Leave(record);
+    m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
+    m_bySerialNumber.push_back(record);
+    Enter(record);
+}
+
+void BasketRows::Remove(RecordId record) {
+    Leave(record);
+    m_rows[record] = {};
+    m_free.push_back(record);
+}
+
+void BasketRows::Clear() {
+    const std::int32_t next = m_nextSerial;
+    *this = {};
+    m_nextSerial = m_firstSerial = next;
+}
+
+RecordId BasketRows::BySerialNumber(std::int64_t number) const {
+    if (number < m_firstSerial || number >= m_nextSerial) return kNoRecord;
+    return m_bySerialNumber[static_cast<std::size_t>(number - m_firstSerial)];
+}
+
+void BasketRows::MarkSent(RecordId record) {
+    m_sentCount += !m_sent[record];
+    m_sent[record] = true;
+}
+
+bool BasketRows::StandsTwice(RecordId record) const {
+    const auto alike = m_alike.find(AlikeKey(m_rows[record]));
+    return alike != m_alike.end() && alike->second > 1;
+}
+
+void BasketRows::Enter(RecordId record) {
+    std::uint32_t& alike = m_alike[AlikeKey(m_rows[record])];
+    // With the second of a kind, the first stands twice as well.
+    if (++alike > 1) m_standingTwice += alike == 2 ? 2 : 1;
+    AddToTotals(m_rows[record], 1);
+}
+
+void BasketRows::Leave(RecordId record) {
+    const auto alike = m_alike.find(AlikeKey(m_rows[record]));
+    if (alike->second > 1) m_standingTwice -= alike->second == 2 ? 2 : 1;
+    if (--alike->second == 0) m_alike.erase(alike);
+    m_sentCount -= m_sent[record];
+    m_sent[record] = false;
+    m_bySerialNumber[static_cast<std::size_t>(m_rows[record].SerialNumber() - m_firstSerial)] = kNoRecord;
+    AddToTotals(m_rows[record], -1);
+}
+
+void BasketRows::AddToTotals(const sBasketOrderData& row, int sign) {
+    BasketTotals& side = row.Text(BasketField::action) == "B" ? m_buy : m_sell;
+    if (row.Text(BasketField::investType) == "value")
+        side.amountPaise += sign * LeadingInteger(row.Text(BasketField::amount));
+    else
+        side.quantity += sign * LeadingInteger(row.Text(BasketField::quantity));
+}
+
+} // namespace planfold

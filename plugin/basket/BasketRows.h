@@ -1,0 +1,65 @@
+// The rows of the basket, by record: their texts, which of them have been sent, which stand there twice, and
+// what they come to. In which order they stand is the list's affair.
+#pragma once
+
+#include "plugin/basket/BasketOrder.h"
+#include "plugin/controls/RecordId.h"
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace planfold {
+
+// The orders of one side.
+struct BasketTotals {
+    std::int64_t amountPaise = 0; // of orders by value
+    std::int64_t quantity = 0;    // of orders by quantity
+};
+
+class BasketRows {
+public:
+    // With the next serial number.
+    RecordId Add(const BasketTexts& texts);
+    // The row is another order from now on: with the next serial number, and not sent.
+    void Replace(RecordId record, const BasketTexts& texts);
+    void SetRemarks(RecordId record, std::string_view remarks) { m_rows[record].SetRemarks(remarks); }
+    void Remove(RecordId record);
+    // Serial numbers go on.
+    void Clear();
+
+    const sBasketOrderData& operator[](RecordId record) const { return m_rows[record]; }
+    // kNoRecord when the row is gone, or is another order now.
+    RecordId BySerialNumber(std::int64_t number) const;
+
+    void MarkSent(RecordId record);
+    bool IsSent(RecordId record) const { return m_sent[record]; }
+    std::size_t SentCount() const { return m_sentCount; }
+
+    // Whether client, scrip, side, frequency and start date stand in another row as well.
+    bool StandsTwice(RecordId record) const;
+    std::size_t StandingTwice() const { return m_standingTwice; }
+
+    const BasketTotals& Buy() const { return m_buy; }
+    const BasketTotals& Sell() const { return m_sell; }
+
+private:
+    // What a row adds to the counts, and takes from them when it goes.
+    void Enter(RecordId record);
+    void Leave(RecordId record);
+    void AddToTotals(const sBasketOrderData& row, int sign);
+
+    std::vector<sBasketOrderData> m_rows;
+    std::vector<RecordId> m_free; // places of removed rows
+    std::int32_t m_nextSerial = 1;
+    std::int32_t m_firstSerial = 1;         // of the next table
+    std::vector<RecordId> m_bySerialNumber; // from m_firstSerial
+    std::vector<bool> m_sent;
+    std::size_t m_sentCount = 0;
+    std::unordered_map<std::uint64_t, std::uint32_t> m_alike; // rows by what makes them alike
+    std::size_t m_standingTwice = 0;
+    BasketTotals m_buy, m_sell;
+};
+
+} // namespace planfold

@@ -1,0 +1,67 @@
+// The basket's window as the code that decides sees it.
+#pragma once
+
+#include "plugin/controls/DialogView.h"
+#include "plugin/controls/RecordId.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// The list of the rows. Row 0 is the newest; filters and sort change nothing of the rows' order.
+class BasketList {
+public:
+    virtual std::size_t RowCount() const = 0;
+    virtual std::size_t ShownCount() const = 0;
+    virtual RecordId RecordAt(std::size_t row) const = 0;
+    virtual void InsertFront(RecordId record) = 0;
+    virtual void Repaint(RecordId record) = 0;
+    virtual void Remove(RecordId record) = 0;
+    virtual void RemoveAll() = 0;
+    // Between the two the list is not drawn.
+    virtual void BeginChanges() = 0;
+    virtual void EndChanges() = 0;
+
+    // The shown, selected rows from the top.
+    virtual std::vector<RecordId> Selected() const = 0;
+    virtual RecordId FirstSelected() const = 0; // kNoRecord when none is
+    // Removes them; the row that then stands where the last of them stood has the focus.
+    virtual void RemoveSelected() = 0;
+
+protected:
+    ~BasketList() = default;
+};
+
+class BasketView : public DialogView {
+public:
+    virtual BasketList& List() = 0;
+    virtual std::string Title() const = 0;
+    // A question with Yes and No, No being the default; true for Yes. False at once while another box is open.
+    virtual bool Ask(std::string_view question) = 0;
+    // None when the user gives none.
+    virtual std::optional<std::string> AskLoadPath() = 0;
+    virtual std::optional<std::string> AskExportPath() = 0;
+    virtual std::optional<std::string> AskRejectsPath() = 0;
+    // None when it cannot be opened or read.
+    virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
+    // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's
+    // line ends.
+    virtual bool ReplaceFile(const std::string& path, std::string_view text) = 0;
+    virtual void ShowWaiting(bool waiting) = 0;
+    // What stands in the status line, or on the rejected lines' panel, is no longer true.
+    virtual void ShowStatus() = 0;
+    virtual void ShowRejected() = 0;
+    // A load or a placing has begun, gone on or ended.
+    virtual void ShowRun() = 0;
+    // A clock that only goes forward.
+    virtual std::int64_t Milliseconds() const = 0;
+
+protected:
+    ~BasketView() = default;
+};
+
+} // namespace planfold

@@ -1,0 +1,57 @@
+#include "plugin/basket/window/BasketListWindow.h"
+
+#include "framework/Guard.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr char kName[] = "SIPBasket";
+constexpr unsigned kListCommands = 26200; // of a hundred
+
+} // namespace
+
+bool BasketListWindow::Attach(HWND list) {
+    const auto columns = ListColumns<BasketColumn>(kBasketListColumns);
+    return m_list.Attach(
+        {list, kName, this, columns.data(), static_cast<std::int32_t>(columns.size()), kListCommands});
+}
+
+void BasketListWindow::RemoveAll() {
+    m_list.RemoveAll();
+    m_cells = {};
+}
+
+void BasketListWindow::RemoveSelected() {
+    const HWND list = m_list.Handle();
+    const std::vector<RecordId> selected = Selected();
+    int last = -1;
+    for (int row = -1; (row = ListView_GetNextItem(list, row, LVNI_SELECTED)) >= 0;)
+        last = row;
+    m_list.BeginChanges();
+    for (const RecordId record : selected)
+        m_list.Remove(record);
+    m_list.EndChanges();
+    // Where the last of them stood once those above it were gone.
+    const int next = last + 1 - static_cast<int>(selected.size());
+    if (next >= 0 && next < static_cast<int>(m_list.ShownCount()))
+        ListView_SetItemState(list, next, LVIS_FOCUSED, LVIS_FOCUSED);
+}
+
+void BasketListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
+                                 KorvexText* texts) noexcept {
+    framework::Guard([&] {
+        const BasketField field = kBasketListColumns[column].field;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const std::string_view text = m_cells.Text(m_rows[records[i]], field);
+            texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
+        }
+    });
+}
+
+std::int32_t BasketListWindow::RowLook(std::uint32_t record) noexcept {
+    if (m_rows.IsSent(record)) return kKorvexMuted;
+    return m_rows.StandsTwice(record) ? kKorvexAttention : kKorvexPlain;
+}
+
+} // namespace planfold

@@ -1,0 +1,49 @@
+// The basket's list: the shared filter list over its rows.
+#pragma once
+
+#include "plugin/basket/BasketColumns.h"
+#include "plugin/basket/BasketRows.h"
+#include "plugin/basket/BasketView.h"
+#include "plugin/controls/window/FilterList.h"
+
+#include <functional>
+
+namespace planfold {
+
+class BasketListWindow final : public BasketList, private CListOwner {
+public:
+    BasketListWindow(const BasketRows& rows, std::function<void()> shownChanged)
+        : m_rows(rows), m_shownChanged(std::move(shownChanged)) {}
+
+    // False when the system refuses. The rows of an earlier window are there again.
+    bool Attach(HWND list);
+    CFilterListCtrl& Control() { return m_list; }
+
+    std::size_t RowCount() const override { return m_list.RowCount(); }
+    std::size_t ShownCount() const override { return m_list.ShownCount(); }
+    RecordId RecordAt(std::size_t row) const override {
+        return m_list.RecordAt(static_cast<std::uint32_t>(row));
+    }
+    void InsertFront(RecordId record) override { m_list.InsertFront(record, kKorvexAsked); }
+    void Repaint(RecordId record) override { m_list.Repaint(record); }
+    void Remove(RecordId record) override { m_list.Remove(record); }
+    void RemoveAll() override;
+    void BeginChanges() override { m_list.BeginChanges(); }
+    void EndChanges() override { m_list.EndChanges(); }
+    std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
+    RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
+    void RemoveSelected() override;
+
+private:
+    void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
+                   KorvexText* texts) noexcept override;
+    std::int32_t RowLook(std::uint32_t record) noexcept override;
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override { m_shownChanged(); }
+
+    const BasketRows& m_rows;
+    std::function<void()> m_shownChanged;
+    BasketCells m_cells;
+    CFilterListCtrl m_list;
+};
+
+} // namespace planfold

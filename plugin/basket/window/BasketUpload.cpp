@@ -1,0 +1,318 @@
+#include "plugin/basket/window/BasketUpload.h"
+
+#include "framework/Files.h"
+#include "framework/Guard.h"
+#include "plugin/messaging/Settings.h"
+#include "plugin/resources/resource.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr UINT kClientSearchDelayMs = 700;
+constexpr char kDateFormat[] = "dd/MMM/yyyy";
+constexpr int kDeleteCommand = 25002;
+constexpr UINT kDeleteHotKeyMessage = WM_USER + Basket::kDeleteHotKey;
+constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
+// Of the status line's parts, the last being the rest; in letters of the font.
+constexpr int kStatusParts[] = {24, 44, 44};
+
+constexpr framework::FileQuestion kLoadQuestion{
+    "All Files (*.*)|*.*|CSV Files(*.csv)|*.csv; *.csv|Text Documents(*.txt)|*.txt; *.txt||", "txt"};
+constexpr framework::FileQuestion kExportQuestion{
+    "All Files (*.*)|*.*|CSV Files(*.csv)|*.csv; *.csv|Text Documents(*.txt)|*.txt; *.txt|"
+    "EXCEL Files(*.xls)|*.xls; *.xls||",
+    "csv"};
+
+// After a pick from one of these the host may move the focus on.
+constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
+
+struct Change {
+    int combo;
+    void (BasketForm::*handle)();
+};
+constexpr Change kChanges[] = {
+    {IDC_EXCHANGE, &BasketForm::OnExchangeChanged},
+    {IDC_SERIES, &BasketForm::OnSeriesChanged},
+    {IDC_INVEST_BY, &BasketForm::OnInvestTypeChanged},
+};
+
+struct Action {
+    int command;
+    void (*act)(Basket& basket);
+};
+constexpr Action kActions[] = {
+    {IDC_SUBMIT, [](Basket& basket) { basket.AddOrModify(LocalNow()); }},
+    {IDC_BASKET_LOAD, [](Basket& basket) { basket.Load(LocalNow()); }},
+    {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
+    {IDC_BASKET_PLACE, [](Basket& basket) { basket.Place(); }},
+    {IDC_REJECTED_SAVE, [](Basket& basket) { basket.SaveRejected(); }},
+    {RejectedPanel::kSaveCommand, [](Basket& basket) { basket.SaveRejected(); }},
+    {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
+};
+
+} // namespace
+
+CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+    : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
+      m_link(session.lookup, kRxRequests, this, this), m_basket(session, *this, m_link.Control()),
+      m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
+      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_client(session) {}
+
+void CBasketUpload::Open() {
+    if (!HasWindow() && !Create() && !m_session.Ended())
+        framework::ReportFault("the basket window cannot be made", std::source_location::current());
+    if (IsIconic(Dialog::Handle()))
+        ShowWindow(Dialog::Handle(), SW_RESTORE);
+    else
+        Self().Show(true);
+    SetForegroundWindow(Dialog::Handle());
+}
+
+void CBasketUpload::ShutDown() {
+    Destroy();
+    m_link.Release();
+}
+
+void CBasketUpload::OnInit() {
+    m_amount.Attach(Item(IDC_VALUE).Handle());
+    m_amount.SetFilter(true);
+    if (m_session.host.pu_get_entered_text_results)
+        m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), "Client_Search", kClientSearchDelayMs);
+    if (!HasWindow()) return; // closed while the host was asked
+    Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
+    m_list.Attach(Item(IDC_BASKET_LIST).Handle());
+    m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
+    m_rejected.Attach();
+    m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
+    LayOut(Self().Dpi());
+    std::string customProducts;
+    ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
+    m_basket.Initialise(LocalNow(), customProducts);
+}
+
+void CBasketUpload::OnDestroyed() {
+    m_basket.OnClosed();
+    m_progress.Destroy();
+    m_ownSize = {};
+}
+
+SIZE CBasketUpload::WindowSize() const {
+    RECT place{};
+    GetWindowRect(Dialog::Handle(), &place);
+    return {place.right - place.left, place.bottom - place.top};
+}
+
+// What the user has made the window larger by stays.
+void CBasketUpload::LayOut(UINT dpi) {
+    const bool normal = m_ownSize.cx && !IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle());
+    const SIZE before = normal ? WindowSize() : m_ownSize;
+    const SIZE larger{before.cx - m_ownSize.cx, before.cy - m_ownSize.cy};
+    m_ownSize = {};
+    DialogWindowOf::LayOut(dpi);
+    SetCaptionIcon(IDI_REPEAT);
+    RECT list{};
+    GetWindowRect(Item(IDC_BASKET_LIST).Handle(), &list);
+    MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&list), 2);
+    m_listTop = list.top;
+    m_rejected.SetColumnWidths();
+    if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
+        m_ownSize = WindowSize();
+        SetWindowPos(Dialog::Handle(), nullptr, 0, 0, m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
+    Arrange();
+    if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
+    for (const int edit : {IDC_VALUE, IDC_PERIOD})
+        if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+}
+
+// The lists take what the form above and the status line below leave.
+void CBasketUpload::Arrange() {
+    const RECT client = Self().ClientRect();
+    m_statusBar.Place();
+    const LONG letter = Item(IDC_SUBMIT).ClientRect().right / 18; // 72 units of four to a letter
+    std::int32_t edges[std::size(kStatusParts) + 1];
+    std::int32_t edge = 0;
+    for (std::size_t i = 0; i < std::size(kStatusParts); ++i)
+        edges[i] = edge += kStatusParts[i] * letter;
+    edges[std::size(kStatusParts)] = -1;
+    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
+
+    const LONG margin = letter * 9 / 4;
+    const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
+    RECT rest{margin, m_listTop, client.right - margin, client.bottom - status - margin / 2};
+    if (m_rejected.IsShown()) {
+        const LONG height = (rest.bottom - rest.top) * 2 / 5;
+        m_rejected.Arrange({rest.left, rest.bottom - height, rest.right, rest.bottom});
+        rest.bottom -= height + margin / 2;
+    }
+    rest.bottom = std::max(rest.top, rest.bottom);
+    Item(IDC_BASKET_LIST).Move(rest);
+}
+
+std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_MOVE:
+        m_client.CloseList();
+        return std::nullopt;
+    case WM_SIZE:
+        if (m_ownSize.cx) Arrange();
+        return std::nullopt;
+    case WM_GETMINMAXINFO:
+        if (m_ownSize.cx) reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+        return 0;
+    case WM_DESTROY:
+        Boxes().Close(Dialog::Handle());
+        m_menu.Close();
+        m_rejected.CloseMenu();
+        return std::nullopt;
+    case WM_CONTEXTMENU:
+        OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
+        return 0;
+    case kDeleteHotKeyMessage:
+        m_basket.Delete();
+        return 0;
+    default:
+        return std::nullopt;
+    }
+}
+
+void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
+    if (list == Item(IDC_BASKET_LIST).Handle())
+        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
+    else if (list == Item(IDC_REJECTED_LIST).Handle())
+        m_rejected.OpenMenu(position);
+}
+
+bool CBasketUpload::OnCommand(const framework::Command& command) {
+    switch (command.notification) {
+    case BN_CLICKED:
+        OnButton(command.id);
+        return command.id != IDCANCEL;
+    case EN_CHANGE:
+        if (command.id == IDC_VALUE) m_amount.OnTextChanged();
+        if (command.id == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
+        break;
+    case CBN_SELCHANGE:
+        for (const auto& [combo, handle] : kChanges)
+            if (command.id == combo) (m_basket.Form().*handle)();
+        break;
+    case CBN_SELENDOK:
+        m_picked = true;
+        break;
+    case CBN_SELENDCANCEL:
+        m_picked = false;
+        break;
+    case CBN_CLOSEUP:
+        OnDropDownClosed(command.id);
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+// A button's click or a menu's choice.
+void CBasketUpload::OnButton(int button) {
+    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_rejected.HandleCommand(button))
+        return;
+    for (const auto& [command, act] : kActions)
+        if (command == button) return act(m_basket);
+    if (button == IDC_CLIENT_SEARCH_MODE) m_client.OpenModeMenu(Item(button).Handle());
+    if (button == RejectedPanel::kCorrectCommand)
+        m_basket.ActivateRejected(static_cast<std::size_t>(m_rejected.FirstSelected()));
+}
+
+void CBasketUpload::OnDropDownClosed(int combo) {
+    const bool picked = std::exchange(m_picked, false);
+    const auto clearFocus = m_session.host.pu_clear_FocusFromDropDown;
+    if (picked && clearFocus && std::ranges::find(kHostDropDowns, combo) != std::end(kHostDropDowns))
+        clearFocus(Item(combo).Handle(), Dialog::Handle());
+}
+
+std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
+    if (notification.idFrom == IDC_REJECTED_LIST) {
+        if (notification.code == LVN_ITEMACTIVATE) OnButton(RejectedPanel::kCorrectCommand);
+        return m_rejected.HandleNotify(notification);
+    }
+    if (notification.idFrom == IDC_BASKET_LIST)
+        if (const auto answer = OnListNotify(notification)) return answer;
+    LRESULT result = 0;
+    if (m_list.Control().HandleNotify(&notification, &result)) return result;
+    return std::nullopt;
+}
+
+std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
+    if (notification.code == LVN_ITEMACTIVATE) {
+        m_basket.Activate(m_list.FirstSelected());
+        return 0;
+    }
+    if (notification.code != LVN_KEYDOWN || m_basket.HostOwnsDeleteKey()) return std::nullopt;
+    if (reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey != VK_DELETE) return std::nullopt;
+    m_basket.Delete();
+    return 0;
+}
+
+void CBasketUpload::SetText(int control, std::string_view text) {
+    // What the user did not type is not searched for.
+    if (control == IDC_CLIENT_SEARCH)
+        m_client.SetText(text);
+    else
+        DialogWindowOf::SetText(control, text);
+}
+
+std::optional<std::string> CBasketUpload::AskLoadPath() {
+    return framework::AskForFileToRead(Dialog::Handle(), kLoadQuestion);
+}
+
+std::optional<std::string> CBasketUpload::AskExportPath() {
+    return framework::AskForFileToWrite(Dialog::Handle(), kExportQuestion, "BasketOrderSip..csv");
+}
+
+std::optional<std::string> CBasketUpload::AskRejectsPath() {
+    return framework::AskForFileToWrite(Dialog::Handle(), kExportQuestion, "RejectedLines.csv");
+}
+
+std::optional<std::string> CBasketUpload::ReadFile(const std::string& path) {
+    return framework::ReadWhole(path);
+}
+
+bool CBasketUpload::ReplaceFile(const std::string& path, std::string_view text) {
+    return framework::WriteWhole(path, framework::WithLineEnds(text)).empty();
+}
+
+void CBasketUpload::ShowWaiting(bool waiting) {
+    if (waiting)
+        m_cursor = SetCursor(LoadCursorA(nullptr, IDC_WAIT));
+    else
+        SetCursor(m_cursor);
+}
+
+void CBasketUpload::ShowStatus() {
+    if (!HasWindow()) return;
+    int part = 0;
+    for (const std::string& text : m_basket.Status())
+        m_statusBar.SetText(part++, text.c_str());
+    // A row that came or went may have changed the look of another.
+    if (std::exchange(m_twice, m_basket.Rows().StandingTwice()) != m_twice)
+        InvalidateRect(Item(IDC_BASKET_LIST).Handle(), nullptr, FALSE);
+}
+
+void CBasketUpload::ShowRejected() {
+    m_rejected.Refresh();
+    Arrange();
+}
+
+void CBasketUpload::OnResponse(void*, void* message, void*) noexcept {
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_basket.OnResponse(message);
+    });
+}
+
+} // namespace planfold

@@ -1,0 +1,80 @@
+// The basket window.
+#pragma once
+
+#include "host/korvexcontrols/QVBrickBar.h"
+#include "plugin/basket/Basket.h"
+#include "plugin/basket/window/BasketListWindow.h"
+#include "plugin/basket/window/RejectedPanel.h"
+#include "plugin/controls/window/ClientSearchBox.h"
+#include "plugin/controls/window/DialogWindow.h"
+#include "plugin/controls/window/ExtEditOntry.h"
+#include "plugin/controls/window/RunProgressDlg.h"
+#include "plugin/messaging/RxLink.h"
+
+namespace planfold {
+
+class CBasketUpload final : public DialogWindowOf<BasketView>, private CKeloRxNotifierBase {
+public:
+    CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    ~CBasketUpload() override { Destroy(); }
+
+    // Makes the window unless there is one, and brings it up.
+    void Open();
+    // Takes the window away and gives the control back, for good.
+    void ShutDown();
+
+private:
+    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
+    void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
+    void OnResponse(void*, void* message, void*) noexcept override;
+
+    void LayOut(UINT dpi) override;
+    void OnInit() override;
+    void OnDestroyed() override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    bool OnCommand(const framework::Command& command) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
+
+    void SetText(int control, std::string_view text) override;
+    BasketList& List() override { return m_list; }
+    std::string Title() const override { return Self().Text(); }
+    bool Ask(std::string_view question) override {
+        return Boxes().Ask(Dialog::Handle(), std::string(question));
+    }
+    std::optional<std::string> AskLoadPath() override;
+    std::optional<std::string> AskExportPath() override;
+    std::optional<std::string> AskRejectsPath() override;
+    std::optional<std::string> ReadFile(const std::string& path) override;
+    bool ReplaceFile(const std::string& path, std::string_view text) override;
+    void ShowWaiting(bool waiting) override;
+    void ShowStatus() override;
+    void ShowRejected() override;
+    void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
+    std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
+
+    void Arrange();
+    void OnButton(int button);
+    void OnContextMenu(HWND list, LPARAM position);
+    std::optional<LRESULT> OnListNotify(const NMHDR& notification);
+    void OnDropDownClosed(int combo);
+    SIZE WindowSize() const;
+
+    Session& m_session;
+    RxLink m_link;
+    Basket m_basket;
+    BasketListWindow m_list;
+    RejectedPanel m_rejected;
+    CQVBrickBar m_statusBar;
+    CRunProgressDlg m_progress;
+    CExtEditOntry m_amount;
+    CClientSearchBox m_client;
+    ActivateOnEnter m_enter;
+    RowMenu m_menu;
+    SIZE m_ownSize{};           // of the window as the template has it, in its font
+    LONG m_listTop = 0;         // pixels
+    std::size_t m_twice = 0;    // as the list was drawn
+    HCURSOR m_cursor = nullptr; // before the wait cursor
+    bool m_picked = false;      // in the list that is dropped down
+};
+
+} // namespace planfold

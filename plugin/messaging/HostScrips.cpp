@@ -1,0 +1,31 @@
+#include "plugin/messaging/HostScrips.h"
+
+namespace planfold {
+
+std::optional<ScripDetails> AskScripDetails(const Session& session, std::string_view exchange,
+                                            std::string_view tradingSymbol) {
+    if (!session.host.pu_get_scrip_details_from_TradSymbol) return std::nullopt;
+    const CString exchangeText = session.String(exchange);
+    const CString symbolText = session.String(tradingSymbol);
+    ScripDetails details{};
+    const ScripDetails* found =
+        session.host.pu_get_scrip_details_from_TradSymbol(&exchangeText, &symbolText, &details);
+    if (!found) return std::nullopt;
+    return *found;
+}
+
+std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
+                             std::string_view symbol) {
+    if (!session.host.pu_get_intersted_scrip_field) return {};
+    constexpr int fieldCount = 6;
+    std::string keyText(exchangeCode);
+    keyText.append("|").append(series).append("|").append(symbol);
+    const CString key = session.String(keyText);
+    CString exchange = session.String(), seriesOut = exchange, symbolOut = exchange;
+    CString token = exchange, tradingSymbol = exchange, company = exchange;
+    session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &seriesOut, &symbolOut, &token,
+                                              &tradingSymbol, &company);
+    return std::string(tradingSymbol.View());
+}
+
+} // namespace planfold

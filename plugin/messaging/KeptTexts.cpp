@@ -1,0 +1,22 @@
+#include "plugin/messaging/KeptTexts.h"
+
+#include "plugin/messaging/Text.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr std::size_t kMostLines = 30;
+
+} // namespace
+
+void KeptTexts::ShowMessage(std::string_view text) {
+    if (++m_count <= kMostLines) m_lines.append(m_lines.empty() ? "" : "\n").append(text);
+}
+
+std::string KeptTexts::Text() const {
+    if (m_count <= kMostLines) return m_lines;
+    return m_lines + Format("\n... and %zu more", m_count - kMostLines);
+}
+
+} // namespace planfold

@@ -1,0 +1,107 @@
+#include "plugin/orderentry/SipForm.h"
+
+#include "plugin/messaging/Rights.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/resources/resource.h"
+
+#include <algorithm>
+
+namespace planfold {
+
+namespace {
+
+constexpr std::string_view kDefaultProduct = "CNC";
+constexpr std::string_view kDefaultSeries = "EQ";
+
+struct FirstEntry {
+    int combo;
+    std::string_view text;
+};
+constexpr FirstEntry kFirstEntries[] = {
+    {IDC_EXCHANGE, "NSE"},      {IDC_EXCHANGE, "BSE"},          {IDC_ACTION, "SIP"},
+    {IDC_ACTION, "SWP"},        {IDC_INVEST_BY, "Amount"},      {IDC_INVEST_BY, "Quantity"},
+    {IDC_ORDER_TYPE, "MARKET"}, {IDC_PRODUCT, kDefaultProduct},
+};
+
+std::vector<std::string> SplitAtCommas(std::string_view list) {
+    std::vector<std::string> parts;
+    for (std::size_t end = 0; end != list.npos;) {
+        end = list.find(',');
+        parts.emplace_back(list.substr(0, end));
+        if (end != list.npos) list.remove_prefix(end + 1);
+    }
+    return parts;
+}
+
+} // namespace
+
+void SipForm::ShowClientControl() {
+    m_view.Show(IDC_CLIENT_SEARCH, SearchesClients());
+    m_view.Show(IDC_CLIENT_SEARCH_MODE, SearchesClients());
+    m_view.Show(IDC_CLIENT_COMBO, !SearchesClients());
+    const auto load = m_session.host.pu_load_client_id_combo;
+    if (!SearchesClients() && load) load(m_view.Handle(), IDC_CLIENT_COMBO);
+}
+
+int SipForm::ClientControl() const {
+    return SearchesClients() ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO;
+}
+
+void SipForm::ShowActiveClient() {
+    std::string client;
+    const bool known = m_session.GetActiveClient(client);
+    client = m_session.identity.activeClient;
+    if (SearchesClients()) return m_view.SetText(IDC_CLIENT_SEARCH, client);
+    const std::vector<std::string> clients = m_view.Items(IDC_CLIENT_COMBO);
+    const auto begins = [&](const std::string& entry) { return StartsWithIgnoringCase(entry, client); };
+    const auto found = std::ranges::find_if(clients, begins);
+    m_view.Select(IDC_CLIENT_COMBO,
+                  known && found != clients.end() ? static_cast<int>(found - clients.begin()) : 0);
+}
+
+void SipForm::AddFirstEntries() {
+    for (const auto& [combo, text] : kFirstEntries)
+        m_view.AddItem(combo, text);
+}
+
+void SipForm::FillProducts(std::string_view customProducts) {
+    const auto load = Find<sdk::fn::pu_load_product_type_combo>(m_session.lookup, "pu_load_product_type_combo");
+    if (load) load(m_view.Handle(), IDC_HOST_PRODUCTS);
+    if (!m_session.HasRight(kCustomRight)) return;
+    const std::vector<std::string> known = m_view.Items(IDC_HOST_PRODUCTS);
+    for (const std::string& product : SplitAtCommas(customProducts))
+        if (product != kDefaultProduct && std::ranges::find(known, product) != known.end())
+            m_view.AddItem(IDC_PRODUCT, product);
+}
+
+void SipForm::RefreshScrips(ScripLevel changed) {
+    if (m_session.host.pu_fill_scrip_combos)
+        m_session.host.pu_fill_scrip_combos(m_view.Handle(), IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL,
+                                            IDC_HOST_SCRIP_1, IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3,
+                                            static_cast<int>(changed));
+    if (changed == ScripLevel::exchange && !m_view.SelectText(IDC_SERIES, kDefaultSeries))
+        m_view.Select(IDC_SERIES, 0);
+    m_view.Select(IDC_SYMBOL, 0);
+}
+
+SipOrderForm SipForm::Read(int valueControl) const {
+    struct FormRow {
+        int control;
+        std::string SipOrderForm::*member;
+    };
+    const FormRow rows[] = {
+        {IDC_EXCHANGE, &SipOrderForm::exchange},    {IDC_SERIES, &SipOrderForm::series},
+        {IDC_SYMBOL, &SipOrderForm::symbol},        {IDC_ACTION, &SipOrderForm::action},
+        {IDC_ORDER_TYPE, &SipOrderForm::orderType}, {IDC_PRODUCT, &SipOrderForm::product},
+        {IDC_FREQUENCY, &SipOrderForm::frequency},  {IDC_INVEST_BY, &SipOrderForm::investType},
+        {valueControl, &SipOrderForm::value},       {IDC_PERIOD, &SipOrderForm::totalPeriod},
+        {ClientControl(), &SipOrderForm::client},
+    };
+    SipOrderForm form;
+    for (const auto& [control, member] : rows)
+        form.*member = m_view.Text(control);
+    form.startDate = m_view.Date(IDC_START_DATE);
+    return form;
+}
+
+} // namespace planfold

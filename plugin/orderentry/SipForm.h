@@ -1,0 +1,40 @@
+// The controls that every form for one SIP order has: what stands in them first, what follows a change of the
+// scrip, and how they are read.
+#pragma once
+
+#include "plugin/controls/DialogView.h"
+#include "plugin/messaging/Session.h"
+#include "plugin/orderentry/SipOrder.h"
+
+#include <string_view>
+
+namespace planfold {
+
+// Which combo the user changed; those behind it are filled anew. The values are the host's.
+enum class ScripLevel : int { exchange = 0, series = 1 };
+
+class SipForm {
+public:
+    SipForm(Session& session, DialogView& view) : m_session(session), m_view(view) {}
+
+    bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }
+    // The search box, or the combo when the host cannot search.
+    void ShowClientControl();
+    int ClientControl() const;
+    // The host's active client, else the combo's first entry or an empty box.
+    void ShowActiveClient();
+    void AddFirstEntries();
+    // `customProducts` is the comma-separated list of the settings file; it counts only for holders of the
+    // right.
+    void FillProducts(std::string_view customProducts);
+    void RefreshScrips(ScripLevel changed);
+
+    // `valueControl` is where amount or quantity is typed.
+    SipOrderForm Read(int valueControl) const;
+
+private:
+    Session& m_session;
+    DialogView& m_view;
+};
+
+} // namespace planfold
