@@ -275,8 +275,9 @@ void Basket::RunFor(std::int64_t milliseconds) {
         m_view.ShowWaiting(true);
         list.BeginChanges();
     }
-    while (more && m_view.Milliseconds() < end)
+    do
         more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
+    while (more && m_view.Milliseconds() < end);
     if (loading) {
         list.EndChanges();
         m_view.ShowWaiting(false);
@@ -292,7 +293,7 @@ void Basket::RunFor(std::int64_t milliseconds) {
 void Basket::Stop() {
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Stop();
-    RunFor(1);
+    RunFor(0);
 }
 
 std::string Basket::Progress() const {

@@ -16,7 +16,8 @@ public:
 };
 
 // A dialog without a window.
-class DialogDouble final : public DialogView {
+template <class View>
+class DialogDoubleOf : public View {
 public:
     struct Control {
         std::string text;
@@ -72,6 +73,7 @@ public:
     int focused = 0;
     bool closed = false;
 };
+using DialogDouble = DialogDoubleOf<DialogView>;
 
 // A session with a host; the peers as they are after the check of the host.
 struct Stage {

@@ -380,11 +380,28 @@ VeskApp* pu_get_exe_app() {
 int pu_resize_EditCtrlForFontChange(HostWindow edit) {
     return Record("pu_resize_EditCtrlForFontChange", edit);
 }
+int register_hotkey(HostWindow, InString group, int command, InString text, InString description,
+                    InString key) {
+    return Record("register_hotkey", group, command, text, description, key);
+}
+int pu_free_allocated_memory() {
+    return Record("pu_free_allocated_memory");
+}
+int pu_build_bskt_caution_order_map(InString client, InString investType, InString product, InString value,
+                                    InString symbol, InString exchange, int row) {
+    return Record("pu_build_bskt_caution_order_map", client, investType, product, value, symbol, exchange, row);
+}
+int pu_invoke_bskt_caution_order_confirmation() {
+    Record("pu_invoke_bskt_caution_order_confirmation");
+    return AskCaution();
+}
+int pu_get_cautionary_bskt_confirm_state(InString symbol, InString exchange, int row) {
+    Record("pu_get_cautionary_bskt_confirm_state", symbol, exchange, row);
+    const auto& states = Host().cautionOfRow;
+    return states.contains(row) ? states.at(row) : 2;
+}
 
 // Present, as every host has them, and asked for by nothing that is tested here.
-int register_hotkey(HostWindow, InString, int, InString, InString, InString) {
-    return 1;
-}
 int pu_InvokeDialog(int, HostWindow) {
     return 1;
 }
@@ -395,18 +412,6 @@ int pu_clear_FocusFromDropDown(HostWindow, HostWindow) {
     return 1;
 }
 int pu_resend_nontradingDate_Request() {
-    return 1;
-}
-int pu_build_bskt_caution_order_map(InString, InString, InString, InString, InString, InString, int) {
-    return 1;
-}
-int pu_invoke_bskt_caution_order_confirmation() {
-    return AskCaution();
-}
-int pu_get_cautionary_bskt_confirm_state(InString, InString, int) {
-    return Host().caution;
-}
-int pu_free_allocated_memory() {
     return 1;
 }
 int pu_send_mrv_master_request(InString, int) {

@@ -115,6 +115,7 @@ struct FakeHost {
     int clientOverview = 0;
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
+    std::map<int, int> cautionOfRow; // of a basket
     // Run once, inside the host.
     std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringAccounts, duringLog;
 

@@ -299,8 +299,9 @@ void CBasketUpload::ShowStatus() {
     for (const std::string& text : m_basket.Status())
         m_statusBar.SetText(part++, text.c_str());
     // A row that came or went may have changed the look of another.
-    if (std::exchange(m_twice, m_basket.Rows().StandingTwice()) != m_twice)
-        InvalidateRect(Item(IDC_BASKET_LIST).Handle(), nullptr, FALSE);
+    const BasketRows& rows = m_basket.Rows();
+    const std::pair marks(rows.StandingTwice(), rows.SentCount());
+    if (std::exchange(m_marks, marks) != marks) InvalidateRect(Item(IDC_BASKET_LIST).Handle(), nullptr, FALSE);
 }
 
 void CBasketUpload::ShowRejected() {

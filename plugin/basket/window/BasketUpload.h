@@ -70,11 +70,11 @@ private:
     CClientSearchBox m_client;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
-    SIZE m_ownSize{};           // of the window as the template has it, in its font
-    LONG m_listTop = 0;         // pixels
-    std::size_t m_twice = 0;    // as the list was drawn
-    HCURSOR m_cursor = nullptr; // before the wait cursor
-    bool m_picked = false;      // in the list that is dropped down
+    SIZE m_ownSize{};                            // of the window as the template has it, in its font
+    LONG m_listTop = 0;                          // pixels
+    std::pair<std::size_t, std::size_t> m_marks; // rows that stand twice and that were sent, as drawn
+    HCURSOR m_cursor = nullptr;                  // before the wait cursor
+    bool m_picked = false;                       // in the list that is dropped down
 };
 
 } // namespace planfold

@@ -1,0 +1,87 @@
+// The basket without its window.
+#pragma once
+
+#include "plugin/basket/Basket.h"
+#include "plugin/resources/resource.h"
+#include "tests/plugin/Doubles.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold::test {
+
+class BasketListDouble final : public BasketList {
+public:
+    std::size_t RowCount() const override { return rows.size(); }
+    std::size_t ShownCount() const override { return rows.size() - hidden; }
+    RecordId RecordAt(std::size_t row) const override { return rows.at(row); }
+    void InsertFront(RecordId record) override { rows.insert(rows.begin(), record); }
+    void Repaint(RecordId) override {}
+    void Remove(RecordId record) override { std::erase(rows, record); }
+    void RemoveAll() override { rows.clear(); }
+    void BeginChanges() override { ++changes; }
+    void EndChanges() override { --changes; }
+    std::vector<RecordId> Selected() const override { return selected; }
+    RecordId FirstSelected() const override { return selected.empty() ? kNoRecord : selected.front(); }
+    void RemoveSelected() override {
+        for (const RecordId record : std::exchange(selected, {}))
+            Remove(record);
+    }
+
+    std::vector<RecordId> rows; // the newest first
+    std::vector<RecordId> selected;
+    std::size_t hidden = 0;
+    int changes = 0; // begun and not ended
+};
+
+class BasketDouble final : public DialogDoubleOf<BasketView> {
+public:
+    BasketDouble() {
+        controls[IDC_SERIES].items = {"BE", "EQ"};
+        controls[IDC_SYMBOL].items = {"ARBORTEX", "BYTEFIN"};
+        controls[IDC_CLIENT_COMBO].items = {"C001", "C002"};
+        controls[IDC_HOST_PRODUCTS].items = {"CNC", "MIS"};
+    }
+
+    BasketList& List() override { return list; }
+    std::string Title() const override { return title; }
+    void SetTitle(std::string_view text) override {
+        titles.emplace_back(text);
+        title = text;
+    }
+    bool Ask(std::string_view question) override {
+        questions.emplace_back(question);
+        if (const auto action = std::exchange(duringQuestion, nullptr)) action();
+        return yes;
+    }
+    std::optional<std::string> AskLoadPath() override { return path; }
+    std::optional<std::string> AskExportPath() override { return path; }
+    std::optional<std::string> AskRejectsPath() override { return path; }
+    std::optional<std::string> ReadFile(const std::string& name) override {
+        const auto file = files.find(name);
+        return file == files.end() ? std::nullopt : std::optional(file->second);
+    }
+    bool ReplaceFile(const std::string& name, std::string_view text) override {
+        if (writable) files[name] = text;
+        return writable;
+    }
+    void ShowWaiting(bool on) override { waiting += on ? 1 : -1; }
+    void ShowStatus() override {}
+    void ShowRejected() override {}
+    void ShowRun() override {}
+    // Each look costs a step.
+    std::int64_t Milliseconds() const override { return clock += clockStep; }
+
+    BasketListDouble list;
+    Texts questions, titles;
+    bool yes = true;
+    std::function<void()> duringQuestion; // run once
+    std::optional<std::string> path = "basket.csv";
+    std::map<std::string, std::string> files;
+    bool writable = true;
+    int waiting = 0;
+    mutable std::int64_t clock = 0;
+    std::int64_t clockStep = 0;
+};
+
+} // namespace planfold::test
