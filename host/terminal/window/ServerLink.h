@@ -27,6 +27,13 @@ public:
     std::string Fill(std::size_t count, SampleMarket market);
     // As another user of the same branch; the number of orders that the server took.
     std::size_t PlaceOtherOrders(std::size_t count, SampleMarket market);
+    // Empty without any.
+    std::string LatestRegistration() const;
+    // Places an exchange order for each of the last past instalments that have none. Why it did not; empty when
+    // all are placed.
+    std::string Execute(std::size_t count, const std::string& number);
+    // Those that are restricted, each as yyyymmdd.
+    std::vector<std::uint32_t> RestrictedDates() const;
     const std::string& JournalFile() const { return m_journalFile; }
 
 private:
