@@ -99,6 +99,14 @@ void FieldRecord::AppendJson(std::string& json) const {
     json += '}';
 }
 
+std::string FieldRecord::JsonAs(std::string_view kind) const {
+    std::string json = "{\"";
+    json.append(kind).append("\":");
+    AppendJson(json);
+    json += '}';
+    return json;
+}
+
 bool RecordReader::Take(std::string_view expected) {
     if (!m_rest.starts_with(expected)) return false;
     m_rest.remove_prefix(expected.size());
@@ -118,6 +126,10 @@ bool RecordReader::TakeFields(FieldRecord& record) {
     } while (Take(","));
     record.Shrink();
     return Take("}");
+}
+
+bool RecordReader::TakeAll(std::string_view kind, FieldRecord& record) {
+    return Take("{\"") && Take(kind) && Take("\":") && TakeFields(record) && Take("}") && AtEnd();
 }
 
 bool RecordReader::TakeQuoted(std::string& bytes) {

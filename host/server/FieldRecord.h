@@ -29,8 +29,9 @@ public:
     void Shrink() { m_fields.shrink_to_fit(); }
     bool operator==(const FieldRecord&) const = default;
 
-    // The journal's form.
+    // The journal's form: of the fields, and as a record of nothing else.
     void AppendJson(std::string& json) const;
+    std::string JsonAs(std::string_view kind) const;
 
 private:
     friend class RecordReader;
@@ -59,6 +60,8 @@ public:
     bool Take(std::string_view expected);
     // Not one without fields.
     bool TakeFields(FieldRecord& record);
+    // A whole record, as JsonAs makes it.
+    bool TakeAll(std::string_view kind, FieldRecord& record);
 
 private:
     bool TakeQuoted(std::string& bytes);

@@ -1,19 +1,19 @@
 #include "host/server/Registration.h"
 
 namespace vesk {
+namespace {
+
+constexpr std::string_view kRecordKind = "registration";
+
+} // namespace
 
 std::string Registration::Json() const {
-    std::string json = "{\"registration\":";
-    AppendJson(json);
-    json += '}';
-    return json;
+    return JsonAs(kRecordKind);
 }
 
 std::optional<Registration> Registration::FromJson(std::string_view text) {
-    RecordReader reader(text);
     Registration registration;
-    if (!reader.Take("{\"registration\":") || !reader.TakeFields(registration) || !reader.Take("}")
-        || !reader.AtEnd() || registration.Number().empty())
+    if (!RecordReader(text).TakeAll(kRecordKind, registration) || registration.Number().empty())
         return std::nullopt;
     return registration;
 }

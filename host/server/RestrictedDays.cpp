@@ -9,6 +9,7 @@ namespace {
 
 using Date = std::chrono::year_month_day;
 
+constexpr std::string_view kRecordKind = "restricted";
 constexpr std::int64_t kLastDay = 31;
 constexpr int kYearsAhead = 20;
 
@@ -53,19 +54,15 @@ FieldRecord RestrictedRange::Fields() const {
 }
 
 std::string RestrictedRange::Json() const {
-    std::string json = "{\"restricted\":";
-    Fields().AppendJson(json);
-    json += '}';
-    return json;
+    return Fields().JsonAs(kRecordKind);
 }
 
 std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) {
-    RecordReader reader(text);
     FieldRecord fields;
     RestrictedRange range;
     // The clock may stand anywhere by now.
     constexpr std::chrono::year earliest(1);
-    if (!reader.Take("{\"restricted\":") || !reader.TakeFields(fields) || !reader.Take("}") || !reader.AtEnd()
+    if (!RecordReader(text).TakeAll(kRecordKind, fields)
         || ReadRange(fields, earliest, std::chrono::year::max(), range))
         return std::nullopt;
     return range;
