@@ -99,11 +99,11 @@ std::size_t Execute(Server& server, std::int64_t instalments) {
     if (server.Registrations().empty()) return 0;
     constexpr std::int64_t most = 20;
     const Registration& registration = server.Registrations().back();
-    const auto days =
-        server.OpenDays(registration, static_cast<std::size_t>(std::clamp<std::int64_t>(instalments, 0, most)));
-    Demand(std::is_sorted(days.begin(), days.end()));
-    Demand(server.Execute(registration, days).empty());
-    return days.size();
+    const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(instalments, 0, most));
+    const ExecutionPlan plan{server.OpenDays(registration, count), instalments};
+    Demand(std::is_sorted(plan.days.begin(), plan.days.end()));
+    Demand(server.Execute(registration, plan).empty());
+    return plan.days.size();
 }
 
 // Everything that a server holds, as it tells it.

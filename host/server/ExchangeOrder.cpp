@@ -42,7 +42,7 @@ std::string TimeOfDay(std::int64_t second) {
 class Exchange {
 public:
     explicit Exchange(const Placement& placement)
-        : m_placement(placement), m_random(placement.seed + placement.sequence) {}
+        : m_placement(placement), m_random(placement.plan.seed + placement.sequence) {}
 
     ExchangeOrder Place() {
         Copy(kOfTheRegistration, m_placement.registration, Order());
@@ -70,11 +70,14 @@ private:
     }
     // A scrip stays near its own price.
     std::int64_t PriceNear() {
-        constexpr std::int64_t lowest = 5'000;
-        constexpr std::int64_t spread = 200'000;
-        const std::int64_t usual = lowest + Crc32(m_placement.registration.Text(kTagToken)) % spread;
-        return (usual + usual * (Below(41) - 20) / 1000) / kTick * kTick;
+        constexpr std::int64_t highest = 1'000'000'000'000;
+        constexpr std::int64_t spread = 20'000;
+        const std::int64_t madeUp = 500 + Crc32(m_placement.registration.Text(kTagToken)) % spread;
+        const std::int64_t wanted = m_placement.plan.price;
+        const std::int64_t usual = std::min(wanted > 0 ? wanted : madeUp, highest);
+        return Tradable(usual + usual * (Below(41) - 20) / 1000);
     }
+    static std::int64_t Tradable(std::int64_t price) { return std::max(kTick, price / kTick * kTick); }
     std::int64_t QuantityFor(std::int64_t price) const {
         const Registration& registration = m_placement.registration;
         const std::int64_t amount = WholeNumber(registration.Text(kTagAmountOrQuantity)).value_or(1);
@@ -105,7 +108,7 @@ private:
         Copy(kOfTheLastFill, m_made.trades.back(), Order());
     }
     std::int64_t AddTrade() {
-        const std::int64_t price = m_price + kTick * (Below(5) - 2);
+        const std::int64_t price = Tradable(m_price + kTick * (Below(5) - 2));
         m_second += 1 + Below(60);
         FieldRecord trade;
         Copy(kOfTheOrder, Order(), trade);

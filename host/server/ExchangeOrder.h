@@ -40,13 +40,20 @@ struct ExecutionHistory {
 // Nothing when the order does not tell.
 std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order);
 
-// One order as it is placed.
+// Orders of one registration that are to be placed, one a day.
+struct ExecutionPlan {
+    std::vector<std::chrono::year_month_day> days;
+    std::int64_t price = 0; // paise, about which the orders are filled; 0: made up from the scrip
+    std::uint64_t seed = 1;
+};
+
+// One of them as it is placed.
 struct Placement {
     const Registration& registration;
+    const ExecutionPlan& plan;
     std::chrono::year_month_day day;
     std::chrono::year_month_day today; // an order of an earlier day is no longer open
     std::size_t sequence;              // among all orders, from 1
-    std::uint64_t seed;
 };
 // Places it on a made-up exchange, which fills, fills partly or rejects: the same for the same seed and
 // sequence. One order in three leaves the details of its fills to the trades.

@@ -26,14 +26,13 @@ Date ExecutionDay(Date day, const RestrictedDays& restricted) {
 
 } // namespace
 
-std::string Server::Execute(const Registration& registration, const std::vector<Date>& days,
-                            std::uint64_t seed) {
+std::string Server::Execute(const Registration& registration, const ExecutionPlan& plan) {
     if (!m_replayError.empty()) return m_replayError;
     std::vector<ExchangeOrder> orders;
     JournalBatch records;
-    for (const Date day : days) {
+    for (const Date day : plan.days) {
         const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, day, Today(), sequence, seed}));
+        orders.push_back(PlaceOnExchange({registration, plan, day, Today(), sequence}));
         records.Add(orders.back().Json());
     }
     if (std::string fault = Write(records); !fault.empty()) return fault;

@@ -69,10 +69,9 @@ public:
     // Enters many made-up registrations at once and tells no listener. Why it stopped; empty when all is done.
     std::string Fill(const FillPlan& plan);
 
-    // Places an exchange order of the registration on each of these days. Why it did not; empty when all are
-    // placed. The orders are the same for the same seed and the same ones before.
-    std::string Execute(const Registration& registration, const std::vector<std::chrono::year_month_day>& days,
-                        std::uint64_t seed = 1);
+    // Places exchange orders of the registration. Why it did not; empty when all are placed. They are the same
+    // for the same plan and the same orders before.
+    std::string Execute(const Registration& registration, const ExecutionPlan& plan);
     // The last `count` days until today on which an instalment of the registration could have been executed and
     // was not, in order: those of its schedule, and of that schedule led on to before its start. Fewer when
     // there are not so many.

@@ -88,7 +88,8 @@ TEST(Execution, OpenDaysFollowTheScheduleAndMissWeekendsAndRestrictedDays) {
 
 std::string Executed(RunningServer& running, std::size_t count, std::uint64_t seed = 1) {
     const Registration& registration = *running.server->Find(kNumber);
-    return running.server->Execute(registration, running.server->OpenDays(registration, count), seed);
+    return running.server->Execute(registration,
+                                   {running.server->OpenDays(registration, count), 250'000, seed});
 }
 
 Answers Rows(RunningServer& running, const char* what) {
@@ -148,7 +149,7 @@ TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     // same order is placed again.
     const std::string whole = FileText(path);
     const std::size_t lastFills = fills[Field(orders.back(), kTagOrderNumber)];
-    for (std::size_t length = whole.rfind('\n', whole.size() - 2) + 1; length < whole.size(); length += 7) {
+    for (std::size_t length = whole.rfind('\n', whole.size() - 2) + 1; length < whole.size(); length += 61) {
         WriteFileText(path, whole.substr(0, length));
         RunningServer torn(path);
         EXPECT_EQ(Rows(torn, "orders").size(), orders.size());

@@ -234,7 +234,8 @@ bool Application::PlaceOtherOrders(int count) {
 
 bool Application::ExecuteInstalments(int count, std::string number) {
     if (number.empty()) number = m_server->LatestRegistration();
-    const std::string fault = m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number);
+    const std::string fault =
+        m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number, m_state.master);
     LogFromSystem(fault.empty() ? "Executed " + std::to_string(count) + " instalments of " + number : fault);
     return fault.empty();
 }

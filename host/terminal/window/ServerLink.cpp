@@ -73,14 +73,18 @@ std::string ServerLink::LatestRegistration() const {
     return std::string(m_server->Registrations().back().Number());
 }
 
-std::string ServerLink::Execute(std::size_t count, const std::string& number) {
+std::string ServerLink::Execute(std::size_t count, const std::string& number, const ScripMaster& master) {
     if (!m_server) return kNoServer;
     const Registration* registration = m_server->Find(number);
     if (!registration) return "There is no registration " + number;
-    const auto days = m_server->OpenDays(*registration, count);
-    if (days.size() < count)
-        return "There are no more than " + std::to_string(days.size()) + " days for instalments of " + number;
-    return m_server->Execute(*registration, days);
+    ExecutionPlan plan{m_server->OpenDays(*registration, count)};
+    if (plan.days.size() < count)
+        return "There are no more than " + std::to_string(plan.days.size()) + " days for instalments of "
+               + number;
+    const Scrip* scrip =
+        master.ByTradingSymbol(registration->Text(kTagExchange), registration->Text(kTagTradingSymbol));
+    if (scrip) plan.price = scrip->lastPrice;
+    return m_server->Execute(*registration, plan);
 }
 
 std::vector<std::uint32_t> ServerLink::RestrictedDates() const {
