@@ -1,11 +1,29 @@
 // Journals of any content: the records taken are exactly the text up to where reading stopped.
 
+#include "host/server/ExchangeOrder.h"
 #include "host/server/Journal.h"
-#include "host/server/Registration.h"
+#include "host/server/RestrictedDays.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+
+namespace {
+
+// What is read of a content reads the same once it is written.
+template <class Record>
+void Check(std::string_view content) {
+    const auto record = Record::FromJson(content);
+    if (record && Record::FromJson(record->Json())->Json() != record->Json()) std::abort();
+}
+
+void CheckAll(std::string_view content) {
+    Check<vesk::Registration>(content);
+    Check<vesk::RestrictedRange>(content);
+    Check<vesk::ExchangeOrder>(content);
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
@@ -13,13 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string written;
     for (const std::string_view record : judged.records) {
         written += vesk::JournalLine(record);
-        const auto registration = vesk::Registration::FromJson(record);
-        if (registration && vesk::Registration::FromJson(registration->Json())->Json() != registration->Json())
-            std::abort();
+        CheckAll(record);
     }
     if (written != text.substr(0, judged.end)) std::abort();
     if ((judged.torn || judged.damaged) == (judged.end == size)) std::abort();
     // Without the checksum in the way: the content itself.
-    vesk::Registration::FromJson(text);
+    CheckAll(text);
     return 0;
 }

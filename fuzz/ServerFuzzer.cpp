@@ -1,12 +1,14 @@
 // Requests of any content to the trading server: every one is answered readably, what changes is told and
 // journaled, and a server that starts from the journal holds the same.
 //
-// The first line names what the server is set to, each further one is a request: tag=text|tag=text
+// The first line names what the server is set to, each further one is a request, tag=text|tag=text, or a number
+// of instalments of the latest registration to be executed.
 
 #include "fuzz/Fuzz.h"
 #include "host/server/Schedule.h"
 #include "host/server/Server.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <unistd.h>
 
@@ -56,11 +58,15 @@ void CheckAnswer(const std::string& bytes, std::string_view request, bool isGarb
     Demand(reader.Good());
     if (isGarbage) return;
     Demand(qmx::Text(reader.Handle(), kTagAnswerName) == request.substr(0, kLongestText));
-    if (qmx::Has(reader.Handle(), kTagErrorCode)) Demand(!qmx::Text(reader.Handle(), kTagUserText).empty());
+    // Without a code it ends a query.
+    if (!qmx::Text(reader.Handle(), kTagErrorCode).empty())
+        Demand(!qmx::Text(reader.Handle(), kTagUserText).empty());
 }
 
-void Ask(Server& server, std::string_view line) {
+// All that was answered.
+std::string Ask(Server& server, std::string_view line) {
     qmx::MessageWriter writer;
+    std::string told;
     while (!line.empty()) {
         std::string_view text = fuzz::Input::CutAt(line, '|');
         const auto tag = WholeNumber(fuzz::Input::CutAt(text, '='));
@@ -68,20 +74,49 @@ void Ask(Server& server, std::string_view line) {
         if (tag && !qmx::Has(writer.Handle(), static_cast<std::uint32_t>(*tag)))
             writer.Add(static_cast<std::uint32_t>(*tag), text);
     }
-    if (!writer.Good()) return;
+    if (!writer.Good()) return told;
     const std::string name(qmx::Text(writer.Handle(), kTagRequestName));
     const RequestFault& fault = server.Config().FaultFor(name);
     Reply reply = server.Handle(writer.Handle(), {"USER1", "BROKER", "BR1"});
     Demand(reply.answers.empty() == (fault.silent || reply.rows.has_value()));
-    for (const std::string& answer : reply.answers)
+    for (const std::string& answer : reply.answers) {
         CheckAnswer(answer, name, fault.garbage);
+        told += answer;
+    }
     std::size_t rows = 0;
     while (reply.rows && !reply.rows->isDone)
         if (const std::string row = server.NextRow(*reply.rows); !row.empty()) {
             CheckAnswer(row, name, false);
+            told += row;
             ++rows;
         }
     Demand(!reply.rows || rows != 0);
+    return told;
+}
+
+// The number of orders placed.
+std::size_t Execute(Server& server, std::int64_t instalments) {
+    if (server.Registrations().empty()) return 0;
+    constexpr std::int64_t most = 20;
+    const Registration& registration = server.Registrations().back();
+    const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(instalments, 0, most));
+    const ExecutionPlan plan{server.OpenDays(registration, count), instalments};
+    Demand(std::is_sorted(plan.days.begin(), plan.days.end()));
+    Demand(server.Execute(registration, plan).empty());
+    return plan.days.size();
+}
+
+// Everything that a server holds, as it tells it.
+std::string Held(Server& server) {
+    std::string held = Ask(server, "0=calendar_get_restricted_dates");
+    for (const Registration& registration : server.Registrations()) {
+        held += registration.Json();
+        for (const std::string request : {"0=qry_eq_sip_orders", "0=qry_eq_sip_trades"})
+            held += Ask(server, request + "|64804=" + std::string(registration.Number()));
+    }
+    for (const auto day : server.Restricted().All())
+        held += RecordDate(day);
+    return held;
 }
 
 } // namespace
@@ -92,22 +127,33 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::filesystem::remove(path);
     fuzz::Input input(data, size);
     const ServerConfig config = ConfigOf(input.Line());
-    std::vector<Registration> held;
+    std::string held;
     std::size_t updates = 0;
+    std::size_t orders = 0;
     {
         const JournalOpening opening = Journal::Open(path);
         Server server(config, *opening.journal, opening.records, StoppedClock());
         Listener listener;
         server.AddListener(listener);
-        while (!input.AtEnd())
-            Ask(server, input.Line());
-        held = server.Registrations();
+        while (!input.AtEnd()) {
+            const std::string line = input.Line();
+            if (const auto instalments = WholeNumber(line))
+                orders += Execute(server, *instalments);
+            else
+                Ask(server, line);
+        }
+        held = Held(server);
         updates = listener.updates;
     }
     const JournalOpening opening = Journal::Open(path);
-    Demand(opening.journal && opening.warning.empty() && opening.records.size() == updates);
-    const Server again(config, *opening.journal, opening.records, StoppedClock());
-    Demand(again.ReplayError().empty() && again.Registrations() == held);
+    Demand(opening.journal && opening.warning.empty());
+    for (const std::string_view record : opening.records) {
+        updates -= Registration::FromJson(record).has_value();
+        orders -= ExchangeOrder::FromJson(record).has_value();
+    }
+    Demand(updates == 0 && orders == 0);
+    Server again(config, *opening.journal, opening.records, StoppedClock());
+    Demand(again.ReplayError().empty() && Held(again) == held);
     std::filesystem::remove(path);
     return 0;
 }

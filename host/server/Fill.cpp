@@ -51,7 +51,7 @@ Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t se
     registration.Set(kTagStartDate, RecordDate(start));
     registration.Set(kTagEndDate, RecordDate(end));
     registration.Set(kTagRegistrationDate, RecordDate(day.entered));
-    registration.Set(kTagRegistrationNumber, RegistrationNumber(day.entered, sequence));
+    registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, day.entered, sequence));
     registration.Set(kTagRequestIdentifier, "sample-" + std::to_string(sequence));
     registration.Set(kTagStream, kStreamName);
     SetStatus(registration, day, start, end, orders);
@@ -66,7 +66,7 @@ std::string Server::Fill(const FillPlan& plan) {
     if (plan.users.empty() || plan.market.accounts.empty() || plan.market.scrips.empty())
         return "nothing to make registrations of";
     constexpr std::size_t batchSize = 16'384;
-    const Date today = m_clock.localDate(m_clock.now());
+    const Date today = Today();
     SampleOrders orders(plan.market, m_config, plan.seed);
     MakeRoom(plan.count);
     std::vector<Registration> batch;
@@ -81,8 +81,7 @@ std::string Server::Fill(const FillPlan& plan) {
             batch.push_back(MakeSample(day, orders.AnyOf(plan.users), sequence, orders));
             records.Add(batch.back().Json());
         }
-        std::string error;
-        if (!m_journal.Append(records, error)) return "The server's journal " + error;
+        if (std::string fault = Write(records); !fault.empty()) return fault;
         for (Registration& registration : batch)
             Enter(std::move(registration));
     }

@@ -15,4 +15,8 @@ Refusal WrongUser() {
     return {kCodeUser, "The user is not the one who is logged in"};
 }
 
+Refusal OtherUser() {
+    return {kCodeUser, "The registration is another user's"};
+}
+
 } // namespace vesk

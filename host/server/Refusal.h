@@ -28,6 +28,8 @@ inline constexpr std::size_t kLongestText = 255;
 
 Refusal MissingField(std::string_view field);
 Refusal WrongValue(std::string_view field, std::string_view text);
+// Not who the request says he is, and not who the registration belongs to.
 Refusal WrongUser();
+Refusal OtherUser();
 
 } // namespace vesk

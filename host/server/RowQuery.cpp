@@ -2,6 +2,7 @@
 
 #include "host/server/Schedule.h"
 
+#include <algorithm>
 #include <array>
 
 namespace vesk {
@@ -34,7 +35,35 @@ std::optional<Refusal> ReadDay(void* request, std::uint32_t tag, const char* nam
     return std::nullopt;
 }
 
+struct Owner {
+    std::uint32_t tag;
+    const std::string& text;
+};
+// The firm, or the login where the connection has none.
+Owner OwnerOf(const UserIdentity& user) {
+    if (!user.peerIdA.empty()) return {kTagBroker, user.peerIdA};
+    if (!user.peerIdB.empty()) return {kTagBranch, user.peerIdB};
+    return {kTagUser, user.loginId};
+}
+
+constexpr ExecutionQuery kExecutionQueries[] = {
+    // An error that has no code ends the orders.
+    {"qry_eq_sip_orders", &ExecutionHistory::orders, kTagErrorCode, {}},
+    {"qry_eq_sip_trades", &ExecutionHistory::trades, kTagNoMoreData, "no more data"},
+};
+
 } // namespace
+
+const ExecutionQuery* FindExecutionQuery(std::string_view request) {
+    const auto found = std::find_if(std::begin(kExecutionQueries), std::end(kExecutionQueries),
+                                    [&](const ExecutionQuery& row) { return row.request == request; });
+    return found == std::end(kExecutionQueries) ? nullptr : found;
+}
+
+bool MaySee(const UserIdentity& user, const Registration& registration) {
+    const Owner owner = OwnerOf(user);
+    return registration.Text(kTagUser) == user.loginId || registration.Text(owner.tag) == owner.text;
+}
 
 bool RowQuery::Wants(const Registration& registration) const {
     if (registration.Text(ownerTag) != owner) return false;
@@ -59,8 +88,9 @@ std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user,
     if (auto refusal = ReadDay(request, kTagStartDate, "from-date", days.first)) return refusal;
     if (auto refusal = ReadDay(request, kTagToDate, "to-date", days.last)) return refusal;
     query.entered = days;
-    query.ownerTag = !user.peerIdA.empty() ? kTagBroker : !user.peerIdB.empty() ? kTagBranch : kTagUser;
-    query.owner = !user.peerIdA.empty() ? user.peerIdA : !user.peerIdB.empty() ? user.peerIdB : user.loginId;
+    const Owner owner = OwnerOf(user);
+    query.ownerTag = owner.tag;
+    query.owner = owner.text;
     return std::nullopt;
 }
 

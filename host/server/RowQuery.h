@@ -1,9 +1,10 @@
-// A query whose answer is one message a registration. There may be a million of them, so nothing is made in
-// advance: the query remembers how far it is, and the server makes a row when its turn comes.
+// A query whose answer is one message a row. There may be a million of them, so nothing is made in advance: the
+// query remembers how far it is, and the server makes a row when its turn comes.
 //
 // Thread: any; plain values.
 #pragma once
 
+#include "host/server/ExchangeOrder.h"
 #include "host/server/Refusal.h"
 #include "host/server/Registration.h"
 
@@ -21,6 +22,16 @@ struct UserIdentity {
     std::string peerIdB;
 };
 
+// A query for what became of one registration.
+struct ExecutionQuery {
+    std::string_view request;
+    std::vector<FieldRecord> ExecutionHistory::*rows;
+    std::uint32_t closingTag; // of the message behind the last row
+    std::string_view closingText;
+};
+// Null when the request is none.
+const ExecutionQuery* FindExecutionQuery(std::string_view request);
+
 struct RowQuery {
     struct Days {
         std::chrono::sys_days first;
@@ -34,11 +45,17 @@ struct RowQuery {
     std::string owner{};           // and its text
     std::optional<Days> entered{}; // the days of registration; absent: any
     bool isList = false;           // the rows are marked as those of a list
-    std::size_t next = 0;          // the registration to look at next
-    std::size_t end = 0;           // those that came later are told by the stream
-    bool hasRows = false;          // until now
-    bool isDone = false;           // nothing more is to be asked for
+    // Instead of registrations: what became of the one with this number.
+    const ExecutionQuery* executions = nullptr;
+    std::string number{};
+    std::size_t next = 0; // the row to look at next
+    std::size_t end = 0;  // those that came later are told by the stream
+    bool hasRows = false; // until now
+    bool isDone = false;  // nothing more is to be asked for
 };
+
+// Whether the registration is the login's own, or among those that its history query gives.
+bool MaySee(const UserIdentity& user, const Registration& registration);
 
 // Both fill `query`, except where it is and ends, or tell why it is refused.
 // "om_get_sip_orders": the login's own, of any date.

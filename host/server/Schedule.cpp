@@ -80,6 +80,13 @@ std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text
     return date.ok() ? std::optional(date) : std::nullopt;
 }
 
+std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), sequence);
+    return std::string(prefix) + text;
+}
+
 std::optional<std::int64_t> WholeNumber(std::string_view text) {
     std::int64_t number = 0;
     const char* end = text.data() + text.size();

@@ -14,8 +14,8 @@ namespace vesk {
 // Whether the server knows to count in this frequency.
 bool IsKnownFrequency(std::string_view frequency);
 
-// The date of instalment `index`, from 0. A month without the day takes its last one. A frequency that is
-// not known counts as daily.
+// The date of instalment `index`, from 0; what is below lies before the start. A month without the day takes
+// its last one. A frequency that is not known counts as daily.
 std::chrono::year_month_day InstalmentDate(std::chrono::year_month_day start, std::string_view frequency,
                                            int index);
 
@@ -26,6 +26,9 @@ int InstalmentsBefore(std::chrono::year_month_day start, std::string_view freque
 // "05-Mar-2027", and back; nothing when that is no date.
 std::string RecordDate(std::chrono::year_month_day date);
 std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text);
+
+// "SIP2703050000012": the `sequence`th that was entered, at this date.
+std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence);
 
 // Digits only, within 64 bits.
 std::optional<std::int64_t> WholeNumber(std::string_view text);

@@ -3,7 +3,6 @@
 #include "host/server/Schedule.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 
 namespace vesk {
@@ -32,13 +31,6 @@ void AddTexts(qmx::MessageWriter& writer, std::uint32_t tag, const std::vector<s
 
 } // namespace
 
-std::string RegistrationNumber(std::chrono::year_month_day date, std::size_t sequence) {
-    char text[40];
-    std::snprintf(text, sizeof text, "SIP%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), sequence);
-    return text;
-}
-
 ServerClock SystemClock() {
     return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
             [](std::int64_t seconds) {
@@ -60,6 +52,8 @@ const Server::Handler Server::kHandlers[] = {
     {"add_sip_orders", &Server::AddRegistration},
     {"om_get_sip_orders", &Server::StartQuery<ReadListQuery>},
     {"qry_eq_sip", &Server::StartQuery<ReadHistoryQuery>},
+    {"calendar_add_restricted_dates", &Server::SetRestrictedDays},
+    {"calendar_get_restricted_dates", &Server::AnswerRestrictedDays},
 };
 
 Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
@@ -67,13 +61,25 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
     : m_config(std::move(config)), m_journal(journal), m_clock(std::move(clock)) {
     MakeRoom(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
-        std::optional<Registration> registration = Registration::FromJson(records[i]);
-        if (!registration) {
-            m_replayError = "journal record " + std::to_string(i + 1) + " is not one this server knows";
-            return;
-        }
-        Enter(std::move(*registration));
+        if (Replay(records[i])) continue;
+        m_replayError = "journal record " + std::to_string(i + 1) + " is not one this server knows";
+        return;
     }
+}
+
+bool Server::Replay(std::string_view record) {
+    if (auto registration = Registration::FromJson(record)) {
+        Enter(std::move(*registration));
+        return true;
+    }
+    if (const auto range = RestrictedRange::FromJson(record)) {
+        m_restricted.Set(*range);
+        return true;
+    }
+    auto order = ExchangeOrder::FromJson(record);
+    if (!order || !Find(order->order.Text(kTagRegistrationNumber))) return false;
+    Enter(std::move(*order));
+    return true;
 }
 
 Reply Server::Handle(void* request, const UserIdentity& user) {
@@ -92,6 +98,7 @@ Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity&
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
     if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user);
+    if (const ExecutionQuery* kind = FindExecutionQuery(name)) return StartExecutionQuery(*kind, request, user);
     return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
 }
 
@@ -129,7 +136,7 @@ Registration Server::MakeRegistration(void* request) const {
     Registration registration;
     for (const std::uint32_t tag : kTakenOver)
         if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
-    const auto today = m_clock.localDate(m_clock.now());
+    const auto today = Today();
     const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, kTagStartDate)).value_or(0));
     const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, kTagPeriods)).value_or(1));
     const auto end = InstalmentDate(start, qmx::Text(request, kTagFrequency), periods - 1);
@@ -137,24 +144,45 @@ Registration Server::MakeRegistration(void* request) const {
     registration.Set(kTagNextExecution, RecordDate(start));
     registration.Set(kTagEndDate, RecordDate(end));
     registration.Set(kTagRegistrationDate, RecordDate(today));
-    registration.Set(kTagRegistrationNumber, RegistrationNumber(today, m_registrations.size() + 1));
+    registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, today, m_registrations.size() + 1));
     registration.Set(kTagStatus, kStatusActive);
     registration.Set(kTagStream, kStreamName);
     return registration;
 }
 
+std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {
+    const std::string_view number = qmx::Text(request, kTagRegistrationNumber);
+    if (number.empty()) return MissingField("registration number");
+    found = Find(number);
+    if (found) return std::nullopt;
+    return Refusal{kCodeUnknownNumber,
+                   "There is no registration " + std::string(number.substr(0, kLongestText))};
+}
+
+Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
+    const std::string_view name = qmx::Text(request, kTagRequestName);
+    RestrictedRange range;
+    if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(name, *refusal);
+    if (const std::string fault = Write(range.Json()); !fault.empty())
+        return Refuse(name, {kCodeJournal, fault});
+    m_restricted.Set(range);
+    return {{m_writer.Start().Add(kTagAnswerName, name).Finish()}};
+}
+
+Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
+    m_writer.Start().Add(kTagAnswerName, qmx::Text(request, kTagRequestName));
+    if (const RestrictedRange* range = m_restricted.Last()) range->Fields().AddTo(m_writer);
+    return {{m_writer.Finish()}};
+}
+
 Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user) {
-    const std::string number(qmx::Text(request, kTagRegistrationNumber));
-    if (number.empty()) return Refuse(kind.request, MissingField("registration number"));
-    const Registration* before = Find(number);
-    if (!before)
-        return Refuse(kind.request,
-                      {kCodeUnknownNumber, "There is no registration " + number.substr(0, kLongestText)});
-    if (before->Text(kTagUser) != user.loginId)
-        return Refuse(kind.request, {kCodeUser, "The registration is another user's"});
+    const Registration* before = nullptr;
+    if (const auto refusal = FindNamed(request, before)) return Refuse(kind.request, *refusal);
+    if (before->Text(kTagUser) != user.loginId) return Refuse(kind.request, OtherUser());
+    const std::string number(before->Number());
 
     Registration after = *before;
-    const ChangeRequest change{request, user.loginId, m_config, m_clock.localDate(m_clock.now())};
+    const ChangeRequest change{request, user.loginId, m_config, Today()};
     if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
     if (after != *before)
         if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
@@ -175,6 +203,10 @@ Reply Server::StartQuery(void* request, const UserIdentity& user) {
 }
 
 std::string Server::NextRow(RowQuery& query) {
+    return query.executions ? NextExecution(query) : NextRegistration(query);
+}
+
+std::string Server::NextRegistration(RowQuery& query) {
     constexpr std::size_t mostLookedAt = 256;
     const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
     const Registration* found = nullptr;
@@ -192,9 +224,7 @@ std::string Server::NextRow(RowQuery& query) {
 }
 
 std::optional<Refusal> Server::Keep(Registration registration) {
-    std::string error;
-    if (!m_journal.Append(registration.Json(), error))
-        return Refusal{kCodeJournal, "The server's journal " + error};
+    if (std::string fault = Write(registration.Json()); !fault.empty()) return Refusal{kCodeJournal, fault};
     for (UpdateListener* listener : m_listeners)
         listener->OnUpdate(registration);
     Enter(std::move(registration));

@@ -112,15 +112,20 @@ struct RunningServer {
         server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records, FixedClock());
     }
 
-    std::vector<std::string> Ask(const Fields& request) {
+    Reply Begin(const Fields& request) {
         const std::string bytes = Message(request);
         const qmx::MessageReader reader(bytes);
-        std::vector<std::string> dumps;
-        Reply reply = server->Handle(reader.Handle(), user);
+        return server->Handle(reader.Handle(), user);
+    }
+    std::vector<std::string> Finish(Reply reply) {
         while (reply.rows && !reply.rows->isDone)
             if (std::string row = server->NextRow(*reply.rows); !row.empty())
                 reply.answers.push_back(std::move(row));
-        for (const std::string& answer : reply.answers) {
+        return std::move(reply.answers);
+    }
+    std::vector<std::string> Ask(const Fields& request) {
+        std::vector<std::string> dumps;
+        for (const std::string& answer : Finish(Begin(request))) {
             const qmx::MessageReader read(answer);
             dumps.push_back(qmx::Dump(read.Handle()));
         }

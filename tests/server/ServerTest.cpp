@@ -74,7 +74,9 @@ TEST(Server, RecordOfAnotherKindStopsItFromServing) {
     for (const char* content :
          {"", "[]", "{\"registration\":1}", "{\"registration\":{}}", "{\"registration\":{\"64804\":1}}",
           "{\"registration\":{\"64804\":\"A\",\"x\":\"B\"}}", "{\"registration\":{\"64804\":\"\\u0100\"}}",
-          "{\"registration\":{\"99999999999\":\"B\",\"64804\":\"A\"}}"}) {
+          "{\"registration\":{\"99999999999\":\"B\",\"64804\":\"A\"}}",
+          "{\"restricted\":{\"46000\":\"2026\",\"49165\":\"6\",\"63025\":\"5\"}}",
+          "{\"order\":{\"64804\":\"A\"},\"trades\":[]}"}) {
         const TemporaryFolder folder;
         WriteFileText(folder.File("journal"), JournalLine(content));
         RunningServer running(folder.File("journal"));

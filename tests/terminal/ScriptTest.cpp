@@ -21,6 +21,8 @@ TEST(Script, ReadsCommands) {
         {"font -2 0", "font -2 0"},
         {"key Shift+Tab", "key Shift+Tab"},
         {"dock Book left", "dock \"Book\" left"},
+        {"execute 5", "execute 5"},
+        {"execute 5 SIP1", "execute 5 \"SIP1\""},
         {"", ""},
         {"# only a comment", ""},
     };
@@ -49,6 +51,7 @@ TEST(Script, FaultsNameFileAndLine) {
         {"press OK", "a.script:1: \"OK\" is not a whole number"},
         {"press 99999999999", "a.script:1: \"99999999999\" is not a whole number"},
         {"menu File", "a.script:1: \"menu\" takes at least 2 words, 1 found"},
+        {"execute 5 SIP1 SIP2", "a.script:1: \"execute\" takes at least 1 words, 3 found"},
         {"key Enterr", "a.script:1: \"Enterr\" is not a key"},
         {"right \"QV\" yes", "a.script:1: \"yes\" is neither on nor off"},
         {"dock Book middle", "a.script:1: \"middle\" is not a pane's place"},

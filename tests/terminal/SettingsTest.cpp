@@ -106,6 +106,13 @@ TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
     EXPECT_EQ(faults, "scrips.csv: file not found\n"
                       "clients.csv:2: mapped \"maybe\" is neither Y nor N\n"
                       "nontrading.csv: file not found\n");
+
+    WriteWholeFile((m_folder / "nontrading.csv").string(), "date,occasion\n2027-01-26,A\n2026-12-25,B\n");
+    const std::uint32_t restricted[] = {20270127, 20261225, 20270101};
+    EXPECT_FALSE(bare.ReloadCalendar(restricted));
+    const NonTradingDates& days = bare.NonTrading();
+    EXPECT_EQ(std::vector(days.dates, days.dates + days.count),
+              (std::vector<std::uint32_t>{20261225, 20270101, 20270126, 20270127}));
 }
 
 TEST(CommandLine, ReadsOptions) {

@@ -62,6 +62,8 @@ constexpr VerbRule kRules[] = {
     {Verb::clock, "clock", "n", "move the server's clock forward by so many days"},
     {Verb::fill, "fill", "n", "enter so many made-up registrations on the server"},
     {Verb::other, "other", "n", "place so many orders from another session"},
+    {Verb::execute, "execute", "nt?",
+     "place exchange orders for so many past instalments of the registration with this number, or the latest"},
     {Verb::dock, "dock", "td",
      "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
     {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
@@ -155,11 +157,11 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
 
 std::optional<std::string> CheckWords(const VerbRule& rule, const std::vector<std::string>& words) {
     const bool open = rule.words.ends_with('*');
-    const std::string_view kinds = rule.words.substr(0, rule.words.size() - (open ? 1 : 0));
-    // The word before "*" may also be missing.
-    const std::size_t least = kinds.size() - (open ? 1 : 0);
-    if (words.size() < least || (!open && words.size() > least))
-        return '"' + std::string(rule.name) + "\" takes " + (open ? "at least " : "") + std::to_string(least)
+    const bool loose = open || rule.words.ends_with('?'); // the word before may be missing
+    const std::string_view kinds = rule.words.substr(0, rule.words.size() - (loose ? 1 : 0));
+    const std::size_t least = kinds.size() - (loose ? 1 : 0);
+    if (words.size() < least || (!open && words.size() > kinds.size()))
+        return '"' + std::string(rule.name) + "\" takes " + (loose ? "at least " : "") + std::to_string(least)
                + " words, " + std::to_string(words.size()) + " found";
     for (std::size_t i = 0; i < words.size(); ++i)
         if (auto what = CheckWord(kinds[std::min(i, kinds.size() - 1)], words[i])) return what;

@@ -37,10 +37,11 @@ std::optional<FileFault> TerminalState::Load(const std::string& data, const std:
     return std::nullopt;
 }
 
-std::optional<FileFault> TerminalState::ReloadCalendar() {
+std::optional<FileFault> TerminalState::ReloadCalendar(std::span<const std::uint32_t> restricted) {
     Loaded<TradingCalendar> loaded = TradingCalendar::Load(dataFolder + "/nontrading.csv");
     if (!loaded) return loaded.Fault();
     calendar = std::move(loaded.Value());
+    calendar.Add(restricted);
     const std::span<const std::uint32_t> dates = calendar.Dates();
     m_nonTrading = {static_cast<std::uint32_t>(dates.size()), 0, dates.empty() ? nullptr : dates.data()};
     return std::nullopt;

@@ -12,6 +12,7 @@
 #include "sdk/HostRecords.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +28,8 @@ struct TerminalState {
     bool FillDetails(std::string_view exchange, std::string_view tradingSymbol, ScripDetails& details) const;
     const ClientResult* SearchClients(int mode, std::string_view text, int& count);
     const NonTradingDates& NonTrading() const { return m_nonTrading; }
-    // On a fault the old calendar stays.
-    std::optional<FileFault> ReloadCalendar();
+    // The file's days and these. On a fault the old calendar stays.
+    std::optional<FileFault> ReloadCalendar(std::span<const std::uint32_t> restricted = {});
     bool HasRight(std::string_view right) const;
 
     std::string dataFolder, userFolder;

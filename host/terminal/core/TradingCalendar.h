@@ -17,7 +17,9 @@ public:
     static Loaded<TradingCalendar> Load(const std::string& path);
     static Loaded<TradingCalendar> Parse(std::string_view text, std::string_view fileName);
 
-    // Ascending, each as yyyymmdd.
+    // Days beside the file's, as Dates() has them, in any order.
+    void Add(std::span<const std::uint32_t> dates);
+    // Ascending without doubles, each as yyyymmdd.
     std::span<const std::uint32_t> Dates() const { return m_dates; }
 
 private:

@@ -117,6 +117,7 @@ bool Application::Start() {
     m_server =
         std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
                                      UserIdentity{config.loginId, config.peerIdA, config.peerIdB}, notes);
+    m_state.ReloadCalendar(m_server->RestrictedDates()); // a fault of the file is known already
     if (!m_frame.Open()) return StartFailed("the main window cannot be made");
     for (const std::string& note : notes)
         LogFromSystem(note);
@@ -231,6 +232,20 @@ bool Application::PlaceOtherOrders(int count) {
     return placed == wanted;
 }
 
+bool Application::ExecuteInstalments(int count, std::string number) {
+    if (number.empty()) number = m_server->LatestRegistration();
+    const std::string fault =
+        m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number, m_state.master);
+    LogFromSystem(fault.empty() ? "Executed " + std::to_string(count) + " instalments of " + number : fault);
+    return fault.empty();
+}
+
+bool Application::ReloadCalendar() {
+    const auto fault = m_state.ReloadCalendar(m_server->RestrictedDates());
+    if (fault) LogFromSystem(fault->Text());
+    return !fault;
+}
+
 void Application::Defer(std::function<void()> work) {
     m_deferred[++m_lastDeferred] = std::move(work);
     PostMessageA(m_frame.Handle(), kDeferredMessage, m_lastDeferred, 0);
@@ -275,6 +290,15 @@ void Application::RequestOtherOrders() {
     Defer([this] {
         const CountQuestion question{"Orders from Another Session", "&Orders:", 10, 1000};
         if (const auto count = AskCount(m_frame.Handle(), question)) PlaceOtherOrders(*count);
+    });
+}
+
+void Application::RequestExecution() {
+    Defer([this] {
+        std::string number = m_server->LatestRegistration();
+        const CountQuestion question{
+            "Execute Instalments", "Past &instalments:", 5, 1000, "Registration &number:", &number};
+        if (const auto count = AskCount(m_frame.Handle(), question)) ExecuteInstalments(*count, number);
     });
 }
 

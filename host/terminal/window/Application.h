@@ -54,6 +54,10 @@ public:
     // Tell in the log what became of it; false when the server did not take them all.
     bool FillRegistrations(int count);
     bool PlaceOtherOrders(int count);
+    // Without a number those of the latest registration.
+    bool ExecuteInstalments(int count, std::string number = {});
+    // The non-trading days anew, with those that the server restricts.
+    bool ReloadCalendar();
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
@@ -63,6 +67,7 @@ public:
     // These ask how many.
     void RequestFill();
     void RequestOtherOrders();
+    void RequestExecution();
     void RequestClose();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);

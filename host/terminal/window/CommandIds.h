@@ -19,6 +19,7 @@ enum CommandId : int {
     kCancelOrderCommand = 15,
     kFillCommand = 16,
     kOtherOrdersCommand = 17,
+    kExecuteCommand = 18,
     kFontSmallerCommand = 20,
     kFontNormalCommand = 21,
     kFontLargerCommand = 22,

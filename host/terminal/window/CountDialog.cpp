@@ -3,10 +3,10 @@
 #include "framework/Guard.h"
 #include "host/terminal/window/DialogIds.h"
 
-#include <string>
-
 namespace vesk {
 namespace {
+
+constexpr std::size_t kLongestText = 255;
 
 void Begin(HWND dialog, const CountQuestion& question) {
     SetWindowLongPtrA(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&question));
@@ -15,12 +15,22 @@ void Begin(HWND dialog, const CountQuestion& question) {
     SetDlgItemInt(dialog, IDC_COUNT, static_cast<UINT>(question.usual), FALSE);
     const std::size_t digits = std::to_string(question.most).size();
     SendDlgItemMessageA(dialog, IDC_COUNT, EM_SETLIMITTEXT, digits, 0);
+    if (!question.text) return;
+    SetDlgItemTextA(dialog, IDC_TEXT_LABEL, question.textLabel);
+    SetDlgItemTextA(dialog, IDC_TEXT, question.text->c_str());
+    SendDlgItemMessageA(dialog, IDC_TEXT, EM_SETLIMITTEXT, kLongestText, 0);
+}
+
+std::string TextOf(HWND dialog) {
+    char text[kLongestText + 1] = "";
+    return {text, GetDlgItemTextA(dialog, IDC_TEXT, text, sizeof text)};
 }
 
 void Accept(HWND dialog) {
     const auto& question = *reinterpret_cast<const CountQuestion*>(GetWindowLongPtrA(dialog, DWLP_USER));
     const auto count = static_cast<int>(GetDlgItemInt(dialog, IDC_COUNT, nullptr, FALSE));
     if (count >= 1 && count <= question.most) {
+        if (question.text) *question.text = TextOf(dialog);
         EndDialog(dialog, count);
         return;
     }
@@ -42,8 +52,9 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 } // namespace
 
 std::optional<int> AskCount(HWND owner, const CountQuestion& question) {
-    const INT_PTR count = DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_COUNT), owner,
-                                          Procedure, reinterpret_cast<LPARAM>(&question));
+    const int dialog = question.text ? IDD_COUNT_OF : IDD_COUNT;
+    const INT_PTR count = DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialog), owner, Procedure,
+                                          reinterpret_cast<LPARAM>(&question));
     if (count < 1) return std::nullopt;
     return static_cast<int>(count);
 }

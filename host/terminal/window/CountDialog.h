@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <optional>
+#include <string>
 
 namespace vesk {
 
@@ -12,6 +13,9 @@ struct CountQuestion {
     const char* label;
     int usual;
     int most; // from 1
+    // A text that is asked for besides; null when there is none.
+    const char* textLabel = nullptr;
+    std::string* text = nullptr; // what it begins with, and becomes
 };
 
 // Runs until the user has answered; nothing when he cancels.

@@ -147,11 +147,7 @@ const NonTradingDates* pu_get_non_trading_dates_map() {
 }
 
 int pu_resend_nontradingDate_Request() {
-    return Serve(0, [](Application& application) {
-        const auto fault = application.State().ReloadCalendar();
-        if (fault) application.LogFromSystem(fault->Text());
-        return fault ? 0 : 1;
-    });
+    return Serve(0, [](Application& application) { return application.ReloadCalendar() ? 1 : 0; });
 }
 
 RxControl* GetKeloRxControl(int kind, CKeloRxNotifierBase* notifier) {

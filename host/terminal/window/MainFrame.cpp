@@ -136,6 +136,7 @@ bool MainFrame::OnMenuCommand(int id) {
         {kCancelOrderCommand, 1, [&](int) { m_application.RequestPaneCommand("Cancel Order"); }},
         {kFillCommand, 1, [&](int) { m_application.RequestFill(); }},
         {kOtherOrdersCommand, 1, [&](int) { m_application.RequestOtherOrders(); }},
+        {kExecuteCommand, 1, [&](int) { m_application.RequestExecution(); }},
         {kFirstClockCommand, kMostClockDays, [&](int days) { m_application.AdvanceClock(days); }},
         {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
          [&](int entry) {

@@ -82,6 +82,7 @@ HMENU ServerMenu() {
     AddSeparator(menu);
     Add(menu, kFillCommand, "&Fill Registrations...");
     Add(menu, kOtherOrdersCommand, "&Orders from Another Session...");
+    Add(menu, kExecuteCommand, "&Execute Instalments...");
     return menu;
 }
 

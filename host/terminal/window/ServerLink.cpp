@@ -68,4 +68,32 @@ std::size_t ServerLink::PlaceOtherOrders(std::size_t count, SampleMarket market)
     return m_other->PlaceOrders(count, static_cast<std::int64_t>(GetTickCount64()));
 }
 
+std::string ServerLink::LatestRegistration() const {
+    if (!m_server || m_server->Registrations().empty()) return {};
+    return std::string(m_server->Registrations().back().Number());
+}
+
+std::string ServerLink::Execute(std::size_t count, const std::string& number, const ScripMaster& master) {
+    if (!m_server) return kNoServer;
+    const Registration* registration = m_server->Find(number);
+    if (!registration) return "There is no registration " + number;
+    ExecutionPlan plan{m_server->OpenDays(*registration, count)};
+    if (plan.days.size() < count)
+        return "There are no more than " + std::to_string(plan.days.size()) + " days for instalments of "
+               + number;
+    const Scrip* scrip =
+        master.ByTradingSymbol(registration->Text(kTagExchange), registration->Text(kTagTradingSymbol));
+    if (scrip) plan.price = scrip->lastPrice;
+    return m_server->Execute(*registration, plan);
+}
+
+std::vector<std::uint32_t> ServerLink::RestrictedDates() const {
+    std::vector<std::uint32_t> numbers;
+    if (!m_server) return numbers;
+    for (const auto date : m_server->Restricted().All())
+        numbers.push_back(static_cast<std::uint32_t>(int{date.year()}) * 10'000 + unsigned{date.month()} * 100
+                          + unsigned{date.day()});
+    return numbers;
+}
+
 } // namespace vesk

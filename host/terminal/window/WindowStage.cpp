@@ -34,6 +34,7 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::clock, &WindowStage::Clock},
     {Verb::fill, &WindowStage::Fill},
     {Verb::other, &WindowStage::OtherOrders},
+    {Verb::execute, &WindowStage::Execute},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},
     {Verb::showPane, &WindowStage::ShowPane},
@@ -207,6 +208,12 @@ StepResult WindowStage::Fill(const ScriptCommand& command, std::size_t) {
 StepResult WindowStage::OtherOrders(const ScriptCommand& command, std::size_t) {
     if (m_application.PlaceOtherOrders(command.Number(0))) return StepResult::Done();
     return StepResult::Failed("the server does not take so many orders");
+}
+
+StepResult WindowStage::Execute(const ScriptCommand& command, std::size_t) {
+    const std::string number = command.words.size() > 1 ? command.words[1] : std::string();
+    if (m_application.ExecuteInstalments(command.Number(0), number)) return StepResult::Done();
+    return StepResult::Failed("the server does not execute so many instalments");
 }
 
 } // namespace vesk

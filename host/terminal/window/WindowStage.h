@@ -58,6 +58,7 @@ private:
     StepResult Clock(const ScriptCommand&, std::size_t);
     StepResult Fill(const ScriptCommand&, std::size_t);
     StepResult OtherOrders(const ScriptCommand&, std::size_t);
+    StepResult Execute(const ScriptCommand&, std::size_t);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);
     StepResult ShowPane(const ScriptCommand&, std::size_t);

@@ -1,0 +1,174 @@
+#include "host/server/ExchangeOrder.h"
+
+#include "host/server/Journal.h"
+#include "host/server/Schedule.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <random>
+
+namespace vesk {
+namespace {
+
+// Prices are whole paise.
+constexpr std::int64_t kTick = 5;
+
+constexpr std::uint32_t kOfTheRegistration[] = {kTagUser,          kTagAccount,           kTagExchange,
+                                                kTagTradingSymbol, kTagOrderType,         kTagSide,
+                                                kTagOrderSource,   kTagRegistrationNumber};
+constexpr std::uint32_t kOfTheOrder[] = {kTagExchange, kTagTradingSymbol, kTagRegistrationNumber,
+                                         kTagOrderNumber};
+constexpr std::uint32_t kOfTheLastFill[] = {kTagFillDate, kTagFillTime};
+
+constexpr std::string_view kReasons[] = {
+    "Margin of the account is not sufficient",
+    "Scrip is not open for trading",
+    "Quantity exceeds the limit of a single order",
+};
+
+template <std::size_t count>
+void Copy(const std::uint32_t (&tags)[count], const FieldRecord& from, FieldRecord& to) {
+    for (const std::uint32_t tag : tags)
+        to.Set(tag, from.Text(tag));
+}
+
+std::string TimeOfDay(std::int64_t second) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d", static_cast<int>(second / 3600 % 24),
+                  static_cast<int>(second / 60 % 60), static_cast<int>(second % 60));
+    return text;
+}
+
+class Exchange {
+public:
+    explicit Exchange(const Placement& placement)
+        : m_placement(placement), m_random(placement.plan.seed + placement.sequence) {}
+
+    ExchangeOrder Place() {
+        Copy(kOfTheRegistration, m_placement.registration, Order());
+        Order().Set(kTagOrderNumber, DatedNumber("1", m_placement.day, m_placement.sequence));
+        Order().Set(kTagPlacedAt, RecordDate(m_placement.day) + ' ' + TimeOfDay(m_second));
+        Order().Set(kTagPrice, std::to_string(m_price));
+        Order().Set(kTagQuantity, std::to_string(m_quantity));
+        Order().Set(kTagTradedQuantity, "0");
+        constexpr std::int64_t lots = 10;
+        const std::int64_t lot = Below(lots);
+        if (lot < 2)
+            Reject();
+        else if (lot < 5 && m_quantity > 1)
+            FillPartly();
+        else
+            Fill(m_quantity, kStatusComplete);
+        Order().Shrink();
+        return std::move(m_made);
+    }
+
+private:
+    FieldRecord& Order() { return m_made.order; }
+    std::int64_t Below(std::int64_t end) {
+        return static_cast<std::int64_t>(m_random() % static_cast<std::uint64_t>(end));
+    }
+    // A scrip stays near its own price.
+    std::int64_t PriceNear() {
+        constexpr std::int64_t highest = 1'000'000'000'000;
+        constexpr std::int64_t spread = 20'000;
+        const std::int64_t madeUp = 500 + Crc32(m_placement.registration.Text(kTagToken)) % spread;
+        const std::int64_t wanted = m_placement.plan.price;
+        const std::int64_t usual = std::min(wanted > 0 ? wanted : madeUp, highest);
+        return Tradable(usual + usual * (Below(41) - 20) / 1000);
+    }
+    static std::int64_t Tradable(std::int64_t price) { return std::max(kTick, price / kTick * kTick); }
+    std::int64_t QuantityFor(std::int64_t price) const {
+        const Registration& registration = m_placement.registration;
+        const std::int64_t amount = WholeNumber(registration.Text(kTagAmountOrQuantity)).value_or(1);
+        const bool byQuantity = registration.Text(kTagInvestType) == "qty";
+        return std::max<std::int64_t>(1, byQuantity ? amount : amount / price);
+    }
+
+    void Reject() {
+        Order().Set(kTagStatus, kStatusRejected);
+        Order().Set(kTagUserText, kReasons[Below(std::ssize(kReasons))]);
+    }
+    void FillPartly() {
+        const bool isOpen = m_placement.day == m_placement.today;
+        Fill(1 + Below(m_quantity - 1), isOpen ? kStatusOpen : kStatusCancelled);
+        if (!isOpen) Order().Set(kTagUserText, "The rest lapsed at the close");
+    }
+    // Fills of equal size, so the traded price is their mean.
+    void Fill(std::int64_t quantity, std::string_view status) {
+        constexpr std::int64_t mostFills = 3;
+        const std::int64_t count = 1 + Below(std::min(mostFills, quantity));
+        std::int64_t sum = 0;
+        for (std::int64_t i = 0; i < count; ++i)
+            sum += AddTrade();
+        Order().Set(kTagStatus, status);
+        Order().Set(kTagTradedQuantity, std::to_string(quantity));
+        if (m_placement.sequence % 3 == 0) return;
+        Order().Set(kTagTradedPrice, std::to_string(sum / count));
+        Copy(kOfTheLastFill, m_made.trades.back(), Order());
+    }
+    std::int64_t AddTrade() {
+        const std::int64_t price = Tradable(m_price + kTick * (Below(5) - 2));
+        m_second += 1 + Below(60);
+        FieldRecord trade;
+        Copy(kOfTheOrder, Order(), trade);
+        trade.Set(kTagTradedPrice, std::to_string(price));
+        trade.Set(kTagFillTime, TimeOfDay(m_second));
+        trade.Set(kTagFillDate, RecordDate(m_placement.day));
+        trade.Shrink();
+        m_made.trades.push_back(std::move(trade));
+        return price;
+    }
+
+    const Placement& m_placement;
+    std::mt19937_64 m_random;
+    std::int64_t m_price = PriceNear();
+    std::int64_t m_quantity = QuantityFor(m_price);
+    std::int64_t m_second = 9 * 3600 + 15 * 60 + Below(600);
+    ExchangeOrder m_made;
+};
+
+} // namespace
+
+ExchangeOrder PlaceOnExchange(const Placement& placement) {
+    return Exchange(placement).Place();
+}
+
+std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order) {
+    const std::string_view stamp = order.Text(kTagPlacedAt);
+    return ParseRecordDate(stamp.substr(0, stamp.find(' ')));
+}
+
+void ExecutionHistory::Enter(ExchangeOrder made) {
+    orders.push_back(std::move(made.order));
+    std::move(made.trades.begin(), made.trades.end(), std::back_inserter(trades));
+}
+
+std::string ExchangeOrder::Json() const {
+    std::string json = "{\"order\":";
+    order.AppendJson(json);
+    json += ",\"trades\":[";
+    for (const FieldRecord& trade : trades) {
+        if (&trade != &trades.front()) json += ',';
+        trade.AppendJson(json);
+    }
+    json += "]}";
+    return json;
+}
+
+std::optional<ExchangeOrder> ExchangeOrder::FromJson(std::string_view text) {
+    RecordReader reader(text);
+    ExchangeOrder read;
+    if (!reader.Take("{\"order\":") || !reader.TakeFields(read.order) || !reader.Take(",\"trades\":["))
+        return std::nullopt;
+    if (!reader.Take("]}")) {
+        do {
+            if (!reader.TakeFields(read.trades.emplace_back())) return std::nullopt;
+        } while (reader.Take(","));
+        if (!reader.Take("]}")) return std::nullopt;
+    }
+    if (!reader.AtEnd() || read.order.Text(kTagRegistrationNumber).empty()) return std::nullopt;
+    return read;
+}
+
+} // namespace vesk

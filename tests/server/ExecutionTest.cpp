@@ -1,0 +1,197 @@
+// Restricted days, and the exchange orders that became of registrations: set, placed, asked for, and there
+// after a restart.
+
+#include "host/server/Schedule.h"
+#include "tests/server/ServerFixture.h"
+
+namespace vesk {
+namespace {
+
+using Answers = std::vector<std::string>;
+const std::string kNumber = "SIP2603020000001";
+
+TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
+    // One after the other: the three fields, and the refusal or nothing.
+    const struct {
+        const char* from;
+        const char* to;
+        const char* year;
+        const char* refusal = "";
+    } rows[] = {
+        {"", "2", "2026", "101 20008=The from-day is missing"},
+        {"2", "", "2026", "101 20008=The to-day is missing"},
+        {"2", "2", "", "101 20008=The year is missing"},
+        {"5", "05", "2026"},
+        {"0", "5", "2026", "102 20008=The from-day cannot be \"0\""},
+        {"1", "32", "2026", "102 20008=The to-day cannot be \"32\""},
+        {"31", "1", "2026", "102 20008=The from-day is behind the to-day"},
+        {"1", "1", "2025", "102 20008=The year cannot be \"2025\""},
+        {"1", "1", "2047", "102 20008=The year cannot be \"2047\""},
+        {"28", "31", "2044"},
+        {"1", "x", "2046", "102 20008=The to-day cannot be \"x\""},
+        {"29", "30", "2026"},
+    };
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    WriteFileText(path, JournalLine("{\"registration\":{\"64804\":\"OLD\"}}"));
+    const std::string set = "32767=calendar_add_restricted_dates", get = "32767=calendar_get_restricted_dates";
+    std::string held;
+    for (const auto& row : rows) {
+        RunningServer running(path);
+        EXPECT_EQ(running.Ask({{kTagRequestName, get.substr(6)}}), Answers{get + held});
+        EXPECT_EQ(running.Ask({{kTagRequestName, set.substr(6)},
+                               {kTagStartDate, row.from},
+                               {kTagToDay, row.to},
+                               {kTagYear, row.year}}),
+                  Answers{set + (*row.refusal ? " 32766=" : "") + row.refusal});
+        if (*row.refusal) continue;
+        held = std::string(" 46000=") + row.year + " 49165=" + row.from
+               + " 63025=" + std::to_string(std::stoi(row.to));
+    }
+    RunningServer again(path);
+    EXPECT_EQ(again.opening.records.size(), 4u);
+    EXPECT_EQ(again.Ask({{kTagRequestName, get.substr(6)}}), Answers{get + held});
+    const auto days = again.server->Restricted().All();
+    EXPECT_EQ(days.size(), 22u + 42u);
+    EXPECT_TRUE(std::is_sorted(days.begin(), days.end()));
+}
+
+TEST(Execution, OpenDaysFollowTheScheduleAndMissWeekendsAndRestrictedDays) {
+    const TemporaryFolder folder;
+    RunningServer running(folder.File("journal")); // on Monday, 02-Mar-2026
+    const struct {
+        const char* registration;
+        std::size_t count;
+        const char* days;
+        bool restricted = false; // from here on the first 26 days of this year's months are
+    } rows[] = {
+        {"49165=06-Mar-2026|10012=monthly", 3, "08-Dec-2025 06-Jan-2026 06-Feb-2026 "},
+        {"49165=06-Mar-2026|10012=daily", 4, "25-Feb-2026 26-Feb-2026 27-Feb-2026 02-Mar-2026 "},
+        {"49165=01-Jan-2026|10012=weekly|10320=10-Jan-2026", 2, "01-Jan-2026 08-Jan-2026 "},
+        {"49165=29-Feb-2024|10012=yearly|64987=28-Feb-2025", 2, "29-Feb-2024 28-Feb-2025 "},
+        {"49165=31-Dec-1969|10012=yearly|64987=31-Dec-1971", 9, "31-Dec-1970 31-Dec-1971 "},
+        {"49165=soon|10012=daily", 1, ""},
+        {"49165=06-Mar-2026|10012=daily", 3, "29-Jan-2026 30-Jan-2026 27-Feb-2026 ", true},
+    };
+    for (const auto& row : rows) {
+        if (row.restricted)
+            running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=1|63025=26"));
+        Registration registration;
+        for (const auto& [tag, text] : FieldsOf(row.registration))
+            registration.Set(tag, text);
+        std::string days;
+        for (const auto day : running.server->OpenDays(registration, row.count))
+            days += RecordDate(day) + ' ';
+        EXPECT_EQ(days, row.days) << row.registration;
+    }
+}
+
+std::string Executed(RunningServer& running, std::size_t count, std::uint64_t seed = 1) {
+    const Registration& registration = *running.server->Find(kNumber);
+    return running.server->Execute(registration,
+                                   {running.server->OpenDays(registration, count), 250'000, seed});
+}
+
+Answers Rows(RunningServer& running, const char* what) {
+    return running.Finish(running.Begin(
+        {{kTagRequestName, std::string("qry_eq_sip_") + what}, {kTagRegistrationNumber, kNumber}}));
+}
+
+std::string Field(const std::string& message, std::uint32_t tag) {
+    return std::string(qmx::Text(qmx::MessageReader(message).Handle(), tag));
+}
+
+TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    const Fields order = Order({{kTagAmountOrQuantity, "12345000"}});
+    Answers orders, trades;
+    {
+        RunningServer running(path);
+        running.Ask(order);
+        EXPECT_EQ(Executed(running, 60), "");
+        // What is placed during a listing is not in it; the days go on where they were free.
+        Reply listing = running.Begin(FieldsOf("0=qry_eq_sip_orders|64804=" + kNumber));
+        EXPECT_EQ(Executed(running, 40), "");
+        EXPECT_EQ(running.Finish(std::move(listing)).size(), 61u);
+        orders = Rows(running, "orders");
+        trades = Rows(running, "trades");
+    }
+    ASSERT_EQ(orders.size(), 101u);
+    orders.pop_back();
+    trades.pop_back();
+    std::map<std::string, std::size_t> fills, seen, days;
+    for (const std::string& trade : trades) {
+        ++fills[Field(trade, kTagOrderNumber)];
+        EXPECT_EQ(Field(trade, kTagRegistrationNumber) + Field(trade, kTagTradingSymbol), kNumber + "ALPHA-EQ");
+        EXPECT_GT(WholeNumber(Field(trade, kTagTradedPrice)).value_or(0), 0);
+        EXPECT_TRUE(Field(trade, kTagFillTime).size() == 8 && ParseRecordDate(Field(trade, kTagFillDate)));
+    }
+    for (const std::string& row : orders) {
+        const auto quantity = WholeNumber(Field(row, kTagQuantity)).value();
+        const auto traded = WholeNumber(Field(row, kTagTradedQuantity)).value();
+        const std::string status = Field(row, kTagStatus), time = Field(row, kTagFillTime);
+        EXPECT_EQ(traded != 0, fills.contains(Field(row, kTagOrderNumber)));
+        EXPECT_EQ(traded == quantity, status == kStatusComplete);
+        EXPECT_EQ(traded == 0, status == kStatusRejected);
+        EXPECT_EQ(Field(row, kTagUserText).empty(), status == kStatusComplete);
+        EXPECT_TRUE(Field(row, kTagFillDate).empty() == time.empty()
+                    && Field(row, kTagTradedPrice).empty() == time.empty());
+        for (const Tag tag : {kTagUser, kTagAccount, kTagSide, kTagOrderType, kTagOrderSource})
+            EXPECT_EQ(Field(row, tag), order.at(tag));
+        ++seen[status + (traded == 0 ? "" : time.empty() ? ", pending" : ", told")];
+        EXPECT_EQ(++days[Field(row, kTagPlacedAt).substr(0, 11)], 1u);
+    }
+    EXPECT_EQ(seen.size(), 5u);
+    EXPECT_GT(seen["complete, pending"], 5u);
+
+    // Neither an order without its trades nor trades without their order are left of a torn record, and the
+    // same order is placed again.
+    const std::string whole = FileText(path);
+    const std::size_t lastFills = fills[Field(orders.back(), kTagOrderNumber)];
+    for (std::size_t length = whole.rfind('\n', whole.size() - 2) + 1; length < whole.size(); length += 61) {
+        WriteFileText(path, whole.substr(0, length));
+        RunningServer torn(path);
+        EXPECT_EQ(Rows(torn, "orders").size(), orders.size());
+        EXPECT_EQ(Rows(torn, "trades").size(), trades.size() - lastFills + 1);
+        EXPECT_EQ(Executed(torn, 1), "");
+        EXPECT_EQ(FileText(path), whole);
+    }
+    RunningServer again(path), other(folder.File("other"));
+    Answers rows = Rows(again, "orders");
+    rows.pop_back();
+    EXPECT_EQ(rows, orders);
+    other.Ask(order);
+    EXPECT_EQ(Executed(other, 60, 2) + Executed(other, 40, 2), "");
+    EXPECT_NE(Rows(other, "orders"), Rows(again, "orders"));
+}
+
+TEST(Execution, IsToldToWhoMaySeeTheRegistrationAndClosedWithoutAnyRow) {
+    const TemporaryFolder folder;
+    RunningServer running(folder.File("journal"));
+    running.Ask(Order());
+    const struct {
+        const char* login;
+        const char* firm;
+        std::string number;
+        const char* orders; // behind the name
+        const char* trades;
+    } rows[] = {
+        {"USER1", "", kNumber, "32766=", "49166=no more data"},
+        {"USER2", "BROKER", kNumber, "32766=", "49166=no more data"},
+        {"USER2", "OTHER", kNumber, "32766=105 20008=The registration is another user's", nullptr},
+        {"USER2", "", kNumber, "32766=105 20008=The registration is another user's", nullptr},
+        {"USER1", "", "SIP", "32766=107 20008=There is no registration SIP", nullptr},
+        {"USER1", "", "", "32766=101 20008=The registration number is missing", nullptr},
+    };
+    for (const auto& row : rows) {
+        running.user = {row.login, row.firm, ""};
+        for (const std::string name : {"qry_eq_sip_orders", "qry_eq_sip_trades"})
+            EXPECT_EQ(running.Ask({{kTagRequestName, name}, {kTagRegistrationNumber, row.number}}),
+                      Answers{"32767=" + name + " "
+                              + (row.trades && name.ends_with("trades") ? row.trades : row.orders)});
+    }
+}
+
+} // namespace
+} // namespace vesk
