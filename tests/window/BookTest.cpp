@@ -159,15 +159,7 @@ TEST_F(BookTest, ColumnsAndCellsAreReadAsTheyAreShown) {
         HWND list = ended ? cancelled : registered;
         HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
         for (int i = 0; i < SendMessageA(header, HDM_GETITEMCOUNT, 0, 0); ++i) {
-            char text[64] = "";
-            LVCOLUMNA column{};
-            column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-            column.pszText = text;
-            column.cchTextMax = sizeof text;
-            SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&column));
-            const int width = MulDiv(column.cx, 96, static_cast<int>(GetDpiForWindow(list)));
-            const bool right = (column.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
-            headings += text + (" " + std::to_string(width)) + (right ? " right|" : "|");
+            headings += HeadingAt(list, i);
             texts += probe::Cell(list, 0, i) + "|";
         }
         std::string shown = cells;
@@ -293,9 +285,11 @@ TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {
     {
         const HiddenExport hidden("GetKeloRxControl");
         Open();
-        EXPECT_EQ(boxes.Texts(), "Exe is not compatible with the plugin|Exe is not compatible with the plugin|"
-                                 "Sending Request add_sip_orders Failed|Request Failure|"
-                                 "Subscription  is failed ,error code : 0|Request Failure|Request Failure|");
+        // Once by each window that takes controls.
+        std::string texts = boxes.Texts();
+        texts.erase(0, texts.find("Sending"));
+        EXPECT_EQ(texts, "Sending Request add_sip_orders Failed|Request Failure|"
+                         "Subscription  is failed ,error code : 0|Request Failure|Request Failure|");
         plugin->Exit();
     }
     Open();

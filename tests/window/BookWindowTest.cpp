@@ -76,6 +76,18 @@ std::string BookWindowTest::Counts() const {
     return counts;
 }
 
+std::string BookWindowTest::HeadingAt(HWND list, int column) {
+    char text[64] = "";
+    LVCOLUMNA heading{};
+    heading.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
+    heading.pszText = text;
+    heading.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&heading));
+    const int width = MulDiv(heading.cx, 96, static_cast<int>(GetDpiForWindow(list)));
+    const bool right = (heading.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
+    return text + (" " + std::to_string(width)) + (right ? " right|" : "|");
+}
+
 std::string BookWindowTest::SelectedNumbers(HWND list) {
     std::string numbers;
     for (int row = -1; (row = Next(list, LVNI_SELECTED, row)) >= 0;)

@@ -40,6 +40,8 @@ protected:
     static int Next(HWND list, UINT flags, int from = -1) {
         return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
     }
+    // "Amount 50 right|", the width as at 96 DPI.
+    static std::string HeadingAt(HWND list, int column);
     static std::string NumberAt(HWND list, int row) { return row < 0 ? "" : probe::Cell(list, row, 14); }
     static std::string SelectedNumbers(HWND list);
     // Exactly these rows, by their numbers, and the focus on the last of them.

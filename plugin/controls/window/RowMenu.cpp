@@ -40,10 +40,10 @@ void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const
                    std::span<const MenuEntry> several) {
     const framework::Menu menu(CreatePopupMenu());
     AppendEntries(menu.Get(), entries);
-    AppendSeparator(menu.Get());
+    if (!entries.empty()) AppendSeparator(menu.Get());
     AppendEntries(menu.Get(), several);
     list.AppendMenuEntries(menu.Get());
-    AppendSeparator(menu.Get());
+    if (!entries.empty()) AppendSeparator(menu.Get());
     Track(parent, at, menu.Get());
 }
 

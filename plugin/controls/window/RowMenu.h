@@ -15,7 +15,7 @@ POINT RowMenuPlace(HWND list, LPARAM position);
 class RowMenu {
 public:
     // Returns when the menu has been left; the choice comes to `parent` as a command. `several` stand with the
-    // list's own entries.
+    // list's own entries, which stand alone where the plug-in has none.
     void Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const MenuEntry> entries,
               std::span<const MenuEntry> several = {});
     // The same of a list without entries of its own.

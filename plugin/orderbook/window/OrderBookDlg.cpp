@@ -41,14 +41,14 @@ constexpr CommandRow kCommands[] = {
 } // namespace
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                             const BookControls& controls, Modify modify)
+                             const BookControls& controls, Modify modify, History history)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
-      m_modify(std::move(modify)) {}
+      m_modify(std::move(modify)), m_history(std::move(history)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -172,10 +172,17 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     const auto id = static_cast<std::uint32_t>(command.id);
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) m_book.Refresh();
+    if (command.id == kOrderHistoryCommand) OpenHistory();
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
     // Escape is no wish to be rid of the book.
     return true;
+}
+
+// Of the first selected row of the open page.
+void COrderBookDlg::OpenHistory() {
+    const RecordId first = (CurrentPage() == 1 ? m_cancelled : m_registered).FirstSelected();
+    if (first != kNoRecord) m_history(std::string(m_book.Records()[first].Number()));
 }
 
 std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {

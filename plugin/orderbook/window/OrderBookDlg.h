@@ -23,9 +23,11 @@ public:
 
     // Opens the order entry window over a record.
     using Modify = std::function<void(const sOrderinfo&)>;
+    // Opens the order history of a registration number.
+    using History = std::function<void(const std::string&)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  const BookControls& controls, Modify modify);
+                  const BookControls& controls, Modify modify, History history);
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
@@ -57,6 +59,7 @@ private:
     bool OnKey(UINT_PTR list, int key);
     void ShowCounts();
     void OpenMenu(HWND list, POINT at);
+    void OpenHistory();
 
     Session& m_session;
     framework::MessageBoxes& m_boxes;
@@ -68,6 +71,7 @@ private:
     CRunProgressDlg m_progress;
     RowMenu m_menu;
     Modify m_modify;
+    History m_history;
     framework::Font m_font;
     bool m_open = false;
 };

@@ -13,8 +13,10 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes)
     : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
-      m_basket(module, m_session, boxes),
-      m_orderBook(module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); }) {
+      m_basket(module, m_session, boxes), m_orderHistory(module, m_session, boxes),
+      m_orderBook(
+          module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); },
+          [this](const std::string& number) { OpenOrderHistory(number); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -24,6 +26,7 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
 void CPlanfoldControlBlock::ShutDown() {
     m_session.End();
     m_orderBook.ShutDown();
+    m_orderHistory.ShutDown();
     m_basket.ShutDown();
     m_orderEntry.ShutDown();
     m_keyboard.reset();
@@ -67,6 +70,11 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
     if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
 }
 
+void CPlanfoldControlBlock::OpenOrderHistory(const std::string& registrationNumber) {
+    if (!m_orderHistory.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+    if (!m_session.Ended()) m_orderHistory.Open(registrationNumber);
+}
+
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
     m_session.OpenHandles(notices);
     for (const FrequencyRow& frequency : kFrequencies)
@@ -98,6 +106,7 @@ void CPlanfoldControlBlock::ApplyFontPreference(void* third, void* fourth) {
     };
     apply(m_orderEntry);
     apply(m_basket);
+    apply(m_orderHistory);
 }
 
 } // namespace planfold

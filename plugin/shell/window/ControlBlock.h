@@ -4,6 +4,7 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/basket/window/BasketUpload.h"
+#include "plugin/history/window/SIPOrderHistoryDlg.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
@@ -37,6 +38,7 @@ public:
     void OpenBasket();
     void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
     void OpenForModify(const sOrderinfo& record);
+    void OpenOrderHistory(const std::string& registrationNumber);
     // An empty client removes the filter of the book's lists.
     void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 
@@ -48,6 +50,7 @@ private:
     // The windows take their controls in this order.
     COrderEntryDlg m_orderEntry;
     CBasketUpload m_basket;
+    CSIPOrderHistoryDlg m_orderHistory;
     COrderBookDlgBar m_orderBook;
     std::string m_strUserDirectory;
     std::intptr_t m_nFontVariation = 0; // points

@@ -1,0 +1,136 @@
+#include "plugin/history/HistoryChart.h"
+
+#include "plugin/messaging/Dates.h"
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr const char* kPartNames[] = {"Filled", "Partly filled", "Waiting", "Rejected or cancelled"};
+static_assert(std::size(kPartNames) == kChartPartCount);
+
+constexpr double kLargestQuantity = 1e15; // beyond it whole numbers are no longer exact
+
+double Quantity(const std::string& text) {
+    const double quantity = LeadingReal(text);
+    return quantity > 0 ? std::min(quantity, kLargestQuantity) : 0;
+}
+
+bool HoldsIgnoringCase(std::string_view text, std::string_view word) {
+    const auto same = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
+    return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
+}
+
+ChartPart KindOf(const sOrderHistory& order, double filled, double quantity) {
+    if (filled > 0) return filled < quantity ? ChartPart::unfilled : ChartPart::filled;
+    const std::string& status = order[HistoryField::orderStatus];
+    const bool lost = HoldsIgnoringCase(status, "reject") || HoldsIgnoringCase(status, "cancel");
+    return lost ? ChartPart::lost : ChartPart::waiting;
+}
+
+std::string DateOf(const std::string& timeStamp) {
+    return timeStamp.substr(0, timeStamp.find(' '));
+}
+
+double& At(ChartParts& parts, ChartPart part) {
+    return parts[static_cast<std::size_t>(part)];
+}
+
+// The places of the orders in the order of their placement.
+std::vector<std::size_t> ByTime(std::span<const sOrderHistory> orders) {
+    std::vector<std::size_t> places(orders.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
+    std::vector<std::pair<std::int64_t, std::string_view>> times;
+    for (const sOrderHistory& order : orders) {
+        const std::string& stamp = order[HistoryField::placementTime];
+        const std::string date = DateOf(stamp);
+        times.emplace_back(ParseDate(date), std::string_view(stamp).substr(date.size()));
+        if (times.back().first < 0) return places;
+    }
+    std::ranges::stable_sort(places, {}, [&](std::size_t place) { return times[place]; });
+    return places;
+}
+
+ChartBar Joined(std::span<const ChartBar> orders) {
+    ChartBar bar{orders.front().from, orders.back().to, orders.size()};
+    for (const ChartBar& order : orders)
+        for (std::size_t i = 0; i < kChartPartCount; ++i)
+            bar.quantities[i] += order.quantities[i];
+    return bar;
+}
+
+} // namespace
+
+double ChartBar::Total() const {
+    return std::accumulate(quantities.begin(), quantities.end(), 0.0);
+}
+
+HistoryChart::HistoryChart(std::span<const sOrderHistory> orders) {
+    for (const std::size_t place : ByTime(orders)) {
+        const sOrderHistory& order = orders[place];
+        const double filled = Quantity(order[HistoryField::tradedQuantity]);
+        const double quantity = std::max(Quantity(order[HistoryField::quantity]), filled);
+        const ChartPart kind = KindOf(order, filled, quantity);
+        ++m_counts[static_cast<std::size_t>(kind)];
+        const std::string date = DateOf(order[HistoryField::placementTime]);
+        ChartBar& bar = m_orders.emplace_back(ChartBar{date, date, 1});
+        At(bar.quantities, ChartPart::filled) = filled;
+        if (kind != ChartPart::filled) At(bar.quantities, kind) = quantity - filled;
+    }
+}
+
+std::vector<ChartBar> HistoryChart::Bars(std::size_t most) const {
+    if (m_orders.empty() || most == 0) return {};
+    const std::size_t together = (m_orders.size() + most - 1) / most;
+    std::vector<ChartBar> bars;
+    for (std::size_t i = 0; i < m_orders.size(); i += together)
+        bars.push_back(Joined(std::span(m_orders).subspan(i, std::min(together, m_orders.size() - i))));
+    return bars;
+}
+
+std::string HistoryChart::Heading(std::span<const ChartBar> bars) {
+    const std::size_t together = bars.empty() ? 1 : bars.front().orders;
+    return together == 1 ? "Quantity by order" : Format("Quantity, %zu orders a bar", together);
+}
+
+std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
+    std::array<std::string, kChartPartCount> legend;
+    for (std::size_t i = 0; i < kChartPartCount; ++i)
+        legend[i] = Format("%s: %zu", kPartNames[i], m_counts[i]);
+    return legend;
+}
+
+std::string HistoryChart::Summary() const {
+    if (m_orders.empty()) return "No orders";
+    ChartBar all = Joined(m_orders);
+    std::string text = Format("Orders: %zu, from %s to %s. Quantity: %s. Quantity filled: %s.", all.orders,
+                              all.from.c_str(), all.to.c_str(), QuantityText(all.Total()).c_str(),
+                              QuantityText(At(all.quantities, ChartPart::filled)).c_str());
+    for (const std::string& entry : Legend())
+        text += " " + entry + ".";
+    return text;
+}
+
+double ScaleTop(std::span<const ChartBar> bars) {
+    double highest = 0;
+    for (const ChartBar& bar : bars)
+        highest = std::max(highest, bar.Total());
+    if (highest <= 1) return 1;
+    const double power = std::pow(10, std::floor(std::log10(highest)));
+    for (const double step : {1.0, 1.5, 2.0, 3.0, 4.0, 6.0, 8.0})
+        if (step * power >= highest) return step * power;
+    return 10 * power;
+}
+
+std::string QuantityText(double quantity) {
+    return Format("%.15g", quantity);
+}
+
+} // namespace planfold

@@ -1,0 +1,54 @@
+// The instalments of a registration over time, as bars: how much each order asked for and what became of it.
+// Knows no pixels; whoever paints says how many bars there is room for.
+#pragma once
+
+#include "plugin/history/HistoryRecord.h"
+
+#include <array>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace planfold {
+
+// The parts of a bar, from the bottom: an order that was filled in part has a filled and an unfilled one; what
+// was rejected or cancelled before any fill is lost.
+enum class ChartPart { filled, unfilled, waiting, lost, count };
+inline constexpr std::size_t kChartPartCount = static_cast<std::size_t>(ChartPart::count);
+using ChartParts = std::array<double, kChartPartCount>;
+
+struct ChartBar {
+    std::string from; // date of its first order
+    std::string to;   // and of its last
+    std::size_t orders = 0;
+    ChartParts quantities{};
+
+    double Total() const;
+};
+
+class HistoryChart {
+public:
+    HistoryChart() = default;
+    // In the order of placement; as given where a time stamp cannot be read.
+    explicit HistoryChart(std::span<const sOrderHistory> orders);
+
+    // A bar an order, or, when these are more than `most`, one for every few orders that follow each other.
+    std::vector<ChartBar> Bars(std::size_t most) const;
+    // What the height of the bars is counted in.
+    static std::string Heading(std::span<const ChartBar> bars);
+    // How many orders are of each kind, an entry a part.
+    std::array<std::string, kChartPartCount> Legend() const;
+    // All of it in words.
+    std::string Summary() const;
+
+private:
+    std::vector<ChartBar> m_orders;
+    std::array<std::size_t, kChartPartCount> m_counts{};
+};
+
+// The smallest round number that no bar is higher than.
+double ScaleTop(std::span<const ChartBar> bars);
+// Without a fraction that says nothing.
+std::string QuantityText(double quantity);
+
+} // namespace planfold

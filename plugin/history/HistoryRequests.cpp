@@ -1,0 +1,30 @@
+#include "plugin/history/HistoryRequests.h"
+
+#include "plugin/messaging/Request.h"
+#include "plugin/messaging/Tags.h"
+
+namespace planfold {
+
+namespace {
+
+using Value = std::optional<std::string_view>;
+
+struct Query {
+    std::string_view request;
+    std::string_view registrationNumber;
+};
+constexpr RequestField<Query> kFields[] = {
+    {tag::requestName, [](Query& query) -> Value { return query.request; }, nullptr},
+    {tag::registrationNumber, [](Query& query) -> Value { return query.registrationNumber; }, nullptr},
+};
+constexpr Request<Query> kRequest{kFields, "Request Failure"};
+
+} // namespace
+
+bool SendHistoryQuery(Session& session, RxControl* control, Notices& notices, std::string_view request,
+                      std::string_view registrationNumber) {
+    Query query{request, registrationNumber};
+    return SendRequest(session, control, notices, kRequest, query);
+}
+
+} // namespace planfold

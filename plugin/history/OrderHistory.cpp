@@ -1,0 +1,105 @@
+#include "plugin/history/OrderHistory.h"
+
+#include "plugin/history/HistoryRequests.h"
+#include "plugin/messaging/Tags.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold {
+
+// An error field without a value is how an answer ends, so the handlers judge it.
+const AnswerHandler<OrderHistory> OrderHistory::kAnswers[] = {
+    {kHistoryOrdersRequest, &OrderHistory::HandleOrder, OnError::handle},
+    {kHistoryTradesRequest, &OrderHistory::HandleTrade, OnError::handle},
+};
+
+void OrderHistory::Open(const std::string& registrationNumber) {
+    if (!SendHistoryQuery(m_session, m_control, m_view, kHistoryOrdersRequest, registrationNumber)) return;
+    m_registrationNumber = registrationNumber;
+    ++m_unanswered;
+    ++m_collections;
+    m_collected.clear();
+}
+
+void OrderHistory::OnResponse(void* message) {
+    if (!m_session.Ended()) Dispatch<OrderHistory>(*this, m_session, kAnswers, Answer(message));
+}
+
+void OrderHistory::HandleOrder(const Answer& answer) {
+    if (answer.hasError) {
+        const bool refused = !answer.errorCode.empty();
+        if (refused) LogErrorAnswer(m_session, answer);
+        if (!m_session.Ended()) EndAnswer(refused);
+        return;
+    }
+    const auto number = FieldView(answer.message, tag::registrationNumber);
+    if (!number) {
+        if (const auto text = FieldView(answer.message, tag::noRowText)) m_session.Log(*text);
+        return;
+    }
+    if (!IsWanted(*number)) return;
+    // The host's answer may let other messages in.
+    const int collection = m_collections;
+    const double divisor = AskPriceDivisor(m_session, answer.message);
+    if (m_session.Ended() || m_collections != collection) return;
+    m_collected.push_back(ReadHistoryOrder(answer.message, divisor));
+}
+
+// What is still coming for an earlier query is dropped. A row of the newest one shows that the earlier ones are
+// over, answered or not.
+bool OrderHistory::IsWanted(std::string_view registrationNumber) {
+    if (m_unanswered > 1 && registrationNumber == m_registrationNumber) m_unanswered = 1;
+    return m_unanswered <= 1;
+}
+
+void OrderHistory::EndAnswer(bool refused) {
+    const bool ofEarlier = m_unanswered > 1;
+    if (m_unanswered > 0) --m_unanswered;
+    if (!ofEarlier && !refused) List();
+}
+
+void OrderHistory::List() {
+    ++m_collections;
+    m_records = std::exchange(m_collected, {});
+    m_described.reset();
+    m_view.ListRecords();
+    // A failure is a box, whose message loop may bring the end.
+    if (std::ranges::any_of(m_records, &sOrderHistory::fillPending))
+        SendHistoryQuery(m_session, m_control, m_view, kHistoryTradesRequest,
+                         std::string(m_registrationNumber));
+    if (m_session.Ended()) return;
+    Describe();
+    m_view.Show(!m_records.empty());
+}
+
+void OrderHistory::HandleTrade(const Answer& answer) {
+    if (answer.hasError) {
+        if (!answer.errorCode.empty()) LogErrorAnswer(m_session, answer);
+        return;
+    }
+    if (!FieldView(answer.message, tag::registrationNumber) && FieldView(answer.message, tag::noRowText))
+        return;
+    const double divisor = AskPriceDivisor(m_session, answer.message);
+    if (m_session.Ended()) return;
+    const sOrderHistory trade = ReadHistoryTrade(answer.message, divisor);
+    const auto order = std::ranges::find_if(m_records, [&](const sOrderHistory& record) {
+        return record.fillPending && record[HistoryField::orderNumber] == trade[HistoryField::orderNumber]
+               && record[HistoryField::registrationNumber] == trade[HistoryField::registrationNumber];
+    });
+    if (order == m_records.end()) return;
+    ApplyTrade(trade, *order);
+    if (m_view.FocusedRecord() == static_cast<std::size_t>(order - m_records.begin())) Describe();
+}
+
+void OrderHistory::OnFocusChanged() {
+    if (m_view.FocusedRecord() != m_described) Describe();
+}
+
+void OrderHistory::Describe() {
+    m_described = m_view.FocusedRecord();
+    const bool any = m_described && *m_described < m_records.size();
+    m_view.ShowDetails(any ? TakeDetails(m_records[*m_described]) : HistoryDetails());
+}
+
+} // namespace planfold

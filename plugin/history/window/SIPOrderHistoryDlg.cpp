@@ -1,0 +1,199 @@
+#include "plugin/history/window/SIPOrderHistoryDlg.h"
+
+#include "framework/Guard.h"
+#include "plugin/controls/window/FilterList.h"
+#include "plugin/history/window/ChartPainter.h"
+#include "plugin/resources/resource.h"
+
+#include <algorithm>
+
+namespace planfold {
+
+namespace {
+
+constexpr unsigned kListCommands = 26300; // of a hundred
+
+} // namespace
+
+CSIPOrderHistoryDlg::CSIPOrderHistoryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+    : Dialog(module, IDD_ORDER_HISTORY), m_session(session), m_boxes(boxes),
+      m_link(session.lookup, kRxRequests, this, this), m_history(session, *this, m_link.Control()) {}
+
+void CSIPOrderHistoryDlg::ShutDown() {
+    Destroy();
+    m_link.Release();
+}
+
+void CSIPOrderHistoryDlg::OnResponse(void*, void* message, void*) noexcept {
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_history.OnResponse(message);
+    });
+}
+
+void CSIPOrderHistoryDlg::OnInit() {
+    const auto columns = ListColumns<HistoryColumn>(kHistoryColumns);
+    m_list.Attach({Item(IDC_HISTORY_LIST).Handle(), "SIPOrderHistory", this, columns.data(),
+                   static_cast<std::int32_t>(columns.size()), kListCommands});
+}
+
+// What the user made the window larger than its template stays.
+void CSIPOrderHistoryDlg::LayOut(UINT dpi) {
+    const RECT before = Self().ClientRect();
+    const bool normal = m_ownSize.cx && !IsIconic(Handle()) && !IsZoomed(Handle());
+    const SIZE larger = normal ? SIZE{before.right - m_ownSize.cx, before.bottom - m_ownSize.cy} : SIZE{};
+    m_ownSize = {}; // meanwhile the sizes belong neither to the old layout nor to the new one
+    Dialog::LayOut(dpi);
+    SetCaptionIcon(IDI_CALENDAR);
+    RememberPlaces();
+    const SIZE frame = FrameSize();
+    if (normal)
+        SetWindowPos(Handle(), nullptr, 0, 0, m_ownSize.cx + frame.cx + larger.cx,
+                     m_ownSize.cy + frame.cy + larger.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    Arrange();
+}
+
+// As the template has them; the margins are the list's.
+void CSIPOrderHistoryDlg::RememberPlaces() {
+    m_places.clear();
+    for (HWND child = GetWindow(Handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT& place = m_places[GetDlgCtrlID(child)];
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&place), 2);
+    }
+    const RECT& list = m_places[IDC_HISTORY_LIST];
+    const RECT& chart = m_places[IDC_HISTORY_CHART];
+    m_ownSize = {chart.right + list.left, chart.bottom + list.top};
+}
+
+SIZE CSIPOrderHistoryDlg::FrameSize() const {
+    RECT window{};
+    GetWindowRect(Handle(), &window);
+    const RECT client = Self().ClientRect();
+    return {window.right - window.left - client.right, window.bottom - window.top - client.bottom};
+}
+
+// What the window is larger than its template goes to the list and the chart.
+void CSIPOrderHistoryDlg::Arrange() {
+    if (!m_ownSize.cx || IsIconic(Handle())) return;
+    const RECT client = Self().ClientRect();
+    const LONG wider = std::max(0L, client.right - m_ownSize.cx);
+    const LONG higher = std::max(0L, client.bottom - m_ownSize.cy);
+    for (auto [id, place] : m_places) {
+        const bool list = id == IDC_HISTORY_LIST;
+        if (!list) OffsetRect(&place, 0, higher / 2);
+        if (list || id == IDC_HISTORY_CHART) {
+            place.right += wider;
+            place.bottom += list ? higher / 2 : higher - higher / 2;
+        }
+        Item(id).Move(place);
+    }
+    InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
+}
+
+std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_SIZE:
+        Arrange();
+        return 0;
+    case WM_GETMINMAXINFO:
+        if (m_ownSize.cx && !IsIconic(Handle())) {
+            const SIZE frame = FrameSize();
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx + frame.cx,
+                                                                     m_ownSize.cy + frame.cy};
+        }
+        return 0;
+    case WM_SYSCOLORCHANGE:
+        return Item(IDC_HISTORY_LIST).Send(message);
+    case WM_DRAWITEM: {
+        const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+        if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
+        const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
+        PaintHistoryChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
+        return TRUE;
+    }
+    case WM_CONTEXTMENU:
+        if (reinterpret_cast<HWND>(wParam) != m_list.Handle()) return std::nullopt;
+        m_menu.Open(Handle(), RowMenuPlace(m_list.Handle(), lParam), m_list, {});
+        return 0;
+    case WM_DESTROY:
+        m_menu.Close();
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+bool CSIPOrderHistoryDlg::OnCommand(const framework::Command& command) {
+    return m_list.HandleCommand(static_cast<std::uint32_t>(command.id));
+}
+
+std::optional<LRESULT> CSIPOrderHistoryDlg::OnNotify(const NMHDR& notification) {
+    LRESULT result = 0;
+    const bool handled = m_list.HandleNotify(&notification, &result);
+    if (notification.code == LVN_ITEMCHANGED) FollowFocus();
+    return handled ? std::optional(result) : std::nullopt;
+}
+
+void CSIPOrderHistoryDlg::FollowFocus() noexcept {
+    framework::Guard([&] {
+        if (HasWindow() && !m_listing) m_history.OnFocusChanged();
+    });
+}
+
+void CSIPOrderHistoryDlg::ListRecords() {
+    if (!HasWindow() && !Create())
+        return framework::ReportFault("the order history window cannot be made",
+                                      std::source_location::current());
+    const auto& records = m_history.Records();
+    // Each row has the focus for a moment, which is nothing to be told.
+    m_listing = true;
+    m_list.BeginChanges();
+    m_list.RemoveAll();
+    for (auto record = static_cast<std::uint32_t>(records.size()); record-- > 0;)
+        m_list.InsertFront(record, kKorvexAsked);
+    m_list.EndChanges();
+    m_listing = false;
+    m_chart = HistoryChart(records);
+    Item(IDC_HISTORY_CHART).SetText(m_chart.Summary());
+    InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
+}
+
+std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {
+    const std::uint32_t focused = m_list.Focused();
+    return HasWindow() && focused != UINT32_MAX ? std::optional<std::size_t>(focused) : std::nullopt;
+}
+
+void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details) {
+    // Switching drawing on again would also show a hidden dialog.
+    const bool visible = IsWindowVisible(Handle());
+    if (visible) Self().Send(WM_SETREDRAW, FALSE);
+    for (std::size_t i = 0; i < details.size(); ++i)
+        Item(IDC_HISTORY_DETAIL + static_cast<int>(i)).SetText(details[i]);
+    if (!visible) return;
+    Self().Send(WM_SETREDRAW, TRUE);
+    // All of it: what waited to be painted before, as a row that lost the focus, may be forgotten.
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+void CSIPOrderHistoryDlg::Show(bool shown) {
+    if (!HasWindow()) return;
+    if (!shown) return Self().Show(false);
+    ShowWindow(Handle(), IsIconic(Handle()) ? SW_RESTORE : SW_SHOW);
+    SetForegroundWindow(Handle());
+    Item(IDC_HISTORY_LIST).Focus();
+}
+
+void CSIPOrderHistoryDlg::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
+                                    KorvexText* texts) noexcept {
+    const HistoryField field = kHistoryColumns[column].field;
+    const auto& all = m_history.Records();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        texts[i] = {};
+        if (records[i] >= all.size()) continue;
+        const std::string& text = all[records[i]][field];
+        texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
+    }
+}
+
+} // namespace planfold

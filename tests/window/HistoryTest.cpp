@@ -1,0 +1,177 @@
+// The order history: opened from the book, filled by answers, and closed or ended in the middle of things.
+#include "tests/window/BookWindowTest.h"
+
+namespace {
+
+constexpr int kHistoryCommand = 4;
+constexpr int kList = 1301, kDetails = 1311, kChart = 1331;
+
+class HistoryTest : public BookWindowTest {
+protected:
+    // Its control is the one taken before the book's three.
+    void Answer(const char* request, Fields fields) {
+        fields.push_back({32767, {request}});
+        const Received message(fields);
+        host.controls.at(host.controls.size() - 4).notifier->OnResponse(nullptr, message.Message(), nullptr);
+    }
+    void Order(const char* number, const char* traded) {
+        Fields fields{{64001, {number}}, {10076, {traded}}};
+        constexpr std::pair<std::uint32_t, const char*> others[] = {{64804, "SIP1"},
+                                                                    {31003, "DEALER7"},
+                                                                    {10303, "complete"},
+                                                                    {64756, "TWS"},
+                                                                    {64658, "05-Mar-2027 10:15"},
+                                                                    {10306, "12345"},
+                                                                    {12004, "10"},
+                                                                    {20008, "fine"}};
+        for (const auto& [tag, text] : others)
+            fields.push_back({tag, {text}});
+        Answer("qry_eq_sip_orders", fields);
+    }
+    void Trade(const char* number, const char* price) {
+        Answer("qry_eq_sip_trades",
+               {{64804, {"SIP1"}}, {64001, {number}}, {10307, {price}}, {10310, {"9:15"}}, {10309, {"today"}}});
+    }
+    void End() { Answer("qry_eq_sip_orders", {{32766, {""}}}); }
+    // Asks for SIP1 and gives it two orders, of which the first awaits its trades.
+    HWND OpenHistory() {
+        if (!pane || !IsWindow(pane)) Open();
+        Queried("SIP1");
+        Select(registered, {"SIP1"});
+        Command(kHistoryCommand);
+        Order("O1", "4");
+        Order("O2", "0");
+        End();
+        return History();
+    }
+    static HWND History() { return probe::FindDialog("SIP Order History"); }
+    static std::string Details(HWND dialog) {
+        std::string text;
+        for (int i = 0; i < 9; ++i)
+            text += probe::Text(dialog, kDetails + i) + "|";
+        return text;
+    }
+    static SIZE SizeOf(HWND window) {
+        RECT place{};
+        GetWindowRect(window, &place);
+        return {place.right - place.left, place.bottom - place.top};
+    }
+};
+
+TEST_F(HistoryTest, OpensForTheFirstSelectedRowOfTheActivePage) {
+    Open();
+    for (const char* number : {"SIP1", "SIP2", "SIP3"})
+        Queried(number);
+    for (const char* number : {"SIP8", "SIP9"})
+        Queried(number, "canceled");
+    struct Row {
+        WPARAM page;
+        std::vector<std::string> selected;
+        const char* asked;
+    };
+    const Row rows[] = {{0, {}, ""},
+                        {0, {"SIP1", "SIP2"}, "0=qry_eq_sip_orders 64804=SIP2"},
+                        {1, {}, ""},
+                        {1, {"SIP8"}, "0=qry_eq_sip_orders 64804=SIP8"},
+                        {0, {"SIP1"}, "0=qry_eq_sip_orders 64804=SIP1"}};
+    for (const Row& row : rows) {
+        SendMessageA(GetDlgItem(dialog, book::kTabs), TCM_SETCURFOCUS, row.page, 0);
+        Select(row.page ? cancelled : registered, row.selected);
+        host.requests.clear();
+        Command(kHistoryCommand);
+        EXPECT_EQ(host.requests, *row.asked ? Texts{row.asked} : Texts{});
+    }
+    host.refuses = true;
+    Command(kHistoryCommand);
+    EXPECT_EQ(boxes.Texts(), "Request Failure|");
+    EXPECT_EQ(History(), nullptr) << "it comes with the answer";
+}
+
+TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
+    HWND history = OpenHistory();
+    ASSERT_NE(history, nullptr);
+    EXPECT_EQ(probe::ClassOf(history), "#32770");
+    EXPECT_EQ(GetWindow(history, GW_OWNER), nullptr);
+    EXPECT_EQ(host.LastRequest(), "0=qry_eq_sip_trades 64804=SIP1");
+    HWND list = GetDlgItem(history, kList);
+    EXPECT_EQ(GetFocus(), list);
+    std::string headings;
+    for (int i = 0; i < 7; ++i)
+        headings += HeadingAt(list, i) + probe::Cell(list, 0, i) + "|";
+    EXPECT_EQ(headings, "User ID 100|DEALER7|Order Status 100|complete|Order Source 50|TWS|"
+                        "Order Placement TimeStamp 200|05-Mar-2027 10:15|Price 50 right|123.45|"
+                        "Quantity 50 right|10|Remarks 100|fine|");
+    EXPECT_EQ(probe::Text(history, kChart).substr(0, 10), "Orders: 2,");
+    struct Step {
+        const char* what;
+        std::function<void()> happens;
+        const char* details;
+    };
+    const Step steps[] = {
+        {"the first row", [] {}, "NA|NA|NA|NA|NA|SIP1|NA|4| |"},
+        {"its trade", [&] { Trade("O1", "12350"); }, "NA|NA|NA|NA|NA|SIP1|123.50|4|9:15 today|"},
+        {"a trade without a price", [&] { Trade("O1", ""); }, "NA|NA|NA|NA|NA|SIP1|NA|4|9:15 today|"},
+        {"the next row", [] { probe::PostKey(VK_DOWN); }, "NA|NA|NA|NA|NA|SIP1|NA|0| |"},
+        {"a trade of the row left", [&] { Trade("O1", "12360"); }, "NA|NA|NA|NA|NA|SIP1|NA|0| |"},
+        {"back", [] { probe::PostKey(VK_UP); }, "NA|NA|NA|NA|NA|SIP1|123.60|4|9:15 today|"},
+    };
+    for (const Step& step : steps) {
+        step.happens();
+        probe::Pump();
+        EXPECT_EQ(Details(history), step.details) << step.what;
+    }
+    InvalidateRect(list, nullptr, FALSE);
+    Trade("O1", "12370");
+    EXPECT_TRUE(GetUpdateRect(list, nullptr, FALSE)) << "what waited to be painted still waits";
+    const SIZE listBefore = SizeOf(list), chartBefore = SizeOf(GetDlgItem(history, kChart));
+    const SIZE before = SizeOf(history);
+    SetWindowPos(history, nullptr, 0, 0, before.cx + 100, before.cy + 60, SWP_NOZORDER | SWP_NOMOVE);
+    EXPECT_EQ(SizeOf(list).cx, listBefore.cx + 100);
+    EXPECT_EQ(SizeOf(list).cy + SizeOf(GetDlgItem(history, kChart)).cy, listBefore.cy + chartBefore.cy + 60);
+    host.fontVariation = 6;
+    plugin->ApplyFont();
+    EXPECT_GT(SizeOf(history).cx, before.cx + 150) << "grown by the user and by the font";
+    EXPECT_GT(SizeOf(list).cx, listBefore.cx + 150);
+    EXPECT_TRUE(MenuOf(list).starts_with("Copy\tCtrl+C"));
+    EXPECT_EQ(Details(history), "NA|NA|NA|NA|NA|SIP1|123.70|4|9:15 today|");
+    probe::PostKey(VK_ESCAPE);
+    EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(history); }));
+}
+
+TEST_F(HistoryTest, IsHiddenWithoutOrdersAndOutlivesItsWindow) {
+    HWND first = OpenHistory();
+    Command(kHistoryCommand);
+    End();
+    EXPECT_TRUE(IsWindow(first));
+    EXPECT_FALSE(IsWindowVisible(first)) << "no orders";
+    EXPECT_EQ(OpenHistory(), first);
+    Close(first);
+    EXPECT_FALSE(IsWindow(first));
+    Trade("O1", "100");
+    Order("O7", "0");
+    EXPECT_EQ(History(), nullptr);
+    End(); // closed in the middle of an answer
+    HWND again = History();
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(Rows(GetDlgItem(again, kList)), 1);
+
+    // The host closes it, or exits, under the box of the trades' query.
+    for (const bool exits : {false, true}) {
+        Command(kHistoryCommand);
+        Order("O1", "4");
+        host.refuses = true;
+        boxes.during = [&] {
+            if (exits)
+                plugin->Exit();
+            else
+                Close(again);
+        };
+        End();
+        host.refuses = false;
+        EXPECT_EQ(boxes.Texts(), "Request Failure|");
+        EXPECT_EQ(History(), nullptr);
+        if (!exits) again = OpenHistory();
+    }
+}
+
+} // namespace
