@@ -25,6 +25,7 @@ enum class Verb : std::size_t {
     mainWindow,
     select,
     edit,
+    date,
     type,
     key,
     focus,

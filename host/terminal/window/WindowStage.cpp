@@ -15,6 +15,7 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::mainWindow, &WindowStage::UseMain},
     {Verb::select, &WindowStage::Select},
     {Verb::edit, &WindowStage::SetEdit},
+    {Verb::date, &WindowStage::SetDate},
     {Verb::type, &WindowStage::Type},
     {Verb::key, &WindowStage::Key},
     {Verb::focus, &WindowStage::Focus},
@@ -138,6 +139,22 @@ StepResult WindowStage::SetEdit(const ScriptCommand& command, std::size_t) {
     const framework::Window edit(Control(command));
     if (!edit) return NoControl(command);
     edit.SetText(command.words[1]);
+    return StepResult::Done();
+}
+
+StepResult WindowStage::SetDate(const ScriptCommand& command, std::size_t) {
+    const framework::DatePicker picker(Control(command));
+    if (!picker) return NoControl(command);
+    constexpr ULONGLONG ticksPerDay = 864'000'000'000;
+    SYSTEMTIME date{};
+    GetLocalTime(&date);
+    FILETIME time{};
+    SystemTimeToFileTime(&date, &time);
+    ULARGE_INTEGER ticks{{time.dwLowDateTime, time.dwHighDateTime}};
+    ticks.QuadPart += static_cast<ULONGLONG>(command.Number(1)) * ticksPerDay;
+    time = {ticks.LowPart, ticks.HighPart};
+    FileTimeToSystemTime(&time, &date);
+    picker.SetTime(date);
     return StepResult::Done();
 }
 

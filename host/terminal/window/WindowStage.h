@@ -37,6 +37,7 @@ private:
     StepResult UseMain(const ScriptCommand&, std::size_t);
     StepResult Select(const ScriptCommand&, std::size_t);
     StepResult SetEdit(const ScriptCommand&, std::size_t);
+    StepResult SetDate(const ScriptCommand&, std::size_t);
     StepResult Type(const ScriptCommand&, std::size_t attempt);
     StepResult Key(const ScriptCommand&, std::size_t attempt);
     StepResult Focus(const ScriptCommand&, std::size_t);
