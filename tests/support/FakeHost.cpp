@@ -132,6 +132,7 @@ int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* 
     if (!live || zero != 0 || !error || !message) Misused();
     if (m_host.refuses) return 0;
     m_host.requests.push_back(qmx::Dump(message));
+    m_host.sender = this;
     return 1;
 }
 
@@ -205,6 +206,10 @@ void FakeHost::Answer(const Fields& fields) {
     const auto taken = std::ranges::find_if(controls, &FakeControl::live);
     (taken == controls.end() ? controls.front() : *taken)
         .notifier->OnResponse(nullptr, message.Message(), nullptr);
+}
+
+void FakeHost::AnswerSender(const Fields& fields) {
+    sender->notifier->OnResponse(nullptr, Received(fields).Message(), nullptr);
 }
 
 FakeControl& FakeHost::Newest(int kind) {
@@ -400,6 +405,9 @@ int pu_get_cautionary_bskt_confirm_state(InString symbol, InString exchange, int
     const auto& states = Host().cautionOfRow;
     return states.contains(row) ? states.at(row) : 2;
 }
+int pu_resend_nontradingDate_Request() {
+    return Record("pu_resend_nontradingDate_Request");
+}
 
 // Present, as every host has them, and asked for by nothing that is tested here.
 int pu_InvokeDialog(int, HostWindow) {
@@ -409,9 +417,6 @@ int pu_get_client_search_time() {
     return 0;
 }
 int pu_clear_FocusFromDropDown(HostWindow, HostWindow) {
-    return 1;
-}
-int pu_resend_nontradingDate_Request() {
     return 1;
 }
 int pu_send_mrv_master_request(InString, int) {

@@ -62,16 +62,6 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
       m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_client(session) {}
 
-void CBasketUpload::Open() {
-    if (!HasWindow() && !Create() && !m_session.Ended())
-        framework::ReportFault("the basket window cannot be made", std::source_location::current());
-    if (IsIconic(Dialog::Handle()))
-        ShowWindow(Dialog::Handle(), SW_RESTORE);
-    else
-        Self().Show(true);
-    SetForegroundWindow(Dialog::Handle());
-}
-
 void CBasketUpload::ShutDown() {
     Destroy();
     m_link.Release();

@@ -19,7 +19,7 @@ public:
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
-    void Open();
+    void Open() { BringUp(*this, m_session); }
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 

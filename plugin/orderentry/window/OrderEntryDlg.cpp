@@ -37,26 +37,16 @@ COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::Me
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
     if (m_entry.FilledForModify()) Destroy();
-    BringUp();
+    BringUp(*this, m_session);
 }
 
 void COrderEntryDlg::OpenForModify(const SipRegistration& registration) {
     // Making the form sets the operation mode anew, as for an order of its own.
     const std::int32_t operationMode = m_session.m_nSipOperationMode;
-    BringUp();
+    BringUp(*this, m_session);
     m_session.m_nSipOperationMode = operationMode;
     if (HasWindow()) m_entry.FillForModify(registration);
     m_session.m_nSipOperationMode = operationMode;
-    SetForegroundWindow(Dialog::Handle());
-}
-
-void COrderEntryDlg::BringUp() {
-    if (!HasWindow() && !Create() && !m_session.Ended())
-        framework::ReportFault("the order entry window cannot be made", std::source_location::current());
-    if (IsIconic(Dialog::Handle()))
-        ShowWindow(Dialog::Handle(), SW_RESTORE);
-    else
-        Self().Show(true);
     SetForegroundWindow(Dialog::Handle());
 }
 

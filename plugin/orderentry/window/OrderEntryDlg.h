@@ -29,7 +29,6 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
-    void BringUp();
     void OnInit() override;
     void OnLaidOut() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -92,6 +92,7 @@ struct MenuRow {
 constexpr MenuRow kMenu[] = {
     {kOrderEntryMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenOrderEntry(); }},
     {kBasketMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenBasket(); }},
+    {kRestrictedDatesMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenRestrictedDates(); }},
     {kBookMenu, [](CPlanfoldControlBlock& block, HWND mainFrame) { block.OpenOrderBook(mainFrame); }},
 };
 
