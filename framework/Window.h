@@ -68,6 +68,9 @@ private:
     Window m_window;
 };
 
+// The library or program that the address lies in.
+HINSTANCE ModuleHolding(const void* address);
+
 class ComboBox : public Window {
 public:
     using Window::Window;
