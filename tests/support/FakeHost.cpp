@@ -405,6 +405,14 @@ int pu_get_cautionary_bskt_confirm_state(InString symbol, InString exchange, int
     const auto& states = Host().cautionOfRow;
     return states.contains(row) ? states.at(row) : 2;
 }
+// Each answer is given once, the last for ever.
+int pu_get_client_search_time() {
+    Record("pu_get_client_search_time");
+    std::deque<int>& answers = Host().searchTimes;
+    const int answer = answers.front();
+    if (answers.size() > 1) answers.pop_front();
+    return answer;
+}
 int pu_resend_nontradingDate_Request() {
     return Record("pu_resend_nontradingDate_Request");
 }
@@ -412,9 +420,6 @@ int pu_resend_nontradingDate_Request() {
 // Present, as every host has them, and asked for by nothing that is tested here.
 int pu_InvokeDialog(int, HostWindow) {
     return 1;
-}
-int pu_get_client_search_time() {
-    return 0;
 }
 int pu_clear_FocusFromDropDown(HostWindow, HostWindow) {
     return 1;

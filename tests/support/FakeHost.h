@@ -118,6 +118,7 @@ struct FakeHost {
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
     std::map<int, int> cautionOfRow; // of a basket
+    std::deque<int> searchTimes{0};
     // Run once, inside the host.
     std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringAccounts, duringLog;
 

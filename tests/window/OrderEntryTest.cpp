@@ -81,6 +81,41 @@ TEST_F(OrderEntryWindow, OffersTheClientsInAComboWithoutASearch) {
     EXPECT_TRUE(host.settings.empty());
 }
 
+TEST_F(OrderEntryWindow, CompletesATypedClientAndSettlesOnItAfterAPause) {
+    const HiddenExport hidden("pu_get_entered_text_results");
+    host.searchTimes = {90};
+    HWND dialog = OpenOrderEntry();
+    COMBOBOXINFO parts{};
+    parts.cbSize = sizeof parts;
+    GetComboBoxInfo(GetDlgItem(dialog, order::kClient), &parts);
+    const auto type = [&](WPARAM character) { SendMessageA(parts.hwndItem, WM_CHAR, character, 1); };
+    const auto boxState = [&] {
+        DWORD from = 0, to = 0;
+        SendMessageA(parts.hwndItem, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+        return Text(dialog, order::kClient) + " " + std::to_string(from) + "-" + std::to_string(to);
+    };
+    const auto selected = [&] { return SendDlgItemMessageA(dialog, order::kClient, CB_GETCURSEL, 0, 0); };
+    SetFocus(parts.hwndItem);
+    SendMessageA(parts.hwndItem, EM_SETSEL, 0, -1);
+    struct Row {
+        WPARAM character;
+        const char* state;
+    };
+    for (const Row& row : {Row{'c', "C001 1-4"},
+                           {'0', "C001 2-4"},
+                           {'\b', "C0 2-2"},
+                           {'0', "C001 3-4"},
+                           {'2', "C002 4-4"},
+                           {'x', "C002x 5-5"},
+                           {'\b', "C002 4-4"}}) {
+        type(row.character);
+        EXPECT_EQ(boxState(), row.state);
+    }
+    EXPECT_TRUE(probe::PumpUntil([&] { return selected() == 1; }));
+    type('x');
+    Close(dialog); // the timer goes with it
+}
+
 TEST_F(OrderEntryWindow, ExchangeAndSeriesRefillWhatDependsOnThem) {
     HWND dialog = OpenOrderEntry();
     ASSERT_TRUE(probe::Select(dialog, order::kExchange, "BSE"));

@@ -32,7 +32,7 @@ constexpr Change kChanges[] = {
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_client(session), m_plannedDates(module, session) {}
+      m_client(session), m_clientCombo(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
@@ -72,6 +72,8 @@ void COrderEntryDlg::OnInit() {
     m_value.Attach(Item(IDC_VALUE).Handle());
     if (m_session.host.pu_get_entered_text_results)
         m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), OrderEntry::kName, kClientSearchDelayMs);
+    else
+        m_clientCombo.SetUp(Item(IDC_CLIENT_COMBO).Handle());
     if (!HasWindow()) return; // closed while the host was asked
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     std::string customProducts;
@@ -119,6 +121,9 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_entry.*handle)();
         OnPlanChanged();
+        break;
+    case CBN_EDITCHANGE:
+        if (command.id == IDC_CLIENT_COMBO) m_clientCombo.OnTextChanged();
         break;
     case CBN_SELENDOK:
         m_picked = true;

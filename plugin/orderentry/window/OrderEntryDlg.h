@@ -1,6 +1,7 @@
 // The order entry window.
 #pragma once
 
+#include "plugin/controls/window/AutoComboBox.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/ExtEditOntry.h"
@@ -45,6 +46,7 @@ private:
     OrderEntry m_entry;
     CExtEditOntry m_value;
     CClientSearchBox m_client;
+    CAutoComboBox m_clientCombo; // where the host offers no search
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
     bool m_picked = false; // in the list that is dropped down
