@@ -151,7 +151,9 @@ void CBasketUpload::Arrange() {
     m_splitter.Place(rest);
     Item(IDC_BASKET_SPLITTER).Show(m_rejected.IsShown());
     if (m_rejected.IsShown()) {
-        m_rejected.Arrange(m_splitter.Second());
+        RECT lines = m_splitter.Second();
+        lines.top += margin / 3;
+        m_rejected.Arrange(lines);
         rest = m_splitter.First();
     }
     Item(IDC_BASKET_LIST).Move(rest);
