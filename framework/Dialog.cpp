@@ -106,6 +106,9 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
     case WM_CLOSE:
         OnClose();
         return TRUE;
+    case WM_CTLCOLORSTATIC:
+        // The brush is the answer itself.
+        return SendMessageA(reinterpret_cast<HWND>(lParam), kReflected + message, wParam, lParam);
     case WM_NCDESTROY:
         SetWindowLongPtrA(window, DWLP_USER, 0);
         KeyboardHook::Withdraw(window);

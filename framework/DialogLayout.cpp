@@ -68,9 +68,7 @@ SIZE DialogLayout::FrameSize(HWND dialog, SIZE base, UINT dpi) const {
 void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     Font font = MakeFont(m_template.face, points, dpi);
     const SIZE base = BaseUnits(font.Get());
-    // Switching drawing on again would also show a hidden dialog.
-    const bool visible = IsWindowVisible(dialog);
-    if (visible) Window(dialog).Send(WM_SETREDRAW, FALSE);
+    const RedrawHold hold(dialog);
     Window(dialog).SetFont(font.Get());
     for (const DialogTemplate::Item& item : m_template.items) {
         const Window control(GetDlgItem(dialog, item.id));
@@ -80,9 +78,6 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     }
     m_font = std::move(font);
     ResizeFrame(dialog, FrameSize(dialog, base, dpi));
-    if (!visible) return;
-    Window(dialog).Send(WM_SETREDRAW, TRUE);
-    RedrawWindow(dialog, nullptr, nullptr, RDW_ERASE | RDW_FRAME | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
 void DialogLayout::ResizeFrame(HWND dialog, SIZE size) {

@@ -8,6 +8,9 @@
 
 namespace framework {
 
+// What a control asks its parent for, handed back to the control: the number of the parent's message is added.
+inline constexpr UINT kReflected = WM_APP + 0x2000;
+
 // From a control (its identifier and notification), a menu entry or an accelerator.
 struct Command {
     int id;

@@ -8,13 +8,13 @@ namespace framework {
 
 bool Subclass::Attach(HWND control) {
     Detach();
-    if (!control || !SetWindowSubclass(control, Procedure, 1, reinterpret_cast<DWORD_PTR>(this))) return false;
+    if (!control || !SetWindowSubclass(control, Procedure, Id(), Id())) return false;
     m_control = control;
     return true;
 }
 
 void Subclass::Detach() {
-    if (const HWND control = std::exchange(m_control, nullptr)) RemoveWindowSubclass(control, Procedure, 1);
+    if (const HWND control = std::exchange(m_control, nullptr)) RemoveWindowSubclass(control, Procedure, Id());
 }
 
 LRESULT CALLBACK Subclass::Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,

@@ -29,6 +29,8 @@ protected:
 private:
     static LRESULT CALLBACK Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                       DWORD_PTR self) noexcept;
+    // Several may stand in front of one control.
+    UINT_PTR Id() const { return reinterpret_cast<UINT_PTR>(this); }
 
     HWND m_control = nullptr;
 };

@@ -48,6 +48,29 @@ private:
     HWND m_handle = nullptr;
 };
 
+// While one lives, what changes in the window is not drawn; afterwards all is drawn at once.
+class RedrawHold {
+public:
+    // Switching drawing on again would also show a hidden window: that one is left alone.
+    explicit RedrawHold(HWND window) : m_window(IsWindowVisible(window) ? window : nullptr) {
+        m_window.Send(WM_SETREDRAW, FALSE);
+    }
+    RedrawHold(const RedrawHold&) = delete;
+    RedrawHold& operator=(const RedrawHold&) = delete;
+    ~RedrawHold() {
+        if (!m_window) return;
+        m_window.Send(WM_SETREDRAW, TRUE);
+        RedrawWindow(m_window.Handle(), nullptr, nullptr,
+                     RDW_ERASE | RDW_FRAME | RDW_INVALIDATE | RDW_ALLCHILDREN);
+    }
+
+private:
+    Window m_window;
+};
+
+// The library or program that the address lies in.
+HINSTANCE ModuleHolding(const void* address);
+
 class ComboBox : public Window {
 public:
     using Window::Window;

@@ -19,6 +19,7 @@ void FilterDialog::Ask(HWND list, const std::string& heading, ValueType type, co
 
 void FilterDialog::OnInit() {
     CQVDialog::OnInit();
+    m_fault.Attach(Item(IDC_FILTER_FAULT).Handle());
     Self().SetText("Filter: " + m_heading);
     const auto operators = Item<framework::ComboBox>(IDC_FILTER_OPERATOR);
     const auto known = OperatorsFor(m_type);
@@ -68,7 +69,7 @@ void FilterDialog::Accept() {
     const FilterInput input = Read();
     const std::string fault = ColumnFilter::FaultOf(input);
     if (fault.empty()) return Finish(&input);
-    Item(IDC_FILTER_FAULT).SetText(fault);
+    m_fault.Tell(fault, framework::Meaning::bad);
     Item(IDC_FILTER_VALUE).Focus();
     Item(IDC_FILTER_VALUE).Send(EM_SETSEL, 0, -1);
 }

@@ -1,6 +1,7 @@
 // Asks for the filter of one column.
 #pragma once
 
+#include "framework/ColorStatic.h"
 #include "host/korvexcontrols/QVDialog.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
 
@@ -30,6 +31,7 @@ private:
     ValueType m_type = ValueType::text;
     std::optional<FilterInput> m_now;
     Chosen m_chosen;
+    framework::ColorStatic m_fault;
 };
 
 } // namespace korvex

@@ -9,18 +9,11 @@ namespace {
 
 constexpr char kSection[] = "Dialogs";
 
-HINSTANCE OwnModule() {
-    static const char inside = 0;
-    HMODULE module = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       &inside, &module);
-    return module;
-}
-
 } // namespace
 
 CQVDialog::CQVDialog(std::weak_ptr<void> owner, int resource, std::string name)
-    : Dialog(OwnModule(), resource), m_owner(std::move(owner)), m_name(std::move(name)) {}
+    : Dialog(framework::ModuleHolding(&kSection), resource), m_owner(std::move(owner)),
+      m_name(std::move(name)) {}
 
 void CQVDialog::Open(HWND list) {
     if (HasWindow()) Destroy();

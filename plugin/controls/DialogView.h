@@ -6,11 +6,17 @@
 #include "plugin/messaging/Session.h"
 #include "sdk/HostWindow.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace planfold {
+
+struct ControlText {
+    int control;
+    std::string text;
+};
 
 class DialogView : public Notices {
 public:
@@ -22,9 +28,12 @@ public:
     // Takes the window away; the object stays.
     virtual void Close() = 0;
 
+    virtual bool Has(int control) const = 0;
     // Of an edit, a label, a button, or the entry that a combo shows.
     virtual std::string Text(int control) const = 0;
     virtual void SetText(int control, std::string_view text) = 0;
+    // Several at once, without showing the states between.
+    virtual void SetTexts(std::span<const ControlText> texts) = 0;
     virtual void Show(int control, bool shown) = 0;
     virtual void Enable(int control, bool enabled) = 0;
     virtual void Focus(int control) = 0;

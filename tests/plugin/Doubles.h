@@ -34,12 +34,17 @@ public:
     void SetTitle(std::string_view text) override { title = text; }
     void Close() override { closed = true; }
 
+    bool Has(int id) const override { return !lacking.contains(id); }
     std::string Text(int id) const override {
         const Control& control = controls[id];
         return control.selected >= 0 ? control.items.at(static_cast<std::size_t>(control.selected))
                                      : control.text;
     }
     void SetText(int id, std::string_view text) override { controls[id].text = text; }
+    void SetTexts(std::span<const ControlText> texts) override {
+        for (const ControlText& row : texts)
+            SetText(row.control, row.text);
+    }
     void Show(int id, bool shown) override { controls[id].shown = shown; }
     void Enable(int id, bool enabled) override { controls[id].enabled = enabled; }
     void Focus(int id) override { focused = id; }
@@ -67,6 +72,7 @@ public:
     void SetDate(int, const LocalDateTime& value) override { date = value; }
 
     mutable std::map<int, Control> controls;
+    std::set<int> lacking; // controls that the dialog does not have
     Texts boxes;
     std::string title;
     LocalDateTime date;

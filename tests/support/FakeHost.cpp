@@ -132,6 +132,7 @@ int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* 
     if (!live || zero != 0 || !error || !message) Misused();
     if (m_host.refuses) return 0;
     m_host.requests.push_back(qmx::Dump(message));
+    m_host.sender = this;
     return 1;
 }
 
@@ -205,6 +206,10 @@ void FakeHost::Answer(const Fields& fields) {
     const auto taken = std::ranges::find_if(controls, &FakeControl::live);
     (taken == controls.end() ? controls.front() : *taken)
         .notifier->OnResponse(nullptr, message.Message(), nullptr);
+}
+
+void FakeHost::AnswerSender(const Fields& fields) {
+    sender->notifier->OnResponse(nullptr, Received(fields).Message(), nullptr);
 }
 
 FakeControl& FakeHost::Newest(int kind) {
@@ -400,18 +405,23 @@ int pu_get_cautionary_bskt_confirm_state(InString symbol, InString exchange, int
     const auto& states = Host().cautionOfRow;
     return states.contains(row) ? states.at(row) : 2;
 }
+// Each answer is given once, the last for ever.
+int pu_get_client_search_time() {
+    Record("pu_get_client_search_time");
+    std::deque<int>& answers = Host().searchTimes;
+    const int answer = answers.front();
+    if (answers.size() > 1) answers.pop_front();
+    return answer;
+}
+int pu_resend_nontradingDate_Request() {
+    return Record("pu_resend_nontradingDate_Request");
+}
 
 // Present, as every host has them, and asked for by nothing that is tested here.
 int pu_InvokeDialog(int, HostWindow) {
     return 1;
 }
-int pu_get_client_search_time() {
-    return 0;
-}
 int pu_clear_FocusFromDropDown(HostWindow, HostWindow) {
-    return 1;
-}
-int pu_resend_nontradingDate_Request() {
     return 1;
 }
 int pu_send_mrv_master_request(InString, int) {

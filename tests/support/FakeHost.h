@@ -88,6 +88,8 @@ struct FakeHost {
     std::string LastRequest() const { return requests.empty() ? "(none)" : requests.back(); }
     // To the window that took the first control.
     void Answer(const Fields& fields);
+    // To the window that sent the last request.
+    void AnswerSender(const Fields& fields);
     // The control of the kind that was taken last: the book's.
     FakeControl& Newest(int kind);
     void AnswerBook(const Fields& fields);
@@ -116,6 +118,7 @@ struct FakeHost {
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
     std::map<int, int> cautionOfRow; // of a basket
+    std::deque<int> searchTimes{0};
     // Run once, inside the host.
     std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringAccounts, duringLog;
 
@@ -123,6 +126,7 @@ struct FakeHost {
     // identifiers.
     Texts lookedUp, calls, log, requests, subscriptions, misuses;
     std::deque<FakeControl> controls;
+    FakeControl* sender = nullptr; // of the last request
 
     QuarantineStringManager strings;
     std::string loginId = "DEALER1", peerA, peerB, active;

@@ -392,6 +392,12 @@ TEST_F(FilterList, TheFilterBoxJudgesWhatIsTyped) {
     probe::SetEdit(box, kFilterValue, "lots");
     probe::Press(box, IDOK);
     EXPECT_EQ(probe::Text(box, kFilterFault), "\"lots\" is not a number.");
+    HDC screen = GetDC(nullptr);
+    EXPECT_NE(SendMessageA(box, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(screen),
+                           reinterpret_cast<LPARAM>(GetDlgItem(box, kFilterFault))),
+              0);
+    EXPECT_EQ(GetTextColor(screen), RGB(150, 20, 20)) << "told in red";
+    ReleaseDC(nullptr, screen);
     EXPECT_EQ(control->ShownCount(), 100u);
     probe::SetEdit(box, kFilterValue, "500.5");
     SetFocus(GetDlgItem(box, kFilterValue));

@@ -81,6 +81,28 @@ TEST_F(OrderEntryWindow, OffersTheClientsInAComboWithoutASearch) {
     EXPECT_TRUE(host.settings.empty());
 }
 
+TEST_F(OrderEntryWindow, CompletesATypedClientAndSettlesOnItAfterAPause) {
+    const HiddenExport hidden("pu_get_entered_text_results");
+    host.searchTimes = {90};
+    HWND dialog = OpenOrderEntry(), combo = GetDlgItem(dialog, order::kClient);
+    HWND edit = FindWindowExA(combo, nullptr, "EDIT", nullptr);
+    SetFocus(edit);
+    SendMessageA(edit, EM_SETSEL, 0, -1);
+    struct Row {
+        WPARAM character;
+        const char* text;
+        WPARAM selectedFrom;
+    };
+    for (const Row& row :
+         {Row{'c', "C001", 1}, {'0', "C001", 2}, {'\b', "C0", 2}, {'0', "C001", 3}, {'2', "C002", 4}}) {
+        SendMessageA(edit, WM_CHAR, row.character, 1);
+        EXPECT_EQ(Text(edit), row.text);
+        EXPECT_EQ(LOWORD(SendMessageA(edit, EM_GETSEL, 0, 0)), row.selectedFrom);
+    }
+    EXPECT_TRUE(probe::PumpUntil([&] { return SendMessageA(combo, CB_GETCURSEL, 0, 0) == 1; }));
+    SendMessageA(edit, WM_CHAR, 'x', 1); // the timer goes with the window
+}
+
 TEST_F(OrderEntryWindow, ExchangeAndSeriesRefillWhatDependsOnThem) {
     HWND dialog = OpenOrderEntry();
     ASSERT_TRUE(probe::Select(dialog, order::kExchange, "BSE"));

@@ -20,6 +20,12 @@ constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
 // Of the status line's parts, the last being the rest; in letters of the font.
 constexpr int kStatusParts[] = {24, 44, 44};
 
+// The rows' share of the room that they have with the rejected lines, of a hundred; least heights in pixels at
+// 96 DPI.
+constexpr int kRowsShare = 60;
+constexpr int kLeastRows = 60;
+constexpr int kLeastRejected = 80;
+
 constexpr framework::FileQuestion kLoadQuestion{
     "All Files (*.*)|*.*|CSV Files(*.csv)|*.csv; *.csv|Text Documents(*.txt)|*.txt; *.txt||", "txt"};
 constexpr framework::FileQuestion kExportQuestion{
@@ -60,17 +66,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_basket(session, *this, m_link.Control()),
       m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_client(session) {}
-
-void CBasketUpload::Open() {
-    if (!HasWindow() && !Create() && !m_session.Ended())
-        framework::ReportFault("the basket window cannot be made", std::source_location::current());
-    if (IsIconic(Dialog::Handle()))
-        ShowWindow(Dialog::Handle(), SW_RESTORE);
-    else
-        Self().Show(true);
-    SetForegroundWindow(Dialog::Handle());
-}
+      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_client(session),
+      m_clientCombo(session) {}
 
 void CBasketUpload::ShutDown() {
     Destroy();
@@ -82,11 +79,15 @@ void CBasketUpload::OnInit() {
     m_amount.SetFilter(true);
     if (m_session.host.pu_get_entered_text_results)
         m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), "Client_Search", kClientSearchDelayMs);
+    else
+        m_clientCombo.SetUp(Item(IDC_CLIENT_COMBO).Handle());
     if (!HasWindow()) return; // closed while the host was asked
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     m_list.Attach(Item(IDC_BASKET_LIST).Handle());
     m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
     m_rejected.Attach();
+    m_splitter.Create({Dialog::Handle(), Item(IDC_BASKET_LIST).Handle(), IDC_BASKET_SPLITTER, "SIPBasket",
+                       kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
     std::string customProducts;
@@ -146,12 +147,15 @@ void CBasketUpload::Arrange() {
     const LONG margin = letter * 9 / 4;
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     RECT rest{margin, m_listTop, client.right - margin, client.bottom - status - margin / 2};
-    if (m_rejected.IsShown()) {
-        const LONG height = (rest.bottom - rest.top) * 2 / 5;
-        m_rejected.Arrange({rest.left, rest.bottom - height, rest.right, rest.bottom});
-        rest.bottom -= height + margin / 2;
-    }
     rest.bottom = std::max(rest.top, rest.bottom);
+    m_splitter.Place(rest);
+    Item(IDC_BASKET_SPLITTER).Show(m_rejected.IsShown());
+    if (m_rejected.IsShown()) {
+        RECT lines = m_splitter.Second();
+        lines.top += margin / 3;
+        m_rejected.Arrange(lines);
+        rest = m_splitter.First();
+    }
     Item(IDC_BASKET_LIST).Move(rest);
 }
 
@@ -202,6 +206,9 @@ bool CBasketUpload::OnCommand(const framework::Command& command) {
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_basket.Form().*handle)();
         break;
+    case CBN_EDITCHANGE:
+        if (command.id == IDC_CLIENT_COMBO) m_clientCombo.OnTextChanged();
+        break;
     case CBN_SELENDOK:
         m_picked = true;
         break;
@@ -236,6 +243,10 @@ void CBasketUpload::OnDropDownClosed(int combo) {
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
+    if (notification.code == kKorvexSplitterMoved) {
+        Arrange();
+        return 0;
+    }
     if (notification.idFrom == IDC_REJECTED_LIST) {
         if (notification.code == LVN_ITEMACTIVATE) OnButton(RejectedPanel::kCorrectCommand);
         return m_rejected.HandleNotify(notification);

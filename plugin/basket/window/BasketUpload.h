@@ -1,10 +1,12 @@
 // The basket window.
 #pragma once
 
+#include "host/korvexcontrols/FlatSplitterWnd.h"
 #include "host/korvexcontrols/QVBrickBar.h"
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
+#include "plugin/controls/window/AutoComboBox.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/ExtEditOntry.h"
@@ -19,7 +21,7 @@ public:
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
-    void Open();
+    void Open() { BringUp(*this, m_session); }
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -64,10 +66,12 @@ private:
     Basket m_basket;
     BasketListWindow m_list;
     RejectedPanel m_rejected;
+    CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
     CExtEditOntry m_amount;
     CClientSearchBox m_client;
+    CAutoComboBox m_clientCombo; // where the host offers no search
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font

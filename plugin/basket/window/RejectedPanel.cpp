@@ -30,6 +30,7 @@ void RejectedPanel::Attach() {
         list.AddColumn(column);
     list.SetLook(kRowHeight);
     m_enter.Attach(list.Handle());
+    m_label.Attach(m_dialog.Item(IDC_REJECTED_LABEL).Handle());
     SetColumnWidths();
 }
 
@@ -44,7 +45,7 @@ void RejectedPanel::Refresh() {
     ListView_SetItemState(list.Handle(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
     list.SetCount(static_cast<int>(m_lines.size()));
     InvalidateRect(list.Handle(), nullptr, TRUE);
-    m_dialog.Item(IDC_REJECTED_LABEL).SetText(Format("Re&jected lines: %zu", m_lines.size()));
+    m_label.Tell(Format("Re&jected lines: %zu", m_lines.size()), framework::Meaning::bad);
     for (const int control : kControls)
         m_dialog.Item(control).Show(IsShown());
 }

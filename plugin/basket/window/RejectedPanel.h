@@ -2,6 +2,7 @@
 // or corrected in the form.
 #pragma once
 
+#include "framework/ColorStatic.h"
 #include "framework/Dialog.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/controls/window/FilterList.h"
@@ -44,6 +45,7 @@ private:
 
     framework::Dialog& m_dialog;
     const std::vector<RejectedLine>& m_lines;
+    framework::ColorStatic m_label;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
 };

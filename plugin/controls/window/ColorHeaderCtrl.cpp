@@ -1,4 +1,31 @@
 #include "plugin/controls/window/ColorHeaderCtrl.h"
 
-CColorHeaderCtrl::CColorHeaderCtrl() = default;
-CColorHeaderCtrl::~CColorHeaderCtrl() = default;
+#include "plugin/controls/window/ColoredHeader.h"
+
+using planfold::ColoredHeader;
+
+CColorHeaderCtrl::CColorHeaderCtrl() noexcept : m_header(ColoredHeader::Make()) {}
+
+CColorHeaderCtrl::~CColorHeaderCtrl() {
+    delete m_header;
+}
+
+bool CColorHeaderCtrl::Attach(HWND header) noexcept {
+    return m_header && m_header->Attach(header);
+}
+
+void CColorHeaderCtrl::Detach() noexcept {
+    if (m_header) m_header->Detach();
+}
+
+HWND CColorHeaderCtrl::Handle() const noexcept {
+    return m_header ? m_header->Handle() : nullptr;
+}
+
+void CColorHeaderCtrl::SetItemColors(int item, COLORREF text, COLORREF background) noexcept {
+    if (m_header) m_header->Set(item, {text, background});
+}
+
+void CColorHeaderCtrl::ResetColors() noexcept {
+    if (m_header) m_header->Reset();
+}

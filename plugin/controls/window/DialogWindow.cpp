@@ -1,5 +1,7 @@
 #include "plugin/controls/window/DialogWindow.h"
 
+#include "framework/Guard.h"
+
 namespace planfold {
 
 SYSTEMTIME ToSystemTime(const LocalDateTime& local) {
@@ -27,6 +29,16 @@ bool SelectEntry(framework::ComboBox combo, std::string_view text) {
     const int index = combo.Find(std::string(text));
     if (index >= 0) combo.Select(index);
     return index >= 0;
+}
+
+void BringUp(framework::Dialog& dialog, const Session& session) {
+    if (!dialog.HasWindow() && !dialog.Create() && !session.Ended())
+        framework::ReportFault("a window cannot be made", std::source_location::current());
+    if (IsIconic(dialog.Handle()))
+        ShowWindow(dialog.Handle(), SW_RESTORE);
+    else
+        dialog.Self().Show(true);
+    SetForegroundWindow(dialog.Handle());
 }
 
 } // namespace planfold

@@ -13,6 +13,8 @@ SYSTEMTIME ToSystemTime(const LocalDateTime& local);
 LocalDateTime LocalNow();
 // The entry that equals the text, ignoring case. False, and nothing changed, when there is none.
 bool SelectEntry(framework::ComboBox combo, std::string_view text);
+// Makes the window unless there is one, and shows it in front of the others.
+void BringUp(framework::Dialog& dialog, const Session& session);
 
 // `View` is DialogView or what a window adds to it.
 template <class View>
@@ -28,8 +30,14 @@ public:
     void SetTitle(std::string_view text) override { Self().SetText(std::string(text)); }
     void Close() override { Destroy(); }
 
+    bool Has(int control) const override { return static_cast<bool>(Item(control)); }
     std::string Text(int control) const override { return Item(control).Text(); }
     void SetText(int control, std::string_view text) override { Item(control).SetText(std::string(text)); }
+    void SetTexts(std::span<const ControlText> texts) override {
+        const framework::RedrawHold hold(Dialog::Handle());
+        for (const ControlText& row : texts)
+            SetText(row.control, row.text);
+    }
     void Show(int control, bool shown) override { Item(control).Show(shown); }
     void Enable(int control, bool enabled) override { Item(control).Enable(enabled); }
     void Focus(int control) override { Item(control).Focus(); }

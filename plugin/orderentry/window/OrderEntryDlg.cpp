@@ -32,31 +32,21 @@ constexpr Change kChanges[] = {
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_client(session), m_plannedDates(module, session) {}
+      m_client(session), m_clientCombo(session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
     if (m_entry.FilledForModify()) Destroy();
-    BringUp();
+    BringUp(*this, m_session);
 }
 
 void COrderEntryDlg::OpenForModify(const SipRegistration& registration) {
     // Making the form sets the operation mode anew, as for an order of its own.
     const std::int32_t operationMode = m_session.m_nSipOperationMode;
-    BringUp();
+    BringUp(*this, m_session);
     m_session.m_nSipOperationMode = operationMode;
     if (HasWindow()) m_entry.FillForModify(registration);
     m_session.m_nSipOperationMode = operationMode;
-    SetForegroundWindow(Dialog::Handle());
-}
-
-void COrderEntryDlg::BringUp() {
-    if (!HasWindow() && !Create() && !m_session.Ended())
-        framework::ReportFault("the order entry window cannot be made", std::source_location::current());
-    if (IsIconic(Dialog::Handle()))
-        ShowWindow(Dialog::Handle(), SW_RESTORE);
-    else
-        Self().Show(true);
     SetForegroundWindow(Dialog::Handle());
 }
 
@@ -82,6 +72,8 @@ void COrderEntryDlg::OnInit() {
     m_value.Attach(Item(IDC_VALUE).Handle());
     if (m_session.host.pu_get_entered_text_results)
         m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), OrderEntry::kName, kClientSearchDelayMs);
+    else
+        m_clientCombo.SetUp(Item(IDC_CLIENT_COMBO).Handle());
     if (!HasWindow()) return; // closed while the host was asked
     Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     std::string customProducts;
@@ -129,6 +121,9 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_entry.*handle)();
         OnPlanChanged();
+        break;
+    case CBN_EDITCHANGE:
+        if (command.id == IDC_CLIENT_COMBO) m_clientCombo.OnTextChanged();
         break;
     case CBN_SELENDOK:
         m_picked = true;

@@ -1,6 +1,7 @@
 // The order entry window.
 #pragma once
 
+#include "plugin/controls/window/AutoComboBox.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/ExtEditOntry.h"
@@ -29,7 +30,6 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
-    void BringUp();
     void OnInit() override;
     void OnLaidOut() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -46,6 +46,7 @@ private:
     OrderEntry m_entry;
     CExtEditOntry m_value;
     CClientSearchBox m_client;
+    CAutoComboBox m_clientCombo; // where the host offers no search
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
     bool m_picked = false; // in the list that is dropped down

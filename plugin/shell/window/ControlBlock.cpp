@@ -13,7 +13,8 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes)
     : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
-      m_basket(module, m_session, boxes), m_orderHistory(module, m_session, boxes),
+      m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
+      m_orderHistory(module, m_session, boxes),
       m_orderBook(
           module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); },
           [this](const std::string& number) { OpenOrderHistory(number); }) {
@@ -27,19 +28,10 @@ void CPlanfoldControlBlock::ShutDown() {
     m_session.End();
     m_orderBook.ShutDown();
     m_orderHistory.ShutDown();
+    m_restrictedDates.ShutDown();
     m_basket.ShutDown();
     m_orderEntry.ShutDown();
     m_keyboard.reset();
-}
-
-void CPlanfoldControlBlock::OpenOrderEntry() {
-    if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
-    if (!m_session.Ended()) m_orderEntry.Open();
-}
-
-void CPlanfoldControlBlock::OpenBasket() {
-    if (!m_basket.HasWindow()) ApplyFontPreference(nullptr, nullptr);
-    if (!m_session.Ended()) m_basket.Open();
 }
 
 void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
@@ -68,11 +60,6 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
         registration.*member = record.Text(field);
     if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
     if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
-}
-
-void CPlanfoldControlBlock::OpenOrderHistory(const std::string& registrationNumber) {
-    if (!m_orderHistory.HasWindow()) ApplyFontPreference(nullptr, nullptr);
-    if (!m_session.Ended()) m_orderHistory.Open(registrationNumber);
 }
 
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
@@ -106,6 +93,7 @@ void CPlanfoldControlBlock::ApplyFontPreference(void* third, void* fourth) {
     };
     apply(m_orderEntry);
     apply(m_basket);
+    apply(m_restrictedDates);
     apply(m_orderHistory);
 }
 

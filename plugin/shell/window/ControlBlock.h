@@ -8,6 +8,7 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
+#include "plugin/restricted/window/SetRestrictedDateDlg.h"
 
 #include <optional>
 
@@ -34,15 +35,23 @@ public:
     // Asks the host for its font preference and lays the windows out anew.
     void ApplyFontPreference(void* third, void* fourth);
 
-    void OpenOrderEntry();
-    void OpenBasket();
+    void OpenOrderEntry() { OpenInHostsFont(m_orderEntry); }
+    void OpenBasket() { OpenInHostsFont(m_basket); }
+    void OpenRestrictedDates() { OpenInHostsFont(m_restrictedDates); }
     void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
     void OpenForModify(const sOrderinfo& record);
-    void OpenOrderHistory(const std::string& registrationNumber);
+    void OpenOrderHistory(const std::string& registrationNumber) {
+        OpenInHostsFont(m_orderHistory, registrationNumber);
+    }
     // An empty client removes the filter of the book's lists.
     void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 
 private:
+    template <class Window, class... Arguments>
+    void OpenInHostsFont(Window& window, const Arguments&... arguments) {
+        if (!window.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+        if (!m_session.Ended()) window.Open(arguments...);
+    }
     void FindSettingsPaths();
 
     Session m_session;
@@ -50,6 +59,7 @@ private:
     // The windows take their controls in this order.
     COrderEntryDlg m_orderEntry;
     CBasketUpload m_basket;
+    CSetRestrictedDateDlg m_restrictedDates;
     CSIPOrderHistoryDlg m_orderHistory;
     COrderBookDlgBar m_orderBook;
     std::string m_strUserDirectory;

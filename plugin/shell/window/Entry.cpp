@@ -34,10 +34,7 @@ Module& ThisModule() {
 
 // The library's own instance, for its resources.
 HINSTANCE OwnInstance() {
-    HMODULE own = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCSTR>(&ThisModule), &own);
-    return own;
+    return framework::ModuleHolding(reinterpret_cast<const void*>(&ThisModule));
 }
 
 Identity IdentityStrings() {
@@ -92,6 +89,7 @@ struct MenuRow {
 constexpr MenuRow kMenu[] = {
     {kOrderEntryMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenOrderEntry(); }},
     {kBasketMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenBasket(); }},
+    {kRestrictedDatesMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenRestrictedDates(); }},
     {kBookMenu, [](CPlanfoldControlBlock& block, HWND mainFrame) { block.OpenOrderBook(mainFrame); }},
 };
 

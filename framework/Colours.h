@@ -1,0 +1,23 @@
+// Colours by what they mean. Only a help to the eye: what a colour says must stand in a text as well.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <cstdint>
+
+namespace framework {
+
+enum class Meaning : std::int32_t { plain, muted, attention, good, bad };
+
+struct Colours {
+    COLORREF text = CLR_DEFAULT; // the window's own
+    COLORREF background = CLR_DEFAULT;
+};
+
+bool IsHighContrast();
+// For a window with that background. All its own in high contrast, and for what is plain.
+Colours ColoursOf(Meaning meaning, COLORREF windowBackground);
+
+} // namespace framework

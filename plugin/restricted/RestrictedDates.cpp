@@ -1,0 +1,137 @@
+#include "plugin/restricted/RestrictedDates.h"
+
+#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/Request.h"
+#include "plugin/messaging/Tags.h"
+#include "plugin/resources/resource.h"
+
+#include <string>
+
+namespace planfold {
+
+namespace {
+
+constexpr int kDays = 31;
+constexpr int kYears = 21;
+
+// As it is chosen in the lists.
+struct DayRange {
+    std::string from;
+    std::string to;
+    std::string year;
+};
+
+// One of the three values: where it is chosen, sent and shown.
+struct ValueRow {
+    std::string DayRange::*member;
+    int list;
+    int held; // the display of what the server holds
+    std::uint32_t tag;
+    const char* missing;
+};
+constexpr ValueRow kValues[] = {
+    {&DayRange::from, IDC_RESTRICT_FROM, IDC_HELD_FROM, tag::startDate, "Please select a From date"},
+    {&DayRange::to, IDC_RESTRICT_TO, IDC_HELD_TO, tag::restrictedTo, "Please select a To date"},
+    {&DayRange::year, IDC_RESTRICT_YEAR, IDC_HELD_YEAR, tag::restrictedYear, "Please select the year"},
+};
+
+constexpr char kSetName[] = "calendar_add_restricted_dates";
+constexpr char kGetName[] = "calendar_get_restricted_dates";
+// Both requests tell their failures in the words of the first.
+constexpr char kNameFailed[] = "Failed to add the request calendar_add_restricted_dates";
+constexpr char kSendFailed[] = "Sending Request calendar_add_restricted_dates Failed";
+constexpr char kDateFailed[] = "Failed to add start date";
+
+template <const char* name>
+std::optional<std::string_view> Name(const DayRange&) {
+    return name;
+}
+template <std::size_t row>
+std::optional<std::string_view> Value(const DayRange& range) {
+    return range.*kValues[row].member;
+}
+
+constexpr RequestField<const DayRange> kSetFields[] = {
+    {tag::requestName, Name<kSetName>, kNameFailed},
+    {kValues[0].tag, Value<0>, kDateFailed},
+    {kValues[1].tag, Value<1>, kDateFailed},
+    {kValues[2].tag, Value<2>, kDateFailed},
+};
+constexpr RequestField<const DayRange> kGetFields[] = {{tag::requestName, Name<kGetName>, kNameFailed}};
+constexpr Request<const DayRange> kSetRequest{kSetFields, kSendFailed};
+constexpr Request<const DayRange> kGetRequest{kGetFields, kSendFailed};
+
+// Why the range is not to be sent; null when it may be.
+const char* Refusal(const DayRange& range) {
+    for (const ValueRow& row : kValues)
+        if ((range.*row.member).empty()) return row.missing;
+    if (LeadingInteger(range.from) > LeadingInteger(range.to)) return "From date can't be greater than To date";
+    return nullptr;
+}
+
+} // namespace
+
+const AnswerHandler<RestrictedDates> RestrictedDates::kAnswers[] = {
+    {kSetName, &RestrictedDates::HandleSet},
+    {kGetName, &RestrictedDates::HandleGet},
+};
+
+void RestrictedDates::Initialise(const LocalDateTime& now) {
+    struct ListRow {
+        int list;
+        int first;
+        int count;
+    };
+    const ListRow lists[] = {
+        {IDC_RESTRICT_FROM, 1, kDays},
+        {IDC_RESTRICT_TO, 1, kDays},
+        {IDC_RESTRICT_YEAR, now.year, kYears},
+    };
+    for (const ListRow& row : lists) {
+        if (m_view.Has(row.list))
+            for (int number = row.first; number < row.first + row.count; ++number)
+                m_view.AddItem(row.list, std::to_string(number));
+        else
+            m_view.ShowMessage("Populating days failed");
+        // Under the box it may have been closed.
+        if (!m_view.IsOpen()) return;
+    }
+}
+
+void RestrictedDates::Set() {
+    DayRange range;
+    for (const ValueRow& row : kValues)
+        range.*row.member = m_view.Text(row.list);
+    if (const char* refusal = Refusal(range)) return m_view.ShowMessage(refusal);
+    SendRequest<const DayRange>(m_session, m_control, m_view, kSetRequest, range);
+    ShowHeld(nullptr);
+}
+
+void RestrictedDates::Get() {
+    SendRequest<const DayRange>(m_session, m_control, m_view, kGetRequest, {});
+}
+
+void RestrictedDates::OnResponse(void* message) {
+    if (m_session.Ended()) return;
+    Dispatch<RestrictedDates>(*this, m_session, kAnswers, Answer(message));
+}
+
+void RestrictedDates::HandleSet(const Answer&) {
+    m_view.ShowMessage("Restricted Date configured Succesfully");
+    if (!m_session.Ended() && m_session.host.pu_resend_nontradingDate_Request)
+        m_session.host.pu_resend_nontradingDate_Request();
+}
+
+void RestrictedDates::ShowHeld(const Answer* answer) {
+    std::vector<ControlText> texts;
+    for (const ValueRow& row : kValues)
+        texts.push_back({row.held, answer ? FieldText(answer->message, row.tag) : ""});
+    m_view.SetTexts(texts);
+}
+
+void RestrictedDates::HandleGet(const Answer& answer) {
+    ShowHeld(&answer);
+    m_session.Log("Restricted date retrieved succesfully");
+}
+
+} // namespace planfold

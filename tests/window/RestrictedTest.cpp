@@ -1,0 +1,71 @@
+// The restricted dates window in a host: keys, a second life, answers while it is closed, an exit under its
+// box.
+#include "tests/window/PluginTest.h"
+
+namespace {
+
+constexpr int kLists[] = {5008, 5009, 5010}, kHeld[] = {5012, 5013, 5014}, kGet = 5015;
+
+class Restricted : public PluginTest {
+protected:
+    HWND Open() {
+        Pick("SIP Set Restricted Date");
+        return probe::FindDialog("SIP Set Restricted Date");
+    }
+    void Key(WPARAM key) {
+        probe::PostKey(key);
+        probe::Pump();
+    }
+    std::string Texts(HWND dialog, const int (&controls)[3]) {
+        std::string texts;
+        for (const int control : controls)
+            texts += probe::Text(dialog, control) + "|";
+        return texts;
+    }
+};
+
+TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
+    const Fields held{{32767, {"calendar_get_restricted_dates"}}, {49165, {"7"}}, {46000, {"2030"}}};
+    const int thisYear = DaysFromNow(0).wYear;
+    for (const bool escape : {true, false}) {
+        HWND dialog = Open();
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(Texts(dialog, kLists) + Texts(dialog, kHeld), "||||||");
+        const auto years = probe::Items(dialog, kLists[2]);
+        EXPECT_EQ(years.size(), 21u);
+        EXPECT_EQ(years.back(), std::to_string(thisYear + 20));
+        SetFocus(GetDlgItem(dialog, kLists[0]));
+        for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_TAB, VK_DOWN, VK_END, VK_TAB, VK_DOWN, VK_TAB, VK_RETURN})
+            Key(key);
+        EXPECT_EQ(host.LastRequest(),
+                  "0=calendar_add_restricted_dates 49165=2 63025=31 46000=" + std::to_string(thisYear));
+        EXPECT_EQ(Open(), dialog) << "a pick brings up the window that is there";
+        probe::Press(dialog, kGet);
+        host.AnswerSender(held);
+        EXPECT_EQ(Texts(dialog, kHeld), "7||2030|");
+        escape ? Key(VK_ESCAPE) : Close(dialog);
+        EXPECT_FALSE(IsWindow(dialog));
+        host.AnswerSender(held);
+        host.AnswerSender({{32767, {"calendar_add_restricted_dates"}}});
+        EXPECT_EQ(boxes.Texts(), "Restricted Date configured Succesfully|") << "also without a window";
+    }
+}
+
+TEST_F(Restricted, AnExitUnderItsBoxesIsTheEnd) {
+    for (const bool answered : {false, true}) {
+        host.calls.clear();
+        HWND dialog = Open();
+        for (const int list : kLists)
+            SendDlgItemMessageA(dialog, list, CB_SETCURSEL, 3, 0);
+        host.refuses = !answered;
+        boxes.during = [&] { plugin->Exit(); };
+        Key(VK_RETURN);
+        if (answered) host.AnswerSender({{32767, {"calendar_add_restricted_dates"}}});
+        EXPECT_FALSE(IsWindow(dialog));
+        EXPECT_EQ(host.CallsOf("pu_resend_nontradingDate_Request"), 0);
+    }
+    EXPECT_EQ(boxes.Texts(), "Sending Request calendar_add_restricted_dates Failed|"
+                             "Restricted Date configured Succesfully|");
+}
+
+} // namespace
