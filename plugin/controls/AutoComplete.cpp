@@ -1,6 +1,7 @@
 #include "plugin/controls/AutoComplete.h"
 
 #include "plugin/messaging/HostCallbacks.h"
+#include "plugin/messaging/Text.h"
 
 #include <algorithm>
 
@@ -11,22 +12,13 @@ namespace {
 constexpr int kTicks = 3;
 constexpr int kUsualDelayMs = 3000;
 
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool StartsWith(std::string_view entry, std::string_view text) {
-    return entry.size() >= text.size()
-           && std::ranges::equal(entry.substr(0, text.size()), text, {}, Lower, Lower);
-}
-
 } // namespace
 
 void AutoComplete::OnTyped() {
     const std::string text = m_view.TypedText();
     if (text.empty()) return;
     for (const std::string& entry : m_view.Entries())
-        if (StartsWith(entry, text)) return m_view.ShowCompletion(entry, text.size());
+        if (StartsWithIgnoringCase(entry, text)) return m_view.ShowCompletion(entry, text.size());
 }
 
 void AutoComplete::OnChanged() {
@@ -49,7 +41,7 @@ void AutoComplete::Search() {
     const std::string text = m_view.TypedText();
     const std::vector<std::string> entries = m_view.Entries();
     for (std::size_t i = 0; i < entries.size(); ++i)
-        if (entries[i].size() == text.size() && StartsWith(entries[i], text))
+        if (EqualsIgnoringCase(entries[i], text))
             return m_view.PickEntry(static_cast<int>(i));
 }
 

@@ -1,5 +1,6 @@
 // The commands on report lists, tabs and status bars.
 #include "host/terminal/window/StageTexts.h"
+#include "host/terminal/window/WindowFinder.h"
 #include "host/terminal/window/WindowStage.h"
 
 #include <algorithm>
