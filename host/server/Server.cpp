@@ -124,12 +124,12 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     // A request that was sent twice is one order; its judgement was made the first time.
     const std::string identifier(qmx::Text(request, kTagRequestIdentifier));
     if (const auto before = m_byRequestIdentifier.find(identifier); before != m_byRequestIdentifier.end())
-        return AnswerRegistered(m_registrations[before->second]);
+        return AnswerRegistered(request, m_registrations[before->second]);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
 
     const Registration registration = MakeRegistration(request);
     if (const auto refusal = Keep(registration)) return Refuse(name, *refusal);
-    return AnswerRegistered(registration);
+    return AnswerRegistered(request, registration);
 }
 
 Registration Server::MakeRegistration(void* request) const {
@@ -188,7 +188,7 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
         if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
 
     m_writer.Start().Add(kTagAnswerName, kind.request);
-    if (kind.request == "cancel_sip_order") m_writer.Add(kTagCancelledNumber, number);
+    if (kind.request == "cancel_sip_order") m_writer.Add(kTagEchoed, number);
     m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
     return {{m_writer.Finish()}};
 }
@@ -257,13 +257,15 @@ Reply Server::Refuse(std::string_view request, const Refusal& refusal) {
                  .Finish()}};
 }
 
-Reply Server::AnswerRegistered(const Registration& registration) {
+Reply Server::AnswerRegistered(void* request, const Registration& registration) {
     const std::string text = "SIP registered. Registration No : " + std::string(registration.Number());
-    return {{m_writer.Start()
-                 .Add(kTagAnswerName, "add_sip_orders")
-                 .Add(kTagUserText, text)
-                 .Add(kTagAccount, registration.Text(kTagAccount))
-                 .Finish()}};
+    m_writer.Start()
+        .Add(kTagAnswerName, "add_sip_orders")
+        .Add(kTagUserText, text)
+        .Add(kTagAccount, registration.Text(kTagAccount));
+    // By which a basket finds the row again.
+    if (qmx::Has(request, kTagEchoed)) m_writer.Add(kTagEchoed, qmx::Text(request, kTagEchoed));
+    return {{m_writer.Finish()}};
 }
 
 void Server::AddListener(UpdateListener& listener) {

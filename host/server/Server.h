@@ -118,7 +118,7 @@ private:
     std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
 
     Reply Refuse(std::string_view request, const Refusal& refusal);
-    Reply AnswerRegistered(const Registration& registration);
+    Reply AnswerRegistered(void* request, const Registration& registration);
     Registration MakeRegistration(void* request) const;
     // Journals, enters, and tells the listeners.
     std::optional<Refusal> Keep(Registration registration);

@@ -24,7 +24,7 @@ enum Tag : std::uint32_t {
     kTagOrderType = 12008,
     kTagUserText = 20008,
     kTagUser = 31003,
-    kTagCancelledNumber = 32760,
+    kTagEchoed = 32760,
     kTagErrorCode = 32766,
     kTagAnswerName = 32767,
     kTagYear = 46000,
