@@ -56,8 +56,8 @@ void CheckChart(const std::vector<sOrderHistory>& records, std::size_t most) {
     std::size_t orders = 0;
     for (const ChartBar& bar : bars) {
         orders += bar.orders;
-        for (const double quantity : bar.quantities)
-            Demand(std::isfinite(quantity) && quantity >= 0);
+        for (const double value : bar.values)
+            Demand(std::isfinite(value) && value >= 0);
         Demand(bar.Total() <= top * (1 + 1e-9));
     }
     Demand(orders == (most ? records.size() : 0));

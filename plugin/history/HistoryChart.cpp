@@ -16,11 +16,17 @@ namespace {
 constexpr const char* kPartNames[] = {"Filled", "Partly filled", "Waiting", "Rejected or cancelled"};
 static_assert(std::size(kPartNames) == kChartPartCount);
 
-constexpr double kLargestQuantity = 1e15; // beyond it whole numbers are no longer exact
+constexpr double kLargestValue = 1e15; // beyond it whole numbers are no longer exact
 
-double Quantity(const std::string& text) {
-    const double quantity = LeadingReal(text);
-    return quantity > 0 ? std::min(quantity, kLargestQuantity) : 0;
+double Positive(const std::string& text) {
+    const double value = LeadingReal(text);
+    return value > 0 ? std::min(value, kLargestValue) : 0;
+}
+
+// Rupees a share: what was paid, else what was asked for.
+double PriceOf(const sOrderHistory& order) {
+    const double traded = Positive(order[HistoryField::tradedPrice]);
+    return traded > 0 ? traded : Positive(order[HistoryField::price]);
 }
 
 bool HoldsIgnoringCase(std::string_view text, std::string_view word) {
@@ -62,27 +68,31 @@ ChartBar Joined(std::span<const ChartBar> orders) {
     ChartBar bar{orders.front().from, orders.back().to, orders.size()};
     for (const ChartBar& order : orders)
         for (std::size_t i = 0; i < kChartPartCount; ++i)
-            bar.quantities[i] += order.quantities[i];
+            bar.values[i] += order.values[i];
     return bar;
 }
 
 } // namespace
 
 double ChartBar::Total() const {
-    return std::accumulate(quantities.begin(), quantities.end(), 0.0);
+    return std::accumulate(values.begin(), values.end(), 0.0);
 }
 
 HistoryChart::HistoryChart(std::span<const sOrderHistory> orders) {
+    const auto hasPrice = [](const sOrderHistory& order) { return PriceOf(order) > 0; };
+    const bool inRupees = !orders.empty() && std::ranges::all_of(orders, hasPrice);
+    if (inRupees) m_measure = "Amount";
     for (const std::size_t place : ByTime(orders)) {
         const sOrderHistory& order = orders[place];
-        const double filled = Quantity(order[HistoryField::tradedQuantity]);
-        const double quantity = std::max(Quantity(order[HistoryField::quantity]), filled);
+        const double filled = Positive(order[HistoryField::tradedQuantity]);
+        const double quantity = std::max(Positive(order[HistoryField::quantity]), filled);
         const ChartPart kind = KindOf(order, filled, quantity);
         ++m_counts[static_cast<std::size_t>(kind)];
         const std::string date = DateOf(order[HistoryField::placementTime]);
         ChartBar& bar = m_orders.emplace_back(ChartBar{date, date, 1});
-        At(bar.quantities, ChartPart::filled) = filled;
-        if (kind != ChartPart::filled) At(bar.quantities, kind) = quantity - filled;
+        const double price = inRupees ? PriceOf(order) : 1;
+        At(bar.values, ChartPart::filled) = filled * price;
+        if (kind != ChartPart::filled) At(bar.values, kind) = (quantity - filled) * price;
     }
 }
 
@@ -95,9 +105,10 @@ std::vector<ChartBar> HistoryChart::Bars(std::size_t most) const {
     return bars;
 }
 
-std::string HistoryChart::Heading(std::span<const ChartBar> bars) {
+std::string HistoryChart::Heading(std::span<const ChartBar> bars) const {
     const std::size_t together = bars.empty() ? 1 : bars.front().orders;
-    return together == 1 ? "Quantity by order" : Format("Quantity, %zu orders a bar", together);
+    const std::string measure = m_measure;
+    return measure + (together == 1 ? " by order" : Format(", %zu orders a bar", together));
 }
 
 std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
@@ -110,9 +121,9 @@ std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
 std::string HistoryChart::Summary() const {
     if (m_orders.empty()) return "No orders";
     ChartBar all = Joined(m_orders);
-    std::string text = Format("Orders: %zu, from %s to %s. Quantity: %s. Quantity filled: %s.", all.orders,
-                              all.from.c_str(), all.to.c_str(), QuantityText(all.Total()).c_str(),
-                              QuantityText(At(all.quantities, ChartPart::filled)).c_str());
+    std::string text = Format("Orders: %zu, from %s to %s. %s: %s. %s filled: %s.", all.orders,
+                              all.from.c_str(), all.to.c_str(), m_measure, ValueText(all.Total()).c_str(),
+                              m_measure, ValueText(At(all.values, ChartPart::filled)).c_str());
     for (const std::string& entry : Legend())
         text += " " + entry + ".";
     return text;
@@ -129,8 +140,8 @@ double ScaleTop(std::span<const ChartBar> bars) {
     return 10 * power;
 }
 
-std::string QuantityText(double quantity) {
-    return Format("%.15g", quantity);
+std::string ValueText(double value) {
+    return Format("%.15g", std::round(value * 100) / 100);
 }
 
 } // namespace planfold

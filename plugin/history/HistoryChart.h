@@ -1,4 +1,5 @@
-// The instalments of a registration over time, as bars: how much each order asked for and what became of it.
+// The instalments of a registration over time, as bars: how much each order asked for and what became of it, in
+// rupees when every order has a price, else in shares.
 // Knows no pixels; whoever paints says how many bars there is room for.
 #pragma once
 
@@ -21,7 +22,7 @@ struct ChartBar {
     std::string from; // date of its first order
     std::string to;   // and of its last
     std::size_t orders = 0;
-    ChartParts quantities{};
+    ChartParts values{}; // rupees or shares
 
     double Total() const;
 };
@@ -35,13 +36,14 @@ public:
     // A bar an order, or, when these are more than `most`, one for every few orders that follow each other.
     std::vector<ChartBar> Bars(std::size_t most) const;
     // What the height of the bars is counted in.
-    static std::string Heading(std::span<const ChartBar> bars);
+    std::string Heading(std::span<const ChartBar> bars) const;
     // How many orders are of each kind, an entry a part.
     std::array<std::string, kChartPartCount> Legend() const;
     // All of it in words.
     std::string Summary() const;
 
 private:
+    const char* m_measure = "Quantity";
     std::vector<ChartBar> m_orders;
     std::array<std::size_t, kChartPartCount> m_counts{};
 };
@@ -49,6 +51,6 @@ private:
 // The smallest round number that no bar is higher than.
 double ScaleTop(std::span<const ChartBar> bars);
 // Without a fraction that says nothing.
-std::string QuantityText(double quantity);
+std::string ValueText(double value);
 
 } // namespace planfold

@@ -230,7 +230,7 @@ TEST_F(OrderHistoryTest, AHostCallMayAskAnewOrEnd) {
 }
 
 TEST_F(OrderHistoryTest, TheChartTellsWhatBecameOfEachOrder) {
-    // Time, quantity, traded quantity and status.
+    // Time, quantity, traded quantity, status and price.
     const std::string good = "07-Apr-2027,10,4,open 05-Mar-2027,10,10,complete 04-Mar-2027,20,0,REJECTED "
                              "05-May-2027,10,,open 05-Jun-2027,10,4,cancelled";
     struct Row {
@@ -243,6 +243,8 @@ TEST_F(OrderHistoryTest, TheChartTellsWhatBecameOfEachOrder) {
         {good, 4, "Quantity, 2 orders a bar: 10+0+0+20 4+6+10+0 4+6+0+0 < 30"},
         {good, 1, "Quantity, 5 orders a bar: 18+12+10+20 < 60"},
         {"later,-5,NA, 05-Mar-2027,1e999,,Cancelled", 9, "Quantity by order: 0+0+0+0 0+0+0+1e+15 < 1e+15"},
+        {"04-Mar-2027,10,4,open,2.50 05-Mar-2027,3,0,rejected,100.10", 9,
+         "Amount by order: 10+15+0+0 0+0+0+300.3 < 400"},
         {"", 9, "Quantity by order: < 1"},
     };
     const auto chartOf = [](const std::string& text) {
@@ -251,19 +253,21 @@ TEST_F(OrderHistoryTest, TheChartTellsWhatBecameOfEachOrder) {
         for (Word word; words >> word;) {
             std::istringstream parts(word);
             sOrderHistory& order = orders.emplace_back();
-            for (const HistoryField field : {HistoryField::placementTime, HistoryField::quantity,
-                                             HistoryField::tradedQuantity, HistoryField::orderStatus})
+            for (const HistoryField field :
+                 {HistoryField::placementTime, HistoryField::quantity, HistoryField::tradedQuantity,
+                  HistoryField::orderStatus, HistoryField::price})
                 std::getline(parts, order[field], ',');
         }
         return HistoryChart(orders);
     };
     for (const Row& row : rows) {
-        const auto bars = chartOf(row.orders).Bars(row.most);
-        std::string text = HistoryChart::Heading(bars) + ":";
+        const HistoryChart chart = chartOf(row.orders);
+        const auto bars = chart.Bars(row.most);
+        std::string text = chart.Heading(bars) + ":";
         for (const ChartBar& bar : bars)
             for (std::size_t i = 0; i < kChartPartCount; ++i)
-                text += (i ? "+" : " ") + QuantityText(bar.quantities[i]);
-        EXPECT_EQ(text + " < " + QuantityText(ScaleTop(bars)), row.bars);
+                text += (i ? "+" : " ") + ValueText(bar.values[i]);
+        EXPECT_EQ(text + " < " + ValueText(ScaleTop(bars)), row.bars);
     }
     EXPECT_EQ(chartOf(good).Summary(),
               "Orders: 5, from 04-Mar-2027 to 05-Jun-2027. Quantity: 60. Quantity filled: 18. Filled: 1. "

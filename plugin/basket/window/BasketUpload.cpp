@@ -136,7 +136,7 @@ void CBasketUpload::LayOut(UINT dpi) {
 void CBasketUpload::Arrange() {
     const RECT client = Self().ClientRect();
     m_statusBar.Place();
-    const LONG letter = Item(IDC_SUBMIT).ClientRect().right / 18; // 72 units of four to a letter
+    const LONG letter = Item(IDC_SUBMIT).ClientRect().right * 4 / 70; // four units
     std::int32_t edges[std::size(kStatusParts) + 1];
     std::int32_t edge = 0;
     for (std::size_t i = 0; i < std::size(kStatusParts); ++i)

@@ -100,7 +100,7 @@ void Painter::Line(int y, int style, int colour) const {
 void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& bars) {
     const int gap = Scaled(kGap, m_dpi);
     const int side = m_rowHeight - gap;
-    const std::string heading = HistoryChart::Heading(bars);
+    const std::string heading = chart.Heading(bars);
     Text(m_area.left, m_area.top, heading);
     int left = m_area.left + Extent(heading).cx + 3 * gap;
     int top = m_area.top;
@@ -120,7 +120,7 @@ void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& ba
 
 void Painter::Scale(double top) {
     const int gap = Scaled(kGap, m_dpi);
-    const std::string highest = QuantityText(top);
+    const std::string highest = ValueText(top);
     m_plot.bottom = m_area.bottom - m_rowHeight - gap / 2;
     m_plot.left = m_area.left + Extent(highest).cx + gap;
     const int half = m_rowHeight / 2;
@@ -147,12 +147,12 @@ void Painter::Bars(const std::vector<ChartBar>& bars, double top) const {
         const int left = begin + (pitch - width) / 2;
         double sum = 0;
         for (std::size_t part = 0; part < kChartPartCount; ++part) {
-            const double quantity = bars[i].quantities[part];
-            if (quantity <= 0) continue;
-            const auto y = [&](double value) { return m_plot.bottom - static_cast<int>(value / top * height); };
+            const double value = bars[i].values[part];
+            if (value <= 0) continue;
+            const auto y = [&](double level) { return m_plot.bottom - static_cast<int>(level / top * height); };
             // Neighbours share a line.
-            Part({left, y(sum + quantity), left + width, y(sum) + 1}, part);
-            sum += quantity;
+            Part({left, y(sum + value), left + width, y(sum) + 1}, part);
+            sum += value;
         }
     }
 }
