@@ -58,6 +58,7 @@
 #define IDC_HISTORY_DETAIL 1311 /* the first of nine */
 #define IDC_HISTORY_CAPTION 1321 /* the first of nine */
 #define IDC_HISTORY_CHART 1331
+#define IDC_HISTORY_SPLITTER 1332
 #define IDC_REJECT_REASON 1401
 #define IDC_REJECT_REASON_LABEL 1402
 #define IDC_CLIENT_RESULTS 1501

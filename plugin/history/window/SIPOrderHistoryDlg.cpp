@@ -12,6 +12,10 @@ namespace planfold {
 namespace {
 
 constexpr unsigned kListCommands = 26300; // of a hundred
+// The list's share of the room, of a hundred; least heights in pixels at 96 DPI.
+constexpr int kListShare = 45;
+constexpr int kLeastList = 60;
+constexpr int kLeastBelow = 140;
 
 } // namespace
 
@@ -35,6 +39,9 @@ void CSIPOrderHistoryDlg::OnInit() {
     const auto columns = ListColumns<HistoryColumn>(kHistoryColumns);
     m_list.Attach({Item(IDC_HISTORY_LIST).Handle(), "SIPOrderHistory", this, columns.data(),
                    static_cast<std::int32_t>(columns.size()), kListCommands});
+    m_splitter.Create({Handle(), m_list.Handle(), IDC_HISTORY_SPLITTER, "SIPOrderHistory", kListShare,
+                       kLeastList, kLeastBelow});
+    Arrange();
 }
 
 // What the user made the window larger than its template stays.
@@ -61,6 +68,7 @@ void CSIPOrderHistoryDlg::RememberPlaces() {
         GetWindowRect(child, &place);
         MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&place), 2);
     }
+    m_places.erase(IDC_HISTORY_SPLITTER);
     const RECT& list = m_places[IDC_HISTORY_LIST];
     const RECT& chart = m_places[IDC_HISTORY_CHART];
     m_ownSize = {chart.right + list.left, chart.bottom + list.top};
@@ -73,20 +81,19 @@ SIZE CSIPOrderHistoryDlg::FrameSize() const {
     return {window.right - window.left - client.right, window.bottom - window.top - client.bottom};
 }
 
-// What the window is larger than its template goes to the list and the chart.
+// The list, and below the bar the details and the chart, which takes what is left.
 void CSIPOrderHistoryDlg::Arrange() {
-    if (!m_ownSize.cx || IsIconic(Handle())) return;
+    if (!m_ownSize.cx || !m_splitter.Handle() || IsIconic(Handle())) return;
     const RECT client = Self().ClientRect();
-    const LONG wider = std::max(0L, client.right - m_ownSize.cx);
-    const LONG higher = std::max(0L, client.bottom - m_ownSize.cy);
+    const RECT list = m_places[IDC_HISTORY_LIST];
+    const RECT area{list.left, list.top, client.right - list.left, client.bottom - list.top};
+    m_splitter.Place(area);
+    const RECT above = m_splitter.First();
     for (auto [id, place] : m_places) {
-        const bool list = id == IDC_HISTORY_LIST;
-        if (!list) OffsetRect(&place, 0, higher / 2);
-        if (list || id == IDC_HISTORY_CHART) {
-            place.right += wider;
-            place.bottom += list ? higher / 2 : higher - higher / 2;
-        }
-        Item(id).Move(place);
+        OffsetRect(&place, 0, above.bottom - list.bottom);
+        if (id == IDC_HISTORY_CHART)
+            place = {place.left, place.top, area.right, std::max(place.top, area.bottom)};
+        Item(id).Move(id == IDC_HISTORY_LIST ? above : place);
     }
     InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
 }
@@ -129,6 +136,10 @@ bool CSIPOrderHistoryDlg::OnCommand(const framework::Command& command) {
 }
 
 std::optional<LRESULT> CSIPOrderHistoryDlg::OnNotify(const NMHDR& notification) {
+    if (notification.code == kKorvexSplitterMoved) {
+        Arrange();
+        return 0;
+    }
     LRESULT result = 0;
     const bool handled = m_list.HandleNotify(&notification, &result);
     if (notification.code == LVN_ITEMCHANGED) FollowFocus();
@@ -165,15 +176,10 @@ std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {
 }
 
 void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details) {
-    // Switching drawing on again would also show a hidden dialog.
-    const bool visible = IsWindowVisible(Handle());
-    if (visible) Self().Send(WM_SETREDRAW, FALSE);
+    // All is drawn again: what waited to be painted before, as a row that lost the focus, may be forgotten.
+    const framework::RedrawHold hold(Handle());
     for (std::size_t i = 0; i < details.size(); ++i)
         Item(IDC_HISTORY_DETAIL + static_cast<int>(i)).SetText(details[i]);
-    if (!visible) return;
-    Self().Send(WM_SETREDRAW, TRUE);
-    // All of it: what waited to be painted before, as a row that lost the focus, may be forgotten.
-    RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void CSIPOrderHistoryDlg::Show(bool shown) {

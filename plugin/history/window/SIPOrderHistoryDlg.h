@@ -5,6 +5,7 @@
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
 #include "host/korvexcontrols/FilterListCtrl.h"
+#include "host/korvexcontrols/FlatSplitterWnd.h"
 #include "plugin/controls/window/RowMenu.h"
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
@@ -60,6 +61,7 @@ private:
     RxLink m_link;
     OrderHistory m_history;
     CFilterListCtrl m_list;
+    CFlatSplitterWnd m_splitter; // between the list and what stands below
     RowMenu m_menu;
     HistoryChart m_chart;
     SIZE m_ownSize{};             // of the client area as the template says
