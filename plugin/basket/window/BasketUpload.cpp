@@ -244,6 +244,8 @@ void CBasketUpload::OnDropDownClosed(int combo) {
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
     if (notification.code == kKorvexSplitterMoved) {
+        // A control that moves onto another would take its picture along.
+        const framework::RedrawHold hold(Dialog::Handle());
         Arrange();
         return 0;
     }

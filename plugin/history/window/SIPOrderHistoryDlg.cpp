@@ -84,6 +84,8 @@ SIZE CSIPOrderHistoryDlg::FrameSize() const {
 // The list, and below the bar the details and the chart, which takes what is left.
 void CSIPOrderHistoryDlg::Arrange() {
     if (!m_ownSize.cx || !m_splitter.Handle() || IsIconic(Handle())) return;
+    // A control that moves onto another would take its picture along.
+    const framework::RedrawHold hold(Handle());
     const RECT client = Self().ClientRect();
     const RECT list = m_places[IDC_HISTORY_LIST];
     const RECT area{list.left, list.top, client.right - list.left, client.bottom - list.top};
@@ -95,7 +97,6 @@ void CSIPOrderHistoryDlg::Arrange() {
             place = {place.left, place.top, area.right, std::max(place.top, area.bottom)};
         Item(id).Move(id == IDC_HISTORY_LIST ? above : place);
     }
-    InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
 }
 
 std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
