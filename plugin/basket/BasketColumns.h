@@ -11,13 +11,7 @@
 
 namespace planfold {
 
-struct BasketColumn {
-    const char* heading;
-    int width; // pixels at 96 DPI
-    BasketField field;
-    ValueType type = ValueType::text;
-    Align align = Align::left;
-};
+using BasketColumn = ListColumn<BasketField>;
 
 inline constexpr BasketColumn kBasketListColumns[] = {
     {"Client ID", 50, BasketField::clientId},

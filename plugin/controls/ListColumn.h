@@ -7,4 +7,14 @@ namespace planfold {
 enum class ValueType : int { number = 1, text = 3, amount = 9, identifier = 11 };
 enum class Align { left, right };
 
+// `Field` names what the records hold.
+template <class Field>
+struct ListColumn {
+    const char* heading;
+    int width; // pixels at 96 DPI
+    Field field;
+    ValueType type = ValueType::text;
+    Align align = Align::left;
+};
+
 } // namespace planfold

@@ -51,13 +51,7 @@ sOrderHistory ReadHistoryTrade(void* message, double priceDivisor);
 // Takes over what the trade tells of the order.
 void ApplyTrade(const sOrderHistory& trade, sOrderHistory& order);
 
-struct HistoryColumn {
-    const char* heading;
-    int width; // pixels at 96 DPI
-    HistoryField field;
-    ValueType type = ValueType::text;
-    Align align = Align::left;
-};
+using HistoryColumn = ListColumn<HistoryField>;
 inline constexpr HistoryColumn kHistoryColumns[] = {
     {"User ID", 100, HistoryField::userId},
     {"Order Status", 100, HistoryField::orderStatus},

@@ -8,13 +8,7 @@
 
 namespace planfold {
 
-struct BookColumn {
-    const char* heading;
-    int width; // pixels at 96 DPI
-    OrderField field;
-    ValueType type = ValueType::text;
-    Align align = Align::left;
-};
+using BookColumn = ListColumn<OrderField>;
 
 inline constexpr BookColumn kBookColumns[] = {
     {"User ID", 100, OrderField::userId},
