@@ -62,13 +62,6 @@ private:
     int m_orders = 0;
 };
 
-struct BookLine final : CKeloRxNotifierBase {
-    void OnResponse(void*, void* message, void*) noexcept override { book->OnResponse(message); }
-    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override { book->OnBroadcast(message); }
-
-    OrderBook* book = nullptr;
-};
-
 class BookFlowTest : public ::testing::Test, public FlowStage {
 protected:
     void SetUp() override { line.book = &book; }
