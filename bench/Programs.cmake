@@ -48,5 +48,8 @@ target_link_libraries(planfold_list_bench PRIVATE house_rules bench_rounds korve
 add_executable(planfold_basket_bench EXCLUDE_FROM_ALL
     ${bench}/BasketCases.cpp
     ${bench}/BasketMain.cpp
-    ${bench}/BasketPeers.cpp)
+    ${bench}/BasketPeers.cpp
+    ${bench}/BasketRowCases.cpp
+    ${bench}/SampleBasket.cpp
+    ${bench}/SubmitCase.cpp)
 target_link_libraries(planfold_basket_bench PRIVATE house_rules bench_rounds planfold_core csv)

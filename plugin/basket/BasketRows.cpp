@@ -67,21 +67,19 @@ void BasketRows::MarkSent(RecordId record) {
 }
 
 bool BasketRows::StandsTwice(RecordId record) const {
-    const auto alike = m_alike.find(AlikeKey(m_rows[record]));
-    return alike != m_alike.end() && alike->second > 1;
+    return m_alike.Of(AlikeKey(m_rows[record])) > 1;
 }
 
 void BasketRows::Enter(RecordId record) {
-    std::uint32_t& alike = m_alike[AlikeKey(m_rows[record])];
+    const std::uint32_t alike = m_alike.Increment(AlikeKey(m_rows[record]));
     // With the second of a kind, the first stands twice as well.
-    if (++alike > 1) m_standingTwice += alike == 2 ? 2 : 1;
+    if (alike > 1) m_standingTwice += alike == 2 ? 2 : 1;
     AddToTotals(m_rows[record], 1);
 }
 
 void BasketRows::Leave(RecordId record) {
-    const auto alike = m_alike.find(AlikeKey(m_rows[record]));
-    if (alike->second > 1) m_standingTwice -= alike->second == 2 ? 2 : 1;
-    if (--alike->second == 0) m_alike.erase(alike);
+    const std::uint32_t left = m_alike.Decrement(AlikeKey(m_rows[record]));
+    if (left > 0) m_standingTwice -= left == 1 ? 2 : 1;
     m_sentCount -= m_sent[record];
     m_sent[record] = false;
     m_bySerialNumber[static_cast<std::size_t>(m_rows[record].SerialNumber() - m_firstSerial)] = kNoRecord;

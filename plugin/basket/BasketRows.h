@@ -3,11 +3,11 @@
 #pragma once
 
 #include "plugin/basket/BasketOrder.h"
+#include "plugin/basket/KeyCounts.h"
 #include "plugin/controls/RecordId.h"
 
 #include <cstdint>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace planfold {
@@ -57,7 +57,7 @@ private:
     std::vector<RecordId> m_bySerialNumber; // from m_firstSerial
     std::vector<bool> m_sent;
     std::size_t m_sentCount = 0;
-    std::unordered_map<std::uint64_t, std::uint32_t> m_alike; // rows by what makes them alike
+    KeyCounts m_alike; // rows by what makes them alike
     std::size_t m_standingTwice = 0;
     BasketTotals m_buy, m_sell;
 };

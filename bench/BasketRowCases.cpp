@@ -1,0 +1,102 @@
+#include "bench/Allocations.h"
+#include "bench/BasketCases.h"
+#include "bench/Cases.h"
+#include "bench/SampleBasket.h"
+#include "bench/SilentHost.h"
+#include "plugin/basket/BasketPlacing.h"
+
+#include <algorithm>
+#include <deque>
+#include <memory>
+
+namespace bench {
+namespace {
+
+using namespace planfold;
+
+// The basket behind its window: records in front of a list.
+class Store final : public BasketSink {
+public:
+    void OnRow(const BasketTexts& texts) override { list.push_front(rows.Add(texts)); }
+    void OnRejected(const RejectedLine&, const BasketTexts&) override {}
+    void OnNotice(std::string_view) override {}
+    void OnLog(std::string_view) override {}
+
+    BasketRows rows;
+    std::deque<RecordId> list;
+};
+
+struct Desk {
+    explicit Desk(std::uint32_t lines) : sample(lines) {
+        HostCallbacks& callbacks = host.session.host;
+        callbacks.pu_build_bskt_caution_order_map = [](InString, InString, InString, InString, InString,
+                                                       InString, int) { return 1; };
+        callbacks.pu_invoke_bskt_caution_order_confirmation = [] { return 1; };
+        callbacks.pu_get_cautionary_bskt_confirm_state = [](InString, InString, int row) {
+            return 1 + row % 2;
+        };
+    }
+
+    void Empty() {
+        store.reset();
+        store = std::make_unique<Store>();
+    }
+    void Load() {
+        sample.Load(sample.text, *store);
+        Require(store->list.size() == sample.lines, "loading into rows");
+    }
+    void Fill() {
+        if (store && store->list.size() == sample.lines) return;
+        Empty();
+        Load();
+    }
+    void Export() {
+        exported.clear();
+        for (const RecordId record : store->list)
+            AppendBasketLine(store->rows[record], exported);
+        Require(exported.size() == sample.text.size(), "writing rows");
+    }
+    void Place() {
+        BasketPlacing placing(host.session, &host.control, store->rows,
+                              {store->list.begin(), store->list.end()});
+        while (placing.Step()) {
+        }
+        Require(placing.SentCount() == sample.lines, "placing");
+    }
+    // An answer for each row, the oldest first.
+    void Answer() {
+        for (const RecordId record : store->list) {
+            const RecordId found = store->rows.BySerialNumber(store->rows[record].SerialNumber());
+            store->rows.SetRemarks(found, "SIP registered. Registration No : SIP2701100000001");
+        }
+    }
+
+    SilentHost host;
+    SampleBasket sample;
+    std::unique_ptr<Store> store;
+    std::string exported;
+};
+
+} // namespace
+
+std::vector<Case> BasketRowCases(std::uint32_t lines) {
+    const auto desk = std::make_shared<Desk>(lines);
+    const auto named = [&](const char* name) { return name + ("-" + std::to_string(lines)); };
+    const auto fill = [=] { desk->Fill(); };
+    return {
+        {named("load-rows"), [=] { desk->Load(); }, lines, [=] { desk->Empty(); }},
+        {named("export-rows"), [=] { desk->Export(); }, lines, fill},
+        {named("place"), [=] { desk->Place(); }, lines, fill},
+        {named("answer"), [=] { desk->Answer(); }, lines, fill},
+    };
+}
+
+double BytesOfAStoredRow(std::uint32_t lines) {
+    Desk desk(lines);
+    desk.Fill();
+    const std::size_t full = HeapBytes();
+    desk.store.reset();
+    return static_cast<double>(full - HeapBytes()) / lines;
+}
+
+} // namespace bench
