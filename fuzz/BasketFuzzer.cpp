@@ -1,10 +1,18 @@
 // Basket files of any content: every line is a row or is refused with a text, and rows load again as they are.
+//
+// Behind a line of "--" follows what is done with the rows, a line each: "d3" deletes the third or so, "m3"
+// makes it the order of its neighbour, "s3" marks it as sent, "a3" gives it an answer, and "x" exports all and
+// loads them again. Numbers, totals and marks are those that the rows have when they are looked at one by one.
 
 #include "fuzz/Fuzz.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/basket/BasketRows.h"
 #include "plugin/messaging/Dates.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <map>
 
 using fuzz::Demand;
 using namespace planfold;
@@ -53,6 +61,102 @@ void Load(std::string_view text, const BasketRules& rules, Findings& findings) {
     Demand(load.RowsLoaded() + findings.refused == static_cast<std::size_t>(load.LinesRead()));
 }
 
+// The basket's rows, and beside each what is known of it.
+class Store final : public BasketSink {
+public:
+    void OnRow(const BasketTexts& texts) override {
+        m_rows.insert(m_rows.begin(), {m_store.Add(texts), ++m_serial});
+    }
+    void OnRejected(const RejectedLine&, const BasketTexts&) override {}
+    void OnNotice(std::string_view) override {}
+    void OnLog(std::string_view) override {}
+
+    void Load(std::string_view text, const BasketRules& rules) {
+        m_store.Clear();
+        m_rows.clear();
+        Scrips scrips;
+        BasketLoad(text, rules, scrips, *this).Read(text.size());
+    }
+    void Do(std::string_view step, const BasketRules& rules) {
+        if (m_rows.empty() || step.empty()) return;
+        std::size_t place = 0;
+        std::from_chars(step.data() + 1, step.data() + step.size(), place);
+        place %= m_rows.size();
+        Row& row = m_rows[place];
+        if (step[0] == 'x') {
+            Load(Exported(), rules);
+        } else if (step[0] == 's') {
+            m_store.MarkSent(row.record);
+            row.isSent = true;
+        } else if (step[0] == 'a') {
+            m_store.SetRemarks(row.record, step);
+            Demand(m_store[row.record].Text(BasketField::remarks) == step);
+        } else if (step[0] == 'm') {
+            const sBasketOrderData other(m_store[m_rows[(place + 1) % m_rows.size()].record].Texts(), 0);
+            m_store.Replace(row.record, other.Texts());
+            Demand(m_store.BySerialNumber(row.serial) == kNoRecord);
+            row = {row.record, ++m_serial};
+        } else if (step[0] == 'd') {
+            m_store.Remove(row.record);
+            Demand(m_store.BySerialNumber(row.serial) == kNoRecord);
+            m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(place));
+        }
+    }
+    void Check() const {
+        BasketTotals sides[2];
+        std::map<std::string, std::size_t> alike;
+        for (const Row& row : m_rows) {
+            const sBasketOrderData& order = m_store[row.record];
+            const auto number = [&](BasketField field) {
+                return std::atoll(std::string(order.Text(field)).c_str());
+            };
+            BasketTotals& side = sides[order.Text(BasketField::sideWord) == "BUY"];
+            const bool byValue = order.Text(BasketField::investType) == "value";
+            (byValue ? side.amountPaise : side.quantity) +=
+                number(byValue ? BasketField::amount : BasketField::quantity);
+            ++alike[Alike(order)];
+            Demand(m_store.BySerialNumber(row.serial) == row.record && order.SerialNumber() == row.serial);
+            Demand(m_store.IsSent(row.record) == row.isSent);
+        }
+        std::size_t twice = 0;
+        for (const Row& row : m_rows) {
+            const bool isTwice = alike[Alike(m_store[row.record])] > 1;
+            Demand(m_store.StandsTwice(row.record) == isTwice);
+            twice += isTwice;
+        }
+        Demand(m_store.StandingTwice() == twice);
+        Demand(m_store.SentCount() == static_cast<std::size_t>(std::ranges::count(m_rows, true, &Row::isSent)));
+        for (const auto& [side, its] : {std::pair(sides[1], m_store.Buy()), {sides[0], m_store.Sell()}})
+            Demand(side.amountPaise == its.amountPaise && side.quantity == its.quantity);
+    }
+
+private:
+    struct Row {
+        RecordId record;
+        std::int32_t serial;
+        bool isSent = false;
+    };
+
+    static std::string Alike(const sBasketOrderData& order) {
+        std::string text;
+        for (const auto field :
+             {BasketField::clientId, BasketField::exchangeSegment, BasketField::tradingSymbol,
+              BasketField::sideWord, BasketField::frequency, BasketField::startDate})
+            text.append(order.Text(field)).push_back(',');
+        return text;
+    }
+    std::string Exported() const {
+        std::string text;
+        for (const Row& row : m_rows)
+            AppendBasketLine(m_store[row.record], text);
+        return text;
+    }
+
+    BasketRows m_store;
+    std::vector<Row> m_rows; // the newest first
+    std::int32_t m_serial = 0;
+};
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -63,7 +167,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     rules.serverPeriods = input.Byte() == 's';
     rules.frequencies = {"Daily", "weekly", "%s", ""};
     rules.minimums = {5, 0, 6, 2};
-    const std::string text = input.Rest();
+    const std::string all = input.Rest();
+    const std::size_t end = all.find("\n--\n");
+    const std::string text = all.substr(0, end == all.npos ? end : end + 1);
+
+    Store store;
+    store.Load(text, rules);
+    store.Check();
+    std::string_view steps = end == all.npos ? "" : std::string_view(all).substr(end + 4);
+    while (!steps.empty()) {
+        store.Do(fuzz::Input::CutAt(steps, '\n'), rules);
+        store.Check();
+    }
 
     Findings first, second;
     Load(text, rules, first);
