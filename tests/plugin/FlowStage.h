@@ -43,10 +43,11 @@ inline vesk::ServerClock FlowClock() {
 }
 
 struct FlowStage : Stage {
-    void Pump() {
+    void Pump() { Pump(hub); }
+    void Pump(vesk::RxHub& any) {
         do
-            hub.Pump(now += 1000);
-        while (hub.Waiting() > 0);
+            any.Pump(now += 1000);
+        while (any.Waiting() > 0);
     }
 
     TemporaryFile journalFile;
