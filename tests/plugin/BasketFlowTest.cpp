@@ -180,6 +180,7 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
                 EXPECT_EQ(Remarks(record), "NA");
                 continue;
             }
+            ASSERT_LT(next, server.Registrations().size());
             EXPECT_EQ(Remarks(record), RegisteredAs(next));
             Texts registered;
             for (const std::uint32_t tag : kRegistered)
