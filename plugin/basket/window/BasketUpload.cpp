@@ -187,6 +187,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
 }
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
+    if (IsOnHeadings(list, position)) return;
     if (list == Item(IDC_BASKET_LIST).Handle())
         m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
     else if (list == Item(IDC_REJECTED_LIST).Handle())
@@ -262,6 +263,9 @@ std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
 
 std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
     if (notification.code == LVN_ITEMACTIVATE) {
+        CFilterListCtrl& list = m_list.Control();
+        // A new row has the focus alone; what is modified is the selected row.
+        if (m_list.FirstSelected() == kNoRecord && list.Focused() != kNoRecord) list.SelectOnly(list.Focused());
         m_basket.Activate(m_list.FirstSelected());
         return 0;
     }
