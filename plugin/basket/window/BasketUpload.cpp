@@ -167,9 +167,13 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
     case WM_SIZE:
         if (m_ownSize.cx) Arrange();
         return std::nullopt;
-    case WM_GETMINMAXINFO:
-        if (m_ownSize.cx) reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+    case WM_GETMINMAXINFO: {
+        auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
+        if (m_ownSize.cx) limits.ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+        // In a large font the form may need more than the screen has.
+        limits.ptMaxTrackSize = {SHRT_MAX, SHRT_MAX};
         return 0;
+    }
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
         m_menu.Close();
