@@ -191,9 +191,11 @@ TEST_F(BasketWindow, StandsAloneWithEveryControlAndItsRowsOutliveIt) {
 }
 
 TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
-    const SIZE least = SizeOf(dialog);
+    const auto scrolls = [&] { return (GetWindowLongPtrA(list, GWL_STYLE) & WS_HSCROLL) != 0; };
+    EXPECT_FALSE(scrolls()) << "every column is seen at first";
     SetWindowPos(dialog, nullptr, 0, 0, 10, 10, SWP_NOMOVE);
-    EXPECT_EQ(SizeOf(dialog).cx, least.cx);
+    EXPECT_TRUE(scrolls());
+    const SIZE least = SizeOf(dialog);
     SetWindowPos(dialog, nullptr, 0, 0, least.cx + 60, least.cy + 40, SWP_NOMOVE);
     for (const int points : {12, 8}) {
         host.fontSize = points;
@@ -201,6 +203,7 @@ TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
         plugin->ApplyFont();
         EXPECT_EQ(SizeOf(dialog).cx > least.cx + 60, points > 8);
         EXPECT_EQ(SizeOf(dialog).cy == least.cy + 40, points == 8);
+        EXPECT_EQ(HeadingAt(rejected, 1), "Reason 220|");
         for (const char* edit : {"(#1025)", "(#1037)"})
             EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)), 1);
     }

@@ -90,6 +90,7 @@ void CBasketUpload::OnInit() {
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
+    ShowAllColumns();
     std::string customProducts;
     ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
     m_basket.Initialise(LocalNow(), customProducts);
@@ -119,7 +120,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     GetWindowRect(Item(IDC_BASKET_LIST).Handle(), &list);
     MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&list), 2);
     m_listTop = list.top;
-    m_rejected.SetColumnWidths();
+    m_rejected.FollowDpi();
     if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
         m_ownSize = WindowSize();
         SetWindowPos(Dialog::Handle(), nullptr, 0, 0, m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy,
@@ -130,6 +131,28 @@ void CBasketUpload::LayOut(UINT dpi) {
     if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
     for (const int edit : {IDC_VALUE, IDC_PERIOD})
         if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+}
+
+// The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
+void CBasketUpload::ShowAllColumns() {
+    const HWND list = Item(IDC_BASKET_LIST).Handle();
+    const UINT dpi = Self().Dpi();
+    int lacking = GetSystemMetricsForDpi(SM_CXVSCROLL, dpi) + 2 * GetSystemMetricsForDpi(SM_CXBORDER, dpi);
+    for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
+        lacking += ListView_GetColumnWidth(list, i);
+    RECT place{};
+    GetWindowRect(list, &place);
+    lacking -= place.right - place.left;
+    GetWindowRect(Dialog::Handle(), &place);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoA(MonitorFromWindow(Dialog::Handle(), MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT& screen = monitor.rcWork;
+    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
+    if (width <= place.right - place.left) return;
+    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
+    SetWindowPos(Dialog::Handle(), nullptr, left, place.top, width, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // The lists take what the form above and the status line below leave.

@@ -54,6 +54,7 @@ private:
     void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
+    void ShowAllColumns();
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
