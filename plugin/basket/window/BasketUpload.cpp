@@ -136,8 +136,11 @@ void CBasketUpload::LayOut(UINT dpi) {
 // The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
 void CBasketUpload::ShowAllColumns() {
     const HWND list = Item(IDC_BASKET_LIST).Handle();
-    const UINT dpi = Self().Dpi();
-    int lacking = GetSystemMetricsForDpi(SM_CXVSCROLL, dpi) + 2 * GetSystemMetricsForDpi(SM_CXBORDER, dpi);
+    WINDOWINFO frame{};
+    frame.cbSize = sizeof frame;
+    GetWindowInfo(list, &frame);
+    int lacking =
+        GetSystemMetricsForDpi(SM_CXVSCROLL, Self().Dpi()) + 2 * static_cast<int>(frame.cxWindowBorders);
     for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
         lacking += ListView_GetColumnWidth(list, i);
     RECT place{};
