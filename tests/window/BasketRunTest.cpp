@@ -125,6 +125,11 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
              EXPECT_TRUE(question.Seen());
              path = given;
          }},
+        {"the log of a rejected line",
+         [&] {
+             host.duringLog = ends;
+             Load("a line\n" + Lines(9));
+         }},
         {"the progress of a placing",
          [&] {
              lookCosts = 100;

@@ -108,6 +108,13 @@ SIZE CBasketUpload::WindowSize() const {
     return {place.right - place.left, place.bottom - place.top};
 }
 
+RECT CBasketUpload::PlaceOf(int control) const {
+    RECT place{};
+    GetWindowRect(Item(control).Handle(), &place);
+    MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
 // What the user has made the window larger by stays.
 void CBasketUpload::LayOut(UINT dpi) {
     const bool normal = m_ownSize.cx && !IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle());
@@ -116,10 +123,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     m_ownSize = {};
     DialogWindowOf::LayOut(dpi);
     SetCaptionIcon(IDI_REPEAT);
-    RECT list{};
-    GetWindowRect(Item(IDC_BASKET_LIST).Handle(), &list);
-    MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&list), 2);
-    m_listTop = list.top;
+    m_listTop = PlaceOf(IDC_BASKET_LIST).top;
     m_rejected.FollowDpi();
     if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
         m_ownSize = WindowSize();
@@ -174,6 +178,10 @@ void CBasketUpload::Arrange() {
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     RECT rest{margin, m_listTop, client.right - margin, client.bottom - status - margin / 2};
     rest.bottom = std::max(rest.top, rest.bottom);
+    // It belongs to the rows below, and ends where they do.
+    RECT button = PlaceOf(IDC_BASKET_PLACE);
+    OffsetRect(&button, rest.right - button.right, 0);
+    Item(IDC_BASKET_PLACE).Move(button);
     m_splitter.Place(rest);
     Item(IDC_BASKET_SPLITTER).Show(m_rejected.IsShown());
     if (m_rejected.IsShown()) {

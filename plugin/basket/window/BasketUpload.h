@@ -61,6 +61,7 @@ private:
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
     void OnDropDownClosed(int combo);
     SIZE WindowSize() const;
+    RECT PlaceOf(int control) const; // in the client area
 
     Session& m_session;
     RxLink m_link;
