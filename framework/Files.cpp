@@ -112,6 +112,10 @@ std::string WriteWhole(const std::string& path, const std::string& text) {
         DeleteFileA(neighbour.c_str());
         return "\"" + path + "\" could not be written: " + SystemText(error);
     };
+    // Not every system refuses to replace a file that must not be written.
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
+        return failed(ERROR_ACCESS_DENIED);
     File file;
     const HANDLE opened = CreateFileA(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return failed(GetLastError());

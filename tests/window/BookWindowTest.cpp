@@ -76,18 +76,6 @@ std::string BookWindowTest::Counts() const {
     return counts;
 }
 
-std::string BookWindowTest::HeadingAt(HWND list, int column) {
-    char text[64] = "";
-    LVCOLUMNA heading{};
-    heading.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-    heading.pszText = text;
-    heading.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&heading));
-    const int width = MulDiv(heading.cx, 96, static_cast<int>(GetDpiForWindow(list)));
-    const bool right = (heading.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
-    return text + (" " + std::to_string(width)) + (right ? " right|" : "|");
-}
-
 std::string BookWindowTest::SelectedNumbers(HWND list) {
     std::string numbers;
     for (int row = -1; (row = Next(list, LVNI_SELECTED, row)) >= 0;)
@@ -106,14 +94,4 @@ void BookWindowTest::Select(HWND list, const std::vector<std::string>& numbers) 
     for (int row = 0; row < Rows(list); ++row)
         if (std::ranges::find(numbers, NumberAt(list, row)) != numbers.end())
             set(row, LVIS_SELECTED | LVIS_FOCUSED);
-}
-
-std::string BookWindowTest::MenuOf(HWND list) const {
-    std::string entries = "(none)";
-    const WhenShown menu(probe::OpenMenu, [&](HWND open) {
-        entries = probe::Entries(probe::MenuOf(open));
-        EndMenu();
-    });
-    SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), MAKELPARAM(60, 60));
-    return entries;
 }

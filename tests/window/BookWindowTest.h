@@ -3,8 +3,6 @@
 
 #include "tests/window/PluginTest.h"
 
-#include <commctrl.h>
-
 namespace book {
 inline constexpr int kPane = 104, kTabs = 1200, kRegistered = 1201, kCancelled = 1202, kStatus = 1203;
 inline constexpr int kReason = 1401, kRunBar = 1702;
@@ -17,8 +15,6 @@ inline constexpr const char kName[] = "SIP Registration Book";
 inline std::string Number(int number) {
     return "SIP" + std::to_string(number);
 }
-
-using probe::WhenShown;
 
 class BookWindowTest : public PluginTest {
 protected:
@@ -36,18 +32,10 @@ protected:
     // How many rows the two panes of the status bar say, "3 0".
     std::string Counts() const;
 
-    static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
-    static int Next(HWND list, UINT flags, int from = -1) {
-        return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
-    }
-    // "Amount 50 right|", the width as at 96 DPI.
-    static std::string HeadingAt(HWND list, int column);
     static std::string NumberAt(HWND list, int row) { return row < 0 ? "" : probe::Cell(list, row, 14); }
     static std::string SelectedNumbers(HWND list);
     // Exactly these rows, by their numbers, and the focus on the last of them.
     static void Select(HWND list, const std::vector<std::string>& numbers);
-    // The row menu, once it is open.
-    std::string MenuOf(HWND list) const;
     static HWND ReasonDialog() { return probe::FindDialog("Reject Reason"); }
     void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }
 

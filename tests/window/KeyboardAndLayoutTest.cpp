@@ -31,25 +31,31 @@ protected:
 };
 
 TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
-    std::vector<HWND> stops;
-    for (HWND child : probe::Children(dialog)) {
-        const LONG_PTR style = GetWindowLongPtrA(child, GWL_STYLE);
-        if ((style & WS_TABSTOP) && (style & WS_VISIBLE) && !(style & WS_DISABLED)) stops.push_back(child);
+    Pick("SIP Basket Entry");
+    for (HWND window : {dialog, probe::FindDialog("Planfold Basket Order")}) {
+        dialog = window;
+        SetForegroundWindow(dialog);
+        std::vector<HWND> stops;
+        for (HWND child : probe::Children(dialog)) {
+            const LONG_PTR style = GetWindowLongPtrA(child, GWL_STYLE);
+            if ((style & WS_TABSTOP) && (style & WS_VISIBLE) && !(style & WS_DISABLED)) stops.push_back(child);
+        }
+        // Rows from top to bottom, each from left to right.
+        const int sameRow = 8;
+        std::ranges::sort(stops, [&](HWND a, HWND b) {
+            const RECT first = PlaceOf(a), second = PlaceOf(b);
+            return std::abs(first.top - second.top) > sameRow ? first.top < second.top
+                                                              : first.left < second.left;
+        });
+        ASSERT_GE(stops.size(), 12u);
+        SetFocus(stops.front());
+        for (std::size_t i = 0; i < stops.size(); ++i) {
+            EXPECT_EQ(GetDlgCtrlID(Focused()), GetDlgCtrlID(stops[i])) << "stop " << i;
+            probe::PostKey(VK_TAB);
+            probe::Pump();
+        }
+        EXPECT_EQ(Focused(), stops.front()) << "and around";
     }
-    // Rows from top to bottom, each from left to right.
-    const int sameRow = 8;
-    std::ranges::sort(stops, [&](HWND a, HWND b) {
-        const RECT first = PlaceOf(a), second = PlaceOf(b);
-        return std::abs(first.top - second.top) > sameRow ? first.top < second.top : first.left < second.left;
-    });
-    ASSERT_GE(stops.size(), 12u);
-    SetFocus(stops.front());
-    for (std::size_t i = 0; i < stops.size(); ++i) {
-        EXPECT_EQ(GetDlgCtrlID(Focused()), GetDlgCtrlID(stops[i])) << "stop " << i;
-        probe::PostKey(VK_TAB);
-        probe::Pump();
-    }
-    EXPECT_EQ(Focused(), stops.front()) << "and around";
 }
 
 TEST_F(Keyboard, EnterSubmitsAndEscapeCloses) {
@@ -148,6 +154,9 @@ protected:
 };
 
 TEST_F(Layout, FollowsTheHostsFontInEveryState) {
+    Pick("SIP Basket Entry");
+    const HWND basket = probe::FindDialog("Planfold Basket Order");
+    ExpectNothingClipped(basket);
     HWND dialog = OpenOrderEntry();
     ASSERT_NE(dialog, nullptr);
     ExpectNothingClipped(dialog);
@@ -167,9 +176,10 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
             plugin->ApplyFont();
             EXPECT_EQ(FontHeight(dialog), row.points ? MulDiv(row.points, USER_DEFAULT_SCREEN_DPI, 72) : usual);
             ExpectNothingClipped(dialog);
+            ExpectNothingClipped(basket);
             for (const char* edit : {"(#1025)", "(#1037)"})
                 EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)),
-                          1);
+                          2);
         }
     }
     EXPECT_EQ(probe::Text(dialog, order::kSymbol), "ARBORTEX") << "a new layout changes no value";
@@ -180,15 +190,19 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
 }
 
 TEST_F(Layout, FollowsTheResolution) {
+    Pick("SIP Basket Entry");
+    HWND basket = probe::FindDialog("Planfold Basket Order");
     HWND dialog = OpenOrderEntry();
     const int usual = FontHeight(dialog);
     RECT suggested{};
     GetWindowRect(dialog, &suggested);
     for (const int dpi : {144, 192, 96}) {
         SCOPED_TRACE(dpi);
-        SendMessageA(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+        for (HWND window : {basket, dialog}) {
+            SendMessageA(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+            ExpectNothingClipped(window);
+        }
         EXPECT_NEAR(FontHeight(dialog), MulDiv(usual, dpi, USER_DEFAULT_SCREEN_DPI), 1);
-        ExpectNothingClipped(dialog);
     }
 }
 

@@ -49,6 +49,28 @@ bool PluginTest::HasChildWithText(HWND dialog, std::string_view text) {
     return false;
 }
 
+std::string PluginTest::HeadingAt(HWND list, int column) {
+    char text[64] = "";
+    LVCOLUMNA heading{};
+    heading.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
+    heading.pszText = text;
+    heading.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&heading));
+    const int width = MulDiv(heading.cx, 96, static_cast<int>(GetDpiForWindow(list)));
+    const bool right = (heading.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
+    return text + (" " + std::to_string(width)) + (right ? " right|" : "|");
+}
+
+std::string PluginTest::MenuOf(HWND list, LPARAM at) {
+    std::string entries = "(none)";
+    const WhenShown menu(probe::OpenMenu, [&](HWND open) {
+        entries = probe::Entries(probe::MenuOf(open));
+        EndMenu();
+    });
+    SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), at);
+    return entries;
+}
+
 Fields Told(const char* text) {
     return {{32767, {"add_sip_orders"}}, {20008, {text}}};
 }

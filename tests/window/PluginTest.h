@@ -8,11 +8,13 @@
 #include "tests/support/LoadedPlugin.h"
 #include "tests/support/WindowProbe.h"
 
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <optional>
 
 using namespace planfold::test;
+using probe::WhenShown;
 
 // Controls of the order entry window.
 namespace order {
@@ -41,6 +43,15 @@ protected:
     void FillGoodOrder(HWND dialog, std::string_view client = "C002");
     std::vector<HWND> PluginWindows() const;
     static bool HasChildWithText(HWND dialog, std::string_view text);
+
+    static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+    static int Next(HWND list, UINT flags, int from = -1) {
+        return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
+    }
+    // "Amount 50 right|", the width as at 96 DPI.
+    static std::string HeadingAt(HWND list, int column);
+    // The row menu, once it is open.
+    static std::string MenuOf(HWND list, LPARAM at = MAKELPARAM(60, 60));
 
     FakeHost host;
     BoxRecorder boxes;

@@ -90,6 +90,7 @@ void CBasketUpload::OnInit() {
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
+    ShowAllColumns();
     std::string customProducts;
     ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
     m_basket.Initialise(LocalNow(), customProducts);
@@ -107,6 +108,13 @@ SIZE CBasketUpload::WindowSize() const {
     return {place.right - place.left, place.bottom - place.top};
 }
 
+RECT CBasketUpload::PlaceOf(int control) const {
+    RECT place{};
+    GetWindowRect(Item(control).Handle(), &place);
+    MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
 // What the user has made the window larger by stays.
 void CBasketUpload::LayOut(UINT dpi) {
     const bool normal = m_ownSize.cx && !IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle());
@@ -115,11 +123,8 @@ void CBasketUpload::LayOut(UINT dpi) {
     m_ownSize = {};
     DialogWindowOf::LayOut(dpi);
     SetCaptionIcon(IDI_REPEAT);
-    RECT list{};
-    GetWindowRect(Item(IDC_BASKET_LIST).Handle(), &list);
-    MapWindowPoints(nullptr, Dialog::Handle(), reinterpret_cast<POINT*>(&list), 2);
-    m_listTop = list.top;
-    m_rejected.SetColumnWidths();
+    m_listTop = PlaceOf(IDC_BASKET_LIST).top;
+    m_rejected.FollowDpi();
     if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
         m_ownSize = WindowSize();
         SetWindowPos(Dialog::Handle(), nullptr, 0, 0, m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy,
@@ -130,6 +135,31 @@ void CBasketUpload::LayOut(UINT dpi) {
     if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
     for (const int edit : {IDC_VALUE, IDC_PERIOD})
         if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+}
+
+// The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
+void CBasketUpload::ShowAllColumns() {
+    const HWND list = Item(IDC_BASKET_LIST).Handle();
+    WINDOWINFO frame{};
+    frame.cbSize = sizeof frame;
+    GetWindowInfo(list, &frame);
+    int lacking =
+        GetSystemMetricsForDpi(SM_CXVSCROLL, Self().Dpi()) + 2 * static_cast<int>(frame.cxWindowBorders);
+    for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
+        lacking += ListView_GetColumnWidth(list, i);
+    RECT place{};
+    GetWindowRect(list, &place);
+    lacking -= place.right - place.left;
+    GetWindowRect(Dialog::Handle(), &place);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoA(MonitorFromWindow(Dialog::Handle(), MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT& screen = monitor.rcWork;
+    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
+    if (width <= place.right - place.left) return;
+    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
+    SetWindowPos(Dialog::Handle(), nullptr, left, place.top, width, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // The lists take what the form above and the status line below leave.
@@ -148,6 +178,10 @@ void CBasketUpload::Arrange() {
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     RECT rest{margin, m_listTop, client.right - margin, client.bottom - status - margin / 2};
     rest.bottom = std::max(rest.top, rest.bottom);
+    // It belongs to the rows below, and ends where they do.
+    RECT button = PlaceOf(IDC_BASKET_PLACE);
+    OffsetRect(&button, rest.right - button.right, 0);
+    Item(IDC_BASKET_PLACE).Move(button);
     m_splitter.Place(rest);
     Item(IDC_BASKET_SPLITTER).Show(m_rejected.IsShown());
     if (m_rejected.IsShown()) {
@@ -167,9 +201,13 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
     case WM_SIZE:
         if (m_ownSize.cx) Arrange();
         return std::nullopt;
-    case WM_GETMINMAXINFO:
-        if (m_ownSize.cx) reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+    case WM_GETMINMAXINFO: {
+        auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
+        if (m_ownSize.cx) limits.ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+        // In a large font the form may need more than the screen has.
+        limits.ptMaxTrackSize = {SHRT_MAX, SHRT_MAX};
         return 0;
+    }
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
         m_menu.Close();
@@ -187,6 +225,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
 }
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
+    if (IsOnHeadings(list, position)) return;
     if (list == Item(IDC_BASKET_LIST).Handle())
         m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
     else if (list == Item(IDC_REJECTED_LIST).Handle())
@@ -262,6 +301,9 @@ std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
 
 std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
     if (notification.code == LVN_ITEMACTIVATE) {
+        CFilterListCtrl& list = m_list.Control();
+        // A new row has the focus alone; what is modified is the selected row.
+        if (m_list.FirstSelected() == kNoRecord && list.Focused() != kNoRecord) list.SelectOnly(list.Focused());
         m_basket.Activate(m_list.FirstSelected());
         return 0;
     }

@@ -54,12 +54,14 @@ private:
     void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
+    void ShowAllColumns();
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
     void OnDropDownClosed(int combo);
     SIZE WindowSize() const;
+    RECT PlaceOf(int control) const; // in the client area
 
     Session& m_session;
     RxLink m_link;

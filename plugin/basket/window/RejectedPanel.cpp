@@ -12,7 +12,7 @@ namespace {
 
 constexpr framework::ReportList::Column kColumns[] = {{"Line", 50}, {"Reason", 220}, {"Text", 560}};
 enum { kLineColumn, kReasonColumn, kTextColumn };
-constexpr int kRowHeight = 18; // pixels at 96 DPI
+constexpr int kRowHeight = 15; // pixels at 96 DPI
 constexpr int kControls[] = {IDC_REJECTED_LABEL, IDC_REJECTED_COPY, IDC_REJECTED_SAVE, IDC_REJECTED_LIST};
 
 constexpr MenuEntry kMenu[] = {
@@ -28,16 +28,16 @@ void RejectedPanel::Attach() {
     const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
     for (const framework::ReportList::Column& column : kColumns)
         list.AddColumn(column);
-    list.SetLook(kRowHeight);
     m_enter.Attach(list.Handle());
     m_label.Attach(m_dialog.Item(IDC_REJECTED_LABEL).Handle());
-    SetColumnWidths();
+    FollowDpi();
 }
 
-void RejectedPanel::SetColumnWidths() {
+void RejectedPanel::FollowDpi() {
     const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
+    list.SetLook(kRowHeight);
     for (int i = 0; i < static_cast<int>(std::size(kColumns)); ++i)
-        list.SetColumnWidth(i, framework::Scaled(kColumns[i].width, list.Dpi()));
+        list.SetColumnWidth(i, kColumns[i].width);
 }
 
 void RejectedPanel::Refresh() {

@@ -29,7 +29,7 @@ public:
     bool IsShown() const { return !m_lines.empty(); }
     // Fills the rectangle of the dialog's client area.
     void Arrange(const RECT& place);
-    void SetColumnWidths();
+    void FollowDpi();
 
     void OpenMenu(LPARAM position);
     void CloseMenu() const { m_menu.Close(); }

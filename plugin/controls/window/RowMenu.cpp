@@ -36,6 +36,12 @@ POINT RowMenuPlace(HWND list, LPARAM position) {
     return at;
 }
 
+bool IsOnHeadings(HWND list, LPARAM position) {
+    RECT headings{};
+    GetWindowRect(ListView_GetHeader(list), &headings);
+    return PtInRect(&headings, {GET_X_LPARAM(position), GET_Y_LPARAM(position)});
+}
+
 void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const MenuEntry> entries,
                    std::span<const MenuEntry> several) {
     const framework::Menu menu(CreatePopupMenu());

@@ -11,6 +11,8 @@ namespace planfold {
 // Where the menu opens: at the mouse, or below the focused row when it was asked for by key. `position` is
 // WM_CONTEXTMENU's.
 POINT RowMenuPlace(HWND list, LPARAM position);
+// Whether it was asked for on the headings, which have a menu of their own.
+bool IsOnHeadings(HWND list, LPARAM position);
 
 class RowMenu {
 public:

@@ -1,0 +1,166 @@
+// The basket's placing and other long runs, and what comes in the middle of them.
+#include "tests/window/BasketWindowTest.h"
+
+namespace {
+
+TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
+    Load(Line("C2") + Line("C3") + Line("C1") + Line("C3"));
+    Command(basket::kSort);
+    Command(basket::kFilterCell);
+    EXPECT_EQ(Column(0), "C3 C3");
+    host.calls.clear();
+    host.requests.clear();
+    host.cautionOfRow = {{1, 0}};
+    probe::Press(dialog, basket::kPlace);
+    Texts calls;
+    for (const char* client : {"C3", "C1", "C3", "C2"})
+        calls.push_back("pu_build_bskt_caution_order_map(" + std::string(client)
+                        + ",value,CNC,150000,ARBORTEX-EQ,nse_cm," + std::to_string(calls.size()) + ")");
+    std::erase_if(host.calls, [](const std::string& call) { return !call.starts_with("pu_build_bskt"); });
+    EXPECT_EQ(host.calls, calls);
+    std::string sent;
+    for (const std::string& request : host.requests)
+        sent +=
+            request.substr(request.find(" 54001=") + 7, 2) + request.substr(request.find(" 32760="), 8) + "|";
+    EXPECT_EQ(sent, "C3 32760=4|C3 32760=2|C2 32760=1|");
+    EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|");
+}
+
+TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
+    constexpr std::size_t many = 20000;
+    Write(Lines(many));
+    const auto run = [&](int button, auto during) {
+        lookCosts = 20;
+        probe::Press(dialog, button);
+        ASSERT_NE(Progress(), nullptr);
+        EXPECT_EQ(GetAncestor(GetFocus(), GA_ROOT), Progress());
+        EXPECT_FALSE(IsWindowEnabled(dialog));
+        InvalidateRect(dialog, nullptr, FALSE);
+        EXPECT_TRUE(probe::PumpUntil([&] { return !GetUpdateRect(dialog, nullptr, FALSE); }));
+        during();
+        lookCosts = 0;
+        EXPECT_TRUE(probe::PumpUntil([] { return !Progress(); }));
+        EXPECT_TRUE(IsWindowEnabled(dialog));
+        EXPECT_TRUE(IsEnabled(basket::kPlace));
+        EXPECT_EQ(GetAncestor(GetFocus(), GA_ROOT), dialog);
+    };
+    run(basket::kLoad,
+        [&] { EXPECT_TRUE(probe::Text(dialog).ends_with(" - Loading Basket. Please Wait.... ")); });
+    EXPECT_EQ(Rows(list), static_cast<int>(many));
+    EXPECT_EQ(probe::Text(dialog) + boxes.Texts(), basket::kCaption);
+
+    const auto escape = [] { probe::PostKey(VK_ESCAPE); };
+    host.requests.clear();
+    run(basket::kPlace, [&] {
+        lookCosts = 0;
+        host.duringCaution = [] { lookCosts = 1; };
+        EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() > 100; }));
+        Answer({{32767, {"add_sip_orders"}}, {32760, {std::to_string(many - 1)}}, {20008, {"registered"}}});
+        EXPECT_EQ(probe::Cell(list, 1, 12), "registered");
+        escape();
+    });
+    const std::string sent = std::to_string(host.requests.size());
+    EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Placing was stopped: " + sent
+                                 + " of 20000 orders were sent.\nRemove these " + sent + " from the basket?|");
+    EXPECT_EQ(static_cast<std::size_t>(Rows(list)), many - host.requests.size());
+
+    run(basket::kLoad, escape);
+    EXPECT_TRUE(boxes.Texts().starts_with("Loading was stopped: "));
+    EXPECT_LT(Rows(list), static_cast<int>(many));
+}
+
+// Nothing is left, and nothing goes on any more; another pick changes nothing.
+TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
+    enum End { exits, closes, picks };
+    End end = exits;
+    const auto ends = [&] {
+        if (end == exits)
+            plugin->Exit();
+        else if (end == closes)
+            Close(dialog);
+        else
+            Pick(basket::kName);
+    };
+    struct Row {
+        const char* middle;
+        std::function<void()> happens;
+        std::size_t sent = 0; // when another pick is all that happens
+    };
+    const Row rows[] = {
+        {"the question of a placing",
+         [&] {
+             boxes.during = ends;
+             probe::Press(dialog, basket::kPlace);
+         },
+         9},
+        {"the host's question",
+         [&] {
+             host.duringCaution = ends;
+             probe::Press(dialog, basket::kPlace);
+         },
+         9},
+        {"the row menu",
+         [&] {
+             const WhenShown menu(probe::OpenMenu, [&](HWND) {
+                 ends();
+                 if (end == picks) EndMenu();
+             });
+             SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), MAKELPARAM(60, 60));
+             EXPECT_TRUE(menu.Seen());
+         }},
+        {"the scrip look-up of a new row",
+         [&] {
+             host.duringScripLookUp = ends;
+             Add("C001", "100");
+         }},
+        {"a file dialog",
+         [&] {
+             const std::string given = std::exchange(path, {});
+             const WhenShown question([&] { return FileDialog(); },
+                                      [&](HWND shown) {
+                                          ends();
+                                          if (end == picks) probe::Press(shown, IDCANCEL);
+                                      });
+             probe::Press(dialog, basket::kLoad);
+             EXPECT_TRUE(question.Seen());
+             path = given;
+         }},
+        {"the log of a rejected line",
+         [&] {
+             host.duringLog = ends;
+             Load("a line\n" + Lines(9));
+         }},
+        {"the progress of a placing",
+         [&] {
+             lookCosts = 100;
+             probe::Press(dialog, basket::kPlace);
+             ASSERT_NE(Progress(), nullptr);
+             EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 1; }));
+             ends();
+             if (end == picks) SendMessageA(Progress(), WM_CLOSE, 0, 0);
+             lookCosts = 0;
+         },
+         1},
+    };
+    for (const Row& row : rows)
+        for (const End how : {exits, closes, picks}) {
+            SCOPED_TRACE(testing::Message() << row.middle << ", " << how);
+            end = how;
+            Open();
+            Load(Lines(9));
+            host.requests.clear();
+            boxes.Texts();
+            row.happens();
+            const std::size_t sent = host.requests.size();
+            probe::Pump();
+            EXPECT_EQ(host.requests.size(), sent) << "nothing goes on";
+            EXPECT_TRUE(how != picks || !row.sent || sent == row.sent) << sent;
+            EXPECT_EQ(probe::FindDialog(basket::kCaption), how == picks ? dialog : nullptr);
+            EXPECT_EQ(std::ranges::count_if(PluginWindows(), IsWindowVisible), how == picks);
+            EXPECT_TRUE(how != picks || IsWindowEnabled(dialog));
+            EXPECT_EQ(host.LiveControls() == 0, how == exits);
+        }
+    boxes.Texts();
+}
+
+} // namespace

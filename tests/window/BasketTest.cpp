@@ -1,0 +1,235 @@
+// The basket's controls, rows and keys, and the files behind the system's dialogs.
+#include "tests/window/BasketWindowTest.h"
+
+namespace {
+
+TEST_F(BasketWindow, StandsAloneWithEveryControlAndItsRowsOutliveIt) {
+    EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
+    EXPECT_EQ(GetParent(dialog), nullptr);
+    EXPECT_EQ(probe::ClassOf(dialog), "#32770");
+    const std::pair<const char*, std::vector<int>> controls[] = {
+        {"ComboBox",
+         {order::kExchange, order::kSeries, order::kSymbol, 1048, 1049, 1050, order::kAction, order::kOrderType,
+          order::kClient, order::kProduct, basket::kProducts, order::kInvestBy, order::kFrequency}},
+        {"Edit", {order::kClientSearch, order::kValue, basket::kQuantity, order::kPeriod}},
+        {"Button", {basket::kClientMode, order::kSubmit, basket::kPlace, basket::kLoad, basket::kExport}},
+        {"SysDateTimePick32", {order::kStartDate}},
+        {"SysListView32", {basket::kList, basket::kRejected}},
+    };
+    for (const auto& [name, ids] : controls)
+        for (const int id : ids)
+            EXPECT_EQ(probe::ClassOf(GetDlgItem(dialog, id)), name) << id;
+    std::string headings;
+    for (int i = 0; i < 13; ++i)
+        headings += HeadingAt(list, i);
+    EXPECT_EQ(headings, "Client ID 50|Exchange 50|Series 50|Symbol 100|Product 50|Amount 70 right|"
+                        "Quantity 70 right|Frequency 50|Start Date 150|Total Period 50|Order Type 50|Action 50|"
+                        "Remarks 50|");
+    EXPECT_FALSE(IsEnabled(basket::kPlace));
+
+    Load(Lines(2));
+    const HWND first = dialog;
+    Open();
+    EXPECT_EQ(dialog, first);
+    for (const bool escape : {true, false}) {
+        if (escape)
+            Key(list, VK_ESCAPE);
+        else
+            Close(dialog);
+        EXPECT_TRUE(PluginWindows().empty());
+        Open();
+        EXPECT_EQ(Column(0), "C2 C1");
+        EXPECT_TRUE(IsEnabled(basket::kPlace));
+    }
+    Answer({{32767, {"add_sip_orders"}}, {32760, {"2"}}, {20008, {"registered"}}});
+    EXPECT_EQ(Column(12), "registered NA") << "answers find the rows of the window before";
+
+    const HiddenExport hidden("pu_get_entered_text_results");
+    plugin->Exit();
+    Open();
+    EXPECT_TRUE(probe::IsShown(dialog, order::kClient));
+    EXPECT_FALSE(probe::IsShown(dialog, order::kClientSearch));
+    EXPECT_EQ(probe::Items(dialog, order::kClient), (Texts{"C001", "C002"}));
+}
+
+TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
+    Load(Lines(60));
+    const auto scrolls = [&] { return (GetWindowLongPtrA(list, GWL_STYLE) & WS_HSCROLL) != 0; };
+    EXPECT_FALSE(scrolls()) << "every column is seen at first";
+    SetWindowPos(dialog, nullptr, 0, 0, 10, 10, SWP_NOMOVE);
+    EXPECT_TRUE(scrolls());
+    const auto size = [&] {
+        RECT place{};
+        GetWindowRect(dialog, &place);
+        return SIZE{place.right - place.left, place.bottom - place.top};
+    };
+    const SIZE least = size();
+    SetWindowPos(dialog, nullptr, 0, 0, least.cx + 60, least.cy + 40, SWP_NOMOVE);
+    for (const int points : {12, 8}) {
+        host.fontSize = points;
+        host.calls.clear();
+        plugin->ApplyFont();
+        EXPECT_EQ(size().cx > least.cx + 60, points > 8);
+        EXPECT_EQ(size().cy == least.cy + 40, points == 8);
+        EXPECT_EQ(HeadingAt(rejected, 1), "Reason 220|");
+        for (const char* edit : {"(#1025)", "(#1037)"})
+            EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)), 1);
+    }
+}
+
+TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
+    Add("C001", "100");
+    Add("C002", "200");
+    probe::Select(dialog, order::kInvestBy, "Quantity");
+    EXPECT_FALSE(IsEnabled(order::kValue));
+    probe::SetEdit(dialog, basket::kQuantity, "7");
+    Key(GetDlgItem(dialog, basket::kQuantity), VK_RETURN);
+    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(Column(0) + Column(5) + Column(6), "C002 C002 C0010.00 200.00 100.007 0 0");
+    std::string cells;
+    for (int column = 0; column < 13; ++column)
+        cells += column == 8 ? "" : probe::Cell(list, 2, column) + "|";
+    EXPECT_EQ(cells, "C001|nse_cm|EQ|BYTEFIN|CNC|100.00|0|monthly|12|MKT|SIP|NA|");
+    EXPECT_EQ(Next(list, LVNI_FOCUSED), 0);
+    EXPECT_EQ(Next(list, LVNI_SELECTED), -1) << "the new row is not selected";
+    EXPECT_TRUE(IsEnabled(basket::kPlace));
+
+    const auto modify = [&](const char* amount) {
+        EXPECT_EQ(probe::Text(dialog, order::kSubmit), "&Modify");
+        EXPECT_EQ(Rows(list), 3) << "nothing was added";
+        probe::SetEdit(dialog, order::kValue, amount);
+        probe::Press(dialog, order::kSubmit);
+        EXPECT_EQ(probe::Text(dialog, order::kSubmit) + probe::Text(dialog, order::kPeriod), "Add");
+    };
+    SelectRows({2});
+    Key(list, VK_RETURN);
+    EXPECT_EQ(probe::Text(dialog, order::kClientSearch) + probe::Text(dialog, order::kValue), "C001100.00");
+    modify("150.5");
+    RECT row{LVIR_LABEL, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
+    const LPARAM place = MAKELPARAM(row.left + 4, row.top + 4);
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageA(list, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON, place);
+    probe::Pump();
+    modify("250.5");
+    EXPECT_EQ(Column(5), "0.00 250.50 150.50");
+    // Enter on a row that has only the focus chooses it.
+    SelectRows({});
+    ListView_SetItemState(list, 0, LVIS_FOCUSED, LVIS_FOCUSED);
+    Key(list, VK_RETURN);
+    EXPECT_EQ(probe::Text(dialog, basket::kQuantity) + probe::Text(dialog, order::kSubmit), "7&Modify");
+    EXPECT_EQ(Next(list, LVNI_SELECTED), 0);
+    EXPECT_EQ(boxes.Texts(), "");
+}
+
+TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
+    Load(Lines(6));
+    struct Row {
+        const char* way;
+        std::initializer_list<int> selected;
+        std::function<void()> deletes;
+        const char* left;
+        int focused;
+    };
+    const Row rows[] = {
+        {"command", {1, 3}, [&] { Command(basket::kDelete); }, "C6 C4 C2 C1", 2},
+        {"key, which the host sends", {0}, [&] { Key(list, VK_DELETE); }, "C6 C4 C2 C1", 2},
+        {"the host's message", {0}, [&] { SendMessageA(dialog, basket::kHotKey, 193, 0); }, "C4 C2 C1", 0},
+        {"nothing selected", {}, [&] { Command(basket::kDelete); }, "C4 C2 C1", 0},
+        {"last row", {2}, [&] { Command(basket::kDelete); }, "C4 C2", -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.way);
+        SelectRows(row.selected);
+        row.deletes();
+        EXPECT_EQ(Column(0), row.left);
+        EXPECT_TRUE(row.focused < 0 || Next(list, LVNI_FOCUSED) == row.focused);
+    }
+    Load(Line("C1") + Line("C2") + Line("C1"));
+    Command(basket::kFilterCell);
+    EXPECT_EQ(Column(0), "C1 C1");
+    const HiddenExport hidden("pu_InvokeDialog");
+    Close(dialog);
+    Open();
+    EXPECT_EQ(Rows(list), 2) << "the filter is there again";
+    SelectRows({0, 1});
+    Key(list, VK_DELETE);
+    EXPECT_EQ(Rows(list), 0);
+    probe::Press(dialog, basket::kPlace);
+    EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|")
+        << "the hidden row";
+
+    const std::string entries = MenuOf(list);
+    EXPECT_TRUE(entries.starts_with("Delete\tDel 25002|-|(Copy\tCtrl+C 26200)|(Select All")) << entries;
+    EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
+    RECT header{};
+    GetWindowRect(ListView_GetHeader(list), &header);
+    EXPECT_EQ(MenuOf(list, MAKELPARAM(header.left + 9, header.top + 9)), "(none)");
+}
+
+TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
+    probe::Press(dialog, basket::kExport);
+    EXPECT_EQ(boxes.Texts(), "No items in the list|");
+    Load(Line("C1") + Line("J\xFCrgen") + "a line\n" + Line("C3", "1"));
+    EXPECT_EQ(asked,
+              "txt |All Files (*.*)|*.*|CSV Files(*.csv)|*.csv; *.csv|Text Documents(*.txt)|*.txt; *.txt|");
+    EXPECT_EQ(boxes.Texts(), "InValid Token|");
+    EXPECT_EQ(probe::Text(dialog), basket::kCaption);
+    EXPECT_EQ(Column(0), "J\xFCrgen C1");
+    EXPECT_TRUE(IsWindowVisible(rejected));
+    EXPECT_EQ(HeadingAt(rejected, 0) + HeadingAt(rejected, 1) + HeadingAt(rejected, 2),
+              "Line 50|Reason 220|Text 560|");
+    const std::string reasons = "3 4|Invalid Format InValid Token";
+    EXPECT_EQ(Column(rejected, 0) + "|" + Column(rejected, 1), reasons);
+    EXPECT_EQ(probe::Cell(rejected, 0, 2), "a line");
+
+    // Ctrl+A, as a key that the list reports.
+    BYTE keys[256] = {}, usual[256] = {};
+    GetKeyboardState(usual);
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    SendMessageA(rejected, WM_KEYDOWN, 'A', 1);
+    SetKeyboardState(usual);
+    EXPECT_EQ(ListView_GetSelectedCount(rejected), 2u);
+    probe::Press(dialog, basket::kCopyRejected);
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const auto* copied = static_cast<const char*>(GlobalLock(GetClipboardData(CF_TEXT)));
+    EXPECT_TRUE(std::string_view(copied).starts_with("a line\r\nfailed to load due to Invalid Format"))
+        << copied;
+    CloseClipboard();
+
+    const std::string before = Read();
+    {
+        const HANDLE locked = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        probe::Press(dialog, basket::kLoad);
+        EXPECT_EQ(boxes.Texts(), "File Open Error|");
+        EXPECT_EQ(Column(0), "J\xFCrgen C1");
+        EXPECT_EQ(Column(rejected, 0) + "|" + Column(rejected, 1), reasons);
+        probe::Press(dialog, basket::kExport);
+        EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
+        CloseHandle(locked);
+    }
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    probe::Press(dialog, basket::kExport);
+    EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
+    EXPECT_EQ(Read(), before);
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    const std::string good = std::exchange(path, (folder / "nowhere" / "orders.csv").string());
+    probe::Press(dialog, basket::kExport);
+    EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "no neighbour is left";
+
+    path = good;
+    probe::Press(dialog, basket::kExport);
+    EXPECT_TRUE(asked.starts_with("csv BasketOrderSip..csv asks first|")) << asked;
+    EXPECT_TRUE(asked.ends_with("|EXCEL Files(*.xls)|*.xls; *.xls|")) << asked;
+    EXPECT_EQ(boxes.Texts(), "Exported to File Successfully|");
+    EXPECT_TRUE(Read().starts_with("J\xFCrgen,nse_cm,EQ,ARBORTEX,1013,ARBORTEX-EQ,CNC,150000,7,monthly,"));
+    EXPECT_TRUE(Read().ends_with(",12,MKT,B,BUY,C,DAY,value, ,\r\n"));
+    probe::Press(dialog, basket::kLoad);
+    EXPECT_EQ(Column(0), "C1 J\xFCrgen");
+    EXPECT_FALSE(IsWindowVisible(rejected)) << "after a clean load";
+    EXPECT_EQ(boxes.Texts(), "");
+}
+
+} // namespace

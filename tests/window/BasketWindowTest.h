@@ -1,0 +1,137 @@
+// A test with the basket's window, whose file dialogs and clock are stood in for.
+#pragma once
+
+#include "tests/window/PluginTest.h"
+
+#include <commdlg.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace basket {
+inline constexpr const char kName[] = "SIP Basket Entry", kCaption[] = "Planfold Basket Order";
+inline constexpr int kClientMode = 1058, kQuantity = 1027, kProducts = 1006;
+inline constexpr int kList = 1100, kPlace = 1101, kLoad = 1102, kExport = 1103, kRejected = 1104;
+inline constexpr int kCopyRejected = 1171, kRunBar = 1702;
+inline constexpr int kDelete = 25002, kFilterCell = 26203, kSort = 26207;
+inline constexpr UINT kHotKey = 1217;
+} // namespace basket
+
+class BasketWindow : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        folder = std::filesystem::temp_directory_path() / ("basket" + std::to_string(GetCurrentProcessId()));
+        std::filesystem::create_directories(folder);
+        path = (folder / "orders.csv").string();
+        for (const char* name : {"GetOpenFileNameA", "GetSaveFileNameA"})
+            ReplaceImport(plugin->Module(), "comdlg32.dll", name, GivePath);
+        ReplaceImport(plugin->Module(), "kernel32.dll", "GetTickCount64", SlowClock);
+        lookCosts = 0;
+        Open();
+    }
+    void TearDown() override {
+        PluginTest::TearDown();
+        std::filesystem::remove_all(folder);
+    }
+    // Picks the menu entry, finds the windows and answers with the usual frequencies.
+    void Open() {
+        Pick(basket::kName);
+        dialog = probe::FindDialog(basket::kCaption);
+        list = GetDlgItem(dialog, basket::kList);
+        rejected = GetDlgItem(dialog, basket::kRejected);
+        if (dialog) Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"0"}}});
+    }
+    // Its control is taken after the order entry's.
+    void Answer(const Fields& fields) {
+        const Received message(fields);
+        const auto first = std::ranges::find_if(host.controls, &FakeControl::live);
+        std::next(first)->notifier->OnResponse(nullptr, message.Message(), nullptr);
+    }
+    void Add(const char* client, const char* amount) {
+        FillGoodOrder(dialog, client);
+        probe::SetDate(dialog, order::kStartDate, DaysFromNow(40));
+        probe::SetEdit(dialog, order::kValue, amount);
+        probe::Press(dialog, order::kSubmit);
+    }
+    // Of a file; good with this token.
+    static std::string Line(const std::string& client, const std::string& token = "1013") {
+        return client + ",nse_cm,EQ,ARBORTEX," + token
+               + ",ARBORTEX-EQ,CNC,150000,7,monthly,,05/Mar/2037,12,MKT,B,,,,value,\r\n";
+    }
+    static std::string Lines(int count) {
+        std::string text;
+        for (int i = 1; i <= count; ++i)
+            text += Line("C" + std::to_string(i));
+        return text;
+    }
+    static void Write(const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+    static std::string Read() {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    // What is written, to its end.
+    void Load(const std::string& text) {
+        Write(text);
+        probe::Press(dialog, basket::kLoad);
+        probe::PumpUntil([] { return !Progress(); });
+    }
+    static HWND Progress() {
+        for (HWND window : probe::TopWindows())
+            if (GetDlgItem(window, basket::kRunBar)) return window;
+        return nullptr;
+    }
+    HWND FileDialog() const {
+        for (HWND window : probe::TopWindows())
+            if (GetWindow(window, GW_OWNER) == dialog && probe::ClassOf(window) == "#32770"
+                && IsWindowVisible(window))
+                return window;
+        return nullptr;
+    }
+    void Key(HWND focus, UINT key) const {
+        SetFocus(focus);
+        probe::PostKey(key);
+        probe::Pump();
+    }
+    bool IsEnabled(int control) const { return IsWindowEnabled(GetDlgItem(dialog, control)); }
+    void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+    // The cells from the top, "C2 C1".
+    static std::string Column(HWND of, int column) {
+        std::string text;
+        for (int row = 0; row < Rows(of); ++row)
+            text += (row ? " " : "") + probe::Cell(of, row, column);
+        return text;
+    }
+    std::string Column(int column) const { return Column(list, column); }
+    void SelectRows(std::initializer_list<int> rows) const {
+        ListView_SetItemState(list, -1, 0, LVIS_SELECTED);
+        for (const int row : rows)
+            ListView_SetItemState(list, row, LVIS_SELECTED, LVIS_SELECTED);
+    }
+
+    // What the file dialogs give, the system's own when it is empty, and what they were asked last.
+    static inline std::string path, asked;
+    // Milliseconds that each look at the clock takes besides, as with a slow host.
+    static inline ULONGLONG lookCosts;
+
+    std::filesystem::path folder;
+    HWND dialog = nullptr, list = nullptr, rejected = nullptr;
+
+private:
+    static BOOL WINAPI GivePath(OPENFILENAMEA* ask) {
+        if (path.empty()) return GetOpenFileNameA(ask);
+        asked = std::string(ask->lpstrDefExt) + " " + ask->lpstrFile
+                + (ask->Flags & OFN_OVERWRITEPROMPT ? " asks first|" : "|");
+        for (const char* part = ask->lpstrFilter; *part; part += std::strlen(part) + 1)
+            asked += std::string(part) + "|";
+        lstrcpynA(ask->lpstrFile, path.c_str(), static_cast<int>(ask->nMaxFile));
+        return TRUE;
+    }
+    static ULONGLONG WINAPI SlowClock() {
+        static ULONGLONG spent = 0;
+        return GetTickCount64() + (spent += lookCosts);
+    }
+};
