@@ -29,32 +29,40 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
 TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
     constexpr std::size_t many = 20000;
     Write(Lines(many));
-    const auto run = [&](int button, auto during) {
+    const auto run = [&](int button, auto reached, auto during) {
         lookCosts = 20;
         probe::Press(dialog, button);
         ASSERT_NE(Progress(), nullptr);
         EXPECT_EQ(GetAncestor(GetFocus(), GA_ROOT), Progress());
         EXPECT_FALSE(IsWindowEnabled(dialog));
         InvalidateRect(dialog, nullptr, FALSE);
-        EXPECT_TRUE(probe::PumpUntil([&] { return !GetUpdateRect(dialog, nullptr, FALSE); }));
-        during();
-        lookCosts = 0;
+        const WhenShown painted(
+            [&] { return !GetUpdateRect(dialog, nullptr, FALSE) && reached() ? Progress() : nullptr; },
+            [&](HWND) {
+                lookCosts = 0;
+                during();
+            });
         EXPECT_TRUE(probe::PumpUntil([] { return !Progress(); }));
+        EXPECT_TRUE(painted.Seen());
         EXPECT_TRUE(IsWindowEnabled(dialog));
         EXPECT_TRUE(IsEnabled(basket::kPlace));
         EXPECT_EQ(GetAncestor(GetFocus(), GA_ROOT), dialog);
     };
-    run(basket::kLoad,
+    const auto soon = [] { return true; };
+    const auto escape = [] { probe::PostKey(VK_ESCAPE); };
+    run(basket::kLoad, soon,
         [&] { EXPECT_TRUE(probe::Text(dialog).ends_with(" - Loading Basket. Please Wait.... ")); });
     EXPECT_EQ(Rows(list), static_cast<int>(many));
     EXPECT_EQ(probe::Text(dialog) + boxes.Texts(), basket::kCaption);
 
-    const auto escape = [] { probe::PostKey(VK_ESCAPE); };
     host.requests.clear();
-    run(basket::kPlace, [&] {
-        lookCosts = 0;
-        host.duringCaution = [] { lookCosts = 1; };
-        EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() > 100; }));
+    // What comes before the host's question, at once; what comes after it, slowly.
+    const auto sending = [&] {
+        if (!host.CallsOf("pu_invoke_bskt_caution_order_confirmation")) lookCosts = 0;
+        return !host.requests.empty();
+    };
+    host.duringCaution = [] { lookCosts = 20; };
+    run(basket::kPlace, sending, [&] {
         Answer({{32767, {"add_sip_orders"}}, {32760, {std::to_string(many - 1)}}, {20008, {"registered"}}});
         EXPECT_EQ(probe::Cell(list, 1, 12), "registered");
         escape();
@@ -64,7 +72,7 @@ TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
                                  + " of 20000 orders were sent.\nRemove these " + sent + " from the basket?|");
     EXPECT_EQ(static_cast<std::size_t>(Rows(list)), many - host.requests.size());
 
-    run(basket::kLoad, escape);
+    run(basket::kLoad, soon, escape);
     EXPECT_TRUE(boxes.Texts().starts_with("Loading was stopped: "));
     EXPECT_LT(Rows(list), static_cast<int>(many));
 }
@@ -133,14 +141,15 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
         {"the progress of a placing",
          [&] {
              lookCosts = 100;
+             const WhenShown sending([&] { return host.requests.empty() ? nullptr : Progress(); },
+                                     [&](HWND progress) {
+                                         ends();
+                                         if (end == picks) SendMessageA(progress, WM_CLOSE, 0, 0);
+                                     });
              probe::Press(dialog, basket::kPlace);
-             ASSERT_NE(Progress(), nullptr);
-             EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 1; }));
-             ends();
-             if (end == picks) SendMessageA(Progress(), WM_CLOSE, 0, 0);
+             EXPECT_TRUE(probe::PumpUntil([&] { return sending.Seen(); }));
              lookCosts = 0;
-         },
-         1},
+         }},
     };
     for (const Row& row : rows)
         for (const End how : {exits, closes, picks}) {

@@ -124,6 +124,12 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
 
 TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     Load(Lines(6));
+    const std::string entries = MenuOf(list);
+    EXPECT_TRUE(entries.starts_with("Delete\tDel 25002|-|(Copy\tCtrl+C 26200)|Select All")) << entries;
+    EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
+    RECT header{};
+    GetWindowRect(ListView_GetHeader(list), &header);
+    EXPECT_EQ(MenuOf(list, MAKELPARAM(header.left + 9, header.top + 9)), "(none)");
     struct Row {
         const char* way;
         std::initializer_list<int> selected;
@@ -158,13 +164,6 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     probe::Press(dialog, basket::kPlace);
     EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|")
         << "the hidden row";
-
-    const std::string entries = MenuOf(list);
-    EXPECT_TRUE(entries.starts_with("Delete\tDel 25002|-|(Copy\tCtrl+C 26200)|(Select All")) << entries;
-    EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
-    RECT header{};
-    GetWindowRect(ListView_GetHeader(list), &header);
-    EXPECT_EQ(MenuOf(list, MAKELPARAM(header.left + 9, header.top + 9)), "(none)");
 }
 
 TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
