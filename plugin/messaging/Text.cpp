@@ -12,11 +12,13 @@ std::string Format(const char* format, ...) {
     va_start(arguments, format);
     std::va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    char usual[256]; // most texts fit
+    const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
     va_end(arguments);
-    std::string text;
-    if (length >= 0) {
-        text.resize(static_cast<std::size_t>(length) + 1);
+    const auto size = static_cast<std::size_t>(std::max(length, 0));
+    std::string text(usual, std::min(size, sizeof usual - 1));
+    if (size >= sizeof usual) {
+        text.resize(size + 1);
         std::vsnprintf(text.data(), text.size(), format, again);
         text.pop_back();
     }
