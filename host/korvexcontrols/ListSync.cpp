@@ -249,11 +249,14 @@ void ListSync::OnItemChanged(const NMLISTVIEW& change) {
         m_model.SelectRows(change.iItem < 0 ? 0 : row, change.iItem < 0 ? m_count : row + 1, on);
         m_selected = m_model.Selection();
     }
-    if (!(changed & LVIS_FOCUSED) || change.iItem < 0) return;
+    if (change.iItem < 0) return;
+    // Also when it had the focus before: its loss may have been told on the way.
     if (change.uNewState & LVIS_FOCUSED)
         m_focusedRow = row;
-    else if (m_focusedRow == row)
+    else if ((changed & LVIS_FOCUSED) && m_focusedRow == row)
         m_focusedRow = kNone;
+    else
+        return;
     m_model.Focus(m_model.ShownAt(m_focusedRow));
 }
 
