@@ -2,7 +2,6 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
-#include "plugin/messaging/Settings.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -12,8 +11,6 @@ namespace planfold {
 
 namespace {
 
-constexpr UINT kClientSearchDelayMs = 700;
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
 constexpr int kDeleteCommand = 25002;
 constexpr UINT kDeleteHotKeyMessage = WM_USER + Basket::kDeleteHotKey;
 constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
@@ -32,9 +29,6 @@ constexpr framework::FileQuestion kExportQuestion{
     "All Files (*.*)|*.*|CSV Files(*.csv)|*.csv; *.csv|Text Documents(*.txt)|*.txt; *.txt|"
     "EXCEL Files(*.xls)|*.xls; *.xls||",
     "csv"};
-
-// After a pick from one of these the host may move the focus on.
-constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
 
 struct Change {
     int combo;
@@ -66,8 +60,7 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_basket(session, *this, m_link.Control()),
       m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_client(session),
-      m_clientCombo(session) {}
+      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session) {}
 
 void CBasketUpload::ShutDown() {
     Destroy();
@@ -75,14 +68,9 @@ void CBasketUpload::ShutDown() {
 }
 
 void CBasketUpload::OnInit() {
-    m_amount.Attach(Item(IDC_VALUE).Handle());
-    m_amount.SetFilter(true);
-    if (m_session.host.pu_get_entered_text_results)
-        m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), "Client_Search", kClientSearchDelayMs);
-    else
-        m_clientCombo.SetUp(Item(IDC_CLIENT_COMBO).Handle());
+    m_controls.FilterValue(true);
+    m_controls.SetUp("Client_Search");
     if (!HasWindow()) return; // closed while the host was asked
-    Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
     m_list.Attach(Item(IDC_BASKET_LIST).Handle());
     m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
     m_rejected.Attach();
@@ -91,9 +79,7 @@ void CBasketUpload::OnInit() {
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
     ShowAllColumns();
-    std::string customProducts;
-    ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
-    m_basket.Initialise(LocalNow(), customProducts);
+    m_basket.Initialise(LocalNow(), SipFormControls::CustomProducts());
 }
 
 void CBasketUpload::OnDestroyed() {
@@ -132,9 +118,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     }
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
-    if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
-    for (const int edit : {IDC_VALUE, IDC_PERIOD})
-        if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+    m_controls.OnLaidOut();
 }
 
 // The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
@@ -196,7 +180,7 @@ void CBasketUpload::Arrange() {
 std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_MOVE:
-        m_client.CloseList();
+        m_controls.OnMoved();
         return std::nullopt;
     case WM_SIZE:
         if (m_ownSize.cx) Arrange();
@@ -233,33 +217,14 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
 }
 
 bool CBasketUpload::OnCommand(const framework::Command& command) {
-    switch (command.notification) {
-    case BN_CLICKED:
+    m_controls.OnCommand(command);
+    if (command.notification == BN_CLICKED) {
         OnButton(command.id);
         return command.id != IDCANCEL;
-    case EN_CHANGE:
-        if (command.id == IDC_VALUE) m_amount.OnTextChanged();
-        if (command.id == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
-        break;
-    case CBN_SELCHANGE:
+    }
+    if (command.notification == CBN_SELCHANGE)
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_basket.Form().*handle)();
-        break;
-    case CBN_EDITCHANGE:
-        if (command.id == IDC_CLIENT_COMBO) m_clientCombo.OnTextChanged();
-        break;
-    case CBN_SELENDOK:
-        m_picked = true;
-        break;
-    case CBN_SELENDCANCEL:
-        m_picked = false;
-        break;
-    case CBN_CLOSEUP:
-        OnDropDownClosed(command.id);
-        break;
-    default:
-        break;
-    }
     return false;
 }
 
@@ -269,16 +234,8 @@ void CBasketUpload::OnButton(int button) {
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
-    if (button == IDC_CLIENT_SEARCH_MODE) m_client.OpenModeMenu(Item(button).Handle());
     if (button == RejectedPanel::kCorrectCommand)
         m_basket.ActivateRejected(static_cast<std::size_t>(m_rejected.FirstSelected()));
-}
-
-void CBasketUpload::OnDropDownClosed(int combo) {
-    const bool picked = std::exchange(m_picked, false);
-    const auto clearFocus = m_session.host.pu_clear_FocusFromDropDown;
-    if (picked && clearFocus && std::ranges::find(kHostDropDowns, combo) != std::end(kHostDropDowns))
-        clearFocus(Item(combo).Handle(), Dialog::Handle());
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
@@ -316,7 +273,7 @@ std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
 void CBasketUpload::SetText(int control, std::string_view text) {
     // What the user did not type is not searched for.
     if (control == IDC_CLIENT_SEARCH)
-        m_client.SetText(text);
+        m_controls.SetClient(text);
     else
         DialogWindowOf::SetText(control, text);
 }

@@ -6,12 +6,10 @@
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
-#include "plugin/controls/window/AutoComboBox.h"
-#include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/controls/window/ExtEditOntry.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"
+#include "plugin/orderentry/window/SipFormControls.h"
 
 namespace planfold {
 
@@ -59,7 +57,6 @@ private:
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
-    void OnDropDownClosed(int combo);
     SIZE WindowSize() const;
     RECT PlaceOf(int control) const; // in the client area
 
@@ -71,16 +68,13 @@ private:
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
-    CExtEditOntry m_amount;
-    CClientSearchBox m_client;
-    CAutoComboBox m_clientCombo; // where the host offers no search
+    SipFormControls m_controls;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font
     LONG m_listTop = 0;                          // pixels
     std::pair<std::size_t, std::size_t> m_marks; // rows that stand twice and that were sent, as drawn
     HCURSOR m_cursor = nullptr;                  // before the wait cursor
-    bool m_picked = false;                       // in the list that is dropped down
 };
 
 } // namespace planfold

@@ -1,21 +1,13 @@
 #include "plugin/orderentry/window/OrderEntryDlg.h"
 
 #include "framework/Guard.h"
-#include "plugin/messaging/Settings.h"
 #include "plugin/resources/resource.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace planfold {
 
 namespace {
-
-constexpr UINT kClientSearchDelayMs = 700;
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
-
-// After a pick from one of these the host may move the focus on.
-constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};
 
 struct Change {
     int combo;
@@ -32,7 +24,7 @@ constexpr Change kChanges[] = {
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_client(session), m_clientCombo(session), m_plannedDates(module, session) {}
+      m_controls(*this, session), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
@@ -58,35 +50,25 @@ void COrderEntryDlg::ShutDown() {
 void COrderEntryDlg::SetText(int control, std::string_view text) {
     // What the user did not type is not searched for.
     if (control == IDC_CLIENT_SEARCH)
-        m_client.SetText(text);
+        m_controls.SetClient(text);
     else
         DialogWindow::SetText(control, text);
 }
 
 void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
     DialogWindow::SetDigitsOnly(edit, on);
-    m_value.SetFilter(!on);
+    m_controls.FilterValue(!on);
 }
 
 void COrderEntryDlg::OnInit() {
-    m_value.Attach(Item(IDC_VALUE).Handle());
-    if (m_session.host.pu_get_entered_text_results)
-        m_client.SetUp(Item(IDC_CLIENT_SEARCH).Handle(), OrderEntry::kName, kClientSearchDelayMs);
-    else
-        m_clientCombo.SetUp(Item(IDC_CLIENT_COMBO).Handle());
-    if (!HasWindow()) return; // closed while the host was asked
-    Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
-    std::string customProducts;
-    ReadWriteSetting(SettingMode::read, "SIP CUSTOM LIST", "CUSTOM PRODUCTS", customProducts);
-    m_entry.Initialise(LocalNow(), customProducts);
+    m_controls.SetUp(OrderEntry::kName);
+    if (HasWindow()) m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
 }
 
 void COrderEntryDlg::OnLaidOut() {
     LoadPeriodIcons();
     SetCaptionIcon(IDI_CALENDAR);
-    if (!m_session.host.pu_resize_EditCtrlForFontChange) return;
-    for (const int edit : {IDC_VALUE, IDC_PERIOD})
-        if (HasWindow()) m_session.host.pu_resize_EditCtrlForFontChange(Item(edit).Handle());
+    m_controls.OnLaidOut();
 }
 
 // In the size that the layout gave: a static does not scale its icon.
@@ -105,51 +87,29 @@ void COrderEntryDlg::LoadPeriodIcons() {
 }
 
 std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM, LPARAM) {
-    if (message == WM_MOVE) m_client.CloseList();
+    if (message == WM_MOVE) m_controls.OnMoved();
     return std::nullopt;
 }
 
 bool COrderEntryDlg::OnCommand(const framework::Command& command) {
-    switch (command.notification) {
-    case BN_CLICKED:
+    m_controls.OnCommand(command);
+    if (command.notification == BN_CLICKED) {
         OnButton(command.id);
         return command.id != IDCANCEL;
-    case EN_CHANGE:
-        OnEditChanged(command.id);
-        break;
-    case CBN_SELCHANGE:
+    }
+    if (command.notification == EN_CHANGE && (command.id == IDC_VALUE || command.id == IDC_PERIOD))
+        OnPlanChanged();
+    if (command.notification == CBN_SELCHANGE) {
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_entry.*handle)();
         OnPlanChanged();
-        break;
-    case CBN_EDITCHANGE:
-        if (command.id == IDC_CLIENT_COMBO) m_clientCombo.OnTextChanged();
-        break;
-    case CBN_SELENDOK:
-        m_picked = true;
-        break;
-    case CBN_SELENDCANCEL:
-        m_picked = false;
-        break;
-    case CBN_CLOSEUP:
-        OnDropDownPicked(command.id);
-        break;
-    default:
-        break;
     }
     return false;
 }
 
 void COrderEntryDlg::OnButton(int button) {
     if (button == IDC_SUBMIT) m_entry.Submit(LocalNow());
-    if (button == IDC_CLIENT_SEARCH_MODE) m_client.OpenModeMenu(Item(button).Handle());
     if (button == IDC_PLAN_DATES) m_plannedDates.Open(Dialog::Handle(), m_entry.CurrentPlan(), FontSize());
-}
-
-void COrderEntryDlg::OnEditChanged(int edit) {
-    if (edit == IDC_VALUE) m_value.OnTextChanged();
-    if (edit == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
-    if (edit == IDC_VALUE || edit == IDC_PERIOD) OnPlanChanged();
 }
 
 std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
@@ -160,13 +120,6 @@ std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
 void COrderEntryDlg::OnPlanChanged() {
     m_entry.ShowPlan();
     m_plannedDates.SetPlan(m_entry.CurrentPlan());
-}
-
-void COrderEntryDlg::OnDropDownPicked(int combo) {
-    const bool picked = std::exchange(m_picked, false);
-    const auto clearFocus = m_session.host.pu_clear_FocusFromDropDown;
-    if (picked && clearFocus && std::ranges::find(kHostDropDowns, combo) != std::end(kHostDropDowns))
-        clearFocus(Item(combo).Handle(), Dialog::Handle());
 }
 
 void COrderEntryDlg::OnResponse(void*, void* message, void*) noexcept {

@@ -1,13 +1,11 @@
 // The order entry window.
 #pragma once
 
-#include "plugin/controls/window/AutoComboBox.h"
-#include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/controls/window/ExtEditOntry.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/orderentry/window/PlannedDatesDlg.h"
+#include "plugin/orderentry/window/SipFormControls.h"
 
 namespace planfold {
 
@@ -36,20 +34,15 @@ private:
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
     void OnButton(int button);
-    void OnEditChanged(int edit);
     void OnPlanChanged();
-    void OnDropDownPicked(int combo);
     void LoadPeriodIcons();
 
     Session& m_session;
     RxLink m_link;
     OrderEntry m_entry;
-    CExtEditOntry m_value;
-    CClientSearchBox m_client;
-    CAutoComboBox m_clientCombo; // where the host offers no search
+    SipFormControls m_controls;
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
-    bool m_picked = false; // in the list that is dropped down
 };
 
 } // namespace planfold
