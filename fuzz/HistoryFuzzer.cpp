@@ -18,6 +18,7 @@ namespace {
 
 struct View final : HistoryView {
     void ShowMessage(std::string_view) override { Demand(false); } // nothing fails here
+    void OnRecordChanged() override {}
     void ListRecords() override {
         ++listings;
         focused = history->Records().empty() ? std::nullopt : std::optional<std::size_t>(0);

@@ -13,6 +13,8 @@ public:
     // Makes the window where there is none, lists the records anew, record i in row i, and gives the first row
     // the focus.
     virtual void ListRecords() = 0;
+    // A trade has told more of a record.
+    virtual void OnRecordChanged() = 0;
     // Of the focused row; none without a window.
     virtual std::optional<std::size_t> FocusedRecord() const = 0;
     virtual void ShowDetails(const HistoryDetails& details) = 0;

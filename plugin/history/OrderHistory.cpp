@@ -89,6 +89,7 @@ void OrderHistory::HandleTrade(const Answer& answer) {
     });
     if (order == m_records.end()) return;
     ApplyTrade(trade, *order);
+    m_view.OnRecordChanged();
     if (m_view.FocusedRecord() == static_cast<std::size_t>(order - m_records.begin())) Describe();
 }
 

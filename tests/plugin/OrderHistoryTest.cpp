@@ -45,6 +45,7 @@ public:
     }
 
     void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
+    void OnRecordChanged() override {}
     void ListRecords() override {
         m_focused = m_history.Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
     }

@@ -116,6 +116,7 @@ std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wPara
     case WM_DRAWITEM: {
         const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
         if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
+        if (m_chartIsOld) RefreshChart();
         const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
         PaintHistoryChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
         return TRUE;
@@ -166,9 +167,20 @@ void CSIPOrderHistoryDlg::ListRecords() {
         m_list.InsertFront(record, kKorvexAsked);
     m_list.EndChanges();
     m_listing = false;
-    m_chart = HistoryChart(records);
-    Item(IDC_HISTORY_CHART).SetText(m_chart.Summary());
+    RefreshChart();
     InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
+}
+
+// Once for a burst of trades.
+void CSIPOrderHistoryDlg::OnRecordChanged() {
+    m_chartIsOld = true;
+    InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
+}
+
+void CSIPOrderHistoryDlg::RefreshChart() {
+    m_chartIsOld = false;
+    m_chart = HistoryChart(m_history.Records());
+    Item(IDC_HISTORY_CHART).SetText(m_chart.Summary());
 }
 
 std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {

@@ -42,6 +42,7 @@ private:
 
     void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
     void ListRecords() override;
+    void OnRecordChanged() override;
     std::optional<std::size_t> FocusedRecord() const override;
     void ShowDetails(const HistoryDetails& details) override;
     void Show(bool shown) override;
@@ -51,6 +52,7 @@ private:
     std::int32_t RowLook(std::uint32_t) noexcept override { return kKorvexPlain; }
     void ShownRowsChanged(CFilterListCtrl*) noexcept override { FollowFocus(); }
 
+    void RefreshChart();
     void Arrange();
     void RememberPlaces();
     SIZE FrameSize() const;
@@ -64,6 +66,7 @@ private:
     CFlatSplitterWnd m_splitter; // between the list and what stands below
     RowMenu m_menu;
     HistoryChart m_chart;
+    bool m_chartIsOld = false; // until it is painted
     SIZE m_ownSize{};             // of the client area as the template says
     std::map<int, RECT> m_places; // of the controls in it
     bool m_listing = false;
