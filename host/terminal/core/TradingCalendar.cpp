@@ -48,7 +48,7 @@ Loaded<TradingCalendar> TradingCalendar::Parse(std::string_view text, std::strin
 void TradingCalendar::Add(std::span<const std::uint32_t> dates) {
     m_dates.insert(m_dates.end(), dates.begin(), dates.end());
     std::ranges::sort(m_dates);
-    m_dates.erase(std::ranges::unique(m_dates).begin(), m_dates.end());
+    m_dates.erase(std::unique(m_dates.begin(), m_dates.end()), m_dates.end());
 }
 
 } // namespace vesk
