@@ -132,4 +132,7 @@ struct FakeHost {
     std::string loginId = "DEALER1", peerA, peerB, active;
 };
 
+// The one that stands.
+FakeHost& Host();
+
 } // namespace planfold::test

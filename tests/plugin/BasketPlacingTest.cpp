@@ -1,0 +1,235 @@
+// The basket without its window: placing and other long runs, and what comes in their middle.
+#include "tests/plugin/BasketStage.h"
+
+namespace planfold::test {
+namespace {
+
+using BasketPlacingTest = BasketStage;
+
+TEST_F(BasketPlacingTest, ALongLoadCanBeStopped) {
+    Open();
+    view.clockStep = 200;
+    Load(Lines(1000));
+    ASSERT_TRUE(basket.IsUnderWay());
+    const std::size_t first = view.list.rows.size();
+    EXPECT_TRUE(first > 0 && first < 1000);
+    basket.Load(kBasketNow); // nothing begins meanwhile
+    basket.Place();
+    basket.AddOrModify(kBasketNow);
+    basket.Delete();
+    basket.Export();
+    EXPECT_EQ(view.list.rows.size(), first);
+    EXPECT_EQ(view.questions, Texts{});
+    basket.Stop();
+    EXPECT_FALSE(basket.IsUnderWay());
+    const std::string count = std::to_string(first);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Loading was stopped: " + count + " lines were read, " + count
+                                       + " of them are in the list."});
+    EXPECT_EQ(view.title, "");
+
+    Load(Lines(1000));
+    Run();
+    EXPECT_EQ(view.list.rows.size(), 1000u);
+    EXPECT_EQ(view.waiting + view.list.changes, 0);
+    // The window goes in the middle.
+    Load(Lines(1000));
+    basket.OnClosed();
+    EXPECT_FALSE(basket.IsUnderWay());
+    basket.Continue();
+    EXPECT_EQ(view.boxes, Texts{});
+}
+
+TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
+    Open();
+    basket.Place();
+    EXPECT_EQ(Taken(view.boxes), Texts{"Please Select an Order"});
+    session.m_nSipOperationMode = 1;
+    session.m_dMinSipMonthly = 1;
+    view.controls[IDC_FREQUENCY].items = {"monthly"};
+    Load(Line("C1") + Line("C2") + Line("C3") + Line("C4", "1013", "qty"));
+    EXPECT_EQ(view.boxes, Texts{});
+    view.yes = false;
+    host.calls.clear();
+    basket.Place();
+    EXPECT_EQ(Taken(view.questions), Texts{"Are you sure to place these Basket Orders?"});
+    EXPECT_EQ(host.calls, Texts{});
+    EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
+
+    view.yes = true;
+    host.caution = 1;
+    host.cautionOfRow = {{1, 1}, {2, 0}};
+    basket.Place();
+    EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
+    const std::string told = ",ARBORTEX-EQ,nse_cm,";
+    EXPECT_EQ(host.calls,
+              (Texts{"pu_free_allocated_memory()", "pu_build_bskt_caution_order_map(C4,qty,CNC,7" + told + "0)",
+                     "pu_build_bskt_caution_order_map(C3,value,CNC,150000" + told + "1)",
+                     "pu_build_bskt_caution_order_map(C2,value,CNC,150000" + told + "2)",
+                     "pu_build_bskt_caution_order_map(C1,value,CNC,150000" + told + "3)",
+                     "pu_invoke_bskt_caution_order_confirmation()",
+                     "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,0)",
+                     "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,1)",
+                     "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,2)",
+                     "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,3)"}));
+    const std::string start = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ARBORTEX-EQ 12003=B 12008=MKT "
+                              "64030=CNC ";
+    const std::string middle = " 10012=monthly 49165=" + std::to_string(ToSeconds({2027, 3, 5}))
+                               + " 63415=12 31003=DEALER1 54056=C 54001=";
+    const std::string end = " 12005=DAY 64056=BROKER 64053=BRANCH 63715=1 32760=";
+    EXPECT_EQ(
+        host.requests,
+        (Texts{start + "54152=qty 53063=7" + middle + "C4" + end + "4 54158=UUID-1 64756=TWS 61117=1",
+               start + "54152=value 53063=150000" + middle + "C3" + end
+                   + "3 54158=UUID-1 53405=Y 64756=TWS 61117=1",
+               start + "54152=value 53063=150000" + middle + "C1" + end + "1 54158=UUID-1 64756=TWS 61117=1"}))
+        << "the row in state 0 is left out without a word";
+    EXPECT_EQ(host.log.back(),
+              "NSE BUY SIP Order : Status : Trigger Pending CNC ARBORTEX-EQ at 1500.00 DAY monthly "
+              "for period : 12 Months Client ID : C1 by DEALER1");
+    EXPECT_EQ(Taken(view.boxes), Texts{"Order Placed..!!"});
+    EXPECT_EQ(basket.Status()[3], "Sent: 3");
+
+    // Pressed once more by whatever way: nothing.
+    basket.Place();
+    EXPECT_EQ(host.requests.size(), 3u);
+
+    // Not confirmed: "N".
+    host.caution = 0;
+    Load(Line("C1"));
+    host.cautionOfRow = {{0, 1}};
+    basket.Place();
+    EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos);
+}
+
+TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
+    const char* failures[] = {
+        "Failed to add the request add_sip_orders",
+        "Failed to add the Exchange segment",
+        "Failed to add the Token",
+        "Failed to add the Scrip Symbol",
+        "Failed to mention either buy or sell",
+        "Failed to mention the order Type",
+        "Failed to add the Product Type",
+        "Failed to add the Amount/Quantity",
+        "Failed to add Amount or Quantity",
+        "Failed to add the Frequency",
+        "Failed to add the Start Date",
+        "Failed to add the Total Period",
+        "Failed to add User",
+        "Failed to add customer Firm Id",
+        "Failed to add Account ID",
+        "Failed to specify the day",
+        "Failed to add Broker Name",
+        "Failed to add Branch Name",
+        "Failed to add sequence",
+        "Failed to add Order ID",
+        "Failed to add Order ID",
+        "Failed to add Order Source",
+        "Failed to add Location Id Tag",
+    };
+    Open();
+    host.cautionOfRow = {{0, 1}, {1, 1}};
+    int call = 0;
+    for (const char* failure : failures) {
+        Load(Line("C1") + Line("C2"));
+        host.requests.clear();
+        host.log.clear();
+        {
+            const FailQmxCall fail(FailQmxCall::addData, ++call);
+            basket.Place();
+        }
+        EXPECT_EQ(Taken(view.boxes), (Texts{failure, "Order Placed..!!"}));
+        EXPECT_EQ(host.requests.size(), 1u) << failure;
+        EXPECT_EQ(host.log.size(), 1u) << "no line for the failure";
+    }
+    Load(Line("C1") + Line("C2"));
+    {
+        const FailQmxCall fail(FailQmxCall::startMsg, 1);
+        basket.Place();
+    }
+    EXPECT_EQ(Taken(view.boxes),
+              (Texts{"zup_add_parameter: Error while building message", "Order Placed..!!"}));
+    Load(Line("C1") + Line("C2"));
+    host.refuses = true;
+    basket.Place();
+    EXPECT_EQ(Taken(view.boxes),
+              (Texts{"Sending Request add_sip_orders Failed\nSending Request add_sip_orders Failed",
+                     "Order Placed..!!"}));
+    EXPECT_EQ(basket.Rows().SentCount(), 0u);
+}
+
+TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
+    const auto stopHalfWay = [&] {
+        Load(Lines(40));
+        view.clockStep = 20;
+        basket.Place();
+        ASSERT_TRUE(basket.IsUnderWay());
+        basket.Place(); // nothing begins meanwhile
+        while (host.requests.empty())
+            basket.Continue();
+        basket.Stop();
+        ASSERT_FALSE(basket.IsUnderWay());
+    };
+    Open();
+    view.duringQuestion = [&] { view.duringQuestion = [&] { view.yes = false; }; };
+    stopHalfWay();
+    const std::size_t sent = host.requests.size();
+    ASSERT_TRUE(sent > 0 && sent < 40);
+    const std::string count = std::to_string(sent);
+    const std::string offer = "Placing was stopped: " + count + " of 40 orders were sent.\nRemove these "
+                              + count + " from the basket?";
+    EXPECT_EQ(Taken(view.questions), (Texts{"Are you sure to place these Basket Orders?", offer}));
+    EXPECT_EQ(basket.Status()[3], "Sent: " + count);
+    EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
+    EXPECT_EQ(view.boxes, Texts{}) << "not all was placed";
+    // They stay: the next one asks first.
+    basket.Place();
+    EXPECT_EQ(Taken(view.questions), Texts{count
+                                           + " of the 40 orders have already been sent. Place all of them, and "
+                                             "so these again?"});
+    EXPECT_EQ(host.requests.size(), sent);
+
+    // They go: the rest is placed, each once.
+    host.requests.clear();
+    view.yes = true;
+    stopHalfWay();
+    EXPECT_EQ(view.list.rows.size() + host.requests.size(), 40u);
+    Taken(view.questions);
+    basket.Place();
+    Run();
+    EXPECT_EQ(Taken(view.questions), Texts{"Are you sure to place these Basket Orders?"});
+    EXPECT_EQ(std::set(host.requests.begin(), host.requests.end()).size(), 40u);
+    EXPECT_EQ(host.requests.size(), 40u);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Order Placed..!!"});
+
+    // The window is closed half-way: opened again, it knows what was sent.
+    Load(Lines(40));
+    basket.Place();
+    while (basket.Rows().SentCount() == 0)
+        basket.Continue();
+    basket.OnClosed();
+    Open();
+    EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
+    view.yes = false;
+    Taken(view.questions);
+    basket.Place();
+    EXPECT_EQ(view.questions.size(), 1u);
+    EXPECT_EQ(view.questions[0].find("Are you sure"), std::string::npos);
+}
+
+TEST_F(BasketPlacingTest, TheExitInTheMiddleEndsIt) {
+    const auto end = [&] {
+        session.End();
+        basket.OnClosed();
+    };
+    Open();
+    Load(Line("C1") + Line("C2"));
+    host.duringCaution = end;
+    basket.Place();
+    EXPECT_EQ(host.requests, Texts{});
+    EXPECT_EQ(view.boxes, Texts{});
+    EXPECT_EQ(host.CallsOf("pu_get_cautionary_bskt_confirm_state"), 0);
+}
+
+} // namespace
+} // namespace planfold::test
