@@ -32,7 +32,7 @@ const AnswerHandler<Basket> Basket::kAnswers[] = {
 
 void Basket::Initialise(const LocalDateTime& now, std::string_view customProducts) {
     const int closings = m_closings;
-    m_form.Fill(now, customProducts);
+    Alone([&] { m_form.Fill(now, customProducts); });
     if (!IsStill(closings)) return;
     LeaveModifyMode();
     m_view.Enable(IDC_BASKET_PLACE, m_placeable);
@@ -55,7 +55,11 @@ void Basket::RegisterDeleteKey() {
 
 void Basket::OnClosed() {
     ++m_closings;
-    m_partlyPlaced |= m_placing && m_placing->SentCount() > 0;
+    // Also when the first row is only just being sent.
+    m_partlyPlaced |= m_placing != nullptr;
+    // A portion may be on its way below.
+    if (m_loading) m_loading->Stop();
+    if (m_placing) m_placing->Abandon();
     m_loading.reset();
     m_placing.reset();
     m_placeable = m_view.List().RowCount() > 0;
@@ -74,8 +78,8 @@ void Basket::AddOrModify(const LocalDateTime& now) {
     const int closings = m_closings;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     FormOrder order;
-    const auto refusal = m_form.Read(now, order);
-    if (!IsStill(closings) || IsBusy()) return;
+    const auto refusal = Alone([&] { return m_form.Read(now, order); });
+    if (!IsStill(closings)) return;
     if (refusal) {
         if (refusal->focusValue) m_view.Focus(order.data.investType == "qty" ? IDC_BASKET_QUANTITY : IDC_VALUE);
         return m_view.ShowMessage(refusal->text);
@@ -98,7 +102,7 @@ void Basket::Activate(RecordId record) {
     const int closings = m_closings;
     // A copy: while the form fills the host may let an answer in, which changes the row.
     const sBasketOrderData row(m_rows[record].Texts(), 0);
-    int notShown = m_form.Show(row.Texts());
+    int notShown = Alone([&] { return m_form.Show(row.Texts()); });
     if (!IsStill(closings)) return;
     if (notShown == 0) m_view.SetText(IDC_SUBMIT, kModify);
     for (; notShown > 0 && IsStill(closings); --notShown)
@@ -112,7 +116,7 @@ void Basket::ActivateRejected(std::size_t index) {
     if (!SplitBasketLine(line, columns))
         return m_view.ShowMessage("The line does not have the columns of a basket file.");
     const int closings = m_closings;
-    m_form.Show(columns);
+    Alone([&] { m_form.Show(columns); });
     if (IsStill(closings)) LeaveModifyMode();
 }
 
@@ -128,18 +132,14 @@ void Basket::Delete() {
 
 bool Basket::Ask(const std::string& question) {
     const int closings = m_closings;
-    m_asking = true;
-    const bool yes = m_view.Ask(question);
-    m_asking = false;
+    const bool yes = Alone([&] { return m_view.Ask(question); });
     return yes && IsStill(closings);
 }
 
 void Basket::Load(const LocalDateTime& now) {
     if (IsBusy()) return;
     const int closings = m_closings;
-    m_asking = true;
-    const auto path = m_view.AskLoadPath();
-    m_asking = false;
+    const auto path = Alone([&] { return m_view.AskLoadPath(); });
     if (!path || !IsStill(closings)) return;
     auto text = m_view.ReadFile(*path);
     if (!text) return m_view.ShowMessage("File Open Error");
@@ -177,9 +177,7 @@ void Basket::Export() {
     if (IsBusy()) return;
     if (m_view.List().RowCount() == 0) return m_view.ShowMessage("No items in the list");
     const int closings = m_closings;
-    m_asking = true;
-    const auto path = m_view.AskExportPath();
-    m_asking = false;
+    const auto path = Alone([&] { return m_view.AskExportPath(); });
     if (!path || !IsStill(closings)) return;
     std::string text;
     const BasketList& list = m_view.List();
@@ -194,9 +192,7 @@ void Basket::Export() {
 void Basket::SaveRejected() {
     if (IsBusy() || m_rejected.empty()) return;
     const int closings = m_closings;
-    m_asking = true;
-    const auto path = m_view.AskRejectsPath();
-    m_asking = false;
+    const auto path = Alone([&] { return m_view.AskRejectsPath(); });
     if (!path || !IsStill(closings)) return;
     std::string text;
     for (const RejectedLine& line : m_rejected)
@@ -220,10 +216,9 @@ void Basket::Place() {
         records.push_back(list.RecordAt(row));
     const int closings = m_closings;
     // Its first call to the host is made before it stands.
-    m_asking = true;
-    auto placing = std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(records));
-    m_asking = false;
-    if (!IsStill(closings)) return;
+    auto placing = Alone(
+        [&] { return std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(records)); });
+    if (!IsStill(closings)) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     m_placing = std::move(placing);
     m_partlyPlaced = false;
     RunFor(kFirstPortionMs);
@@ -235,12 +230,14 @@ void Basket::EndPlacing() {
     m_view.ShowRun();
     m_view.ShowStatus();
     const int closings = m_closings;
-    if (const std::string failures = placing->FailureTexts(); !failures.empty()) m_view.ShowMessage(failures);
-    if (!IsStill(closings)) return;
-    if (placing->Stopped())
-        OfferToRemove(*placing);
-    else
-        m_view.ShowMessage("Order Placed..!!");
+    const bool stopped = placing->Stopped();
+    Alone([&] {
+        if (const std::string failures = placing->FailureTexts(); !failures.empty())
+            m_view.ShowMessage(failures);
+        // The rows that it offers are those that were sent: none goes under the box.
+        if (stopped && IsStill(closings)) OfferToRemove(*placing);
+    });
+    if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
 }
 
 void Basket::OfferToRemove(const BasketPlacing& placing) {
@@ -264,25 +261,25 @@ void Basket::OfferToRemove(const BasketPlacing& placing) {
 
 void Basket::RunFor(std::int64_t milliseconds) {
     if (m_inPortion || !IsUnderWay()) return;
-    m_inPortion = true;
     const int closings = m_closings;
     const std::int64_t end = m_view.Milliseconds() + milliseconds;
     const auto loading = m_loading;
     const auto placing = m_placing;
-    BasketList& list = m_view.List();
     bool more = true;
-    if (loading) {
-        m_view.ShowWaiting(true);
-        list.BeginChanges();
+    {
+        const Turn turn(m_inPortion);
+        if (loading) {
+            m_view.ShowWaiting(true);
+            m_view.List().BeginChanges();
+        }
+        do
+            more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
+        while (more && m_view.Milliseconds() < end);
+        if (loading) {
+            m_view.List().EndChanges();
+            m_view.ShowWaiting(false);
+        }
     }
-    do
-        more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
-    while (more && m_view.Milliseconds() < end);
-    if (loading) {
-        list.EndChanges();
-        m_view.ShowWaiting(false);
-    }
-    m_inPortion = false;
     if (more || !IsStill(closings)) return;
     if (loading)
         EndLoading();
@@ -292,6 +289,7 @@ void Basket::RunFor(std::int64_t milliseconds) {
 
 void Basket::Stop() {
     if (m_loading) m_loading->Stop();
+    if (m_placing) m_placing->Abandon();
     if (m_placing) m_placing->Stop();
     RunFor(0);
 }

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace planfold {
@@ -68,11 +69,31 @@ private:
     static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
     static constexpr std::int64_t kPortionMs = 50;
 
+    // Taken while it lives.
+    class Turn {
+    public:
+        explicit Turn(bool& taken) : m_taken(taken), m_before(std::exchange(taken, true)) {}
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+        ~Turn() { m_taken = m_before; }
+
+    private:
+        bool& m_taken;
+        bool m_before;
+    };
+
     // Whether the window that had seen so many closings is still there: a question and the host's callbacks may
     // end it.
     bool IsStill(int closings) const { return closings == m_closings && !m_session.Ended(); }
-    // Nothing else is done meanwhile: rows keep their places, and no second run begins.
-    bool IsBusy() const { return m_asking || IsUnderWay(); }
+    // Nothing else is done meanwhile: rows keep their places, the form its contents, and no second run begins.
+    // A portion counts even when its window has gone: a new one must not take the rows away from under it.
+    bool IsBusy() const { return m_taken || m_inPortion || IsUnderWay(); }
+    // Calls what may run a message loop (a question, a box, the host), and lets nothing else begin in it.
+    template <class Call>
+    auto Alone(Call&& call) {
+        const Turn turn(m_taken);
+        return call();
+    }
     // False when the answer is No, or the window has gone.
     bool Ask(const std::string& question);
     void RunFor(std::int64_t milliseconds);
@@ -98,7 +119,7 @@ private:
     std::shared_ptr<BasketPlacing> m_placing;
     std::string m_titleBefore; // the load
     bool m_inPortion = false;  // the host may let the window's timer in
-    bool m_asking = false;
+    bool m_taken = false;
     bool m_placeable = false;    // the place button
     bool m_partlyPlaced = false; // a stopped placing left rows that were sent
     bool m_hostOwnsDeleteKey = false;

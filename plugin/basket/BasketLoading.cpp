@@ -10,7 +10,7 @@ namespace planfold {
 
 namespace {
 
-constexpr std::size_t kLinesAtOnce = 64;
+constexpr int kLinesAtOnce = 64;
 
 } // namespace
 
@@ -28,7 +28,10 @@ BasketLoading::BasketLoading(const Session& session, std::string text, BasketRul
       m_target(target), m_load(m_text, m_rules, m_scrips, *this) {}
 
 bool BasketLoading::Step() {
-    return !m_stopped && !m_session.Ended() && m_load.Read(kLinesAtOnce);
+    // Each line may ask the host, which may bring the end of the load.
+    for (int line = 0; line < kLinesAtOnce; ++line)
+        if (m_stopped || m_session.Ended() || !m_load.Read(1)) return false;
+    return true;
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {

@@ -96,7 +96,7 @@ void BasketPlacing::Send(RecordId record) {
         default:
             break;
         }
-        if (m_session.Ended()) return;
+        if (m_stopped || m_session.Ended()) return;
     }
     const sSipOrderData order = OrderOf(row);
     std::string exchange = order.exchangeSegment;

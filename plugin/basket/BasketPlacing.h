@@ -19,6 +19,8 @@ public:
     // The next row of either pass, or the host's question between them. False when all is done.
     bool Step();
     void Stop() { m_stopped = !IsSending() || m_next < m_records.size(); }
+    // The window has gone: no row more, were it the last.
+    void Abandon() { m_stopped = true; }
 
     bool Stopped() const { return m_stopped; }
     bool IsSending() const { return m_confirmed >= 0; }

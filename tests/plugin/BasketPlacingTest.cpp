@@ -231,5 +231,66 @@ TEST_F(BasketPlacingTest, TheExitInTheMiddleEndsIt) {
     EXPECT_EQ(host.CallsOf("pu_get_cautionary_bskt_confirm_state"), 0);
 }
 
+// Closed in the host's hands and opened again at once: what was under way takes no part in the new window, and
+// nothing is begun before it has ended.
+TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
+    const auto openAnew = [&] {
+        basket.OnClosed();
+        Open();
+        Load(Line("NEW"));
+        basket.Delete();
+        basket.Place();
+    };
+    Open();
+    host.duringLog = openAnew;
+    Load(Line("C1") + "x\n" + Lines(9));
+    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(view.waiting + view.list.changes, 0);
+
+    // The row that is just being sent counts as sent.
+    for (const auto& [during, sent] : {std::pair{&host.duringRowState, 0u}, {&host.duringLog, 1u}}) {
+        Load(Line("C1") + Line("C2"));
+        host.requests.clear();
+        *during = openAnew;
+        Taken(view.boxes);
+        Taken(view.questions);
+        basket.Place();
+        EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
+        EXPECT_EQ(basket.Rows().SentCount() + view.boxes.size(), sent);
+        view.yes = false;
+        basket.Place();
+        EXPECT_EQ(Taken(view.questions).back().starts_with("1 of the 2 orders have already"), sent == 1);
+        view.yes = true;
+    }
+}
+
+TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
+    Open();
+    host.duringScripLookUp = [&] { Add("C1"); };
+    Add("C1");
+    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+
+    Add("C2", "20");
+    view.list.selected = {view.list.rows[1]};
+    host.duringScripFill = [&] { basket.Activate(view.list.rows[0]); };
+    basket.Activate(view.list.rows[1]);
+    EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), "C1 1500.00");
+    host.duringScripLookUp = [&] { basket.AddOrModify(kBasketNow); };
+    basket.AddOrModify(kBasketNow);
+    EXPECT_EQ(Rows(BasketField::clientId), "C2 C1") << "a second press does not add what the first modifies";
+
+    // The rows that a stopped placing offers to remove cannot go under the box before.
+    host.refuses = true;
+    Load(Lines(3));
+    host.duringRowState = [&] { host.duringRowState = [&] { host.refuses = false; }; };
+    host.duringLog = [&] { basket.Stop(); };
+    view.duringBox = [&] {
+        view.list.selected = view.list.rows;
+        basket.Delete();
+    };
+    basket.Place();
+    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+}
+
 } // namespace
 } // namespace planfold::test

@@ -5,6 +5,8 @@
 #include "plugin/controls/DialogView.h"
 #include "tests/support/FakeHost.h"
 
+#include <utility>
+
 namespace planfold::test {
 
 // Texts that would be message boxes.
@@ -28,7 +30,10 @@ public:
         bool digitsOnly = false;
     };
 
-    void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
+    void ShowMessage(std::string_view text) override {
+        boxes.emplace_back(text);
+        if (const auto action = std::exchange(duringBox, nullptr)) action();
+    }
     HostWindow Handle() const override { return nullptr; }
     bool IsOpen() const override { return !closed; }
     void SetTitle(std::string_view text) override { title = text; }
@@ -74,6 +79,7 @@ public:
     mutable std::map<int, Control> controls;
     std::set<int> lacking; // controls that the dialog does not have
     Texts boxes;
+    std::function<void()> duringBox; // run once
     std::string title;
     LocalDateTime date;
     int focused = 0;

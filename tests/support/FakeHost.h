@@ -120,7 +120,8 @@ struct FakeHost {
     std::map<int, int> cautionOfRow; // of a basket
     std::deque<int> searchTimes{0};
     // Run once, inside the host.
-    std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringAccounts, duringLog;
+    std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringScripFill, duringAccounts,
+        duringLog, duringRowState;
 
     // What was seen. A call is "pu_is_valid_account(C001)": texts and numbers as they are, windows as their
     // identifiers.

@@ -137,6 +137,7 @@ int pu_fill_scrip_combos(HostWindow dialog, int exchange, int series, int symbol
     }
     if (flag == 0) FillCombo(dialog, series, seriesList);
     FillCombo(dialog, symbol, symbols);
+    if (const auto action = std::exchange(Host().duringScripFill, nullptr)) action();
     return 1;
 }
 int pu_get_trading_symbol_n_token(HostWindow dialog, int exchange, int series, int symbol, int a, int b, int c,
@@ -293,6 +294,7 @@ int pu_invoke_bskt_caution_order_confirmation() {
 }
 int pu_get_cautionary_bskt_confirm_state(InString symbol, InString exchange, int row) {
     Record("pu_get_cautionary_bskt_confirm_state", symbol, exchange, row);
+    if (const auto action = std::exchange(Host().duringRowState, nullptr)) action();
     const auto& states = Host().cautionOfRow;
     return states.contains(row) ? states.at(row) : 2;
 }
