@@ -55,6 +55,8 @@ void Basket::RegisterDeleteKey() {
 
 void Basket::OnClosed() {
     ++m_closings;
+    // What a run did not come to may still be placed; what was placed stays so.
+    if (IsUnderWay()) m_placeable = m_view.List().RowCount() > 0;
     // Also when the first row is only just being sent.
     m_partlyPlaced |= m_placing != nullptr;
     // A portion may be on its way below.
@@ -62,7 +64,6 @@ void Basket::OnClosed() {
     if (m_placing) m_placing->Abandon();
     m_loading.reset();
     m_placing.reset();
-    m_placeable = m_view.List().RowCount() > 0;
 }
 
 bool Basket::IsModifying() const {

@@ -89,8 +89,13 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Placed..!!"});
     EXPECT_EQ(basket.Status()[3], "Sent: 3");
 
-    // Pressed once more by whatever way: nothing.
+    // Pressed once more by whatever way, also in a window opened anew: nothing.
     basket.Place();
+    basket.OnClosed();
+    basket.Initialise(kBasketNow, {});
+    EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
+    basket.Place();
+    host.requests.pop_back(); // for the frequencies
     EXPECT_EQ(host.requests.size(), 3u);
 
     // Not confirmed: "N".
