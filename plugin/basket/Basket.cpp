@@ -30,9 +30,9 @@ const AnswerHandler<Basket> Basket::kAnswers[] = {
     {"add_sip_orders", &Basket::HandlePlaced},
 };
 
-void Basket::Initialise(const LocalDateTime& now, std::string_view customProducts) {
+void Basket::Initialise(std::string_view customProducts) {
     const int closings = m_closings;
-    Alone([&] { m_form.Fill(now, customProducts); });
+    Alone([&] { m_form.Fill(m_view.Now(), customProducts); });
     if (!IsStill(closings)) return;
     LeaveModifyMode();
     m_view.Enable(IDC_BASKET_PLACE, m_placeable);
@@ -74,12 +74,12 @@ void Basket::LeaveModifyMode() {
     m_view.SetText(IDC_SUBMIT, kAdd);
 }
 
-void Basket::AddOrModify(const LocalDateTime& now) {
+void Basket::AddOrModify() {
     if (IsBusy()) return;
     const int closings = m_closings;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     FormOrder order;
-    const auto refusal = Alone([&] { return m_form.Read(now, order); });
+    const auto refusal = Alone([&] { return m_form.Read(m_view.Now(), order); });
     if (!IsStill(closings)) return;
     if (refusal) {
         if (refusal->focusValue) m_view.Focus(order.data.investType == "qty" ? IDC_BASKET_QUANTITY : IDC_VALUE);
@@ -137,7 +137,7 @@ bool Basket::Ask(const std::string& question) {
     return yes && IsStill(closings);
 }
 
-void Basket::Load(const LocalDateTime& now) {
+void Basket::Load() {
     if (IsBusy()) return;
     const int closings = m_closings;
     const auto path = Alone([&] { return m_view.AskLoadPath(); });
@@ -152,7 +152,7 @@ void Basket::Load(const LocalDateTime& now) {
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
     m_view.ShowRejected();
-    m_loading = std::make_shared<BasketLoading>(m_session, std::move(*text), m_form.Rules(now),
+    m_loading = std::make_shared<BasketLoading>(m_session, std::move(*text), m_form.Rules(m_view.Now()),
                                                 BasketLoading::Target{m_rows, list, m_rejected});
     RunFor(kFirstPortionMs);
     if (IsUnderWay()) m_view.ShowRun();
@@ -272,6 +272,8 @@ void Basket::RunFor(std::int64_t milliseconds) {
         if (loading) {
             m_view.ShowWaiting(true);
             m_view.List().BeginChanges();
+            // A long load may go past midnight.
+            loading->SetNow(ToSeconds(m_view.Now()));
         }
         do
             more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);

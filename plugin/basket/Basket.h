@@ -31,7 +31,7 @@ public:
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
     // the settings file's list; it counts only for holders of the right.
-    void Initialise(const LocalDateTime& now, std::string_view customProducts);
+    void Initialise(std::string_view customProducts);
     // The window is gone, and with it every run and question.
     void OnClosed();
 
@@ -39,7 +39,7 @@ public:
     const BasketRows& Rows() const { return m_rows; }
     const std::vector<RejectedLine>& Rejected() const { return m_rejected; }
 
-    void AddOrModify(const LocalDateTime& now);
+    void AddOrModify();
     // A row was chosen for modification.
     void Activate(RecordId record);
     // A rejected line was chosen to be corrected in the form.
@@ -47,7 +47,7 @@ public:
     void Delete();
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
-    void Load(const LocalDateTime& now);
+    void Load();
     void Export();
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();

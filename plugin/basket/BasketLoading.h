@@ -38,6 +38,8 @@ public:
     BasketLoading(const BasketLoading&) = delete;
     BasketLoading& operator=(const BasketLoading&) = delete;
 
+    // Against which the next lines are checked; seconds since 1 January 1970.
+    void SetNow(std::int64_t now) { m_rules.now = now; }
     // Some lines; false at the end of the file.
     bool Step();
 

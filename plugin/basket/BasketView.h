@@ -57,6 +57,8 @@ public:
     virtual void ShowRejected() = 0;
     // A load or a placing has begun, gone on or ended.
     virtual void ShowRun() = 0;
+    // The calendar's clock.
+    virtual LocalDateTime Now() const = 0;
     // A clock that only goes forward.
     virtual std::int64_t Milliseconds() const = 0;
 

@@ -9,7 +9,7 @@ using BasketDialogTest = BasketStage;
 TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     host.rights.insert("QV: Planfold: Custom");
     host.activeClient = "c002";
-    basket.Initialise(kBasketNow, "MIS,CNC,XYZ");
+    basket.Initialise("MIS,CNC,XYZ");
     EXPECT_EQ(view.Items(IDC_EXCHANGE), (Texts{"NSE", "BSE"}));
     EXPECT_EQ(view.Items(IDC_ACTION), (Texts{"SIP", "SWP"}));
     EXPECT_EQ(view.Items(IDC_INVEST_BY), (Texts{"Amount", "Quantity"}));
@@ -30,13 +30,13 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     session.host.pu_get_entered_text_results = nullptr;
     for (const auto& [active, shown] : {std::pair{"c00", "C001"}, {"c002", "C002"}, {"X", "C001"}}) {
         host.activeClient = active;
-        basket.Initialise(kBasketNow, {});
+        basket.Initialise({});
         EXPECT_EQ(view.Text(IDC_CLIENT_COMBO), shown) << active;
     }
     for (const char* export_ : {"register_hotkey", "pu_InvokeDialog"}) {
         host.missing = {export_};
         host.calls.clear();
-        basket.Initialise(kBasketNow, {});
+        basket.Initialise({});
         EXPECT_EQ(host.CallsOf("register_hotkey"), 0);
         EXPECT_FALSE(basket.HostOwnsDeleteKey());
     }
@@ -72,7 +72,7 @@ TEST_F(BasketDialogTest, TheFormIsCheckedInItsOwnOrder) {
         view.SetText(IDC_PERIOD, row.period);
         view.Select(IDC_INVEST_BY, row.byQuantity);
         host.exchangeAndToken = row.scrip;
-        basket.AddOrModify(kBasketNow);
+        basket.AddOrModify();
         EXPECT_EQ(Taken(view.boxes), Texts{row.refusal});
     }
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled) << "also by a refused one";
@@ -101,7 +101,7 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(view.Text(IDC_ACTION) + view.Text(IDC_INVEST_BY), "SIPAmount");
     view.SetText(IDC_VALUE, "60");
     view.list.selected = {view.list.rows[1]};
-    basket.AddOrModify(kBasketNow);
+    basket.AddOrModify();
     EXPECT_EQ(Rows(BasketField::amount), " 6000 150000");
     EXPECT_EQ(Serials(), "3 4 1 ") << "an answer to the earlier order no longer finds it";
     EXPECT_EQ(view.Text(IDC_SUBMIT) + view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "Add");
@@ -110,7 +110,7 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     basket.Activate(view.list.rows[1]);
     basket.Delete();
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
-    basket.AddOrModify(kBasketNow);
+    basket.AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
@@ -148,13 +148,19 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
 
     // Nothing is changed by a file that is not there, or when none is chosen.
     view.path = "missing.csv";
-    basket.Load(kBasketNow);
+    basket.Load();
     EXPECT_EQ(Taken(view.boxes), Texts{"File Open Error"});
     view.path.reset();
-    basket.Load(kBasketNow);
+    basket.Load();
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
 
+    // Midnight passes while the dealer looks for the file: tomorrow has become today.
     view.path = "basket.csv";
+    view.now = {2027, 3, 4, 23, 59, 59};
+    view.duringLoadQuestion = [&] { view.now = {2027, 3, 5, 0, 0, 1}; };
+    Load(Line("C1"));
+    EXPECT_EQ(Taken(view.boxes), Texts{"Invalid Date"});
+    view.now = {2027, 3, 4, 23, 59, 59};
     Load("");
     EXPECT_EQ(view.boxes, Texts{});
     EXPECT_TRUE(view.list.rows.empty() && basket.Rejected().empty());
@@ -214,7 +220,7 @@ TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
                + ",05/Mar/2027,12,MKT,B,BUY,C,DAY,value, ,\n";
     };
     EXPECT_EQ(view.files["basket.csv"], exported("C2") + exported("C1"));
-    basket.Load(kBasketNow);
+    basket.Load();
     EXPECT_EQ(Rows(BasketField::clientId), "C1 C2");
     view.writable = false;
     basket.Export();

@@ -54,7 +54,10 @@ public:
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
-    std::optional<std::string> AskLoadPath() override { return path; }
+    std::optional<std::string> AskLoadPath() override {
+        if (const auto action = std::exchange(duringLoadQuestion, nullptr)) action();
+        return path;
+    }
     std::optional<std::string> AskExportPath() override { return path; }
     std::optional<std::string> AskRejectsPath() override { return path; }
     std::optional<std::string> ReadFile(const std::string& name) override {
@@ -69,17 +72,19 @@ public:
     void ShowStatus() override {}
     void ShowRejected() override {}
     void ShowRun() override {}
+    LocalDateTime Now() const override { return now; }
     // Each look costs a step.
     std::int64_t Milliseconds() const override { return clock += clockStep; }
 
     BasketListDouble list;
     Texts questions, titles;
     bool yes = true;
-    std::function<void()> duringQuestion; // run once
+    std::function<void()> duringQuestion, duringLoadQuestion; // run once
     std::optional<std::string> path = "basket.csv";
     std::map<std::string, std::string> files;
     bool writable = true;
     int waiting = 0;
+    LocalDateTime now{2027, 1, 31, 15, 30, 0};
     mutable std::int64_t clock = 0;
     std::int64_t clockStep = 0;
 };

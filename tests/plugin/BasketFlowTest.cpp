@@ -90,7 +90,8 @@ protected:
             return 1;
         };
         host.rights.insert("QV: Planfold: Custom");
-        basket.Initialise(kNow, "MIS");
+        view.now = kNow;
+        basket.Initialise("MIS");
         Pump();
     }
     void TearDown() override { hub.Destroy(requests); }
@@ -100,7 +101,7 @@ protected:
 
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;
-        basket.Load(kNow);
+        basket.Load();
         while (basket.IsUnderWay())
             basket.Continue();
         EXPECT_EQ(std::exchange(view.boxes, {}), Texts{});
@@ -165,7 +166,7 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
         }
         Load(Joined(typed));
         EXPECT_EQ(Exported(), Joined(back)) << "the last line stands on top";
-        basket.Load(kNow);
+        basket.Load();
         EXPECT_EQ(Exported(), Joined(forth));
 
         const std::size_t before = server.Registrations().size();
@@ -246,10 +247,10 @@ TEST_F(BasketFlowTest, LateAnswersReachOnlyTheRowsThatAreStillTheSameOrder) {
     view.list.selected = {sent[1]};
     basket.Activate(sent[1]);
     view.SetText(IDC_VALUE, "60");
-    basket.AddOrModify(kNow);
+    basket.AddOrModify();
     view.SetText(IDC_VALUE, "70");
     view.SetText(IDC_PERIOD, "12");
-    basket.AddOrModify(kNow);
+    basket.AddOrModify();
     ASSERT_EQ(view.boxes, Texts{});
     const RecordId added = view.list.rows[0];
     EXPECT_EQ(added, sent[0]) << "in the place of the one that was deleted";

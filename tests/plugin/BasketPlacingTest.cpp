@@ -13,9 +13,9 @@ TEST_F(BasketPlacingTest, ALongLoadCanBeStopped) {
     ASSERT_TRUE(basket.IsUnderWay());
     const std::size_t first = view.list.rows.size();
     EXPECT_TRUE(first > 0 && first < 1000);
-    basket.Load(kBasketNow); // nothing begins meanwhile
+    basket.Load(); // nothing begins meanwhile
     basket.Place();
-    basket.AddOrModify(kBasketNow);
+    basket.AddOrModify();
     basket.Delete();
     basket.Export();
     EXPECT_EQ(view.list.rows.size(), first);
@@ -92,7 +92,7 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     // Pressed once more by whatever way, also in a window opened anew: nothing.
     basket.Place();
     basket.OnClosed();
-    basket.Initialise(kBasketNow, {});
+    basket.Initialise({});
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
     basket.Place();
     host.requests.pop_back(); // for the frequencies
@@ -280,8 +280,8 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     host.duringScripFill = [&] { basket.Activate(view.list.rows[0]); };
     basket.Activate(view.list.rows[1]);
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), "C1 1500.00");
-    host.duringScripLookUp = [&] { basket.AddOrModify(kBasketNow); };
-    basket.AddOrModify(kBasketNow);
+    host.duringScripLookUp = [&] { basket.AddOrModify(); };
+    basket.AddOrModify();
     EXPECT_EQ(Rows(BasketField::clientId), "C2 C1") << "a second press does not add what the first modifies";
 
     // The rows that a stopped placing offers to remove cannot go under the box before.

@@ -7,8 +7,6 @@
 
 namespace planfold::test {
 
-inline constexpr LocalDateTime kBasketNow{2027, 1, 31, 15, 30, 0};
-
 inline Texts Taken(Texts& texts) {
     return std::exchange(texts, {});
 }
@@ -16,7 +14,7 @@ inline Texts Taken(Texts& texts) {
 class BasketStage : public ::testing::Test, protected Stage {
 protected:
     void Open(std::string_view customProducts = {}) {
-        basket.Initialise(kBasketNow, customProducts);
+        basket.Initialise(customProducts);
         Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
         host.requests.clear();
         host.calls.clear();
@@ -30,11 +28,11 @@ protected:
     }
     void Add(const std::string& client, const std::string& amount = "1500") {
         Fill(client, amount);
-        basket.AddOrModify(kBasketNow);
+        basket.AddOrModify();
     }
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;
-        basket.Load(kBasketNow);
+        basket.Load();
     }
     void Run() {
         while (basket.IsUnderWay())

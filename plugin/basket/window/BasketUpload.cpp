@@ -45,8 +45,8 @@ struct Action {
     void (*act)(Basket& basket);
 };
 constexpr Action kActions[] = {
-    {IDC_SUBMIT, [](Basket& basket) { basket.AddOrModify(LocalNow()); }},
-    {IDC_BASKET_LOAD, [](Basket& basket) { basket.Load(LocalNow()); }},
+    {IDC_SUBMIT, [](Basket& basket) { basket.AddOrModify(); }},
+    {IDC_BASKET_LOAD, [](Basket& basket) { basket.Load(); }},
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Place(); }},
     {IDC_REJECTED_SAVE, [](Basket& basket) { basket.SaveRejected(); }},
@@ -79,7 +79,7 @@ void CBasketUpload::OnInit() {
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
     ShowAllColumns();
-    m_basket.Initialise(LocalNow(), SipFormControls::CustomProducts());
+    m_basket.Initialise(SipFormControls::CustomProducts());
 }
 
 void CBasketUpload::OnDestroyed() {

@@ -50,6 +50,7 @@ private:
     void ShowStatus() override;
     void ShowRejected() override;
     void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
+    LocalDateTime Now() const override { return LocalNow(); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
     void ShowAllColumns();
