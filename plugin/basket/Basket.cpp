@@ -5,6 +5,7 @@
 #include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
@@ -74,6 +75,15 @@ void Basket::LeaveModifyMode() {
     m_view.SetText(IDC_SUBMIT, kAdd);
 }
 
+// The selected row; of several, that which the form was filled from. When that one is gone, no other takes its
+// place.
+RecordId Basket::RowToModify() const {
+    const RecordId shown = m_rows.BySerialNumber(m_shownRow);
+    if (shown == kNoRecord) return kNoRecord;
+    const std::vector<RecordId> selected = m_view.List().Selected();
+    return std::ranges::find(selected, shown) != selected.end() ? shown : m_view.List().FirstSelected();
+}
+
 void Basket::AddOrModify() {
     if (IsBusy()) return;
     const int closings = m_closings;
@@ -89,7 +99,7 @@ void Basket::AddOrModify() {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
         return m_view.ShowStatus();
     }
-    const RecordId selected = m_view.List().FirstSelected();
+    const RecordId selected = RowToModify();
     LeaveModifyMode();
     m_form.ClearAfterModify();
     if (selected == kNoRecord) return m_view.ShowMessage("Order Not Found");
@@ -105,7 +115,9 @@ void Basket::Activate(RecordId record) {
     const sBasketOrderData row(m_rows[record].Texts(), 0);
     int notShown = Alone([&] { return m_form.Show(row.Texts()); });
     if (!IsStill(closings)) return;
-    if (notShown == 0) m_view.SetText(IDC_SUBMIT, kModify);
+    m_shownRow = m_rows[record].SerialNumber();
+    // What the form does not show as it is must not be taken for the row, whichever it showed before.
+    m_view.SetText(IDC_SUBMIT, notShown == 0 ? kModify : kAdd);
     for (; notShown > 0 && IsStill(closings); --notShown)
         m_view.ShowMessage("Failed to Load");
 }

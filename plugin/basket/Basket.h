@@ -103,6 +103,8 @@ private:
     void RegisterDeleteKey();
     void LeaveModifyMode();
     bool IsModifying() const;
+    // kNoRecord when it is no longer there.
+    RecordId RowToModify() const;
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
     void HandlePlaced(const Answer& answer);
 
@@ -117,8 +119,9 @@ private:
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;
     std::shared_ptr<BasketPlacing> m_placing;
-    std::string m_titleBefore; // the load
-    bool m_inPortion = false;  // the host may let the window's timer in
+    std::string m_titleBefore;   // the load
+    std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
+    bool m_inPortion = false;    // the host may let the window's timer in
     bool m_taken = false;
     bool m_placeable = false;    // the place button
     bool m_partlyPlaced = false; // a stopped placing left rows that were sent

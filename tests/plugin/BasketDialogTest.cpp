@@ -106,16 +106,27 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(Serials(), "3 4 1 ") << "an answer to the earlier order no longer finds it";
     EXPECT_EQ(view.Text(IDC_SUBMIT) + view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "Add");
 
-    // The row that was to be modified is gone.
+    // Of several selected rows, in whatever order a sort left them, the one that the form was filled from.
     basket.Activate(view.list.rows[1]);
+    view.SetText(IDC_VALUE, "70");
+    view.list.selected = {view.list.rows[2], view.list.rows[1]};
+    basket.AddOrModify();
+    EXPECT_EQ(Rows(BasketField::amount), " 7000 150000");
+
+    // The row that was to be modified is gone: no other is taken for it.
+    basket.Activate(view.list.rows[1]);
+    view.list.selected = {view.list.rows[1]};
     basket.Delete();
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    view.list.selected = {view.list.rows[1]};
     basket.AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
 
-    // What the form cannot show is told, and the button adds.
+    // What the form cannot show is told, and the button adds, also when it modified before.
+    basket.Activate(view.list.rows[1]);
+    EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.controls[IDC_SYMBOL].items = {"BYTEFIN"};
     view.controls[IDC_PRODUCT].items = {};
     basket.Activate(view.list.rows[0]);
