@@ -1,7 +1,5 @@
 #include "plugin/basket/window/BasketListWindow.h"
 
-#include "framework/Guard.h"
-
 namespace planfold {
 
 namespace {

@@ -1,6 +1,7 @@
 // The basket's list: the shared filter list over its rows.
 #pragma once
 
+#include "framework/Guard.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
@@ -38,7 +39,7 @@ private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override;
     std::int32_t RowLook(std::uint32_t record) noexcept override;
-    void ShownRowsChanged(CFilterListCtrl*) noexcept override { m_shownChanged(); }
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override { framework::Guard(m_shownChanged); }
 
     const BasketRows& m_rows;
     std::function<void()> m_shownChanged;

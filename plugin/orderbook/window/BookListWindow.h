@@ -1,6 +1,7 @@
 // One of the book's two lists: the shared filter list over the book's records.
 #pragma once
 
+#include "framework/Guard.h"
 #include "host/korvexcontrols/FilterListCtrl.h"
 #include "plugin/controls/window/FilterList.h"
 #include "plugin/orderbook/BookColumns.h"
@@ -44,7 +45,7 @@ private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override;
     std::int32_t RowLook(std::uint32_t record) noexcept override;
-    void ShownRowsChanged(CFilterListCtrl*) noexcept override { m_shownChanged(); }
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override { framework::Guard(m_shownChanged); }
 
     const OrderCache& m_records;
     Args m_args;
