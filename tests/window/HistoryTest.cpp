@@ -120,6 +120,10 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
         probe::Pump();
         EXPECT_EQ(Details(history), step.details) << step.what;
     }
+    EXPECT_TRUE(probe::PumpUntil([&] {
+        return probe::Text(history, kChart).find("Amount filled: 494.4.") != std::string::npos;
+    })) << "the chart counts what was paid: "
+        << probe::Text(history, kChart);
     InvalidateRect(list, nullptr, FALSE);
     Trade("O1", "12370");
     EXPECT_TRUE(GetUpdateRect(list, nullptr, FALSE)) << "what waited to be painted still waits";

@@ -174,7 +174,8 @@ void CSIPOrderHistoryDlg::ListRecords() {
 // Once for a burst of trades.
 void CSIPOrderHistoryDlg::OnRecordChanged() {
     m_chartIsOld = true;
-    InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
+    // Without a window it would be every window's.
+    if (HasWindow()) InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
 }
 
 void CSIPOrderHistoryDlg::RefreshChart() {

@@ -66,7 +66,7 @@ private:
     CFlatSplitterWnd m_splitter; // between the list and what stands below
     RowMenu m_menu;
     HistoryChart m_chart;
-    bool m_chartIsOld = false; // until it is painted
+    bool m_chartIsOld = false;    // until it is painted
     SIZE m_ownSize{};             // of the client area as the template says
     std::map<int, RECT> m_places; // of the controls in it
     bool m_listing = false;
