@@ -98,7 +98,8 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         m_handle = window;
         KeyboardHook::Enroll(window);
         LayOut(Self().Dpi());
-        if (m_handle) OnInit();
+        // Whoever is asked for the layout may close it, and open another.
+        if (m_handle == window) OnInit();
         return TRUE;
     case WM_DPICHANGED_AFTERPARENT:
         LayOut(Self().Dpi());

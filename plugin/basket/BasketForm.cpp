@@ -53,13 +53,19 @@ BasketTexts FormOrder::Texts() const {
 }
 
 void BasketForm::Fill(const LocalDateTime& now, std::string_view customProducts) {
+    const HostWindow window = m_view.Handle();
+    // By whoever the host let in; another window fills itself.
+    const auto gone = [&] { return m_view.Handle() != window; };
     m_form.ShowClientControl();
+    if (gone()) return;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
     m_form.AddFirstEntries();
     m_form.FillProducts(customProducts);
+    if (gone()) return;
     m_view.SetText(IDC_PERIOD, "1");
     m_view.Select(IDC_EXCHANGE, 0);
     m_form.RefreshScrips(ScripLevel::exchange);
+    if (gone()) return;
     for (const int combo : {IDC_ACTION, IDC_INVEST_BY, IDC_ORDER_TYPE, IDC_PRODUCT})
         m_view.Select(combo, 0);
     m_view.SetDigitsOnly(IDC_BASKET_QUANTITY, true);

@@ -121,7 +121,7 @@ struct FakeHost {
     std::deque<int> searchTimes{0};
     // Run once, inside the host.
     std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringScripFill, duringAccounts,
-        duringLog, duringRowState;
+        duringLog, duringRowState, duringResize;
 
     // What was seen. A call is "pu_is_valid_account(C001)": texts and numbers as they are, windows as their
     // identifiers.

@@ -275,7 +275,9 @@ VeskApp* pu_get_exe_app() {
     return Host().hasApp ? &Host().app : nullptr;
 }
 int pu_resize_EditCtrlForFontChange(HostWindow edit) {
-    return Record("pu_resize_EditCtrlForFontChange", edit);
+    Record("pu_resize_EditCtrlForFontChange", edit);
+    if (const auto action = std::exchange(Host().duringResize, nullptr)) action();
+    return 1;
 }
 int register_hotkey(HostWindow, InString group, int command, InString text, InString description,
                     InString key) {

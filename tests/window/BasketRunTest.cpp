@@ -172,4 +172,24 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
     boxes.Texts();
 }
 
+// Closed and picked again in the host's hands before it stood: the new window is filled once.
+TEST_F(BasketWindow, OpenedAnewBeforeItStoodIsFilledOnce) {
+    for (const int resizesBefore : {0, 2}) {
+        Close(dialog);
+        int left = resizesBefore;
+        std::function<void()> anew = [&] {
+            if (left-- > 0) {
+                host.duringResize = anew;
+                return;
+            }
+            Close(probe::FindDialog(basket::kCaption));
+            Pick(basket::kName);
+        };
+        host.duringResize = anew;
+        Open();
+        EXPECT_LT(left, 0);
+        EXPECT_EQ(probe::Items(dialog, order::kExchange), (Texts{"NSE", "BSE"})) << resizesBefore;
+    }
+}
+
 } // namespace

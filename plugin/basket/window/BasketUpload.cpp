@@ -68,9 +68,11 @@ void CBasketUpload::ShutDown() {
 }
 
 void CBasketUpload::OnInit() {
+    // The host is asked on the way, and may close the window or open another.
+    const HWND window = Dialog::Handle();
     m_controls.FilterValue(true);
     m_controls.SetUp("Client_Search");
-    if (!HasWindow()) return; // closed while the host was asked
+    if (Dialog::Handle() != window) return;
     m_list.Attach(Item(IDC_BASKET_LIST).Handle());
     m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
     m_rejected.Attach();
@@ -78,6 +80,7 @@ void CBasketUpload::OnInit() {
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     LayOut(Self().Dpi());
+    if (Dialog::Handle() != window) return;
     ShowAllColumns();
     m_basket.Initialise(SipFormControls::CustomProducts());
 }

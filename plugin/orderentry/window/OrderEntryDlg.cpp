@@ -61,8 +61,10 @@ void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
 }
 
 void COrderEntryDlg::OnInit() {
+    const HWND window = Dialog::Handle();
     m_controls.SetUp(OrderEntry::kName);
-    if (HasWindow()) m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
+    // The host was asked: it may have closed the window, or opened another.
+    if (Dialog::Handle() == window) m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
 }
 
 void COrderEntryDlg::OnLaidOut() {
