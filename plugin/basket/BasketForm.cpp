@@ -89,12 +89,14 @@ std::optional<Refusal> BasketForm::Read(const LocalDateTime& now, FormOrder& ord
 }
 
 int BasketForm::Show(const BasketTexts& texts) {
+    const HostWindow window = m_view.Handle();
     int notShown = 0;
     const auto choose = [&](int combo, std::string_view text) { notShown += !ShowChoice(combo, text); };
     choose(IDC_EXCHANGE, Shown(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
     OnExchangeChanged();
     choose(IDC_SERIES, texts[BasketField::series]);
     OnSeriesChanged();
+    if (m_view.Handle() != window) return notShown;
     choose(IDC_SYMBOL, texts[BasketField::symbol]);
     choose(IDC_ACTION, Shown(kPlanToDisplay, texts[BasketField::action]));
     choose(IDC_ORDER_TYPE, Shown(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
