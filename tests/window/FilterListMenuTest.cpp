@@ -1,0 +1,194 @@
+// What the shared list offers by menus and keys: filters, find, columns, export; and its end under any of them.
+#include "tests/window/FilterListTest.h"
+
+namespace {
+
+TEST_F(FilterList, MenuEntriesCanBePickedWhenTheyDoSomething) {
+    struct State {
+        const char* name;
+        std::function<void()> reach;
+        std::string possible;
+    };
+    const State states[] = {
+        {"empty", [] {}, "--x-x--xx--x"},
+        {"rows, one focused", [&] { Fill(9); }, "-xxxx--xx-xx"},
+        {"selected", [&] { control->SelectOnly(1); }, "xxxxx--xx-xx"},
+        {"owner's filter", [&] { control->SetOwnerFilter(2, "active"); }, "xxxxx--xx-xx"},
+        {"filter by the cell", [&] { Run(filterCell); }, "xxxxxxxxx-xx"},
+        {"sorted", [&] { Run(sortDown); }, "xxxxxxxxxxxx"},
+        {"all filters cleared", [&] { Run(clearAll); }, "xxxxx--xxxxx"},
+        {"natural", [&] { Run(natural); }, "xxxxx--xx-xx"},
+    };
+    for (const State& state : states) {
+        state.reach();
+        EXPECT_EQ(Possible(), state.possible) << state.name;
+    }
+    EXPECT_EQ(control->ShownCount(), 6u) << "the owner's filter stays";
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand + reset + 1));
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand - 1));
+}
+
+TEST_F(FilterList, TheFilterBoxJudgesWhatIsTyped) {
+    Fill(100);
+    ClickHeading(1); // sorted by amount
+    RECT cell{0, LVIR_BOUNDS, 0, 0};
+    cell.top = 1;
+    Send(LVM_GETSUBITEMRECT, 2, reinterpret_cast<LPARAM>(&cell));
+    for (const UINT message : {WM_RBUTTONDOWN, WM_RBUTTONUP})
+        PostMessageA(list, message, 0, MAKELPARAM(cell.left + 3, cell.top + 3));
+    probe::Pump();
+    Run(filterColumn);
+    HWND box = probe::FindDialog("Filter: Amount");
+    ASSERT_TRUE(box);
+    ASSERT_TRUE(probe::Select(box, kFilterOperator, ">="));
+    probe::SetEdit(box, kFilterValue, "lots");
+    probe::Press(box, IDOK);
+    EXPECT_EQ(probe::Text(box, kFilterFault), "\"lots\" is not a number.");
+    HDC screen = GetDC(nullptr);
+    EXPECT_NE(SendMessageA(box, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(screen),
+                           reinterpret_cast<LPARAM>(GetDlgItem(box, kFilterFault))),
+              0);
+    EXPECT_EQ(GetTextColor(screen), RGB(150, 20, 20)) << "told in red";
+    ReleaseDC(nullptr, screen);
+    EXPECT_EQ(control->ShownCount(), 100u);
+    probe::SetEdit(box, kFilterValue, "500.5");
+    SetFocus(GetDlgItem(box, kFilterValue));
+    probe::PostKey(VK_RETURN);
+    EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(box); })) << "the default button by keyboard";
+    EXPECT_EQ(Cell(0, 1), "511.50");
+    Run(filterColumn);
+    box = probe::FindDialog("Filter: Amount");
+    EXPECT_EQ(probe::Text(box, kFilterValue), "500.5");
+    probe::Press(box, kFilterClear);
+    EXPECT_EQ(control->ShownCount(), 100u);
+}
+
+TEST_F(FilterList, FindGoesAroundAndTypingFindsByTheFirstColumn) {
+    Fill(30);
+    cells[4][2] = cells[20][2] = "Expired";
+    Run(find);
+    HWND box = probe::FindDialog("Find");
+    ASSERT_TRUE(box);
+    probe::SetEdit(box, kFindText, "expIRED");
+    for (const std::uint32_t record : {20u, 4u, 20u}) {
+        probe::Press(box, IDOK);
+        EXPECT_EQ(control->Focused(), record);
+        EXPECT_EQ(SelectedSymbols(), std::vector{cells[record][0]});
+    }
+    probe::SetEdit(box, kFindText, "nowhere");
+    probe::Press(box, IDOK);
+    EXPECT_EQ(probe::Text(box, kFindNotice), "Not found");
+    SetFocus(GetDlgItem(box, kFindText));
+    probe::PostKey(VK_ESCAPE);
+    EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(box); }));
+    LVFINDINFOA typed{};
+    typed.flags = LVFI_STRING | LVFI_PARTIAL | LVFI_WRAP;
+    const std::string start = cells[7][0];
+    typed.psz = start.c_str();
+    EXPECT_EQ(Send(LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&typed)),
+              static_cast<LRESULT>(control->IndexOf(7)));
+}
+
+TEST_F(FilterList, ColumnsComeBackAsTheUserLeftThem) {
+    struct Kept {
+        const char* line; // written into the file; null: left by the list itself
+        std::array<int, 3> order, widths;
+    };
+    const Kept table[] = {
+        {nullptr, {2, 0, 1}, {0, 133, 90}},
+        {"Amount;no numbers", {0, 1, 2}, {120, 80, 90}},
+        {"0,1,1;10,20,30", {0, 1, 2}, {120, 80, 90}},
+        {"1,0,2;10,20,30", {1, 0, 2}, {10, 20, 30}},
+    };
+    std::array<int, 3> order{2, 0, 1};
+    Send(LVM_SETCOLUMNORDERARRAY, 3, reinterpret_cast<LPARAM>(order.data()));
+    Send(LVM_SETCOLUMNWIDTH, 0, 0);
+    Send(LVM_SETCOLUMNWIDTH, 1, 133);
+    const std::string settings = (folder / "settings.ini").string();
+    Fill(5);
+    for (const Kept& kept : table) {
+        Close();
+        if (kept.line) WritePrivateProfileStringA("Lists", "Orders", kept.line, settings.c_str());
+        Open();
+        Send(LVM_GETCOLUMNORDERARRAY, 3, reinterpret_cast<LPARAM>(order.data()));
+        EXPECT_EQ(order, kept.order);
+        for (int column = 0; column < 3; ++column)
+            EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)),
+                      kept.widths[static_cast<std::size_t>(column)]);
+        EXPECT_EQ(Send(LVM_GETITEMCOUNT), 5) << "the rows outlive the window";
+    }
+    Run(reset);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 120);
+}
+
+// Types the name into the box that asks for it.
+void CALLBACK NameTheExport(HWND, UINT, UINT_PTR timer, DWORD);
+std::string g_exportName;
+
+TEST_F(FilterList, AnExportIsWholeOrNotThere) {
+    Fill(3);
+    cells[1] = {"=1+1", "-5.50", "a,\"b\""};
+    const auto good = folder / "rows.csv", bad = folder / "refused.csv", inTheWay = folder / "refused.csv.new";
+    std::filesystem::create_directories(inTheWay);
+    for (const auto& path : {good, bad}) {
+        g_exportName = path.string();
+        SetTimer(nullptr, 0, 10, NameTheExport);
+        Run(exportRows);
+    }
+    EXPECT_EQ(Read(good), "Symbol,Amount,State\r\n" + cells[2][0]
+                              + ",62.50,active\r\n'=1+1,-5.50,\"a,\"\"b\"\"\"\r\n" + cells[0][0]
+                              + ",0.50,Paused\r\n");
+    EXPECT_NE(boxes.Texts().find("could not be written"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(bad));
+    EXPECT_FALSE(std::filesystem::exists(folder / "rows.csv.new"));
+
+    control->SelectOnly(1);
+    Run(copy);
+    ASSERT_TRUE(OpenClipboard(parent));
+    const HANDLE memory = GetClipboardData(CF_TEXT);
+    EXPECT_STREQ(static_cast<const char*>(GlobalLock(memory)),
+                 "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
+    GlobalUnlock(memory);
+    CloseClipboard();
+}
+
+void CALLBACK NameTheExport(HWND, UINT, UINT_PTR timer, DWORD) {
+    constexpr int fileName = 0x47C, fileCombo = 0x480;
+    HWND box = probe::FindDialog("Export");
+    if (!box) return;
+    KillTimer(nullptr, timer);
+    for (HWND child : probe::Children(box)) {
+        const int id = GetDlgCtrlID(child);
+
+        if (id == fileName || id == fileCombo) SetWindowTextA(child, g_exportName.c_str());
+    }
+    PostMessageA(box, WM_COMMAND, IDOK, 0);
+}
+
+// Whatever is open or under way, the window and even the list may go.
+TEST_F(FilterList, MayEndAtAnyTime) {
+    Fill(10);
+    Run(find);
+    Run(filterColumn);
+    Close();
+    control->InsertFront(3);
+    control->Remove(4);
+    control->SelectOnly(5);
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand + find));
+    EXPECT_EQ(control->ShownCount(), 9u);
+
+    Open();
+    EXPECT_EQ(Send(LVM_GETITEMCOUNT), 9);
+    EXPECT_EQ(SelectedSymbols(), std::vector{cells[5][0]});
+    onChange = [&] { Close(); };
+    Run(filterCell);
+    Open();
+    Run(filterColumn);
+    onChange = [&] { control.reset(); };
+    probe::Press(probe::FindDialog("Filter: Symbol"), kFilterClear);
+    EXPECT_FALSE(control);
+    EXPECT_TRUE(IsWindow(list));
+    Send(WM_KEYDOWN, VK_DOWN);
+}
+
+} // namespace

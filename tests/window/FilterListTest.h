@@ -1,0 +1,196 @@
+// A test with the shared list over a real control, in a window of its own.
+#pragma once
+
+#include "host/korvexcontrols/FilterListCtrl.h"
+#include "sdk/HeapStringManager.h"
+#include "tests/support/BoxRecorder.h"
+#include "tests/support/WindowProbe.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <set>
+#include <sstream>
+
+inline constexpr std::uint32_t kNone = UINT32_MAX, kFirstCommand = 5000;
+// The list's own commands.
+enum Command : std::uint32_t {
+    copy,
+    selectAll,
+    find,
+    filterCell,
+    filterColumn,
+    clearColumn,
+    clearAll,
+    sortUp,
+    sortDown,
+    natural,
+    exportRows,
+    reset
+};
+inline constexpr int kFilterOperator = 2102, kFilterValue = 2104, kFilterFault = 2107, kFilterClear = 2108;
+inline constexpr int kFindText = 2202, kFindNotice = 2204;
+inline constexpr KorvexColumn kColumns[] = {
+    {"Symbol", 120, 0, kKorvexTextValue}, {"Amount", 80, 1, kKorvexAmount}, {"State", 90, 0, kKorvexTextValue}};
+
+inline std::string Read(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+class FilterList : public testing::Test, public CListOwner {
+protected:
+    void SetUp() override {
+        folder =
+            std::filesystem::temp_directory_path() / ("filterlist" + std::to_string(GetCurrentProcessId()));
+        std::filesystem::create_directories(folder);
+        Remember((folder / "settings.ini").string(), (folder / "dialogs.ini").string());
+        SetCursorPos(0, 0);
+        Open();
+    }
+    void TearDown() override {
+        Close();
+        Remember("", "");
+        std::filesystem::remove_all(folder);
+        EXPECT_TRUE(probe::TopWindows().empty());
+        EXPECT_EQ(boxes.Texts(), "");
+    }
+
+    void Remember(const std::string& settings, const std::string& dialogs) {
+        PassedString first(settings, strings), second(dialogs, strings);
+        CCommonListCtrl::SetRecoveryFiles(first.Hand(), second.Hand());
+    }
+    void Open() {
+        if (!control) control = std::make_unique<CFilterListCtrl>();
+        WNDCLASSA type{};
+        type.lpfnWndProc = Procedure;
+        type.lpszClassName = "FilterListParent";
+        RegisterClassA(&type);
+        parent = CreateWindowA("FilterListParent", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 420, 320,
+                               nullptr, nullptr, nullptr, this);
+        list =
+            CreateWindowA(WC_LISTVIEWA, "",
+                          WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
+                          0, 0, 400, 280, parent, nullptr, nullptr, nullptr);
+        ASSERT_TRUE(control->Attach({list, "Orders", this, kColumns, 3, kFirstCommand}));
+        SetFocus(list);
+    }
+    void Close() {
+        DestroyWindow(parent);
+        probe::Pump();
+        parent = list = nullptr;
+    }
+    void Fill(std::uint32_t count) {
+        control->BeginChanges();
+        for (std::uint32_t i = 0; i < count; ++i)
+            Insert(i);
+        control->EndChanges();
+    }
+    void Insert(std::uint32_t record) {
+        if (record >= cells.size()) cells.resize(record + std::size_t{1});
+        char symbol[32];
+        std::snprintf(symbol, sizeof symbol, "ARBOR%05u", record * 7919 % 10007);
+        cells[record] = {symbol, std::to_string(record * 31 % 1000) + ".50", record % 3 ? "active" : "Paused"};
+        control->InsertFront(record);
+    }
+
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return SendMessageA(list, message, wParam, lParam);
+    }
+    void SetState(int row, UINT state, UINT mask) const {
+        LVITEMA item{};
+        item.state = state;
+        item.stateMask = mask;
+        Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    }
+    std::string Cell(int row, int column) const {
+        char text[64] = "";
+        LVITEMA item{};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = sizeof text;
+        Send(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        return text;
+    }
+    // As another program reads the control.
+    int Next(UINT flags, int from = -1) const {
+        return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
+    }
+    std::vector<std::string> SelectedSymbols() const {
+        std::vector<std::string> symbols;
+        for (int row = -1; (row = Next(LVNI_SELECTED, row)) >= 0;)
+            symbols.push_back(Cell(row, 0));
+        return symbols;
+    }
+    std::string TopSymbol() const { return Cell(static_cast<int>(Send(LVM_GETTOPINDEX)), 0); }
+    int RowHeight() const {
+        RECT rect{LVIR_BOUNDS, 0, 0, 0};
+        Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&rect));
+        return rect.bottom - rect.top;
+    }
+    HWND Header() const { return reinterpret_cast<HWND>(Send(LVM_GETHEADER)); }
+    void ClickHeading(int column) const {
+        RECT rect{};
+        SendMessageA(Header(), HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rect));
+        const LPARAM place = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+        SendMessageA(Header(), WM_LBUTTONDOWN, MK_LBUTTON, place);
+        SendMessageA(Header(), WM_LBUTTONUP, 0, place);
+    }
+    void Run(Command command) { EXPECT_TRUE(control->HandleCommand(kFirstCommand + command)); }
+    // The entries that can be picked, in the order of their numbers.
+    std::string Possible() const {
+        HMENU menu = CreatePopupMenu();
+        control->AppendMenuEntries(menu);
+        std::string possible;
+        for (std::uint32_t command = copy; command <= reset; ++command)
+            possible += GetMenuState(menu, kFirstCommand + command, MF_BYCOMMAND) & MF_GRAYED ? '-' : 'x';
+        DestroyMenu(menu);
+        return possible;
+    }
+
+    void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
+                   KorvexText* texts) noexcept override {
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const std::string& text = cells[records[i]][static_cast<std::size_t>(column)];
+            texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
+        }
+    }
+    std::int32_t RowLook(std::uint32_t record) noexcept override {
+        return static_cast<std::int32_t>(record % 5);
+    }
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override {
+        ++changes;
+        if (onChange) std::exchange(onChange, nullptr)();
+    }
+
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_NCCREATE)
+            SetWindowLongPtrA(
+                window, GWLP_USERDATA,
+                reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
+        auto* self = reinterpret_cast<FilterList*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+        LRESULT result = 0;
+        if (message == WM_NOTIFY && self && self->control
+            && self->control->HandleNotify(reinterpret_cast<const NMHDR*>(lParam), &result))
+            return result;
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+
+    HeapStringManager strings;
+    BoxRecorder boxes;
+    std::filesystem::path folder;
+    std::vector<std::array<std::string, 3>> cells;
+    std::unique_ptr<CFilterListCtrl> control;
+    HWND parent = nullptr, list = nullptr;
+    int changes = 0;
+    std::function<void()> onChange;
+};
