@@ -20,8 +20,6 @@ constexpr std::size_t kFewestCommas = 19;
 constexpr std::size_t kMostCommas = 20;
 constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
-constexpr double kDefaultDivisor = 100.0;
-constexpr int kDefaultDecimals = 2;
 
 bool AllDigits(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
@@ -216,10 +214,9 @@ Verdict BasketCheck::CheckAmount(BasketTexts& columns, Scrip& scrip, int lineNum
     // What is less than an amount in range is in range as well.
     if (paise <= scrip.largestInRange) return std::nullopt;
     const ScripDetails* details = scrip.details ? &*scrip.details : nullptr;
-    const double divisor = details ? details->priceMultiplier : kDefaultDivisor;
-    const int decimals = details ? std::clamp(details->decimals, 0, 9) : kDefaultDecimals;
+    const PriceScale scale = ScaleOf(details);
     std::string message;
-    if (!CheckPriceRange(Format("%.*lf", decimals, paise / divisor), message, details, true))
+    if (!CheckPriceRange(Format("%.*lf", scale.decimals, paise / scale.multiplier), message, details, true))
         return BasketRefusal{InLine("Amount" + message, lineNumber), {}, true};
     scrip.largestInRange = paise;
     return std::nullopt;

@@ -13,9 +13,6 @@ namespace planfold {
 
 namespace {
 
-constexpr double kDefaultDivisor = 100;
-constexpr double kLargestDivisor = 1e12; // no exchange counts in smaller units
-
 using Conversion = void (*)(std::string_view wire, double priceDivisor, std::string& text);
 
 void AsItIs(std::string_view wire, double, std::string& text) {
@@ -79,8 +76,7 @@ sOrderHistory ReadRow(void* message, double priceDivisor, Wanted&& wanted) {
 double AskPriceDivisor(const Session& session, void* message) {
     const auto details = AskScripDetails(session, FieldView(message, tag::exchange).value_or(""),
                                          FieldView(message, tag::tradingSymbol).value_or(""));
-    const double divisor = details ? details->priceMultiplier : kDefaultDivisor;
-    return divisor > 0 && divisor <= kLargestDivisor ? divisor : kDefaultDivisor;
+    return ScaleOf(details ? &*details : nullptr).multiplier;
 }
 
 sOrderHistory ReadHistoryOrder(void* message, double priceDivisor) {

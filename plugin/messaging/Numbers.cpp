@@ -36,23 +36,6 @@ Unsigned SkipToNumber(std::string_view text) {
 
 constexpr std::int64_t kFirstBeyond32Bit = 2147483648;
 
-struct PriceScale {
-    int decimals = 2;
-    double multiplier = 100.0;
-    std::int64_t tickSize = 1;
-};
-
-// The host's record is checked here, once: what no exchange uses falls back to rupees and paise.
-PriceScale ScaleOf(const ScripDetails* details) {
-    PriceScale scale;
-    if (!details) return scale;
-    if (details->decimals >= 0 && details->decimals <= 9) scale.decimals = details->decimals;
-    if (details->priceMultiplier > 0 && details->priceMultiplier <= 1e12)
-        scale.multiplier = details->priceMultiplier;
-    if (details->tickSize > 0 && details->tickSize < kFirstBeyond32Bit) scale.tickSize = details->tickSize;
-    return scale;
-}
-
 // None when the text is no number or leaves 64 bits.
 std::optional<std::int64_t> ScaledPrice(std::string_view text, const PriceScale& scale) {
     const auto [number, negative] = SkipToNumber(text);
@@ -84,6 +67,16 @@ std::optional<std::int64_t> ScaledPrice(std::string_view text, const PriceScale&
 }
 
 } // namespace
+
+PriceScale ScaleOf(const ScripDetails* details) {
+    PriceScale scale;
+    if (!details) return scale;
+    if (details->decimals >= 0 && details->decimals <= 9) scale.decimals = details->decimals;
+    if (details->priceMultiplier > 0 && details->priceMultiplier <= 1e12)
+        scale.multiplier = details->priceMultiplier;
+    if (details->tickSize > 0 && details->tickSize < kFirstBeyond32Bit) scale.tickSize = details->tickSize;
+    return scale;
+}
 
 std::int64_t LeadingInteger(std::string_view text) {
     const auto [number, negative] = SkipToNumber(text);

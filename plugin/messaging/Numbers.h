@@ -16,6 +16,16 @@ std::int64_t LeadingInteger(std::string_view text);
 // The decimal number at the start of the text, after blanks and a sign; 0 without one.
 double LeadingReal(std::string_view text);
 
+// How the exchange counts a scrip's prices.
+struct PriceScale {
+    int decimals = 2;
+    double multiplier = 100.0;
+    std::int64_t tickSize = 1;
+};
+// Of the host's record, which is checked here, once: without one, and for what no exchange uses, rupees and
+// paise.
+PriceScale ScaleOf(const ScripDetails* details);
+
 // Whether the price fits the exchange's integers. On failure `message` says which range it leaves and, with
 // scrip details, the largest price: texts to be put behind the name of the checked field.
 bool CheckPriceRange(std::string_view price, std::string& message, const ScripDetails* details,

@@ -19,6 +19,7 @@ public:
         if (symbol == "BYTEFIN-EQ" || symbol == "bytefin-eq")
             return ScripDetails{2, 0, 100.0, 5, "1234", "BYTEFIN-EQ"};
         if (symbol == "FINE-EQ") return ScripDetails{4, 0, 10000.0, 25, "77", "FINE-EQ"};
+        if (symbol == "ODD-EQ") return ScripDetails{-1, 0, -1.0, -5, "78", "ODD-EQ"};
         return std::nullopt;
     }
     std::string TradingSymbol(std::string_view, std::string_view, std::string_view symbol) override {
@@ -171,6 +172,9 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
         {kMonths, {{7, "2147483648"}}, tooDear("21474836.45")},
         {kMonths, {fine[0], fine[1], {7, "2147483648"}}, tooDear("214748.3625")},
         {kMonths, {fine[0], fine[1], {7, "2147483647"}}, row},
+        // A record that makes no sense is read as rupees and paise.
+        {kMonths, {{5, "ODD-EQ"}, {4, "78"}, {7, "2147483648"}}, tooDear("21474836.47")},
+        {kMonths, {{5, "ODD-EQ"}, {4, "78"}, {7, "2147483647"}}, row},
     };
     for (const Case& each : cases) {
         const std::string line = Line(each.changes);
