@@ -37,18 +37,23 @@ std::string Server::AdvanceTo(Date date) {
     constexpr std::int64_t hour = 3600;
     const Date reached = m_clock.localDate(m_clock.now() + ahead);
     if (reached != date) ahead += reached < date ? hour : -hour;
-    FieldRecord clock;
-    clock.Set(kTagAhead, std::to_string(ahead));
-    if (std::string fault = Write(clock.JsonAs(kRecordKind)); !fault.empty()) return fault;
+    if (std::string fault = Write(ClockRecord(ahead)); !fault.empty()) return fault;
     m_aheadSeconds = ahead;
     return {};
 }
 
 std::string Server::AdvanceToNextInstalment() {
-    while (m_unscheduled < m_registrations.size())
+    while (m_unscheduled)
         ScheduleSome();
     const auto next = m_due.FirstDay();
-    return next ? AdvanceTo(std::max(*next, sys_days(Today()))) : std::string();
+    if (!next) return "There is no instalment to come";
+    return AdvanceTo(std::max(*next, sys_days(Today())));
+}
+
+std::string Server::ClockRecord(std::int64_t ahead) {
+    FieldRecord clock;
+    clock.Set(kTagAhead, std::to_string(ahead));
+    return clock.JsonAs(kRecordKind);
 }
 
 bool Server::ReplayClock(std::string_view record) {
@@ -71,7 +76,7 @@ void Server::Restrict(const RestrictedRange& range) {
 
 bool Server::HasDue() const {
     if (!m_replayError.empty() || m_isStopped) return false;
-    if (m_unscheduled < m_registrations.size()) return true;
+    if (m_unscheduled) return true;
     const auto first = m_due.FirstDay();
     return first && *first <= sys_days(Today());
 }
@@ -80,7 +85,7 @@ Executed Server::ExecuteDue(std::chrono::milliseconds time) {
     const auto end = std::chrono::steady_clock::now() + time;
     Executed done;
     while (HasDue()) {
-        if (m_unscheduled < m_registrations.size())
+        if (m_unscheduled)
             ScheduleSome();
         else
             done.fault = ExecuteSome(done.instalments);
@@ -91,9 +96,11 @@ Executed Server::ExecuteDue(std::chrono::milliseconds time) {
 }
 
 void Server::ScheduleSome() {
-    const std::size_t end = std::min(m_unscheduled + kSchedulesAtOnce, m_registrations.size());
-    for (; m_unscheduled < end; ++m_unscheduled)
-        if (Schedule(m_unscheduled)) Tell(m_registrations[m_unscheduled]);
+    const std::size_t first = *m_unscheduled, end = std::min(first + kSchedulesAtOnce, m_registrations.size());
+    for (std::size_t place = first; place < end; ++place)
+        if (Schedule(place)) Tell(m_registrations[place]);
+    m_unscheduled = end;
+    if (end == m_registrations.size()) m_unscheduled.reset();
 }
 
 std::string Server::ExecuteSome(std::size_t& count) {

@@ -69,7 +69,7 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
     }
     for (std::size_t place = 0; place < m_registrations.size(); ++place)
         Schedule(place);
-    m_unscheduled = m_registrations.size();
+    m_replayed = records.size();
 }
 
 bool Server::Replay(std::string_view record) {

@@ -88,7 +88,7 @@ public:
 
     // The server's clock goes forward, never back, and is as far ahead after a restart. Why it did not.
     std::string AdvanceTo(std::chrono::year_month_day date);
-    // To the next day on which an instalment is executed; stays when there is none, or one is due.
+    // To the next day on which an instalment is executed; stays when one is due.
     std::string AdvanceToNextInstalment();
     // Executes instalments that are due by the server's clock, in order of their day, then of registration: at
     // least some, and more until the time is over.
@@ -98,6 +98,11 @@ public:
     // About which price of a registration, in paise, the orders of its instalments are filled; 0 as in
     // ExecutionPlan.
     void SetPrices(std::function<std::int64_t(const Registration&)> prices) { m_prices = std::move(prices); }
+
+    // After a start: whether most of the journal's many records are superseded.
+    bool IsJournalStale() const;
+    // Writes it anew with what the server holds. Why it could not; empty when that is done.
+    std::string CompactJournal();
 
     void AddListener(UpdateListener& listener);
     void RemoveListener(UpdateListener& listener);
@@ -169,7 +174,11 @@ private:
     std::string ExecuteSome(std::size_t& count);
     // The registration takes the instalment into account, when it was one and is not yet counted.
     void Count(const ExchangeOrder& order);
+    static std::string ClockRecord(std::int64_t ahead);
     bool ReplayClock(std::string_view record);
+    // Of the requests that registered, by place.
+    std::vector<std::string_view> OrderIdentifiers() const;
+    void WriteAll(const Journal::Sink& sink) const;
 
     ServerConfig m_config;
     Journal& m_journal;
@@ -183,10 +192,11 @@ private:
     std::size_t m_orderCount = 0;                                   // of all registrations
     std::int64_t m_aheadSeconds = 0;                                // of the machine's clock
     DueQueue m_due;                                                 // of the active registrations
-    // From this place on the registrations are to be scheduled anew, because the market's days changed.
-    std::size_t m_unscheduled = 0;
+    // The place from which on registrations are to be scheduled anew, because the market's days changed.
+    std::optional<std::size_t> m_unscheduled{};
     bool m_isStopped = false; // the journal took no instalment; until the clock is advanced
     std::function<std::int64_t(const Registration&)> m_prices;
+    std::size_t m_replayed = 0; // records
     std::vector<UpdateListener*> m_listeners;
     std::string m_replayError;
 };

@@ -215,6 +215,7 @@ private:
             Start();
         }
         const std::vector<Registration> held = m_running->server->Registrations();
+        if (Below(3) == 0) m_running->server->CompactJournal();
         Start();
         ASSERT_EQ(m_running->server->Registrations(), held);
     }
@@ -267,7 +268,7 @@ private:
 
 TEST(Instalments, NeitherChangesNorCrashesNorClosedDaysRepeatOrLoseOne) {
     const TemporaryFolder folder;
-    for (unsigned seed = 1; seed <= 15 && !HasFatalFailure(); ++seed) {
+    for (unsigned seed = 1; seed <= 10 && !HasFatalFailure(); ++seed) {
         SCOPED_TRACE(seed);
         std::filesystem::remove(folder.File("journal"));
         Story(folder.File("journal"), seed).Play();

@@ -43,8 +43,15 @@ ServerLink::ServerLink(const std::string& configFile, const std::string& journal
     m_server = std::make_unique<Server>(std::move(settings), *m_journal, opening.records, SystemClock());
     m_server->SetPrices([this](const Registration& registration) { return PriceOf(registration); });
     if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
+    const std::size_t records = opening.records.size();
+    opening.records.clear();
+    opening.text.reset(); // the server has read it, and it may be large
+    if (m_server->IsJournalStale()) {
+        const std::string fault = m_server->CompactJournal();
+        notes.push_back(fault.empty() ? "The journal is written anew without what was superseded" : fault);
+    }
     m_hub = std::make_unique<RxHub>(*m_server, m_user);
-    notes.push_back("Trading server ready, " + std::to_string(opening.records.size()) + " journal records");
+    notes.push_back("Trading server ready, " + std::to_string(records) + " journal records");
 }
 
 RxControl* ServerLink::GetControl(int kind, CKeloRxNotifierBase* notifier) {
