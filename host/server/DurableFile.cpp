@@ -44,11 +44,25 @@ long long ReadSome(int descriptor, char* to, std::size_t size) {
 void CloseFile(int descriptor) {
     _close(descriptor);
 }
+// Flushing the file flushes its name too.
+bool FlushNames(const std::filesystem::path& file) {
+    const int descriptor = OpenLocked(file);
+    const bool isFlushed = descriptor >= 0 && Flush(descriptor) == 0;
+    if (descriptor >= 0) CloseFile(descriptor);
+    return isFlushed;
+}
 #else
 int OpenLocked(const std::filesystem::path& path) {
     const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (descriptor < 0 || ::flock(descriptor, LOCK_EX | LOCK_NB) == 0) return descriptor;
-    const int reason = errno;
+    if (descriptor < 0) return descriptor;
+    const bool isLocked = ::flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+    // Until it was locked another file may have come to that path.
+    struct stat opened {
+    }, there{};
+    if (isLocked && ::fstat(descriptor, &opened) == 0 && ::stat(path.c_str(), &there) == 0
+        && opened.st_ino == there.st_ino)
+        return descriptor;
+    const int reason = isLocked ? EAGAIN : errno;
     ::close(descriptor);
     errno = reason;
     return -1;
@@ -70,6 +84,13 @@ long long ReadSome(int descriptor, char* to, std::size_t size) {
 }
 void CloseFile(int descriptor) {
     ::close(descriptor);
+}
+bool FlushNames(const std::filesystem::path& file) {
+    const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool isFlushed = descriptor >= 0 && ::fsync(descriptor) == 0;
+    if (descriptor >= 0) ::close(descriptor);
+    return isFlushed;
 }
 #endif
 
@@ -113,6 +134,17 @@ bool DurableFile::Append(std::string_view bytes, std::string& error) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return Flush(m_descriptor) == 0 || FailWith(error, "cannot be flushed");
+}
+
+bool DurableFile::Replace(const std::filesystem::path& from, const std::filesystem::path& to,
+                          std::string& error) {
+    std::error_code fault;
+    std::filesystem::rename(from, to, fault);
+    if (fault) {
+        error = "cannot be replaced: " + fault.message();
+        return false;
+    }
+    return FlushNames(to) || FailWith(error, "cannot be flushed");
 }
 
 bool DurableFile::CutTo(std::uint64_t size, std::string& error) {

@@ -22,6 +22,8 @@ public:
     bool ReadAll(std::string& text, std::string& error);
     // Writes at the end and flushes to the disk. After a failure part of `bytes` may stand in the file.
     bool Append(std::string_view bytes, std::string& error);
+    // Puts one file in another's place, which is the old or the new one at any time. Neither is open.
+    static bool Replace(const std::filesystem::path& from, const std::filesystem::path& to, std::string& error);
     bool CutTo(std::uint64_t size, std::string& error);
 
 private:

@@ -20,6 +20,8 @@ constexpr std::uint32_t kOfTheOrder[] = {kTagExchange, kTagTradingSymbol, kTagRe
                                          kTagOrderNumber};
 constexpr std::uint32_t kOfTheLastFill[] = {kTagFillDate, kTagFillTime};
 
+constexpr std::string_view kInstalment = ",\"instalment\":";
+
 constexpr std::string_view kReasons[] = {
     "Margin of the account is not sufficient",
     "Scrip is not open for trading",
@@ -51,11 +53,11 @@ public:
         Order().Set(kTagPrice, std::to_string(m_price));
         Order().Set(kTagQuantity, std::to_string(m_quantity));
         Order().Set(kTagTradedQuantity, "0");
-        constexpr std::int64_t lots = 10;
-        const std::int64_t lot = Below(lots);
-        if (lot < 2)
+        constexpr std::int64_t percent = 100;
+        const std::int64_t lot = Below(percent);
+        if (lot < m_placement.rates.rejected)
             Reject();
-        else if (lot < 5 && m_quantity > 1)
+        else if (lot < m_placement.rates.rejected + m_placement.rates.partial && m_quantity > 1)
             FillPartly();
         else
             Fill(m_quantity, kStatusComplete);
@@ -152,7 +154,12 @@ std::string ExchangeOrder::Json() const {
         if (&trade != &trades.front()) json += ',';
         trade.AppendJson(json);
     }
-    json += "]}";
+    json += ']';
+    if (instalment) {
+        json += kInstalment;
+        instalment->Fields().AppendJson(json);
+    }
+    json += '}';
     return json;
 }
 
@@ -161,13 +168,20 @@ std::optional<ExchangeOrder> ExchangeOrder::FromJson(std::string_view text) {
     ExchangeOrder read;
     if (!reader.Take("{\"order\":") || !reader.TakeFields(read.order) || !reader.Take(",\"trades\":["))
         return std::nullopt;
-    if (!reader.Take("]}")) {
+    if (!reader.Take("]")) {
         do {
             if (!reader.TakeFields(read.trades.emplace_back())) return std::nullopt;
         } while (reader.Take(","));
-        if (!reader.Take("]}")) return std::nullopt;
+        if (!reader.Take("]")) return std::nullopt;
     }
-    if (!reader.AtEnd() || read.order.Text(kTagRegistrationNumber).empty()) return std::nullopt;
+    if (reader.Take(kInstalment)) {
+        FieldRecord fields;
+        if (!reader.TakeFields(fields)) return std::nullopt;
+        read.instalment = Instalment::FromFields(fields);
+        if (!read.instalment || !PlacementDay(read.order)) return std::nullopt;
+    }
+    if (!reader.Take("}") || !reader.AtEnd() || read.order.Text(kTagRegistrationNumber).empty())
+        return std::nullopt;
     return read;
 }
 

@@ -5,6 +5,7 @@
 
 #include "host/server/FieldRecord.h"
 #include "host/server/Registration.h"
+#include "host/server/ServerConfig.h"
 
 #include <chrono>
 #include <cstdint>
@@ -27,6 +28,7 @@ struct ExchangeOrder {
 
     FieldRecord order;
     std::vector<FieldRecord> trades;
+    std::optional<Instalment> instalment{}; // absent when it was placed by hand
 };
 
 // What became of one registration, in the order in which it was entered.
@@ -51,12 +53,13 @@ struct ExecutionPlan {
 struct Placement {
     const Registration& registration;
     const ExecutionPlan& plan;
+    const FillRates& rates;
     std::chrono::year_month_day day;
     std::chrono::year_month_day today; // an order of an earlier day is no longer open
     std::size_t sequence;              // among all orders, from 1
 };
 // Places it on a made-up exchange, which fills, fills partly or rejects: the same for the same seed and
-// sequence. One order in three leaves the details of its fills to the trades.
+// sequence. How often, the rates say. One order in three leaves the details of its fills to the trades.
 ExchangeOrder PlaceOnExchange(const Placement& placement);
 
 } // namespace vesk

@@ -10,19 +10,6 @@ namespace vesk {
 namespace {
 
 using Date = std::chrono::year_month_day;
-using std::chrono::sys_days;
-
-bool IsWeekend(Date day) {
-    const std::chrono::weekday weekday = sys_days(day);
-    return weekday == std::chrono::Saturday || weekday == std::chrono::Sunday;
-}
-
-// The day on which an instalment that falls due on `day` can be executed.
-Date ExecutionDay(Date day, const RestrictedDays& restricted) {
-    while (IsWeekend(day) || restricted.Has(day))
-        day = sys_days(day) + std::chrono::days(1);
-    return day;
-}
 
 } // namespace
 
@@ -32,7 +19,7 @@ std::string Server::Execute(const Registration& registration, const ExecutionPla
     JournalBatch records;
     for (const Date day : plan.days) {
         const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, day, Today(), sequence}));
+        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, Today(), sequence}));
         records.Add(orders.back().Json());
     }
     if (std::string fault = Write(records); !fault.empty()) return fault;
@@ -58,7 +45,7 @@ std::vector<Date> Server::OpenDays(const Registration& registration, std::size_t
     for (int i = InstalmentsBefore(*start, frequency, last); days.size() < count; --i) {
         const Date due = InstalmentDate(*start, frequency, i);
         if (due.year() < earliest) break;
-        const Date day = ExecutionDay(due, m_restricted);
+        const Date day = m_market.FirstOpen(due);
         if (day <= last && taken.insert(day).second) days.push_back(day);
     }
     std::reverse(days.begin(), days.end());
@@ -91,6 +78,7 @@ std::string Server::NextExecution(RowQuery& query) {
 
 void Server::Enter(ExchangeOrder order) {
     ++m_orderCount;
+    Count(order);
     m_executions[std::string(order.order.Text(kTagRegistrationNumber))].Enter(std::move(order));
 }
 

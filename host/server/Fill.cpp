@@ -21,10 +21,19 @@ struct Day {
     Date entered;
 };
 
-void SetStatus(Registration& registration, const Day& day, const Date& start, const Date& end,
-               SampleOrders& orders) {
+// Whatever fell due until today counts as executed.
+void SetProgress(Registration& registration, const InstalmentPlan& plan, Date today) {
+    const Date tomorrow = sys_days(today) + std::chrono::days(1);
+    const int due = std::min(InstalmentsBefore(plan.start, plan.frequency, tomorrow), plan.periods);
+    registration.progress = {due, due, today};
+    registration.Set(kTagEndDate, RecordDate(LastDueDate(plan, registration.progress)));
+    const Date next = InstalmentDate(plan.start, plan.frequency, std::min(due, plan.periods - 1));
+    registration.Set(kTagNextExecution, RecordDate(next));
+}
+
+void SetStatus(Registration& registration, const Day& day, int periods, SampleOrders& orders) {
     const std::size_t lot = orders.Below(10);
-    std::string_view status = sys_days(end) < sys_days(day.today) ? kStatusExpired : kStatusActive;
+    std::string_view status = registration.progress.executed == periods ? kStatusExpired : kStatusActive;
     if (lot < 3) status = kStatusCancelled;
     if (status == kStatusActive && lot == 3) status = kStatusPaused;
     registration.Set(kTagStatus, status);
@@ -35,26 +44,23 @@ void SetStatus(Registration& registration, const Day& day, const Date& start, co
         registration.Set(kTagCancelledDate, RecordDate(sys_days(day.entered) + after));
         registration.Set(kTagCancelledBy, registration.Text(kTagUser));
     }
-    const std::string_view frequency = registration.Text(kTagFrequency);
-    const Date next = InstalmentDate(start, frequency, InstalmentsBefore(start, frequency, day.today));
-    registration.Set(kTagNextExecution, RecordDate(std::min(next, end)));
 }
 
 Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t sequence, SampleOrders& orders) {
     Registration registration = orders.Next();
     const auto periods = static_cast<int>(WholeNumber(registration.Text(kTagPeriods)).value_or(1));
     const Date start = sys_days(day.entered) + std::chrono::days(1 + static_cast<int>(orders.Below(30)));
-    const Date end = InstalmentDate(start, registration.Text(kTagFrequency), periods - 1);
     registration.Set(kTagUser, user.loginId);
     registration.Set(kTagBroker, user.peerIdA);
     registration.Set(kTagBranch, user.peerIdB);
     registration.Set(kTagStartDate, RecordDate(start));
-    registration.Set(kTagEndDate, RecordDate(end));
     registration.Set(kTagRegistrationDate, RecordDate(day.entered));
     registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, day.entered, sequence));
     registration.Set(kTagRequestIdentifier, "sample-" + std::to_string(sequence));
     registration.Set(kTagStream, kStreamName);
-    SetStatus(registration, day, start, end, orders);
+    const std::string frequency(registration.Text(kTagFrequency));
+    SetProgress(registration, {start, frequency, periods}, day.today);
+    SetStatus(registration, day, periods, orders);
     registration.Shrink();
     return registration;
 }
@@ -79,11 +85,12 @@ std::string Server::Fill(const FillPlan& plan) {
             const Day day{today, sys_days(today) - std::chrono::days(age)};
             const std::size_t sequence = m_registrations.size() + batch.size() + 1;
             batch.push_back(MakeSample(day, orders.AnyOf(plan.users), sequence, orders));
+            SetNextExecution(batch.back());
             records.Add(batch.back().Json());
         }
         if (std::string fault = Write(records); !fault.empty()) return fault;
         for (Registration& registration : batch)
-            Enter(std::move(registration));
+            Schedule(Enter(std::move(registration)));
     }
     return {};
 }

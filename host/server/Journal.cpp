@@ -38,6 +38,10 @@ std::string HexDigits(std::uint32_t number) {
     return digits;
 }
 
+std::filesystem::path LockOf(std::filesystem::path journal) {
+    return journal += ".lock";
+}
+
 // `line` without its line feed.
 bool IsWhole(std::string_view line) {
     if (line.size() < kContentStart) return false;
@@ -87,14 +91,26 @@ JournalText ReadJournalText(std::string_view text) {
     return result;
 }
 
-Journal::Journal(std::unique_ptr<DurableFile> file, std::uint64_t end) : m_file(std::move(file)), m_end(end) {}
-Journal::~Journal() = default;
+Journal::Journal(std::filesystem::path path, std::unique_ptr<DurableFile> lock,
+                 std::unique_ptr<DurableFile> file, std::uint64_t end)
+    : m_path(std::move(path)), m_lock(std::move(lock)), m_file(std::move(file)), m_end(end) {}
+
+Journal::~Journal() {
+    const std::filesystem::path lock = LockOf(m_path);
+    m_file.reset();
+    // Where an open file can be removed, it must go while it is held; elsewhere nobody else can have it open.
+    std::error_code fault;
+    const bool isRemoved = std::filesystem::remove(lock, fault);
+    m_lock.reset();
+    if (!isRemoved) std::filesystem::remove(lock, fault);
+}
 
 JournalOpening Journal::Open(const std::filesystem::path& path) {
     JournalOpening opening;
     const std::string name = path.string();
     std::string reason;
-    std::unique_ptr<DurableFile> file = DurableFile::Open(path, reason);
+    std::unique_ptr<DurableFile> lock = DurableFile::Open(LockOf(path), reason);
+    std::unique_ptr<DurableFile> file = lock ? DurableFile::Open(path, reason) : nullptr;
     auto text = std::make_unique<std::string>();
     if (!file || !file->ReadAll(*text, reason)) {
         opening.error = "journal " + name + " " + reason;
@@ -117,7 +133,7 @@ JournalOpening Journal::Open(const std::filesystem::path& path) {
     }
     opening.text = std::move(text);
     opening.records = std::move(judged.records);
-    opening.journal.reset(new Journal(std::move(file), judged.end));
+    opening.journal.reset(new Journal(path, std::move(lock), std::move(file), judged.end));
     return opening;
 }
 

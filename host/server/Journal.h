@@ -4,11 +4,13 @@
 // without line breaks), and a line feed. A last line without its line feed was torn by a crash: it was
 // never answered, so it is dropped. Any other line that does not check is damage, and nothing is opened.
 //
-// Thread: one at a time. Owner: the journal holds its file open and locked against a second server.
+// Thread: one at a time. Owner: the journal holds its file open and locked against a second server, and so is a
+// file beside it, ".lock", because the journal's own is let go for the moment in which it is replaced.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,6 +28,7 @@ public:
 
 private:
     friend class Journal;
+    friend class JournalCopy;
     std::string m_lines;
     bool m_isWritable = true;
 };
@@ -45,9 +48,19 @@ public:
     // The same for many records, of which none counts before all are on the disk.
     [[nodiscard]] bool Append(const JournalBatch& batch, std::string& error);
 
-private:
-    Journal(std::unique_ptr<DurableFile> file, std::uint64_t end);
+    // Puts a journal of only those records in its place that `write` hands to the sink. It is written beside,
+    // as
+    // ".new", and read back before; a crash leaves the old or the new one whole. After a failure, told in
+    // `error`, the old one goes on, or every later append fails.
+    using Sink = std::function<void(std::string_view content)>;
+    [[nodiscard]] bool Replace(const std::function<void(const Sink&)>& write, std::string& error);
 
+private:
+    Journal(std::filesystem::path path, std::unique_ptr<DurableFile> lock, std::unique_ptr<DurableFile> file,
+            std::uint64_t end);
+
+    std::filesystem::path m_path;
+    std::unique_ptr<DurableFile> m_lock;
     std::unique_ptr<DurableFile> m_file;
     std::uint64_t m_end; // bytes of whole records
     bool m_broken = false;

@@ -23,6 +23,11 @@ std::optional<Refusal> ReadPositive(void* message, std::uint32_t tag, const char
     return std::nullopt;
 }
 
+void SetEnd(Registration& registration) {
+    if (const auto plan = registration.Plan())
+        registration.Set(kTagEndDate, RecordDate(LastDueDate(*plan, registration.progress)));
+}
+
 std::optional<Refusal> Modify(const ChangeRequest& request, Registration& registration) {
     std::int64_t value = 0;
     std::int64_t periods = 0;
@@ -32,11 +37,12 @@ std::optional<Refusal> Modify(const ChangeRequest& request, Registration& regist
         return refusal;
     if (auto refusal = ReadPositive(request.message, kTagPeriods, "total period", periods)) return refusal;
     if (auto refusal = JudgePeriods(frequency, periods, request.config)) return refusal;
+    if (const int executed = registration.progress.executed; periods <= executed)
+        return Refusal{kCodePeriods,
+                       "The total period must exceed the " + std::to_string(executed) + " that are executed"};
     registration.Set(kTagAmountOrQuantity, std::to_string(value));
     registration.Set(kTagPeriods, std::to_string(periods));
-    if (const auto start = ParseRecordDate(registration.Text(kTagStartDate)))
-        registration.Set(kTagEndDate,
-                         RecordDate(InstalmentDate(*start, frequency, static_cast<int>(periods) - 1)));
+    SetEnd(registration);
     return std::nullopt;
 }
 
@@ -65,8 +71,13 @@ std::optional<Refusal> Pause(const ChangeRequest&, Registration& registration) {
     return std::nullopt;
 }
 
-std::optional<Refusal> Resume(const ChangeRequest&, Registration& registration) {
+std::optional<Refusal> Resume(const ChangeRequest& request, Registration& registration) {
     if (auto refusal = JudgeStatus(registration)) return refusal;
+    const auto plan = registration.Plan();
+    if (plan && registration.Text(kTagStatus) == kStatusPaused) {
+        LapseBefore(request.today, *plan, request.market, registration.progress);
+        SetEnd(registration);
+    }
     registration.Set(kTagStatus, kStatusActive);
     return std::nullopt;
 }

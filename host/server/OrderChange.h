@@ -3,6 +3,7 @@
 // Thread: any; pure functions.
 #pragma once
 
+#include "host/server/MarketDays.h"
 #include "host/server/Refusal.h"
 #include "host/server/Registration.h"
 #include "host/server/ServerConfig.h"
@@ -18,6 +19,7 @@ struct ChangeRequest {
     void* message;
     std::string_view loginId;
     const ServerConfig& config;
+    const MarketDays& market;
     std::chrono::year_month_day today;
 };
 

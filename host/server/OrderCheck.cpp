@@ -80,7 +80,6 @@ std::optional<Refusal> JudgeField(void* request, const FieldRule& rule, bool nee
 
 std::optional<Refusal> JudgePeriods(std::string_view frequency, std::int64_t periods,
                                     const ServerConfig& config) {
-    constexpr std::int64_t mostPeriods = 10'000;
     constexpr std::int64_t mostWithoutList = 60;
     const bool hasList = !config.frequencies.empty() && config.operationModeShape == OperationModeShape::list;
     std::int64_t least = 1;
@@ -94,7 +93,7 @@ std::optional<Refusal> JudgePeriods(std::string_view frequency, std::int64_t per
         return Refusal{kCodeFrequency, "The frequency \"" + std::string(frequency) + "\" is not offered"};
     if (periods < least)
         return Refusal{kCodePeriods, "The total period must be at least " + std::to_string(least)};
-    const std::int64_t most = hasList ? mostPeriods : mostWithoutList;
+    const std::int64_t most = hasList ? kMostPeriods : mostWithoutList;
     if (periods > most)
         return Refusal{kCodePeriods, "The total period must not exceed " + std::to_string(most)};
     return std::nullopt;

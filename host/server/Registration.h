@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/server/FieldRecord.h"
+#include "host/server/Instalments.h"
 
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@ inline constexpr std::string_view kStatusExpired = "expired";
 
 inline constexpr std::string_view kNumberPrefix = "SIP";
 
+// Of one registration, at the very most.
+inline constexpr std::int64_t kMostPeriods = 10'000;
+
 // The stream on which changes of registrations are told.
 inline constexpr std::string_view kStreamName = "PLANFOLD";
 
@@ -28,6 +32,12 @@ public:
     // The journal's form and back; nothing when the text is not a record with a registration number.
     std::string Json() const;
     static std::optional<Registration> FromJson(std::string_view text);
+    bool operator==(const Registration&) const = default;
+
+    // Nothing when the record does not tell. It points into this record.
+    std::optional<InstalmentPlan> Plan() const;
+
+    Progress progress{}; // the server's own, and in no message
 };
 
 } // namespace vesk

@@ -32,7 +32,8 @@ std::optional<Refusal> ReadRange(const FieldRecord& fields, std::chrono::year fi
     if (auto refusal = ReadNumber(fields, kTagYear, "year", int{firstYear}, int{lastYear}, year))
         return refusal;
     if (from > to) return Refusal{kCodeWrongValue, "The from-day is behind the to-day"};
-    range = {static_cast<unsigned>(from), static_cast<unsigned>(to), std::chrono::year(static_cast<int>(year))};
+    range = {
+        static_cast<unsigned>(from), static_cast<unsigned>(to), std::chrono::year(static_cast<int>(year)), {}};
     return std::nullopt;
 }
 
@@ -42,7 +43,9 @@ std::optional<Refusal> RestrictedRange::Read(void* request, Date today, Restrict
     FieldRecord fields;
     for (const std::uint32_t tag : {kTagStartDate, kTagToDay, kTagYear})
         fields.Set(tag, qmx::Text(request, tag));
-    return ReadRange(fields, today.year(), today.year() + std::chrono::years(kYearsAhead), range);
+    const auto refusal = ReadRange(fields, today.year(), today.year() + std::chrono::years(kYearsAhead), range);
+    range.since = today;
+    return refusal;
 }
 
 FieldRecord RestrictedRange::Fields() const {
@@ -54,7 +57,9 @@ FieldRecord RestrictedRange::Fields() const {
 }
 
 std::string RestrictedRange::Json() const {
-    return Fields().JsonAs(kRecordKind);
+    FieldRecord fields = Fields();
+    fields.Set(kTagRegistrationDate, RecordDate(since));
+    return fields.JsonAs(kRecordKind);
 }
 
 std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) {
@@ -65,6 +70,7 @@ std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) 
     if (!RecordReader(text).TakeAll(kRecordKind, fields)
         || ReadRange(fields, earliest, std::chrono::year::max(), range))
         return std::nullopt;
+    if (const auto date = ParseRecordDate(fields.Text(kTagRegistrationDate))) range.since = *date;
     return range;
 }
 

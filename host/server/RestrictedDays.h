@@ -21,7 +21,7 @@ struct RestrictedRange {
 
     // As they stand in requests, answers and the journal.
     FieldRecord Fields() const;
-    // The journal's form and back.
+    // The journal's form and back, with the day of setting.
     std::string Json() const;
     static std::optional<RestrictedRange> FromJson(std::string_view text);
 
@@ -29,6 +29,7 @@ struct RestrictedRange {
     unsigned fromDay = 0;
     unsigned toDay = 0;
     std::chrono::year year{};
+    std::chrono::sys_days since{}; // the day on which it was set
 };
 
 class RestrictedDays {
@@ -37,12 +38,18 @@ public:
     void Set(const RestrictedRange& range);
     // The range that was set last; null without one.
     const RestrictedRange* Last() const { return m_ranges.empty() ? nullptr : &m_ranges.back(); }
+    // The day on which that was.
+    std::chrono::sys_days Since() const {
+        return m_ranges.empty() ? std::chrono::sys_days() : m_ranges.back().since;
+    }
+    // In the order of setting.
+    const std::vector<RestrictedRange>& Ranges() const { return m_ranges; }
     bool Has(std::chrono::year_month_day day) const;
     // Every day of every range, ascending.
     std::vector<std::chrono::year_month_day> All() const;
 
 private:
-    std::vector<RestrictedRange> m_ranges; // in the order of setting
+    std::vector<RestrictedRange> m_ranges;
 };
 
 } // namespace vesk

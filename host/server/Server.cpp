@@ -59,12 +59,17 @@ const Server::Handler Server::kHandlers[] = {
 Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
                ServerClock clock)
     : m_config(std::move(config)), m_journal(journal), m_clock(std::move(clock)) {
+    m_market.nonTrading = m_config.nonTrading;
+    std::sort(m_market.nonTrading.begin(), m_market.nonTrading.end());
     MakeRoom(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
         if (Replay(records[i])) continue;
         m_replayError = "journal record " + std::to_string(i + 1) + " is not one this server knows";
         return;
     }
+    for (std::size_t place = 0; place < m_registrations.size(); ++place)
+        Schedule(place);
+    m_replayed = records.size();
 }
 
 bool Server::Replay(std::string_view record) {
@@ -73,9 +78,10 @@ bool Server::Replay(std::string_view record) {
         return true;
     }
     if (const auto range = RestrictedRange::FromJson(record)) {
-        m_restricted.Set(*range);
+        Restrict(*range);
         return true;
     }
+    if (ReplayClock(record)) return true;
     auto order = ExchangeOrder::FromJson(record);
     if (!order || !Find(order->order.Text(kTagRegistrationNumber))) return false;
     Enter(std::move(*order));
@@ -139,10 +145,10 @@ Registration Server::MakeRegistration(void* request) const {
     const auto today = Today();
     const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, kTagStartDate)).value_or(0));
     const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, kTagPeriods)).value_or(1));
-    const auto end = InstalmentDate(start, qmx::Text(request, kTagFrequency), periods - 1);
+    const InstalmentPlan plan{start, qmx::Text(request, kTagFrequency), periods};
+    registration.progress = BeginPlan(plan, today);
     registration.Set(kTagStartDate, RecordDate(start));
-    registration.Set(kTagNextExecution, RecordDate(start));
-    registration.Set(kTagEndDate, RecordDate(end));
+    registration.Set(kTagEndDate, RecordDate(LastDueDate(plan, registration.progress)));
     registration.Set(kTagRegistrationDate, RecordDate(today));
     registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, today, m_registrations.size() + 1));
     registration.Set(kTagStatus, kStatusActive);
@@ -165,13 +171,14 @@ Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
     if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(name, *refusal);
     if (const std::string fault = Write(range.Json()); !fault.empty())
         return Refuse(name, {kCodeJournal, fault});
-    m_restricted.Set(range);
+    Restrict(range);
+    m_unscheduled = 0;
     return {{m_writer.Start().Add(kTagAnswerName, name).Finish()}};
 }
 
 Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
     m_writer.Start().Add(kTagAnswerName, qmx::Text(request, kTagRequestName));
-    if (const RestrictedRange* range = m_restricted.Last()) range->Fields().AddTo(m_writer);
+    if (const RestrictedRange* range = m_market.restricted.Last()) range->Fields().AddTo(m_writer);
     return {{m_writer.Finish()}};
 }
 
@@ -182,7 +189,7 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     const std::string number(before->Number());
 
     Registration after = *before;
-    const ChangeRequest change{request, user.loginId, m_config, Today()};
+    const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
     if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
     if (after != *before)
         if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
@@ -224,11 +231,16 @@ std::string Server::NextRegistration(RowQuery& query) {
 }
 
 std::optional<Refusal> Server::Keep(Registration registration) {
+    SetNextExecution(registration);
     if (std::string fault = Write(registration.Json()); !fault.empty()) return Refusal{kCodeJournal, fault};
+    Tell(registration);
+    Schedule(Enter(std::move(registration)));
+    return std::nullopt;
+}
+
+void Server::Tell(const Registration& registration) {
     for (UpdateListener* listener : m_listeners)
         listener->OnUpdate(registration);
-    Enter(std::move(registration));
-    return std::nullopt;
 }
 
 void Server::MakeRoom(std::size_t more) {
@@ -238,15 +250,16 @@ void Server::MakeRoom(std::size_t more) {
     m_byRequestIdentifier.reserve(count);
 }
 
-void Server::Enter(Registration registration) {
+std::size_t Server::Enter(Registration registration) {
     const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_registrations.size());
     if (!isNew) {
         m_registrations[place->second] = std::move(registration);
-        return;
+        return place->second;
     }
     if (const std::string_view identifier = registration.Text(kTagRequestIdentifier); !identifier.empty())
         m_byRequestIdentifier.emplace(identifier, place->second);
     m_registrations.push_back(std::move(registration));
+    return place->second;
 }
 
 Reply Server::Refuse(std::string_view request, const Refusal& refusal) {

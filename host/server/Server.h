@@ -8,8 +8,10 @@
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"
+#include "host/server/DueQueue.h"
 #include "host/server/ExchangeOrder.h"
 #include "host/server/Journal.h"
+#include "host/server/MarketDays.h"
 #include "host/server/OrderChange.h"
 #include "host/server/OrderCheck.h"
 #include "host/server/Registration.h"
@@ -35,7 +37,7 @@ struct ServerClock {
 // The machine's clock and zone.
 ServerClock SystemClock();
 
-// Told of every change of a registration, from inside Server::Handle.
+// Told of every change of a registration, from inside Server::Handle and Server::ExecuteDue.
 class UpdateListener {
 public:
     virtual void OnUpdate(const Registration& registration) = 0;
@@ -48,6 +50,12 @@ protected:
 struct Reply {
     std::vector<std::string> answers{};
     std::optional<RowQuery> rows{};
+};
+
+// What Server::ExecuteDue did.
+struct Executed {
+    std::size_t instalments = 0;
+    std::string fault{}; // why it stopped; it goes on when the clock is advanced
 };
 
 struct FillPlan;
@@ -78,6 +86,24 @@ public:
     std::vector<std::chrono::year_month_day> OpenDays(const Registration& registration,
                                                       std::size_t count) const;
 
+    // The server's clock goes forward, never back, and is as far ahead after a restart. Why it did not.
+    std::string AdvanceTo(std::chrono::year_month_day date);
+    // To the next day on which an instalment is executed; stays when one is due.
+    std::string AdvanceToNextInstalment();
+    // Executes instalments that are due by the server's clock, in order of their day, then of registration: at
+    // least some, and more until the time is over.
+    Executed ExecuteDue(std::chrono::milliseconds time);
+    // Whether it has anything to do.
+    bool HasDue() const;
+    // About which price of a registration, in paise, the orders of its instalments are filled; 0 as in
+    // ExecutionPlan.
+    void SetPrices(std::function<std::int64_t(const Registration&)> prices) { m_prices = std::move(prices); }
+
+    // After a start: whether most of the journal's many records are superseded.
+    bool IsJournalStale() const;
+    // Writes it anew with what the server holds. Why it could not; empty when that is done.
+    std::string CompactJournal();
+
     void AddListener(UpdateListener& listener);
     void RemoveListener(UpdateListener& listener);
 
@@ -86,13 +112,14 @@ public:
     ServerConfig& Config() { return m_config; }
 
     // Seconds since 1970, by the server's clock.
-    std::int64_t Now() const { return m_clock.now(); }
+    std::int64_t Now() const { return m_clock.now() + m_aheadSeconds; }
+    std::chrono::year_month_day Today() const { return m_clock.localDate(Now()); }
 
     // In order of registration.
     const std::vector<Registration>& Registrations() const { return m_registrations; }
     // Null when the number is unknown.
     const Registration* Find(std::string_view registrationNumber) const;
-    const RestrictedDays& Restricted() const { return m_restricted; }
+    const RestrictedDays& Restricted() const { return m_market.restricted; }
     // Which journal record this server could not read; it then refuses every request. Empty when all is well.
     const std::string& ReplayError() const { return m_replayError; }
 
@@ -113,14 +140,13 @@ private:
 
     std::string NextRegistration(RowQuery& query);
     std::string NextExecution(RowQuery& query);
-    std::chrono::year_month_day Today() const { return m_clock.localDate(m_clock.now()); }
     // The registration that the request names.
     std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
 
     Reply Refuse(std::string_view request, const Refusal& refusal);
     Reply AnswerRegistered(void* request, const Registration& registration);
     Registration MakeRegistration(void* request) const;
-    // Journals, enters, and tells the listeners.
+    // Sets the next execution day, journals, enters, and tells the listeners.
     std::optional<Refusal> Keep(Registration registration);
     // Why the records are not on the disk; empty when they are.
     template <class Records>
@@ -131,8 +157,28 @@ private:
     // False when it is none that this server knows.
     bool Replay(std::string_view record);
     void MakeRoom(std::size_t more);
-    void Enter(Registration registration);
+    // Where it stands.
+    std::size_t Enter(Registration registration);
     void Enter(ExchangeOrder order);
+    void Tell(const Registration& registration);
+
+    // What came until now while a registration was paused lapses by the days as they were.
+    void Restrict(const RestrictedRange& range);
+    // The day of an active registration, which is shown in its record; nothing of any other.
+    std::optional<std::chrono::sys_days> SetNextExecution(Registration& registration) const;
+    // True when that changed the record.
+    bool Schedule(std::size_t place);
+    // Some of those whose days may have changed.
+    void ScheduleSome();
+    // Of the first day, which is due.
+    std::string ExecuteSome(std::size_t& count);
+    // The registration takes the instalment into account, when it was one and is not yet counted.
+    void Count(const ExchangeOrder& order);
+    static std::string ClockRecord(std::int64_t ahead);
+    bool ReplayClock(std::string_view record);
+    // Of the requests that registered, by place.
+    std::vector<std::string_view> OrderIdentifiers() const;
+    void WriteAll(const Journal::Sink& sink) const;
 
     ServerConfig m_config;
     Journal& m_journal;
@@ -141,9 +187,16 @@ private:
     std::vector<Registration> m_registrations;
     std::unordered_map<std::string, std::size_t> m_byNumber;
     std::unordered_map<std::string, std::size_t> m_byRequestIdentifier; // of the requests that registered
-    RestrictedDays m_restricted;
+    MarketDays m_market;
     std::unordered_map<std::string, ExecutionHistory> m_executions; // by registration number
     std::size_t m_orderCount = 0;                                   // of all registrations
+    std::int64_t m_aheadSeconds = 0;                                // of the machine's clock
+    DueQueue m_due;                                                 // of the active registrations
+    // The place from which on registrations are to be scheduled anew, because the market's days changed.
+    std::optional<std::size_t> m_unscheduled{};
+    bool m_isStopped = false; // the journal took no instalment; until the clock is advanced
+    std::function<std::int64_t(const Registration&)> m_prices;
+    std::size_t m_replayed = 0; // records
     std::vector<UpdateListener*> m_listeners;
     std::string m_replayError;
 };

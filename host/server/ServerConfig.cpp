@@ -107,15 +107,28 @@ RequestFault ReadFault(const Json& row, const std::string& request) {
     return fault;
 }
 
+void ReadFills(const Json& root, FillRates& fills) {
+    CheckMembers(root, "fills", {"rejected", "partial", "seed"});
+    const char* expected = "a whole number";
+    Read(root, "rejected", expected, &Json::is_number_unsigned, fills.rejected);
+    Read(root, "partial", expected, &Json::is_number_unsigned, fills.partial);
+    Read(root, "seed", expected, &Json::is_number_unsigned, fills.seed);
+    constexpr int percent = 100;
+    if (fills.rejected < 0 || fills.partial < 0 || fills.rejected > percent
+        || fills.partial > percent - fills.rejected)
+        throw WrongSetting("fills", "\"rejected\" and \"partial\" must not exceed 100 together");
+}
+
 ServerConfig ReadConfig(const Json& root) {
     ServerConfig config;
-    CheckMembers(root, "configuration", {"operationMode", "faults"});
+    CheckMembers(root, "configuration", {"operationMode", "faults", "fills"});
     if (const auto mode = root.find("operationMode"); mode != root.end()) ReadOperationMode(*mode, config);
     if (const auto faults = root.find("faults"); faults != root.end()) {
         if (!faults->is_object()) throw WrongSetting("faults", "\"faults\" must be an object");
         for (const auto& [request, row] : faults->items())
             config.faults.emplace(request, ReadFault(row, request));
     }
+    if (const auto fills = root.find("fills"); fills != root.end()) ReadFills(*fills, config.fills);
     return config;
 }
 

@@ -3,6 +3,7 @@
 // Thread: any; plain values.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -33,11 +34,21 @@ struct RequestFault {
     bool garbage = false;                   // handled, answered with a message of unknown fields
 };
 
+// How the made-up exchange fills orders.
+struct FillRates {
+    int rejected = 20; // of a hundred
+    int partial = 30;
+    std::uint64_t seed = 1;
+};
+
 struct ServerConfig {
     std::vector<Frequency> frequencies{{"daily", 1}, {"weekly", 1}, {"monthly", 6}, {"yearly", 2}};
     OperationModeShape operationModeShape = OperationModeShape::list;
     // By request name; "*" stands for every request without a row of its own.
     std::map<std::string, RequestFault, std::less<>> faults;
+    FillRates fills;
+    // Beside weekends, ascending; not in the file.
+    std::vector<std::chrono::year_month_day> nonTrading;
 
     const RequestFault& FaultFor(std::string_view request) const;
 };
@@ -48,7 +59,8 @@ struct ConfigResult {
 };
 
 // JSON: {"operationMode": {"shape": "list", "frequencies": [{"name": "monthly", "minimum": 6}]},
-//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true}}}
+//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true}},
+//        "fills": {"rejected": 20, "partial": 30, "seed": 1}}
 // A member left out keeps its default; an unknown one is refused.
 ConfigResult LoadServerConfig(const std::filesystem::path& path);
 // `name` stands for the file in error texts.

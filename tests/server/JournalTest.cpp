@@ -1,5 +1,6 @@
 // The journal after a crash at every byte, after damage, and on a disk that refuses.
 
+#include "host/server/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 #ifndef _WIN32
@@ -79,6 +80,69 @@ TEST(Journal, SecondServerAndRecordOfTwoLinesAreKeptOut) {
     EXPECT_EQ(FileText(folder.File("journal")), "");
 }
 
+TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal"), beside = folder.File("journal.new");
+    std::string held;
+    const auto state = [&] {
+        RunningServer running(path);
+        held = RecordDate(running.server->Today());
+        for (const Registration& registration : running.server->Registrations())
+            held += registration.Json();
+        for (const char* request :
+             {"0=qry_eq_sip_orders|64804=SIP2603020000001", "0=qry_eq_sip_trades|64804=SIP2603020000001",
+              "0=calendar_get_restricted_dates"})
+            for (const std::string& answer : running.Ask(FieldsOf(request)))
+                held += answer;
+        return held;
+    };
+    {
+        RunningServer running(path);
+        running.Ask(Order());
+        running.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
+        running.Ask(FieldsOf("0=cancel_sip_order|64804=SIP2603020000002|54158=cancel"));
+        running.AdvanceTo(std::chrono::year(2026) / 6 / 20);
+        running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=5|63025=7"));
+        running.Ask(FieldsOf("0=pause_sip_order|64804=SIP2603020000001"));
+        EXPECT_FALSE(running.server->IsJournalStale());
+    }
+    const std::string few = FileText(path);
+    std::string old = few;
+    for (int i = 0; i < 1001; ++i)
+        old += few.substr(few.rfind('\n', few.size() - 2) + 1);
+    WriteFileText(path, old);
+    const std::string before = state();
+    std::string compacted;
+    {
+        RunningServer running(path);
+        EXPECT_TRUE(running.server->IsJournalStale());
+        EXPECT_EQ(running.server->CompactJournal(), "");
+        EXPECT_FALSE(Journal::Open(path).journal); // nobody else has it meanwhile
+        compacted = FileText(path);
+        EXPECT_LE(compacted.size(), few.size());
+        // It goes on, and knows the requests of before.
+        running.Ask(FieldsOf("0=resume_sip_order|64804=SIP2603020000001"));
+        for (const char* identifier : {"id-1", "id-2", "cancel"})
+            running.Ask(Order({{kTagRequestIdentifier, identifier}}));
+        EXPECT_EQ(running.server->Registrations().size(), 3u);
+    }
+    EXPECT_EQ(state().find("Paused"), std::string::npos);
+
+    // What is in place, and what stands beside it.
+    std::vector<std::pair<std::string, std::string>> crashes{{compacted, ""}};
+    for (std::size_t length = 0; length <= compacted.size(); length += compacted.size() / 7)
+        crashes.emplace_back(old, compacted.substr(0, length));
+    for (const auto& [inPlace, left] : crashes) {
+        WriteFileText(path, inPlace);
+        WriteFileText(beside, left);
+        EXPECT_EQ(state(), before);
+        EXPECT_EQ(RunningServer(path).server->CompactJournal(), "");
+        EXPECT_EQ(FileText(path), compacted);
+        EXPECT_FALSE(std::filesystem::exists(beside));
+        EXPECT_EQ(state(), before);
+    }
+}
+
 #ifndef _WIN32
 // A file size limit in the middle of a record stands for a full disk.
 TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
@@ -96,9 +160,11 @@ TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
     small.rlim_cur = before.size() + 10;
     setrlimit(RLIMIT_FSIZE, &small);
     const bool written = opening.journal->Append("{\"second\":2}", error);
+    const bool replaced = opening.journal->Replace(
+        [&](const Journal::Sink& sink) { sink(std::string(before.size() + 20, 'x')); }, error);
     setrlimit(RLIMIT_FSIZE, &normal);
 
-    EXPECT_FALSE(written);
+    EXPECT_FALSE(written || replaced);
     EXPECT_NE(error, "");
     EXPECT_EQ(FileText(path), before);
     EXPECT_TRUE(opening.journal->Append("{\"third\":3}", error)) << error;

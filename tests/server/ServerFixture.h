@@ -132,6 +132,13 @@ struct RunningServer {
         return dumps;
     }
 
+    // By the server's clock, until nothing is due.
+    void AdvanceTo(std::chrono::year_month_day date) {
+        EXPECT_EQ(server->AdvanceTo(date), "");
+        while (server->HasDue())
+            EXPECT_EQ(server->ExecuteDue({}).fault, "");
+    }
+
     JournalOpening opening;
     UserIdentity user{"USER1", "BROKER", ""};
     std::unique_ptr<Server> server;

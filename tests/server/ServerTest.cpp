@@ -102,6 +102,8 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
          "s:1: \"delayMs\" must not exceed a day"},
         {"{\"faults\": {\"a\": {\"silent\": 1}}}", "s:1: \"silent\" must be true or false"},
         {"{\"faults\": {\n\"a\": 1}}", "s:2: \"a\" must be an object"},
+        {"{\"fills\": {\"seed\": -1}}", "s:1: \"seed\" must be a whole number"},
+        {"{\n\"fills\": {\"rejected\": 71}}", "s:2: \"rejected\" and \"partial\" must not exceed 100 together"},
         {"{\"operationMode\": {\"shape\": \"x\"}}",
          "s:1: \"shape\" must be \"list\", \"listThenZero\" or \"bare\""},
         {"{\"operationMode\": {\"frequencies\": 1}}", "s:1: \"frequencies\" must be a list"},

@@ -43,7 +43,8 @@ constexpr VerbRule kRules[] = {
     {Verb::expectVisible, "expect visible", "nb", "the control is shown"},
     {Verb::expectFocus, "expect focus", "n", "the control has the focus"},
     {Verb::expectRows, "expect rows", "nn", "the list has this many rows"},
-    {Verb::expectCell, "expect cell", "nnnt", "list, row, column: the cell shows this text, or with * at its end one that begins so"},
+    {Verb::expectCell, "expect cell", "nnnt",
+     "list, row, column: the cell shows this text, or with * at its end one that begins so"},
     {Verb::expectHeadings, "expect headings", "nt*", "the list has exactly these columns"},
     {Verb::expectFocusRow, "expect focus-row", "nn", "this row of the list has the focus"},
     {Verb::expectSelectedRows, "expect selected-rows", "nn", "so many rows of the list are selected"},
@@ -53,6 +54,8 @@ constexpr VerbRule kRules[] = {
     {Verb::expectSelected, "expect selected", "nt", "the tab with this text is selected"},
     {Verb::expectStatus, "expect status", "nnt", "status bar, part: it shows this text"},
     {Verb::expectJournal, "expect journal", "t", "the server's journal file contains this"},
+    {Verb::expectExecuted, "expect executed", "",
+     "every instalment that is due is executed and all is delivered"},
     {Verb::expectBox, "expect box", "t", "a message box with exactly this text is open; it stays open"},
     {Verb::expectBoxStarting, "expect box-starting", "t", "the same for a text that only begins so"},
     {Verb::screenshot, "screenshot", "t", "save the screen to this PNG file"},
@@ -60,11 +63,14 @@ constexpr VerbRule kRules[] = {
     {Verb::font, "font", "nn", "points added, size in points (0: the windows' own)"},
     {Verb::right, "right", "tb", "grant or revoke this right"},
     {Verb::mode, "mode", "n", "log in with this mode"},
-    {Verb::clock, "clock", "n", "move the server's clock forward by so many days"},
+    {Verb::clock, "clock", "c",
+     "move the server's clock forward by so many days, or with next to the next instalment"},
     {Verb::fill, "fill", "n", "enter so many made-up registrations on the server"},
     {Verb::other, "other", "n", "place so many orders from another session"},
     {Verb::execute, "execute", "nt?",
      "place exchange orders for so many past instalments of the registration with this number, or the latest"},
+    {Verb::fault, "fault", "tft?",
+     "play this on the request, * for any: delay (milliseconds), error (code), silent, garbage, none"},
     {Verb::dock, "dock", "td",
      "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
     {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
@@ -83,6 +89,7 @@ constexpr BoxAnswer kAnswers[] = {
     {"No", 7},
 };
 
+constexpr std::string_view kFaults[] = {"delay", "error", "silent", "garbage", "none"};
 constexpr std::string_view kDockPlaces[] = {"left", "right", "top", "bottom", "float", "tab"};
 
 struct Word {
@@ -146,6 +153,12 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
         break;
     case 'd':
         if (std::ranges::count(kDockPlaces, word) == 0) return '"' + word + "\" is not a pane's place";
+        break;
+    case 'c':
+        if (word != "next" && !number) return '"' + word + "\" is neither a whole number nor next";
+        break;
+    case 'f':
+        if (std::ranges::count(kFaults, word) == 0) return '"' + word + "\" is not a fault";
         break;
     case 'a':
         if (!BoxButton(word)) return '"' + word + "\" is not an answer";

@@ -1,6 +1,7 @@
 #include "host/terminal/window/Application.h"
 
 #include "framework/DialogLayout.h"
+#include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/CountDialog.h"
 #include "host/terminal/window/WindowStage.h"
 
@@ -114,9 +115,10 @@ bool Application::Start() {
     for (const FileFault& fault : m_state.faults)
         notes.push_back(fault.Text());
     const TerminalConfig& config = m_state.config;
-    m_server =
-        std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
-                                     UserIdentity{config.loginId, config.peerIdA, config.peerIdB}, notes);
+    m_server = std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
+                                            UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
+                                            m_state.calendar.Dates(), notes);
+    m_server->UsePrices(m_state.master);
     m_state.ReloadCalendar(m_server->RestrictedDates()); // a fault of the file is known already
     if (!m_frame.Open()) return StartFailed("the main window cannot be made");
     for (const std::string& note : notes)
@@ -213,9 +215,32 @@ void Application::SetLoginMode(int mode) {
     ShowLogin();
 }
 
-void Application::AdvanceClock(int days) {
-    m_server->AdvanceClock(days);
-    LogFromSystem("Server clock advanced by " + std::to_string(days) + (days == 1 ? " day" : " days"));
+bool Application::AdvanceClock(int days) {
+    return ClockMoved(m_server->AdvanceClock(days),
+                      "Server clock advanced by " + std::to_string(days) + (days == 1 ? " day" : " days"));
+}
+
+bool Application::AdvanceToNextInstalment() {
+    const std::string fault = m_server->AdvanceToNextInstalment();
+    return ClockMoved(fault, "Server clock at the next instalment: " + m_server->Date());
+}
+
+bool Application::ClockMoved(const std::string& fault, const std::string& told) {
+    LogFromSystem(fault.empty() ? told : fault);
+    return fault.empty();
+}
+
+void Application::PumpServer() {
+    const std::string told = m_server->Pump();
+    if (!told.empty()) LogFromSystem(told);
+    ShowDate();
+}
+
+void Application::ShowDate() {
+    std::string date = m_server->Date();
+    if (date == m_shownDate) return;
+    m_shownDate = std::move(date);
+    m_frame.SetStatus(MainFrame::StatusPart::date, m_shownDate);
 }
 
 bool Application::FillRegistrations(int count) {
@@ -234,8 +259,7 @@ bool Application::PlaceOtherOrders(int count) {
 
 bool Application::ExecuteInstalments(int count, std::string number) {
     if (number.empty()) number = m_server->LatestRegistration();
-    const std::string fault =
-        m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number, m_state.master);
+    const std::string fault = m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number);
     LogFromSystem(fault.empty() ? "Executed " + std::to_string(count) + " instalments of " + number : fault);
     return fault.empty();
 }
@@ -302,12 +326,23 @@ void Application::RequestExecution() {
     });
 }
 
+void Application::RequestNextInstalment() {
+    Defer([this] { AdvanceToNextInstalment(); });
+}
+
+void Application::RequestClock() {
+    Defer([this] {
+        const CountQuestion question{"Advance Clock", "&Days:", 30, kMostClockDays};
+        if (const auto days = AskCount(m_frame.Handle(), question)) AdvanceClock(*days);
+    });
+}
+
 void Application::RequestClose() {
     Defer([this] { ShutDown(); });
 }
 
 void Application::OnTimer(UINT_PTR timer) {
-    if (timer == kPumpTimer && !m_questions) m_server->Pump();
+    if (timer == kPumpTimer && !m_questions) PumpServer();
     if (timer == kScriptTimer) TickScript();
 }
 

@@ -50,7 +50,9 @@ public:
     void SetFont(int variation, int size);
     void SetRight(const std::string& right, bool granted);
     void SetLoginMode(int mode);
-    void AdvanceClock(int days);
+    // Tell in the log what became of it.
+    bool AdvanceClock(int days);
+    bool AdvanceToNextInstalment();
     // Tell in the log what became of it; false when the server did not take them all.
     bool FillRegistrations(int count);
     bool PlaceOtherOrders(int count);
@@ -68,6 +70,8 @@ public:
     void RequestFill();
     void RequestOtherOrders();
     void RequestExecution();
+    void RequestNextInstalment();
+    void RequestClock();
     void RequestClose();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);
@@ -77,6 +81,9 @@ private:
     bool StartFailed(const std::string& why);
     void Defer(std::function<void()> work);
     void ShutDown();
+    void PumpServer();
+    bool ClockMoved(const std::string& fault, const std::string& told);
+    void ShowDate();
     void TickScript();
     void FinishScript();
     void AbandonScript(const std::string& verdict);
@@ -96,7 +103,8 @@ private:
     MSG m_current{}; // the message that the outermost loop dispatches
     std::map<std::uint64_t, std::function<void()>> m_deferred;
     std::uint64_t m_lastDeferred = 0;
-    int m_questions = 0; // open ones of Ask
+    std::string m_shownDate; // the server's
+    int m_questions = 0;     // open ones of Ask
     int m_exitStatus = 0;
 };
 

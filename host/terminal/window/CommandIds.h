@@ -16,6 +16,8 @@ enum CommandId : int {
     kExitCommand = 1,
     kShowWatchCommand = 10,
     kShowLogCommand = 11,
+    kNextInstalmentCommand = 13,
+    kClockCommand = 14,
     kCancelOrderCommand = 15,
     kFillCommand = 16,
     kOtherOrdersCommand = 17,
@@ -27,11 +29,10 @@ enum CommandId : int {
     kFirstFontSizeCommand = 1000, // + points
     kFirstLoginModeCommand = 1100,
     kFirstRightCommand = 1200,
-    kFirstClockCommand = 1400, // + days
     kFirstPluginCommand = 2000,
 };
 inline constexpr int kMostRights = 200;
-inline constexpr int kMostClockDays = 400;
+inline constexpr int kMostClockDays = 4000;
 inline constexpr int kEntriesPerPlugin = 64;
 
 } // namespace vesk

@@ -137,7 +137,8 @@ bool MainFrame::OnMenuCommand(int id) {
         {kFillCommand, 1, [&](int) { m_application.RequestFill(); }},
         {kOtherOrdersCommand, 1, [&](int) { m_application.RequestOtherOrders(); }},
         {kExecuteCommand, 1, [&](int) { m_application.RequestExecution(); }},
-        {kFirstClockCommand, kMostClockDays, [&](int days) { m_application.AdvanceClock(days); }},
+        {kNextInstalmentCommand, 1, [&](int) { m_application.RequestNextInstalment(); }},
+        {kClockCommand, 1, [&](int) { m_application.RequestClock(); }},
         {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
          [&](int entry) {
              m_application.RequestPick(static_cast<std::size_t>(entry / kEntriesPerPlugin),
@@ -289,7 +290,7 @@ void MainFrame::LayOut() {
 void MainFrame::LayOutStatusBar(int width) {
     const int plugin = width - Scale().Pixels(20), login = plugin - Scale().Pixels(170),
               client = login - Scale().Pixels(230);
-    const int edges[] = {client - Scale().Pixels(260), client, login, plugin};
+    const int edges[] = {client - Scale().Pixels(260), client, login - Scale().Pixels(80), login, plugin};
     static_assert(std::size(edges) == static_cast<std::size_t>(StatusPart::count));
     m_status.Send(SB_SETPARTS, std::size(edges), reinterpret_cast<LPARAM>(edges));
     for (std::size_t i = 0; i < m_statusTexts.size(); ++i)

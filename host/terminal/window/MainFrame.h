@@ -49,7 +49,7 @@ public:
 
     DockSite& Docking() { return m_docking; }
 
-    enum class StatusPart : std::size_t { note, client, login, plugin, count };
+    enum class StatusPart : std::size_t { note, client, login, date, plugin, count };
     void SetStatus(StatusPart part, const std::string& text);
 
 protected:

@@ -16,7 +16,6 @@ static_assert(std::size(kLoginModes) == TerminalConfig::kMostLoginMode + 1);
 
 constexpr const char* kSeparator = "-";
 constexpr int kFontSizes[] = {8, 9, 10, 11, 12, 14};
-constexpr int kClockDays[] = {1, 7, 30, 365};
 
 void Add(HMENU menu, int id, const std::string& text, bool checked = false, bool radio = false) {
     MENUITEMINFOA item{};
@@ -76,9 +75,8 @@ HMENU UserMenu(const TerminalConfig& config) {
 
 HMENU ServerMenu() {
     const HMENU menu = CreatePopupMenu();
-    for (const int days : kClockDays)
-        Add(menu, kFirstClockCommand + days,
-            "Advance Clock by " + std::to_string(days) + (days == 1 ? " Day" : " Days"));
+    Add(menu, kNextInstalmentCommand, "Advance to &Next Instalment");
+    Add(menu, kClockCommand, "&Advance Clock...");
     AddSeparator(menu);
     Add(menu, kFillCommand, "&Fill Registrations...");
     Add(menu, kOtherOrdersCommand, "&Orders from Another Session...");

@@ -36,6 +36,7 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::fill, &WindowStage::Fill},
     {Verb::other, &WindowStage::OtherOrders},
     {Verb::execute, &WindowStage::Execute},
+    {Verb::fault, &WindowStage::Fault},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},
     {Verb::showPane, &WindowStage::ShowPane},
@@ -61,6 +62,7 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::expectSelected, &WindowStage::ExpectSelected},
     {Verb::expectStatus, &WindowStage::ExpectStatus},
     {Verb::expectJournal, &WindowStage::ExpectJournal},
+    {Verb::expectExecuted, &WindowStage::ExpectExecuted},
 };
 
 StepResult WindowStage::Try(const ScriptCommand& command, std::size_t attempt) {
@@ -213,7 +215,23 @@ StepResult WindowStage::Mode(const ScriptCommand& command, std::size_t) {
 }
 
 StepResult WindowStage::Clock(const ScriptCommand& command, std::size_t) {
-    m_application.AdvanceClock(command.Number(0));
+    const bool isNext = command.words[0] == "next";
+    if (isNext ? m_application.AdvanceToNextInstalment() : m_application.AdvanceClock(command.Number(0)))
+        return StepResult::Done();
+    return StepResult::Failed("the server's clock does not go there");
+}
+
+StepResult WindowStage::Fault(const ScriptCommand& command, std::size_t) {
+    const std::string& kind = command.words[1];
+    const bool hasValue = command.words.size() > 2;
+    if (hasValue != (kind == "delay" || kind == "error"))
+        return StepResult::Failed("a fault's value is a delay's milliseconds or an error's code");
+    RequestFault fault;
+    if (kind == "delay") fault.delayMs = command.Number(2);
+    if (kind == "error") fault.errorCode = command.words[2];
+    fault.silent = kind == "silent";
+    fault.garbage = kind == "garbage";
+    m_application.Server().SetFault(command.words[0], fault);
     return StepResult::Done();
 }
 

@@ -60,6 +60,7 @@ private:
     StepResult Fill(const ScriptCommand&, std::size_t);
     StepResult OtherOrders(const ScriptCommand&, std::size_t);
     StepResult Execute(const ScriptCommand&, std::size_t);
+    StepResult Fault(const ScriptCommand&, std::size_t);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);
     StepResult ShowPane(const ScriptCommand&, std::size_t);
@@ -85,6 +86,8 @@ private:
     StepResult ExpectSelected(const ScriptCommand&, std::size_t);
     StepResult ExpectStatus(const ScriptCommand&, std::size_t);
     StepResult ExpectJournal(const ScriptCommand&, std::size_t);
+
+    StepResult ExpectExecuted(const ScriptCommand&, std::size_t);
 
     HWND Current() const;
     // Runs the command on the pane that the first word names.

@@ -87,4 +87,8 @@ StepResult WindowStage::ExpectJournal(const ScriptCommand& command, std::size_t)
     return StepResult::Again("the journal does not contain \"" + command.words[0] + '"');
 }
 
+StepResult WindowStage::ExpectExecuted(const ScriptCommand&, std::size_t) {
+    return m_application.Server().IsIdle() ? StepResult::Done() : StepResult::Again("the server is at work");
+}
+
 } // namespace vesk

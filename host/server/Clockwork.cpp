@@ -1,0 +1,163 @@
+// What the server does by its clock: which day it is, and the instalments that are due.
+//
+// An instalment is one journal record, its exchange order with its number and its place in the schedule. How
+// far a registration is, its next day and its end follow from it, now as at a replay.
+
+#include "host/server/Schedule.h"
+#include "host/server/Server.h"
+
+#include <algorithm>
+
+namespace vesk {
+namespace {
+
+using Date = std::chrono::year_month_day;
+using std::chrono::sys_days;
+
+constexpr std::string_view kRecordKind = "clock";
+constexpr std::uint32_t kTagAhead = 1; // the journal's name of the field
+constexpr std::int64_t kDaySeconds = 86'400;
+constexpr Date kLastDate{std::chrono::year(2099), std::chrono::December, std::chrono::day(31)};
+constexpr std::int64_t kMostAhead = 130 * 366 * kDaySeconds;
+
+// What is done between two looks at the clock: one flush of the journal, and some work per registration.
+constexpr std::size_t kInstalmentsAtOnce = 256;
+constexpr std::size_t kSchedulesAtOnce = 1024;
+
+} // namespace
+
+std::string Server::AdvanceTo(Date date) {
+    if (!m_replayError.empty()) return m_replayError;
+    if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
+    m_isStopped = false;
+    const auto days = (sys_days(date) - sys_days(Today())).count();
+    if (days <= 0) return {};
+    std::int64_t ahead = m_aheadSeconds + days * kDaySeconds;
+    // The zone's clocks may go forward or back on the way.
+    constexpr std::int64_t hour = 3600;
+    const Date reached = m_clock.localDate(m_clock.now() + ahead);
+    if (reached != date) ahead += reached < date ? hour : -hour;
+    if (std::string fault = Write(ClockRecord(ahead)); !fault.empty()) return fault;
+    m_aheadSeconds = ahead;
+    return {};
+}
+
+std::string Server::AdvanceToNextInstalment() {
+    while (m_unscheduled)
+        ScheduleSome();
+    const auto next = m_due.FirstDay();
+    if (!next) return "There is no instalment to come";
+    return AdvanceTo(std::max(*next, sys_days(Today())));
+}
+
+std::string Server::ClockRecord(std::int64_t ahead) {
+    FieldRecord clock;
+    clock.Set(kTagAhead, std::to_string(ahead));
+    return clock.JsonAs(kRecordKind);
+}
+
+bool Server::ReplayClock(std::string_view record) {
+    FieldRecord clock;
+    if (!RecordReader(record).TakeAll(kRecordKind, clock)) return false;
+    const auto ahead = WholeNumber(clock.Text(kTagAhead));
+    if (!ahead || *ahead > kMostAhead) return false;
+    m_aheadSeconds = *ahead;
+    return true;
+}
+
+void Server::Restrict(const RestrictedRange& range) {
+    for (Registration& registration : m_registrations) {
+        if (registration.Text(kTagStatus) != kStatusPaused) continue;
+        if (const auto plan = registration.Plan())
+            LapseBefore(range.since, *plan, m_market, registration.progress);
+    }
+    m_market.restricted.Set(range);
+}
+
+bool Server::HasDue() const {
+    if (!m_replayError.empty() || m_isStopped) return false;
+    if (m_unscheduled) return true;
+    const auto first = m_due.FirstDay();
+    return first && *first <= sys_days(Today());
+}
+
+Executed Server::ExecuteDue(std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    Executed done;
+    while (HasDue()) {
+        if (m_unscheduled)
+            ScheduleSome();
+        else
+            done.fault = ExecuteSome(done.instalments);
+        m_isStopped = !done.fault.empty();
+        if (std::chrono::steady_clock::now() >= end) break;
+    }
+    return done;
+}
+
+void Server::ScheduleSome() {
+    const std::size_t first = *m_unscheduled, end = std::min(first + kSchedulesAtOnce, m_registrations.size());
+    for (std::size_t place = first; place < end; ++place)
+        if (Schedule(place)) Tell(m_registrations[place]);
+    m_unscheduled = end;
+    if (end == m_registrations.size()) m_unscheduled.reset();
+}
+
+std::string Server::ExecuteSome(std::size_t& count) {
+    const sys_days day = *m_due.FirstDay();
+    const std::vector<std::size_t> places = m_due.First(kInstalmentsAtOnce);
+    std::vector<ExchangeOrder> orders;
+    JournalBatch records;
+    for (const std::size_t place : places) {
+        const Registration& registration = m_registrations[place];
+        const Progress& progress = registration.progress;
+        const ExecutionPlan plan{{day}, m_prices ? m_prices(registration) : 0, m_config.fills.seed};
+        const std::size_t sequence = m_orderCount + orders.size() + 1;
+        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, Today(), sequence}));
+        orders.back().instalment = {progress.executed + 1, progress.place};
+        records.Add(orders.back().Json());
+    }
+    if (std::string fault = Write(records); !fault.empty()) return fault;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        Enter(std::move(orders[i]));
+        Schedule(places[i]);
+        Tell(m_registrations[places[i]]);
+    }
+    count += places.size();
+    return {};
+}
+
+void Server::Count(const ExchangeOrder& order) {
+    if (!order.instalment) return;
+    const std::string number(order.order.Text(kTagRegistrationNumber));
+    Registration& registration = m_registrations[m_byNumber.at(number)];
+    const Instalment& instalment = *order.instalment;
+    const auto day = PlacementDay(order.order);
+    const auto plan = registration.Plan();
+    if (!day || !plan || instalment.number != registration.progress.executed + 1) return;
+    registration.progress = {instalment.number, instalment.place + 1, *day};
+    if (instalment.number < plan->periods) return;
+    registration.Set(kTagStatus, kStatusExpired);
+    registration.Set(kTagNextExecution, RecordDate(*day));
+}
+
+std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+    const auto plan = registration.Plan();
+    if (!plan || registration.Text(kTagStatus) != kStatusActive) return std::nullopt;
+    const sys_days day = ExecutionDay(*plan, registration.progress, m_market);
+    registration.Set(kTagNextExecution, RecordDate(day));
+    return day;
+}
+
+bool Server::Schedule(std::size_t place) {
+    Registration& registration = m_registrations[place];
+    const std::string before(registration.Text(kTagNextExecution));
+    const auto day = SetNextExecution(registration);
+    if (day)
+        m_due.Put(place, *day);
+    else
+        m_due.Remove(place);
+    return day && registration.Text(kTagNextExecution) != before;
+}
+
+} // namespace vesk
