@@ -1,0 +1,88 @@
+// Bytes of a connection in any portions: the frames do not depend on the portions, what is read is written the
+// same again, and neither end of a connection is upset by anything.
+
+#include "fuzz/Fuzz.h"
+#include "host/server/net/Session.h"
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using Frames = std::vector<std::pair<vesk::FrameType, std::string>>;
+
+// What the frames came to, and how it ended.
+Frames ReadAll(std::string_view bytes, std::size_t portion, vesk::FrameFault& fault) {
+    vesk::FrameReader reader;
+    Frames frames;
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(portion, bytes.size()))) {
+        reader.Add(bytes.substr(0, portion));
+        while (const auto frame = reader.Next())
+            frames.emplace_back(frame->type, frame->payload);
+    }
+    fault = reader.Fault();
+    return frames;
+}
+
+template <class Said>
+void RoundTrip(vesk::FrameType type, std::string_view payload) {
+    if (type != Said::kType) return;
+    const auto said = vesk::net::Read<Said>(payload);
+    std::string again, same;
+    if (!said) return;
+    fuzz::Demand(vesk::net::Append(again, *said) && vesk::AppendFrame(same, type, payload) && again == same);
+}
+
+template <class... Said>
+void RoundTrips(const Frames& frames) {
+    for (const auto& [type, payload] : frames)
+        (RoundTrip<Said>(type, payload), ...);
+}
+
+// Lines of "type payload", so that inputs need no checksums.
+std::string Conversation(std::string_view text) {
+    std::string bytes;
+    while (!text.empty()) {
+        const std::string_view line = fuzz::Input::CutAt(text, '\n');
+        if (line.empty()) continue;
+        fuzz::Demand(vesk::AppendFrame(bytes, static_cast<vesk::FrameType>(line[0] - '0'), line.substr(1)));
+    }
+    return bytes;
+}
+
+void Talk(std::string_view bytes, std::size_t portion) {
+    static vesk::JournalOpening opening =
+        vesk::Journal::Open(std::filesystem::temp_directory_path() / "framing-fuzzer-journal");
+    vesk::Server server({}, *opening.journal, {}, vesk::SystemClock());
+    vesk::Session session(server, {});
+    vesk::FrameFault fault{};
+    std::string hello;
+    fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", ""}));
+    session.Take(hello);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(portion, bytes.size()))) {
+        session.Take(bytes.substr(0, portion));
+        session.Pump(0);
+    }
+    // Whatever came in: what goes out is in order.
+    ReadAll(session.Output(), portion, fault);
+    fuzz::Demand(fault == vesk::FrameFault::none);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return 0;
+    const std::size_t portion = data[0] + 1u;
+    const std::string_view rest = fuzz::Text(data, size).substr(1);
+    for (const std::string& bytes : {std::string(rest), Conversation(rest)}) {
+        vesk::FrameFault fault{}, faultAtOnce{};
+        const Frames frames = ReadAll(bytes, portion, fault);
+        fuzz::Demand(frames == ReadAll(bytes, bytes.size(), faultAtOnce) && fault == faultAtOnce);
+        namespace net = vesk::net;
+        RoundTrips<net::Hello, net::Open, net::Close, net::Request, net::Subscribe, net::Stop, net::Welcome,
+                   net::Refusal, net::Answer, net::Done, net::Stream, net::Unsubscribed>(frames);
+        Talk(bytes, portion);
+    }
+    return 0;
+}

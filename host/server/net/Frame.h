@@ -1,0 +1,65 @@
+// What a connection carries, cut into frames:
+//
+//   length of the rest, CRC-32 of the rest, type, payload
+//
+// Both numbers are 32-bit, little-endian; the type is one byte.
+//
+// Thread: any; plain values. Failure: a reader that met a fault gives no frame any more.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+inline constexpr std::size_t kMostFrameBytes = std::size_t{1} << 20; // of type and payload
+
+enum class FrameType : std::uint8_t {
+    // from the terminal
+    hello = 1,
+    open,
+    close,
+    request,
+    subscribe,
+    stop,
+    // from the server
+    welcome,
+    refusal,
+    answer,
+    done,
+    stream,
+    unsubscribed,
+    end, // no type: the first number without a meaning
+};
+
+struct Frame {
+    FrameType type;
+    std::string_view payload;
+};
+
+// False when the payload is too long for one.
+[[nodiscard]] bool AppendFrame(std::string& out, FrameType type, std::string_view payload);
+
+enum class FrameFault { none, tooLong, empty, wrongChecksum, unknownType };
+const char* TextOf(FrameFault fault);
+
+// Takes bytes in any portions.
+class FrameReader {
+public:
+    void Add(std::string_view bytes);
+    // Nothing when the bytes so far hold no further frame, or after a fault. The payload is valid until Add.
+    std::optional<Frame> Next();
+    FrameFault Fault() const { return m_fault; }
+
+private:
+    std::optional<Frame> Fail(FrameFault fault);
+
+    std::string m_bytes;
+    std::size_t m_read = 0; // of the bytes
+    FrameFault m_fault = FrameFault::none;
+};
+
+} // namespace vesk

@@ -1,0 +1,100 @@
+#include "host/server/net/NetServer.h"
+
+#include <array>
+#include <chrono>
+#include <exception>
+
+namespace vesk {
+namespace {
+
+constexpr std::size_t kMostConnections = 256;
+
+std::int64_t NowMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+} // namespace
+
+NetServer::NetServer(Server& server, Log log, SessionLimits limits)
+    : m_server(server), m_log(std::move(log)), m_limits(limits) {}
+
+std::string NetServer::Listen(std::uint16_t port) {
+    std::string error;
+    m_listener = Socket::Listen(port, error);
+    return error;
+}
+
+void NetServer::Turn(int timeoutMs) {
+    std::vector<Waiting> waiting{{&m_listener, m_connections.size() < kMostConnections}};
+    for (Connection& connection : m_connections)
+        waiting.push_back(
+            {&connection.socket, connection.session.TakesInput(), !connection.session.Output().empty()});
+    Wait(waiting, PauseMs(timeoutMs));
+    auto came = waiting.begin() + 1;
+    for (Connection& connection : m_connections)
+        Serve(connection, *came++);
+    DropEnded();
+    if (waiting.front().canRead) Accept();
+}
+
+// A request that is delayed is looked for every millisecond, from a little before.
+int NetServer::PauseMs(int longestMs) const {
+    const std::int64_t now = NowMs();
+    if (AnyHasWork(now)) return 0;
+    return AnyHasWork(now + longestMs) ? 1 : longestMs;
+}
+
+bool NetServer::AnyHasWork(std::int64_t nowMs) const {
+    for (const Connection& connection : m_connections)
+        if (connection.session.HasWork(nowMs)) return true;
+    return false;
+}
+
+void NetServer::Accept() {
+    while (m_connections.size() < kMostConnections) {
+        Socket socket = m_listener.Accept();
+        if (!socket) return;
+        m_connections.emplace_back(std::move(socket), m_server, m_limits);
+    }
+}
+
+void NetServer::Serve(Connection& connection, const Waiting& came) {
+    try {
+        if (came.canRead) Receive(connection);
+        connection.session.Pump(NowMs());
+        if (!connection.session.Output().empty()) Send(connection);
+    } catch (const std::exception& fault) {
+        m_log(connection.session.Name() + ": " + fault.what());
+        connection.isGone = true;
+    }
+}
+
+void NetServer::Receive(Connection& connection) {
+    std::array<char, 65536> part;
+    std::size_t got = 0;
+    const Transfer transfer = connection.socket.Receive(part, got);
+    if (transfer == Transfer::some) connection.session.Take({part.data(), got});
+    if (transfer == Transfer::ended) connection.isGone = true;
+}
+
+void NetServer::Send(Connection& connection) {
+    std::string& output = connection.session.Output();
+    std::string_view left = output;
+    Transfer transfer = Transfer::some;
+    while (!left.empty() && transfer == Transfer::some)
+        transfer = connection.socket.Send(left);
+    output.erase(0, output.size() - left.size());
+    if (transfer == Transfer::ended) connection.isGone = true;
+}
+
+void NetServer::DropEnded() {
+    for (auto at = m_connections.begin(); at != m_connections.end();) {
+        const bool hasEnded = at->session.HasEnded();
+        if (hasEnded) m_log(at->session.Name() + " is cut off: " + at->session.EndReason());
+        at = hasEnded || at->isGone ? m_connections.erase(at) : std::next(at);
+    }
+}
+
+} // namespace vesk

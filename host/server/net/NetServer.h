@@ -1,0 +1,58 @@
+// The trading server for several terminals at once: connections of this machine, a session each.
+//
+// Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
+// reads slowly is not made anything for while its output is full, and ends when that lasts.
+//
+// Lifetime: the server outlives it. Failure: a fault of one connection ends that connection, with a line in the
+// log.
+#pragma once
+
+#include "host/server/net/Session.h"
+#include "host/server/net/Socket.h"
+
+#include <functional>
+#include <list>
+#include <string>
+
+namespace vesk {
+
+class NetServer {
+public:
+    using Log = std::function<void(const std::string& line)>;
+
+    NetServer(Server& server, Log log, SessionLimits limits = {});
+
+    // Port 0 is the system's choice. Why it cannot; empty when it does.
+    std::string Listen(std::uint16_t port);
+    std::uint16_t Port() const { return m_listener.Port(); }
+    std::size_t Connections() const { return m_connections.size(); }
+
+    // Takes, does and sends what there is, after waiting for something at most so long.
+    void Turn(int timeoutMs);
+
+private:
+    struct Connection {
+        Connection(Socket taken, Server& server, const SessionLimits& limits)
+            : socket(std::move(taken)), session(server, limits) {}
+
+        Socket socket;
+        Session session;
+        bool isGone = false;
+    };
+
+    bool AnyHasWork(std::int64_t nowMs) const;
+    int PauseMs(int longestMs) const;
+    void Accept();
+    void Serve(Connection& connection, const Waiting& came);
+    void Receive(Connection& connection);
+    void Send(Connection& connection);
+    void DropEnded();
+
+    Server& m_server;
+    Log m_log;
+    SessionLimits m_limits;
+    Socket m_listener;
+    std::list<Connection> m_connections;
+};
+
+} // namespace vesk

@@ -1,0 +1,184 @@
+// What terminal and server say to each other, a frame each. The terminal begins with a hello, the server
+// answers with a welcome or a refusal; after a refusal the connection ends.
+//
+// A terminal numbers its controls and its requests. A request has any number of answers, told to be over by its
+// "done". A subscription is made at once; one that cannot be is told by "unsubscribed".
+//
+// Thread: any; plain values. Each says its fields once, for writing and reading alike.
+#pragma once
+
+#include "host/connectvesk/Wire.h"
+#include "host/server/net/Frame.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vesk::net {
+
+inline constexpr std::uint32_t kProtocolVersion = 1;
+
+using SubscriptionFields = std::vector<std::pair<std::uint32_t, std::string>>;
+
+struct Hello {
+    static constexpr FrameType kType = FrameType::hello;
+    std::uint32_t version = kProtocolVersion;
+    std::string loginId, peerIdA, peerIdB;
+    void Each(auto&& field) { field(version), field(loginId), field(peerIdA), field(peerIdB); }
+};
+struct Open {
+    static constexpr FrameType kType = FrameType::open;
+    std::uint32_t control = 0;
+    std::uint32_t kind = 0;
+    void Each(auto&& field) { field(control), field(kind); }
+};
+struct Close {
+    static constexpr FrameType kType = FrameType::close;
+    std::uint32_t control = 0;
+    void Each(auto&& field) { field(control); }
+};
+struct Request {
+    static constexpr FrameType kType = FrameType::request;
+    std::uint32_t control = 0;
+    std::uint64_t number = 0;
+    std::string bytes;
+    void Each(auto&& field) { field(control), field(number), field(bytes); }
+};
+struct Subscribe {
+    static constexpr FrameType kType = FrameType::subscribe;
+    std::uint32_t control = 0;
+    std::uint32_t isRenewed = 0; // what the terminal may have missed is streamed first
+    SubscriptionFields fields;
+    void Each(auto&& field) { field(control), field(isRenewed), field(fields); }
+};
+struct Stop {
+    static constexpr FrameType kType = FrameType::stop;
+    std::uint32_t control = 0;
+    void Each(auto&& field) { field(control); }
+};
+struct Welcome {
+    static constexpr FrameType kType = FrameType::welcome;
+    std::uint32_t version = kProtocolVersion;
+    std::uint64_t now = 0; // seconds since 1970, by the server's clock
+    void Each(auto&& field) { field(version), field(now); }
+};
+struct Refusal {
+    static constexpr FrameType kType = FrameType::refusal;
+    std::string text;
+    void Each(auto&& field) { field(text); }
+};
+struct Answer {
+    static constexpr FrameType kType = FrameType::answer;
+    std::uint32_t control = 0;
+    std::uint64_t number = 0;
+    std::string bytes;
+    void Each(auto&& field) { field(control), field(number), field(bytes); }
+};
+struct Done {
+    static constexpr FrameType kType = FrameType::done;
+    std::uint64_t number = 0;
+    void Each(auto&& field) { field(number); }
+};
+struct Stream {
+    static constexpr FrameType kType = FrameType::stream;
+    std::uint32_t control = 0;
+    std::string bytes;
+    void Each(auto&& field) { field(control), field(bytes); }
+};
+struct Unsubscribed {
+    static constexpr FrameType kType = FrameType::unsubscribed;
+    std::uint32_t control = 0;
+    std::string text;
+    void Each(auto&& field) { field(control), field(text); }
+};
+
+class PayloadWriter {
+public:
+    void operator()(std::uint32_t number) { Put(number); }
+    void operator()(std::uint64_t number) {
+        Put(static_cast<std::uint32_t>(number));
+        Put(static_cast<std::uint32_t>(number >> 32));
+    }
+    void operator()(std::string_view text) {
+        Put(static_cast<std::uint32_t>(text.size()));
+        m_payload.append(text);
+    }
+    void operator()(const SubscriptionFields& fields) {
+        Put(static_cast<std::uint32_t>(fields.size()));
+        for (const auto& [tag, text] : fields)
+            (*this)(tag), (*this)(std::string_view(text));
+    }
+    std::string_view Payload() const { return m_payload; }
+
+private:
+    void Put(std::uint32_t number) {
+        char bytes[sizeof number];
+        qmx::Store(bytes, number);
+        m_payload.append(bytes, sizeof bytes);
+    }
+
+    std::string m_payload;
+};
+
+// What is missing reads as nothing, and is remembered.
+class PayloadReader {
+public:
+    explicit PayloadReader(std::string_view payload) : m_rest(payload) {}
+
+    void operator()(std::uint32_t& number) {
+        const std::string_view bytes = Take(sizeof number);
+        if (!bytes.empty()) number = qmx::Load(bytes.data());
+    }
+    void operator()(std::uint64_t& number) {
+        std::uint32_t low = 0, high = 0;
+        (*this)(low), (*this)(high);
+        number = low | std::uint64_t{high} << 32;
+    }
+    void operator()(std::string& text) {
+        std::uint32_t size = 0;
+        (*this)(size);
+        text = Take(size);
+    }
+    void operator()(SubscriptionFields& fields) {
+        std::uint32_t count = 0;
+        // Nothing is reserved: the count is a stranger's.
+        for ((*this)(count); count > 0 && m_good; --count) {
+            fields.emplace_back();
+            (*this)(fields.back().first), (*this)(fields.back().second);
+        }
+    }
+    bool IsWhole() const { return m_good && m_rest.empty(); }
+
+private:
+    std::string_view Take(std::size_t size) {
+        m_good = m_good && size <= m_rest.size();
+        if (!m_good) return {};
+        const std::string_view taken = m_rest.substr(0, size);
+        m_rest.remove_prefix(size);
+        return taken;
+    }
+
+    std::string_view m_rest;
+    bool m_good = true;
+};
+
+template <class Said>
+[[nodiscard]] bool Append(std::string& out, Said said) {
+    PayloadWriter writer;
+    said.Each(writer);
+    return AppendFrame(out, Said::kType, writer.Payload());
+}
+
+// Nothing when the payload is not exactly what the type says.
+template <class Said>
+std::optional<Said> Read(std::string_view payload) {
+    PayloadReader reader(payload);
+    Said said;
+    said.Each(reader);
+    return reader.IsWhole() ? std::optional(std::move(said)) : std::nullopt;
+}
+
+} // namespace vesk::net

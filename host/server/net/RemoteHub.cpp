@@ -1,0 +1,315 @@
+#include "host/server/net/RemoteHub.h"
+
+#include "framework/Guard.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+
+namespace vesk {
+namespace {
+
+constexpr std::int64_t kShortestPauseMs = 200;
+constexpr std::int64_t kLongestPauseMs = 5000;
+constexpr std::int64_t kConnectMs = 5000; // until the server must have welcomed
+constexpr std::size_t kMostRequests = 100'000;
+constexpr std::size_t kMostDeliveries = 10'000; // from which on nothing more is read
+constexpr std::chrono::milliseconds kPumpTime{12};
+
+int Fail(QmxError* error, QmxErrorCode code, const char* text) {
+    if (!error) return 0;
+    error->code = code;
+    std::snprintf(error->text, sizeof error->text, "%s", text);
+    return 0;
+}
+int Succeed(QmxError* error) {
+    if (error) *error = QmxError{};
+    return 1;
+}
+
+} // namespace
+
+class RemoteHub::Control final : public RxControl {
+public:
+    Control(RemoteHub& hub, std::uint32_t id, int kind, CKeloRxNotifierBase& notifier)
+        : m_hub(hub), m_id(id), m_kind(kind), m_notifier(notifier) {}
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+    ~Control() = default;
+
+    CKeloRxNotifierBase& Notifier() const { return m_notifier; }
+    bool IsSubscribed() const { return !m_subscriptions.empty(); }
+    void Forget() { m_subscriptions.clear(); }
+    // To a server that knows nothing of it.
+    void Introduce(bool isRenewed) const {
+        m_hub.Say(net::Open{m_id, static_cast<std::uint32_t>(m_kind)});
+        for (const net::SubscriptionFields& fields : m_subscriptions)
+            m_hub.Say(net::Subscribe{m_id, isRenewed, fields});
+    }
+
+    int SendRequest(std::uint64_t* requestNumber, void* message, int, QmxError* error) noexcept override {
+        if (m_kind != kRxRequests) return Fail(error, kQmxBadArgument, "a stream control sends no requests");
+        QmxDatum bytes{};
+        if (!qmx_message_bytes(message, &bytes, error)) return 0;
+        if (m_hub.m_requests.size() >= kMostRequests)
+            return Fail(error, kQmxNoMemory, "too many requests wait for the server");
+        const std::uint64_t number =
+            framework::Guard(std::uint64_t{0}, [&] { return m_hub.Send(m_id, qmx::View(bytes)); });
+        if (!number) return Fail(error, kQmxNoMemory, "no memory for the request");
+        if (requestNumber) *requestNumber = number;
+        return Succeed(error);
+    }
+
+    int Subscribe(std::uint64_t* out, const std::uint32_t* tags, const QmxDatum* values, std::uint32_t count,
+                  RxControl* self, int, int, int, QmxError* error) noexcept override {
+        if (m_kind == kRxRequests) return Fail(error, kQmxBadArgument, "a request control has no stream");
+        if (self != this) return Fail(error, kQmxBadArgument, "the control must name itself");
+        if (!tags || !values || count == 0) return Fail(error, kQmxBadArgument, "a subscription needs fields");
+        const bool isMade = framework::Guard(false, [&] {
+            net::SubscriptionFields fields;
+            for (std::uint32_t i = 0; i < count; ++i)
+                fields.emplace_back(tags[i], qmx::View(values[i]));
+            m_hub.Say(net::Subscribe{m_id, false, fields});
+            m_subscriptions.push_back(std::move(fields));
+            return true;
+        });
+        if (!isMade) return Fail(error, kQmxNoMemory, "no memory for the subscription");
+        if (out) *out = m_subscriptions.size();
+        return Succeed(error);
+    }
+
+    int Stop(int) noexcept override {
+        m_subscriptions.clear();
+        framework::Guard([&] { m_hub.Say(net::Stop{m_id}); });
+        return 1;
+    }
+
+    void Reserved0() noexcept override {}
+    void Reserved1() noexcept override {}
+    void Reserved2() noexcept override {}
+    void Reserved3() noexcept override {}
+    void Reserved6() noexcept override {}
+    void Reserved7() noexcept override {}
+    void Reserved8() noexcept override {}
+    void Reserved9() noexcept override {}
+    void Reserved10() noexcept override {}
+    void Reserved11() noexcept override {}
+    void Reserved12() noexcept override {}
+    void Reserved13() noexcept override {}
+    void Reserved14() noexcept override {}
+
+private:
+    RemoteHub& m_hub;
+    const std::uint32_t m_id;
+    const int m_kind;
+    CKeloRxNotifierBase& m_notifier;
+    std::vector<net::SubscriptionFields> m_subscriptions;
+};
+
+struct RemoteHub::Step {
+    FrameType type;
+    bool (RemoteHub::*take)(std::string_view payload); // false: it cannot be read
+};
+const RemoteHub::Step RemoteHub::kSteps[] = {
+    {FrameType::welcome, &RemoteHub::TakeAs<net::Welcome>},
+    {FrameType::refusal, &RemoteHub::TakeAs<net::Refusal>},
+    {FrameType::answer, &RemoteHub::TakeAs<net::Answer>},
+    {FrameType::done, &RemoteHub::TakeAs<net::Done>},
+    {FrameType::stream, &RemoteHub::TakeAs<net::Stream>},
+    {FrameType::unsubscribed, &RemoteHub::TakeAs<net::Unsubscribed>},
+};
+
+RemoteHub::RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed)
+    : m_address(std::move(address)), m_user(std::move(user)), m_changed(std::move(changed)) {}
+RemoteHub::~RemoteHub() = default;
+
+RxControl* RemoteHub::Get(int kind, CKeloRxNotifierBase* notifier) {
+    if (!notifier || kind < kRxRequests || kind > kRxAccountStream) return nullptr;
+    const std::uint32_t id = ++m_lastControl;
+    const auto made = m_controls.emplace(id, std::make_unique<Control>(*this, id, kind, *notifier));
+    made.first->second->Introduce(false);
+    return made.first->second.get();
+}
+
+void RemoteHub::Destroy(RxControl* control) {
+    const auto found =
+        std::ranges::find_if(m_controls, [&](const auto& entry) { return entry.second.get() == control; });
+    if (found == m_controls.end()) return;
+    const std::uint32_t id = found->first;
+    std::erase_if(m_deliveries, [&](const Delivery& delivery) { return delivery.control == id; });
+    m_controls.erase(found);
+    Say(net::Close{id});
+}
+
+std::uint64_t RemoteHub::Send(std::uint32_t control, std::string_view bytes) {
+    const std::uint64_t number = m_lastRequest + 1;
+    const auto made = m_requests.emplace(number, Unanswered{{control, number, std::string(bytes)}});
+    m_lastRequest = number;
+    Say(made.first->second.request);
+    return number;
+}
+
+template <class Said>
+void RemoteHub::Say(Said said) {
+    if (m_state == LinkState::connected) static_cast<void>(net::Append(m_output, std::move(said)));
+}
+
+std::size_t RemoteHub::Pump(std::int64_t nowMs) {
+    m_nowMs = std::max(m_nowMs, nowMs);
+    if (m_state == LinkState::lost && m_nowMs >= m_againAtMs) Connect();
+    Exchange();
+    const auto end = std::chrono::steady_clock::now() + kPumpTime;
+    std::size_t calls = 0;
+    while (!m_deliveries.empty()) {
+        // Taken out before the call: the notifier may run a message loop that pumps again.
+        const Delivery next = std::move(m_deliveries.front());
+        m_deliveries.pop_front();
+        if (Deliver(next)) ++calls;
+        if (std::chrono::steady_clock::now() >= end) break;
+    }
+    // What the notifiers asked for.
+    Exchange();
+    return calls;
+}
+
+void RemoteHub::Connect() {
+    std::string error;
+    m_reader = {};
+    m_output.clear();
+    m_socket = Socket::Connect(m_address.host, m_address.port, error);
+    if (!m_socket) return Lose(error);
+    m_againAtMs = m_nowMs + kConnectMs;
+    Change(LinkState::connecting, "connecting to " + m_address.host + ":" + std::to_string(m_address.port));
+    static_cast<void>(net::Append(
+        m_output, net::Hello{net::kProtocolVersion, m_user.loginId, m_user.peerIdA, m_user.peerIdB}));
+}
+
+void RemoteHub::Exchange() {
+    if (m_state == LinkState::lost) return;
+    vesk::Waiting came[] = {{&m_socket, true, true}};
+    Wait(came, 0);
+    if (!m_socket.Connected()) return Lose("the server does not answer");
+    if (came[0].canWrite) SendOutput();
+    if (came[0].canRead) Receive();
+    if (m_state == LinkState::connecting && m_nowMs >= m_againAtMs) Lose("the server does not answer");
+}
+
+void RemoteHub::SendOutput() {
+    std::string_view left = m_output;
+    Transfer transfer = Transfer::some;
+    while (!left.empty() && transfer == Transfer::some)
+        transfer = m_socket.Send(left);
+    m_output.erase(0, m_output.size() - left.size());
+    if (transfer == Transfer::ended) Lose("the server has ended the connection");
+}
+
+void RemoteHub::Receive() {
+    std::array<char, 65536> part;
+    Transfer transfer = Transfer::some;
+    while (m_state != LinkState::lost && transfer == Transfer::some && m_deliveries.size() < kMostDeliveries) {
+        std::size_t got = 0;
+        transfer = m_socket.Receive(part, got);
+        m_reader.Add({part.data(), got});
+        while (m_state != LinkState::lost) {
+            const auto frame = m_reader.Next();
+            if (!frame) break;
+            Take(*frame);
+        }
+        if (m_reader.Fault() != FrameFault::none) Lose(TextOf(m_reader.Fault()));
+    }
+    if (transfer == Transfer::ended) Lose("the server has ended the connection");
+}
+
+void RemoteHub::Take(const Frame& frame) {
+    const auto step = std::ranges::find(kSteps, frame.type, &Step::type);
+    if (step == std::end(kSteps)) return Lose("a frame that a terminal sends");
+    const bool isGreeting = frame.type == FrameType::welcome || frame.type == FrameType::refusal;
+    if (m_state == LinkState::connecting && !isGreeting) return Lose("a server welcomes first");
+    if (!(this->*step->take)(frame.payload)) Lose("a frame that cannot be read");
+}
+
+template <class Said>
+bool RemoteHub::TakeAs(std::string_view payload) {
+    auto said = net::Read<Said>(payload);
+    if (said) On(std::move(*said));
+    return said.has_value();
+}
+
+void RemoteHub::On(const net::Welcome& said) {
+    if (m_state == LinkState::connected) return Lose("a second welcome");
+    if (said.version != net::kProtocolVersion)
+        return Lose("the server speaks version " + std::to_string(said.version));
+    m_pauseMs = 0;
+    Change(LinkState::connected, "connected");
+    for (const auto& [id, control] : m_controls)
+        control->Introduce(m_wasConnected);
+    m_wasConnected = true;
+    for (auto& [number, waiting] : m_requests) {
+        waiting.toSkip = waiting.answers;
+        Say(waiting.request);
+    }
+}
+
+void RemoteHub::On(const net::Refusal& said) {
+    Lose("the server refuses: " + said.text);
+}
+
+void RemoteHub::On(net::Answer&& said) {
+    const auto found = m_requests.find(said.number);
+    if (found == m_requests.end()) return Lose("an answer that nobody asked for");
+    Unanswered& waiting = found->second;
+    if (waiting.toSkip > 0) {
+        --waiting.toSkip;
+        return;
+    }
+    ++waiting.answers;
+    m_deliveries.push_back({waiting.request.control, false, std::move(said.bytes)});
+}
+
+void RemoteHub::On(const net::Done& said) {
+    if (m_requests.erase(said.number) == 0) Lose("the end of a request that nobody made");
+}
+
+void RemoteHub::On(net::Stream&& said) {
+    m_deliveries.push_back({said.control, true, std::move(said.bytes)});
+}
+
+void RemoteHub::On(const net::Unsubscribed& said) {
+    const auto found = m_controls.find(said.control);
+    if (found != m_controls.end()) found->second->Forget();
+    Change(m_state, "a subscription was refused: " + said.text);
+}
+
+void RemoteHub::Lose(const std::string& why) {
+    if (m_state == LinkState::lost && m_nowMs < m_againAtMs) return;
+    m_socket = {};
+    m_pauseMs = std::clamp(m_pauseMs * 2, kShortestPauseMs, kLongestPauseMs);
+    m_againAtMs = m_nowMs + m_pauseMs;
+    Change(LinkState::lost, why);
+}
+
+void RemoteHub::Change(LinkState state, const std::string& text) {
+    m_state = state;
+    if (m_changed) m_changed(state, text);
+}
+
+bool RemoteHub::Deliver(const Delivery& delivery) {
+    const auto found = m_controls.find(delivery.control);
+    if (found == m_controls.end()) return false;
+    Control& control = *found->second;
+    if (delivery.isStream && !control.IsSubscribed()) return false;
+    const qmx::MessageReader reader(delivery.bytes);
+    if (!reader.Good()) {
+        Lose("a message that cannot be read");
+        return false;
+    }
+    // The notifier may destroy the control, so nothing of it is touched after the call.
+    if (delivery.isStream)
+        control.Notifier().OnBroadcast(reader.Handle(), 0, nullptr);
+    else
+        control.Notifier().OnResponse(&control, reader.Handle(), nullptr);
+    return true;
+}
+
+} // namespace vesk

@@ -1,0 +1,104 @@
+// The host's request and stream controls over a trading server in another process.
+//
+// It connects by itself, and again after growing pauses when the connection is lost. Everything then goes on
+// where it was: controls are opened anew, subscriptions made again with what was missed meanwhile, and requests
+// that were not answered in full are sent again. That is safe: placing and cancelling carry an identifier that
+// the server knows again, the other changes do nothing the second time, and of a query the rows that already
+// came are left out.
+//
+// Thread:  one (the GUI thread); all calls but those to the notifiers return at once.
+// Owner:   the hub owns the controls; notifiers outlive theirs.
+// Failure: whatever the server sends, at worst the connection is lost; the state says why.
+#pragma once
+
+#include "host/server/net/ControlHub.h"
+#include "host/server/net/Protocol.h"
+#include "host/server/net/Socket.h"
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace vesk {
+
+struct ServerAddress {
+    std::string host; // a numeric address or "localhost"
+    std::uint16_t port = 0;
+};
+
+enum class LinkState { connecting, connected, lost };
+
+class RemoteHub final : public ControlHub {
+public:
+    // Called from Pump at each change; `text` is for the user.
+    using StateChanged = std::function<void(LinkState state, const std::string& text)>;
+
+    RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed);
+    ~RemoteHub() override;
+
+    RxControl* Get(int kind, CKeloRxNotifierBase* notifier) override;
+    void Destroy(RxControl* control) override;
+    std::size_t LiveControls() const override { return m_controls.size(); }
+    std::size_t Pump(std::int64_t nowMs) override;
+    std::size_t Waiting() const override { return m_requests.size() + m_deliveries.size(); }
+    LinkState State() const { return m_state; }
+
+private:
+    class Control;
+    struct Unanswered {
+        net::Request request;
+        std::size_t answers = 0; // that came
+        std::size_t toSkip = 0;  // of those to come, since they came before
+    };
+    struct Delivery {
+        std::uint32_t control;
+        bool isStream;
+        std::string bytes;
+    };
+    struct Step;
+    static const Step kSteps[];
+
+    template <class Said>
+    bool TakeAs(std::string_view payload);
+    void On(const net::Welcome& said);
+    void On(const net::Refusal& said);
+    void On(net::Answer&& said);
+    void On(const net::Done& said);
+    void On(net::Stream&& said);
+    void On(const net::Unsubscribed& said);
+
+    std::uint64_t Send(std::uint32_t control, std::string_view bytes);
+    // To the server, when there is one; what it says is told again on the next connection.
+    template <class Said>
+    void Say(Said said);
+    void Connect();
+    void Exchange();
+    void Receive();
+    void Take(const Frame& frame);
+    void SendOutput();
+    void Lose(const std::string& why);
+    void Change(LinkState state, const std::string& text);
+    bool Deliver(const Delivery& delivery);
+
+    const ServerAddress m_address;
+    const UserIdentity m_user;
+    const StateChanged m_changed;
+    LinkState m_state = LinkState::lost;
+    Socket m_socket;
+    FrameReader m_reader;
+    std::string m_output;
+    std::int64_t m_nowMs = 0;
+    std::int64_t m_againAtMs = 0; // when to connect, or to give up connecting
+    std::int64_t m_pauseMs = 0;
+    bool m_wasConnected = false;
+    std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
+    std::map<std::uint64_t, Unanswered> m_requests;
+    std::deque<Delivery> m_deliveries;
+    std::uint64_t m_lastRequest = 0;
+    std::uint32_t m_lastControl = 0; // never used again, so a late answer finds nobody
+};
+
+} // namespace vesk

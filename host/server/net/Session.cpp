@@ -1,0 +1,244 @@
+#include "host/server/net/Session.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vesk {
+namespace {
+
+constexpr std::size_t kMostControls = 1024;
+
+std::string_view Shortened(std::string_view text) {
+    return text.substr(0, kLongestText);
+}
+
+} // namespace
+
+// Passes on what one stream control is told.
+class Session::Forwarder final : public CKeloRxNotifierBase {
+public:
+    Forwarder(Session& session, std::uint32_t id, int kind)
+        : m_session(session), m_id(id),
+          m_control(kind == kRxRequests ? nullptr : session.m_streams->Get(kind, this)) {}
+    Forwarder(const Forwarder&) = delete;
+    Forwarder& operator=(const Forwarder&) = delete;
+    ~Forwarder() {
+        if (m_control) m_session.m_streams->Destroy(m_control);
+    }
+
+    // Null of a control for requests.
+    RxControl* Control() const { return m_control; }
+
+    void OnBroadcast(void* message, std::uint32_t, void*) override {
+        QmxDatum bytes{};
+        QmxError error{};
+        if (qmx_message_bytes(message, &bytes, &error))
+            m_session.Say(net::Stream{m_id, std::string(qmx::View(bytes))});
+    }
+    void OnResponse(void*, void*, void*) override {}
+
+private:
+    Session& m_session;
+    std::uint32_t m_id;
+    RxControl* m_control;
+};
+
+struct Session::Step {
+    FrameType type;
+    void (Session::*take)(std::string_view payload);
+};
+const Session::Step Session::kSteps[] = {
+    {FrameType::hello, &Session::TakeAs<net::Hello>},
+    {FrameType::open, &Session::TakeAs<net::Open>},
+    {FrameType::close, &Session::TakeAs<net::Close>},
+    {FrameType::request, &Session::TakeAs<net::Request>},
+    {FrameType::subscribe, &Session::TakeAs<net::Subscribe>},
+    {FrameType::stop, &Session::TakeAs<net::Stop>},
+};
+
+Session::Session(Server& server, const SessionLimits& limits) : m_server(server), m_limits(limits) {}
+Session::~Session() = default;
+
+void Session::Take(std::string_view bytes) {
+    m_reader.Add(bytes);
+    while (!HasEnded()) {
+        const auto frame = m_reader.Next();
+        if (!frame) break;
+        const auto step = std::ranges::find(kSteps, frame->type, &Step::type);
+        if (step == std::end(kSteps)) return Refuse("a frame that a server sends");
+        if (!m_streams && frame->type != FrameType::hello) return Refuse("a terminal says hello first");
+        (this->*step->take)(frame->payload);
+    }
+    if (m_reader.Fault() != FrameFault::none) Refuse(TextOf(m_reader.Fault()));
+}
+
+template <class Said>
+void Session::TakeAs(std::string_view payload) {
+    if (auto said = net::Read<Said>(payload))
+        On(std::move(*said));
+    else
+        Refuse("a frame that cannot be read");
+}
+
+void Session::On(const net::Hello& said) {
+    if (m_streams) return Refuse("a second hello");
+    if (said.version != net::kProtocolVersion)
+        return Refuse("the server speaks version " + std::to_string(net::kProtocolVersion) + ", not "
+                      + std::to_string(said.version));
+    if (said.loginId.empty()) return Refuse("a terminal without a login");
+    m_user = {said.loginId, said.peerIdA, said.peerIdB};
+    m_name = Shortened(said.loginId);
+    m_streams =
+        std::make_unique<RxHub>(m_server, m_user, PumpBudget{m_limits.turns, std::chrono::milliseconds{0}});
+    Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Now())});
+}
+
+void Session::On(const net::Open& said) {
+    if (said.kind > kRxAccountStream) return Refuse("a control of an unknown kind");
+    if (m_forwarders.contains(said.control)) return Refuse("a control opened twice");
+    if (m_forwarders.size() == kMostControls) return Refuse("too many controls");
+    m_forwarders.emplace(said.control,
+                         std::make_unique<Forwarder>(*this, said.control, static_cast<int>(said.kind)));
+}
+
+void Session::On(const net::Close& said) {
+    m_forwarders.erase(said.control);
+    std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == said.control; });
+    // A request still counts when nobody hears its answer; a query's rows are for nobody.
+    for (const Query& query : m_queries)
+        if (query.control == said.control) Say(net::Done{query.number});
+    std::erase_if(m_queries, [&](const Query& query) { return query.control == said.control; });
+}
+
+void Session::On(net::Request&& said) {
+    const qmx::MessageReader reader(said.bytes);
+    if (!reader.Good()) return Refuse("a request that is no message");
+    const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), kTagRequestName)).delayMs;
+    m_requests.emplace(std::pair(m_nowMs + delay, ++m_arrivals), std::move(said));
+}
+
+void Session::On(const net::Subscribe& said) {
+    Forwarder* forwarder = Find(said.control);
+    if (!forwarder || !forwarder->Control())
+        return Say(net::Unsubscribed{said.control, "there is no such stream control"});
+    std::vector<std::uint32_t> tags;
+    std::vector<QmxDatum> values;
+    for (const auto& [tag, text] : said.fields) {
+        tags.push_back(tag);
+        values.push_back(qmx::Datum(text));
+    }
+    QmxError error{};
+    RxControl* control = forwarder->Control();
+    if (!control->Subscribe(nullptr, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
+                            control, 0, 0, 1, &error))
+        return Say(net::Unsubscribed{said.control, error.text});
+    if (said.isRenewed) m_catchUps.push_back({said.control, said.fields, 0, m_server.Registrations().size()});
+}
+
+void Session::On(const net::Stop& said) {
+    std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == said.control; });
+    Forwarder* forwarder = Find(said.control);
+    if (forwarder && forwarder->Control()) forwarder->Control()->Stop(0);
+}
+
+Session::Forwarder* Session::Find(std::uint32_t control) {
+    const auto found = m_forwarders.find(control);
+    return found == m_forwarders.end() ? nullptr : found->second.get();
+}
+
+template <class Said>
+void Session::Say(Said said) {
+    if (!net::Append(m_output, std::move(said))) End("a message is too long to be sent");
+}
+
+void Session::Refuse(const std::string& text) {
+    Say(net::Refusal{text});
+    End(text);
+}
+
+void Session::End(std::string reason) {
+    if (!HasEnded()) m_endReason = std::move(reason);
+}
+
+bool Session::RequestIsDue(std::int64_t nowMs) const {
+    return !m_requests.empty() && m_requests.begin()->first.first <= nowMs;
+}
+
+bool Session::HasWork(std::int64_t nowMs) const {
+    if (HasEnded() || !HasRoom()) return false;
+    return RequestIsDue(nowMs) || !m_queries.empty() || !m_catchUps.empty()
+           || (m_streams && m_streams->Waiting() > 0);
+}
+
+void Session::Pump(std::int64_t nowMs) {
+    m_nowMs = std::max(m_nowMs, nowMs);
+    for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn) {
+    }
+    JudgeStall();
+}
+
+// One of each: neither many requests nor a long query holds up the other.
+bool Session::PumpOnce() {
+    if (!HasWork(m_nowMs)) return false;
+    if (RequestIsDue(m_nowMs)) {
+        const net::Request request = std::move(m_requests.begin()->second);
+        m_requests.erase(m_requests.begin());
+        Handle(request);
+    }
+    // All of them before the next row.
+    while (HasRoom() && !HasEnded() && m_streams->Waiting() > 0)
+        m_streams->Pump(m_nowMs);
+    if (!HasRoom() || HasEnded()) return false;
+    if (!m_catchUps.empty()) NextMissed();
+    if (!m_queries.empty()) NextRow();
+    return true;
+}
+
+void Session::Handle(const net::Request& request) {
+    const qmx::MessageReader reader(request.bytes);
+    Reply reply = m_server.Handle(reader.Handle(), m_user);
+    for (std::string& answer : reply.answers)
+        Say(net::Answer{request.control, request.number, std::move(answer)});
+    if (reply.rows)
+        m_queries.push_back({request.control, request.number, std::move(*reply.rows)});
+    else
+        Say(net::Done{request.number});
+}
+
+void Session::NextRow() {
+    Query& query = m_queries.front();
+    if (std::string row = m_server.NextRow(query.rows); !row.empty())
+        Say(net::Answer{query.control, query.number, std::move(row)});
+    if (HasEnded() || !query.rows.isDone) return;
+    Say(net::Done{query.number});
+    m_queries.pop_front();
+}
+
+void Session::NextMissed() {
+    constexpr std::size_t mostLookedAt = 256;
+    CatchUp& missed = m_catchUps.front();
+    const auto wanted = [&](const Registration& registration) {
+        return std::ranges::all_of(missed.fields, [&](const auto& field) {
+            const bool isUser = field.second.empty() && field.first == kTagUser;
+            return registration.Text(field.first) == (isUser ? m_user.loginId : field.second)
+                   || (field.second.empty() && !isUser);
+        });
+    };
+    const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
+    while (missed.next < stop) {
+        const Registration& registration = m_server.Registrations()[missed.next++];
+        if (!wanted(registration)) continue;
+        registration.AddTo(m_writer.Start());
+        Say(net::Stream{missed.control, m_writer.Finish()});
+        break;
+    }
+    if (!HasEnded() && missed.next == missed.end) m_catchUps.pop_front();
+}
+
+void Session::JudgeStall() {
+    if (HasRoom()) m_roomAtMs = m_nowMs;
+    if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
+    if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");
+}
+
+} // namespace vesk

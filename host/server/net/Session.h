@@ -1,0 +1,109 @@
+// One terminal's connection as the server sees it, without its socket: bytes that came in, bytes to go out.
+//
+// Requests are handled in the order they are due. What a query asks for is made row by row as there is room in
+// the output, after the updates told before, so a row never shows an older state than an update behind it.
+//
+// Thread:  one. Lifetime: the server outlives the session.
+// Failure: a terminal that breaks the protocol, or does not take what it subscribed to, ends its session:
+//          EndReason says why.
+#pragma once
+
+#include "host/server/RxHub.h"
+#include "host/server/net/Protocol.h"
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vesk {
+
+struct SessionLimits {
+    std::size_t outputBytes = 256 * 1024; // from which on nothing more is made
+    std::size_t streamBacklog = 20'000;   // updates that wait for room
+    std::int64_t stalledMs = 30'000;      // without room
+    std::size_t requests = 4096;          // that wait, before nothing more is read
+    std::size_t turns = 64;               // of one pump
+};
+
+class Session {
+public:
+    Session(Server& server, const SessionLimits& limits);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    void Take(std::string_view bytes);
+    // A portion of what there is to do; `nowMs` never goes back.
+    void Pump(std::int64_t nowMs);
+    bool TakesInput() const { return !HasEnded() && m_requests.size() < m_limits.requests; }
+    // Whether another pump would do something, as far as `nowMs`.
+    bool HasWork(std::int64_t nowMs) const;
+    // To be sent; what was sent is taken away by the caller.
+    std::string& Output() { return m_output; }
+
+    // After its end it takes nothing more, and what is in the output may still be sent.
+    bool HasEnded() const { return !m_endReason.empty(); }
+    const std::string& EndReason() const { return m_endReason; }
+    const std::string& Name() const { return m_name; }
+
+private:
+    class Forwarder; // of one stream control
+    struct Query {
+        std::uint32_t control;
+        std::uint64_t number;
+        RowQuery rows;
+    };
+    // Registrations that a renewed subscription may have missed.
+    struct CatchUp {
+        std::uint32_t control;
+        net::SubscriptionFields fields;
+        std::size_t next, end;
+    };
+    struct Step;
+    static const Step kSteps[];
+
+    template <class Said>
+    void TakeAs(std::string_view payload);
+    void On(const net::Hello& said);
+    void On(const net::Open& said);
+    void On(const net::Close& said);
+    void On(net::Request&& said);
+    void On(const net::Subscribe& said);
+    void On(const net::Stop& said);
+
+    template <class Said>
+    void Say(Said said);
+    void Refuse(const std::string& text);
+    void End(std::string reason);
+    bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
+    bool RequestIsDue(std::int64_t nowMs) const;
+    void Handle(const net::Request& request);
+    bool PumpOnce();
+    void NextRow();
+    void NextMissed();
+    void JudgeStall();
+    Forwarder* Find(std::uint32_t control);
+
+    Server& m_server;
+    SessionLimits m_limits;
+    FrameReader m_reader;
+    std::string m_output;
+    std::string m_name = "a terminal";
+    std::string m_endReason;
+    UserIdentity m_user;
+    std::unique_ptr<RxHub> m_streams; // once the terminal has said who it is
+    std::map<std::uint32_t, std::unique_ptr<Forwarder>> m_forwarders;
+    std::map<std::pair<std::int64_t, std::uint64_t>, net::Request> m_requests; // by due time, then arrival
+    std::uint64_t m_arrivals = 0;
+    std::deque<Query> m_queries;
+    std::deque<CatchUp> m_catchUps;
+    qmx::MessageWriter m_writer;
+    std::int64_t m_nowMs = 0;
+    std::int64_t m_roomAtMs = 0; // when there was room last
+};
+
+} // namespace vesk

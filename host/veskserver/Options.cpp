@@ -1,0 +1,92 @@
+#include "host/veskserver/Options.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+namespace vesk {
+namespace {
+
+using Complaint = std::optional<std::string>;
+
+bool ReadPort(ServerOptions& options, std::string_view text) {
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, options.port);
+    return read.ec == std::errc() && read.ptr == end;
+}
+
+template <std::string ServerOptions::*member>
+bool ReadPath(ServerOptions& options, std::string_view text) {
+    options.*member = text;
+    return !text.empty();
+}
+
+// Where the terminal has its files.
+bool ReadData(ServerOptions& options, std::string_view text) {
+    if (options.journal.empty()) options.journal = std::string(text) + "/journal";
+    if (options.config.empty()) options.config = std::string(text) + "/server.json";
+    return !text.empty();
+}
+
+struct Switch {
+    std::string_view name;
+    bool (*read)(ServerOptions& options, std::string_view text); // false: not understood
+};
+constexpr Switch kSwitches[] = {
+    {"--port", ReadPort},
+    {"--journal", ReadPath<&ServerOptions::journal>},
+    {"--config", ReadPath<&ServerOptions::config>},
+    {"--data", ReadData},
+};
+
+} // namespace
+
+constinit const std::string_view kServerHelp = R"(NAME
+    veskserver - the trading server for several terminals of this machine
+
+SYNOPSIS
+    veskserver --port N --journal FILE [--config FILE] [--data FOLDER]
+    veskserver --help
+
+DESCRIPTION
+    Serves the terminals that connect to the port, over one journal, until it is
+    interrupted or its standard input ends. When it is ready it prints
+
+        listening on 127.0.0.1:PORT
+
+    It can be ended at any moment, even by force: what a terminal was answered is
+    in the journal, and the next server goes on from there.
+
+OPTIONS
+    --port N         0, as without it: one that the system chooses
+    --journal FILE   every change, on the disk before it is answered; made when
+                     there is none. Only one server at a time can have it open
+    --config FILE    frequencies and faults to play, as data/server.json
+    --data FOLDER    where "journal" and "server.json" are, unless they are named
+
+EXIT STATUS
+    0    it was told to end
+    2    the words of the command were wrong, the port was taken, or a file could
+         not be used; standard error says which
+
+EXAMPLE
+    veskserver --port 7040 --data data
+)";
+
+Complaint ReadServerOptions(std::span<const char* const> words, ServerOptions& options) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string_view word = words[i];
+        if (word == "--help") {
+            options.help = true;
+            return std::nullopt;
+        }
+        const auto* found = std::ranges::find(kSwitches, word, &Switch::name);
+        if (found == std::end(kSwitches)) return "\"" + std::string(word) + "\" is no option";
+        if (++i == words.size()) return std::string(word) + " needs a value";
+        if (!found->read(options, words[i]))
+            return std::string(word) + " cannot be \"" + std::string(words[i]) + "\"";
+    }
+    return options.journal.empty() ? Complaint("a journal is needed") : std::nullopt;
+}
+
+} // namespace vesk

@@ -1,0 +1,24 @@
+// What veskserver is asked to do.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+struct ServerOptions {
+    bool help = false;
+    std::uint16_t port = 0;
+    std::string journal;
+    std::string config; // empty: the usual settings
+};
+
+extern const std::string_view kServerHelp;
+
+// The words behind the program's name. The answer says what is wrong with them, if anything.
+std::optional<std::string> ReadServerOptions(std::span<const char* const> words, ServerOptions& options);
+
+} // namespace vesk
