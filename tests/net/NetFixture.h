@@ -1,0 +1,66 @@
+// Terminals without windows, and a server between which and them only TCP is.
+#pragma once
+
+#include "host/server/net/NetServer.h"
+#include "host/server/net/RemoteHub.h"
+#include "tests/server/ServerFixture.h"
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+inline std::int64_t SteadyMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// One user's terminal: a control for requests, one for a stream, and what they were told.
+class Terminal final : public CKeloRxNotifierBase {
+public:
+    Terminal(std::uint16_t port, std::string login)
+        : m_user(std::move(login)),
+          m_hub({"localhost", port}, {m_user, "BROKER", ""},
+                [this](LinkState, const std::string& text) { states.push_back(text); }),
+          m_requests(m_hub.Get(kRxRequests, this)), m_stream(m_hub.Get(kRxIdentityStream, this)) {}
+
+    // Of the firm, whoever placed it.
+    bool Subscribe(std::uint32_t tag = kTagStream, const char* value = kStreamName.data()) {
+        const QmxDatum datum = qmx::Datum(value);
+        return m_stream->Subscribe(nullptr, &tag, &datum, 1, m_stream, 0, 0, 1, nullptr) != 0;
+    }
+    bool Send(const Fields& fields) {
+        const std::string bytes = Message(fields);
+        const qmx::MessageReader reader(bytes);
+        return m_requests->SendRequest(nullptr, reader.Handle(), 0, nullptr) != 0;
+    }
+    bool Place(const std::string& identifier) {
+        return Send(Order({{kTagUser, m_user}, {kTagRequestIdentifier, identifier}}));
+    }
+    void Pump() { m_hub.Pump(SteadyMs()); }
+    RemoteHub& Hub() { return m_hub; }
+
+    void OnBroadcast(void* message, std::uint32_t, void*) override {
+        streamed.push_back(std::string(qmx::Text(message, kTagRegistrationNumber)) + " "
+                           + std::string(qmx::Text(message, kTagStatus)));
+    }
+    void OnResponse(void*, void* message, void*) override {
+        const bool isRow = qmx::Has(message, kTagListRow);
+        answers.emplace_back(qmx::Text(message, isRow ? kTagRegistrationNumber : kTagUserText));
+        if (onAnswer) onAnswer(message);
+    }
+
+    std::vector<std::string> states, streamed, answers;
+    std::function<void(void* message)> onAnswer;
+
+private:
+    std::string m_user;
+    RemoteHub m_hub;
+    RxControl* m_requests;
+    RxControl* m_stream;
+};
+
+} // namespace vesk

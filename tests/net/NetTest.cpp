@@ -1,0 +1,220 @@
+// Terminals at a server over TCP: what they see of each other, through the server's end and return, beside one
+// that reads slowly, and when either side sends rubbish.
+
+#include "host/server/SampleOrders.h"
+#include "tests/net/NetFixture.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace vesk {
+namespace {
+
+using Texts = std::vector<std::string>;
+const Fields kList{{kTagRequestName, "om_get_sip_orders"}};
+
+class Net : public testing::Test {
+protected:
+    void Start(SessionLimits limits = {}) {
+        m_running.emplace(m_folder.File("journal"), m_config);
+        m_net.emplace(
+            *m_running->server, [this](const std::string& line) { m_log.push_back(line); }, limits);
+        ASSERT_EQ(m_net->Listen(m_port), "");
+        m_port = m_net->Port();
+    }
+    void Kill() {
+        m_net.reset();
+        m_running.reset();
+    }
+    void Fill(std::size_t count, const UserIdentity& user) {
+        const FillPlan plan{count, {user}, {{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}}};
+        ASSERT_EQ(m_running->server->Fill(plan), "");
+    }
+    template <class Condition>
+    bool Until(Condition condition, std::initializer_list<Terminal*> terminals) {
+        const std::int64_t end = SteadyMs() + 20'000;
+        while (!condition() && SteadyMs() < end) {
+            if (m_net) m_net->Turn(1);
+            for (Terminal* terminal : terminals)
+                terminal->Pump();
+        }
+        return condition();
+    }
+
+    TemporaryFolder m_folder;
+    ServerConfig m_config;
+    std::uint16_t m_port = 0;
+    std::optional<RunningServer> m_running;
+    std::optional<NetServer> m_net;
+    Texts m_log;
+};
+
+TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
+    Start();
+    Terminal one(m_port, "USER1"), two(m_port, "USER2");
+    ASSERT_TRUE(two.Subscribe() && two.Send({{kTagRequestName, "get_sip_operation_mode"}}));
+    ASSERT_TRUE(Until([&] { return two.Hub().Waiting() == 0; }, {&two}));
+    ASSERT_TRUE(one.Place("a"));
+    ASSERT_TRUE(Until([&] { return !one.answers.empty() && !two.streamed.empty(); }, {&one, &two}));
+    const std::string number = "SIP2603020000001";
+    EXPECT_EQ(one.answers, Texts{"SIP registered. Registration No : " + number});
+    EXPECT_EQ(two.streamed, Texts{number + " active"});
+
+    // The answer to a request, and the stream of it, are lost with the server that made the change.
+    Until([&] { return one.Hub().Waiting() == 0; }, {&one, &two});
+    const Fields cancel{
+        {kTagRequestName, "cancel_sip_order"}, {kTagRegistrationNumber, number}, {kTagRequestIdentifier, "b"}};
+    ASSERT_TRUE(one.Send(cancel) && one.Place("c"));
+    one.Pump();
+    const auto heard = [&] { return m_running->server->Registrations().size() == 2; };
+    ASSERT_TRUE(Until(heard, {}));
+    Kill();
+    ASSERT_TRUE(Until([&] { return two.Hub().State() == LinkState::lost; }, {&two}));
+    // Made while there is no server.
+    ASSERT_TRUE(one.Place("d"));
+    Start();
+    const auto seen = [&] {
+        return std::ranges::all_of(
+            Texts{"SIP2603020000001 cancelled", "SIP2603020000002 active", "SIP2603020000003 active"},
+            [&](const std::string& text) {
+                return std::ranges::find(two.streamed, text) != two.streamed.end();
+            });
+    };
+    ASSERT_TRUE(Until([&] { return one.answers.size() == 4 && seen(); }, {&one, &two}));
+    EXPECT_EQ(one.answers[1], "SIP cancelled. Registration No : " + number);
+    EXPECT_EQ(m_running->server->Registrations().size(), 3u);
+    EXPECT_EQ(two.states.back(), "connected");
+    EXPECT_EQ(one.Hub().Waiting(), 0u);
+}
+
+TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
+    Start({.outputBytes = 4096});
+    Fill(2000, m_running->user);
+    Terminal one(m_port, "USER1");
+    ASSERT_TRUE(one.Send(kList));
+    for (std::size_t enough : {10, 700, 1300}) {
+        ASSERT_TRUE(Until([&] { return one.answers.size() >= enough; }, {&one}));
+        Kill();
+        Start({.outputBytes = 4096});
+    }
+    ASSERT_TRUE(Until([&] { return one.Hub().Waiting() == 0; }, {&one}));
+    Texts sorted = one.answers;
+    std::ranges::sort(sorted);
+    EXPECT_EQ(one.answers.size(), 2000u);
+    EXPECT_EQ(one.answers, sorted);
+    EXPECT_EQ(std::ranges::unique(sorted).size(), 0u);
+}
+
+TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
+    const struct {
+        SessionLimits limits;
+        const char* reason;
+    } rows[] = {
+        {{.outputBytes = 2048, .streamBacklog = 50}, "SLOW is cut off: too many updates wait for it"},
+        {{.outputBytes = 2048, .stalledMs = 200}, "SLOW is cut off: it takes nothing more"},
+    };
+    for (const auto& row : rows) {
+        Start(row.limits);
+        // More rows than the system keeps for a connection that is not read from.
+        Fill(20'000, {"SLOW", "", ""});
+        Terminal fast(m_port, "USER1"), slow(m_port, "SLOW");
+        ASSERT_TRUE(slow.Subscribe() && fast.Subscribe() && slow.Send(kList));
+        ASSERT_TRUE(Until([&] { return !slow.answers.empty(); }, {&slow, &fast}));
+        std::size_t sent = 0;
+        const auto isCut = [&] {
+            if (fast.Hub().Waiting() == 0) fast.Place(std::to_string(m_port) + "-" + std::to_string(sent++));
+            return !m_log.empty();
+        };
+        ASSERT_TRUE(Until(isCut, {&fast}));
+        EXPECT_EQ(std::exchange(m_log, {}), Texts{row.reason});
+        ASSERT_TRUE(Until([&] { return fast.Hub().Waiting() == 0; }, {&fast}));
+        EXPECT_EQ(fast.answers.size(), sent);
+        EXPECT_EQ(fast.streamed.size(), sent);
+        Kill();
+        m_port = 0;
+    }
+}
+
+std::string Framed(FrameType type, std::string_view payload) {
+    std::string bytes;
+    EXPECT_TRUE(AppendFrame(bytes, type, payload));
+    return bytes;
+}
+template <class Said>
+std::string Framed(Said said) {
+    std::string bytes;
+    EXPECT_TRUE(net::Append(bytes, said));
+    return bytes;
+}
+
+TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
+    Start();
+    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", ""});
+    std::string damaged = hello;
+    damaged.back() ^= 1;
+    const struct {
+        std::string bytes;
+        const char* reason; // empty: it goes on
+    } rows[] = {
+        {hello + Framed(net::Open{1, 1}) + Framed(net::Close{1}) + Framed(net::Close{7}), ""},
+        {hello + Framed(net::Subscribe{9, 0, {}}) + Framed(net::Stop{9}), ""},
+        {damaged, "a frame's checksum is wrong"},
+        {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
+        {std::string(8, '\0'), "a frame is empty"},
+        {Framed(FrameType::end, ""), "a frame's type is unknown"},
+        {Framed(net::Hello{2, "USER1", "", ""}), "the server speaks version 1, not 2"},
+        {Framed(net::Hello{}), "a terminal without a login"},
+        {Framed(net::Open{1, 1}), "a terminal says hello first"},
+        {hello + hello, "a second hello"},
+        {hello + Framed(net::Open{1, 3}), "a control of an unknown kind"},
+        {hello + Framed(net::Open{1, 1}) + Framed(net::Open{1, 1}), "a control opened twice"},
+        {hello + Framed(net::Request{1, 1, "rubbish"}), "a request that is no message"},
+        {hello + Framed(FrameType::subscribe, std::string(12, '\xFF')), "a frame that cannot be read"},
+        {hello + Framed(net::Done{1}), "a frame that a server sends"},
+    };
+    for (const auto& row : rows) {
+        Session session(*m_running->server, {});
+        for (const char byte : row.bytes)
+            session.Take({&byte, 1});
+        EXPECT_EQ(session.EndReason(), row.reason);
+        EXPECT_TRUE(session.Output().ends_with(row.reason));
+    }
+}
+
+TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
+    const std::string welcome = Framed(net::Welcome{});
+    const struct {
+        std::string bytes;
+        const char* state;
+    } rows[] = {
+        {"rubbish, and more of it", "a frame is too long"},
+        {Framed(net::Done{1}), "a server welcomes first"},
+        {Framed(net::Welcome{7, 0}), "the server speaks version 7"},
+        {Framed(net::Refusal{"full"}), "the server refuses: full"},
+        {welcome + welcome, "a second welcome"},
+        {welcome + Framed(net::Done{5}), "the end of a request that nobody made"},
+        {welcome + Framed(net::Answer{1, 5, ""}), "an answer that nobody asked for"},
+        {welcome + Framed(net::Answer{1, 1, "rubbish"}), "a message that cannot be read"},
+        {welcome + Framed(net::Stop{1}), "a frame that a terminal sends"},
+        {welcome + Framed(FrameType::stream, "x"), "a frame that cannot be read"},
+    };
+    for (const auto& row : rows) {
+        std::string error;
+        Socket listener = Socket::Listen(0, error);
+        Terminal terminal(listener.Port(), "USER1");
+        terminal.Send({{kTagRequestName, "any"}});
+        Socket server;
+        std::string_view left = row.bytes;
+        const auto isLost = [&] {
+            if (!server) server = listener.Accept();
+            if (server && !left.empty()) server.Send(left);
+            return terminal.states.size() > 1 && terminal.Hub().State() == LinkState::lost;
+        };
+        ASSERT_TRUE(Until(isLost, {&terminal})) << row.state;
+        EXPECT_EQ(terminal.states.back(), row.state);
+        EXPECT_EQ(terminal.Hub().Waiting(), 1u) << "the request is kept for the next server";
+    }
+}
+
+} // namespace
+} // namespace vesk
