@@ -11,7 +11,9 @@ namespace vesk {
 namespace {
 
 using Texts = std::vector<std::string>;
-const Fields kList{{kTagRequestName, "om_get_sip_orders"}};
+Fields ListOf(const char* user) {
+    return {{kTagRequestName, "om_get_sip_orders"}, {kTagUser, user}};
+}
 
 class Net : public testing::Test {
 protected:
@@ -91,7 +93,7 @@ TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
     Start({.outputBytes = 4096});
     Fill(2000, m_running->user);
     Terminal one(m_port, "USER1");
-    ASSERT_TRUE(one.Send(kList));
+    ASSERT_TRUE(one.Send(ListOf("USER1")));
     for (std::size_t enough : {10, 700, 1300}) {
         ASSERT_TRUE(Until([&] { return one.answers.size() >= enough; }, {&one}));
         Kill();
@@ -113,16 +115,18 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
         {{.outputBytes = 2048, .streamBacklog = 50}, "SLOW is cut off: too many updates wait for it"},
         {{.outputBytes = 2048, .stalledMs = 200}, "SLOW is cut off: it takes nothing more"},
     };
+    Start();
+    // More rows than the system keeps for a connection that is not read from.
+    Fill(20'000, {"SLOW", "", ""});
+    Kill();
     for (const auto& row : rows) {
         Start(row.limits);
-        // More rows than the system keeps for a connection that is not read from.
-        Fill(20'000, {"SLOW", "", ""});
         Terminal fast(m_port, "USER1"), slow(m_port, "SLOW");
-        ASSERT_TRUE(slow.Subscribe() && fast.Subscribe() && slow.Send(kList));
+        ASSERT_TRUE(slow.Subscribe() && fast.Subscribe() && slow.Send(ListOf("SLOW")));
         ASSERT_TRUE(Until([&] { return !slow.answers.empty(); }, {&slow, &fast}));
         std::size_t sent = 0;
         const auto isCut = [&] {
-            if (fast.Hub().Waiting() == 0) fast.Place(std::to_string(m_port) + "-" + std::to_string(sent++));
+            if (fast.Hub().Waiting() == 0) fast.Place(row.reason + std::to_string(sent++));
             return !m_log.empty();
         };
         ASSERT_TRUE(Until(isCut, {&fast}));
@@ -131,7 +135,6 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
         EXPECT_EQ(fast.answers.size(), sent);
         EXPECT_EQ(fast.streamed.size(), sent);
         Kill();
-        m_port = 0;
     }
 }
 
