@@ -53,3 +53,6 @@ add_executable(planfold_basket_bench EXCLUDE_FROM_ALL
     ${bench}/SampleBasket.cpp
     ${bench}/SubmitCase.cpp)
 target_link_libraries(planfold_basket_bench PRIVATE house_rules bench_rounds planfold_core csv)
+
+add_executable(planfold_net_bench EXCLUDE_FROM_ALL ${bench}/NetBench.cpp)
+target_link_libraries(planfold_net_bench PRIVATE house_rules vesk_remote)

@@ -5,7 +5,7 @@
 #include "host/server/net/Session.h"
 
 #include <filesystem>
-#include <memory>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -52,16 +52,16 @@ std::string Conversation(std::string_view text) {
 }
 
 void Talk(std::string_view bytes, std::size_t portion) {
-    static vesk::JournalOpening opening =
-        vesk::Journal::Open(std::filesystem::temp_directory_path() / "framing-fuzzer-journal");
+    static vesk::JournalOpening opening = vesk::Journal::Open(std::filesystem::temp_directory_path()
+                                                              / ("fuzz-framing-" + std::to_string(getpid())));
     vesk::Server server({}, *opening.journal, {}, vesk::SystemClock());
     vesk::Session session(server, {});
     vesk::FrameFault fault{};
     std::string hello;
     fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", ""}));
-    session.Take(hello);
+    session.Take(hello, 0);
     for (; !bytes.empty(); bytes.remove_prefix(std::min(portion, bytes.size()))) {
-        session.Take(bytes.substr(0, portion));
+        session.Take(bytes.substr(0, portion), 0);
         session.Pump(0);
     }
     // Whatever came in: what goes out is in order.

@@ -178,7 +178,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
     for (const auto& row : rows) {
         Session session(*m_running->server, {});
         for (const char byte : row.bytes)
-            session.Take({&byte, 1});
+            session.Take({&byte, 1}, 0);
         EXPECT_EQ(session.EndReason(), row.reason);
         EXPECT_TRUE(session.Output().ends_with(row.reason));
     }

@@ -75,7 +75,7 @@ void NetServer::Receive(Connection& connection) {
     std::array<char, 65536> part;
     std::size_t got = 0;
     const Transfer transfer = connection.socket.Receive(part, got);
-    if (transfer == Transfer::some) connection.session.Take({part.data(), got});
+    if (transfer == Transfer::some) connection.session.Take({part.data(), got}, NowMs());
     if (transfer == Transfer::ended) connection.isGone = true;
 }
 

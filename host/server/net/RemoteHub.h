@@ -33,7 +33,7 @@ enum class LinkState { connecting, connected, lost };
 
 class RemoteHub final : public ControlHub {
 public:
-    // Called from Pump at each change; `text` is for the user.
+    // Called from Pump at each change; `text` is for the user. It must not pump.
     using StateChanged = std::function<void(LinkState state, const std::string& text)>;
 
     RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed);

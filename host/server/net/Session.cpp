@@ -59,7 +59,8 @@ const Session::Step Session::kSteps[] = {
 Session::Session(Server& server, const SessionLimits& limits) : m_server(server), m_limits(limits) {}
 Session::~Session() = default;
 
-void Session::Take(std::string_view bytes) {
+void Session::Take(std::string_view bytes, std::int64_t nowMs) {
+    m_nowMs = std::max(m_nowMs, nowMs);
     m_reader.Add(bytes);
     while (!HasEnded()) {
         const auto frame = m_reader.Next();

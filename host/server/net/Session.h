@@ -36,8 +36,9 @@ public:
     Session& operator=(const Session&) = delete;
     ~Session();
 
-    void Take(std::string_view bytes);
-    // A portion of what there is to do; `nowMs` never goes back.
+    // `nowMs` never goes back.
+    void Take(std::string_view bytes, std::int64_t nowMs);
+    // A portion of what there is to do.
     void Pump(std::int64_t nowMs);
     bool TakesInput() const { return !HasEnded() && m_requests.size() < m_limits.requests; }
     // Whether another pump would do something, as far as `nowMs`.

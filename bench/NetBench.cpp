@@ -1,0 +1,188 @@
+// planfold_net_bench [ORDERS]
+//
+// Terminals without windows at one server over TCP that holds 100,000 registrations: how many updates a second
+// reach them while one of them places orders as fast as they are answered, several at a time, and how long it
+// takes from a request to the update at the others while it places them one at a time.
+
+#include "host/server/SampleOrders.h"
+#include "host/server/net/NetServer.h"
+#include "host/server/net/RemoteHub.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <list>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace vesk;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kTerminals = 50;
+constexpr std::size_t kRegistrations = 100'000;
+constexpr std::size_t kAtATime = 16;
+constexpr std::size_t kUsualOrders = 2'000;
+
+std::int64_t NowMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch()).count();
+}
+
+// The server on a thread of its own, in a folder of its own.
+class ServerThread {
+public:
+    ServerThread()
+        : m_folder(std::filesystem::temp_directory_path() / ("net-bench-" + std::to_string(getpid()))) {
+        std::filesystem::create_directories(m_folder);
+        m_opening = Journal::Open(m_folder / "journal");
+        m_server.emplace(ServerConfig{}, *m_opening.journal, m_opening.records, SystemClock());
+        m_server->Fill(
+            {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
+        m_net.emplace(*m_server, [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+        m_net->Listen(0);
+        m_port = m_net->Port();
+        m_thread = std::thread([this] {
+            while (!m_isToEnd)
+                m_net->Turn(10);
+        });
+    }
+    ~ServerThread() {
+        m_isToEnd = true;
+        m_thread.join();
+        std::filesystem::remove_all(m_folder);
+    }
+    std::uint16_t Port() const { return m_port; }
+
+private:
+    std::filesystem::path m_folder;
+    JournalOpening m_opening;
+    std::optional<Server> m_server;
+    std::optional<NetServer> m_net;
+    std::uint16_t m_port = 0;
+    std::atomic<bool> m_isToEnd = false;
+    std::thread m_thread;
+};
+
+class Terminal final : public CKeloRxNotifierBase {
+public:
+    explicit Terminal(std::uint16_t port)
+        : m_hub({"localhost", port}, {"DEALER", "B", ""}, {}), m_requests(m_hub.Get(kRxRequests, this)),
+          m_stream(m_hub.Get(kRxIdentityStream, this)) {
+        const std::uint32_t tag = kTagUser;
+        const QmxDatum own{};
+        m_stream->Subscribe(nullptr, &tag, &own, 1, m_stream, 0, 0, 1, nullptr);
+        Send({{kTagRequestName, "get_sip_operation_mode"}});
+    }
+
+    void Send(std::initializer_list<std::pair<std::uint32_t, std::string_view>> fields) {
+        m_writer.Start();
+        for (const auto& [tag, text] : fields)
+            m_writer.Add(tag, text);
+        m_requests->SendRequest(nullptr, m_writer.Handle(), 0, nullptr);
+    }
+    void Place(std::size_t number) {
+        Send({{kTagRequestName, "add_sip_orders"},
+              {kTagExchange, "nse_cm"},
+              {kTagToken, "1013"},
+              {kTagTradingSymbol, "ARBORTOOLS-EQ"},
+              {kTagSide, "B"},
+              {kTagOrderType, "MKT"},
+              {kTagProduct, "CNC"},
+              {kTagInvestType, "value"},
+              {kTagAmountOrQuantity, "123450"},
+              {kTagFrequency, "monthly"},
+              {kTagStartDate, "4070908800"},
+              {kTagPeriods, "12"},
+              {kTagUser, "DEALER"},
+              {kTagFirm, "C"},
+              {kTagAccount, "C001"},
+              {kTagValidity, "DAY"},
+              {kTagOrderSource, "TWS"},
+              {kTagRequestIdentifier, "order-" + std::to_string(number)}});
+    }
+    void Pump() { m_hub.Pump(NowMs()); }
+    std::size_t Waiting() const { return m_hub.Waiting(); }
+
+    void OnBroadcast(void*, std::uint32_t, void*) override {
+        ++updates;
+        updatedAt = Clock::now();
+    }
+    void OnResponse(void*, void* message, void*) override {
+        if (qmx::Has(message, kTagErrorCode)) std::fprintf(stderr, "%s\n", qmx::Dump(message).c_str());
+    }
+
+    std::size_t updates = 0;
+    Clock::time_point updatedAt;
+
+private:
+    qmx::MessageWriter m_writer;
+    RemoteHub m_hub;
+    RxControl* m_requests;
+    RxControl* m_stream;
+};
+
+class Room {
+public:
+    explicit Room(std::uint16_t port) {
+        for (std::size_t i = 0; i < kTerminals; ++i)
+            m_terminals.emplace_back(port);
+        Until(
+            [&] { return std::ranges::all_of(m_terminals, [](Terminal& one) { return one.Waiting() == 0; }); });
+    }
+
+    // Updates a second, at all terminals together.
+    double Throughput(std::size_t orders) {
+        const auto start = Clock::now();
+        const std::size_t end = m_placed + orders;
+        Until([&] {
+            while (m_placed < end && m_terminals.front().Waiting() < kAtATime)
+                m_terminals.front().Place(m_placed++);
+            return HaveAll();
+        });
+        return static_cast<double>(orders * kTerminals)
+               / std::chrono::duration<double>(Clock::now() - start).count();
+    }
+    // Of each order at each other terminal, in order, in milliseconds.
+    std::vector<double> Latencies(std::size_t orders) {
+        std::vector<double> all;
+        for (std::size_t i = 0; i < orders; ++i) {
+            const auto start = Clock::now();
+            m_terminals.front().Place(m_placed++);
+            Until([&] { return HaveAll(); });
+            for (auto one = std::next(m_terminals.begin()); one != m_terminals.end(); ++one)
+                all.push_back(std::chrono::duration<double, std::milli>(one->updatedAt - start).count());
+        }
+        std::ranges::sort(all);
+        return all;
+    }
+
+private:
+    bool HaveAll() const {
+        return std::ranges::all_of(m_terminals, [&](const Terminal& one) { return one.updates == m_placed; });
+    }
+    template <class Condition>
+    void Until(Condition condition) {
+        while (!condition())
+            for (Terminal& terminal : m_terminals)
+                terminal.Pump();
+    }
+
+    std::list<Terminal> m_terminals;
+    std::size_t m_placed = 0;
+};
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const std::size_t orders = count > 1 ? std::stoul(arguments[1]) : kUsualOrders;
+    const ServerThread server;
+    Room room(server.Port());
+    std::printf("%zu terminals, %zu registrations\n", kTerminals, kRegistrations);
+    std::printf("updates a second     %10.0f\n", room.Throughput(orders));
+    const std::vector<double> latencies = room.Latencies(orders);
+    std::printf("median latency       %10.2f ms\n", latencies[latencies.size() / 2]);
+    std::printf("99th percentile      %10.2f ms\n", latencies[latencies.size() * 99 / 100]);
+}
