@@ -18,7 +18,8 @@ namespace vesk {
 namespace {
 
 constexpr int kFailed = 2;
-constexpr int kWaitMs = 100; // until it looks whether it is to end
+constexpr int kWaitMs = 100;                           // until it looks whether it is to end
+constexpr std::chrono::milliseconds kExecutionTime{5}; // of due instalments, between two looks at the terminals
 
 std::atomic<bool> g_isToEnd = false; // set by a signal's handler, which has no other way
 static_assert(std::atomic<bool>::is_always_lock_free);
@@ -56,8 +57,11 @@ int Serve(Server& server, std::uint16_t port) {
     std::thread(AwaitEndOfInput).detach();
     std::printf("listening on 127.0.0.1:%u\n", unsigned{net.Port()});
     std::fflush(stdout);
-    while (!g_isToEnd)
-        net.Turn(kWaitMs);
+    while (!g_isToEnd) {
+        net.Turn(server.HasDue() ? 0 : kWaitMs);
+        const Executed done = server.ExecuteDue(kExecutionTime);
+        if (!done.fault.empty()) Note(done.fault);
+    }
     return 0;
 }
 

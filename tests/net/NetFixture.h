@@ -38,7 +38,9 @@ public:
         return m_requests->SendRequest(nullptr, reader.Handle(), 0, nullptr) != 0;
     }
     bool Place(const std::string& identifier) {
-        return Send(Order({{kTagUser, m_user}, {kTagRequestIdentifier, identifier}}));
+        // From 2099 on: no instalment of it is due.
+        return Send(
+            Order({{kTagUser, m_user}, {kTagRequestIdentifier, identifier}, {kTagStartDate, "4070908800"}}));
     }
     void Pump() { m_hub.Pump(SteadyMs()); }
     RemoteHub& Hub() { return m_hub; }
