@@ -1,5 +1,6 @@
 #include "plugin/basket/BasketForm.h"
 
+#include "plugin/basket/SipOrderFields.h"
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Text.h"
@@ -11,27 +12,6 @@ namespace {
 
 constexpr FormTexts kTexts{"Enter Token", "Please select the ClientID", "Enter valid Qty"};
 
-struct FieldRow {
-    BasketField field;
-    std::string sSipOrderData::*member;
-};
-constexpr FieldRow kFields[] = {
-    {BasketField::orderType, &sSipOrderData::orderType},
-    {BasketField::product, &sSipOrderData::product},
-    {BasketField::frequency, &sSipOrderData::frequency},
-    {BasketField::totalPeriod, &sSipOrderData::totalPeriod},
-    {BasketField::startDate, &sSipOrderData::startDate},
-    {BasketField::customerFirm, &sSipOrderData::customerFirm},
-    {BasketField::validity, &sSipOrderData::validity},
-    {BasketField::exchangeSegment, &sSipOrderData::exchangeSegment},
-    {BasketField::action, &sSipOrderData::side},
-    {BasketField::token, &sSipOrderData::token},
-    {BasketField::tradingSymbol, &sSipOrderData::tradingSymbol},
-    {BasketField::clientId, &sSipOrderData::client},
-    {BasketField::sideWord, &sSipOrderData::sideLabel},
-    {BasketField::investType, &sSipOrderData::investType},
-};
-
 std::string Shown(CodeTable table, std::string_view text) {
     std::string shown(text);
     Convert(table, text, shown);
@@ -42,9 +22,9 @@ std::string Shown(CodeTable table, std::string_view text) {
 
 BasketTexts FormOrder::Texts() const {
     BasketTexts texts;
-    for (const auto& [field, member] : kFields)
+    for (const auto& [field, member] : kSipOrderFields)
         texts[field] = data.*member;
-    texts[data.investType == "value" ? BasketField::amount : BasketField::quantity] = data.amountOrQuantity;
+    texts[ValueField(data.investType)] = data.amountOrQuantity;
     texts[BasketField::series] = series;
     texts[BasketField::symbol] = symbol;
     texts[BasketField::startDateText] = startDateText;

@@ -1,5 +1,6 @@
 #include "plugin/basket/BasketPlacing.h"
 
+#include "plugin/basket/SipOrderFields.h"
 #include "plugin/messaging/Codes.h"
 #include "plugin/orderentry/PlaceOrder.h"
 
@@ -10,32 +11,12 @@ namespace planfold {
 namespace {
 
 std::string_view ValueOf(const sBasketOrderData& row) {
-    return row.Text(row.Text(BasketField::investType) == "value" ? BasketField::amount : BasketField::quantity);
+    return row.Text(ValueField(row.Text(BasketField::investType)));
 }
 
 sSipOrderData OrderOf(const sBasketOrderData& row) {
-    struct Member {
-        std::string sSipOrderData::*member;
-        BasketField field;
-    };
-    static constexpr Member members[] = {
-        {&sSipOrderData::orderType, BasketField::orderType},
-        {&sSipOrderData::product, BasketField::product},
-        {&sSipOrderData::frequency, BasketField::frequency},
-        {&sSipOrderData::totalPeriod, BasketField::totalPeriod},
-        {&sSipOrderData::startDate, BasketField::startDate},
-        {&sSipOrderData::customerFirm, BasketField::customerFirm},
-        {&sSipOrderData::validity, BasketField::validity},
-        {&sSipOrderData::investType, BasketField::investType},
-        {&sSipOrderData::exchangeSegment, BasketField::exchangeSegment},
-        {&sSipOrderData::side, BasketField::action},
-        {&sSipOrderData::token, BasketField::token},
-        {&sSipOrderData::tradingSymbol, BasketField::tradingSymbol},
-        {&sSipOrderData::client, BasketField::clientId},
-        {&sSipOrderData::sideLabel, BasketField::sideWord},
-    };
     sSipOrderData order;
-    for (const auto& [member, field] : members)
+    for (const auto& [field, member] : kSipOrderFields)
         order.*member = row.Text(field);
     order.amountOrQuantity = ValueOf(row);
     return order;
