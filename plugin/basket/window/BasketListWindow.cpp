@@ -20,16 +20,30 @@ void BasketListWindow::RemoveAll() {
     m_cells = {};
 }
 
+void BasketListWindow::BeginChanges() {
+    ++m_changes;
+    m_list.BeginChanges();
+}
+
+void BasketListWindow::EndChanges() {
+    m_list.EndChanges();
+    if (--m_changes == 0) m_shownChanged();
+}
+
+void BasketListWindow::ShownRowsChanged(CFilterListCtrl*) noexcept {
+    if (m_changes == 0) framework::Guard(m_shownChanged);
+}
+
 void BasketListWindow::RemoveSelected() {
     const HWND list = m_list.Handle();
     const std::vector<RecordId> selected = Selected();
     int last = -1;
     for (int row = -1; (row = ListView_GetNextItem(list, row, LVNI_SELECTED)) >= 0;)
         last = row;
-    m_list.BeginChanges();
+    BeginChanges();
     for (const RecordId record : selected)
         m_list.Remove(record);
-    m_list.EndChanges();
+    EndChanges();
     // Where the last of them stood once those above it were gone.
     const int next = last + 1 - static_cast<int>(selected.size());
     if (next >= 0 && next < static_cast<int>(m_list.ShownCount()))

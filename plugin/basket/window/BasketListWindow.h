@@ -29,8 +29,8 @@ public:
     void Repaint(RecordId record) override { m_list.Repaint(record); }
     void Remove(RecordId record) override { m_list.Remove(record); }
     void RemoveAll() override;
-    void BeginChanges() override { m_list.BeginChanges(); }
-    void EndChanges() override { m_list.EndChanges(); }
+    void BeginChanges() override;
+    void EndChanges() override;
     std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
     RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
     void RemoveSelected() override;
@@ -39,11 +39,12 @@ private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override;
     std::int32_t RowLook(std::uint32_t record) noexcept override;
-    void ShownRowsChanged(CFilterListCtrl*) noexcept override { framework::Guard(m_shownChanged); }
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override;
 
     const BasketRows& m_rows;
     std::function<void()> m_shownChanged;
     BasketCells m_cells;
+    int m_changes = 0; // begun and not ended: what many rows do to what is shown is told once
     CFilterListCtrl m_list;
 };
 
