@@ -22,7 +22,6 @@ class Basket final : public LongRun {
 public:
     // The window's name, and its group of hot keys.
     static constexpr char kName[] = "SIP Basket Entry";
-    static constexpr char kCaption[] = "Planfold Basket Order";
     static constexpr int kDeleteHotKey = 193;
 
     // `control` may be null: every sending then fails with its own text.
