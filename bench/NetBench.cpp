@@ -41,7 +41,9 @@ public:
         m_server.emplace(ServerConfig{}, *m_opening.journal, m_opening.records, SystemClock());
         m_server->Fill(
             {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
-        m_net.emplace(*m_server, [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+        m_commands.emplace(*m_server, SampleMarket{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}, true);
+        m_net.emplace(*m_server, *m_commands,
+                      [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
         m_net->Listen(0);
         m_port = m_net->Port();
         m_thread = std::thread([this] {
@@ -60,6 +62,7 @@ private:
     std::filesystem::path m_folder;
     JournalOpening m_opening;
     std::optional<Server> m_server;
+    std::optional<ServerCommands> m_commands;
     std::optional<NetServer> m_net;
     std::uint16_t m_port = 0;
     std::atomic<bool> m_isToEnd = false;

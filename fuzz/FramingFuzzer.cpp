@@ -55,7 +55,8 @@ void Talk(std::string_view bytes, std::size_t portion) {
     static vesk::JournalOpening opening = vesk::Journal::Open(std::filesystem::temp_directory_path()
                                                               / ("fuzz-framing-" + std::to_string(getpid())));
     vesk::Server server({}, *opening.journal, {}, vesk::SystemClock());
-    vesk::Session session(server, {});
+    vesk::ServerCommands commands(server, {}, true);
+    vesk::Session session(server, commands, {});
     vesk::FrameFault fault{};
     std::string hello;
     fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", ""}));
@@ -81,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::Demand(frames == ReadAll(bytes, bytes.size(), faultAtOnce) && fault == faultAtOnce);
         namespace net = vesk::net;
         RoundTrips<net::Hello, net::Open, net::Close, net::Request, net::Subscribe, net::Stop, net::Welcome,
-                   net::Refusal, net::Answer, net::Done, net::Stream, net::Unsubscribed>(frames);
+                   net::Refusal, net::Answer, net::Done, net::Stream, net::Unsubscribed, net::Command,
+                   net::Told, net::ServerState>(frames);
         Talk(bytes, portion);
     }
     return 0;

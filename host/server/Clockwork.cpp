@@ -111,7 +111,7 @@ std::string Server::ExecuteSome(std::size_t& count) {
     for (const std::size_t place : places) {
         const Registration& registration = m_registrations[place];
         const Progress& progress = registration.progress;
-        const ExecutionPlan plan{{day}, m_prices ? m_prices(registration) : 0, m_config.fills.seed};
+        const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
         const std::size_t sequence = m_orderCount + orders.size() + 1;
         orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, Today(), sequence}));
         orders.back().instalment = {progress.executed + 1, progress.place};

@@ -77,6 +77,7 @@ std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) 
 void RestrictedDays::Set(const RestrictedRange& range) {
     std::erase_if(m_ranges, [&](const RestrictedRange& held) { return held.year == range.year; });
     m_ranges.push_back(range);
+    ++m_changes;
 }
 
 bool RestrictedDays::Has(Date day) const {

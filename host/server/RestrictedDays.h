@@ -42,6 +42,8 @@ public:
     std::chrono::sys_days Since() const {
         return m_ranges.empty() ? std::chrono::sys_days() : m_ranges.back().since;
     }
+    // How often one was set.
+    std::size_t Changes() const { return m_changes; }
     // In the order of setting.
     const std::vector<RestrictedRange>& Ranges() const { return m_ranges; }
     bool Has(std::chrono::year_month_day day) const;
@@ -50,6 +52,7 @@ public:
 
 private:
     std::vector<RestrictedRange> m_ranges;
+    std::size_t m_changes = 0;
 };
 
 } // namespace vesk

@@ -80,6 +80,11 @@ std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text
     return date.ok() ? std::optional(date) : std::nullopt;
 }
 
+std::uint32_t DateNumber(std::chrono::year_month_day date) {
+    return static_cast<std::uint32_t>(int{date.year()}) * 10'000 + unsigned{date.month()} * 100
+           + unsigned{date.day()};
+}
+
 std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence) {
     char text[40];
     std::snprintf(text, sizeof text, "%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,

@@ -93,6 +93,7 @@ Reply Server::Handle(void* request, const UserIdentity& user) {
     const RequestFault& fault = m_config.FaultFor(name);
     Reply reply = fault.errorCode ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
                                   : Dispatch(name, request, user);
+    if (m_config.TakeDisconnect(name)) return {.isCut = true};
     if (fault.silent) return {};
     if (fault.garbage) return {{m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()}};
     return reply;

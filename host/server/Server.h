@@ -50,6 +50,7 @@ protected:
 struct Reply {
     std::vector<std::string> answers{};
     std::optional<RowQuery> rows{};
+    bool isCut = false; // the connection that asked is to be cut
 };
 
 // What Server::ExecuteDue did.
@@ -98,6 +99,9 @@ public:
     // About which price of a registration, in paise, the orders of its instalments are filled; 0 as in
     // ExecutionPlan.
     void SetPrices(std::function<std::int64_t(const Registration&)> prices) { m_prices = std::move(prices); }
+    std::int64_t PriceOf(const Registration& registration) const {
+        return m_prices ? m_prices(registration) : 0;
+    }
 
     // After a start: whether most of the journal's many records are superseded.
     bool IsJournalStale() const;

@@ -93,17 +93,22 @@ void ReadOperationMode(const Json& mode, ServerConfig& config) {
 }
 
 RequestFault ReadFault(const Json& row, const std::string& request) {
-    CheckMembers(row, request, {"error", "delayMs", "silent", "garbage"});
+    CheckMembers(row, request, {"error", "delayMs", "silent", "garbage", "disconnect"});
     RequestFault fault;
     if (std::string code; row.contains("error")) {
         Read(row, "error", "a text", &Json::is_string, code);
         fault.errorCode = code;
     }
     Read(row, "delayMs", "a whole number of milliseconds", &Json::is_number_unsigned, fault.delayMs);
-    if (fault.delayMs < 0 || fault.delayMs > 86'400'000)
+    if (fault.delayMs < 0 || fault.delayMs > kMostDelayMs)
         throw WrongSetting("delayMs", "\"delayMs\" must not exceed a day");
     Read(row, "silent", "true or false", &Json::is_boolean, fault.silent);
     Read(row, "garbage", "true or false", &Json::is_boolean, fault.garbage);
+    std::int64_t times = 0;
+    Read(row, "disconnect", "a whole number", &Json::is_number_unsigned, times);
+    if (times < 0 || times > kMostDisconnects)
+        throw WrongSetting("disconnect", "\"disconnect\" must not exceed " + std::to_string(kMostDisconnects));
+    fault.disconnects = static_cast<int>(times);
     return fault;
 }
 
@@ -132,13 +137,24 @@ ServerConfig ReadConfig(const Json& root) {
     return config;
 }
 
+auto RowFor(std::string_view request, auto& faults) {
+    const auto found = faults.find(request);
+    return found != faults.end() ? found : faults.find(std::string_view("*"));
+}
+
 } // namespace
 
 const RequestFault& ServerConfig::FaultFor(std::string_view request) const {
     static const RequestFault none;
-    auto found = faults.find(request);
-    if (found == faults.end()) found = faults.find(std::string_view("*"));
+    const auto found = RowFor(request, faults);
     return found == faults.end() ? none : found->second;
+}
+
+bool ServerConfig::TakeDisconnect(std::string_view request) {
+    const auto found = RowFor(request, faults);
+    if (found == faults.end() || found->second.disconnects == 0) return false;
+    --found->second.disconnects;
+    return true;
 }
 
 ConfigResult ParseServerConfig(std::string_view text, std::string_view name) {

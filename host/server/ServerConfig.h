@@ -32,7 +32,10 @@ struct RequestFault {
     std::int64_t delayMs = 0;               // before the request is handled
     bool silent = false;                    // handled, never answered
     bool garbage = false;                   // handled, answered with a message of unknown fields
+    int disconnects = 0; // so many times more handled, then the connection is cut instead of answering
 };
+inline constexpr std::int64_t kMostDelayMs = 86'400'000; // a day
+inline constexpr int kMostDisconnects = 1'000'000;
 
 // How the made-up exchange fills orders.
 struct FillRates {
@@ -51,6 +54,8 @@ struct ServerConfig {
     std::vector<std::chrono::year_month_day> nonTrading;
 
     const RequestFault& FaultFor(std::string_view request) const;
+    // Whether the connection is to be cut this time, which is counted.
+    bool TakeDisconnect(std::string_view request);
 };
 
 struct ConfigResult {
@@ -59,7 +64,8 @@ struct ConfigResult {
 };
 
 // JSON: {"operationMode": {"shape": "list", "frequencies": [{"name": "monthly", "minimum": 6}]},
-//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true}},
+//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true,
+//                                       "disconnect": 2}},
 //        "fills": {"rejected": 20, "partial": 30, "seed": 1}}
 // A member left out keeps its default; an unknown one is refused.
 ConfigResult LoadServerConfig(const std::filesystem::path& path);

@@ -23,6 +23,7 @@ bool ReadPath(ServerOptions& options, std::string_view text) {
 
 // Where the terminal has its files.
 bool ReadData(ServerOptions& options, std::string_view text) {
+    options.data = text;
     if (options.journal.empty()) options.journal = std::string(text) + "/journal";
     if (options.config.empty()) options.config = std::string(text) + "/server.json";
     return !text.empty();
@@ -54,6 +55,22 @@ DESCRIPTION
 
         listening on 127.0.0.1:PORT
 
+    and then takes commands, a line of standard input each, and prints what became
+    of each in a line:
+
+        clock next           the server's clock goes to the next instalment
+        clock DAYS           or so many days on
+        fill COUNT           makes up registrations
+        other COUNT          places orders as another user of the firm
+        execute COUNT [NUMBER]
+                             makes exchange orders for days gone by, of the latest
+                             registration or the one with the number
+        fault REQUEST KIND [VALUE]
+                             plays a fault on a request, or on all ("*"): delay MS,
+                             error CODE, silent, garbage, disconnect [TIMES], none
+
+    A terminal can give the same commands.
+
     It can be ended at any moment, even by force: what a terminal was answered is
     in the journal, and the next server goes on from there.
 
@@ -62,7 +79,10 @@ OPTIONS
     --journal FILE   every change, on the disk before it is answered; made when
                      there is none. Only one server at a time can have it open
     --config FILE    frequencies and faults to play, as data/server.json
-    --data FOLDER    where "journal" and "server.json" are, unless they are named
+    --data FOLDER    where "journal" and "server.json" are, unless they are named, and
+                     the market: "scrips.csv", "clients.csv", "nontrading.csv". In
+                     "terminal.json" it says whose orders "fill" makes up. A missing
+                     one of these four is told and done without
 
 EXIT STATUS
     0    it was told to end

@@ -14,6 +14,7 @@ struct ServerOptions {
     std::uint16_t port = 0;
     std::string journal;
     std::string config; // empty: the usual settings
+    std::string data;   // the terminal's folder; empty: none
 };
 
 extern const std::string_view kServerHelp;

@@ -1,18 +1,15 @@
 // veskserver: the trading server as a program of its own.
 #include "host/server/net/NetServer.h"
+#include "host/terminal/core/MarketOfServer.h"
+#include "host/terminal/core/TerminalConfig.h"
+#include "host/terminal/core/TradingCalendar.h"
+#include "host/veskserver/InputLines.h"
 #include "host/veskserver/Options.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <thread>
-
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 namespace vesk {
 namespace {
@@ -32,37 +29,73 @@ void Note(const std::string& line) {
     Fail(line);
 }
 
-// Past the library's own reading, which would still hold its lock when the program ends.
-void AwaitEndOfInput() {
-    char ignored[256];
-#ifdef _WIN32
-    while (_read(0, ignored, sizeof ignored) > 0) {
-    }
-#else
-    while (::read(0, ignored, sizeof ignored) > 0) {
-    }
-#endif
-    g_isToEnd = true;
-}
-
 void EndOn(int signal) {
     std::signal(signal, [](int) { g_isToEnd = true; });
 }
 
-int Serve(Server& server, std::uint16_t port) {
-    NetServer net(server, Note);
+// What of the terminal's files a server can use.
+struct Market {
+    ScripMaster master;
+    ClientList clients;
+    TradingCalendar calendar;
+    TerminalConfig terminal;
+};
+
+template <class T>
+void Take(Loaded<T> loaded, T& target) {
+    if (loaded)
+        target = std::move(loaded.Value());
+    else
+        Note(loaded.Fault().Text());
+}
+
+Market LoadMarket(const std::string& data) {
+    Market market;
+    if (data.empty()) return market;
+    Take(ScripMaster::Load(data + "/scrips.csv"), market.master);
+    Take(ClientList::Load(data + "/clients.csv"), market.clients);
+    Take(TradingCalendar::Load(data + "/nontrading.csv"), market.calendar);
+    Take(TerminalConfig::Load(data + "/terminal.json"), market.terminal);
+    return market;
+}
+
+// Who gives the commands of standard input.
+UserIdentity Operator(const TerminalConfig& terminal) {
+    return {terminal.loginId.empty() ? "DEALER01" : terminal.loginId, terminal.peerIdA, terminal.peerIdB};
+}
+
+void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user,
+            std::int64_t nowMs) {
+    for (const std::string& line : lines)
+        std::printf("%s\n", commands.Run(line, user, nowMs).text.c_str());
+    if (!lines.empty()) std::fflush(stdout);
+}
+
+int Serve(Server& server, std::uint16_t port, const Market& market) {
+    ServerCommands commands(server, SampleMarketOf(market.master, market.clients), true);
+    NetServer net(server, commands, Note);
     if (const std::string fault = net.Listen(port); !fault.empty()) return Fail(fault);
     EndOn(SIGINT);
     EndOn(SIGTERM);
-    std::thread(AwaitEndOfInput).detach();
+    const auto takeInput = ReadInput();
+    const UserIdentity user = Operator(market.terminal);
     std::printf("listening on 127.0.0.1:%u\n", unsigned{net.Port()});
     std::fflush(stdout);
     while (!g_isToEnd) {
         net.Turn(server.HasDue() ? 0 : kWaitMs);
+        const InputLines input = takeInput();
+        Answer(input.lines, commands, user, server.Now());
+        if (input.isOver) return 0;
         const Executed done = server.ExecuteDue(kExecutionTime);
         if (!done.fault.empty()) Note(done.fault);
     }
     return 0;
+}
+
+void CompactWhenStale(Server& server) {
+    if (!server.IsJournalStale()) return;
+    const std::string fault = server.CompactJournal();
+    Note(fault.empty() ? "The journal is written anew without what was superseded" : fault);
 }
 
 int Run(std::span<const char* const> words) {
@@ -76,13 +109,18 @@ int Run(std::span<const char* const> words) {
     ConfigResult config{ServerConfig{}, {}};
     if (!options.config.empty()) config = LoadServerConfig(options.config);
     if (!config.config) return Fail(config.error);
+    const Market market = LoadMarket(options.data);
+    config.config->nonTrading = DatesOf(market.calendar.Dates());
     JournalOpening opening = Journal::Open(options.journal);
     if (!opening.journal) return Fail(opening.error);
     if (!opening.warning.empty()) Note(opening.warning);
     Server server(std::move(*config.config), *opening.journal, opening.records, SystemClock());
     if (!server.ReplayError().empty()) return Fail(server.ReplayError());
+    opening.records.clear();
     opening.text.reset();
-    return Serve(server, options.port);
+    server.SetPrices(PricesOf(market.master));
+    CompactWhenStale(server);
+    return Serve(server, options.port, market);
 }
 
 } // namespace

@@ -19,8 +19,11 @@ class Net : public testing::Test {
 protected:
     void Start(SessionLimits limits = {}) {
         m_running.emplace(m_folder.File("journal"), m_config);
+        m_commands.emplace(*m_running->server, SampleMarket{{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}},
+                           true);
         m_net.emplace(
-            *m_running->server, [this](const std::string& line) { m_log.push_back(line); }, limits);
+            *m_running->server, *m_commands, [this](const std::string& line) { m_log.push_back(line); },
+            limits);
         ASSERT_EQ(m_net->Listen(m_port), "");
         m_port = m_net->Port();
     }
@@ -47,6 +50,7 @@ protected:
     ServerConfig m_config;
     std::uint16_t m_port = 0;
     std::optional<RunningServer> m_running;
+    std::optional<ServerCommands> m_commands;
     std::optional<NetServer> m_net;
     Texts m_log;
 };
@@ -87,6 +91,63 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     EXPECT_EQ(m_running->server->Registrations().size(), 3u);
     EXPECT_EQ(two.states.back(), "connected");
     EXPECT_EQ(one.Hub().Waiting(), 0u);
+}
+
+TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
+    m_config.faults["pause_sip_order"].disconnects = 1;
+    Texts told;
+    const auto tell = [&](const Told& one) { told.push_back((one.isDone ? "" : "-") + one.text); };
+    Start();
+    Terminal one(m_port, "USER1"), two(m_port, "USER2");
+    one.Hub().Command("clock 1", tell);
+    ASSERT_TRUE(two.Subscribe());
+    const auto areThere = [&] {
+        return one.Hub().Server().date == 20260302 && two.Hub().Server().date == 20260302;
+    };
+    ASSERT_TRUE(Until(areThere, {&one, &two}));
+    EXPECT_EQ(std::exchange(told, {}), Texts{"-There is no connection to the server"});
+
+    for (const char* line : {"other 2", "clock next", "rubbish"})
+        one.Hub().Command(line, tell);
+    ASSERT_TRUE(Until([&] { return told.size() == 3 && two.Hub().Server().hasDue; }, {&one, &two}));
+    EXPECT_EQ(std::exchange(told, {}),
+              (Texts{"Another session placed 2 orders", "Server clock at the next instalment: 03-Mar-2026",
+                     "-\"rubbish\" is no command"}));
+    EXPECT_EQ(one.Hub().Server().date, 20260303u);
+    EXPECT_EQ(two.streamed.size(), 2u);
+    EXPECT_EQ(m_running->server->ExecuteDue({}).fault, "");
+    // Not before what was executed.
+    ASSERT_TRUE(Until([&] { return !two.Hub().Server().hasDue; }, {&two}));
+    EXPECT_EQ(two.streamed.size(), 4u);
+
+    ASSERT_TRUE(one.Send({{kTagRequestName, "calendar_add_restricted_dates"},
+                          {kTagYear, "2026"},
+                          {kTagStartDate, "5"},
+                          {kTagToDay, "6"}}));
+    one.onAnswer = [&](void*) { EXPECT_EQ(one.Hub().Server().restricted.size(), 24u); };
+    ASSERT_TRUE(Until([&] { return one.answers.size() == 1; }, {&one}));
+    one.onAnswer = {};
+
+    // Handled, then cut; the second time it is answered.
+    const std::string number = "SIP2603020000001";
+    ASSERT_TRUE(Until([&] { return two.Hub().Server().restricted.size() == 24; }, {&two}));
+    Terminal other(m_port, "DEALER02");
+    ASSERT_TRUE(other.Send({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, number}}));
+    ASSERT_TRUE(
+        Until([&] { return std::ranges::count(other.states, "the server has ended the connection") == 1; },
+              {&other}));
+    EXPECT_EQ(m_running->server->Find(number)->Text(kTagStatus), "Paused");
+    EXPECT_EQ(other.answers, Texts{});
+    ASSERT_TRUE(Until([&] { return !other.answers.empty(); }, {&other}));
+    EXPECT_EQ(other.answers.back(), "SIP paused. Registration No : " + number);
+    EXPECT_EQ(m_log, Texts{"DEALER02 is cut off: the server plays a cut connection"});
+
+    // Asked, and never told of.
+    one.Hub().Command("clock 1", tell);
+    one.Pump();
+    Kill();
+    ASSERT_TRUE(Until([&] { return !told.empty(); }, {&one}));
+    EXPECT_EQ(told, Texts{"-The connection was lost; whether it was done is not known"});
 }
 
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
@@ -165,7 +226,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
         {std::string(8, '\0'), "a frame is empty"},
         {Framed(FrameType::end, ""), "a frame's type is unknown"},
-        {Framed(net::Hello{2, "USER1", "", ""}), "the server speaks version 1, not 2"},
+        {Framed(net::Hello{1, "USER1", "", ""}), "the server speaks version 2, not 1"},
         {Framed(net::Hello{}), "a terminal without a login"},
         {Framed(net::Open{1, 1}), "a terminal says hello first"},
         {hello + hello, "a second hello"},
@@ -176,7 +237,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {hello + Framed(net::Done{1}), "a frame that a server sends"},
     };
     for (const auto& row : rows) {
-        Session session(*m_running->server, {});
+        Session session(*m_running->server, *m_commands, {});
         for (const char byte : row.bytes)
             session.Take({&byte, 1}, 0);
         EXPECT_EQ(session.EndReason(), row.reason);
@@ -198,6 +259,7 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         {welcome + Framed(net::Done{5}), "the end of a request that nobody made"},
         {welcome + Framed(net::Answer{1, 5, ""}), "an answer that nobody asked for"},
         {welcome + Framed(net::Answer{1, 1, "rubbish"}), "a message that cannot be read"},
+        {welcome + Framed(net::Told{1, true, ""}), "the answer of a command that nobody gave"},
         {welcome + Framed(net::Stop{1}), "a frame that a terminal sends"},
         {welcome + Framed(FrameType::stream, "x"), "a frame that cannot be read"},
     };

@@ -32,7 +32,11 @@ enum class FrameType : std::uint8_t {
     done,
     stream,
     unsubscribed,
-    end, // no type: the first number without a meaning
+    // Behind those above, whose numbers stay: terminal and server of any two versions can refuse each other.
+    command, // from the terminal
+    told,    // from the server
+    state,   // from the server
+    end,     // no type: the first number without a meaning
 };
 
 struct Frame {

@@ -17,8 +17,8 @@ std::int64_t NowMs() {
 
 } // namespace
 
-NetServer::NetServer(Server& server, Log log, SessionLimits limits)
-    : m_server(server), m_log(std::move(log)), m_limits(limits) {}
+NetServer::NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits)
+    : m_server(server), m_commands(commands), m_log(std::move(log)), m_limits(limits) {}
 
 std::string NetServer::Listen(std::uint16_t port) {
     std::string error;
@@ -56,7 +56,7 @@ void NetServer::Accept() {
     while (m_connections.size() < kMostConnections) {
         Socket socket = m_listener.Accept();
         if (!socket) return;
-        m_connections.emplace_back(std::move(socket), m_server, m_limits);
+        m_connections.emplace_back(std::move(socket), *this);
     }
 }
 

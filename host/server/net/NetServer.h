@@ -3,8 +3,8 @@
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
-// Lifetime: the server outlives it. Failure: a fault of one connection ends that connection, with a line in the
-// log.
+// Lifetime: server and commands outlive it. Failure: a fault of one connection ends that connection, with a
+// line in the log.
 #pragma once
 
 #include "host/server/net/Session.h"
@@ -20,7 +20,7 @@ class NetServer {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    NetServer(Server& server, Log log, SessionLimits limits = {});
+    NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits = {});
 
     // Port 0 is the system's choice. Why it cannot; empty when it does.
     std::string Listen(std::uint16_t port);
@@ -32,8 +32,8 @@ public:
 
 private:
     struct Connection {
-        Connection(Socket taken, Server& server, const SessionLimits& limits)
-            : socket(std::move(taken)), session(server, limits) {}
+        Connection(Socket taken, const NetServer& net)
+            : socket(std::move(taken)), session(net.m_server, net.m_commands, net.m_limits) {}
 
         Socket socket;
         Session session;
@@ -49,6 +49,7 @@ private:
     void DropEnded();
 
     Server& m_server;
+    ServerCommands& m_commands;
     Log m_log;
     SessionLimits m_limits;
     Socket m_listener;

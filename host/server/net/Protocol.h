@@ -2,7 +2,9 @@
 // answers with a welcome or a refusal; after a refusal the connection ends.
 //
 // A terminal numbers its controls and its requests. A request has any number of answers, told to be over by its
-// "done". A subscription is made at once; one that cannot be is told by "unsubscribed".
+// "done". A subscription is made at once; one that cannot be is told by "unsubscribed". A command is answered
+// by its "told". The server's state comes after the welcome and whenever it differs, before the answers of the
+// request or command that changed it.
 //
 // Thread: any; plain values. Each says its fields once, for writing and reading alike.
 #pragma once
@@ -19,7 +21,7 @@
 
 namespace vesk::net {
 
-inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::uint32_t kProtocolVersion = 2;
 
 using SubscriptionFields = std::vector<std::pair<std::uint32_t, std::string>>;
 
@@ -50,7 +52,7 @@ struct Request {
 struct Subscribe {
     static constexpr FrameType kType = FrameType::subscribe;
     std::uint32_t control = 0;
-    std::uint32_t isRenewed = 0; // what the terminal may have missed is streamed first
+    bool isRenewed = false; // what the terminal may have missed is streamed first
     SubscriptionFields fields;
     void Each(auto&& field) { field(control), field(isRenewed), field(fields); }
 };
@@ -95,6 +97,28 @@ struct Unsubscribed {
     void Each(auto&& field) { field(control), field(text); }
 };
 
+// A line of words, as ServerCommands has them.
+struct Command {
+    static constexpr FrameType kType = FrameType::command;
+    std::uint64_t number = 0;
+    std::string line;
+    void Each(auto&& field) { field(number), field(line); }
+};
+struct Told {
+    static constexpr FrameType kType = FrameType::told;
+    std::uint64_t number = 0;
+    bool isDone = false;
+    std::string text;
+    void Each(auto&& field) { field(number), field(isDone), field(text); }
+};
+struct ServerState {
+    static constexpr FrameType kType = FrameType::state;
+    std::uint32_t date = 0;                // yyyymmdd by the server's clock; 0: not told yet
+    bool hasDue = false;                   // instalments to execute, or such that are not told of
+    std::vector<std::uint32_t> restricted; // dates, ascending
+    void Each(auto&& field) { field(date), field(hasDue), field(restricted); }
+};
+
 class PayloadWriter {
 public:
     void operator()(std::uint32_t number) { Put(number); }
@@ -102,14 +126,20 @@ public:
         Put(static_cast<std::uint32_t>(number));
         Put(static_cast<std::uint32_t>(number >> 32));
     }
-    void operator()(std::string_view text) {
+    void operator()(bool flag) { Put(flag); }
+    void operator()(const std::vector<std::uint32_t>& numbers) {
+        Put(static_cast<std::uint32_t>(numbers.size()));
+        for (const std::uint32_t number : numbers)
+            Put(number);
+    }
+    void operator()(const std::string& text) {
         Put(static_cast<std::uint32_t>(text.size()));
         m_payload.append(text);
     }
     void operator()(const SubscriptionFields& fields) {
         Put(static_cast<std::uint32_t>(fields.size()));
         for (const auto& [tag, text] : fields)
-            (*this)(tag), (*this)(std::string_view(text));
+            (*this)(tag), (*this)(text);
     }
     std::string_view Payload() const { return m_payload; }
 
@@ -136,6 +166,16 @@ public:
         std::uint32_t low = 0, high = 0;
         (*this)(low), (*this)(high);
         number = low | std::uint64_t{high} << 32;
+    }
+    void operator()(bool& flag) {
+        std::uint32_t number = 0;
+        (*this)(number);
+        flag = number != 0;
+    }
+    void operator()(std::vector<std::uint32_t>& numbers) {
+        std::uint32_t count = 0;
+        for ((*this)(count); count > 0 && m_good; --count)
+            (*this)(numbers.emplace_back());
     }
     void operator()(std::string& text) {
         std::uint32_t size = 0;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 namespace vesk {
 namespace {
@@ -118,10 +119,13 @@ const RemoteHub::Step RemoteHub::kSteps[] = {
     {FrameType::done, &RemoteHub::TakeAs<net::Done>},
     {FrameType::stream, &RemoteHub::TakeAs<net::Stream>},
     {FrameType::unsubscribed, &RemoteHub::TakeAs<net::Unsubscribed>},
+    {FrameType::told, &RemoteHub::TakeAs<net::Told>},
+    {FrameType::state, &RemoteHub::TakeAs<net::ServerState>},
 };
 
-RemoteHub::RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed)
-    : m_address(std::move(address)), m_user(std::move(user)), m_changed(std::move(changed)) {}
+RemoteHub::RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed, StateTold stateTold)
+    : m_address(std::move(address)), m_user(std::move(user)), m_changed(std::move(changed)),
+      m_stateTold(std::move(stateTold)) {}
 RemoteHub::~RemoteHub() = default;
 
 RxControl* RemoteHub::Get(int kind, CKeloRxNotifierBase* notifier) {
@@ -148,6 +152,21 @@ std::uint64_t RemoteHub::Send(std::uint32_t control, std::string_view bytes) {
     m_lastRequest = number;
     Say(made.first->second.request);
     return number;
+}
+
+void RemoteHub::Command(std::string line, CommandTold told) {
+    if (m_state != LinkState::connected)
+        return TellLater(std::move(told), {false, "There is no connection to the server"});
+    const net::Command command{m_lastRequest + 1, std::move(line)};
+    if (!net::Append(m_output, command))
+        return TellLater(std::move(told), {false, "The command is too long to be sent"});
+    m_commands.emplace(++m_lastRequest, std::move(told));
+}
+
+void RemoteHub::TellLater(CommandTold command, Told told) {
+    if (!command) return;
+    m_deliveries.push_back(
+        {0, false, {}, [command = std::move(command), told = std::move(told)] { command(told); }});
 }
 
 template <class Said>
@@ -281,11 +300,24 @@ void RemoteHub::On(const net::Unsubscribed& said) {
     Change(m_state, "a subscription was refused: " + said.text);
 }
 
+void RemoteHub::On(net::Told&& said) {
+    auto found = m_commands.extract(said.number);
+    if (found.empty()) return Lose("the answer of a command that nobody gave");
+    TellLater(std::move(found.mapped()), {said.isDone, std::move(said.text)});
+}
+
+void RemoteHub::On(net::ServerState&& said) {
+    m_serverState = std::move(said);
+    if (m_stateTold) m_stateTold(m_serverState);
+}
+
 void RemoteHub::Lose(const std::string& why) {
     if (m_state == LinkState::lost && m_nowMs < m_againAtMs) return;
     m_socket = {};
     m_pauseMs = std::clamp(m_pauseMs * 2, kShortestPauseMs, kLongestPauseMs);
     m_againAtMs = m_nowMs + m_pauseMs;
+    for (auto& [number, command] : std::exchange(m_commands, {}))
+        TellLater(std::move(command), {false, "The connection was lost; whether it was done is not known"});
     Change(LinkState::lost, why);
 }
 
@@ -295,6 +327,10 @@ void RemoteHub::Change(LinkState state, const std::string& text) {
 }
 
 bool RemoteHub::Deliver(const Delivery& delivery) {
+    if (delivery.tell) {
+        delivery.tell();
+        return true;
+    }
     const auto found = m_controls.find(delivery.control);
     if (found == m_controls.end()) return false;
     Control& control = *found->second;

@@ -4,13 +4,14 @@
 // where it was: controls are opened anew, subscriptions made again with what was missed meanwhile, and requests
 // that were not answered in full are sent again. That is safe: placing and cancelling carry an identifier that
 // the server knows again, the other changes do nothing the second time, and of a query the rows that already
-// came are left out.
+// came are left out. A command is not sent again: what it does, it would do twice.
 //
 // Thread:  one (the GUI thread); all calls but those to the notifiers return at once.
 // Owner:   the hub owns the controls; notifiers outlive theirs.
 // Failure: whatever the server sends, at worst the connection is lost; the state says why.
 #pragma once
 
+#include "host/server/ServerCommands.h"
 #include "host/server/net/ControlHub.h"
 #include "host/server/net/Protocol.h"
 #include "host/server/net/Socket.h"
@@ -36,15 +37,26 @@ public:
     // Called from Pump at each change; `text` is for the user. It must not pump.
     using StateChanged = std::function<void(LinkState state, const std::string& text)>;
 
-    RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed);
+    // Called from Pump when the server's state is told, which is before the answers of what changed it are
+    // delivered. It must not pump.
+    using StateTold = std::function<void(const net::ServerState& state)>;
+    // Called from Pump once; it may pump. Not at all when the hub ends before.
+    using CommandTold = std::function<void(const Told& told)>;
+
+    RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed, StateTold stateTold = {});
     ~RemoteHub() override;
 
     RxControl* Get(int kind, CKeloRxNotifierBase* notifier) override;
     void Destroy(RxControl* control) override;
     std::size_t LiveControls() const override { return m_controls.size(); }
     std::size_t Pump(std::int64_t nowMs) override;
-    std::size_t Waiting() const override { return m_requests.size() + m_deliveries.size(); }
+    std::size_t Waiting() const override { return m_requests.size() + m_commands.size() + m_deliveries.size(); }
     LinkState State() const { return m_state; }
+
+    // A line as ServerCommands has them.
+    void Command(std::string line, CommandTold told);
+    // As it was told last, on this connection or the one before.
+    const net::ServerState& Server() const { return m_serverState; }
 
 private:
     class Control;
@@ -57,6 +69,7 @@ private:
         std::uint32_t control;
         bool isStream;
         std::string bytes;
+        std::function<void()> tell{}; // instead of all that
     };
     struct Step;
     static const Step kSteps[];
@@ -69,6 +82,8 @@ private:
     void On(const net::Done& said);
     void On(net::Stream&& said);
     void On(const net::Unsubscribed& said);
+    void On(net::Told&& said);
+    void On(net::ServerState&& said);
 
     std::uint64_t Send(std::uint32_t control, std::string_view bytes);
     // To the server, when there is one; what it says is told again on the next connection.
@@ -81,11 +96,14 @@ private:
     void SendOutput();
     void Lose(const std::string& why);
     void Change(LinkState state, const std::string& text);
+    void TellLater(CommandTold command, Told told);
     bool Deliver(const Delivery& delivery);
 
     const ServerAddress m_address;
     const UserIdentity m_user;
     const StateChanged m_changed;
+    const StateTold m_stateTold;
+    net::ServerState m_serverState;
     LinkState m_state = LinkState::lost;
     Socket m_socket;
     FrameReader m_reader;
@@ -96,8 +114,9 @@ private:
     bool m_wasConnected = false;
     std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
     std::map<std::uint64_t, Unanswered> m_requests;
+    std::map<std::uint64_t, CommandTold> m_commands; // that the server has not told of
     std::deque<Delivery> m_deliveries;
-    std::uint64_t m_lastRequest = 0;
+    std::uint64_t m_lastRequest = 0; // or command
     std::uint32_t m_lastControl = 0; // never used again, so a late answer finds nobody
 };
 

@@ -1,5 +1,7 @@
 #include "host/server/net/Session.h"
 
+#include "host/server/Schedule.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -54,9 +56,11 @@ const Session::Step Session::kSteps[] = {
     {FrameType::request, &Session::TakeAs<net::Request>},
     {FrameType::subscribe, &Session::TakeAs<net::Subscribe>},
     {FrameType::stop, &Session::TakeAs<net::Stop>},
+    {FrameType::command, &Session::TakeAs<net::Command>},
 };
 
-Session::Session(Server& server, const SessionLimits& limits) : m_server(server), m_limits(limits) {}
+Session::Session(Server& server, ServerCommands& commands, const SessionLimits& limits)
+    : m_server(server), m_commands(commands), m_limits(limits) {}
 Session::~Session() = default;
 
 void Session::Take(std::string_view bytes, std::int64_t nowMs) {
@@ -92,6 +96,7 @@ void Session::On(const net::Hello& said) {
     m_streams =
         std::make_unique<RxHub>(m_server, m_user, PumpBudget{m_limits.turns, std::chrono::milliseconds{0}});
     Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Now())});
+    TellState();
 }
 
 void Session::On(const net::Open& said) {
@@ -115,7 +120,11 @@ void Session::On(net::Request&& said) {
     const qmx::MessageReader reader(said.bytes);
     if (!reader.Good()) return Refuse("a request that is no message");
     const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), kTagRequestName)).delayMs;
-    m_requests.emplace(std::pair(m_nowMs + delay, ++m_arrivals), std::move(said));
+    m_asked.emplace(std::pair(m_nowMs + delay, ++m_arrivals), std::move(said));
+}
+
+void Session::On(net::Command&& said) {
+    m_asked.emplace(std::pair(m_nowMs, ++m_arrivals), std::move(said));
 }
 
 void Session::On(const net::Subscribe& said) {
@@ -162,13 +171,31 @@ void Session::End(std::string reason) {
 }
 
 bool Session::RequestIsDue(std::int64_t nowMs) const {
-    return !m_requests.empty() && m_requests.begin()->first.first <= nowMs;
+    return !m_asked.empty() && m_asked.begin()->first.first <= nowMs;
+}
+
+// An end of the due ones is told behind what the terminal hears of them.
+bool Session::HasDue() const {
+    return m_server.HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
+}
+
+bool Session::StateIsTold() const {
+    return m_toldState.hasDue == HasDue() && m_toldState.date == m_server.Today()
+           && m_toldState.restrictions == m_server.Restricted().Changes();
+}
+
+void Session::TellState() {
+    m_toldState = {m_server.Today(), HasDue(), m_server.Restricted().Changes()};
+    net::ServerState state{DateNumber(m_toldState.date), m_toldState.hasDue, {}};
+    for (const auto date : m_server.Restricted().All())
+        state.restricted.push_back(DateNumber(date));
+    Say(std::move(state));
 }
 
 bool Session::HasWork(std::int64_t nowMs) const {
     if (HasEnded() || !HasRoom()) return false;
     return RequestIsDue(nowMs) || !m_queries.empty() || !m_catchUps.empty()
-           || (m_streams && m_streams->Waiting() > 0);
+           || (m_streams && (m_streams->Waiting() > 0 || !StateIsTold()));
 }
 
 void Session::Pump(std::int64_t nowMs) {
@@ -181,10 +208,11 @@ void Session::Pump(std::int64_t nowMs) {
 // One of each: neither many requests nor a long query holds up the other.
 bool Session::PumpOnce() {
     if (!HasWork(m_nowMs)) return false;
+    if (!StateIsTold()) TellState();
     if (RequestIsDue(m_nowMs)) {
-        const net::Request request = std::move(m_requests.begin()->second);
-        m_requests.erase(m_requests.begin());
-        Handle(request);
+        const Asked asked = std::move(m_asked.begin()->second);
+        m_asked.erase(m_asked.begin());
+        std::visit([this](const auto& one) { Handle(one); }, asked);
     }
     // All of them before the next row.
     while (HasRoom() && !HasEnded() && m_streams->Waiting() > 0)
@@ -198,12 +226,20 @@ bool Session::PumpOnce() {
 void Session::Handle(const net::Request& request) {
     const qmx::MessageReader reader(request.bytes);
     Reply reply = m_server.Handle(reader.Handle(), m_user);
+    if (reply.isCut) return End("the server plays a cut connection");
+    if (!StateIsTold()) TellState();
     for (std::string& answer : reply.answers)
         Say(net::Answer{request.control, request.number, std::move(answer)});
     if (reply.rows)
         m_queries.push_back({request.control, request.number, std::move(*reply.rows)});
     else
         Say(net::Done{request.number});
+}
+
+void Session::Handle(const net::Command& command) {
+    Told told = m_commands.Run(command.line, m_user, m_nowMs);
+    if (!StateIsTold()) TellState();
+    Say(net::Told{command.number, told.isDone, std::move(told.text)});
 }
 
 void Session::NextRow() {

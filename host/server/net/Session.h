@@ -3,12 +3,13 @@
 // Requests are handled in the order they are due. What a query asks for is made row by row as there is room in
 // the output, after the updates told before, so a row never shows an older state than an update behind it.
 //
-// Thread:  one. Lifetime: the server outlives the session.
+// Thread:  one. Lifetime: server and commands outlive the session.
 // Failure: a terminal that breaks the protocol, or does not take what it subscribed to, ends its session:
 //          EndReason says why.
 #pragma once
 
 #include "host/server/RxHub.h"
+#include "host/server/ServerCommands.h"
 #include "host/server/net/Protocol.h"
 
 #include <cstdint>
@@ -18,6 +19,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 namespace vesk {
 
@@ -25,13 +27,13 @@ struct SessionLimits {
     std::size_t outputBytes = 256 * 1024; // from which on nothing more is made
     std::size_t streamBacklog = 20'000;   // updates that wait for room
     std::int64_t stalledMs = 30'000;      // without room
-    std::size_t requests = 4096;          // that wait, before nothing more is read
+    std::size_t requests = 4096;          // and commands, that wait, before nothing more is read
     std::size_t turns = 64;               // of one pump
 };
 
 class Session {
 public:
-    Session(Server& server, const SessionLimits& limits);
+    Session(Server& server, ServerCommands& commands, const SessionLimits& limits);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session();
@@ -40,7 +42,7 @@ public:
     void Take(std::string_view bytes, std::int64_t nowMs);
     // A portion of what there is to do.
     void Pump(std::int64_t nowMs);
-    bool TakesInput() const { return !HasEnded() && m_requests.size() < m_limits.requests; }
+    bool TakesInput() const { return !HasEnded() && m_asked.size() < m_limits.requests; }
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
     // To be sent; what was sent is taken away by the caller.
@@ -75,14 +77,20 @@ private:
     void On(net::Request&& said);
     void On(const net::Subscribe& said);
     void On(const net::Stop& said);
+    void On(net::Command&& said);
 
     template <class Said>
     void Say(Said said);
     void Refuse(const std::string& text);
     void End(std::string reason);
+    // Whether instalments are due, or done and not yet told of.
+    bool HasDue() const;
+    bool StateIsTold() const;
+    void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
     bool RequestIsDue(std::int64_t nowMs) const;
     void Handle(const net::Request& request);
+    void Handle(const net::Command& command);
     bool PumpOnce();
     void NextRow();
     void NextMissed();
@@ -90,6 +98,7 @@ private:
     Forwarder* Find(std::uint32_t control);
 
     Server& m_server;
+    ServerCommands& m_commands;
     SessionLimits m_limits;
     FrameReader m_reader;
     std::string m_output;
@@ -98,10 +107,16 @@ private:
     UserIdentity m_user;
     std::unique_ptr<RxHub> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::unique_ptr<Forwarder>> m_forwarders;
-    std::map<std::pair<std::int64_t, std::uint64_t>, net::Request> m_requests; // by due time, then arrival
+    using Asked = std::variant<net::Request, net::Command>;
+    std::map<std::pair<std::int64_t, std::uint64_t>, Asked> m_asked; // by due time, then arrival
     std::uint64_t m_arrivals = 0;
     std::deque<Query> m_queries;
     std::deque<CatchUp> m_catchUps;
+    struct {
+        std::chrono::year_month_day date{};
+        bool hasDue = false;
+        std::size_t restrictions = 0; // changes of them
+    } m_toldState;
     qmx::MessageWriter m_writer;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when there was room last

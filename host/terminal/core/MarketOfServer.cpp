@@ -1,0 +1,30 @@
+#include "host/terminal/core/MarketOfServer.h"
+
+namespace vesk {
+
+SampleMarket SampleMarketOf(const ScripMaster& master, const ClientList& clients) {
+    SampleMarket market;
+    for (const Client& client : clients.Clients())
+        market.accounts.push_back(client.id);
+    for (const Scrip& scrip : master.Scrips())
+        market.scrips.push_back({scrip.exchange, scrip.token, scrip.tradingSymbol});
+    return market;
+}
+
+std::function<std::int64_t(const Registration&)> PricesOf(const ScripMaster& master) {
+    return [&master](const Registration& registration) {
+        const Scrip* scrip =
+            master.ByTradingSymbol(registration.Text(kTagExchange), registration.Text(kTagTradingSymbol));
+        return scrip ? scrip->lastPrice : 0;
+    };
+}
+
+std::vector<std::chrono::year_month_day> DatesOf(std::span<const std::uint32_t> numbers) {
+    std::vector<std::chrono::year_month_day> dates;
+    for (const std::uint32_t number : numbers)
+        dates.push_back(std::chrono::year(static_cast<int>(number / 10'000))
+                        / std::chrono::month(number / 100 % 100) / std::chrono::day(number % 100));
+    return dates;
+}
+
+} // namespace vesk
