@@ -1,7 +1,7 @@
 #!/bin/sh
 # Runs a Windows program: in a 64-bit prefix inside the build folder, on a display of its own when there is
 # none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost); WINE_DPI=144 sets the
-# screen's resolution.
+# screen's resolution; WINE_CONSOLE=1 is for a program without windows, which needs no display.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 kind=display
@@ -30,5 +30,5 @@ make_prefix() {
 ) 9>"$WINEPREFIX.lock"
 
 set -- wine ${WINE_DESKTOP:+explorer "/desktop=$WINE_DESKTOP"} "$@"
-[ -n "${DISPLAY:-}" ] || set -- xvfb-run -a -s "-screen 0 1280x800x24" "$@"
+[ -n "${DISPLAY:-}${WINE_CONSOLE:-}" ] || set -- xvfb-run -a -s "-screen 0 1280x800x24" "$@"
 exec "$@"

@@ -1,6 +1,7 @@
 #!/bin/sh
 # play.sh DIST SCRIPT OUT: plays a script on a fresh copy of the terminal in its own Wine desktop, where
 # windows have title bars. The log and the screenshots are left in OUT.
+# PLAY_OPTIONS are further words for the terminal.
 # The desktop loses the exit status, so the verdict is read from the log's last line.
 set -eu
 dist=$1 script=$2 out=$3
@@ -15,7 +16,7 @@ log=$out/$(basename "$script" .script).log
 rm -f "$log"
 
 WINE_DESKTOP=vesk$$,1280x800 timeout "${PLAY_TIMEOUT:-180}" "$root/cmake/wine.sh" "Z:$stage/VeskTrader.exe" \
-    --script "Z:$(realpath "$script")" --log "Z:$log" --out "Z:$out" || true
+    --script "Z:$(realpath "$script")" --log "Z:$log" --out "Z:$out" ${PLAY_OPTIONS:-} || true
 
 verdict=$(tail -n 1 "$log" 2>/dev/null | tr -d '\r')
 live=$(tr -d '\r' <"$log" 2>/dev/null | grep -c ' still live: 0$' || true)

@@ -116,16 +116,28 @@ TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
 }
 
 TEST(CommandLine, ReadsOptions) {
-    const char* const words[] = {"--script", "a.script", "--log", "out log.txt"};
+    const char* const words[] = {"--script", "a.script", "--log", "out log.txt", "--server", "localhost:7040"};
     const StartOptions options = ParseCommandLine(words);
     EXPECT_EQ(options.scriptFile, "a.script");
     EXPECT_EQ(options.logFile, "out log.txt");
     EXPECT_EQ(options.journal, "");
+    EXPECT_EQ(options.serverHost, "localhost");
+    EXPECT_EQ(options.serverPort, 7040);
     EXPECT_EQ(options.fault, "");
-    const char* const unknown[] = {"--log", "x", "/script"};
-    EXPECT_EQ(ParseCommandLine(unknown).fault, "unknown option /script");
-    const char* const cut[] = {"--journal"};
-    EXPECT_EQ(ParseCommandLine(cut).fault, "--journal needs a path");
+    const struct {
+        std::vector<const char*> words;
+        std::string fault;
+    } rows[] = {
+        {{"--log", "x", "/script"}, "unknown option /script"},
+        {{"--journal"}, "--journal needs a path"},
+        {{"--server", "localhost"}, "--server needs HOST:PORT"},
+        {{"--server", ":7040"}, "--server needs HOST:PORT"},
+        {{"--server", "localhost:0"}, "--server needs HOST:PORT"},
+        {{"--server", "localhost:70400"}, "--server needs HOST:PORT"},
+        {{"--server", "localhost:70x"}, "--server needs HOST:PORT"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(ParseCommandLine(row.words).fault, row.fault);
 }
 
 } // namespace

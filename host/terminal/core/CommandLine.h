@@ -1,6 +1,7 @@
 // What the terminal is told when it is started.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -11,6 +12,8 @@ struct StartOptions {
     std::string dataFolder;
     std::string userFolder;
     std::string journal;    // the embedded server's file
+    std::string serverHost; // of a server of its own instead; empty for the embedded one
+    std::uint16_t serverPort = 0;
     std::string scriptFile; // a session to play; empty for none
     std::string logFile;    // what happened, line by line; empty for none
     std::string outFolder;  // for screenshots

@@ -69,8 +69,9 @@ constexpr VerbRule kRules[] = {
     {Verb::other, "other", "n", "place so many orders from another session"},
     {Verb::execute, "execute", "nt?",
      "place exchange orders for so many past instalments of the registration with this number, or the latest"},
-    {Verb::fault, "fault", "tft?",
-     "play this on the request, * for any: delay (milliseconds), error (code), silent, garbage, none"},
+    {Verb::fault, "fault", "ttt?",
+     "play this on the request, * for any: delay (milliseconds), error (code), silent, garbage, disconnect "
+     "(times), none"},
     {Verb::dock, "dock", "td",
      "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
     {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
@@ -89,7 +90,6 @@ constexpr BoxAnswer kAnswers[] = {
     {"No", 7},
 };
 
-constexpr std::string_view kFaults[] = {"delay", "error", "silent", "garbage", "none"};
 constexpr std::string_view kDockPlaces[] = {"left", "right", "top", "bottom", "float", "tab"};
 
 struct Word {
@@ -156,9 +156,6 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
         break;
     case 'c':
         if (word != "next" && !number) return '"' + word + "\" is neither a whole number nor next";
-        break;
-    case 'f':
-        if (std::ranges::count(kFaults, word) == 0) return '"' + word + "\" is not a fault";
         break;
     case 'a':
         if (!BoxButton(word)) return '"' + word + "\" is not an answer";

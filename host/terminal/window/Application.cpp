@@ -3,6 +3,8 @@
 #include "framework/DialogLayout.h"
 #include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/CountDialog.h"
+#include "host/terminal/window/EmbeddedLink.h"
+#include "host/terminal/window/RemoteLink.h"
 #include "host/terminal/window/WindowStage.h"
 
 #include <algorithm>
@@ -44,15 +46,6 @@ std::string TimeOfDay() {
     std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour % 100u, now.wMinute % 100u,
                   now.wSecond % 100u);
     return text;
-}
-
-SampleMarket SampleMarketOf(const TerminalState& state) {
-    SampleMarket market;
-    for (const Client& client : state.clients.Clients())
-        market.accounts.push_back(client.id);
-    for (const Scrip& scrip : state.master.Scrips())
-        market.scrips.push_back({scrip.exchange, scrip.token, scrip.tradingSymbol});
-    return market;
 }
 
 } // namespace
@@ -114,11 +107,7 @@ bool Application::Start() {
     std::vector<std::string> notes;
     for (const FileFault& fault : m_state.faults)
         notes.push_back(fault.Text());
-    const TerminalConfig& config = m_state.config;
-    m_server = std::make_unique<ServerLink>(m_options.dataFolder + "\\server.json", m_options.journal,
-                                            UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
-                                            m_state.calendar.Dates(), notes);
-    m_server->UsePrices(m_state.master);
+    m_server = LinkToServer(notes);
     m_state.ReloadCalendar(m_server->RestrictedDates()); // a fault of the file is known already
     if (!m_frame.Open()) return StartFailed("the main window cannot be made");
     for (const std::string& note : notes)
@@ -215,53 +204,37 @@ void Application::SetLoginMode(int mode) {
     ShowLogin();
 }
 
-bool Application::AdvanceClock(int days) {
-    return ClockMoved(m_server->AdvanceClock(days),
-                      "Server clock advanced by " + std::to_string(days) + (days == 1 ? " day" : " days"));
+std::unique_ptr<ServerLink> Application::LinkToServer(std::vector<std::string>& notes) {
+    LinkEvents events{[this](const std::string& line) { LogFromSystem(line); }, [this] { ReloadCalendar(); }};
+    const TerminalConfig& config = m_state.config;
+    if (m_options.serverHost.empty())
+        return std::make_unique<EmbeddedLink>(m_state, m_options.journal, std::move(events), notes);
+    return std::make_unique<RemoteLink>(ServerAddress{m_options.serverHost, m_options.serverPort},
+                                        UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
+                                        std::move(events));
 }
 
-bool Application::AdvanceToNextInstalment() {
-    const std::string fault = m_server->AdvanceToNextInstalment();
-    return ClockMoved(fault, "Server clock at the next instalment: " + m_server->Date());
-}
-
-bool Application::ClockMoved(const std::string& fault, const std::string& told) {
-    LogFromSystem(fault.empty() ? told : fault);
-    return fault.empty();
+void Application::TellServer(const std::string& line, std::function<void(const Told&)> also) {
+    m_server->Command(line, [this, also = std::move(also)](const Told& told) {
+        LogFromSystem(told.text);
+        if (also) also(told);
+    });
 }
 
 void Application::PumpServer() {
-    const std::string told = m_server->Pump();
-    if (!told.empty()) LogFromSystem(told);
-    ShowDate();
+    m_server->Pump();
+    ShowServer();
 }
 
-void Application::ShowDate() {
-    std::string date = m_server->Date();
-    if (date == m_shownDate) return;
-    m_shownDate = std::move(date);
-    m_frame.SetStatus(MainFrame::StatusPart::date, m_shownDate);
-}
-
-bool Application::FillRegistrations(int count) {
-    const std::string fault =
-        m_server->Fill(static_cast<std::size_t>(std::max(count, 0)), SampleMarketOf(m_state));
-    LogFromSystem(fault.empty() ? "Server filled with " + std::to_string(count) + " registrations" : fault);
-    return fault.empty();
-}
-
-bool Application::PlaceOtherOrders(int count) {
-    const auto wanted = static_cast<std::size_t>(std::max(count, 0));
-    const std::size_t placed = m_server->PlaceOtherOrders(wanted, SampleMarketOf(m_state));
-    LogFromSystem("Another session placed " + std::to_string(placed) + " orders");
-    return placed == wanted;
-}
-
-bool Application::ExecuteInstalments(int count, std::string number) {
-    if (number.empty()) number = m_server->LatestRegistration();
-    const std::string fault = m_server->Execute(static_cast<std::size_t>(std::max(count, 0)), number);
-    LogFromSystem(fault.empty() ? "Executed " + std::to_string(count) + " instalments of " + number : fault);
-    return fault.empty();
+void Application::ShowServer() {
+    if (std::string date = m_server->Date(); date != m_shownDate) {
+        m_shownDate = std::move(date);
+        m_frame.SetStatus(MainFrame::StatusPart::date, m_shownDate);
+    }
+    if (LinkStatus status = m_server->Status(); status != m_shownStatus) {
+        m_shownStatus = std::move(status);
+        m_frame.SetStatus(MainFrame::StatusPart::server, m_shownStatus.text, m_shownStatus.isTrouble);
+    }
 }
 
 bool Application::ReloadCalendar() {
@@ -306,14 +279,16 @@ void Application::RequestPaneCommand(const std::string& text) {
 void Application::RequestFill() {
     Defer([this] {
         const CountQuestion question{"Fill Registrations", "Made-up &registrations:", 1000, 1'000'000};
-        if (const auto count = AskCount(m_frame.Handle(), question)) FillRegistrations(*count);
+        if (const auto count = AskCount(m_frame.Handle(), question))
+            TellServer("fill " + std::to_string(*count));
     });
 }
 
 void Application::RequestOtherOrders() {
     Defer([this] {
         const CountQuestion question{"Orders from Another Session", "&Orders:", 10, 1000};
-        if (const auto count = AskCount(m_frame.Handle(), question)) PlaceOtherOrders(*count);
+        if (const auto count = AskCount(m_frame.Handle(), question))
+            TellServer("other " + std::to_string(*count));
     });
 }
 
@@ -322,23 +297,39 @@ void Application::RequestExecution() {
         std::string number = m_server->LatestRegistration();
         const CountQuestion question{
             "Execute Instalments", "Past &instalments:", 5, 1000, "Registration &number:", &number};
-        if (const auto count = AskCount(m_frame.Handle(), question)) ExecuteInstalments(*count, number);
+        if (const auto count = AskCount(m_frame.Handle(), question))
+            TellServer("execute " + std::to_string(*count) + ' ' + number);
     });
 }
 
 void Application::RequestNextInstalment() {
-    Defer([this] { AdvanceToNextInstalment(); });
+    Defer([this] { TellServer("clock next"); });
 }
 
 void Application::RequestClock() {
     Defer([this] {
         const CountQuestion question{"Advance Clock", "&Days:", 30, kMostClockDays};
-        if (const auto days = AskCount(m_frame.Handle(), question)) AdvanceClock(*days);
+        if (const auto days = AskCount(m_frame.Handle(), question))
+            TellServer("clock " + std::to_string(*days));
     });
 }
 
 void Application::RequestClose() {
-    Defer([this] { ShutDown(); });
+    Defer([this] {
+        if (MayClose()) ShutDown();
+    });
+}
+
+// What the server has not been able to take would be lost.
+bool Application::MayClose() {
+    const std::size_t waiting = m_server->Waiting();
+    if (!m_server->Status().isTrouble || waiting == 0) return true;
+    const std::string question = m_server->Status().text + ": " + std::to_string(waiting)
+                                 + (waiting == 1 ? " request waits" : " requests wait")
+                                 + " for it and will not be sent.\nExit all the same?";
+    return MessageBoxA(m_frame.Handle(), question.c_str(), "Vesk Trader",
+                       MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
+           == IDYES;
 }
 
 void Application::OnTimer(UINT_PTR timer) {
@@ -354,7 +345,7 @@ void Application::TickScript() {
 
 void Application::FinishScript() {
     if (m_runner->Current() == ScriptRunner::State::passed)
-        RequestClose();
+        Defer([this] { ShutDown(); });
     else
         AbandonScript(m_runner->Verdict());
 }

@@ -50,14 +50,8 @@ public:
     void SetFont(int variation, int size);
     void SetRight(const std::string& right, bool granted);
     void SetLoginMode(int mode);
-    // Tell in the log what became of it.
-    bool AdvanceClock(int days);
-    bool AdvanceToNextInstalment();
-    // Tell in the log what became of it; false when the server did not take them all.
-    bool FillRegistrations(int count);
-    bool PlaceOtherOrders(int count);
-    // Without a number those of the latest registration.
-    bool ExecuteInstalments(int count, std::string number = {});
+    // A line as ServerCommands takes. The log tells what became of it; `also` is told as well.
+    void TellServer(const std::string& line, std::function<void(const Told&)> also = {});
     // The non-trading days anew, with those that the server restricts.
     bool ReloadCalendar();
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
@@ -80,10 +74,11 @@ private:
     bool Start();
     bool StartFailed(const std::string& why);
     void Defer(std::function<void()> work);
+    bool MayClose();
     void ShutDown();
+    std::unique_ptr<ServerLink> LinkToServer(std::vector<std::string>& notes);
     void PumpServer();
-    bool ClockMoved(const std::string& fault, const std::string& told);
-    void ShowDate();
+    void ShowServer();
     void TickScript();
     void FinishScript();
     void AbandonScript(const std::string& verdict);
@@ -104,7 +99,8 @@ private:
     std::map<std::uint64_t, std::function<void()>> m_deferred;
     std::uint64_t m_lastDeferred = 0;
     std::string m_shownDate; // the server's
-    int m_questions = 0;     // open ones of Ask
+    LinkStatus m_shownStatus;
+    int m_questions = 0; // open ones of Ask
     int m_exitStatus = 0;
 };
 

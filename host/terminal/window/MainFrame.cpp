@@ -95,10 +95,14 @@ void MainFrame::ApplyFont() {
     LayOut();
 }
 
-void MainFrame::SetStatus(StatusPart part, const std::string& text) {
+void MainFrame::SetStatus(StatusPart part, const std::string& text, bool warns) {
     const auto index = static_cast<std::size_t>(part);
     m_statusTexts[index] = ' ' + text;
     m_status.Send(SB_SETTEXTA, index, reinterpret_cast<LPARAM>(m_statusTexts[index].c_str()));
+    const HANDLE icon = warns ? LoadImageA(nullptr, IDI_WARNING, IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
+                                           GetSystemMetrics(SM_CYSMICON), LR_SHARED)
+                              : nullptr;
+    m_status.Send(SB_SETICON, index, reinterpret_cast<LPARAM>(icon));
 }
 
 bool MainFrame::OnCommand(const framework::Command& command) {
@@ -288,9 +292,12 @@ void MainFrame::LayOut() {
 }
 
 void MainFrame::LayOutStatusBar(int width) {
-    const int plugin = width - Scale().Pixels(20), login = plugin - Scale().Pixels(170),
-              client = login - Scale().Pixels(230);
-    const int edges[] = {client - Scale().Pixels(260), client, login - Scale().Pixels(80), login, plugin};
+    // From the right, in the order of StatusPart.
+    constexpr int widths[] = {200, 165, 240, 95, 160};
+    int edges[std::size(widths) + 1] = {};
+    edges[std::size(widths)] = width - Scale().Pixels(20);
+    for (std::size_t part = std::size(widths); part-- > 0;)
+        edges[part] = edges[part + 1] - Scale().Pixels(widths[part]);
     static_assert(std::size(edges) == static_cast<std::size_t>(StatusPart::count));
     m_status.Send(SB_SETPARTS, std::size(edges), reinterpret_cast<LPARAM>(edges));
     for (std::size_t i = 0; i < m_statusTexts.size(); ++i)

@@ -49,8 +49,8 @@ public:
 
     DockSite& Docking() { return m_docking; }
 
-    enum class StatusPart : std::size_t { note, client, login, date, plugin, count };
-    void SetStatus(StatusPart part, const std::string& text);
+    enum class StatusPart : std::size_t { note, client, login, server, date, plugin, count };
+    void SetStatus(StatusPart part, const std::string& text, bool warns = false);
 
 protected:
     bool OnCommand(const framework::Command& command) override;

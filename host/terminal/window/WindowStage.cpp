@@ -32,11 +32,11 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::font, &WindowStage::Font},
     {Verb::right, &WindowStage::Right},
     {Verb::mode, &WindowStage::Mode},
-    {Verb::clock, &WindowStage::Clock},
-    {Verb::fill, &WindowStage::Fill},
-    {Verb::other, &WindowStage::OtherOrders},
-    {Verb::execute, &WindowStage::Execute},
-    {Verb::fault, &WindowStage::Fault},
+    {Verb::clock, &WindowStage::TellServer},
+    {Verb::fill, &WindowStage::TellServer},
+    {Verb::other, &WindowStage::TellServer},
+    {Verb::execute, &WindowStage::TellServer},
+    {Verb::fault, &WindowStage::TellServer},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},
     {Verb::showPane, &WindowStage::ShowPane},
@@ -214,41 +214,16 @@ StepResult WindowStage::Mode(const ScriptCommand& command, std::size_t) {
     return StepResult::Done();
 }
 
-StepResult WindowStage::Clock(const ScriptCommand& command, std::size_t) {
-    const bool isNext = command.words[0] == "next";
-    if (isNext ? m_application.AdvanceToNextInstalment() : m_application.AdvanceClock(command.Number(0)))
-        return StepResult::Done();
-    return StepResult::Failed("the server's clock does not go there");
-}
-
-StepResult WindowStage::Fault(const ScriptCommand& command, std::size_t) {
-    const std::string& kind = command.words[1];
-    const bool hasValue = command.words.size() > 2;
-    if (hasValue != (kind == "delay" || kind == "error"))
-        return StepResult::Failed("a fault's value is a delay's milliseconds or an error's code");
-    RequestFault fault;
-    if (kind == "delay") fault.delayMs = command.Number(2);
-    if (kind == "error") fault.errorCode = command.words[2];
-    fault.silent = kind == "silent";
-    fault.garbage = kind == "garbage";
-    m_application.Server().SetFault(command.words[0], fault);
-    return StepResult::Done();
-}
-
-StepResult WindowStage::Fill(const ScriptCommand& command, std::size_t) {
-    if (m_application.FillRegistrations(command.Number(0))) return StepResult::Done();
-    return StepResult::Failed("the server does not take so many registrations");
-}
-
-StepResult WindowStage::OtherOrders(const ScriptCommand& command, std::size_t) {
-    if (m_application.PlaceOtherOrders(command.Number(0))) return StepResult::Done();
-    return StepResult::Failed("the server does not take so many orders");
-}
-
-StepResult WindowStage::Execute(const ScriptCommand& command, std::size_t) {
-    const std::string number = command.words.size() > 1 ? command.words[1] : std::string();
-    if (m_application.ExecuteInstalments(command.Number(0), number)) return StepResult::Done();
-    return StepResult::Failed("the server does not execute so many instalments");
+StepResult WindowStage::TellServer(const ScriptCommand& command, std::size_t attempt) {
+    if (attempt == 0) {
+        std::string line(VerbRules()[static_cast<std::size_t>(command.verb)].name);
+        for (const std::string& word : command.words)
+            line += ' ' + word;
+        m_told.reset();
+        m_application.TellServer(line, [this](const Told& told) { m_told = told; });
+    }
+    if (!m_told) return StepResult::Again("the server has not yet answered");
+    return m_told->isDone ? StepResult::Done() : StepResult::Failed(m_told->text);
 }
 
 } // namespace vesk

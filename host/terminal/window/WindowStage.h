@@ -3,12 +3,14 @@
 #pragma once
 
 #include "framework/Window.h"
+#include "host/server/ServerCommands.h"
 #include "host/terminal/core/KeyText.h"
 #include "host/terminal/core/ScriptRunner.h"
 #include "host/terminal/window/DockSite.h"
 #include "host/terminal/window/SessionLog.h"
 
 #include <deque>
+#include <optional>
 
 namespace vesk {
 
@@ -56,11 +58,7 @@ private:
     StepResult Font(const ScriptCommand&, std::size_t);
     StepResult Right(const ScriptCommand&, std::size_t);
     StepResult Mode(const ScriptCommand&, std::size_t);
-    StepResult Clock(const ScriptCommand&, std::size_t);
-    StepResult Fill(const ScriptCommand&, std::size_t);
-    StepResult OtherOrders(const ScriptCommand&, std::size_t);
-    StepResult Execute(const ScriptCommand&, std::size_t);
-    StepResult Fault(const ScriptCommand&, std::size_t);
+    StepResult TellServer(const ScriptCommand&, std::size_t attempt);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);
     StepResult ShowPane(const ScriptCommand&, std::size_t);
@@ -106,6 +104,7 @@ private:
     BYTE m_keysBefore[256] = {}; // the keyboard's state while modifiers are held
     bool m_keysHeld = false;
     HWND m_fileDialog = nullptr; // has been given its path
+    std::optional<Told> m_told;  // of what the server was told last
 };
 
 } // namespace vesk

@@ -81,7 +81,7 @@ StepResult WindowStage::ExpectFocus(const ScriptCommand& command, std::size_t) {
 }
 
 StepResult WindowStage::ExpectJournal(const ScriptCommand& command, std::size_t) {
-    const Loaded<std::string> journal = ReadWholeFile(m_application.Server().JournalFile());
+    const Loaded<std::string> journal = ReadWholeFile(m_application.Options().journal);
     if (!journal) return StepResult::Again(journal.Fault().Text());
     if (journal.Value().find(command.words[0]) != std::string::npos) return StepResult::Done();
     return StepResult::Again("the journal does not contain \"" + command.words[0] + '"');
