@@ -113,7 +113,7 @@ std::string Server::ExecuteSome(std::size_t& count) {
         const Progress& progress = registration.progress;
         const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
         const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, Today(), sequence}));
+        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
         orders.back().instalment = {progress.executed + 1, progress.place};
         records.Add(orders.back().Json());
     }

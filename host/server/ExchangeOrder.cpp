@@ -58,7 +58,7 @@ public:
         if (lot < m_placement.rates.rejected)
             Reject();
         else if (lot < m_placement.rates.rejected + m_placement.rates.partial && m_quantity > 1)
-            FillPartly();
+            Fill(1 + Below(m_quantity - 1), kStatusOpen);
         else
             Fill(m_quantity, kStatusComplete);
         Order().Shrink();
@@ -90,11 +90,6 @@ private:
     void Reject() {
         Order().Set(kTagStatus, kStatusRejected);
         Order().Set(kTagUserText, kReasons[Below(std::ssize(kReasons))]);
-    }
-    void FillPartly() {
-        const bool isOpen = m_placement.day == m_placement.today;
-        Fill(1 + Below(m_quantity - 1), isOpen ? kStatusOpen : kStatusCancelled);
-        if (!isOpen) Order().Set(kTagUserText, "The rest lapsed at the close");
     }
     // Fills of equal size, so the traded price is their mean.
     void Fill(std::int64_t quantity, std::string_view status) {
@@ -139,6 +134,13 @@ ExchangeOrder PlaceOnExchange(const Placement& placement) {
 std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order) {
     const std::string_view stamp = order.Text(kTagPlacedAt);
     return ParseRecordDate(stamp.substr(0, stamp.find(' ')));
+}
+
+FieldRecord OrderAsOf(std::chrono::year_month_day today, FieldRecord order) {
+    if (order.Text(kTagStatus) != kStatusOpen || PlacementDay(order).value_or(today) >= today) return order;
+    order.Set(kTagStatus, kStatusCancelled);
+    order.Set(kTagUserText, "The rest lapsed at the close");
+    return order;
 }
 
 void ExecutionHistory::Enter(ExchangeOrder made) {

@@ -42,6 +42,9 @@ struct ExecutionHistory {
 // Nothing when the order does not tell.
 std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order);
 
+// The rest of an order that is still open lapses at the close of its day: the order as it stands today.
+FieldRecord OrderAsOf(std::chrono::year_month_day today, FieldRecord order);
+
 // Orders of one registration that are to be placed, one a day.
 struct ExecutionPlan {
     std::vector<std::chrono::year_month_day> days;
@@ -55,8 +58,7 @@ struct Placement {
     const ExecutionPlan& plan;
     const FillRates& rates;
     std::chrono::year_month_day day;
-    std::chrono::year_month_day today; // an order of an earlier day is no longer open
-    std::size_t sequence;              // among all orders, from 1
+    std::size_t sequence; // among all orders, from 1
 };
 // Places it on a made-up exchange, which fills, fills partly or rejects: the same for the same seed and
 // sequence. How often, the rates say. One order in three leaves the details of its fills to the trades.

@@ -19,7 +19,7 @@ std::string Server::Execute(const Registration& registration, const ExecutionPla
     JournalBatch records;
     for (const Date day : plan.days) {
         const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, Today(), sequence}));
+        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
         records.Add(orders.back().Json());
     }
     if (std::string fault = Write(records); !fault.empty()) return fault;
@@ -72,7 +72,7 @@ std::string Server::NextExecution(RowQuery& query) {
     if (query.isDone)
         m_writer.Add(kind.closingTag, kind.closingText);
     else
-        (m_executions.at(query.number).*kind.rows)[query.next++].AddTo(m_writer);
+        OrderAsOf(Today(), (m_executions.at(query.number).*kind.rows)[query.next++]).AddTo(m_writer);
     return m_writer.Finish();
 }
 

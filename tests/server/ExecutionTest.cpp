@@ -101,6 +101,27 @@ std::string Field(const std::string& message, std::uint32_t tag) {
     return std::string(qmx::Text(qmx::MessageReader(message).Handle(), tag));
 }
 
+TEST(Execution, TheRestOfAnOpenOrderLapsesAtTheCloseOfItsDay) {
+    using namespace std::chrono;
+    const auto day = year(2027) / March / 5;
+    const struct {
+        std::string_view status;
+        year_month_day today;
+        std::string_view shown;
+    } rows[] = {
+        {kStatusOpen, day, kStatusOpen},
+        {kStatusOpen, year(2027) / March / 6, "cancelled"},
+        {kStatusComplete, year(2027) / March / 6, kStatusComplete},
+        {kStatusRejected, year(2028) / March / 6, kStatusRejected},
+    };
+    for (const auto& row : rows) {
+        FieldRecord order;
+        order.Set(kTagStatus, row.status);
+        order.Set(kTagPlacedAt, "05-Mar-2027 09:15:00");
+        EXPECT_EQ(OrderAsOf(row.today, order).Text(kTagStatus), row.shown);
+    }
+}
+
 TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
