@@ -297,7 +297,7 @@ void MainFrame::LayOutStatusBar(int width) {
     int edges[std::size(widths) + 1] = {};
     edges[std::size(widths)] = width - Scale().Pixels(20);
     for (std::size_t part = std::size(widths); part-- > 0;)
-        edges[part] = edges[part + 1] - Scale().Pixels(widths[part]);
+        edges[part] = std::max(0, edges[part + 1] - Scale().Pixels(widths[part]));
     static_assert(std::size(edges) == static_cast<std::size_t>(StatusPart::count));
     m_status.Send(SB_SETPARTS, std::size(edges), reinterpret_cast<LPARAM>(edges));
     for (std::size_t i = 0; i < m_statusTexts.size(); ++i)
