@@ -59,7 +59,7 @@ void Talk(std::string_view bytes, std::size_t portion) {
     vesk::Session session(server, commands, {});
     vesk::FrameFault fault{};
     std::string hello;
-    fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", ""}));
+    fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", "", 1}));
     session.Take(hello, 0);
     for (; !bytes.empty(); bytes.remove_prefix(std::min(portion, bytes.size()))) {
         session.Take(bytes.substr(0, portion), 0);

@@ -7,6 +7,10 @@ namespace {
 
 constexpr std::string_view kHead = "{\"registration\":";
 constexpr std::string_view kProgress = ",\"progress\":";
+constexpr std::string_view kChanges = ",\"changes\":";
+
+// As many as a terminal may have under way for one registration.
+constexpr std::uint32_t kChangesKept = 4;
 
 } // namespace
 
@@ -16,6 +20,10 @@ std::string Registration::Json() const {
     if (progress != Progress{}) {
         json += kProgress;
         progress.Fields().AppendJson(json);
+    }
+    if (changes != FieldRecord{}) {
+        json += kChanges;
+        changes.AppendJson(json);
     }
     json += '}';
     return json;
@@ -32,8 +40,22 @@ std::optional<Registration> Registration::FromJson(std::string_view text) {
         if (!progress) return std::nullopt;
         registration.progress = *progress;
     }
+    if (reader.Take(kChanges) && !reader.TakeFields(registration.changes)) return std::nullopt;
     if (!reader.Take("}") || !reader.AtEnd() || registration.Number().empty()) return std::nullopt;
     return registration;
+}
+
+bool Registration::WasChangedBy(std::string_view sentAs) const {
+    for (std::uint32_t i = 0; i < kChangesKept && !sentAs.empty(); ++i)
+        if (changes.Text(i) == sentAs) return true;
+    return false;
+}
+
+void Registration::RememberChange(std::string_view sentAs) {
+    if (sentAs.empty()) return;
+    for (std::uint32_t i = kChangesKept - 1; i > 0; --i)
+        if (!changes.Text(i - 1).empty()) changes.Set(i, changes.Text(i - 1));
+    changes.Set(0, sentAs);
 }
 
 std::optional<InstalmentPlan> Registration::Plan() const {

@@ -37,7 +37,14 @@ public:
     // Nothing when the record does not tell. It points into this record.
     std::optional<InstalmentPlan> Plan() const;
 
-    Progress progress{}; // the server's own, and in no message
+    // By a request of this name, as one of the latest.
+    bool WasChangedBy(std::string_view sentAs) const;
+    // Not one without a name.
+    void RememberChange(std::string_view sentAs);
+
+    // The server's own, and in no message.
+    Progress progress{};
+    FieldRecord changes{}; // the names of the requests that made the latest ones, the last in front
 };
 
 } // namespace vesk

@@ -1,137 +1,30 @@
 #include "host/server/RxHub.h"
 
+#include "host/server/HubControl.h"
+
 #include <algorithm>
-#include <cstdio>
-#include <new>
 
 namespace vesk {
-namespace {
 
-constexpr std::uint32_t kMostSubscriptionFields = 16;
-
-// What a subscription may ask for; the stream's name besides.
-constexpr std::uint32_t kSubscriptionTags[] = {
-    kTagStream, kTagRegistrationNumber, kTagBroker, kTagBranch, kTagUser, kTagAccount,
-};
-
-int Fail(QmxError* error, QmxErrorCode code, const char* text) {
-    if (!error) return 0;
-    error->code = code;
-    std::snprintf(error->text, sizeof error->text, "%s", text);
-    return 0;
-}
-
-int Succeed(QmxError* error) {
-    if (error) *error = QmxError{};
-    return 1;
-}
-
-// Fields that a record must have; an empty value stands for any, an empty identity for the connection's user.
-using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
-
-// Fields by which a registration belongs to somebody.
-bool IsIdentity(std::uint32_t tag) {
-    return tag == kTagUser || tag == kTagBroker || tag == kTagBranch;
-}
-
-bool Matches(const Subscription& subscription, const Registration& registration) {
-    return std::all_of(subscription.begin(), subscription.end(), [&](const auto& field) {
-        return field.second.empty() || registration.Text(field.first) == field.second;
-    });
-}
-
-} // namespace
-
-class RxHub::Control final : public RxControl {
+class RxHub::Control final : public HubControl {
 public:
     Control(RxHub& hub, ControlId id, int kind, CKeloRxNotifierBase& notifier)
-        : m_hub(hub), m_id(id), m_kind(kind), m_notifier(notifier) {}
-    Control(const Control&) = delete;
-    Control& operator=(const Control&) = delete;
+        : HubControl(kind, notifier), m_hub(hub), m_id(id) {}
     ~Control() = default;
 
-    CKeloRxNotifierBase& Notifier() const { return m_notifier; }
-    bool IsSubscribed() const { return !m_subscriptions.empty(); }
     bool Wants(const Registration& registration) const {
-        return std::any_of(m_subscriptions.begin(), m_subscriptions.end(),
-                           [&](const Subscription& one) { return Matches(one, registration); });
+        return std::ranges::any_of(Subscriptions(), [&](const Subscription& one) {
+            return Matches(one, registration, m_hub.m_user.loginId);
+        });
     }
-
-    int SendRequest(std::uint64_t* requestNumber, void* message, int, QmxError* error) noexcept override {
-        if (m_kind != kRxRequests) return Fail(error, kQmxBadArgument, "a stream control sends no requests");
-        QmxDatum bytes{};
-        if (!qmx_message_bytes(message, &bytes, error)) return 0;
-        try {
-            const std::uint64_t number =
-                m_hub.Queue(m_id, qmx::Text(message, kTagRequestName), qmx::View(bytes));
-            if (requestNumber) *requestNumber = number;
-        } catch (const std::bad_alloc&) {
-            return Fail(error, kQmxNoMemory, "no memory for the request");
-        }
-        return Succeed(error);
-    }
-
-    int Subscribe(std::uint64_t* out, const std::uint32_t* tags, const QmxDatum* values, std::uint32_t count,
-                  RxControl* self, int, int, int, QmxError* error) noexcept override {
-        if (const char* fault = FaultOf(tags, values, count, self)) return Fail(error, kQmxBadArgument, fault);
-        try {
-            Subscription subscription;
-            for (std::uint32_t i = 0; i < count; ++i) {
-                const std::string_view value = qmx::View(values[i]);
-                if (value.empty() && IsIdentity(tags[i]))
-                    subscription.emplace_back(kTagUser, m_hub.m_user.loginId);
-                else
-                    subscription.emplace_back(tags[i], value);
-            }
-            m_subscriptions.push_back(std::move(subscription));
-        } catch (const std::bad_alloc&) {
-            return Fail(error, kQmxNoMemory, "no memory for the subscription");
-        }
-        if (out) *out = m_subscriptions.size();
-        return Succeed(error);
-    }
-
-    int Stop(int) noexcept override {
-        m_subscriptions.clear();
-        return 1;
-    }
-
-    void Reserved0() noexcept override {}
-    void Reserved1() noexcept override {}
-    void Reserved2() noexcept override {}
-    void Reserved3() noexcept override {}
-    void Reserved6() noexcept override {}
-    void Reserved7() noexcept override {}
-    void Reserved8() noexcept override {}
-    void Reserved9() noexcept override {}
-    void Reserved10() noexcept override {}
-    void Reserved11() noexcept override {}
-    void Reserved12() noexcept override {}
-    void Reserved13() noexcept override {}
-    void Reserved14() noexcept override {}
 
 private:
-    // Null when the subscription may be made.
-    const char* FaultOf(const std::uint32_t* tags, const QmxDatum* values, std::uint32_t count,
-                        const RxControl* self) const {
-        if (m_kind == kRxRequests) return "a request control has no stream";
-        if (self != this) return "the control must name itself";
-        if (!tags || !values || count == 0) return "a subscription needs fields";
-        if (count > kMostSubscriptionFields) return "a subscription of too many fields";
-        for (std::uint32_t i = 0; i < count; ++i) {
-            if (!values[i].data && values[i].length) return "a null value with a length";
-            if (std::find(std::begin(kSubscriptionTags), std::end(kSubscriptionTags), tags[i])
-                == std::end(kSubscriptionTags))
-                return "a field that no stream goes by";
-        }
-        return nullptr;
+    std::uint64_t Queue(std::string_view request, std::string_view bytes) override {
+        return m_hub.Queue(m_id, request, bytes);
     }
 
     RxHub& m_hub;
     const ControlId m_id;
-    const int m_kind;
-    CKeloRxNotifierBase& m_notifier;
-    std::vector<Subscription> m_subscriptions;
 };
 
 // What one pump may still do. Only once many turns are taken is the clock asked.
@@ -157,7 +50,7 @@ RxHub::~RxHub() {
 }
 
 RxControl* RxHub::Get(int kind, CKeloRxNotifierBase* notifier) {
-    if (!notifier || kind < kRxRequests || kind > kRxAccountStream) return nullptr;
+    if (!HubControl::CanBe(kind, notifier)) return nullptr;
     const ControlId id = ++m_lastControl;
     const auto made = m_controls.emplace(id, std::make_unique<Control>(*this, id, kind, *notifier));
     return made.first->second.get();
@@ -232,11 +125,7 @@ bool RxHub::Deliver(const Delivery& delivery) {
     if (delivery.bytes.empty() || (delivery.isStream && !control.IsSubscribed())) return false;
     const qmx::MessageReader reader(delivery.bytes);
     if (!reader.Good()) return false;
-    // The notifier may destroy the control, so nothing of it is touched after the call.
-    if (delivery.isStream)
-        control.Notifier().OnBroadcast(reader.Handle(), 0, nullptr);
-    else
-        control.Notifier().OnResponse(&control, reader.Handle(), nullptr);
+    control.Tell(reader.Handle(), delivery.isStream);
     return true;
 }
 

@@ -88,23 +88,24 @@ bool Server::Replay(std::string_view record) {
     return true;
 }
 
-Reply Server::Handle(void* request, const UserIdentity& user) {
+Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
     const std::string name(qmx::Text(request, kTagRequestName).substr(0, kLongestText));
     const RequestFault& fault = m_config.FaultFor(name);
     Reply reply = fault.errorCode ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
-                                  : Dispatch(name, request, user);
+                                  : Dispatch(name, request, user, sentAs);
     if (m_config.TakeDisconnect(name)) return {.isCut = true};
     if (fault.silent) return {};
     if (fault.garbage) return {{m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()}};
     return reply;
 }
 
-Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user) {
+Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user,
+                       std::string_view sentAs) {
     if (!m_replayError.empty()) return Refuse(name, {kCodeJournal, m_replayError});
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
-    if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user);
+    if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user, sentAs);
     if (const ExecutionQuery* kind = FindExecutionQuery(name)) return StartExecutionQuery(*kind, request, user);
     return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
 }
@@ -183,18 +184,22 @@ Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
     return {{m_writer.Finish()}};
 }
 
-Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user) {
+Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user,
+                                 std::string_view sentAs) {
     const Registration* before = nullptr;
     if (const auto refusal = FindNamed(request, before)) return Refuse(kind.request, *refusal);
     if (before->Text(kTagUser) != user.loginId) return Refuse(kind.request, OtherUser());
     const std::string number(before->Number());
 
-    Registration after = *before;
-    const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
-    if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
-    if (after != *before)
-        if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
-
+    if (!before->WasChangedBy(sentAs)) {
+        Registration after = *before;
+        const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
+        if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
+        if (after != *before) {
+            after.RememberChange(sentAs);
+            if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
+        }
+    }
     m_writer.Start().Add(kTagAnswerName, kind.request);
     if (kind.request == "cancel_sip_order") m_writer.Add(kTagEchoed, number);
     m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);

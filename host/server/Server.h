@@ -69,8 +69,9 @@ public:
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    // The answers' bytes, in the order they are sent. `request` is a message handle.
-    Reply Handle(void* request, const UserIdentity& user);
+    // The answers' bytes, in the order they are sent. `request` is a message handle. Under `sentAs` it comes
+    // again when its answer was lost: a change is then not made twice, but answered as the first time.
+    Reply Handle(void* request, const UserIdentity& user, std::string_view sentAs = {});
     // The next row's bytes, with the record as it is now. Empty when the registrations looked at in this call
     // gave none: it looks at a few hundred at most.
     std::string NextRow(RowQuery& query);
@@ -131,7 +132,7 @@ private:
     struct Handler;
     static const Handler kHandlers[];
 
-    Reply Dispatch(std::string_view name, void* request, const UserIdentity& user);
+    Reply Dispatch(std::string_view name, void* request, const UserIdentity& user, std::string_view sentAs);
     Reply AnswerOperationMode(void* request, const UserIdentity& user);
     Reply AddRegistration(void* request, const UserIdentity& user);
     template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
@@ -140,7 +141,8 @@ private:
     Reply SetRestrictedDays(void* request, const UserIdentity& user);
     Reply AnswerRestrictedDays(void* request, const UserIdentity& user);
     Reply StartExecutionQuery(const ExecutionQuery& kind, void* request, const UserIdentity& user);
-    Reply ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user);
+    Reply ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user,
+                             std::string_view sentAs);
 
     std::string NextRegistration(RowQuery& query);
     std::string NextExecution(RowQuery& query);

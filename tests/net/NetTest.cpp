@@ -213,7 +213,7 @@ std::string Framed(Said said) {
 
 TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
     Start();
-    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", ""});
+    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1});
     std::string damaged = hello;
     damaged.back() ^= 1;
     const struct {
@@ -226,7 +226,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
         {std::string(8, '\0'), "a frame is empty"},
         {Framed(FrameType::end, ""), "a frame's type is unknown"},
-        {Framed(net::Hello{1, "USER1", "", ""}), "the server speaks version 2, not 1"},
+        {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 2, not 1"},
         {Framed(net::Hello{}), "a terminal without a login"},
         {Framed(net::Open{1, 1}), "a terminal says hello first"},
         {hello + hello, "a second hello"},
@@ -242,6 +242,30 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
             session.Take({&byte, 1}, 0);
         EXPECT_EQ(session.EndReason(), row.reason);
         EXPECT_TRUE(session.Output().ends_with(row.reason));
+    }
+}
+
+TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
+    Start();
+    Fill(300, {"USER1", "", ""});
+    std::string bytes =
+        Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1}) + Framed(net::Open{1, 0});
+    for (std::uint64_t number = 1; number <= 4; ++number)
+        bytes += Framed(net::Request{1, number, Message(ListOf("USER1"))});
+    const struct {
+        SessionLimits limits;
+        int pumps; // before which it is not read
+    } rows[] = {{{.requests = 4, .turns = 8}, 2}, {{.requestBytes = 100, .turns = 1}, 1}, {{}, 0}};
+    for (const auto& row : rows) {
+        Session session(*m_running->server, *m_commands, row.limits);
+        session.Take(bytes, 0);
+        for (int pump = 0; pump < row.pumps; ++pump) {
+            EXPECT_FALSE(session.TakesInput()) << pump;
+            session.Pump(0);
+        }
+        while (session.HasWork(0))
+            session.Output().clear(), session.Pump(0);
+        EXPECT_TRUE(session.TakesInput());
     }
 }
 

@@ -107,5 +107,32 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
               Answers{"32767=cancel_sip_order 32766=105 20008=The registration is another user's"});
 }
 
+// Each is what a terminal sends again after a lost answer, when others were made behind it.
+TEST(Change, RequestSentAgainIsAnsweredAsTheFirstTimeAndNotMadeTwice) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    auto running = std::make_unique<RunningServer>(path);
+    running->Ask(Order());
+    const std::pair<const char*, Fields> sent[] = {
+        {"1-1", FieldsOf("0=modify_sip_order|53063=500|63415=6|64804=" + kNumber)},
+        {"1-2", FieldsOf("0=modify_sip_order|53063=700|63415=7|64804=" + kNumber)},
+        {"1-3", FieldsOf("0=pause_sip_order|64804=" + kNumber)},
+        {"2-1", kCancel},
+    };
+    std::vector<Answers> first;
+    for (const auto& [name, request] : sent)
+        first.push_back(running->Ask(request, name));
+    const std::string journal = FileText(path);
+    for (const bool hasRestarted : {false, true}) {
+        if (hasRestarted) running.reset();
+        if (hasRestarted) running = std::make_unique<RunningServer>(path);
+        for (std::size_t i = 0; i < std::size(sent); ++i)
+            EXPECT_EQ(running->Ask(sent[i].second, sent[i].first), first[i]) << sent[i].first;
+        EXPECT_EQ(FileText(path), journal);
+    }
+    EXPECT_EQ(running->Ask(sent[0].second, "2-2"),
+              Answers{"32767=modify_sip_order 32766=108 20008=The registration is cancelled"});
+}
+
 } // namespace
 } // namespace vesk

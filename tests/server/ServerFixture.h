@@ -112,10 +112,10 @@ struct RunningServer {
         server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records, FixedClock());
     }
 
-    Reply Begin(const Fields& request) {
+    Reply Begin(const Fields& request, std::string_view sentAs = {}) {
         const std::string bytes = Message(request);
         const qmx::MessageReader reader(bytes);
-        return server->Handle(reader.Handle(), user);
+        return server->Handle(reader.Handle(), user, sentAs);
     }
     std::vector<std::string> Finish(Reply reply) {
         while (reply.rows && !reply.rows->isDone)
@@ -123,9 +123,9 @@ struct RunningServer {
                 reply.answers.push_back(std::move(row));
         return std::move(reply.answers);
     }
-    std::vector<std::string> Ask(const Fields& request) {
+    std::vector<std::string> Ask(const Fields& request, std::string_view sentAs = {}) {
         std::vector<std::string> dumps;
-        for (const std::string& answer : Finish(Begin(request))) {
+        for (const std::string& answer : Finish(Begin(request, sentAs))) {
             const qmx::MessageReader read(answer);
             dumps.push_back(qmx::Dump(read.Handle()));
         }

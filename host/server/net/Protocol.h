@@ -29,7 +29,10 @@ struct Hello {
     static constexpr FrameType kType = FrameType::hello;
     std::uint32_t version = kProtocolVersion;
     std::string loginId, peerIdA, peerIdB;
-    void Each(auto&& field) { field(version), field(loginId), field(peerIdA), field(peerIdB); }
+    // The same on every connection of a terminal, and of no other: with the number it is the name of a request
+    // that is sent again.
+    std::uint64_t terminal = 0;
+    void Each(auto&& field) { field(version), field(loginId), field(peerIdA), field(peerIdB), field(terminal); }
 };
 struct Open {
     static constexpr FrameType kType = FrameType::open;

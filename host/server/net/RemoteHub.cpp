@@ -1,11 +1,11 @@
 #include "host/server/net/RemoteHub.h"
 
-#include "framework/Guard.h"
+#include "host/server/HubControl.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <iterator>
+#include <random>
 #include <utility>
 
 namespace vesk {
@@ -15,97 +15,41 @@ constexpr std::int64_t kShortestPauseMs = 200;
 constexpr std::int64_t kLongestPauseMs = 5000;
 constexpr std::int64_t kConnectMs = 5000; // until the server must have welcomed
 constexpr std::size_t kMostRequests = 100'000;
-constexpr std::size_t kMostDeliveries = 10'000; // from which on nothing more is read
+constexpr std::size_t kMostRequestBytes = 64 * 1024 * 1024;
+constexpr std::size_t kMostCommands = 1000;
+// From which on nothing more is read.
+constexpr std::size_t kMostDeliveries = 10'000;
+constexpr std::size_t kMostDeliveryBytes = 8 * 1024 * 1024;
 constexpr std::chrono::milliseconds kPumpTime{12};
 
-int Fail(QmxError* error, QmxErrorCode code, const char* text) {
-    if (!error) return 0;
-    error->code = code;
-    std::snprintf(error->text, sizeof error->text, "%s", text);
-    return 0;
-}
-int Succeed(QmxError* error) {
-    if (error) *error = QmxError{};
-    return 1;
+// Under which this terminal's requests are known again, also after the server's restart.
+std::uint64_t MakeIdentity() {
+    std::random_device random;
+    return std::uint64_t{random()} << 32 | random();
 }
 
 } // namespace
 
-class RemoteHub::Control final : public RxControl {
+class RemoteHub::Control final : public HubControl {
 public:
     Control(RemoteHub& hub, std::uint32_t id, int kind, CKeloRxNotifierBase& notifier)
-        : m_hub(hub), m_id(id), m_kind(kind), m_notifier(notifier) {}
-    Control(const Control&) = delete;
-    Control& operator=(const Control&) = delete;
+        : HubControl(kind, notifier), m_hub(hub), m_id(id) {}
     ~Control() = default;
 
-    CKeloRxNotifierBase& Notifier() const { return m_notifier; }
-    bool IsSubscribed() const { return !m_subscriptions.empty(); }
-    void Forget() { m_subscriptions.clear(); }
     // To a server that knows nothing of it.
     void Introduce(bool isRenewed) const {
-        m_hub.Say(net::Open{m_id, static_cast<std::uint32_t>(m_kind)});
-        for (const net::SubscriptionFields& fields : m_subscriptions)
+        m_hub.Say(net::Open{m_id, static_cast<std::uint32_t>(Kind())});
+        for (const Subscription& fields : Subscriptions())
             m_hub.Say(net::Subscribe{m_id, isRenewed, fields});
     }
 
-    int SendRequest(std::uint64_t* requestNumber, void* message, int, QmxError* error) noexcept override {
-        if (m_kind != kRxRequests) return Fail(error, kQmxBadArgument, "a stream control sends no requests");
-        QmxDatum bytes{};
-        if (!qmx_message_bytes(message, &bytes, error)) return 0;
-        if (m_hub.m_requests.size() >= kMostRequests)
-            return Fail(error, kQmxNoMemory, "too many requests wait for the server");
-        const std::uint64_t number =
-            framework::Guard(std::uint64_t{0}, [&] { return m_hub.Send(m_id, qmx::View(bytes)); });
-        if (!number) return Fail(error, kQmxNoMemory, "no memory for the request");
-        if (requestNumber) *requestNumber = number;
-        return Succeed(error);
-    }
-
-    int Subscribe(std::uint64_t* out, const std::uint32_t* tags, const QmxDatum* values, std::uint32_t count,
-                  RxControl* self, int, int, int, QmxError* error) noexcept override {
-        if (m_kind == kRxRequests) return Fail(error, kQmxBadArgument, "a request control has no stream");
-        if (self != this) return Fail(error, kQmxBadArgument, "the control must name itself");
-        if (!tags || !values || count == 0) return Fail(error, kQmxBadArgument, "a subscription needs fields");
-        const bool isMade = framework::Guard(false, [&] {
-            net::SubscriptionFields fields;
-            for (std::uint32_t i = 0; i < count; ++i)
-                fields.emplace_back(tags[i], qmx::View(values[i]));
-            m_hub.Say(net::Subscribe{m_id, false, fields});
-            m_subscriptions.push_back(std::move(fields));
-            return true;
-        });
-        if (!isMade) return Fail(error, kQmxNoMemory, "no memory for the subscription");
-        if (out) *out = m_subscriptions.size();
-        return Succeed(error);
-    }
-
-    int Stop(int) noexcept override {
-        m_subscriptions.clear();
-        framework::Guard([&] { m_hub.Say(net::Stop{m_id}); });
-        return 1;
-    }
-
-    void Reserved0() noexcept override {}
-    void Reserved1() noexcept override {}
-    void Reserved2() noexcept override {}
-    void Reserved3() noexcept override {}
-    void Reserved6() noexcept override {}
-    void Reserved7() noexcept override {}
-    void Reserved8() noexcept override {}
-    void Reserved9() noexcept override {}
-    void Reserved10() noexcept override {}
-    void Reserved11() noexcept override {}
-    void Reserved12() noexcept override {}
-    void Reserved13() noexcept override {}
-    void Reserved14() noexcept override {}
-
 private:
+    std::uint64_t Queue(std::string_view, std::string_view bytes) override { return m_hub.Send(m_id, bytes); }
+    void OnSubscribed(const Subscription& fields) override { m_hub.Say(net::Subscribe{m_id, false, fields}); }
+    void OnStopped() override { m_hub.Say(net::Stop{m_id}); }
+
     RemoteHub& m_hub;
     const std::uint32_t m_id;
-    const int m_kind;
-    CKeloRxNotifierBase& m_notifier;
-    std::vector<net::SubscriptionFields> m_subscriptions;
 };
 
 struct RemoteHub::Step {
@@ -125,11 +69,11 @@ const RemoteHub::Step RemoteHub::kSteps[] = {
 
 RemoteHub::RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed, StateTold stateTold)
     : m_address(std::move(address)), m_user(std::move(user)), m_changed(std::move(changed)),
-      m_stateTold(std::move(stateTold)) {}
+      m_stateTold(std::move(stateTold)), m_identity(MakeIdentity()) {}
 RemoteHub::~RemoteHub() = default;
 
 RxControl* RemoteHub::Get(int kind, CKeloRxNotifierBase* notifier) {
-    if (!notifier || kind < kRxRequests || kind > kRxAccountStream) return nullptr;
+    if (!HubControl::CanBe(kind, notifier)) return nullptr;
     const std::uint32_t id = ++m_lastControl;
     const auto made = m_controls.emplace(id, std::make_unique<Control>(*this, id, kind, *notifier));
     made.first->second->Introduce(false);
@@ -141,15 +85,21 @@ void RemoteHub::Destroy(RxControl* control) {
         std::ranges::find_if(m_controls, [&](const auto& entry) { return entry.second.get() == control; });
     if (found == m_controls.end()) return;
     const std::uint32_t id = found->first;
-    std::erase_if(m_deliveries, [&](const Delivery& delivery) { return delivery.control == id; });
+    std::erase_if(m_deliveries, [&](const Delivery& delivery) {
+        const bool isItsOwn = delivery.control == id;
+        if (isItsOwn) m_deliveryBytes -= delivery.bytes.size();
+        return isItsOwn;
+    });
     m_controls.erase(found);
     Say(net::Close{id});
 }
 
 std::uint64_t RemoteHub::Send(std::uint32_t control, std::string_view bytes) {
+    if (m_requests.size() >= kMostRequests || m_requestBytes + bytes.size() > kMostRequestBytes) return 0;
     const std::uint64_t number = m_lastRequest + 1;
     const auto made = m_requests.emplace(number, Unanswered{{control, number, std::string(bytes)}});
     m_lastRequest = number;
+    m_requestBytes += bytes.size();
     Say(made.first->second.request);
     return number;
 }
@@ -157,6 +107,8 @@ std::uint64_t RemoteHub::Send(std::uint32_t control, std::string_view bytes) {
 void RemoteHub::Command(std::string line, CommandTold told) {
     if (m_state != LinkState::connected)
         return TellLater(std::move(told), {false, "There is no connection to the server"});
+    if (m_commands.size() >= kMostCommands)
+        return TellLater(std::move(told), {false, "Too many commands wait for the server"});
     const net::Command command{m_lastRequest + 1, std::move(line)};
     if (!net::Append(m_output, command))
         return TellLater(std::move(told), {false, "The command is too long to be sent"});
@@ -184,6 +136,7 @@ std::size_t RemoteHub::Pump(std::int64_t nowMs) {
         // Taken out before the call: the notifier may run a message loop that pumps again.
         const Delivery next = std::move(m_deliveries.front());
         m_deliveries.pop_front();
+        m_deliveryBytes -= next.bytes.size();
         if (Deliver(next)) ++calls;
         if (std::chrono::steady_clock::now() >= end) break;
     }
@@ -200,8 +153,8 @@ void RemoteHub::Connect() {
     if (!m_socket) return Lose(error);
     m_againAtMs = m_nowMs + kConnectMs;
     Change(LinkState::connecting, "connecting to " + m_address.host + ":" + std::to_string(m_address.port));
-    static_cast<void>(net::Append(
-        m_output, net::Hello{net::kProtocolVersion, m_user.loginId, m_user.peerIdA, m_user.peerIdB}));
+    static_cast<void>(net::Append(m_output, net::Hello{net::kProtocolVersion, m_user.loginId, m_user.peerIdA,
+                                                       m_user.peerIdB, m_identity}));
 }
 
 void RemoteHub::Exchange() {
@@ -223,10 +176,14 @@ void RemoteHub::SendOutput() {
     if (transfer == Transfer::ended) Lose("the server has ended the connection");
 }
 
+bool RemoteHub::HasRoom() const {
+    return m_deliveries.size() < kMostDeliveries && m_deliveryBytes < kMostDeliveryBytes;
+}
+
 void RemoteHub::Receive() {
     std::array<char, 65536> part;
     Transfer transfer = Transfer::some;
-    while (m_state != LinkState::lost && transfer == Transfer::some && m_deliveries.size() < kMostDeliveries) {
+    while (m_state != LinkState::lost && transfer == Transfer::some && HasRoom()) {
         std::size_t got = 0;
         transfer = m_socket.Receive(part, got);
         m_reader.Add({part.data(), got});
@@ -283,15 +240,22 @@ void RemoteHub::On(net::Answer&& said) {
         return;
     }
     ++waiting.answers;
-    m_deliveries.push_back({waiting.request.control, false, std::move(said.bytes)});
+    Keep({waiting.request.control, false, std::move(said.bytes)});
 }
 
 void RemoteHub::On(const net::Done& said) {
-    if (m_requests.erase(said.number) == 0) Lose("the end of a request that nobody made");
+    const auto found = m_requests.extract(said.number);
+    if (found.empty()) return Lose("the end of a request that nobody made");
+    m_requestBytes -= found.mapped().request.bytes.size();
 }
 
 void RemoteHub::On(net::Stream&& said) {
-    m_deliveries.push_back({said.control, true, std::move(said.bytes)});
+    Keep({said.control, true, std::move(said.bytes)});
+}
+
+void RemoteHub::Keep(Delivery delivery) {
+    m_deliveryBytes += delivery.bytes.size();
+    m_deliveries.push_back(std::move(delivery));
 }
 
 void RemoteHub::On(const net::Unsubscribed& said) {
@@ -340,11 +304,7 @@ bool RemoteHub::Deliver(const Delivery& delivery) {
         Lose("a message that cannot be read");
         return false;
     }
-    // The notifier may destroy the control, so nothing of it is touched after the call.
-    if (delivery.isStream)
-        control.Notifier().OnBroadcast(reader.Handle(), 0, nullptr);
-    else
-        control.Notifier().OnResponse(&control, reader.Handle(), nullptr);
+    control.Tell(reader.Handle(), delivery.isStream);
     return true;
 }
 

@@ -2,9 +2,9 @@
 //
 // It connects by itself, and again after growing pauses when the connection is lost. Everything then goes on
 // where it was: controls are opened anew, subscriptions made again with what was missed meanwhile, and requests
-// that were not answered in full are sent again. That is safe: placing and cancelling carry an identifier that
-// the server knows again, the other changes do nothing the second time, and of a query the rows that already
-// came are left out. A command is not sent again: what it does, it would do twice.
+// that were not answered in full are sent again. That is safe: the server knows an order and a change of a
+// registration again, and of a query the rows that already came are left out. A command is not sent again: what
+// it does, it would do twice.
 //
 // Thread:  one (the GUI thread); all calls but those to the notifiers return at once.
 // Owner:   the hub owns the controls; notifiers outlive theirs.
@@ -97,12 +97,15 @@ private:
     void Lose(const std::string& why);
     void Change(LinkState state, const std::string& text);
     void TellLater(CommandTold command, Told told);
+    bool HasRoom() const;
+    void Keep(Delivery delivery);
     bool Deliver(const Delivery& delivery);
 
     const ServerAddress m_address;
     const UserIdentity m_user;
     const StateChanged m_changed;
     const StateTold m_stateTold;
+    const std::uint64_t m_identity;
     net::ServerState m_serverState;
     LinkState m_state = LinkState::lost;
     Socket m_socket;
@@ -114,8 +117,10 @@ private:
     bool m_wasConnected = false;
     std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
     std::map<std::uint64_t, Unanswered> m_requests;
+    std::size_t m_requestBytes = 0;
     std::map<std::uint64_t, CommandTold> m_commands; // that the server has not told of
     std::deque<Delivery> m_deliveries;
+    std::size_t m_deliveryBytes = 0;
     std::uint64_t m_lastRequest = 0; // or command
     std::uint32_t m_lastControl = 0; // never used again, so a late answer finds nobody
 };

@@ -1,5 +1,6 @@
 #include "host/server/net/Session.h"
 
+#include "host/server/HubControl.h"
 #include "host/server/Schedule.h"
 
 #include <algorithm>
@@ -13,6 +14,11 @@ constexpr std::size_t kMostControls = 1024;
 std::string_view Shortened(std::string_view text) {
     return text.substr(0, kLongestText);
 }
+
+struct SizeOf {
+    std::size_t operator()(const net::Request& request) const { return request.bytes.size(); }
+    std::size_t operator()(const net::Command& command) const { return command.line.size(); }
+};
 
 } // namespace
 
@@ -93,6 +99,7 @@ void Session::On(const net::Hello& said) {
     if (said.loginId.empty()) return Refuse("a terminal without a login");
     m_user = {said.loginId, said.peerIdA, said.peerIdB};
     m_name = Shortened(said.loginId);
+    m_terminal = std::to_string(said.terminal);
     m_streams =
         std::make_unique<RxHub>(m_server, m_user, PumpBudget{m_limits.turns, std::chrono::milliseconds{0}});
     Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Now())});
@@ -120,11 +127,16 @@ void Session::On(net::Request&& said) {
     const qmx::MessageReader reader(said.bytes);
     if (!reader.Good()) return Refuse("a request that is no message");
     const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), kTagRequestName)).delayMs;
-    m_asked.emplace(std::pair(m_nowMs + delay, ++m_arrivals), std::move(said));
+    Queue(m_nowMs + delay, std::move(said));
 }
 
 void Session::On(net::Command&& said) {
-    m_asked.emplace(std::pair(m_nowMs, ++m_arrivals), std::move(said));
+    Queue(m_nowMs, std::move(said));
+}
+
+void Session::Queue(std::int64_t dueMs, Asked asked) {
+    m_askedBytes += std::visit(SizeOf{}, asked);
+    m_asked.emplace(std::pair(dueMs, ++m_arrivals), std::move(asked));
 }
 
 void Session::On(const net::Subscribe& said) {
@@ -212,6 +224,7 @@ bool Session::PumpOnce() {
     if (RequestIsDue(m_nowMs)) {
         const Asked asked = std::move(m_asked.begin()->second);
         m_asked.erase(m_asked.begin());
+        m_askedBytes -= std::visit(SizeOf{}, asked);
         std::visit([this](const auto& one) { Handle(one); }, asked);
     }
     // All of them before the next row.
@@ -225,7 +238,7 @@ bool Session::PumpOnce() {
 
 void Session::Handle(const net::Request& request) {
     const qmx::MessageReader reader(request.bytes);
-    Reply reply = m_server.Handle(reader.Handle(), m_user);
+    Reply reply = m_server.Handle(reader.Handle(), m_user, m_terminal + "-" + std::to_string(request.number));
     if (reply.isCut) return End("the server plays a cut connection");
     if (!StateIsTold()) TellState();
     for (std::string& answer : reply.answers)
@@ -254,17 +267,10 @@ void Session::NextRow() {
 void Session::NextMissed() {
     constexpr std::size_t mostLookedAt = 256;
     CatchUp& missed = m_catchUps.front();
-    const auto wanted = [&](const Registration& registration) {
-        return std::ranges::all_of(missed.fields, [&](const auto& field) {
-            const bool isUser = field.second.empty() && field.first == kTagUser;
-            return registration.Text(field.first) == (isUser ? m_user.loginId : field.second)
-                   || (field.second.empty() && !isUser);
-        });
-    };
     const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
     while (missed.next < stop) {
         const Registration& registration = m_server.Registrations()[missed.next++];
-        if (!wanted(registration)) continue;
+        if (!Matches(missed.fields, registration, m_user.loginId)) continue;
         registration.AddTo(m_writer.Start());
         Say(net::Stream{missed.control, m_writer.Finish()});
         break;

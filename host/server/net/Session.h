@@ -24,11 +24,12 @@
 namespace vesk {
 
 struct SessionLimits {
-    std::size_t outputBytes = 256 * 1024; // from which on nothing more is made
-    std::size_t streamBacklog = 20'000;   // updates that wait for room
-    std::int64_t stalledMs = 30'000;      // without room
-    std::size_t requests = 4096;          // and commands, that wait, before nothing more is read
-    std::size_t turns = 64;               // of one pump
+    std::size_t outputBytes = 256 * 1024;       // from which on nothing more is made
+    std::size_t streamBacklog = 20'000;         // updates that wait for room
+    std::int64_t stalledMs = 30'000;            // without room
+    std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
+    std::size_t requestBytes = 8 * 1024 * 1024; // of these
+    std::size_t turns = 64;                     // of one pump
 };
 
 class Session {
@@ -42,7 +43,10 @@ public:
     void Take(std::string_view bytes, std::int64_t nowMs);
     // A portion of what there is to do.
     void Pump(std::int64_t nowMs);
-    bool TakesInput() const { return !HasEnded() && m_asked.size() < m_limits.requests; }
+    bool TakesInput() const {
+        return !HasEnded() && m_askedBytes < m_limits.requestBytes
+               && m_asked.size() + m_queries.size() + m_catchUps.size() < m_limits.requests;
+    }
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
     // To be sent; what was sent is taken away by the caller.
@@ -55,6 +59,7 @@ public:
 
 private:
     class Forwarder; // of one stream control
+    using Asked = std::variant<net::Request, net::Command>;
     struct Query {
         std::uint32_t control;
         std::uint64_t number;
@@ -89,6 +94,7 @@ private:
     void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
     bool RequestIsDue(std::int64_t nowMs) const;
+    void Queue(std::int64_t dueMs, Asked asked);
     void Handle(const net::Request& request);
     void Handle(const net::Command& command);
     bool PumpOnce();
@@ -105,10 +111,11 @@ private:
     std::string m_name = "a terminal";
     std::string m_endReason;
     UserIdentity m_user;
+    std::string m_terminal;
     std::unique_ptr<RxHub> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::unique_ptr<Forwarder>> m_forwarders;
-    using Asked = std::variant<net::Request, net::Command>;
     std::map<std::pair<std::int64_t, std::uint64_t>, Asked> m_asked; // by due time, then arrival
+    std::size_t m_askedBytes = 0;
     std::uint64_t m_arrivals = 0;
     std::deque<Query> m_queries;
     std::deque<CatchUp> m_catchUps;
