@@ -2,7 +2,9 @@
 //
 // Terminals without windows at one server over TCP that holds 100,000 registrations: how many updates a second
 // reach them while one of them places orders as fast as they are answered, several at a time, and how long it
-// takes from a request to the update at the others while it places them one at a time.
+// takes from a request to the update at the others while it places them one at a time. The latter once more
+// while the clock has gone on some days and the server executes what is due, with how many of its updates reach
+// them.
 
 #include "host/server/SampleOrders.h"
 #include "host/server/net/NetServer.h"
@@ -47,8 +49,11 @@ public:
         m_net->Listen(0);
         m_port = m_net->Port();
         m_thread = std::thread([this] {
-            while (!m_isToEnd)
-                m_net->Turn(10);
+            while (!m_isToEnd) {
+                const bool isBehind = m_net->IsBehind();
+                m_net->Turn(isBehind ? 1 : m_server->HasDue() ? 0 : 10);
+                if (!isBehind) m_executed += m_server->ExecuteDue(std::chrono::milliseconds(5)).instalments;
+            }
         });
     }
     ~ServerThread() {
@@ -57,6 +62,7 @@ public:
         std::filesystem::remove_all(m_folder);
     }
     std::uint16_t Port() const { return m_port; }
+    std::size_t Executed() const { return m_executed; }
 
 private:
     std::filesystem::path m_folder;
@@ -66,6 +72,7 @@ private:
     std::optional<NetServer> m_net;
     std::uint16_t m_port = 0;
     std::atomic<bool> m_isToEnd = false;
+    std::atomic<std::size_t> m_executed = 0;
     std::thread m_thread;
 };
 
@@ -109,7 +116,14 @@ public:
     void Pump() { m_hub.Pump(NowMs()); }
     std::size_t Waiting() const { return m_hub.Waiting(); }
 
-    void OnBroadcast(void*, std::uint32_t, void*) override {
+    void Advance(int days) { m_hub.Command("clock " + std::to_string(days), {}); }
+    bool HasDue() const { return m_hub.Server().hasDue; }
+
+    void OnBroadcast(void* message, std::uint32_t, void*) override {
+        if (!qmx::Text(message, kTagRequestIdentifier).starts_with("order-")) {
+            ++others;
+            return;
+        }
         ++updates;
         updatedAt = Clock::now();
     }
@@ -117,7 +131,8 @@ public:
         if (qmx::Has(message, kTagErrorCode)) std::fprintf(stderr, "%s\n", qmx::Dump(message).c_str());
     }
 
-    std::size_t updates = 0;
+    std::size_t updates = 0; // of the orders
+    std::size_t others = 0;
     Clock::time_point updatedAt;
 
 private:
@@ -151,18 +166,34 @@ public:
     // Of each order at each other terminal, in order, in milliseconds.
     std::vector<double> Latencies(std::size_t orders) {
         std::vector<double> all;
-        for (std::size_t i = 0; i < orders; ++i) {
-            const auto start = Clock::now();
-            m_terminals.front().Place(m_placed++);
-            Until([&] { return HaveAll(); });
-            for (auto one = std::next(m_terminals.begin()); one != m_terminals.end(); ++one)
-                all.push_back(std::chrono::duration<double, std::milli>(one->updatedAt - start).count());
-        }
+        for (std::size_t i = 0; i < orders; ++i)
+            PlaceOne(all);
         std::ranges::sort(all);
+        return all;
+    }
+    // The same until what falls due in the next days is executed and told. The updates are those of that.
+    std::vector<double> LatenciesBeside(int days, std::size_t& updates) {
+        std::vector<double> all;
+        for (Terminal& terminal : m_terminals)
+            terminal.others = 0;
+        m_terminals.front().Advance(days);
+        Until([&] { return m_terminals.front().HasDue(); });
+        while (std::ranges::any_of(m_terminals, &Terminal::HasDue))
+            PlaceOne(all);
+        std::ranges::sort(all);
+        for (const Terminal& terminal : m_terminals)
+            updates += terminal.others;
         return all;
     }
 
 private:
+    void PlaceOne(std::vector<double>& all) {
+        const auto start = Clock::now();
+        m_terminals.front().Place(m_placed++);
+        Until([&] { return HaveAll(); });
+        for (auto one = std::next(m_terminals.begin()); one != m_terminals.end(); ++one)
+            all.push_back(std::chrono::duration<double, std::milli>(one->updatedAt - start).count());
+    }
     bool HaveAll() const {
         return std::ranges::all_of(m_terminals, [&](const Terminal& one) { return one.updates == m_placed; });
     }
@@ -177,6 +208,11 @@ private:
     std::size_t m_placed = 0;
 };
 
+void Print(const std::vector<double>& latencies) {
+    std::printf("median latency       %10.2f ms\n", latencies[latencies.size() / 2]);
+    std::printf("99th percentile      %10.2f ms\n", latencies[latencies.size() * 99 / 100]);
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
@@ -185,7 +221,15 @@ int main(int count, char** arguments) {
     Room room(server.Port());
     std::printf("%zu terminals, %zu registrations\n", kTerminals, kRegistrations);
     std::printf("updates a second     %10.0f\n", room.Throughput(orders));
-    const std::vector<double> latencies = room.Latencies(orders);
-    std::printf("median latency       %10.2f ms\n", latencies[latencies.size() / 2]);
-    std::printf("99th percentile      %10.2f ms\n", latencies[latencies.size() * 99 / 100]);
+    Print(room.Latencies(orders));
+
+    constexpr int days = 5;
+    const auto start = Clock::now();
+    std::size_t updates = 0;
+    const std::size_t before = server.Executed();
+    const std::vector<double> beside = room.LatenciesBeside(days, updates);
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    std::printf("beside %zu instalments of %d days in %.1f s\n", server.Executed() - before, days, seconds);
+    std::printf("updates a second     %10.0f\n", static_cast<double>(updates) / seconds);
+    Print(beside);
 }

@@ -2,11 +2,13 @@
 // journaled, and a server that starts from the journal holds the same.
 //
 // The first line names what the server is set to, each further one is a request, tag=text|tag=text, a number
-// of instalments of the latest registration to be executed, or "+" and the days by which the clock advances.
+// of instalments of the latest registration to be executed, "+" and the days by which the clock advances, or
+// ":" and a command.
 
 #include "fuzz/Fuzz.h"
 #include "host/server/Schedule.h"
 #include "host/server/Server.h"
+#include "host/server/ServerCommands.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -40,7 +42,8 @@ private:
     qmx::MessageWriter m_writer;
 };
 
-// Letters: "n" no list of frequencies, "z" one that a zero ends, "e" an error, "s" silence, "g" garbage.
+// Letters: "n" no list of frequencies, "z" one that a zero ends, "e" an error, "s" silence, "g" garbage, "d" a
+// cut connection.
 ServerConfig ConfigOf(std::string_view letters) {
     const auto has = [&](char letter) { return letters.find(letter) != letters.npos; };
     ServerConfig config;
@@ -50,6 +53,7 @@ ServerConfig ConfigOf(std::string_view letters) {
     if (has('e')) fault.errorCode = "99";
     fault.silent = has('s');
     fault.garbage = has('g');
+    fault.disconnects = has('d');
     return config;
 }
 
@@ -76,9 +80,10 @@ std::string Ask(Server& server, std::string_view line) {
     }
     if (!writer.Good()) return told;
     const std::string name(qmx::Text(writer.Handle(), kTagRequestName));
-    const RequestFault& fault = server.Config().FaultFor(name);
+    const RequestFault fault = server.Config().FaultFor(name);
     Reply reply = server.Handle(writer.Handle(), {"USER1", "BROKER", "BR1"});
-    Demand(reply.answers.empty() == (fault.silent || reply.rows.has_value()));
+    Demand(reply.isCut == (fault.disconnects != 0));
+    Demand(reply.answers.empty() == (reply.isCut || fault.silent || reply.rows.has_value()));
     for (const std::string& answer : reply.answers) {
         CheckAnswer(answer, name, fault.garbage);
         told += answer;
@@ -120,6 +125,15 @@ std::size_t Advance(Server& server, std::int64_t days) {
     return orders;
 }
 
+// What takes its time, with larger numbers, is left out.
+bool Command(ServerCommands& commands, std::string_view line) {
+    constexpr std::ptrdiff_t mostDigits = 2;
+    if (std::count_if(line.begin(), line.end(), [](char c) { return c >= '0' && c <= '9'; }) > mostDigits)
+        return false;
+    Demand(!commands.Run(line, {"USER1", "BROKER", "BR1"}, 0).text.empty());
+    return true;
+}
+
 // Everything that a server holds, as it tells it.
 std::string Held(Server& server) {
     std::string held = Ask(server, "0=calendar_get_restricted_dates");
@@ -144,9 +158,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string held;
     std::size_t updates = 0;
     std::size_t orders = 0;
+    bool isCommanded = false; // and what it did is not counted
     {
         const JournalOpening opening = Journal::Open(path);
         Server server(config, *opening.journal, opening.records, StoppedClock());
+        ServerCommands commands(server, {{"CL1"}, {{"nse_cm", "1008", "ARBORTOOLS-EQ"}}}, true);
         Listener listener;
         server.AddListener(listener);
         while (!input.AtEnd()) {
@@ -155,9 +171,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 orders += Execute(server, *instalments);
             else if (line.starts_with('+'))
                 orders += Advance(server, WholeNumber(std::string_view(line).substr(1)).value_or(0));
+            else if (line.starts_with(':'))
+                isCommanded = Command(commands, std::string_view(line).substr(1)) || isCommanded;
             else
                 Ask(server, line);
         }
+        server.Config() = config;
         orders += Advance(server, 0);
         held = Held(server);
         updates = listener.updates;
@@ -169,7 +188,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         changes += Registration::FromJson(record).has_value();
         orders -= ExchangeOrder::FromJson(record).has_value();
     }
-    Demand(updates >= changes && orders == 0);
+    Demand(isCommanded || (updates >= changes && orders == 0));
     Server again(config, *opening.journal, opening.records, StoppedClock());
     Demand(again.ReplayError().empty() && Held(again) == held);
     std::filesystem::remove(path);

@@ -1,10 +1,7 @@
 #include "host/server/HubControl.h"
 
-#include "framework/Guard.h"
-
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
 
 namespace vesk {
 namespace {
@@ -34,6 +31,16 @@ int Succeed(QmxError* error) {
     return 1;
 }
 
+// What fails is told to the caller, so no line says more.
+template <class Body>
+auto OrNothing(Body&& body) noexcept -> decltype(body()) {
+    try {
+        return body();
+    } catch (...) {
+        return {};
+    }
+}
+
 } // namespace
 
 bool Matches(const Subscription& subscription, const Registration& registration, std::string_view loginId) {
@@ -59,8 +66,8 @@ int HubControl::SendRequest(std::uint64_t* requestNumber, void* message, int, Qm
     if (m_kind != kRxRequests) return Fail(error, kQmxBadArgument, "a stream control sends no requests");
     QmxDatum bytes{};
     if (!qmx_message_bytes(message, &bytes, error)) return 0;
-    const std::uint64_t number = framework::Guard(
-        std::uint64_t{0}, [&] { return Queue(qmx::Text(message, kTagRequestName), qmx::View(bytes)); });
+    const std::uint64_t number =
+        OrNothing([&] { return Queue(qmx::Text(message, kTagRequestName), qmx::View(bytes)); });
     if (!number) return Fail(error, kQmxNoMemory, "too many requests wait for the server");
     if (requestNumber) *requestNumber = number;
     return Succeed(error);
@@ -69,12 +76,12 @@ int HubControl::SendRequest(std::uint64_t* requestNumber, void* message, int, Qm
 int HubControl::Subscribe(std::uint64_t* out, const std::uint32_t* tags, const QmxDatum* values,
                           std::uint32_t count, RxControl* self, int, int, int, QmxError* error) noexcept {
     if (const char* fault = FaultOf(tags, values, count, self)) return Fail(error, kQmxBadArgument, fault);
-    const bool isMade = framework::Guard(false, [&] {
+    const bool isMade = OrNothing([&] {
         Subscription made;
         for (std::uint32_t i = 0; i < count; ++i)
             made.emplace_back(tags[i], qmx::View(values[i]));
+        OnSubscribed(made);
         m_subscriptions.push_back(std::move(made));
-        OnSubscribed(m_subscriptions.back());
         return true;
     });
     if (!isMade) return Fail(error, kQmxNoMemory, "no memory for the subscription");
@@ -84,8 +91,10 @@ int HubControl::Subscribe(std::uint64_t* out, const std::uint32_t* tags, const Q
 
 int HubControl::Stop(int) noexcept {
     m_subscriptions.clear();
-    framework::Guard([this] { OnStopped(); });
-    return 1;
+    return OrNothing([this] {
+        OnStopped();
+        return 1;
+    });
 }
 
 // Null when the subscription may be made.

@@ -82,10 +82,12 @@ int Serve(Server& server, std::uint16_t port, const Market& market) {
     std::printf("listening on 127.0.0.1:%u\n", unsigned{net.Port()});
     std::fflush(stdout);
     while (!g_isToEnd) {
-        net.Turn(server.HasDue() ? 0 : kWaitMs);
+        const bool isBehind = net.IsBehind();
+        net.Turn(isBehind ? 1 : server.HasDue() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, commands, user, server.Now());
         if (input.isOver) return 0;
+        if (isBehind) continue;
         const Executed done = server.ExecuteDue(kExecutionTime);
         if (!done.fault.empty()) Note(done.fault);
     }

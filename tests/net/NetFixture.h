@@ -48,6 +48,7 @@ public:
     void OnBroadcast(void* message, std::uint32_t, void*) override {
         streamed.push_back(std::string(qmx::Text(message, kTagRegistrationNumber)) + " "
                            + std::string(qmx::Text(message, kTagStatus)));
+        if (onUpdate) onUpdate(message);
     }
     void OnResponse(void*, void* message, void*) override {
         const bool isRow = qmx::Has(message, kTagListRow);
@@ -56,7 +57,7 @@ public:
     }
 
     std::vector<std::string> states, streamed, answers;
-    std::function<void(void* message)> onAnswer;
+    std::function<void(void*message)> onAnswer, onUpdate;
 
 private:
     std::string m_user;

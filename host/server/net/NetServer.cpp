@@ -1,5 +1,6 @@
 #include "host/server/net/NetServer.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <exception>
@@ -50,6 +51,10 @@ bool NetServer::AnyHasWork(std::int64_t nowMs) const {
     for (const Connection& connection : m_connections)
         if (connection.session.HasWork(nowMs)) return true;
     return false;
+}
+
+bool NetServer::IsBehind() const {
+    return std::ranges::any_of(m_connections, [](const Connection& one) { return one.session.IsBehind(); });
 }
 
 void NetServer::Accept() {

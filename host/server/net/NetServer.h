@@ -27,6 +27,9 @@ public:
     std::uint16_t Port() const { return m_listener.Port(); }
     std::size_t Connections() const { return m_connections.size(); }
 
+    // Whether a terminal that takes its updates has many to take: what makes more of them can wait for it.
+    bool IsBehind() const;
+
     // Takes, does and sends what there is, after waiting for something at most so long.
     void Turn(int timeoutMs);
 

@@ -212,6 +212,7 @@ bool Session::HasWork(std::int64_t nowMs) const {
 
 void Session::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
+    if (HasRoom()) m_roomAtMs = m_nowMs;
     for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn) {
     }
     JudgeStall();
@@ -278,8 +279,12 @@ void Session::NextMissed() {
     if (!HasEnded() && missed.next == missed.end) m_catchUps.pop_front();
 }
 
+bool Session::IsBehind() const {
+    constexpr std::int64_t patienceMs = 1000;
+    return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4 && m_nowMs - m_roomAtMs < patienceMs;
+}
+
 void Session::JudgeStall() {
-    if (HasRoom()) m_roomAtMs = m_nowMs;
     if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
     if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");
 }

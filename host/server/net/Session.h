@@ -49,6 +49,8 @@ public:
     }
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
+    // Whether many updates wait for it although it takes them.
+    bool IsBehind() const;
     // To be sent; what was sent is taken away by the caller.
     std::string& Output() { return m_output; }
 
@@ -126,7 +128,7 @@ private:
     } m_toldState;
     qmx::MessageWriter m_writer;
     std::int64_t m_nowMs = 0;
-    std::int64_t m_roomAtMs = 0; // when there was room last
+    std::int64_t m_roomAtMs = 0; // when a pump began with room last
 };
 
 } // namespace vesk
