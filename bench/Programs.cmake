@@ -56,3 +56,6 @@ target_link_libraries(planfold_basket_bench PRIVATE house_rules bench_rounds pla
 
 add_executable(planfold_net_bench EXCLUDE_FROM_ALL ${bench}/NetBench.cpp)
 target_link_libraries(planfold_net_bench PRIVATE house_rules vesk_remote)
+
+add_executable(planfold_start_bench EXCLUDE_FROM_ALL ${bench}/StartBench.cpp)
+target_link_libraries(planfold_start_bench PRIVATE house_rules vesk_server)

@@ -174,6 +174,7 @@ public:
         std::uint32_t number = 0;
         (*this)(number);
         flag = number != 0;
+        m_good = m_good && number <= 1;
     }
     void operator()(std::vector<std::uint32_t>& numbers) {
         std::uint32_t count = 0;

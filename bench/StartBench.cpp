@@ -1,0 +1,89 @@
+// planfold_start_bench [REGISTRATIONS]
+//
+// How long a server takes to start from the journal of 1,000,000 registrations whose plans have gone on for
+// some days and which have been changed twice each: before and after the journal is written anew.
+
+#include "host/server/SampleOrders.h"
+#include "host/server/Server.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+using namespace vesk;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kUsualRegistrations = 1'000'000;
+constexpr int kDays = 7;
+constexpr int kChanges = 2;
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+bool Report(const std::string& fault) {
+    if (!fault.empty()) std::fprintf(stderr, "%s\n", fault.c_str());
+    return fault.empty();
+}
+
+// A record that supersedes the one before, of each.
+bool ChangeAll(const Server& server, Journal& journal) {
+    constexpr std::size_t atOnce = 16'384;
+    const std::vector<Registration>& all = server.Registrations();
+    std::string error;
+    for (std::size_t i = 0; i < all.size();) {
+        JournalBatch batch;
+        for (const std::size_t end = std::min(all.size(), i + atOnce); i < end; ++i)
+            batch.Add(all[i].Json());
+        if (!journal.Append(batch, error)) return Report(error);
+    }
+    return true;
+}
+
+bool Prepare(const std::filesystem::path& path, std::size_t registrations) {
+    const JournalOpening opening = Journal::Open(path);
+    Server server({}, *opening.journal, opening.records, SystemClock());
+    const SampleMarket market{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}};
+    if (!Report(server.Fill({registrations, {{"DEALER", "B", ""}}, market}))) return false;
+    if (!Report(server.AdvanceTo(std::chrono::sys_days(server.Today()) + std::chrono::days(kDays))))
+        return false;
+    while (server.HasDue())
+        if (!Report(server.ExecuteDue(std::chrono::seconds(1)).fault)) return false;
+    for (int i = 0; i < kChanges; ++i)
+        if (!ChangeAll(server, *opening.journal)) return false;
+    return true;
+}
+
+// Writes the journal anew when that is due.
+bool Start(const std::filesystem::path& path, const char* when) {
+    auto start = Clock::now();
+    JournalOpening opening = Journal::Open(path);
+    const double read = SecondsSince(start);
+    start = Clock::now();
+    Server server({}, *opening.journal, opening.records, SystemClock());
+    std::printf("%s: %8zu records of %5.0f MB: read in %5.1f s, replayed in %5.1f s\n", when,
+                opening.records.size(), static_cast<double>(std::filesystem::file_size(path)) / 1e6, read,
+                SecondsSince(start));
+    opening.records.clear();
+    opening.text.reset();
+    if (!server.IsJournalStale()) return Report(server.ReplayError());
+    start = Clock::now();
+    const bool isDone = Report(server.CompactJournal());
+    std::printf("written anew in %.1f s\n", SecondsSince(start));
+    return isDone;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const std::size_t registrations = count > 1 ? std::stoul(arguments[1]) : kUsualRegistrations;
+    const auto folder = std::filesystem::temp_directory_path() / ("start-bench-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    const auto path = folder / "journal";
+    const bool isDone = Prepare(path, registrations) && Start(path, "before") && Start(path, "after");
+    std::filesystem::remove_all(folder);
+    return isDone ? 0 : 1;
+}
