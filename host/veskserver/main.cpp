@@ -64,8 +64,9 @@ UserIdentity Operator(const TerminalConfig& terminal) {
     return {terminal.loginId.empty() ? "DEALER01" : terminal.loginId, terminal.peerIdA, terminal.peerIdB};
 }
 
-void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user,
-            std::int64_t nowMs) {
+void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user) {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    const std::int64_t nowMs = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
     for (const std::string& line : lines)
         std::printf("%s\n", commands.Run(line, user, nowMs).text.c_str());
     if (!lines.empty()) std::fflush(stdout);
@@ -85,7 +86,7 @@ int Serve(Server& server, std::uint16_t port, const Market& market) {
         const bool isBehind = net.IsBehind();
         net.Turn(isBehind ? 1 : server.HasDue() ? 0 : kWaitMs);
         const InputLines input = takeInput();
-        Answer(input.lines, commands, user, server.Now());
+        Answer(input.lines, commands, user);
         if (input.isOver) return 0;
         if (isBehind) continue;
         const Executed done = server.ExecuteDue(kExecutionTime);

@@ -5,20 +5,18 @@
 // once, what a killed terminal had not been told of once or not at all, and the instalments of every plan are
 // one a day, without a gap, and none on a closed day.
 
-#include "tests/net/KillDealer.h"
-#include "tests/net/NetFixture.h"
-
 #include "host/server/Schedule.h"
+#include "tests/net/KillDealer.h"
+#include "tests/net/KillVerdict.h"
+#include "tests/net/NetFixture.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <list>
 #include <random>
-#include <set>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -26,16 +24,7 @@
 namespace vesk {
 namespace {
 
-using std::chrono::sys_days;
 using Words = std::vector<std::string>;
-
-[[noreturn]] void Die(const std::string& what) {
-    std::fprintf(stderr, "kill_test: %s\n", what.c_str());
-    std::_Exit(1);
-}
-void Demand(bool holds, const std::string& what) {
-    if (!holds) Die(what);
-}
 
 // A program with its ends of two pipes.
 class Child {
@@ -136,221 +125,99 @@ private:
     std::thread m_reader;
 };
 
-struct State {
-    std::string status = "active", amount = "123450";
-
-    bool Is(const Registration& registration) const {
-        const std::string_view now = registration.Text(kTagStatus);
-        return registration.Text(kTagAmountOrQuantity) == amount
-               && (now == status || (now == kStatusExpired && status == kStatusActive));
-    }
-};
-
-// What the server holds in the end, against what was said.
-class Verdict {
+// Terminals at a server, all of them processes.
+class Trial {
 public:
-    Verdict(Server& server, const std::vector<std::chrono::year_month_day>& closed)
-        : m_server(server), m_closed(closed.begin(), closed.end()) {
-        for (const Registration& registration : server.Registrations()) {
-            std::string id(registration.Text(kTagRequestIdentifier));
-            // A cancellation has put its own there.
-            if (id.ends_with('x')) id.pop_back();
-            Demand(m_byId.emplace(id, registration.Number()).second, id + " is there twice");
+    Trial(std::string program, unsigned seed)
+        : m_program(std::move(program)), m_seed(seed), m_random(seed),
+          m_folder(std::filesystem::temp_directory_path() / ("vesk-kill-" + std::to_string(getpid()))) {
+        std::filesystem::create_directories(m_folder);
+        WriteFileText(m_folder / "nontrading.csv", CloseDays());
+        WriteFileText(m_folder / "server.json", "{}");
+        StartServer();
+        for (std::size_t place = 0; place < m_living.size(); ++place)
+            Hire(place);
+    }
+
+    void KillOne() {
+        // Some right at the start, while the terminals come back; most in the middle of the work.
+        Pause(20, 500);
+        if (m_random() % 2) {
+            m_server.reset();
+            ++m_serverKills;
+            Pause(0, 100);
+            StartServer();
+        } else {
+            const std::size_t place = m_random() % m_living.size();
+            m_living[place]->Kill();
+            Hire(place);
         }
     }
 
-    void Hear(const DealerProcess& dealer) {
-        std::istringstream lines(dealer.Said());
-        std::map<std::string, State> held,
-            pending; // as the last answer said; as was asked for and not answered
-        std::map<std::string, Words> heard;
-        std::set<std::string> unanswered; // orders
-        std::size_t seen = 0;
-        std::string text;
-        while (std::getline(lines, text)) {
-            Words words;
-            std::istringstream line(text);
-            for (std::string word; line >> word;)
-                words.push_back(word);
-            const char kind = text[0];
-            if (kind == 'p') {
-                m_asked.insert(words.at(1)), unanswered.insert(words[1]);
-            } else if (kind == 'P') {
-                Demand(m_byId[words.at(1)] == words.at(2), words[2] + " is gone");
-                Demand(unanswered.erase(words[1]) == 1, words[1] + " was answered twice");
-                held[words[2]];
-            } else if (kind == 'c') {
-                pending[words.at(1)] = {words.at(2), words.at(3)};
-                if (words[2] == kStatusPaused) m_paused.insert(words[1]);
-            } else if (kind == 'C') {
-                const auto change = pending.extract(words.at(1));
-                Demand(!change.empty(), words[1] + ": a change was answered twice");
-                if (words.at(2) == "done") held[words[1]] = change.mapped();
-            } else if (kind == 's') {
-                heard[words.at(1)] = {words.at(2), words.at(3)};
-                Demand(words[3] <= Next(words[1]), words[1] + ": an instalment that was told is gone");
-            } else if (kind == 'o') {
-                Demand(DaysOf(words.at(1)).contains(words.at(2)), words[2] + " is gone");
-                ++seen;
-            }
-        }
-        Demand(dealer.WasKilled() || (unanswered.empty() && pending.empty()), "something was not answered");
-        for (const auto& [number, state] : held)
-            Demand(state.Is(Found(number)) || (pending.contains(number) && pending[number].Is(Found(number))),
-                   number + " is not what was answered");
-        for (const auto& [number, last] : heard)
-            Demand(dealer.WasKilled()
-                       || last == Words{std::string(Found(number).Text(kTagStatus)), Next(number)},
-                   number + " was not told by the stream as it is");
-        m_told += held.size(), m_seen += seen;
+    void Finish() {
+        for (DealerProcess* dealer : m_living)
+            dealer->AskNoMore();
+        const std::int64_t end = SteadyMs() + 60'000;
+        while (SteadyMs() < end && !std::ranges::all_of(m_living, &DealerProcess::IsQuiet))
+            Pause(1, 1);
+        // What one of them did last, streamed to the others.
+        Pause(500, 1);
+        for (DealerProcess* dealer : m_living)
+            dealer->End();
+        m_server.reset();
     }
 
-    // One instalment a day from the first on; a pause leaves days out.
-    void JudgeAll() {
-        std::set<std::string> orders;
-        std::size_t count = 0;
-        for (const auto& [id, number] : m_byId) {
-            Demand(m_asked.contains(id), number + " is no dealer's");
-            const Registration& registration = Found(number);
-            std::set<sys_days> days;
-            for (const auto& [order, day] : DaysOf(number)) {
-                Demand(orders.insert(order).second, order + " is there twice");
-                Demand(days.insert(day).second, number + ": two instalments on a day");
-                Demand(IsOpen(day), number + ": an instalment on a closed day");
-            }
-            const auto executed = static_cast<std::size_t>(registration.progress.executed);
-            const auto periods = std::stoul(std::string(registration.Text(kTagPeriods)));
-            Demand(days.size() == executed && executed <= periods, number + ": instalments that do not count");
-            Demand((registration.Text(kTagStatus) == kStatusExpired) == (executed == periods),
-                   number + " does not end with its last instalment");
-            count += days.size();
-            sys_days expected =
-                std::max(DateOf(registration, kTagStartDate), DateOf(registration, kTagRegistrationDate));
-            for (const sys_days day : days) {
-                while (!IsOpen(expected))
-                    expected += std::chrono::days(1);
-                Demand(day == expected || m_paused.contains(number), number + ": a day without its instalment");
-                expected = day + std::chrono::days(1);
-            }
-        }
-        std::printf(
-            "%zu registrations, of which %zu told, and %zu instalments, of which %zu looked at, until %s\n",
-            m_byId.size(), m_told, count, m_seen, RecordDate(m_server.Today()).c_str());
+    void Judge() {
+        JournalOpening opening = Journal::Open(m_folder / "journal");
+        Demand(opening.journal != nullptr, opening.error);
+        Server held(m_config, *opening.journal, opening.records, SystemClock());
+        Demand(held.ReplayError().empty(), held.ReplayError());
+        Verdict verdict(held, m_config.nonTrading);
+        for (const DealerProcess& dealer : m_dealers)
+            verdict.Hear(dealer.Said(), dealer.WasKilled());
+        std::printf("%zu kills of the server, %zu of terminals: %s\n", m_serverKills,
+                    m_dealers.size() - m_living.size(), verdict.JudgeAll().c_str());
+        std::filesystem::remove_all(m_folder);
     }
 
 private:
-    static sys_days DateOf(const Registration& registration, std::uint32_t tag) {
-        return ParseRecordDate(registration.Text(tag)).value_or(std::chrono::year_month_day{});
-    }
-    bool IsOpen(sys_days day) const {
-        return std::chrono::weekday(day).iso_encoding() < 6 && !m_closed.contains(day);
-    }
-    const Registration& Found(const std::string& number) const {
-        const Registration* found = m_server.Find(number);
-        Demand(found != nullptr, number + " is gone");
-        return *found;
-    }
-    std::string Next(const std::string& number) const {
-        return std::to_string(DateNumber(DateOf(Found(number), kTagNextExecution)));
-    }
-    // Of the exchange orders, by number, each once.
-    const std::map<std::string, sys_days>& DaysOf(const std::string& number) {
-        const auto [place, isNew] = m_orders.emplace(number, std::map<std::string, sys_days>{});
-        if (!isNew) return place->second;
-        const std::string bytes =
-            Message({{kTagRequestName, "qry_eq_sip_orders"}, {kTagRegistrationNumber, number}});
-        const qmx::MessageReader reader(bytes);
-        Reply reply =
-            m_server.Handle(reader.Handle(), {std::string(Found(number).Text(kTagUser)), "BROKER", ""});
-        while (!reply.rows->isDone) {
-            const std::string row = m_server.NextRow(*reply.rows);
-            const qmx::MessageReader read(row);
-            if (qmx::Has(read.Handle(), kTagErrorCode)) break;
-            const std::string_view placed = qmx::Text(read.Handle(), kTagPlacedAt);
-            const auto day = ParseRecordDate(placed.substr(0, placed.find(' ')));
-            Demand(day && place->second.emplace(qmx::Text(read.Handle(), kTagOrderNumber), *day).second,
-                   number + ": an order is there twice");
+    // Years of days, every eleventh closed. As the file has them.
+    std::string CloseDays() {
+        std::string file = "date,occasion\n";
+        const auto today = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
+        for (int i = 0; i < 400; ++i) {
+            m_config.nonTrading.push_back(today + std::chrono::days(11 * i));
+            std::string digits = std::to_string(DateNumber(m_config.nonTrading.back()));
+            file += digits.insert(6, "-").insert(4, "-") + ",closed\n";
         }
-        return place->second;
+        return file;
+    }
+    void StartServer() {
+        m_server = std::make_unique<ServerProcess>(m_program, m_folder.string(), m_port);
+        m_port = m_server->Port();
+    }
+    void Hire(std::size_t place) {
+        const std::string count = std::to_string(m_dealers.size() + 1);
+        m_living[place] = &m_dealers.emplace_back(Words{"/proc/self/exe", "--dealer", std::to_string(m_port),
+                                                        "USER" + std::to_string(place + 1), "d" + count + "-",
+                                                        std::to_string(m_seed + m_dealers.size())},
+                                                  m_folder.string());
+    }
+    void Pause(unsigned leastMs, unsigned spanMs) {
+        usleep(1000 * (leastMs + static_cast<unsigned>(m_random()) % spanMs));
     }
 
-    Server& m_server;
-    std::set<sys_days> m_closed;
-    std::map<std::string, std::string> m_byId;
-    std::map<std::string, std::map<std::string, sys_days>> m_orders;
-    std::set<std::string> m_asked, m_paused;
-    std::size_t m_told = 0, m_seen = 0;
+    const std::string m_program;
+    const unsigned m_seed;
+    std::mt19937 m_random;
+    const std::filesystem::path m_folder;
+    ServerConfig m_config;
+    std::uint16_t m_port = 0; // the first server's, and of all after it
+    std::unique_ptr<ServerProcess> m_server;
+    std::list<DealerProcess> m_dealers; // the killed ones too
+    std::array<DealerProcess*, 3> m_living{};
+    std::size_t m_serverKills = 0;
 };
-
-void Run(const std::string& self, const std::string& program, int kills, unsigned seed) {
-    const auto folder = std::filesystem::temp_directory_path() / ("vesk-kill-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder);
-    // Years of days, every eleventh closed.
-    ServerConfig config;
-    std::string nonTrading = "date,occasion\n";
-    const auto today = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
-    for (int i = 0; i < 400; ++i) {
-        config.nonTrading.push_back(today + std::chrono::days(11 * i));
-        std::string digits = std::to_string(DateNumber(config.nonTrading.back()));
-        nonTrading += digits.insert(6, "-").insert(4, "-") + ",closed\n";
-    }
-    WriteFileText(folder / "nontrading.csv", nonTrading);
-    WriteFileText(folder / "server.json", "{}");
-
-    std::mt19937 random(seed);
-    auto server = std::make_unique<ServerProcess>(program, folder.string(), std::uint16_t{0});
-    const std::uint16_t port = server->Port();
-    std::list<DealerProcess> dealers;
-    std::array<DealerProcess*, 3> living{};
-    const auto hire = [&](std::size_t place) {
-        const std::string count = std::to_string(dealers.size() + 1);
-        living[place] = &dealers.emplace_back(Words{self, "--dealer", std::to_string(port),
-                                                    "USER" + std::to_string(place + 1), "d" + count + "-",
-                                                    std::to_string(seed + dealers.size())},
-                                              folder.string());
-    };
-    for (std::size_t place = 0; place < living.size(); ++place)
-        hire(place);
-    const auto pause = [&](unsigned leastMs, unsigned spanMs) {
-        usleep(1000 * (leastMs + static_cast<unsigned>(random()) % spanMs));
-    };
-    int serverKills = 0;
-    for (int i = 0; i < kills; ++i) {
-        // Some right at the start, while the terminals come back; most in the middle of the work.
-        pause(20, 500);
-        if (random() % 2) {
-            server.reset();
-            ++serverKills;
-            pause(0, 100);
-            server = std::make_unique<ServerProcess>(program, folder.string(), port);
-        } else {
-            const std::size_t place = random() % living.size();
-            living[place]->Kill();
-            hire(place);
-        }
-    }
-    for (DealerProcess* dealer : living)
-        dealer->AskNoMore();
-    const std::int64_t end = SteadyMs() + 60'000;
-    while (SteadyMs() < end && !std::ranges::all_of(living, &DealerProcess::IsQuiet))
-        usleep(1000);
-    // What one of them did last, streamed to the others.
-    usleep(500'000);
-    for (DealerProcess* dealer : living)
-        dealer->End();
-    server.reset();
-
-    JournalOpening opening = Journal::Open(folder / "journal");
-    Demand(opening.journal != nullptr, opening.error);
-    Server held(config, *opening.journal, opening.records, SystemClock());
-    Demand(held.ReplayError().empty(), held.ReplayError());
-    std::printf("%d kills of the server, %d of terminals: ", serverKills, kills - serverKills);
-    Verdict verdict(held, config.nonTrading);
-    for (const DealerProcess& dealer : dealers)
-        verdict.Hear(dealer);
-    verdict.JudgeAll();
-    std::filesystem::remove_all(folder);
-}
 
 } // namespace
 } // namespace vesk
@@ -363,7 +230,10 @@ int main(int count, char** words) {
     std::map<std::string, std::string> options{{"--kills", "25"}, {"--seed", "1"}};
     for (int i = 2; i + 1 < count; i += 2)
         options[words[i]] = words[i + 1];
-    if (count < 2) Die("which server?");
-    Run("/proc/self/exe", words[1], std::stoi(options["--kills"]),
-        static_cast<unsigned>(std::stoul(options["--seed"])));
+    Demand(count > 1, "which server?");
+    Trial trial(words[1], static_cast<unsigned>(std::stoul(options["--seed"])));
+    for (int kills = std::stoi(options["--kills"]); kills > 0; --kills)
+        trial.KillOne();
+    trial.Finish();
+    trial.Judge();
 }

@@ -100,6 +100,7 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
         {"{\"faults\": {\"a\": {\"delayMs\": -1}}}", "s:1: \"delayMs\" must be a whole number of milliseconds"},
         {"{\"faults\": {\"a\": {\"delayMs\": 18446744073709551615}}}",
          "s:1: \"delayMs\" must not exceed a day"},
+        {"{\"faults\": {\"a\": {\"disconnect\": 1000001}}}", "s:1: \"disconnect\" must not exceed 1000000"},
         {"{\"faults\": {\"a\": {\"silent\": 1}}}", "s:1: \"silent\" must be true or false"},
         {"{\"faults\": {\n\"a\": 1}}", "s:2: \"a\" must be an object"},
         {"{\"fills\": {\"seed\": -1}}", "s:1: \"seed\" must be a whole number"},
