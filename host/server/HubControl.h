@@ -16,7 +16,7 @@
 
 namespace vesk {
 
-// Fields that a record must have; an empty value stands for any, and of an identity for the user's own.
+// Fields that a record must have; an empty value stands for any, and of an identity for who is logged in.
 using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
 bool Matches(const Subscription& subscription, const Registration& registration, std::string_view loginId);
 

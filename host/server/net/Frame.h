@@ -50,7 +50,8 @@ struct Frame {
 enum class FrameFault { none, tooLong, empty, wrongChecksum, unknownType };
 const char* TextOf(FrameFault fault);
 
-// Takes bytes in any portions. Who calls Next until nothing comes lets it keep less than one frame of the longest.
+// Takes bytes in any portions. Who calls Next until nothing comes lets it keep less than one frame of the
+// longest.
 class FrameReader {
 public:
     void Add(std::string_view bytes);
