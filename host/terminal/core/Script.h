@@ -73,6 +73,8 @@ enum class Verb : std::size_t {
     other,
     execute,
     fault,
+    dpi,
+    measure,
     dock,
     hidePane,
     showPane,

@@ -3,25 +3,12 @@
 #include "host/terminal/window/DockParts.h"
 
 #include <functional>
-#include <vector>
 
 namespace vesk {
 namespace {
 
 constexpr int kMessageTextId = 0xFFFF;
 constexpr UINT kGetMenuOfPopup = 0x01E1; // MN_GETHMENU
-
-std::vector<HWND> TopLevelWindows() {
-    std::vector<HWND> windows;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM list) -> BOOL {
-            if (IsWindowVisible(window)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&windows));
-    return windows;
-}
 
 std::vector<HWND> Children(HWND window) {
     std::vector<HWND> children;
@@ -58,6 +45,18 @@ bool IsMessageBox(HWND window) {
 }
 
 } // namespace
+
+std::vector<HWND> TopLevelWindows() {
+    std::vector<HWND> windows;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM list) -> BOOL {
+            if (IsWindowVisible(window)) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
 
 bool IsOfClass(HWND window, std::string_view name) {
     char text[64] = "";

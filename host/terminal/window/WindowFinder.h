@@ -6,8 +6,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
+
+// Those of this thread that are shown.
+std::vector<HWND> TopLevelWindows();
 
 bool IsOfClass(HWND window, std::string_view name);
 

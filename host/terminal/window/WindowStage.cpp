@@ -37,6 +37,8 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::other, &WindowStage::TellServer},
     {Verb::execute, &WindowStage::TellServer},
     {Verb::fault, &WindowStage::TellServer},
+    {Verb::dpi, &WindowStage::Dpi},
+    {Verb::measure, &WindowStage::Measure},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},
     {Verb::showPane, &WindowStage::ShowPane},

@@ -59,6 +59,8 @@ private:
     StepResult Right(const ScriptCommand&, std::size_t);
     StepResult Mode(const ScriptCommand&, std::size_t);
     StepResult TellServer(const ScriptCommand&, std::size_t attempt);
+    StepResult Dpi(const ScriptCommand&, std::size_t);
+    StepResult Measure(const ScriptCommand&, std::size_t);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);
     StepResult ShowPane(const ScriptCommand&, std::size_t);
@@ -103,6 +105,7 @@ private:
     int m_menuSteps = -1;        // Down keys still to press in the open menu; -1 before it is open
     BYTE m_keysBefore[256] = {}; // the keyboard's state while modifiers are held
     bool m_keysHeld = false;
+    UINT m_dpi = 0;              // of the last "dpi"; 0 before the first
     HWND m_fileDialog = nullptr; // has been given its path
     std::optional<Told> m_told;  // of what the server was told last
 };
