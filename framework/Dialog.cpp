@@ -116,7 +116,7 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         m_handle = nullptr;
         EnableOwner();
         OnDestroyed();
-        return TRUE;
+        return FALSE; // the system's own procedure frees the template's font
     default:
         break;
     }
