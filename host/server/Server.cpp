@@ -130,9 +130,8 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
 Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     // A request that was sent twice is one order; its judgement was made the first time.
-    const std::string identifier(qmx::Text(request, kTagRequestIdentifier));
-    if (const auto before = m_byRequestIdentifier.find(identifier); before != m_byRequestIdentifier.end())
-        return AnswerRegistered(request, m_registrations[before->second]);
+    if (const Registration* before = FindSent(std::string(qmx::Text(request, kTagRequestIdentifier)), user))
+        return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
 
     const Registration registration = MakeRegistration(request);
@@ -156,6 +155,14 @@ Registration Server::MakeRegistration(void* request) const {
     registration.Set(kTagStatus, kStatusActive);
     registration.Set(kTagStream, kStreamName);
     return registration;
+}
+
+const Registration* Server::FindSent(const std::string& identifier, const UserIdentity& user) const {
+    const auto [first, last] = m_byRequestIdentifier.equal_range(identifier);
+    const auto found = std::find_if(first, last, [&](const auto& entry) {
+        return m_registrations[entry.second].Text(kTagUser) == user.loginId;
+    });
+    return found == last ? nullptr : &m_registrations[found->second];
 }
 
 std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {

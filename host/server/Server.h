@@ -146,6 +146,8 @@ private:
 
     std::string NextRegistration(RowQuery& query);
     std::string NextExecution(RowQuery& query);
+    // What the user's request of this identifier has registered; null when it has not.
+    const Registration* FindSent(const std::string& identifier, const UserIdentity& user) const;
     // The registration that the request names.
     std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
 
@@ -192,7 +194,8 @@ private:
     qmx::MessageWriter m_writer;
     std::vector<Registration> m_registrations;
     std::unordered_map<std::string, std::size_t> m_byNumber;
-    std::unordered_map<std::string, std::size_t> m_byRequestIdentifier; // of the requests that registered
+    // Of the requests that registered; two users' may be the same.
+    std::unordered_multimap<std::string, std::size_t> m_byRequestIdentifier;
     MarketDays m_market;
     std::unordered_map<std::string, ExecutionHistory> m_executions; // by registration number
     std::size_t m_orderCount = 0;                                   // of all registrations

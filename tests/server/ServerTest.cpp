@@ -55,6 +55,11 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     again.Ask(Order({{kTagRequestIdentifier, ""}}));
     again.Ask(Order({{kTagRequestIdentifier, ""}}));
     EXPECT_EQ(again.server->Registrations().size(), 4u);
+    // Another user's request is another one, whatever identifier it has.
+    again.user.loginId = "USER2";
+    for (int i = 0; i < 2; ++i)
+        again.Ask(Order({{kTagUser, "USER2"}}));
+    EXPECT_EQ(again.server->Registrations().size(), 5u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
