@@ -103,28 +103,53 @@ void Server::ScheduleSome() {
     if (end == m_registrations.size()) m_unscheduled.reset();
 }
 
+void Server::PlaceInstalment(const Registration& registration, const Progress& progress, sys_days day,
+                             NewOrders& made) const {
+    const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
+    const std::size_t sequence = m_orderCount + made.orders.size() + 1;
+    ExchangeOrder order = PlaceOnExchange({registration, plan, m_config.fills, day, sequence});
+    order.instalment = {progress.executed + 1, progress.place};
+    made.Add(std::move(order));
+}
+
 std::string Server::ExecuteSome(std::size_t& count) {
     const sys_days day = *m_due.FirstDay();
     const std::vector<std::size_t> places = m_due.First(kInstalmentsAtOnce);
-    std::vector<ExchangeOrder> orders;
-    JournalBatch records;
+    NewOrders made;
+    for (const std::size_t place : places)
+        PlaceInstalment(m_registrations[place], m_registrations[place].progress, day, made);
+    if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
     for (const std::size_t place : places) {
-        const Registration& registration = m_registrations[place];
-        const Progress& progress = registration.progress;
-        const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
-        const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
-        orders.back().instalment = {progress.executed + 1, progress.place};
-        records.Add(orders.back().Json());
-    }
-    if (std::string fault = Write(records); !fault.empty()) return fault;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        Enter(std::move(orders[i]));
-        Schedule(places[i]);
-        Tell(m_registrations[places[i]]);
+        Schedule(place);
+        Tell(m_registrations[place]);
     }
     count += places.size();
     return {};
+}
+
+std::string Server::ExecuteDueOf(std::size_t place) {
+    const Registration& registration = m_registrations[place];
+    const auto plan = registration.Plan();
+    if (!plan || registration.Text(kTagStatus) != kStatusActive) return {};
+    const sys_days today = Today();
+    NewOrders made;
+    for (Progress progress = registration.progress; progress.executed < plan->periods;) {
+        const sys_days day = ExecutionDay(*plan, progress, m_market);
+        if (day > today) break;
+        PlaceInstalment(registration, progress, day, made);
+        progress = {progress.executed + 1, progress.place + 1, day};
+    }
+    if (made.orders.empty()) return {};
+    if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
+    Schedule(place);
+    Tell(registration);
+    return {};
+}
+
+sys_days Server::ExecutedUntil() const {
+    const sys_days today = Today();
+    if (m_unscheduled) return std::min(today, m_market.restricted.Since());
+    return std::min(today, m_due.FirstDay().value_or(today));
 }
 
 void Server::Count(const ExchangeOrder& order) {

@@ -178,6 +178,8 @@ Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     RestrictedRange range;
     if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(name, *refusal);
+    // What is due and not yet executed goes by the new days.
+    range.since = std::min(range.since, ExecutedUntil());
     if (const std::string fault = Write(range.Json()); !fault.empty())
         return Refuse(name, {kCodeJournal, fault});
     Restrict(range);
@@ -199,6 +201,8 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     const std::string number(before->Number());
 
     if (!before->WasChangedBy(sentAs)) {
+        if (const std::string fault = ExecuteDueOf(m_byNumber.at(number)); !fault.empty())
+            return Refuse(kind.request, {kCodeJournal, fault});
         Registration after = *before;
         const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
         if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);

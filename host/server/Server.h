@@ -162,6 +162,17 @@ private:
         std::string error;
         return m_journal.Append(records, error) ? std::string() : "The server's journal " + error;
     }
+    // Exchange orders that go to the journal together.
+    struct NewOrders {
+        void Add(ExchangeOrder order) {
+            records.Add(order.Json());
+            orders.push_back(std::move(order));
+        }
+        std::vector<ExchangeOrder> orders{};
+        JournalBatch records{};
+    };
+    // Journals and enters.
+    std::string Keep(NewOrders made);
     // False when it is none that this server knows.
     bool Replay(std::string_view record);
     void MakeRoom(std::size_t more);
@@ -178,8 +189,14 @@ private:
     bool Schedule(std::size_t place);
     // Some of those whose days may have changed.
     void ScheduleSome();
+    void PlaceInstalment(const Registration& registration, const Progress& progress, std::chrono::sys_days day,
+                         NewOrders& made) const;
     // Of the first day, which is due.
     std::string ExecuteSome(std::size_t& count);
+    // All of one registration, before a change that came when they were due already.
+    std::string ExecuteDueOf(std::size_t place);
+    // The first day whose instalments may not all be executed; today at the latest.
+    std::chrono::sys_days ExecutedUntil() const;
     // The registration takes the instalment into account, when it was one and is not yet counted.
     void Count(const ExchangeOrder& order);
     static std::string ClockRecord(std::int64_t ahead);
