@@ -24,12 +24,18 @@ constexpr std::int64_t kMostAhead = 130 * 366 * kDaySeconds;
 constexpr std::size_t kInstalmentsAtOnce = 256;
 constexpr std::size_t kSchedulesAtOnce = 1024;
 
+// Some gigabytes of memory. Years of thousands of daily plans would take it all.
+constexpr std::size_t kMostOrders = 5'000'000;
+const std::string kFull =
+    "The server executes nothing more: it holds " + std::to_string(kMostOrders) + " exchange orders";
+
 } // namespace
 
 std::string Server::AdvanceTo(Date date) {
     if (!m_replayError.empty()) return m_replayError;
     if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
-    m_isStopped = false;
+    if (m_orderCount >= kMostOrders) return kFull;
+    m_stoppedOn.reset();
     const auto days = (sys_days(date) - sys_days(Today())).count();
     if (days <= 0) return {};
     std::int64_t ahead = m_aheadSeconds + days * kDaySeconds;
@@ -43,9 +49,13 @@ std::string Server::AdvanceTo(Date date) {
 }
 
 std::string Server::AdvanceToNextInstalment() {
-    while (m_unscheduled)
-        ScheduleSome();
-    const auto next = m_due.FirstDay();
+    std::optional<sys_days> next = m_due.FirstDay();
+    // Not scheduled here: those that hear of it would get all at once.
+    if (m_unscheduled) {
+        next.reset();
+        for (const Registration& registration : m_registrations)
+            if (const auto day = NextExecution(registration)) next = next ? std::min(*next, *day) : *day;
+    }
     if (!next) return "There is no instalment to come";
     return AdvanceTo(std::max(*next, sys_days(Today())));
 }
@@ -75,7 +85,7 @@ void Server::Restrict(const RestrictedRange& range) {
 }
 
 bool Server::HasDue() const {
-    if (!m_replayError.empty() || m_isStopped) return false;
+    if (!m_replayError.empty() || m_stoppedOn == Today() || m_orderCount >= kMostOrders) return false;
     if (m_unscheduled) return true;
     const auto first = m_due.FirstDay();
     return first && *first <= sys_days(Today());
@@ -89,7 +99,7 @@ Executed Server::ExecuteDue(std::chrono::milliseconds time) {
             ScheduleSome();
         else
             done.fault = ExecuteSome(done.instalments);
-        m_isStopped = !done.fault.empty();
+        if (!done.fault.empty()) m_stoppedOn = Today();
         if (std::chrono::steady_clock::now() >= end) break;
     }
     return done;
@@ -124,7 +134,7 @@ std::string Server::ExecuteSome(std::size_t& count) {
         Tell(m_registrations[place]);
     }
     count += places.size();
-    return {};
+    return m_orderCount < kMostOrders ? std::string() : kFull;
 }
 
 std::string Server::ExecuteDueOf(std::size_t place) {
@@ -166,11 +176,15 @@ void Server::Count(const ExchangeOrder& order) {
     registration.Set(kTagNextExecution, RecordDate(*day));
 }
 
-std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+std::optional<sys_days> Server::NextExecution(const Registration& registration) const {
     const auto plan = registration.Plan();
     if (!plan || registration.Text(kTagStatus) != kStatusActive) return std::nullopt;
-    const sys_days day = ExecutionDay(*plan, registration.progress, m_market);
-    registration.Set(kTagNextExecution, RecordDate(day));
+    return ExecutionDay(*plan, registration.progress, m_market);
+}
+
+std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+    const auto day = NextExecution(registration);
+    if (day) registration.Set(kTagNextExecution, RecordDate(*day));
     return day;
 }
 

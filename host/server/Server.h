@@ -56,7 +56,7 @@ struct Reply {
 // What Server::ExecuteDue did.
 struct Executed {
     std::size_t instalments = 0;
-    std::string fault{}; // why it stopped; it goes on when the clock is advanced
+    std::string fault{}; // why it stopped: until tomorrow, or the journal takes something
 };
 
 struct FillPlan;
@@ -160,7 +160,9 @@ private:
     template <class Records>
     std::string Write(const Records& records) {
         std::string error;
-        return m_journal.Append(records, error) ? std::string() : "The server's journal " + error;
+        if (!m_journal.Append(records, error)) return "The server's journal " + error;
+        m_stoppedOn.reset();
+        return {};
     }
     // Exchange orders that go to the journal together.
     struct NewOrders {
@@ -183,7 +185,8 @@ private:
 
     // What came until now while a registration was paused lapses by the days as they were.
     void Restrict(const RestrictedRange& range);
-    // The day of an active registration, which is shown in its record; nothing of any other.
+    // The day of an active registration, nothing of any other; it is shown in its record.
+    std::optional<std::chrono::sys_days> NextExecution(const Registration& registration) const;
     std::optional<std::chrono::sys_days> SetNextExecution(Registration& registration) const;
     // True when that changed the record.
     bool Schedule(std::size_t place);
@@ -220,7 +223,8 @@ private:
     DueQueue m_due;                                                 // of the active registrations
     // The place from which on registrations are to be scheduled anew, because the market's days changed.
     std::optional<std::size_t> m_unscheduled{};
-    bool m_isStopped = false; // the journal took no instalment; until the clock is advanced
+    // The day on which the journal took no instalment; until it takes something or the clock is advanced.
+    std::optional<std::chrono::year_month_day> m_stoppedOn{};
     std::function<std::int64_t(const Registration&)> m_prices;
     std::size_t m_replayed = 0; // records
     std::vector<UpdateListener*> m_listeners;

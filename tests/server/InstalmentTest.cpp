@@ -136,6 +136,11 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
             "32767=modify_sip_order 32766=104 20008=The total period must exceed the 2 that are executed"});
     EXPECT_NE(running.Ask(FieldsOf("0=qry_eq_sip_orders|64804=" + number))[1].find("10303=rejected"),
               std::string::npos);
+    // By the days as they are, scheduled anew or not yet.
+    running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=20|63025=25"));
+    EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
+    EXPECT_EQ(RecordDate(running.server->Today()), "26-Mar-2026");
+    EXPECT_EQ(running.server->ExecuteDue(std::chrono::seconds(1)).instalments, 1u);
     EXPECT_NE(running.server->AdvanceTo(std::chrono::year(2100) / 1 / 1), "");
 }
 
