@@ -40,8 +40,9 @@ public:
     void OnBroadcast(void* message, std::uint32_t, void*) override {
         QmxDatum bytes{};
         QmxError error{};
-        if (qmx_message_bytes(message, &bytes, &error))
-            m_session.Say(net::Stream{m_id, std::string(qmx::View(bytes))});
+        if (!qmx_message_bytes(message, &bytes, &error)) return;
+        m_session.Say(net::Stream{m_id, std::string(qmx::View(bytes))});
+        ++m_session.m_streamed;
     }
     void OnResponse(void*, void*, void*) override {}
 
@@ -213,8 +214,10 @@ bool Session::HasWork(std::int64_t nowMs) const {
 void Session::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (HasRoom()) m_roomAtMs = m_nowMs;
+    if (!m_beganMs) m_beganMs = m_nowMs;
     for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn) {
     }
+    JudgePace();
     JudgeStall();
 }
 
@@ -279,13 +282,19 @@ void Session::NextMissed() {
     if (!HasEnded() && missed.next == missed.end) m_catchUps.pop_front();
 }
 
-bool Session::IsBehind() const {
-    constexpr std::int64_t patienceMs = 1000;
-    return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4 && m_nowMs - m_roomAtMs < patienceMs;
+// One that takes its updates in drops must not hold up what the others wait for.
+void Session::JudgePace() {
+    constexpr std::int64_t periodMs = 1000;
+    constexpr std::size_t leastTaken = 500;
+    if (!HasBacklog())
+        m_pace = {m_nowMs, m_streamed, true};
+    else if (m_nowMs - m_pace.sinceMs >= periodMs)
+        m_pace = {m_nowMs, m_streamed, m_streamed - m_pace.streamed >= leastTaken};
 }
 
 void Session::JudgeStall() {
     if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
+    if (!m_streams && m_nowMs - *m_beganMs > m_limits.greetingMs) End("it does not say hello");
     if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");
 }
 
