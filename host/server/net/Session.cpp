@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 namespace vesk {
 namespace {
 
 constexpr std::size_t kMostControls = 1024;
+constexpr std::size_t kMostSubscriptions = 4096; // each is looked at for every update
 
 std::string_view Shortened(std::string_view text) {
     return text.substr(0, kLongestText);
@@ -45,6 +47,8 @@ public:
         ++m_session.m_streamed;
     }
     void OnResponse(void*, void*, void*) override {}
+
+    std::size_t subscriptions = 0;
 
 private:
     Session& m_session;
@@ -144,6 +148,7 @@ void Session::On(const net::Subscribe& said) {
     Forwarder* forwarder = Find(said.control);
     if (!forwarder || !forwarder->Control())
         return Say(net::Unsubscribed{said.control, "there is no such stream control"});
+    if (Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
     std::vector<std::uint32_t> tags;
     std::vector<QmxDatum> values;
     for (const auto& [tag, text] : said.fields) {
@@ -155,13 +160,22 @@ void Session::On(const net::Subscribe& said) {
     if (!control->Subscribe(nullptr, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
                             control, 0, 0, 1, &error))
         return Say(net::Unsubscribed{said.control, error.text});
+    ++forwarder->subscriptions;
     if (said.isRenewed) m_catchUps.push_back({said.control, said.fields, 0, m_server.Registrations().size()});
 }
 
 void Session::On(const net::Stop& said) {
     std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == said.control; });
     Forwarder* forwarder = Find(said.control);
-    if (forwarder && forwarder->Control()) forwarder->Control()->Stop(0);
+    if (!forwarder || !forwarder->Control()) return;
+    forwarder->Control()->Stop(0);
+    forwarder->subscriptions = 0;
+}
+
+std::size_t Session::Subscriptions() const {
+    return std::accumulate(
+        m_forwarders.begin(), m_forwarders.end(), std::size_t{0},
+        [](std::size_t sum, const auto& entry) { return sum + entry.second->subscriptions; });
 }
 
 Session::Forwarder* Session::Find(std::uint32_t control) {

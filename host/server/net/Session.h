@@ -107,6 +107,7 @@ private:
     bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
     void JudgePace();
     void JudgeStall();
+    std::size_t Subscriptions() const;
     Forwarder* Find(std::uint32_t control);
 
     Server& m_server;
