@@ -24,12 +24,18 @@ constexpr std::int64_t kMostAhead = 130 * 366 * kDaySeconds;
 constexpr std::size_t kInstalmentsAtOnce = 256;
 constexpr std::size_t kSchedulesAtOnce = 1024;
 
+// Some gigabytes of memory. Years of thousands of daily plans would take it all.
+constexpr std::size_t kMostOrders = 5'000'000;
+const std::string kFull =
+    "The server executes nothing more: it holds " + std::to_string(kMostOrders) + " exchange orders";
+
 } // namespace
 
 std::string Server::AdvanceTo(Date date) {
     if (!m_replayError.empty()) return m_replayError;
     if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
-    m_isStopped = false;
+    if (m_orderCount >= kMostOrders) return kFull;
+    m_stoppedOn.reset();
     const auto days = (sys_days(date) - sys_days(Today())).count();
     if (days <= 0) return {};
     std::int64_t ahead = m_aheadSeconds + days * kDaySeconds;
@@ -43,9 +49,13 @@ std::string Server::AdvanceTo(Date date) {
 }
 
 std::string Server::AdvanceToNextInstalment() {
-    while (m_unscheduled)
-        ScheduleSome();
-    const auto next = m_due.FirstDay();
+    std::optional<sys_days> next = m_due.FirstDay();
+    // Not scheduled here: those that hear of it would get all at once.
+    if (m_unscheduled) {
+        next.reset();
+        for (const Registration& registration : m_registrations)
+            if (const auto day = NextExecution(registration)) next = next ? std::min(*next, *day) : *day;
+    }
     if (!next) return "There is no instalment to come";
     return AdvanceTo(std::max(*next, sys_days(Today())));
 }
@@ -75,7 +85,7 @@ void Server::Restrict(const RestrictedRange& range) {
 }
 
 bool Server::HasDue() const {
-    if (!m_replayError.empty() || m_isStopped) return false;
+    if (!m_replayError.empty() || m_stoppedOn == Today() || m_orderCount >= kMostOrders) return false;
     if (m_unscheduled) return true;
     const auto first = m_due.FirstDay();
     return first && *first <= sys_days(Today());
@@ -89,7 +99,7 @@ Executed Server::ExecuteDue(std::chrono::milliseconds time) {
             ScheduleSome();
         else
             done.fault = ExecuteSome(done.instalments);
-        m_isStopped = !done.fault.empty();
+        if (!done.fault.empty()) m_stoppedOn = Today();
         if (std::chrono::steady_clock::now() >= end) break;
     }
     return done;
@@ -103,28 +113,53 @@ void Server::ScheduleSome() {
     if (end == m_registrations.size()) m_unscheduled.reset();
 }
 
+void Server::PlaceInstalment(const Registration& registration, const Progress& progress, sys_days day,
+                             NewOrders& made) const {
+    const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
+    const std::size_t sequence = m_orderCount + made.orders.size() + 1;
+    ExchangeOrder order = PlaceOnExchange({registration, plan, m_config.fills, day, sequence});
+    order.instalment = {progress.executed + 1, progress.place};
+    made.Add(std::move(order));
+}
+
 std::string Server::ExecuteSome(std::size_t& count) {
     const sys_days day = *m_due.FirstDay();
     const std::vector<std::size_t> places = m_due.First(kInstalmentsAtOnce);
-    std::vector<ExchangeOrder> orders;
-    JournalBatch records;
+    NewOrders made;
+    for (const std::size_t place : places)
+        PlaceInstalment(m_registrations[place], m_registrations[place].progress, day, made);
+    if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
     for (const std::size_t place : places) {
-        const Registration& registration = m_registrations[place];
-        const Progress& progress = registration.progress;
-        const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
-        const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
-        orders.back().instalment = {progress.executed + 1, progress.place};
-        records.Add(orders.back().Json());
-    }
-    if (std::string fault = Write(records); !fault.empty()) return fault;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        Enter(std::move(orders[i]));
-        Schedule(places[i]);
-        Tell(m_registrations[places[i]]);
+        Schedule(place);
+        Tell(m_registrations[place]);
     }
     count += places.size();
+    return m_orderCount < kMostOrders ? std::string() : kFull;
+}
+
+std::string Server::ExecuteDueOf(std::size_t place) {
+    const Registration& registration = m_registrations[place];
+    const auto plan = registration.Plan();
+    if (!plan || registration.Text(kTagStatus) != kStatusActive) return {};
+    const sys_days today = Today();
+    NewOrders made;
+    for (Progress progress = registration.progress; progress.executed < plan->periods;) {
+        const sys_days day = ExecutionDay(*plan, progress, m_market);
+        if (day > today) break;
+        PlaceInstalment(registration, progress, day, made);
+        progress = {progress.executed + 1, progress.place + 1, day};
+    }
+    if (made.orders.empty()) return {};
+    if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
+    Schedule(place);
+    Tell(registration);
     return {};
+}
+
+sys_days Server::ExecutedUntil() const {
+    const sys_days today = Today();
+    if (m_unscheduled) return std::min(today, m_market.restricted.Since());
+    return std::min(today, m_due.FirstDay().value_or(today));
 }
 
 void Server::Count(const ExchangeOrder& order) {
@@ -141,11 +176,15 @@ void Server::Count(const ExchangeOrder& order) {
     registration.Set(kTagNextExecution, RecordDate(*day));
 }
 
-std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+std::optional<sys_days> Server::NextExecution(const Registration& registration) const {
     const auto plan = registration.Plan();
     if (!plan || registration.Text(kTagStatus) != kStatusActive) return std::nullopt;
-    const sys_days day = ExecutionDay(*plan, registration.progress, m_market);
-    registration.Set(kTagNextExecution, RecordDate(day));
+    return ExecutionDay(*plan, registration.progress, m_market);
+}
+
+std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+    const auto day = NextExecution(registration);
+    if (day) registration.Set(kTagNextExecution, RecordDate(*day));
     return day;
 }
 

@@ -144,7 +144,11 @@ bool DurableFile::Replace(const std::filesystem::path& from, const std::filesyst
         error = "cannot be replaced: " + fault.message();
         return false;
     }
-    return FlushNames(to) || FailWith(error, "cannot be flushed");
+    return true;
+}
+
+bool DurableFile::FlushName(const std::filesystem::path& path, std::string& error) {
+    return FlushNames(path) || FailWith(error, "cannot be flushed");
 }
 
 bool DurableFile::CutTo(std::uint64_t size, std::string& error) {

@@ -24,6 +24,8 @@ public:
     bool Append(std::string_view bytes, std::string& error);
     // Puts one file in another's place, which is the old or the new one at any time. Neither is open.
     static bool Replace(const std::filesystem::path& from, const std::filesystem::path& to, std::string& error);
+    // Until then a crash may undo the replacement. The file is not open.
+    static bool FlushName(const std::filesystem::path& path, std::string& error);
     bool CutTo(std::uint64_t size, std::string& error);
 
 private:

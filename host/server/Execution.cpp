@@ -15,15 +15,17 @@ using Date = std::chrono::year_month_day;
 
 std::string Server::Execute(const Registration& registration, const ExecutionPlan& plan) {
     if (!m_replayError.empty()) return m_replayError;
-    std::vector<ExchangeOrder> orders;
-    JournalBatch records;
+    NewOrders made;
     for (const Date day : plan.days) {
-        const std::size_t sequence = m_orderCount + orders.size() + 1;
-        orders.push_back(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
-        records.Add(orders.back().Json());
+        const std::size_t sequence = m_orderCount + made.orders.size() + 1;
+        made.Add(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
     }
-    if (std::string fault = Write(records); !fault.empty()) return fault;
-    for (ExchangeOrder& order : orders)
+    return Keep(std::move(made));
+}
+
+std::string Server::Keep(NewOrders made) {
+    if (std::string fault = Write(made.records); !fault.empty()) return fault;
+    for (ExchangeOrder& order : made.orders)
         Enter(std::move(order));
     return {};
 }

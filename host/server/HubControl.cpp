@@ -1,5 +1,7 @@
 #include "host/server/HubControl.h"
 
+#include "host/server/Refusal.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -68,7 +70,7 @@ int HubControl::SendRequest(std::uint64_t* requestNumber, void* message, int, Qm
     if (!qmx_message_bytes(message, &bytes, error)) return 0;
     const std::uint64_t number =
         OrNothing([&] { return Queue(qmx::Text(message, kTagRequestName), qmx::View(bytes)); });
-    if (!number) return Fail(error, kQmxNoMemory, "too many requests wait for the server");
+    if (!number) return Fail(error, kQmxNoMemory, "the request is too long, or too many wait for the server");
     if (requestNumber) *requestNumber = number;
     return Succeed(error);
 }
@@ -107,6 +109,7 @@ const char* HubControl::FaultOf(const std::uint32_t* tags, const QmxDatum* value
     if (m_subscriptions.size() == kMostSubscriptions) return "too many subscriptions";
     for (std::uint32_t i = 0; i < count; ++i) {
         if (!values[i].data && values[i].length) return "a null value with a length";
+        if (values[i].length > kLongestText) return "a value that no record has";
         if (std::ranges::count(kSubscriptionTags, tags[i]) == 0) return "a field that no stream goes by";
     }
     return nullptr;

@@ -67,8 +67,10 @@ bool Journal::Replace(const std::function<void(const Sink&)>& write, std::string
     const bool isReplaced = copy.MoveTo(m_path, error);
     if (isReplaced) m_end = copy.Size();
     std::string reason;
+    // What is appended to a new one whose name is not on the disk would be lost with it.
+    m_broken = isReplaced && !DurableFile::FlushName(m_path, reason);
     m_file = DurableFile::Open(m_path, reason);
-    m_broken = !m_file;
+    m_broken = m_broken || !m_file;
     if (m_broken) error = reason;
     return isReplaced && !m_broken;
 }

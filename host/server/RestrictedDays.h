@@ -29,7 +29,7 @@ struct RestrictedRange {
     unsigned fromDay = 0;
     unsigned toDay = 0;
     std::chrono::year year{};
-    std::chrono::sys_days since{}; // the day on which it was set
+    std::chrono::sys_days since{}; // the first day that goes by it, when it was set or before
 };
 
 class RestrictedDays {
@@ -38,7 +38,7 @@ public:
     void Set(const RestrictedRange& range);
     // The range that was set last; null without one.
     const RestrictedRange* Last() const { return m_ranges.empty() ? nullptr : &m_ranges.back(); }
-    // The day on which that was.
+    // The first day that goes by it.
     std::chrono::sys_days Since() const {
         return m_ranges.empty() ? std::chrono::sys_days() : m_ranges.back().since;
     }

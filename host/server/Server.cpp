@@ -130,9 +130,8 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
 Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     // A request that was sent twice is one order; its judgement was made the first time.
-    const std::string identifier(qmx::Text(request, kTagRequestIdentifier));
-    if (const auto before = m_byRequestIdentifier.find(identifier); before != m_byRequestIdentifier.end())
-        return AnswerRegistered(request, m_registrations[before->second]);
+    if (const Registration* before = FindSent(std::string(qmx::Text(request, kTagRequestIdentifier)), user))
+        return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
 
     const Registration registration = MakeRegistration(request);
@@ -158,6 +157,14 @@ Registration Server::MakeRegistration(void* request) const {
     return registration;
 }
 
+const Registration* Server::FindSent(const std::string& identifier, const UserIdentity& user) const {
+    const auto [first, last] = m_byRequestIdentifier.equal_range(identifier);
+    const auto found = std::find_if(first, last, [&](const auto& entry) {
+        return m_registrations[entry.second].Text(kTagUser) == user.loginId;
+    });
+    return found == last ? nullptr : &m_registrations[found->second];
+}
+
 std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {
     const std::string_view number = qmx::Text(request, kTagRegistrationNumber);
     if (number.empty()) return MissingField("registration number");
@@ -171,6 +178,8 @@ Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     RestrictedRange range;
     if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(name, *refusal);
+    // What is due and not yet executed goes by the new days.
+    range.since = std::min(range.since, ExecutedUntil());
     if (const std::string fault = Write(range.Json()); !fault.empty())
         return Refuse(name, {kCodeJournal, fault});
     Restrict(range);
@@ -192,6 +201,8 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     const std::string number(before->Number());
 
     if (!before->WasChangedBy(sentAs)) {
+        if (const std::string fault = ExecuteDueOf(m_byNumber.at(number)); !fault.empty())
+            return Refuse(kind.request, {kCodeJournal, fault});
         Registration after = *before;
         const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
         if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);

@@ -56,7 +56,7 @@ struct Reply {
 // What Server::ExecuteDue did.
 struct Executed {
     std::size_t instalments = 0;
-    std::string fault{}; // why it stopped; it goes on when the clock is advanced
+    std::string fault{}; // why it stopped: until tomorrow, or the journal takes something
 };
 
 struct FillPlan;
@@ -146,6 +146,8 @@ private:
 
     std::string NextRegistration(RowQuery& query);
     std::string NextExecution(RowQuery& query);
+    // What the user's request of this identifier has registered; null when it has not.
+    const Registration* FindSent(const std::string& identifier, const UserIdentity& user) const;
     // The registration that the request names.
     std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
 
@@ -158,8 +160,21 @@ private:
     template <class Records>
     std::string Write(const Records& records) {
         std::string error;
-        return m_journal.Append(records, error) ? std::string() : "The server's journal " + error;
+        if (!m_journal.Append(records, error)) return "The server's journal " + error;
+        m_stoppedOn.reset();
+        return {};
     }
+    // Exchange orders that go to the journal together.
+    struct NewOrders {
+        void Add(ExchangeOrder order) {
+            records.Add(order.Json());
+            orders.push_back(std::move(order));
+        }
+        std::vector<ExchangeOrder> orders{};
+        JournalBatch records{};
+    };
+    // Journals and enters.
+    std::string Keep(NewOrders made);
     // False when it is none that this server knows.
     bool Replay(std::string_view record);
     void MakeRoom(std::size_t more);
@@ -170,14 +185,21 @@ private:
 
     // What came until now while a registration was paused lapses by the days as they were.
     void Restrict(const RestrictedRange& range);
-    // The day of an active registration, which is shown in its record; nothing of any other.
+    // The day of an active registration, nothing of any other; it is shown in its record.
+    std::optional<std::chrono::sys_days> NextExecution(const Registration& registration) const;
     std::optional<std::chrono::sys_days> SetNextExecution(Registration& registration) const;
     // True when that changed the record.
     bool Schedule(std::size_t place);
     // Some of those whose days may have changed.
     void ScheduleSome();
+    void PlaceInstalment(const Registration& registration, const Progress& progress, std::chrono::sys_days day,
+                         NewOrders& made) const;
     // Of the first day, which is due.
     std::string ExecuteSome(std::size_t& count);
+    // All of one registration, before a change that came when they were due already.
+    std::string ExecuteDueOf(std::size_t place);
+    // The first day whose instalments may not all be executed; today at the latest.
+    std::chrono::sys_days ExecutedUntil() const;
     // The registration takes the instalment into account, when it was one and is not yet counted.
     void Count(const ExchangeOrder& order);
     static std::string ClockRecord(std::int64_t ahead);
@@ -192,7 +214,8 @@ private:
     qmx::MessageWriter m_writer;
     std::vector<Registration> m_registrations;
     std::unordered_map<std::string, std::size_t> m_byNumber;
-    std::unordered_map<std::string, std::size_t> m_byRequestIdentifier; // of the requests that registered
+    // Of the requests that registered; two users' may be the same.
+    std::unordered_multimap<std::string, std::size_t> m_byRequestIdentifier;
     MarketDays m_market;
     std::unordered_map<std::string, ExecutionHistory> m_executions; // by registration number
     std::size_t m_orderCount = 0;                                   // of all registrations
@@ -200,7 +223,8 @@ private:
     DueQueue m_due;                                                 // of the active registrations
     // The place from which on registrations are to be scheduled anew, because the market's days changed.
     std::optional<std::size_t> m_unscheduled{};
-    bool m_isStopped = false; // the journal took no instalment; until the clock is advanced
+    // The day on which the journal took no instalment; until it takes something or the clock is advanced.
+    std::optional<std::chrono::year_month_day> m_stoppedOn{};
     std::function<std::int64_t(const Registration&)> m_prices;
     std::size_t m_replayed = 0; // records
     std::vector<UpdateListener*> m_listeners;

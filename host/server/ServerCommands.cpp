@@ -53,6 +53,19 @@ std::optional<std::size_t> ReadCount(std::string_view word, std::int64_t most, T
     return std::nullopt;
 }
 
+// "2027-03-05"
+std::optional<std::chrono::year_month_day> ReadDate(std::string_view word) {
+    if (word.size() != 10 || word[4] != '-' || word[7] != '-') return std::nullopt;
+    const auto year = WholeNumber(word.substr(0, 4));
+    const auto month = WholeNumber(word.substr(5, 2));
+    const auto day = WholeNumber(word.substr(8));
+    if (!year || !month || !day) return std::nullopt;
+    const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(*year)),
+                                           std::chrono::month(static_cast<unsigned>(*month)),
+                                           std::chrono::day(static_cast<unsigned>(*day))};
+    return date.ok() ? std::optional(date) : std::nullopt;
+}
+
 bool SetDelay(RequestFault& fault, std::string_view value) {
     fault.delayMs = WholeNumber(value).value_or(kMostDelayMs + 1);
     return fault.delayMs <= kMostDelayMs;
@@ -94,7 +107,7 @@ struct ServerCommands::Verb {
     Told (ServerCommands::*run)(const Call& call);
 };
 const ServerCommands::Verb ServerCommands::kVerbs[] = {
-    {"clock", "next, or DAYS", 1, 1, &ServerCommands::MoveClock},
+    {"clock", "next, DAYS or a date such as 2027-03-05", 1, 1, &ServerCommands::MoveClock},
     {"fill", "COUNT", 1, 1, &ServerCommands::Fill},
     {"other", "COUNT", 1, 1, &ServerCommands::PlaceOtherOrders},
     {"execute", "COUNT [NUMBER]", 1, 2, &ServerCommands::Execute},
@@ -119,9 +132,15 @@ Told ServerCommands::MoveClock(const Call& call) {
         return Outcome(std::move(fault),
                        "Server clock at the next instalment: " + RecordDate(m_server.Today()));
     }
-    Told told;
-    const auto days = ReadCount(call.words[0], kMostDays, told);
-    if (!days) return told;
+    if (const auto date = ReadDate(call.words[0])) {
+        if (*date < m_server.Today())
+            return {false, "The server's clock does not go back from " + RecordDate(m_server.Today())};
+        return Outcome(m_server.AdvanceTo(*date), "Server clock advanced to " + RecordDate(*date));
+    }
+    const auto days = WholeNumber(call.words[0]);
+    if (!days || *days > kMostDays)
+        return {false, Quoted(call.words[0]) + " is neither next, nor a whole number of days up to "
+                           + std::to_string(kMostDays) + ", nor a date such as 2027-03-05"};
     const auto date = std::chrono::sys_days(m_server.Today()) + std::chrono::days(static_cast<int>(*days));
     return Outcome(m_server.AdvanceTo(date),
                    "Server clock advanced by " + std::to_string(*days) + (*days == 1 ? " day" : " days"));

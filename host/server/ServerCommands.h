@@ -1,6 +1,6 @@
 // What the one who runs the server tells it, a line of words each:
 //
-//   clock next | clock DAYS
+//   clock next | clock DAYS | clock 2027-03-05
 //   fill COUNT | other COUNT | execute COUNT [NUMBER]
 //   fault REQUEST KIND [VALUE]
 //

@@ -1,5 +1,7 @@
 #include "host/server/ServerConfig.h"
 
+#include "host/server/Refusal.h"
+
 #include <algorithm>
 #include <fstream>
 #include <initializer_list>
@@ -97,6 +99,9 @@ RequestFault ReadFault(const Json& row, const std::string& request) {
     RequestFault fault;
     if (std::string code; row.contains("error")) {
         Read(row, "error", "a text", &Json::is_string, code);
+        if (code.empty() || code.size() > kLongestText)
+            throw WrongSetting("error",
+                               "\"error\" must be a code of 1 to " + std::to_string(kLongestText) + " bytes");
         fault.errorCode = code;
     }
     Read(row, "delayMs", "a whole number of milliseconds", &Json::is_number_unsigned, fault.delayMs);
@@ -115,13 +120,16 @@ RequestFault ReadFault(const Json& row, const std::string& request) {
 void ReadFills(const Json& root, FillRates& fills) {
     CheckMembers(root, "fills", {"rejected", "partial", "seed"});
     const char* expected = "a whole number";
-    Read(root, "rejected", expected, &Json::is_number_unsigned, fills.rejected);
-    Read(root, "partial", expected, &Json::is_number_unsigned, fills.partial);
+    // Wider than they are kept: what is too large for that is noticed.
+    std::int64_t rejected = fills.rejected, partial = fills.partial;
+    Read(root, "rejected", expected, &Json::is_number_unsigned, rejected);
+    Read(root, "partial", expected, &Json::is_number_unsigned, partial);
     Read(root, "seed", expected, &Json::is_number_unsigned, fills.seed);
     constexpr int percent = 100;
-    if (fills.rejected < 0 || fills.partial < 0 || fills.rejected > percent
-        || fills.partial > percent - fills.rejected)
+    if (rejected < 0 || partial < 0 || rejected > percent || partial > percent - rejected)
         throw WrongSetting("fills", "\"rejected\" and \"partial\" must not exceed 100 together");
+    fills.rejected = static_cast<int>(rejected);
+    fills.partial = static_cast<int>(partial);
 }
 
 ServerConfig ReadConfig(const Json& root) {

@@ -60,6 +60,7 @@ DESCRIPTION
 
         clock next           the server's clock goes to the next instalment
         clock DAYS           or so many days on
+        clock 2027-03-05     or to this date
         fill COUNT           makes up registrations
         other COUNT          places orders as another user of the firm
         execute COUNT [NUMBER]

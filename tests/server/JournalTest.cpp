@@ -145,6 +145,42 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
 
 #ifndef _WIN32
 // A file size limit in the middle of a record stands for a full disk.
+class FullDisk {
+public:
+    explicit FullDisk(std::size_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_normal);
+        rlimit small = m_normal;
+        small.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_normal); }
+
+private:
+    rlimit m_normal{};
+};
+
+TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    RunningServer running(path);
+    running.Ask(Order({{kTagFrequency, "weekly"}}));
+    running.AdvanceTo(std::chrono::year(2026) / 3 / 5);
+    EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
+    {
+        const FullDisk full(FileText(path).size() + 10);
+        EXPECT_NE(running.server->ExecuteDue({}).fault, "");
+        EXPECT_FALSE(running.server->HasDue());
+        running.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
+        EXPECT_FALSE(running.server->HasDue());
+        EXPECT_EQ(running.server->Registrations().size(), 1u);
+    }
+    running.Ask(Order({{kTagRequestIdentifier, "id-2"}, {kTagFrequency, "weekly"}}));
+    EXPECT_EQ(running.server->ExecuteDue({}).instalments, 2u);
+}
+
 TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
@@ -153,17 +189,13 @@ TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
     ASSERT_TRUE(opening.journal->Append("{\"first\":1}", error));
     const std::string before = FileText(path);
 
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit normal{};
-    getrlimit(RLIMIT_FSIZE, &normal);
-    rlimit small = normal;
-    small.rlim_cur = before.size() + 10;
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool written = opening.journal->Append("{\"second\":2}", error);
-    const bool replaced = opening.journal->Replace(
-        [&](const Journal::Sink& sink) { sink(std::string(before.size() + 20, 'x')); }, error);
-    setrlimit(RLIMIT_FSIZE, &normal);
-
+    bool written = true, replaced = true;
+    {
+        const FullDisk full(before.size() + 10);
+        written = opening.journal->Append("{\"second\":2}", error);
+        replaced = opening.journal->Replace(
+            [&](const Journal::Sink& sink) { sink(std::string(before.size() + 20, 'x')); }, error);
+    }
     EXPECT_FALSE(written || replaced);
     EXPECT_NE(error, "");
     EXPECT_EQ(FileText(path), before);

@@ -55,6 +55,11 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     again.Ask(Order({{kTagRequestIdentifier, ""}}));
     again.Ask(Order({{kTagRequestIdentifier, ""}}));
     EXPECT_EQ(again.server->Registrations().size(), 4u);
+    // Another user's request is another one, whatever identifier it has.
+    again.user.loginId = "USER2";
+    for (int i = 0; i < 2; ++i)
+        again.Ask(Order({{kTagUser, "USER2"}}));
+    EXPECT_EQ(again.server->Registrations().size(), 5u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
@@ -105,6 +110,9 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
         {"{\"faults\": {\n\"a\": 1}}", "s:2: \"a\" must be an object"},
         {"{\"fills\": {\"seed\": -1}}", "s:1: \"seed\" must be a whole number"},
         {"{\n\"fills\": {\"rejected\": 71}}", "s:2: \"rejected\" and \"partial\" must not exceed 100 together"},
+        {"{\"fills\": {\"partial\": 4294967297}}",
+         "s:1: \"rejected\" and \"partial\" must not exceed 100 together"},
+        {"{\"faults\": {\"a\": {\"error\": \"\"}}}", "s:1: \"error\" must be a code of 1 to 255 bytes"},
         {"{\"operationMode\": {\"shape\": \"x\"}}",
          "s:1: \"shape\" must be \"list\", \"listThenZero\" or \"bare\""},
         {"{\"operationMode\": {\"frequencies\": 1}}", "s:1: \"frequencies\" must be a list"},

@@ -68,6 +68,8 @@ void NetServer::Accept() {
 void NetServer::Serve(Connection& connection, const Waiting& came) {
     try {
         if (came.canRead) Receive(connection);
+        // Before it is judged by what it has not taken: the server itself may have been busy.
+        if (came.canWrite) Send(connection);
         connection.session.Pump(NowMs());
         if (!connection.session.Output().empty()) Send(connection);
     } catch (const std::exception& fault) {

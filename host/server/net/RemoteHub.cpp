@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::int64_t kShortestPauseMs = 200;
 constexpr std::int64_t kLongestPauseMs = 5000;
-constexpr std::int64_t kConnectMs = 5000; // until the server must have welcomed
+constexpr std::int64_t kConnectMs = 5000;                     // until the server must have welcomed
+constexpr std::size_t kLongestRequest = kMostFrameBytes - 64; // less what stands around it
 constexpr std::size_t kMostRequests = 100'000;
 constexpr std::size_t kMostRequestBytes = 64 * 1024 * 1024;
 constexpr std::size_t kMostCommands = 1000;
@@ -95,7 +96,9 @@ void RemoteHub::Destroy(RxControl* control) {
 }
 
 std::uint64_t RemoteHub::Send(std::uint32_t control, std::string_view bytes) {
-    if (m_requests.size() >= kMostRequests || m_requestBytes + bytes.size() > kMostRequestBytes) return 0;
+    if (bytes.size() > kLongestRequest || m_requests.size() >= kMostRequests
+        || m_requestBytes + bytes.size() > kMostRequestBytes)
+        return 0;
     const std::uint64_t number = m_lastRequest + 1;
     const auto made = m_requests.emplace(number, Unanswered{{control, number, std::string(bytes)}});
     m_lastRequest = number;
@@ -237,6 +240,7 @@ void RemoteHub::On(net::Answer&& said) {
     Unanswered& waiting = found->second;
     if (waiting.toSkip > 0) {
         --waiting.toSkip;
+        waiting.skipped = std::move(said.bytes);
         return;
     }
     ++waiting.answers;
@@ -244,9 +248,13 @@ void RemoteHub::On(net::Answer&& said) {
 }
 
 void RemoteHub::On(const net::Done& said) {
-    const auto found = m_requests.extract(said.number);
+    auto found = m_requests.extract(said.number);
     if (found.empty()) return Lose("the end of a request that nobody made");
-    m_requestBytes -= found.mapped().request.bytes.size();
+    Unanswered& ended = found.mapped();
+    m_requestBytes -= ended.request.bytes.size();
+    // This server has less than the one before. The last answer tells the end of the rows.
+    if (ended.toSkip > 0 && !ended.skipped.empty())
+        Keep({ended.request.control, false, std::move(ended.skipped)});
 }
 
 void RemoteHub::On(net::Stream&& said) {

@@ -64,6 +64,7 @@ private:
         net::Request request;
         std::size_t answers = 0; // that came
         std::size_t toSkip = 0;  // of those to come, since they came before
+        std::string skipped{};   // the last one
     };
     struct Delivery {
         std::uint32_t control;

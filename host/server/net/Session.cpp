@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 namespace vesk {
 namespace {
 
 constexpr std::size_t kMostControls = 1024;
+constexpr std::size_t kMostSubscriptions = 4096; // each is looked at for every update
 
 std::string_view Shortened(std::string_view text) {
     return text.substr(0, kLongestText);
@@ -40,10 +42,13 @@ public:
     void OnBroadcast(void* message, std::uint32_t, void*) override {
         QmxDatum bytes{};
         QmxError error{};
-        if (qmx_message_bytes(message, &bytes, &error))
-            m_session.Say(net::Stream{m_id, std::string(qmx::View(bytes))});
+        if (!qmx_message_bytes(message, &bytes, &error)) return;
+        m_session.Say(net::Stream{m_id, std::string(qmx::View(bytes))});
+        ++m_session.m_streamed;
     }
     void OnResponse(void*, void*, void*) override {}
+
+    std::size_t subscriptions = 0;
 
 private:
     Session& m_session;
@@ -143,6 +148,7 @@ void Session::On(const net::Subscribe& said) {
     Forwarder* forwarder = Find(said.control);
     if (!forwarder || !forwarder->Control())
         return Say(net::Unsubscribed{said.control, "there is no such stream control"});
+    if (Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
     std::vector<std::uint32_t> tags;
     std::vector<QmxDatum> values;
     for (const auto& [tag, text] : said.fields) {
@@ -154,13 +160,22 @@ void Session::On(const net::Subscribe& said) {
     if (!control->Subscribe(nullptr, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
                             control, 0, 0, 1, &error))
         return Say(net::Unsubscribed{said.control, error.text});
+    ++forwarder->subscriptions;
     if (said.isRenewed) m_catchUps.push_back({said.control, said.fields, 0, m_server.Registrations().size()});
 }
 
 void Session::On(const net::Stop& said) {
     std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == said.control; });
     Forwarder* forwarder = Find(said.control);
-    if (forwarder && forwarder->Control()) forwarder->Control()->Stop(0);
+    if (!forwarder || !forwarder->Control()) return;
+    forwarder->Control()->Stop(0);
+    forwarder->subscriptions = 0;
+}
+
+std::size_t Session::Subscriptions() const {
+    return std::accumulate(
+        m_forwarders.begin(), m_forwarders.end(), std::size_t{0},
+        [](std::size_t sum, const auto& entry) { return sum + entry.second->subscriptions; });
 }
 
 Session::Forwarder* Session::Find(std::uint32_t control) {
@@ -213,8 +228,10 @@ bool Session::HasWork(std::int64_t nowMs) const {
 void Session::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (HasRoom()) m_roomAtMs = m_nowMs;
+    if (!m_beganMs) m_beganMs = m_nowMs;
     for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn) {
     }
+    JudgePace();
     JudgeStall();
 }
 
@@ -279,13 +296,19 @@ void Session::NextMissed() {
     if (!HasEnded() && missed.next == missed.end) m_catchUps.pop_front();
 }
 
-bool Session::IsBehind() const {
-    constexpr std::int64_t patienceMs = 1000;
-    return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4 && m_nowMs - m_roomAtMs < patienceMs;
+// One that takes its updates in drops must not hold up what the others wait for.
+void Session::JudgePace() {
+    constexpr std::int64_t periodMs = 1000;
+    constexpr std::size_t leastTaken = 500;
+    if (!HasBacklog())
+        m_pace = {m_nowMs, m_streamed, true};
+    else if (m_nowMs - m_pace.sinceMs >= periodMs)
+        m_pace = {m_nowMs, m_streamed, m_streamed - m_pace.streamed >= leastTaken};
 }
 
 void Session::JudgeStall() {
     if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
+    if (!m_streams && m_nowMs - *m_beganMs > m_limits.greetingMs) End("it does not say hello");
     if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");
 }
 

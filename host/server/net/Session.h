@@ -16,6 +16,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,6 +28,7 @@ struct SessionLimits {
     std::size_t outputBytes = 256 * 1024;       // from which on nothing more is made
     std::size_t streamBacklog = 20'000;         // updates that wait for room
     std::int64_t stalledMs = 30'000;            // without room
+    std::int64_t greetingMs = 10'000;           // until it has said hello
     std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
     std::size_t requestBytes = 8 * 1024 * 1024; // of these
     std::size_t turns = 64;                     // of one pump
@@ -49,8 +51,8 @@ public:
     }
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
-    // Whether many updates wait for it although it takes them.
-    bool IsBehind() const;
+    // Whether many updates wait for it although it takes them at a good pace.
+    bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
     // To be sent; what was sent is taken away by the caller.
     std::string& Output() { return m_output; }
 
@@ -102,7 +104,10 @@ private:
     bool PumpOnce();
     void NextRow();
     void NextMissed();
+    bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
+    void JudgePace();
     void JudgeStall();
+    std::size_t Subscriptions() const;
     Forwarder* Find(std::uint32_t control);
 
     Server& m_server;
@@ -129,6 +134,14 @@ private:
     qmx::MessageWriter m_writer;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
+    std::optional<std::int64_t> m_beganMs{};
+    std::size_t m_streamed = 0; // updates that went out
+    // How it takes a backlog, judged again and again.
+    struct {
+        std::int64_t sinceMs = 0;
+        std::size_t streamed = 0; // by then
+        bool isGood = true;
+    } m_pace;
 };
 
 } // namespace vesk

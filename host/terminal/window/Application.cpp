@@ -308,9 +308,11 @@ void Application::RequestNextInstalment() {
 
 void Application::RequestClock() {
     Defer([this] {
-        const CountQuestion question{"Advance Clock", "&Days:", 30, kMostClockDays};
+        std::string date;
+        const CountQuestion question{"Advance Clock", "or so many &days:",    30,
+                                     kMostClockDays,  "&To (as 2027-03-05):", &date};
         if (const auto days = AskCount(m_frame.Handle(), question))
-            TellServer("clock " + std::to_string(*days));
+            TellServer("clock " + (date.empty() ? std::to_string(*days) : date));
     });
 }
 
