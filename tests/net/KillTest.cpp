@@ -114,7 +114,7 @@ private:
         char part[65536];
         for (ssize_t got; (got = read(m_child.Output(), part, sizeof part)) > 0;) {
             m_said.append(part, static_cast<std::size_t>(got));
-            if (m_said.ends_with("\nq\n")) m_isQuiet = true;
+            if (m_said == "q\n" || m_said.ends_with("\nq\n")) m_isQuiet = true;
         }
     }
 
