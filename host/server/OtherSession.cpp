@@ -7,7 +7,6 @@ OtherSession::OtherSession(Server& server, UserIdentity user, SampleMarket marke
       m_hub(server, std::move(user)), m_control(m_hub.Get(kRxRequests, this)) {}
 
 std::size_t OtherSession::PlaceOrders(std::size_t count, std::int64_t nowMs) {
-    if (m_market.accounts.empty() || m_market.scrips.empty()) return 0;
     const std::size_t before = m_registered;
     for (std::size_t i = 0; i < count; ++i) {
         SendOrder();

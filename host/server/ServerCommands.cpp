@@ -12,6 +12,7 @@ namespace vesk {
 namespace {
 
 constexpr std::string_view kOtherLogin = "DEALER02";
+constexpr const char* kNoMarket = "There are no clients or no scrips to make orders of";
 constexpr std::int64_t kMostDays = 50'000; // behind the end of the server's time
 constexpr std::size_t kMostFilled = 1'000'000;
 constexpr std::size_t kMostOrders = 10'000; // of another session, or of one registration
@@ -150,8 +151,7 @@ Told ServerCommands::Fill(const Call& call) {
     Told told;
     const auto count = ReadCount(call.words[0], kMostFilled, told);
     if (!count) return told;
-    if (m_market.accounts.empty() || m_market.scrips.empty())
-        return {false, "There are no clients or no scrips to fill with"};
+    if (!HasMarket()) return {false, kNoMarket};
     FillPlan plan{*count, {call.user, OtherUser(call.user)}, m_market};
     plan.seed += m_server.Registrations().size(); // a second filling brings others
     return Outcome(m_server.Fill(plan), "Server filled with " + std::to_string(*count) + " registrations");
@@ -161,6 +161,7 @@ Told ServerCommands::PlaceOtherOrders(const Call& call) {
     Told told;
     const auto count = ReadCount(call.words[0], kMostOrders, told);
     if (!count) return told;
+    if (!HasMarket()) return {false, kNoMarket};
     OtherSession other(m_server, OtherUser(call.user), m_market, static_cast<std::uint64_t>(call.nowMs));
     const std::size_t placed = other.PlaceOrders(*count, call.nowMs);
     return {placed == *count, "Another session placed " + std::to_string(placed) + " orders"};

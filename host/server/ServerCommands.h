@@ -48,6 +48,8 @@ private:
     Told Execute(const Call& call);
     Told SetFault(const Call& call);
 
+    bool HasMarket() const { return !m_market.accounts.empty() && !m_market.scrips.empty(); }
+
     Server& m_server;
     SampleMarket m_market;
     bool m_hasConnections;
