@@ -1,7 +1,8 @@
 #!/bin/sh
 # Runs a Windows program: in a 64-bit prefix inside the build folder, on a display of its own when there is
 # none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost); WINE_DPI=144 sets the
-# screen's resolution; WINE_CONSOLE=1 is for a program without windows, which needs no display.
+# screen's resolution; WINE_CONSOLE=1 is for a program without windows, which needs no display. Its session has none
+# either: "wine.sh --end" ends it, before windows of another are made in it.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 kind=display
@@ -9,6 +10,11 @@ kind=display
 export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind${WINE_DPI:+-$WINE_DPI}}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 mkdir -p "$(dirname "$WINEPREFIX")"
+
+if [ "${1:-}" = --end ]; then
+    wineserver -k || true # there may be none
+    exec wineserver -w
+fi
 
 make_prefix() {
     # What an interrupted start left is never completed.

@@ -25,9 +25,8 @@ constexpr std::size_t kInstalmentsAtOnce = 256;
 constexpr std::size_t kSchedulesAtOnce = 1024;
 
 // Some gigabytes of memory. Years of thousands of daily plans would take it all.
-constexpr std::size_t kMostOrders = 5'000'000;
-const std::string kFull =
-    "The server executes nothing more: it holds " + std::to_string(kMostOrders) + " exchange orders";
+constexpr std::size_t kMostOrders = 5'000'000; // as the text says
+constexpr const char* kFull = "The server executes nothing more: it holds 5000000 exchange orders";
 
 } // namespace
 
@@ -134,7 +133,7 @@ std::string Server::ExecuteSome(std::size_t& count) {
         Tell(m_registrations[place]);
     }
     count += places.size();
-    return m_orderCount < kMostOrders ? std::string() : kFull;
+    return m_orderCount < kMostOrders ? "" : kFull;
 }
 
 std::string Server::ExecuteDueOf(std::size_t place) {

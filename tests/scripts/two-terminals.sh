@@ -19,7 +19,13 @@ fail() {
 # The pattern does not match its own command line.
 kill_terminal() { pkill -9 -f "[-]-log Z:$out/$1.log" || true; }
 kill_server() { pkill -9 -f "[-]-journal Z:$out/journal" || true; }
-trap 'kill_terminal two-a; kill_terminal two-b; kill_server' EXIT
+end() {
+    kill_terminal two-a
+    kill_terminal two-b
+    kill_server
+    "$scripts/../../cmake/wine.sh" --end
+}
+trap end EXIT
 # await WHAT FILE: until it is there
 await() {
     for _ in $(seq 600); do

@@ -54,8 +54,6 @@ TEST(Script, FaultsNameFileAndLine) {
         {"execute 5 SIP1 SIP2", "a.script:1: \"execute\" takes at least 1 words, 3 found"},
         {"key Enterr", "a.script:1: \"Enterr\" is not a key"},
         {"right \"QV\" yes", "a.script:1: \"yes\" is neither on nor off"},
-        {"clock 2027-02-29",
-         "a.script:1: \"2027-02-29\" is neither a whole number, nor a date such as 2027-03-05, nor next"},
         {"dock Book middle", "a.script:1: \"middle\" is not a pane's place"},
         {"answer Maybe", "a.script:1: \"Maybe\" is not an answer"},
     };

@@ -2,7 +2,6 @@
 
 #include "host/terminal/core/CsvLines.h"
 #include "host/terminal/core/KeyText.h"
-#include "host/terminal/core/TradingCalendar.h"
 
 #include <algorithm>
 #include <array>
@@ -64,7 +63,7 @@ constexpr VerbRule kRules[] = {
     {Verb::font, "font", "nn", "points added, size in points (0: the windows' own)"},
     {Verb::right, "right", "tb", "grant or revoke this right"},
     {Verb::mode, "mode", "n", "log in with this mode"},
-    {Verb::clock, "clock", "c",
+    {Verb::clock, "clock", "t",
      "move the server's clock forward by so many days, to a date such as 2027-03-05, or with next to the next "
      "instalment"},
     {Verb::fill, "fill", "n", "enter so many made-up registrations on the server"},
@@ -157,10 +156,6 @@ std::optional<std::string> CheckWord(char kind, const std::string& word) {
         break;
     case 'd':
         if (std::ranges::count(kDockPlaces, word) == 0) return '"' + word + "\" is not a pane's place";
-        break;
-    case 'c':
-        if (word != "next" && !number && !ParseDateNumber(word))
-            return '"' + word + "\" is neither a whole number, nor a date such as 2027-03-05, nor next";
         break;
     case 'a':
         if (!BoxButton(word)) return '"' + word + "\" is not an answer";

@@ -89,8 +89,7 @@ struct VerbRule {
     Verb verb;
     std::string_view name;
     // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box,
-    // d place of a pane, c number or "next"; behind the last, "*": any number of such words, or none; "?": it
-    // may be missing.
+    // d place of a pane; behind the last, "*": any number of such words, or none; "?": it may be missing.
     std::string_view words;
     std::string_view meaning;
 };

@@ -6,8 +6,9 @@
 #include <chrono>
 
 namespace vesk {
+namespace {
 
-std::optional<std::uint32_t> ParseDateNumber(std::string_view text) {
+std::optional<std::uint32_t> DateNumber(std::string_view text) {
     if (text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
     const auto year = ParseWholeNumber(text.substr(0, 4));
     const auto month = ParseWholeNumber(text.substr(5, 2));
@@ -20,6 +21,8 @@ std::optional<std::uint32_t> ParseDateNumber(std::string_view text) {
     return static_cast<std::uint32_t>(*year * 10'000 + *month * 100 + *day);
 }
 
+} // namespace
+
 Loaded<TradingCalendar> TradingCalendar::Load(const std::string& path) {
     Loaded<std::string> text = ReadWholeFile(path);
     if (!text) return text.Fault();
@@ -30,7 +33,7 @@ Loaded<TradingCalendar> TradingCalendar::Parse(std::string_view text, std::strin
     TradingCalendar calendar;
     auto fault = ReadCsv(text, fileName, "date,occasion",
                          [&](std::span<const std::string_view> fields) -> std::optional<std::string> {
-                             const auto date = ParseDateNumber(fields[0]);
+                             const auto date = DateNumber(fields[0]);
                              if (!date) return "\"" + std::string(fields[0]) + "\" is not a date yyyy-mm-dd";
                              const auto place = std::ranges::lower_bound(calendar.m_dates, *date);
                              if (place != calendar.m_dates.end() && *place == *date)

@@ -4,16 +4,12 @@
 #include "host/terminal/core/FileFault.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vesk {
-
-// "2027-03-05" as 20270305; nothing when that is no date.
-std::optional<std::uint32_t> ParseDateNumber(std::string_view text);
 
 class TradingCalendar {
 public:

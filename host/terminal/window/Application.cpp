@@ -322,13 +322,13 @@ void Application::RequestClose() {
     });
 }
 
-// What the server has not been able to take would be lost.
+// What the server has not taken yet would be lost.
 bool Application::MayClose() {
     const std::size_t waiting = m_server->Waiting();
     if (!m_server->Status().isTrouble || waiting == 0) return true;
     const std::string question = m_server->Status().text + ": " + std::to_string(waiting)
                                  + (waiting == 1 ? " request waits" : " requests wait")
-                                 + " for it and will not be sent.\nExit all the same?";
+                                 + " for its answer, and will not be sent again.\nExit all the same?";
     return MessageBoxA(m_frame.Handle(), question.c_str(), "Vesk Trader",
                        MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
            == IDYES;

@@ -292,7 +292,7 @@ void MainFrame::LayOut() {
 }
 
 void MainFrame::LayOutStatusBar(int width) {
-    // From the right, in the order of StatusPart.
+    // Of the parts behind the first, which takes what is left.
     constexpr int widths[] = {200, 165, 240, 95, 160};
     int edges[std::size(widths) + 1] = {};
     edges[std::size(widths)] = width - Scale().Pixels(20);
