@@ -107,31 +107,9 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
-    const char* failures[] = {
-        "Failed to add the request add_sip_orders",
-        "Failed to add the Exchange segment",
-        "Failed to add the Token",
-        "Failed to add the Scrip Symbol",
-        "Failed to mention either buy or sell",
-        "Failed to mention the order Type",
-        "Failed to add the Product Type",
-        "Failed to add the Amount/Quantity",
-        "Failed to add Amount or Quantity",
-        "Failed to add the Frequency",
-        "Failed to add the Start Date",
-        "Failed to add the Total Period",
-        "Failed to add User",
-        "Failed to add customer Firm Id",
-        "Failed to add Account ID",
-        "Failed to specify the day",
-        "Failed to add Broker Name",
-        "Failed to add Branch Name",
-        "Failed to add sequence",
-        "Failed to add Order ID",
-        "Failed to add Order ID",
-        "Failed to add Order Source",
-        "Failed to add Location Id Tag",
-    };
+    const auto failures =
+        AddFailures({"Failed to add sequence", "Failed to add Order ID", "Failed to add Order ID",
+                     "Failed to add Order Source", "Failed to add Location Id Tag"});
     Open();
     host.cautionOfRow = {{0, 1}, {1, 1}};
     int call = 0;

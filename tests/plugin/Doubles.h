@@ -5,7 +5,9 @@
 #include "plugin/controls/DialogView.h"
 #include "tests/support/FakeHost.h"
 
+#include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace planfold::test {
 
@@ -101,6 +103,10 @@ struct Stage {
     FakeControl control{host};
     Session session{host.Lookup(), host.IdentityStrings(), host.strings};
 };
+
+// What is told when a field of add_sip_orders cannot be added, in the order of the fields: those up to the
+// branch, which all such orders have, and `rest`.
+std::vector<const char*> AddFailures(std::initializer_list<const char*> rest);
 
 // Lets the n-th call (from 1) of a connection library function fail while it lives.
 class FailQmxCall {

@@ -86,30 +86,8 @@ TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
 
 TEST_F(RequestTest, EachStepOfAddFailsWithItsOwnText) {
     session.m_nSipOperationMode = 1;
-    const char* texts[] = {
-        "Failed to add the request add_sip_orders",
-        "Failed to add the Exchange segment",
-        "Failed to add the Token",
-        "Failed to add the Scrip Symbol",
-        "Failed to mention either buy or sell",
-        "Failed to mention the order Type",
-        "Failed to add the Product Type",
-        "Failed to add the Amount/Quantity",
-        "Failed to add Amount or Quantity",
-        "Failed to add the Frequency",
-        "Failed to add the Start Date",
-        "Failed to add the Total Period",
-        "Failed to add User",
-        "Failed to add customer Firm Id",
-        "Failed to add Account ID",
-        "Failed to specify the day",
-        "Failed to add Broker Name",
-        "Failed to add Branch Name",
-        "Failed to add Order ID",
-        "Failed to add Cautionary Flag",
-        "Failed to add Mode",
-        "Failed to add Order Source",
-    };
+    const auto texts = AddFailures({"Failed to add Order ID", "Failed to add Cautionary Flag",
+                                    "Failed to add Mode", "Failed to add Order Source"});
     int call = 0;
     for (const char* text : texts) {
         const FailQmxCall failing(FailQmxCall::addData, ++call);
