@@ -38,6 +38,12 @@ bool Server::IsJournalStale() const {
     return m_replayed > needed + leastSuperseded && m_replayed > 2 * needed;
 }
 
+std::string Server::CompactWhenStale() {
+    if (!IsJournalStale()) return {};
+    std::string fault = CompactJournal();
+    return fault.empty() ? "The journal is written anew without what was superseded" : fault;
+}
+
 std::string Server::CompactJournal() {
     std::string error;
     if (!m_journal.Replace([this](const Journal::Sink& sink) { WriteAll(sink); }, error))

@@ -11,8 +11,8 @@
 // Failure:  a stranger's control pointer is ignored; an answer whose control is gone is dropped.
 #pragma once
 
+#include "host/server/ControlHub.h"
 #include "host/server/Server.h"
-#include "sdk/RxControl.h"
 
 #include <chrono>
 #include <cstddef>
@@ -33,24 +33,17 @@ struct PumpBudget {
     std::chrono::milliseconds time{12};
 };
 
-class RxHub final : private UpdateListener {
+class RxHub final : public ControlHub, private UpdateListener {
 public:
     RxHub(Server& server, UserIdentity user, PumpBudget budget = {});
-    RxHub(const RxHub&) = delete;
-    RxHub& operator=(const RxHub&) = delete;
-    ~RxHub();
+    ~RxHub() override;
 
-    // `kind` as RxControlKind. Null for an unknown kind or without a notifier.
-    RxControl* Get(int kind, CKeloRxNotifierBase* notifier);
-    void Destroy(RxControl* control);
-    std::size_t LiveControls() const { return m_controls.size(); }
-
-    // Lets the server handle the requests that are due and delivers what waits, until the budget is used up;
-    // `nowMs` never goes back.
-    // The number of notifier calls made by this call, nested pumps not counted.
-    std::size_t Pump(std::int64_t nowMs);
-    // Requests and deliveries that still wait, a running query as one.
-    std::size_t Waiting() const { return m_requests.size() + m_deliveries.size(); }
+    RxControl* Get(int kind, CKeloRxNotifierBase* notifier) override;
+    void Destroy(RxControl* control) override;
+    std::size_t LiveControls() const override { return m_controls.size(); }
+    // Lets the server handle the requests that are due and delivers what waits, until the budget is used up.
+    std::size_t Pump(std::int64_t nowMs) override;
+    std::size_t Waiting() const override { return m_requests.size() + m_deliveries.size(); }
 
 private:
     class Control;

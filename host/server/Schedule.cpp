@@ -85,6 +85,11 @@ std::uint32_t DateNumber(std::chrono::year_month_day date) {
            + unsigned{date.day()};
 }
 
+std::chrono::year_month_day DateOf(std::uint32_t number) {
+    return std::chrono::year(static_cast<int>(number / 10'000)) / std::chrono::month(number / 100 % 100)
+           / std::chrono::day(number % 100);
+}
+
 std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence) {
     char text[40];
     std::snprintf(text, sizeof text, "%02d%02u%02u%07zu", static_cast<int>(date.year()) % 100,

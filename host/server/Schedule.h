@@ -27,8 +27,9 @@ int InstalmentsBefore(std::chrono::year_month_day start, std::string_view freque
 std::string RecordDate(std::chrono::year_month_day date);
 std::optional<std::chrono::year_month_day> ParseRecordDate(std::string_view text);
 
-// 20270305
+// 20270305, and back.
 std::uint32_t DateNumber(std::chrono::year_month_day date);
+std::chrono::year_month_day DateOf(std::uint32_t number);
 
 // "SIP2703050000012": the `sequence`th that was entered, at this date.
 std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence);

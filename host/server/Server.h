@@ -108,6 +108,8 @@ public:
     bool IsJournalStale() const;
     // Writes it anew with what the server holds. Why it could not; empty when that is done.
     std::string CompactJournal();
+    // What became of it, for the log; empty when the journal was left as it is.
+    std::string CompactWhenStale();
 
     void AddListener(UpdateListener& listener);
     void RemoveListener(UpdateListener& listener);

@@ -65,10 +65,8 @@ UserIdentity Operator(const TerminalConfig& terminal) {
 }
 
 void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user) {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    const std::int64_t nowMs = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
     for (const std::string& line : lines)
-        std::printf("%s\n", commands.Run(line, user, nowMs).text.c_str());
+        std::printf("%s\n", commands.Run(line, user, SteadyMs()).text.c_str());
     if (!lines.empty()) std::fflush(stdout);
 }
 
@@ -95,12 +93,6 @@ int Serve(Server& server, std::uint16_t port, const Market& market) {
     return 0;
 }
 
-void CompactWhenStale(Server& server) {
-    if (!server.IsJournalStale()) return;
-    const std::string fault = server.CompactJournal();
-    Note(fault.empty() ? "The journal is written anew without what was superseded" : fault);
-}
-
 int Run(std::span<const char* const> words) {
     ServerOptions options;
     if (const auto complaint = ReadServerOptions(words, options))
@@ -122,7 +114,7 @@ int Run(std::span<const char* const> words) {
     opening.records.clear();
     opening.text.reset();
     server.SetPrices(PricesOf(market.master));
-    CompactWhenStale(server);
+    if (const std::string note = server.CompactWhenStale(); !note.empty()) Note(note);
     return Serve(server, options.port, market);
 }
 

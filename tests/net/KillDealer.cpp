@@ -70,9 +70,7 @@ private:
     void Place() {
         Held held{m_name + std::to_string(++m_placed), std::to_string(1 + Below(9))};
         SayLine({"p", held.id});
-        const std::chrono::sys_days today = std::chrono::year(static_cast<int>(m_date / 10'000))
-                                            / std::chrono::month(m_date / 100 % 100)
-                                            / std::chrono::day(m_date % 100);
+        const std::chrono::sys_days today = DateOf(m_date);
         const std::int64_t start = today.time_since_epoch().count() + static_cast<std::int64_t>(Below(4));
         m_terminal.Send(Order({{kTagUser, m_login},
                                {kTagRequestIdentifier, held.id},

@@ -12,12 +12,6 @@
 
 namespace vesk {
 
-inline std::int64_t SteadyMs() {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 // One user's terminal: a control for requests, one for a stream, and what they were told.
 class Terminal final : public CKeloRxNotifierBase {
 public:

@@ -10,13 +10,13 @@ namespace {
 
 constexpr std::size_t kMostConnections = 256;
 
-std::int64_t NowMs() {
+} // namespace
+
+std::int64_t SteadyMs() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(
                std::chrono::steady_clock::now().time_since_epoch())
         .count();
 }
-
-} // namespace
 
 NetServer::NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits)
     : m_server(server), m_commands(commands), m_log(std::move(log)), m_limits(limits) {}
@@ -42,7 +42,7 @@ void NetServer::Turn(int timeoutMs) {
 
 // A request that is delayed is looked for every millisecond, from a little before.
 int NetServer::PauseMs(int longestMs) const {
-    const std::int64_t now = NowMs();
+    const std::int64_t now = SteadyMs();
     if (AnyHasWork(now)) return 0;
     return AnyHasWork(now + longestMs) ? 1 : longestMs;
 }
@@ -70,7 +70,7 @@ void NetServer::Serve(Connection& connection, const Waiting& came) {
         if (came.canRead) Receive(connection);
         // Before it is judged by what it has not taken: the server itself may have been busy.
         if (came.canWrite) Send(connection);
-        connection.session.Pump(NowMs());
+        connection.session.Pump(SteadyMs());
         if (!connection.session.Output().empty()) Send(connection);
     } catch (const std::exception& fault) {
         m_log(connection.session.Name() + ": " + fault.what());
@@ -82,7 +82,7 @@ void NetServer::Receive(Connection& connection) {
     std::array<char, 65536> part;
     std::size_t got = 0;
     const Transfer transfer = connection.socket.Receive(part, got);
-    if (transfer == Transfer::some) connection.session.Take({part.data(), got}, NowMs());
+    if (transfer == Transfer::some) connection.session.Take({part.data(), got}, SteadyMs());
     if (transfer == Transfer::ended) connection.isGone = true;
 }
 

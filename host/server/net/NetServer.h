@@ -16,6 +16,9 @@
 
 namespace vesk {
 
+// Of a clock that never goes back.
+std::int64_t SteadyMs();
+
 class NetServer {
 public:
     using Log = std::function<void(const std::string& line)>;

@@ -11,8 +11,8 @@
 // Failure: whatever the server sends, at worst the connection is lost; the state says why.
 #pragma once
 
+#include "host/server/ControlHub.h"
 #include "host/server/ServerCommands.h"
-#include "host/server/net/ControlHub.h"
 #include "host/server/net/Protocol.h"
 #include "host/server/net/Socket.h"
 

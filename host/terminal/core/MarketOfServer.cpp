@@ -1,5 +1,7 @@
 #include "host/terminal/core/MarketOfServer.h"
 
+#include "host/server/Schedule.h"
+
 namespace vesk {
 
 SampleMarket SampleMarketOf(const ScripMaster& master, const ClientList& clients) {
@@ -22,8 +24,7 @@ std::function<std::int64_t(const Registration&)> PricesOf(const ScripMaster& mas
 std::vector<std::chrono::year_month_day> DatesOf(std::span<const std::uint32_t> numbers) {
     std::vector<std::chrono::year_month_day> dates;
     for (const std::uint32_t number : numbers)
-        dates.push_back(std::chrono::year(static_cast<int>(number / 10'000))
-                        / std::chrono::month(number / 100 % 100) / std::chrono::day(number % 100));
+        dates.push_back(DateOf(number));
     return dates;
 }
 

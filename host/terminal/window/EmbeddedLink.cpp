@@ -1,5 +1,6 @@
 #include "host/terminal/window/EmbeddedLink.h"
 
+#include "host/server/RxHub.h"
 #include "host/server/Schedule.h"
 #include "host/server/ServerConfig.h"
 #include "host/terminal/core/MarketOfServer.h"
@@ -45,12 +46,9 @@ void EmbeddedLink::StartServer(JournalOpening opening, ServerConfig config, std:
     const std::size_t records = opening.records.size();
     opening.records.clear();
     opening.text.reset(); // the server has read it, and it may be large
-    if (m_server->IsJournalStale()) {
-        const std::string fault = m_server->CompactJournal();
-        notes.push_back(fault.empty() ? "The journal is written anew without what was superseded" : fault);
-    }
+    if (std::string note = m_server->CompactWhenStale(); !note.empty()) notes.push_back(std::move(note));
     m_commands.emplace(*m_server, SampleMarketOf(m_state.master, m_state.clients));
-    m_hub = std::make_unique<EmbeddedHub>(*m_server, m_user);
+    m_hub = std::make_unique<RxHub>(*m_server, m_user);
     notes.push_back("Trading server ready, " + std::to_string(records) + " journal records");
 }
 

@@ -40,8 +40,7 @@ bool RemoteLink::IsIdle() const {
 std::string RemoteLink::Date() const {
     const std::uint32_t number = Hub().Server().date;
     if (number == 0) return {};
-    return RecordDate(std::chrono::year(static_cast<int>(number / 10'000))
-                      / std::chrono::month(number / 100 % 100) / std::chrono::day(number % 100));
+    return RecordDate(DateOf(number));
 }
 
 std::vector<std::uint32_t> RemoteLink::RestrictedDates() const {

@@ -4,8 +4,8 @@
 // Thread: one (the GUI thread).
 #pragma once
 
+#include "host/server/ControlHub.h"
 #include "host/server/ServerCommands.h"
-#include "host/server/net/ControlHub.h"
 
 #include <cstdint>
 #include <functional>
