@@ -41,6 +41,9 @@ private:
     std::string m_name;
 };
 
+// A busy machine must not end a pump early.
+constexpr PumpBudget kAllAtOnce{.time = std::chrono::hours(1)};
+
 class RxHubTest : public testing::Test {
 protected:
     using Log = std::vector<std::string>;
@@ -72,7 +75,7 @@ protected:
     Log m_log;
     Notifier m_one{m_log, "one"};
     Notifier m_two{m_log, "two"};
-    RxHub m_hub{*m_running.server, m_running.user};
+    RxHub m_hub{*m_running.server, m_running.user, kAllAtOnce};
     std::uint64_t m_number = 0;
     QmxError m_error{};
 };
@@ -116,7 +119,7 @@ TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
     };
     const std::pair<const char*, std::string> orders[] = {{"own", ""},
                                                           {"other", "31003=USER2|64053=BR2|54001=CL2"}};
-    RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"});
+    RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"}, kAllAtOnce);
     RxControl* senders[] = {m_hub.Get(kRxRequests, &m_one), otherHub.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
