@@ -1,6 +1,9 @@
-// Completing a typed text from a list, and the search once the typing has paused.
+// Typing in combos: completing a typed text from a list, the search once the typing has paused, and letters
+// that are collected over a drop-down list.
 
 #include "plugin/controls/AutoComplete.h"
+#include "plugin/controls/TypeAhead.h"
+#include "plugin/messaging/Text.h"
 #include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>
@@ -45,6 +48,50 @@ TEST(AutoComplete, CompletesToTheFirstThatStartsSoAndPicksOnlyAnEqualAfterThePau
         for (const bool changes : {true, false, false, true, false, false, false, false})
             changes ? search.OnChanged() : search.OnTimer();
         EXPECT_EQ(combo.seen, row.seen) << "one timer, whatever is typed meanwhile";
+    }
+}
+
+TEST(TypeAhead, CollectsWhatIsTypedUntilAPause) {
+    // As a combo finds: the first behind a place that begins so, ignoring case, going on from the top.
+    const Texts entries{"ALPHATEX", "BASALTAGRO", "BASALTCHEM", "GARNETAGRO", "SAFFRON", "1", "15", "5"};
+    const auto find = [&](const std::string& text, int after) {
+        for (std::size_t i = 1; i <= entries.size(); ++i) {
+            const std::size_t place = (static_cast<std::size_t>(after) + i) % entries.size();
+            if (StartsWithIgnoringCase(entries[place], text)) return static_cast<int>(place);
+        }
+        return -1;
+    };
+    struct Row {
+        const char* typed; // '_' is a pause
+        int selected;
+        const char* then;
+    };
+    const Row rows[] = {
+        {"BASALTAG", -1, "BASALTAGRO"},
+        {"basaltc", -1, "BASALTCHEM"},
+        {"B", -1, "BASALTAGRO"},
+        {"B", 1, "BASALTCHEM"},
+        {"BB", -1, "BASALTCHEM"},
+        {"BBB", -1, "BASALTAGRO"},
+        {"BASALTAGRO", 1, "BASALTAGRO"},
+        {"15", -1, "15"},
+        {"1_5", -1, "5"},
+        {"BAS_G", -1, "GARNETAGRO"},
+        {"BAXG", -1, "BASALTAGRO"},
+        {"X", 3, "GARNETAGRO"},
+        {"BAX_S", -1, "SAFFRON"},
+    };
+    for (const Row& row : rows) {
+        TypeAhead typeAhead;
+        int selected = row.selected;
+        unsigned now = UINT_MAX - 1; // the clock wraps around
+        for (const char* typed = row.typed; *typed; ++typed) {
+            now += *typed == '_' ? TypeAhead::kPauseMs + 1 : 1;
+            if (*typed == '_') continue;
+            const int found = typeAhead.OnCharacter(*typed, now, selected, find);
+            if (found >= 0) selected = found;
+        }
+        EXPECT_EQ(entries[static_cast<std::size_t>(selected)], row.then) << row.typed;
     }
 }
 

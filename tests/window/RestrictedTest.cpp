@@ -24,6 +24,14 @@ protected:
     }
 };
 
+TEST_F(Restricted, TypedDigitsAreOneNumber) {
+    const HWND from = GetDlgItem(Open(), kLists[0]);
+    for (const char digit : {'1', '5'})
+        PostMessageA(from, WM_CHAR, static_cast<WPARAM>(digit), 1);
+    probe::Pump();
+    EXPECT_EQ(probe::Text(from), "15");
+}
+
 TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
     const Fields held{{32767, {"calendar_get_restricted_dates"}}, {49165, {"7"}}, {46000, {"2030"}}};
     const int thisYear = DaysFromNow(0).wYear;

@@ -116,8 +116,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     m_rejected.FollowDpi();
     if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
         m_ownSize = WindowSize();
-        SetWindowPos(Dialog::Handle(), nullptr, 0, 0, m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy,
-                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+        framework::ResizeOnScreen(Dialog::Handle(), {m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy});
     }
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
@@ -138,10 +137,7 @@ void CBasketUpload::ShowAllColumns() {
     GetWindowRect(list, &place);
     lacking -= place.right - place.left;
     GetWindowRect(Dialog::Handle(), &place);
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoA(MonitorFromWindow(Dialog::Handle(), MONITOR_DEFAULTTONEAREST), &monitor);
-    const RECT& screen = monitor.rcWork;
+    const RECT screen = framework::WorkArea(Dialog::Handle());
     const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
     if (width <= place.right - place.left) return;
     const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
@@ -191,8 +187,6 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
     case WM_GETMINMAXINFO: {
         auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
         if (m_ownSize.cx) limits.ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
-        // In a large font the form may need more than the screen has.
-        limits.ptMaxTrackSize = {SHRT_MAX, SHRT_MAX};
         return 0;
     }
     case WM_DESTROY:
@@ -242,6 +236,7 @@ void CBasketUpload::OnButton(int button) {
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
+    m_controls.OnNotify(notification);
     if (notification.code == kKorvexSplitterMoved) {
         // A control that moves onto another would take its picture along.
         const framework::RedrawHold hold(Dialog::Handle());

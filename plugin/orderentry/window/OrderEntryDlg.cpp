@@ -38,6 +38,7 @@ void COrderEntryDlg::OpenForModify(const SipRegistration& registration) {
     BringUp(*this, m_session);
     m_session.m_nSipOperationMode = operationMode;
     if (HasWindow()) m_entry.FillForModify(registration);
+    if (HasWindow()) OnPlanChanged();
     m_session.m_nSipOperationMode = operationMode;
     SetForegroundWindow(Dialog::Handle());
 }
@@ -115,6 +116,7 @@ void COrderEntryDlg::OnButton(int button) {
 }
 
 std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
+    m_controls.OnNotify(notification);
     if (notification.code == DTN_DATETIMECHANGE) OnPlanChanged();
     return std::nullopt;
 }

@@ -19,8 +19,11 @@ constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIE
 } // namespace
 
 void SipFormControls::SetUp(const std::string& searchName) {
+    m_lists.Attach(m_dialog.Handle());
     m_value.Attach(m_dialog.Item(IDC_VALUE).Handle());
-    m_dialog.Item<framework::DatePicker>(IDC_START_DATE).SetFormat(kDateFormat);
+    const auto picker = m_dialog.Item<framework::DatePicker>(IDC_START_DATE);
+    picker.SetFormat(kDateFormat);
+    m_calendar.Attach(picker.Handle());
     if (m_session.host.pu_get_entered_text_results)
         m_client.SetUp(m_dialog.Item(IDC_CLIENT_SEARCH).Handle(), searchName, kClientSearchDelayMs);
     else
@@ -58,6 +61,10 @@ void SipFormControls::OnCommand(const framework::Command& command) {
     default:
         break;
     }
+}
+
+void SipFormControls::OnNotify(const NMHDR& notification) {
+    if (notification.code == DTN_DROPDOWN) m_calendar.OnDropDown();
 }
 
 void SipFormControls::OnDropDownClosed(int combo) {

@@ -3,8 +3,10 @@
 
 #include "framework/Dialog.h"
 #include "plugin/controls/window/AutoComboBox.h"
+#include "plugin/controls/window/CalendarKeys.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/ExtEditOntry.h"
+#include "plugin/controls/window/TypeAheadCombo.h"
 
 #include <string>
 #include <string_view>
@@ -14,7 +16,7 @@ namespace planfold {
 class SipFormControls {
 public:
     SipFormControls(framework::Dialog& dialog, Session& session)
-        : m_dialog(dialog), m_session(session), m_client(session), m_clientCombo(session) {}
+        : m_dialog(dialog), m_session(session), m_client(session), m_clientCombo(session), m_lists(session) {}
 
     // In front of the dialog's controls, which have just been made. `searchName` is the search box's settings
     // key. The host is asked, and may close the dialog.
@@ -25,6 +27,7 @@ public:
     void OnMoved() { m_client.CloseList(); }
     // What a notification of the form's controls means to them; the dialog sees to the rest.
     void OnCommand(const framework::Command& command);
+    void OnNotify(const NMHDR& notification);
     // Not typed by the user, and so not searched for.
     void SetClient(std::string_view text) { m_client.SetText(text); }
     // Whether the value edit takes decimals and refuses all else; off while its digits-only style rules.
@@ -41,7 +44,9 @@ private:
     CExtEditOntry m_value;
     CClientSearchBox m_client;
     CAutoComboBox m_clientCombo; // where the host offers no search
-    bool m_picked = false;       // in the list that is dropped down
+    CCalendarKeys m_calendar;
+    TypeAheadCombos m_lists;
+    bool m_picked = false; // in the list that is dropped down
 };
 
 } // namespace planfold

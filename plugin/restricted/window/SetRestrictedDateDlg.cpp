@@ -6,11 +6,17 @@ namespace planfold {
 
 CSetRestrictedDateDlg::CSetRestrictedDateDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindow(module, IDD_RESTRICTED_DATES, boxes), m_session(session),
-      m_link(session.lookup, kRxRequests, this, this), m_dates(session, *this, m_link.Control()) {}
+      m_link(session.lookup, kRxRequests, this, this), m_dates(session, *this, m_link.Control()),
+      m_lists(session) {}
 
 void CSetRestrictedDateDlg::ShutDown() {
     Destroy();
     m_link.Release();
+}
+
+void CSetRestrictedDateDlg::OnInit() {
+    m_lists.Attach(Dialog::Handle());
+    m_dates.Initialise(LocalNow());
 }
 
 bool CSetRestrictedDateDlg::OnCommand(const framework::Command& command) {

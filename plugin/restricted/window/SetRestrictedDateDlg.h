@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/controls/window/DialogWindow.h"
+#include "plugin/controls/window/TypeAheadCombo.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/resources/resource.h"
 #include "plugin/restricted/RestrictedDates.h"
@@ -23,13 +24,14 @@ public:
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
-    void OnInit() override { m_dates.Initialise(LocalNow()); }
+    void OnInit() override;
     void OnLaidOut() override { SetCaptionIcon(IDI_CALENDAR); }
     bool OnCommand(const framework::Command& command) override;
 
     Session& m_session;
     RxLink m_link;
     RestrictedDates m_dates;
+    TypeAheadCombos m_lists;
 };
 
 } // namespace planfold

@@ -1,0 +1,61 @@
+#include "plugin/controls/window/TypeAheadCombo.h"
+
+namespace planfold {
+
+std::optional<LRESULT> CTypeAheadCombo::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+    switch (message) {
+    case WM_CHAR:
+        // The others are keys with a meaning of their own.
+        if (wParam <= ' ') return std::nullopt;
+        OnCharacter(static_cast<char>(wParam));
+        return 0;
+    case WM_KEYDOWN:
+        // What moves the selection otherwise ends the word.
+        if (wParam >= VK_PRIOR && wParam <= VK_DOWN) m_typed.Forget();
+        return std::nullopt;
+    case WM_KILLFOCUS:
+    case CB_RESETCONTENT:
+        m_typed.Forget();
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+void CTypeAheadCombo::OnCharacter(char character) {
+    const framework::ComboBox combo(Handle());
+    const int selected = combo.Selected();
+    const int found =
+        m_typed.OnCharacter(character, static_cast<unsigned>(GetMessageTime()), selected,
+                            [&](const std::string& text, int after) { return combo.FindStart(text, after); });
+    if (found < 0) {
+        MessageBeep(MB_OK);
+        return;
+    }
+    if (found == selected) return;
+    combo.Select(found);
+    // As the control tells of a key that selects; while the list is open nothing is chosen yet.
+    if (!combo.Send(CB_GETDROPPEDSTATE)) Notify(CBN_SELENDOK);
+    Notify(CBN_SELCHANGE);
+}
+
+// Whoever is told may end the window.
+void CTypeAheadCombo::Notify(WORD notification) const {
+    if (const HWND combo = Handle())
+        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(combo), notification),
+                     reinterpret_cast<LPARAM>(combo));
+}
+
+void TypeAheadCombos::Attach(HWND dialog) {
+    std::size_t next = 0;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        char className[16] = "";
+        GetClassNameA(child, className, sizeof className);
+        const bool isList = (GetWindowLongA(child, GWL_STYLE) & CBS_DROPDOWNLIST) == CBS_DROPDOWNLIST;
+        if (lstrcmpiA(className, WC_COMBOBOXA) != 0 || !isList) continue;
+        if (next == m_combos.size()) m_combos.emplace_back(m_session);
+        m_combos[next++].Attach(child);
+    }
+}
+
+} // namespace planfold
