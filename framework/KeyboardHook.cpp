@@ -23,10 +23,24 @@ bool InSystemLoop() {
     return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & loops) != 0;
 }
 
+// A click gives the focus past the dialog manager, which then marks another button than the one that Enter
+// presses.
+void FollowClick(const MSG& message) {
+    HWND control = message.hwnd;
+    const HWND dialog = EnrolledDialog(control);
+    while (control && GetAncestor(control, GA_PARENT) != dialog)
+        control = GetAncestor(control, GA_PARENT);
+    if (!dialog || !control || control == dialog) return;
+    constexpr LRESULT takesNoFocus = DLGC_STATIC;
+    if (SendMessageA(control, WM_GETDLGCODE, 0, 0) & takesNoFocus) return;
+    if (control != GetFocus()) SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+}
+
 LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
     Guard([&] {
         auto& message = *reinterpret_cast<MSG*>(lParam);
         if (code < 0 || removed != PM_REMOVE) return;
+        if (message.message == WM_LBUTTONDOWN) return FollowClick(message);
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
         const HWND dialog = EnrolledDialog(message.hwnd);
         if (!dialog || InSystemLoop() || !IsDialogMessageW(dialog, &message)) return;

@@ -127,6 +127,12 @@ void PostKey(WPARAM key) {
     PostMessageA(focus, WM_KEYUP, key, released);
 }
 
+void PostClick(HWND window, POINT place) {
+    const LPARAM at = MAKELPARAM(place.x, place.y);
+    PostMessageA(window, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    PostMessageA(window, WM_LBUTTONUP, 0, at);
+}
+
 std::vector<HWND> TopWindows() {
     std::vector<HWND> windows;
     EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));

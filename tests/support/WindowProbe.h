@@ -29,6 +29,8 @@ std::string Entries(HMENU menu);
 
 // A key into the window that has the focus; arrives through the message loop.
 void PostKey(WPARAM key);
+// Of the left button, at a place in the window's client area; the same way.
+void PostClick(HWND window, POINT place);
 
 // Top-level windows of this thread, without those of the input method.
 std::vector<HWND> TopWindows();
