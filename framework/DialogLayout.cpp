@@ -13,12 +13,7 @@ RECT ToPixels(const RECT& units, SIZE base) {
     return {x(units.left), y(units.top), x(units.right), y(units.bottom)};
 }
 
-RECT WorkArea(HWND window) {
-    MONITORINFO info{};
-    info.cbSize = sizeof info;
-    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info);
-    return info.rcWork;
-}
+constexpr int kLeastPoints = 6;
 
 // A combo makes its own height, of its text alone; beside edits of the template's height it would look low.
 void MatchEditHeight(HWND control, SIZE base) {
@@ -35,6 +30,32 @@ void MatchEditHeight(HWND control, SIZE base) {
 }
 
 } // namespace
+
+RECT WorkArea(HWND window) {
+    MONITORINFO info{};
+    info.cbSize = sizeof info;
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info);
+    return info.rcWork;
+}
+
+void ResizeOnScreen(HWND window, SIZE size) {
+    // Of a minimised or maximised window it is the place that it comes back to.
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof placement;
+    const bool away = (IsIconic(window) || IsZoomed(window)) && GetWindowPlacement(window, &placement);
+    RECT place = placement.rcNormalPosition;
+    if (!away) GetWindowRect(window, &place);
+    const RECT work = WorkArea(window);
+    const LONG width = std::min(size.cx, work.right - work.left);
+    const LONG height = std::min(size.cy, work.bottom - work.top);
+    const LONG left = std::clamp(place.left, work.left, work.right - width);
+    const LONG top = std::clamp(place.top, work.top, work.bottom - height);
+    placement.rcNormalPosition = {left, top, left + width, top + height};
+    if (away)
+        SetWindowPlacement(window, &placement);
+    else
+        Window(window).Move(placement.rcNormalPosition);
+}
 
 Font MakeFont(const std::wstring& face, int points, UINT dpi) {
     LOGFONTW font{};
@@ -65,8 +86,18 @@ SIZE DialogLayout::FrameSize(HWND dialog, SIZE base, UINT dpi) const {
     return {frame.right - frame.left, frame.bottom - frame.top};
 }
 
+Font DialogLayout::LargestFont(HWND dialog, int points, UINT dpi) const {
+    const RECT work = WorkArea(dialog);
+    for (;; --points) {
+        Font font = MakeFont(m_template.face, points, dpi);
+        const SIZE frame = FrameSize(dialog, BaseUnits(font.Get()), dpi);
+        const bool fits = frame.cx <= work.right - work.left && frame.cy <= work.bottom - work.top;
+        if (fits || points <= kLeastPoints) return font;
+    }
+}
+
 void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
-    Font font = MakeFont(m_template.face, points, dpi);
+    Font font = LargestFont(dialog, points, dpi);
     const SIZE base = BaseUnits(font.Get());
     const RedrawHold hold(dialog);
     Window(dialog).SetFont(font.Get());
@@ -77,24 +108,7 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
         MatchEditHeight(control.Handle(), base);
     }
     m_font = std::move(font);
-    ResizeFrame(dialog, FrameSize(dialog, base, dpi));
-}
-
-void DialogLayout::ResizeFrame(HWND dialog, SIZE size) {
-    // Of a minimised or maximised dialog it is the place that it comes back to.
-    WINDOWPLACEMENT placement{};
-    placement.length = sizeof placement;
-    const bool away = (IsIconic(dialog) || IsZoomed(dialog)) && GetWindowPlacement(dialog, &placement);
-    RECT place = placement.rcNormalPosition;
-    if (!away) GetWindowRect(dialog, &place);
-    const RECT work = WorkArea(dialog);
-    const LONG left = std::max(work.left, std::min(place.left, work.right - size.cx));
-    const LONG top = std::max(work.top, std::min(place.top, work.bottom - size.cy));
-    placement.rcNormalPosition = {left, top, left + size.cx, top + size.cy};
-    if (away)
-        SetWindowPlacement(dialog, &placement);
-    else
-        Window(dialog).Move(placement.rcNormalPosition);
+    ResizeOnScreen(dialog, FrameSize(dialog, base, dpi));
 }
 
 } // namespace framework

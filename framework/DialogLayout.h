@@ -8,6 +8,12 @@
 
 namespace framework {
 
+// Of the monitor that the window is on, what the task bar leaves.
+RECT WorkArea(HWND window);
+
+// Gives the window this size, as far as its monitor has room, and moves it back where it would leave that.
+void ResizeOnScreen(HWND window, SIZE size);
+
 // `points` in logical points, `dpi` of the monitor.
 Font MakeFont(const std::wstring& face, int points, UINT dpi);
 
@@ -21,12 +27,12 @@ public:
     int TemplatePointSize() const { return m_template.pointSize; }
 
     // Sets the font and every position. The top left corner stays; it is moved back only when the new size
-    // would leave the monitor.
+    // would leave the monitor. A font in which the dialog has no room there is made smaller, point by point.
     void Apply(HWND dialog, int points, UINT dpi);
 
 private:
+    Font LargestFont(HWND dialog, int points, UINT dpi) const;
     SIZE FrameSize(HWND dialog, SIZE base, UINT dpi) const;
-    static void ResizeFrame(HWND dialog, SIZE size);
 
     DialogTemplate m_template;
     Font m_font; // in use by the controls until the next one is

@@ -31,6 +31,15 @@ UINT Window::Dpi() const {
     return dpi ? dpi : USER_DEFAULT_SCREEN_DPI;
 }
 
+TextScale Window::Scale() const {
+    const UINT dpi = Dpi();
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(Send(WM_GETFONT)), sizeof font, &font);
+    // A positive height is one of the system's own fonts, with its leading.
+    const int points = font.lfHeight < 0 ? MulDiv(-font.lfHeight, 72, static_cast<int>(dpi)) : 0;
+    return {dpi, points ? points : TextScale::kUsualPoints};
+}
+
 RECT Window::ClientRect() const {
     RECT rect{};
     if (m_handle) GetClientRect(m_handle, &rect);
@@ -53,6 +62,11 @@ int ComboBox::Find(const std::string& text) const {
         Send(CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str())));
 }
 
+int ComboBox::FindStart(const std::string& text, int after) const {
+    return static_cast<int>(
+        Send(CB_FINDSTRING, static_cast<WPARAM>(after), reinterpret_cast<LPARAM>(text.c_str())));
+}
+
 std::string ComboBox::Item(int index) const {
     const LRESULT length = Send(CB_GETLBTEXTLEN, static_cast<WPARAM>(index));
     if (length <= 0) return {};
@@ -73,14 +87,14 @@ std::vector<std::string> ComboBox::Items() const {
 void ReportList::AddColumn(const Column& column) const {
     LVCOLUMNA insert{};
     insert.mask = LVCF_TEXT | LVCF_WIDTH;
-    insert.cx = Scaled(column.width, Dpi());
+    insert.cx = Scale()(column.width);
     insert.pszText = const_cast<char*>(column.heading);
     const LRESULT count = SendMessageA(ListView_GetHeader(Handle()), HDM_GETITEMCOUNT, 0, 0);
     Send(LVM_INSERTCOLUMNA, static_cast<WPARAM>(count), reinterpret_cast<LPARAM>(&insert));
 }
 
 void ReportList::SetColumnWidth(int index, int width) const {
-    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(index), Scaled(width, Dpi()));
+    Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(index), Scale()(width));
 }
 
 void ReportList::SetCount(int count) const {
@@ -106,7 +120,7 @@ void ReportList::SetLook(int rowHeight) const {
     constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
     // A report list makes its rows one pixel higher than its images. It destroys the last list it was given.
-    const HIMAGELIST images = ImageList_Create(1, Scaled(rowHeight, Dpi()) - 1, ILC_COLOR, 0, 1);
+    const HIMAGELIST images = ImageList_Create(1, Scale()(rowHeight) - 1, ILC_COLOR, 0, 1);
     const LRESULT previous = Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
     if (previous) ImageList_Destroy(reinterpret_cast<HIMAGELIST>(previous));
 }

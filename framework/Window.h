@@ -13,6 +13,29 @@
 
 namespace framework {
 
+// Pixels at 96 DPI as pixels at `dpi`.
+inline int Scaled(int pixels, UINT dpi) {
+    return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
+}
+
+// How much larger a window's texts are than at 96 DPI and in 8 points, for which lengths are laid down.
+class TextScale {
+public:
+    static constexpr int kUsualPoints = 8;
+
+    TextScale() = default;
+    TextScale(UINT dpi, int points) : m_factor(static_cast<int>(dpi) * points) {}
+
+    int operator()(int pixels) const { return MulDiv(pixels, m_factor, kUsual); }
+    // Back to the length that was laid down.
+    int Undo(int pixels) const { return MulDiv(pixels, kUsual, m_factor); }
+    bool operator==(const TextScale&) const = default;
+
+private:
+    static constexpr int kUsual = USER_DEFAULT_SCREEN_DPI * kUsualPoints;
+    int m_factor = kUsual;
+};
+
 class Window {
 public:
     Window() = default;
@@ -39,6 +62,8 @@ public:
     void ChangeStyle(LONG_PTR set, LONG_PTR clear) const;
     // Dots per inch of the monitor that the window is on; 96 without a window.
     UINT Dpi() const;
+    // By its DPI and the font that it was given.
+    TextScale Scale() const;
     RECT ClientRect() const;
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return m_handle ? SendMessageA(m_handle, message, wParam, lParam) : 0;
@@ -82,6 +107,9 @@ public:
     void Select(int index) const { Send(CB_SETCURSEL, static_cast<WPARAM>(index)); }
     // The first item that equals the text, ignoring case; -1 when there is none.
     int Find(const std::string& text) const;
+    // The first item after `after` that begins with the text, ignoring case, going on from the top; -1 when
+    // there is none.
+    int FindStart(const std::string& text, int after) const;
     std::string Item(int index) const;
     std::vector<std::string> Items() const;
 };
@@ -98,26 +126,22 @@ class ReportList : public Window {
 public:
     struct Column {
         const char* heading;
-        int width; // pixels at 96 DPI
+        int width; // pixels at 96 DPI and 8 points
     };
 
     using Window::Window;
 
     void AddColumn(const Column& column) const;
+    // The width grows with the list's DPI and font.
     void SetColumnWidth(int index, int width) const;
     void SetCount(int count) const;
     // Selects and focuses the row alone and scrolls it into view; -1 selects nothing.
     void SelectRow(int row) const;
     // -1 when none is.
     int SelectedRow() const;
-    // Full rows, drawn without flicker, `rowHeight` pixels high at 96 DPI.
+    // Full rows, drawn without flicker, `rowHeight` pixels high at 96 DPI and 8 points.
     void SetLook(int rowHeight) const;
 };
-
-// Pixels at 96 DPI as pixels at `dpi`.
-inline int Scaled(int pixels, UINT dpi) {
-    return MulDiv(pixels, static_cast<int>(dpi), USER_DEFAULT_SCREEN_DPI);
-}
 
 class DatePicker : public Window {
 public:

@@ -28,7 +28,7 @@ void ListHeader::Attach(HWND list, std::vector<Column> columns, std::string name
     m_list = framework::Window(list);
     m_columns = std::move(columns);
     m_name = std::move(name);
-    m_dpi = m_list.Dpi();
+    m_scale = m_list.Scale();
     Insert();
     m_saved = ReadRecovered(RecoveryFile::userSettings, kSection, m_name);
     if (const auto state = ReadColumns(m_saved, m_columns.size())) Apply(state->order, state->widths);
@@ -42,7 +42,7 @@ void ListHeader::Insert() {
         LVCOLUMNA insert{};
         insert.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
         insert.fmt = column.rightAligned ? LVCFMT_RIGHT : LVCFMT_LEFT;
-        insert.cx = framework::Scaled(column.width, m_dpi);
+        insert.cx = m_scale(column.width);
         insert.pszText = const_cast<char*>(column.heading.c_str());
         m_list.Send(LVM_INSERTCOLUMNA, i, reinterpret_cast<LPARAM>(&insert));
     }
@@ -57,14 +57,13 @@ void ListHeader::Apply(const std::vector<int>& order, const std::vector<int>& wi
 
 void ListHeader::SetWidths() {
     for (std::size_t i = 0; i < m_widths.size(); ++i)
-        m_list.Send(LVM_SETCOLUMNWIDTH, i, framework::Scaled(m_widths[i], m_dpi));
+        m_list.Send(LVM_SETCOLUMNWIDTH, i, m_scale(m_widths[i]));
 }
 
 // What was set comes back unchanged, not rounded twice.
-int ListHeader::WidthAtUsualDpi(std::size_t column) const {
+int ListHeader::UsualWidth(std::size_t column) const {
     const auto width = static_cast<int>(m_list.Send(LVM_GETCOLUMNWIDTH, column));
-    if (width == framework::Scaled(m_widths[column], m_dpi)) return m_widths[column];
-    return MulDiv(width, USER_DEFAULT_SCREEN_DPI, static_cast<int>(m_dpi));
+    return width == m_scale(m_widths[column]) ? m_widths[column] : m_scale.Undo(width);
 }
 
 void ListHeader::Save() {
@@ -72,7 +71,7 @@ void ListHeader::Save() {
     ColumnsState state{GivenOrder(m_columns.size()), {}};
     m_list.Send(LVM_GETCOLUMNORDERARRAY, state.order.size(), reinterpret_cast<LPARAM>(state.order.data()));
     for (std::size_t i = 0; i < m_columns.size(); ++i)
-        state.widths.push_back(WidthAtUsualDpi(i));
+        state.widths.push_back(UsualWidth(i));
     std::string line = WriteColumns(state);
     if (line == m_saved) return;
     WriteRecovered(RecoveryFile::userSettings, kSection, m_name, line);
@@ -87,11 +86,11 @@ void ListHeader::Reset() {
 }
 
 void ListHeader::Rescale() {
-    const UINT dpi = m_list.Dpi();
-    if (dpi == m_dpi) return;
+    const framework::TextScale scale = m_list.Scale();
+    if (scale == m_scale) return;
     for (std::size_t i = 0; i < m_widths.size(); ++i)
-        m_widths[i] = WidthAtUsualDpi(i);
-    m_dpi = dpi;
+        m_widths[i] = UsualWidth(i);
+    m_scale = scale;
     SetWidths();
 }
 
@@ -141,8 +140,7 @@ LRESULT ListHeader::Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std:
 }
 
 void ListHeader::DrawFunnel(HDC device, RECT cell, bool atLeft) const {
-    const auto scaled = [&](int pixels) { return framework::Scaled(pixels, m_dpi); };
-    const int side = scaled(9), gap = scaled(4);
+    const int side = m_scale(9), gap = m_scale(4);
     const int left = atLeft ? cell.left + gap : cell.right - gap - side;
     const int top = (cell.top + cell.bottom - side) / 2, middle = left + side / 2;
     const POINT funnel[] = {{left, top},

@@ -1,5 +1,5 @@
-// The list's columns in the control: as given, as the user ordered and sized them, at the window's DPI, with
-// arrows for the sort and a funnel where a filter is. Texts and formats of the columns never change.
+// The list's columns in the control: as given, as the user ordered and sized them, at the window's DPI and
+// font, with arrows for the sort and a funnel where a filter is. Texts and formats of the columns never change.
 #pragma once
 
 #include "framework/Window.h"
@@ -17,7 +17,7 @@ class ListHeader {
 public:
     struct Column {
         std::string heading;
-        int width; // pixels at 96 DPI
+        int width; // pixels at 96 DPI and 8 points
         bool rightAligned;
         ValueType type;
     };
@@ -36,7 +36,7 @@ public:
 
     void Save();
     void Reset();
-    // To the DPI that the window has now.
+    // To the DPI and font that the window has now.
     void Rescale();
     void ShowSort(const std::vector<SortColumn>& sort) const;
     void Repaint() const { InvalidateRect(Handle(), nullptr, TRUE); }
@@ -45,7 +45,7 @@ public:
 
 private:
     void Insert();
-    int WidthAtUsualDpi(std::size_t column) const;
+    int UsualWidth(std::size_t column) const;
     void Apply(const std::vector<int>& order, const std::vector<int>& widths);
     void SetWidths();
     void DrawFunnel(HDC device, RECT cell, bool atLeft) const;
@@ -53,8 +53,8 @@ private:
     framework::Window m_list;
     std::vector<Column> m_columns;
     std::string m_name, m_saved;
-    std::vector<int> m_widths; // as they were set, at 96 DPI
-    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
+    std::vector<int> m_widths; // as they were set, at 96 DPI and 8 points
+    framework::TextScale m_scale;
 };
 
 } // namespace korvex

@@ -325,6 +325,11 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     case WM_DPICHANGED_AFTERPARENT:
         m_header.Rescale();
         return std::nullopt;
+    case WM_SETFONT: {
+        const LRESULT answer = Default(message, wParam, lParam);
+        m_header.Rescale();
+        return answer;
+    }
     case WM_SYSCOLORCHANGE:
     case WM_SETTINGCHANGE:
         m_sync.RepaintAll();

@@ -64,6 +64,34 @@ TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
     EXPECT_EQ(GetFocus(), box) << "the typing goes on";
 }
 
+TEST_F(ClientSearchWindow, StaysOnTheScreenAndFollowsTheFont) {
+    host.clients.clear();
+    for (int i = 0; i < 100; ++i)
+        host.clients.emplace_back("K" + std::to_string(i), "Client " + std::to_string(i));
+    RECT screen{}, outside{};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &screen, 0);
+    for (const std::intptr_t points : {8, 14, 36}) {
+        host.fontSize = points;
+        plugin->ApplyFont();
+        for (const LONG top : {screen.top, (screen.top + screen.bottom) / 3, screen.bottom - 250}) {
+            SetWindowPos(dialog, nullptr, screen.right - 300, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+            Type("client");
+            ASSERT_TRUE(Opens(VK_DOWN));
+            RECT place{}, field{}, common{};
+            GetWindowRect(GetParent(List()), &place);
+            GetWindowRect(box, &field);
+            SubtractRect(&outside, &place, &screen);
+            EXPECT_TRUE(IsRectEmpty(&outside)) << points << " points, at " << top;
+            const bool boxIsSeen = field.bottom <= screen.bottom;
+            EXPECT_FALSE(boxIsSeen && IntersectRect(&common, &place, &field)) << "what is typed stays in sight";
+            EXPECT_EQ(SendMessageA(List(), LVM_GETCOLUMNWIDTH, 0, 0) > 100, points > 8);
+            probe::PostKey(VK_ESCAPE);
+            probe::Pump();
+            probe::SetEdit(dialog, order::kClientSearch, "");
+        }
+    }
+}
+
 TEST_F(ClientSearchWindow, KeysPickAndDoNotReachTheForm) {
     Type("client");
     ASSERT_TRUE(Opens(VK_RETURN));

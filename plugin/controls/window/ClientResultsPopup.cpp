@@ -1,5 +1,6 @@
 #include "plugin/controls/window/ClientResultsPopup.h"
 
+#include "framework/DialogLayout.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -7,8 +8,6 @@
 namespace planfold {
 
 namespace {
-
-using framework::Scaled;
 
 constexpr UINT kGiveFocusBack = WM_APP + 1;
 
@@ -20,26 +19,23 @@ constexpr Column kColumns[] = {
     {{"Client Name", 150}, &ClientResult::clientName},
 };
 
-constexpr int kPopupWidth = 500; // pixels at 96 DPI, as the rest
+constexpr int kPopupWidth = 500; // pixels at 96 DPI and 8 points, as the rest
 constexpr int kMostHeight = 500;
 constexpr int kRowHeight = 20;
 constexpr int kHeightBesideRows = 50;
 
-// Under the box, or above it when there is no room below; always on the monitor of the box.
-RECT PlaceUnder(HWND box, int count) {
-    const UINT dpi = framework::Window(box).Dpi();
-    const int rows = std::min(count, kMostHeight / kRowHeight);
-    const int width = Scaled(kPopupWidth, dpi);
-    const int height = Scaled(std::min(kMostHeight, rows * kRowHeight + kHeightBesideRows), dpi);
+// Under the box, or above it when there is room only there; cut to the larger side when neither has enough.
+RECT PlaceBeside(HWND box, SIZE wanted) {
     RECT place{};
     GetWindowRect(box, &place);
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoA(MonitorFromWindow(box, MONITOR_DEFAULTTONEAREST), &monitor);
-    const RECT& work = monitor.rcWork;
-    const bool below = place.bottom + height <= work.bottom || place.top - height < work.top;
-    const int left = std::max<int>(work.left, std::min<int>(place.left, work.right - width));
-    const int top = below ? place.bottom : place.top - height;
+    const RECT work = framework::WorkArea(box);
+    const LONG roomBelow = work.bottom - place.bottom, roomAbove = place.top - work.top;
+    const LONG height = std::min({wanted.cy, std::max(roomBelow, roomAbove), work.bottom - work.top});
+    const LONG width = std::min(wanted.cx, work.right - work.left);
+    const LONG left = std::clamp(place.left, work.left, work.right - width);
+    // Of a window that the user moved half off the screen the box may lie outside.
+    const LONG beside = height <= roomBelow ? place.bottom : place.top - height;
+    const LONG top = std::clamp(beside, work.top, work.bottom - height);
     return {left, top, left + width, top + height};
 }
 
@@ -74,13 +70,17 @@ void CPopup::Make(HWND box) {
 
 void CPopup::ShowUnder(HWND box, int count, int selected) {
     if (!Handle()) Make(box);
-    m_list.SetSizes();
     m_list.SetFont(reinterpret_cast<HFONT>(framework::Window(box).Send(WM_GETFONT)));
+    m_list.SetSizes();
     m_list.SetCount(count);
-    m_list.SelectRow(selected);
-    const RECT place = PlaceUnder(box, count);
+    const framework::TextScale scale = m_list.Scale();
+    const int rows = std::min(count, kMostHeight / kRowHeight);
+    const int height = std::min(kMostHeight, rows * kRowHeight + kHeightBesideRows);
+    const RECT place = PlaceBeside(box, {scale(kPopupWidth), scale(height)});
     SetWindowPos(Handle(), HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    // Into view in the size that it has now.
+    m_list.SelectRow(selected);
 }
 
 std::optional<LRESULT> CPopup::OnMessage(UINT message, WPARAM, LPARAM lParam) {
@@ -103,6 +103,8 @@ std::optional<LRESULT> CPopup::OnNotify(const NMHDR& notification) {
     case LVN_GETDISPINFOA:
         FillCell(reinterpret_cast<NMLVDISPINFOA&>(const_cast<NMHDR&>(notification)).item);
         return 0;
+    case NM_CUSTOMDRAW:
+        return DrawRow(reinterpret_cast<NMLVCUSTOMDRAW&>(const_cast<NMHDR&>(notification)));
     case LVN_ITEMCHANGED:
         m_search.OnSelected(m_list.SelectedRow());
         return 0;
@@ -117,6 +119,17 @@ std::optional<LRESULT> CPopup::OnNotify(const NMHDR& notification) {
     default:
         return std::nullopt;
     }
+}
+
+// The keyboard is the box's, and a list without it would draw its selection as one that does not count.
+LRESULT CPopup::DrawRow(NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
+    if (static_cast<int>(draw.nmcd.dwItemSpec) != m_list.SelectedRow()) return CDRF_DODEFAULT;
+    draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+    draw.clrText = GetSysColor(COLOR_HIGHLIGHTTEXT);
+    draw.clrTextBk = GetSysColor(COLOR_HIGHLIGHT);
+    return CDRF_DODEFAULT;
 }
 
 void CPopup::FillCell(LVITEMA& item) const {

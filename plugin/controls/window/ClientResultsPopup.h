@@ -12,7 +12,7 @@ public:
     using ReportList::ReportList;
 
     void AddColumns() const;
-    // For the DPI that the list is shown at.
+    // For the DPI and font that the list is shown in.
     void SetSizes() const;
 };
 
@@ -35,6 +35,7 @@ private:
     void OnDestroyed() override { m_list = CResultsList(); }
     void Make(HWND box);
     void FillCell(LVITEMA& item) const;
+    LRESULT DrawRow(NMLVCUSTOMDRAW& draw) const;
 
     const Session& m_session;
     ClientSearch& m_search;

@@ -55,8 +55,8 @@ void CSIPOrderHistoryDlg::LayOut(UINT dpi) {
     RememberPlaces();
     const SIZE frame = FrameSize();
     if (normal)
-        SetWindowPos(Handle(), nullptr, 0, 0, m_ownSize.cx + frame.cx + larger.cx,
-                     m_ownSize.cy + frame.cy + larger.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+        framework::ResizeOnScreen(Handle(),
+                                  {m_ownSize.cx + frame.cx + larger.cx, m_ownSize.cy + frame.cy + larger.cy});
     Arrange();
 }
 
