@@ -49,6 +49,7 @@ int FakeControl::Subscribe(std::uint64_t*, const std::uint32_t* tags, const QmxD
         line +=
             (i ? " " : "") + std::to_string(tags[i]) + "=" + (absent ? "-" : std::string(qmx::View(values[i])));
     }
+    ++subscribed;
     m_host.subscriptions.push_back(line);
     error->code = 42;
     return !m_host.refuses;

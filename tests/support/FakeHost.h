@@ -62,7 +62,7 @@ public:
     const int kind;
     CKeloRxNotifierBase* const notifier;
     bool live = true;
-    int stops = 0;
+    int subscribed = 0, stops = 0;
 
 private:
     void Misused();
@@ -104,6 +104,7 @@ struct FakeHost {
     std::string peerIdA = "PEERA", peerIdB = "PEERB";
     std::string uuid = "UUID-1"; // empty: the host gives none
     std::string activeClient;
+    std::string userDirectory = "C:\\user";
     std::vector<std::pair<std::string, std::string>> clients{{"C001", "First Client"},
                                                              {"C002", "Second Client"}};
     std::set<std::string> validAccounts;

@@ -82,9 +82,9 @@ LoadedPlugin::~LoadedPlugin() {
     FreeLibrary(m_module);
 }
 
-void LoadedPlugin::Pick(std::string_view entry, StringManager& hostStrings) const {
+void LoadedPlugin::Pick(std::string_view entry, StringManager& hostStrings, const char* loginId) const {
     PassedString passed(entry, hostStrings);
-    Entry<sdk::plugin::InitVeskPlugin>("InitVeskPlugin")(nullptr, "LOGIN", 3, passed.Hand());
+    Entry<sdk::plugin::InitVeskPlugin>("InitVeskPlugin")(nullptr, loginId, 3, passed.Hand());
     probe::Pump();
 }
 

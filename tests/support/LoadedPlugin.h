@@ -33,7 +33,7 @@ public:
     }
     HMODULE Module() const { return m_module; }
     // One pick of a menu entry, and what it left in the message queue.
-    void Pick(std::string_view entry, StringManager& hostStrings) const;
+    void Pick(std::string_view entry, StringManager& hostStrings, const char* loginId = "LOGIN") const;
     void Exit();
     int Activate(std::string_view client, StringManager& hostStrings) const;
     void ApplyFont() const;

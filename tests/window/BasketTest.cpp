@@ -71,7 +71,7 @@ TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
         plugin->ApplyFont();
         EXPECT_EQ(size().cx > least.cx + 60, points > 8);
         EXPECT_EQ(size().cy == least.cy + 40, points == 8);
-        EXPECT_EQ(HeadingAt(rejected, 1), "Reason 220|");
+        EXPECT_EQ(HeadingAt(rejected, 1), "Reason " + std::to_string(220 * points / 8) + "|");
         for (const char* edit : {"(#1025)", "(#1037)"})
             EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)), 1);
     }

@@ -292,7 +292,10 @@ TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {
                          "Subscription  is failed ,error code : 0|Request Failure|Request Failure|");
         plugin->Exit();
     }
+    host.accounts = {"C001", "C002"};
     Open();
+    EXPECT_EQ(host.Newest(kRxAccountStream).subscribed, 2) << "one for each account";
+    EXPECT_EQ(host.Newest(kRxIdentityStream).subscribed, 1);
     ASSERT_GT(host.controls.size(), 3u);
     for (const int kind : {kRxRequests, kRxIdentityStream, kRxAccountStream})
         EXPECT_EQ(host.controls[host.controls.size() - 3 + static_cast<std::size_t>(kind)].kind, kind);

@@ -148,6 +148,15 @@ TEST_F(ClientSearchWindow, AHundredThousandResultsAreListedAtOnce) {
 }
 
 TEST_F(ClientSearchWindow, TheModeGoesToTheHostAndIsKept) {
+    std::string entries;
+    {
+        const WhenShown menu(probe::OpenMenu, [&](HWND open) {
+            entries = probe::Entries(probe::MenuOf(open));
+            EndMenu();
+        });
+        probe::Press(dialog, kModeButton);
+    }
+    EXPECT_EQ(entries, "Search Mode: All 2024|Search Mode: Client ID 2025|Search Mode: Client Name 2026|-");
     SendMessageA(box, WM_COMMAND, 2026, 0);
     EXPECT_EQ(host.settings["Client_Search_Settings/Planfold Order Entry"], "3");
     Type("second");

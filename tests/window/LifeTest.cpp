@@ -1,6 +1,10 @@
 // What a menu pick does before any window is at work, opening, closing and leaving.
 #include "tests/window/PluginTest.h"
 
+#include <cstring>
+#include <filesystem>
+#include <set>
+
 namespace {
 
 class Life : public PluginTest {
@@ -80,6 +84,35 @@ TEST_F(Life, EveryPickOpensTheHandlesAnewAndExitClosesThemOnce) {
     EXPECT_EQ(Activate(), 0);
     EXPECT_EQ(host.CallsOf("pu_get_UserDirectory"), 1);
     EXPECT_EQ(host.CallsOf("pu_get_non_trading_dates_map"), 1);
+}
+
+TEST_F(Life, ListsAndPositionsAreKeptApartInTheUsersDirectory) {
+    const auto folder = std::filesystem::temp_directory_path() / "planfold-life";
+    std::filesystem::create_directory(folder);
+    host.userDirectory = folder.string();
+    for (const char* entry : {"SIP Basket Entry", "SIP Registration Book"})
+        Pick(entry);
+    plugin->Exit();
+    const auto keys = [&](const char* file, const char* section) {
+        char text[512] = "";
+        GetPrivateProfileStringA(section, nullptr, "", text, sizeof text, (folder / file).string().c_str());
+        std::set<std::string> found;
+        for (const char* key = text; *key; key += std::strlen(key) + 1)
+            found.insert(key);
+        return found;
+    };
+    const std::set<std::string> lists{"SIPBasket", "SIPCancelledBook", "SIPRegistrationBook"};
+    EXPECT_EQ(keys("UserSetting.ini", "Lists"), lists);
+    EXPECT_EQ(keys("DialogPos.ini", "Lists"), std::set<std::string>{});
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(Life, TheActivatedClientIsTheBasketsWhereTheHostTellsNone) {
+    const HiddenExport hidden("pu_get_ActiveClient");
+    OpenOrderEntry();
+    Activate();
+    Pick("SIP Basket Entry");
+    EXPECT_EQ(probe::Text(probe::FindDialog("Planfold Basket Order"), order::kClientSearch), "C001");
 }
 
 TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {

@@ -11,6 +11,8 @@ using probe::Text;
 class OrderEntryWindow : public PluginTest {
 protected:
     void ExpectStartState(HWND dialog) {
+        SYSTEMTIME now{};
+        GetLocalTime(&now);
         struct Row {
             int control;
             const char* text;
@@ -36,7 +38,15 @@ protected:
              {"Exhg-Seg", "Inst Name", "Symbol", "Action", "Order Type", "Product Type", "Invest By", "Amount",
               "Frequency", "Start Date", "Total Period ( < 60 )", " Client ID", "Submit"})
             EXPECT_TRUE(HasChildWithText(dialog, label)) << label;
-        EXPECT_EQ(WireDate(probe::Date(dialog, order::kStartDate)), WireDate(DaysFromNow(1)));
+        const SYSTEMTIME start = probe::Date(dialog, order::kStartDate);
+        EXPECT_EQ(WireDate(start), WireDate(DaysFromNow(1)));
+        EXPECT_NEAR(start.wHour * 60 + start.wMinute, now.wHour * 60 + now.wMinute, 1) << "the time here";
+        // What stands between differs from system to system.
+        char day[16] = "", year[16] = "";
+        std::snprintf(day, sizeof day, "%02d/", start.wDay);
+        std::snprintf(year, sizeof year, "/%d", start.wYear);
+        const std::string shown = Text(dialog, order::kStartDate);
+        EXPECT_TRUE(shown.starts_with(day) && shown.ends_with(year)) << shown;
         for (const int hidden : {order::kCancel, 1006, 1048, 1049, 1050, 1054, 1056})
             EXPECT_FALSE(probe::IsShown(dialog, hidden)) << hidden;
         EXPECT_EQ(boxes.Texts(), "");
@@ -125,6 +135,14 @@ TEST_F(OrderEntryWindow, OffersCustomProductsOfTheSettingsFile) {
     HWND dialog = OpenOrderEntry();
     EXPECT_EQ(Items(dialog, order::kProduct), (Texts{"CNC", "MIS", "NRML"}));
     EXPECT_EQ(Text(dialog, order::kProduct), "CNC");
+    AnswerDefaults();
+    FillGoodOrder(dialog);
+    ASSERT_TRUE(probe::Select(dialog, order::kProduct, "NRML"));
+    // The login of the last pick counts.
+    plugin->Pick("Order Entry", host.strings, "OTHER");
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_NE(host.LastRequest().find(" 64030=NRML "), std::string::npos);
+    EXPECT_NE(host.LastRequest().find(" 31003=OTHER "), std::string::npos);
     Close(dialog);
     std::filesystem::remove_all(folder);
     EXPECT_EQ(Items(OpenOrderEntry(), order::kProduct), Texts{"CNC"}) << "without a settings file";
@@ -137,6 +155,7 @@ TEST_F(OrderEntryWindow, SubmitSendsWhatTheControlsShow) {
                                          {order::kInvestBy, "Quantity"},
                                          {order::kFrequency, "daily"}})
         ASSERT_TRUE(probe::Select(dialog, control, entry)) << entry;
+    EXPECT_TRUE(GetWindowLongA(GetDlgItem(dialog, order::kValue), GWL_STYLE) & ES_NUMBER);
     probe::SetEdit(dialog, order::kValue, "15");
     probe::SetEdit(dialog, order::kPeriod, "60");
     probe::SetEdit(dialog, order::kClientSearch, "C001");
