@@ -134,6 +134,47 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
 }
 
+TEST_F(BasketDialogTest, ARowComesIntoTheFormWhole) {
+    Open();
+    for (const auto& [combo, items] : {std::pair(IDC_SERIES, Texts{"EQ", "BE"}),
+                                       {IDC_SYMBOL, Texts{"ARBORTEX", "INFOCAR", "LUMENBANK"}},
+                                       {IDC_FREQUENCY, Texts{"daily", "weekly", "monthly"}}})
+        view.controls[combo].items = items;
+    Load("C8,nse_cm,BE,LUMENBANK,2902,LUMENBANK-BE,CNC,150050,,monthly,,05/Mar/2027,12,MKT,B,,,,value,\n"
+         "C7,bse_cm,EQ,INFOCAR,500100,INFOCAR,CNC,,7,weekly,,06/Apr/2027,13,MKT,S,,,,qty,\n");
+    const char* const forms[] = {"BSE EQ INFOCAR SWP MARKET C7 CNC Quantity  7 weekly 13 6.4.2027",
+                                 "NSE BE LUMENBANK SIP MARKET C8 CNC Amount 1500.50  monthly 12 5.3.2027"};
+    ASSERT_EQ(view.list.rows.size(), std::size(forms));
+    for (std::size_t i = 0; i < std::size(forms); ++i) {
+        basket.Activate(view.list.rows[i]);
+        std::string form;
+        for (const int id :
+             {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_CLIENT_SEARCH, IDC_PRODUCT,
+              IDC_INVEST_BY, IDC_VALUE, IDC_BASKET_QUANTITY, IDC_FREQUENCY, IDC_PERIOD})
+            form += view.Text(id) + " ";
+        const LocalDateTime date = view.Date(IDC_START_DATE);
+        EXPECT_EQ(form + std::to_string(date.day) + "." + std::to_string(date.month) + "."
+                      + std::to_string(date.year),
+                  forms[i]);
+    }
+    EXPECT_EQ(view.boxes, Texts{});
+}
+
+TEST_F(BasketDialogTest, LinesAreHeldToTheServersLeastPeriodsAndToTheirOwnExchange) {
+    basket.Initialise({});
+    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly"}}, {54101, {"13"}}});
+    Load(Line("C1"));
+    EXPECT_EQ(Taken(view.boxes), Texts{"Minimum SIP value is 13"});
+    EXPECT_TRUE(view.list.rows.empty());
+
+    session.m_dMinSipMonthly = 1;
+    host.scrips.push_back({"bse_cm", "EQ", "ARBORTEX", "599", "ARBORTEX-EQ", "Arbor Textiles"});
+    std::string other = Line("C2", "599");
+    other.replace(other.find("nse_cm"), 6, "bse_cm");
+    Load(Line("C1") + other);
+    EXPECT_EQ(Rows(BasketField::token), "599 1013");
+}
+
 TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Open();
     Add("OLD");

@@ -98,12 +98,29 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     host.requests.pop_back(); // for the frequencies
     EXPECT_EQ(host.requests.size(), 3u);
 
-    // Not confirmed: "N".
-    host.caution = 0;
-    Load(Line("C1"));
-    host.cautionOfRow = {{0, 1}};
+    // Not confirmed, in whatever words: "N".
+    for (const int answer : {0, 2, -1}) {
+        host.caution = answer;
+        Load(Line("N" + std::to_string(answer)));
+        host.cautionOfRow = {{0, 1}};
+        basket.Place();
+        EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos) << answer;
+    }
+}
+
+TEST_F(BasketPlacingTest, AChangedRowIsAnotherOrder) {
+    Open();
+    view.controls[IDC_FREQUENCY].items = {"monthly"};
+    Load(Line("C1") + Line("C2"));
     basket.Place();
-    EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos);
+    EXPECT_EQ(basket.Status()[3], "Sent: 2");
+    const RecordId changed = view.list.rows[0];
+    basket.Activate(changed);
+    view.list.selected = {changed};
+    view.SetText(IDC_VALUE, "60");
+    basket.AddOrModify();
+    EXPECT_EQ(basket.Status()[3], "Sent: 1");
+    EXPECT_FALSE(basket.Rows().IsSent(changed));
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {

@@ -71,6 +71,16 @@ TEST_F(BookActionsTest, CancelAsksOnceAndSendsEveryRowWithTheSameReason) {
               Texts{"0=cancel_sip_order 64804=SIP1 32760=SIP1 20008=  49281=DEALER1 64756= "});
 }
 
+TEST_F(BookActionsTest, ACancellationKeepsTheOrdersSource) {
+    Row("SIP1");
+    const Received streamed({{64804, {"SIP1"}}, {64756, {"MOBILE"}}});
+    book.OnBroadcast(streamed.Message());
+    Select({"SIP1"});
+    view.reason = "r";
+    actions.Cancel();
+    EXPECT_EQ(Taken(host.requests), Texts{CancelRequest("SIP1", "r", "MOBILE")});
+}
+
 TEST_F(BookActionsTest, WhatHappensUnderTheQuestionsIsBorne) {
     Row("SIP1");
     Row("SIP2");

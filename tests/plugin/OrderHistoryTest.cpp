@@ -128,6 +128,7 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         const Received received(Parsed(always + row.fields));
         sOrderHistory record =
             ReadHistoryOrder(received.Message(), AskPriceDivisor(session, received.Message()));
+        sOrderHistory whole = record;
         std::string text, others;
         for (const HistoryField field : open) {
             text += (text.empty() ? "" : " ") + (record[field].empty() ? "-" : record[field]);
@@ -135,6 +136,13 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         }
         for (const std::string& field : record.texts)
             others += field + "|";
+        if (&row == rows) {
+            std::string labels;
+            for (const std::string& label : TakeDetails(whole))
+                labels += label + "|";
+            EXPECT_EQ(labels, "C|NSE|SYM|MARKET|SIP|S|12346.00|9|A B|");
+            EXPECT_EQ(ReadHistoryTrade(received.Message(), 1000)[HistoryField::tradedPrice], "1234.60");
+        }
         EXPECT_EQ(text + (record.fillPending ? " pending" : ""), row.record);
         EXPECT_EQ(others, "U|C|||S|O|done|TWS|now||||10|||||||fine|");
     }

@@ -102,6 +102,11 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
                         "Order Placement TimeStamp 200|05-Mar-2027 10:15|Price 50 right|123.45|"
                         "Quantity 50 right|10|Remarks 100|fine|");
     EXPECT_EQ(probe::Text(history, kChart).substr(0, 10), "Orders: 2,");
+    std::string captions; // each stands before its label, by which it is also read aloud
+    for (int i = 0; i < 9; ++i)
+        captions += probe::Text(GetWindow(GetDlgItem(history, kDetails + i), GW_HWNDPREV)) + "|";
+    EXPECT_EQ(captions, "Client ID|Exchange|Trading Symbol|Order Type|Action|SIP Registration No|Traded Price|"
+                        "Traded Quantity|Fill Details|");
     struct Step {
         const char* what;
         std::function<void()> happens;
