@@ -3,9 +3,9 @@
 #include "bench/Cases.h"
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "sdk/HeapStringManager.h"
+#include "sdk/Tags.h"
 #include "tests/support/ModelList.h"
 
 #include <algorithm>
@@ -134,7 +134,6 @@ private:
 class PeerFill {
 public:
     void Answer(std::string_view number) {
-        namespace tag = planfold::tag;
         constexpr std::uint32_t tags[] = {
             tag::loginId,
             tag::exchange,

@@ -1,7 +1,7 @@
 #include "bench/SampleBook.h"
 
 #include "bench/Cases.h"
-#include "plugin/messaging/Tags.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,6 @@
 namespace bench {
 namespace {
 
-namespace tag = planfold::tag;
 
 constexpr std::uint32_t kFirstSerial = 100'000'000;
 

@@ -8,6 +8,14 @@
 // Failure:  0 from SendRequest or Subscribe, with the error filled.
 //
 // Neither has a virtual destructor: the slot order below is the boundary.
+//
+// Example, a window that asks for its registrations (`m_control` from GetKeloRxControl(kRxRequests, this)):
+//
+//     std::uint64_t number = 0;
+//     QmxError error{};
+//     if (!m_control->SendRequest(&number, message, 0, &error)) ShowMessage("Request Failure");
+//     ...
+//     void OnResponse(void*, void* message, void*) noexcept override { Read(message); }
 #pragma once
 
 #include "sdk/Qmx.h"
@@ -18,9 +26,13 @@ public:
     virtual void Reserved1() = 0;
     virtual void Reserved2() = 0;
     virtual void Reserved3() = 0;
-    // Sends the message built in a message handle; it is copied before the call returns.
+    // Sends the message built in a message handle; it is copied before the call returns. Non-zero says that it
+    // was taken, not that it arrived. `requestNumber` is the host's own and matches no answer: answers are
+    // matched by the request name that they echo.
     virtual int SendRequest(std::uint64_t* requestNumber, void* message, int zero, QmxError* error) = 0;
-    // Values belong to the tags of the same position. `self` is the control itself.
+    // Streams every message that has all these values; values belong to the tags of the same position, and an
+    // absent value (null, 0) matches any. `self` is the control itself; `out` receives a number of the host's
+    // own. Several subscriptions of one control add up.
     virtual int Subscribe(std::uint64_t* out, const std::uint32_t* tags, const QmxDatum* values,
                           std::uint32_t count, RxControl* self, int zeroA, int zeroB, int one,
                           QmxError* error) = 0;
@@ -33,7 +45,7 @@ public:
     virtual void Reserved12() = 0;
     virtual void Reserved13() = 0;
     virtual void Reserved14() = 0;
-    // Ends the control's subscriptions.
+    // Ends the control's subscriptions; what already waits is not delivered any more. Non-zero for success.
     virtual int Stop(int zero) = 0;
 
 protected:
@@ -42,16 +54,18 @@ protected:
 
 // The first argument of GetKeloRxControl.
 enum RxControlKind : int {
-    kRxRequests = 0,
-    kRxIdentityStream = 1,
-    kRxAccountStream = 2,
+    kRxRequests = 0,       // requests and their answers
+    kRxIdentityStream = 1, // the stream of the user's own registrations
+    kRxAccountStream = 2,  // the stream of the user's or the accounts' registrations, by name
 };
 
 class CKeloRxNotifierBase {
 public:
-    // A stream message of a subscription.
+    // A stream message of a subscription; only `message` is used. It has the tags of a registration that
+    // changed (Tags.h), not necessarily all of them.
     virtual void OnBroadcast(void* message, std::uint32_t value, void* context) = 0;
-    // The answer to a request; only `message` is used.
+    // An answer to a request, one call a row; only `message` is used. tag::echoedRequest names the request,
+    // tag::errorCode says that it failed.
     virtual void OnResponse(void* sender, void* message, void* context) = 0;
 
 protected:

@@ -1,4 +1,4 @@
-#include "host/korvexcontrols/CommonListCtrl.h"
+#include "sdk/korvex/CommonListCtrl.h"
 
 #include "framework/Guard.h"
 #include "host/korvexcontrols/RecoveryFiles.h"

@@ -1,4 +1,4 @@
-#include "host/korvexcontrols/FilterListCtrl.h"
+#include "sdk/korvex/FilterListCtrl.h"
 
 #include "framework/Guard.h"
 #include "host/korvexcontrols/ListWindow.h"

@@ -1,4 +1,4 @@
-#include "host/korvexcontrols/FlatSplitterWnd.h"
+#include "sdk/korvex/FlatSplitterWnd.h"
 
 #include "framework/CustomWindow.h"
 #include "framework/Guard.h"

@@ -1,7 +1,9 @@
 // The colours of rows.
 #pragma once
 
-#include "host/korvexcontrols/FilterListCtrl.h"
+#include "sdk/korvex/FilterListCtrl.h"
+
+#include <windows.h>
 
 #include <commctrl.h>
 

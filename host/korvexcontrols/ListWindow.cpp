@@ -64,8 +64,8 @@ bool CFilterListCtrl::Impl::Attach(const Args& args) {
     std::vector<korvex::ListHeader::Column> columns;
     for (std::int32_t i = 0; i < args.columnCount; ++i) {
         const KorvexColumn& column = args.columns[i];
-        columns.push_back({column.heading ? column.heading : "", column.width, column.rightAligned != 0,
-                           static_cast<korvex::ValueType>(column.valueType)});
+        columns.push_back(
+            {column.heading ? column.heading : "", column.width, column.rightAligned != 0, column.valueType});
     }
     m_header.Attach(args.list, std::move(columns), m_name);
     constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP;

@@ -7,11 +7,11 @@
 #include "framework/MessageBoxes.h"
 #include "framework/Subclass.h"
 #include "host/korvexcontrols/FilterDialog.h"
-#include "host/korvexcontrols/FilterListCtrl.h"
 #include "host/korvexcontrols/FindDialog.h"
 #include "host/korvexcontrols/ListHeader.h"
 #include "host/korvexcontrols/ListSync.h"
 #include "host/korvexcontrols/model/Export.h"
+#include "sdk/korvex/FilterListCtrl.h"
 
 class CFilterListCtrl::Impl final : private korvex::CellSource, private framework::Subclass {
 public:

@@ -1,4 +1,4 @@
-#include "host/korvexcontrols/QVBrickBar.h"
+#include "sdk/korvex/QVBrickBar.h"
 
 #include "framework/Guard.h"
 #include "framework/Subclass.h"

@@ -1,9 +1,9 @@
 #include "plugin/basket/Basket.h"
 
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <utility>
@@ -196,7 +196,7 @@ void Basket::Export() {
     const BasketList& list = m_view.List();
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         AppendBasketLine(m_rows[list.RecordAt(row)], text);
-    if (m_view.ReplaceFile(*path, text))
+    if (m_view.WriteFileWhole(*path, text))
         m_view.ShowMessage("Exported to File Successfully");
     else
         m_view.ShowMessage(" Basket File Write Error: File Open Error");
@@ -210,7 +210,7 @@ void Basket::SaveRejected() {
     std::string text;
     for (const RejectedLine& line : m_rejected)
         text.append(line.text).push_back('\n');
-    if (!m_view.ReplaceFile(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
+    if (!m_view.WriteFileWhole(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
 }
 
 void Basket::Place() {

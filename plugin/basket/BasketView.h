@@ -50,7 +50,7 @@ public:
     virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
     // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's
     // line ends.
-    virtual bool ReplaceFile(const std::string& path, std::string_view text) = 0;
+    virtual bool WriteFileWhole(const std::string& path, std::string_view text) = 0;
     virtual void ShowWaiting(bool waiting) = 0;
     // What stands in the status line, or on the rejected lines' panel, is no longer true.
     virtual void ShowStatus() = 0;

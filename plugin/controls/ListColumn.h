@@ -1,10 +1,11 @@
 // What the columns of the plug-in's lists have in common.
 #pragma once
 
+#include "sdk/korvex/ValueType.h"
+
 namespace planfold {
 
-// What a column holds, as the filter list counts them.
-enum class ValueType : int { number = 1, text = 3, amount = 9, identifier = 11 };
+using korvex::ValueType;
 enum class Align { left, right };
 
 // `Field` names what the records hold.

@@ -4,8 +4,8 @@
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/HostScrips.h"
 #include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "plugin/history/HistoryRequests.h"
 
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Tags.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
 

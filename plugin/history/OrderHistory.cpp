@@ -1,7 +1,7 @@
 #include "plugin/history/OrderHistory.h"
 
 #include "plugin/history/HistoryRequests.h"
-#include "plugin/messaging/Tags.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <utility>

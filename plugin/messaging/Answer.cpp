@@ -1,8 +1,8 @@
 #include "plugin/messaging/Answer.h"
 
 #include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
 

@@ -1,7 +1,7 @@
 #include "plugin/messaging/Session.h"
 
-#include "plugin/messaging/Tags.h"
 #include "sdk/CStringArray.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "plugin/messaging/Subscriptions.h"
 
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 #include <initializer_list>
 #include <vector>

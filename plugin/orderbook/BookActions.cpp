@@ -1,9 +1,9 @@
 #include "plugin/orderbook/BookActions.h"
 
 #include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderbook/BookMenu.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <set>

@@ -2,8 +2,8 @@
 
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 #include <chrono>
 

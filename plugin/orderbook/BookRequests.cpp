@@ -1,8 +1,8 @@
 #include "plugin/orderbook/BookRequests.h"
 
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
 

@@ -1,12 +1,12 @@
 #include "plugin/orderbook/OrderBook.h"
 
 #include "plugin/messaging/Subscriptions.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderbook/BookColumns.h"
 #include "plugin/orderbook/BookQueries.h"
 #include "plugin/orderbook/OrderRow.h"
 #include "plugin/orderentry/OperationMode.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
 

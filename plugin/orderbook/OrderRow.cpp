@@ -3,7 +3,7 @@
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Tags.h"
+#include "sdk/Tags.h"
 
 #include <array>
 #include <charconv>

@@ -3,8 +3,8 @@
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
 

@@ -2,10 +2,10 @@
 
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
 

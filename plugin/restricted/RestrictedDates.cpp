@@ -2,8 +2,8 @@
 
 #include "plugin/messaging/Numbers.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Tags.h"
 #include "plugin/resources/resource.h"
+#include "sdk/Tags.h"
 
 #include <string>
 

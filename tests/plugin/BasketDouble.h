@@ -64,7 +64,7 @@ public:
         const auto file = files.find(name);
         return file == files.end() ? std::nullopt : std::optional(file->second);
     }
-    bool ReplaceFile(const std::string& name, std::string_view text) override {
+    bool WriteFileWhole(const std::string& name, std::string_view text) override {
         if (writable) files[name] = text;
         return writable;
     }

@@ -1,8 +1,8 @@
 // A test with the shared list over a real control, in a window of its own.
 #pragma once
 
-#include "host/korvexcontrols/FilterListCtrl.h"
 #include "sdk/HeapStringManager.h"
+#include "sdk/korvex/FilterListCtrl.h"
 #include "tests/support/BoxRecorder.h"
 #include "tests/support/WindowProbe.h"
 
@@ -37,8 +37,9 @@ enum Command : std::uint32_t {
 };
 inline constexpr int kFilterOperator = 2102, kFilterValue = 2104, kFilterFault = 2107, kFilterClear = 2108;
 inline constexpr int kFindText = 2202, kFindNotice = 2204;
-inline constexpr KorvexColumn kColumns[] = {
-    {"Symbol", 120, 0, kKorvexTextValue}, {"Amount", 80, 1, kKorvexAmount}, {"State", 90, 0, kKorvexTextValue}};
+inline constexpr KorvexColumn kColumns[] = {{"Symbol", 120, 0, korvex::ValueType::text},
+                                            {"Amount", 80, 1, korvex::ValueType::amount},
+                                            {"State", 90, 0, korvex::ValueType::text}};
 
 inline std::string Read(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);

@@ -1,6 +1,6 @@
 // The shared splitter between two panes of a plain window.
-#include "host/korvexcontrols/FlatSplitterWnd.h"
 #include "sdk/HeapStringManager.h"
+#include "sdk/korvex/FlatSplitterWnd.h"
 #include "tests/support/WindowProbe.h"
 
 #include <gtest/gtest.h>

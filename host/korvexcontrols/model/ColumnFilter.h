@@ -2,13 +2,12 @@
 #pragma once
 
 #include "host/korvexcontrols/model/Decimal.h"
+#include "sdk/korvex/ValueType.h"
 
 #include <span>
 #include <string>
 
 namespace korvex {
-
-enum class ValueType : std::int32_t { number = 1, text = 3, amount = 9, identifier = 11 };
 
 // What is no number or amount is text.
 inline bool IsNumeric(ValueType type) {

@@ -292,7 +292,7 @@ std::optional<std::string> CBasketUpload::ReadFile(const std::string& path) {
     return framework::ReadWhole(path);
 }
 
-bool CBasketUpload::ReplaceFile(const std::string& path, std::string_view text) {
+bool CBasketUpload::WriteFileWhole(const std::string& path, std::string_view text) {
     return framework::WriteWhole(path, framework::WithLineEnds(text)).empty();
 }
 

@@ -1,8 +1,6 @@
 // The basket window.
 #pragma once
 
-#include "host/korvexcontrols/FlatSplitterWnd.h"
-#include "host/korvexcontrols/QVBrickBar.h"
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
@@ -10,6 +8,8 @@
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/window/SipFormControls.h"
+#include "sdk/korvex/FlatSplitterWnd.h"
+#include "sdk/korvex/QVBrickBar.h"
 
 namespace planfold {
 
@@ -45,7 +45,7 @@ private:
     std::optional<std::string> AskExportPath() override;
     std::optional<std::string> AskRejectsPath() override;
     std::optional<std::string> ReadFile(const std::string& path) override;
-    bool ReplaceFile(const std::string& path, std::string_view text) override;
+    bool WriteFileWhole(const std::string& path, std::string_view text) override;
     void ShowWaiting(bool waiting) override;
     void ShowStatus() override;
     void ShowRejected() override;

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "framework/Subclass.h"
-#include "host/korvexcontrols/FilterListCtrl.h"
 #include "plugin/controls/ListColumn.h"
 #include "plugin/controls/RecordId.h"
+#include "sdk/korvex/FilterListCtrl.h"
 
 #include <span>
 #include <vector>
@@ -16,8 +16,7 @@ template <class Column>
 std::vector<KorvexColumn> ListColumns(std::span<const Column> columns) {
     std::vector<KorvexColumn> result;
     for (const Column& column : columns)
-        result.push_back({column.heading, column.width, column.align == Align::right,
-                          static_cast<std::int32_t>(column.type)});
+        result.push_back({column.heading, column.width, column.align == Align::right, column.type});
     return result;
 }
 

@@ -1,8 +1,10 @@
 // The menu of a list's rows: the plug-in's entries, and between two separators the list's own.
 #pragma once
 
-#include "host/korvexcontrols/FilterListCtrl.h"
 #include "plugin/controls/MenuEntry.h"
+#include "sdk/korvex/FilterListCtrl.h"
+
+#include <windows.h>
 
 #include <span>
 

@@ -4,12 +4,12 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "host/korvexcontrols/FilterListCtrl.h"
-#include "host/korvexcontrols/FlatSplitterWnd.h"
 #include "plugin/controls/window/RowMenu.h"
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
 #include "plugin/messaging/RxLink.h"
+#include "sdk/korvex/FilterListCtrl.h"
+#include "sdk/korvex/FlatSplitterWnd.h"
 
 #include <map>
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "framework/Guard.h"
-#include "host/korvexcontrols/FilterListCtrl.h"
 #include "plugin/controls/window/FilterList.h"
 #include "plugin/orderbook/BookColumns.h"
 #include "plugin/orderbook/BookView.h"
+#include "sdk/korvex/FilterListCtrl.h"
 
 #include <functional>
 #include <span>

@@ -3,12 +3,12 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "host/korvexcontrols/QVBrickBar.h"
 #include "plugin/controls/window/RowMenu.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "plugin/orderbook/window/BookListWindow.h"
 #include "plugin/orderbook/window/RejectReasonDlg.h"
+#include "sdk/korvex/QVBrickBar.h"
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 #include "plugin/shell/window/ControlBlock.h"
 
-#include "host/korvexcontrols/CommonListCtrl.h"
 #include "plugin/shell/Globals.h"
 #include "plugin/shell/HostCheck.h"
+#include "sdk/korvex/CommonListCtrl.h"
 
 namespace planfold {
 

@@ -7,9 +7,9 @@
 // Thread: the GUI thread. Nothing throws across.
 #pragma once
 
-#include "host/korvexcontrols/CommonListCtrl.h"
-
-#include <windows.h>
+#include "sdk/HostWindow.h"
+#include "sdk/korvex/CommonListCtrl.h"
+#include "sdk/korvex/ValueType.h"
 
 #include <cstdint>
 
@@ -21,19 +21,11 @@ struct KorvexText {
     std::uint32_t length;
 };
 
-// What a column holds, for filters, sort and export.
-enum KorvexValueType : std::int32_t {
-    kKorvexNumber = 1,
-    kKorvexTextValue = 3,
-    kKorvexAmount = 9,
-    kKorvexIdentifier = 11,
-};
-
 struct KorvexColumn {
     const char* heading;
-    std::int32_t width; // pixels at 96 DPI
-    std::int32_t rightAligned;
-    std::int32_t valueType;
+    std::int32_t width;        // pixels at 96 DPI and 8 points
+    std::int32_t rightAligned; // 0 or 1
+    korvex::ValueType valueType;
 };
 
 // How a row is drawn. Only a help to the eye: what it says stands in a cell as well. System colours in high
@@ -66,7 +58,7 @@ protected:
 class KORVEX_API CFilterListCtrl : public CCommonListCtrl {
 public:
     struct Args {
-        HWND list;        // a SysListView32 in report style with LVS_OWNERDATA
+        HostWindow list;  // a SysListView32 in report style with LVS_OWNERDATA
         const char* name; // under which columns and widths are remembered
         CListOwner* owner;
         const KorvexColumn* columns; // copied
@@ -82,7 +74,7 @@ public:
     // Makes the columns (as the user left them) and takes the control over, until its window ends. False when
     // the system refuses.
     bool Attach(const Args& args) noexcept;
-    HWND Handle() const noexcept;
+    HostWindow Handle() const noexcept;
 
     // Rows. An unknown record is ignored; one that stands already is repainted.
     // The row takes the focus, unselected, without scrolling.
@@ -113,11 +105,11 @@ public:
     void SetOwnerFilter(std::int32_t column, const char* text) noexcept;
 
     // The list's own entries (copy, find, filters, sort, export), behind what the menu holds.
-    void AppendMenuEntries(HMENU menu) noexcept;
+    void AppendMenuEntries(HostMenu menu) noexcept;
     // True when the command was one of the list's own.
     bool HandleCommand(std::uint32_t command) noexcept;
     // For WM_NOTIFY of the parent: true when the notification was the list's affair and `result` is its answer.
-    bool HandleNotify(const NMHDR* notification, LRESULT* result) noexcept;
+    bool HandleNotify(const HostNotification* notification, HostResult* result) noexcept;
 
 private:
     class Impl;

@@ -5,22 +5,31 @@
 // The parent places its panes itself: it calls Place when its own size changes, and puts the panes into First
 // and Second then and whenever the bar sends it WM_NOTIFY with kKorvexSplitterMoved.
 //
-// Thread: the GUI thread. Nothing throws across.
+// Thread:   the GUI thread. Nothing throws across.
+// Owner:    the object is its maker's; its window belongs to the parent and goes with it.
+// Failure:  false from Create; without a window both panes are empty.
+//
+// Example, with the list above and the chart below:
+//
+//     splitter.Create({dialog, list, 1302, "SIPOrderHistory", 45, 60, 140});
+//     splitter.Place(area);
+//     Move(list, splitter.First());
+//     Move(chart, splitter.Second());
 #pragma once
 
-#include "host/korvexcontrols/CommonListCtrl.h"
-
-#include <windows.h>
+#include "sdk/HostWindow.h"
+#include "sdk/korvex/CommonListCtrl.h"
 
 #include <cstdint>
 
-constexpr UINT kKorvexSplitterMoved = 0x4B01;
+// The code of the notification that tells the parent of a move.
+constexpr std::uint32_t kKorvexSplitterMoved = 0x4B01;
 
 class KORVEX_API CFlatSplitterWnd {
 public:
     struct Args {
-        HWND parent;
-        HWND behind; // the control that it follows in the tab order
+        HostWindow parent;
+        HostWindow behind; // the control that it follows in the tab order
         std::int32_t id;
         const char* name;        // under which the place is remembered
         std::int32_t firstShare; // of a hundred, for the upper pane, until the user moves the bar
@@ -35,12 +44,13 @@ public:
 
     // False when the system refuses. Its window lives as long as the parent's; then it may be created again.
     bool Create(const Args& args) noexcept;
-    HWND Handle() const noexcept;
+    HostWindow Handle() const noexcept;
 
     // Shares the area, in the parent's coordinates, among both panes and the bar. Tells nobody.
-    void Place(const RECT& area) noexcept;
-    RECT First() const noexcept;
-    RECT Second() const noexcept;
+    void Place(const HostRect& area) noexcept;
+    // Where the panes go, in the parent's coordinates.
+    HostRect First() const noexcept;
+    HostRect Second() const noexcept;
 
 private:
     class Impl;
