@@ -74,6 +74,7 @@ enum class Verb : std::size_t {
     execute,
     fault,
     dpi,
+    locale,
     measure,
     dock,
     hidePane,
