@@ -114,6 +114,7 @@ int Run(std::span<const char* const> words) {
     opening.records.clear();
     opening.text.reset();
     server.SetPrices(PricesOf(market.master));
+    server.SetClients(ClientsOf(market.clients));
     if (const std::string note = server.CompactWhenStale(); !note.empty()) Note(note);
     return Serve(server, options.port, market);
 }

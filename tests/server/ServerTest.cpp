@@ -9,7 +9,8 @@ namespace {
 const Fields kAskMode{{kTagRequestName, "get_sip_operation_mode"}};
 using Answers = std::vector<std::string>;
 const char* const kRegistered =
-    "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1";
+    "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1"
+    " 64804=SIP2603020000001";
 
 TEST(Server, OperationModeIsAnsweredInEveryShape) {
     const TemporaryFolder folder;
@@ -39,7 +40,8 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     std::string record;
     {
         RunningServer running(path);
-        EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
+        EXPECT_EQ(running.Ask(Order({{kTagCautionary, "Y"}})), Answers{kRegistered});
+        EXPECT_EQ(running.server->Registrations()[0].Text(kTagCautionary), "Y");
         record = running.server->Find("SIP2603020000001")->Json();
         EXPECT_EQ(FileText(path), JournalLine(record));
     }
@@ -67,6 +69,9 @@ TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
     RunningServer running(folder.File("journal"));
     EXPECT_EQ(running.Ask(Order({{kTagSide, "X"}})),
               Answers{"32767=add_sip_orders 32766=102 20008=The side cannot be \"X\""});
+    running.server->SetClients([](std::string_view account) { return account == "CL1"; });
+    EXPECT_EQ(running.Ask(Order({{kTagAccount, "CL2"}})),
+              Answers{"32767=add_sip_orders 32766=109 20008=There is no client CL2"});
     EXPECT_EQ(running.Ask({{kTagRequestName, "who_knows"}}),
               Answers{"32767=who_knows 32766=100 20008=The server does not know this request"});
     EXPECT_EQ(running.Ask({{1, "no name"}}),

@@ -42,6 +42,7 @@ void EmbeddedLink::StartServer(JournalOpening opening, ServerConfig config, std:
     config.nonTrading = DatesOf(m_state.calendar.Dates());
     m_server = std::make_unique<Server>(std::move(config), *m_journal, opening.records, SystemClock());
     m_server->SetPrices(PricesOf(m_state.master));
+    m_server->SetClients(ClientsOf(m_state.clients));
     if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
     const std::size_t records = opening.records.size();
     opening.records.clear();
