@@ -82,6 +82,18 @@ TEST_F(Life, EveryPickOpensTheHandlesAnewAndExitClosesThemOnce) {
     EXPECT_EQ(host.CallsOf("pu_get_non_trading_dates_map"), 1);
 }
 
+TEST_F(Life, ThePluginGivesNothingBackAtTheEndOfTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // the plug-in is loaded anew
+    EXPECT_EXIT(
+        {
+            for (const char* entry : {"Order Entry", "SIP Basket Entry", "SIP Registration Book"})
+                Pick(entry);
+            host.ended = true;
+            ExitProcess(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
     LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = true;
     Close(OpenOrderEntry());
