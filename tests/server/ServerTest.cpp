@@ -101,10 +101,17 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
         const char* text;
         const char* error;
     } rows[] = {
-        {"", "s:1: not valid JSON"},
-        {"{\n\"faults\": {\n,", "s:3: not valid JSON"},
-        {"[]", "s:1: \"configuration\" must be an object"},
+        {"", "s:1: this is not JSON"},
+        {"{\n\"faults\": {\n,", "s:3: this is not JSON"},
+        {"[]", "s:1: an object { } is expected"},
         {"{\n\"fault\": {}}", "s:2: unknown setting \"fault\""},
+        {"{\n\"fills\": {\"rejected: 1\n}}", "s:2: this is not JSON"},
+        {"{\n\"fills\": {\"rejected\": 1\n\n", "s:2: this is not JSON"},
+        {"{\"faults\": {\n\"a\": {\"error\": \"9\"},\n\"b\": {\"error\": 9\n}}}",
+         "s:3: \"error\" must be a text"},
+        {"{\"operationMode\": {\"frequencies\": [{\"name\": \"minimum\"},\n{\"name\": \"b\",\n\"minimum\": "
+         "-1}]}}",
+         "s:3: \"minimum\" must lie between 0 and 100000"},
         {"{\"faults\": []}", "s:1: \"faults\" must be an object"},
         {"{\"faults\":\n{\"a\": {\n\"error\": 5}}}", "s:3: \"error\" must be a text"},
         {"{\"faults\": {\"a\": {\"delayMs\": -1}}}", "s:1: \"delayMs\" must be a whole number of milliseconds"},

@@ -236,7 +236,7 @@ std::string ScriptCommand::Text() const {
 }
 
 Loaded<Script> Script::Load(const std::string& path) {
-    Loaded<std::string> text = ReadWholeFile(path);
+    Loaded<std::string> text = ReadTextFile(path);
     if (!text) return text.Fault();
     return Parse(text.Value(), path);
 }
