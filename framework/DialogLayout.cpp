@@ -20,7 +20,7 @@ void MatchEditHeight(HWND control, SIZE base) {
     constexpr LONG editUnits = 13;
     char className[16] = "";
     GetClassNameA(control, className, sizeof className);
-    if (lstrcmpiA(className, WC_COMBOBOXA) != 0) return;
+    if (std::string_view(className) != WC_COMBOBOXA) return;
     constexpr auto field = static_cast<WPARAM>(-1);
     RECT place{};
     GetWindowRect(control, &place);

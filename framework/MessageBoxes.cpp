@@ -53,8 +53,12 @@ MessageBoxes::Hold::~Hold() {
         while (!m_boxes.m_held.empty()) {
             const Text held = std::move(m_boxes.m_held.front());
             m_boxes.m_held.pop_front();
-            m_boxes.Show(held.owner, held.text);
+            if (m_then == Then::each)
+                m_boxes.Show(held.owner, held.text);
+            else
+                m_boxes.m_pending.Add(held.owner, held.text);
         }
+        if (!m_boxes.m_open) m_boxes.ShowPending();
     });
 }
 

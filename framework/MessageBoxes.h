@@ -30,17 +30,22 @@ public:
     // Drops every text that waits.
     void Forget();
 
-    // While one lives, texts are kept; after the last each is shown in a box of its own. For code that a
-    // message loop must not enter.
+    // While one lives, texts are kept; after the last each is shown in a box of its own, or all of a window
+    // together. For code that a message loop must not enter.
     class Hold {
     public:
-        explicit Hold(MessageBoxes& boxes) : m_boxes(boxes) { ++m_boxes.m_holds; }
+        enum class Then { each, together };
+
+        explicit Hold(MessageBoxes& boxes, Then then = Then::each) : m_boxes(boxes), m_then(then) {
+            ++m_boxes.m_holds;
+        }
         Hold(const Hold&) = delete;
         Hold& operator=(const Hold&) = delete;
         ~Hold();
 
     private:
         MessageBoxes& m_boxes;
+        Then m_then;
     };
 
 private:

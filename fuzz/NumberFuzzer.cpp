@@ -1,9 +1,12 @@
-// Numbers out of any text: the same as the C library reads, and prices whose range is judged with a reason.
+// Numbers out of any text and back into one: as the C library reads and writes them, and prices whose range is
+// judged with a reason.
 
+#include "base/Format.h"
 #include "fuzz/Fuzz.h"
 #include "plugin/messaging/Numbers.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 using fuzz::Demand;
@@ -28,6 +31,15 @@ void CheckPrice(const std::string& text, const ScripDetails* details) {
     Demand(planfold::FormatMaxPrice(largest, details) == (details != nullptr));
 }
 
+void CheckFormat(double value, int decimals) {
+    char fixed[400], general[64];
+    std::snprintf(fixed, sizeof fixed, "%020.*f", decimals, value);
+    std::snprintf(general, sizeof general, "%-24.*g", decimals + 1, value);
+    // Zeros in front of a word are what each C library makes of it.
+    if (std::isfinite(value)) Demand(base::Format("%020.*f", decimals, value) == fixed);
+    Demand(base::Format("%-24.*g", decimals + 1, value) == general);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -43,6 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Demand(planfold::LeadingReal(text) == std::strtod(text.c_str(), nullptr));
     }
     Demand(!std::isnan(planfold::LeadingReal(text)));
+    CheckFormat(planfold::LeadingReal(text), details.decimals & 15);
     CheckPrice(text, nullptr);
     CheckPrice(text, &details);
     return 0;

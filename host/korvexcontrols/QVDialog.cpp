@@ -2,7 +2,7 @@
 
 #include "host/korvexcontrols/RecoveryFiles.h"
 
-#include <cstdio>
+#include <charconv>
 
 namespace korvex {
 namespace {
@@ -38,7 +38,10 @@ std::optional<LRESULT> CQVDialog::OnMessage(UINT message, WPARAM, LPARAM) {
 void CQVDialog::Place() const {
     int left = 0, top = 0;
     const std::string kept = ReadRecovered(RecoveryFile::dialogPositions, kSection, m_name);
-    if (std::sscanf(kept.c_str(), "%d,%d", &left, &top) != 2) return;
+    const char* const end = kept.data() + kept.size();
+    const auto read = std::from_chars(kept.data(), end, left);
+    if (read.ec != std::errc() || read.ptr == end || *read.ptr != ',') return;
+    if (std::from_chars(read.ptr + 1, end, top).ec != std::errc()) return;
     RECT rect{};
     GetWindowRect(Handle(), &rect);
     OffsetRect(&rect, left - rect.left, top - rect.top);

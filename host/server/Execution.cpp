@@ -56,8 +56,8 @@ std::vector<Date> Server::OpenDays(const Registration& registration, std::size_t
 
 Reply Server::StartExecutionQuery(const ExecutionQuery& kind, void* request, const UserIdentity& user) {
     const Registration* registration = nullptr;
-    if (const auto refusal = FindNamed(request, registration)) return Refuse(kind.request, *refusal);
-    if (!MaySee(user, *registration)) return Refuse(kind.request, OtherUser());
+    if (const auto refusal = FindNamed(request, registration)) return Refuse(request, *refusal);
+    if (!MaySee(user, *registration)) return Refuse(request, OtherUser());
     RowQuery query;
     query.request = kind.request;
     query.executions = &kind;

@@ -1,6 +1,7 @@
 #include "host/server/Journal.h"
 
 #include "host/connectvesk/Wire.h"
+#include "host/files/Paths.h"
 #include "host/server/DurableFile.h"
 
 #include <array>
@@ -107,7 +108,7 @@ Journal::~Journal() {
 
 JournalOpening Journal::Open(const std::filesystem::path& path) {
     JournalOpening opening;
-    const std::string name = path.string();
+    const std::string name = TextOfPath(path);
     std::string reason;
     std::unique_ptr<DurableFile> lock = DurableFile::Open(LockOf(path), reason);
     std::unique_ptr<DurableFile> file = lock ? DurableFile::Open(path, reason) : nullptr;

@@ -19,4 +19,8 @@ Refusal OtherUser() {
     return {kCodeUser, "The registration is another user's"};
 }
 
+Refusal UnknownClient(std::string_view account) {
+    return {kCodeUnknownClient, "There is no client " + std::string(account)};
+}
+
 } // namespace vesk

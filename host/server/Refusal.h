@@ -22,6 +22,7 @@ inline constexpr std::string_view kCodeUser = "105";
 inline constexpr std::string_view kCodeJournal = "106";
 inline constexpr std::string_view kCodeUnknownNumber = "107";
 inline constexpr std::string_view kCodeStatus = "108";
+inline constexpr std::string_view kCodeUnknownClient = "109";
 
 // Longer texts are neither kept nor sent back: every answer has room for what it quotes.
 inline constexpr std::size_t kLongestText = 255;
@@ -31,5 +32,6 @@ Refusal WrongValue(std::string_view field, std::string_view text);
 // Not who the request says he is, and not who the registration belongs to.
 Refusal WrongUser();
 Refusal OtherUser();
+Refusal UnknownClient(std::string_view account);
 
 } // namespace vesk

@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint32_t kTakenOver[] = {
     kTagUser,    kTagBroker,  kTagBranch,    kTagExchange,          kTagToken,       kTagTradingSymbol,
     kTagSide,    kTagProduct, kTagOrderType, kTagInvestType,        kTagFrequency,   kTagAmountOrQuantity,
-    kTagPeriods, kTagAccount, kTagValidity,  kTagRequestIdentifier, kTagOrderSource,
+    kTagPeriods, kTagAccount, kTagValidity,  kTagRequestIdentifier, kTagOrderSource, kTagCautionary,
 };
 
 std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
@@ -91,7 +91,7 @@ bool Server::Replay(std::string_view record) {
 Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
     const std::string name(qmx::Text(request, kTagRequestName).substr(0, kLongestText));
     const RequestFault& fault = m_config.FaultFor(name);
-    Reply reply = fault.errorCode ? Refuse(name, {*fault.errorCode, "Refused by the server's configuration"})
+    Reply reply = fault.errorCode ? Refuse(request, {*fault.errorCode, "Refused by the server's configuration"})
                                   : Dispatch(name, request, user, sentAs);
     if (m_config.TakeDisconnect(name)) return {.isCut = true};
     if (fault.silent) return {};
@@ -101,13 +101,13 @@ Reply Server::Handle(void* request, const UserIdentity& user, std::string_view s
 
 Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user,
                        std::string_view sentAs) {
-    if (!m_replayError.empty()) return Refuse(name, {kCodeJournal, m_replayError});
+    if (!m_replayError.empty()) return Refuse(request, {kCodeJournal, m_replayError});
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
     if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user, sentAs);
     if (const ExecutionQuery* kind = FindExecutionQuery(name)) return StartExecutionQuery(*kind, request, user);
-    return Refuse(name, {kCodeUnknownRequest, "The server does not know this request"});
+    return Refuse(request, {kCodeUnknownRequest, "The server does not know this request"});
 }
 
 Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
@@ -128,14 +128,15 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
 }
 
 Reply Server::AddRegistration(void* request, const UserIdentity& user) {
-    const std::string_view name = qmx::Text(request, kTagRequestName);
     // A request that was sent twice is one order; its judgement was made the first time.
     if (const Registration* before = FindSent(std::string(qmx::Text(request, kTagRequestIdentifier)), user))
         return AnswerRegistered(request, *before);
-    if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(name, *refusal);
+    if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
+    if (const std::string_view account = qmx::Text(request, kTagAccount); m_knows && !m_knows(account))
+        return Refuse(request, UnknownClient(account));
 
     const Registration registration = MakeRegistration(request);
-    if (const auto refusal = Keep(registration)) return Refuse(name, *refusal);
+    if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
 }
 
@@ -177,11 +178,11 @@ std::optional<Refusal> Server::FindNamed(void* request, const Registration*& fou
 Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
     const std::string_view name = qmx::Text(request, kTagRequestName);
     RestrictedRange range;
-    if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(name, *refusal);
+    if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(request, *refusal);
     // What is due and not yet executed goes by the new days.
     range.since = std::min(range.since, ExecutedUntil());
     if (const std::string fault = Write(range.Json()); !fault.empty())
-        return Refuse(name, {kCodeJournal, fault});
+        return Refuse(request, {kCodeJournal, fault});
     Restrict(range);
     m_unscheduled = 0;
     return {{m_writer.Start().Add(kTagAnswerName, name).Finish()}};
@@ -196,24 +197,25 @@ Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
 Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user,
                                  std::string_view sentAs) {
     const Registration* before = nullptr;
-    if (const auto refusal = FindNamed(request, before)) return Refuse(kind.request, *refusal);
-    if (before->Text(kTagUser) != user.loginId) return Refuse(kind.request, OtherUser());
+    if (const auto refusal = FindNamed(request, before)) return Refuse(request, *refusal);
+    if (before->Text(kTagUser) != user.loginId) return Refuse(request, OtherUser());
     const std::string number(before->Number());
 
     if (!before->WasChangedBy(sentAs)) {
         if (const std::string fault = ExecuteDueOf(m_byNumber.at(number)); !fault.empty())
-            return Refuse(kind.request, {kCodeJournal, fault});
+            return Refuse(request, {kCodeJournal, fault});
         Registration after = *before;
         const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
-        if (const auto refusal = kind.apply(change, after)) return Refuse(kind.request, *refusal);
+        if (const auto refusal = kind.apply(change, after)) return Refuse(request, *refusal);
         if (after != *before) {
             after.RememberChange(sentAs);
-            if (const auto refusal = Keep(std::move(after))) return Refuse(kind.request, *refusal);
+            if (const auto refusal = Keep(std::move(after))) return Refuse(request, *refusal);
         }
     }
     m_writer.Start().Add(kTagAnswerName, kind.request);
     if (kind.request == "cancel_sip_order") m_writer.Add(kTagEchoed, number);
     m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
+    m_writer.Add(kTagRegistrationNumber, number);
     return {{m_writer.Finish()}};
 }
 
@@ -221,7 +223,7 @@ template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
 Reply Server::StartQuery(void* request, const UserIdentity& user) {
     RowQuery query;
     query.request = qmx::Text(request, kTagRequestName);
-    if (const auto refusal = read(request, user, query)) return Refuse(query.request, *refusal);
+    if (const auto refusal = read(request, user, query)) return Refuse(request, *refusal);
     query.end = m_registrations.size();
     return {{}, std::move(query)};
 }
@@ -279,12 +281,14 @@ std::size_t Server::Enter(Registration registration) {
     return place->second;
 }
 
-Reply Server::Refuse(std::string_view request, const Refusal& refusal) {
-    return {{m_writer.Start()
-                 .Add(kTagAnswerName, request)
-                 .Add(kTagErrorCode, refusal.code)
-                 .Add(kTagUserText, refusal.text)
-                 .Finish()}};
+Reply Server::Refuse(void* request, const Refusal& refusal) {
+    const std::string_view name = qmx::Text(request, kTagRequestName).substr(0, kLongestText);
+    m_writer.Start().Add(kTagAnswerName, name).Add(kTagErrorCode, refusal.code).Add(kTagUserText, refusal.text);
+    // By which a terminal with several changes under way knows which is refused.
+    if (FindChange(name) && qmx::Has(request, kTagRegistrationNumber))
+        m_writer.Add(kTagRegistrationNumber,
+                     qmx::Text(request, kTagRegistrationNumber).substr(0, kLongestText));
+    return {{m_writer.Finish()}};
 }
 
 Reply Server::AnswerRegistered(void* request, const Registration& registration) {
@@ -292,7 +296,8 @@ Reply Server::AnswerRegistered(void* request, const Registration& registration) 
     m_writer.Start()
         .Add(kTagAnswerName, "add_sip_orders")
         .Add(kTagUserText, text)
-        .Add(kTagAccount, registration.Text(kTagAccount));
+        .Add(kTagAccount, registration.Text(kTagAccount))
+        .Add(kTagRegistrationNumber, registration.Number());
     // By which a basket finds the row again.
     if (qmx::Has(request, kTagEchoed)) m_writer.Add(kTagEchoed, qmx::Text(request, kTagEchoed));
     return {{m_writer.Finish()}};

@@ -100,6 +100,8 @@ public:
     // About which price of a registration, in paise, the orders of its instalments are filled; 0 as in
     // ExecutionPlan.
     void SetPrices(std::function<std::int64_t(const Registration&)> prices) { m_prices = std::move(prices); }
+    // Whom orders may be for; without it they may be for anybody.
+    void SetClients(std::function<bool(std::string_view account)> knows) { m_knows = std::move(knows); }
     std::int64_t PriceOf(const Registration& registration) const {
         return m_prices ? m_prices(registration) : 0;
     }
@@ -153,7 +155,7 @@ private:
     // The registration that the request names.
     std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
 
-    Reply Refuse(std::string_view request, const Refusal& refusal);
+    Reply Refuse(void* request, const Refusal& refusal);
     Reply AnswerRegistered(void* request, const Registration& registration);
     Registration MakeRegistration(void* request) const;
     // Sets the next execution day, journals, enters, and tells the listeners.
@@ -228,6 +230,7 @@ private:
     // The day on which the journal took no instalment; until it takes something or the clock is advanced.
     std::optional<std::chrono::year_month_day> m_stoppedOn{};
     std::function<std::int64_t(const Registration&)> m_prices;
+    std::function<bool(std::string_view)> m_knows;
     std::size_t m_replayed = 0; // records
     std::vector<UpdateListener*> m_listeners;
     std::string m_replayError;

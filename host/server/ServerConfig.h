@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -67,8 +66,8 @@ struct ConfigResult {
 //        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true,
 //                                       "disconnect": 2}},
 //        "fills": {"rejected": 20, "partial": 30, "seed": 1}}
-// A member left out keeps its default; an unknown one is refused.
-ConfigResult LoadServerConfig(const std::filesystem::path& path);
+// A member left out keeps its default; an unknown one is refused. The path is UTF-8.
+ConfigResult LoadServerConfig(const std::string& path);
 // `name` stands for the file in error texts.
 ConfigResult ParseServerConfig(std::string_view text, std::string_view name);
 

@@ -94,7 +94,7 @@ EXAMPLE
     veskserver --port 7040 --data data
 )";
 
-Complaint ReadServerOptions(std::span<const char* const> words, ServerOptions& options) {
+Complaint ReadServerOptions(std::span<const std::string> words, ServerOptions& options) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string_view word = words[i];
         if (word == "--help") {

@@ -20,6 +20,6 @@ struct ServerOptions {
 extern const std::string_view kServerHelp;
 
 // The words behind the program's name. The answer says what is wrong with them, if anything.
-std::optional<std::string> ReadServerOptions(std::span<const char* const> words, ServerOptions& options);
+std::optional<std::string> ReadServerOptions(std::span<const std::string> words, ServerOptions& options);
 
 } // namespace vesk

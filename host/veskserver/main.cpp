@@ -1,4 +1,5 @@
 // veskserver: the trading server as a program of its own.
+#include "host/files/Paths.h"
 #include "host/server/net/NetServer.h"
 #include "host/terminal/core/MarketOfServer.h"
 #include "host/terminal/core/TerminalConfig.h"
@@ -93,7 +94,7 @@ int Serve(Server& server, std::uint16_t port, const Market& market) {
     return 0;
 }
 
-int Run(std::span<const char* const> words) {
+int Run(std::span<const std::string> words) {
     ServerOptions options;
     if (const auto complaint = ReadServerOptions(words, options))
         return Fail(*complaint + "; see veskserver --help");
@@ -106,7 +107,7 @@ int Run(std::span<const char* const> words) {
     if (!config.config) return Fail(config.error);
     const Market market = LoadMarket(options.data);
     config.config->nonTrading = DatesOf(market.calendar.Dates());
-    JournalOpening opening = Journal::Open(options.journal);
+    JournalOpening opening = Journal::Open(PathOf(options.journal));
     if (!opening.journal) return Fail(opening.error);
     if (!opening.warning.empty()) Note(opening.warning);
     Server server(std::move(*config.config), *opening.journal, opening.records, SystemClock());
@@ -114,6 +115,7 @@ int Run(std::span<const char* const> words) {
     opening.records.clear();
     opening.text.reset();
     server.SetPrices(PricesOf(market.master));
+    server.SetClients(ClientsOf(market.clients));
     if (const std::string note = server.CompactWhenStale(); !note.empty()) Note(note);
     return Serve(server, options.port, market);
 }
@@ -123,7 +125,7 @@ int Run(std::span<const char* const> words) {
 
 int main(int count, char** words) {
     try {
-        return vesk::Run({words + 1, static_cast<std::size_t>(count > 0 ? count - 1 : 0)});
+        return vesk::Run(vesk::CommandWords(count, words));
     } catch (const std::exception& fault) {
         return vesk::Fail(fault.what());
     }

@@ -1,31 +1,8 @@
 #include "plugin/messaging/Text.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
-#include <stdexcept>
 
 namespace planfold {
-
-std::string Format(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::va_list again;
-    va_copy(again, arguments);
-    char usual[256]; // most texts fit
-    const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
-    va_end(arguments);
-    const auto size = static_cast<std::size_t>(std::max(length, 0));
-    std::string text(usual, std::min(size, sizeof usual - 1));
-    if (size >= sizeof usual) {
-        text.resize(size + 1);
-        std::vsnprintf(text.data(), text.size(), format, again);
-        text.pop_back();
-    }
-    va_end(again);
-    if (length < 0) throw std::runtime_error("text cannot be formatted");
-    return text;
-}
 
 bool EqualsIgnoringCase(std::string_view text, std::string_view other) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };

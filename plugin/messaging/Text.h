@@ -1,19 +1,14 @@
 // Small text helpers shared by all subsystems.
 #pragma once
 
+#include "base/Format.h"
+
 #include <string>
 #include <string_view>
 
 namespace planfold {
 
-#ifdef __MINGW32__
-#define PLANFOLD_PRINTF gnu_printf
-#else
-#define PLANFOLD_PRINTF printf
-#endif
-
-// The format is always one of our own literals, never text from outside.
-[[gnu::format(PLANFOLD_PRINTF, 1, 2)]] std::string Format(const char* format, ...);
+using base::Format;
 
 // As the system's lists compare: letters of the plain alphabet alike in both cases.
 bool EqualsIgnoringCase(std::string_view text, std::string_view other);

@@ -113,6 +113,10 @@ void LiveOnce(BoxRecorder& boxes) {
     using Font = void(void*, std::intptr_t, std::intptr_t, std::intptr_t);
     plugin->Entry<Font>("ApplyFontVarPreference")(nullptr, 0, 3, 4);
     EXPECT_EQ(host_seen.fontArguments, 34);
+    host_seen.fontArguments = 0;
+    call_init(EntryOf(*plugin, "InitVeskPlugin"), "SIP Basket Entry");
+    EXPECT_EQ(host_seen.fontArguments, 34) << "the same, when a window asks by itself";
+    SendMessageA(probe::FindDialog("Planfold Basket Order"), WM_CLOSE, 0, 0);
 
     Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}});
     EXPECT_EQ(probe::Items(dialog, kFrequency), (std::vector<std::string>{"monthly", "yearly"}));

@@ -47,6 +47,16 @@ TEST(Convert, KnowsItsRowsAndLeavesTheRestAlone) {
     }
 }
 
+TEST(Format, WritesWhatPrintfDoesAtHome) {
+    EXPECT_EQ(Format("%.2lf|%.02f|%.lf|%.0f|%.*f", 1234.5, -0.001, 2.5, 3.5, 3, 0.0625),
+              "1234.50|-0.00|2|4|0.062");
+    EXPECT_EQ(Format("%.lf|%f|%.15g|%.15g", 1e22, 0.1, 0.1, 1e20),
+              "10000000000000000000000|0.100000|0.1|1e+20");
+    EXPECT_EQ(Format("%03d|%-3d|%3d|%02lld|%ld|%zu|%u", -7, -7, 1234, 5LL, LONG_MIN, SIZE_MAX, 7u),
+              "-07|-7 |1234|05|" + std::to_string(LONG_MIN) + "|" + std::to_string(SIZE_MAX) + "|7");
+    EXPECT_EQ(Format("100 %%%c%-4s|%4s|%.*s", 'C', "ab", "abcde", 2, "abc"), "100 %Cab  |abcde|ab");
+}
+
 TEST(LeadingNumbers, ReadWhatATextBeginsWith) {
     struct Row {
         const char* text;

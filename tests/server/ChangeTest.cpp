@@ -9,6 +9,7 @@ namespace {
 using Answers = std::vector<std::string>;
 const std::string kNumber = "SIP2603020000001";
 const std::string kDone = ". Registration No : " + kNumber;
+const std::string kEchoed = " 64804=" + kNumber;
 
 class Counter : public UpdateListener {
 public:
@@ -37,7 +38,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     const struct {
         const char* verb;
         const char* fields;  // besides those of a cancellation
-        std::string answer;  // behind the name; a success ends with the number
+        std::string answer;  // behind the name; a success ends with the number, and all echo it
         const char* changed; // in the record
     } rows[] = {
         {"pause", "64804=", "32766=101 20008=The registration number is missing", ""},
@@ -70,7 +71,11 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     running->Ask(Order());
     for (const auto& row : rows) {
         const std::string name = std::string(row.verb) + "_sip_order";
-        const std::string answer = row.answer + (row.answer.starts_with("32766") ? "" : kDone);
+        Fields request = FieldsOf(row.fields);
+        request.merge(Fields{{kTagRequestName, name}});
+        request.merge(Fields(kCancel));
+        const std::string answer = row.answer + (row.answer.starts_with("32766") ? "" : kDone)
+                                   + " 64804=" + request[kTagRegistrationNumber];
         const std::string what = name + " -> " + answer;
         const bool isChange = *row.changed != 0;
         Registration expected = *running->server->Find(kNumber);
@@ -78,9 +83,6 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
             expected.Set(tag, text);
         const std::string journal = FileText(path);
         Counter counter(*running->server);
-        Fields request = FieldsOf(row.fields);
-        request.merge(Fields{{kTagRequestName, name}});
-        request.merge(Fields(kCancel));
 
         EXPECT_EQ(running->Ask(request), Answers{"32767=" + name + " " + answer}) << what;
         EXPECT_EQ(running->server->Find(kNumber)->Json(), expected.Json()) << what;
@@ -95,16 +97,16 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     running.reset();
     running = std::make_unique<RunningServer>(path);
     EXPECT_EQ(running->server->Registrations(), std::vector{before});
-    EXPECT_EQ(running->Ask(kCancel), Answers{"32767=cancel_sip_order " + cancelled + kDone});
+    EXPECT_EQ(running->Ask(kCancel), Answers{"32767=cancel_sip_order " + cancelled + kDone + kEchoed});
     EXPECT_EQ(running->Ask(Order()),
-              Answers{"32767=add_sip_orders 20008=SIP registered" + kDone + " 54001=CL1"});
+              Answers{"32767=add_sip_orders 20008=SIP registered" + kDone + " 54001=CL1" + kEchoed});
     EXPECT_EQ(FileText(path), journal);
     // The identifier of a cancellation says nothing about an order.
     running->Ask(Order({{kTagRequestIdentifier, "cancel-1"}}));
     EXPECT_EQ(running->server->Registrations().size(), 2u);
     running->user.loginId = "USER2";
     EXPECT_EQ(running->Ask(kCancel),
-              Answers{"32767=cancel_sip_order 32766=105 20008=The registration is another user's"});
+              Answers{"32767=cancel_sip_order 32766=105 20008=The registration is another user's" + kEchoed});
 }
 
 // Each is what a terminal sends again after a lost answer, when others were made behind it.
@@ -131,7 +133,7 @@ TEST(Change, RequestSentAgainIsAnsweredAsTheFirstTimeAndNotMadeTwice) {
         EXPECT_EQ(FileText(path), journal);
     }
     EXPECT_EQ(running->Ask(sent[0].second, "2-2"),
-              Answers{"32767=modify_sip_order 32766=108 20008=The registration is cancelled"});
+              Answers{"32767=modify_sip_order 32766=108 20008=The registration is cancelled" + kEchoed});
 }
 
 } // namespace

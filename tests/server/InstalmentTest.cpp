@@ -111,9 +111,9 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
         EXPECT_EQ(ExecutedOn(running, number), row.executed) << row.start << row.frequency;
         EXPECT_EQ(held.Text(kTagStatus), kStatusExpired) << row.start << row.frequency;
         EXPECT_EQ(held.Text(kTagEndDate), row.end) << row.start << row.frequency;
-        EXPECT_EQ(
-            running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=99|64804=" + number)),
-            std::vector<std::string>{"32767=modify_sip_order 32766=108 20008=The registration is expired"});
+        EXPECT_EQ(running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=99|64804=" + number)),
+                  std::vector<std::string>{
+                      "32767=modify_sip_order 32766=108 20008=The registration is expired 64804=" + number});
     }
 }
 
@@ -133,7 +133,8 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
     EXPECT_EQ(
         running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=2|64804=" + number)),
         std::vector<std::string>{
-            "32767=modify_sip_order 32766=104 20008=The total period must exceed the 2 that are executed"});
+            "32767=modify_sip_order 32766=104 20008=The total period must exceed the 2 that are executed 64804="
+            + number});
     EXPECT_NE(running.Ask(FieldsOf("0=qry_eq_sip_orders|64804=" + number))[1].find("10303=rejected"),
               std::string::npos);
     // By the days as they are, scheduled anew or not yet.

@@ -9,7 +9,8 @@ namespace {
 const Fields kAskMode{{kTagRequestName, "get_sip_operation_mode"}};
 using Answers = std::vector<std::string>;
 const char* const kRegistered =
-    "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1";
+    "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1"
+    " 64804=SIP2603020000001";
 
 TEST(Server, OperationModeIsAnsweredInEveryShape) {
     const TemporaryFolder folder;
@@ -39,7 +40,8 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     std::string record;
     {
         RunningServer running(path);
-        EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
+        EXPECT_EQ(running.Ask(Order({{kTagCautionary, "Y"}})), Answers{kRegistered});
+        EXPECT_EQ(running.server->Registrations()[0].Text(kTagCautionary), "Y");
         record = running.server->Find("SIP2603020000001")->Json();
         EXPECT_EQ(FileText(path), JournalLine(record));
     }
@@ -67,6 +69,9 @@ TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
     RunningServer running(folder.File("journal"));
     EXPECT_EQ(running.Ask(Order({{kTagSide, "X"}})),
               Answers{"32767=add_sip_orders 32766=102 20008=The side cannot be \"X\""});
+    running.server->SetClients([](std::string_view account) { return account == "CL1"; });
+    EXPECT_EQ(running.Ask(Order({{kTagAccount, "CL2"}})),
+              Answers{"32767=add_sip_orders 32766=109 20008=There is no client CL2"});
     EXPECT_EQ(running.Ask({{kTagRequestName, "who_knows"}}),
               Answers{"32767=who_knows 32766=100 20008=The server does not know this request"});
     EXPECT_EQ(running.Ask({{1, "no name"}}),
@@ -96,10 +101,17 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
         const char* text;
         const char* error;
     } rows[] = {
-        {"", "s:1: not valid JSON"},
-        {"{\n\"faults\": {\n,", "s:3: not valid JSON"},
-        {"[]", "s:1: \"configuration\" must be an object"},
+        {"", "s:1: this is not JSON"},
+        {"{\n\"faults\": {\n,", "s:3: this is not JSON"},
+        {"[]", "s:1: an object { } is expected"},
         {"{\n\"fault\": {}}", "s:2: unknown setting \"fault\""},
+        {"{\n\"fills\": {\"rejected: 1\n}}", "s:2: this is not JSON"},
+        {"{\n\"fills\": {\"rejected\": 1\n\n", "s:2: this is not JSON"},
+        {"{\"faults\": {\n\"a\": {\"error\": \"9\"},\n\"b\": {\"error\": 9\n}}}",
+         "s:3: \"error\" must be a text"},
+        {"{\"operationMode\": {\"frequencies\": [{\"name\": \"minimum\"},\n{\"name\": \"b\",\n\"minimum\": "
+         "-1}]}}",
+         "s:3: \"minimum\" must lie between 0 and 100000"},
         {"{\"faults\": []}", "s:1: \"faults\" must be an object"},
         {"{\"faults\":\n{\"a\": {\n\"error\": 5}}}", "s:3: \"error\" must be a text"},
         {"{\"faults\": {\"a\": {\"delayMs\": -1}}}", "s:1: \"delayMs\" must be a whole number of milliseconds"},

@@ -34,6 +34,7 @@ private:
 };
 
 struct FakeHost;
+inline constexpr unsigned kCalledAfterItsEnd = 9;
 
 // Keeps every request and subscription as one line of text with its host.
 class FakeControl final : public RxControl {
@@ -116,6 +117,7 @@ struct FakeHost {
     std::map<std::string, std::string> settings; // "section/key"
     Texts accounts;
     int clientOverview = 0;
+    bool ended = false; // a call would then end the process with kCalledAfterItsEnd
     std::intptr_t fontVariation = 0, fontSize = 0;
     int caution = 0;
     std::map<int, int> cautionOfRow; // of a basket

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 VESK_HOST_EXPORTS(HOST_EXPORT)
@@ -53,6 +54,7 @@ std::string Shown(int number) {
 
 template <class... Arguments>
 int Record(const char* name, const Arguments&... arguments) {
+    if (Host().ended) std::_Exit(kCalledAfterItsEnd);
     std::string call;
     ((call += (call.empty() ? "" : ",") + Shown(arguments)), ...);
     Host().calls.push_back(std::string(name) + "(" + call + ")");

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
+#include <charconv>
 
 namespace korvex::test {
 namespace {
@@ -34,8 +34,9 @@ std::string Lower(std::string text) {
 
 // The values above are few enough for a long double to tell them apart.
 bool Number(const std::string& text, long double& value) {
-    char* end = nullptr;
-    value = std::strtold(text.c_str(), &end);
+    const std::size_t begin = text.find_first_not_of(' ');
+    value = 0;
+    if (begin != text.npos) std::from_chars(text.data() + begin, text.data() + text.size(), value);
     return text.find_first_of("0123456789") != text.npos
            && text.find_first_not_of(" +-.0123456789") == text.npos;
 }

@@ -170,6 +170,9 @@ TEST(DeliveredData, Loads) {
     const auto clients = ClientList::Load(folder + "/clients.csv");
     ASSERT_TRUE(clients) << clients.Fault().Text();
     EXPECT_EQ(Found(clients.Value(), 1, "CL100("), "CL100");
+    const auto orders = ReadTextFile(folder + "/baskets/good.csv");
+    for (std::string_view basket = orders.Value(); !basket.empty(); basket.remove_prefix(basket.find('\n') + 1))
+        EXPECT_TRUE(clients.Value().Find(basket.substr(0, basket.find(',')))) << "the server takes its orders";
     const auto calendar = TradingCalendar::Load(folder + "/nontrading.csv");
     ASSERT_TRUE(calendar) << calendar.Fault().Text();
 }

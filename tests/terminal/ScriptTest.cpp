@@ -1,6 +1,8 @@
-#include "host/terminal/core/Script.h"
+#include "host/terminal/core/ScriptRunner.h"
 
 #include <gtest/gtest.h>
+
+#include <deque>
 
 namespace vesk {
 namespace {
@@ -61,6 +63,49 @@ TEST(Script, FaultsNameFileAndLine) {
         const auto script = Script::Parse(row.text, "tests/a.script");
         ASSERT_FALSE(script) << row.text;
         EXPECT_EQ(script.Fault().Text(), row.fault);
+    }
+}
+
+class Boxes : public ScriptStage {
+public:
+    explicit Boxes(std::deque<std::string> texts) : open(std::move(texts)) {}
+
+    StepResult Try(const ScriptCommand&, std::size_t) override { return StepResult::Done(); }
+    std::optional<OpenMessageBox> OpenBox() override {
+        if (open.empty()) return std::nullopt;
+        return OpenMessageBox{open.size(), open.front()};
+    }
+    bool AnswerBox(int) override {
+        open.pop_front();
+        return true;
+    }
+    void Report(const std::string&) override {}
+
+    std::deque<std::string> open; // one after the other
+};
+
+TEST(ScriptRunner, KnowsABoxByItsText) {
+    const struct {
+        const char* text;
+        const char* verdict;
+        std::size_t left; // boxes
+    } rows[] = {
+        {"expect box A1\nbox starting A Yes\nexpect box B\nanswer OK", "script passed", 0},
+        {"expect box-starting A\nexpect box A1\nanswer OK\nbox B OK", "script passed", 0},
+        {"expect box A1\nexpect box A",
+         "script failed: a.script:2: timed out: the message box \"A1\" is not \"A\"", 2},
+        {"expect box A1\nbox B OK", "script failed: a.script:2: timed out: the message box \"A1\" is not \"B\"",
+         2},
+        {"press 1", "script failed: a.script:1: unexpected message box \"A1\"", 2},
+        {"box A1 OK", "script failed: a.script:1: unexpected message box \"B\"", 1},
+    };
+    for (const auto& row : rows) {
+        Boxes stage({"A1", "B"});
+        ScriptRunner runner(Script::Parse(row.text, "a.script").Value(), stage);
+        for (std::int64_t now = 0; runner.Tick(now) == ScriptRunner::State::running; now += 1000)
+            ASSERT_LT(now, 2 * ScriptRunner::kUsualTimeoutMs * 10);
+        EXPECT_EQ(runner.Verdict(), row.verdict);
+        EXPECT_EQ(stage.open.size(), row.left) << row.text;
     }
 }
 

@@ -1,3 +1,4 @@
+#include "host/files/Paths.h"
 #include "host/terminal/core/CommandLine.h"
 #include "host/terminal/core/TerminalConfig.h"
 #include "host/terminal/core/TerminalState.h"
@@ -13,13 +14,14 @@ namespace {
 class TerminalFolder : public testing::Test {
 protected:
     void SetUp() override {
-        m_folder = std::filesystem::path(testing::TempDir())
+        m_folder = std::filesystem::path(testing::TempDir()) / u8"Wertpapiere Ł 株式"
                    / testing::UnitTest::GetInstance()->current_test_info()->name();
         std::filesystem::remove_all(m_folder);
         std::filesystem::create_directories(m_folder);
     }
     void TearDown() override { std::filesystem::remove_all(m_folder); }
-    std::string Path() const { return (m_folder / "settings.json").string(); }
+    std::string File(const char* name) const { return TextOfPath(m_folder / name); }
+    std::string Path() const { return File("settings.json"); }
 
     std::filesystem::path m_folder;
 };
@@ -63,7 +65,7 @@ TEST_F(TerminalFolder, PutsABadFileAside) {
 
 TEST_F(TerminalFolder, KeepsTheValueWhenTheFileCannotBeWritten) {
     UserSettings settings;
-    settings.Open((m_folder / "missing" / "settings.json").string());
+    settings.Open(File("missing/settings.json"));
     EXPECT_FALSE(settings.Write("s", "k", "v"));
     EXPECT_EQ(settings.Read("s", "k"), "v");
 }
@@ -82,6 +84,11 @@ TEST(TerminalConfig, FaultsNameTheMember) {
         {R"({"rights": []})", "terminal.json:1: \"rights\" is not an object"},
         {R"({"rights": {"QV": 1}})", "terminal.json:1: \"QV\" is neither true nor false"},
         {"{\n\"loginId\"\n}", "terminal.json:3: this is not JSON"},
+        {"{\n\"loginId\": \"A,\n\"loginMode\": 1}", "terminal.json:2: this is not JSON"},
+        {"{\n\"rights\": {\"loginMode\": true},\n\"loginMode\": 1e999\n}",
+         "terminal.json:3: a number is too large"},
+        {"{\n\"rights\": {\"loginMode\": true},\n\"products\": [\"CNC\", \"loginMode\",\n1\n]}",
+         "terminal.json:4: \"products\" holds something that is not a text"},
     };
     for (const auto& row : rows) {
         const auto loaded = TerminalConfig::Parse(row.text, "data/terminal.json");
@@ -92,22 +99,25 @@ TEST(TerminalConfig, FaultsNameTheMember) {
 
 TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
     TerminalState state;
-    const auto fatal = state.Load(m_folder.string(), m_folder.string());
+    const auto fatal = state.Load(TextOfPath(m_folder), TextOfPath(m_folder));
     ASSERT_TRUE(fatal);
     EXPECT_EQ(fatal->Text(), "terminal.json: file not found");
 
-    WriteWholeFile((m_folder / "terminal.json").string(), R"({"rights": {"QV": true, "QV: X": false}})");
-    WriteWholeFile((m_folder / "clients.csv").string(), "client,name,mapped\nCL1,A,maybe\n");
+    WriteWholeFile(File("terminal.json"), "\xEF\xBB\xBF{\"rights\": {\"QV\": true, \"QV: X\": false}}");
+    WriteWholeFile(File("clients.csv"), "\xEF\xBB\xBF"
+                                        "client,name,mapped\nCL1,A,maybe\n");
+    WriteWholeFile(File("scrips.csv"), "\xFF\xFE"
+                                       "e");
     TerminalState bare;
-    ASSERT_FALSE(bare.Load(m_folder.string(), m_folder.string()));
+    ASSERT_FALSE(bare.Load(TextOfPath(m_folder), TextOfPath(m_folder)));
     std::string faults;
     for (const FileFault& fault : bare.faults)
         faults += fault.Text() + '\n';
-    EXPECT_EQ(faults, "scrips.csv: file not found\n"
+    EXPECT_EQ(faults, "scrips.csv: this is UTF-16 text; save it as UTF-8\n"
                       "clients.csv:2: mapped \"maybe\" is neither Y nor N\n"
                       "nontrading.csv: file not found\n");
 
-    WriteWholeFile((m_folder / "nontrading.csv").string(), "date,occasion\n2027-01-26,A\n2026-12-25,B\n");
+    WriteWholeFile(File("nontrading.csv"), "date,occasion\n2027-01-26,A\n2026-12-25,B\n");
     const std::uint32_t restricted[] = {20270127, 20261225, 20270101};
     EXPECT_FALSE(bare.ReloadCalendar(restricted));
     const NonTradingDates& days = bare.NonTrading();
@@ -116,7 +126,7 @@ TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
 }
 
 TEST(CommandLine, ReadsOptions) {
-    const char* const words[] = {"--script", "a.script", "--log", "out log.txt", "--server", "localhost:7040"};
+    const std::string words[] = {"--script", "a.script", "--log", "out log.txt", "--server", "localhost:7040"};
     const StartOptions options = ParseCommandLine(words);
     EXPECT_EQ(options.scriptFile, "a.script");
     EXPECT_EQ(options.logFile, "out log.txt");
@@ -125,7 +135,7 @@ TEST(CommandLine, ReadsOptions) {
     EXPECT_EQ(options.serverPort, 7040);
     EXPECT_EQ(options.fault, "");
     const struct {
-        std::vector<const char*> words;
+        std::vector<std::string> words;
         std::string fault;
     } rows[] = {
         {{"--log", "x", "/script"}, "unknown option /script"},

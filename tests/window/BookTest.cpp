@@ -288,10 +288,18 @@ TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {
         // Once by each window that takes controls.
         std::string texts = boxes.Texts();
         texts.erase(0, texts.find("Sending"));
-        EXPECT_EQ(texts, "Sending Request add_sip_orders Failed|Request Failure|"
-                         "Subscription  is failed ,error code : 0|Request Failure|Request Failure|");
+        EXPECT_EQ(texts, "Sending Request add_sip_orders Failed\nRequest Failure\n"
+                         "Subscription  is failed ,error code : 0\nRequest Failure\nRequest Failure|");
         plugin->Exit();
     }
+    host.refuses = true;
+    host.accounts = Texts(45, "C001");
+    Open();
+    const std::string texts = boxes.Texts();
+    EXPECT_TRUE(texts.ends_with("error code : 42\n... and 20 more|")) << texts;
+    EXPECT_EQ(std::ranges::count(texts, '|'), 1);
+    plugin->Exit();
+    host.refuses = false;
     host.accounts = {"C001", "C002"};
     Open();
     EXPECT_EQ(host.Newest(kRxAccountStream).subscribed, 2) << "one for each account";

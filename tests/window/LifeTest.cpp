@@ -115,6 +115,18 @@ TEST_F(Life, TheActivatedClientIsTheBasketsWhereTheHostTellsNone) {
     EXPECT_EQ(probe::Text(probe::FindDialog("Planfold Basket Order"), order::kClientSearch), "C001");
 }
 
+TEST_F(Life, ThePluginGivesNothingBackAtTheEndOfTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // the plug-in is loaded anew
+    EXPECT_EXIT(
+        {
+            for (const char* entry : {"Order Entry", "SIP Basket Entry", "SIP Registration Book"})
+                Pick(entry);
+            host.ended = true;
+            ExitProcess(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
     LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = true;
     Close(OpenOrderEntry());

@@ -1,8 +1,8 @@
 #include "tools/planfold-basket/Files.h"
 
+#include "host/files/Paths.h"
 #include "tools/planfold-basket/Options.h"
 
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <system_error>
@@ -23,7 +23,8 @@ bool WriteText(const std::string& path, std::string_view text) {
     constexpr std::ios::openmode asText{};
     std::error_code error;
     // A device or a pipe has nothing to lose, and must not be replaced.
-    if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error))
+    const std::filesystem::path file = vesk::PathOf(path);
+    if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
         return vesk::WriteInPlace(path, text, asText);
     return vesk::WriteWholeFile(path, text, asText);
 }

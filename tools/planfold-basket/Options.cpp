@@ -110,7 +110,7 @@ std::string Quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
-Complaint ReadSwitches(std::span<const char* const> words, For command, Options& options) {
+Complaint ReadSwitches(std::span<const std::string> words, For command, Options& options) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string word = words[i];
         if (word == kStandardStream || !word.starts_with('-')) {
@@ -141,7 +141,7 @@ Complaint Incomplete(const Options& options) {
 
 } // namespace
 
-Complaint ReadOptions(std::span<const char* const> words, Options& options) {
+Complaint ReadOptions(std::span<const std::string> words, Options& options) {
     options.rules.products = {"CNC"};
     options.rules.now = std::time(nullptr);
     if (words.empty()) return "a command is missing";

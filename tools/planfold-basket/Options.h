@@ -25,6 +25,6 @@ struct Options {
 };
 
 // The words behind the program's name. The answer says what is wrong with them, if anything.
-std::optional<std::string> ReadOptions(std::span<const char* const> words, Options& options);
+std::optional<std::string> ReadOptions(std::span<const std::string> words, Options& options);
 
 } // namespace basket

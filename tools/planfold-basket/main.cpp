@@ -1,4 +1,5 @@
 // planfold-basket: checks basket files without the terminal.
+#include "host/files/Paths.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Files.h"
 #include "tools/planfold-basket/MasterScrips.h"
@@ -14,7 +15,7 @@
 namespace basket {
 namespace {
 
-int Run(std::span<const char* const> words) {
+int Run(std::span<const std::string> words) {
     Options options;
     if (const auto complaint = ReadOptions(words, options))
         return Fail(*complaint + "; see planfold-basket --help");
@@ -42,7 +43,7 @@ int main(int count, char** words) {
     _setmode(_fileno(stdin), _O_BINARY);
 #endif
     try {
-        return basket::Run({words + 1, static_cast<std::size_t>(count > 0 ? count - 1 : 0)});
+        return basket::Run(vesk::CommandWords(count, words));
     } catch (const std::exception& fault) {
         return basket::Fail(fault.what());
     }

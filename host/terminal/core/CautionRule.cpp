@@ -13,7 +13,8 @@ std::optional<CautionAnswer> DecideCaution(const ScripMaster& master, const Caut
 
 std::string CautionQuestion(const CautionOrder& order) {
     return order.tradingSymbol + " is under caution by the exchange.\nPlace the order for client "
-           + order.client + " as a cautionary order?";
+           + order.client
+           + " as a cautionary order?\nYes places it as a cautionary order, No places it without confirmation.";
 }
 
 void BasketCaution::Clear() {

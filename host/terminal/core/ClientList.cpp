@@ -25,7 +25,7 @@ std::string_view Trimmed(std::string_view text) {
 } // namespace
 
 Loaded<ClientList> ClientList::Load(const std::string& path) {
-    Loaded<std::string> text = ReadWholeFile(path);
+    Loaded<std::string> text = ReadTextFile(path);
     if (!text) return text.Fault();
     return Parse(text.Value(), path);
 }

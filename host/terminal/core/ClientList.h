@@ -1,7 +1,7 @@
 // The clients that the user may trade for, and the search over them.
 #pragma once
 
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 
 #include <span>
 #include <string>

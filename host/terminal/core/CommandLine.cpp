@@ -40,7 +40,7 @@ constexpr Option kOptions[] = {
 
 } // namespace
 
-StartOptions ParseCommandLine(std::span<const char* const> words) {
+StartOptions ParseCommandLine(std::span<const std::string> words) {
     StartOptions options;
     for (std::size_t i = 0; i < words.size(); i += 2) {
         const std::string_view name = words[i];

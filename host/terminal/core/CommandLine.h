@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-// An empty path means: beside the program.
+// Paths are UTF-8; an empty one means: beside the program.
 struct StartOptions {
     std::string dataFolder;
     std::string userFolder;
@@ -21,6 +21,6 @@ struct StartOptions {
 };
 
 // Without the program's name.
-StartOptions ParseCommandLine(std::span<const char* const> words);
+StartOptions ParseCommandLine(std::span<const std::string> words);
 
 } // namespace vesk

@@ -2,7 +2,7 @@
 // lines that begin with "#" are skipped; CR LF and LF both end a line.
 #pragma once
 
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 
 #include <functional>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "host/terminal/core/DockPlace.h"
 
-#include "host/terminal/core/Json.h"
+#include "host/files/Json.h"
 
 #include <algorithm>
 

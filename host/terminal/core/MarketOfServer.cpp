@@ -21,6 +21,11 @@ std::function<std::int64_t(const Registration&)> PricesOf(const ScripMaster& mas
     };
 }
 
+std::function<bool(std::string_view)> ClientsOf(const ClientList& clients) {
+    if (clients.Clients().empty()) return {};
+    return [&clients](std::string_view account) { return clients.Find(account) != nullptr; };
+}
+
 std::vector<std::chrono::year_month_day> DatesOf(std::span<const std::uint32_t> numbers) {
     std::vector<std::chrono::year_month_day> dates;
     for (const std::uint32_t number : numbers)

@@ -19,6 +19,9 @@ SampleMarket SampleMarketOf(const ScripMaster& master, const ClientList& clients
 // master outlives it.
 std::function<std::int64_t(const Registration&)> PricesOf(const ScripMaster& master);
 
+// Whom orders may be for; nothing, and so anybody, without a list. The clients outlive it.
+std::function<bool(std::string_view)> ClientsOf(const ClientList& clients);
+
 // As TradingCalendar::Dates has them.
 std::vector<std::chrono::year_month_day> DatesOf(std::span<const std::uint32_t> numbers);
 

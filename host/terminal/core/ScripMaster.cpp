@@ -103,7 +103,7 @@ std::size_t ScripMaster::KeyHash::operator()(const Key& key) const noexcept {
 }
 
 Loaded<ScripMaster> ScripMaster::Load(const std::string& path) {
-    Loaded<std::string> text = ReadWholeFile(path);
+    Loaded<std::string> text = ReadTextFile(path);
     if (!text) return text.Fault();
     return Parse(text.Value(), path);
 }

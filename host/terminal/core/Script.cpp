@@ -74,6 +74,8 @@ constexpr VerbRule kRules[] = {
      "play this on the request, * for any: delay (milliseconds), error (code), silent, garbage, disconnect "
      "(times), none"},
     {Verb::dpi, "dpi", "n", "tell all windows what a move to a screen of this resolution tells them"},
+    {Verb::locale, "locale", "t",
+     "set the process's locale, as another module of it may: German writes 1234,50"},
     {Verb::measure, "measure", "t?", "write what the program holds of the system into the session's log"},
     {Verb::dock, "dock", "td",
      "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
@@ -234,7 +236,7 @@ std::string ScriptCommand::Text() const {
 }
 
 Loaded<Script> Script::Load(const std::string& path) {
-    Loaded<std::string> text = ReadWholeFile(path);
+    Loaded<std::string> text = ReadTextFile(path);
     if (!text) return text.Fault();
     return Parse(text.Value(), path);
 }

@@ -8,7 +8,7 @@
 //     box "Enter Amount" OK
 #pragma once
 
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 
 #include <cstddef>
 #include <optional>
@@ -74,6 +74,7 @@ enum class Verb : std::size_t {
     execute,
     fault,
     dpi,
+    locale,
     measure,
     dock,
     hidePane,

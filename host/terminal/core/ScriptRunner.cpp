@@ -63,6 +63,9 @@ StepResult ScriptRunner::TryBox(const ScriptCommand& command, std::optional<int>
     if (m_answeredBox) return TryAnswer(*button);
     const std::optional<OpenMessageBox> box = m_stage.OpenBox();
     if (!box) return StepResult::Again("there is no message box \"" + command.words[0] + '"');
+    // One that an earlier command found may still be open.
+    if (!Names(command, box->text))
+        return StepResult::Again("the message box \"" + box->text + "\" is not \"" + command.words[0] + '"');
     m_foundBox = box->id;
     return button ? TryAnswer(*button) : StepResult::Done();
 }

@@ -24,7 +24,7 @@ std::optional<std::uint32_t> DateNumber(std::string_view text) {
 } // namespace
 
 Loaded<TradingCalendar> TradingCalendar::Load(const std::string& path) {
-    Loaded<std::string> text = ReadWholeFile(path);
+    Loaded<std::string> text = ReadTextFile(path);
     if (!text) return text.Fault();
     return Parse(text.Value(), path);
 }

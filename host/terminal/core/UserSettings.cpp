@@ -1,47 +1,40 @@
 #include "host/terminal/core/UserSettings.h"
 
-#include "host/terminal/core/Json.h"
+#include "host/files/Json.h"
+#include "host/files/Paths.h"
 
-#include <filesystem>
 #include <system_error>
 
 namespace vesk {
-namespace {
-
 using nlohmann::json;
 
-std::optional<FileFault> CheckShape(const json& root, std::string_view text, std::string_view path) {
-    const auto fault = [&](const std::string& member, std::string what) {
-        return FileFault{std::string(FileNameOf(path)), LineOfMember(text, member), std::move(what)};
+Loaded<UserSettings::Sections> UserSettings::Load(const std::string& path) {
+    Loaded<std::string> text = ReadTextFile(path);
+    if (!text) return text.Fault();
+    const Loaded<JsonObject> object = ParseJsonObject(text.Value(), path);
+    if (!object) return object.Fault();
+    const auto fault = [&](const json& value, std::string what) {
+        return FileFault{std::string(FileNameOf(path)), object.Value().LineOf(value), std::move(what)};
     };
-    for (const auto& [section, values] : root.items()) {
-        if (!values.is_object()) return fault(section, "section \"" + section + "\" is not an object");
+    for (const auto& [section, values] : object.Value().Root().items()) {
+        if (!values.is_object()) return fault(values, "section \"" + section + "\" is not an object");
         for (const auto& [key, value] : values.items())
-            if (!value.is_string()) return fault(key, '"' + section + "\", \"" + key + "\" is not a text");
+            if (!value.is_string()) return fault(value, '"' + section + "\", \"" + key + "\" is not a text");
     }
-    return std::nullopt;
+    return object.Value().Root().get<Sections>();
 }
-
-} // namespace
 
 std::optional<FileFault> UserSettings::Open(const std::string& path) {
     m_path = path;
     m_sections.clear();
     std::error_code error;
-    if (!std::filesystem::exists(path, error)) return std::nullopt;
-    Loaded<std::string> text = ReadWholeFile(path);
-    if (!text) return text.Fault();
-    Loaded<json> root = ParseJsonObject(text.Value(), path);
-    std::optional<FileFault> fault;
-    if (!root)
-        fault = root.Fault();
-    else
-        fault = CheckShape(root.Value(), text.Value(), path);
-    if (fault) {
-        std::filesystem::rename(path, path + ".bad", error);
-        return fault;
+    if (!std::filesystem::exists(PathOf(path), error)) return std::nullopt;
+    Loaded<Sections> sections = Load(path);
+    if (!sections) {
+        std::filesystem::rename(PathOf(path), PathOf(path + ".bad"), error);
+        return sections.Fault();
     }
-    m_sections = root.Value().get<decltype(m_sections)>();
+    m_sections = std::move(sections.Value());
     return std::nullopt;
 }
 

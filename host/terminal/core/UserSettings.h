@@ -1,7 +1,7 @@
 // The user's settings: texts by section and key, kept in one JSON file that is rewritten at each change.
 #pragma once
 
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 
 #include <map>
 #include <optional>
@@ -22,9 +22,11 @@ public:
 
 private:
     using Section = std::map<std::string, std::string, std::less<>>;
+    using Sections = std::map<std::string, Section, std::less<>>;
+    static Loaded<Sections> Load(const std::string& path);
 
     std::string m_path;
-    std::map<std::string, Section, std::less<>> m_sections;
+    Sections m_sections;
 };
 
 } // namespace vesk

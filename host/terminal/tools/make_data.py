@@ -52,7 +52,7 @@ def scrips(rng):
 
 def clients(rng):
     # CL100 is also the beginning of CL1001 and its like, so a search must be able to ask for exactly one.
-    for number in list(range(100, 110)) + list(range(1000, 1190)):
+    for number in [*range(100, 110), *range(1000, 1190), *range(110, 151)]:
         yield f"CL{number},{rng.choice(GIVEN)} {rng.choice(FAMILY)},{'Y' if rng.random() < 0.1 else 'N'}"
 
 

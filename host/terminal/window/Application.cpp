@@ -1,15 +1,16 @@
 #include "host/terminal/window/Application.h"
 
 #include "framework/DialogLayout.h"
+#include "host/files/Paths.h"
 #include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/CountDialog.h"
 #include "host/terminal/window/EmbeddedLink.h"
+#include "host/terminal/window/Encoding.h"
 #include "host/terminal/window/RemoteLink.h"
 #include "host/terminal/window/WindowStage.h"
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 
 namespace vesk {
 namespace {
@@ -30,12 +31,12 @@ StartOptions WithDefaults(StartOptions options) {
     settle(options.userFolder, options.dataFolder + "\\user");
     settle(options.journal, options.dataFolder + "\\journal");
     settle(options.outFolder, ".");
-    char full[MAX_PATH] = "";
-    // Plug-ins build paths upon it and may change the current folder.
-    if (GetFullPathNameA(options.userFolder.c_str(), sizeof full, full, nullptr)) options.userFolder = full;
     std::error_code ignored; // a folder that cannot be made shows when the first file is written
-    std::filesystem::create_directories(options.userFolder, ignored);
-    std::filesystem::create_directories(options.outFolder, ignored);
+    // Plug-ins build paths upon it and may change the current folder.
+    const std::filesystem::path user = std::filesystem::absolute(PathOf(options.userFolder), ignored);
+    options.userFolder = TextOfPath(std::filesystem::path(user).make_preferred());
+    std::filesystem::create_directories(user, ignored);
+    std::filesystem::create_directories(PathOf(options.outFolder), ignored);
     return options;
 }
 
@@ -51,10 +52,12 @@ std::string TimeOfDay() {
 } // namespace
 
 std::string ProgramFolder() {
-    char path[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, path, sizeof path);
-    const std::string program(path);
-    return program.substr(0, program.find_last_of('\\'));
+    std::wstring path(MAX_PATH, L'\0');
+    DWORD length = 0;
+    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size())
+        path.resize(path.size() * 2);
+    path.resize(length);
+    return TextOfPath(std::filesystem::path(path).parent_path());
 }
 
 Application* RunningApplication() {
@@ -90,7 +93,7 @@ int Application::Run() {
 bool Application::StartFailed(const std::string& why) {
     const bool scripted = !m_options.scriptFile.empty();
     m_sessionLog.Write(scripted ? "script failed: " + why : why);
-    if (!scripted) MessageBoxA(nullptr, why.c_str(), "Vesk Trader", MB_OK | MB_ICONERROR);
+    if (!scripted) MessageBoxA(nullptr, ForScreen(why).c_str(), "Vesk Trader", MB_OK | MB_ICONERROR);
     return false;
 }
 

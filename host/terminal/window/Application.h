@@ -19,7 +19,7 @@
 
 namespace vesk {
 
-// Where the terminal itself stands.
+// Where the terminal itself stands, in UTF-8.
 std::string ProgramFolder();
 
 class Application {

@@ -1,9 +1,11 @@
 #include "host/terminal/window/EmbeddedLink.h"
 
+#include "host/files/Paths.h"
 #include "host/server/RxHub.h"
 #include "host/server/Schedule.h"
 #include "host/server/ServerConfig.h"
 #include "host/terminal/core/MarketOfServer.h"
+#include "host/terminal/window/Encoding.h"
 
 #include <windows.h>
 
@@ -24,12 +26,12 @@ EmbeddedLink::EmbeddedLink(const TerminalState& state, const std::string& journa
       m_events(std::move(events)) {
     ConfigResult config = LoadServerConfig(state.dataFolder + "/server.json");
     if (!config.config) notes.push_back(config.error + "; the server runs with its usual settings");
-    JournalOpening opening = Journal::Open(journalFile);
-    if (!opening.warning.empty()) notes.push_back(opening.warning);
+    JournalOpening opening = Journal::Open(PathOf(journalFile));
+    if (!opening.warning.empty()) notes.push_back(ForScreen(opening.warning));
     if (opening.journal)
         StartServer(std::move(opening), config.config.value_or(ServerConfig{}), notes);
     else
-        notes.push_back(opening.error + "; there is no trading server");
+        notes.push_back(ForScreen(opening.error) + "; there is no trading server");
 }
 
 // The hub works on the server to its end.
@@ -42,6 +44,7 @@ void EmbeddedLink::StartServer(JournalOpening opening, ServerConfig config, std:
     config.nonTrading = DatesOf(m_state.calendar.Dates());
     m_server = std::make_unique<Server>(std::move(config), *m_journal, opening.records, SystemClock());
     m_server->SetPrices(PricesOf(m_state.master));
+    m_server->SetClients(ClientsOf(m_state.clients));
     if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
     const std::size_t records = opening.records.size();
     opening.records.clear();

@@ -36,7 +36,7 @@ int pu_invoke_caution_order_confirmation(InString client, InString investType, I
     return Serve(int{kCautionUndecided}, [&](Application& application) -> int {
         const CautionOrder order = Order(client, investType, product, value, symbol, exchange);
         if (const auto decided = DecideCaution(application.State().master, order)) return *decided;
-        const int answer = application.Ask(CautionQuestion(order), MB_YESNO | MB_ICONWARNING);
+        const int answer = application.Ask(CautionQuestion(order), MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2);
         return answer == IDYES ? kCautionary : kNotCautionary;
     });
 }
@@ -55,7 +55,7 @@ int pu_invoke_bskt_caution_order_confirmation() {
         BasketCaution& basket = application.State().basketCaution;
         const std::string question = basket.Question();
         if (question.empty()) return basket.Answer(BasketAnswer::refuse);
-        return basket.Answer(AnswerOf(application.Ask(question, MB_YESNOCANCEL | MB_ICONWARNING)));
+        return basket.Answer(AnswerOf(application.Ask(question, MB_YESNOCANCEL | MB_ICONWARNING | MB_DEFBUTTON2)));
     });
 }
 

@@ -1,4 +1,5 @@
 // Exports about the session: identity, rights, settings, fonts, keys, the log, and the server's controls.
+#include "host/terminal/window/Encoding.h"
 #include "host/terminal/window/HostExports.h"
 
 #include <rpc.h>
@@ -62,7 +63,7 @@ int pu_get_uuid(OutString identifier) {
 
 int pu_get_UserDirectory(OutString directory) {
     return Serve(0, [&](Application& application) {
-        Put(directory, application.State().userFolder);
+        Put(directory, FolderForPlugins(application.State().userFolder));
         return 1;
     });
 }

@@ -1,6 +1,6 @@
 #include "host/terminal/window/MarketWatch.h"
 
-#include <cstdio>
+#include "base/Format.h"
 
 namespace vesk {
 namespace {
@@ -18,10 +18,8 @@ constexpr ListColumn kColumns[] = {
 };
 
 std::string Price(std::int64_t scaled, const Scrip& scrip) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", scrip.decimals,
-                  static_cast<double>(scaled) / static_cast<double>(scrip.multiplier));
-    return text;
+    return base::Format("%.*f", scrip.decimals,
+                        static_cast<double>(scaled) / static_cast<double>(scrip.multiplier));
 }
 
 std::string ShownExchange(const Scrip& scrip) {

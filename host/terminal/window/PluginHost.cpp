@@ -1,5 +1,8 @@
 #include "host/terminal/window/PluginHost.h"
 
+#include "host/files/Paths.h"
+#include "host/terminal/window/Encoding.h"
+
 #include <algorithm>
 
 namespace vesk {
@@ -20,12 +23,12 @@ std::vector<std::string> Texts(const CStringArray& array) {
 
 std::vector<std::string> LibrariesIn(const std::string& folder) {
     std::vector<std::string> names;
-    WIN32_FIND_DATAA found{};
-    const HANDLE search = FindFirstFileA((folder + "\\*.zup").c_str(), &found);
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(PathOf(folder + "\\*.zup").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return names;
     do
-        names.emplace_back(found.cFileName);
-    while (FindNextFileA(search, &found));
+        names.push_back(TextOfPath(found.cFileName));
+    while (FindNextFileW(search, &found));
     FindClose(search);
     std::ranges::sort(names);
     return names;
@@ -47,15 +50,15 @@ private:
 std::vector<std::string> PluginHost::LoadFolder(const std::string& folder) {
     std::vector<std::string> lines;
     for (const std::string& name : LibrariesIn(folder))
-        lines.push_back(LoadOne(folder + '\\' + name, name));
-    if (lines.empty()) lines.push_back("There is no plug-in in \"" + folder + '"');
+        lines.push_back(LoadOne(folder + '\\' + name, ForScreen(name)));
+    if (lines.empty()) lines.push_back("There is no plug-in in \"" + ForScreen(folder) + '"');
     return lines;
 }
 
 std::string PluginHost::LoadOne(const std::string& path, const std::string& fileName) {
     Plugin plugin;
     plugin.fileName = fileName;
-    plugin.module = LoadLibraryA(path.c_str());
+    plugin.module = LoadLibraryW(PathOf(path).c_str());
     if (!plugin.module) return fileName + " cannot be loaded, error " + std::to_string(GetLastError());
     if (!Resolve(plugin.module, "GetVeskPluginInfo", plugin.info)
         || !Resolve(plugin.module, "InitVeskPlugin", plugin.init)) {

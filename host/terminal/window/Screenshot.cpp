@@ -1,6 +1,7 @@
 #include "host/terminal/window/Screenshot.h"
 
 #include "framework/Handle.h"
+#include "host/files/Paths.h"
 
 #include <objidl.h>
 
@@ -46,9 +47,6 @@ bool IsBlank(HBITMAP bitmap, int width, int height) {
 }
 
 bool SavePng(HBITMAP bitmap, const std::string& path) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(std::max(length, 1)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, wide.data(), length);
     namespace flat = Gdiplus::DllExports;
     Gdiplus::GdiplusStartupInput input;
     ULONG_PTR token = 0;
@@ -56,7 +54,7 @@ bool SavePng(HBITMAP bitmap, const std::string& path) {
     Gdiplus::GpBitmap* picture = nullptr;
     bool saved = false;
     if (flat::GdipCreateBitmapFromHBITMAP(bitmap, nullptr, &picture) == Gdiplus::Ok) {
-        saved = flat::GdipSaveImageToFile(picture, wide.c_str(), &kPngEncoder, nullptr) == Gdiplus::Ok;
+        saved = flat::GdipSaveImageToFile(picture, PathOf(path).c_str(), &kPngEncoder, nullptr) == Gdiplus::Ok;
         flat::GdipDisposeImage(picture);
     }
     Gdiplus::GdiplusShutdown(token);

@@ -2,6 +2,8 @@
 // program dies.
 #pragma once
 
+#include "host/files/Paths.h"
+
 #include <fstream>
 #include <string>
 
@@ -11,7 +13,7 @@ class SessionLog {
 public:
     // An empty path writes nothing.
     explicit SessionLog(const std::string& path) {
-        if (!path.empty()) m_file.open(path, std::ios::trunc);
+        if (!path.empty()) m_file.open(PathOf(path), std::ios::trunc);
     }
 
     void Write(const std::string& line) {

@@ -38,6 +38,7 @@ const WindowStage::Row WindowStage::kRows[] = {
     {Verb::execute, &WindowStage::TellServer},
     {Verb::fault, &WindowStage::TellServer},
     {Verb::dpi, &WindowStage::Dpi},
+    {Verb::locale, &WindowStage::Locale},
     {Verb::measure, &WindowStage::Measure},
     {Verb::dock, &WindowStage::Dock},
     {Verb::hidePane, &WindowStage::HidePane},

@@ -60,6 +60,7 @@ private:
     StepResult Mode(const ScriptCommand&, std::size_t);
     StepResult TellServer(const ScriptCommand&, std::size_t attempt);
     StepResult Dpi(const ScriptCommand&, std::size_t);
+    StepResult Locale(const ScriptCommand&, std::size_t);
     StepResult Measure(const ScriptCommand&, std::size_t);
     StepResult Dock(const ScriptCommand&, std::size_t);
     StepResult HidePane(const ScriptCommand&, std::size_t);

@@ -1,5 +1,5 @@
 // The commands that look and compare.
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/MenuBar.h"
 #include "host/terminal/window/StageTexts.h"

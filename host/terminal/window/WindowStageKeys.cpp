@@ -1,5 +1,6 @@
 // The commands that work through the keyboard. Keys are posted one a call: the timer that drives the script
 // comes only when all posted messages are done, so each key is taken before the next is pressed.
+#include "host/files/Paths.h"
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/MenuBar.h"
 #include "host/terminal/window/StageTexts.h"
@@ -154,9 +155,9 @@ StepResult WindowStage::GiveFile(const ScriptCommand& command, std::size_t attem
     const HWND dialog = GetActiveWindow();
     if (!dialog || !IsOfClass(dialog, "#32770")) return StepResult::Again("there is no file dialog");
     for (const int id : {0x47C, 0x480}) {
-        const framework::Window edit(FindControl(dialog, id));
+        const HWND edit = FindControl(dialog, id);
         if (!edit) continue;
-        edit.SetText(BesideProgram(command.words[0]));
+        SetWindowTextW(edit, PathOf(BesideProgram(command.words[0])).c_str());
         PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
                      reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
         m_fileDialog = dialog;

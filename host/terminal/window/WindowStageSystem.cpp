@@ -4,6 +4,8 @@
 #include "host/terminal/window/WindowFinder.h"
 #include "host/terminal/window/WindowStage.h"
 
+#include <clocale>
+
 namespace vesk {
 namespace {
 
@@ -48,6 +50,11 @@ StepResult WindowStage::Dpi(const ScriptCommand& command, std::size_t) {
         ChangeDpi(window, before, dpi);
     m_dpi = dpi;
     return StepResult::Done();
+}
+
+StepResult WindowStage::Locale(const ScriptCommand& command, std::size_t) {
+    if (std::setlocale(LC_ALL, command.words[0].c_str())) return StepResult::Done();
+    return StepResult::Failed("the system knows no locale \"" + command.words[0] + '"');
 }
 
 StepResult WindowStage::Measure(const ScriptCommand& command, std::size_t) {

@@ -1,4 +1,5 @@
 #include "framework/Guard.h"
+#include "host/files/Paths.h"
 #include "host/terminal/window/Application.h"
 
 #include <windows.h>
@@ -10,8 +11,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
         INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES | ICC_BAR_CLASSES
                                                            | ICC_DATE_CLASSES | ICC_STANDARD_CLASSES};
         InitCommonControlsEx(&controls);
-        const std::span<const char* const> words(__argv, static_cast<std::size_t>(__argc));
-        vesk::Application application(vesk::ParseCommandLine(words.subspan(1)));
+        vesk::Application application(vesk::ParseCommandLine(vesk::CommandWords(__argc, __argv)));
         return application.Run();
     });
 }

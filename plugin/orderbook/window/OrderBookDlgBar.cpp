@@ -27,7 +27,7 @@ COrderBookDlgBar::COrderBookDlgBar(HINSTANCE module, Session& session, framework
 
 void COrderBookDlgBar::Open(HWND mainFrame) {
     // What fails is told when the pane stands.
-    const framework::MessageBoxes::Hold hold(m_boxes);
+    const framework::MessageBoxes::Hold hold(m_boxes, framework::MessageBoxes::Hold::Then::together);
     if (!Handle()) MakePane(mainFrame);
     if (m_session.Ended() || !Handle()) return;
     Self().Show(true);

@@ -11,8 +11,8 @@ AnyFunction FindInHost(const char* name) {
 }
 
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
-                                             framework::MessageBoxes& boxes)
-    : m_session(FindInHost, identity, strings), m_orderEntry(module, m_session, boxes),
+                                             framework::MessageBoxes& boxes, const FontArguments& font)
+    : m_session(FindInHost, identity, strings), m_font(font), m_orderEntry(module, m_session, boxes),
       m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
       m_orderHistory(module, m_session, boxes),
       m_orderBook(
@@ -58,7 +58,7 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
     SipRegistration registration;
     for (const auto& [member, field] : rows)
         registration.*member = record.Text(field);
-    if (!m_orderEntry.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+    if (!m_orderEntry.HasWindow()) ApplyFontPreference();
     if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
 }
 
@@ -85,9 +85,9 @@ void CPlanfoldControlBlock::FindSettingsPaths() {
     CCommonListCtrl::SetRecoveryFiles(userSettingsPath.Hand(), dialogPositionsPath.Hand());
 }
 
-void CPlanfoldControlBlock::ApplyFontPreference(void* third, void* fourth) {
+void CPlanfoldControlBlock::ApplyFontPreference() {
     if (!m_session.host.pu_get_FontVariation) return;
-    m_session.host.pu_get_FontVariation(&m_nFontVariation, &m_nFontSize, third, fourth);
+    m_session.host.pu_get_FontVariation(&m_nFontVariation, &m_nFontSize, m_font.third, m_font.fourth);
     const auto apply = [&](framework::Dialog& dialog) {
         dialog.SetFontSize(PreferredPointSize(dialog.TemplateFontSize(), m_nFontSize, m_nFontVariation));
     };

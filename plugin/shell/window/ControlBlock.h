@@ -17,10 +17,17 @@ namespace planfold {
 // Finds an export of the host executable.
 AnyFunction FindInHost(const char* name);
 
+// What the host handed over with its last word about its font, for it to get back whenever it is asked.
+struct FontArguments {
+    void* third = nullptr;
+    void* fourth = nullptr;
+};
+
 class CPlanfoldControlBlock {
 public:
+    // `font` is the host's latest and outlives the block.
     CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
-                          framework::MessageBoxes& boxes);
+                          framework::MessageBoxes& boxes, const FontArguments& font);
     CPlanfoldControlBlock(const CPlanfoldControlBlock&) = delete;
     CPlanfoldControlBlock& operator=(const CPlanfoldControlBlock&) = delete;
 
@@ -33,7 +40,7 @@ public:
     void PrepareForPick(Notices& notices);
     void SetLoginMode(std::int32_t mode) { m_session.m_nLoginMode = mode; }
     // Asks the host for its font preference and lays the windows out anew.
-    void ApplyFontPreference(void* third, void* fourth);
+    void ApplyFontPreference();
 
     void OpenOrderEntry() { OpenInHostsFont(m_orderEntry); }
     void OpenBasket() { OpenInHostsFont(m_basket); }
@@ -49,12 +56,13 @@ public:
 private:
     template <class Window, class... Arguments>
     void OpenInHostsFont(Window& window, const Arguments&... arguments) {
-        if (!window.HasWindow()) ApplyFontPreference(nullptr, nullptr);
+        if (!window.HasWindow()) ApplyFontPreference();
         if (!m_session.Ended()) window.Open(arguments...);
     }
     void FindSettingsPaths();
 
     Session m_session;
+    const FontArguments& m_font;
     std::optional<framework::KeyboardHook> m_keyboard{std::in_place};
     // The windows take their controls in this order.
     COrderEntryDlg m_orderEntry;

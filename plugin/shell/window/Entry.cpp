@@ -23,13 +23,16 @@ namespace {
 struct Module {
     HeapStringManager strings;
     framework::MessageBoxes boxes{"Planfold"};
+    FontArguments font;
     std::shared_ptr<CPlanfoldControlBlock> block;
     int exits = 0; // told by the host so far
 };
 
+// Until the library is unloaded. At the end of the process it stays: the host, whose controls and strings it
+// would give back, has ended by then.
 Module& ThisModule() {
-    static Module module;
-    return module;
+    static Module* const module = new Module;
+    return *module;
 }
 
 // The library's own instance, for its resources.
@@ -71,7 +74,7 @@ std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow
         // or the end.
         const framework::MessageBoxes::Hold hold(module.boxes);
         auto made = std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
-                                                            module.boxes);
+                                                            module.boxes, module.font);
         made->SetOwner(made);
         // The host was asked on the way: it may have picked again, or told to exit.
         if (module.exits != exits) return nullptr;
@@ -166,7 +169,9 @@ PLANFOLD_EXPORT int AlertOn_ClientActivation(CString* client) {
 
 PLANFOLD_EXPORT void ApplyFontVarPreference(void*, void*, void* third, void* fourth) {
     framework::Guard([&] {
-        if (const auto held = ThisModule().block) held->ApplyFontPreference(third, fourth);
+        Module& module = ThisModule();
+        module.font = {third, fourth};
+        if (const auto held = module.block) held->ApplyFontPreference();
     });
 }
 
@@ -179,10 +184,11 @@ PLANFOLD_EXPORT int vesku_get_formatted_month_in_number(const char* month) {
     return month ? MonthNumber(month) : 0;
 }
 
-BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID) {
+BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID isProcessEnding) {
     if (reason == DLL_PROCESS_ATTACH) {
         g_hHostModule = GetModuleHandleA(nullptr);
         DisableThreadLibraryCalls(library);
     }
+    if (reason == DLL_PROCESS_DETACH && !isProcessEnding) delete &ThisModule();
     return TRUE;
 }

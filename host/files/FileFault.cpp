@@ -1,6 +1,8 @@
-#include "host/terminal/core/FileFault.h"
+#include "host/files/FileFault.h"
 
-#include <filesystem>
+#include "base/FileText.h"
+#include "host/files/Paths.h"
+
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -14,17 +16,26 @@ std::string_view FileNameOf(std::string_view path) {
 
 Loaded<std::string> ReadWholeFile(const std::string& path) {
     const std::string name(FileNameOf(path));
+    const std::filesystem::path file = PathOf(path);
     std::error_code error;
     // A stream opens a folder on some systems and then reads nothing, which would look like an empty file.
-    if (!std::filesystem::is_regular_file(path, error)) return FileFault{name, 0, "file not found"};
-    std::ifstream stream(path, std::ios::binary);
+    if (!std::filesystem::is_regular_file(file, error)) return FileFault{name, 0, "file not found"};
+    std::ifstream stream(file, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(stream), {}};
     if (!stream.is_open() || stream.bad()) return FileFault{name, 0, "file cannot be read"};
     return text;
 }
 
+Loaded<std::string> ReadTextFile(const std::string& path) {
+    Loaded<std::string> text = ReadWholeFile(path);
+    if (!text) return text;
+    if (base::IsUtf16(text.Value()))
+        return FileFault{std::string(FileNameOf(path)), 0, "this is UTF-16 text; save it as UTF-8"};
+    return std::string(base::WithoutMark(text.Value()));
+}
+
 bool WriteInPlace(const std::string& path, std::string_view text, std::ios::openmode mode) {
-    std::ofstream stream(path, mode | std::ios::trunc);
+    std::ofstream stream(PathOf(path), mode | std::ios::trunc);
     stream.write(text.data(), static_cast<std::streamsize>(text.size()));
     stream.close();
     return !stream.fail();
@@ -33,10 +44,10 @@ bool WriteInPlace(const std::string& path, std::string_view text, std::ios::open
 bool WriteWholeFile(const std::string& path, std::string_view text, std::ios::openmode mode) {
     const std::string draft = path + ".new";
     std::error_code error = std::make_error_code(std::errc::io_error);
-    if (WriteInPlace(draft, text, mode)) std::filesystem::rename(draft, path, error);
+    if (WriteInPlace(draft, text, mode)) std::filesystem::rename(PathOf(draft), PathOf(path), error);
     if (!error) return true;
     std::error_code ignored;
-    std::filesystem::remove(draft, ignored);
+    std::filesystem::remove(PathOf(draft), ignored);
     return false;
 }
 

@@ -1,4 +1,4 @@
-// What is wrong with one of the terminal's files, and where.
+// Files as a whole, and what is wrong with one, and where. Paths are UTF-8.
 #pragma once
 
 #include <cstddef>
@@ -39,6 +39,8 @@ private:
 
 // The whole file as it is. Fault: missing, a folder, or unreadable.
 Loaded<std::string> ReadWholeFile(const std::string& path);
+// The same of a text, without a byte order mark. UTF-16 is a fault.
+Loaded<std::string> ReadTextFile(const std::string& path);
 
 // Replaces the file as a whole: a reader sees the old text or the new one. False when it cannot, and then
 // nothing is left behind. Without std::ios::binary line feeds become the platform's line ends.
