@@ -23,13 +23,20 @@ bool InSystemLoop() {
     return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & loops) != 0;
 }
 
+// Before the control that has the focus gets it.
+bool TakesKey(HWND dialog, const MSG& message) {
+    return message.message == WM_KEYDOWN
+           && SendMessageA(dialog, kOfferedKey, message.wParam, message.lParam) != 0;
+}
+
 LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
     Guard([&] {
         auto& message = *reinterpret_cast<MSG*>(lParam);
         if (code < 0 || removed != PM_REMOVE) return;
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
         const HWND dialog = EnrolledDialog(message.hwnd);
-        if (!dialog || InSystemLoop() || !IsDialogMessageW(dialog, &message)) return;
+        if (!dialog || InSystemLoop()) return;
+        if (!TakesKey(dialog, message) && !IsDialogMessageW(dialog, &message)) return;
         // Already dispatched: what the host's loop gets must do nothing.
         message.message = WM_NULL;
         message.wParam = 0;

@@ -1,0 +1,37 @@
+#include "plugin/orderentry/SentModifications.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold {
+
+void SentModifications::Add(std::string registration, int opening, std::int64_t now) {
+    m_sent.push_back({std::move(registration), opening, now});
+    ForgetLost(now);
+}
+
+void SentModifications::ForgetLost(std::int64_t now) {
+    while (m_sent.size() > 1 && now - m_sent.front().at > kAnswerPatienceMs)
+        m_sent.erase(m_sent.begin());
+}
+
+bool SentModifications::Answered(std::string_view registration, int opening, bool refused, std::int64_t now) {
+    ForgetLost(now);
+    const auto meant = [&](const Sent& sent) {
+        return registration.empty() || sent.registration == registration;
+    };
+    const auto oldest = std::ranges::find_if(m_sent, meant);
+    if (oldest == m_sent.end()) return false;
+    // Of a registration that the answer names, the answers of earlier openings may be lost.
+    const bool own =
+        registration.empty() ? oldest->opening == opening : std::ranges::any_of(m_sent, [&](const Sent& sent) {
+            return meant(sent) && sent.opening == opening;
+        });
+    if (own && !refused)
+        std::erase_if(m_sent, [&](const Sent& sent) { return sent.opening == opening; });
+    else
+        m_sent.erase(oldest);
+    return own;
+}
+
+} // namespace planfold
