@@ -17,16 +17,13 @@ void SentModifications::ForgetLost(std::int64_t now) {
 
 bool SentModifications::Answered(std::string_view registration, int opening, bool refused, std::int64_t now) {
     ForgetLost(now);
-    const auto meant = [&](const Sent& sent) {
-        return registration.empty() || sent.registration == registration;
-    };
-    const auto oldest = std::ranges::find_if(m_sent, meant);
+    if (m_sent.empty()) return false;
+    const std::string named(registration.empty() ? m_sent.front().registration : registration);
+    const auto oldest = std::ranges::find(m_sent, named, &Sent::registration);
     if (oldest == m_sent.end()) return false;
-    // Of a registration that the answer names, the answers of earlier openings may be lost.
-    const bool own =
-        registration.empty() ? oldest->opening == opening : std::ranges::any_of(m_sent, [&](const Sent& sent) {
-            return meant(sent) && sent.opening == opening;
-        });
+    // Of one registration the answers of earlier openings may be lost.
+    const bool own = std::ranges::any_of(
+        m_sent, [&](const Sent& sent) { return sent.registration == named && sent.opening == opening; });
     if (own && !refused)
         std::erase_if(m_sent, [&](const Sent& sent) { return sent.opening == opening; });
     else

@@ -16,8 +16,9 @@ public:
     // From the window's opening of that number.
     void Add(std::string registration, int opening, std::int64_t now);
 
-    // Takes the modification off that is answered: one of the registration that the answer names; the oldest
-    // that can still be waited for when it names none. True when it was sent from this opening.
+    // Takes the modification off that is answered: one of the registration that the answer names, or when it
+    // names none, of the oldest that can still be waited for. True when this opening has sent one of that
+    // registration.
     bool Answered(std::string_view registration, int opening, bool refused, std::int64_t now);
 
 private:

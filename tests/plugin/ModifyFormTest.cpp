@@ -144,12 +144,12 @@ TEST_F(ModifyTest, TheAnswerClosesOnlyTheWindowThatStillShowsItsRegistration) {
 // end, or not.
 TEST_F(ModifyTest, AnAnswerClosesTheWindowThatSentItWhateverWasLost) {
     const std::pair<const char*, bool> rows[] = {
-        {"Asa", true},     {"As.", true},      {"Asb", false},    {"Aa", false},       {"A.", false},
-        {"Asa!", false},   {"As.!", false},    {"As.!s.", true},  {"Asa!sa", true},    {"AsBsb", true},
-        {"AsBsa", false},  {"AsBsab", true},   {"AsBb", false}, // the first is lost, or late
-        {"AsBs.", false},  {"AsBs..", true},   {"AsB.s.", true},  {"AsBs_.", true},    {"As_Bs.", true},
-        {"AsAsa", true},   {"AsAa", false},    {"AsAsa!a", true}, {"Assa", true},      {"Ass.", true},
-        {"AssaBs.", true}, {"AsBsCs_.", true}, {"AsBsCsc", true}, {"AsBsCs...", true},
+        {"Asa", true},    {"As.", true},     {"Asb", false},     {"Aa", false},     {"A.", false},
+        {"Asa!", false},  {"As.!", false},   {"As.!s.", true},   {"Asa!sa", true},  {"AsBsb", true},
+        {"AsBsa", false}, {"AsBsab", true},  {"AsBb", false}, // the first is lost, or late
+        {"AsBs.", false}, {"AsBs..", true},  {"AsB.s.", true},   {"AsBs_.", true},  {"As_Bs.", true},
+        {"AsAsa", true},  {"AsAs.", true},   {"AsAa", false},    {"AsAsa!a", true}, {"Assa", true},
+        {"Ass.", true},   {"AssaBs.", true}, {"AsBsCs_.", true}, {"AsBsCsc", true}, {"AsBsCs...", true},
     };
     for (const auto& [steps, closes] : rows) {
         view.closed = false;
