@@ -13,6 +13,7 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
     // registration that it showed before.
     const bool showedOne = m_modifying && !m_modifying->Number().empty();
     m_modifying.emplace();
+    m_asksLater.reset();
     m_names.Forget();
     if (showedOne) {
         m_view.SetTitle(kName);

@@ -6,6 +6,8 @@
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
 
+#include <utility>
+
 namespace planfold {
 
 namespace {
@@ -31,6 +33,7 @@ const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
     const int opening = ++m_openings;
     m_modifying.reset();
+    m_asksLater.reset();
     m_names.Forget();
     PrepareClient();
     if (!StillOpen(opening)) return;
@@ -127,17 +130,21 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
 
 bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
     const int opening = m_openings;
-    if (form.modifyMode) return ConfirmChanged(opening);
-    if (!IsUnknownClient(m_session, form.client)) return StillOpen(opening);
+    if (form.modifyMode) return ConfirmChanged(form);
+    const bool unknown = IsUnknownClient(m_session, form.client);
+    if (!unknown || !StillOpen(opening)) return StillOpen(opening);
+    if (!MayAsk(form)) return false;
     const bool yes = m_view.Ask(UnknownClientQuestion(form.client));
     if (!yes) focus = m_form.ClientControl();
     return yes && StillOpen(opening);
 }
 
 // Again when it changes once more while the question stands.
-bool OrderEntry::ConfirmChanged(int opening) {
+bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
+    const int opening = m_openings;
     std::string told;
     for (std::string news = m_modifying->News("\n"); news != told; news = m_modifying->News("\n")) {
+        if (!MayAsk(form)) return false;
         told = news;
         const std::string& user = m_modifying->ChangedBy();
         const std::string by = user.empty() ? user : " by " + user;
@@ -146,6 +153,17 @@ bool OrderEntry::ConfirmChanged(int opening) {
         if (!m_view.Ask(question) || !StillOpen(opening)) return false;
     }
     return true;
+}
+
+bool OrderEntry::MayAsk(const SipOrderForm& form) {
+    if (m_view.MayAsk()) return true;
+    m_asksLater = form;
+    return false;
+}
+
+void OrderEntry::OnBoxGone(const LocalDateTime& now) {
+    const auto form = std::exchange(m_asksLater, std::nullopt);
+    if (form && m_view.IsOpen() && *form == ReadForm()) Submit(now);
 }
 
 void OrderEntry::Send(const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome) {

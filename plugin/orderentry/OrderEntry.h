@@ -51,6 +51,9 @@ public:
     // a question, the host's as well, lets the user press again.
     void Submit(const LocalDateTime& now);
 
+    // The box is gone under which a question could not be asked: now it is, unless the form has changed since.
+    void OnBoxGone(const LocalDateTime& now);
+
     // The next of the orders that were refused, into the form; what the dealer had typed there is kept in turn.
     // False when there is none, or when a modification has the form.
     bool BringBack();
@@ -80,7 +83,9 @@ private:
     // What the dealer has to agree to before the order goes out; true when he did. The control says where he
     // goes on otherwise.
     bool Confirm(const SipOrderForm& form, int& focus);
-    bool ConfirmChanged(int opening);
+    bool ConfirmChanged(const SipOrderForm& form);
+    // Whether a question can be asked; otherwise it is once the open box is gone.
+    bool MayAsk(const SipOrderForm& form);
     void ClearSent(const Outcome& outcome);
     SipOrderForm ReadForm() const;
     void PrepareClient();
@@ -112,6 +117,8 @@ private:
     std::optional<Modification> m_modifying;
     SentModifications m_sentModifications;
     KeptOrders m_kept;
+    // Submitted while no question could be asked about it.
+    std::optional<SipOrderForm> m_asksLater;
     // What stands in the form without the dealer's doing, and whether it is an order that was brought back.
     SipOrderForm m_untouched;
     bool m_broughtBack = false;

@@ -10,7 +10,9 @@ namespace planfold {
 
 class OrderEntryView : public DialogView {
 public:
-    // A question with Yes and No, No being the default; true for Yes. False at once while another box is open.
+    // False while another box is open. That one comes to the front, and OrderEntry hears when it is gone.
+    virtual bool MayAsk() = 0;
+    // A question with Yes and No, No being the default; true for Yes.
     virtual bool Ask(std::string_view question) = 0;
     // What the form says of the order in it. What alarms is drawn so; the words say it as well.
     virtual void ShowSummary(std::string_view text, bool alarms) = 0;

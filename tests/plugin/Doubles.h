@@ -92,6 +92,7 @@ using DialogDouble = DialogDoubleOf<DialogView>;
 
 class OrderEntryDouble final : public DialogDoubleOf<OrderEntryView> {
 public:
+    bool MayAsk() override { return !otherBox; }
     bool Ask(std::string_view question) override {
         questions.emplace_back(question);
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
@@ -104,7 +105,7 @@ public:
     std::int64_t Milliseconds() const override { return now; }
 
     Texts questions;
-    bool yes = true;
+    bool yes = true, otherBox = false;
     std::function<void()> duringQuestion; // run once
     std::string summary;
     bool alarms = false;

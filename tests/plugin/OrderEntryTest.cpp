@@ -160,11 +160,25 @@ TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
         EXPECT_EQ(view.Text(IDC_VALUE), row.sent ? "" : "1500") << row.client;
         EXPECT_EQ(view.focused, row.sent ? 0 : IDC_CLIENT_SEARCH);
     }
-    view.duringQuestion = [&] { Open(); };
-    Type("1500", "6", "C003");
     host.missing.clear();
     session.host = ResolveHostCallbacks(session.lookup);
     view.yes = true;
+    for (const bool changed : {true, false}) {
+        Type("1500", "6", "C003");
+        view.otherBox = true;
+        view.questions.clear();
+        host.requests.clear();
+        entry.Submit(kNow);
+        EXPECT_TRUE(view.questions.empty() && host.requests.empty());
+        if (changed) Type("1501", "6", "C002");
+        view.otherBox = false;
+        for (int i = 0; i < 2; ++i)
+            entry.OnBoxGone(kNow);
+        EXPECT_EQ(view.questions, changed ? Texts{} : Texts{unknown});
+        EXPECT_EQ(host.requests.size(), changed ? 0u : 1u) << "what is no longer shown is not sent";
+    }
+    view.duringQuestion = [&] { Open(); };
+    Type("1500", "6", "C003");
     entry.Submit(kNow);
     EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode") << "that window is gone";
 }

@@ -13,6 +13,8 @@ namespace {
 
 // To itself, when a control shows only later what it has told.
 constexpr UINT kShowPlanLater = WM_APP + 1;
+constexpr UINT_PTR kBoxTimer = 1;
+constexpr UINT kBoxTimerMs = 50;
 constexpr LPARAM kKeyWasDown = 1 << 30;
 
 struct Change {
@@ -66,6 +68,12 @@ void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
     m_controls.FilterValue(!on);
 }
 
+bool COrderEntryDlg::MayAsk() {
+    if (!Boxes().BringToFront()) return true;
+    SetTimer(Dialog::Handle(), kBoxTimer, kBoxTimerMs, nullptr);
+    return false;
+}
+
 void COrderEntryDlg::ShowSummary(std::string_view text, bool alarms) {
     const auto meaning = alarms ? framework::Meaning::bad : framework::Meaning::plain;
     m_summary.Tell(std::string(text), meaning);
@@ -112,6 +120,11 @@ std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM wParam, LP
         return std::nullopt;
     case framework::kOfferedKey:
         return wParam == VK_F3 && !(lParam & kKeyWasDown) && m_entry.BringBack();
+    case WM_TIMER:
+        if (wParam != kBoxTimer || Boxes().IsOpen()) return std::nullopt;
+        KillTimer(Dialog::Handle(), kBoxTimer);
+        m_entry.OnBoxGone(LocalNow());
+        return 0;
     case kShowPlanLater:
         OnPlanChanged();
         return 0;

@@ -32,6 +32,7 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
+    bool MayAsk() override;
     bool Ask(std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
