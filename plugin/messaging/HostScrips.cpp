@@ -25,7 +25,7 @@ ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, 
     CString token = exchange, tradingSymbol = exchange, company = exchange;
     session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &seriesOut, &symbolOut, &token,
                                               &tradingSymbol, &company);
-    return {std::string(tradingSymbol.View()), std::string(company.View())};
+    return {std::string(tradingSymbol.View()), std::string(token.View()), std::string(company.View())};
 }
 
 std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
