@@ -196,7 +196,9 @@ TEST_F(ModifyTest, WhatOthersChangeIsSaidAndAskedAbout) {
         SipRegistration changed = Registered("SIP7");
         changed.*row.field = row.now;
         changed.changedBy = row.user;
-        entry.OnRegistrationChanged(Registered("SIP8"));
+        SipRegistration another = Registered("SIP8");
+        another.amount = "7.00";
+        entry.OnRegistrationChanged(another);
         EXPECT_FALSE(view.alarms) << "another's";
         entry.OnRegistrationChanged(changed);
         const std::string said = "Changed meanwhile" + std::string(*row.user ? " " : "") + row.news;
@@ -235,25 +237,32 @@ TEST_F(ModifyTest, TheQuestionNamesTheChangeAndComesAgainWithTheNext) {
 }
 
 TEST_F(ModifyTest, TheDealersOwnChangeIsNoNews) {
-    for (const bool colleague : {false, true}) {
+    for (const auto& [periods, status] : {std::pair("18", "active"), {"18", "Paused"}, {"30", "active"}}) {
+        const bool colleague = *periods == '3' || *status == 'P';
         Fill(Registered("SIP7"));
         Type("200", "18", "C001");
         entry.Submit(kNow);
         SipRegistration changed = Registered("SIP7");
         changed.amount = "200.00";
-        changed.totalPeriod = "18";
-        if (colleague) changed.status = "Paused";
-        entry.OnRegistrationChanged(changed);
-        EXPECT_EQ(view.alarms, colleague) << view.summary;
-        // The number that the server counts by lands in another field when the mode is known.
-        std::swap(changed.installments, changed.totalPeriod);
-        changed.totalPeriod.clear();
+        changed.totalPeriod = periods;
+        changed.status = status;
         entry.OnRegistrationChanged(changed);
         EXPECT_EQ(view.alarms, colleague) << view.summary;
     }
+    // The server's one number lands in another field once its mode is known.
+    SipRegistration moved = Registered("SIP7");
+    moved.installments = std::exchange(moved.totalPeriod, "");
+    Fill(moved);
+    std::swap(moved.installments, moved.totalPeriod);
+    entry.OnRegistrationChanged(moved);
+    EXPECT_FALSE(view.alarms) << view.summary;
 }
 
 TEST_F(ModifyTest, ARefusedModificationSaysWhyUntilTheNext) {
+    Open();
+    Type("1500", "6", "C001");
+    entry.Submit(kNow);
+    Answer({{32767, {"add_sip_orders"}}, {32766, {"9"}}});
     Fill(Registered("SIP7"));
     entry.Submit(kNow);
     Answer({{32767, {"modify_sip_order"}}, {32766, {"108"}}, {20008, {"too late"}}, {64804, {"SIP7"}}});

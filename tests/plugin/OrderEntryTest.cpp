@@ -73,6 +73,9 @@ TEST_F(OrderEntryTest, ARefusedSubmitKeepsWhatWasTyped) {
     EXPECT_EQ(view.Text(IDC_VALUE), "abc");
     EXPECT_EQ(view.Text(IDC_PERIOD), "1");
     EXPECT_EQ(view.focused, IDC_VALUE);
+    view.SetText(IDC_PERIOD, "0");
+    entry.Submit(kNow);
+    EXPECT_EQ(view.focused, IDC_PERIOD);
     EXPECT_EQ(host.requests.size(), 1u);
 }
 
@@ -218,6 +221,12 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
         {"wait", "C002 ", "An order is set aside. F3 brings the order back (C002 ARBORTEX 8)."},
         {"C001 5", "C001 ", "An order is set aside. F3 brings the order back (C002 ARBORTEX 8)."},
         {"no", "C001 ", "Refused: no (code 104). F3 brings the order back (C001 ARBORTEX 5). 1 more are kept."},
+        {"F3", "C001 5", "An"},
+        {"C002 60", "C002 ", "An"},
+        {"C001 50", "C001 ", "An"},
+        {"ok", "C001 ", "An"}, // names its client
+        {"no", "C001 ",
+         "Refused: no (code 104). F3 brings the order back (C002 ARBORTEX 60). 1 more are kept."},
     };
     Open();
     Answer(kMonthlyYearly);
@@ -280,7 +289,8 @@ TEST_F(OrderEntryTest, AnOrderComesBackAsItWasTyped) {
               std::string::npos)
         << view.summary;
     view.controls[IDC_PRODUCT].items = {"CNC"};
-    view.Select(IDC_PRODUCT, 0);
+    for (const int combo : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_PRODUCT, IDC_FREQUENCY})
+        view.Select(combo, 0);
     ASSERT_TRUE(entry.BringBack());
     EXPECT_TRUE(view.controls[IDC_VALUE].digitsOnly);
     EXPECT_EQ(view.Text(IDC_PRODUCT), "") << "no other product stands for it";
