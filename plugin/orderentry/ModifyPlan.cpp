@@ -114,7 +114,7 @@ std::string DescribeModification(const ModifiedPlan& modified, const Plan& toCom
     if (!modified.progress || toCome.instalments == 0) return text;
     text += modified.paused ? "\nPaused" : "\nNext " + FormatPlannedDate(modified.progress->next);
     const std::string last = LastOf(toCome, toCome.instalments);
-    if (!last.empty()) text += ", last " + InsteadOf(last, LastOf(toCome, toCome.before.value_or(0)));
+    if (!last.empty()) text += ", last planned " + InsteadOf(last, LastOf(toCome, toCome.before.value_or(0)));
     return text + DescribeTotal(modified, toCome);
 }
 

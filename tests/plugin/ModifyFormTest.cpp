@@ -121,27 +121,9 @@ TEST_F(ModifyTest, AnUnreadableMonthStopsTheFillingButNeverMakesANewOrder) {
     EXPECT_FALSE(entry.FilledForModify()) << "a window made anew places new orders";
 }
 
-TEST_F(ModifyTest, TheAnswerClosesOnlyTheWindowThatStillShowsItsRegistration) {
-    const Fields good{{32767, {"modify_sip_order"}}, {20008, {"modified"}}};
-    Fill(Registered("SIP7"));
-    entry.Submit(kNow);
-    entry.FillForModify(Registered("SIP8"));
-    Answer(good);
-    EXPECT_FALSE(view.closed);
-    entry.Submit(kNow);
-    Answer({{32767, {"modify_sip_order"}}, {32766, {"9"}}});
-    EXPECT_FALSE(view.closed) << "refused";
-    view.SetText(IDC_VALUE, "1");
-    view.SetText(IDC_PERIOD, "2");
-    entry.Submit(kNow);
-    Answer(good);
-    EXPECT_TRUE(view.closed);
-}
-
-// Capital letters open the registration of that name in the window, s sends; a small letter is its answer, "."
-// one that names none;
-// "!" behind it refuses; "_" lets the time pass in which an answer is waited for. The window is closed at the
-// end, or not.
+// A capital letter opens the registration of that name in the window, s sends. A small letter is the answer
+// that names it, "." one that names none; "!" behind it refuses. "_" lets the time pass in which an answer is
+// waited for.
 TEST_F(ModifyTest, AnAnswerClosesTheWindowThatSentItWhateverWasLost) {
     const std::pair<const char*, bool> rows[] = {
         {"Asa", true},    {"As.", true},     {"Asb", false},     {"Aa", false},     {"A.", false},
