@@ -26,6 +26,7 @@ public:
     bool Ask(std::string_view) override { return false; }
     std::string AskReason() override { return {}; }
     void OpenForModify(const sOrderinfo&) override {}
+    void TellChanged(const sOrderinfo&) override {}
     void ShowRun() override {}
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }

@@ -9,8 +9,10 @@ namespace framework {
 class ColorStatic final : public Subclass {
 public:
     void Tell(const std::string& text, Meaning meaning) {
+        const Window control(Handle());
+        if (meaning == m_meaning && control.Text() == text) return;
         m_meaning = meaning;
-        Window(Handle()).SetText(text);
+        control.SetText(text);
         InvalidateRect(Handle(), nullptr, TRUE);
     }
 

@@ -36,6 +36,12 @@ void FollowClick(const MSG& message) {
     if (control != GetFocus()) SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
 }
 
+// Before the control that has the focus gets it.
+bool TakesKey(HWND dialog, const MSG& message) {
+    return message.message == WM_KEYDOWN
+           && SendMessageA(dialog, kOfferedKey, message.wParam, message.lParam) != 0;
+}
+
 LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
     Guard([&] {
         auto& message = *reinterpret_cast<MSG*>(lParam);
@@ -43,7 +49,8 @@ LRESULT CALLBACK OfferKey(int code, WPARAM removed, LPARAM lParam) noexcept {
         if (message.message == WM_LBUTTONDOWN) return FollowClick(message);
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return;
         const HWND dialog = EnrolledDialog(message.hwnd);
-        if (!dialog || InSystemLoop() || !IsDialogMessageW(dialog, &message)) return;
+        if (!dialog || InSystemLoop()) return;
+        if (!TakesKey(dialog, message) && !IsDialogMessageW(dialog, &message)) return;
         // Already dispatched: what the host's loop gets must do nothing.
         message.message = WM_NULL;
         message.wParam = 0;

@@ -6,6 +6,10 @@
 
 namespace framework {
 
+// To an enrolled dialog before anything else gets the key: WM_KEYDOWN's arguments. Not 0 when the dialog took
+// it.
+inline constexpr UINT kOfferedKey = WM_APP + 0x1000;
+
 class KeyboardHook {
 public:
     // For the calling thread, until this object ends.

@@ -29,12 +29,24 @@ bool MessageBoxes::Ask(HWND owner, const std::string& question) {
     return answer == IDYES;
 }
 
-void MessageBoxes::Close(HWND owner) {
-    if (!m_open || owner != m_owner) return;
-    for (HWND box = nullptr; (box = FindWindowExA(nullptr, box, "#32770", m_caption.c_str())) != nullptr;)
+HWND MessageBoxes::NextBox(HWND box, HWND owner) const {
+    while ((box = FindWindowExA(nullptr, box, "#32770", m_caption.c_str())) != nullptr)
         if (GetDlgItem(box, kBoxText) && GetWindow(box, GW_OWNER) == GetAncestor(owner, GA_ROOT)
             && GetWindowThreadProcessId(box, nullptr) == GetCurrentThreadId())
-            EndDialog(box, IDCANCEL);
+            break;
+    return box;
+}
+
+bool MessageBoxes::BringToFront() const {
+    if (!m_open) return false;
+    if (const HWND box = NextBox(nullptr, m_owner)) SetForegroundWindow(box);
+    return true;
+}
+
+void MessageBoxes::Close(HWND owner) {
+    if (!m_open || owner != m_owner) return;
+    for (HWND box = nullptr; (box = NextBox(box, owner)) != nullptr;)
+        EndDialog(box, IDCANCEL);
 }
 
 void MessageBoxes::Forget() {

@@ -23,6 +23,10 @@ public:
     // without asking when a box is open already.
     bool Ask(HWND owner, const std::string& question);
 
+    // Whether one is open; that comes to the front then, for whoever has to ask after it.
+    bool BringToFront() const;
+    bool IsOpen() const { return m_open; }
+
     // Ends the open box if it is this window's, as if it were cancelled. A box belongs to the top-level window,
     // and so outlives a child that it was asked for.
     void Close(HWND owner);
@@ -54,6 +58,8 @@ private:
         std::string text;
     };
 
+    // The open boxes of the owner's top-level window, one after the other; null behind the last.
+    HWND NextBox(HWND box, HWND owner) const;
     int Open(HWND owner, const std::string& text, UINT kind);
     void ShowPending();
 

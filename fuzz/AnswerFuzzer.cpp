@@ -13,7 +13,7 @@ namespace {
 
 constexpr LocalDateTime kNow{2027, 1, 31, 15, 30, 0};
 
-std::vector<std::string> Entered(const test::DialogDouble& view) {
+std::vector<std::string> Entered(const test::OrderEntryDouble& view) {
     std::vector<std::string> texts{FormatPickerDate(view.date)};
     for (const int id : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT,
                          IDC_INVEST_BY, IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH, IDC_CLIENT_COMBO})
@@ -30,7 +30,7 @@ struct Form : test::Stage {
         view.SetText(IDC_CLIENT_SEARCH, "C001");
     }
 
-    test::DialogDouble view;
+    test::OrderEntryDouble view;
     OrderEntry entry{session, view, &control};
 };
 

@@ -46,7 +46,7 @@ void CheckProducts(test::FakeHost& host, Session& session, std::string_view list
     for (const bool right : {false, true}) {
         host.rights.clear();
         if (right) host.rights.insert("QV: Planfold: Custom");
-        test::DialogDouble view;
+        test::OrderEntryDouble view;
         test::FakeControl control(host);
         view.controls[IDC_HOST_PRODUCTS].items = known;
         OrderEntry(session, view, &control).Initialise({2027, 1, 31}, list);

@@ -44,6 +44,8 @@ public:
     // The reason of a cancellation; empty when its dialog is cancelled.
     virtual std::string AskReason() = 0;
     virtual void OpenForModify(const sOrderinfo& record) = 0;
+    // Whoever else shows the record may have to say so.
+    virtual void TellChanged(const sOrderinfo& record) = 0;
     // A run over many rows has begun, gone on or ended.
     virtual void ShowRun() = 0;
     virtual BookList& Registered() = 0;

@@ -53,7 +53,7 @@ void OrderBook::OnBroadcast(void* message) {
     if (Gone()) return;
     const RecordId record = ApplyRow(message, Arrival::streamed);
     const auto status = FieldView(message, tag::sipStatus);
-    if (record == kNoRecord || !status || !IsCancelled(*status)) return;
+    if (Gone() || record == kNoRecord || !status || !IsCancelled(*status)) return;
     BookList& registered = m_view.Registered();
     if (!registered.Contains(record)) return;
     registered.Remove(record);
@@ -77,6 +77,7 @@ RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
     BookList& list = cancelled ? m_view.Cancelled() : m_view.Registered();
     if ((isNew || cancelled) && !list.Contains(record)) list.InsertFront(record, arrival);
+    m_view.TellChanged(m_cache[record]);
     return record;
 }
 

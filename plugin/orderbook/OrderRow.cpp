@@ -2,6 +2,7 @@
 
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Codes.h"
+#include "plugin/messaging/HostClients.h"
 #include "plugin/messaging/Numbers.h"
 #include "sdk/Tags.h"
 
@@ -103,10 +104,7 @@ static_assert(std::size(kRowFields) == kOrderFieldCount);
 std::optional<std::string> AskAccountName(const Session& session, void* message) {
     const auto client = FieldView(message, tag::account);
     if (!client || !session.host.pu_get_client_name) return std::nullopt;
-    CString name = session.String();
-    const CString identifier = session.String(*client);
-    session.host.pu_get_client_name(&name, &identifier);
-    return std::string(name.View());
+    return AskClientName(session, *client);
 }
 
 void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,

@@ -5,15 +5,17 @@
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 
-#include <utility>
-
 namespace planfold {
 
 void OrderEntry::FillForModify(const SipRegistration& registration) {
     const int opening = ++m_openings;
     // Also when the filling stops half-way: no new order comes out of this form, and no change of the
     // registration that it showed before.
-    if (!std::exchange(m_modifying, "").value_or("").empty()) {
+    const bool showedOne = m_modifying && !m_modifying->Number().empty();
+    m_modifying.emplace();
+    m_asksLater.reset();
+    m_names.Forget();
+    if (showedOne) {
         m_view.SetTitle(kName);
         m_view.SetText(IDC_SUBMIT, "Submit");
     }
@@ -45,11 +47,11 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
     m_view.Enable(IDC_START_DATE, false);
     FillClient(registration.client);
     if (!StillOpen(opening)) return;
-    m_modifying = registration.number;
+    m_modifying.emplace(registration, serverPeriods);
     m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));
     m_view.SetText(IDC_SUBMIT, "Modify");
     ShowPlan();
-    m_view.Focus(IDC_VALUE);
+    if (StillOpen(opening)) m_view.Focus(IDC_VALUE);
 }
 
 void OrderEntry::Fix(int combo, std::string_view text) {

@@ -25,6 +25,10 @@ struct SipRegistration {
     std::string quantity;
     std::string startDate; // "05-Mar-2027"
     std::string client;
+    std::string nextExecutionDate;
+    std::string endDate;
+    std::string status;
+    std::string changedBy; // the last one
 };
 
 // Symbol and series of a trading symbol, divided at its last "-"; without one the series is empty.

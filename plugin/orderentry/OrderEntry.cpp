@@ -1,13 +1,12 @@
 #include "plugin/orderentry/OrderEntry.h"
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/messaging/HostClients.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace planfold {
 
@@ -19,17 +18,23 @@ struct KeptNotice final : Notices {
     std::string text;
 };
 
+int ControlToFocus(const Refusal& refusal) {
+    return refusal.focusValue ? IDC_VALUE : refusal.focusPeriod ? IDC_PERIOD : 0;
+}
+
 } // namespace
 
 const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
     {"get_sip_operation_mode", &OrderEntry::HandleOperationMode, OnError::handle},
-    {"add_sip_orders", &OrderEntry::HandleUserText},
+    {"add_sip_orders", &OrderEntry::HandlePlaced, OnError::logAndHandle},
     {"modify_sip_order", &OrderEntry::HandleModified, OnError::logAndHandle},
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
     const int opening = ++m_openings;
     m_modifying.reset();
+    m_asksLater.reset();
+    m_names.Forget();
     PrepareClient();
     if (!StillOpen(opening)) return;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
@@ -48,7 +53,10 @@ void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customPro
     m_view.Select(IDC_ORDER_TYPE, 0);
     m_view.Select(IDC_PRODUCT, 0);
     m_view.Select(IDC_CLIENT_COMBO, 0);
-    m_frequencies.Ask();
+    m_untouched = ReadForm();
+    m_broughtBack = false;
+    ShowPlan();
+    if (StillOpen(opening)) m_frequencies.Ask();
 }
 
 void OrderEntry::PrepareClient() {
@@ -79,12 +87,22 @@ void OrderEntry::Submit(const LocalDateTime& now) {
     const int opening = m_openings;
     const Outcome outcome = CheckAndSend(now);
     if (m_session.Ended()) return;
-    if (outcome.focusValue) m_view.Focus(IDC_VALUE);
+    if (outcome.focus && StillOpen(opening)) m_view.Focus(outcome.focus);
     if (!outcome.text.empty()) m_view.ShowMessage(outcome.text);
-    if (!outcome.form || !StillOpen(opening)) return;
-    // Only what was submitted: under a box of another window the user may have typed the next order.
-    if (m_view.Text(IDC_VALUE) == outcome.form->value) m_view.SetText(IDC_VALUE, "");
-    if (m_view.Text(IDC_PERIOD) == outcome.form->totalPeriod) m_view.SetText(IDC_PERIOD, "");
+    if (outcome.form && StillOpen(opening)) ClearSent(outcome);
+}
+
+// A new order's value and period go whatever came of it; those of a modification when it was sent.
+void OrderEntry::ClearSent(const Outcome& outcome) {
+    if (outcome.sent || !FilledForModify()) {
+        m_untouched = *outcome.form;
+        m_untouched.value = m_untouched.totalPeriod = "";
+        m_broughtBack = false;
+        // Only what was submitted: under a box of another window the user may have typed the next order.
+        if (m_view.Text(IDC_VALUE) == outcome.form->value) m_view.SetText(IDC_VALUE, "");
+        if (m_view.Text(IDC_PERIOD) == outcome.form->totalPeriod) m_view.SetText(IDC_PERIOD, "");
+    }
+    ShowPlan();
 }
 
 bool OrderEntry::StillOpen(int opening) const {
@@ -100,33 +118,71 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
 
     const int opening = m_openings;
     const SipOrderForm form = ReadForm();
-    const std::string number = m_modifying.value_or("");
     sSipOrderData record;
     const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record);
     if (!StillOpen(opening)) return {};
-    if (refusal) return {refusal->text, refusal->focusValue};
+    if (refusal) return {.text = refusal->text, .focus = ControlToFocus(*refusal)};
+    Outcome outcome;
+    if (!Confirm(form, outcome.focus)) return outcome;
+    Send(form, record, outcome);
+    return outcome;
+}
+
+bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
+    const int opening = m_openings;
+    if (form.modifyMode) return ConfirmChanged(form);
+    const bool unknown = IsUnknownClient(m_session, form.client);
+    if (!unknown || !StillOpen(opening)) return StillOpen(opening);
+    if (!MayAsk(form)) return false;
+    const bool yes = m_view.Ask(UnknownClientQuestion(form.client));
+    if (!yes) focus = m_form.ClientControl();
+    return yes && StillOpen(opening);
+}
+
+// Again when it changes once more while the question stands.
+bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
+    const int opening = m_openings;
+    std::string told;
+    for (std::string news = m_modifying->News("\n"); news != told; news = m_modifying->News("\n")) {
+        if (!MayAsk(form)) return false;
+        told = news;
+        const std::string& user = m_modifying->ChangedBy();
+        const std::string by = user.empty() ? user : " by " + user;
+        const std::string question = m_modifying->Number() + " was changed" + by
+                                     + " while this form was open:\n" + news + "\n\nModify it all the same?";
+        if (!m_view.Ask(question) || !StillOpen(opening)) return false;
+    }
+    return true;
+}
+
+bool OrderEntry::MayAsk(const SipOrderForm& form) {
+    if (m_view.MayAsk()) return true;
+    m_asksLater = form;
+    return false;
+}
+
+void OrderEntry::OnBoxGone(const LocalDateTime& now) {
+    const auto form = std::exchange(m_asksLater, std::nullopt);
+    if (form && m_view.IsOpen() && *form == ReadForm()) Submit(now);
+}
+
+void OrderEntry::Send(const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome) {
+    const int opening = m_openings;
+    const std::int64_t now = m_view.Milliseconds();
     KeptNotice notice;
-    if (!form.modifyMode)
-        SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
-    else if (SendModifySipOrder(m_session, m_control, notice, number, record))
-        m_sentModifications.push_back(number);
-    return {notice.text, false, form};
-}
-
-Plan OrderEntry::CurrentPlan() const {
-    return {m_view.Date(IDC_START_DATE), m_view.Text(IDC_FREQUENCY), LeadingInteger(m_view.Text(IDC_PERIOD))};
-}
-
-void OrderEntry::ShowPlan() {
-    const Plan plan = CurrentPlan();
-    const std::string label = m_view.Text(IDC_INVEST_BY);
-    std::string value = m_view.Text(IDC_VALUE);
-    if (ValueToWire(label, value)) value.clear();
-    std::string investType;
-    Convert(kInvestTypeToServer, label, investType);
-    const std::string text = DescribePlan(plan, m_view.Text(IDC_ACTION), investType, value);
-    if (m_view.Text(IDC_PLAN_SUMMARY) != text) m_view.SetText(IDC_PLAN_SUMMARY, text);
-    m_view.Enable(IDC_PLAN_DATES, !text.empty());
+    if (form.modifyMode) {
+        const std::string number = m_modifying->Number();
+        outcome.sent = SendModifySipOrder(m_session, m_control, notice, number, record);
+        if (outcome.sent) m_sentModifications.Add(number, opening, now);
+        // The log is the host's, and may let another registration into the form.
+        if (outcome.sent && m_modifying && opening == m_openings) m_modifying->Sent(record);
+    } else {
+        outcome.sent = SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
+        if (outcome.sent) m_kept.Sent(form, now);
+        if (!notice.text.empty()) m_kept.NotSent(form, notice.text);
+    }
+    outcome.text = notice.text;
+    outcome.form = form;
 }
 
 void OrderEntry::OnResponse(void* message) {
@@ -135,23 +191,39 @@ void OrderEntry::OnResponse(void* message) {
 }
 
 void OrderEntry::HandleOperationMode(const Answer& answer) {
-    if (m_frequencies.OnAnswer(answer, !FilledForModify())) ShowPlan();
+    if (!m_frequencies.OnAnswer(answer, !FilledForModify())) return;
+    m_untouched.frequency = m_view.Text(IDC_FREQUENCY);
+    ShowPlan();
 }
 
-void OrderEntry::HandleUserText(const Answer& answer) {
+void OrderEntry::ShowUserText(const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
     if (!text.empty()) m_view.ShowMessage(text);
 }
 
+void OrderEntry::HandlePlaced(const Answer& answer) {
+    const std::string client = FieldText(answer.message, tag::account);
+    const std::int64_t now = m_view.Milliseconds();
+    if (!answer.hasError) {
+        m_kept.Accepted(client, now);
+        return ShowUserText(answer);
+    }
+    m_kept.Refused(client, FieldText(answer.message, tag::userText), answer.errorCode, now);
+    if (m_view.IsOpen()) ShowPlan();
+}
+
 void OrderEntry::HandleModified(const Answer& answer) {
-    std::string number = FieldText(answer.message, tag::registrationNumber);
-    if (number.empty() && !m_sentModifications.empty()) number = m_sentModifications.front();
-    const auto sent = std::ranges::find(m_sentModifications, number);
-    if (sent != m_sentModifications.end()) m_sentModifications.erase(sent);
-    if (answer.hasError) return;
-    HandleUserText(answer);
-    // Another registration may have been opened in the window meanwhile.
-    if (!m_session.Ended() && m_modifying == number) m_view.Close();
+    const int opening = m_openings;
+    const std::string number = FieldText(answer.message, tag::registrationNumber);
+    const bool own = m_sentModifications.Answered(number, opening, answer.hasError, m_view.Milliseconds());
+    if (answer.hasError) {
+        if (!own || !StillOpen(opening)) return;
+        m_modifying->refusal = DescribeRefusal(FieldText(answer.message, tag::userText), answer.errorCode);
+        return ShowPlan();
+    }
+    ShowUserText(answer);
+    // Under the box another registration may have been opened in the window.
+    if (own && StillOpen(opening)) m_view.Close();
 }
 
 } // namespace planfold

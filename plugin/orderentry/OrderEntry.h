@@ -1,17 +1,19 @@
 // What the order entry window decides without being one: its first contents, what follows a change of a
-// control, Submit, and what an answer changes.
+// control, Submit, what an answer changes, and what comes back into the form.
 #pragma once
 
-#include "plugin/controls/DialogView.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/orderentry/ModifyOrder.h"
+#include "plugin/orderentry/FormNames.h"
+#include "plugin/orderentry/KeptOrders.h"
+#include "plugin/orderentry/Modification.h"
+#include "plugin/orderentry/ModifyPlan.h"
 #include "plugin/orderentry/OperationMode.h"
-#include "plugin/orderentry/PlannedDates.h"
+#include "plugin/orderentry/OrderEntryView.h"
+#include "plugin/orderentry/SentModifications.h"
 #include "plugin/orderentry/SipForm.h"
 #include "sdk/RxControl.h"
 
-#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,9 +26,9 @@ public:
     static constexpr char kName[] = "Planfold Order Entry";
 
     // `control` may be null: every sending then fails with its own text.
-    OrderEntry(Session& session, DialogView& view, RxControl* control)
+    OrderEntry(Session& session, OrderEntryView& view, RxControl* control)
         : m_session(session), m_view(view), m_control(control), m_form(session, view),
-          m_frequencies(session, view, control) {}
+          m_frequencies(session, view, control), m_names(session) {}
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
     // is the comma-separated list of the settings file; it counts only for holders of the right.
@@ -36,27 +38,40 @@ public:
     // registration. Until the window is made anew the form never places a new order again.
     void FillForModify(const SipRegistration& registration);
     bool FilledForModify() const { return m_modifying.has_value(); }
+    // Whether the form is open for the registration of this number.
+    bool Modifies(std::string_view number) const { return m_modifying && m_modifying->Number() == number; }
+    // That registration is so now; anybody may have changed it.
+    void OnRegistrationChanged(const SipRegistration& registration);
 
     void OnExchangeChanged() { m_form.RefreshScrips(ScripLevel::exchange); }
     void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
     void OnInvestTypeChanged();
 
     // Checks and sends what the form holds. Does nothing while an earlier press is still being worked on:
-    // the host's question about a cautionary order lets the user press again.
+    // a question, the host's as well, lets the user press again.
     void Submit(const LocalDateTime& now);
+
+    // The box is gone under which a question could not be asked: now it is, unless the form has changed since.
+    void OnBoxGone(const LocalDateTime& now);
+
+    // The next of the orders that were refused, into the form; what the dealer had typed there is kept in turn.
+    // False when there is none, or when a modification has the form.
+    bool BringBack();
 
     void OnResponse(void* message);
 
     // The planned dates of what the form holds now; no instalments while it is incomplete.
     Plan CurrentPlan() const;
-    // Tells them in the form. Called at each change of a control that they depend on.
+    // Tells them in the form, with the names behind its codes. Called at each change of a control that they
+    // depend on.
     void ShowPlan();
 
 private:
     // What a press of Submit led to; the text is for the user.
     struct Outcome {
         std::string text{};
-        bool focusValue = false;
+        int focus = 0;     // the control to go on with
+        bool sent = false; // else nothing was
         // What was sent, or tried to be.
         std::optional<SipOrderForm> form{};
     };
@@ -64,27 +79,49 @@ private:
     // Whether the window of that opening is still there; a host callback may have closed it, or opened another.
     bool StillOpen(int opening) const;
     Outcome CheckAndSend(const LocalDateTime& now);
+    void Send(const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome);
+    // What the dealer has to agree to before the order goes out; true when he did. The control says where he
+    // goes on otherwise.
+    bool Confirm(const SipOrderForm& form, int& focus);
+    bool ConfirmChanged(const SipOrderForm& form);
+    // Whether a question can be asked; otherwise it is once the open box is gone.
+    bool MayAsk(const SipOrderForm& form);
+    void ClearSent(const Outcome& outcome);
     SipOrderForm ReadForm() const;
     void PrepareClient();
+    ModifiedPlan ReadModification() const;
+    std::string DescribeForm() const;
+    std::string Notice() const;
+    bool Alarms() const;
     void HandleOperationMode(const Answer& answer);
-    void HandleUserText(const Answer& answer);
+    void HandlePlaced(const Answer& answer);
     void HandleModified(const Answer& answer);
+    void ShowUserText(const Answer& answer);
     // Empties the combo but for the text, and locks it.
     void Fix(int combo, std::string_view text);
     void FillClient(std::string_view client);
+    // False when a host callback took the window away.
+    bool FillIn(const SipOrderForm& order);
 
     static const AnswerHandler<OrderEntry> kAnswers[];
 
     Session& m_session;
-    DialogView& m_view;
+    OrderEntryView& m_view;
     RxControl* m_control;
     SipForm m_form;
     FrequencyList m_frequencies;
+    FormNames m_names;
     bool m_submitting = false;
     int m_openings = 0; // of the window
-    // The registration that the form was filled from; its number is empty when the filling stopped half-way.
-    std::optional<std::string> m_modifying;
-    std::deque<std::string> m_sentModifications; // not yet answered
+    // The registration that the form was filled from.
+    std::optional<Modification> m_modifying;
+    SentModifications m_sentModifications;
+    KeptOrders m_kept;
+    // Submitted while no question could be asked about it.
+    std::optional<SipOrderForm> m_asksLater;
+    // What stands in the form without the dealer's doing, and whether it is an order that was brought back.
+    SipOrderForm m_untouched;
+    bool m_broughtBack = false;
 };
 
 } // namespace planfold

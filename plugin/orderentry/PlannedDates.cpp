@@ -13,8 +13,17 @@ namespace {
 
 using std::chrono::year_month_day;
 
+constexpr int kLastYear = 9999;
+
 year_month_day ToCalendar(const LocalDateTime& date) {
     return std::chrono::year(date.year) / date.month / date.day;
+}
+
+// Out of a text from outside it need not be one.
+bool IsDate(const LocalDateTime& date) {
+    const bool inRange = date.year > 0 && date.year <= kLastYear && date.month > 0 && date.month <= 12
+                         && date.day > 0 && date.day <= 31;
+    return inRange && ToCalendar(date).ok();
 }
 
 LocalDateTime FromCalendar(const year_month_day& date) {
@@ -33,6 +42,11 @@ struct Step {
 };
 constexpr Step kSteps[] = {{"daily", 1, 0}, {"weekly", 7, 0}, {"monthly", 0, 1}, {"yearly", 0, 12}};
 
+const Step* FindStep(std::string_view frequency) {
+    const auto* step = std::ranges::find(kSteps, frequency, &Step::frequency);
+    return step == std::end(kSteps) ? nullptr : step;
+}
+
 // Counted from the start each time, so that the 31st comes back after a shorter month.
 year_month_day AddMonths(const year_month_day& start, int months) {
     const auto month = start.year() / start.month() + std::chrono::months(months);
@@ -40,21 +54,53 @@ year_month_day AddMonths(const year_month_day& start, int months) {
     return month / std::min(start.day(), last);
 }
 
+// None after the last year. `place` is one of a schedule that ends in it.
+std::optional<year_month_day> DueDate(const year_month_day& start, const Step& step, std::int64_t place) {
+    const int steps = static_cast<int>(place);
+    if (static_cast<int>(start.year()) + steps * step.months / 12 > kLastYear) return std::nullopt;
+    const year_month_day date =
+        step.months ? AddMonths(start, steps * step.months)
+                    : year_month_day(std::chrono::sys_days(start) + std::chrono::days(steps * step.days));
+    if (static_cast<int>(date.year()) > kLastYear) return std::nullopt;
+    return date;
+}
+
 } // namespace
 
 std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index) {
-    const auto* step = std::ranges::find(kSteps, std::string_view(plan.frequency), &Step::frequency);
-    const bool inside = index >= 0 && index < std::min(plan.instalments, Plan::kMostInstalments);
-    const year_month_day start = ToCalendar(plan.start);
-    if (step == std::end(kSteps) || !inside || !start.ok()) return std::nullopt;
-    constexpr int lastYear = 9999;
-    const int steps = static_cast<int>(index);
-    if (plan.start.year + steps * step->months / 12 > lastYear) return std::nullopt;
-    const year_month_day date =
-        step->months ? AddMonths(start, steps * step->months)
-                     : year_month_day(std::chrono::sys_days(start) + std::chrono::days(steps * step->days));
-    if (static_cast<int>(date.year()) > lastYear) return std::nullopt;
-    return FromCalendar(date);
+    const Step* step = FindStep(plan.frequency);
+    const bool inside = index >= 0 && index < std::min(plan.Rows(), Plan::kMostInstalments);
+    if (!step || !inside || !IsDate(plan.start)) return std::nullopt;
+    if (index == 0 && plan.next) return plan.next;
+    const auto date = DueDate(ToCalendar(plan.start), *step, plan.place + index);
+    return date ? std::optional(FromCalendar(*date)) : std::nullopt;
+}
+
+std::int64_t Plan::Rows() const {
+    return std::max(instalments, before.value_or(0));
+}
+
+std::optional<std::int64_t> PlaceBy(const Plan& plan, const LocalDateTime& date) {
+    const Step* step = FindStep(plan.frequency);
+    if (!step || !IsDate(plan.start) || !IsDate(date)) return std::nullopt;
+    const year_month_day start = ToCalendar(plan.start), by = ToCalendar(date);
+    if (by < start) return 0;
+    const auto days = (std::chrono::sys_days(by) - std::chrono::sys_days(start)).count();
+    // Shorter months make the first guess too small, never too large.
+    constexpr int longestMonth = 31;
+    std::int64_t place = days / (step->days + longestMonth * step->months);
+    for (auto next = DueDate(start, *step, place + 1); next && *next <= by;
+         next = DueDate(start, *step, place + 1))
+        ++place;
+    return place;
+}
+
+std::int64_t TradingDays(const LocalDateTime& from, const LocalDateTime& to, const NonTradingDates* holidays) {
+    std::int64_t count = 0;
+    const std::chrono::sys_days end(ToCalendar(to));
+    for (std::chrono::sys_days day(ToCalendar(from)); day < end; day += std::chrono::days(1))
+        if (!IsNonTradingDay(FromCalendar(day), holidays)) ++count;
+    return count;
 }
 
 bool IsNonTradingDay(const LocalDateTime& date, const NonTradingDates* holidays) {
@@ -63,6 +109,14 @@ bool IsNonTradingDay(const LocalDateTime& date, const NonTradingDates* holidays)
     if (!holidays || !holidays->dates) return false;
     const auto number = static_cast<std::uint32_t>(date.year * 10000 + date.month * 100 + date.day);
     return std::binary_search(holidays->dates, holidays->dates + holidays->count, number);
+}
+
+std::string PlannedNote(const Plan& plan, std::int64_t row, const NonTradingDates* holidays) {
+    if (row >= plan.instalments) return "Dropped";
+    const bool added = plan.before && row >= *plan.before;
+    const auto date = PlannedDate(plan, row);
+    if (!date || !IsNonTradingDay(*date, holidays)) return added ? "Added" : "";
+    return added ? "Added, non-trading day" : "Non-trading day";
 }
 
 std::string_view WeekdayName(const LocalDateTime& date) {

@@ -17,16 +17,35 @@ struct Plan {
     std::string frequency;
     std::int64_t instalments = 0; // 0: there is no plan
 
+    // Of a registered plan the instalments are those to come: behind so many, and so many places of the
+    // schedule, the first of them on the server's own day. `before` is their number as registered.
+    std::int64_t done = 0;
+    std::int64_t place = 0;
+    std::optional<LocalDateTime> next{};
+    std::optional<std::int64_t> before{};
+
     // More are not listed.
     static constexpr std::int64_t kMostInstalments = 100000;
+    // How many are listed: those that a change drops as well.
+    std::int64_t Rows() const;
 };
 
 // The plan's date number `index`, from 0. A month or year without the start's day takes its last day. None
 // for an unknown frequency, an index outside the plan, or a date after the year 9999.
 std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index);
 
+// The last place in the schedule that is due by the date; 0 for an earlier one. None when one of the two is no
+// date, or the frequency is unknown.
+std::optional<std::int64_t> PlaceBy(const Plan& plan, const LocalDateTime& date);
+
+// The days with trading from the first date on and before the second.
+std::int64_t TradingDays(const LocalDateTime& from, const LocalDateTime& to, const NonTradingDates* holidays);
+
 // Saturday, Sunday, or one of the host's dates; `holidays` may be null.
 bool IsNonTradingDay(const LocalDateTime& date, const NonTradingDates* holidays);
+
+// What stands beside a row of the listed dates.
+std::string PlannedNote(const Plan& plan, std::int64_t row, const NonTradingDates* holidays);
 
 // "Mon" to "Sun".
 std::string_view WeekdayName(const LocalDateTime& date);

@@ -24,6 +24,8 @@ struct SipOrderForm {
     std::string client;
     LocalDateTime startDate;
     bool modifyMode = false;
+
+    bool operator==(const SipOrderForm&) const = default;
 };
 
 // The order in the server's words. Empty when made, filled by ValidateSipOrder.
@@ -45,10 +47,11 @@ struct sSipOrderData {
     std::string sideLabel; // "BUY" or "SELL", for log lines
 };
 
-// Why an order is refused, and whether the user is led back to the value edit.
+// Why an order is refused, and to which edit the user is led back.
 struct Refusal {
     std::string text;
     bool focusValue = false;
+    bool focusPeriod = false;
 };
 
 // Where the forms that take an order differ.

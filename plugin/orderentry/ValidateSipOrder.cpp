@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 namespace planfold {
 
@@ -15,6 +16,14 @@ namespace {
 using Verdict = std::optional<Refusal>;
 
 constexpr int kMostYearsAhead = 2;
+
+Refusal ValueRefusal(std::string text) {
+    return {.text = std::move(text), .focusValue = true};
+}
+
+Refusal PeriodRefusal(std::string text) {
+    return {.text = std::move(text), .focusPeriod = true};
+}
 
 void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& record) {
     CString symbol = session.String();
@@ -54,27 +63,27 @@ Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
 }
 
 Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
-    if (form.totalPeriod.empty()) return Refusal{"Enter a Month."};
-    if (form.totalPeriod == "0") return Refusal{"Enter valid Month."};
+    if (form.totalPeriod.empty()) return PeriodRefusal("Enter a Month.");
+    if (form.totalPeriod == "0") return PeriodRefusal("Enter valid Month.");
     const std::int64_t period = LeadingInteger(form.totalPeriod);
     if (session.m_nSipOperationMode == 1) {
         const FrequencyRow* frequency = FindFrequency(form.frequency);
         const double minimum = frequency ? session.*frequency->minimum : 0.0;
         if (frequency && static_cast<double>(period) < minimum)
-            return Refusal{Format("Minimum SIP value is %.0lf", minimum)};
+            return PeriodRefusal(Format("Minimum SIP value is %.0lf", minimum));
     } else if (period < 1 || period > 60) {
-        return Refusal{"Month Should be Between 1 and 60"};
+        return PeriodRefusal("Month Should be Between 1 and 60");
     }
     return std::nullopt;
 }
 
 Verdict QuantityToWire(std::string& value, const char* malformed) {
-    if (value.empty()) return Refusal{"Enter Quantity"};
-    if (value == "." || value == "0") return Refusal{malformed};
+    if (value.empty()) return ValueRefusal("Enter Quantity");
+    if (value == "." || value == "0") return ValueRefusal(malformed);
     const std::int64_t shares = LeadingInteger(value);
-    if (shares == 0) return Refusal{"Quantity cannot be zero", true};
+    if (shares == 0) return ValueRefusal("Quantity cannot be zero");
     if (shares > INT_MAX || LeadingReal(value) > INT_MAX)
-        return Refusal{Format(" should not be more than integer max value(%d)", INT_MAX)};
+        return ValueRefusal(Format(" should not be more than integer max value(%d)", INT_MAX));
     value = Format("%d", static_cast<int>(std::max<std::int64_t>(shares, INT_MIN)));
     return std::nullopt;
 }
@@ -82,18 +91,17 @@ Verdict QuantityToWire(std::string& value, const char* malformed) {
 Verdict AmountToWire(std::string& value) {
     constexpr std::size_t mostPaiseDigits = 9;
     constexpr std::size_t mostFromPoint = 8;
-    if (value.empty()) return Refusal{"Enter Amount"};
+    if (value.empty()) return ValueRefusal("Enter Amount");
     const double rupees = LeadingReal(value);
-    if (rupees == 0.0) return Refusal{"Enter valid Amount", true};
+    if (rupees == 0.0) return ValueRefusal("Enter valid Amount");
     value = Format("%.lf", rupees * 100);
     const std::size_t point = value.find('.');
     for (std::size_t i = 0; i < value.size(); ++i)
-        if (i != point && (value[i] < '0' || value[i] > '9'))
-            return Refusal{"Please enter valid amount.", true};
+        if (i != point && (value[i] < '0' || value[i] > '9')) return ValueRefusal("Please enter valid amount.");
     if (point == value.npos ? value.size() > mostPaiseDigits : point > mostPaiseDigits)
-        return Refusal{"cannot have more than 7 digits in rupees part of Amount"};
+        return ValueRefusal("cannot have more than 7 digits in rupees part of Amount");
     if (point != value.npos && value.size() - point > mostFromPoint)
-        return Refusal{"Paise Part cannot Exceed above .99"};
+        return ValueRefusal("Paise Part cannot Exceed above .99");
     return std::nullopt;
 }
 

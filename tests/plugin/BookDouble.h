@@ -48,12 +48,13 @@ public:
         return reason;
     }
     void OpenForModify(const sOrderinfo& record) override { modified.emplace_back(record.Number()); }
+    void TellChanged(const sOrderinfo& record) override { changed.emplace_back(record.Number()); }
     void ShowRun() override {}
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }
 
     List registered, cancelled;
-    Texts boxes, questions, modified;
+    Texts boxes, questions, modified, changed;
     bool yes = true;
     std::string reason;
     int reasonsAsked = 0;

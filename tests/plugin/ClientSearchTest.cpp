@@ -88,6 +88,7 @@ TEST_F(ClientSearchTest, AnAccountThatNoRowMatchesEmptiesTheBoxBelowTenThousandR
 }
 
 TEST_F(ClientSearchTest, KeysMoveAndPick) {
+    host.validAccounts.clear();
     EXPECT_FALSE(search.Wants(Key::enter)); // nothing typed: Enter is the dialog's
     EXPECT_FALSE(search.Wants(Key::escape));
     Type("c00");

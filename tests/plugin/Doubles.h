@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/controls/DialogView.h"
+#include "plugin/orderentry/OrderEntryView.h"
 #include "tests/support/FakeHost.h"
 
 #include <initializer_list>
@@ -88,6 +89,28 @@ public:
     bool closed = false;
 };
 using DialogDouble = DialogDoubleOf<DialogView>;
+
+class OrderEntryDouble final : public DialogDoubleOf<OrderEntryView> {
+public:
+    bool MayAsk() override { return !otherBox; }
+    bool Ask(std::string_view question) override {
+        questions.emplace_back(question);
+        if (const auto action = std::exchange(duringQuestion, nullptr)) action();
+        return yes;
+    }
+    void ShowSummary(std::string_view text, bool alarming) override {
+        summary = text;
+        alarms = alarming;
+    }
+    std::int64_t Milliseconds() const override { return now; }
+
+    Texts questions;
+    bool yes = true, otherBox = false;
+    std::function<void()> duringQuestion; // run once
+    std::string summary;
+    bool alarms = false;
+    std::int64_t now = 0;
+};
 
 // A session with a host; the peers as they are after the check of the host.
 struct Stage {

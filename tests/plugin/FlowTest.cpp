@@ -38,7 +38,7 @@ protected:
         entry.Submit(kNow);
     }
 
-    DialogDouble view;
+    OrderEntryDouble view;
     RxControl* requests = hub.Get(kRxRequests, this);
     RxControl* stream = hub.Get(kRxAccountStream, this);
     OrderEntry entry{session, view, requests};

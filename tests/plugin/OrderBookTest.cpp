@@ -153,6 +153,10 @@ TEST_F(OrderBookTest, EveryRowStandsWhereTheRulesPutIt) {
         EXPECT_EQ(Numbers(book, view.registered), step.registered) << line;
         EXPECT_EQ(Numbers(book, view.cancelled), step.cancelled) << line;
         EXPECT_EQ(host.log, step.logged ? Texts{step.logged} : Texts{}) << line;
+        if (step.from == streamed && step.number) {
+            EXPECT_EQ(view.changed.empty() ? "" : view.changed.back(), step.number)
+                << "told to whoever else shows it";
+        }
     }
     EXPECT_EQ(view.boxes, Texts{});
     EXPECT_EQ(Text(OrderField::sipStatus, "SIP3"), "Cancelled") << "history left the known record alone";

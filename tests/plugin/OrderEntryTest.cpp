@@ -1,32 +1,10 @@
 // The order entry form: first contents, changes, Submit and answers, without a window.
+#include "tests/plugin/OrderEntryStage.h"
 
-#include "plugin/orderentry/OrderEntry.h"
-#include "plugin/resources/resource.h"
-#include "tests/plugin/Doubles.h"
-
-#include <gtest/gtest.h>
+#include <sstream>
 
 namespace planfold::test {
 namespace {
-
-constexpr LocalDateTime kNow{2027, 1, 31, 15, 30, 0};
-
-class OrderEntryTest : public ::testing::Test, protected Stage {
-protected:
-    void SetUp() override {
-        view.controls[IDC_SERIES].items = {"BE", "EQ"};
-        view.controls[IDC_SYMBOL].items = {"ARBORTEX", "BETA"};
-        view.controls[IDC_CLIENT_COMBO].items = {"C001", "C002"};
-        view.controls[IDC_HOST_PRODUCTS].items = {"CNC", "MIS", "NRML"};
-    }
-
-    void Open(std::string_view customProducts = {}) { entry.Initialise(kNow, customProducts); }
-    void Answer(const Fields& fields) { entry.OnResponse(Received(fields).Message()); }
-    Texts Items(int combo) const { return view.controls[combo].items; }
-
-    DialogDouble view;
-    OrderEntry entry{session, view, &control};
-};
 
 const Fields kMonthlyYearly{
     {32767, {"get_sip_operation_mode"}}, {10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}};
@@ -95,25 +73,226 @@ TEST_F(OrderEntryTest, ARefusedSubmitKeepsWhatWasTyped) {
     EXPECT_EQ(view.Text(IDC_VALUE), "abc");
     EXPECT_EQ(view.Text(IDC_PERIOD), "1");
     EXPECT_EQ(view.focused, IDC_VALUE);
+    view.SetText(IDC_PERIOD, "0");
+    entry.Submit(kNow);
+    EXPECT_EQ(view.focused, IDC_PERIOD);
     EXPECT_EQ(host.requests.size(), 1u);
 }
 
 TEST_F(OrderEntryTest, ThePlanFollowsTheForm) {
     Open();
-    EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY), "");
-    entry.ShowPlan();
+    EXPECT_EQ(view.summary, "Arbor Textiles");
     EXPECT_FALSE(view.controls[IDC_PLAN_DATES].enabled) << "no frequency yet";
     Answer(kMonthlyYearly);
-    EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY), "1 planned from 01-Feb-2027 to 01-Feb-2027");
+    EXPECT_EQ(view.summary, "Arbor Textiles\n1 planned from 01-Feb-2027 to 01-Feb-2027");
     EXPECT_TRUE(view.controls[IDC_PLAN_DATES].enabled);
     view.SetText(IDC_PERIOD, "12");
     for (const auto& [value, total] :
          {std::pair{"100.51", "\nTotal outlay Rs 1,206.12"}, {"10000000", ""}, {"", ""}}) {
         view.SetText(IDC_VALUE, value);
         entry.ShowPlan();
-        EXPECT_EQ(view.Text(IDC_PLAN_SUMMARY),
-                  std::string("12 planned from 01-Feb-2027 to 01-Jan-2028") + total);
+        EXPECT_EQ(view.summary,
+                  std::string("Arbor Textiles\n12 planned from 01-Feb-2027 to 01-Jan-2028") + total);
     }
+}
+
+TEST_F(OrderEntryTest, TheSummaryNamesWhatStandsBehindTheCodes) {
+    struct Row {
+        const char* client;
+        const char* lacking; // of the host's exports
+        const char* summary;
+        bool alarms;
+    };
+    const char* valid = "pu_is_valid_account";
+    const char* name = "pu_get_client_name";
+    const Row rows[] = {
+        {"", "", "Arbor Textiles", false},
+        {"C002", "", "Arbor Textiles for C002 (Second Client)", false},
+        {"C003", "", "Arbor Textiles for C003 (unknown client)", true},
+        {"C003", valid, "Arbor Textiles for C003 (unknown client)", true},
+        {"C002", name, "Arbor Textiles for C002", false},
+        {"C002", "pu_get_intersted_scrip_field", "For C002 (Second Client)", false},
+    };
+    for (const Row& row : rows) {
+        host.missing = {row.lacking};
+        session.host = ResolveHostCallbacks(session.lookup);
+        Open();
+        view.SetText(IDC_CLIENT_SEARCH, row.client);
+        entry.ShowPlan();
+        EXPECT_EQ(view.summary, row.summary) << row.lacking;
+        EXPECT_EQ(view.alarms, row.alarms) << row.summary;
+    }
+    host.calls.clear();
+    entry.ShowPlan();
+    EXPECT_EQ(host.calls, Texts{}) << "the host is asked when something changes";
+    view.controls[IDC_SYMBOL].items[0] = "NOSCRIP";
+    entry.ShowPlan();
+    EXPECT_EQ(view.summary, "For C002 (Second Client)") << "and no other's name stays";
+}
+
+TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
+    struct Row {
+        const char* client;
+        bool hostTells, yes;
+        const char* question; // empty: none
+        std::size_t sent;
+    };
+    const char* unknown = "The terminal knows no client C003.\nPlace the order all the same?";
+    const Row rows[] = {
+        {"C002", true, false, "", 1},
+        {"C003", true, false, unknown, 0},
+        {"C003", true, true, unknown, 1},
+        {"", true, false, "The order names no client.\nPlace the order all the same?", 0},
+        {"C003", false, false, "", 1},
+    };
+    for (const Row& row : rows) {
+        host.missing.clear();
+        if (!row.hostTells) host.missing.insert("pu_is_valid_account");
+        session.host = ResolveHostCallbacks(session.lookup);
+        Open();
+        Type("1500", "6", row.client);
+        view.yes = row.yes;
+        view.focused = 0;
+        view.questions.clear();
+        host.requests.clear();
+        entry.Submit(kNow);
+        EXPECT_EQ(view.questions, *row.question ? Texts{row.question} : Texts{});
+        EXPECT_EQ(host.requests.size(), row.sent) << row.client;
+        EXPECT_EQ(view.Text(IDC_VALUE), row.sent ? "" : "1500") << row.client;
+        EXPECT_EQ(view.focused, row.sent ? 0 : IDC_CLIENT_SEARCH);
+    }
+    host.missing.clear();
+    session.host = ResolveHostCallbacks(session.lookup);
+    view.yes = true;
+    for (const bool changed : {true, false}) {
+        Type("1500", "6", "C003");
+        view.otherBox = true;
+        view.questions.clear();
+        host.requests.clear();
+        entry.Submit(kNow);
+        EXPECT_TRUE(view.questions.empty() && host.requests.empty());
+        if (changed) Type("1501", "6", "C002");
+        view.otherBox = false;
+        for (int i = 0; i < 2; ++i)
+            entry.OnBoxGone(kNow);
+        EXPECT_EQ(view.questions, changed ? Texts{} : Texts{unknown});
+        EXPECT_EQ(host.requests.size(), changed ? 0u : 1u) << "what is no longer shown is not sent";
+    }
+    view.duringQuestion = [&] { Open(); };
+    Type("1500", "6", "C003");
+    entry.Submit(kNow);
+    EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode") << "that window is gone";
+}
+
+// Each step: an order typed and sent ("C001 100"), its answer ("ok", "no"), F3, or an order typed and not sent
+// ("type C002 7"); and what then stands in the form, and of the summary.
+TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
+    struct Step {
+        const char* does;
+        const char* form; // client, value
+        const char* notice;
+    };
+    const char* sentOne = "Refused: no (code 104). F3 brings the order back (C001 ARBORTEX 100).";
+    const char* aside = "An order is set aside. F3 brings the order back (C002 ARBORTEX 7).";
+    const Step steps[] = {
+        {"F3", " ", ""},
+        {"C001 100", "C001 ", ""},
+        {"no", "C001 ", sentOne},
+        {"type C002 7", "C002 7", sentOne},
+        {"F3", "C001 100", aside},
+        {"F3", "C002 7", "An order is set aside. F3 brings the order back (C001 ARBORTEX 100)."},
+        {"F3", "C001 100", aside},
+        {"C001 150", "C001 ", aside},
+        {"ok", "C001 ", aside},
+        {"F3", "C002 7", ""},
+        {"C002 8", "C002 ", ""},
+        {"C002 9", "C002 ", ""},
+        {"no", "C002 ",
+         "Refused: no (code 104). 1 more wait for an answer. F3 brings the order back (C002 ARBORTEX 8)."},
+        {"no", "C002 ", "Refused: no (code 104). F3 brings the order back (C002 ARBORTEX 9). 1 more are kept."},
+        {"F3", "C002 9",
+         "Refused: no (code 104). 1 more wait for an answer. F3 brings the order back (C002 "
+         "ARBORTEX 8)."},
+        {"C002 9", "C002 ", "Refused"},
+        {"wait", "C002 ", "Refused"},
+        {"C001 5", "C001 ", "Refused"},
+        {"no", "C001 ", "Refused: no (code 104). F3 brings the order back (C001 ARBORTEX 5). 1 more are kept."},
+        {"C002 60", "C002 ", "Refused"},
+        {"C001 50", "C001 ", "Refused"},
+        {"ok", "C001 ", "Refused"}, // names its client
+        {"no", "C001 ",
+         "Refused: no (code 104). F3 brings the order back (C002 ARBORTEX 60). 2 more are kept."},
+    };
+    Open();
+    Answer(kMonthlyYearly);
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.does);
+        const std::string does = step.does;
+        std::istringstream words(does);
+        std::string client, value;
+        words >> client;
+        if (client == "type") words >> client;
+        words >> value;
+        if (does == "F3")
+            EXPECT_EQ(entry.BringBack(), step.form != std::string_view(" "));
+        else if (does == "no")
+            Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"no"}}});
+        else if (does == "ok")
+            Answer({{32767, {"add_sip_orders"}}, {20008, {"registered"}}, {54001, {"C001"}}});
+        else if (does == "wait")
+            view.now += 11'000;
+        else
+            Type(value, "6", client);
+        if (!value.empty() && !does.starts_with("type")) entry.Submit(kNow);
+        EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), step.form);
+        const std::string notice = *step.notice ? std::string("\n") + step.notice : "";
+        entry.ShowPlan();
+        EXPECT_NE(view.summary.find(notice), std::string::npos) << view.summary;
+        EXPECT_TRUE(*step.notice || view.summary.find("F3") == std::string::npos) << view.summary;
+        EXPECT_EQ(view.alarms, notice.find("Refused") != std::string::npos);
+    }
+}
+
+TEST_F(OrderEntryTest, AnOrderComesBackAsItWasTyped) {
+    host.rights.insert("QV: Planfold: Custom");
+    Open("MIS");
+    Answer(kMonthlyYearly);
+    Type("15", "7", "C002");
+    for (const auto& [combo, text] : {std::pair(IDC_EXCHANGE, "BSE"),
+                                      {IDC_SERIES, "BE"},
+                                      {IDC_SYMBOL, "BETA"},
+                                      {IDC_ACTION, "SWP"},
+                                      {IDC_PRODUCT, "MIS"},
+                                      {IDC_FREQUENCY, "yearly"},
+                                      {IDC_INVEST_BY, "Quantity"}})
+        ASSERT_TRUE(view.SelectText(combo, text)) << text;
+    view.date = {2027, 3, 5};
+    const auto shown = [&] {
+        std::string text = FormatPickerDate(view.date);
+        for (const int id : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_PRODUCT, IDC_FREQUENCY,
+                             IDC_INVEST_BY, IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH})
+            text += " " + view.Text(id);
+        return text;
+    };
+    const std::string typed = shown();
+    EXPECT_EQ(typed, "05/Mar/2027 BSE BE BETA SWP MIS yearly Quantity 15 7 C002");
+    host.refuses = true; // not sent is as bad as refused
+    entry.Submit(kNow);
+    EXPECT_EQ(view.boxes, Texts{"Sending Request add_sip_orders Failed"});
+    Open(); // anew, without the product
+    EXPECT_NE(view.summary.find("Not sent: Sending Request add_sip_orders Failed. F3 brings"),
+              std::string::npos)
+        << view.summary;
+    view.controls[IDC_PRODUCT].items = {"CNC"};
+    for (const int combo : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_PRODUCT, IDC_FREQUENCY})
+        view.Select(combo, 0);
+    ASSERT_TRUE(entry.BringBack());
+    EXPECT_TRUE(view.controls[IDC_VALUE].digitsOnly);
+    EXPECT_EQ(view.Text(IDC_PRODUCT), "") << "no other product stands for it";
+    view.controls[IDC_PRODUCT].items = {"CNC", "MIS"};
+    view.SelectText(IDC_PRODUCT, "MIS");
+    EXPECT_EQ(shown(), typed);
+    EXPECT_EQ(view.focused, IDC_VALUE);
 }
 
 TEST_F(OrderEntryTest, AnswersAreShownErrorsLogged) {
@@ -125,138 +304,10 @@ TEST_F(OrderEntryTest, AnswersAreShownErrorsLogged) {
                                "Error in response : modify_sip_order . Error Code : 56"}));
     EXPECT_EQ(view.boxes.size(), 1u);
     EXPECT_FALSE(view.closed);
+    EXPECT_EQ(view.summary, "Refused: no (code 55).") << "of no order that is known";
     Answer({{32767, {"modify_sip_order"}}, {20008, {"modified"}}});
     EXPECT_EQ(view.boxes.back(), "modified");
     EXPECT_FALSE(view.closed) << "nothing was being modified";
-}
-
-// A form filled to modify: what is locked, what is sent, and which answer closes it.
-class ModifyTest : public OrderEntryTest {
-protected:
-    static SipRegistration Registered(const char* number) {
-        return {.number = number,
-                .exchange = "NSE",
-                .frequency = "monthly",
-                .orderType = "MARKET",
-                .product = "CNC",
-                .totalPeriod = "12",
-                .installments = "24",
-                .tradingSymbol = "A-B-EQ",
-                .action = "SWP",
-                .sipType = "value",
-                .amount = "123.45",
-                .quantity = "",
-                .startDate = "05-Mar-2020",
-                .client = "C001"};
-    }
-    void Fill(const SipRegistration& registration) {
-        entry.Initialise(kNow, {});
-        entry.FillForModify(registration);
-    }
-    std::string LockedControls() const {
-        std::string locked;
-        for (const auto& [id, its] : view.controls)
-            if (!its.enabled) locked += std::to_string(id) + " ";
-        return locked;
-    }
-};
-
-TEST_F(ModifyTest, OnlyValueAndPeriodCanBeChangedAndAPastStartDoesNotBlock) {
-    Fill(Registered("SIP7"));
-    EXPECT_EQ(view.title, "Planfold Modify Order: SIP7");
-    EXPECT_EQ(LockedControls(), "1003 1005 1008 1018 1019 1026 1030 1040 1041 1057 1058 ");
-    const std::pair<int, const char*> texts[] = {
-        {IDC_EXCHANGE, "NSE"},      {IDC_SERIES, "EQ"},          {IDC_SYMBOL, "A-B"},
-        {IDC_ACTION, "SWP"},        {IDC_ORDER_TYPE, "MARKET"},  {IDC_PRODUCT, "CNC"},
-        {IDC_FREQUENCY, "monthly"}, {IDC_INVEST_BY, "Amount"},   {IDC_VALUE, "123.45"},
-        {IDC_PERIOD, "12"},         {IDC_CLIENT_SEARCH, "C001"}, {IDC_SUBMIT, "Modify"},
-    };
-    for (const auto& [id, text] : texts)
-        EXPECT_EQ(view.Text(id), text) << id;
-    EXPECT_EQ(FormatPickerDate(view.date), "05/Mar/2020");
-    // The answer of the opening comes late: it must not touch the filled form.
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"daily", "weekly"}}, {54101, {"2", "2"}}});
-    EXPECT_EQ(view.controls[IDC_FREQUENCY].items, Texts{"monthly"});
-
-    view.SetText(IDC_VALUE, "200");
-    view.SetText(IDC_PERIOD, "18");
-    entry.Submit(kNow);
-    EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804=SIP7 53063=20000 63415=18");
-    EXPECT_EQ(host.log, Texts{"Request sent Modify SIP Order: SIP7"});
-    EXPECT_EQ(view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "");
-    const char* texts2[] = {"Failed to add the request modify_sip_order", "Failed to add the SIP ID",
-                            "Failed to add Amount or Quantity", "Failed to add the Total Period"};
-    for (int call = 0; call < 4; ++call) {
-        view.SetText(IDC_VALUE, "200");
-        view.SetText(IDC_PERIOD, "18");
-        const FailQmxCall failing(FailQmxCall::addData, call + 1);
-        entry.Submit(kNow);
-        EXPECT_EQ(view.boxes.back(), texts2[call]);
-    }
-    EXPECT_EQ(host.requests.size(), 2u);
-}
-
-TEST_F(ModifyTest, RowsOfEveryShapeFillTheForm) {
-    struct Row {
-        const char* symbol;
-        const char* sipType;
-        int mode;
-        const char* expected; // symbol, series, invest by, value, period, title
-    };
-    const Row rows[] = {
-        {"ARBORTEX-EQ", "value", 0, "ARBORTEX|EQ|Amount|123.45|12|Planfold Modify Order: SIP7"},
-        {"ARBORTEX", "qty", 1, "ARBORTEX||Quantity|5|24|Planfold Modify Order: SIP7"},
-        {"-", "other", 1, "||Amount|123.45|24|Planfold Modify Order: SIP7"},
-    };
-    for (const Row& row : rows) {
-        SipRegistration registration = Registered("SIP7");
-        registration.tradingSymbol = row.symbol;
-        registration.sipType = row.sipType;
-        registration.quantity = "5";
-        entry.Initialise(kNow, {});
-        session.m_nSipOperationMode = row.mode;
-        entry.FillForModify(registration);
-        std::string seen;
-        for (const int id : {IDC_SYMBOL, IDC_SERIES, IDC_INVEST_BY, IDC_VALUE, IDC_PERIOD})
-            seen += view.Text(id) + "|";
-        EXPECT_EQ(seen + view.title, row.expected);
-    }
-    EXPECT_EQ(view.Text(IDC_PERIOD_LABEL), "SIP Periods");
-}
-
-TEST_F(ModifyTest, AnUnreadableMonthStopsTheFillingButNeverMakesANewOrder) {
-    Fill(Registered("SIP7"));
-    for (const char* date : {"05-mar-2027", "05/Mar/2027", "", "05-Mar", "--"}) {
-        SipRegistration unreadable = Registered("SIP8");
-        unreadable.startDate = date;
-        view.title.clear();
-        entry.FillForModify(unreadable);
-        EXPECT_NE(view.title, "Planfold Modify Order: SIP8") << date;
-        EXPECT_NE(view.Text(IDC_SUBMIT), "Modify") << date;
-        EXPECT_TRUE(entry.FilledForModify());
-        entry.Submit(kNow);
-        EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804= 53063=12345 63415=12")
-            << "neither a new order nor a change of the registration shown before";
-    }
-    entry.Initialise(kNow, {});
-    EXPECT_FALSE(entry.FilledForModify()) << "a window made anew places new orders";
-}
-
-TEST_F(ModifyTest, TheAnswerClosesOnlyTheWindowThatStillShowsItsRegistration) {
-    const Fields good{{32767, {"modify_sip_order"}}, {20008, {"modified"}}};
-    Fill(Registered("SIP7"));
-    entry.Submit(kNow);
-    entry.FillForModify(Registered("SIP8"));
-    Answer(good);
-    EXPECT_FALSE(view.closed);
-    entry.Submit(kNow);
-    Answer({{32767, {"modify_sip_order"}}, {32766, {"9"}}});
-    EXPECT_FALSE(view.closed) << "refused";
-    view.SetText(IDC_VALUE, "1");
-    view.SetText(IDC_PERIOD, "2");
-    entry.Submit(kNow);
-    Answer(good);
-    EXPECT_TRUE(view.closed);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "plugin/orderentry/PlannedDates.h"
+#include "plugin/orderentry/ModifyPlan.h"
 
 #include <gtest/gtest.h>
 
@@ -90,6 +90,115 @@ TEST(DescribePlan, SaysNumberDatesAndTotal) {
     EXPECT_EQ(DescribePlan({{2027, 1, 31}, "", 12}, "SIP", "value", "1"), "");
     EXPECT_EQ(DescribePlan({{2027, 1, 31}, "yearly", 99999}, "SIP", "value", ""),
               "99999 planned from 31-Jan-2027 to ...");
+}
+
+SipRegistration Running(const char* frequency, const char* start, const char* next, const char* end) {
+    SipRegistration registration;
+    registration.frequency = frequency;
+    registration.startDate = start;
+    registration.nextExecutionDate = next;
+    registration.endDate = end;
+    return registration;
+}
+
+// Worked out by hand with a calendar.
+TEST(ProgressOf, CountsWhatHasRunByTheDates) {
+    struct Row {
+        const char *frequency, *start, *next, *end;
+        std::int64_t periods;
+        const char* progress; // run, place, exact; or none
+    };
+    const Row rows[] = {
+        {"monthly", "05-Mar-2027", "05-Mar-2027", "05-Dec-2028", 22, "0 0 exact"},
+        {"monthly", "05-Mar-2027", "05-Jul-2028", "05-Dec-2028", 22, "16 16 exact"},
+        {"monthly", "05-Mar-2027", "07-Jul-2028", "05-Dec-2028", 22, "16 16 exact"}, // moved by a holiday
+        {"monthly", "31-Jan-2027", "28-Feb-2027", "", 12, "1 1 exact"},
+        {"monthly", "31-Jan-2027", "30-Mar-2027", "", 12, "1 1 exact"},              // before the 31st
+        {"monthly", "05-Mar-2027", "05-Jul-2028", "05-Feb-2029", 22, "14 16 about"}, // two lapsed
+        {"monthly", "05-Mar-2027", "05-Jul-2028", "05-Nov-2028", 22, "16 16 about"}, // another's end
+        {"yearly", "29-Feb-2028", "28-Feb-2029", "28-Feb-2030", 3, "1 1 exact"},
+        {"weekly", "06-Mar-2027", "15-Mar-2027", "10-Apr-2027", 6, "1 1 exact"}, // Saturday to Monday
+        {"weekly", "01-Mar-2027", "09-Mar-2027", "05-Apr-2027", 6, "1 1 about"}, // a closed Monday
+        {"daily", "01-Mar-2027", "01-Mar-2027", "22-Mar-2027", 22, "0 0 exact"},
+        {"daily", "01-Mar-2027", "15-Mar-2027", "22-Mar-2027", 22, "10 14 about"},
+        {"daily", "01-Mar-2027", "01-Jun-2027", "22-Mar-2027", 22, "21 92 about"}, // one is left at least
+        {"monthly", "05-Mar-2027", "", "05-Dec-2028", 22, "none"},
+        {"monthly", "257-Mar-2027", "05-Jul-2028", "", 22, "none"},
+        {"daily", "01-Mar-2027", "01-Mar-9999", "", 22, "none"},
+        {"fortnightly", "05-Mar-2027", "05-Jul-2028", "", 22, "none"},
+        {"monthly", "05-Mar-2027", "05-Jul-2028", "", 0, "none"},
+    };
+    for (const Row& row : rows) {
+        const auto progress =
+            ProgressOf(Running(row.frequency, row.start, row.next, row.end), row.periods, nullptr);
+        EXPECT_EQ(progress ? std::to_string(progress->done) + " " + std::to_string(progress->place)
+                                 + (progress->exact ? " exact" : " about")
+                           : "none",
+                  row.progress)
+            << row.frequency << " " << row.start << " " << row.next;
+    }
+}
+
+TEST(DescribeModification, SaysWhatIsLeftNewBesideOld) {
+    const std::string sixLeft = "6 of 22 left: ";
+    const std::string dates = "\nNext 05-Jul-2028, last planned 05-Dec-2028";
+    struct Row {
+        const char* next;
+        ModifiedPlan plan; // without its progress
+        std::string text;
+        const char* listed; // "number date note", the first and the last row
+    };
+    const auto plan = [](std::int64_t periods, const char* investType, const char* before, const char* now) {
+        return ModifiedPlan{22, periods, std::nullopt, "SIP", investType, before, now};
+    };
+    ModifiedPlan withdrawn = plan(22, "value", "150000", "150000");
+    withdrawn.action = "SWP";
+    withdrawn.paused = true;
+    const char* next = "05-Jul-2028";
+    const char* asItWas = "17 05-Jul-2028 |22 05-Dec-2028 ";
+    const Row rows[] = {
+        {next, plan(22, "value", "150000", "300000"),
+         sixLeft + "Rs 3,000.00 a run instead of 1,500.00" + dates
+             + "\nOutlay to come Rs 18,000.00 instead of 9,000.00",
+         asItWas},
+        {next, plan(30, "qty", "15", "15"),
+         "14 of 30 left instead of 6 of 22: quantity 15 a run\nNext 05-Jul-2028, last planned 05-Aug-2029 "
+         "instead of "
+         "05-Dec-2028\nQuantity to come 210 instead of 90",
+         "17 05-Jul-2028 |30 05-Aug-2029 Added, non-trading day"},
+        {next, plan(20, "value", "150000", "150000"),
+         "4 of 20 left instead of 6 of 22: Rs 1,500.00 a run\nNext 05-Jul-2028, last planned 05-Oct-2028 "
+         "instead of "
+         "05-Dec-2028\nOutlay to come Rs 6,000.00 instead of 9,000.00",
+         "17 05-Jul-2028 |22 05-Dec-2028 Dropped"},
+        {next, plan(16, "value", "150000", "300000"),
+         "16 have run, so that 16 are too few: Rs 3,000.00 a run instead of 1,500.00",
+         "17 05-Jul-2028 Dropped|22 05-Dec-2028 Dropped"},
+        {next, plan(0, "value", "150000", ""), sixLeft + "now Rs 1,500.00 a run" + dates, asItWas},
+        {next, withdrawn,
+         sixLeft + "Rs 1,500.00 a run\nPaused, last planned 05-Dec-2028\nWithdrawal to come Rs 9,000.00",
+         asItWas},
+        {"", plan(30, "value", "150000", "300000"),
+         "30 registered instead of 22: Rs 3,000.00 a run instead of 1,500.00",
+         "1 05-Mar-2027 |30 05-Aug-2029 Non-trading day"},
+    };
+    for (const Row& row : rows) {
+        const SipRegistration registration = Running("monthly", "05-Mar-2027", row.next, "05-Dec-2028");
+        ModifiedPlan modified = row.plan;
+        modified.progress = ProgressOf(registration, modified.periodsBefore, nullptr);
+        const Plan toCome = PlanToCome(registration, modified);
+        EXPECT_EQ(DescribeModification(modified, toCome), row.text);
+        std::string listed;
+        for (const std::int64_t at : {std::int64_t{0}, toCome.Rows() - 1}) {
+            const auto date = PlannedDate(toCome, at);
+            listed += (at ? "|" : "") + std::to_string(toCome.done + at + 1) + " "
+                      + (date ? FormatPlannedDate(*date) : "?") + " " + PlannedNote(toCome, at, nullptr);
+        }
+        EXPECT_EQ(listed, row.listed);
+    }
+    ModifiedPlan daily = plan(22, "value", "150000", "150000");
+    daily.progress = Progress{10, 14, {2027, 3, 15}, false};
+    EXPECT_TRUE(DescribeModification(daily, {}).starts_with("About 12 of 22 left: Rs 1,500.00 a run"));
 }
 
 } // namespace

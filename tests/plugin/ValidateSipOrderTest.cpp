@@ -31,12 +31,12 @@ protected:
     std::string Check(const SipOrderForm& form) {
         record = {};
         const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record);
-        focused = refusal && refusal->focusValue;
+        leadsTo = !refusal ? "" : refusal->focusValue ? "value" : refusal->focusPeriod ? "period" : "";
         return refusal ? refusal->text : std::string();
     }
 
     sSipOrderData record;
-    bool focused = false;
+    std::string leadsTo; // an edit
 };
 
 TEST_F(ValidateSipOrderTest, FindsTheScripInTheMasterWhenTheHostCannotReadTheDialog) {
@@ -135,6 +135,7 @@ TEST_F(ValidateSipOrderTest, ChecksThePeriodByOperationMode) {
         form.frequency = row.frequency;
         form.totalPeriod = row.period;
         EXPECT_EQ(Check(form), row.refusal) << row.mode << " " << row.frequency << " " << row.period;
+        EXPECT_EQ(leadsTo, *row.refusal ? "period" : "");
     }
 }
 
@@ -144,37 +145,36 @@ TEST_F(ValidateSipOrderTest, ChecksAndConvertsTheValue) {
         const char* investType;
         const char* value;
         std::string outcome; // "= wire form", or the refusal
-        bool focused;
     };
     const Row rows[] = {
-        {"Quantity", "", "Enter Quantity", false},
-        {"Quantity", ".", "Enter valid Quantity", false},
-        {"Quantity", "0", "Enter valid Quantity", false},
-        {"Quantity", "00", "Quantity cannot be zero", true},
-        {"Quantity", ".5", "Quantity cannot be zero", true},
-        {"Quantity", "abc", "Quantity cannot be zero", true},
-        {"Quantity", "1", "= 1", false},
-        {"Quantity", "1.5", "= 1", false},
-        {"Quantity", "007", "= 7", false},
-        {"Quantity", "2147483647", "= 2147483647", false},
-        {"Quantity", "2147483648", " should not be more than integer max value(2147483647)", false},
-        {"Quantity", "3000000000", " should not be more than integer max value(2147483647)", false},
-        {"Amount", "", "Enter Amount", false},
-        {"Amount", "0", "Enter valid Amount", true},
-        {"Amount", "0.00", "Enter valid Amount", true},
-        {"Amount", "abc", "Enter valid Amount", true},
-        {"Amount", ".", "Enter valid Amount", true},
-        {"Amount", "0.004", "= 0", false},
-        {"Amount", "0.01", "= 1", false},
-        {"Amount", "1234.5", "= 123450", false},
-        {"Amount", "9999999.99", "= 999999999", false},
-        {"Amount", "9999999.994", "= 999999999", false},
-        {"Amount", "9999999.996", digits, false},
-        {"Amount", "10000000", digits, false},
-        {"Amount", "1e300", digits, false},
-        {"Amount", "1e999", "Please enter valid amount.", true},
-        {"Amount", "-5", "Please enter valid amount.", true},
-        {"Units", "anything", "= anything", false},
+        {"Quantity", "", "Enter Quantity"},
+        {"Quantity", ".", "Enter valid Quantity"},
+        {"Quantity", "0", "Enter valid Quantity"},
+        {"Quantity", "00", "Quantity cannot be zero"},
+        {"Quantity", ".5", "Quantity cannot be zero"},
+        {"Quantity", "abc", "Quantity cannot be zero"},
+        {"Quantity", "1", "= 1"},
+        {"Quantity", "1.5", "= 1"},
+        {"Quantity", "007", "= 7"},
+        {"Quantity", "2147483647", "= 2147483647"},
+        {"Quantity", "2147483648", " should not be more than integer max value(2147483647)"},
+        {"Quantity", "3000000000", " should not be more than integer max value(2147483647)"},
+        {"Amount", "", "Enter Amount"},
+        {"Amount", "0", "Enter valid Amount"},
+        {"Amount", "0.00", "Enter valid Amount"},
+        {"Amount", "abc", "Enter valid Amount"},
+        {"Amount", ".", "Enter valid Amount"},
+        {"Amount", "0.004", "= 0"},
+        {"Amount", "0.01", "= 1"},
+        {"Amount", "1234.5", "= 123450"},
+        {"Amount", "9999999.99", "= 999999999"},
+        {"Amount", "9999999.994", "= 999999999"},
+        {"Amount", "9999999.996", digits},
+        {"Amount", "10000000", digits},
+        {"Amount", "1e300", digits},
+        {"Amount", "1e999", "Please enter valid amount."},
+        {"Amount", "-5", "Please enter valid amount."},
+        {"Units", "anything", "= anything"},
     };
     for (const Row& row : rows) {
         SipOrderForm form = GoodForm();
@@ -183,7 +183,7 @@ TEST_F(ValidateSipOrderTest, ChecksAndConvertsTheValue) {
         const std::string refusal = Check(form);
         EXPECT_EQ(refusal.empty() ? "= " + record.amountOrQuantity : refusal, row.outcome)
             << row.investType << " " << row.value;
-        EXPECT_EQ(focused, row.focused) << row.investType << " " << row.value;
+        EXPECT_EQ(leadsTo, refusal.empty() ? "" : "value") << row.investType << " " << row.value;
     }
 }
 

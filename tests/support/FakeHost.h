@@ -108,7 +108,7 @@ struct FakeHost {
     std::string userDirectory = "C:\\user";
     std::vector<std::pair<std::string, std::string>> clients{{"C001", "First Client"},
                                                              {"C002", "Second Client"}};
-    std::set<std::string> validAccounts;
+    std::set<std::string> validAccounts{"C001", "C002"};
     std::vector<Scrip> scrips{{"nse_cm", "EQ", "ARBORTEX", "1013", "ARBORTEX-EQ", "Arbor Textiles"},
                               {"nse_cm", "EQ", "BYTEFIN", "2901", "BYTEFIN-EQ", "Byte Finance"},
                               {"nse_cm", "BE", "LUMENBANK", "2902", "LUMENBANK-BE", "Lumen Bank"},

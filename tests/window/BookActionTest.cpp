@@ -196,7 +196,7 @@ TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
         }
         EXPECT_EQ(enabled, "1025 1037 1161 1034 ");
         EXPECT_EQ(probe::Text(form, order::kSubmit) + probe::Text(form, order::kSymbol), "ModifyARBORTOOLS");
-        EXPECT_EQ(GetFocus(), GetDlgItem(form, order::kValue));
+        EXPECT_EQ(SelectedAt(form, order::kValue), "0-7 focus") << "1234.50 is typed over";
         if (*end == 'a') {
             probe::SetEdit(form, order::kValue, "99.5");
             probe::SetEdit(form, order::kPeriod, "24");
@@ -218,6 +218,21 @@ TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
         EXPECT_EQ(modifying(), nullptr);
         EXPECT_EQ(PluginWindows().empty(), *end != 'n');
     }
+    Command(book::kModify);
+    Streamed("SIP1", "Paused");
+    EXPECT_NE(probe::Text(modifying(), order::kSummary)
+                  .find("Changed meanwhile by DEALER7: Status Paused instead of active\n"),
+              std::string::npos)
+        << probe::Text(modifying(), order::kSummary);
+    QueriedInFull("SIP1", "cancelled");
+    boxes.toQuestions = IDNO;
+    host.requests.clear();
+    probe::Press(modifying(), order::kSubmit);
+    EXPECT_EQ(boxes.Texts(),
+              "SIP1 was changed by DEALER8 while this form was open:\nStatus cancelled instead of "
+              "active\n\nModify it all the same?|");
+    EXPECT_TRUE(host.requests.empty());
+    EXPECT_EQ(probe::Text(modifying(), order::kValue), "1234.50");
     Streamed("SIP1", "expired");
     Command(book::kModify);
     EXPECT_EQ(boxes.Texts(), "Cannot modify SIP. Order status: expired|");

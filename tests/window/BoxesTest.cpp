@@ -38,6 +38,18 @@ TEST_F(Boxes, AnswersThatArriveWhileABoxIsOpenAreJoinedUpToThirty) {
     EXPECT_EQ(std::ranges::count(texts, '|'), 2);
 }
 
+TEST_F(Boxes, AQuestionComesWhenTheOpenBoxIsGone) {
+    FillGoodOrder(dialog, "C009");
+    boxes.during = [&] {
+        probe::Press(dialog, order::kSubmit);
+        EXPECT_EQ(host.requests.size(), 1u);
+    };
+    host.Answer(Told("first"));
+    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
+    EXPECT_EQ(boxes.Texts(), "first|The terminal knows no client C009.\nPlace the order all the same?|");
+    EXPECT_FALSE(boxes.anyNested);
+}
+
 TEST_F(Boxes, AnErrorThatArrivesWhileABoxIsOpenIsLoggedAtOnce) {
     std::size_t logged = 0;
     boxes.during = [&] {

@@ -53,6 +53,15 @@ protected:
             EXPECT_FALSE(probe::IsShown(dialog, hidden)) << hidden;
         EXPECT_EQ(boxes.Texts(), "");
     }
+    static COLORREF ColourOf(HWND dialog, int label) {
+        const HDC screen = GetDC(dialog);
+        SetTextColor(screen, GetSysColor(COLOR_WINDOWTEXT));
+        SendMessageA(dialog, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(screen),
+                     reinterpret_cast<LPARAM>(GetDlgItem(dialog, label)));
+        const COLORREF colour = GetTextColor(screen);
+        ReleaseDC(dialog, screen);
+        return colour;
+    }
 };
 
 TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
@@ -67,7 +76,7 @@ TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
     for (const int hidden : {order::kPeriodHint, order::kPeriodIcons[0], order::kPeriodIcons[1]})
         EXPECT_FALSE(probe::IsShown(dialog, hidden)) << hidden;
     Pick("Order Entry"); // which forgets the least periods of the server
-    probe::SetEdit(dialog, order::kValue, "100");
+    FillGoodOrder(dialog);
     probe::Press(dialog, order::kSubmit);
     EXPECT_EQ(host.requests.size(), 2u);
     probe::Select(dialog, order::kInvestBy, "Quantity");
@@ -122,7 +131,9 @@ TEST_F(OrderEntryWindow, ExchangeAndSeriesRefillWhatDependsOnThem) {
     ASSERT_TRUE(probe::Select(dialog, order::kExchange, "NSE"));
     ASSERT_TRUE(probe::Select(dialog, order::kSeries, "BE"));
     EXPECT_EQ(Text(dialog, order::kSeries) + " " + Text(dialog, order::kSymbol), "BE LUMENBANK");
-    EXPECT_EQ(host.calls.back(), "pu_fill_scrip_combos(1003,1005,1008,1048,1049,1050,1)");
+    EXPECT_EQ(host.calls.end()[-2], "pu_fill_scrip_combos(1003,1005,1008,1048,1049,1050,1)");
+    EXPECT_EQ(host.calls.back(), "pu_get_intersted_scrip_field(nse_cm|BE|LUMENBANK,0,6)");
+    EXPECT_EQ(Text(dialog, order::kSummary), "Lumen Bank");
 }
 
 // The settings file lies beside the program that is the host.
@@ -186,13 +197,51 @@ TEST_F(OrderEntryWindow, RefusalIsToldAndTheFormKeepsWhatWasTyped) {
         EXPECT_EQ(boxes.lastOwner, dialog);
     }
     EXPECT_EQ(Text(dialog, order::kValue) + " " + Text(dialog, order::kPeriod), "1234.5 61");
+    EXPECT_EQ(SelectedAt(dialog, order::kPeriod), "0-2 focus") << "to be typed over";
+    probe::SetEdit(dialog, order::kValue, "0.00");
+    probe::SetEdit(dialog, order::kPeriod, "60");
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(boxes.Texts(), "Enter valid Amount|");
+    EXPECT_EQ(SelectedAt(dialog, order::kValue), "0-4 focus");
     FillGoodOrder(dialog, std::string(33000, 'x'));
     probe::Press(dialog, order::kSubmit);
-    EXPECT_EQ(boxes.Texts(), "Failed to add Account ID|");
+    EXPECT_EQ(boxes.Texts(), "The terminal knows no client " + std::string(60, 'x')
+                                 + ".\nPlace the order all the same?|Failed to add Account ID|");
     EXPECT_EQ(host.requests.size(), 1u);
     FillGoodOrder(dialog);
     probe::Press(dialog, order::kSubmit);
     EXPECT_EQ(host.requests.size(), 2u) << "the next one goes out";
+}
+
+TEST_F(OrderEntryWindow, ARefusedOrderIsToldInRedAndComesBackWithAKey) {
+    HWND dialog = OpenWithDefaults();
+    FillGoodOrder(dialog);
+    EXPECT_EQ(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    probe::Press(dialog, order::kSubmit);
+    host.Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"too & short"}}});
+    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(
+        Text(dialog, order::kSummary),
+        "Byte Finance for C002 (Second Client)\nRefused: too & short (code 104). F3 brings the order back "
+        "(C002 BYTEFIN 1234.5).");
+    EXPECT_NE(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    SetForegroundWindow(dialog);
+    probe::Select(dialog, order::kSymbol, "ARBORTEX");
+    probe::Select(dialog, order::kInvestBy, "Quantity");
+    probe::PostKey(VK_F3);
+    probe::Pump();
+    EXPECT_EQ(Text(dialog, order::kSymbol) + Text(dialog, order::kInvestBy), "BYTEFINAmount");
+    EXPECT_EQ(Text(dialog, order::kValue) + " " + Text(dialog, order::kPeriod), "1234.5 12");
+    EXPECT_EQ(SelectedAt(dialog, order::kValue), "0-6 focus");
+    EXPECT_EQ(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    probe::SetEdit(dialog, order::kClientSearch, "C00");
+    EXPECT_TRUE(Text(dialog, order::kSummary).starts_with("Byte Finance for C00 (unknown client)\n"));
+    EXPECT_NE(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    boxes.toQuestions = IDNO;
+    const auto sent = host.requests.size();
+    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(host.requests.size(), sent);
+    EXPECT_EQ(SelectedAt(dialog, order::kClientSearch), "0-3 focus");
 }
 
 } // namespace

@@ -49,6 +49,13 @@ bool PluginTest::HasChildWithText(HWND dialog, std::string_view text) {
     return false;
 }
 
+std::string PluginTest::SelectedAt(HWND dialog, int edit) {
+    HWND window = GetDlgItem(dialog, edit);
+    const auto range = static_cast<DWORD>(SendMessageA(window, EM_GETSEL, 0, 0));
+    return std::to_string(LOWORD(range)) + "-" + std::to_string(HIWORD(range))
+           + (GetFocus() == window ? " focus" : "");
+}
+
 std::string PluginTest::HeadingAt(HWND list, int column) {
     char text[64] = "";
     LVCOLUMNA heading{};

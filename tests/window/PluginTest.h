@@ -21,7 +21,8 @@ namespace order {
 inline constexpr int kExchange = 1003, kSeries = 1005, kSymbol = 1008, kAction = 1040, kOrderType = 1018;
 inline constexpr int kClient = 1053, kClientSearch = 1057, kProduct = 1019, kInvestBy = 1041, kValue = 1025,
                      kFrequency = 1026;
-inline constexpr int kStartDate = 1030, kPeriod = 1037, kPeriodHint = 1047, kSubmit = 1034, kCancel = 2;
+inline constexpr int kStartDate = 1030, kPeriod = 1037, kPeriodHint = 1047, kSubmit = 1034, kCancel = 2,
+                     kSummary = 1160;
 inline constexpr int kPeriodIcons[] = {1035, 1036};
 } // namespace order
 
@@ -42,6 +43,8 @@ protected:
     // search box, whichever this host's window has.
     void FillGoodOrder(HWND dialog, std::string_view client = "C002");
     std::vector<HWND> PluginWindows() const;
+    // What is selected of an edit, "0-3 focus" with the keyboard in it.
+    static std::string SelectedAt(HWND dialog, int edit);
     static bool HasChildWithText(HWND dialog, std::string_view text);
 
     static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }

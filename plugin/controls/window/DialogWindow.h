@@ -40,7 +40,11 @@ public:
     }
     void Show(int control, bool shown) override { Item(control).Show(shown); }
     void Enable(int control, bool enabled) override { Item(control).Enable(enabled); }
-    void Focus(int control) override { Item(control).Focus(); }
+    // As a key of the dialog does it, by which an edit is selected whole and the default button follows.
+    void Focus(int control) override {
+        if (const HWND item = Item(control).Handle())
+            Self().Send(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(item), TRUE);
+    }
     void SetDigitsOnly(int edit, bool on) override { Item<framework::Edit>(edit).DigitsOnly(on); }
 
     std::vector<std::string> Items(int combo) const override {

@@ -41,14 +41,14 @@ constexpr CommandRow kCommands[] = {
 } // namespace
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                             const BookControls& controls, Modify modify, History history)
+                             const BookControls& controls, OrderForm orderForm, History history)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
-      m_modify(std::move(modify)), m_history(std::move(history)) {}
+      m_orderForm(std::move(orderForm)), m_history(std::move(history)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;

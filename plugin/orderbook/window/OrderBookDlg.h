@@ -21,13 +21,16 @@ public:
     // The name of the registered list's and the status bar's settings.
     static constexpr char kName[] = "SIPRegistrationBook";
 
-    // Opens the order entry window over a record.
-    using Modify = std::function<void(const sOrderinfo&)>;
+    // Opens the order entry window over a record, or tells it that the record has changed.
+    struct OrderForm {
+        std::function<void(const sOrderinfo&)> open;
+        std::function<void(const sOrderinfo&)> tell;
+    };
     // Opens the order history of a registration number.
     using History = std::function<void(const std::string&)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  const BookControls& controls, Modify modify, History history);
+                  const BookControls& controls, OrderForm orderForm, History history);
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
@@ -38,7 +41,8 @@ public:
     bool IsOpen() const override { return m_open; }
     bool Ask(std::string_view question) override { return m_boxes.Ask(Handle(), std::string(question)); }
     std::string AskReason() override { return m_reason.Ask(Handle()); }
-    void OpenForModify(const sOrderinfo& record) override { m_modify(record); }
+    void OpenForModify(const sOrderinfo& record) override { m_orderForm.open(record); }
+    void TellChanged(const sOrderinfo& record) override { m_orderForm.tell(record); }
     void ShowRun() override { m_progress.Follow(Handle()); }
     BookList& Registered() override { return m_registered; }
     BookList& Cancelled() override { return m_cancelled; }
@@ -70,7 +74,7 @@ private:
     CRejectReasonDlg m_reason;
     CRunProgressDlg m_progress;
     RowMenu m_menu;
-    Modify m_modify;
+    OrderForm m_orderForm;
     History m_history;
     framework::Font m_font;
     bool m_open = false;

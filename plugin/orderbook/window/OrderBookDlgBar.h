@@ -11,7 +11,7 @@ namespace planfold {
 class COrderBookDlgBar final : public framework::CustomWindow, public CKeloRxNotifierBase, private Notices {
 public:
     COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                     COrderBookDlg::Modify modify, COrderBookDlg::History history);
+                     COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history);
     ~COrderBookDlgBar() override { Destroy(); }
 
     // Makes the pane unless there is one, brings it up, and asks for the registrations.

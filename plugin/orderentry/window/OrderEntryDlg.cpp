@@ -1,13 +1,21 @@
 #include "plugin/orderentry/window/OrderEntryDlg.h"
 
 #include "framework/Guard.h"
+#include "framework/KeyboardHook.h"
 #include "plugin/resources/resource.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
 
 namespace {
+
+// To itself, when a control shows only later what it has told.
+constexpr UINT kShowPlanLater = WM_APP + 1;
+constexpr UINT_PTR kBoxTimer = 1;
+constexpr UINT kBoxTimerMs = 50;
+constexpr LPARAM kKeyWasDown = 1 << 30;
 
 struct Change {
     int combo;
@@ -22,7 +30,7 @@ constexpr Change kChanges[] = {
 } // namespace
 
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
-    : DialogWindow(module, IDD_ORDER_ENTRY, boxes), m_session(session),
+    : DialogWindowOf(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
       m_controls(*this, session), m_plannedDates(module, session) {}
 
@@ -53,16 +61,33 @@ void COrderEntryDlg::SetText(int control, std::string_view text) {
     if (control == IDC_CLIENT_SEARCH)
         m_controls.SetClient(text);
     else
-        DialogWindow::SetText(control, text);
+        DialogWindowOf::SetText(control, text);
 }
 
 void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
-    DialogWindow::SetDigitsOnly(edit, on);
+    DialogWindowOf::SetDigitsOnly(edit, on);
     m_controls.FilterValue(!on);
+}
+
+bool COrderEntryDlg::MayAsk() {
+    if (!Boxes().BringToFront()) return true;
+    SetTimer(Dialog::Handle(), kBoxTimer, kBoxTimerMs, nullptr);
+    return false;
+}
+
+void COrderEntryDlg::ShowSummary(std::string_view text, bool alarms) {
+    const auto meaning = alarms ? framework::Meaning::bad : framework::Meaning::plain;
+    m_summary.Tell(std::string(text), meaning);
+}
+
+void COrderEntryDlg::OnRegistrationChanged(const SipRegistration& registration) {
+    m_entry.OnRegistrationChanged(registration);
+    m_plannedDates.SetPlan(m_entry.CurrentPlan());
 }
 
 void COrderEntryDlg::OnInit() {
     const HWND window = Dialog::Handle();
+    m_summary.Attach(Item(IDC_PLAN_SUMMARY).Handle());
     m_controls.SetUp(OrderEntry::kName);
     // The host was asked: it may have closed the window, or opened another.
     if (Dialog::Handle() == window) m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
@@ -89,9 +114,24 @@ void COrderEntryDlg::LoadPeriodIcons() {
     }
 }
 
-std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM, LPARAM) {
-    if (message == WM_MOVE) m_controls.OnMoved();
-    return std::nullopt;
+std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_MOVE:
+        m_controls.OnMoved();
+        return std::nullopt;
+    case framework::kOfferedKey:
+        return wParam == VK_F3 && !(lParam & kKeyWasDown) && m_entry.BringBack();
+    case WM_TIMER:
+        if (wParam != kBoxTimer || Boxes().IsOpen()) return std::nullopt;
+        KillTimer(Dialog::Handle(), kBoxTimer);
+        m_entry.OnBoxGone(LocalNow());
+        return 0;
+    case kShowPlanLater:
+        OnPlanChanged();
+        return 0;
+    default:
+        return std::nullopt;
+    }
 }
 
 bool COrderEntryDlg::OnCommand(const framework::Command& command) {
@@ -100,8 +140,11 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
         OnButton(command.id);
         return command.id != IDCANCEL;
     }
-    if (command.notification == EN_CHANGE && (command.id == IDC_VALUE || command.id == IDC_PERIOD))
+    constexpr int edits[] = {IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH};
+    if (command.notification == EN_CHANGE && std::ranges::find(edits, command.id) != std::end(edits))
         OnPlanChanged();
+    // A combo with an edit tells a choice before the edit has it.
+    if (command.id == IDC_CLIENT_COMBO) PostMessageA(Dialog::Handle(), kShowPlanLater, 0, 0);
     if (command.notification == CBN_SELCHANGE) {
         for (const auto& [combo, handle] : kChanges)
             if (command.id == combo) (m_entry.*handle)();

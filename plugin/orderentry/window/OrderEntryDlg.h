@@ -1,6 +1,7 @@
 // The order entry window.
 #pragma once
 
+#include "framework/ColorStatic.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"
@@ -9,7 +10,7 @@
 
 namespace planfold {
 
-class COrderEntryDlg final : public DialogWindow, public CKeloRxNotifierBase {
+class COrderEntryDlg final : public DialogWindowOf<OrderEntryView>, public CKeloRxNotifierBase {
 public:
     COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
     ~COrderEntryDlg() override { Destroy(); }
@@ -18,6 +19,9 @@ public:
     void Open();
     // The same, filled from a registration that is to be changed.
     void OpenForModify(const SipRegistration& registration);
+    // Whether it is open for the registration of this number, and how that registration is now.
+    bool Modifies(std::string_view number) const { return m_entry.Modifies(number); }
+    void OnRegistrationChanged(const SipRegistration& registration);
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -28,6 +32,12 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
+    bool MayAsk() override;
+    bool Ask(std::string_view question) override {
+        return Boxes().Ask(Dialog::Handle(), std::string(question));
+    }
+    void ShowSummary(std::string_view text, bool alarms) override;
+    std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
     void OnInit() override;
     void OnLaidOut() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -41,6 +51,7 @@ private:
     RxLink m_link;
     OrderEntry m_entry;
     SipFormControls m_controls;
+    framework::ColorStatic m_summary;
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
 };

@@ -29,8 +29,7 @@ void CPlannedDatesDlg::Open(HWND owner, const Plan& plan, int points) {
 void CPlannedDatesDlg::SetPlan(const Plan& plan) {
     m_plan = plan;
     if (HasWindow())
-        List().SetCount(
-            static_cast<int>(std::clamp<std::int64_t>(plan.instalments, 0, Plan::kMostInstalments)));
+        List().SetCount(static_cast<int>(std::clamp<std::int64_t>(plan.Rows(), 0, Plan::kMostInstalments)));
 }
 
 void CPlannedDatesDlg::OnInit() {
@@ -63,13 +62,13 @@ std::string CPlannedDatesDlg::Cell(int row, int column) const {
     if (!date) return {};
     switch (column) {
     case 0:
-        return std::to_string(row + 1);
+        return std::to_string(m_plan.done + row + 1);
     case 1:
         return FormatPlannedDate(*date);
     case 2:
         return std::string(WeekdayName(*date));
     default:
-        return IsNonTradingDay(*date, m_session.m_pNonTradingDates) ? "Non-trading day" : "";
+        return PlannedNote(m_plan, row, m_session.m_pNonTradingDates);
     }
 }
 

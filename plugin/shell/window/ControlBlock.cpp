@@ -15,9 +15,10 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
     : m_session(FindInHost, identity, strings), m_font(font), m_orderEntry(module, m_session, boxes),
       m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
       m_orderHistory(module, m_session, boxes),
-      m_orderBook(
-          module, m_session, boxes, [this](const sOrderinfo& record) { OpenForModify(record); },
-          [this](const std::string& number) { OpenOrderHistory(number); }) {
+      m_orderBook(module, m_session, boxes,
+                  {[this](const sOrderinfo& record) { OpenForModify(record); },
+                   [this](const sOrderinfo& record) { TellChanged(record); }},
+                  [this](const std::string& number) { OpenOrderHistory(number); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -34,7 +35,9 @@ void CPlanfoldControlBlock::ShutDown() {
     m_keyboard.reset();
 }
 
-void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
+namespace {
+
+SipRegistration ReadRegistration(const sOrderinfo& record) {
     struct Row {
         std::string SipRegistration::*member;
         OrderField field;
@@ -54,12 +57,29 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
         {&SipRegistration::quantity, OrderField::quantity},
         {&SipRegistration::startDate, OrderField::startDate},
         {&SipRegistration::client, OrderField::clientId},
+        {&SipRegistration::nextExecutionDate, OrderField::nextExecutionDate},
+        {&SipRegistration::endDate, OrderField::endDate},
+        {&SipRegistration::status, OrderField::sipStatus},
     };
     SipRegistration registration;
     for (const auto& [member, field] : rows)
         registration.*member = record.Text(field);
+    const bool cancelled = IsCancelled(registration.status) && !record.Text(OrderField::cancelledBy).empty();
+    registration.changedBy = record.Text(cancelled ? OrderField::cancelledBy : OrderField::userId);
+    return registration;
+}
+
+} // namespace
+
+void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
+    // A copy: the host is asked on the way, and may let the record change.
+    const SipRegistration registration = ReadRegistration(record);
     if (!m_orderEntry.HasWindow()) ApplyFontPreference();
     if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
+}
+
+void CPlanfoldControlBlock::TellChanged(const sOrderinfo& record) {
+    if (m_orderEntry.Modifies(record.Number())) m_orderEntry.OnRegistrationChanged(ReadRegistration(record));
 }
 
 void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {

@@ -47,6 +47,8 @@ public:
     void OpenRestrictedDates() { OpenInHostsFont(m_restrictedDates); }
     void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
     void OpenForModify(const sOrderinfo& record);
+    // To the order form, should it be open for the record.
+    void TellChanged(const sOrderinfo& record);
     void OpenOrderHistory(const std::string& registrationNumber) {
         OpenInHostsFont(m_orderHistory, registrationNumber);
     }

@@ -1,0 +1,57 @@
+// An order that was refused, back in the form.
+
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
+
+namespace planfold {
+
+bool OrderEntry::BringBack() {
+    if (FilledForModify() || m_submitting) return false;
+    const auto order = m_kept.TakeNext();
+    if (!order) return false;
+    const SipOrderForm shown = ReadForm();
+    if (m_broughtBack || shown != m_untouched) m_kept.SetAside(shown);
+    if (!FillIn(*order)) {
+        m_kept.SetAside(*order);
+        return true;
+    }
+    m_broughtBack = true;
+    m_untouched = ReadForm();
+    ShowPlan();
+    m_view.Focus(IDC_VALUE);
+    return true;
+}
+
+bool OrderEntry::FillIn(const SipOrderForm& order) {
+    const int opening = m_openings;
+    // An entry that is no longer offered leaves the choice empty: no other may be taken for it.
+    const auto choose = [&](int combo, const std::string& text) {
+        if (!m_view.SelectText(combo, text)) m_view.Select(combo, -1);
+    };
+    choose(IDC_EXCHANGE, order.exchange);
+    OnExchangeChanged();
+    if (!StillOpen(opening)) return false;
+    choose(IDC_SERIES, order.series);
+    OnSeriesChanged();
+    if (!StillOpen(opening)) return false;
+    choose(IDC_SYMBOL, order.symbol);
+    choose(IDC_ACTION, order.action);
+    choose(IDC_ORDER_TYPE, order.orderType);
+    choose(IDC_PRODUCT, order.product);
+    choose(IDC_INVEST_BY, order.investType);
+    OnInvestTypeChanged();
+    choose(IDC_FREQUENCY, order.frequency);
+    m_view.SetDate(IDC_START_DATE, order.startDate);
+    m_view.SetText(IDC_VALUE, order.value);
+    m_view.SetText(IDC_PERIOD, order.totalPeriod);
+    if (m_form.SearchesClients()) {
+        m_view.SetText(IDC_CLIENT_SEARCH, order.client);
+    } else if (!m_view.SelectText(IDC_CLIENT_COMBO, order.client)) {
+        // A typed one need not be in the list.
+        m_view.Select(IDC_CLIENT_COMBO, -1);
+        m_view.SetText(IDC_CLIENT_COMBO, order.client);
+    }
+    return StillOpen(opening);
+}
+
+} // namespace planfold

@@ -1,0 +1,51 @@
+#include "plugin/orderentry/FormNames.h"
+
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/HostScrips.h"
+
+namespace planfold {
+
+void FormNames::Ask(const SipOrderForm& form, std::string_view tradingSymbol) {
+    AskCompany(form, tradingSymbol);
+    if (form.client != m_clientAsked) AskClient(form.client);
+}
+
+void FormNames::AskCompany(const SipOrderForm& form, std::string_view tradingSymbol) {
+    std::string exchange;
+    Convert(kExchangeToServer, form.exchange, exchange);
+    // A trading symbol may come without its series.
+    const std::string series = form.series.empty() ? "EQ" : form.series;
+    const std::string key = exchange + "|" + series + "|" + form.symbol;
+    if (key == m_scripKey) return;
+    m_scripKey = key;
+    const ScripNames names =
+        form.symbol.empty() ? ScripNames{} : AskScripNames(m_session, exchange, series, form.symbol);
+    // The host may have let another change of the form in.
+    if (m_scripKey != key) return;
+    const bool meant = tradingSymbol.empty() || names.tradingSymbol == tradingSymbol;
+    m_company = meant ? names.company : std::string();
+}
+
+void FormNames::AskClient(const std::string& client) {
+    m_clientAsked = client;
+    const auto& host = m_session.host;
+    const std::string name = client.empty() ? client : AskClientName(m_session, client);
+    const bool unknown = !client.empty()
+                         && (host.pu_is_valid_account ? IsUnknownClient(m_session, client)
+                                                      : host.pu_get_client_name && name.empty());
+    if (m_clientAsked != client) return;
+    m_clientIsUnknown = unknown;
+    m_client = client;
+    if (unknown)
+        m_client += " (unknown client)";
+    else if (!name.empty())
+        m_client += " (" + name + ")";
+}
+
+std::string FormNames::Text() const {
+    if (m_client.empty()) return m_company;
+    return m_company.empty() ? "For " + m_client : m_company + " for " + m_client;
+}
+
+} // namespace planfold

@@ -1,0 +1,78 @@
+// What the order entry form says of the order in it.
+
+#include "plugin/messaging/Codes.h"
+#include "plugin/messaging/Numbers.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
+
+namespace planfold {
+
+Plan OrderEntry::CurrentPlan() const {
+    if (FilledForModify() && !m_modifying->Number().empty())
+        return PlanToCome(m_modifying->Now(), ReadModification());
+    return {m_view.Date(IDC_START_DATE), m_view.Text(IDC_FREQUENCY), LeadingInteger(m_view.Text(IDC_PERIOD))};
+}
+
+ModifiedPlan OrderEntry::ReadModification() const {
+    const SipRegistration& registration = m_modifying->Now();
+    ModifiedPlan plan;
+    plan.periodsBefore = m_modifying->Periods();
+    plan.periods = LeadingInteger(m_view.Text(IDC_PERIOD));
+    plan.progress = ProgressOf(registration, plan.periodsBefore, m_session.m_pNonTradingDates);
+    plan.action = registration.action;
+    plan.valueBefore = m_modifying->Value();
+    plan.paused = registration.status == "Paused";
+    const std::string label = m_view.Text(IDC_INVEST_BY);
+    Convert(kInvestTypeToServer, label, plan.investType);
+    plan.value = m_view.Text(IDC_VALUE);
+    if (ValueToWire(label, plan.value)) plan.value.clear();
+    return plan;
+}
+
+std::string OrderEntry::DescribeForm() const {
+    const Plan plan = CurrentPlan();
+    if (FilledForModify() && !m_modifying->Number().empty())
+        return DescribeModification(ReadModification(), plan);
+    const std::string label = m_view.Text(IDC_INVEST_BY);
+    std::string value = m_view.Text(IDC_VALUE);
+    if (ValueToWire(label, value)) value.clear();
+    std::string investType;
+    Convert(kInvestTypeToServer, label, investType);
+    return DescribePlan(plan, m_view.Text(IDC_ACTION), investType, value);
+}
+
+// What has happened that the dealer must know before anything else.
+std::string OrderEntry::Notice() const {
+    if (!FilledForModify()) return m_kept.Notice();
+    std::string notice = m_modifying->refusal;
+    const std::string news = m_modifying->News(", ");
+    if (news.empty()) return notice;
+    const std::string& user = m_modifying->ChangedBy();
+    notice.append(notice.empty() ? "" : "\n").append("Changed meanwhile");
+    return notice + (user.empty() ? user : " by " + user) + ": " + news;
+}
+
+bool OrderEntry::Alarms() const {
+    if (m_names.ClientIsUnknown()) return true;
+    return FilledForModify() ? !Notice().empty() : m_kept.IsAlarming();
+}
+
+void OrderEntry::ShowPlan() {
+    const int opening = m_openings;
+    m_names.Ask(ReadForm(), m_modifying ? m_modifying->Now().tradingSymbol : std::string());
+    if (!StillOpen(opening)) return;
+    std::string text = m_names.Text();
+    const std::string plan = DescribeForm();
+    for (const std::string& part : {Notice(), plan})
+        if (!part.empty()) text.append(text.empty() ? "" : "\n").append(part);
+    m_view.ShowSummary(text, Alarms());
+    m_view.Enable(IDC_PLAN_DATES, PlannedDate(CurrentPlan(), 0).has_value());
+}
+
+void OrderEntry::OnRegistrationChanged(const SipRegistration& registration) {
+    if (!Modifies(registration.number) || registration.number.empty()) return;
+    m_modifying->Update(registration);
+    ShowPlan();
+}
+
+} // namespace planfold

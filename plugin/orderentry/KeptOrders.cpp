@@ -1,0 +1,89 @@
+#include "plugin/orderentry/KeptOrders.h"
+
+#include "plugin/messaging/Text.h"
+#include "plugin/orderentry/SentModifications.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+// A server's text has to leave room for what to do.
+constexpr std::size_t kLongestText = 160;
+
+std::string InShort(std::string_view text) {
+    std::string shown(text.substr(0, kLongestText));
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return text.size() > kLongestText ? shown + "..." : shown;
+}
+
+std::string Naming(const SipOrderForm& order) {
+    std::string text;
+    for (const std::string* part : {&order.client, &order.symbol, &order.value})
+        if (!part->empty()) text.append(text.empty() ? "" : " ").append(*part);
+    return text;
+}
+
+} // namespace
+
+std::string DescribeRefusal(std::string_view text, std::string_view code) {
+    const std::string shown = InShort(text);
+    return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
+}
+
+void KeptOrders::Sent(const SipOrderForm& order, std::int64_t now) {
+    // Of a refusal that belonged to no known order nothing can come back.
+    std::erase_if(m_kept, [](const Kept& kept) { return !kept.order; });
+    m_waiting.push_back({order, now});
+}
+
+std::optional<SipOrderForm> KeptOrders::TakeAnswered(std::string_view client, std::int64_t now) {
+    while (m_waiting.size() > 1 && now - m_waiting.front().at > kAnswerPatienceMs)
+        m_waiting.erase(m_waiting.begin());
+    const auto answered = std::ranges::find_if(
+        m_waiting, [&](const Waiting& waiting) { return client.empty() || waiting.order.client == client; });
+    if (answered == m_waiting.end()) return std::nullopt;
+    SipOrderForm order = std::move(answered->order);
+    m_waiting.erase(answered);
+    return order;
+}
+
+void KeptOrders::Refused(std::string_view client, std::string_view text, std::string_view code,
+                         std::int64_t now) {
+    auto order = TakeAnswered(client, now);
+    std::string why = DescribeRefusal(text, code);
+    if (order && !m_waiting.empty()) why += Format(" %zu more wait for an answer.", m_waiting.size());
+    m_kept.push_back({std::move(order), std::move(why)});
+}
+
+void KeptOrders::NotSent(const SipOrderForm& order, std::string_view text) {
+    m_kept.push_back({order, "Not sent: " + InShort(text) + "."});
+}
+
+void KeptOrders::SetAside(const SipOrderForm& order) {
+    m_kept.push_front({order, "An order is set aside.", false});
+}
+
+std::optional<SipOrderForm> KeptOrders::TakeNext() {
+    while (!m_kept.empty()) {
+        const Kept next = std::move(m_kept.back());
+        m_kept.pop_back();
+        if (next.order) return next.order;
+    }
+    return std::nullopt;
+}
+
+std::string KeptOrders::Notice() const {
+    if (m_kept.empty()) return {};
+    const Kept& next = m_kept.back();
+    std::string text = next.why;
+    if (!next.order) return text;
+    text += " F3 brings the order back (" + Naming(*next.order) + ").";
+    if (m_kept.size() > 1) text += Format(" %zu more are kept.", m_kept.size() - 1);
+    return text;
+}
+
+} // namespace planfold

@@ -1,0 +1,53 @@
+// Orders of the form that are not settled: sent and unanswered; refused; or set aside for one of those. The
+// last two can be brought back into the form, in turn: none is lost.
+#pragma once
+
+#include "plugin/orderentry/SipOrder.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// What the server said to a request, in one line.
+std::string DescribeRefusal(std::string_view text, std::string_view code);
+
+class KeptOrders {
+public:
+    void Sent(const SipOrderForm& order, std::int64_t now);
+    // An answer's order is the oldest one of its client that can still be waited for; of any when it names
+    // none.
+    void Accepted(std::string_view client, std::int64_t now) { TakeAnswered(client, now); }
+    void Refused(std::string_view client, std::string_view text, std::string_view code, std::int64_t now);
+    void NotSent(const SipOrderForm& order, std::string_view text);
+    // What the dealer had typed where another is brought back; its turn comes last.
+    void SetAside(const SipOrderForm& order);
+
+    // The one whose turn it is; none when there is none.
+    std::optional<SipOrderForm> TakeNext();
+    // What there is to say of that one, and how it comes back; empty when there is nothing.
+    std::string Notice() const;
+    // Whether it says more than that something was set aside.
+    bool IsAlarming() const { return !m_kept.empty() && m_kept.back().alarming; }
+
+private:
+    struct Waiting {
+        SipOrderForm order;
+        std::int64_t at;
+    };
+    struct Kept {
+        std::optional<SipOrderForm> order; // none when it is not known which
+        std::string why;
+        bool alarming = true;
+    };
+    std::optional<SipOrderForm> TakeAnswered(std::string_view client, std::int64_t now);
+
+    std::vector<Waiting> m_waiting; // the oldest first
+    std::deque<Kept> m_kept;        // the last one's turn is next
+};
+
+} // namespace planfold
