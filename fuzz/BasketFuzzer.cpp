@@ -27,7 +27,7 @@ public:
         if (tradingSymbol == "B") return ScripDetails{4, 0, 10000.0, 25, "2", "B"};
         return std::nullopt;
     }
-    std::string TradingSymbol(std::string_view, std::string_view, std::string_view) override { return "C"; }
+    ScripNames Names(std::string_view, std::string_view, std::string_view) override { return {"C", "3"}; }
 };
 
 class Findings final : public BasketSink {

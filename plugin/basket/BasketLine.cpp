@@ -9,6 +9,7 @@
 #include <bit>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 namespace planfold {
 
@@ -136,16 +137,23 @@ BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
     m_key.assign(tradingSymbol).append(1, ',').append(exchange);
     const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
     Scrip& scrip = place->second;
-    if (!isNew) return scrip;
-    scrip.details = m_scrips.Details(exchange, tradingSymbol);
-    if (scrip.details) {
+    if (isNew && (scrip.details = m_scrips.Details(exchange, tradingSymbol))) {
         scrip.token = TextOf(scrip.details->token);
         scrip.tradingSymbol = TextOf(scrip.details->tradingSymbol);
-    } else {
-        // Without details there is no token, so that all lines of the trading symbol are refused alike.
-        scrip.tradingSymbol =
-            m_scrips.TradingSymbol(exchange, columns[BasketField::series], columns[BasketField::symbol]);
     }
+    return scrip.details ? scrip : LookUpByName(exchange, columns);
+}
+
+// Without details the scrip is what its series and symbol name, in rupees and paise.
+BasketCheck::Scrip& BasketCheck::LookUpByName(std::string_view exchange, const BasketTexts& columns) {
+    const std::string_view series = columns[BasketField::series], symbol = columns[BasketField::symbol];
+    m_key.append(1, ',').append(series).append(1, ',').append(symbol);
+    const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
+    Scrip& scrip = place->second;
+    if (!isNew) return scrip;
+    ScripNames names = m_scrips.Names(exchange, series, symbol);
+    scrip.tradingSymbol = std::move(names.tradingSymbol);
+    scrip.token = std::move(names.token);
     return scrip;
 }
 

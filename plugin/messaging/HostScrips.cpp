@@ -14,8 +14,8 @@ std::optional<ScripDetails> AskScripDetails(const Session& session, std::string_
     return *found;
 }
 
-std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
-                             std::string_view symbol) {
+ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, std::string_view series,
+                         std::string_view symbol) {
     if (!session.host.pu_get_intersted_scrip_field) return {};
     constexpr int fieldCount = 6;
     std::string keyText(exchangeCode);
@@ -25,7 +25,12 @@ std::string AskTradingSymbol(const Session& session, std::string_view exchangeCo
     CString token = exchange, tradingSymbol = exchange, company = exchange;
     session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &seriesOut, &symbolOut, &token,
                                               &tradingSymbol, &company);
-    return std::string(tradingSymbol.View());
+    return {std::string(tradingSymbol.View()), std::string(token.View())};
+}
+
+std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
+                             std::string_view symbol) {
+    return AskScripNames(session, exchangeCode, series, symbol).tradingSymbol;
 }
 
 } // namespace planfold

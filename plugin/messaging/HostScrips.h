@@ -14,7 +14,13 @@ namespace planfold {
 std::optional<ScripDetails> AskScripDetails(const Session& session, std::string_view exchange,
                                             std::string_view tradingSymbol);
 
-// Empty when unknown, or when the host cannot be asked.
+// Both empty when unknown, or when the host cannot be asked.
+struct ScripNames {
+    std::string tradingSymbol;
+    std::string token;
+};
+ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, std::string_view series,
+                         std::string_view symbol);
 std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
                              std::string_view symbol);
 
