@@ -156,6 +156,7 @@ void Basket::Load() {
     if (!path || !IsStill(closings)) return;
     auto text = m_view.ReadFile(*path);
     if (!text) return m_view.ShowMessage("File Open Error");
+    if (IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
     BasketList& list = m_view.List();
     list.RemoveAll();
     m_rows.Clear();

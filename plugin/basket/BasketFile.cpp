@@ -2,9 +2,32 @@
 
 #include "plugin/messaging/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+} // namespace
+
+// Without a mark it is one whose first characters mostly have a zero for one half, and hardly for the other.
+bool IsUtf16(std::string_view text) {
+    constexpr std::size_t fewest = 16, enough = 4096;
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) return true;
+    std::size_t zeros[2] = {};
+    const std::size_t looked = std::min(text.size(), enough);
+    for (std::size_t i = 0; i < looked; ++i)
+        zeros[i % 2] += text[i] == '\0';
+    const auto [few, many] = std::minmax(zeros[0], zeros[1]);
+    return looked >= fewest && many >= looked / 4 && few <= many / 8;
+}
+
+BasketLines::BasketLines(std::string_view text) : m_rest(text) {
+    if (text.starts_with(kByteOrderMark)) m_rest.remove_prefix(kByteOrderMark.size());
+}
 
 std::optional<BasketLines::Line> BasketLines::Next() {
     if (m_rest.empty()) return std::nullopt;
@@ -43,7 +66,7 @@ void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& column
                         bool hasNumber) {
     // A zero ends the line for whoever reads the report; what is said behind it must not be lost.
     const std::string_view text = line.text.substr(0, line.text.find('\0'));
-    RejectedLine rejected{m_number, std::string(text), std::move(reason), std::string(text)};
+    RejectedLine rejected{m_number, std::string(line.text), std::move(reason), std::string(text)};
     rejected.report += line.isEnded ? "\nfailed to load" : "failed to load";
     if (!rejected.reason.empty()) rejected.report += " due to " + rejected.reason;
     if (!rejected.reason.empty() && hasNumber) rejected.report += Format(" In Line Number %d", m_number);

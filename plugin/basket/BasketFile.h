@@ -10,10 +10,15 @@
 
 namespace planfold {
 
-// The lines of a file's text, with line ends of either platform. Positions stay valid as long as the text.
+// Whether the file's text is UTF-16, by its mark or by its looks: nothing can be read from it.
+bool IsUtf16(std::string_view text);
+inline constexpr char kUtf16Fault[] = "it is UTF-16 text; save it as ANSI or UTF-8 text and load it again";
+
+// The lines of a file's text, with line ends of either platform; a byte order mark in front belongs to none.
+// Positions stay valid as long as the text.
 class BasketLines {
 public:
-    explicit BasketLines(std::string_view text) : m_rest(text) {}
+    explicit BasketLines(std::string_view text);
 
     struct Line {
         std::string_view text; // without its end
@@ -30,9 +35,9 @@ private:
 // A line that did not become a row.
 struct RejectedLine {
     int number;         // from 1
-    std::string text;   // as it was read, without its end
+    std::string text;   // as it was read, without its end; may hold zeros
     std::string reason; // may be empty
-    // What is said about it: the line, "failed to load" and why.
+    // What is said about it: the line up to a zero, "failed to load" and why.
     std::string report;
 };
 

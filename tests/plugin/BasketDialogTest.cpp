@@ -157,10 +157,14 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     basket.ActivateRejected(1);
     EXPECT_EQ(Taken(view.boxes), Texts{"The line does not have the columns of a basket file."});
 
-    // Nothing is changed by a file that is not there, or when none is chosen.
+    // Nothing is changed by a file that is not there or is no text, or when none is chosen.
     view.path = "missing.csv";
     basket.Load();
     EXPECT_EQ(Taken(view.boxes), Texts{"File Open Error"});
+    view.files["missing.csv"] = "\xFF\xFE";
+    basket.Load();
+    EXPECT_EQ(Taken(view.boxes), Texts{"The basket cannot be read: it is UTF-16 text; save it as ANSI or UTF-8 "
+                                       "text and load it again."});
     view.path.reset();
     basket.Load();
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
@@ -175,6 +179,14 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Load("");
     EXPECT_EQ(view.boxes, Texts{});
     EXPECT_TRUE(view.list.rows.empty() && basket.Rejected().empty());
+
+    // What is saved of a rejected line is complete, and reads as the same line again.
+    const std::string cut("x\0,y", 4);
+    Load("\xEF\xBB\xBF" + cut + "\nz");
+    EXPECT_EQ(basket.Rejected()[0].report, "x\nfailed to load due to Invalid Format");
+    basket.SaveRejected();
+    EXPECT_EQ(view.files["basket.csv"], cut + "\nz\n");
+    Taken(view.boxes);
 
     // Frequencies that the server does not list are told at once, each line.
     Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"yearly"}}, {54101, {"2"}}});
