@@ -1,5 +1,5 @@
-// Text that comes from a file, and text that leaves: into a file, or to the clipboard. Names and texts are in
-// the system's ANSI code page.
+// Text that comes from a file, and text that leaves: into a file, or to the clipboard. Names of files are in
+// UTF-8, texts in the system's ANSI code page.
 #pragma once
 
 #include <windows.h>
@@ -26,13 +26,16 @@ std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& que
                                              const std::string& proposed);
 
 // None when it cannot be opened or read.
-std::optional<std::string> ReadWhole(const std::string& path);
+std::optional<std::string> ReadWhole(const std::string& name);
+
+// For a settings file, in which the system takes the mark for part of the first line.
+void DropByteOrderMark(const std::string& name);
 
 // With the system's line ends in place of line feeds.
 std::string WithLineEnds(std::string_view text);
 
 // Writes a neighbour and puts it in the file's place, which keeps its old content when anything fails. What
 // failed; empty when nothing did.
-std::string WriteWhole(const std::string& path, const std::string& text);
+std::string WriteWhole(const std::string& name, const std::string& text);
 
 } // namespace framework

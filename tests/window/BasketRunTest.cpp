@@ -123,7 +123,7 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
          }},
         {"a file dialog",
          [&] {
-             const std::string given = std::exchange(path, {});
+             const std::filesystem::path given = std::exchange(path, {});
              const WhenShown question([&] { return FileDialog(); },
                                       [&](HWND shown) {
                                           ends();

@@ -199,7 +199,7 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
 
     const std::string before = Read();
     {
-        const HANDLE locked = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE locked = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         probe::Press(dialog, basket::kLoad);
         EXPECT_EQ(boxes.Texts(), "File Open Error|");
         EXPECT_EQ(Column(0), "J\xFCrgen C1");
@@ -208,12 +208,12 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
         EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
         CloseHandle(locked);
     }
-    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     probe::Press(dialog, basket::kExport);
     EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
     EXPECT_EQ(Read(), before);
-    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    const std::string good = std::exchange(path, (folder / "nowhere" / "orders.csv").string());
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    const std::filesystem::path good = std::exchange(path, folder / "nowhere" / "orders.csv");
     probe::Press(dialog, basket::kExport);
     EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "no neighbour is left";
@@ -229,6 +229,19 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
     EXPECT_EQ(Column(0), "C1 J\xFCrgen");
     EXPECT_FALSE(IsWindowVisible(rejected)) << "after a clean load";
     EXPECT_EQ(boxes.Texts(), "");
+
+    // A name as long as it may be, in a folder beyond the usual length of a path.
+    const auto system = [](const std::filesystem::path& name) { return LR"(\\?\)" + name.wstring(); };
+    const std::filesystem::path outer = folder / std::wstring(120, L'd'),
+                                inner = outer / std::wstring(120, L'e');
+    for (const auto& each : {outer, inner})
+        CreateDirectoryW(system(each).c_str(), nullptr);
+    path = inner / (std::wstring(251, L'n') + L".csv");
+    for (const int button : {basket::kExport, basket::kExport, basket::kLoad})
+        probe::Press(dialog, button);
+    EXPECT_EQ(boxes.Texts(), "Exported to File Successfully|Exported to File Successfully|");
+    EXPECT_TRUE(DeleteFileW(system(path).c_str()) && RemoveDirectoryW(system(inner).c_str())
+                && RemoveDirectoryW(system(outer).c_str()));
 }
 
 } // namespace
