@@ -1,5 +1,6 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/messaging/Tags.h"
 #include "plugin/messaging/Text.h"
@@ -14,10 +15,6 @@ namespace {
 
 constexpr std::string_view kAdd = "Add";
 constexpr std::string_view kModify = "&Modify";
-
-std::string InRupees(std::int64_t paise) {
-    return Format("%lld.%02lld", static_cast<long long>(paise / 100), static_cast<long long>(paise % 100));
-}
 
 std::string SideText(const char* side, const BasketTotals& totals) {
     return Format("%s: amount %s, quantity %lld", side, InRupees(totals.amountPaise).c_str(),
@@ -36,6 +33,7 @@ void Basket::Initialise(std::string_view customProducts) {
     Alone([&] { m_form.Fill(m_view.Now(), customProducts); });
     if (!IsStill(closings)) return;
     LeaveModifyMode();
+    m_correctedLine = 0;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable);
     m_view.ShowStatus();
     m_view.ShowRejected();
@@ -92,11 +90,12 @@ void Basket::AddOrModify() {
     const auto refusal = Alone([&] { return m_form.Read(m_view.Now(), order); });
     if (!IsStill(closings)) return;
     if (refusal) {
-        if (refusal->focusValue) m_view.Focus(order.data.investType == "qty" ? IDC_BASKET_QUANTITY : IDC_VALUE);
+        if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowMessage(refusal->text);
     }
     if (!IsModifying()) {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
+        LeaveCorrected();
         return m_view.ShowStatus();
     }
     const RecordId selected = RowToModify();
@@ -113,24 +112,41 @@ void Basket::Activate(RecordId record) {
     const int closings = m_closings;
     // A copy: while the form fills the host may let an answer in, which changes the row.
     const sBasketOrderData row(m_rows[record].Texts(), 0);
-    int notShown = Alone([&] { return m_form.Show(row.Texts()); });
+    const int notShown = Alone([&] { return m_form.ShowRow(row.Texts(), m_view.Now()); });
     if (!IsStill(closings)) return;
     m_shownRow = m_rows[record].SerialNumber();
+    m_correctedLine = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
     m_view.SetText(IDC_SUBMIT, notShown == 0 ? kModify : kAdd);
-    for (; notShown > 0 && IsStill(closings); --notShown)
+    TellNotShown(notShown);
+}
+
+void Basket::TellNotShown(int fields) {
+    const int closings = m_closings;
+    for (; fields > 0 && IsStill(closings); --fields)
         m_view.ShowMessage("Failed to Load");
 }
 
 void Basket::ActivateRejected(std::size_t index) {
     if (IsBusy() || index >= m_rejected.size()) return;
+    const int number = m_rejected[index].number;
     const std::string line = m_rejected[index].text;
     BasketTexts columns;
     if (!SplitBasketLine(line, columns))
         return m_view.ShowMessage("The line does not have the columns of a basket file.");
     const int closings = m_closings;
-    Alone([&] { m_form.Show(columns); });
-    if (IsStill(closings)) LeaveModifyMode();
+    const int notShown = Alone([&] { return m_form.Show(columns, m_view.Now()); });
+    if (!IsStill(closings)) return;
+    LeaveModifyMode();
+    m_correctedLine = number;
+    TellNotShown(notShown);
+}
+
+// What the form was filled from is in the list now.
+void Basket::LeaveCorrected() {
+    const int number = std::exchange(m_correctedLine, 0);
+    if (std::erase_if(m_rejected, [&](const RejectedLine& line) { return line.number == number; }))
+        m_view.ShowRejected();
 }
 
 void Basket::Delete() {
@@ -161,6 +177,7 @@ void Basket::Load() {
     list.RemoveAll();
     m_rows.Clear();
     m_rejected.clear();
+    m_correctedLine = 0;
     m_partlyPlaced = false;
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");

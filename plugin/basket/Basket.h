@@ -101,6 +101,8 @@ private:
     void OfferToRemove(const BasketPlacing& placing);
     void RegisterDeleteKey();
     void LeaveModifyMode();
+    void LeaveCorrected();
+    void TellNotShown(int fields);
     bool IsModifying() const;
     // kNoRecord when it is no longer there.
     RecordId RowToModify() const;
@@ -120,6 +122,7 @@ private:
     std::shared_ptr<BasketPlacing> m_placing;
     std::string m_titleBefore;   // the load
     std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
+    int m_correctedLine = 0;     // of the rejected ones: which the form was filled from
     bool m_inPortion = false;    // the host may let the window's timer in
     bool m_taken = false;
     bool m_placeable = false;    // the place button

@@ -22,10 +22,6 @@ constexpr std::size_t kMostCommas = 20;
 constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
 
-bool AllDigits(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
-
 std::string InLine(std::string reason, int lineNumber) {
     return reason + Format(" In Line Number %d", lineNumber);
 }
@@ -45,10 +41,10 @@ struct WordRule {
     const char* reason;
 };
 constexpr WordRule kWordRules[] = {
-    {BasketField::action, {"B", "S", "B", "B"}, "InValid Action Type."},
-    {BasketField::investType, {"value", "qty", "qty", "qty"}, "InValid Invest Type."},
-    {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, "InValid Frequency."},
-    {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, "InValid Order Type"},
+    {BasketField::action, {"B", "S", "B", "B"}, kInvalidAction},
+    {BasketField::investType, {"value", "qty", "qty", "qty"}, kInvalidInvestType},
+    {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, kInvalidFrequency},
+    {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, kInvalidOrderType},
 };
 
 using Commas = std::array<std::uint16_t, kMostCommas>;
@@ -110,14 +106,14 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
     Scrip& scrip = LookUp(columns);
     if (columns[BasketField::tradingSymbol] != scrip.tradingSymbol || scrip.token.empty()
         || columns[BasketField::token] != scrip.token)
-        return BasketRefusal{"InValid Token"};
+        return BasketRefusal{kInvalidToken};
     if (!ReadStartDate(columns)) return BasketRefusal{"Invalid Date"};
     if (Verdict refusal = CheckPeriod(columns)) return refusal;
     for (const WordRule& rule : kWordRules)
         if (std::ranges::find(rule.words, columns[rule.field]) == std::end(rule.words))
             return BasketRefusal{rule.reason};
     if (std::ranges::find(m_rules.products, columns[BasketField::product]) == m_rules.products.end())
-        return BasketRefusal{"InValid Product"};
+        return BasketRefusal{kInvalidProduct};
 
     columns[BasketField::customerFirm] = "C";
     columns[BasketField::validity] = "DAY";
@@ -181,7 +177,7 @@ bool BasketCheck::ReadStartDate(BasketTexts& columns) {
 Verdict BasketCheck::CheckPeriod(const BasketTexts& columns) const {
     const std::string_view text = columns[BasketField::totalPeriod];
     const std::string_view frequency = columns[BasketField::frequency];
-    if (text.empty() || text == "0" || !AllDigits(text)) return BasketRefusal{"Invalid Period"};
+    if (text.empty() || text == "0" || !AllDigits(text)) return BasketRefusal{kInvalidPeriod};
     const std::int64_t period = LeadingInteger(text);
     if (!m_rules.serverPeriods) {
         if (period < 1 || period > 60) return BasketRefusal{"Period Should be Between 1 and 60"};

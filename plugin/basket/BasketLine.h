@@ -48,7 +48,15 @@ inline constexpr BasketField kBasketColumns[] = {
     BasketField::investType,
 };
 
+// Reasons that the form gives as well.
 inline constexpr const char* kInvalidFormat = "Invalid Format";
+inline constexpr const char* kInvalidToken = "InValid Token";
+inline constexpr const char* kInvalidPeriod = "Invalid Period";
+inline constexpr const char* kInvalidAction = "InValid Action Type.";
+inline constexpr const char* kInvalidInvestType = "InValid Invest Type.";
+inline constexpr const char* kInvalidFrequency = "InValid Frequency.";
+inline constexpr const char* kInvalidOrderType = "InValid Order Type";
+inline constexpr const char* kInvalidProduct = "InValid Product";
 
 // The columns as they stand, views into the line. False: not of the file's format.
 bool SplitBasketLine(std::string_view line, BasketTexts& columns);
