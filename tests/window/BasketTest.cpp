@@ -82,10 +82,10 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
     Add("C002", "200");
     probe::Select(dialog, order::kInvestBy, "Quantity");
     EXPECT_FALSE(IsEnabled(order::kValue));
-    probe::SetEdit(dialog, basket::kQuantity, "7");
+    probe::SetEdit(dialog, basket::kQuantity, "1,507"); // as it is pasted
     Key(GetDlgItem(dialog, basket::kQuantity), VK_RETURN);
     EXPECT_EQ(boxes.Texts(), "");
-    EXPECT_EQ(Column(0) + Column(5) + Column(6), "C002 C002 C0010.00 200.00 100.007 0 0");
+    EXPECT_EQ(Column(0) + Column(5) + Column(6), "C002 C002 C0010.00 200.00 100.001507 0 0");
     std::string cells;
     for (int column = 0; column < 13; ++column)
         cells += column == 8 ? "" : probe::Cell(list, 2, column) + "|";
@@ -117,7 +117,7 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
     SelectRows({});
     ListView_SetItemState(list, 0, LVIS_FOCUSED, LVIS_FOCUSED);
     Key(list, VK_RETURN);
-    EXPECT_EQ(probe::Text(dialog, basket::kQuantity) + probe::Text(dialog, order::kSubmit), "7&Modify");
+    EXPECT_EQ(probe::Text(dialog, basket::kQuantity) + probe::Text(dialog, order::kSubmit), "1507&Modify");
     EXPECT_EQ(Next(list, LVNI_SELECTED), 0);
     EXPECT_EQ(boxes.Texts(), "");
 }
@@ -137,12 +137,33 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
         const char* left;
         int focused;
     };
+    const HWND period = GetDlgItem(dialog, order::kPeriod);
+    const auto hotKeyOn = [&](HWND focus, BYTE deleteKey) {
+        BYTE keys[256] = {}, usual[256] = {};
+        GetKeyboardState(usual);
+        keys[VK_DELETE] = deleteKey;
+        SetKeyboardState(keys);
+        SetFocus(focus);
+        SendMessageA(dialog, basket::kHotKey, 193, 0);
+        SetKeyboardState(usual);
+    };
     const Row rows[] = {
+        {"in an edit", {0}, [&] { hotKeyOn(period, 0); }, "C6 C5 C4 C3 C2 C1", -1},
+        {"the key on a button",
+         {0},
+         [&] { hotKeyOn(GetDlgItem(dialog, order::kSubmit), 0x80); },
+         "C6 C5 C4 C3 C2 C1",
+         -1},
         {"command", {1, 3}, [&] { Command(basket::kDelete); }, "C6 C4 C2 C1", 2},
         {"key, which the host sends", {0}, [&] { Key(list, VK_DELETE); }, "C6 C4 C2 C1", 2},
         {"the host's message", {0}, [&] { SendMessageA(dialog, basket::kHotKey, 193, 0); }, "C4 C2 C1", 0},
         {"nothing selected", {}, [&] { Command(basket::kDelete); }, "C4 C2 C1", 0},
         {"last row", {2}, [&] { Command(basket::kDelete); }, "C4 C2", -1},
+        {"on a button, but not the key",
+         {1},
+         [&] { hotKeyOn(GetDlgItem(dialog, order::kSubmit), 0); },
+         "C4",
+         -1},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.way);

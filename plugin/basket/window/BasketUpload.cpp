@@ -204,11 +204,20 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
         return 0;
     case kDeleteHotKeyMessage:
-        m_basket.Delete();
+        if (HotKeyIsForRows()) m_basket.Delete();
         return 0;
     default:
         return std::nullopt;
     }
+}
+
+// The host sends it whatever has the focus. In an edit it is about the text; elsewhere beside the list it is no
+// key of the rows, but may be a command of the host's.
+bool CBasketUpload::HotKeyIsForRows() const {
+    const HWND focus = GetFocus();
+    if (focus == Item(IDC_BASKET_LIST).Handle() || !IsChild(Dialog::Handle(), focus)) return true;
+    const bool isEdit = (framework::Window(focus).Send(WM_GETDLGCODE) & DLGC_HASSETSEL) != 0;
+    return !isEdit && GetKeyState(VK_DELETE) >= 0;
 }
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {

@@ -57,6 +57,7 @@ private:
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
+    bool HotKeyIsForRows() const;
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
     SIZE WindowSize() const;
     RECT PlaceOf(int control) const; // in the client area
