@@ -1,6 +1,5 @@
 #include "framework/Files.h"
 
-#include "framework/Handle.h"
 #include "framework/Wide.h"
 
 #include <commdlg.h>
@@ -10,11 +9,6 @@
 
 namespace framework {
 namespace {
-
-void CloseFile(HANDLE file) {
-    CloseHandle(file);
-}
-using File = UniqueHandle<HANDLE, CloseFile>;
 
 std::string SystemText(DWORD error) {
     char text[512];
@@ -101,6 +95,20 @@ std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& ques
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
                                              const std::string& proposed) {
     return Ask(GetSaveFileNameW, owner, question, proposed, OFN_OVERWRITEPROMPT);
+}
+
+bool FileExists(const std::string& name) {
+    return GetFileAttributesW(SystemPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+void RemoveFile(const std::string& name) {
+    DeleteFileW(SystemPath(name).c_str());
+}
+
+File HoldFile(const std::string& name) {
+    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    return File(opened == INVALID_HANDLE_VALUE ? nullptr : opened);
 }
 
 std::optional<std::string> ReadWhole(const std::string& name) {

@@ -2,6 +2,8 @@
 // UTF-8, texts in the system's ANSI code page.
 #pragma once
 
+#include "framework/Handle.h"
+
 #include <windows.h>
 
 #include <optional>
@@ -9,6 +11,11 @@
 #include <string_view>
 
 namespace framework {
+
+inline void CloseFile(HANDLE file) {
+    CloseHandle(file);
+}
+using File = UniqueHandle<HANDLE, CloseFile>;
 
 void PutOnClipboard(HWND owner, const std::string& text);
 
@@ -24,6 +31,12 @@ std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& ques
 // Asks once more before another file is replaced.
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
                                              const std::string& proposed);
+
+bool FileExists(const std::string& name);
+void RemoveFile(const std::string& name);
+// A file that is there as long as it is held, by one process; null while another holds it, or when it cannot be
+// made.
+File HoldFile(const std::string& name);
 
 // None when it cannot be opened or read.
 std::optional<std::string> ReadWhole(const std::string& name);

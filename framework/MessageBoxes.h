@@ -21,7 +21,11 @@ public:
 
     // A question with Yes and No, No being the default; true for Yes. While it is open, texts wait. False
     // without asking when a box is open already.
-    bool Ask(HWND owner, const std::string& question);
+    bool Ask(HWND owner, const std::string& question) { return AskWith(owner, question, MB_YESNO) == IDYES; }
+    // The same with Cancel besides: IDYES, IDNO or IDCANCEL, the last one also without asking.
+    int AskOrCancel(HWND owner, const std::string& question) {
+        return AskWith(owner, question, MB_YESNOCANCEL);
+    }
 
     // Ends the open box if it is this window's, as if it were cancelled. A box belongs to the top-level window,
     // and so outlives a child that it was asked for.
@@ -49,6 +53,7 @@ private:
         std::string text;
     };
 
+    int AskWith(HWND owner, const std::string& question, UINT buttons);
     int Open(HWND owner, const std::string& text, UINT kind);
     void ShowPending();
 

@@ -34,7 +34,7 @@ void CCommonListCtrl::SetRecoveryFiles(CString* userSettings, CString* dialogPos
         paths.userSettings = userSettingsPath.View();
         paths.dialogPositions = dialogPositionsPath.View();
         for (const std::string& path : {paths.userSettings, paths.dialogPositions})
-            framework::DropByteOrderMark(framework::Narrow(framework::Wide(path, CP_ACP), CP_UTF8));
+            framework::DropByteOrderMark(framework::Utf8(path));
     });
 }
 

@@ -55,14 +55,18 @@ void Basket::RegisterDeleteKey() {
 void Basket::OnClosed() {
     ++m_closings;
     // What a run did not come to may still be placed; what was placed stays so.
-    if (IsUnderWay()) m_placeable = m_view.List().RowCount() > 0;
-    // Also when the first row is only just being sent.
-    m_partlyPlaced |= m_placing != nullptr;
+    const bool ranOn = IsUnderWay();
+    if (ranOn) m_placeable = m_view.List().RowCount() > 0;
     // A portion may be on its way below.
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
     m_loading.reset();
     m_placing.reset();
+    if (!ranOn) return;
+    if (!m_bringsBack)
+        KeepUnsent();
+    else if (!m_inPortion)
+        BringNothingBack();
 }
 
 bool Basket::IsModifying() const {
@@ -93,10 +97,12 @@ void Basket::AddOrModify() {
         if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowMessage(refusal->text);
     }
+    if (!AskAboutUnknown({order.data.client}, "Take the order into the basket all the same?")) return;
     if (!IsModifying()) {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
         LeaveCorrected();
-        return m_view.ShowStatus();
+        m_view.ShowStatus();
+        return KeepUnsent();
     }
     const RecordId selected = RowToModify();
     LeaveModifyMode();
@@ -105,6 +111,7 @@ void Basket::AddOrModify() {
     m_rows.Replace(selected, order.Texts());
     m_view.List().Repaint(selected);
     m_view.ShowStatus();
+    KeepUnsent();
 }
 
 void Basket::Activate(RecordId record) {
@@ -157,51 +164,13 @@ void Basket::Delete() {
     for (const RecordId record : selected)
         m_rows.Remove(record);
     m_view.ShowStatus();
+    KeepUnsent();
 }
 
 bool Basket::Ask(const std::string& question) {
     const int closings = m_closings;
     const bool yes = Alone([&] { return m_view.Ask(question); });
     return yes && IsStill(closings);
-}
-
-void Basket::Load() {
-    if (IsBusy()) return;
-    const int closings = m_closings;
-    const auto path = Alone([&] { return m_view.AskLoadPath(); });
-    if (!path || !IsStill(closings)) return;
-    auto text = m_view.ReadFile(*path);
-    if (!text) return m_view.ShowMessage("File Open Error");
-    if (IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
-    BasketList& list = m_view.List();
-    list.RemoveAll();
-    m_rows.Clear();
-    m_rejected.clear();
-    m_correctedLine = 0;
-    m_partlyPlaced = false;
-    m_titleBefore = m_view.Title();
-    m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
-    m_view.ShowRejected();
-    m_loading = std::make_shared<BasketLoading>(m_session, std::move(*text), m_form.Rules(m_view.Now()),
-                                                BasketLoading::Target{m_rows, list, m_rejected});
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-void Basket::EndLoading() {
-    const auto loading = std::exchange(m_loading, nullptr);
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    m_view.SetTitle(m_titleBefore);
-    m_view.ShowRun();
-    m_view.ShowStatus();
-    m_view.ShowRejected();
-    const int closings = m_closings;
-    std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
-    if (loading->Stopped())
-        texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
-                          loading->LinesRead(), loading->RowsLoaded());
-    for (const std::string& text : texts)
-        if (!text.empty() && IsStill(closings)) m_view.ShowMessage(text);
 }
 
 void Basket::Export() {
@@ -229,116 +198,6 @@ void Basket::SaveRejected() {
     for (const RejectedLine& line : m_rejected)
         text.append(line.text).push_back('\n');
     if (!m_view.ReplaceFile(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
-}
-
-void Basket::Place() {
-    if (IsBusy()) return;
-    const BasketList& list = m_view.List();
-    if (list.RowCount() == 0) return m_view.ShowMessage("Please Select an Order");
-    if (!m_placeable) return;
-    if (m_partlyPlaced && m_rows.SentCount() > 0
-        && !Ask(Format("%zu of the %zu orders have already been sent. Place all of them, and so these again?",
-                       m_rows.SentCount(), list.RowCount())))
-        return;
-    if (!Ask("Are you sure to place these Basket Orders?")) return;
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
-    std::vector<RecordId> records;
-    for (std::size_t row = 0; row < list.RowCount(); ++row)
-        records.push_back(list.RecordAt(row));
-    const int closings = m_closings;
-    // Its first call to the host is made before it stands.
-    auto placing = Alone(
-        [&] { return std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(records)); });
-    if (!IsStill(closings)) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    m_placing = std::move(placing);
-    m_partlyPlaced = false;
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-void Basket::EndPlacing() {
-    const auto placing = std::exchange(m_placing, nullptr);
-    m_view.ShowRun();
-    m_view.ShowStatus();
-    const int closings = m_closings;
-    const bool stopped = placing->Stopped();
-    Alone([&] {
-        if (const std::string failures = placing->FailureTexts(); !failures.empty())
-            m_view.ShowMessage(failures);
-        // The rows that it offers are those that were sent: none goes under the box.
-        if (stopped && IsStill(closings)) OfferToRemove(*placing);
-    });
-    if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
-}
-
-void Basket::OfferToRemove(const BasketPlacing& placing) {
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    const std::size_t sent = placing.SentCount();
-    m_partlyPlaced = sent > 0;
-    if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
-    if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
-                    sent, placing.Total(), sent)))
-        return;
-    BasketList& list = m_view.List();
-    list.BeginChanges();
-    for (const RecordId record : placing.Sent()) {
-        list.Remove(record);
-        m_rows.Remove(record);
-    }
-    list.EndChanges();
-    m_partlyPlaced = false;
-    m_view.ShowStatus();
-}
-
-void Basket::RunFor(std::int64_t milliseconds) {
-    if (m_inPortion || !IsUnderWay()) return;
-    const int closings = m_closings;
-    const std::int64_t end = m_view.Milliseconds() + milliseconds;
-    const auto loading = m_loading;
-    const auto placing = m_placing;
-    bool more = true;
-    {
-        const Turn turn(m_inPortion);
-        if (loading) {
-            m_view.ShowWaiting(true);
-            m_view.List().BeginChanges();
-            // A long load may go past midnight.
-            loading->SetNow(ToSeconds(m_view.Now()));
-        }
-        do
-            more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
-        while (more && m_view.Milliseconds() < end);
-        if (loading) {
-            m_view.List().EndChanges();
-            m_view.ShowWaiting(false);
-        }
-    }
-    if (more || !IsStill(closings)) return;
-    if (loading)
-        EndLoading();
-    else
-        EndPlacing();
-}
-
-void Basket::Stop() {
-    if (m_loading) m_loading->Stop();
-    if (m_placing) m_placing->Abandon();
-    if (m_placing) m_placing->Stop();
-    RunFor(0);
-}
-
-std::string Basket::Progress() const {
-    if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
-    return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
-                  m_placing->Total());
-}
-
-std::size_t Basket::Done() const {
-    return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
-}
-
-std::size_t Basket::Total() const {
-    return m_loading ? m_loading->Characters() : m_placing->Total();
 }
 
 std::vector<std::string> Basket::Status() const {

@@ -74,10 +74,16 @@ void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& column
     m_sink.OnRejected(rejected, columns);
 }
 
-void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
+void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note) {
     for (const BasketField field : kBasketColumns)
         text.append(row.Text(field)).push_back(',');
-    text += " ,\n";
+    text.append(note).append(",\n");
+}
+
+std::string_view BasketLineNote(std::string_view line) {
+    for (std::size_t column = 0; column < std::size(kBasketColumns); ++column)
+        line.remove_prefix(std::min(line.find(','), line.size() - 1) + 1);
+    return line.substr(0, line.find(','));
 }
 
 } // namespace planfold

@@ -85,7 +85,10 @@ private:
     std::string m_lastReason;
 };
 
-// One line of an exported file, with its line feed.
-void AppendBasketLine(const sBasketOrderData& row, std::string& text);
+// One line of an exported file, with its line feed. The note stands in the last column, which a load does not
+// read.
+inline constexpr std::string_view kNoNote = " ";
+void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note = kNoNote);
+std::string_view BasketLineNote(std::string_view line);
 
 } // namespace planfold

@@ -192,4 +192,14 @@ BasketRules BasketForm::Rules(const LocalDateTime& now) const {
     return rules;
 }
 
+BasketRules BasketForm::RulesOfUnsent(const LocalDateTime& now) const {
+    BasketRules rules = Rules(now);
+    rules.serverPeriods = true;
+    rules.minimums = {};
+    rules.frequencies.clear();
+    for (const FrequencyRow& row : kFrequencies)
+        rules.frequencies.emplace_back(row.word);
+    return rules;
+}
+
 } // namespace planfold

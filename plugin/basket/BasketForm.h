@@ -54,6 +54,8 @@ public:
 
     // What the lines of a file are checked against: what the form offers and the server demands.
     BasketRules Rules(const LocalDateTime& now) const;
+    // For orders whose periods were checked before.
+    BasketRules RulesOfUnsent(const LocalDateTime& now) const;
 
 private:
     bool ShowChoice(int combo, std::string_view text);

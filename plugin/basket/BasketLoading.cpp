@@ -34,7 +34,7 @@ bool BasketLoading::Step() {
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {
-    m_target.list.InsertFront(m_target.rows.Add(texts));
+    m_target.list.InsertFront(m_target.rows.AddLoaded(texts));
 }
 
 void BasketLoading::OnNotice(std::string_view text) {

@@ -130,9 +130,7 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
         {kMonths, named({{3, "OTHER"}}), badToken},
         {kMonths, named({{2, "BE"}}), badToken},
         {kMonths, named({{7, "2147483647"}}), row},
-        {kMonths,
-         named({{7, "2147483648"}}),
-         {"log Amount exceeds the long variable range In Line Number 1"}},
+        {kMonths, named({{7, "2147483648"}}), {"log Amount exceeds the long variable range In Line Number 1"}},
         {kMonths, {{1, "bse_cm"}}, badToken},
         {kMonths, {{4, "1234 "}}, badToken},
         {kMonths, {{11, "04/Mar/2027"}}, badDate},
@@ -295,7 +293,10 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{7, "0012"}}, Field::amount, "12"},
         {{}, Field::remarks, "NA"},
         {{{0, "CL 7 "}}, Field::clientId, "CL 7 "},
-        {{{0, "\xEF\xBB\xBF" "CL7"}}, Field::clientId, "CL7"},
+        {{{0, "\xEF\xBB\xBF"
+              "CL7"}},
+         Field::clientId,
+         "CL7"},
     };
     for (const auto& each : cases) {
         BasketRules rules = kMonths;

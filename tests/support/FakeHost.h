@@ -113,6 +113,7 @@ struct FakeHost {
                               {"bse_cm", "EQ", "INFOCAR", "500100", "INFOCAR", "Infocar Motors"}};
     std::string exchangeAndToken;                // instead of the scrip's own
     std::map<std::string, std::string> settings; // "section/key"
+    std::string userDirectory = "C:\\user";
     Texts accounts;
     int clientOverview = 0;
     std::intptr_t fontVariation = 0, fontSize = 0;

@@ -261,7 +261,7 @@ const NonTradingDates* pu_get_non_trading_dates_map() {
 }
 int pu_get_UserDirectory(OutString directory) {
     Record("pu_get_UserDirectory");
-    return Give(directory, "C:\\user");
+    return Give(directory, Host().userDirectory);
 }
 int pu_invoke_caution_order_confirmation(InString client, InString investType, InString product, InString value,
                                          InString symbol, InString exchange) {

@@ -173,6 +173,7 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
         EXPECT_TRUE(row.focused < 0 || Next(list, LVNI_FOCUSED) == row.focused);
     }
     Load(Line("C1") + Line("C2") + Line("C1"));
+    EXPECT_EQ(boxes.Texts(), basket::Replaces(1));
     Command(basket::kFilterCell);
     EXPECT_EQ(Column(0), "C1 C1");
     const HiddenExport hidden("pu_InvokeDialog");
@@ -185,6 +186,56 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     probe::Press(dialog, basket::kPlace);
     EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|")
         << "the hidden row";
+}
+
+TEST_F(BasketWindow, KeepsWhatWasNotSentFromOneSessionToTheNext) {
+    const std::string offer =
+        "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them "
+        "into the basket again.\nNo: save them to a file of their own.\nCancel: ask again "
+        "next time.|";
+    const std::filesystem::path directory = folder / L"J\xFCrgen";
+    const auto names = [&] {
+        Texts found;
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (const std::string name = entry.path().filename().string(); name.starts_with("Planfold"))
+                found.push_back(name.substr(0, 16));
+        std::ranges::sort(found);
+        return found;
+    };
+    plugin->Exit();
+    host.userDirectory = folder.string() + "\\J\xFCrgen";
+    std::filesystem::create_directory(directory);
+    Open();
+    Load(Lines(2));
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket.c", "PlanfoldBasket.c"})) << "the orders, and who has them";
+    plugin->Exit();
+    EXPECT_EQ(boxes.Texts(), "");
+    Open();
+    EXPECT_EQ(boxes.Texts(), offer);
+    EXPECT_EQ(Column(0), "C2 C1");
+    plugin->Exit();
+
+    // While another terminal of the user has them, this one has its own.
+    const auto other = directory / "PlanfoldBasket.csv.lock";
+    const HANDLE held = CreateFileW(other.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    Open();
+    EXPECT_EQ(Rows(list), 0);
+    Load(Lines(1));
+    plugin->Exit();
+    CloseHandle(held);
+    std::filesystem::remove(other);
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket-2", "PlanfoldBasket.c"}));
+    boxes.toQuestions = IDNO;
+    Open();
+    EXPECT_TRUE(boxes.Texts().starts_with(offer + "The orders that were not sent before are in\n"
+                                          + host.userDirectory));
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket 2", "PlanfoldBasket-2", "PlanfoldBasket.c"}));
+    EXPECT_EQ(Rows(list), 0);
+    plugin->Exit();
+    boxes.toQuestions = IDYES;
+    Open();
+    EXPECT_EQ(Column(0), "C1");
+    boxes.Texts();
 }
 
 TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
@@ -249,7 +300,7 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
     probe::Press(dialog, basket::kLoad);
     EXPECT_EQ(Column(0), "C1 J\xFCrgen");
     EXPECT_FALSE(IsWindowVisible(rejected)) << "after a clean load";
-    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(boxes.Texts(), basket::Replaces(2));
 
     // A name as long as it may be, in a folder beyond the usual length of a path.
     const auto system = [](const std::filesystem::path& name) { return LR"(\\?\)" + name.wstring(); };
@@ -260,9 +311,19 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
     path = inner / (std::wstring(251, L'n') + L".csv");
     for (const int button : {basket::kExport, basket::kExport, basket::kLoad})
         probe::Press(dialog, button);
-    EXPECT_EQ(boxes.Texts(), "Exported to File Successfully|Exported to File Successfully|");
+    EXPECT_EQ(boxes.Texts(),
+              "Exported to File Successfully|Exported to File Successfully|" + basket::Replaces(2));
     EXPECT_TRUE(DeleteFileW(system(path).c_str()) && RemoveDirectoryW(system(inner).c_str())
                 && RemoveDirectoryW(system(outer).c_str()));
+
+    // A host that knows no details of scrips.
+    const HiddenExport hidden("pu_get_scrip_details_from_TradSymbol");
+    plugin->Exit();
+    path = good;
+    Open();
+    Load(Line("C1") + Line("C2", "9") + Line("C3"));
+    EXPECT_EQ(Column(0) + "|" + Column(rejected, 1), "C3 C1|InValid Token");
+    boxes.Texts();
 }
 
 } // namespace

@@ -15,9 +15,15 @@ namespace basket {
 inline constexpr const char kName[] = "SIP Basket Entry", kCaption[] = "Planfold Basket Order";
 inline constexpr int kClientMode = 1058, kQuantity = 1027, kProducts = 1006;
 inline constexpr int kList = 1100, kPlace = 1101, kLoad = 1102, kExport = 1103, kRejected = 1104;
-inline constexpr int kCopyRejected = 1171, kRunBar = 1702;
-inline constexpr int kDelete = 25002, kFilterCell = 26203, kSort = 26207;
+inline constexpr int kCopyRejected = 1171, kStatus = 1173, kRunBar = 1702;
+inline constexpr int kDelete = 25002, kFilterCell = 26203, kClearFilters = 26206, kSort = 26207,
+                     kNaturalOrder = 26209;
 inline constexpr UINT kHotKey = 1217;
+// What is asked before a load replaces so many.
+inline std::string Replaces(int unsent) {
+    return "Orders in the basket that were not sent: " + std::to_string(unsent)
+           + ".\nLoad the file in their place?|";
+}
 } // namespace basket
 
 class BasketWindow : public PluginTest {
@@ -32,6 +38,9 @@ protected:
             ReplaceImport(plugin->Module(), "comdlg32.dll", name, GivePath);
         ReplaceImport(plugin->Module(), "kernel32.dll", "GetTickCount64", SlowClock);
         lookCosts = 0;
+        host.validAccounts = {"C001", "C002", "J\xFCrgen"};
+        for (int i = 1; i <= 20000; ++i)
+            host.validAccounts.insert("C" + std::to_string(i));
         Open();
     }
     void TearDown() override {

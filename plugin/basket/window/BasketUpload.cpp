@@ -58,13 +58,20 @@ constexpr Action kActions[] = {
 
 CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
-      m_link(session.lookup, kRxRequests, this, this), m_basket(session, *this, m_link.Control()),
-      m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
+      m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
+      m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
+      m_rejected(*this, m_basket.Rejected()),
       m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session) {}
+
+void CBasketUpload::Open() {
+    BringUp(*this, m_session);
+    if (HasWindow()) m_basket.OfferUnsent();
+}
 
 void CBasketUpload::ShutDown() {
     Destroy();
     m_link.Release();
+    m_unsent.Release();
 }
 
 void CBasketUpload::OnInit() {
@@ -288,6 +295,11 @@ void CBasketUpload::SetText(int control, std::string_view text) {
         m_controls.SetClient(text);
     else
         DialogWindowOf::SetText(control, text);
+}
+
+Choice CBasketUpload::Choose(std::string_view question) {
+    const int answer = Boxes().AskOrCancel(Dialog::Handle(), std::string(question));
+    return answer == IDYES ? Choice::yes : answer == IDNO ? Choice::no : Choice::cancel;
 }
 
 std::optional<std::string> CBasketUpload::AskLoadPath() {
