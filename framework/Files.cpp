@@ -1,5 +1,6 @@
 #include "framework/Files.h"
 
+#include "base/FileText.h"
 #include "framework/Wide.h"
 
 #include <commdlg.h>
@@ -128,9 +129,9 @@ std::optional<std::string> ReadWhole(const std::string& name) {
 }
 
 void DropByteOrderMark(const std::string& name) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
     const auto text = ReadWhole(name);
-    if (text && text->starts_with(mark)) WriteWhole(name, text->substr(mark.size()));
+    const std::string_view rest = text ? base::WithoutMark(*text) : std::string_view();
+    if (text && rest.size() < text->size()) WriteWhole(name, std::string(rest));
 }
 
 std::string WithLineEnds(std::string_view text) {

@@ -7,28 +7,6 @@
 
 namespace planfold {
 
-namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-} // namespace
-
-// Without a mark it is one whose first characters mostly have a zero for one half, and hardly for the other.
-bool IsUtf16(std::string_view text) {
-    constexpr std::size_t fewest = 16, enough = 4096;
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) return true;
-    std::size_t zeros[2] = {};
-    const std::size_t looked = std::min(text.size(), enough);
-    for (std::size_t i = 0; i < looked; ++i)
-        zeros[i % 2] += text[i] == '\0';
-    const auto [few, many] = std::minmax(zeros[0], zeros[1]);
-    return looked >= fewest && many >= looked / 4 && few <= many / 8;
-}
-
-BasketLines::BasketLines(std::string_view text) : m_rest(text) {
-    if (text.starts_with(kByteOrderMark)) m_rest.remove_prefix(kByteOrderMark.size());
-}
-
 std::optional<BasketLines::Line> BasketLines::Next() {
     if (m_rest.empty()) return std::nullopt;
     const std::size_t end = m_rest.find('\n');

@@ -1,6 +1,7 @@
 // Basket files: read line by line into rows and rejected lines, and written from rows.
 #pragma once
 
+#include "base/FileText.h"
 #include "plugin/basket/BasketLine.h"
 
 #include <span>
@@ -10,15 +11,14 @@
 
 namespace planfold {
 
-// Whether the file's text is UTF-16, by its mark or by its looks: nothing can be read from it.
-bool IsUtf16(std::string_view text);
+// Told of a file that is.
 inline constexpr char kUtf16Fault[] = "it is UTF-16 text; save it as ANSI or UTF-8 text and load it again";
 
 // The lines of a file's text, with line ends of either platform; a byte order mark in front belongs to none.
 // Positions stay valid as long as the text.
 class BasketLines {
 public:
-    explicit BasketLines(std::string_view text);
+    explicit BasketLines(std::string_view text) : m_rest(base::WithoutMark(text)) {}
 
     struct Line {
         std::string_view text; // without its end

@@ -17,7 +17,7 @@ void Basket::Load() {
     if (!path || !IsStill(closings)) return;
     auto text = m_view.ReadFile(*path);
     if (!text) return m_view.ShowMessage("File Open Error");
-    if (IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
+    if (base::IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
     const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
     if (unsent > 0
         && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent)))

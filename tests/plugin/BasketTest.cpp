@@ -272,7 +272,7 @@ TEST(BasketLine, IsNoneOfAFileInUtf16) {
         {std::string("a\0b,", 4) + line, false},
     };
     for (const auto& each : cases)
-        EXPECT_EQ(IsUtf16(each.text), each.isUtf16) << each.text;
+        EXPECT_EQ(base::IsUtf16(each.text), each.isUtf16) << each.text;
 }
 
 TEST(BasketLine, IsBroughtIntoTheFormOfARow) {

@@ -98,7 +98,7 @@ std::string JsonReport(const std::string& file, const BasketLoad& load, const Fi
 int Check(const Options& options, ScripSource& scrips) {
     const auto text = ReadText(options.file);
     if (!text) return Fail(text.Fault().Text());
-    if (IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
+    if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
     Findings findings(!options.normalised.empty());
     BasketLoad load(text.Value(), options.rules, scrips, findings);
     while (load.Read(1'000'000)) {
