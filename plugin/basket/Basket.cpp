@@ -183,7 +183,7 @@ void Basket::Export() {
     const BasketList& list = m_view.List();
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         AppendBasketLine(m_rows[list.RecordAt(row)], text);
-    if (m_view.ReplaceFile(*path, text))
+    if (m_view.ReplaceFile(*path, BasketFileText(std::move(text))))
         m_view.ShowMessage("Exported to File Successfully");
     else
         m_view.ShowMessage(" Basket File Write Error: File Open Error");
@@ -197,7 +197,8 @@ void Basket::SaveRejected() {
     std::string text;
     for (const RejectedLine& line : m_rejected)
         text.append(line.text).push_back('\n');
-    if (!m_view.ReplaceFile(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
+    if (!m_view.ReplaceFile(*path, BasketFileText(std::move(text))))
+        m_view.ShowMessage(" Basket File Write Error: File Open Error");
 }
 
 std::vector<std::string> Basket::Status() const {

@@ -64,4 +64,9 @@ std::string_view BasketLineNote(std::string_view line) {
     return line.substr(0, line.find(','));
 }
 
+std::string BasketFileText(std::string lines) {
+    const std::size_t mark = lines.size() - base::WithoutMark(lines).size();
+    return lines.insert(0, lines.substr(0, mark));
+}
+
 } // namespace planfold

@@ -64,7 +64,7 @@ std::string Basket::EndBringingBack(bool stopped) {
     std::string refused, aside;
     for (const RejectedLine& line : m_rejected)
         refused.append(line.text).push_back('\n');
-    if (!refused.empty()) aside = m_view.Unsent().SaveAside(refused, m_view.Now());
+    if (!refused.empty()) aside = m_view.Unsent().SaveAside(BasketFileText(refused), m_view.Now());
     m_bringsBack = false;
     m_unsentSettled = refused.empty() || !aside.empty();
     KeepUnsent();

@@ -2,6 +2,8 @@
 
 #include "plugin/basket/BasketFile.h"
 
+#include <utility>
+
 namespace planfold {
 
 namespace {
@@ -26,7 +28,7 @@ std::string UnsentText(const BasketRows& rows, const BasketList& list, bool plac
         const bool doubtful = placing || record == rows.Sending();
         AppendBasketLine(rows[record], text, doubtful ? kDoubtful : kNoNote);
     }
-    return text;
+    return BasketFileText(std::move(text));
 }
 
 UnsentCounts CountUnsent(std::string_view text) {

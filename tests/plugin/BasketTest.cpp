@@ -352,6 +352,8 @@ TEST(BasketLoad, TakesBackWhatIsExportedInReverse) {
         exported += Exported(row);
     const Recorder second(exported, kMonths);
     EXPECT_EQ(second.told, Texts{});
+    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
+    EXPECT_EQ(marked.rows[0].Text(Field::clientId), "\xEF\xBB\xBF");
     for (const sBasketOrderData& row : second.rows)
         again += Exported(row);
     EXPECT_EQ(again, exported);

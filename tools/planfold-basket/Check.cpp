@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
 #include <vector>
 
 namespace basket {
@@ -109,10 +110,10 @@ int Check(const Options& options, ScripSource& scrips) {
     const auto report = options.json ? JsonReport : PlainReport;
     const struct {
         std::string path;
-        const std::string& text;
+        std::string text;
     } outputs[] = {
-        {options.rejects, rejects},
-        {options.normalised, findings.rows},
+        {options.rejects, BasketFileText(std::move(rejects))},
+        {options.normalised, BasketFileText(std::move(findings.rows))},
         {std::string(kStandardStream), report(options.file, load, findings)},
     };
     for (const auto& output : outputs)
