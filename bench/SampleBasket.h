@@ -15,7 +15,7 @@ public:
     SampleScrips();
 
     std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
-    std::string TradingSymbol(std::string_view, std::string_view, std::string_view) override { return {}; }
+    planfold::ScripNames Names(std::string_view, std::string_view, std::string_view) override { return {}; }
 
     TokenMap tokens;
 

@@ -1,6 +1,7 @@
 #include "framework/Files.h"
 
-#include "framework/Handle.h"
+#include "base/FileText.h"
+#include "framework/Wide.h"
 
 #include <commdlg.h>
 
@@ -10,11 +11,6 @@
 namespace framework {
 namespace {
 
-void CloseFile(HANDLE file) {
-    CloseHandle(file);
-}
-using File = UniqueHandle<HANDLE, CloseFile>;
-
 std::string SystemText(DWORD error) {
     char text[512];
     const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
@@ -23,6 +19,25 @@ std::string SystemText(DWORD error) {
     while (!message.empty() && (message.back() == '\n' || message.back() == '\r'))
         message.pop_back();
     return message.empty() ? "Error " + std::to_string(error) : message;
+}
+
+// As the system takes it, which wants another form of a long one.
+std::wstring SystemPath(std::string_view path) {
+    constexpr std::size_t leastLong = MAX_PATH - 16; // with the neighbour's ending
+    const std::wstring wide = Wide(path, CP_UTF8);
+    if (wide.size() < leastLong || wide.starts_with(L"\\\\?\\")) return wide;
+    std::wstring full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
+// A file name has at most 255 characters.
+std::wstring NeighbourOf(std::wstring path) {
+    constexpr std::wstring_view ending = L".new";
+    constexpr std::size_t mostOfName = 255 - ending.size();
+    const std::size_t name = path.rfind(L'\\') + 1;
+    path.resize(std::min(path.size(), name + mostOfName));
+    return path.append(ending);
 }
 
 bool WriteAll(HANDLE file, const std::string& text) {
@@ -36,23 +51,26 @@ bool WriteAll(HANDLE file, const std::string& text) {
     return FlushFileBuffers(file) != 0;
 }
 
-std::optional<std::string> Ask(decltype(GetOpenFileNameA)* dialog, HWND owner, const FileQuestion& question,
+std::optional<std::string> Ask(decltype(GetOpenFileNameW)* dialog, HWND owner, const FileQuestion& question,
                                const std::string& proposed, DWORD flags) {
-    char path[MAX_PATH] = "";
-    lstrcpynA(path, proposed.c_str(), MAX_PATH);
-    std::string filter(question.filter);
-    std::ranges::replace(filter, '|', '\0');
-    OPENFILENAMEA ask{};
+    constexpr std::size_t longest = 32768;
+    std::wstring path = Wide(proposed, CP_UTF8);
+    path.resize(longest);
+    std::wstring filter = Wide(question.filter, CP_ACP);
+    std::ranges::replace(filter, L'|', L'\0');
+    const std::wstring title = Wide(question.title ? question.title : "", CP_ACP);
+    const std::wstring extension = Wide(question.defaultExtension, CP_ACP);
+    OPENFILENAMEW ask{};
     ask.lStructSize = sizeof ask;
     ask.hwndOwner = owner;
     ask.lpstrFilter = filter.c_str();
-    ask.lpstrFile = path;
-    ask.nMaxFile = MAX_PATH;
-    ask.lpstrTitle = question.title;
-    ask.lpstrDefExt = question.defaultExtension;
+    ask.lpstrFile = path.data();
+    ask.nMaxFile = static_cast<DWORD>(path.size());
+    ask.lpstrTitle = question.title ? title.c_str() : nullptr;
+    ask.lpstrDefExt = extension.c_str();
     ask.Flags = flags | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (!dialog(&ask)) return std::nullopt;
-    return path;
+    return Narrow(path.c_str(), CP_UTF8);
 }
 
 } // namespace
@@ -72,18 +90,32 @@ void PutOnClipboard(HWND owner, const std::string& text) {
 }
 
 std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& question) {
-    return Ask(GetOpenFileNameA, owner, question, {}, OFN_FILEMUSTEXIST);
+    return Ask(GetOpenFileNameW, owner, question, {}, OFN_FILEMUSTEXIST);
 }
 
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
                                              const std::string& proposed) {
-    return Ask(GetSaveFileNameA, owner, question, proposed, OFN_OVERWRITEPROMPT);
+    return Ask(GetSaveFileNameW, owner, question, proposed, OFN_OVERWRITEPROMPT);
 }
 
-std::optional<std::string> ReadWhole(const std::string& path) {
+bool FileExists(const std::string& name) {
+    return GetFileAttributesW(SystemPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+void RemoveFile(const std::string& name) {
+    DeleteFileW(SystemPath(name).c_str());
+}
+
+File HoldFile(const std::string& name) {
+    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    return File(opened == INVALID_HANDLE_VALUE ? nullptr : opened);
+}
+
+std::optional<std::string> ReadWhole(const std::string& name) {
     constexpr DWORD piece = 1 << 24;
-    const HANDLE opened = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
+    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
     const File file(opened);
     std::string text;
@@ -96,6 +128,12 @@ std::optional<std::string> ReadWhole(const std::string& path) {
     return text;
 }
 
+void DropByteOrderMark(const std::string& name) {
+    const auto text = ReadWhole(name);
+    const std::string_view rest = text ? base::WithoutMark(*text) : std::string_view();
+    if (text && rest.size() < text->size()) WriteWhole(name, std::string(rest));
+}
+
 std::string WithLineEnds(std::string_view text) {
     std::string result;
     result.reserve(text.size() + text.size() / 64);
@@ -106,18 +144,19 @@ std::string WithLineEnds(std::string_view text) {
     return result;
 }
 
-std::string WriteWhole(const std::string& path, const std::string& text) {
-    const std::string neighbour = path + ".new";
+std::string WriteWhole(const std::string& name, const std::string& text) {
+    const std::wstring path = SystemPath(name);
+    const std::wstring neighbour = NeighbourOf(path);
     const auto failed = [&](DWORD error) {
-        DeleteFileA(neighbour.c_str());
-        return "\"" + path + "\" could not be written: " + SystemText(error);
+        DeleteFileW(neighbour.c_str());
+        return "\"" + Narrow(Wide(name, CP_UTF8), CP_ACP) + "\" could not be written: " + SystemText(error);
     };
     // Not every system refuses to replace a file that must not be written.
-    const DWORD attributes = GetFileAttributesA(path.c_str());
+    const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
         return failed(ERROR_ACCESS_DENIED);
     File file;
-    const HANDLE opened = CreateFileA(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    const HANDLE opened = CreateFileW(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return failed(GetLastError());
     file.Reset(opened);
     if (!WriteAll(file.Get(), text)) {
@@ -126,7 +165,7 @@ std::string WriteWhole(const std::string& path, const std::string& text) {
         return failed(error);
     }
     file.Reset();
-    if (!MoveFileExA(neighbour.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+    if (!MoveFileExW(neighbour.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return failed(GetLastError());
     return {};
 }

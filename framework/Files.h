@@ -1,6 +1,8 @@
-// Text that comes from a file, and text that leaves: into a file, or to the clipboard. Names and texts are in
-// the system's ANSI code page.
+// Text that comes from a file, and text that leaves: into a file, or to the clipboard. Names of files are in
+// UTF-8, texts in the system's ANSI code page.
 #pragma once
+
+#include "framework/Handle.h"
 
 #include <windows.h>
 
@@ -9,6 +11,11 @@
 #include <string_view>
 
 namespace framework {
+
+inline void CloseFile(HANDLE file) {
+    CloseHandle(file);
+}
+using File = UniqueHandle<HANDLE, CloseFile>;
 
 void PutOnClipboard(HWND owner, const std::string& text);
 
@@ -25,14 +32,23 @@ std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& ques
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
                                              const std::string& proposed);
 
+bool FileExists(const std::string& name);
+void RemoveFile(const std::string& name);
+// A file that is there as long as it is held, by one process; null while another holds it, or when it cannot be
+// made.
+File HoldFile(const std::string& name);
+
 // None when it cannot be opened or read.
-std::optional<std::string> ReadWhole(const std::string& path);
+std::optional<std::string> ReadWhole(const std::string& name);
+
+// For a settings file, in which the system takes the mark for part of the first line.
+void DropByteOrderMark(const std::string& name);
 
 // With the system's line ends in place of line feeds.
 std::string WithLineEnds(std::string_view text);
 
 // Writes a neighbour and puts it in the file's place, which keeps its old content when anything fails. What
 // failed; empty when nothing did.
-std::string WriteWhole(const std::string& path, const std::string& text);
+std::string WriteWhole(const std::string& name, const std::string& text);
 
 } // namespace framework

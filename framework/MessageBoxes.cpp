@@ -22,11 +22,11 @@ void MessageBoxes::Show(HWND owner, std::string_view text) {
     if (!m_open) ShowPending();
 }
 
-bool MessageBoxes::Ask(HWND owner, const std::string& question) {
-    if (m_open || m_holds) return false;
-    const int answer = Open(owner, question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2);
+int MessageBoxes::AskWith(HWND owner, const std::string& question, UINT buttons) {
+    if (m_open || m_holds) return IDCANCEL;
+    const int answer = Open(owner, question, buttons | MB_ICONQUESTION | MB_DEFBUTTON2);
     ShowPending();
-    return answer == IDYES;
+    return answer;
 }
 
 HWND MessageBoxes::NextBox(HWND box, HWND owner) const {

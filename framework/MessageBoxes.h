@@ -21,7 +21,11 @@ public:
 
     // A question with Yes and No, No being the default; true for Yes. While it is open, texts wait. False
     // without asking when a box is open already.
-    bool Ask(HWND owner, const std::string& question);
+    bool Ask(HWND owner, const std::string& question) { return AskWith(owner, question, MB_YESNO) == IDYES; }
+    // The same with Cancel besides: IDYES, IDNO or IDCANCEL, the last one also without asking.
+    int AskOrCancel(HWND owner, const std::string& question) {
+        return AskWith(owner, question, MB_YESNOCANCEL);
+    }
 
     // Whether one is open; that comes to the front then, for whoever has to ask after it.
     bool BringToFront() const;
@@ -60,6 +64,7 @@ private:
 
     // The open boxes of the owner's top-level window, one after the other; null behind the last.
     HWND NextBox(HWND box, HWND owner) const;
+    int AskWith(HWND owner, const std::string& question, UINT buttons);
     int Open(HWND owner, const std::string& text, UINT kind);
     void ShowPending();
 

@@ -21,4 +21,8 @@ std::string Narrow(std::wstring_view wide, UINT codePage) {
     return text;
 }
 
+std::string Utf8(std::string_view ansi) {
+    return Narrow(Wide(ansi, CP_ACP), CP_UTF8);
+}
+
 } // namespace framework

@@ -1,12 +1,14 @@
 // Basket files of any content: every line is a row or is refused with a text, and rows load again as they are.
 //
 // Behind a line of "--" follows what is done with the rows, a line each: "d3" deletes the third or so, "m3"
-// makes it the order of its neighbour, "s3" marks it as sent, "a3" gives it an answer, and "x" exports all and
-// loads them again. Numbers, totals and marks are those that the rows have when they are looked at one by one.
+// makes it the order of its neighbour, "s3" marks it as sent, "a3" gives it an answer, "x" exports all and
+// loads them again, and "k" keeps those that were not sent for another session. Numbers, totals and marks are
+// those that the rows have when they are looked at one by one. The text itself is also taken for a kept file.
 
 #include "fuzz/Fuzz.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
+#include "plugin/basket/UnsentOrders.h"
 #include "plugin/messaging/Dates.h"
 
 #include <algorithm>
@@ -27,7 +29,7 @@ public:
         if (tradingSymbol == "B") return ScripDetails{4, 0, 10000.0, 25, "2", "B"};
         return std::nullopt;
     }
-    std::string TradingSymbol(std::string_view, std::string_view, std::string_view) override { return "C"; }
+    ScripNames Names(std::string_view, std::string_view, std::string_view) override { return {"C", "3", ""}; }
 };
 
 class Findings final : public BasketSink {
@@ -39,14 +41,16 @@ public:
     }
     void OnRejected(const RejectedLine& line, const BasketTexts&) override {
         ++refused;
-        Demand(line.report.starts_with(line.text) && line.report.find("failed to load") != line.report.npos);
+        rejected.append(line.text).append("\r\n");
+        Demand(line.report.starts_with(line.text.substr(0, line.text.find('\0'))));
+        Demand(line.report.find("failed to load") != line.report.npos);
         Demand(line.report.find(line.reason) != line.report.npos && !(line.reason + notice).empty());
         notice.clear();
     }
     void OnNotice(std::string_view text) override { notice = text; }
     void OnLog(std::string_view text) override { Demand(!text.empty()); }
 
-    std::string exported, notice;
+    std::string exported, rejected, notice;
     std::size_t refused = 0;
     bool hasRoundedAway = false;
 };
@@ -56,16 +60,39 @@ void Load(std::string_view text, const BasketRules& rules, Findings& findings) {
     BasketLoad load(text, rules, scrips, findings);
     while (load.Read(3)) {
     }
+    text = base::WithoutMark(text);
     const auto ends = static_cast<std::size_t>(std::ranges::count(text, '\n'));
     Demand(static_cast<std::size_t>(load.LinesRead()) == ends + (!text.empty() && text.back() != '\n'));
     Demand(load.RowsLoaded() + findings.refused == static_cast<std::size_t>(load.LinesRead()));
 }
 
+// What is kept takes only the order of the rows.
+struct Listed final : BasketList {
+    std::size_t RowCount() const override { return records.size(); }
+    std::size_t ShownCount() const override { return records.size(); }
+    RecordId RecordAt(std::size_t row) const override { return records[row]; }
+    void InsertFront(RecordId) override {}
+    void Repaint(RecordId) override {}
+    void Remove(RecordId) override {}
+    void RemoveAll() override {}
+    void BeginChanges() override {}
+    void EndChanges() override {}
+    std::vector<RecordId> Selected() const override { return {}; }
+    RecordId FirstSelected() const override { return kNoRecord; }
+    void RemoveSelected() override {}
+
+    std::vector<RecordId> records;
+};
+
 // The basket's rows, and beside each what is known of it.
 class Store final : public BasketSink {
 public:
     void OnRow(const BasketTexts& texts) override {
-        m_rows.insert(m_rows.begin(), {m_store.Add(texts), ++m_serial});
+        const RecordId record = m_store.AddLoaded(texts);
+        const std::string order = Ordered(m_store[record]);
+        const auto standing = std::ranges::count_if(
+            m_rows, [&](const Row& row) { return row.isSent && Ordered(m_store[row.record]) == order; });
+        m_rows.insert(m_rows.begin(), {record, ++m_serial, standing < m_sent[order]});
     }
     void OnRejected(const RejectedLine&, const BasketTexts&) override {}
     void OnNotice(std::string_view) override {}
@@ -74,8 +101,7 @@ public:
     void Load(std::string_view text, const BasketRules& rules) {
         m_store.Clear();
         m_rows.clear();
-        Scrips scrips;
-        BasketLoad(text, rules, scrips, *this).Read(text.size());
+        BasketLoad(text, rules, m_scrips, *this).Read(text.size());
     }
     void Do(std::string_view step, const BasketRules& rules) {
         if (m_rows.empty() || step.empty()) return;
@@ -84,8 +110,11 @@ public:
         place %= m_rows.size();
         Row& row = m_rows[place];
         if (step[0] == 'x') {
-            Load(Exported(), rules);
+            Load(BasketFileText(Exported()), rules);
+        } else if (step[0] == 'k') {
+            CheckKept(rules);
         } else if (step[0] == 's') {
+            ++m_sent[Ordered(m_store[row.record])];
             m_store.MarkSent(row.record);
             row.isSent = true;
         } else if (step[0] == 'a') {
@@ -137,6 +166,45 @@ private:
         bool isSent = false;
     };
 
+    // All that is sent.
+    static std::string Ordered(const sBasketOrderData& order) {
+        std::string text;
+        for (const BasketField field : kBasketColumns) {
+            const bool isName = field == BasketField::series || field == BasketField::symbol;
+            const bool isUnused = field
+                                  == (order.Text(BasketField::investType) == "value" ? BasketField::quantity
+                                                                                     : BasketField::amount);
+            if (!isName && !isUnused && field != BasketField::startDateText)
+                text.append(order.Text(field)).push_back(',');
+        }
+        return text;
+    }
+    // Another session has the rows that were not sent, in their order; those in doubt as sent.
+    void CheckKept(const BasketRules& rules) const {
+        Listed list;
+        std::vector<std::string> unsent;
+        for (const Row& row : m_rows) {
+            list.records.push_back(row.record);
+            if (!row.isSent) unsent.push_back(Ordered(m_store[row.record]));
+            // Rounded away, and so no order that loads.
+            if (m_store[row.record].Text(BasketField::amount) == "0") return;
+        }
+        for (const bool placing : {false, true}) {
+            const std::string text = UnsentText(m_store, list, placing);
+            Store next;
+            RememberDoubtful(text, next.m_store);
+            BasketLoad(text, rules, next.m_scrips, next).Read(text.size());
+            std::vector<std::string> back;
+            for (const Row& row : next.m_rows) {
+                back.push_back(Ordered(next.m_store[row.record]));
+                Demand(next.m_store.IsSent(row.record) == placing);
+            }
+            Demand(back == unsent);
+            const UnsentCounts counts = CountUnsent(text);
+            Demand(counts.orders == unsent.size() && counts.doubtful == (placing ? unsent.size() : 0));
+        }
+    }
+
     static std::string Alike(const sBasketOrderData& order) {
         std::string text;
         for (const auto field :
@@ -153,8 +221,10 @@ private:
     }
 
     BasketRows m_store;
-    std::vector<Row> m_rows; // the newest first
+    std::vector<Row> m_rows;                      // the newest first
+    std::map<std::string, std::ptrdiff_t> m_sent; // how often, by order
     std::int32_t m_serial = 0;
+    Scrips m_scrips;
 };
 
 } // namespace
@@ -180,9 +250,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         store.Check();
     }
 
-    Findings first, second;
+    BasketRows remembered;
+    RememberDoubtful(text, remembered);
+    Findings first, second, again;
     Load(text, rules, first);
-    Load(first.exported, rules, second);
+    Demand(CountUnsent(text).orders
+           == first.refused + static_cast<std::size_t>(std::ranges::count(first.exported, '\n')));
+    // What is saved of the rejected lines is rejected again.
+    Load(BasketFileText(first.rejected), rules, again);
+    Demand(again.refused == first.refused);
+    Load(BasketFileText(first.exported), rules, second);
     if (first.hasRoundedAway) return 0;
     Demand(second.refused == 0 && second.exported == first.exported);
     return 0;

@@ -1,6 +1,8 @@
 #include "sdk/korvex/CommonListCtrl.h"
 
+#include "framework/Files.h"
 #include "framework/Guard.h"
+#include "framework/Wide.h"
 #include "host/korvexcontrols/RecoveryFiles.h"
 
 #include <windows.h>
@@ -31,6 +33,8 @@ void CCommonListCtrl::SetRecoveryFiles(CString* userSettings, CString* dialogPos
         RecoveryPaths& paths = CurrentPaths();
         paths.userSettings = userSettingsPath.View();
         paths.dialogPositions = dialogPositionsPath.View();
+        for (const std::string& path : {paths.userSettings, paths.dialogPositions})
+            framework::DropByteOrderMark(framework::Utf8(path));
     });
 }
 

@@ -1,5 +1,6 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
@@ -14,10 +15,6 @@ namespace {
 
 constexpr std::string_view kAdd = "Add";
 constexpr std::string_view kModify = "&Modify";
-
-std::string InRupees(std::int64_t paise) {
-    return Format("%lld.%02lld", static_cast<long long>(paise / 100), static_cast<long long>(paise % 100));
-}
 
 std::string SideText(const char* side, const BasketTotals& totals) {
     return Format("%s: amount %s, quantity %lld", side, InRupees(totals.amountPaise).c_str(),
@@ -36,6 +33,7 @@ void Basket::Initialise(std::string_view customProducts) {
     Alone([&] { m_form.Fill(m_view.Now(), customProducts); });
     if (!IsStill(closings)) return;
     LeaveModifyMode();
+    m_correctedLine = 0;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable);
     m_view.ShowStatus();
     m_view.ShowRejected();
@@ -57,14 +55,18 @@ void Basket::RegisterDeleteKey() {
 void Basket::OnClosed() {
     ++m_closings;
     // What a run did not come to may still be placed; what was placed stays so.
-    if (IsUnderWay()) m_placeable = m_view.List().RowCount() > 0;
-    // Also when the first row is only just being sent.
-    m_partlyPlaced |= m_placing != nullptr;
+    const bool ranOn = IsUnderWay();
+    if (ranOn) m_placeable = m_view.List().RowCount() > 0;
     // A portion may be on its way below.
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
     m_loading.reset();
     m_placing.reset();
+    if (!ranOn) return;
+    if (!m_bringsBack)
+        KeepUnsent();
+    else if (!m_inPortion)
+        BringNothingBack();
 }
 
 bool Basket::IsModifying() const {
@@ -92,12 +94,15 @@ void Basket::AddOrModify() {
     const auto refusal = Alone([&] { return m_form.Read(m_view.Now(), order); });
     if (!IsStill(closings)) return;
     if (refusal) {
-        if (refusal->focusValue) m_view.Focus(order.data.investType == "qty" ? IDC_BASKET_QUANTITY : IDC_VALUE);
+        if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowMessage(refusal->text);
     }
+    if (!AskAboutUnknown({order.data.client}, "Take the order into the basket all the same?")) return;
     if (!IsModifying()) {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
-        return m_view.ShowStatus();
+        LeaveCorrected();
+        m_view.ShowStatus();
+        return KeepUnsent();
     }
     const RecordId selected = RowToModify();
     LeaveModifyMode();
@@ -106,6 +111,7 @@ void Basket::AddOrModify() {
     m_rows.Replace(selected, order.Texts());
     m_view.List().Repaint(selected);
     m_view.ShowStatus();
+    KeepUnsent();
 }
 
 void Basket::Activate(RecordId record) {
@@ -113,24 +119,41 @@ void Basket::Activate(RecordId record) {
     const int closings = m_closings;
     // A copy: while the form fills the host may let an answer in, which changes the row.
     const sBasketOrderData row(m_rows[record].Texts(), 0);
-    int notShown = Alone([&] { return m_form.Show(row.Texts()); });
+    const int notShown = Alone([&] { return m_form.ShowRow(row.Texts(), m_view.Now()); });
     if (!IsStill(closings)) return;
     m_shownRow = m_rows[record].SerialNumber();
+    m_correctedLine = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
     m_view.SetText(IDC_SUBMIT, notShown == 0 ? kModify : kAdd);
-    for (; notShown > 0 && IsStill(closings); --notShown)
+    TellNotShown(notShown);
+}
+
+void Basket::TellNotShown(int fields) {
+    const int closings = m_closings;
+    for (; fields > 0 && IsStill(closings); --fields)
         m_view.ShowMessage("Failed to Load");
 }
 
 void Basket::ActivateRejected(std::size_t index) {
     if (IsBusy() || index >= m_rejected.size()) return;
+    const int number = m_rejected[index].number;
     const std::string line = m_rejected[index].text;
     BasketTexts columns;
     if (!SplitBasketLine(line, columns))
         return m_view.ShowMessage("The line does not have the columns of a basket file.");
     const int closings = m_closings;
-    Alone([&] { m_form.Show(columns); });
-    if (IsStill(closings)) LeaveModifyMode();
+    const int notShown = Alone([&] { return m_form.Show(columns, m_view.Now()); });
+    if (!IsStill(closings)) return;
+    LeaveModifyMode();
+    m_correctedLine = number;
+    TellNotShown(notShown);
+}
+
+// What the form was filled from is in the list now.
+void Basket::LeaveCorrected() {
+    const int number = std::exchange(m_correctedLine, 0);
+    if (std::erase_if(m_rejected, [&](const RejectedLine& line) { return line.number == number; }))
+        m_view.ShowRejected();
 }
 
 void Basket::Delete() {
@@ -141,49 +164,13 @@ void Basket::Delete() {
     for (const RecordId record : selected)
         m_rows.Remove(record);
     m_view.ShowStatus();
+    KeepUnsent();
 }
 
 bool Basket::Ask(const std::string& question) {
     const int closings = m_closings;
     const bool yes = Alone([&] { return m_view.Ask(question); });
     return yes && IsStill(closings);
-}
-
-void Basket::Load() {
-    if (IsBusy()) return;
-    const int closings = m_closings;
-    const auto path = Alone([&] { return m_view.AskLoadPath(); });
-    if (!path || !IsStill(closings)) return;
-    auto text = m_view.ReadFile(*path);
-    if (!text) return m_view.ShowMessage("File Open Error");
-    BasketList& list = m_view.List();
-    list.RemoveAll();
-    m_rows.Clear();
-    m_rejected.clear();
-    m_partlyPlaced = false;
-    m_titleBefore = m_view.Title();
-    m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
-    m_view.ShowRejected();
-    m_loading = std::make_shared<BasketLoading>(m_session, std::move(*text), m_form.Rules(m_view.Now()),
-                                                BasketLoading::Target{m_rows, list, m_rejected});
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-void Basket::EndLoading() {
-    const auto loading = std::exchange(m_loading, nullptr);
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    m_view.SetTitle(m_titleBefore);
-    m_view.ShowRun();
-    m_view.ShowStatus();
-    m_view.ShowRejected();
-    const int closings = m_closings;
-    std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
-    if (loading->Stopped())
-        texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
-                          loading->LinesRead(), loading->RowsLoaded());
-    for (const std::string& text : texts)
-        if (!text.empty() && IsStill(closings)) m_view.ShowMessage(text);
 }
 
 void Basket::Export() {
@@ -196,7 +183,7 @@ void Basket::Export() {
     const BasketList& list = m_view.List();
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         AppendBasketLine(m_rows[list.RecordAt(row)], text);
-    if (m_view.WriteFileWhole(*path, text))
+    if (m_view.WriteFileWhole(*path, BasketFileText(std::move(text))))
         m_view.ShowMessage("Exported to File Successfully");
     else
         m_view.ShowMessage(" Basket File Write Error: File Open Error");
@@ -210,117 +197,8 @@ void Basket::SaveRejected() {
     std::string text;
     for (const RejectedLine& line : m_rejected)
         text.append(line.text).push_back('\n');
-    if (!m_view.WriteFileWhole(*path, text)) m_view.ShowMessage(" Basket File Write Error: File Open Error");
-}
-
-void Basket::Place() {
-    if (IsBusy()) return;
-    const BasketList& list = m_view.List();
-    if (list.RowCount() == 0) return m_view.ShowMessage("Please Select an Order");
-    if (!m_placeable) return;
-    if (m_partlyPlaced && m_rows.SentCount() > 0
-        && !Ask(Format("%zu of the %zu orders have already been sent. Place all of them, and so these again?",
-                       m_rows.SentCount(), list.RowCount())))
-        return;
-    if (!Ask("Are you sure to place these Basket Orders?")) return;
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
-    std::vector<RecordId> records;
-    for (std::size_t row = 0; row < list.RowCount(); ++row)
-        records.push_back(list.RecordAt(row));
-    const int closings = m_closings;
-    // Its first call to the host is made before it stands.
-    auto placing = Alone(
-        [&] { return std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(records)); });
-    if (!IsStill(closings)) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    m_placing = std::move(placing);
-    m_partlyPlaced = false;
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-void Basket::EndPlacing() {
-    const auto placing = std::exchange(m_placing, nullptr);
-    m_view.ShowRun();
-    m_view.ShowStatus();
-    const int closings = m_closings;
-    const bool stopped = placing->Stopped();
-    Alone([&] {
-        if (const std::string failures = placing->FailureTexts(); !failures.empty())
-            m_view.ShowMessage(failures);
-        // The rows that it offers are those that were sent: none goes under the box.
-        if (stopped && IsStill(closings)) OfferToRemove(*placing);
-    });
-    if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
-}
-
-void Basket::OfferToRemove(const BasketPlacing& placing) {
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    const std::size_t sent = placing.SentCount();
-    m_partlyPlaced = sent > 0;
-    if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
-    if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
-                    sent, placing.Total(), sent)))
-        return;
-    BasketList& list = m_view.List();
-    list.BeginChanges();
-    for (const RecordId record : placing.Sent()) {
-        list.Remove(record);
-        m_rows.Remove(record);
-    }
-    list.EndChanges();
-    m_partlyPlaced = false;
-    m_view.ShowStatus();
-}
-
-void Basket::RunFor(std::int64_t milliseconds) {
-    if (m_inPortion || !IsUnderWay()) return;
-    const int closings = m_closings;
-    const std::int64_t end = m_view.Milliseconds() + milliseconds;
-    const auto loading = m_loading;
-    const auto placing = m_placing;
-    bool more = true;
-    {
-        const Turn turn(m_inPortion);
-        if (loading) {
-            m_view.ShowWaiting(true);
-            m_view.List().BeginChanges();
-            // A long load may go past midnight.
-            loading->SetNow(ToSeconds(m_view.Now()));
-        }
-        do
-            more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
-        while (more && m_view.Milliseconds() < end);
-        if (loading) {
-            m_view.List().EndChanges();
-            m_view.ShowWaiting(false);
-        }
-    }
-    if (more || !IsStill(closings)) return;
-    if (loading)
-        EndLoading();
-    else
-        EndPlacing();
-}
-
-void Basket::Stop() {
-    if (m_loading) m_loading->Stop();
-    if (m_placing) m_placing->Abandon();
-    if (m_placing) m_placing->Stop();
-    RunFor(0);
-}
-
-std::string Basket::Progress() const {
-    if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
-    return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
-                  m_placing->Total());
-}
-
-std::size_t Basket::Done() const {
-    return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
-}
-
-std::size_t Basket::Total() const {
-    return m_loading ? m_loading->Characters() : m_placing->Total();
+    if (!m_view.WriteFileWhole(*path, BasketFileText(std::move(text))))
+        m_view.ShowMessage(" Basket File Write Error: File Open Error");
 }
 
 std::vector<std::string> Basket::Status() const {

@@ -11,6 +11,7 @@
 #include "plugin/messaging/Answer.h"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,6 +32,8 @@ public:
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
     // the settings file's list; it counts only for holders of the right.
     void Initialise(std::string_view customProducts);
+    // Once the window stands: asks what becomes of the orders that an earlier session did not send.
+    void OfferUnsent();
     // The window is gone, and with it every run and question.
     void OnClosed();
 
@@ -95,12 +98,20 @@ private:
     }
     // False when the answer is No, or the window has gone.
     bool Ask(const std::string& question);
+    Choice AskAboutSent();
+    bool AskAboutUnknown(const std::set<std::string>& clients, const char* question);
+    void BeginLoading(std::string text, BasketRules rules);
     void RunFor(std::int64_t milliseconds);
     void EndLoading();
     void EndPlacing();
     void OfferToRemove(const BasketPlacing& placing);
+    void KeepUnsent();
+    std::string EndBringingBack(bool stopped);
+    void BringNothingBack();
     void RegisterDeleteKey();
     void LeaveModifyMode();
+    void LeaveCorrected();
+    void TellNotShown(int fields);
     bool IsModifying() const;
     // kNoRecord when it is no longer there.
     RecordId RowToModify() const;
@@ -120,10 +131,12 @@ private:
     std::shared_ptr<BasketPlacing> m_placing;
     std::string m_titleBefore;   // the load
     std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
+    int m_correctedLine = 0;     // of the rejected ones: which the form was filled from
     bool m_inPortion = false;    // the host may let the window's timer in
     bool m_taken = false;
-    bool m_placeable = false;    // the place button
-    bool m_partlyPlaced = false; // a stopped placing left rows that were sent
+    bool m_placeable = false;     // the place button
+    bool m_unsentSettled = false; // the kept file holds nothing that is not in the list
+    bool m_bringsBack = false;    // the load is of that file
     bool m_hostOwnsDeleteKey = false;
     int m_closings = 0;
 };

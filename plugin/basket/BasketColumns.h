@@ -4,6 +4,7 @@
 #include "plugin/basket/BasketOrder.h"
 #include "plugin/controls/ListColumn.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,6 +29,9 @@ inline constexpr BasketColumn kBasketListColumns[] = {
     {"Action", 50, BasketField::action},
     {"Remarks", 50, BasketField::remarks},
 };
+
+// "1500.50"
+std::string InRupees(std::int64_t paise);
 
 // The texts of the cells. What a row does not keep as it is shown is kept here, once for equal texts.
 class BasketCells {

@@ -2,6 +2,7 @@
 
 #include "plugin/messaging/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
@@ -43,7 +44,7 @@ void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& column
                         bool hasNumber) {
     // A zero ends the line for whoever reads the report; what is said behind it must not be lost.
     const std::string_view text = line.text.substr(0, line.text.find('\0'));
-    RejectedLine rejected{m_number, std::string(text), std::move(reason), std::string(text)};
+    RejectedLine rejected{m_number, std::string(line.text), std::move(reason), std::string(text)};
     rejected.report += line.isEnded ? "\nfailed to load" : "failed to load";
     if (!rejected.reason.empty()) rejected.report += " due to " + rejected.reason;
     if (!rejected.reason.empty() && hasNumber) rejected.report += Format(" In Line Number %d", m_number);
@@ -51,10 +52,21 @@ void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& column
     m_sink.OnRejected(rejected, columns);
 }
 
-void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
+void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note) {
     for (const BasketField field : kBasketColumns)
         text.append(row.Text(field)).push_back(',');
-    text += " ,\n";
+    text.append(note).append(",\n");
+}
+
+std::string_view BasketLineNote(std::string_view line) {
+    for (std::size_t column = 0; column < std::size(kBasketColumns); ++column)
+        line.remove_prefix(std::min(line.find(','), line.size() - 1) + 1);
+    return line.substr(0, line.find(','));
+}
+
+std::string BasketFileText(std::string lines) {
+    const std::size_t mark = lines.size() - base::WithoutMark(lines).size();
+    return lines.insert(0, lines.substr(0, mark));
 }
 
 } // namespace planfold

@@ -1,6 +1,7 @@
 // Basket files: read line by line into rows and rejected lines, and written from rows.
 #pragma once
 
+#include "base/FileText.h"
 #include "plugin/basket/BasketLine.h"
 
 #include <span>
@@ -10,10 +11,14 @@
 
 namespace planfold {
 
-// The lines of a file's text, with line ends of either platform. Positions stay valid as long as the text.
+// Told of a file that is.
+inline constexpr char kUtf16Fault[] = "it is UTF-16 text; save it as ANSI or UTF-8 text and load it again";
+
+// The lines of a file's text, with line ends of either platform; a byte order mark in front belongs to none.
+// Positions stay valid as long as the text.
 class BasketLines {
 public:
-    explicit BasketLines(std::string_view text) : m_rest(text) {}
+    explicit BasketLines(std::string_view text) : m_rest(base::WithoutMark(text)) {}
 
     struct Line {
         std::string_view text; // without its end
@@ -30,9 +35,9 @@ private:
 // A line that did not become a row.
 struct RejectedLine {
     int number;         // from 1
-    std::string text;   // as it was read, without its end
+    std::string text;   // as it was read, without its end; may hold zeros
     std::string reason; // may be empty
-    // What is said about it: the line, "failed to load" and why.
+    // What is said about it: the line up to a zero, "failed to load" and why.
     std::string report;
 };
 
@@ -80,7 +85,13 @@ private:
     std::string m_lastReason;
 };
 
-// One line of an exported file, with its line feed.
-void AppendBasketLine(const sBasketOrderData& row, std::string& text);
+// One line of an exported file, with its line feed. The note stands in the last column, which a load does not
+// read.
+inline constexpr std::string_view kNoNote = " ";
+void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note = kNoNote);
+std::string_view BasketLineNote(std::string_view line);
+
+// What is written of lines, so that they read the same: where the first begins like a file's mark, that is no mark.
+std::string BasketFileText(std::string lines);
 
 } // namespace planfold

@@ -1,5 +1,6 @@
 #include "plugin/basket/BasketForm.h"
 
+#include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/SipOrderFields.h"
 #include "plugin/messaging/Codes.h"
 #include "plugin/messaging/Numbers.h"
@@ -11,6 +12,34 @@ namespace planfold {
 namespace {
 
 constexpr FormTexts kTexts{"Enter Token", "Please select the ClientID", "Enter valid Qty"};
+
+// A choice that shows nothing is refused as the field of a line would be.
+struct ChoiceRule {
+    int combo;
+    std::string SipOrderForm::*shown;
+    const char* refusal;
+};
+constexpr ChoiceRule kChoices[] = {
+    {IDC_EXCHANGE, &SipOrderForm::exchange, kInvalidToken},
+    {IDC_SERIES, &SipOrderForm::series, kInvalidToken},
+    {IDC_SYMBOL, &SipOrderForm::symbol, kInvalidToken},
+    {IDC_ACTION, &SipOrderForm::action, kInvalidAction},
+    {IDC_INVEST_BY, &SipOrderForm::investType, kInvalidInvestType},
+    {IDC_FREQUENCY, &SipOrderForm::frequency, kInvalidFrequency},
+    {IDC_ORDER_TYPE, &SipOrderForm::orderType, kInvalidOrderType},
+    {IDC_PRODUCT, &SipOrderForm::product, kInvalidProduct},
+};
+
+// Of whole paise, as a line's amount is read.
+std::optional<std::string> RupeesOf(std::string_view amount) {
+    constexpr std::size_t mostDigits = 15;
+    if (amount.empty()) return std::string();
+    const double paise = LeadingReal(amount);
+    const std::string whole = Format("%.lf", paise);
+    if (!AllDigits(whole) || whole.size() > mostDigits || (paise == 0.0 && !AllDigits(amount)))
+        return std::nullopt;
+    return InRupees(LeadingInteger(whole));
+}
 
 std::string Shown(CodeTable table, std::string_view text) {
     std::string shown(text);
@@ -34,6 +63,7 @@ BasketTexts FormOrder::Texts() const {
 
 void BasketForm::Fill(const LocalDateTime& now, std::string_view customProducts) {
     const HostWindow window = m_view.Handle();
+    m_frequencyToShow.clear();
     // By whoever the host let in; another window fills itself.
     const auto gone = [&] { return m_view.Handle() != window; };
     m_form.ShowClientControl();
@@ -59,16 +89,27 @@ void BasketForm::OnInvestTypeChanged() {
     m_view.Enable(IDC_BASKET_QUANTITY, byQuantity);
 }
 
-std::optional<Refusal> BasketForm::Read(const LocalDateTime& now, FormOrder& order) const {
-    const bool byQuantity = m_view.Text(IDC_INVEST_BY) == "Quantity";
-    const SipOrderForm form = m_form.Read(byQuantity ? IDC_BASKET_QUANTITY : IDC_VALUE);
+void BasketForm::OnOperationMode(const Answer& answer) {
+    // A list that comes late must not choose what the record in the form does not say.
+    if (m_frequencies.OnAnswer(answer, true) && !m_frequencyToShow.empty())
+        ShowChoice(IDC_FREQUENCY, m_frequencyToShow);
+}
+
+std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder& order) const {
+    const int value = m_view.Text(IDC_INVEST_BY) == "Quantity" ? IDC_BASKET_QUANTITY : IDC_VALUE;
+    const SipOrderForm form = m_form.Read(value);
     order.series = form.series;
     order.symbol = form.symbol;
     order.startDateText = FormatPickerDate(form.startDate);
-    return ValidateSipOrder(m_session, m_view.Handle(), form, now, order.data, kTexts);
+    if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, order.data, kTexts))
+        return FormRefusal{refusal->text, refusal->focusValue ? value : 0};
+    for (const auto& [combo, shown, refusal] : kChoices)
+        if ((form.*shown).empty()) return FormRefusal{refusal, combo};
+    if (!AllDigits(form.totalPeriod)) return FormRefusal{kInvalidPeriod, IDC_PERIOD};
+    return std::nullopt;
 }
 
-int BasketForm::Show(const BasketTexts& texts) {
+int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     int notShown = 0;
     const auto choose = [&](int combo, std::string_view text) { notShown += !ShowChoice(combo, text); };
@@ -84,13 +125,30 @@ int BasketForm::Show(const BasketTexts& texts) {
     choose(IDC_INVEST_BY, Shown(kInvestTypeToDisplay, texts[BasketField::investType]));
     OnInvestTypeChanged();
     choose(IDC_FREQUENCY, texts[BasketField::frequency]);
-    const std::string_view amount = texts[BasketField::amount];
-    m_view.SetText(IDC_VALUE, amount.empty() ? "" : Format("%.2lf", LeadingReal(amount) / 100));
-    m_view.SetText(IDC_BASKET_QUANTITY, texts[BasketField::quantity]);
+    m_frequencyToShow = texts[BasketField::frequency];
+    // The one that the order is not by may hold anything.
+    const std::string_view quantity = texts[BasketField::quantity];
+    const bool amountShown = ShowNumber(IDC_VALUE, RupeesOf(texts[BasketField::amount]));
+    const bool quantityShown = ShowNumber(
+        IDC_BASKET_QUANTITY, AllDigits(quantity) ? std::optional<std::string>(quantity) : std::nullopt);
+    notShown +=
+        !(ValueField(texts[BasketField::investType]) == BasketField::amount ? amountShown : quantityShown);
     m_view.SetText(IDC_PERIOD, texts[BasketField::totalPeriod]);
-    notShown += !ShowStartDate(texts[BasketField::startDateText]);
+    notShown += !ShowStartDate(texts[BasketField::startDateText], now);
     notShown += !ShowClient(texts[BasketField::clientId]);
     return notShown;
+}
+
+int BasketForm::ShowRow(const BasketTexts& texts, const LocalDateTime& now) {
+    const HostWindow window = m_view.Handle();
+    const int notShown = Show(texts, now);
+    const std::string named = AskTradingSymbol(m_session, texts[BasketField::exchangeSegment],
+                                               texts[BasketField::series], texts[BasketField::symbol]);
+    if (named.empty() || named == texts[BasketField::tradingSymbol] || m_view.Handle() != window)
+        return notShown;
+    // A file may call it by the names of another, which the form would then order.
+    m_view.Select(IDC_SYMBOL, -1);
+    return notShown + 1;
 }
 
 bool BasketForm::ShowChoice(int combo, std::string_view text) {
@@ -100,11 +158,16 @@ bool BasketForm::ShowChoice(int combo, std::string_view text) {
     return false;
 }
 
-bool BasketForm::ShowStartDate(std::string_view text) {
+bool BasketForm::ShowNumber(int edit, std::optional<std::string> text) {
+    m_view.SetText(edit, text.value_or(""));
+    return text.has_value();
+}
+
+// The picker always shows a day: of a text that is none, the day before, with which no order can start.
+bool BasketForm::ShowStartDate(std::string_view text, const LocalDateTime& now) {
     const std::int64_t seconds = ParseDate(text);
-    if (seconds < 0) return false;
-    m_view.SetDate(IDC_START_DATE, ToLocal(seconds));
-    return true;
+    m_view.SetDate(IDC_START_DATE, ToLocal(seconds < 0 ? ToSeconds(now) - kSecondsPerDay : seconds));
+    return seconds >= 0;
 }
 
 bool BasketForm::ShowClient(std::string_view client) {
@@ -126,6 +189,16 @@ BasketRules BasketForm::Rules(const LocalDateTime& now) const {
     for (std::size_t i = 0; i < rules.minimums.size(); ++i)
         rules.minimums[i] = m_session.*kFrequencies[i].minimum;
     rules.now = ToSeconds(now);
+    return rules;
+}
+
+BasketRules BasketForm::RulesOfUnsent(const LocalDateTime& now) const {
+    BasketRules rules = Rules(now);
+    rules.serverPeriods = true;
+    rules.minimums = {};
+    rules.frequencies.clear();
+    for (const FrequencyRow& row : kFrequencies)
+        rules.frequencies.emplace_back(row.word);
     return rules;
 }
 

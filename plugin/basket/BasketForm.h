@@ -23,6 +23,12 @@ struct FormOrder {
     BasketTexts Texts() const;
 };
 
+// Why an order is refused, and where the user is led to; 0 for nowhere.
+struct FormRefusal {
+    std::string text;
+    int focus = 0;
+};
+
 class BasketForm {
 public:
     BasketForm(Session& session, DialogView& view, RxControl* control)
@@ -31,30 +37,37 @@ public:
     // For a window that has just been made.
     void Fill(const LocalDateTime& now, std::string_view customProducts);
     void AskFrequencies() { m_frequencies.Ask(); }
-    void OnOperationMode(const Answer& answer) { m_frequencies.OnAnswer(answer, true); }
+    void OnOperationMode(const Answer& answer);
 
     void OnExchangeChanged() { m_form.RefreshScrips(ScripLevel::exchange); }
     void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
     void OnInvestTypeChanged();
 
     // Why the order is refused, or none when `order` holds it.
-    std::optional<Refusal> Read(const LocalDateTime& now, FormOrder& order) const;
-    // Returns how many fields cannot be shown; their controls are left empty.
-    int Show(const BasketTexts& texts);
+    std::optional<FormRefusal> Read(const LocalDateTime& now, FormOrder& order) const;
+    // Returns how many fields cannot be shown. Their controls are left empty; the date, which cannot be, is
+    // then one that Read refuses.
+    int Show(const BasketTexts& texts, const LocalDateTime& now);
+    // The same for a row of the list, whose scrip counts and not what it is called.
+    int ShowRow(const BasketTexts& texts, const LocalDateTime& now);
     void ClearAfterModify();
 
     // What the lines of a file are checked against: what the form offers and the server demands.
     BasketRules Rules(const LocalDateTime& now) const;
+    // For orders whose periods were checked before.
+    BasketRules RulesOfUnsent(const LocalDateTime& now) const;
 
 private:
     bool ShowChoice(int combo, std::string_view text);
-    bool ShowStartDate(std::string_view text);
+    bool ShowNumber(int edit, std::optional<std::string> text);
+    bool ShowStartDate(std::string_view text, const LocalDateTime& now);
     bool ShowClient(std::string_view client);
 
     Session& m_session;
     DialogView& m_view;
     SipForm m_form;
     FrequencyList m_frequencies;
+    std::string m_frequencyToShow; // once the list has it
 };
 
 } // namespace planfold

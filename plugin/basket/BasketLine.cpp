@@ -9,6 +9,7 @@
 #include <bit>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 namespace planfold {
 
@@ -20,10 +21,6 @@ constexpr std::size_t kFewestCommas = 19;
 constexpr std::size_t kMostCommas = 20;
 constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
-
-bool AllDigits(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
 
 std::string InLine(std::string reason, int lineNumber) {
     return reason + Format(" In Line Number %d", lineNumber);
@@ -44,10 +41,10 @@ struct WordRule {
     const char* reason;
 };
 constexpr WordRule kWordRules[] = {
-    {BasketField::action, {"B", "S", "B", "B"}, "InValid Action Type."},
-    {BasketField::investType, {"value", "qty", "qty", "qty"}, "InValid Invest Type."},
-    {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, "InValid Frequency."},
-    {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, "InValid Order Type"},
+    {BasketField::action, {"B", "S", "B", "B"}, kInvalidAction},
+    {BasketField::investType, {"value", "qty", "qty", "qty"}, kInvalidInvestType},
+    {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, kInvalidFrequency},
+    {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, kInvalidOrderType},
 };
 
 using Commas = std::array<std::uint16_t, kMostCommas>;
@@ -109,14 +106,14 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
     Scrip& scrip = LookUp(columns);
     if (columns[BasketField::tradingSymbol] != scrip.tradingSymbol || scrip.token.empty()
         || columns[BasketField::token] != scrip.token)
-        return BasketRefusal{"InValid Token"};
+        return BasketRefusal{kInvalidToken};
     if (!ReadStartDate(columns)) return BasketRefusal{"Invalid Date"};
     if (Verdict refusal = CheckPeriod(columns)) return refusal;
     for (const WordRule& rule : kWordRules)
         if (std::ranges::find(rule.words, columns[rule.field]) == std::end(rule.words))
             return BasketRefusal{rule.reason};
     if (std::ranges::find(m_rules.products, columns[BasketField::product]) == m_rules.products.end())
-        return BasketRefusal{"InValid Product"};
+        return BasketRefusal{kInvalidProduct};
 
     columns[BasketField::customerFirm] = "C";
     columns[BasketField::validity] = "DAY";
@@ -136,16 +133,23 @@ BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
     m_key.assign(tradingSymbol).append(1, ',').append(exchange);
     const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
     Scrip& scrip = place->second;
-    if (!isNew) return scrip;
-    scrip.details = m_scrips.Details(exchange, tradingSymbol);
-    if (scrip.details) {
+    if (isNew && (scrip.details = m_scrips.Details(exchange, tradingSymbol))) {
         scrip.token = TextOf(scrip.details->token);
         scrip.tradingSymbol = TextOf(scrip.details->tradingSymbol);
-    } else {
-        // Without details there is no token, so that all lines of the trading symbol are refused alike.
-        scrip.tradingSymbol =
-            m_scrips.TradingSymbol(exchange, columns[BasketField::series], columns[BasketField::symbol]);
     }
+    return scrip.details ? scrip : LookUpByName(exchange, columns);
+}
+
+// Without details the scrip is what its series and symbol name, in rupees and paise.
+BasketCheck::Scrip& BasketCheck::LookUpByName(std::string_view exchange, const BasketTexts& columns) {
+    const std::string_view series = columns[BasketField::series], symbol = columns[BasketField::symbol];
+    m_key.append(1, ',').append(series).append(1, ',').append(symbol);
+    const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);
+    Scrip& scrip = place->second;
+    if (!isNew) return scrip;
+    ScripNames names = m_scrips.Names(exchange, series, symbol);
+    scrip.tradingSymbol = std::move(names.tradingSymbol);
+    scrip.token = std::move(names.token);
     return scrip;
 }
 
@@ -173,7 +177,7 @@ bool BasketCheck::ReadStartDate(BasketTexts& columns) {
 Verdict BasketCheck::CheckPeriod(const BasketTexts& columns) const {
     const std::string_view text = columns[BasketField::totalPeriod];
     const std::string_view frequency = columns[BasketField::frequency];
-    if (text.empty() || text == "0" || !AllDigits(text)) return BasketRefusal{"Invalid Period"};
+    if (text.empty() || text == "0" || !AllDigits(text)) return BasketRefusal{kInvalidPeriod};
     const std::int64_t period = LeadingInteger(text);
     if (!m_rules.serverPeriods) {
         if (period < 1 || period > 60) return BasketRefusal{"Period Should be Between 1 and 60"};

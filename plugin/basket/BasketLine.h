@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/basket/BasketOrder.h"
+#include "plugin/messaging/HostScrips.h"
 #include "sdk/HostRecords.h"
 
 #include <array>
@@ -20,9 +21,8 @@ class ScripSource {
 public:
     // By exchange segment and trading symbol. None when unknown.
     virtual std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) = 0;
-    // Empty when unknown.
-    virtual std::string TradingSymbol(std::string_view exchange, std::string_view series,
-                                      std::string_view symbol) = 0;
+    // By exchange segment, series and symbol. Empty when unknown.
+    virtual ScripNames Names(std::string_view exchange, std::string_view series, std::string_view symbol) = 0;
 
 protected:
     ~ScripSource() = default;
@@ -48,7 +48,15 @@ inline constexpr BasketField kBasketColumns[] = {
     BasketField::investType,
 };
 
+// Reasons that the form gives as well.
 inline constexpr const char* kInvalidFormat = "Invalid Format";
+inline constexpr const char* kInvalidToken = "InValid Token";
+inline constexpr const char* kInvalidPeriod = "Invalid Period";
+inline constexpr const char* kInvalidAction = "InValid Action Type.";
+inline constexpr const char* kInvalidInvestType = "InValid Invest Type.";
+inline constexpr const char* kInvalidFrequency = "InValid Frequency.";
+inline constexpr const char* kInvalidOrderType = "InValid Order Type";
+inline constexpr const char* kInvalidProduct = "InValid Product";
 
 // The columns as they stand, views into the line. False: not of the file's format.
 bool SplitBasketLine(std::string_view line, BasketTexts& columns);
@@ -82,6 +90,7 @@ private:
     };
 
     Scrip& LookUp(const BasketTexts& columns);
+    Scrip& LookUpByName(std::string_view exchange, const BasketTexts& columns);
     bool ReadStartDate(BasketTexts& columns);
     std::optional<BasketRefusal> CheckPeriod(const BasketTexts& columns) const;
     std::optional<BasketRefusal> CheckQuantity(const BasketTexts& columns, int lineNumber) const;
@@ -89,7 +98,8 @@ private:
 
     const BasketRules& m_rules;
     ScripSource& m_scrips;
-    std::unordered_map<std::string, Scrip> m_known; // by trading symbol and exchange
+    // By trading symbol and exchange; those without details by series and symbol besides.
+    std::unordered_map<std::string, Scrip> m_known;
     std::string m_key;
     std::unordered_map<std::string, Date> m_dates; // as typed
     std::string m_amount;

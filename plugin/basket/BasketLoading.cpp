@@ -18,9 +18,8 @@ std::optional<ScripDetails> HostScrips::Details(std::string_view exchange, std::
     return AskScripDetails(m_session, exchange, tradingSymbol);
 }
 
-std::string HostScrips::TradingSymbol(std::string_view exchange, std::string_view series,
-                                      std::string_view symbol) {
-    return AskTradingSymbol(m_session, exchange, series, symbol);
+ScripNames HostScrips::Names(std::string_view exchange, std::string_view series, std::string_view symbol) {
+    return AskScripNames(m_session, exchange, series, symbol);
 }
 
 BasketLoading::BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target)
@@ -35,7 +34,7 @@ bool BasketLoading::Step() {
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {
-    m_target.list.InsertFront(m_target.rows.Add(texts));
+    m_target.list.InsertFront(m_target.rows.AddLoaded(texts));
 }
 
 void BasketLoading::OnNotice(std::string_view text) {

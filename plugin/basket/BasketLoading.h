@@ -18,8 +18,7 @@ class HostScrips final : public ScripSource {
 public:
     explicit HostScrips(const Session& session) : m_session(session) {}
     std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
-    std::string TradingSymbol(std::string_view exchange, std::string_view series,
-                              std::string_view symbol) override;
+    ScripNames Names(std::string_view exchange, std::string_view series, std::string_view symbol) override;
 
 private:
     const Session& m_session;

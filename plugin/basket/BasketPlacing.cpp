@@ -24,36 +24,35 @@ sSipOrderData OrderOf(const sBasketOrderData& row) {
 
 } // namespace
 
-BasketPlacing::BasketPlacing(Session& session, RxControl* control, BasketRows& rows,
-                             std::vector<RecordId> records)
-    : m_session(session), m_control(control), m_rows(rows), m_records(std::move(records)) {
+BasketPlacing::BasketPlacing(Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed)
+    : m_session(session), m_control(control), m_rows(rows), m_placed(std::move(placed)) {
     if (session.host.pu_free_allocated_memory) session.host.pu_free_allocated_memory();
 }
 
 bool BasketPlacing::Step() {
     if (m_stopped || m_session.Ended()) return false;
-    if (m_next == m_records.size()) {
+    if (m_next == m_placed.size()) {
         if (IsSending()) return false;
         AskHost();
     } else if (IsSending()) {
-        Send(m_records[m_next++]);
+        Send(m_placed[m_next++]);
     } else {
-        TellHost(m_records[m_next++]);
+        TellHost(m_placed[m_next++]);
     }
     return true;
 }
 
-void BasketPlacing::TellHost(RecordId record) {
+void BasketPlacing::TellHost(const Row& placed) {
     const auto tell = m_session.host.pu_build_bskt_caution_order_map;
     if (!tell) return;
-    const sBasketOrderData& row = m_rows[record];
+    const sBasketOrderData& row = m_rows[placed.record];
     const CString client = m_session.String(row.Text(BasketField::clientId));
     const CString investType = m_session.String(row.Text(BasketField::investType));
     const CString product = m_session.String(row.Text(BasketField::product));
     const CString value = m_session.String(ValueOf(row));
     const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
     const CString exchange = m_session.String(row.Text(BasketField::exchangeSegment));
-    tell(&client, &investType, &product, &value, &symbol, &exchange, static_cast<int>(m_next - 1));
+    tell(&client, &investType, &product, &value, &symbol, &exchange, placed.index);
 }
 
 void BasketPlacing::AskHost() {
@@ -62,13 +61,13 @@ void BasketPlacing::AskHost() {
     m_next = 0;
 }
 
-void BasketPlacing::Send(RecordId record) {
-    const sBasketOrderData& row = m_rows[record];
+void BasketPlacing::Send(const Row& placed) {
+    const sBasketOrderData& row = m_rows[placed.record];
     BasketPlace place{row.SerialNumber(), std::nullopt};
     if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
         const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
         const CString exchange = m_session.String(row.Text(BasketField::exchangeSegment));
-        switch (state(&symbol, &exchange, static_cast<int>(m_next - 1))) {
+        switch (state(&symbol, &exchange, placed.index)) {
         case 0:
             return;
         case 1:
@@ -82,9 +81,12 @@ void BasketPlacing::Send(RecordId record) {
     const sSipOrderData order = OrderOf(row);
     std::string exchange = order.exchangeSegment;
     Convert(kExchangeToDisplay, order.exchangeSegment, exchange);
-    if (!SendAddSipOrders(m_session, m_control, m_failures, order, exchange, &place)) return;
-    m_rows.MarkSent(record);
-    m_sent.push_back(record);
+    m_rows.SetSending(placed.record);
+    const bool sent = SendAddSipOrders(m_session, m_control, m_failures, order, exchange, &place);
+    m_rows.SetSending(kNoRecord);
+    if (!sent) return;
+    m_rows.MarkSent(placed.record);
+    m_sent.push_back(placed.record);
 }
 
 } // namespace planfold

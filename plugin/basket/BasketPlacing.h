@@ -13,18 +13,23 @@ namespace planfold {
 
 class BasketPlacing {
 public:
-    // `records` are the rows in the list's order.
-    BasketPlacing(Session& session, RxControl* control, BasketRows& rows, std::vector<RecordId> records);
+    struct Row {
+        RecordId record;
+        int index; // among all rows of the list, by which the host knows it
+    };
+
+    // `placed` are rows in the list's order.
+    BasketPlacing(Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed);
 
     // The next row of either pass, or the host's question between them. False when all is done.
     bool Step();
-    void Stop() { m_stopped = !IsSending() || m_next < m_records.size(); }
+    void Stop() { m_stopped = !IsSending() || m_next < m_placed.size(); }
     // The window has gone: no row more, were it the last.
     void Abandon() { m_stopped = true; }
 
     bool Stopped() const { return m_stopped; }
     bool IsSending() const { return m_confirmed >= 0; }
-    std::size_t Total() const { return m_records.size(); }
+    std::size_t Total() const { return m_placed.size(); }
     std::size_t Tried() const { return m_next; }
     std::size_t SentCount() const { return m_sent.size(); }
     const std::vector<RecordId>& Sent() const { return m_sent; }
@@ -32,14 +37,14 @@ public:
     std::string FailureTexts() const { return m_failures.Text(); }
 
 private:
-    void TellHost(RecordId record);
+    void TellHost(const Row& placed);
     void AskHost();
-    void Send(RecordId record);
+    void Send(const Row& placed);
 
     Session& m_session;
     RxControl* m_control;
     BasketRows& m_rows;
-    std::vector<RecordId> m_records;
+    std::vector<Row> m_placed;
     std::size_t m_next = 0; // of the pass
     int m_confirmed = -1;   // the host's answer; negative in the first pass
     std::vector<RecordId> m_sent;

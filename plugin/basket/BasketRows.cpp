@@ -1,8 +1,10 @@
 #include "plugin/basket/BasketRows.h"
 
+#include "plugin/basket/SipOrderFields.h"
 #include "plugin/messaging/Numbers.h"
 
 #include <functional>
+#include <utility>
 
 namespace planfold {
 
@@ -13,10 +15,23 @@ constexpr BasketField kAlikeFields[] = {BasketField::clientId,      BasketField:
                                         BasketField::frequency,     BasketField::startDate};
 
 // A hash is enough for a mark: that two of a million differing rows share one is rarer than a memory fault.
+void AddToKey(std::uint64_t& key, std::string_view text) {
+    key = (key ^ std::hash<std::string_view>{}(text)) * 0x9E37'79B9'7F4A'7C15u;
+}
+
 std::uint64_t AlikeKey(const sBasketOrderData& row) {
     std::uint64_t key = 0;
     for (const BasketField field : kAlikeFields)
-        key = (key ^ std::hash<std::string_view>{}(row.Text(field))) * 0x9E37'79B9'7F4A'7C15u;
+        AddToKey(key, row.Text(field));
+    return key;
+}
+
+// Of all that is sent of a row.
+std::uint64_t OrderKey(const BasketTexts& texts) {
+    std::uint64_t key = 0;
+    for (const SipOrderField& sent : kSipOrderFields)
+        AddToKey(key, texts[sent.field]);
+    AddToKey(key, texts[ValueField(texts[BasketField::investType])]);
     return key;
 }
 
@@ -37,6 +52,14 @@ RecordId BasketRows::Add(const BasketTexts& texts) {
     return record;
 }
 
+RecordId BasketRows::AddLoaded(const BasketTexts& texts) {
+    const RecordId record = Add(texts);
+    if (!m_anySent) return record;
+    const std::uint64_t key = OrderKey(texts);
+    if (m_sentOrders.Of(key) > m_sentRows.Of(key)) CountAsSent(record, key);
+    return record;
+}
+
 void BasketRows::Replace(RecordId record, const BasketTexts& texts) {
     Leave(record);
     m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
@@ -51,9 +74,11 @@ void BasketRows::Remove(RecordId record) {
 }
 
 void BasketRows::Clear() {
-    const std::int32_t next = m_nextSerial;
-    *this = {};
-    m_nextSerial = m_firstSerial = next;
+    BasketRows empty;
+    empty.m_nextSerial = empty.m_firstSerial = m_nextSerial;
+    empty.m_sentOrders = std::move(m_sentOrders);
+    empty.m_anySent = m_anySent;
+    *this = std::move(empty);
 }
 
 RecordId BasketRows::BySerialNumber(std::int64_t number) const {
@@ -62,8 +87,21 @@ RecordId BasketRows::BySerialNumber(std::int64_t number) const {
 }
 
 void BasketRows::MarkSent(RecordId record) {
-    m_sentCount += !m_sent[record];
+    const BasketTexts texts = m_rows[record].Texts();
+    RememberSent(texts);
+    CountAsSent(record, OrderKey(texts));
+}
+
+void BasketRows::RememberSent(const BasketTexts& texts) {
+    m_sentOrders.Increment(OrderKey(texts));
+    m_anySent = true;
+}
+
+void BasketRows::CountAsSent(RecordId record, std::uint64_t key) {
+    if (m_sent[record]) return;
     m_sent[record] = true;
+    ++m_sentCount;
+    m_sentRows.Increment(key);
 }
 
 bool BasketRows::StandsTwice(RecordId record) const {
@@ -80,7 +118,10 @@ void BasketRows::Enter(RecordId record) {
 void BasketRows::Leave(RecordId record) {
     const std::uint32_t left = m_alike.Decrement(AlikeKey(m_rows[record]));
     if (left > 0) m_standingTwice -= left == 1 ? 2 : 1;
-    m_sentCount -= m_sent[record];
+    if (m_sent[record]) {
+        --m_sentCount;
+        m_sentRows.Decrement(OrderKey(m_rows[record].Texts()));
+    }
     m_sent[record] = false;
     m_bySerialNumber[static_cast<std::size_t>(m_rows[record].SerialNumber() - m_firstSerial)] = kNoRecord;
     AddToTotals(m_rows[record], -1);

@@ -22,11 +22,14 @@ class BasketRows {
 public:
     // With the next serial number.
     RecordId Add(const BasketTexts& texts);
+    // The same for a row out of a file, which is known again: it counts as sent when more orders like it were
+    // sent than stand here as sent.
+    RecordId AddLoaded(const BasketTexts& texts);
     // The row is another order from now on: with the next serial number, and not sent.
     void Replace(RecordId record, const BasketTexts& texts);
     void SetRemarks(RecordId record, std::string_view remarks) { m_rows[record].SetRemarks(remarks); }
     void Remove(RecordId record);
-    // Serial numbers go on.
+    // Serial numbers go on, and what was sent is remembered.
     void Clear();
 
     const sBasketOrderData& operator[](RecordId record) const { return m_rows[record]; }
@@ -34,6 +37,11 @@ public:
     RecordId BySerialNumber(std::int64_t number) const;
 
     void MarkSent(RecordId record);
+    // An order like this one may have been sent.
+    void RememberSent(const BasketTexts& texts);
+    // The row that is on its way; kNoRecord when none is.
+    void SetSending(RecordId record) { m_sending = record; }
+    RecordId Sending() const { return m_sending; }
     bool IsSent(RecordId record) const { return m_sent[record]; }
     std::size_t SentCount() const { return m_sentCount; }
 
@@ -49,6 +57,7 @@ private:
     void Enter(RecordId record);
     void Leave(RecordId record);
     void AddToTotals(const sBasketOrderData& row, int sign);
+    void CountAsSent(RecordId record, std::uint64_t key);
 
     std::vector<sBasketOrderData> m_rows;
     std::vector<RecordId> m_free; // places of removed rows
@@ -57,6 +66,10 @@ private:
     std::vector<RecordId> m_bySerialNumber; // from m_firstSerial
     std::vector<bool> m_sent;
     std::size_t m_sentCount = 0;
+    KeyCounts m_sentRows;   // by what they order
+    KeyCounts m_sentOrders; // the same of all that ever were
+    bool m_anySent = false; // of these
+    RecordId m_sending = kNoRecord;
     KeyCounts m_alike; // rows by what makes them alike
     std::size_t m_standingTwice = 0;
     BasketTotals m_buy, m_sell;

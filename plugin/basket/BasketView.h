@@ -36,12 +36,31 @@ protected:
     ~BasketList() = default;
 };
 
+// The file of the user's directory in which the orders that were not sent outlive the session.
+class UnsentFile {
+public:
+    // None when there is none, or no place for one.
+    virtual std::optional<std::string> Read() = 0;
+    // An empty text leaves no file. When anything fails, the old content stays.
+    virtual void Replace(std::string_view text) = 0;
+    // Writes the text into another file, which nobody replaces. Its name for the user; empty when it fails.
+    virtual std::string SaveAside(std::string_view text, const LocalDateTime& now) = 0;
+
+protected:
+    ~UnsentFile() = default;
+};
+
+enum class Choice { yes, no, cancel };
+
 class BasketView : public DialogView {
 public:
     virtual BasketList& List() = 0;
     virtual std::string Title() const = 0;
     // A question with Yes and No, No being the default; true for Yes. False at once while another box is open.
     virtual bool Ask(std::string_view question) = 0;
+    // One with Cancel as well, which is also the answer while another box is open.
+    virtual Choice Choose(std::string_view question) = 0;
+    virtual UnsentFile& Unsent() = 0;
     // None when the user gives none.
     virtual std::optional<std::string> AskLoadPath() = 0;
     virtual std::optional<std::string> AskExportPath() = 0;

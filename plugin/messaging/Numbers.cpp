@@ -105,6 +105,10 @@ double LeadingReal(std::string_view text) {
     return negative ? -value : value;
 }
 
+bool AllDigits(std::string_view text) {
+    return std::ranges::all_of(text, IsDigit);
+}
+
 bool CheckPriceRange(std::string_view price, std::string& message, const ScripDetails* details,
                      bool check32Bit) {
     const auto scaled = ScaledPrice(price, ScaleOf(details));

@@ -80,6 +80,8 @@ public:
     Identity identity;
     StringManager& strings;
 
+    std::string
+        userDirectory; // the host's for this user, without a separator behind it; empty until it is asked
     void* m_primeCb = nullptr;
     void* m_scratch = nullptr;
     std::int32_t m_nLoginMode = 0;

@@ -1,6 +1,8 @@
 // The basket without its window: the form, loading, editing, export and answers.
 #include "tests/plugin/BasketStage.h"
 
+#include <cstring>
+
 namespace planfold::test {
 namespace {
 
@@ -175,6 +177,93 @@ TEST_F(BasketDialogTest, LinesAreHeldToTheServersLeastPeriodsAndToTheirOwnExchan
     EXPECT_EQ(Rows(BasketField::token), "599 1013");
 }
 
+TEST_F(BasketDialogTest, TheFormAddsOnlyWhatItShows) {
+    Open();
+    const std::pair<int, const char*> choices[] = {
+        {IDC_EXCHANGE, "InValid Token"},         {IDC_SERIES, "InValid Token"},
+        {IDC_SYMBOL, "InValid Token"},           {IDC_ACTION, "InValid Action Type."},
+        {IDC_INVEST_BY, "InValid Invest Type."}, {IDC_FREQUENCY, "InValid Frequency."},
+        {IDC_ORDER_TYPE, "InValid Order Type"},  {IDC_PRODUCT, "InValid Product"},
+    };
+    Fill();
+    for (const auto& [combo, refusal] : choices) {
+        const int before = std::exchange(view.controls[combo].selected, -1);
+        basket.AddOrModify();
+        EXPECT_EQ(Taken(view.boxes), Texts{refusal});
+        EXPECT_EQ(view.focused, combo);
+        view.controls[combo].selected = before;
+    }
+    view.SetText(IDC_PERIOD, "1,2");
+    basket.AddOrModify();
+    EXPECT_EQ(Taken(view.boxes), Texts{"Invalid Period"});
+    EXPECT_TRUE(view.list.rows.empty());
+
+    // The scrip of a file's row is the one that is sent, whatever the file calls it.
+    Load("C1,nse_cm,EQ,BYTEFIN,1013,ARBORTEX-EQ,CNC,150000,,daily,,05/Mar/2027,12,MKT,B,,,,value,\n");
+    basket.Activate(view.list.rows[0]);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
+    EXPECT_EQ(view.Text(IDC_SYMBOL) + view.Text(IDC_SUBMIT), "Add");
+}
+
+TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
+    const struct {
+        const char *from, *to; // in the line
+        bool byQuantity;
+        std::size_t failed;
+        int control;
+        const char* shown;
+        const char* refusal; // none: it is added
+    } cases[] = {
+        {",CNC,", ",XYZ,", false, 1, IDC_PRODUCT, "", "InValid Product"},
+        {",CNC,", ",XYZ,", true, 1, IDC_BASKET_QUANTITY, "7", "InValid Product"},
+        {",B,", ",X,", false, 1, IDC_ACTION, "", "InValid Action Type."},
+        {",monthly,", ",hourly,", false, 1, IDC_FREQUENCY, "", "InValid Frequency."},
+        {",12,", ",12a,", false, 0, IDC_PERIOD, "12a", "Invalid Period"},
+        {"05/Mar/2027", "05/Mars/2027", false, 1, 0, "", "Start Date Cannot be less that today's Date"},
+        {",150000,", ",-5,", false, 1, IDC_VALUE, "", "Enter Amount"},
+        {",150000,", ",five,", false, 1, IDC_VALUE, "", "Enter Amount"},
+        {",150000,", ",9999999999999999,", false, 1, IDC_VALUE, "", "Enter Amount"},
+        {",7,", ",7x,", true, 1, IDC_BASKET_QUANTITY, "", "Enter Quantity"},
+        {",7,", ",7x,", false, 0, IDC_BASKET_QUANTITY, "", nullptr},
+        {",150000,", ",150000.4,", false, 0, IDC_VALUE, "1500.00", nullptr},
+        {",9,", ",0,", false, 0, IDC_SYMBOL, "ARBORTEX", nullptr},
+    };
+    Open();
+    for (const auto& each : cases) {
+        std::string line = Line("C1", "9", each.byQuantity ? "qty" : "value");
+        line.replace(line.find(each.from), std::strlen(each.from), each.to);
+        Load(Line("C2", "9") + line + "x\n");
+        Taken(view.boxes);
+        view.date = {2031, 5, 6};
+        basket.ActivateRejected(1);
+        EXPECT_EQ(Taken(view.boxes), Texts(each.failed, "Failed to Load")) << line;
+        EXPECT_EQ(view.Text(each.control), each.shown) << line;
+        basket.AddOrModify();
+        EXPECT_EQ(Taken(view.boxes), each.refusal ? Texts{each.refusal} : Texts{}) << line;
+        EXPECT_EQ(basket.Rejected().size(), each.refusal ? 3u : 2u) << line;
+    }
+    // Only the line that was brought into the form, and only once.
+    basket.AddOrModify();
+    EXPECT_EQ(basket.Rejected().size(), 2u);
+    basket.ActivateRejected(0);
+    basket.Activate(view.list.rows[0]);
+    view.list.selected = {view.list.rows[0]};
+    basket.AddOrModify();
+    Add("C3");
+    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1 C1");
+    basket.SaveRejected();
+    EXPECT_EQ(view.files["basket.csv"], Line("C2", "9") + "x\n");
+
+    // The server's frequencies come late: the line's own is chosen.
+    basket.OnClosed();
+    view.ClearItems(IDC_FREQUENCY);
+    basket.Initialise({});
+    basket.ActivateRejected(0);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
+    Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+    EXPECT_EQ(view.Text(IDC_FREQUENCY), "monthly");
+}
+
 TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Open();
     Add("OLD");
@@ -198,10 +287,14 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     basket.ActivateRejected(1);
     EXPECT_EQ(Taken(view.boxes), Texts{"The line does not have the columns of a basket file."});
 
-    // Nothing is changed by a file that is not there, or when none is chosen.
+    // Nothing is changed by a file that is not there or is no text, or when none is chosen.
     view.path = "missing.csv";
     basket.Load();
     EXPECT_EQ(Taken(view.boxes), Texts{"File Open Error"});
+    view.files["missing.csv"] = "\xFF\xFE";
+    basket.Load();
+    EXPECT_EQ(Taken(view.boxes), Texts{"The basket cannot be read: it is UTF-16 text; save it as ANSI or UTF-8 "
+                                       "text and load it again."});
     view.path.reset();
     basket.Load();
     EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
@@ -216,6 +309,14 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Load("");
     EXPECT_EQ(view.boxes, Texts{});
     EXPECT_TRUE(view.list.rows.empty() && basket.Rejected().empty());
+
+    // What is saved of a rejected line is complete, and reads as the same line again.
+    const std::string cut("x\0,y", 4);
+    Load("\xEF\xBB\xBF" + cut + "\nz");
+    EXPECT_EQ(basket.Rejected()[0].report, "x\nfailed to load due to Invalid Format");
+    basket.SaveRejected();
+    EXPECT_EQ(view.files["basket.csv"], cut + "\nz\n");
+    Taken(view.boxes);
 
     // Frequencies that the server does not list are told at once, each line.
     Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"yearly"}}, {54101, {"2"}}});

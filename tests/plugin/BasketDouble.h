@@ -34,6 +34,24 @@ public:
     int changes = 0; // begun and not ended
 };
 
+class UnsentDouble final : public UnsentFile {
+public:
+    std::optional<std::string> Read() override { return text.empty() ? std::nullopt : std::optional(text); }
+    void Replace(std::string_view now) override {
+        text = now;
+        written.push_back(text);
+    }
+    std::string SaveAside(std::string_view saved, const LocalDateTime&) override {
+        if (!writable) return {};
+        aside.emplace_back(saved);
+        return "aside.csv";
+    }
+
+    std::string text;
+    Texts written, aside;
+    bool writable = true;
+};
+
 class BasketDouble final : public DialogDoubleOf<BasketView> {
 public:
     BasketDouble() {
@@ -54,6 +72,11 @@ public:
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
+    Choice Choose(std::string_view question) override {
+        Ask(question);
+        return choice;
+    }
+    UnsentFile& Unsent() override { return unsent; }
     std::optional<std::string> AskLoadPath() override {
         if (const auto action = std::exchange(duringLoadQuestion, nullptr)) action();
         return path;
@@ -79,6 +102,8 @@ public:
     BasketListDouble list;
     Texts questions, titles;
     bool yes = true;
+    Choice choice = Choice::yes;
+    UnsentDouble unsent;
     std::function<void()> duringQuestion, duringLoadQuestion; // run once
     std::optional<std::string> path = "basket.csv";
     std::map<std::string, std::string> files;

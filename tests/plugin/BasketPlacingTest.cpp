@@ -149,7 +149,7 @@ TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
     }
     EXPECT_EQ(Taken(view.boxes),
               (Texts{"zup_add_parameter: Error while building message", "Order Placed..!!"}));
-    Load(Line("C1") + Line("C2"));
+    Load(Line("C3") + Line("C4"));
     host.refuses = true;
     basket.Place();
     EXPECT_EQ(Taken(view.boxes),
@@ -159,8 +159,8 @@ TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
 }
 
 TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
-    const auto stopHalfWay = [&] {
-        Load(Lines(40));
+    const auto stopHalfWay = [&](const char* client) {
+        Load(Lines(40, client));
         view.clockStep = 20;
         basket.Place();
         ASSERT_TRUE(basket.IsUnderWay());
@@ -172,7 +172,7 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     };
     Open();
     view.duringQuestion = [&] { view.duringQuestion = [&] { view.yes = false; }; };
-    stopHalfWay();
+    stopHalfWay("C");
     const std::size_t sent = host.requests.size();
     ASSERT_TRUE(sent > 0 && sent < 40);
     const std::string count = std::to_string(sent);
@@ -183,16 +183,19 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
     EXPECT_EQ(view.boxes, Texts{}) << "not all was placed";
     // They stay: the next one asks first.
+    view.choice = Choice::cancel;
     basket.Place();
     EXPECT_EQ(Taken(view.questions), Texts{count
-                                           + " of the 40 orders have already been sent. Place all of them, and "
-                                             "so these again?"});
+                                           + " of the 40 orders have already been sent.\n\n"
+                                             "Yes: place all 40, and so these again.\n"
+                                             "No: place only the other "
+                                           + std::to_string(40 - sent) + ".\nCancel: place none."});
     EXPECT_EQ(host.requests.size(), sent);
 
     // They go: the rest is placed, each once.
     host.requests.clear();
     view.yes = true;
-    stopHalfWay();
+    stopHalfWay("D");
     EXPECT_EQ(view.list.rows.size() + host.requests.size(), 40u);
     Taken(view.questions);
     basket.Place();
@@ -203,18 +206,88 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Placed..!!"});
 
     // The window is closed half-way: opened again, it knows what was sent.
-    Load(Lines(40));
+    Load(Lines(40, "E"));
     basket.Place();
     while (basket.Rows().SentCount() == 0)
         basket.Continue();
     basket.OnClosed();
     Open();
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
-    view.yes = false;
     Taken(view.questions);
     basket.Place();
     EXPECT_EQ(view.questions.size(), 1u);
     EXPECT_EQ(view.questions[0].find("Are you sure"), std::string::npos);
+}
+
+TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
+    Open();
+    const auto place = [&](Choice choice) {
+        view.choice = choice;
+        host.calls.clear();
+        Taken(view.questions);
+        basket.Place();
+        return Sent();
+    };
+    Load(Lines(3));
+    EXPECT_EQ(place(Choice::cancel), "C3 C2 C1");
+    EXPECT_EQ(Taken(view.questions), Texts{"Are you sure to place these Basket Orders?"});
+
+    // Complete, and then one more; one that was changed is another order.
+    Add("C9");
+    view.list.selected = {view.list.rows[2]};
+    basket.Activate(view.list.rows[2]);
+    view.SetText(IDC_VALUE, "20");
+    basket.AddOrModify();
+    EXPECT_EQ(place(Choice::cancel), "");
+    EXPECT_EQ(view.questions.size(), 1u);
+    EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
+    EXPECT_EQ(place(Choice::no), "C9 C2");
+    EXPECT_EQ(std::ranges::count(host.calls,
+                                 "pu_build_bskt_caution_order_map(C2,value,CNC,2000,ARBORTEX-EQ,nse_cm,2)"),
+              1)
+        << "by its place among all rows";
+    EXPECT_EQ(Taken(view.boxes), (Texts{"Order Placed..!!", "Order Placed..!!"}));
+    basket.AddOrModify(); // refused, and enables the button
+    EXPECT_EQ(place(Choice::no), "");
+    EXPECT_EQ(Taken(view.questions), Texts{"4 of the 4 orders have already been sent.\n\n"
+                                           "Yes: place all 4, and so these again.\nNo: place none."});
+    EXPECT_EQ(place(Choice::yes), "C9 C3 C2 C1");
+
+    // Loaded again, each is known by what it orders, as often as it was sent.
+    Load(Line("C3") + Line("C8") + Line("C3") + Line("C3"));
+    EXPECT_EQ(basket.Status()[3], "Twice: 3  Sent: 2");
+    EXPECT_EQ(place(Choice::no), "C3 C8");
+    Load(Line("C1") + Line("C2", "1013", "qty"));
+    EXPECT_EQ(place(Choice::no), "C2");
+}
+
+TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
+    Open();
+    Add("C1");
+    view.yes = false;
+    Load(Lines(2));
+    EXPECT_EQ(Taken(view.questions),
+              Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?"});
+    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    Add("NOBODY");
+    EXPECT_EQ(Taken(view.questions),
+              Texts{"The terminal knows no client NOBODY.\nTake the order into the basket all the same?"});
+    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    view.yes = true;
+    Add("NOBODY");
+    view.yes = false;
+    Taken(view.questions);
+    basket.Place();
+    EXPECT_EQ(view.questions, Texts{"The terminal knows no client NOBODY.\nPlace their orders all the same?"});
+    EXPECT_EQ(Sent(), "");
+    view.yes = true;
+    basket.Place();
+    EXPECT_EQ(Sent(), "NOBODY C1");
+    Taken(view.questions);
+    Load(Lines(2));
+    session.host.pu_is_valid_account = nullptr;
+    Add("NOBODY");
+    EXPECT_EQ(view.questions, Texts{}) << "all were sent, and the host cannot tell";
 }
 
 TEST_F(BasketPlacingTest, TheExitInTheMiddleEndsIt) {
@@ -258,6 +331,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
         EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
         EXPECT_EQ(basket.Rows().SentCount() + view.boxes.size(), sent);
         view.yes = false;
+        view.choice = Choice::cancel;
         basket.Place();
         EXPECT_EQ(Taken(view.questions).back().starts_with("1 of the 2 orders have already"), sent == 1);
         view.yes = true;

@@ -13,6 +13,9 @@ inline Texts Taken(Texts& texts) {
 
 class BasketStage : public ::testing::Test, protected Stage {
 protected:
+    BasketStage() {
+        session.host.pu_is_valid_account = [](InString client) { return client->View() != "NOBODY" ? 1 : 0; };
+    }
     void Open(std::string_view customProducts = {}) {
         basket.Initialise(customProducts);
         Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
@@ -45,6 +48,16 @@ protected:
             text.append(record == view.list.rows[0] ? "" : " ").append(basket.Rows()[record].Text(field));
         return text;
     }
+    // The clients of the orders that went out since the last look, "C2 C1".
+    std::string Sent() {
+        std::string text;
+        for (const std::string& request : host.requests) {
+            const std::size_t at = request.find(" 54001=") + 7;
+            text.append(text.empty() ? "" : " ").append(request, at, request.find(' ', at) - at);
+        }
+        host.requests.clear();
+        return text;
+    }
     std::string Serials() const {
         std::string text;
         for (const RecordId record : view.list.rows)
@@ -61,10 +74,10 @@ inline std::string Line(const std::string& client, const std::string& token = "1
     return client + ",nse_cm,EQ,ARBORTEX," + token
            + ",ARBORTEX-EQ,CNC,150000,7,monthly,,05/Mar/2027,12,MKT,B,,,," + by + ",\n";
 }
-inline std::string Lines(int count) {
+inline std::string Lines(int count, const std::string& client = "C") {
     std::string text;
     for (int i = 1; i <= count; ++i)
-        text += Line("C" + std::to_string(i));
+        text += Line(client + std::to_string(i));
     return text;
 }
 

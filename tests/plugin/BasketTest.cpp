@@ -22,8 +22,9 @@ public:
         if (symbol == "ODD-EQ") return ScripDetails{-1, 0, -1.0, -5, "78", "ODD-EQ"};
         return std::nullopt;
     }
-    std::string TradingSymbol(std::string_view, std::string_view, std::string_view symbol) override {
-        return symbol == "KNOWN" ? "KNOWN-EQ" : "";
+    ScripNames Names(std::string_view exchange, std::string_view series, std::string_view symbol) override {
+        if (exchange != "bse_cm" || series != "EQ" || symbol != "KNOWN") return {};
+        return {"KNOWN-EQ", "42", "Known Ltd"};
     }
 
     int lookups = 0;
@@ -109,6 +110,12 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
                      + " In Line Number 1"};
     };
     const Changes fine = {{5, "FINE-EQ"}, {4, "77"}};
+    // Without details, and so by series and symbol.
+    const auto named = [](const Changes& more) {
+        Changes changes = {{1, "bse_cm"}, {3, "KNOWN"}, {5, "KNOWN-EQ"}, {4, "42"}};
+        changes.insert(changes.end(), more.begin(), more.end());
+        return changes;
+    };
     struct Case {
         const BasketRules& rules;
         Changes changes;
@@ -117,7 +124,13 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
     const Case cases[] = {
         {kMonths, {}, row},
         {kMonths, {{5, "bytefin-eq"}}, badToken},
-        {kMonths, {{3, "KNOWN"}, {5, "KNOWN-EQ"}, {4, ""}}, badToken},
+        {kMonths, named({}), row},
+        {kMonths, named({{4, ""}}), badToken},
+        {kMonths, named({{5, "OTHER-EQ"}}), badToken},
+        {kMonths, named({{3, "OTHER"}}), badToken},
+        {kMonths, named({{2, "BE"}}), badToken},
+        {kMonths, named({{7, "2147483647"}}), row},
+        {kMonths, named({{7, "2147483648"}}), {"log Amount exceeds the long variable range In Line Number 1"}},
         {kMonths, {{1, "bse_cm"}}, badToken},
         {kMonths, {{4, "1234 "}}, badToken},
         {kMonths, {{11, "04/Mar/2027"}}, badDate},
@@ -233,6 +246,35 @@ TEST(BasketLine, IsCutIntoItsColumns) {
     }
 }
 
+TEST(BasketLine, IsNoneOfAFileInUtf16) {
+    const auto wide = [](bool bigEndian, const std::string& text) {
+        std::string result;
+        for (const char c : text)
+            result.append({bigEndian ? '\0' : c, bigEndian ? c : '\0'});
+        return result;
+    };
+    const std::string line = Line({});
+    const struct {
+        std::string text;
+        bool isUtf16;
+    } cases[] = {
+        {"\xFF\xFE", true},
+        {"\xFE\xFF" + wide(true, line), true},
+        {wide(false, line), true},
+        {wide(true, line), true},
+        // Half of it beyond the first code page, and a letter whose low byte is zero.
+        {wide(false, line) + std::string(line.size() * 2 - 40, '\x20') + std::string("\0\1", 2), true},
+        {"", false},
+        {line, false},
+        {"\xEF\xBB\xBF" + line, false},
+        {std::string("x\0", 2), false},
+        {line + std::string(40, '\0'), false},
+        {std::string("a\0b,", 4) + line, false},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(base::IsUtf16(each.text), each.isUtf16) << each.text;
+}
+
 TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
     const struct {
         Changes changes;
@@ -251,6 +293,10 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{7, "0012"}}, Field::amount, "12"},
         {{}, Field::remarks, "NA"},
         {{{0, "CL 7 "}}, Field::clientId, "CL 7 "},
+        {{{0, "\xEF\xBB\xBF"
+              "CL7"}},
+         Field::clientId,
+         "CL7"},
     };
     for (const auto& each : cases) {
         BasketRules rules = kMonths;
@@ -306,6 +352,8 @@ TEST(BasketLoad, TakesBackWhatIsExportedInReverse) {
         exported += Exported(row);
     const Recorder second(exported, kMonths);
     EXPECT_EQ(second.told, Texts{});
+    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
+    EXPECT_EQ(marked.rows[0].Text(Field::clientId), "\xEF\xBB\xBF");
     for (const sBasketOrderData& row : second.rows)
         again += Exported(row);
     EXPECT_EQ(again, exported);

@@ -82,10 +82,10 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
     Add("C002", "200");
     probe::Select(dialog, order::kInvestBy, "Quantity");
     EXPECT_FALSE(IsEnabled(order::kValue));
-    probe::SetEdit(dialog, basket::kQuantity, "7");
+    probe::SetEdit(dialog, basket::kQuantity, "1,507"); // as it is pasted
     Key(GetDlgItem(dialog, basket::kQuantity), VK_RETURN);
     EXPECT_EQ(boxes.Texts(), "");
-    EXPECT_EQ(Column(0) + Column(5) + Column(6), "C002 C002 C0010.00 200.00 100.007 0 0");
+    EXPECT_EQ(Column(0) + Column(5) + Column(6), "C002 C002 C0010.00 200.00 100.001507 0 0");
     std::string cells;
     for (int column = 0; column < 13; ++column)
         cells += column == 8 ? "" : probe::Cell(list, 2, column) + "|";
@@ -117,7 +117,7 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
     SelectRows({});
     ListView_SetItemState(list, 0, LVIS_FOCUSED, LVIS_FOCUSED);
     Key(list, VK_RETURN);
-    EXPECT_EQ(probe::Text(dialog, basket::kQuantity) + probe::Text(dialog, order::kSubmit), "7&Modify");
+    EXPECT_EQ(probe::Text(dialog, basket::kQuantity) + probe::Text(dialog, order::kSubmit), "1507&Modify");
     EXPECT_EQ(Next(list, LVNI_SELECTED), 0);
     EXPECT_EQ(boxes.Texts(), "");
 }
@@ -137,12 +137,33 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
         const char* left;
         int focused;
     };
+    const HWND period = GetDlgItem(dialog, order::kPeriod);
+    const auto hotKeyOn = [&](HWND focus, BYTE deleteKey) {
+        BYTE keys[256] = {}, usual[256] = {};
+        GetKeyboardState(usual);
+        keys[VK_DELETE] = deleteKey;
+        SetKeyboardState(keys);
+        SetFocus(focus);
+        SendMessageA(dialog, basket::kHotKey, 193, 0);
+        SetKeyboardState(usual);
+    };
     const Row rows[] = {
+        {"in an edit", {0}, [&] { hotKeyOn(period, 0); }, "C6 C5 C4 C3 C2 C1", -1},
+        {"the key on a button",
+         {0},
+         [&] { hotKeyOn(GetDlgItem(dialog, order::kSubmit), 0x80); },
+         "C6 C5 C4 C3 C2 C1",
+         -1},
         {"command", {1, 3}, [&] { Command(basket::kDelete); }, "C6 C4 C2 C1", 2},
         {"key, which the host sends", {0}, [&] { Key(list, VK_DELETE); }, "C6 C4 C2 C1", 2},
         {"the host's message", {0}, [&] { SendMessageA(dialog, basket::kHotKey, 193, 0); }, "C4 C2 C1", 0},
         {"nothing selected", {}, [&] { Command(basket::kDelete); }, "C4 C2 C1", 0},
         {"last row", {2}, [&] { Command(basket::kDelete); }, "C4 C2", -1},
+        {"on a button, but not the key",
+         {1},
+         [&] { hotKeyOn(GetDlgItem(dialog, order::kSubmit), 0); },
+         "C4",
+         -1},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.way);
@@ -152,6 +173,7 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
         EXPECT_TRUE(row.focused < 0 || Next(list, LVNI_FOCUSED) == row.focused);
     }
     Load(Line("C1") + Line("C2") + Line("C1"));
+    EXPECT_EQ(boxes.Texts(), basket::Replaces(1));
     Command(basket::kFilterCell);
     EXPECT_EQ(Column(0), "C1 C1");
     const HiddenExport hidden("pu_InvokeDialog");
@@ -164,6 +186,56 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     probe::Press(dialog, basket::kPlace);
     EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|")
         << "the hidden row";
+}
+
+TEST_F(BasketWindow, KeepsWhatWasNotSentFromOneSessionToTheNext) {
+    const std::string offer =
+        "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them "
+        "into the basket again.\nNo: save them to a file of their own.\nCancel: ask again "
+        "next time.|";
+    const std::filesystem::path directory = folder / L"J\xFCrgen";
+    const auto names = [&] {
+        Texts found;
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (const std::string name = entry.path().filename().string(); name.starts_with("Planfold"))
+                found.push_back(name.substr(0, 16));
+        std::ranges::sort(found);
+        return found;
+    };
+    plugin->Exit();
+    host.userDirectory = folder.string() + "\\J\xFCrgen";
+    std::filesystem::create_directory(directory);
+    Open();
+    Load(Lines(2));
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket.c", "PlanfoldBasket.c"})) << "the orders, and who has them";
+    plugin->Exit();
+    EXPECT_EQ(boxes.Texts(), "");
+    Open();
+    EXPECT_EQ(boxes.Texts(), offer);
+    EXPECT_EQ(Column(0), "C2 C1");
+    plugin->Exit();
+
+    // While another terminal of the user has them, this one has its own.
+    const auto other = directory / "PlanfoldBasket.csv.lock";
+    const HANDLE held = CreateFileW(other.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    Open();
+    EXPECT_EQ(Rows(list), 0);
+    Load(Lines(1));
+    plugin->Exit();
+    CloseHandle(held);
+    std::filesystem::remove(other);
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket-2", "PlanfoldBasket.c"}));
+    boxes.toQuestions = IDNO;
+    Open();
+    EXPECT_TRUE(boxes.Texts().starts_with(offer + "The orders that were not sent before are in\n"
+                                          + host.userDirectory));
+    EXPECT_EQ(names(), (Texts{"PlanfoldBasket 2", "PlanfoldBasket-2", "PlanfoldBasket.c"}));
+    EXPECT_EQ(Rows(list), 0);
+    plugin->Exit();
+    boxes.toQuestions = IDYES;
+    Open();
+    EXPECT_EQ(Column(0), "C1");
+    boxes.Texts();
 }
 
 TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
@@ -199,7 +271,7 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
 
     const std::string before = Read();
     {
-        const HANDLE locked = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE locked = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         probe::Press(dialog, basket::kLoad);
         EXPECT_EQ(boxes.Texts(), "File Open Error|");
         EXPECT_EQ(Column(0), "J\xFCrgen C1");
@@ -208,12 +280,12 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
         EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
         CloseHandle(locked);
     }
-    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     probe::Press(dialog, basket::kExport);
     EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
     EXPECT_EQ(Read(), before);
-    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    const std::string good = std::exchange(path, (folder / "nowhere" / "orders.csv").string());
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    const std::filesystem::path good = std::exchange(path, folder / "nowhere" / "orders.csv");
     probe::Press(dialog, basket::kExport);
     EXPECT_EQ(boxes.Texts(), " Basket File Write Error: File Open Error|");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "no neighbour is left";
@@ -228,7 +300,30 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
     probe::Press(dialog, basket::kLoad);
     EXPECT_EQ(Column(0), "C1 J\xFCrgen");
     EXPECT_FALSE(IsWindowVisible(rejected)) << "after a clean load";
-    EXPECT_EQ(boxes.Texts(), "");
+    EXPECT_EQ(boxes.Texts(), basket::Replaces(2));
+
+    // A name as long as it may be, in a folder beyond the usual length of a path.
+    const auto system = [](const std::filesystem::path& name) { return LR"(\\?\)" + name.wstring(); };
+    const std::filesystem::path outer = folder / std::wstring(120, L'd'),
+                                inner = outer / std::wstring(120, L'e');
+    for (const auto& each : {outer, inner})
+        CreateDirectoryW(system(each).c_str(), nullptr);
+    path = inner / (std::wstring(251, L'n') + L".csv");
+    for (const int button : {basket::kExport, basket::kExport, basket::kLoad})
+        probe::Press(dialog, button);
+    EXPECT_EQ(boxes.Texts(),
+              "Exported to File Successfully|Exported to File Successfully|" + basket::Replaces(2));
+    EXPECT_TRUE(DeleteFileW(system(path).c_str()) && RemoveDirectoryW(system(inner).c_str())
+                && RemoveDirectoryW(system(outer).c_str()));
+
+    // A host that knows no details of scrips.
+    const HiddenExport hidden("pu_get_scrip_details_from_TradSymbol");
+    plugin->Exit();
+    path = good;
+    Open();
+    Load(Line("C1") + Line("C2", "9") + Line("C3"));
+    EXPECT_EQ(Column(0) + "|" + Column(rejected, 1), "C3 C1|InValid Token");
+    boxes.Texts();
 }
 
 } // namespace

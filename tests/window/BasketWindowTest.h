@@ -6,7 +6,7 @@
 #include <commdlg.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,9 +15,15 @@ namespace basket {
 inline constexpr const char kName[] = "SIP Basket Entry", kCaption[] = "Planfold Basket Order";
 inline constexpr int kClientMode = 1058, kQuantity = 1027, kProducts = 1006;
 inline constexpr int kList = 1100, kPlace = 1101, kLoad = 1102, kExport = 1103, kRejected = 1104;
-inline constexpr int kCopyRejected = 1171, kRunBar = 1702;
-inline constexpr int kDelete = 25002, kFilterCell = 26203, kSort = 26207;
+inline constexpr int kCopyRejected = 1171, kStatus = 1173, kRunBar = 1702;
+inline constexpr int kDelete = 25002, kFilterCell = 26203, kClearFilters = 26206, kSort = 26207,
+                     kNaturalOrder = 26209;
 inline constexpr UINT kHotKey = 1217;
+// What is asked before a load replaces so many.
+inline std::string Replaces(int unsent) {
+    return "Orders in the basket that were not sent: " + std::to_string(unsent)
+           + ".\nLoad the file in their place?|";
+}
 } // namespace basket
 
 class BasketWindow : public PluginTest {
@@ -26,11 +32,15 @@ protected:
         PluginTest::SetUp();
         folder = std::filesystem::temp_directory_path() / ("basket" + std::to_string(GetCurrentProcessId()));
         std::filesystem::create_directories(folder);
-        path = (folder / "orders.csv").string();
-        for (const char* name : {"GetOpenFileNameA", "GetSaveFileNameA"})
+        // No code page of the system holds all of these.
+        path = folder / L"\x0937\x0417\x4E16.csv";
+        for (const char* name : {"GetOpenFileNameW", "GetSaveFileNameW"})
             ReplaceImport(plugin->Module(), "comdlg32.dll", name, GivePath);
         ReplaceImport(plugin->Module(), "kernel32.dll", "GetTickCount64", SlowClock);
         lookCosts = 0;
+        host.validAccounts = {"C001", "C002", "J\xFCrgen"};
+        for (int i = 1; i <= 20000; ++i)
+            host.validAccounts.insert("C" + std::to_string(i));
         Open();
     }
     void TearDown() override {
@@ -113,7 +123,8 @@ protected:
     }
 
     // What the file dialogs give, the system's own when it is empty, and what they were asked last.
-    static inline std::string path, asked;
+    static inline std::filesystem::path path;
+    static inline std::string asked;
     // Milliseconds that each look at the clock takes besides, as with a slow host.
     static inline ULONGLONG lookCosts;
 
@@ -121,13 +132,14 @@ protected:
     HWND dialog = nullptr, list = nullptr, rejected = nullptr;
 
 private:
-    static BOOL WINAPI GivePath(OPENFILENAMEA* ask) {
-        if (path.empty()) return GetOpenFileNameA(ask);
-        asked = std::string(ask->lpstrDefExt) + " " + ask->lpstrFile
-                + (ask->Flags & OFN_OVERWRITEPROMPT ? " asks first|" : "|");
-        for (const char* part = ask->lpstrFilter; *part; part += std::strlen(part) + 1)
-            asked += std::string(part) + "|";
-        lstrcpynA(ask->lpstrFile, path.c_str(), static_cast<int>(ask->nMaxFile));
+    static BOOL WINAPI GivePath(OPENFILENAMEW* ask) {
+        if (path.empty()) return GetOpenFileNameW(ask);
+        std::wstring all = std::wstring(ask->lpstrDefExt) + L" " + ask->lpstrFile
+                           + (ask->Flags & OFN_OVERWRITEPROMPT ? L" asks first|" : L"|");
+        for (const wchar_t* part = ask->lpstrFilter; *part; part += std::wcslen(part) + 1)
+            all.append(part).append(L"|");
+        asked.assign(all.begin(), all.end());
+        lstrcpynW(ask->lpstrFile, path.c_str(), static_cast<int>(ask->nMaxFile));
         return TRUE;
     }
     static ULONGLONG WINAPI SlowClock() {

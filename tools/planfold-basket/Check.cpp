@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
 #include <vector>
 
 namespace basket {
@@ -98,6 +99,7 @@ std::string JsonReport(const std::string& file, const BasketLoad& load, const Fi
 int Check(const Options& options, ScripSource& scrips) {
     const auto text = ReadText(options.file);
     if (!text) return Fail(text.Fault().Text());
+    if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
     Findings findings(!options.normalised.empty());
     BasketLoad load(text.Value(), options.rules, scrips, findings);
     while (load.Read(1'000'000)) {
@@ -108,10 +110,10 @@ int Check(const Options& options, ScripSource& scrips) {
     const auto report = options.json ? JsonReport : PlainReport;
     const struct {
         std::string path;
-        const std::string& text;
+        std::string text;
     } outputs[] = {
-        {options.rejects, rejects},
-        {options.normalised, findings.rows},
+        {options.rejects, BasketFileText(std::move(rejects))},
+        {options.normalised, BasketFileText(std::move(findings.rows))},
         {std::string(kStandardStream), report(options.file, load, findings)},
     };
     for (const auto& output : outputs)

@@ -20,8 +20,9 @@ DESCRIPTION
     template writes a basket that passes the check: an order a line, as an
     example, or as many as are asked for, to try something with.
 
-    A basket has no heading. A line holds 19 fields, each followed by a comma,
-    and one more that nobody reads; there are no quotes:
+    A basket has no heading; it is ANSI or UTF-8 text. A line holds 19 fields,
+    each followed by a comma, and one more that nobody reads; there are no
+    quotes:
 
      1 client ID           8 amount in paise     15 action: B, S
      2 exchange            9 quantity            16 (filled in)

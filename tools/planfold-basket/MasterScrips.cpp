@@ -15,10 +15,11 @@ std::optional<ScripDetails> MasterScrips::Details(std::string_view exchange, std
     return details;
 }
 
-std::string MasterScrips::TradingSymbol(std::string_view exchange, std::string_view series,
-                                        std::string_view symbol) {
+planfold::ScripNames MasterScrips::Names(std::string_view exchange, std::string_view series,
+                                         std::string_view symbol) {
     const vesk::Scrip* scrip = m_master.BySymbol(exchange, series, symbol);
-    return scrip ? scrip->tradingSymbol : std::string();
+    if (!scrip) return {};
+    return {scrip->tradingSymbol, scrip->token, scrip->company};
 }
 
 } // namespace basket

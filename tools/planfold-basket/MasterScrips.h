@@ -12,8 +12,8 @@ public:
     explicit MasterScrips(const vesk::ScripMaster& master) : m_master(master) {}
 
     std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
-    std::string TradingSymbol(std::string_view exchange, std::string_view series,
-                              std::string_view symbol) override;
+    planfold::ScripNames Names(std::string_view exchange, std::string_view series,
+                               std::string_view symbol) override;
 
 private:
     const vesk::ScripMaster& m_master;

@@ -51,6 +51,7 @@ void WindowStage::PressKey(const KeyStroke& stroke) {
     };
     for (const auto& modifier : modifiers)
         keys[modifier.key] = keys[modifier.side] = modifier.held ? kDown : BYTE{0};
+    keys[stroke.key & 0xFF] = kDown;
     SetKeyboardState(keys);
     m_keysHeld = true;
     const bool system = stroke.alt && !stroke.ctrl;

@@ -58,13 +58,20 @@ constexpr Action kActions[] = {
 
 CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
-      m_link(session.lookup, kRxRequests, this, this), m_basket(session, *this, m_link.Control()),
-      m_list(m_basket.Rows(), [this] { ShowStatus(); }), m_rejected(*this, m_basket.Rejected()),
+      m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
+      m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
+      m_rejected(*this, m_basket.Rejected()),
       m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session) {}
+
+void CBasketUpload::Open() {
+    BringUp(*this, m_session);
+    if (HasWindow()) m_basket.OfferUnsent();
+}
 
 void CBasketUpload::ShutDown() {
     Destroy();
     m_link.Release();
+    m_unsent.Release();
 }
 
 void CBasketUpload::OnInit() {
@@ -198,11 +205,20 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
         return 0;
     case kDeleteHotKeyMessage:
-        m_basket.Delete();
+        if (HotKeyIsForRows()) m_basket.Delete();
         return 0;
     default:
         return std::nullopt;
     }
+}
+
+// The host sends it whatever has the focus. In an edit it is about the text; elsewhere beside the list it is no
+// key of the rows, but may be a command of the host's.
+bool CBasketUpload::HotKeyIsForRows() const {
+    const HWND focus = GetFocus();
+    if (focus == Item(IDC_BASKET_LIST).Handle() || !IsChild(Dialog::Handle(), focus)) return true;
+    const bool isEdit = (framework::Window(focus).Send(WM_GETDLGCODE) & DLGC_HASSETSEL) != 0;
+    return !isEdit && GetKeyState(VK_DELETE) >= 0;
 }
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
@@ -274,6 +290,11 @@ void CBasketUpload::SetText(int control, std::string_view text) {
         m_controls.SetClient(text);
     else
         DialogWindowOf::SetText(control, text);
+}
+
+Choice CBasketUpload::Choose(std::string_view question) {
+    const int answer = Boxes().AskOrCancel(Dialog::Handle(), std::string(question));
+    return answer == IDYES ? Choice::yes : answer == IDNO ? Choice::no : Choice::cancel;
 }
 
 std::optional<std::string> CBasketUpload::AskLoadPath() {

@@ -4,6 +4,7 @@
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
+#include "plugin/basket/window/UnsentOrdersFile.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"
@@ -19,7 +20,7 @@ public:
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
-    void Open() { BringUp(*this, m_session); }
+    void Open();
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -41,6 +42,8 @@ private:
     bool Ask(std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
+    Choice Choose(std::string_view question) override;
+    UnsentFile& Unsent() override { return m_unsent; }
     std::optional<std::string> AskLoadPath() override;
     std::optional<std::string> AskExportPath() override;
     std::optional<std::string> AskRejectsPath() override;
@@ -57,12 +60,14 @@ private:
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
+    bool HotKeyIsForRows() const;
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
     SIZE WindowSize() const;
     RECT PlaceOf(int control) const; // in the client area
 
     Session& m_session;
     RxLink m_link;
+    UnsentOrdersFile m_unsent;
     Basket m_basket;
     BasketListWindow m_list;
     RejectedPanel m_rejected;

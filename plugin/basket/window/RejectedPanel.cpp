@@ -104,7 +104,9 @@ void RejectedPanel::Copy() const {
 std::string RejectedPanel::CellText(std::size_t line, int column) const {
     const RejectedLine& rejected = m_lines[line];
     if (column == kLineColumn) return std::to_string(rejected.number);
-    return column == kReasonColumn ? rejected.reason : rejected.text;
+    std::string text = column == kReasonColumn ? rejected.reason : rejected.text;
+    std::ranges::replace(text, '\0', ' ');
+    return text;
 }
 
 std::optional<LRESULT> RejectedPanel::HandleNotify(const NMHDR& notification) {

@@ -1,5 +1,8 @@
 #include "plugin/messaging/Settings.h"
 
+#include "framework/Files.h"
+#include "framework/Wide.h"
+
 #include <windows.h>
 
 #include <cstdio>
@@ -8,38 +11,45 @@ namespace planfold {
 
 namespace {
 
-std::string SettingsPath() {
-    std::string path(MAX_PATH, '\0');
+std::wstring SettingsPath() {
+    std::wstring path(MAX_PATH, L'\0');
     DWORD length = 0;
-    while ((length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size())
+    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size())
         path.resize(path.size() * 2);
     path.resize(length);
-    return path.substr(0, path.rfind('\\')) + "\\Vesk Plugins\\Planfold.ini";
+    return path.substr(0, path.rfind(L'\\')) + L"\\Vesk Plugins\\Planfold.ini";
 }
 
-bool CanOpen(const std::string& path, const char* how) {
-    std::FILE* file = std::fopen(path.c_str(), how);
+bool CanOpen(const std::wstring& path, const wchar_t* how) {
+    std::FILE* file = _wfopen(path.c_str(), how);
     if (file) std::fclose(file);
     return file != nullptr;
+}
+
+std::wstring FromAnsi(const std::string& text) {
+    return framework::Wide(text, CP_ACP);
 }
 
 } // namespace
 
 bool ReadWriteSetting(SettingMode mode, const std::string& section, const std::string& key,
                       std::string& value) {
-    const std::string path = SettingsPath();
+    const std::wstring path = SettingsPath();
     switch (mode) {
     case SettingMode::read: {
-        if (!CanOpen(path, "r+t")) return false;
-        char text[4096];
-        GetPrivateProfileStringA(section.c_str(), key.c_str(), "Settings not found", text, sizeof text,
-                                 path.c_str());
-        value = text;
+        if (!CanOpen(path, L"r+t")) return false;
+        framework::DropByteOrderMark(framework::Narrow(path, CP_UTF8));
+        wchar_t text[4096];
+        GetPrivateProfileStringW(FromAnsi(section).c_str(), FromAnsi(key).c_str(), L"Settings not found", text,
+                                 std::size(text), path.c_str());
+        value = framework::Narrow(text, CP_ACP);
         return true;
     }
     case SettingMode::write:
-        return CanOpen(path, "a+")
-               && WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str()) != 0;
+        return CanOpen(path, L"a+")
+               && WritePrivateProfileStringW(FromAnsi(section).c_str(), FromAnsi(key).c_str(),
+                                             FromAnsi(value).c_str(), path.c_str())
+                      != 0;
     default:
         return false;
     }

@@ -21,6 +21,7 @@ constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIE
 void SipFormControls::SetUp(const std::string& searchName) {
     m_lists.Attach(m_dialog.Handle());
     m_value.Attach(m_dialog.Item(IDC_VALUE).Handle());
+    m_quantity.Attach(m_dialog.Item(IDC_BASKET_QUANTITY).Handle());
     const auto picker = m_dialog.Item<framework::DatePicker>(IDC_START_DATE);
     picker.SetFormat(kDateFormat);
     m_calendar.Attach(picker.Handle());
@@ -44,6 +45,7 @@ void SipFormControls::OnCommand(const framework::Command& command) {
         break;
     case EN_CHANGE:
         if (command.id == IDC_VALUE) m_value.OnTextChanged();
+        if (command.id == IDC_BASKET_QUANTITY) m_quantity.OnTextChanged();
         if (command.id == IDC_CLIENT_SEARCH) m_client.OnTextChanged();
         break;
     case CBN_EDITCHANGE:

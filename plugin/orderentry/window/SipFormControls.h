@@ -42,6 +42,7 @@ private:
     framework::Dialog& m_dialog;
     Session& m_session;
     CExtEditOntry m_value;
+    CExtEditOntry m_quantity; // where it has an edit of its own; never filtered
     CClientSearchBox m_client;
     CAutoComboBox m_clientCombo; // where the host offers no search
     CCalendarKeys m_calendar;

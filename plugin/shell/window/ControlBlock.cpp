@@ -88,7 +88,7 @@ void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
         m_session.*frequency.minimum = 0.0;
     if (m_session.host.pu_get_non_trading_dates_map && !m_session.m_pNonTradingDates)
         m_session.m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map();
-    if (m_strUserDirectory.empty()) FindSettingsPaths();
+    if (m_session.userDirectory.empty()) FindSettingsPaths();
 }
 
 void CPlanfoldControlBlock::FindSettingsPaths() {
@@ -96,9 +96,9 @@ void CPlanfoldControlBlock::FindSettingsPaths() {
     std::string userSettings;
     CString directory = m_session.String();
     if (m_session.host.pu_get_UserDirectory && m_session.host.pu_get_UserDirectory(&directory)) {
-        m_strUserDirectory = directory.View();
-        dialogPositions = m_strUserDirectory + "\\DialogPos.ini";
-        userSettings = m_strUserDirectory + "\\UserSetting.ini";
+        m_session.userDirectory = directory.View();
+        dialogPositions = m_session.userDirectory + "\\DialogPos.ini";
+        userSettings = m_session.userDirectory + "\\UserSetting.ini";
     }
     PassedString userSettingsPath(userSettings, m_session.strings);
     PassedString dialogPositionsPath(dialogPositions, m_session.strings);

@@ -72,7 +72,6 @@ private:
     CSetRestrictedDateDlg m_restrictedDates;
     CSIPOrderHistoryDlg m_orderHistory;
     COrderBookDlgBar m_orderBook;
-    std::string m_strUserDirectory;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
 };

@@ -1,0 +1,212 @@
+// What the basket does at length: loading and placing.
+#include "plugin/basket/Basket.h"
+
+#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/Text.h"
+#include "plugin/resources/resource.h"
+
+#include <set>
+#include <utility>
+
+namespace planfold {
+
+void Basket::Load() {
+    if (IsBusy()) return;
+    const int closings = m_closings;
+    const auto path = Alone([&] { return m_view.AskLoadPath(); });
+    if (!path || !IsStill(closings)) return;
+    auto text = m_view.ReadFile(*path);
+    if (!text) return m_view.ShowMessage("File Open Error");
+    if (base::IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
+    const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
+    if (unsent > 0
+        && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent)))
+        return;
+    BeginLoading(std::move(*text), m_form.Rules(m_view.Now()));
+}
+
+void Basket::BeginLoading(std::string text, BasketRules rules) {
+    BasketList& list = m_view.List();
+    list.RemoveAll();
+    m_rows.Clear();
+    m_rejected.clear();
+    m_correctedLine = 0;
+    m_titleBefore = m_view.Title();
+    m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
+    m_view.ShowRejected();
+    m_loading = std::make_shared<BasketLoading>(m_session, std::move(text), std::move(rules),
+                                                BasketLoading::Target{m_rows, list, m_rejected});
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+void Basket::EndLoading() {
+    const auto loading = std::exchange(m_loading, nullptr);
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    m_view.SetTitle(m_titleBefore);
+    m_view.ShowRun();
+    m_view.ShowStatus();
+    m_view.ShowRejected();
+    const int closings = m_closings;
+    std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
+    if (m_bringsBack) {
+        texts[2] = EndBringingBack(loading->Stopped());
+    } else {
+        if (loading->Stopped())
+            texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
+                              loading->LinesRead(), loading->RowsLoaded());
+        KeepUnsent();
+    }
+    for (const std::string& text : texts)
+        if (!text.empty() && IsStill(closings)) m_view.ShowMessage(text);
+}
+
+void Basket::Place() {
+    if (IsBusy()) return;
+    const BasketList& list = m_view.List();
+    if (list.RowCount() == 0) return m_view.ShowMessage("Please Select an Order");
+    if (!m_placeable) return;
+    const Choice sentToo = AskAboutSent();
+    if (sentToo == Choice::cancel) return;
+    std::vector<BasketPlacing::Row> placed;
+    std::set<std::string> clients;
+    for (std::size_t row = 0; row < list.RowCount(); ++row) {
+        const RecordId record = list.RecordAt(row);
+        if (sentToo == Choice::no && m_rows.IsSent(record)) continue;
+        placed.push_back({record, static_cast<int>(row)});
+        clients.emplace(m_rows[record].Text(BasketField::clientId));
+    }
+    if (placed.empty() || !AskAboutUnknown(clients, "Place their orders all the same?")
+        || !Ask("Are you sure to place these Basket Orders?"))
+        return;
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
+    const int closings = m_closings;
+    // Its first call to the host is made before it stands.
+    auto placing =
+        Alone([&] { return std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(placed)); });
+    if (!IsStill(closings)) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    m_placing = std::move(placing);
+    KeepUnsent();
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+// Yes when no row was.
+Choice Basket::AskAboutSent() {
+    const std::size_t rows = m_view.List().RowCount(), sent = m_rows.SentCount();
+    if (sent == 0) return Choice::yes;
+    std::string question = Format("%zu of the %zu orders have already been sent.\n\n"
+                                  "Yes: place all %zu, and so these again.\n",
+                                  sent, rows, rows);
+    question += sent == rows ? "No: place none."
+                             : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
+    const int closings = m_closings;
+    const Choice choice = Alone([&] { return m_view.Choose(question); });
+    return IsStill(closings) ? choice : Choice::cancel;
+}
+
+// True when the host knows all of them, or the user says so.
+bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* question) {
+    constexpr std::size_t mostNamed = 20;
+    const int closings = m_closings;
+    std::size_t unknown = 0;
+    std::string names;
+    Alone([&] {
+        for (const std::string& client : clients) {
+            if (!IsStill(closings)) return;
+            if (IsUnknownClient(m_session, client) && ++unknown <= mostNamed)
+                names.append(names.empty() ? "" : ", ").append(client);
+        }
+    });
+    if (!IsStill(closings)) return false;
+    if (unknown == 0) return true;
+    if (unknown > mostNamed) names += Format(" and %zu more", unknown - mostNamed);
+    return Ask(Format("The terminal knows no client %s.\n%s", names.c_str(), question));
+}
+
+void Basket::EndPlacing() {
+    const auto placing = std::exchange(m_placing, nullptr);
+    KeepUnsent();
+    m_view.ShowRun();
+    m_view.ShowStatus();
+    const int closings = m_closings;
+    const bool stopped = placing->Stopped();
+    Alone([&] {
+        if (const std::string failures = placing->FailureTexts(); !failures.empty())
+            m_view.ShowMessage(failures);
+        // The rows that it offers are those that were sent: none goes under the box.
+        if (stopped && IsStill(closings)) OfferToRemove(*placing);
+    });
+    if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
+}
+
+void Basket::OfferToRemove(const BasketPlacing& placing) {
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    const std::size_t sent = placing.SentCount();
+    if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
+    if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
+                    sent, placing.Total(), sent)))
+        return;
+    BasketList& list = m_view.List();
+    list.BeginChanges();
+    for (const RecordId record : placing.Sent()) {
+        list.Remove(record);
+        m_rows.Remove(record);
+    }
+    list.EndChanges();
+    m_view.ShowStatus();
+}
+
+void Basket::RunFor(std::int64_t milliseconds) {
+    if (m_inPortion || !IsUnderWay()) return;
+    const int closings = m_closings;
+    const std::int64_t end = m_view.Milliseconds() + milliseconds;
+    const auto loading = m_loading;
+    const auto placing = m_placing;
+    bool more = true;
+    {
+        const Turn turn(m_inPortion);
+        if (loading) {
+            m_view.ShowWaiting(true);
+            m_view.List().BeginChanges();
+            // A long load may go past midnight.
+            loading->SetNow(ToSeconds(m_view.Now()));
+        }
+        do
+            more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
+        while (more && m_view.Milliseconds() < end);
+        if (loading) {
+            m_view.List().EndChanges();
+            m_view.ShowWaiting(false);
+        }
+    }
+    if (!IsStill(closings)) return m_bringsBack ? BringNothingBack() : KeepUnsent();
+    if (more) return;
+    if (loading)
+        EndLoading();
+    else
+        EndPlacing();
+}
+
+void Basket::Stop() {
+    if (m_loading) m_loading->Stop();
+    if (m_placing) m_placing->Abandon();
+    if (m_placing) m_placing->Stop();
+    RunFor(0);
+}
+
+std::string Basket::Progress() const {
+    if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
+    return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
+                  m_placing->Total());
+}
+
+std::size_t Basket::Done() const {
+    return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
+}
+
+std::size_t Basket::Total() const {
+    return m_loading ? m_loading->Characters() : m_placing->Total();
+}
+
+} // namespace planfold

@@ -1,0 +1,84 @@
+// The orders that were not sent, from one session to the next.
+#include "plugin/basket/Basket.h"
+
+#include "plugin/basket/UnsentOrders.h"
+#include "plugin/messaging/Text.h"
+
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+std::string OfferOf(const UnsentCounts& found) {
+    std::string question =
+        Format("Orders of the basket that were not sent when the terminal ended: %zu.\n", found.orders);
+    if (found.doubtful)
+        question +=
+            Format("Of these, %zu were just being placed and may have been sent: they come back marked as "
+                   "sent. Look for them in the registration book.\n",
+                   found.doubtful);
+    return question
+           + "\nYes: take them into the basket again.\nNo: save them to a file of their own.\n"
+             "Cancel: ask again next time.";
+}
+
+} // namespace
+
+// What the file held before and nobody has looked at is saved first.
+void Basket::KeepUnsent() {
+    std::string aside;
+    if (!m_unsentSettled)
+        if (const auto found = m_view.Unsent().Read(); found && !found->empty()) {
+            aside = m_view.Unsent().SaveAside(*found, m_view.Now());
+            if (aside.empty()) return;
+        }
+    m_unsentSettled = true;
+    m_view.Unsent().Replace(UnsentText(m_rows, m_view.List(), m_placing != nullptr));
+    if (!aside.empty() && !m_session.Ended())
+        m_view.ShowMessage("The orders that were not sent before are in\n" + aside
+                           + "\nLoad reads them from there.");
+}
+
+void Basket::OfferUnsent() {
+    if (m_unsentSettled || IsBusy()) return;
+    auto text = m_view.Unsent().Read();
+    const UnsentCounts found = CountUnsent(text ? *text : std::string());
+    m_unsentSettled = found.orders == 0;
+    if (m_unsentSettled) return;
+    const int closings = m_closings;
+    const Choice choice = Alone([&] { return m_view.Choose(OfferOf(found)); });
+    if (!IsStill(closings) || choice == Choice::cancel) return;
+    if (choice == Choice::no) return KeepUnsent();
+    RememberDoubtful(*text, m_rows);
+    m_bringsBack = true;
+    BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
+}
+
+// What there is to tell.
+std::string Basket::EndBringingBack(bool stopped) {
+    if (stopped) {
+        BringNothingBack();
+        return "Loading was stopped: the orders are kept, and offered again.";
+    }
+    std::string refused, aside;
+    for (const RejectedLine& line : m_rejected)
+        refused.append(line.text).push_back('\n');
+    if (!refused.empty()) aside = m_view.Unsent().SaveAside(BasketFileText(refused), m_view.Now());
+    m_bringsBack = false;
+    m_unsentSettled = refused.empty() || !aside.empty();
+    KeepUnsent();
+    return aside.empty() ? aside : "The orders that cannot be taken back are in\n" + aside;
+}
+
+// They stay in the file, and are offered again.
+void Basket::BringNothingBack() {
+    m_bringsBack = false;
+    m_view.List().RemoveAll();
+    m_rows.Clear();
+    m_rejected.clear();
+    m_view.ShowStatus();
+    m_view.ShowRejected();
+}
+
+} // namespace planfold

@@ -1,0 +1,177 @@
+// What becomes of the orders that were not sent when the session ends.
+#include "tests/plugin/BasketStage.h"
+
+#include "plugin/basket/UnsentOrders.h"
+
+namespace planfold::test {
+namespace {
+
+class BasketUnsentTest : public BasketStage {
+protected:
+    // As the list has it, the last row first; "?" behind those that may have been sent.
+    std::string Kept() const {
+        std::string text;
+        BasketLines lines(view.unsent.text);
+        while (const auto line = lines.Next()) {
+            text.append(text.empty() ? "" : " ").append(line->text.substr(0, line->text.find(',')));
+            if (BasketLineNote(line->text) == "placing") text += '?';
+        }
+        return text;
+    }
+    // In a file of the session before.
+    void Found(const std::string& lines) {
+        view.unsent.text = lines;
+        Open();
+    }
+};
+
+TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
+    Open();
+    basket.OfferUnsent();
+    Add("C1");
+    Add("C2");
+    EXPECT_EQ(Kept(), "C1 C2");
+    view.list.selected = {view.list.rows[1]};
+    basket.Activate(view.list.rows[1]);
+    view.SetText(IDC_CLIENT_SEARCH, "C3");
+    basket.AddOrModify();
+    EXPECT_EQ(Kept(), "C3 C2");
+    basket.Delete();
+    EXPECT_EQ(Kept(), "C2");
+    view.list.selected = {view.list.rows[0]};
+    basket.Delete();
+    EXPECT_EQ(view.unsent.text, "");
+    Load(Lines(3));
+    EXPECT_EQ(Kept(), "C1 C2 C3");
+
+    // While they are placed, whoever reads the file cannot know which were sent.
+    view.unsent.written.clear();
+    host.cautionOfRow = {{1, 0}};
+    host.duringRowState = [&] { EXPECT_EQ(Kept(), "C1? C2? C3?"); };
+    basket.Place();
+    EXPECT_EQ(Kept(), "C2");
+    EXPECT_EQ(view.unsent.written.size(), 2u);
+    EXPECT_EQ(view.unsent.aside, Texts{});
+
+    // The exit comes while the second goes out.
+    Load(Lines(3, "D"));
+    host.duringLog = [&] {
+        host.duringLog = [&] {
+            session.End();
+            basket.OnClosed();
+            EXPECT_EQ(Kept(), "D1 D2?");
+        };
+    };
+    host.cautionOfRow.clear();
+    basket.Place();
+}
+
+TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
+    const std::string lines = Line("C1") + Line("C2");
+    Found(lines);
+    view.choice = Choice::cancel;
+    basket.OfferUnsent();
+    const Texts offer{
+        "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them into "
+        "the basket again.\nNo: save them to a file of their own.\nCancel: ask again next time."};
+    EXPECT_EQ(Taken(view.questions), offer);
+    EXPECT_EQ(view.unsent.text + Rows(BasketField::clientId), lines);
+    basket.OnClosed();
+    Open();
+    view.choice = Choice::yes;
+    basket.OfferUnsent();
+    EXPECT_EQ(Taken(view.questions), offer);
+    EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
+    EXPECT_EQ(Kept(), "C1 C2");
+    EXPECT_EQ(basket.Status()[3], "");
+    EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
+    basket.OfferUnsent();
+    EXPECT_EQ(view.questions.size() + view.boxes.size() + view.unsent.aside.size(), 0u) << "once";
+}
+
+TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
+    const std::string lines = Line("C1") + Line("C2");
+    const Texts told{"The orders that were not sent before are in\naside.csv\nLoad reads them from there."};
+    struct Row {
+        Choice choice;
+        bool writable;
+        std::string kept;
+        std::size_t saved;
+    };
+    for (const Row& row :
+         {Row{Choice::no, true, "C9", 1}, {Choice::cancel, true, "C9", 1}, {Choice::no, false, "C1 C2", 0}}) {
+        Basket another(session, view, &control);
+        view.unsent = {};
+        view.list.rows.clear();
+        view.unsent.text = lines;
+        view.unsent.writable = row.writable;
+        view.choice = row.choice;
+        another.Initialise({});
+        Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+        another.OfferUnsent();
+        Fill("C9");
+        view.SelectText(IDC_FREQUENCY, "monthly");
+        another.AddOrModify();
+        EXPECT_EQ(Kept(), row.kept);
+        EXPECT_EQ(view.unsent.aside, Texts(row.saved, lines));
+        EXPECT_EQ(Taken(view.boxes), row.saved ? told : Texts{});
+    }
+}
+
+TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheyMayHaveBeenSent) {
+    Open();
+    Load(Line("C1") + Line("C2") + Line("C3"));
+    std::string found = view.unsent.text;
+    found.replace(found.find(" ,\n"), 1, "placing");
+    found.replace(found.find("05/Mar/2027", found.rfind("C3")), 11, "05/Mar/2026");
+    const std::string late = found.substr(found.rfind("C3"));
+
+    Basket another(session, view, &control);
+    view.unsent.text = found;
+    view.list.rows.clear();
+    another.Initialise({});
+    Taken(view.questions);
+    Taken(view.boxes);
+    another.OfferUnsent();
+    EXPECT_NE(view.questions[0].find("\nOf these, 1 were just being placed and may have been sent"),
+              std::string::npos);
+    ASSERT_EQ(view.list.rows.size(), 2u);
+    EXPECT_TRUE(another.Rows().IsSent(view.list.rows[1]));
+    EXPECT_FALSE(another.Rows().IsSent(view.list.rows[0]));
+    EXPECT_EQ(Kept(), "C2");
+    EXPECT_EQ(view.unsent.aside, Texts{late});
+    EXPECT_EQ(view.boxes, (Texts{"Invalid Date", "The orders that cannot be taken back are in\naside.csv"}));
+}
+
+TEST_F(BasketUnsentTest, StayInTheFileWhenTheyComeBackOnlyInPart) {
+    const std::string lines = Lines(500) + "x\n" + Lines(500, "D");
+    for (const bool closed : {false, true}) {
+        Found(lines);
+        view.clockStep = 200;
+        basket.OfferUnsent();
+        ASSERT_TRUE(basket.IsUnderWay() && !view.list.rows.empty());
+        if (closed)
+            basket.OnClosed();
+        else
+            basket.Stop();
+        EXPECT_TRUE(view.unsent.text == lines);
+        EXPECT_TRUE(view.list.rows.empty());
+    }
+    // In the host's hands, and opened again there.
+    view.clockStep = 0;
+    Found(lines);
+    host.duringLog = [&] {
+        basket.OnClosed();
+        Open();
+        basket.OfferUnsent();
+    };
+    basket.OfferUnsent();
+    EXPECT_TRUE(view.unsent.text == lines);
+    EXPECT_TRUE(view.list.rows.empty());
+    basket.OfferUnsent();
+    EXPECT_EQ(view.list.rows.size(), 1000u);
+    EXPECT_EQ(view.unsent.aside, Texts{"x\n"});
+}
+
+} // namespace
+} // namespace planfold::test
