@@ -52,7 +52,7 @@ void TypeAheadCombos::Attach(HWND dialog) {
         char className[16] = "";
         GetClassNameA(child, className, sizeof className);
         const bool isList = (GetWindowLongA(child, GWL_STYLE) & CBS_DROPDOWNLIST) == CBS_DROPDOWNLIST;
-        if (lstrcmpiA(className, WC_COMBOBOXA) != 0 || !isList) continue;
+        if (std::string_view(className) != WC_COMBOBOXA || !isList) continue;
         if (next == m_combos.size()) m_combos.emplace_back(m_session);
         m_combos[next++].Attach(child);
     }
