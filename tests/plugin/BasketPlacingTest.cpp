@@ -240,8 +240,10 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
     Load(Line("C3") + Line("C8") + Line("C3") + Line("C3"));
     EXPECT_EQ(basket.Status()[3], "Twice: 3  Sent: 2");
     EXPECT_EQ(place(Choice::no), "C3 C8");
-    Load(Line("C1") + Line("C2", "1013", "qty"));
-    EXPECT_EQ(place(Choice::no), "C2");
+    std::string dearer = Line("C1");
+    dearer.replace(dearer.find("150000"), 6, "160000");
+    Load(Line("C1") + Line("C2", "1013", "qty") + dearer);
+    EXPECT_EQ(place(Choice::no), "C1 C2");
 }
 
 TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
