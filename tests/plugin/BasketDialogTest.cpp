@@ -20,6 +20,7 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     EXPECT_EQ(view.Text(IDC_SERIES) + view.Text(IDC_PERIOD) + view.Text(IDC_CLIENT_SEARCH), "EQ1c002");
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
+    EXPECT_TRUE(view.controls[IDC_BASKET_QUANTITY].digitsOnly && !view.controls[IDC_VALUE].digitsOnly);
     EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode");
     EXPECT_EQ(std::ranges::count(host.calls, "register_hotkey(SIP Basket Entry,193,Delete,Basket Delete,del)"),
               1);
@@ -134,6 +135,26 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     basket.Activate(view.list.rows[0]);
     EXPECT_EQ(Taken(view.boxes), (Texts{"Failed to Load", "Failed to Load"}));
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
+}
+
+TEST_F(BasketDialogTest, EveryFieldOfARowComesIntoTheForm) {
+    host.rights.insert("QV: Planfold: Custom");
+    view.controls[IDC_SYMBOL].items = {"LUMENBANK", "INFOCAR"};
+    Open("MIS");
+    Load("C7,nse_cm,BE,LUMENBANK,2902,LUMENBANK-BE,CNC,12345,,daily,,06/Apr/2027,12,MKT,B,,,,value,\n"
+         "C8,bse_cm,EQ,INFOCAR,500100,INFOCAR,MIS,,9,weekly,,07/May/2028,13,MKT,S,,,,qty,\n");
+    const char* const shown[] = {"BSE EQ INFOCAR SWP MARKET MIS Quantity  9 weekly 13 C8 07/May/2028",
+                                 "NSE BE LUMENBANK SIP MARKET CNC Amount 123.45  daily 12 C7 06/Apr/2027"};
+    for (std::size_t row : {0, 1}) {
+        basket.Activate(view.list.rows.at(row));
+        std::string form;
+        for (const int id :
+             {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT, IDC_INVEST_BY,
+              IDC_VALUE, IDC_BASKET_QUANTITY, IDC_FREQUENCY, IDC_PERIOD, IDC_CLIENT_SEARCH})
+            form += view.Text(id) + " ";
+        EXPECT_EQ(form + FormatPickerDate(view.date), shown[row]);
+        EXPECT_EQ(view.controls[IDC_VALUE].enabled, row == 1);
+    }
 }
 
 TEST_F(BasketDialogTest, TheFormAddsOnlyWhatItShows) {
@@ -283,6 +304,11 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Load(Line("C1") + Line("C2"));
     EXPECT_EQ(Taken(view.boxes), Texts{"monthly Frequency not set\nmonthly Frequency not set"});
     EXPECT_EQ(basket.Rejected()[1].reason, "monthly Frequency not set");
+    std::string yearly = Line("C1");
+    yearly.replace(yearly.find("monthly"), 7, "yearly");
+    yearly.replace(yearly.find(",12,"), 4, ",1,");
+    Load(yearly);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Minimum SIP value is 2"});
 }
 
 TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {

@@ -99,11 +99,13 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     EXPECT_EQ(host.requests.size(), 3u);
 
     // Not confirmed: "N".
-    host.caution = 0;
-    Load(Line("C1"));
-    host.cautionOfRow = {{0, 1}};
-    basket.Place();
-    EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos);
+    for (const int answer : {0, 2}) {
+        host.caution = answer;
+        Load(Line("C1"));
+        host.cautionOfRow = {{0, 1}};
+        basket.Place();
+        EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos) << answer;
+    }
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
