@@ -20,6 +20,7 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     EXPECT_EQ(view.Text(IDC_SERIES) + view.Text(IDC_PERIOD) + view.Text(IDC_CLIENT_SEARCH), "EQ1c002");
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
+    EXPECT_TRUE(view.controls[IDC_BASKET_QUANTITY].digitsOnly && !view.controls[IDC_VALUE].digitsOnly);
     EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode");
     EXPECT_EQ(std::ranges::count(host.calls, "register_hotkey(SIP Basket Entry,193,Delete,Basket Delete,del)"),
               1);
@@ -136,45 +137,33 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
 }
 
-TEST_F(BasketDialogTest, ARowComesIntoTheFormWhole) {
+TEST_F(BasketDialogTest, AScripIsKnownByItsExchangeToo) {
     Open();
-    for (const auto& [combo, items] : {std::pair(IDC_SERIES, Texts{"EQ", "BE"}),
-                                       {IDC_SYMBOL, Texts{"ARBORTEX", "INFOCAR", "LUMENBANK"}},
-                                       {IDC_FREQUENCY, Texts{"daily", "weekly", "monthly"}}})
-        view.controls[combo].items = items;
-    Load("C8,nse_cm,BE,LUMENBANK,2902,LUMENBANK-BE,CNC,150050,,monthly,,05/Mar/2027,12,MKT,B,,,,value,\n"
-         "C7,bse_cm,EQ,INFOCAR,500100,INFOCAR,CNC,,7,weekly,,06/Apr/2027,13,MKT,S,,,,qty,\n");
-    const char* const forms[] = {"BSE EQ INFOCAR SWP MARKET C7 CNC Quantity  7 weekly 13 6.4.2027",
-                                 "NSE BE LUMENBANK SIP MARKET C8 CNC Amount 1500.50  monthly 12 5.3.2027"};
-    ASSERT_EQ(view.list.rows.size(), std::size(forms));
-    for (std::size_t i = 0; i < std::size(forms); ++i) {
-        basket.Activate(view.list.rows[i]);
-        std::string form;
-        for (const int id :
-             {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_CLIENT_SEARCH, IDC_PRODUCT,
-              IDC_INVEST_BY, IDC_VALUE, IDC_BASKET_QUANTITY, IDC_FREQUENCY, IDC_PERIOD})
-            form += view.Text(id) + " ";
-        const LocalDateTime date = view.Date(IDC_START_DATE);
-        EXPECT_EQ(form + std::to_string(date.day) + "." + std::to_string(date.month) + "."
-                      + std::to_string(date.year),
-                  forms[i]);
-    }
-    EXPECT_EQ(view.boxes, Texts{});
-}
-
-TEST_F(BasketDialogTest, LinesAreHeldToTheServersLeastPeriodsAndToTheirOwnExchange) {
-    basket.Initialise({});
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly"}}, {54101, {"13"}}});
-    Load(Line("C1"));
-    EXPECT_EQ(Taken(view.boxes), Texts{"Minimum SIP value is 13"});
-    EXPECT_TRUE(view.list.rows.empty());
-
-    session.m_dMinSipMonthly = 1;
     host.scrips.push_back({"bse_cm", "EQ", "ARBORTEX", "599", "ARBORTEX-EQ", "Arbor Textiles"});
     std::string other = Line("C2", "599");
     other.replace(other.find("nse_cm"), 6, "bse_cm");
     Load(Line("C1") + other);
     EXPECT_EQ(Rows(BasketField::token), "599 1013");
+}
+
+TEST_F(BasketDialogTest, EveryFieldOfARowComesIntoTheForm) {
+    host.rights.insert("QV: Planfold: Custom");
+    view.controls[IDC_SYMBOL].items = {"LUMENBANK", "INFOCAR"};
+    Open("MIS");
+    Load("C7,nse_cm,BE,LUMENBANK,2902,LUMENBANK-BE,CNC,12345,,daily,,06/Apr/2027,12,MKT,B,,,,value,\n"
+         "C8,bse_cm,EQ,INFOCAR,500100,INFOCAR,MIS,,9,weekly,,07/May/2028,13,MKT,S,,,,qty,\n");
+    const char* const shown[] = {"BSE EQ INFOCAR SWP MARKET MIS Quantity  9 weekly 13 C8 07/May/2028",
+                                 "NSE BE LUMENBANK SIP MARKET CNC Amount 123.45  daily 12 C7 06/Apr/2027"};
+    for (std::size_t row : {0, 1}) {
+        basket.Activate(view.list.rows.at(row));
+        std::string form;
+        for (const int id :
+             {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT, IDC_INVEST_BY,
+              IDC_VALUE, IDC_BASKET_QUANTITY, IDC_FREQUENCY, IDC_PERIOD, IDC_CLIENT_SEARCH})
+            form += view.Text(id) + " ";
+        EXPECT_EQ(form + FormatPickerDate(view.date), shown[row]);
+        EXPECT_EQ(view.controls[IDC_VALUE].enabled, row == 1);
+    }
 }
 
 TEST_F(BasketDialogTest, TheFormAddsOnlyWhatItShows) {
@@ -324,6 +313,11 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Load(Line("C1") + Line("C2"));
     EXPECT_EQ(Taken(view.boxes), Texts{"monthly Frequency not set\nmonthly Frequency not set"});
     EXPECT_EQ(basket.Rejected()[1].reason, "monthly Frequency not set");
+    std::string yearly = Line("C1");
+    yearly.replace(yearly.find("monthly"), 7, "yearly");
+    yearly.replace(yearly.find(",12,"), 4, ",1,");
+    Load(yearly);
+    EXPECT_EQ(Taken(view.boxes), Texts{"Minimum SIP value is 2"});
 }
 
 TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {

@@ -328,6 +328,11 @@ TEST(BasketLoad, NumbersLinesAndReportsThemLetterByLetter) {
     // What is remembered of a scrip does not lift its limit.
     const std::string most = Line({{7, "2147483647"}}) + '\n', more = Line({{7, "2147483648"}}) + '\n';
     EXPECT_EQ(Recorder(most + more + most, kMonths).numbers, std::vector{2});
+    // Nor does one that is known by its names pass for another.
+    const Changes known = {{1, "bse_cm"}, {3, "KNOWN"}, {5, "KNOWN-EQ"}, {4, "42"}, {2, "EQ"}};
+    Changes other = known;
+    other.back().second = "BE";
+    EXPECT_EQ(Recorder(Line(known) + '\n' + Line(other), kMonths).numbers, std::vector{2});
     // A line told by a box alone leaves no reason to show at the end.
     EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
 }
