@@ -102,7 +102,7 @@ std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder&
     order.symbol = form.symbol;
     order.startDateText = FormatPickerDate(form.startDate);
     if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, order.data, kTexts))
-        return FormRefusal{refusal->text, refusal->focusValue ? value : 0};
+        return FormRefusal{refusal->text, refusal->focusValue ? value : refusal->focusPeriod ? IDC_PERIOD : 0};
     for (const auto& [combo, shown, refusal] : kChoices)
         if ((form.*shown).empty()) return FormRefusal{refusal, combo};
     if (!AllDigits(form.totalPeriod)) return FormRefusal{kInvalidPeriod, IDC_PERIOD};
