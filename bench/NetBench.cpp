@@ -6,9 +6,9 @@
 // while the clock has gone on some days and the server executes what is due, with how many of its updates reach
 // them.
 
-#include "host/server/SampleOrders.h"
 #include "host/server/net/NetServer.h"
 #include "host/server/net/RemoteHub.h"
+#include "host/server/sample/SampleOrders.h"
 
 #include <algorithm>
 #include <atomic>
@@ -81,10 +81,10 @@ public:
     explicit Terminal(std::uint16_t port)
         : m_hub({"localhost", port}, {"DEALER", "B", ""}, {}), m_requests(m_hub.Get(kRxRequests, this)),
           m_stream(m_hub.Get(kRxIdentityStream, this)) {
-        const std::uint32_t tag = kTagUser;
+        const std::uint32_t tag = tag::loginId;
         const QmxDatum own{};
         m_stream->Subscribe(nullptr, &tag, &own, 1, m_stream, 0, 0, 1, nullptr);
-        Send({{kTagRequestName, "get_sip_operation_mode"}});
+        Send({{tag::requestName, "get_sip_operation_mode"}});
     }
 
     void Send(std::initializer_list<std::pair<std::uint32_t, std::string_view>> fields) {
@@ -94,24 +94,24 @@ public:
         m_requests->SendRequest(nullptr, m_writer.Handle(), 0, nullptr);
     }
     void Place(std::size_t number) {
-        Send({{kTagRequestName, "add_sip_orders"},
-              {kTagExchange, "nse_cm"},
-              {kTagToken, "1013"},
-              {kTagTradingSymbol, "ARBORTOOLS-EQ"},
-              {kTagSide, "B"},
-              {kTagOrderType, "MKT"},
-              {kTagProduct, "CNC"},
-              {kTagInvestType, "value"},
-              {kTagAmountOrQuantity, "123450"},
-              {kTagFrequency, "monthly"},
-              {kTagStartDate, "4070908800"},
-              {kTagPeriods, "12"},
-              {kTagUser, "DEALER"},
-              {kTagFirm, "C"},
-              {kTagAccount, "C001"},
-              {kTagValidity, "DAY"},
-              {kTagOrderSource, "TWS"},
-              {kTagRequestIdentifier, "order-" + std::to_string(number)}});
+        Send({{tag::requestName, "add_sip_orders"},
+              {tag::exchange, "nse_cm"},
+              {tag::token, "1013"},
+              {tag::tradingSymbol, "ARBORTOOLS-EQ"},
+              {tag::side, "B"},
+              {tag::orderType, "MKT"},
+              {tag::product, "CNC"},
+              {tag::investType, "value"},
+              {tag::amountOrQuantity, "123450"},
+              {tag::frequency, "monthly"},
+              {tag::startDate, "4070908800"},
+              {tag::totalPeriod, "12"},
+              {tag::loginId, "DEALER"},
+              {tag::customerFirm, "C"},
+              {tag::account, "C001"},
+              {tag::validity, "DAY"},
+              {tag::orderSource, "TWS"},
+              {tag::orderId, "order-" + std::to_string(number)}});
     }
     void Pump() { m_hub.Pump(NowMs()); }
     std::size_t Waiting() const { return m_hub.Waiting(); }
@@ -120,7 +120,7 @@ public:
     bool HasDue() const { return m_hub.Server().hasDue; }
 
     void OnBroadcast(void* message, std::uint32_t, void*) override {
-        if (!qmx::Text(message, kTagRequestIdentifier).starts_with("order-")) {
+        if (!qmx::Text(message, tag::orderId).starts_with("order-")) {
             ++others;
             return;
         }
@@ -128,7 +128,7 @@ public:
         updatedAt = Clock::now();
     }
     void OnResponse(void*, void* message, void*) override {
-        if (qmx::Has(message, kTagErrorCode)) std::fprintf(stderr, "%s\n", qmx::Dump(message).c_str());
+        if (qmx::Has(message, tag::errorCode)) std::fprintf(stderr, "%s\n", qmx::Dump(message).c_str());
     }
 
     std::size_t updates = 0; // of the orders

@@ -3,8 +3,8 @@
 // How long a server takes to start from the journal of 1,000,000 registrations whose plans have gone on for
 // some days and which have been changed twice each: before and after the journal is written anew.
 
-#include "host/server/SampleOrders.h"
 #include "host/server/Server.h"
+#include "host/server/sample/SampleOrders.h"
 
 #include <cstdio>
 #include <filesystem>

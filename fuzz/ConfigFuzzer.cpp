@@ -2,8 +2,8 @@
 // within their ranges.
 
 #include "fuzz/Fuzz.h"
+#include "host/market/TerminalConfig.h"
 #include "host/server/ServerConfig.h"
-#include "host/terminal/core/TerminalConfig.h"
 
 using fuzz::Demand;
 

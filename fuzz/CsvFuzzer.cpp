@@ -1,9 +1,9 @@
 // The terminal's data files of any content: a fault with its line, or rows that every look-up finds.
 
 #include "fuzz/Fuzz.h"
-#include "host/terminal/core/ClientList.h"
-#include "host/terminal/core/ScripMaster.h"
-#include "host/terminal/core/TradingCalendar.h"
+#include "host/market/ClientList.h"
+#include "host/market/ScripMaster.h"
+#include "host/market/TradingCalendar.h"
 
 #include <algorithm>
 

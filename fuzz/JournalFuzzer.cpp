@@ -1,8 +1,8 @@
 // Journals of any content: the records taken are exactly the text up to where reading stopped.
 
 #include "host/server/ExchangeOrder.h"
-#include "host/server/Journal.h"
-#include "host/server/RestrictedDays.h"
+#include "host/server/journal/Journal.h"
+#include "host/server/schedule/RestrictedDays.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -6,9 +6,9 @@
 // ":" and a command.
 
 #include "fuzz/Fuzz.h"
-#include "host/server/Schedule.h"
 #include "host/server/Server.h"
 #include "host/server/ServerCommands.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -34,7 +34,7 @@ public:
         registration.AddTo(m_writer.Start());
         const std::string bytes = m_writer.Finish();
         const qmx::MessageReader reader(bytes);
-        Demand(reader.Good() && qmx::Text(reader.Handle(), kTagRegistrationNumber) == registration.Number());
+        Demand(reader.Good() && qmx::Text(reader.Handle(), tag::registrationNumber) == registration.Number());
     }
     std::size_t updates = 0;
 
@@ -61,10 +61,10 @@ void CheckAnswer(const std::string& bytes, std::string_view request, bool isGarb
     const qmx::MessageReader reader(bytes);
     Demand(reader.Good());
     if (isGarbage) return;
-    Demand(qmx::Text(reader.Handle(), kTagAnswerName) == request.substr(0, kLongestText));
+    Demand(qmx::Text(reader.Handle(), tag::echoedRequest) == request.substr(0, kLongestText));
     // Without a code it ends a query.
-    if (!qmx::Text(reader.Handle(), kTagErrorCode).empty())
-        Demand(!qmx::Text(reader.Handle(), kTagUserText).empty());
+    if (!qmx::Text(reader.Handle(), tag::errorCode).empty())
+        Demand(!qmx::Text(reader.Handle(), tag::userText).empty());
 }
 
 // All that was answered.
@@ -79,7 +79,7 @@ std::string Ask(Server& server, std::string_view line) {
             writer.Add(static_cast<std::uint32_t>(*tag), text);
     }
     if (!writer.Good()) return told;
-    const std::string name(qmx::Text(writer.Handle(), kTagRequestName));
+    const std::string name(qmx::Text(writer.Handle(), tag::requestName));
     const RequestFault fault = server.Config().FaultFor(name);
     Reply reply = server.Handle(writer.Handle(), {"USER1", "BROKER", "BR1"});
     Demand(reply.isCut == (fault.disconnects != 0));

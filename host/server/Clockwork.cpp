@@ -3,8 +3,8 @@
 // An instalment is one journal record, its exchange order with its number and its place in the schedule. How
 // far a registration is, its next day and its end follow from it, now as at a replay.
 
-#include "host/server/Schedule.h"
 #include "host/server/Server.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 
@@ -76,7 +76,7 @@ bool Server::ReplayClock(std::string_view record) {
 
 void Server::Restrict(const RestrictedRange& range) {
     for (Registration& registration : m_registrations) {
-        if (registration.Text(kTagStatus) != kStatusPaused) continue;
+        if (registration.Text(tag::sipStatus) != kStatusPaused) continue;
         if (const auto plan = registration.Plan())
             LapseBefore(range.since, *plan, m_market, registration.progress);
     }
@@ -139,7 +139,7 @@ std::string Server::ExecuteSome(std::size_t& count) {
 std::string Server::ExecuteDueOf(std::size_t place) {
     const Registration& registration = m_registrations[place];
     const auto plan = registration.Plan();
-    if (!plan || registration.Text(kTagStatus) != kStatusActive) return {};
+    if (!plan || registration.Text(tag::sipStatus) != kStatusActive) return {};
     const sys_days today = Today();
     NewOrders made;
     for (Progress progress = registration.progress; progress.executed < plan->periods;) {
@@ -163,7 +163,7 @@ sys_days Server::ExecutedUntil() const {
 
 void Server::Count(const ExchangeOrder& order) {
     if (!order.instalment) return;
-    const std::string number(order.order.Text(kTagRegistrationNumber));
+    const std::string number(order.order.Text(tag::registrationNumber));
     Registration& registration = m_registrations[m_byNumber.at(number)];
     const Instalment& instalment = *order.instalment;
     const auto day = PlacementDay(order.order);
@@ -171,31 +171,31 @@ void Server::Count(const ExchangeOrder& order) {
     if (!day || !plan || instalment.number != registration.progress.executed + 1) return;
     registration.progress = {instalment.number, instalment.place + 1, *day};
     if (instalment.number < plan->periods) return;
-    registration.Set(kTagStatus, kStatusExpired);
-    registration.Set(kTagNextExecution, RecordDate(*day));
+    registration.Set(tag::sipStatus, kStatusExpired);
+    registration.Set(tag::nextExecutionDate, RecordDate(*day));
 }
 
 std::optional<sys_days> Server::NextExecution(const Registration& registration) const {
     const auto plan = registration.Plan();
-    if (!plan || registration.Text(kTagStatus) != kStatusActive) return std::nullopt;
+    if (!plan || registration.Text(tag::sipStatus) != kStatusActive) return std::nullopt;
     return ExecutionDay(*plan, registration.progress, m_market);
 }
 
 std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
     const auto day = NextExecution(registration);
-    if (day) registration.Set(kTagNextExecution, RecordDate(*day));
+    if (day) registration.Set(tag::nextExecutionDate, RecordDate(*day));
     return day;
 }
 
 bool Server::Schedule(std::size_t place) {
     Registration& registration = m_registrations[place];
-    const std::string before(registration.Text(kTagNextExecution));
+    const std::string before(registration.Text(tag::nextExecutionDate));
     const auto day = SetNextExecution(registration);
     if (day)
         m_due.Put(place, *day);
     else
         m_due.Remove(place);
-    return day && registration.Text(kTagNextExecution) != before;
+    return day && registration.Text(tag::nextExecutionDate) != before;
 }
 
 } // namespace vesk

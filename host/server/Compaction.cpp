@@ -11,8 +11,8 @@ void WriteOrders(const ExecutionHistory& history, const Journal::Sink& sink) {
     auto trade = history.trades.begin();
     for (const FieldRecord& order : history.orders) {
         ExchangeOrder whole{order, {}};
-        const std::string_view number = order.Text(kTagOrderNumber);
-        while (trade != history.trades.end() && trade->Text(kTagOrderNumber) == number)
+        const std::string_view number = order.Text(tag::orderNumber);
+        while (trade != history.trades.end() && trade->Text(tag::orderNumber) == number)
             whole.trades.push_back(*trade++);
         sink(whole.Json());
     }
@@ -34,7 +34,7 @@ bool Server::IsJournalStale() const {
     const std::vector<std::string_view> identifiers = OrderIdentifiers();
     std::size_t needed = held;
     for (std::size_t place = 0; place < identifiers.size(); ++place)
-        needed += m_registrations[place].Text(kTagRequestIdentifier) != identifiers[place];
+        needed += m_registrations[place].Text(tag::orderId) != identifiers[place];
     return m_replayed > needed + leastSuperseded && m_replayed > 2 * needed;
 }
 
@@ -60,10 +60,10 @@ void Server::WriteAll(const Journal::Sink& sink) const {
     const std::vector<std::string_view> identifiers = OrderIdentifiers();
     for (std::size_t place = 0; place < m_registrations.size(); ++place) {
         const Registration& registration = m_registrations[place];
-        if (registration.Text(kTagRequestIdentifier) != identifiers[place]) {
+        if (registration.Text(tag::orderId) != identifiers[place]) {
             // A cancellation has put its own there.
             Registration first = registration;
-            first.Set(kTagRequestIdentifier, identifiers[place]);
+            first.Set(tag::orderId, identifiers[place]);
             sink(first.Json());
         }
         sink(registration.Json());

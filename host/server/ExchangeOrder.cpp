@@ -1,7 +1,7 @@
 #include "host/server/ExchangeOrder.h"
 
-#include "host/server/Journal.h"
-#include "host/server/Schedule.h"
+#include "host/server/journal/Journal.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,12 +13,12 @@ namespace {
 // Prices are whole paise.
 constexpr std::int64_t kTick = 5;
 
-constexpr std::uint32_t kOfTheRegistration[] = {kTagUser,          kTagAccount,           kTagExchange,
-                                                kTagTradingSymbol, kTagOrderType,         kTagSide,
-                                                kTagOrderSource,   kTagRegistrationNumber};
-constexpr std::uint32_t kOfTheOrder[] = {kTagExchange, kTagTradingSymbol, kTagRegistrationNumber,
-                                         kTagOrderNumber};
-constexpr std::uint32_t kOfTheLastFill[] = {kTagFillDate, kTagFillTime};
+constexpr std::uint32_t kOfTheRegistration[] = {tag::loginId,       tag::account,           tag::exchange,
+                                                tag::tradingSymbol, tag::orderType,         tag::side,
+                                                tag::orderSource,   tag::registrationNumber};
+constexpr std::uint32_t kOfTheOrder[] = {tag::exchange, tag::tradingSymbol, tag::registrationNumber,
+                                         tag::orderNumber};
+constexpr std::uint32_t kOfTheLastFill[] = {tag::fillDetailB, tag::fillDetailA};
 
 constexpr std::string_view kInstalment = ",\"instalment\":";
 
@@ -48,11 +48,11 @@ public:
 
     ExchangeOrder Place() {
         Copy(kOfTheRegistration, m_placement.registration, Order());
-        Order().Set(kTagOrderNumber, DatedNumber("1", m_placement.day, m_placement.sequence));
-        Order().Set(kTagPlacedAt, RecordDate(m_placement.day) + ' ' + TimeOfDay(m_second));
-        Order().Set(kTagPrice, std::to_string(m_price));
-        Order().Set(kTagQuantity, std::to_string(m_quantity));
-        Order().Set(kTagTradedQuantity, "0");
+        Order().Set(tag::orderNumber, DatedNumber("1", m_placement.day, m_placement.sequence));
+        Order().Set(tag::placementTime, RecordDate(m_placement.day) + ' ' + TimeOfDay(m_second));
+        Order().Set(tag::price, std::to_string(m_price));
+        Order().Set(tag::quantity, std::to_string(m_quantity));
+        Order().Set(tag::tradedQuantity, "0");
         constexpr std::int64_t percent = 100;
         const std::int64_t lot = Below(percent);
         if (lot < m_placement.rates.rejected)
@@ -74,7 +74,7 @@ private:
     std::int64_t PriceNear() {
         constexpr std::int64_t highest = 1'000'000'000'000;
         constexpr std::int64_t spread = 20'000;
-        const std::int64_t madeUp = 500 + Crc32(m_placement.registration.Text(kTagToken)) % spread;
+        const std::int64_t madeUp = 500 + Crc32(m_placement.registration.Text(tag::token)) % spread;
         const std::int64_t wanted = m_placement.plan.price;
         const std::int64_t usual = std::min(wanted > 0 ? wanted : madeUp, highest);
         return Tradable(usual + usual * (Below(41) - 20) / 1000);
@@ -82,14 +82,14 @@ private:
     static std::int64_t Tradable(std::int64_t price) { return std::max(kTick, price / kTick * kTick); }
     std::int64_t QuantityFor(std::int64_t price) const {
         const Registration& registration = m_placement.registration;
-        const std::int64_t amount = WholeNumber(registration.Text(kTagAmountOrQuantity)).value_or(1);
-        const bool byQuantity = registration.Text(kTagInvestType) == "qty";
+        const std::int64_t amount = WholeNumber(registration.Text(tag::amountOrQuantity)).value_or(1);
+        const bool byQuantity = registration.Text(tag::investType) == "qty";
         return std::max<std::int64_t>(1, byQuantity ? amount : amount / price);
     }
 
     void Reject() {
-        Order().Set(kTagStatus, kStatusRejected);
-        Order().Set(kTagUserText, kReasons[Below(std::ssize(kReasons))]);
+        Order().Set(tag::sipStatus, kStatusRejected);
+        Order().Set(tag::userText, kReasons[Below(std::ssize(kReasons))]);
     }
     // Fills of equal size, so the traded price is their mean.
     void Fill(std::int64_t quantity, std::string_view status) {
@@ -98,10 +98,10 @@ private:
         std::int64_t sum = 0;
         for (std::int64_t i = 0; i < count; ++i)
             sum += AddTrade();
-        Order().Set(kTagStatus, status);
-        Order().Set(kTagTradedQuantity, std::to_string(quantity));
+        Order().Set(tag::sipStatus, status);
+        Order().Set(tag::tradedQuantity, std::to_string(quantity));
         if (m_placement.sequence % 3 == 0) return;
-        Order().Set(kTagTradedPrice, std::to_string(sum / count));
+        Order().Set(tag::tradedPrice, std::to_string(sum / count));
         Copy(kOfTheLastFill, m_made.trades.back(), Order());
     }
     std::int64_t AddTrade() {
@@ -109,9 +109,9 @@ private:
         m_second += 1 + Below(60);
         FieldRecord trade;
         Copy(kOfTheOrder, Order(), trade);
-        trade.Set(kTagTradedPrice, std::to_string(price));
-        trade.Set(kTagFillTime, TimeOfDay(m_second));
-        trade.Set(kTagFillDate, RecordDate(m_placement.day));
+        trade.Set(tag::tradedPrice, std::to_string(price));
+        trade.Set(tag::fillDetailA, TimeOfDay(m_second));
+        trade.Set(tag::fillDetailB, RecordDate(m_placement.day));
         trade.Shrink();
         m_made.trades.push_back(std::move(trade));
         return price;
@@ -132,14 +132,14 @@ ExchangeOrder PlaceOnExchange(const Placement& placement) {
 }
 
 std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order) {
-    const std::string_view stamp = order.Text(kTagPlacedAt);
+    const std::string_view stamp = order.Text(tag::placementTime);
     return ParseRecordDate(stamp.substr(0, stamp.find(' ')));
 }
 
 FieldRecord OrderAsOf(std::chrono::year_month_day today, FieldRecord order) {
-    if (order.Text(kTagStatus) != kStatusOpen || PlacementDay(order).value_or(today) >= today) return order;
-    order.Set(kTagStatus, kStatusCancelled);
-    order.Set(kTagUserText, "The rest lapsed at the close");
+    if (order.Text(tag::sipStatus) != kStatusOpen || PlacementDay(order).value_or(today) >= today) return order;
+    order.Set(tag::sipStatus, kStatusCancelled);
+    order.Set(tag::userText, "The rest lapsed at the close");
     return order;
 }
 
@@ -182,7 +182,7 @@ std::optional<ExchangeOrder> ExchangeOrder::FromJson(std::string_view text) {
         read.instalment = Instalment::FromFields(fields);
         if (!read.instalment || !PlacementDay(read.order)) return std::nullopt;
     }
-    if (!reader.Take("}") || !reader.AtEnd() || read.order.Text(kTagRegistrationNumber).empty())
+    if (!reader.Take("}") || !reader.AtEnd() || read.order.Text(tag::registrationNumber).empty())
         return std::nullopt;
     return read;
 }

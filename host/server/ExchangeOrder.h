@@ -3,9 +3,9 @@
 // Thread: any; plain values.
 #pragma once
 
-#include "host/server/FieldRecord.h"
 #include "host/server/Registration.h"
 #include "host/server/ServerConfig.h"
+#include "host/server/journal/FieldRecord.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // What became of registrations: placing their exchange orders, and telling of them.
 
-#include "host/server/Schedule.h"
 #include "host/server/Server.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <set>
@@ -31,10 +31,10 @@ std::string Server::Keep(NewOrders made) {
 }
 
 std::vector<Date> Server::OpenDays(const Registration& registration, std::size_t count) const {
-    const auto start = ParseRecordDate(registration.Text(kTagStartDate));
+    const auto start = ParseRecordDate(registration.Text(tag::startDate));
     if (!start) return {};
     Date last = Today();
-    for (const Tag tag : {kTagEndDate, kTagCancelledDate})
+    for (const tag::Tag tag : {tag::endDate, tag::cancelledDate})
         if (const auto date = ParseRecordDate(registration.Text(tag))) last = std::min(last, *date);
     std::set<Date> taken;
     if (const auto found = m_executions.find(std::string(registration.Number())); found != m_executions.end())
@@ -42,7 +42,7 @@ std::vector<Date> Server::OpenDays(const Registration& registration, std::size_t
             taken.insert(PlacementDay(order).value_or(last));
 
     constexpr std::chrono::year earliest(1970);
-    const std::string_view frequency = registration.Text(kTagFrequency);
+    const std::string_view frequency = registration.Text(tag::frequency);
     std::vector<Date> days;
     for (int i = InstalmentsBefore(*start, frequency, last); days.size() < count; --i) {
         const Date due = InstalmentDate(*start, frequency, i);
@@ -70,7 +70,7 @@ Reply Server::StartExecutionQuery(const ExecutionQuery& kind, void* request, con
 std::string Server::NextExecution(RowQuery& query) {
     const ExecutionQuery& kind = *query.executions;
     query.isDone = query.next == query.end;
-    m_writer.Start().Add(kTagAnswerName, query.request);
+    m_writer.Start().Add(tag::echoedRequest, query.request);
     if (query.isDone)
         m_writer.Add(kind.closingTag, kind.closingText);
     else
@@ -81,7 +81,7 @@ std::string Server::NextExecution(RowQuery& query) {
 void Server::Enter(ExchangeOrder order) {
     ++m_orderCount;
     Count(order);
-    m_executions[std::string(order.order.Text(kTagRegistrationNumber))].Enter(std::move(order));
+    m_executions[std::string(order.order.Text(tag::registrationNumber))].Enter(std::move(order));
 }
 
 } // namespace vesk

@@ -1,8 +1,8 @@
 // Many registrations at once, of every kind that years of trading leave behind.
 
-#include "host/server/SampleOrders.h"
-#include "host/server/Schedule.h"
 #include "host/server/Server.h"
+#include "host/server/sample/SampleOrders.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 
@@ -26,9 +26,9 @@ void SetProgress(Registration& registration, const InstalmentPlan& plan, Date to
     const Date tomorrow = sys_days(today) + std::chrono::days(1);
     const int due = std::min(InstalmentsBefore(plan.start, plan.frequency, tomorrow), plan.periods);
     registration.progress = {due, due, today};
-    registration.Set(kTagEndDate, RecordDate(LastDueDate(plan, registration.progress)));
+    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
     const Date next = InstalmentDate(plan.start, plan.frequency, std::min(due, plan.periods - 1));
-    registration.Set(kTagNextExecution, RecordDate(next));
+    registration.Set(tag::nextExecutionDate, RecordDate(next));
 }
 
 void SetStatus(Registration& registration, const Day& day, int periods, SampleOrders& orders) {
@@ -36,29 +36,29 @@ void SetStatus(Registration& registration, const Day& day, int periods, SampleOr
     std::string_view status = registration.progress.executed == periods ? kStatusExpired : kStatusActive;
     if (lot < 3) status = kStatusCancelled;
     if (status == kStatusActive && lot == 3) status = kStatusPaused;
-    registration.Set(kTagStatus, status);
+    registration.Set(tag::sipStatus, status);
     if (status == kStatusCancelled) {
         const auto daysSince = static_cast<std::size_t>((sys_days(day.today) - sys_days(day.entered)).count());
         const auto after = std::chrono::days(static_cast<int>(orders.Below(daysSince + 1)));
-        registration.Set(kTagUserText, orders.AnyOf(kReasons));
-        registration.Set(kTagCancelledDate, RecordDate(sys_days(day.entered) + after));
-        registration.Set(kTagCancelledBy, registration.Text(kTagUser));
+        registration.Set(tag::userText, orders.AnyOf(kReasons));
+        registration.Set(tag::cancelledDate, RecordDate(sys_days(day.entered) + after));
+        registration.Set(tag::cancelledBy, registration.Text(tag::loginId));
     }
 }
 
 Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t sequence, SampleOrders& orders) {
     Registration registration = orders.Next();
-    const auto periods = static_cast<int>(WholeNumber(registration.Text(kTagPeriods)).value_or(1));
+    const auto periods = static_cast<int>(WholeNumber(registration.Text(tag::totalPeriod)).value_or(1));
     const Date start = sys_days(day.entered) + std::chrono::days(1 + static_cast<int>(orders.Below(30)));
-    registration.Set(kTagUser, user.loginId);
-    registration.Set(kTagBroker, user.peerIdA);
-    registration.Set(kTagBranch, user.peerIdB);
-    registration.Set(kTagStartDate, RecordDate(start));
-    registration.Set(kTagRegistrationDate, RecordDate(day.entered));
-    registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, day.entered, sequence));
-    registration.Set(kTagRequestIdentifier, "sample-" + std::to_string(sequence));
-    registration.Set(kTagStream, kStreamName);
-    const std::string frequency(registration.Text(kTagFrequency));
+    registration.Set(tag::loginId, user.loginId);
+    registration.Set(tag::peerIdA, user.peerIdA);
+    registration.Set(tag::peerIdB, user.peerIdB);
+    registration.Set(tag::startDate, RecordDate(start));
+    registration.Set(tag::registrationDate, RecordDate(day.entered));
+    registration.Set(tag::registrationNumber, DatedNumber(kNumberPrefix, day.entered, sequence));
+    registration.Set(tag::orderId, "sample-" + std::to_string(sequence));
+    registration.Set(tag::streamName, kStreamName);
+    const std::string frequency(registration.Text(tag::frequency));
     SetProgress(registration, {start, frequency, periods}, day.today);
     SetStatus(registration, day, periods, orders);
     registration.Shrink();

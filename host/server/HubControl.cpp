@@ -13,12 +13,12 @@ constexpr std::size_t kMostSubscriptions = 256;
 
 // What a subscription may ask for; the stream's name besides.
 constexpr std::uint32_t kSubscriptionTags[] = {
-    kTagStream, kTagRegistrationNumber, kTagBroker, kTagBranch, kTagUser, kTagAccount,
+    tag::streamName, tag::registrationNumber, tag::peerIdA, tag::peerIdB, tag::loginId, tag::account,
 };
 
 // Fields by which a registration belongs to somebody.
 bool IsIdentity(std::uint32_t tag) {
-    return tag == kTagUser || tag == kTagBroker || tag == kTagBranch;
+    return tag == tag::loginId || tag == tag::peerIdA || tag == tag::peerIdB;
 }
 
 int Fail(QmxError* error, QmxErrorCode code, const char* text) {
@@ -49,7 +49,7 @@ bool Matches(const Subscription& subscription, const Registration& registration,
     return std::ranges::all_of(subscription, [&](const auto& field) {
         const auto& [tag, value] = field;
         if (!value.empty()) return registration.Text(tag) == value;
-        return !IsIdentity(tag) || registration.Text(kTagUser) == loginId;
+        return !IsIdentity(tag) || registration.Text(tag::loginId) == loginId;
     });
 }
 
@@ -69,7 +69,7 @@ int HubControl::SendRequest(std::uint64_t* requestNumber, void* message, int, Qm
     QmxDatum bytes{};
     if (!qmx_message_bytes(message, &bytes, error)) return 0;
     const std::uint64_t number =
-        OrNothing([&] { return Queue(qmx::Text(message, kTagRequestName), qmx::View(bytes)); });
+        OrNothing([&] { return Queue(qmx::Text(message, tag::requestName), qmx::View(bytes)); });
     if (!number) return Fail(error, kQmxNoMemory, "the request is too long, or too many wait for the server");
     if (requestNumber) *requestNumber = number;
     return Succeed(error);

@@ -3,10 +3,10 @@
 // Thread: any; pure functions.
 #pragma once
 
-#include "host/server/MarketDays.h"
 #include "host/server/Refusal.h"
 #include "host/server/Registration.h"
 #include "host/server/ServerConfig.h"
+#include "host/server/schedule/MarketDays.h"
 
 #include <chrono>
 #include <optional>

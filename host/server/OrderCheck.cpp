@@ -2,7 +2,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "host/server/Registration.h"
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 
@@ -22,29 +22,29 @@ struct FieldRule {
 };
 
 constexpr FieldRule kNeeded[] = {
-    {kTagExchange, "exchange segment", Form::code, " bse_cm nse_cm "},
-    {kTagToken, "token", Form::text, {}},
-    {kTagTradingSymbol, "trading symbol", Form::text, {}},
-    {kTagSide, "side", Form::code, " B S "},
-    {kTagOrderType, "order type", Form::code, " MKT "},
-    {kTagProduct, "product", Form::text, {}},
-    {kTagInvestType, "invest type", Form::code, " value qty "},
-    {kTagAmountOrQuantity, "amount or quantity", Form::positive, {}},
-    {kTagFrequency, "frequency", Form::text, {}},
-    {kTagStartDate, "start date", Form::date, {}},
-    {kTagPeriods, "total period", Form::positive, {}},
-    {kTagUser, "user", Form::text, {}},
-    {kTagFirm, "customer firm", Form::code, " C "},
-    {kTagAccount, "account", Form::text, {}},
-    {kTagValidity, "validity", Form::code, " DAY "},
-    {kTagOrderSource, "order source", Form::text, {}},
+    {tag::exchange, "exchange segment", Form::code, " bse_cm nse_cm "},
+    {tag::token, "token", Form::text, {}},
+    {tag::tradingSymbol, "trading symbol", Form::text, {}},
+    {tag::side, "side", Form::code, " B S "},
+    {tag::orderType, "order type", Form::code, " MKT "},
+    {tag::product, "product", Form::text, {}},
+    {tag::investType, "invest type", Form::code, " value qty "},
+    {tag::amountOrQuantity, "amount or quantity", Form::positive, {}},
+    {tag::frequency, "frequency", Form::text, {}},
+    {tag::startDate, "start date", Form::date, {}},
+    {tag::totalPeriod, "total period", Form::positive, {}},
+    {tag::loginId, "user", Form::text, {}},
+    {tag::customerFirm, "customer firm", Form::code, " C "},
+    {tag::account, "account", Form::text, {}},
+    {tag::validity, "validity", Form::code, " DAY "},
+    {tag::orderSource, "order source", Form::text, {}},
 };
 constexpr FieldRule kOptional[] = {
-    {kTagCautionary, "cautionary flag", Form::code, " Y N "},
-    {kTagOperationMode, "operation mode", Form::number, {}},
-    {kTagBroker, "broker", Form::text, {}},
-    {kTagBranch, "branch", Form::text, {}},
-    {kTagRequestIdentifier, "request identifier", Form::text, {}},
+    {tag::cautionaryFlag, "cautionary flag", Form::code, " Y N "},
+    {tag::operationMode, "operation mode", Form::number, {}},
+    {tag::peerIdA, "broker", Form::text, {}},
+    {tag::peerIdB, "branch", Form::text, {}},
+    {tag::orderId, "request identifier", Form::text, {}},
 };
 
 bool IsListed(std::string_view code, std::string_view codes) {
@@ -104,9 +104,9 @@ std::optional<Refusal> JudgeOrder(void* request, std::string_view loginId, const
         if (auto refusal = JudgeField(request, rule, true)) return refusal;
     for (const FieldRule& rule : kOptional)
         if (auto refusal = JudgeField(request, rule, false)) return refusal;
-    if (qmx::Text(request, kTagUser) != loginId) return WrongUser();
-    return JudgePeriods(qmx::Text(request, kTagFrequency),
-                        WholeNumber(qmx::Text(request, kTagPeriods)).value_or(0), config);
+    if (qmx::Text(request, tag::loginId) != loginId) return WrongUser();
+    return JudgePeriods(qmx::Text(request, tag::frequency),
+                        WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(0), config);
 }
 
 } // namespace vesk

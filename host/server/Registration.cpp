@@ -1,6 +1,6 @@
 #include "host/server/Registration.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 namespace vesk {
 namespace {
@@ -59,10 +59,10 @@ void Registration::RememberChange(std::string_view sentAs) {
 }
 
 std::optional<InstalmentPlan> Registration::Plan() const {
-    const auto start = ParseRecordDate(Text(kTagStartDate));
-    const auto periods = WholeNumber(Text(kTagPeriods));
+    const auto start = ParseRecordDate(Text(tag::startDate));
+    const auto periods = WholeNumber(Text(tag::totalPeriod));
     if (!start || !periods || *periods > kMostPeriods) return std::nullopt;
-    return InstalmentPlan{*start, Text(kTagFrequency), static_cast<int>(*periods)};
+    return InstalmentPlan{*start, Text(tag::frequency), static_cast<int>(*periods)};
 }
 
 } // namespace vesk

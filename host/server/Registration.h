@@ -3,8 +3,8 @@
 // Thread: any; plain values.
 #pragma once
 
-#include "host/server/FieldRecord.h"
-#include "host/server/Instalments.h"
+#include "host/server/journal/FieldRecord.h"
+#include "host/server/schedule/Instalments.h"
 
 #include <optional>
 #include <string>
@@ -27,7 +27,7 @@ inline constexpr std::string_view kStreamName = "PLANFOLD";
 
 class Registration : public FieldRecord {
 public:
-    std::string_view Number() const { return Text(kTagRegistrationNumber); }
+    std::string_view Number() const { return Text(tag::registrationNumber); }
 
     // The journal's form and back; nothing when the text is not a record with a registration number.
     std::string Json() const;

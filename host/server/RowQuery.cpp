@@ -1,6 +1,6 @@
 #include "host/server/RowQuery.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <array>
@@ -41,15 +41,15 @@ struct Owner {
 };
 // The firm, or the login where the connection has none.
 Owner OwnerOf(const UserIdentity& user) {
-    if (!user.peerIdA.empty()) return {kTagBroker, user.peerIdA};
-    if (!user.peerIdB.empty()) return {kTagBranch, user.peerIdB};
-    return {kTagUser, user.loginId};
+    if (!user.peerIdA.empty()) return {tag::peerIdA, user.peerIdA};
+    if (!user.peerIdB.empty()) return {tag::peerIdB, user.peerIdB};
+    return {tag::loginId, user.loginId};
 }
 
 constexpr ExecutionQuery kExecutionQueries[] = {
     // An error that has no code ends the orders.
-    {"qry_eq_sip_orders", &ExecutionHistory::orders, kTagErrorCode, {}},
-    {"qry_eq_sip_trades", &ExecutionHistory::trades, kTagNoMoreData, "no more data"},
+    {"qry_eq_sip_orders", &ExecutionHistory::orders, tag::errorCode, {}},
+    {"qry_eq_sip_trades", &ExecutionHistory::trades, tag::noRowText, "no more data"},
 };
 
 } // namespace
@@ -62,22 +62,22 @@ const ExecutionQuery* FindExecutionQuery(std::string_view request) {
 
 bool MaySee(const UserIdentity& user, const Registration& registration) {
     const Owner owner = OwnerOf(user);
-    return registration.Text(kTagUser) == user.loginId || registration.Text(owner.tag) == owner.text;
+    return registration.Text(tag::loginId) == user.loginId || registration.Text(owner.tag) == owner.text;
 }
 
 bool RowQuery::Wants(const Registration& registration) const {
     if (registration.Text(ownerTag) != owner) return false;
     if (!entered) return true;
-    const auto date = ParseRecordDate(registration.Text(kTagRegistrationDate));
+    const auto date = ParseRecordDate(registration.Text(tag::registrationDate));
     return date && std::chrono::sys_days(*date) >= entered->first
            && std::chrono::sys_days(*date) <= entered->last;
 }
 
 std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query) {
-    const std::string_view login = qmx::Text(request, kTagUser);
+    const std::string_view login = qmx::Text(request, tag::loginId);
     if (login.empty()) return MissingField("user");
     if (login != user.loginId) return WrongUser();
-    query.ownerTag = kTagUser;
+    query.ownerTag = tag::loginId;
     query.owner = user.loginId;
     query.isList = true;
     return std::nullopt;
@@ -85,8 +85,8 @@ std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, Ro
 
 std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query) {
     RowQuery::Days days;
-    if (auto refusal = ReadDay(request, kTagStartDate, "from-date", days.first)) return refusal;
-    if (auto refusal = ReadDay(request, kTagToDate, "to-date", days.last)) return refusal;
+    if (auto refusal = ReadDay(request, tag::startDate, "from-date", days.first)) return refusal;
+    if (auto refusal = ReadDay(request, tag::toDate, "to-date", days.last)) return refusal;
     query.entered = days;
     const Owner owner = OwnerOf(user);
     query.ownerTag = owner.tag;

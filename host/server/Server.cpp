@@ -1,6 +1,6 @@
 #include "host/server/Server.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <ctime>
@@ -10,9 +10,9 @@ namespace {
 
 // Fields that a record takes from its request as they are.
 constexpr std::uint32_t kTakenOver[] = {
-    kTagUser,    kTagBroker,  kTagBranch,    kTagExchange,          kTagToken,       kTagTradingSymbol,
-    kTagSide,    kTagProduct, kTagOrderType, kTagInvestType,        kTagFrequency,   kTagAmountOrQuantity,
-    kTagPeriods, kTagAccount, kTagValidity,  kTagRequestIdentifier, kTagOrderSource, kTagCautionary,
+    tag::loginId,     tag::peerIdA, tag::peerIdB,   tag::exchange,   tag::token,       tag::tradingSymbol,
+    tag::side,        tag::product, tag::orderType, tag::investType, tag::frequency,   tag::amountOrQuantity,
+    tag::totalPeriod, tag::account, tag::validity,  tag::orderId,    tag::orderSource, tag::cautionaryFlag,
 };
 
 std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
@@ -83,13 +83,13 @@ bool Server::Replay(std::string_view record) {
     }
     if (ReplayClock(record)) return true;
     auto order = ExchangeOrder::FromJson(record);
-    if (!order || !Find(order->order.Text(kTagRegistrationNumber))) return false;
+    if (!order || !Find(order->order.Text(tag::registrationNumber))) return false;
     Enter(std::move(*order));
     return true;
 }
 
 Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
-    const std::string name(qmx::Text(request, kTagRequestName).substr(0, kLongestText));
+    const std::string name(qmx::Text(request, tag::requestName).substr(0, kLongestText));
     const RequestFault& fault = m_config.FaultFor(name);
     Reply reply = fault.errorCode ? Refuse(request, {*fault.errorCode, "Refused by the server's configuration"})
                                   : Dispatch(name, request, user, sentAs);
@@ -119,20 +119,20 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
     }
     if (names.empty() || m_config.operationModeShape == OperationModeShape::listThenZero)
         names.emplace_back("0");
-    m_writer.Start().Add(kTagAnswerName, qmx::Text(request, kTagRequestName));
+    m_writer.Start().Add(tag::echoedRequest, qmx::Text(request, tag::requestName));
     if (m_config.operationModeShape != OperationModeShape::bare) {
-        AddTexts(m_writer, kTagFrequency, names);
-        AddTexts(m_writer, kTagMinimumPeriods, minimums);
+        AddTexts(m_writer, tag::frequency, names);
+        AddTexts(m_writer, tag::minimumPeriods, minimums);
     }
     return {{m_writer.Finish()}};
 }
 
 Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     // A request that was sent twice is one order; its judgement was made the first time.
-    if (const Registration* before = FindSent(std::string(qmx::Text(request, kTagRequestIdentifier)), user))
+    if (const Registration* before = FindSent(std::string(qmx::Text(request, tag::orderId)), user))
         return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
-    if (const std::string_view account = qmx::Text(request, kTagAccount); m_knows && !m_knows(account))
+    if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
     const Registration registration = MakeRegistration(request);
@@ -145,29 +145,29 @@ Registration Server::MakeRegistration(void* request) const {
     for (const std::uint32_t tag : kTakenOver)
         if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
     const auto today = Today();
-    const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, kTagStartDate)).value_or(0));
-    const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, kTagPeriods)).value_or(1));
-    const InstalmentPlan plan{start, qmx::Text(request, kTagFrequency), periods};
+    const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
+    const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(1));
+    const InstalmentPlan plan{start, qmx::Text(request, tag::frequency), periods};
     registration.progress = BeginPlan(plan, today);
-    registration.Set(kTagStartDate, RecordDate(start));
-    registration.Set(kTagEndDate, RecordDate(LastDueDate(plan, registration.progress)));
-    registration.Set(kTagRegistrationDate, RecordDate(today));
-    registration.Set(kTagRegistrationNumber, DatedNumber(kNumberPrefix, today, m_registrations.size() + 1));
-    registration.Set(kTagStatus, kStatusActive);
-    registration.Set(kTagStream, kStreamName);
+    registration.Set(tag::startDate, RecordDate(start));
+    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
+    registration.Set(tag::registrationDate, RecordDate(today));
+    registration.Set(tag::registrationNumber, DatedNumber(kNumberPrefix, today, m_registrations.size() + 1));
+    registration.Set(tag::sipStatus, kStatusActive);
+    registration.Set(tag::streamName, kStreamName);
     return registration;
 }
 
 const Registration* Server::FindSent(const std::string& identifier, const UserIdentity& user) const {
     const auto [first, last] = m_byRequestIdentifier.equal_range(identifier);
     const auto found = std::find_if(first, last, [&](const auto& entry) {
-        return m_registrations[entry.second].Text(kTagUser) == user.loginId;
+        return m_registrations[entry.second].Text(tag::loginId) == user.loginId;
     });
     return found == last ? nullptr : &m_registrations[found->second];
 }
 
 std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {
-    const std::string_view number = qmx::Text(request, kTagRegistrationNumber);
+    const std::string_view number = qmx::Text(request, tag::registrationNumber);
     if (number.empty()) return MissingField("registration number");
     found = Find(number);
     if (found) return std::nullopt;
@@ -176,7 +176,7 @@ std::optional<Refusal> Server::FindNamed(void* request, const Registration*& fou
 }
 
 Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
-    const std::string_view name = qmx::Text(request, kTagRequestName);
+    const std::string_view name = qmx::Text(request, tag::requestName);
     RestrictedRange range;
     if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(request, *refusal);
     // What is due and not yet executed goes by the new days.
@@ -185,11 +185,11 @@ Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
         return Refuse(request, {kCodeJournal, fault});
     Restrict(range);
     m_unscheduled = 0;
-    return {{m_writer.Start().Add(kTagAnswerName, name).Finish()}};
+    return {{m_writer.Start().Add(tag::echoedRequest, name).Finish()}};
 }
 
 Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
-    m_writer.Start().Add(kTagAnswerName, qmx::Text(request, kTagRequestName));
+    m_writer.Start().Add(tag::echoedRequest, qmx::Text(request, tag::requestName));
     if (const RestrictedRange* range = m_market.restricted.Last()) range->Fields().AddTo(m_writer);
     return {{m_writer.Finish()}};
 }
@@ -198,7 +198,7 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
                                  std::string_view sentAs) {
     const Registration* before = nullptr;
     if (const auto refusal = FindNamed(request, before)) return Refuse(request, *refusal);
-    if (before->Text(kTagUser) != user.loginId) return Refuse(request, OtherUser());
+    if (before->Text(tag::loginId) != user.loginId) return Refuse(request, OtherUser());
     const std::string number(before->Number());
 
     if (!before->WasChangedBy(sentAs)) {
@@ -212,17 +212,17 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
             if (const auto refusal = Keep(std::move(after))) return Refuse(request, *refusal);
         }
     }
-    m_writer.Start().Add(kTagAnswerName, kind.request);
-    if (kind.request == "cancel_sip_order") m_writer.Add(kTagEchoed, number);
-    m_writer.Add(kTagUserText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
-    m_writer.Add(kTagRegistrationNumber, number);
+    m_writer.Start().Add(tag::echoedRequest, kind.request);
+    if (kind.request == "cancel_sip_order") m_writer.Add(tag::echoedNumber, number);
+    m_writer.Add(tag::userText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
+    m_writer.Add(tag::registrationNumber, number);
     return {{m_writer.Finish()}};
 }
 
 template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
 Reply Server::StartQuery(void* request, const UserIdentity& user) {
     RowQuery query;
-    query.request = qmx::Text(request, kTagRequestName);
+    query.request = qmx::Text(request, tag::requestName);
     if (const auto refusal = read(request, user, query)) return Refuse(request, *refusal);
     query.end = m_registrations.size();
     return {{}, std::move(query)};
@@ -243,8 +243,8 @@ std::string Server::NextRegistration(RowQuery& query) {
     query.isDone = query.next == query.end;
     if (!found && (!query.isDone || query.hasRows)) return {};
     query.hasRows = true;
-    m_writer.Start().Add(kTagAnswerName, query.request);
-    if (found && query.isList) m_writer.Add(kTagListRow, "1");
+    m_writer.Start().Add(tag::echoedRequest, query.request);
+    if (found && query.isList) m_writer.Add(tag::queriedRow, "1");
     if (found) found->AddTo(m_writer);
     return m_writer.Finish();
 }
@@ -275,31 +275,35 @@ std::size_t Server::Enter(Registration registration) {
         m_registrations[place->second] = std::move(registration);
         return place->second;
     }
-    if (const std::string_view identifier = registration.Text(kTagRequestIdentifier); !identifier.empty())
+    if (const std::string_view identifier = registration.Text(tag::orderId); !identifier.empty())
         m_byRequestIdentifier.emplace(identifier, place->second);
     m_registrations.push_back(std::move(registration));
     return place->second;
 }
 
 Reply Server::Refuse(void* request, const Refusal& refusal) {
-    const std::string_view name = qmx::Text(request, kTagRequestName).substr(0, kLongestText);
-    m_writer.Start().Add(kTagAnswerName, name).Add(kTagErrorCode, refusal.code).Add(kTagUserText, refusal.text);
+    const std::string_view name = qmx::Text(request, tag::requestName).substr(0, kLongestText);
+    m_writer.Start()
+        .Add(tag::echoedRequest, name)
+        .Add(tag::errorCode, refusal.code)
+        .Add(tag::userText, refusal.text);
     // By which a terminal with several changes under way knows which is refused.
-    if (FindChange(name) && qmx::Has(request, kTagRegistrationNumber))
-        m_writer.Add(kTagRegistrationNumber,
-                     qmx::Text(request, kTagRegistrationNumber).substr(0, kLongestText));
+    if (FindChange(name) && qmx::Has(request, tag::registrationNumber))
+        m_writer.Add(tag::registrationNumber,
+                     qmx::Text(request, tag::registrationNumber).substr(0, kLongestText));
     return {{m_writer.Finish()}};
 }
 
 Reply Server::AnswerRegistered(void* request, const Registration& registration) {
     const std::string text = "SIP registered. Registration No : " + std::string(registration.Number());
     m_writer.Start()
-        .Add(kTagAnswerName, "add_sip_orders")
-        .Add(kTagUserText, text)
-        .Add(kTagAccount, registration.Text(kTagAccount))
-        .Add(kTagRegistrationNumber, registration.Number());
+        .Add(tag::echoedRequest, "add_sip_orders")
+        .Add(tag::userText, text)
+        .Add(tag::account, registration.Text(tag::account))
+        .Add(tag::registrationNumber, registration.Number());
     // By which a basket finds the row again.
-    if (qmx::Has(request, kTagEchoed)) m_writer.Add(kTagEchoed, qmx::Text(request, kTagEchoed));
+    if (qmx::Has(request, tag::echoedNumber))
+        m_writer.Add(tag::echoedNumber, qmx::Text(request, tag::echoedNumber));
     return {{m_writer.Finish()}};
 }
 

@@ -8,16 +8,16 @@
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"
-#include "host/server/DueQueue.h"
 #include "host/server/ExchangeOrder.h"
-#include "host/server/Journal.h"
-#include "host/server/MarketDays.h"
 #include "host/server/OrderChange.h"
 #include "host/server/OrderCheck.h"
 #include "host/server/Registration.h"
-#include "host/server/RestrictedDays.h"
 #include "host/server/RowQuery.h"
 #include "host/server/ServerConfig.h"
+#include "host/server/journal/Journal.h"
+#include "host/server/schedule/DueQueue.h"
+#include "host/server/schedule/MarketDays.h"
+#include "host/server/schedule/RestrictedDays.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "host/server/ServerCommands.h"
 
-#include "host/server/OtherSession.h"
-#include "host/server/Schedule.h"
+#include "host/server/sample/OtherSession.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <iterator>

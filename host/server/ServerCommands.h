@@ -8,8 +8,8 @@
 // Failure: a line that cannot be done is told, with the reason; nothing is thrown for it.
 #pragma once
 
-#include "host/server/SampleOrders.h"
 #include "host/server/Server.h"
+#include "host/server/sample/SampleOrders.h"
 
 #include <cstdint>
 #include <span>

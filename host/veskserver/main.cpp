@@ -1,9 +1,9 @@
 // veskserver: the trading server as a program of its own.
 #include "host/files/Paths.h"
+#include "host/market/TerminalConfig.h"
+#include "host/market/TradingCalendar.h"
 #include "host/server/net/NetServer.h"
-#include "host/terminal/core/MarketOfServer.h"
-#include "host/terminal/core/TerminalConfig.h"
-#include "host/terminal/core/TradingCalendar.h"
+#include "host/server/sample/MarketOfServer.h"
 #include "host/veskserver/InputLines.h"
 #include "host/veskserver/Options.h"
 

@@ -1,6 +1,6 @@
 #include "tests/net/KillDealer.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/net/NetFixture.h"
 
 #include <fcntl.h>
@@ -30,7 +30,7 @@ public:
         : m_login(login), m_name(std::move(name)), m_terminal(port, login), m_random(seed) {
         m_terminal.onAnswer = [this](void* message) { OnAnswer(message); };
         m_terminal.onUpdate = [this](void* message) { OnUpdate(message); };
-        if (!m_terminal.Subscribe(kTagUser, "")) _exit(1);
+        if (!m_terminal.Subscribe(tag::loginId, "")) _exit(1);
     }
 
     void Go(bool goesOn) {
@@ -72,33 +72,33 @@ private:
         SayLine({"p", held.id});
         const std::chrono::sys_days today = DateOf(m_date);
         const std::int64_t start = today.time_since_epoch().count() + static_cast<std::int64_t>(Below(4));
-        m_terminal.Send(Order({{kTagUser, m_login},
-                               {kTagRequestIdentifier, held.id},
-                               {kTagEchoed, held.id},
-                               {kTagFrequency, "daily"},
-                               {kTagPeriods, held.periods},
-                               {kTagStartDate, std::to_string(start * kDaySeconds + kDaySeconds / 2)}}));
+        m_terminal.Send(Order({{tag::loginId, m_login},
+                               {tag::orderId, held.id},
+                               {tag::echoedNumber, held.id},
+                               {tag::frequency, "daily"},
+                               {tag::totalPeriod, held.periods},
+                               {tag::startDate, std::to_string(start * kDaySeconds + kDaySeconds / 2)}}));
         m_placing.emplace(held.id, std::move(held));
     }
 
     void Change(const std::string& number) {
         m_changing = number;
         m_changed = m_held[number];
-        Fields request{{kTagRegistrationNumber, number}};
+        Fields request{{tag::registrationNumber, number}};
         const std::size_t kind = Below(10);
         if (kind == 0) {
             m_changed.status = "cancelled";
-            request[kTagRequestName] = "cancel_sip_order";
-            request[kTagRequestIdentifier] = m_changed.id + "x";
+            request[tag::requestName] = "cancel_sip_order";
+            request[tag::orderId] = m_changed.id + "x";
         } else if (kind < 4) {
             const bool pauses = m_changed.status == "active";
             m_changed.status = pauses ? "Paused" : "active";
-            request[kTagRequestName] = pauses ? "pause_sip_order" : "resume_sip_order";
+            request[tag::requestName] = pauses ? "pause_sip_order" : "resume_sip_order";
         } else {
             m_changed.amount = std::to_string(200'000 + ++m_changes);
-            request[kTagRequestName] = "modify_sip_order";
-            request[kTagAmountOrQuantity] = m_changed.amount;
-            request[kTagPeriods] = m_changed.periods;
+            request[tag::requestName] = "modify_sip_order";
+            request[tag::amountOrQuantity] = m_changed.amount;
+            request[tag::totalPeriod] = m_changed.periods;
         }
         SayLine({"c", number, m_changed.status, m_changed.amount});
         m_terminal.Send(request);
@@ -106,20 +106,20 @@ private:
 
     void Look(const std::string& number) {
         m_looking = number;
-        m_terminal.Send({{kTagRequestName, "qry_eq_sip_orders"}, {kTagRegistrationNumber, number}});
+        m_terminal.Send({{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, number}});
     }
 
     void OnAnswer(void* message) {
-        const std::string_view name = qmx::Text(message, kTagAnswerName);
-        const bool isEnd = qmx::Has(message, kTagErrorCode);
+        const std::string_view name = qmx::Text(message, tag::echoedRequest);
+        const bool isEnd = qmx::Has(message, tag::errorCode);
         if (name == "qry_eq_sip_orders") {
             if (isEnd)
                 m_looking.clear();
             else
-                SayLine({"o", m_looking, qmx::Text(message, kTagOrderNumber)});
+                SayLine({"o", m_looking, qmx::Text(message, tag::orderNumber)});
         } else if (name == "add_sip_orders") {
-            const std::string text(qmx::Text(message, kTagUserText));
-            auto placed = m_placing.extract(std::string(qmx::Text(message, kTagEchoed)));
+            const std::string text(qmx::Text(message, tag::userText));
+            auto placed = m_placing.extract(std::string(qmx::Text(message, tag::echoedNumber)));
             if (isEnd || placed.empty()) _exit(3); // nothing is wrong with any order, and each is answered once
             const std::string number = text.substr(text.find(": ") + 2);
             SayLine({"P", placed.key(), number});
@@ -136,9 +136,9 @@ private:
     }
 
     void OnUpdate(void* message) {
-        const auto day = ParseRecordDate(qmx::Text(message, kTagNextExecution));
-        const std::string_view number = qmx::Text(message, kTagRegistrationNumber);
-        const std::string_view status = qmx::Text(message, kTagStatus);
+        const auto day = ParseRecordDate(qmx::Text(message, tag::nextExecutionDate));
+        const std::string_view number = qmx::Text(message, tag::registrationNumber);
+        const std::string_view status = qmx::Text(message, tag::sipStatus);
         SayLine({"s", number, status, std::to_string(day ? DateNumber(*day) : 0)});
         if (status == "expired" && number != m_changing) m_held.erase(std::string(number));
     }

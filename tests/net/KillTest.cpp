@@ -5,7 +5,7 @@
 // once, what a killed terminal had not been told of once or not at all, and the instalments of every plan are
 // one a day, without a gap, and none on a closed day.
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/net/KillDealer.h"
 #include "tests/net/KillVerdict.h"
 #include "tests/net/NetFixture.h"

@@ -1,6 +1,6 @@
 #include "tests/net/KillVerdict.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 #include <algorithm>
@@ -25,8 +25,8 @@ void Demand(bool holds, const std::string& what) {
 }
 
 bool Verdict::State::Is(const Registration& registration) const {
-    const std::string_view now = registration.Text(kTagStatus);
-    return registration.Text(kTagAmountOrQuantity) == amount
+    const std::string_view now = registration.Text(tag::sipStatus);
+    return registration.Text(tag::amountOrQuantity) == amount
            && (now == status || (now == kStatusExpired && status == kStatusActive));
 }
 
@@ -43,7 +43,7 @@ const Verdict::Line Verdict::kLines[] = {
 Verdict::Verdict(Server& server, const std::vector<std::chrono::year_month_day>& closed)
     : m_server(server), m_closed(closed.begin(), closed.end()) {
     for (const Registration& registration : server.Registrations()) {
-        std::string id(registration.Text(kTagRequestIdentifier));
+        std::string id(registration.Text(tag::orderId));
         // A cancellation has put its own there.
         if (id.ends_with('x')) id.pop_back();
         Demand(m_byId.emplace(id, registration.Number()).second, id + " is there twice");
@@ -68,7 +68,7 @@ void Verdict::Hear(const std::string& said, bool wasKilled) {
                    || (story.pending.contains(number) && story.pending[number].Is(Found(number))),
                number + " is not what was answered");
     for (const auto& [number, last] : story.stream)
-        Demand(wasKilled || last == std::string(Found(number).Text(kTagStatus)) + Next(number),
+        Demand(wasKilled || last == std::string(Found(number).Text(tag::sipStatus)) + Next(number),
                number + " was not told by the stream as it is");
 }
 
@@ -124,13 +124,13 @@ void Verdict::JudgeInstalments(const Registration& registration) {
         Demand(IsOpen(day), number + ": an instalment on a closed day");
     }
     const auto executed = static_cast<std::size_t>(registration.progress.executed);
-    const auto periods = std::stoul(std::string(registration.Text(kTagPeriods)));
+    const auto periods = std::stoul(std::string(registration.Text(tag::totalPeriod)));
     Demand(days.size() == executed && executed <= periods, number + ": instalments that do not count");
-    Demand((registration.Text(kTagStatus) == kStatusExpired) == (executed == periods),
+    Demand((registration.Text(tag::sipStatus) == kStatusExpired) == (executed == periods),
            number + " does not end with its last instalment");
     if (m_paused.contains(number)) return;
     sys_days expected =
-        std::max(DateOf(registration, kTagStartDate), DateOf(registration, kTagRegistrationDate));
+        std::max(DateOf(registration, tag::startDate), DateOf(registration, tag::registrationDate));
     for (const sys_days day : days) {
         while (!IsOpen(expected))
             expected += std::chrono::days(1);
@@ -150,24 +150,24 @@ const Registration& Verdict::Found(const std::string& number) const {
 }
 
 std::string Verdict::Next(const std::string& number) const {
-    return std::to_string(DateNumber(DateOf(Found(number), kTagNextExecution)));
+    return std::to_string(DateNumber(DateOf(Found(number), tag::nextExecutionDate)));
 }
 
 const std::map<std::string, sys_days>& Verdict::DaysOf(const std::string& number) {
     const auto [place, isNew] = m_days.emplace(number, std::map<std::string, sys_days>{});
     if (!isNew) return place->second;
     const std::string request =
-        Message({{kTagRequestName, "qry_eq_sip_orders"}, {kTagRegistrationNumber, number}});
+        Message({{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, number}});
     const qmx::MessageReader reader(request);
-    const std::string user(Found(number).Text(kTagUser));
+    const std::string user(Found(number).Text(tag::loginId));
     Reply reply = m_server.Handle(reader.Handle(), {user, "BROKER", ""});
     while (true) {
         const std::string bytes = m_server.NextRow(*reply.rows);
         const qmx::MessageReader row(bytes);
-        if (qmx::Has(row.Handle(), kTagErrorCode)) return place->second;
-        const std::string_view placed = qmx::Text(row.Handle(), kTagPlacedAt);
+        if (qmx::Has(row.Handle(), tag::errorCode)) return place->second;
+        const std::string_view placed = qmx::Text(row.Handle(), tag::placementTime);
         const auto day = ParseRecordDate(placed.substr(0, placed.find(' ')));
-        Demand(day && place->second.emplace(qmx::Text(row.Handle(), kTagOrderNumber), *day).second,
+        Demand(day && place->second.emplace(qmx::Text(row.Handle(), tag::orderNumber), *day).second,
                number + ": an order is there twice");
     }
 }

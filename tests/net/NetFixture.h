@@ -22,7 +22,7 @@ public:
           m_requests(m_hub.Get(kRxRequests, this)), m_stream(m_hub.Get(kRxIdentityStream, this)) {}
 
     // Of the firm, whoever placed it.
-    bool Subscribe(std::uint32_t tag = kTagStream, const char* value = kStreamName.data()) {
+    bool Subscribe(std::uint32_t tag = tag::streamName, const char* value = kStreamName.data()) {
         const QmxDatum datum = qmx::Datum(value);
         return m_stream->Subscribe(nullptr, &tag, &datum, 1, m_stream, 0, 0, 1, nullptr) != 0;
     }
@@ -34,19 +34,19 @@ public:
     bool Place(const std::string& identifier) {
         // From 2099 on: no instalment of it is due.
         return Send(
-            Order({{kTagUser, m_user}, {kTagRequestIdentifier, identifier}, {kTagStartDate, "4070908800"}}));
+            Order({{tag::loginId, m_user}, {tag::orderId, identifier}, {tag::startDate, "4070908800"}}));
     }
     void Pump() { m_hub.Pump(SteadyMs()); }
     RemoteHub& Hub() { return m_hub; }
 
     void OnBroadcast(void* message, std::uint32_t, void*) override {
-        streamed.push_back(std::string(qmx::Text(message, kTagRegistrationNumber)) + " "
-                           + std::string(qmx::Text(message, kTagStatus)));
+        streamed.push_back(std::string(qmx::Text(message, tag::registrationNumber)) + " "
+                           + std::string(qmx::Text(message, tag::sipStatus)));
         if (onUpdate) onUpdate(message);
     }
     void OnResponse(void*, void* message, void*) override {
-        const bool isRow = qmx::Has(message, kTagListRow);
-        answers.emplace_back(qmx::Text(message, isRow ? kTagRegistrationNumber : kTagUserText));
+        const bool isRow = qmx::Has(message, tag::queriedRow);
+        answers.emplace_back(qmx::Text(message, isRow ? tag::registrationNumber : tag::userText));
         if (onAnswer) onAnswer(message);
     }
 

@@ -1,7 +1,7 @@
 // Terminals at a server over TCP: what they see of each other, through the server's end and return, beside one
 // that reads slowly, and when either side sends rubbish.
 
-#include "host/server/SampleOrders.h"
+#include "host/server/sample/SampleOrders.h"
 #include "tests/net/NetFixture.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 Fields ListOf(const char* user) {
-    return {{kTagRequestName, "om_get_sip_orders"}, {kTagUser, user}};
+    return {{tag::requestName, "om_get_sip_orders"}, {tag::loginId, user}};
 }
 
 class Net : public testing::Test {
@@ -58,7 +58,7 @@ protected:
 TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     Start();
     Terminal one(m_port, "USER1"), two(m_port, "USER2");
-    ASSERT_TRUE(two.Subscribe() && two.Send({{kTagRequestName, "get_sip_operation_mode"}}));
+    ASSERT_TRUE(two.Subscribe() && two.Send({{tag::requestName, "get_sip_operation_mode"}}));
     ASSERT_TRUE(Until([&] { return two.Hub().Waiting() == 0; }, {&two}));
     ASSERT_TRUE(one.Place("a"));
     ASSERT_TRUE(Until([&] { return !one.answers.empty() && !two.streamed.empty(); }, {&one, &two}));
@@ -69,7 +69,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     // The answer to a request, and the stream of it, are lost with the server that made the change.
     Until([&] { return one.Hub().Waiting() == 0; }, {&one, &two});
     const Fields cancel{
-        {kTagRequestName, "cancel_sip_order"}, {kTagRegistrationNumber, number}, {kTagRequestIdentifier, "b"}};
+        {tag::requestName, "cancel_sip_order"}, {tag::registrationNumber, number}, {tag::orderId, "b"}};
     ASSERT_TRUE(one.Send(cancel) && one.Place("c"));
     one.Pump();
     const auto heard = [&] { return m_running->server->Registrations().size() == 2; };
@@ -120,10 +120,10 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     ASSERT_TRUE(Until([&] { return !two.Hub().Server().hasDue; }, {&two}));
     EXPECT_EQ(two.streamed.size(), 4u);
 
-    ASSERT_TRUE(one.Send({{kTagRequestName, "calendar_add_restricted_dates"},
-                          {kTagYear, "2026"},
-                          {kTagStartDate, "5"},
-                          {kTagToDay, "6"}}));
+    ASSERT_TRUE(one.Send({{tag::requestName, "calendar_add_restricted_dates"},
+                          {tag::restrictedYear, "2026"},
+                          {tag::startDate, "5"},
+                          {tag::restrictedTo, "6"}}));
     one.onAnswer = [&](void*) { EXPECT_EQ(one.Hub().Server().restricted.size(), 24u); };
     ASSERT_TRUE(Until([&] { return one.answers.size() == 1; }, {&one}));
     one.onAnswer = {};
@@ -132,11 +132,11 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     const std::string number = "SIP2603020000001";
     ASSERT_TRUE(Until([&] { return two.Hub().Server().restricted.size() == 24; }, {&two}));
     Terminal other(m_port, "DEALER02");
-    ASSERT_TRUE(other.Send({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, number}}));
+    ASSERT_TRUE(other.Send({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, number}}));
     ASSERT_TRUE(
         Until([&] { return std::ranges::count(other.states, "the server has ended the connection") == 1; },
               {&other}));
-    EXPECT_EQ(m_running->server->Find(number)->Text(kTagStatus), "Paused");
+    EXPECT_EQ(m_running->server->Find(number)->Text(tag::sipStatus), "Paused");
     EXPECT_EQ(other.answers, Texts{});
     ASSERT_TRUE(Until([&] { return !other.answers.empty(); }, {&other}));
     EXPECT_EQ(other.answers.back(), "SIP paused. Registration No : " + number);
@@ -291,7 +291,7 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         std::string error;
         Socket listener = Socket::Listen(0, error);
         Terminal terminal(listener.Port(), "USER1");
-        terminal.Send({{kTagRequestName, "any"}});
+        terminal.Send({{tag::requestName, "any"}});
         Socket server;
         std::string_view left = row.bytes;
         const auto isLost = [&] {

@@ -1,6 +1,6 @@
 // The registration book, the connection library and the trading server together, with other sessions beside.
 
-#include "host/server/SampleOrders.h"
+#include "host/server/sample/SampleOrders.h"
 #include "tests/plugin/BookDouble.h"
 #include "tests/plugin/FlowStage.h"
 

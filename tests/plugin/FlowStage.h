@@ -1,8 +1,8 @@
 // The plug-in's core over the real connection library and trading server.
 #pragma once
 
-#include "host/server/Journal.h"
 #include "host/server/RxHub.h"
+#include "host/server/journal/Journal.h"
 #include "tests/plugin/Doubles.h"
 
 #include <filesystem>

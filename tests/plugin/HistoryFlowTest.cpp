@@ -1,6 +1,6 @@
 // The order history and the restricted dates over the real connection library and trading server.
 
-#include "host/server/SampleOrders.h"
+#include "host/server/sample/SampleOrders.h"
 #include "plugin/history/OrderHistory.h"
 #include "plugin/messaging/Numbers.h"
 #include "plugin/orderentry/PlaceOrder.h"

@@ -1,5 +1,5 @@
 // Something of each kind that is made, and not let go, is seen in the counts.
-#include "host/terminal/window/Resources.h"
+#include "host/terminal/script/window/Resources.h"
 
 #include <windows.h>
 

@@ -72,10 +72,10 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     for (const auto& row : rows) {
         const std::string name = std::string(row.verb) + "_sip_order";
         Fields request = FieldsOf(row.fields);
-        request.merge(Fields{{kTagRequestName, name}});
+        request.merge(Fields{{tag::requestName, name}});
         request.merge(Fields(kCancel));
         const std::string answer = row.answer + (row.answer.starts_with("32766") ? "" : kDone)
-                                   + " 64804=" + request[kTagRegistrationNumber];
+                                   + " 64804=" + request[tag::registrationNumber];
         const std::string what = name + " -> " + answer;
         const bool isChange = *row.changed != 0;
         Registration expected = *running->server->Find(kNumber);
@@ -102,7 +102,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
               Answers{"32767=add_sip_orders 20008=SIP registered" + kDone + " 54001=CL1" + kEchoed});
     EXPECT_EQ(FileText(path), journal);
     // The identifier of a cancellation says nothing about an order.
-    running->Ask(Order({{kTagRequestIdentifier, "cancel-1"}}));
+    running->Ask(Order({{tag::orderId, "cancel-1"}}));
     EXPECT_EQ(running->server->Registrations().size(), 2u);
     running->user.loginId = "USER2";
     EXPECT_EQ(running->Ask(kCancel),

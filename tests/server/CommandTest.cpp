@@ -54,8 +54,8 @@ TEST(Commands, LineByLine) {
         EXPECT_TRUE(text.starts_with(row.text)) << row.line << ": " << text;
     }
     EXPECT_EQ(running.server->Registrations().size(), 4u);
-    EXPECT_EQ(running.server->Registrations()[0].Text(kTagUser), "DEALER02");
-    EXPECT_EQ(running.server->Registrations()[0].Text(kTagBroker), "BROKER");
+    EXPECT_EQ(running.server->Registrations()[0].Text(tag::loginId), "DEALER02");
+    EXPECT_EQ(running.server->Registrations()[0].Text(tag::peerIdA), "BROKER");
     const ServerConfig& config = running.server->Config();
     EXPECT_EQ(config.FaultFor("add_sip_orders").delayMs, 50);
     EXPECT_EQ(config.FaultFor("any").disconnects, 1);

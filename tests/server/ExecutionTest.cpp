@@ -1,7 +1,7 @@
 // Restricted days, and the exchange orders that became of registrations: set, placed, asked for, and there
 // after a restart.
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 namespace vesk {
@@ -38,11 +38,11 @@ TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
     std::string held;
     for (const auto& row : rows) {
         RunningServer running(path);
-        EXPECT_EQ(running.Ask({{kTagRequestName, get.substr(6)}}), Answers{get + held});
-        EXPECT_EQ(running.Ask({{kTagRequestName, set.substr(6)},
-                               {kTagStartDate, row.from},
-                               {kTagToDay, row.to},
-                               {kTagYear, row.year}}),
+        EXPECT_EQ(running.Ask({{tag::requestName, get.substr(6)}}), Answers{get + held});
+        EXPECT_EQ(running.Ask({{tag::requestName, set.substr(6)},
+                               {tag::startDate, row.from},
+                               {tag::restrictedTo, row.to},
+                               {tag::restrictedYear, row.year}}),
                   Answers{set + (*row.refusal ? " 32766=" : "") + row.refusal});
         if (*row.refusal) continue;
         held = std::string(" 46000=") + row.year + " 49165=" + row.from
@@ -50,7 +50,7 @@ TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
     }
     RunningServer again(path);
     EXPECT_EQ(again.opening.records.size(), 4u);
-    EXPECT_EQ(again.Ask({{kTagRequestName, get.substr(6)}}), Answers{get + held});
+    EXPECT_EQ(again.Ask({{tag::requestName, get.substr(6)}}), Answers{get + held});
     const auto days = again.server->Restricted().All();
     EXPECT_EQ(days.size(), 22u + 42u);
     EXPECT_TRUE(std::is_sorted(days.begin(), days.end()));
@@ -94,7 +94,7 @@ std::string Executed(RunningServer& running, std::size_t count, std::uint64_t se
 
 Answers Rows(RunningServer& running, const char* what) {
     return running.Finish(running.Begin(
-        {{kTagRequestName, std::string("qry_eq_sip_") + what}, {kTagRegistrationNumber, kNumber}}));
+        {{tag::requestName, std::string("qry_eq_sip_") + what}, {tag::registrationNumber, kNumber}}));
 }
 
 std::string Field(const std::string& message, std::uint32_t tag) {
@@ -116,16 +116,16 @@ TEST(Execution, TheRestOfAnOpenOrderLapsesAtTheCloseOfItsDay) {
     };
     for (const auto& row : rows) {
         FieldRecord order;
-        order.Set(kTagStatus, row.status);
-        order.Set(kTagPlacedAt, "05-Mar-2027 09:15:00");
-        EXPECT_EQ(OrderAsOf(row.today, order).Text(kTagStatus), row.shown);
+        order.Set(tag::sipStatus, row.status);
+        order.Set(tag::placementTime, "05-Mar-2027 09:15:00");
+        EXPECT_EQ(OrderAsOf(row.today, order).Text(tag::sipStatus), row.shown);
     }
 }
 
 TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
-    const Fields order = Order({{kTagAmountOrQuantity, "12345000"}});
+    const Fields order = Order({{tag::amountOrQuantity, "12345000"}});
     Answers orders, trades;
     {
         RunningServer running(path);
@@ -143,25 +143,27 @@ TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     trades.pop_back();
     std::map<std::string, std::size_t> fills, seen, days;
     for (const std::string& trade : trades) {
-        ++fills[Field(trade, kTagOrderNumber)];
-        EXPECT_EQ(Field(trade, kTagRegistrationNumber) + Field(trade, kTagTradingSymbol), kNumber + "ALPHA-EQ");
-        EXPECT_GT(WholeNumber(Field(trade, kTagTradedPrice)).value_or(0), 0);
-        EXPECT_TRUE(Field(trade, kTagFillTime).size() == 8 && ParseRecordDate(Field(trade, kTagFillDate)));
+        ++fills[Field(trade, tag::orderNumber)];
+        EXPECT_EQ(Field(trade, tag::registrationNumber) + Field(trade, tag::tradingSymbol),
+                  kNumber + "ALPHA-EQ");
+        EXPECT_GT(WholeNumber(Field(trade, tag::tradedPrice)).value_or(0), 0);
+        EXPECT_TRUE(Field(trade, tag::fillDetailA).size() == 8
+                    && ParseRecordDate(Field(trade, tag::fillDetailB)));
     }
     for (const std::string& row : orders) {
-        const auto quantity = WholeNumber(Field(row, kTagQuantity)).value();
-        const auto traded = WholeNumber(Field(row, kTagTradedQuantity)).value();
-        const std::string status = Field(row, kTagStatus), time = Field(row, kTagFillTime);
-        EXPECT_EQ(traded != 0, fills.contains(Field(row, kTagOrderNumber)));
+        const auto quantity = WholeNumber(Field(row, tag::quantity)).value();
+        const auto traded = WholeNumber(Field(row, tag::tradedQuantity)).value();
+        const std::string status = Field(row, tag::sipStatus), time = Field(row, tag::fillDetailA);
+        EXPECT_EQ(traded != 0, fills.contains(Field(row, tag::orderNumber)));
         EXPECT_EQ(traded == quantity, status == kStatusComplete);
         EXPECT_EQ(traded == 0, status == kStatusRejected);
-        EXPECT_EQ(Field(row, kTagUserText).empty(), status == kStatusComplete);
-        EXPECT_TRUE(Field(row, kTagFillDate).empty() == time.empty()
-                    && Field(row, kTagTradedPrice).empty() == time.empty());
-        for (const Tag tag : {kTagUser, kTagAccount, kTagSide, kTagOrderType, kTagOrderSource})
+        EXPECT_EQ(Field(row, tag::userText).empty(), status == kStatusComplete);
+        EXPECT_TRUE(Field(row, tag::fillDetailB).empty() == time.empty()
+                    && Field(row, tag::tradedPrice).empty() == time.empty());
+        for (const tag::Tag tag : {tag::loginId, tag::account, tag::side, tag::orderType, tag::orderSource})
             EXPECT_EQ(Field(row, tag), order.at(tag));
         ++seen[status + (traded == 0 ? "" : time.empty() ? ", pending" : ", told")];
-        EXPECT_EQ(++days[Field(row, kTagPlacedAt).substr(0, 11)], 1u);
+        EXPECT_EQ(++days[Field(row, tag::placementTime).substr(0, 11)], 1u);
     }
     EXPECT_EQ(seen.size(), 5u);
     EXPECT_GT(seen["complete, pending"], 5u);
@@ -169,7 +171,7 @@ TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     // Neither an order without its trades nor trades without their order are left of a torn record, and the
     // same order is placed again.
     const std::string whole = FileText(path);
-    const std::size_t lastFills = fills[Field(orders.back(), kTagOrderNumber)];
+    const std::size_t lastFills = fills[Field(orders.back(), tag::orderNumber)];
     for (std::size_t length = whole.rfind('\n', whole.size() - 2) + 1; length < whole.size(); length += 61) {
         WriteFileText(path, whole.substr(0, length));
         RunningServer torn(path);
@@ -208,7 +210,7 @@ TEST(Execution, IsToldToWhoMaySeeTheRegistrationAndClosedWithoutAnyRow) {
     for (const auto& row : rows) {
         running.user = {row.login, row.firm, ""};
         for (const std::string name : {"qry_eq_sip_orders", "qry_eq_sip_trades"})
-            EXPECT_EQ(running.Ask({{kTagRequestName, name}, {kTagRegistrationNumber, row.number}}),
+            EXPECT_EQ(running.Ask({{tag::requestName, name}, {tag::registrationNumber, row.number}}),
                       Answers{"32767=" + name + " "
                               + (row.trades && name.ends_with("trades") ? row.trades : row.orders)});
     }

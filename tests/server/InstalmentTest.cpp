@@ -1,7 +1,7 @@
 // Instalments by the server's clock: their days worked out by hand, and random plans, closed days, changes and
 // crashes beside a model that goes from day to day.
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 #include <random>
@@ -27,17 +27,17 @@ ServerConfig Config(const std::string& nonTrading = {}) {
 std::string ExecutedOn(RunningServer& running, std::string_view number) {
     std::string told;
     for (const std::string& row : running.Finish(running.Begin(
-             {{kTagRequestName, "qry_eq_sip_orders"}, {kTagRegistrationNumber, std::string(number)}})))
-        told.append(qmx::Text(qmx::MessageReader(row).Handle(), kTagPlacedAt).substr(0, 11)) += ' ';
+             {{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, std::string(number)}})))
+        told.append(qmx::Text(qmx::MessageReader(row).Handle(), tag::placementTime).substr(0, 11)) += ' ';
     told.pop_back();
     return told;
 }
 
 Fields Plan(sys_days start, const std::string& frequency, int periods) {
-    return Order({{kTagStartDate, std::to_string(start.time_since_epoch() / std::chrono::seconds(1))},
-                  {kTagFrequency, frequency},
-                  {kTagPeriods, std::to_string(periods)},
-                  {kTagRequestIdentifier, ""}});
+    return Order({{tag::startDate, std::to_string(start.time_since_epoch() / std::chrono::seconds(1))},
+                  {tag::frequency, frequency},
+                  {tag::totalPeriod, std::to_string(periods)},
+                  {tag::orderId, ""}});
 }
 
 TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
@@ -109,8 +109,8 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
         running.AdvanceTo(std::chrono::year(2033) / 1 / 1);
         const Registration held = running.server->Registrations()[0];
         EXPECT_EQ(ExecutedOn(running, number), row.executed) << row.start << row.frequency;
-        EXPECT_EQ(held.Text(kTagStatus), kStatusExpired) << row.start << row.frequency;
-        EXPECT_EQ(held.Text(kTagEndDate), row.end) << row.start << row.frequency;
+        EXPECT_EQ(held.Text(tag::sipStatus), kStatusExpired) << row.start << row.frequency;
+        EXPECT_EQ(held.Text(tag::endDate), row.end) << row.start << row.frequency;
         EXPECT_EQ(running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=99|64804=" + number)),
                   std::vector<std::string>{
                       "32767=modify_sip_order 32766=108 20008=The registration is expired 64804=" + number});
@@ -125,7 +125,7 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
     running.Ask(Plan(sys_days(*ParseRecordDate("06-Mar-2026")), "weekly", 3));
     const std::string number(running.server->Registrations()[0].Number());
     for (const char* day : {"06-Mar-2026", "13-Mar-2026"}) {
-        EXPECT_EQ(running.server->Registrations()[0].Text(kTagNextExecution), day);
+        EXPECT_EQ(running.server->Registrations()[0].Text(tag::nextExecutionDate), day);
         EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
         EXPECT_EQ(RecordDate(running.server->Today()), day);
         EXPECT_EQ(running.server->ExecuteDue({}).instalments, 1u);
@@ -239,13 +239,13 @@ private:
         for (const Model& model : m_models) {
             const Registration& held = *m_running->server->Find(model.number);
             ASSERT_EQ(ExecutedOn(*m_running, model.number), model.days) << held.Json();
-            ASSERT_EQ(held.Text(kTagStatus), model.status);
+            ASSERT_EQ(held.Text(tag::sipStatus), model.status);
             if (model.status != kStatusActive) continue;
             sys_days next = m_today + days(1);
             while (!model.Falls(next) || !MarketDays{m_config.nonTrading, m_restricted}.IsOpen(next))
                 next += days(1);
-            ASSERT_EQ(held.Text(kTagNextExecution), RecordDate(next));
-            ASSERT_EQ(held.Text(kTagEndDate),
+            ASSERT_EQ(held.Text(tag::nextExecutionDate), RecordDate(next));
+            ASSERT_EQ(held.Text(tag::endDate),
                       RecordDate(InstalmentDate(model.start, model.frequency,
                                                 model.place + model.periods - model.executed - 1)));
         }
@@ -255,7 +255,7 @@ private:
         const char* names[] = {"pause_sip_order",  "resume_sip_order", "resume_sip_order",
                                "modify_sip_order", "cancel_sip_order", "calendar_add_restricted_dates"};
         const int what = Below(10) ? Below(4) : Below(2) + 4;
-        Fields request{{kTagRequestName, names[what]}, {kTagRegistrationNumber, model.number}};
+        Fields request{{tag::requestName, names[what]}, {tag::registrationNumber, model.number}};
         const bool lives = model.status == kStatusActive || model.status == kStatusPaused;
         if (what == 5) {
             Work();
@@ -266,7 +266,7 @@ private:
             m_restricted.Set({static_cast<unsigned>(from), static_cast<unsigned>(to), year, {}});
         } else if (what == 3) {
             const int periods = 1 + Below(40);
-            request.merge(Fields{{kTagAmountOrQuantity, "7"}, {kTagPeriods, std::to_string(periods)}});
+            request.merge(Fields{{tag::amountOrQuantity, "7"}, {tag::totalPeriod, std::to_string(periods)}});
             if (lives && periods > model.executed) model.periods = periods;
         } else if (lives) {
             model.status = what == 0 ? kStatusPaused : what == 4 ? kStatusCancelled : kStatusActive;

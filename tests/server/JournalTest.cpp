@@ -1,6 +1,6 @@
 // The journal after a crash at every byte, after damage, and on a disk that refuses.
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 #ifndef _WIN32
@@ -99,7 +99,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
     {
         RunningServer running(path);
         running.Ask(Order());
-        running.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
+        running.Ask(Order({{tag::orderId, "id-2"}}));
         running.Ask(FieldsOf("0=cancel_sip_order|64804=SIP2603020000002|54158=cancel"));
         running.AdvanceTo(std::chrono::year(2026) / 6 / 20);
         running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=5|63025=7"));
@@ -123,7 +123,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         // It goes on, and knows the requests of before.
         running.Ask(FieldsOf("0=resume_sip_order|64804=SIP2603020000001"));
         for (const char* identifier : {"id-1", "id-2", "cancel"})
-            running.Ask(Order({{kTagRequestIdentifier, identifier}}));
+            running.Ask(Order({{tag::orderId, identifier}}));
         EXPECT_EQ(running.server->Registrations().size(), 3u);
     }
     EXPECT_EQ(state().find("Paused"), std::string::npos);
@@ -166,18 +166,18 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
     RunningServer running(path);
-    running.Ask(Order({{kTagFrequency, "weekly"}}));
+    running.Ask(Order({{tag::frequency, "weekly"}}));
     running.AdvanceTo(std::chrono::year(2026) / 3 / 5);
     EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
     {
         const FullDisk full(FileText(path).size() + 10);
         EXPECT_NE(running.server->ExecuteDue({}).fault, "");
         EXPECT_FALSE(running.server->HasDue());
-        running.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
+        running.Ask(Order({{tag::orderId, "id-2"}}));
         EXPECT_FALSE(running.server->HasDue());
         EXPECT_EQ(running.server->Registrations().size(), 1u);
     }
-    running.Ask(Order({{kTagRequestIdentifier, "id-2"}, {kTagFrequency, "weekly"}}));
+    running.Ask(Order({{tag::orderId, "id-2"}, {tag::frequency, "weekly"}}));
     EXPECT_EQ(running.server->ExecuteDue({}).instalments, 2u);
 }
 

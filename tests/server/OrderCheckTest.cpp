@@ -1,7 +1,7 @@
 // Orders that the server refuses, each with its code, and the limits at which it begins to.
 
 #include "host/server/OrderCheck.h"
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 
 namespace vesk {
@@ -17,8 +17,8 @@ std::string Code(const Fields& changes, const ServerConfig& config = {}) {
 }
 
 TEST(OrderCheck, EveryNeededFieldIsMissedWhenAbsentOrEmpty) {
-    const std::uint32_t mayBeAbsent[] = {kTagRequestName,       kTagBroker,        kTagBranch,
-                                         kTagRequestIdentifier, kTagOperationMode, kTagCautionary};
+    const std::uint32_t mayBeAbsent[] = {tag::requestName, tag::peerIdA,       tag::peerIdB,
+                                         tag::orderId,     tag::operationMode, tag::cautionaryFlag};
     for (const auto& [tag, text] : GoodOrder()) {
         const bool needed =
             std::find(std::begin(mayBeAbsent), std::end(mayBeAbsent), tag) == std::end(mayBeAbsent);
@@ -37,26 +37,26 @@ TEST(OrderCheck, ValuesAreJudgedByTheirForm) {
         const char* text;
         std::string_view code;
     } rows[] = {
-        {kTagExchange, "NSE", kCodeWrongValue},
-        {kTagSide, "b", kCodeWrongValue},
-        {kTagOrderType, "L", kCodeWrongValue},
-        {kTagInvestType, "Amount", kCodeWrongValue},
-        {kTagAmountOrQuantity, "1", ""},
-        {kTagAmountOrQuantity, "0", kCodeWrongValue},
-        {kTagAmountOrQuantity, "1.5", kCodeWrongValue},
-        {kTagAmountOrQuantity, "9223372036854775807", ""},
-        {kTagAmountOrQuantity, "9223372036854775808", kCodeWrongValue},
-        {kTagStartDate, "4102444799", ""},
-        {kTagStartDate, "4102444800", kCodeWrongValue},
-        {kTagStartDate, "06/Mar/2026", kCodeWrongValue},
-        {kTagPeriods, "0", kCodeWrongValue},
-        {kTagFirm, "D", kCodeWrongValue},
-        {kTagValidity, "IOC", kCodeWrongValue},
-        {kTagCautionary, "Y", ""},
-        {kTagCautionary, "yes", kCodeWrongValue},
-        {kTagOperationMode, "x", kCodeWrongValue},
-        {kTagUser, "USER2", kCodeUser},
-        {kTagFrequency, "Monthly", kCodeFrequency},
+        {tag::exchange, "NSE", kCodeWrongValue},
+        {tag::side, "b", kCodeWrongValue},
+        {tag::orderType, "L", kCodeWrongValue},
+        {tag::investType, "Amount", kCodeWrongValue},
+        {tag::amountOrQuantity, "1", ""},
+        {tag::amountOrQuantity, "0", kCodeWrongValue},
+        {tag::amountOrQuantity, "1.5", kCodeWrongValue},
+        {tag::amountOrQuantity, "9223372036854775807", ""},
+        {tag::amountOrQuantity, "9223372036854775808", kCodeWrongValue},
+        {tag::startDate, "4102444799", ""},
+        {tag::startDate, "4102444800", kCodeWrongValue},
+        {tag::startDate, "06/Mar/2026", kCodeWrongValue},
+        {tag::totalPeriod, "0", kCodeWrongValue},
+        {tag::customerFirm, "D", kCodeWrongValue},
+        {tag::validity, "IOC", kCodeWrongValue},
+        {tag::cautionaryFlag, "Y", ""},
+        {tag::cautionaryFlag, "yes", kCodeWrongValue},
+        {tag::operationMode, "x", kCodeWrongValue},
+        {tag::loginId, "USER2", kCodeUser},
+        {tag::frequency, "Monthly", kCodeFrequency},
     };
     for (const auto& row : rows)
         EXPECT_EQ(Code({{row.tag, row.text}}), row.code) << row.tag << "=" << row.text;
@@ -91,7 +91,8 @@ TEST(OrderCheck, PeriodsGoByTheListOrByThePlainLimits) {
         {zeroed, "yearly", "2", ""},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(Code({{kTagFrequency, row.frequency}, {kTagPeriods, row.periods}}, row.config), row.code)
+        EXPECT_EQ(Code({{tag::frequency, row.frequency}, {tag::totalPeriod, row.periods}}, row.config),
+                  row.code)
             << row.frequency << " " << row.periods;
 }
 

@@ -1,6 +1,6 @@
 // The two queries, and a server with many registrations and another trader.
 
-#include "host/server/OtherSession.h"
+#include "host/server/sample/OtherSession.h"
 #include "tests/server/ServerFixture.h"
 
 namespace vesk {
@@ -64,8 +64,8 @@ TEST(Query, GivesTheRowsOfWhoAsksOrOneBareAnswerOrARefusal) {
     for (const auto& row : rows) {
         const bool isList = !row.request.starts_with("49165");
         Fields request = FieldsOf(row.request);
-        request[kTagRequestName] = isList ? "om_get_sip_orders" : "qry_eq_sip";
-        const std::string head = "32767=" + request[kTagRequestName];
+        request[tag::requestName] = isList ? "om_get_sip_orders" : "qry_eq_sip";
+        const std::string head = "32767=" + request[tag::requestName];
         const bool isRefused = row.answer.starts_with("32766");
         Answers expected;
         for (std::string held : kHeld)
@@ -106,11 +106,11 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
     std::map<std::string, std::size_t> seen;
     for (const Registration& registration : again.server->Registrations()) {
         EXPECT_EQ(again.server->Find(registration.Number()), &registration);
-        const bool isCancelled = registration.Text(kTagStatus) == kStatusCancelled;
-        for (const Tag tag : {kTagUserText, kTagCancelledBy, kTagCancelledDate})
+        const bool isCancelled = registration.Text(tag::sipStatus) == kStatusCancelled;
+        for (const tag::Tag tag : {tag::userText, tag::cancelledBy, tag::cancelledDate})
             EXPECT_EQ(registration.Text(tag).empty(), !isCancelled) << tag;
-        for (const Tag tag :
-             {kTagStatus, kTagSide, kTagInvestType, kTagFrequency, kTagAccount, kTagUser, kTagToken})
+        for (const tag::Tag tag : {tag::sipStatus, tag::side, tag::investType, tag::frequency, tag::account,
+                                   tag::loginId, tag::token})
             ++seen[std::to_string(tag) + "=" + std::string(registration.Text(tag))];
     }
     EXPECT_EQ(seen.size(), 4u + 2 + 2 + 4 + 2 + 2 + 3);

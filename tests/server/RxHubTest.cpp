@@ -12,16 +12,16 @@ public:
     explicit Notifier(std::vector<std::string>& log, std::string name) : m_log(log), m_name(std::move(name)) {}
 
     void OnBroadcast(void* message, std::uint32_t, void*) override {
-        m_log.push_back(m_name + " stream " + std::string(qmx::Text(message, kTagRegistrationNumber)));
+        m_log.push_back(m_name + " stream " + std::string(qmx::Text(message, tag::registrationNumber)));
         Meanwhile(message);
     }
     void OnResponse(void*, void* message, void*) override {
-        std::string line = m_name + " answer " + std::string(qmx::Text(message, kTagAnswerName));
-        if (qmx::Has(message, kTagListRow))
+        std::string line = m_name + " answer " + std::string(qmx::Text(message, tag::echoedRequest));
+        if (qmx::Has(message, tag::queriedRow))
             line.append(" ")
-                .append(qmx::Text(message, kTagRegistrationNumber))
+                .append(qmx::Text(message, tag::registrationNumber))
                 .append(" ")
-                .append(qmx::Text(message, kTagStatus));
+                .append(qmx::Text(message, tag::sipStatus));
         m_log.push_back(line);
         Meanwhile(message);
     }
@@ -53,7 +53,7 @@ protected:
         for (const auto& [tag, text] : fields)
             writer.Add(tag, text);
         const int taken = control->SendRequest(&m_number, writer.Handle(), 0, &m_error);
-        writer.Start().Add(kTagRequestName, "other"); // it was copied before that returned
+        writer.Start().Add(tag::requestName, "other"); // it was copied before that returned
         return taken;
     }
     int Subscribe(RxControl* control, const std::vector<std::pair<std::uint32_t, std::string>>& fields) {
@@ -67,7 +67,7 @@ protected:
         return control->Subscribe(&out, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
                                   control, 0, 0, 1, &m_error);
     }
-    static Fields Named(const char* name) { return {{kTagRequestName, name}}; }
+    static Fields Named(const char* name) { return {{tag::requestName, name}}; }
     Log Taken() { return std::exchange(m_log, {}); }
 
     TemporaryFolder m_folder;
@@ -92,7 +92,7 @@ TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
     EXPECT_EQ(m_log, (Log{"one answer a", "two answer b", "one answer c"}));
     EXPECT_EQ(m_hub.Pump(0), 0u);
     // Valid during the call only.
-    EXPECT_FALSE(qmx::Has(m_one.lastMessage, kTagAnswerName));
+    EXPECT_FALSE(qmx::Has(m_one.lastMessage, tag::echoedRequest));
 }
 
 TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
@@ -130,7 +130,7 @@ TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
         }
         for (const auto& [name, fields] : orders) {
             Fields changes = FieldsOf(fields);
-            changes[kTagRequestIdentifier] = "id" + std::to_string(++order);
+            changes[tag::orderId] = "id" + std::to_string(++order);
             ASSERT_TRUE(Send(senders[&fields != &orders[0].second], Order(changes)));
             otherHub.Pump(0);
             m_hub.Pump(0);
@@ -147,7 +147,7 @@ TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
 TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
     RxControl* sender = m_hub.Get(kRxRequests, &m_one);
     RxControl* stream = m_hub.Get(kRxIdentityStream, &m_two);
-    ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
+    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
     m_one.act = [&] { EXPECT_TRUE(stream->Stop(0)); };
     ASSERT_TRUE(Send(sender, Order()));
     m_hub.Pump(0);
@@ -157,7 +157,7 @@ TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
 
 TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     const auto enter = [&](const char* identifier) {
-        m_running.Ask(Order({{kTagRequestIdentifier, identifier}}));
+        m_running.Ask(Order({{tag::orderId, identifier}}));
         return std::string(m_running.server->Registrations().back().Number());
     };
     const std::string first = enter("1");
@@ -166,14 +166,14 @@ TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     RxHub hub(*m_running.server, m_running.user, {1, std::chrono::milliseconds(0)});
     RxControl* asking = hub.Get(kRxRequests, &m_one);
     RxControl* stream = hub.Get(kRxAccountStream, &m_two);
-    ASSERT_TRUE(Subscribe(stream, {{kTagUser, "USER1"}}));
-    const Fields query{{kTagRequestName, "om_get_sip_orders"}, {kTagUser, "USER1"}};
+    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
+    const Fields query{{tag::requestName, "om_get_sip_orders"}, {tag::loginId, "USER1"}};
     const std::string row = "one answer om_get_sip_orders ";
 
     ASSERT_TRUE(Send(asking, query));
     ASSERT_TRUE(Send(asking, Named("after")));
     EXPECT_EQ(hub.Pump(0), 1u) << "a request and a delivery a turn";
-    m_running.Ask({{kTagRequestName, "pause_sip_order"}, {kTagRegistrationNumber, second}});
+    m_running.Ask({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, second}});
     const std::string fourth = enter("4");
     m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 1u) << "a nested pump goes on with the next row"; };
     EXPECT_EQ(hub.Pump(0), 1u);
@@ -232,11 +232,11 @@ TEST_F(RxHubTest, WrongUseIsRefusedWithAnError) {
     EXPECT_EQ(m_error.code, kQmxBadHandle);
     EXPECT_FALSE(Send(stream, Named("a")));
     EXPECT_EQ(m_error.code, kQmxBadArgument);
-    EXPECT_FALSE(Subscribe(requests, {{kTagUser, ""}}));
+    EXPECT_FALSE(Subscribe(requests, {{tag::loginId, ""}}));
     EXPECT_FALSE(Subscribe(stream, {}));
-    EXPECT_FALSE(Subscribe(stream, {{kTagToken, "1"}}));
-    EXPECT_FALSE(Subscribe(stream, std::vector<std::pair<std::uint32_t, std::string>>(17, {kTagUser, ""})));
-    const std::uint32_t tag = kTagUser;
+    EXPECT_FALSE(Subscribe(stream, {{tag::token, "1"}}));
+    EXPECT_FALSE(Subscribe(stream, std::vector<std::pair<std::uint32_t, std::string>>(17, {tag::loginId, ""})));
+    const std::uint32_t tag = tag::loginId;
     const QmxDatum value{nullptr, 4};
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 1, stream, 0, 0, 1, &m_error));
     EXPECT_FALSE(stream->Subscribe(nullptr, nullptr, &value, 1, stream, 0, 0, 1, &m_error));

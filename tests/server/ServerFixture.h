@@ -68,27 +68,27 @@ inline Fields FieldsOf(const std::string& text) {
 
 // An order that the server accepts.
 inline Fields GoodOrder() {
-    return {{kTagRequestName, "add_sip_orders"},
-            {kTagExchange, "nse_cm"},
-            {kTagToken, "1013"},
-            {kTagTradingSymbol, "ALPHA-EQ"},
-            {kTagSide, "B"},
-            {kTagOrderType, "MKT"},
-            {kTagProduct, "CNC"},
-            {kTagInvestType, "value"},
-            {kTagAmountOrQuantity, "123450"},
-            {kTagFrequency, "monthly"},
-            {kTagStartDate, "1772755200"},
-            {kTagPeriods, "12"},
-            {kTagUser, "USER1"},
-            {kTagFirm, "C"},
-            {kTagAccount, "CL1"},
-            {kTagValidity, "DAY"},
-            {kTagBroker, "BROKER"},
-            {kTagBranch, ""},
-            {kTagRequestIdentifier, "id-1"},
-            {kTagOperationMode, "1"},
-            {kTagOrderSource, "TWS"}};
+    return {{tag::requestName, "add_sip_orders"},
+            {tag::exchange, "nse_cm"},
+            {tag::token, "1013"},
+            {tag::tradingSymbol, "ALPHA-EQ"},
+            {tag::side, "B"},
+            {tag::orderType, "MKT"},
+            {tag::product, "CNC"},
+            {tag::investType, "value"},
+            {tag::amountOrQuantity, "123450"},
+            {tag::frequency, "monthly"},
+            {tag::startDate, "1772755200"},
+            {tag::totalPeriod, "12"},
+            {tag::loginId, "USER1"},
+            {tag::customerFirm, "C"},
+            {tag::account, "CL1"},
+            {tag::validity, "DAY"},
+            {tag::peerIdA, "BROKER"},
+            {tag::peerIdB, ""},
+            {tag::orderId, "id-1"},
+            {tag::operationMode, "1"},
+            {tag::orderSource, "TWS"}};
 }
 
 // A good order with some fields set otherwise.

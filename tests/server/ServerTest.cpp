@@ -6,7 +6,7 @@
 namespace vesk {
 namespace {
 
-const Fields kAskMode{{kTagRequestName, "get_sip_operation_mode"}};
+const Fields kAskMode{{tag::requestName, "get_sip_operation_mode"}};
 using Answers = std::vector<std::string>;
 const char* const kRegistered =
     "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1"
@@ -40,8 +40,8 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     std::string record;
     {
         RunningServer running(path);
-        EXPECT_EQ(running.Ask(Order({{kTagCautionary, "Y"}})), Answers{kRegistered});
-        EXPECT_EQ(running.server->Registrations()[0].Text(kTagCautionary), "Y");
+        EXPECT_EQ(running.Ask(Order({{tag::cautionaryFlag, "Y"}})), Answers{kRegistered});
+        EXPECT_EQ(running.server->Registrations()[0].Text(tag::cautionaryFlag), "Y");
         record = running.server->Find("SIP2603020000001")->Json();
         EXPECT_EQ(FileText(path), JournalLine(record));
     }
@@ -51,28 +51,28 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     // Sent again after the restart it is the same order; another one goes on counting.
     EXPECT_EQ(again.Ask(Order()), Answers{kRegistered});
     EXPECT_EQ(again.server->Registrations().size(), 1u);
-    again.Ask(Order({{kTagRequestIdentifier, "id-2"}}));
+    again.Ask(Order({{tag::orderId, "id-2"}}));
     EXPECT_TRUE(again.server->Find("SIP2603020000002"));
     // Without an identifier each is an order of its own.
-    again.Ask(Order({{kTagRequestIdentifier, ""}}));
-    again.Ask(Order({{kTagRequestIdentifier, ""}}));
+    again.Ask(Order({{tag::orderId, ""}}));
+    again.Ask(Order({{tag::orderId, ""}}));
     EXPECT_EQ(again.server->Registrations().size(), 4u);
     // Another user's request is another one, whatever identifier it has.
     again.user.loginId = "USER2";
     for (int i = 0; i < 2; ++i)
-        again.Ask(Order({{kTagUser, "USER2"}}));
+        again.Ask(Order({{tag::loginId, "USER2"}}));
     EXPECT_EQ(again.server->Registrations().size(), 5u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
     const TemporaryFolder folder;
     RunningServer running(folder.File("journal"));
-    EXPECT_EQ(running.Ask(Order({{kTagSide, "X"}})),
+    EXPECT_EQ(running.Ask(Order({{tag::side, "X"}})),
               Answers{"32767=add_sip_orders 32766=102 20008=The side cannot be \"X\""});
     running.server->SetClients([](std::string_view account) { return account == "CL1"; });
-    EXPECT_EQ(running.Ask(Order({{kTagAccount, "CL2"}})),
+    EXPECT_EQ(running.Ask(Order({{tag::account, "CL2"}})),
               Answers{"32767=add_sip_orders 32766=109 20008=There is no client CL2"});
-    EXPECT_EQ(running.Ask({{kTagRequestName, "who_knows"}}),
+    EXPECT_EQ(running.Ask({{tag::requestName, "who_knows"}}),
               Answers{"32767=who_knows 32766=100 20008=The server does not know this request"});
     EXPECT_EQ(running.Ask({{1, "no name"}}),
               Answers{"32767= 32766=100 20008=The server does not know this request"});

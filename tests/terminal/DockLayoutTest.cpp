@@ -1,4 +1,4 @@
-#include "host/terminal/core/DockLayout.h"
+#include "host/terminal/docking/DockLayout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "host/terminal/core/ClientList.h"
-#include "host/terminal/core/ScripMaster.h"
-#include "host/terminal/core/TradingCalendar.h"
+#include "host/market/ClientList.h"
+#include "host/market/ScripMaster.h"
+#include "host/market/TradingCalendar.h"
 
 #include <gtest/gtest.h>
 

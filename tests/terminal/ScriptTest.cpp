@@ -1,4 +1,4 @@
-#include "host/terminal/core/ScriptRunner.h"
+#include "host/terminal/script/ScriptRunner.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "host/files/Paths.h"
+#include "host/market/TerminalConfig.h"
 #include "host/terminal/core/CommandLine.h"
-#include "host/terminal/core/TerminalConfig.h"
 #include "host/terminal/core/TerminalState.h"
 #include "host/terminal/core/UserSettings.h"
 

@@ -1,7 +1,7 @@
 // What planfold-basket does. Each command answers with the program's exit status.
 #pragma once
 
-#include "host/terminal/core/ScripMaster.h"
+#include "host/market/ScripMaster.h"
 #include "tools/planfold-basket/Options.h"
 
 namespace basket {

@@ -1,7 +1,7 @@
 // The terminal's scrip master as what baskets are checked against.
 #pragma once
 
-#include "host/terminal/core/ScripMaster.h"
+#include "host/market/ScripMaster.h"
 #include "plugin/basket/BasketLine.h"
 
 namespace basket {

@@ -1,6 +1,6 @@
 #include "tools/planfold-basket/Options.h"
 
-#include "host/terminal/core/CsvLines.h"
+#include "host/market/CsvLines.h"
 #include "plugin/messaging/Dates.h"
 #include "plugin/messaging/Session.h"
 

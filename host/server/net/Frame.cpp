@@ -1,7 +1,7 @@
 #include "host/server/net/Frame.h"
 
 #include "host/connectvesk/Wire.h"
-#include "host/server/Journal.h"
+#include "host/server/journal/Journal.h"
 
 #include <iterator>
 

@@ -1,7 +1,7 @@
 #include "host/server/net/Session.h"
 
 #include "host/server/HubControl.h"
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
 #include <iterator>
@@ -131,7 +131,7 @@ void Session::On(const net::Close& said) {
 void Session::On(net::Request&& said) {
     const qmx::MessageReader reader(said.bytes);
     if (!reader.Good()) return Refuse("a request that is no message");
-    const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), kTagRequestName)).delayMs;
+    const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), tag::requestName)).delayMs;
     Queue(m_nowMs + delay, std::move(said));
 }
 

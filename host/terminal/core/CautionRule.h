@@ -1,7 +1,7 @@
 // Which orders need the user's confirmation because their scrip is cautionary, for one order and for a basket.
 #pragma once
 
-#include "host/terminal/core/ScripMaster.h"
+#include "host/market/ScripMaster.h"
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,7 @@
 // The hot keys that windows have registered.
 #pragma once
 
-#include "host/terminal/core/KeyText.h"
+#include "host/terminal/script/KeyText.h"
 #include "sdk/HostWindow.h"
 
 #include <string>

@@ -1,13 +1,13 @@
 // Everything that the terminal knows, without a window: what the host's exports answer from.
 #pragma once
 
+#include "host/market/ClientList.h"
+#include "host/market/ScripMaster.h"
+#include "host/market/TerminalConfig.h"
+#include "host/market/TradingCalendar.h"
 #include "host/terminal/core/CautionRule.h"
-#include "host/terminal/core/ClientList.h"
 #include "host/terminal/core/HotKeys.h"
-#include "host/terminal/core/ScripMaster.h"
 #include "host/terminal/core/TabbedLog.h"
-#include "host/terminal/core/TerminalConfig.h"
-#include "host/terminal/core/TradingCalendar.h"
 #include "host/terminal/core/UserSettings.h"
 #include "sdk/HostRecords.h"
 

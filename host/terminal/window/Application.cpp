@@ -2,12 +2,12 @@
 
 #include "framework/DialogLayout.h"
 #include "host/files/Paths.h"
+#include "host/terminal/script/window/WindowStage.h"
 #include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/CountDialog.h"
 #include "host/terminal/window/EmbeddedLink.h"
 #include "host/terminal/window/Encoding.h"
 #include "host/terminal/window/RemoteLink.h"
-#include "host/terminal/window/WindowStage.h"
 
 #include <algorithm>
 #include <ctime>

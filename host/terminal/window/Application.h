@@ -2,8 +2,8 @@
 #pragma once
 
 #include "host/terminal/core/CommandLine.h"
-#include "host/terminal/core/ScriptRunner.h"
 #include "host/terminal/core/TerminalState.h"
+#include "host/terminal/script/ScriptRunner.h"
 #include "host/terminal/window/HotKeyHook.h"
 #include "host/terminal/window/MainFrame.h"
 #include "host/terminal/window/PluginHost.h"

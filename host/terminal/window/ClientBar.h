@@ -2,7 +2,7 @@
 #pragma once
 
 #include "framework/Window.h"
-#include "host/terminal/core/ClientList.h"
+#include "host/market/ClientList.h"
 #include "host/terminal/window/ListColumns.h"
 
 #include <string>

@@ -2,9 +2,9 @@
 
 #include "host/files/Paths.h"
 #include "host/server/RxHub.h"
-#include "host/server/Schedule.h"
 #include "host/server/ServerConfig.h"
-#include "host/terminal/core/MarketOfServer.h"
+#include "host/server/sample/MarketOfServer.h"
+#include "host/server/schedule/Schedule.h"
 #include "host/terminal/window/Encoding.h"
 
 #include <windows.h>

@@ -1,8 +1,8 @@
 // A server in the terminal itself, with its journal and clock.
 #pragma once
 
-#include "host/server/Journal.h"
 #include "host/server/Server.h"
+#include "host/server/journal/Journal.h"
 #include "host/terminal/core/TerminalState.h"
 #include "host/terminal/window/ServerLink.h"
 

@@ -1,8 +1,8 @@
 #include "host/terminal/window/HotKeyHook.h"
 
 #include "framework/Guard.h"
-#include "host/terminal/window/DockParts.h"
-#include "host/terminal/window/WindowFinder.h"
+#include "host/terminal/docking/window/DockParts.h"
+#include "host/terminal/script/window/WindowFinder.h"
 
 #include <string_view>
 

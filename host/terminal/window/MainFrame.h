@@ -5,8 +5,8 @@
 #include "framework/CustomWindow.h"
 #include "framework/DialogLayout.h"
 #include "host/terminal/core/FrameLayout.h"
+#include "host/terminal/docking/window/DockBars.h"
 #include "host/terminal/window/ClientBar.h"
-#include "host/terminal/window/DockBars.h"
 #include "host/terminal/window/LogView.h"
 #include "host/terminal/window/MarketWatch.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "framework/Window.h"
-#include "host/terminal/core/ScripMaster.h"
+#include "host/market/ScripMaster.h"
 #include "host/terminal/window/ListColumns.h"
 
 #include <optional>

@@ -1,8 +1,8 @@
 #include "host/terminal/window/MenuBar.h"
 
+#include "host/terminal/docking/window/DockMenu.h"
+#include "host/terminal/docking/window/DockSite.h"
 #include "host/terminal/window/CommandIds.h"
-#include "host/terminal/window/DockMenu.h"
-#include "host/terminal/window/DockSite.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // The menu bar, built anew from what it shows whenever that changes.
 #pragma once
 
-#include "host/terminal/core/DockLayout.h"
-#include "host/terminal/core/TerminalConfig.h"
+#include "host/market/TerminalConfig.h"
+#include "host/terminal/docking/DockLayout.h"
 #include "host/terminal/window/PluginHost.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 #include "host/terminal/window/RemoteLink.h"
 
-#include "host/server/Schedule.h"
+#include "host/server/schedule/Schedule.h"
 
 #include <windows.h>
 
