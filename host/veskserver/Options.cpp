@@ -1,24 +1,16 @@
 #include "host/veskserver/Options.h"
 
-#include <algorithm>
+#include "host/files/OptionRows.h"
+
 #include <charconv>
-#include <iterator>
 
 namespace vesk {
 namespace {
-
-using Complaint = std::optional<std::string>;
 
 bool ReadPort(ServerOptions& options, std::string_view text) {
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, options.port);
     return read.ec == std::errc() && read.ptr == end;
-}
-
-template <std::string ServerOptions::*member>
-bool ReadPath(ServerOptions& options, std::string_view text) {
-    options.*member = text;
-    return !text.empty();
 }
 
 // Where the terminal has its files.
@@ -29,15 +21,16 @@ bool ReadData(ServerOptions& options, std::string_view text) {
     return !text.empty();
 }
 
-struct Switch {
-    std::string_view name;
-    bool (*read)(ServerOptions& options, std::string_view text); // false: not understood
-};
-constexpr Switch kSwitches[] = {
+bool ReadHelp(ServerOptions& options, std::string_view) {
+    return options.help = true;
+}
+
+constexpr OptionRow<ServerOptions> kOptions[] = {
     {"--port", ReadPort},
-    {"--journal", ReadPath<&ServerOptions::journal>},
-    {"--config", ReadPath<&ServerOptions::config>},
+    {"--journal", ReadText<&ServerOptions::journal>},
+    {"--config", ReadText<&ServerOptions::config>},
     {"--data", ReadData},
+    {"--help", ReadHelp, ""},
 };
 
 } // namespace
@@ -95,19 +88,11 @@ EXAMPLE
 )";
 
 Complaint ReadServerOptions(std::span<const std::string> words, ServerOptions& options) {
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string_view word = words[i];
-        if (word == "--help") {
-            options.help = true;
-            return std::nullopt;
-        }
-        const auto* found = std::ranges::find(kSwitches, word, &Switch::name);
-        if (found == std::end(kSwitches)) return "\"" + std::string(word) + "\" is no option";
-        if (++i == words.size()) return std::string(word) + " needs a value";
-        if (!found->read(options, words[i]))
-            return std::string(word) + " cannot be \"" + std::string(words[i]) + "\"";
-    }
-    return options.journal.empty() ? Complaint("a journal is needed") : std::nullopt;
+    const auto noWord = [](const std::string&) { return false; };
+    if (const Complaint complaint = ReadOptionRows<ServerOptions>(words, kOptions, options, noWord);
+        !options.help)
+        return complaint || !options.journal.empty() ? complaint : Complaint("a journal is needed");
+    return std::nullopt;
 }
 
 } // namespace vesk

@@ -138,13 +138,13 @@ TEST(CommandLine, ReadsOptions) {
         std::vector<std::string> words;
         std::string fault;
     } rows[] = {
-        {{"--log", "x", "/script"}, "unknown option /script"},
+        {{"--log", "x", "/script"}, "\"/script\" is one word too many"},
         {{"--journal"}, "--journal needs a path"},
-        {{"--server", "localhost"}, "--server needs HOST:PORT"},
-        {{"--server", ":7040"}, "--server needs HOST:PORT"},
-        {{"--server", "localhost:0"}, "--server needs HOST:PORT"},
-        {{"--server", "localhost:70400"}, "--server needs HOST:PORT"},
-        {{"--server", "localhost:70x"}, "--server needs HOST:PORT"},
+        {{"--server", "localhost"}, "--server does not take \"localhost\""},
+        {{"--server", ":7040"}, "--server does not take \":7040\""},
+        {{"--server", "localhost:0"}, "--server does not take \"localhost:0\""},
+        {{"--server", "localhost:70400"}, "--server does not take \"localhost:70400\""},
+        {{"--server", "localhost:70x"}, "--server does not take \"localhost:70x\""},
     };
     for (const auto& row : rows)
         EXPECT_EQ(ParseCommandLine(row.words).fault, row.fault);

@@ -1,5 +1,6 @@
 #include "tools/planfold-basket/Options.h"
 
+#include "host/files/OptionRows.h"
 #include "host/market/CsvLines.h"
 #include "plugin/messaging/Dates.h"
 #include "plugin/messaging/Session.h"
@@ -12,7 +13,10 @@
 namespace basket {
 namespace {
 
+using vesk::OptionRow;
 using vesk::ParseWholeNumber;
+using vesk::Quoted;
+using vesk::ReadText;
 
 constexpr long long kMostLines = 10'000'000;
 constexpr long long kHighestMinimum = 1'000'000;
@@ -79,55 +83,39 @@ bool ReadLineCount(Options& options, std::string_view text) {
     return true;
 }
 
-template <std::string Options::*member>
-bool ReadPath(Options& options, std::string_view text) {
-    options.*member = text;
-    return !text.empty();
+bool ReadJson(Options& options, std::string_view) {
+    return options.json = true;
 }
 
-enum For : unsigned { forCheck = 1, forTemplate = 2, forBoth = 3 };
-
-struct Switch {
-    std::string_view name;
-    For commands;
-    bool (*read)(Options& options, std::string_view text); // false: not understood. Null: takes no text
+constexpr OptionRow<Options> kOfBoth[] = {
+    {"--scrips", ReadText<&Options::scrips>},
+    {"--products", ReadProducts},
+    {"--mode", ReadMode},
+    {"--today", ReadToday},
 };
-constexpr Switch kSwitches[] = {
-    {"--scrips", forBoth, ReadPath<&Options::scrips>},
-    {"--products", forBoth, ReadProducts},
-    {"--mode", forBoth, ReadMode},
-    {"--today", forBoth, ReadToday},
-    {"--rejects", forCheck, ReadPath<&Options::rejects>},
-    {"--normalised", forCheck, ReadPath<&Options::normalised>},
-    {"--json", forCheck, nullptr},
-    {"--out", forTemplate, ReadPath<&Options::out>},
-    {"--lines", forTemplate, ReadLineCount},
+constexpr OptionRow<Options> kOfCheck[] = {
+    {"--rejects", ReadText<&Options::rejects>},
+    {"--normalised", ReadText<&Options::normalised>},
+    {"--json", ReadJson, ""},
+};
+constexpr OptionRow<Options> kOfTemplate[] = {
+    {"--out", ReadText<&Options::out>},
+    {"--lines", ReadLineCount},
 };
 
-using Complaint = std::optional<std::string>;
+using vesk::Complaint;
 
-std::string Quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
-}
-
-Complaint ReadSwitches(std::span<const std::string> words, For command, Options& options) {
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string word = words[i];
-        if (word == kStandardStream || !word.starts_with('-')) {
-            if (command != forCheck || !options.file.empty()) return Quoted(word) + " is one word too many";
-            options.file = word;
-            continue;
-        }
-        const Switch* found = std::ranges::find(kSwitches, word, &Switch::name);
-        if (found == std::end(kSwitches) || !(found->commands & command)) return "unknown option " + word;
-        if (!found->read) {
-            options.json = true;
-            continue;
-        }
-        if (++i == words.size()) return word + " needs a value";
-        if (!found->read(options, words[i])) return word + " does not take " + Quoted(words[i]);
-    }
-    return std::nullopt;
+Complaint ReadRows(std::span<const std::string> words, Options& options) {
+    const bool checks = options.command == Command::check;
+    std::vector<OptionRow<Options>> rows(std::begin(kOfBoth), std::end(kOfBoth));
+    const std::span<const OptionRow<Options>> own =
+        checks ? std::span<const OptionRow<Options>>(kOfCheck) : kOfTemplate;
+    rows.insert(rows.end(), own.begin(), own.end());
+    return vesk::ReadOptionRows<Options>(words, rows, options, [&](const std::string& word) {
+        if (!checks || !options.file.empty()) return false;
+        options.file = word;
+        return true;
+    });
 }
 
 Complaint Incomplete(const Options& options) {
@@ -149,8 +137,7 @@ Complaint ReadOptions(std::span<const std::string> words, Options& options) {
     const std::string_view command = words.front();
     if (command != "check" && command != "template") return "unknown command " + Quoted(command);
     options.command = command == "check" ? Command::check : Command::writeTemplate;
-    const For commands = command == "check" ? forCheck : forTemplate;
-    if (Complaint complaint = ReadSwitches(words.subspan(1), commands, options)) return complaint;
+    if (Complaint complaint = ReadRows(words.subspan(1), options)) return complaint;
     return Incomplete(options);
 }
 
