@@ -41,7 +41,7 @@ std::optional<std::string> RupeesOf(std::string_view amount) {
     return InRupees(LeadingInteger(whole));
 }
 
-std::string Shown(CodeTable table, std::string_view text) {
+std::string Display(CodeTable table, std::string_view text) {
     std::string shown(text);
     Convert(table, text, shown);
     return shown;
@@ -95,8 +95,16 @@ void BasketForm::OnOperationMode(const Answer& answer) {
         ShowChoice(IDC_FREQUENCY, m_frequencyToShow);
 }
 
+int BasketForm::ValueEdit() const {
+    return m_view.Text(IDC_INVEST_BY) == "Quantity" ? IDC_BASKET_QUANTITY : IDC_VALUE;
+}
+
+SipOrderForm BasketForm::Shown() const {
+    return m_form.Read(ValueEdit());
+}
+
 std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder& order) const {
-    const int value = m_view.Text(IDC_INVEST_BY) == "Quantity" ? IDC_BASKET_QUANTITY : IDC_VALUE;
+    const int value = ValueEdit();
     const SipOrderForm form = m_form.Read(value);
     order.series = form.series;
     order.symbol = form.symbol;
@@ -113,16 +121,16 @@ int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     int notShown = 0;
     const auto choose = [&](int combo, std::string_view text) { notShown += !ShowChoice(combo, text); };
-    choose(IDC_EXCHANGE, Shown(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
+    choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
     OnExchangeChanged();
     choose(IDC_SERIES, texts[BasketField::series]);
     OnSeriesChanged();
     if (m_view.Handle() != window) return notShown;
     choose(IDC_SYMBOL, texts[BasketField::symbol]);
-    choose(IDC_ACTION, Shown(kPlanToDisplay, texts[BasketField::action]));
-    choose(IDC_ORDER_TYPE, Shown(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
+    choose(IDC_ACTION, Display(kPlanToDisplay, texts[BasketField::action]));
+    choose(IDC_ORDER_TYPE, Display(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
     choose(IDC_PRODUCT, texts[BasketField::product]);
-    choose(IDC_INVEST_BY, Shown(kInvestTypeToDisplay, texts[BasketField::investType]));
+    choose(IDC_INVEST_BY, Display(kInvestTypeToDisplay, texts[BasketField::investType]));
     OnInvestTypeChanged();
     choose(IDC_FREQUENCY, texts[BasketField::frequency]);
     m_frequencyToShow = texts[BasketField::frequency];
