@@ -181,7 +181,9 @@ void Basket::RunFor(std::int64_t milliseconds) {
             m_view.ShowWaiting(true);
             m_view.List().BeginChanges();
             // A long load may go past midnight.
-            loading->SetNow(ToSeconds(m_view.Now()));
+            const LocalDateTime now = m_view.Now();
+            // What the form had taken may start today.
+            loading->SetNow(ToSeconds(m_bringsBack ? now.Midnight() : now));
         }
         do
             more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
