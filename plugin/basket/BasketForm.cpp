@@ -92,7 +92,7 @@ void BasketForm::OnInvestTypeChanged() {
 void BasketForm::OnOperationMode(const Answer& answer) {
     // A list that comes late must not choose what the record in the form does not say.
     if (m_frequencies.OnAnswer(answer, true) && !m_frequencyToShow.empty())
-        ShowChoice(IDC_FREQUENCY, m_frequencyToShow);
+        m_form.Choose(IDC_FREQUENCY, m_frequencyToShow);
 }
 
 int BasketForm::ValueEdit() const {
@@ -120,7 +120,7 @@ std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder&
 int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     int notShown = 0;
-    const auto choose = [&](int combo, std::string_view text) { notShown += !ShowChoice(combo, text); };
+    const auto choose = [&](int combo, std::string_view text) { notShown += !m_form.Choose(combo, text); };
     choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
     OnExchangeChanged();
     choose(IDC_SERIES, texts[BasketField::series]);
@@ -159,13 +159,6 @@ int BasketForm::ShowRow(const BasketTexts& texts, const LocalDateTime& now) {
     return notShown + 1;
 }
 
-bool BasketForm::ShowChoice(int combo, std::string_view text) {
-    if (m_view.SelectText(combo, text)) return true;
-    // An entry that is not the row's would be taken for it.
-    m_view.Select(combo, -1);
-    return false;
-}
-
 bool BasketForm::ShowNumber(int edit, std::optional<std::string> text) {
     m_view.SetText(edit, text.value_or(""));
     return text.has_value();
@@ -179,7 +172,7 @@ bool BasketForm::ShowStartDate(std::string_view text, const LocalDateTime& now) 
 }
 
 bool BasketForm::ShowClient(std::string_view client) {
-    if (!m_form.SearchesClients()) return ShowChoice(IDC_CLIENT_COMBO, client);
+    if (!m_form.SearchesClients()) return m_form.Choose(IDC_CLIENT_COMBO, client);
     m_view.SetText(IDC_CLIENT_SEARCH, client);
     return true;
 }

@@ -60,7 +60,6 @@ public:
 
 private:
     int ValueEdit() const;
-    bool ShowChoice(int combo, std::string_view text);
     bool ShowNumber(int edit, std::optional<std::string> text);
     bool ShowStartDate(std::string_view text, const LocalDateTime& now);
     bool ShowClient(std::string_view client);
