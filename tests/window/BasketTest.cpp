@@ -198,7 +198,15 @@ TEST_F(BasketWindow, AQuestionComesWhenTheOpenBoxIsGone) {
     };
     host.Answer(Told("first"));
     EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 1; }));
-    EXPECT_EQ(boxes.Texts(), "first|Are you sure to place these Basket Orders?|Order Placed..!!|");
+    const std::string question = "Are you sure to place these Basket Orders?|Order Placed..!!|";
+    EXPECT_EQ(boxes.Texts(), "first|" + question);
+
+    // The book keeps every box until it stands.
+    Load(Line("C9"));
+    host.duringAccounts = [&] { probe::Press(dialog, basket::kPlace); };
+    Pick("SIP Registration Book");
+    probe::PumpUntil([&] { return host.LastRequest().find(" 54001=C9 ") != std::string::npos; });
+    EXPECT_EQ(boxes.Texts(), question);
 }
 
 TEST_F(BasketWindow, KeepsWhatWasNotSentFromOneSessionToTheNext) {

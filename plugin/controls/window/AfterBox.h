@@ -15,7 +15,7 @@ public:
         SetTimer(window, kTimer, kTimerMs, nullptr);
         return false;
     }
-    bool IsGone(WPARAM timer) const { return timer == kTimer && !m_boxes.IsOpen(); }
+    bool IsGone(WPARAM timer) const { return timer == kTimer && !m_boxes.IsBusy(); }
     static void Done(HWND window) { KillTimer(window, kTimer); }
 
 private:
