@@ -23,7 +23,7 @@ void MessageBoxes::Show(HWND owner, std::string_view text) {
 }
 
 int MessageBoxes::AskWith(HWND owner, const std::string& question, UINT buttons) {
-    if (m_open || m_holds) return IDCANCEL;
+    if (IsBusy()) return IDCANCEL;
     const int answer = Open(owner, question, buttons | MB_ICONQUESTION | MB_DEFBUTTON2);
     ShowPending();
     return answer;
@@ -38,9 +38,9 @@ HWND MessageBoxes::NextBox(HWND box, HWND owner) const {
 }
 
 bool MessageBoxes::BringToFront() const {
-    if (!m_open) return false;
-    if (const HWND box = NextBox(nullptr, m_owner)) SetForegroundWindow(box);
-    return true;
+    const HWND box = m_open ? NextBox(nullptr, m_owner) : nullptr;
+    if (box) SetForegroundWindow(box);
+    return IsBusy();
 }
 
 void MessageBoxes::Close(HWND owner) {

@@ -20,16 +20,17 @@ public:
     void Show(HWND owner, std::string_view text);
 
     // A question with Yes and No, No being the default; true for Yes. While it is open, texts wait. False
-    // without asking when a box is open already.
+    // without asking when a box is open already, or held back.
     bool Ask(HWND owner, const std::string& question) { return AskWith(owner, question, MB_YESNO) == IDYES; }
     // The same with Cancel besides: IDYES, IDNO or IDCANCEL, the last one also without asking.
     int AskOrCancel(HWND owner, const std::string& question) {
         return AskWith(owner, question, MB_YESNOCANCEL);
     }
 
-    // Whether one is open; that comes to the front then, for whoever has to ask after it.
+    // Whether one is open, or all are kept for later: whoever has to ask does so after it.
+    bool IsBusy() const { return m_open || m_holds; }
+    // The same; the open one comes to the front.
     bool BringToFront() const;
-    bool IsOpen() const { return m_open; }
 
     // Ends the open box if it is this window's, as if it were cancelled. A box belongs to the top-level window,
     // and so outlives a child that it was asked for.

@@ -57,6 +57,7 @@ void Basket::OnClosed() {
     // What a run did not come to may still be placed; what was placed stays so.
     const bool ranOn = IsUnderWay();
     if (ranOn) m_placeable = m_view.List().RowCount() > 0;
+    m_later.clear();
     // A portion may be on its way below.
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
@@ -97,7 +98,9 @@ void Basket::AddOrModify() {
         if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowMessage(refusal->text);
     }
-    if (!AskAboutUnknown({order.data.client}, "Take the order into the basket all the same?")) return;
+    if (!AskAboutUnknown({order.data.client}, "Take the order into the basket all the same?",
+                         &Basket::AddOrModify))
+        return;
     if (!IsModifying()) {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
         LeaveCorrected();
@@ -167,10 +170,40 @@ void Basket::Delete() {
     KeepUnsent();
 }
 
-bool Basket::Ask(const std::string& question) {
+bool Basket::MayAsk(Act act) {
+    if (m_view.MayAsk()) return true;
+    if (act == &Basket::AddOrModify) m_pressed = Press();
+    if (std::ranges::find(m_later, act) == m_later.end()) m_later.push_back(act);
+    return false;
+}
+
+bool Basket::OnBoxGone() {
+    if (m_later.empty()) return true;
+    if (IsBusy()) return false;
+    const Act act = m_later.front();
+    m_later.erase(m_later.begin());
+    // Only what was submitted: under the box the user may have typed the next order.
+    if (act != &Basket::AddOrModify || m_pressed == Press()) (this->*act)();
+    return m_later.empty();
+}
+
+Basket::Pressed Basket::Press() const {
+    const RecordId row = IsModifying() ? RowToModify() : kNoRecord;
+    return {m_form.Shown(), row == kNoRecord ? 0 : m_rows[row].SerialNumber()};
+}
+
+bool Basket::Ask(const std::string& question, Act act) {
+    if (!MayAsk(act)) return false;
     const int closings = m_closings;
     const bool yes = Alone([&] { return m_view.Ask(question); });
     return yes && IsStill(closings);
+}
+
+Choice Basket::Choose(const std::string& question, Act act) {
+    if (!MayAsk(act)) return Choice::cancel;
+    const int closings = m_closings;
+    const Choice choice = Alone([&] { return m_view.Choose(question); });
+    return IsStill(closings) ? choice : Choice::cancel;
 }
 
 void Basket::Export() {

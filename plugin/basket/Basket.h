@@ -34,6 +34,9 @@ public:
     void Initialise(std::string_view customProducts);
     // Once the window stands: asks what becomes of the orders that an earlier session did not send.
     void OfferUnsent();
+    // The box is gone under which a question could not be asked: now what asks it begins anew, if what it was
+    // about has not changed. False when more has to wait.
+    bool OnBoxGone();
     // The window is gone, and with it every run and question.
     void OnClosed();
 
@@ -68,6 +71,16 @@ public:
     void OnResponse(void* message);
 
 private:
+    // What asks a question.
+    using Act = void (Basket::*)();
+    // The form as it is, and the row that it would be taken into.
+    struct Pressed {
+        SipOrderForm form;
+        std::int32_t row;
+
+        bool operator==(const Pressed&) const = default;
+    };
+
     static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
     static constexpr std::int64_t kPortionMs = 50;
 
@@ -96,15 +109,20 @@ private:
         const Turn turn(m_taken);
         return call();
     }
-    // False when the answer is No, or the window has gone.
-    bool Ask(const std::string& question);
+    // Whether a question can be asked; otherwise `act` is done again once the open box is gone.
+    bool MayAsk(Act act);
+    // False when the answer is No, the window has gone, or `act` has to wait.
+    bool Ask(const std::string& question, Act act);
+    Choice Choose(const std::string& question, Act act); // cancel then
     Choice AskAboutSent();
-    bool AskAboutUnknown(const std::set<std::string>& clients, const char* question);
+    bool AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act);
+    Pressed Press() const;
+    void LoadFile();
     void BeginLoading(std::string text, BasketRules rules);
     void RunFor(std::int64_t milliseconds);
     void EndLoading();
     void EndPlacing();
-    void OfferToRemove(const BasketPlacing& placing);
+    void OfferToRemove();
     void KeepUnsent();
     std::string EndBringingBack(bool stopped);
     void BringNothingBack();
@@ -129,6 +147,12 @@ private:
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;
     std::shared_ptr<BasketPlacing> m_placing;
+    std::vector<Act> m_later; // not done for want of a question
+    Pressed m_pressed{};      // as it was then
+    std::string m_path;       // of the file to load
+    // Those that a placing sent before it was stopped, by serial number, and how many it was of.
+    std::vector<std::int32_t> m_stoppedSent;
+    std::size_t m_stoppedTotal = 0;
     std::string m_titleBefore;   // the load
     std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
     int m_correctedLine = 0;     // of the rejected ones: which the form was filled from

@@ -41,7 +41,7 @@ std::optional<std::string> RupeesOf(std::string_view amount) {
     return InRupees(LeadingInteger(whole));
 }
 
-std::string Shown(CodeTable table, std::string_view text) {
+std::string Display(CodeTable table, std::string_view text) {
     std::string shown(text);
     Convert(table, text, shown);
     return shown;
@@ -92,11 +92,19 @@ void BasketForm::OnInvestTypeChanged() {
 void BasketForm::OnOperationMode(const Answer& answer) {
     // A list that comes late must not choose what the record in the form does not say.
     if (m_frequencies.OnAnswer(answer, true) && !m_frequencyToShow.empty())
-        ShowChoice(IDC_FREQUENCY, m_frequencyToShow);
+        m_form.Choose(IDC_FREQUENCY, m_frequencyToShow);
+}
+
+int BasketForm::ValueEdit() const {
+    return m_view.Text(IDC_INVEST_BY) == "Quantity" ? IDC_BASKET_QUANTITY : IDC_VALUE;
+}
+
+SipOrderForm BasketForm::Shown() const {
+    return m_form.Read(ValueEdit());
 }
 
 std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder& order) const {
-    const int value = m_view.Text(IDC_INVEST_BY) == "Quantity" ? IDC_BASKET_QUANTITY : IDC_VALUE;
+    const int value = ValueEdit();
     const SipOrderForm form = m_form.Read(value);
     order.series = form.series;
     order.symbol = form.symbol;
@@ -112,17 +120,17 @@ std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder&
 int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     int notShown = 0;
-    const auto choose = [&](int combo, std::string_view text) { notShown += !ShowChoice(combo, text); };
-    choose(IDC_EXCHANGE, Shown(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
+    const auto choose = [&](int combo, std::string_view text) { notShown += !m_form.Choose(combo, text); };
+    choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
     OnExchangeChanged();
     choose(IDC_SERIES, texts[BasketField::series]);
     OnSeriesChanged();
     if (m_view.Handle() != window) return notShown;
     choose(IDC_SYMBOL, texts[BasketField::symbol]);
-    choose(IDC_ACTION, Shown(kPlanToDisplay, texts[BasketField::action]));
-    choose(IDC_ORDER_TYPE, Shown(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
+    choose(IDC_ACTION, Display(kPlanToDisplay, texts[BasketField::action]));
+    choose(IDC_ORDER_TYPE, Display(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
     choose(IDC_PRODUCT, texts[BasketField::product]);
-    choose(IDC_INVEST_BY, Shown(kInvestTypeToDisplay, texts[BasketField::investType]));
+    choose(IDC_INVEST_BY, Display(kInvestTypeToDisplay, texts[BasketField::investType]));
     OnInvestTypeChanged();
     choose(IDC_FREQUENCY, texts[BasketField::frequency]);
     m_frequencyToShow = texts[BasketField::frequency];
@@ -151,13 +159,6 @@ int BasketForm::ShowRow(const BasketTexts& texts, const LocalDateTime& now) {
     return notShown + 1;
 }
 
-bool BasketForm::ShowChoice(int combo, std::string_view text) {
-    if (m_view.SelectText(combo, text)) return true;
-    // An entry that is not the row's would be taken for it.
-    m_view.Select(combo, -1);
-    return false;
-}
-
 bool BasketForm::ShowNumber(int edit, std::optional<std::string> text) {
     m_view.SetText(edit, text.value_or(""));
     return text.has_value();
@@ -171,7 +172,7 @@ bool BasketForm::ShowStartDate(std::string_view text, const LocalDateTime& now) 
 }
 
 bool BasketForm::ShowClient(std::string_view client) {
-    if (!m_form.SearchesClients()) return ShowChoice(IDC_CLIENT_COMBO, client);
+    if (!m_form.SearchesClients()) return m_form.Choose(IDC_CLIENT_COMBO, client);
     m_view.SetText(IDC_CLIENT_SEARCH, client);
     return true;
 }

@@ -43,6 +43,7 @@ public:
     void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
     void OnInvestTypeChanged();
 
+    SipOrderForm Shown() const;
     // Why the order is refused, or none when `order` holds it.
     std::optional<FormRefusal> Read(const LocalDateTime& now, FormOrder& order) const;
     // Returns how many fields cannot be shown. Their controls are left empty; the date, which cannot be, is
@@ -58,7 +59,7 @@ public:
     BasketRules RulesOfUnsent(const LocalDateTime& now) const;
 
 private:
-    bool ShowChoice(int combo, std::string_view text);
+    int ValueEdit() const;
     bool ShowNumber(int edit, std::optional<std::string> text);
     bool ShowStartDate(std::string_view text, const LocalDateTime& now);
     bool ShowClient(std::string_view client);

@@ -15,12 +15,18 @@ void Basket::Load() {
     const int closings = m_closings;
     const auto path = Alone([&] { return m_view.AskLoadPath(); });
     if (!path || !IsStill(closings)) return;
-    auto text = m_view.ReadFile(*path);
+    m_path = *path;
+    LoadFile();
+}
+
+void Basket::LoadFile() {
+    auto text = m_view.ReadFile(m_path);
     if (!text) return m_view.ShowMessage("File Open Error");
     if (base::IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
     const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
     if (unsent > 0
-        && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent)))
+        && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
+                &Basket::LoadFile))
         return;
     BeginLoading(std::move(*text), m_form.Rules(m_view.Now()));
 }
@@ -76,8 +82,9 @@ void Basket::Place() {
         placed.push_back({record, static_cast<int>(row)});
         clients.emplace(m_rows[record].Text(BasketField::clientId));
     }
-    if (placed.empty() || !AskAboutUnknown(clients, "Place their orders all the same?")
-        || !Ask("Are you sure to place these Basket Orders?"))
+    constexpr Act again = &Basket::Place;
+    if (placed.empty() || !AskAboutUnknown(clients, "Place their orders all the same?", again)
+        || !Ask("Are you sure to place these Basket Orders?", again))
         return;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
     const int closings = m_closings;
@@ -100,13 +107,11 @@ Choice Basket::AskAboutSent() {
                                   sent, rows, rows);
     question += sent == rows ? "No: place none."
                              : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
-    const int closings = m_closings;
-    const Choice choice = Alone([&] { return m_view.Choose(question); });
-    return IsStill(closings) ? choice : Choice::cancel;
+    return Choose(question, &Basket::Place);
 }
 
 // True when the host knows all of them, or the user says so.
-bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* question) {
+bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act) {
     constexpr std::size_t mostNamed = 20;
     const int closings = m_closings;
     std::size_t unknown = 0;
@@ -121,7 +126,7 @@ bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* q
     if (!IsStill(closings)) return false;
     if (unknown == 0) return true;
     if (unknown > mostNamed) names += Format(" and %zu more", unknown - mostNamed);
-    return Ask(Format("The terminal knows no client %s.\n%s", names.c_str(), question));
+    return Ask(Format("The terminal knows no client %s.\n%s", names.c_str(), question), act);
 }
 
 void Basket::EndPlacing() {
@@ -131,25 +136,31 @@ void Basket::EndPlacing() {
     m_view.ShowStatus();
     const int closings = m_closings;
     const bool stopped = placing->Stopped();
+    m_stoppedSent.clear();
+    for (const RecordId record : placing->Sent())
+        m_stoppedSent.push_back(m_rows[record].SerialNumber());
+    m_stoppedTotal = placing->Total();
     Alone([&] {
         if (const std::string failures = placing->FailureTexts(); !failures.empty())
             m_view.ShowMessage(failures);
-        // The rows that it offers are those that were sent: none goes under the box.
-        if (stopped && IsStill(closings)) OfferToRemove(*placing);
+        if (stopped && IsStill(closings)) OfferToRemove();
     });
     if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
 }
 
-void Basket::OfferToRemove(const BasketPlacing& placing) {
+void Basket::OfferToRemove() {
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    const std::size_t sent = placing.SentCount();
+    const std::size_t sent = m_stoppedSent.size();
     if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
     if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
-                    sent, placing.Total(), sent)))
+                    sent, m_stoppedTotal, sent),
+             &Basket::OfferToRemove))
         return;
     BasketList& list = m_view.List();
     list.BeginChanges();
-    for (const RecordId record : placing.Sent()) {
+    for (const std::int32_t number : m_stoppedSent) {
+        const RecordId record = m_rows.BySerialNumber(number);
+        if (record == kNoRecord) continue; // went while the question waited
         list.Remove(record);
         m_rows.Remove(record);
     }
@@ -170,7 +181,9 @@ void Basket::RunFor(std::int64_t milliseconds) {
             m_view.ShowWaiting(true);
             m_view.List().BeginChanges();
             // A long load may go past midnight.
-            loading->SetNow(ToSeconds(m_view.Now()));
+            const LocalDateTime now = m_view.Now();
+            // What the form had taken may start today.
+            loading->SetNow(ToSeconds(m_bringsBack ? now.Midnight() : now));
         }
         do
             more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);

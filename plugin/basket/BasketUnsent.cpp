@@ -46,9 +46,8 @@ void Basket::OfferUnsent() {
     const UnsentCounts found = CountUnsent(text ? *text : std::string());
     m_unsentSettled = found.orders == 0;
     if (m_unsentSettled) return;
-    const int closings = m_closings;
-    const Choice choice = Alone([&] { return m_view.Choose(OfferOf(found)); });
-    if (!IsStill(closings) || choice == Choice::cancel) return;
+    const Choice choice = Choose(OfferOf(found), &Basket::OfferUnsent);
+    if (choice == Choice::cancel) return;
     if (choice == Choice::no) return KeepUnsent();
     RememberDoubtful(*text, m_rows);
     m_bringsBack = true;

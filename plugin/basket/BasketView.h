@@ -56,9 +56,11 @@ class BasketView : public DialogView {
 public:
     virtual BasketList& List() = 0;
     virtual std::string Title() const = 0;
-    // A question with Yes and No, No being the default; true for Yes. False at once while another box is open.
+    // False while another box is open. That one comes to the front, and Basket hears when it is gone.
+    virtual bool MayAsk() = 0;
+    // A question with Yes and No, No being the default; true for Yes.
     virtual bool Ask(std::string_view question) = 0;
-    // One with Cancel as well, which is also the answer while another box is open.
+    // One with Cancel as well.
     virtual Choice Choose(std::string_view question) = 0;
     virtual UnsentFile& Unsent() = 0;
     // None when the user gives none.

@@ -24,10 +24,7 @@ bool OrderEntry::BringBack() {
 
 bool OrderEntry::FillIn(const SipOrderForm& order) {
     const int opening = m_openings;
-    // An entry that is no longer offered leaves the choice empty: no other may be taken for it.
-    const auto choose = [&](int combo, const std::string& text) {
-        if (!m_view.SelectText(combo, text)) m_view.Select(combo, -1);
-    };
+    const auto choose = [&](int combo, const std::string& text) { m_form.Choose(combo, text); };
     choose(IDC_EXCHANGE, order.exchange);
     OnExchangeChanged();
     if (!StillOpen(opening)) return false;
@@ -40,7 +37,7 @@ bool OrderEntry::FillIn(const SipOrderForm& order) {
     choose(IDC_PRODUCT, order.product);
     choose(IDC_INVEST_BY, order.investType);
     OnInvestTypeChanged();
-    choose(IDC_FREQUENCY, order.frequency);
+    choose(IDC_FREQUENCY, m_frequencyToShow = order.frequency);
     m_view.SetDate(IDC_START_DATE, order.startDate);
     m_view.SetText(IDC_VALUE, order.value);
     m_view.SetText(IDC_PERIOD, order.totalPeriod);

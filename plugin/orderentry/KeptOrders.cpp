@@ -34,9 +34,13 @@ std::string DescribeRefusal(std::string_view text, std::string_view code) {
     return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
 }
 
-void KeptOrders::Sent(const SipOrderForm& order, std::int64_t now) {
-    // Of a refusal that belonged to no known order nothing can come back.
+// Of a refusal that belonged to no known order nothing can come back.
+void KeptOrders::ForgetUnknown() {
     std::erase_if(m_kept, [](const Kept& kept) { return !kept.order; });
+}
+
+void KeptOrders::Sent(const SipOrderForm& order, std::int64_t now) {
+    ForgetUnknown();
     m_waiting.push_back({order, now});
 }
 
@@ -56,6 +60,7 @@ void KeptOrders::Refused(std::string_view client, std::string_view text, std::st
     auto order = TakeAnswered(client, now);
     std::string why = DescribeRefusal(text, code);
     if (order && !m_waiting.empty()) why += Format(" %zu more wait for an answer.", m_waiting.size());
+    ForgetUnknown(); // the latest is enough, however many come
     m_kept.push_back({std::move(order), std::move(why)});
 }
 
@@ -78,11 +83,14 @@ std::optional<SipOrderForm> KeptOrders::TakeNext() {
 
 std::string KeptOrders::Notice() const {
     if (m_kept.empty()) return {};
-    const Kept& next = m_kept.back();
-    std::string text = next.why;
-    if (!next.order) return text;
-    text += " F3 brings the order back (" + Naming(*next.order) + ").";
-    if (m_kept.size() > 1) text += Format(" %zu more are kept.", m_kept.size() - 1);
+    std::string text = m_kept.back().why;
+    const auto brings = [](const Kept& kept) { return kept.order.has_value(); };
+    const auto orders = std::ranges::count_if(m_kept, brings);
+    if (orders == 0) return text;
+    const auto next = std::ranges::find_if(m_kept.rbegin(), m_kept.rend(), brings);
+    text += next == m_kept.rbegin() ? " F3 brings the order back (" : " F3 brings an earlier order back (";
+    text += Naming(*next->order) + ").";
+    if (orders > 1) text += Format(" %zu more are kept.", static_cast<std::size_t>(orders - 1));
     return text;
 }
 

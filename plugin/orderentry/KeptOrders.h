@@ -44,6 +44,7 @@ private:
         std::string why;
         bool alarming = true;
     };
+    void ForgetUnknown();
     std::optional<SipOrderForm> TakeAnswered(std::string_view client, std::int64_t now);
 
     std::vector<Waiting> m_waiting; // the oldest first

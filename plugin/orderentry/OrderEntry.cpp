@@ -34,6 +34,7 @@ void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customPro
     const int opening = ++m_openings;
     m_modifying.reset();
     m_asksLater.reset();
+    m_frequencyToShow.clear();
     m_names.Forget();
     PrepareClient();
     if (!StillOpen(opening)) return;
@@ -192,6 +193,8 @@ void OrderEntry::OnResponse(void* message) {
 
 void OrderEntry::HandleOperationMode(const Answer& answer) {
     if (!m_frequencies.OnAnswer(answer, !FilledForModify())) return;
+    // A list that comes late must not choose what the order in the form does not say.
+    if (!m_frequencyToShow.empty()) m_form.Choose(IDC_FREQUENCY, m_frequencyToShow);
     m_untouched.frequency = m_view.Text(IDC_FREQUENCY);
     ShowPlan();
 }

@@ -122,6 +122,7 @@ private:
     // What stands in the form without the dealer's doing, and whether it is an order that was brought back.
     SipOrderForm m_untouched;
     bool m_broughtBack = false;
+    std::string m_frequencyToShow; // of the order that was brought back, once the list has it
 };
 
 } // namespace planfold

@@ -84,6 +84,12 @@ void SipForm::RefreshScrips(ScripLevel changed) {
     m_view.Select(IDC_SYMBOL, 0);
 }
 
+bool SipForm::Choose(int combo, std::string_view text) {
+    if (m_view.SelectText(combo, text)) return true;
+    m_view.Select(combo, -1);
+    return false;
+}
+
 SipOrderForm SipForm::Read(int valueControl) const {
     struct FormRow {
         int control;

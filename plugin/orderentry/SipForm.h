@@ -28,6 +28,9 @@ public:
     // right.
     void FillProducts(std::string_view customProducts);
     void RefreshScrips(ScripLevel changed);
+    // A combo for an order that comes into the form. Without its entry it shows nothing, and false is returned:
+    // no other entry may be taken for it.
+    bool Choose(int combo, std::string_view text);
 
     // `valueControl` is where amount or quantity is typed.
     SipOrderForm Read(int valueControl) const;

@@ -67,6 +67,7 @@ public:
         titles.emplace_back(text);
         title = text;
     }
+    bool MayAsk() override { return !otherBox; }
     bool Ask(std::string_view question) override {
         questions.emplace_back(question);
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
@@ -101,7 +102,7 @@ public:
 
     BasketListDouble list;
     Texts questions, titles;
-    bool yes = true;
+    bool yes = true, otherBox = false;
     Choice choice = Choice::yes;
     UnsentDouble unsent;
     std::function<void()> duringQuestion, duringLoadQuestion; // run once

@@ -292,6 +292,52 @@ TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
     EXPECT_EQ(view.questions, Texts{}) << "all were sent, and the host cannot tell";
 }
 
+TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
+    Open();
+    const auto boxGoes = [&] {
+        EXPECT_EQ(Taken(view.questions), Texts{});
+        view.otherBox = false;
+        while (!basket.OnBoxGone()) {
+        }
+        EXPECT_TRUE(basket.OnBoxGone());
+        return Taken(view.questions);
+    };
+    const std::string take =
+        "The terminal knows no client NOBODY.\nTake the order into the basket all the same?";
+    for (const char* amount : {"2000", "1500"}) {
+        view.otherBox = true;
+        Add("NOBODY", amount);
+        view.SetText(IDC_VALUE, "1500");
+        EXPECT_EQ(boxGoes(), *amount == '2' ? Texts{} : Texts{take}) << "what is no longer shown is not taken";
+        EXPECT_EQ(Rows(BasketField::clientId), *amount == '2' ? "" : "NOBODY");
+    }
+    view.otherBox = true;
+    Load(Lines(40));
+    basket.Place();
+    basket.Place();
+    EXPECT_EQ(Rows(BasketField::clientId), "NOBODY");
+    view.clockStep = 20;
+    EXPECT_EQ(boxGoes(), (Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?",
+                                "Are you sure to place these Basket Orders?"}));
+
+    // Its rows may go before the question comes, and others take their places.
+    while (host.requests.size() < 2)
+        basket.Continue();
+    view.otherBox = true;
+    basket.Stop();
+    view.list.selected = {view.list.rows[0]};
+    basket.Delete();
+    Add("C50");
+    EXPECT_EQ(boxGoes(),
+              Texts{"Placing was stopped: 2 of 40 orders were sent.\nRemove these 2 from the basket?"});
+    EXPECT_EQ(view.list.rows.size(), 39u);
+    EXPECT_EQ(Rows(BasketField::clientId).substr(0, 7), "C50 C38");
+    view.otherBox = true;
+    basket.Place();
+    basket.OnClosed();
+    EXPECT_EQ(boxGoes(), Texts{}) << "with the window the question goes";
+}
+
 TEST_F(BasketPlacingTest, TheExitInTheMiddleEndsIt) {
     const auto end = [&] {
         session.End();

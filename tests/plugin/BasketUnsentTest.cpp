@@ -123,7 +123,8 @@ TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheyMayHaveBeenSent) {
     Load(Line("C1") + Line("C2") + Line("C3"));
     std::string found = view.unsent.text;
     found.replace(found.find(" ,\n"), 1, "placing");
-    found.replace(found.find("05/Mar/2027", found.rfind("C3")), 11, "05/Mar/2026");
+    found.replace(found.find("05/Mar/2027", found.rfind("C2")), 11, "31/Jan/2027");
+    found.replace(found.find("05/Mar/2027", found.rfind("C3")), 11, "30/Jan/2027");
     const std::string late = found.substr(found.rfind("C3"));
 
     Basket another(session, view, &control);

@@ -222,6 +222,11 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
         {"ok", "C001 ", "Refused"}, // names its client
         {"no", "C001 ",
          "Refused: no (code 104). F3 brings the order back (C002 ARBORTEX 60). 2 more are kept."},
+        {"C002 70", "C002 ", "Refused"},
+        {"stray", "C002 ",
+         "Refused: no (code 104). F3 brings an earlier order back (C002 ARBORTEX 60). 2 more are kept."},
+        {"no", "C002 ",
+         "Refused: no (code 104). F3 brings the order back (C002 ARBORTEX 70). 3 more are kept."},
     };
     Open();
     Answer(kMonthlyYearly);
@@ -239,6 +244,8 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
             Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"no"}}});
         else if (does == "ok")
             Answer({{32767, {"add_sip_orders"}}, {20008, {"registered"}}, {54001, {"C001"}}});
+        else if (does == "stray")
+            Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"no"}}, {54001, {"C404"}}});
         else if (does == "wait")
             view.now += 11'000;
         else
@@ -284,13 +291,15 @@ TEST_F(OrderEntryTest, AnOrderComesBackAsItWasTyped) {
               std::string::npos)
         << view.summary;
     view.controls[IDC_PRODUCT].items = {"CNC"};
-    for (const int combo : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_PRODUCT, IDC_FREQUENCY})
+    for (const int combo : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_PRODUCT})
         view.Select(combo, 0);
+    view.controls[IDC_FREQUENCY] = {}; // its list is still on its way
     ASSERT_TRUE(entry.BringBack());
     EXPECT_TRUE(view.controls[IDC_VALUE].digitsOnly);
     EXPECT_EQ(view.Text(IDC_PRODUCT), "") << "no other product stands for it";
     view.controls[IDC_PRODUCT].items = {"CNC", "MIS"};
     view.SelectText(IDC_PRODUCT, "MIS");
+    Answer(kMonthlyYearly);
     EXPECT_EQ(shown(), typed);
     EXPECT_EQ(view.focused, IDC_VALUE);
 }

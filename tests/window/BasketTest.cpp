@@ -188,6 +188,27 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
         << "the hidden row";
 }
 
+TEST_F(BasketWindow, AQuestionComesWhenTheOpenBoxIsGone) {
+    Add("C001", "1500");
+    Pick("Order Entry");
+    host.requests.clear();
+    boxes.during = [&] {
+        probe::Press(dialog, basket::kPlace);
+        EXPECT_EQ(host.requests.size(), 0u);
+    };
+    host.Answer(Told("first"));
+    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 1; }));
+    const std::string question = "Are you sure to place these Basket Orders?|Order Placed..!!|";
+    EXPECT_EQ(boxes.Texts(), "first|" + question);
+
+    // The book keeps every box until it stands.
+    Load(Line("C9"));
+    host.duringAccounts = [&] { probe::Press(dialog, basket::kPlace); };
+    Pick("SIP Registration Book");
+    probe::PumpUntil([&] { return host.LastRequest().find(" 54001=C9 ") != std::string::npos; });
+    EXPECT_EQ(boxes.Texts(), question);
+}
+
 TEST_F(BasketWindow, KeepsWhatWasNotSentFromOneSessionToTheNext) {
     const std::string offer =
         "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them "

@@ -61,7 +61,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
       m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session) {}
+      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session),
+      m_afterBox(boxes) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -196,6 +197,10 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         if (m_ownSize.cx) limits.ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
         return 0;
     }
+    case WM_TIMER:
+        if (!m_afterBox.IsGone(wParam)) return std::nullopt;
+        if (const HWND window = Dialog::Handle(); m_basket.OnBoxGone()) AfterBox::Done(window);
+        return 0;
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
         m_menu.Close();

@@ -5,6 +5,7 @@
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
+#include "plugin/controls/window/AfterBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"
@@ -39,6 +40,7 @@ private:
     void SetText(int control, std::string_view text) override;
     BasketList& List() override { return m_list; }
     std::string Title() const override { return Self().Text(); }
+    bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
     bool Ask(std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
@@ -75,6 +77,7 @@ private:
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
     SipFormControls m_controls;
+    AfterBox m_afterBox;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font

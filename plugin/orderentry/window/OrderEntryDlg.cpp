@@ -13,8 +13,6 @@ namespace {
 
 // To itself, when a control shows only later what it has told.
 constexpr UINT kShowPlanLater = WM_APP + 1;
-constexpr UINT_PTR kBoxTimer = 1;
-constexpr UINT kBoxTimerMs = 50;
 constexpr LPARAM kKeyWasDown = 1 << 30;
 
 struct Change {
@@ -32,7 +30,7 @@ constexpr Change kChanges[] = {
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindowOf(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_controls(*this, session), m_plannedDates(module, session) {}
+      m_controls(*this, session), m_plannedDates(module, session), m_afterBox(boxes) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
@@ -67,12 +65,6 @@ void COrderEntryDlg::SetText(int control, std::string_view text) {
 void COrderEntryDlg::SetDigitsOnly(int edit, bool on) {
     DialogWindowOf::SetDigitsOnly(edit, on);
     m_controls.FilterValue(!on);
-}
-
-bool COrderEntryDlg::MayAsk() {
-    if (!Boxes().BringToFront()) return true;
-    SetTimer(Dialog::Handle(), kBoxTimer, kBoxTimerMs, nullptr);
-    return false;
 }
 
 void COrderEntryDlg::ShowSummary(std::string_view text, bool alarms) {
@@ -122,8 +114,8 @@ std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM wParam, LP
     case framework::kOfferedKey:
         return wParam == VK_F3 && !(lParam & kKeyWasDown) && m_entry.BringBack();
     case WM_TIMER:
-        if (wParam != kBoxTimer || Boxes().IsOpen()) return std::nullopt;
-        KillTimer(Dialog::Handle(), kBoxTimer);
+        if (!m_afterBox.IsGone(wParam)) return std::nullopt;
+        AfterBox::Done(Dialog::Handle());
         m_entry.OnBoxGone(LocalNow());
         return 0;
     case kShowPlanLater:

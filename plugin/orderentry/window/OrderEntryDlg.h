@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/ColorStatic.h"
+#include "plugin/controls/window/AfterBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"
@@ -32,7 +33,7 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
-    bool MayAsk() override;
+    bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
     bool Ask(std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
@@ -54,6 +55,7 @@ private:
     framework::ColorStatic m_summary;
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
+    AfterBox m_afterBox;
 };
 
 } // namespace planfold
