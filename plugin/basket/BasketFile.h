@@ -91,7 +91,8 @@ inline constexpr std::string_view kNoNote = " ";
 void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note = kNoNote);
 std::string_view BasketLineNote(std::string_view line);
 
-// What is written of lines, so that they read the same: where the first begins like a file's mark, that is no mark.
+// What is written of lines, so that they read the same: where the first begins like a file's mark, that is no
+// mark.
 std::string BasketFileText(std::string lines);
 
 } // namespace planfold
