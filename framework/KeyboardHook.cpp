@@ -23,17 +23,20 @@ bool InSystemLoop() {
     return GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & loops) != 0;
 }
 
-// A click gives the focus past the dialog manager, which then marks another button than the one that Enter
-// presses.
+// A click that takes the focus to a button, or from one, goes past the dialog manager, which then marks another
+// button than the one that Enter presses.
 void FollowClick(const MSG& message) {
     HWND control = message.hwnd;
     const HWND dialog = EnrolledDialog(control);
     while (control && GetAncestor(control, GA_PARENT) != dialog)
         control = GetAncestor(control, GA_PARENT);
-    if (!dialog || !control || control == dialog) return;
-    constexpr LRESULT takesNoFocus = DLGC_STATIC;
-    if (SendMessageA(control, WM_GETDLGCODE, 0, 0) & takesNoFocus) return;
-    if (control != GetFocus()) SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+    const HWND focused = GetFocus();
+    if (!dialog || !control || control == dialog || control == focused) return;
+    const auto kindOf = [](HWND window) { return window ? SendMessageA(window, WM_GETDLGCODE, 0, 0) : 0; };
+    constexpr LRESULT button = DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON;
+    const LRESULT clicked = kindOf(control);
+    if ((clicked & DLGC_STATIC) || !((clicked | kindOf(focused)) & button)) return;
+    SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
 }
 
 // Before the control that has the focus gets it.
