@@ -87,6 +87,16 @@ RecordId Basket::RowToModify() const {
     return std::ranges::find(selected, shown) != selected.end() ? shown : m_view.List().FirstSelected();
 }
 
+std::string Basket::OtherRowQuestion(RecordId selected) const {
+    const auto named = [&](RecordId record) {
+        const sBasketOrderData& row = m_rows[record];
+        return std::string(row.Text(BasketField::clientId)) + ' ' + std::string(row.Text(BasketField::symbol));
+    };
+    return "The form was filled from the order for " + named(m_rows.BySerialNumber(m_shownRow))
+           + ", but the row for " + named(selected)
+           + " is selected.\n\nYes: replace the selected order by what the form shows.\nNo: change nothing.";
+}
+
 void Basket::AddOrModify() {
     if (IsBusy()) return;
     const int closings = m_closings;
@@ -107,7 +117,12 @@ void Basket::AddOrModify() {
         m_view.ShowStatus();
         return KeepUnsent();
     }
-    const RecordId selected = RowToModify();
+    RecordId selected = RowToModify();
+    if (selected != kNoRecord && m_rows[selected].SerialNumber() != m_shownRow) {
+        const std::int32_t serial = m_rows[selected].SerialNumber();
+        if (!Ask(OtherRowQuestion(selected), &Basket::AddOrModify)) return;
+        selected = m_rows.BySerialNumber(serial);
+    }
     LeaveModifyMode();
     m_form.ClearAfterModify();
     if (selected == kNoRecord) return m_view.ShowMessage("Order Not Found");

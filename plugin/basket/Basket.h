@@ -133,6 +133,8 @@ private:
     bool IsModifying() const;
     // kNoRecord when it is no longer there.
     RecordId RowToModify() const;
+    // When that is not the row that the form shows.
+    std::string OtherRowQuestion(RecordId selected) const;
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
     void HandlePlaced(const Answer& answer);
 

@@ -116,6 +116,17 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     basket.AddOrModify();
     EXPECT_EQ(Rows(BasketField::amount), " 7000 150000");
 
+    // Another row was selected since: it is not replaced without a question.
+    basket.Activate(view.list.rows[1]);
+    view.list.selected = {view.list.rows[0]};
+    const std::string before = Rows(BasketField::clientId) + Serials();
+    view.yes = false;
+    basket.AddOrModify();
+    EXPECT_EQ(Taken(view.questions).size(), 1u);
+    EXPECT_EQ(Rows(BasketField::clientId) + Serials(), before);
+    EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
+    view.yes = true;
+
     // The row that was to be modified is gone: no other is taken for it.
     basket.Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[1]};
