@@ -132,10 +132,10 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
 bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
     const int opening = m_openings;
     if (form.modifyMode) return ConfirmChanged(form);
-    const bool unknown = IsUnknownClient(m_session, form.client);
+    const bool unknown = IsUnknownClient(m_session, form.account);
     if (!unknown || !StillOpen(opening)) return StillOpen(opening);
     if (!MayAsk(form)) return false;
-    const bool yes = m_view.Ask(UnknownClientQuestion(form.client));
+    const bool yes = m_view.Ask(UnknownClientQuestion(form.account));
     if (!yes) focus = m_form.ClientControl();
     return yes && StillOpen(opening);
 }

@@ -101,7 +101,7 @@ SipOrderForm SipForm::Read(int valueControl) const {
         {IDC_ORDER_TYPE, &SipOrderForm::orderType}, {IDC_PRODUCT, &SipOrderForm::product},
         {IDC_FREQUENCY, &SipOrderForm::frequency},  {IDC_INVEST_BY, &SipOrderForm::investType},
         {valueControl, &SipOrderForm::value},       {IDC_PERIOD, &SipOrderForm::totalPeriod},
-        {ClientControl(), &SipOrderForm::client},
+        {ClientControl(), &SipOrderForm::account},
     };
     SipOrderForm form;
     for (const auto& [control, member] : rows)

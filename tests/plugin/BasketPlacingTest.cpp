@@ -270,11 +270,11 @@ TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
     Load(Lines(2));
     EXPECT_EQ(Taken(view.questions),
               Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?"});
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     Add("NOBODY");
     EXPECT_EQ(Taken(view.questions),
               Texts{"The terminal knows no client NOBODY.\nTake the order into the basket all the same?"});
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     view.yes = true;
     Add("NOBODY");
     view.yes = false;
@@ -309,13 +309,13 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
         Add("NOBODY", amount);
         view.SetText(IDC_VALUE, "1500");
         EXPECT_EQ(boxGoes(), *amount == '2' ? Texts{} : Texts{take}) << "what is no longer shown is not taken";
-        EXPECT_EQ(Rows(BasketField::clientId), *amount == '2' ? "" : "NOBODY");
+        EXPECT_EQ(Rows(BasketField::account), *amount == '2' ? "" : "NOBODY");
     }
     view.otherBox = true;
     Load(Lines(40));
     basket.Place();
     basket.Place();
-    EXPECT_EQ(Rows(BasketField::clientId), "NOBODY");
+    EXPECT_EQ(Rows(BasketField::account), "NOBODY");
     view.clockStep = 20;
     EXPECT_EQ(boxGoes(), (Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?",
                                 "Are you sure to place these Basket Orders?"}));
@@ -331,7 +331,7 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
     EXPECT_EQ(boxGoes(),
               Texts{"Placing was stopped: 2 of 40 orders were sent.\nRemove these 2 from the basket?"});
     EXPECT_EQ(view.list.rows.size(), 39u);
-    EXPECT_EQ(Rows(BasketField::clientId).substr(0, 7), "C50 C38");
+    EXPECT_EQ(Rows(BasketField::account).substr(0, 7), "C50 C38");
     view.otherBox = true;
     basket.Place();
     basket.OnClosed();
@@ -365,7 +365,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
     Open();
     host.duringLog = openAnew;
     Load(Line("C1") + "x\n" + Lines(9));
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     EXPECT_EQ(view.waiting + view.list.changes, 0);
 
     // The row that is just being sent counts as sent.
@@ -376,7 +376,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
         Taken(view.boxes);
         Taken(view.questions);
         basket.Place();
-        EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
+        EXPECT_EQ(Rows(BasketField::account), "C2 C1");
         EXPECT_EQ(basket.Rows().SentCount() + view.boxes.size(), sent);
         view.yes = false;
         view.choice = Choice::cancel;
@@ -390,7 +390,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     Open();
     host.duringScripLookUp = [&] { Add("C1"); };
     Add("C1");
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
 
     Add("C2", "20");
     view.list.selected = {view.list.rows[1]};
@@ -399,7 +399,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), "C1 1500.00");
     host.duringScripLookUp = [&] { basket.AddOrModify(); };
     basket.AddOrModify();
-    EXPECT_EQ(Rows(BasketField::clientId), "C2 C1") << "a second press does not add what the first modifies";
+    EXPECT_EQ(Rows(BasketField::account), "C2 C1") << "a second press does not add what the first modifies";
 
     // The rows that a stopped placing offers to remove cannot go under the box before.
     host.refuses = true;
@@ -411,7 +411,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
         basket.Delete();
     };
     basket.Place();
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 }
 
 } // namespace

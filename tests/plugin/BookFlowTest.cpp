@@ -99,7 +99,7 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
     EXPECT_EQ(Lists(), theirs + " " + after + " " + before + "|");
     const std::pair<OrderField, const char*> cells[] = {
         {OrderField::exchange, "NSE"},
-        {OrderField::action, "SIP"},
+        {OrderField::side, "SIP"},
         {OrderField::orderType, "MARKET"},
         {OrderField::amount, "1234.50"},
         {OrderField::quantity, ""},
@@ -109,7 +109,7 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
         {OrderField::endDate, "15-Dec-2027"},
         {OrderField::accountName, "Second Client"},
         {OrderField::sipStatus, "active"},
-        {OrderField::userId, "DEALER1"},
+        {OrderField::loginId, "DEALER1"},
     };
     for (const auto& [field, text] : cells)
         EXPECT_EQ(Text(field, after), text);
@@ -124,7 +124,7 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
     own.Send({{0, "cancel_sip_order"}, {64804, after}, {32760, after}, {20008, "gone"}, {49281, "DEALER1"}});
     Pump();
     EXPECT_EQ(Lists(), theirs + " " + before + "|" + after);
-    EXPECT_EQ(Text(OrderField::remarks, after), "gone");
+    EXPECT_EQ(Text(OrderField::userText, after), "gone");
     EXPECT_EQ(Text(OrderField::cancelledBy, after), "DEALER1");
     EXPECT_EQ(Text(OrderField::cancelledDate, after), "10-Jan-2027");
     EXPECT_EQ(host.log.back(), after + " Order Cancelled ");
@@ -155,7 +155,7 @@ TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     EXPECT_EQ(Lists(), second + "|" + first);
     EXPECT_EQ(view.boxes, Texts{first + " Order Cancelled "});
     EXPECT_EQ(host.log, (Texts{"Sending request to cancel " + first, first + " Order Cancelled "}));
-    EXPECT_EQ(Text(OrderField::remarks, first), "wish");
+    EXPECT_EQ(Text(OrderField::userText, first), "wish");
 
     // Refused, delayed beyond a change of the selection, and silent.
     host.log.clear();

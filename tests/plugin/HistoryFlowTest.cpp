@@ -45,12 +45,12 @@ protected:
                             .customerFirm = "C",
                             .validity = "DAY",
                             .investType = "qty",
-                            .exchangeSegment = "nse_cm",
+                            .exchange = "nse_cm",
                             .side = "B",
                             .token = "1013",
                             .tradingSymbol = "ARBORTEX-EQ",
-                            .client = "C001",
-                            .sideLabel = "BUY"};
+                            .account = "C001",
+                            .sideWord = "BUY"};
         SendAddSipOrders(session, requests, notices, order, "NSE");
         Pump();
         return std::string(server.Registrations().back().Number());
@@ -83,9 +83,8 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     std::size_t pending = 0, traded = 0, untraded = 0;
     for (const sOrderHistory& order : history.Records()) {
         const auto text = [&](HistoryField field) { return order[field]; };
-        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::clientId)
-                      + text(HistoryField::exchange) + text(HistoryField::action)
-                      + text(HistoryField::orderType),
+        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::account)
+                      + text(HistoryField::exchange) + text(HistoryField::side) + text(HistoryField::orderType),
                   number + "C001NSESIPMARKET");
         EXPECT_NEAR(LeadingReal(text(HistoryField::price)), 123.45, 3);
         const bool hasTraded = text(HistoryField::tradedQuantity) != "0";

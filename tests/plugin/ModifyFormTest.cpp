@@ -17,11 +17,11 @@ protected:
                 .installments = "24",
                 .tradingSymbol = "A-B-EQ",
                 .action = "SWP",
-                .sipType = "value",
+                .investType = "value",
                 .amount = "123.45",
                 .quantity = "",
                 .startDate = "05-Mar-2020",
-                .client = "C001",
+                .account = "C001",
                 .nextExecutionDate = "07-Sep-2020", // the 5th is a Saturday
                 .endDate = "05-Feb-2021",
                 .status = "active",
@@ -78,7 +78,7 @@ TEST_F(ModifyTest, OnlyValueAndPeriodCanBeChangedAndAPastStartDoesNotBlock) {
 TEST_F(ModifyTest, RowsOfEveryShapeFillTheForm) {
     struct Row {
         const char* symbol;
-        const char* sipType;
+        const char* investType;
         int mode;
         const char* expected; // symbol, series, invest by, value, period, title
     };
@@ -90,7 +90,7 @@ TEST_F(ModifyTest, RowsOfEveryShapeFillTheForm) {
     for (const Row& row : rows) {
         SipRegistration registration = Registered("SIP7");
         registration.tradingSymbol = row.symbol;
-        registration.sipType = row.sipType;
+        registration.investType = row.investType;
         registration.quantity = "5";
         entry.Initialise(kNow, {});
         session.m_nSipOperationMode = row.mode;

@@ -175,11 +175,11 @@ TEST_F(OrderBookTest, AMessageFillsItsFieldsAndLeavesTheOthers) {
     };
     using enum OrderField;
     const Row rows[] = {
-        {{{31003, {"DEALER1"}}}, false, userId, "DEALER1"},
+        {{{31003, {"DEALER1"}}}, false, loginId, "DEALER1"},
         {{{63001, {"nse_cm"}}}, false, exchange, "NSE"},
         {{{63001, {"NSE_CM"}}}, false, exchange, "NSE"}, // in no row: as it was
-        {{{12003, {"S"}}}, false, action, "SWP"},
-        {{{12003, {"SWP"}}}, false, action, "SWP"},
+        {{{12003, {"S"}}}, false, side, "SWP"},
+        {{{12003, {"SWP"}}}, false, side, "SWP"},
         {{{12008, {"L"}}}, false, orderType, ""}, // the book names market orders only
         {{{12008, {"MKT"}}}, false, orderType, "MARKET"},
         {{{12008, {"L"}}}, false, orderType, "MARKET"},
@@ -197,7 +197,7 @@ TEST_F(OrderBookTest, AMessageFillsItsFieldsAndLeavesTheOthers) {
         {{{20008, {"r"}}}, false, accountName, "First Client"},
         {{{54001, {"C9"}}}, false, accountName, ""}, // the host knows no such client
         {{{10303, {""}}}, false, sipStatus, ""},     // an empty value is one
-        {{{20008, {"%s%n"}}}, false, remarks, "%s%n"},
+        {{{20008, {"%s%n"}}}, false, userText, "%s%n"},
     };
     Queried({{64804, {"SIP1"}}, {10303, {"active"}}});
     for (const Row& row : rows) {
@@ -209,12 +209,12 @@ TEST_F(OrderBookTest, AMessageFillsItsFieldsAndLeavesTheOthers) {
     }
     session.host.pu_get_client_name = nullptr;
     Queried({{64804, {"SIP1"}}, {54001, {"C001"}}});
-    EXPECT_EQ(Text(clientId), "C001");
+    EXPECT_EQ(Text(account), "C001");
     EXPECT_EQ(Text(accountName), "") << "without the callback nothing else is missing";
 
     const std::pair<std::uint32_t, OrderField> asTheyAre[] = {
         {63100, tradingSymbol},     {64030, product},     {10012, frequency},        {49165, startDate},
-        {54158, requestIdentifier}, {54211, streamName},  {54270, registrationDate}, {64756, orderSource},
+        {54158, orderId},           {54211, streamName},  {54270, registrationDate}, {64756, orderSource},
         {10320, cancelledDate},     {49281, cancelledBy}, {64987, endDate},          {10100, token},
         {10615, nextExecutionDate},
     };

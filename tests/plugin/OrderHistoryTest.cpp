@@ -120,7 +120,7 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         {"10076=4 10307= 10310=A 10309=B", nullptr, "- - - - - - 4 A B pending"},
     };
     constexpr HistoryField open[] = {
-        HistoryField::exchange,       HistoryField::tradingSymbol, HistoryField::action,
+        HistoryField::exchange,       HistoryField::tradingSymbol, HistoryField::side,
         HistoryField::orderType,      HistoryField::price,         HistoryField::tradedPrice,
         HistoryField::tradedQuantity, HistoryField::fillDetailA,   HistoryField::fillDetailB};
     for (const Row& row : rows) {

@@ -21,12 +21,12 @@ protected:
         order.customerFirm = "C";
         order.validity = "DAY";
         order.investType = "value";
-        order.exchangeSegment = "nse_cm";
+        order.exchange = "nse_cm";
         order.side = "B";
         order.token = "1013";
         order.tradingSymbol = "ALPHA-EQ";
-        order.client = "C001";
-        order.sideLabel = "BUY";
+        order.account = "C001";
+        order.sideWord = "BUY";
     }
 
     bool Place() { return SendAddSipOrders(session, &control, notices, order, "NSE"); }
@@ -79,7 +79,7 @@ TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
     order.amountOrQuantity = "5";
     EXPECT_TRUE(Place());
     EXPECT_EQ(host.log.back(), std::string(kLogStart) + "5" + kLogEnd);
-    order.client = "%s%n%d";
+    order.account = "%s%n%d";
     EXPECT_TRUE(Place());
     EXPECT_NE(host.log.back().find("Client ID : %s%n%d by"), std::string::npos);
 }

@@ -32,7 +32,7 @@ public:
     explicit Findings(bool keepRows) : m_keepRows(keepRows) {}
 
     void OnRow(const BasketTexts& texts) override {
-        Totals& side = texts[BasketField::action] == "B" ? buy : sell;
+        Totals& side = texts[BasketField::side] == "B" ? buy : sell;
         ++side.orders;
         if (texts[BasketField::investType] == "value")
             side.amountPaise += LeadingInteger(texts[BasketField::amount]);
