@@ -6,10 +6,10 @@
 // those that the rows have when they are looked at one by one. The text itself is also taken for a kept file.
 
 #include "fuzz/Fuzz.h"
+#include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/UnsentOrders.h"
-#include "plugin/messaging/Dates.h"
 
 #include <algorithm>
 #include <charconv>

@@ -3,7 +3,7 @@
 
 #include "base/Format.h"
 #include "fuzz/Fuzz.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // Order forms of any content: refused with a text, or an order that the server can read.
 
 #include "fuzz/Fuzz.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "tests/support/FakeHost.h"
 

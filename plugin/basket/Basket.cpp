@@ -1,8 +1,8 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 

@@ -1,10 +1,10 @@
 #include "plugin/basket/BasketForm.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/SipOrderFields.h"
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
 namespace planfold {

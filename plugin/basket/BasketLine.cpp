@@ -1,9 +1,9 @@
 #include "plugin/basket/BasketLine.h"
 
-#include "plugin/messaging/Dates.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Dates.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/messaging/Text.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,8 +1,8 @@
 #include "plugin/basket/BasketLoading.h"
 
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostScrips.h"
-#include "plugin/messaging/Text.h"
 
 #include <utility>
 

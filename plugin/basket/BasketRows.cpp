@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketRows.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/basket/SipOrderFields.h"
-#include "plugin/messaging/Numbers.h"
 
 #include <functional>
 #include <utility>

@@ -2,9 +2,9 @@
 // what they come to. In which order they stand is the list's affair.
 #pragma once
 
+#include "plugin/base/RecordId.h"
 #include "plugin/basket/BasketOrder.h"
 #include "plugin/basket/KeyCounts.h"
-#include "plugin/controls/RecordId.h"
 
 #include <cstdint>
 #include <string_view>

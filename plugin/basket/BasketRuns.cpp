@@ -1,8 +1,8 @@
 // What the basket does at length: loading and placing.
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
 #include <set>

@@ -1,10 +1,10 @@
 #include "plugin/history/HistoryRecord.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/Codes.h"
 #include "plugin/messaging/HostScrips.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "plugin/orderbook/BookRequests.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 namespace planfold {

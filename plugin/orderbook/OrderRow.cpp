@@ -1,9 +1,9 @@
 #include "plugin/orderbook/OrderRow.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/Codes.h"
 #include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/Numbers.h"
 #include "sdk/Tags.h"
 
 #include <array>

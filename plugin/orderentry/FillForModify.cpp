@@ -1,7 +1,7 @@
 // The order entry form over a registration that is to be changed.
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Text.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 

@@ -1,6 +1,6 @@
 #include "plugin/orderentry/FormNames.h"
 
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
 #include "plugin/messaging/HostClients.h"
 #include "plugin/messaging/HostScrips.h"
 

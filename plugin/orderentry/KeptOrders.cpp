@@ -1,6 +1,6 @@
 #include "plugin/orderentry/KeptOrders.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 #include "plugin/orderentry/SentModifications.h"
 
 #include <algorithm>

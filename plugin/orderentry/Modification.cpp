@@ -1,6 +1,6 @@
 #include "plugin/orderentry/Modification.h"
 
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/orderentry/PlannedDates.h"
 
 #include <algorithm>

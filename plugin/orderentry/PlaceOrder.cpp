@@ -1,8 +1,8 @@
 #include "plugin/orderentry/PlaceOrder.h"
 
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>

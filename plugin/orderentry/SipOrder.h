@@ -1,8 +1,8 @@
 // One SIP order on its way from the form to the server.
 #pragma once
 
+#include "plugin/base/Dates.h"
 #include "plugin/controls/DialogView.h"
-#include "plugin/messaging/Dates.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 // Basket files: what becomes of each line, what is told about it, and that what is written loads again.
+#include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Dates.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Dates.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Dates.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The order history and the restricted dates over the real connection library and trading server.
 
 #include "host/server/sample/SampleOrders.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/history/OrderHistory.h"
-#include "plugin/messaging/Numbers.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
 #include "plugin/restricted/RestrictedDates.h"

@@ -1,6 +1,6 @@
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Files.h"
 

@@ -1,7 +1,7 @@
+#include "plugin/base/Dates.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Dates.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/messaging/Text.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Files.h"
 
