@@ -21,10 +21,10 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
     EXPECT_TRUE(view.controls[IDC_BASKET_QUANTITY].digitsOnly && !view.controls[IDC_VALUE].digitsOnly);
-    EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode");
+    EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode");
     EXPECT_EQ(std::ranges::count(host.calls, "register_hotkey(SIP Basket Entry,193,Delete,Basket Delete,del)"),
               1);
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}});
+    Answer("echoedRequest=get_sip_operation_mode frequency=monthly,yearly minimumPeriods=6,2");
     EXPECT_EQ(view.Items(IDC_FREQUENCY), (Texts{"monthly", "yearly"}));
     EXPECT_EQ(view.Text(IDC_PERIOD_LABEL), "SIP Periods");
     EXPECT_EQ(session.m_dMinSipMonthly, 6.0);
@@ -260,7 +260,7 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
     basket.Initialise({});
     basket.ActivateRejected(0);
     EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
-    Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+    Answer("echoedRequest=get_sip_operation_mode errorCode=5");
     EXPECT_EQ(view.Text(IDC_FREQUENCY), "monthly");
 }
 
@@ -319,7 +319,7 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Taken(view.boxes);
 
     // Frequencies that the server does not list are told at once, each line.
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"yearly"}}, {54101, {"2"}}});
+    Answer("echoedRequest=get_sip_operation_mode frequency=yearly minimumPeriods=2");
     view.controls[IDC_FREQUENCY].items = {"yearly"};
     Load(Line("C1") + Line("C2"));
     EXPECT_EQ(Taken(view.boxes), Texts{"monthly Frequency not set\nmonthly Frequency not set"});
@@ -338,16 +338,16 @@ TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {
         Fields answer;
         const char* remarks;
     };
-    const Fields::value_type name{32767, {"add_sip_orders"}};
+    const std::string name = "echoedRequest=add_sip_orders ";
     const Row rows[] = {
-        {{name, {32760, {"1"}}, {20008, {"registered"}}}, "NA registered"},
-        {{name, {32760, {"2"}}}, " registered"},
-        {{name, {32760, {"3"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"0"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"-1"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"99999999999"}}, {20008, {"x"}}}, " registered"},
-        {{name, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"2"}}, {20008, {"x"}}, {32766, {"17"}}}, " registered"},
+        {name + "echoedNumber=1 userText=registered", "NA registered"},
+        {name + "echoedNumber=2", " registered"},
+        {name + "echoedNumber=3 userText=x", " registered"},
+        {name + "echoedNumber=0 userText=x", " registered"},
+        {name + "echoedNumber=-1 userText=x", " registered"},
+        {name + "echoedNumber=99999999999 userText=x", " registered"},
+        {name + "userText=x", " registered"},
+        {name + "echoedNumber=2 userText=x errorCode=17", " registered"},
     };
     host.log.clear();
     for (const Row& row : rows) {
@@ -359,7 +359,7 @@ TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {
     view.list.selected = {view.list.rows[0]};
     basket.Delete();
     Add("C9");
-    Answer({name, {32760, {"2"}}, {20008, {"late"}}});
+    Answer(name + "echoedNumber=2 userText=late");
     EXPECT_EQ(Rows(BasketField::userText), "NA registered");
 }
 

@@ -71,17 +71,15 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,1)",
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,2)",
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,3)"}));
-    const std::string start = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ARBORTEX-EQ 12003=B 12008=MKT "
-                              "64030=CNC ";
-    const std::string middle = " 10012=monthly 49165=" + std::to_string(ToSeconds({2027, 3, 5}))
-                               + " 63415=12 31003=DEALER1 54056=C 54001=";
-    const std::string end = " 12005=DAY 64056=BROKER 64053=BRANCH 63715=1 32760=";
-    EXPECT_EQ(
-        host.requests,
-        (Texts{start + "54152=qty 53063=7" + middle + "C4" + end + "4 54158=UUID-1 64756=TWS 61117=1",
-               start + "54152=value 53063=150000" + middle + "C3" + end
-                   + "3 54158=UUID-1 53405=Y 64756=TWS 61117=1",
-               start + "54152=value 53063=150000" + middle + "C1" + end + "1 54158=UUID-1 64756=TWS 61117=1"}))
+    const auto order = [](const std::string& changes, const char* end) {
+        const std::string start =
+            "startDate=" + std::to_string(ToSeconds({2027, 3, 5})) + " amountOrQuantity=150000 ";
+        return TextOf(Order(start + changes)) + " operationMode=1 echoedNumber=" + end
+               + " orderSource=TWS location=1";
+    };
+    EXPECT_EQ(host.requests, (Texts{order("account=C4 investType=qty amountOrQuantity=7", "4 orderId=UUID-1"),
+                                    order("account=C3", "3 orderId=UUID-1 cautionaryFlag=Y"),
+                                    order("account=C1", "1 orderId=UUID-1")}))
         << "the row in state 0 is left out without a word";
     EXPECT_EQ(host.log.back(),
               "NSE BUY SIP Order : Status : Trigger Pending CNC ARBORTEX-EQ at 1500.00 DAY monthly "
@@ -104,23 +102,8 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
         Load(Line("C1"));
         host.cautionOfRow = {{0, 1}};
         basket.Place();
-        EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos) << answer;
+        EXPECT_NE(host.LastRequest().find(" cautionaryFlag=N "), std::string::npos) << answer;
     }
-}
-
-TEST_F(BasketPlacingTest, AChangedRowIsAnotherOrder) {
-    Open();
-    view.controls[IDC_FREQUENCY].items = {"monthly"};
-    Load(Line("C1") + Line("C2"));
-    basket.Place();
-    EXPECT_EQ(basket.Status()[3], "Sent: 2");
-    const RecordId changed = view.list.rows[0];
-    basket.Activate(changed);
-    view.list.selected = {changed};
-    view.SetText(IDC_VALUE, "60");
-    basket.AddOrModify();
-    EXPECT_EQ(basket.Status()[3], "Sent: 1");
-    EXPECT_FALSE(basket.Rows().IsSent(changed));
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {

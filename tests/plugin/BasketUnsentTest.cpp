@@ -107,7 +107,7 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
         view.unsent.writable = row.writable;
         view.choice = row.choice;
         another.Initialise({});
-        Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+        Answer("echoedRequest=get_sip_operation_mode errorCode=5");
         another.OfferUnsent();
         Fill("C9");
         view.SelectText(IDC_FREQUENCY, "monthly");
