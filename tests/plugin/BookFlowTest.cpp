@@ -89,6 +89,8 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
         {OrderField::installmentsRegistered, "12"},
         {OrderField::totalPeriod, ""},
         {OrderField::endDate, "15-Dec-2027"},
+        {OrderField::nextExecutionDate, "15-Jan-2027"},
+        {OrderField::registrationDate, "10-Jan-2027"},
         {OrderField::accountName, "Second Client"},
         {OrderField::sipStatus, "active"},
         {OrderField::loginId, "DEALER1"},

@@ -49,6 +49,9 @@ TEST_F(ValidateSipOrderTest, FindsTheScripInTheMasterWhenTheHostCannotReadTheDia
               (Texts{"SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : "
                      "ARBORTEX,TradingSymbol : ARBORTEX-EQ ",
                      "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ARBORTEX-EQ,Token : 1013 "}));
+    SipOrderForm other = GoodForm();
+    other.exchange = "BSE";
+    EXPECT_EQ(Check(other) + record.exchange, "bse_cm");
 }
 
 TEST_F(ValidateSipOrderTest, AcceptsAnUnknownScripAndAnEmptyClient) {
