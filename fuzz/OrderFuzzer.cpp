@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     host.scrips.front().token = input.Line();
 
     sSipOrderData record;
-    if (const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record))
+    if (const auto refusal = ValidateSipOrder(test::kPass, session, nullptr, form, kNow, record))
         Demand(!refusal->text.empty());
     else
         CheckPassed(session, form, record);

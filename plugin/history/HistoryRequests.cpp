@@ -21,10 +21,10 @@ constexpr Request<Query> kRequest{kFields, "Request Failure"};
 
 } // namespace
 
-bool SendHistoryQuery(Session& session, RxControl* control, Notices& notices, std::string_view request,
-                      std::string_view registrationNumber) {
+bool SendHistoryQuery(Pass pass, Session& session, RxControl* control, Notices& notices,
+                      std::string_view request, std::string_view registrationNumber) {
     Query query{request, registrationNumber};
-    return SendRequest(session, control, notices, kRequest, query);
+    return SendRequest(pass, session, control, notices, kRequest, query);
 }
 
 } // namespace planfold

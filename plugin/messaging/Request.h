@@ -41,10 +41,10 @@ bool SendBuilt(Session& session, RxControl* control);
 
 // Builds and sends. The first failure is shown, nothing is sent and false is returned.
 template <class Source>
-bool SendRequest(Session& session, RxControl* control, Notices& notices, const Request<Source>& request,
-                 Source& source) {
+bool SendRequest(Pass pass, Session& session, RxControl* control, Notices& notices,
+                 const Request<Source>& request, Source& source) {
     const auto fail = [&](const char* text) {
-        if (text) notices.ShowMessage(text);
+        if (text) notices.ShowMessage(pass, text);
         return false;
     };
     if (!session.StartMessage()) return fail(request.startFailure);

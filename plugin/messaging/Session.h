@@ -40,7 +40,7 @@ public:
     ~Session();
 
     // Opens both handles anew, over the old ones, which stay open. Each failure is one text.
-    void OpenHandles(Notices& notices);
+    void OpenHandles(Pass pass, Notices& notices);
 
     // Begins an empty message. False when the library refuses.
     bool StartMessage();
@@ -54,16 +54,24 @@ public:
 
     LoginIdentity GetLoginIdentity() const;
     // Asks the host; true when a client is active.
-    bool GetActiveClient(std::string& client);
+    bool GetActiveClient(Pass pass, std::string& client);
     // A fresh unique identifier for an order's request; none when the host gives none.
-    std::optional<std::string> FreshIdentifier() const;
+    std::optional<std::string> FreshIdentifier(Pass pass) const;
     // One line of the host's tabbed log; nothing when the host has none.
-    void Log(std::string_view text) const;
-    bool HasRight(std::string_view right) const;
-    std::vector<std::string> MappedAccounts() const;
+    void Log(Pass pass, std::string_view text) const;
+    // The same where nothing of the caller's comes after it.
+    void LogLast(std::string_view text) const {
+        Lifetime::Last([&](Pass pass) { Log(pass, text); });
+    }
+    bool HasRight(Pass pass, std::string_view right) const {
+        return AskRight(pass, lookup, strings, right).value_or(false);
+    }
+    std::vector<std::string> MappedAccounts(Pass pass) const;
 
     CString String(std::string_view text = {}) const { return CString(text, strings); }
 
+    // Over once it has ended.
+    const Lifetime life{[this] { return !m_ended; }};
     // What this session is part of; to be held by whoever may be interrupted by a message loop.
     std::weak_ptr<void> owner;
 

@@ -46,15 +46,16 @@ std::string QueryDate(std::chrono::year_month_day date) {
 
 } // namespace
 
-bool SendGetSipOrders(Session& session, RxControl* control, Notices& notices) {
+bool SendGetSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices) {
     OrdersQuery query{session.identity.loginId};
-    return SendRequest(session, control, notices, kOrdersRequest, query);
+    return SendRequest(pass, session, control, notices, kOrdersRequest, query);
 }
 
-bool SendQuerySips(Session& session, RxControl* control, Notices& notices, const LocalDateTime& today) {
+bool SendQuerySips(Pass pass, Session& session, RxControl* control, Notices& notices,
+                   const LocalDateTime& today) {
     const auto to = Days(today);
     HistoryQuery query{QueryDate(to - std::chrono::days(LookBackDays(today, kYearsBack))), QueryDate(to)};
-    return SendRequest(session, control, notices, kHistoryRequest, query);
+    return SendRequest(pass, session, control, notices, kHistoryRequest, query);
 }
 
 bool IsOwnHistory(const Session& session, void* message) {

@@ -12,6 +12,7 @@ using Value = std::optional<std::string_view>;
 
 // Copies: the host is asked on the way, and an update may change the record meanwhile.
 struct CancelSipOrder {
+    Pass pass;
     Session& session;
     std::string number;
     std::string remarks;
@@ -26,7 +27,7 @@ Value Of(CancelSipOrder& cancel) {
 }
 
 Value FreshIdentifier(CancelSipOrder& cancel) {
-    cancel.identifier = cancel.session.FreshIdentifier();
+    cancel.identifier = cancel.session.FreshIdentifier(cancel.pass);
     return cancel.identifier;
 }
 
@@ -69,20 +70,20 @@ std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
 
 } // namespace
 
-bool SendCancelSipOrder(Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
-    CancelSipOrder cancel{session, std::string(record.Number()),
+bool SendCancelSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
+    CancelSipOrder cancel{pass, session, std::string(record.Number()),
                           std::string(BlankInsteadOfNothing(record, OrderField::userText)),
                           std::string(BlankInsteadOfNothing(record, OrderField::orderSource))};
-    if (!SendRequest(session, control, notices, kCancelRequest, cancel)) return false;
-    session.Log(Format("Sending request to cancel %s", cancel.number.c_str()));
+    if (!SendRequest(pass, session, control, notices, kCancelRequest, cancel)) return false;
+    session.Log(pass, Format("Sending request to cancel %s", cancel.number.c_str()));
     return true;
 }
 
-bool SendPauseSipOrder(Session& session, RxControl* control, Notices& notices, PauseOrResume which,
+bool SendPauseSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, PauseOrResume which,
                        std::string_view registrationNumber) {
     PauseSipOrder pause{which, std::string(registrationNumber)};
-    if (!SendRequest(session, control, notices, kPauseRequest, pause)) return false;
-    session.Log(Format("Request sent Pause SIP Order: %s", pause.number.c_str()));
+    if (!SendRequest(pass, session, control, notices, kPauseRequest, pause)) return false;
+    session.Log(pass, Format("Request sent Pause SIP Order: %s", pause.number.c_str()));
     return true;
 }
 

@@ -46,11 +46,11 @@ std::optional<LocalDateTime> ReadServerDate(std::string_view text) {
                          static_cast<int>(LeadingInteger(text))};
 }
 
-bool SendModifySipOrder(Session& session, RxControl* control, Notices& notices, std::string_view number,
-                        const sSipOrderData& order) {
+bool SendModifySipOrder(Pass pass, Session& session, RxControl* control, Notices& notices,
+                        std::string_view number, const sSipOrderData& order) {
     ModifySipOrder modify{std::string(number), order};
-    if (!SendRequest(session, control, notices, kRequest, modify)) return false;
-    session.Log(Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
+    if (!SendRequest(pass, session, control, notices, kRequest, modify)) return false;
+    session.Log(pass, Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
     return true;
 }
 

@@ -28,9 +28,9 @@ OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
 
 } // namespace
 
-bool SendGetSipOperationMode(Session& session, RxControl* control, Notices& notices) {
+bool SendGetSipOperationMode(Pass pass, Session& session, RxControl* control, Notices& notices) {
     NoSource source;
-    return SendRequest(session, control, notices, kRequest, source);
+    return SendRequest(pass, session, control, notices, kRequest, source);
 }
 
 OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
@@ -57,10 +57,10 @@ OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
     return result;
 }
 
-void FrequencyList::Ask() {
+void FrequencyList::Ask(Pass pass) {
     m_earlier = m_open;
     m_listed = false;
-    if (SendGetSipOperationMode(m_session, m_control, m_view)) ++m_open;
+    if (SendGetSipOperationMode(pass, m_session, m_control, m_view)) ++m_open;
 }
 
 bool FrequencyList::OnAnswer(const Answer& answer, bool wanted) {

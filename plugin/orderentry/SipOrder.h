@@ -68,8 +68,8 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
 
 // Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
 // host's scrip callbacks; `now` is the local time.
-std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
-                                        const LocalDateTime& now, sSipOrderData& record,
-                                        const FormTexts& texts = {});
+std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,
+                                        const SipOrderForm& form, const LocalDateTime& now,
+                                        sSipOrderData& record, const FormTexts& texts = {});
 
 } // namespace planfold

@@ -30,7 +30,7 @@ protected:
     // The refusal's text, or empty.
     std::string Check(const SipOrderForm& form) {
         record = {};
-        const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record);
+        const auto refusal = ValidateSipOrder(kPass, session, nullptr, form, kNow, record);
         leadsTo = !refusal ? "" : refusal->focusValue ? "value" : refusal->focusPeriod ? "period" : "";
         return refusal ? refusal->text : std::string();
     }
