@@ -152,7 +152,10 @@ bool AppendLines(const std::string& name, std::string_view heading, std::string_
     return WriteAll(file.Get(), text.append(lines));
 }
 
-void MakeFolder(const std::string& name) {
+void MakeFolders(const std::string& name) {
+    for (std::size_t end = name.find('\\', name.find('\\') + 1); end != name.npos;
+         end = name.find('\\', end + 1))
+        CreateDirectoryW(SystemPath(name.substr(0, end)).c_str(), nullptr);
     CreateDirectoryW(SystemPath(name).c_str(), nullptr);
 }
 

@@ -75,10 +75,15 @@ std::string_view RecordedOrder::Text(RecordField field) const {
     return std::string_view(m_texts).substr(start, m_ends[place] - start);
 }
 
-void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
+RecordTexts RecordedOrder::Texts() const {
     RecordTexts texts;
     for (std::size_t i = 0; i < kRecordFieldCount; ++i)
         texts[static_cast<RecordField>(i)] = Text(static_cast<RecordField>(i));
+    return texts;
+}
+
+void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
+    RecordTexts texts = Texts();
     for (const RecordField field : kLatest)
         if (field != RecordField::registration || !event[field].empty()) texts[field] = event[field];
     RecordedOrder anew(texts);

@@ -34,6 +34,7 @@ public:
     // As it was sent, besides what is known since: time, event, registration and text are the latest event's.
     // Valid until the next event.
     std::string_view Text(RecordField field) const;
+    RecordTexts Texts() const;
     // False: it places a new order.
     bool ChangesRegistration() const { return Text(RecordField::frequency).empty(); }
 

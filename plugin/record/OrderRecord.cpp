@@ -31,7 +31,8 @@ const OrderLedger& OrderRecord::Ledger() {
     return m_ledger;
 }
 
-bool OrderRecord::Sending(std::span<const RecordTexts> orders) {
+bool OrderRecord::Sending(std::span<const RecordedOrder> orders) {
+    if (!m_files.HasFolder()) return true;
     ReadDay();
     const LocalDateTime now = m_now();
     const std::string time = TimeText(now);
@@ -41,21 +42,21 @@ bool OrderRecord::Sending(std::span<const RecordTexts> orders) {
         texts[RecordField::event] = NameOf(OrderEvent::sending);
         return texts;
     };
-    for (const RecordTexts& order : orders)
-        AppendRecordLine(told(order), lines);
+    for (const RecordedOrder& order : orders)
+        AppendRecordLine(told(order.Texts()), lines);
     if (!m_files.Append(now, lines)) return false;
     m_unwritten.clear();
-    for (const RecordTexts& order : orders)
-        m_ledger.Take(told(order));
+    for (const RecordedOrder& order : orders)
+        m_ledger.Take(told(order.Texts()));
     return true;
 }
 
-void OrderRecord::Tell(const RecordTexts& order, OrderEvent event, std::string_view registration,
+void OrderRecord::Tell(const RecordedOrder& order, OrderEvent event, std::string_view registration,
                        std::string_view text) {
-    ReadDay();
+    RecordTexts texts = order.Texts();
+    if (!Ledger().Find(texts)) return;
     const LocalDateTime now = m_now();
     const std::string time = TimeText(now);
-    RecordTexts texts = order;
     texts[RecordField::time] = time;
     texts[RecordField::event] = NameOf(event);
     if (!registration.empty()) texts[RecordField::registration] = registration;
@@ -63,6 +64,16 @@ void OrderRecord::Tell(const RecordTexts& order, OrderEvent event, std::string_v
     AppendRecordLine(texts, m_unwritten);
     if (m_files.Append(now, m_unwritten)) m_unwritten.clear();
     m_ledger.Take(texts);
+}
+
+void OrderRecord::OnRow(std::string_view orderId, std::string_view registration) {
+    if (orderId.empty()) return;
+    RecordTexts texts;
+    texts[RecordField::orderId] = orderId;
+    const RecordedOrder* known = Ledger().Find(texts);
+    if (!known || known->ChangesRegistration() || known->State() == OrderState::done) return;
+    const OrderEvent event = known->State() == OrderState::sent ? OrderEvent::registered : OrderEvent::found;
+    Tell(RecordedOrder(known->Texts()), event, registration, {});
 }
 
 } // namespace planfold

@@ -16,6 +16,8 @@ namespace planfold {
 // The days' files of the user. Several terminals may append to one at the same time.
 class RecordFiles {
 public:
+    // False where the host names no folder of the user.
+    virtual bool HasFolder() const = 0;
     // None when the day has no file, or it cannot be read.
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
     // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end
@@ -33,12 +35,16 @@ public:
 
     OrderRecord(RecordFiles& files, Clock now) : m_files(files), m_now(std::move(now)) {}
 
-    // Before requests go out: what they ask for. True once it is on the disk; otherwise nothing is known of
-    // them, and whoever sends them does so without a record.
-    bool Sending(std::span<const RecordTexts> orders);
-    // What became of an order that was told as being sent. What cannot be written now is written with the next
-    // event.
-    void Tell(const RecordTexts& order, OrderEvent event, std::string_view registration, std::string_view text);
+    // Before requests go out: what they ask for. True once it is on the disk, and where the host has no folder
+    // for records; otherwise nothing is known of them, and whoever sends them does so without a record.
+    bool Sending(std::span<const RecordedOrder> orders);
+    // What became of an order that was told as being sent; of any other nothing is kept. What cannot be written
+    // now is written with the next event.
+    void Tell(const RecordedOrder& order, OrderEvent event, std::string_view registration,
+              std::string_view text);
+    // A row of the book, by the server's answer or its stream: it settles the order that is known by its
+    // identifier.
+    void OnRow(std::string_view orderId, std::string_view registration);
 
     const OrderLedger& Ledger();
 

@@ -37,6 +37,7 @@ private:
 };
 
 struct Files final : RecordFiles {
+    bool HasFolder() const override { return true; }
     std::optional<std::string> Read(const LocalDateTime&) override { return text; }
     bool Append(const LocalDateTime&, std::string_view lines) override {
         if (writable) text += lines;
@@ -164,18 +165,19 @@ TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
     Files files;
     LocalDateTime now{2027, 3, 5, 23, 59, 59};
     const auto clock = [&] { return now; };
-    const Words first("order_id=o1 client=C1 frequency=daily"), second("order_id=o2 client=C2 frequency=daily");
+    const RecordedOrder first(Words("order_id=o1 client=C1 frequency=daily").texts);
+    const RecordedOrder second(Words("order_id=o2 client=C2 frequency=daily").texts);
     OrderRecord record(files, clock);
     files.writable = false;
-    EXPECT_FALSE(record.Sending({{first.texts}}));
+    EXPECT_FALSE(record.Sending({&first, 1}));
     EXPECT_TRUE(record.Ledger().Orders().empty()) << "what is not on the disk was not sent";
     files.writable = true;
-    EXPECT_TRUE(record.Sending({{first.texts, second.texts}}));
+    EXPECT_TRUE(record.Sending(std::vector{first, second}));
     files.writable = false;
     now = {2027, 3, 6, 0, 0, 1};
-    record.Tell(first.texts, OrderEvent::registered, "S1", "SIP registered");
+    record.Tell(first, OrderEvent::registered, "S1", "SIP registered");
     files.writable = true;
-    record.Tell(second.texts, OrderEvent::refused, "", "no");
+    record.Tell(second, OrderEvent::refused, "", "no");
     const std::string columns = ",,,,,C1,,,,,,daily,,,";
     EXPECT_EQ(files.text, "2027-03-05 23:59:59,sending,o1" + columns
                               + "\r\n2027-03-05 23:59:59,sending,o2,,,,,C2,,,,,,daily,,,\r\n"
@@ -185,7 +187,7 @@ TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
     for (OrderRecord* each : {&record, &next}) {
         EXPECT_EQ(each->Ledger().Count(OrderState::done), 1u);
         EXPECT_EQ(each->Ledger().Count(OrderState::refused), 1u);
-        EXPECT_EQ(each->Ledger().Find(first.texts)->Text(Field::text), "SIP registered");
+        EXPECT_EQ(each->Ledger().Find(first.Texts())->Text(Field::text), "SIP registered");
     }
 }
 

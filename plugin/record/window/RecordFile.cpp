@@ -18,15 +18,13 @@ std::string RecordFile::NameOf(const LocalDateTime& day) const {
 }
 
 std::optional<std::string> RecordFile::Read(const LocalDateTime& day) {
-    if (m_session.userDirectory.empty()) return std::nullopt;
     const auto text = framework::ReadWhole(NameOf(day));
     if (!text) return std::nullopt;
     return framework::Narrow(framework::Wide(*text, CP_UTF8), CP_ACP);
 }
 
 bool RecordFile::Append(const LocalDateTime& day, std::string_view lines) {
-    if (m_session.userDirectory.empty()) return false;
-    framework::MakeFolder(framework::Utf8(m_session.userDirectory + kFolder));
+    framework::MakeFolders(framework::Utf8(m_session.userDirectory + kFolder));
     return framework::AppendLines(NameOf(day), RecordHeading(), framework::Utf8(std::string(lines)));
 }
 

@@ -10,8 +10,8 @@ class RecordFile final : public RecordFiles {
 public:
     explicit RecordFile(const Session& session) : m_session(session) {}
 
+    bool HasFolder() const override { return !m_session.userDirectory.empty(); }
     std::optional<std::string> Read(const LocalDateTime& day) override;
-    // False also when the host names no folder of the user.
     bool Append(const LocalDateTime& day, std::string_view lines) override;
 
 private:
