@@ -11,11 +11,11 @@ namespace {
 
 struct NoSource {};
 
-constexpr RequestField<NoSource> kFields[] = {
-    {tag::requestName, [](NoSource&) -> std::optional<std::string_view> { return "get_sip_operation_mode"; },
-     "Failed to add the request add_sip_orders"},
-};
-constexpr Request<NoSource> kRequest{kFields, "Sending Request add_sip_orders Failed"};
+// Its failures are told in the words of an order's request.
+constexpr Request<NoSource> kRequest{"get_sip_operation_mode",
+                                     "Failed to add the request add_sip_orders",
+                                     {},
+                                     "Sending Request add_sip_orders Failed"};
 
 // What a server without a period list offers, after whatever was read before.
 OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
