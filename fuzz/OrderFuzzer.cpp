@@ -63,8 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     session.m_nSipOperationMode = ways.find('s') != ways.npos;
     session.host = ResolveHostCallbacks(session.lookup);
     if (ways.find('k') != ways.npos) session.host.pu_get_trading_symbol_n_token = nullptr;
-    for (const FrequencyRow& row : kFrequencies)
-        session.*row.minimum = LeadingReal(input.Line());
+    for (const Frequency& frequency : kFrequencies)
+        session.MinimumPeriods(frequency) = LeadingReal(input.Line());
     host.scrips = {{"nse_cm", form.series, form.symbol, "", input.Line(), ""}};
     host.exchangeAndToken = input.Line();
     host.scrips.front().token = input.Line();

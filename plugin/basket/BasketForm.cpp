@@ -104,17 +104,19 @@ SipOrderForm BasketForm::Shown() const {
     return m_form.Read(ValueEdit());
 }
 
-std::optional<FormRefusal> BasketForm::Read(Pass pass, const LocalDateTime& now, FormOrder& order) const {
+std::optional<Refusal> BasketForm::Read(Pass pass, const LocalDateTime& now, FormOrder& order) const {
     const int value = ValueEdit();
     const SipOrderForm form = m_form.Read(value);
     order.series = form.series;
     order.symbol = form.symbol;
     order.startDateText = FormatPickerDate(form.startDate);
-    if (const auto refusal = ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, order.data, kTexts))
-        return FormRefusal{refusal->text, refusal->focusValue ? value : refusal->focusPeriod ? IDC_PERIOD : 0};
+    if (auto refusal = ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, order.data, kTexts)) {
+        if (refusal->focus == IDC_VALUE) refusal->focus = value;
+        return refusal;
+    }
     for (const auto& [combo, shown, refusal] : kChoices)
-        if ((form.*shown).empty()) return FormRefusal{refusal, combo};
-    if (!AllDigits(form.totalPeriod)) return FormRefusal{kInvalidPeriod, IDC_PERIOD};
+        if ((form.*shown).empty()) return Refusal{refusal, combo};
+    if (!AllDigits(form.totalPeriod)) return Refusal{kInvalidPeriod, IDC_PERIOD};
     return std::nullopt;
 }
 
@@ -187,8 +189,8 @@ BasketRules BasketForm::Rules(const LocalDateTime& now) const {
     rules.products = m_view.Items(IDC_PRODUCT);
     rules.frequencies = m_view.Items(IDC_FREQUENCY);
     rules.serverPeriods = m_session.m_nSipOperationMode == 1;
-    for (std::size_t i = 0; i < rules.minimums.size(); ++i)
-        rules.minimums[i] = m_session.*kFrequencies[i].minimum;
+    for (const Frequency& frequency : kFrequencies)
+        rules.minimums[IndexOf(frequency)] = m_session.MinimumPeriods(frequency);
     rules.now = ToSeconds(now);
     return rules;
 }
@@ -198,8 +200,8 @@ BasketRules BasketForm::RulesOfUnsent(const LocalDateTime& now) const {
     rules.serverPeriods = true;
     rules.minimums = {};
     rules.frequencies.clear();
-    for (const FrequencyRow& row : kFrequencies)
-        rules.frequencies.emplace_back(row.word);
+    for (const Frequency& frequency : kFrequencies)
+        rules.frequencies.emplace_back(frequency.word);
     return rules;
 }
 

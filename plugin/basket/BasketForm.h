@@ -23,12 +23,6 @@ struct FormOrder {
     BasketTexts Texts() const;
 };
 
-// Why an order is refused, and where the user is led to; 0 for nowhere.
-struct FormRefusal {
-    std::string text;
-    int focus = 0;
-};
-
 class BasketForm {
 public:
     // `life` is that of the window.
@@ -47,7 +41,7 @@ public:
 
     SipOrderForm Shown() const;
     // Why the order is refused, or none when `order` holds it.
-    std::optional<FormRefusal> Read(Pass pass, const LocalDateTime& now, FormOrder& order) const;
+    std::optional<Refusal> Read(Pass pass, const LocalDateTime& now, FormOrder& order) const;
     // Returns how many fields cannot be shown. Their controls are left empty; the date, which cannot be, is
     // then one that Read refuses.
     [[nodiscard]] int Show(Pass pass, const BasketTexts& texts, const LocalDateTime& now);

@@ -3,7 +3,6 @@
 #include "sdk/CStringArray.h"
 #include "sdk/Tags.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace planfold {
@@ -13,6 +12,13 @@ namespace {
 constexpr std::uint32_t kScratchBytes = 32768;
 
 } // namespace
+
+double Session::*const Session::kMinimums[] = {
+    &Session::m_dMinSipDaily,
+    &Session::m_dMinSipWeekly,
+    &Session::m_dMinSipMonthly,
+    &Session::m_dMinSipYearly,
+};
 
 Session::~Session() {
     QmxError error{};
@@ -81,11 +87,6 @@ std::vector<std::string> Session::MappedAccounts(Pass pass) const {
     for (const CString& account : accounts.Elements())
         result.emplace_back(account.View());
     return result;
-}
-
-const FrequencyRow* FindFrequency(std::string_view word) {
-    const auto* row = std::ranges::find(kFrequencies, word, &FrequencyRow::word);
-    return row == std::end(kFrequencies) ? nullptr : row;
 }
 
 } // namespace planfold

@@ -2,6 +2,7 @@
 // operation mode, and the host's callbacks. One for the plug-in, owned by the control block.
 #pragma once
 
+#include "plugin/base/Frequencies.h"
 #include "plugin/base/Notices.h"
 #include "plugin/messaging/HostCallbacks.h"
 #include "sdk/CString.h"
@@ -86,30 +87,20 @@ public:
     void* m_scratch = nullptr;
     std::int32_t m_nLoginMode = 0;
     std::int32_t m_nSipOperationMode = 0; // 1 once the server has supplied the periods below
-    double m_dMinSipDaily = 0.0;          // least number of instalments, a frequency each
+    // One of the four below.
+    double& MinimumPeriods(const Frequency& frequency) { return this->*kMinimums[IndexOf(frequency)]; }
+    double MinimumPeriods(const Frequency& frequency) const { return this->*kMinimums[IndexOf(frequency)]; }
+    double m_dMinSipDaily = 0.0; // least number of instalments, a frequency each
     double m_dMinSipWeekly = 0.0;
     double m_dMinSipMonthly = 0.0;
     double m_dMinSipYearly = 0.0;
     const NonTradingDates* m_pNonTradingDates = nullptr; // the host's; it may replace the contents
 
 private:
+    static double Session::*const kMinimums[kFrequencyCount];
+
     std::uint64_t m_generation = 0;
     bool m_ended = false;
 };
-
-// The minimum that belongs to a frequency word.
-struct FrequencyRow {
-    std::string_view word;
-    double Session::*minimum;
-};
-inline constexpr FrequencyRow kFrequencies[] = {
-    {"daily", &Session::m_dMinSipDaily},
-    {"weekly", &Session::m_dMinSipWeekly},
-    {"monthly", &Session::m_dMinSipMonthly},
-    {"yearly", &Session::m_dMinSipYearly},
-};
-
-// Null for any other word.
-const FrequencyRow* FindFrequency(std::string_view word);
 
 } // namespace planfold

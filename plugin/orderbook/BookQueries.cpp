@@ -19,21 +19,20 @@ struct OrdersQuery {
     std::string loginId;
 };
 constexpr RequestField<OrdersQuery> kOrdersFields[] = {
-    {tag::requestName, [](OrdersQuery&) -> Value { return "om_get_sip_orders"; }, nullptr},
     {tag::loginId, [](OrdersQuery& query) -> Value { return query.loginId; }, "User not logged in"},
 };
-constexpr Request<OrdersQuery> kOrdersRequest{kOrdersFields, "Request Failure", nullptr};
+constexpr Request<OrdersQuery> kOrdersRequest{"om_get_sip_orders", nullptr, kOrdersFields, "Request Failure",
+                                              nullptr};
 
 struct HistoryQuery {
     std::string from;
     std::string to;
 };
 constexpr RequestField<HistoryQuery> kHistoryFields[] = {
-    {tag::requestName, [](HistoryQuery&) -> Value { return "qry_eq_sip"; }, nullptr},
     {tag::startDate, [](HistoryQuery& query) -> Value { return query.from; }, nullptr},
     {tag::toDate, [](HistoryQuery& query) -> Value { return query.to; }, nullptr},
 };
-constexpr Request<HistoryQuery> kHistoryRequest{kHistoryFields, "Request Failure"};
+constexpr Request<HistoryQuery> kHistoryRequest{"qry_eq_sip", nullptr, kHistoryFields, "Request Failure"};
 
 std::chrono::sys_days Days(const LocalDateTime& date) {
     return std::chrono::year(date.year) / date.month / date.day;

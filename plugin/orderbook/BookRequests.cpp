@@ -32,8 +32,6 @@ Value FreshIdentifier(CancelSipOrder& cancel) {
 }
 
 constexpr RequestField<CancelSipOrder> kCancelFields[] = {
-    {tag::requestName, [](CancelSipOrder&) -> Value { return "cancel_sip_order"; },
-     "Adding request cancel_sip_order failed"},
     {tag::registrationNumber, Of<&CancelSipOrder::number>, "SIP number not added"},
     {tag::echoedNumber, Of<&CancelSipOrder::number>, nullptr},
     {tag::orderId, FreshIdentifier, nullptr},
@@ -41,23 +39,22 @@ constexpr RequestField<CancelSipOrder> kCancelFields[] = {
     {tag::cancelledBy, Of<&CancelSipOrder::loginId>, nullptr},
     {tag::orderSource, Of<&CancelSipOrder::orderSource>, "Failed to add Order Source"},
 };
-constexpr Request<CancelSipOrder> kCancelRequest{kCancelFields, "Sending request cancel_sip_orders failed"};
+constexpr Request<CancelSipOrder> kCancelRequest{"cancel_sip_order", "Adding request cancel_sip_order failed",
+                                                 kCancelFields, "Sending request cancel_sip_orders failed"};
 
 struct PauseSipOrder {
-    PauseOrResume which;
     std::string number;
 };
 // Every text names pause, also when resuming.
 constexpr RequestField<PauseSipOrder> kPauseFields[] = {
-    {tag::requestName,
-     [](PauseSipOrder& pause) -> Value {
-         return pause.which == PauseOrResume::pause ? "pause_sip_order" : "resume_sip_order";
-     },
-     "Failed to add the request pause_sip_order"},
     {tag::registrationNumber, [](PauseSipOrder& pause) -> Value { return pause.number; },
      "Failed to add the SIP ID"},
 };
-constexpr Request<PauseSipOrder> kPauseRequest{kPauseFields, "Sending Request pause_sip_order Failed"};
+constexpr Request<PauseSipOrder> PauseRequest(PauseOrResume which) {
+    return {which == PauseOrResume::pause ? "pause_sip_order" : "resume_sip_order",
+            "Failed to add the request pause_sip_order", kPauseFields,
+            "Sending Request pause_sip_order Failed"};
+}
 
 std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
     if (record.Text(field).empty()) {
@@ -81,8 +78,8 @@ bool SendCancelSipOrder(Pass pass, Session& session, RxControl* control, Notices
 
 bool SendPauseSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, PauseOrResume which,
                        std::string_view registrationNumber) {
-    PauseSipOrder pause{which, std::string(registrationNumber)};
-    if (!SendRequest(pass, session, control, notices, kPauseRequest, pause)) return false;
+    PauseSipOrder pause{std::string(registrationNumber)};
+    if (!SendRequest(pass, session, control, notices, PauseRequest(which), pause)) return false;
     session.Log(pass, Format("Request sent Pause SIP Order: %s", pause.number.c_str()));
     return true;
 }

@@ -17,8 +17,6 @@ struct ModifySipOrder {
     const sSipOrderData& order;
 };
 constexpr RequestField<ModifySipOrder> kFields[] = {
-    {tag::requestName, [](ModifySipOrder&) -> Value { return "modify_sip_order"; },
-     "Failed to add the request modify_sip_order"},
     {tag::registrationNumber, [](ModifySipOrder& modify) -> Value { return modify.number; },
      "Failed to add the SIP ID"},
     {tag::amountOrQuantity, [](ModifySipOrder& modify) -> Value { return modify.order.amountOrQuantity; },
@@ -26,7 +24,8 @@ constexpr RequestField<ModifySipOrder> kFields[] = {
     {tag::totalPeriod, [](ModifySipOrder& modify) -> Value { return modify.order.totalPeriod; },
      "Failed to add the Total Period"},
 };
-constexpr Request<ModifySipOrder> kRequest{kFields, "Sending Request modify_sip_order Failed"};
+constexpr Request<ModifySipOrder> kRequest{"modify_sip_order", "Failed to add the request modify_sip_order",
+                                           kFields, "Sending Request modify_sip_order Failed"};
 
 } // namespace
 

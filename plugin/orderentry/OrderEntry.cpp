@@ -18,10 +18,6 @@ struct KeptNotice final : Notices {
     std::string text;
 };
 
-int ControlToFocus(const Refusal& refusal) {
-    return refusal.focusValue ? IDC_VALUE : refusal.focusPeriod ? IDC_PERIOD : 0;
-}
-
 } // namespace
 
 const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
@@ -126,7 +122,7 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
         [&](Pass pass) { return ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, record); });
     if (!checked) return false;
     if (const auto& refusal = *checked) {
-        outcome = {.text = refusal->text, .focus = ControlToFocus(*refusal)};
+        outcome = {.text = refusal->text, .focus = refusal->focus};
         return true;
     }
     bool isAgreed = false;

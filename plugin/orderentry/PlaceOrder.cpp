@@ -107,8 +107,6 @@ constexpr auto Join(const Field (&... parts)[counts]) {
 }
 
 constexpr Field kOrderFields[] = {
-    {tag::requestName, [](AddSipOrder&) -> Value { return "add_sip_orders"; },
-     "Failed to add the request add_sip_orders"},
     {tag::exchange, Of<&Order::exchange>, "Failed to add the Exchange segment"},
     {tag::token, Of<&Order::token>, "Failed to add the Token",
      [](AddSipOrder& add) {
@@ -145,8 +143,12 @@ constexpr auto kFields = Join(kOrderFields, kOrderId, kCaution, kMode, kOrderSou
 constexpr auto kBasketFields =
     Join(kOrderFields, kMode, kSequence, kOrderId, kBasketCaution, kOrderSource, kLocation);
 
-constexpr Request<AddSipOrder> kRequest{kFields, "Sending Request add_sip_orders Failed"};
-constexpr Request<AddSipOrder> kBasketRequest{kBasketFields, "Sending Request add_sip_orders Failed"};
+constexpr Request<AddSipOrder> RequestOf(std::span<const Field> fields) {
+    return {"add_sip_orders", "Failed to add the request add_sip_orders", fields,
+            "Sending Request add_sip_orders Failed"};
+}
+constexpr auto kRequest = RequestOf(kFields);
+constexpr auto kBasketRequest = RequestOf(kBasketFields);
 
 } // namespace
 

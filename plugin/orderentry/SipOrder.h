@@ -47,11 +47,11 @@ struct sSipOrderData {
     std::string sideWord; // "BUY" or "SELL", for log lines
 };
 
-// Why an order is refused, and to which edit the user is led back.
+// Why an order is refused, and to which control the user is led: IDC_VALUE wherever the form's value stands, 0
+// to none.
 struct Refusal {
     std::string text;
-    bool focusValue = false;
-    bool focusPeriod = false;
+    int focus = 0;
 };
 
 // Where the forms that take an order differ.

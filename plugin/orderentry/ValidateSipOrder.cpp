@@ -18,11 +18,11 @@ using Verdict = std::optional<Refusal>;
 constexpr int kMostYearsAhead = 2;
 
 Refusal ValueRefusal(std::string text) {
-    return {.text = std::move(text), .focusValue = true};
+    return {.text = std::move(text), .focus = IDC_VALUE};
 }
 
 Refusal PeriodRefusal(std::string text) {
-    return {.text = std::move(text), .focusPeriod = true};
+    return {.text = std::move(text), .focus = IDC_PERIOD};
 }
 
 void ScripFromDialog(Pass pass, const Session& session, HostWindow dialog, sSipOrderData& record) {
@@ -69,8 +69,8 @@ Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
     if (form.totalPeriod == "0") return PeriodRefusal("Enter valid Month.");
     const std::int64_t period = LeadingInteger(form.totalPeriod);
     if (session.m_nSipOperationMode == 1) {
-        const FrequencyRow* frequency = FindFrequency(form.frequency);
-        const double minimum = frequency ? session.*frequency->minimum : 0.0;
+        const Frequency* frequency = FindFrequency(form.frequency);
+        const double minimum = frequency ? session.MinimumPeriods(*frequency) : 0.0;
         if (frequency && static_cast<double>(period) < minimum)
             return PeriodRefusal(Format("Minimum SIP value is %.0lf", minimum));
     } else if (period < 1 || period > 60) {

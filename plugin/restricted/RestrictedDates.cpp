@@ -42,24 +42,18 @@ constexpr char kNameFailed[] = "Failed to add the request calendar_add_restricte
 constexpr char kSendFailed[] = "Sending Request calendar_add_restricted_dates Failed";
 constexpr char kDateFailed[] = "Failed to add start date";
 
-template <const char* name>
-std::optional<std::string_view> Name(const DayRange&) {
-    return name;
-}
 template <std::size_t row>
 std::optional<std::string_view> Value(const DayRange& range) {
     return range.*kValues[row].member;
 }
 
 constexpr RequestField<const DayRange> kSetFields[] = {
-    {tag::requestName, Name<kSetName>, kNameFailed},
     {kValues[0].tag, Value<0>, kDateFailed},
     {kValues[1].tag, Value<1>, kDateFailed},
     {kValues[2].tag, Value<2>, kDateFailed},
 };
-constexpr RequestField<const DayRange> kGetFields[] = {{tag::requestName, Name<kGetName>, kNameFailed}};
-constexpr Request<const DayRange> kSetRequest{kSetFields, kSendFailed};
-constexpr Request<const DayRange> kGetRequest{kGetFields, kSendFailed};
+constexpr Request<const DayRange> kSetRequest{kSetName, kNameFailed, kSetFields, kSendFailed};
+constexpr Request<const DayRange> kGetRequest{kGetName, kNameFailed, {}, kSendFailed};
 
 // Why the range is not to be sent; null when it may be.
 const char* Refusal(const DayRange& range) {

@@ -83,8 +83,8 @@ void CPlanfoldControlBlock::TellChanged(const sOrderinfo& record) {
 
 void CPlanfoldControlBlock::PrepareForPick(Pass pass, Notices& notices) {
     m_session.OpenHandles(pass, notices);
-    for (const FrequencyRow& frequency : kFrequencies)
-        m_session.*frequency.minimum = 0.0;
+    for (const Frequency& frequency : kFrequencies)
+        m_session.MinimumPeriods(frequency) = 0.0;
     if (m_session.host.pu_get_non_trading_dates_map && !m_session.m_pNonTradingDates)
         m_session.m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map(pass);
     if (m_session.userDirectory.empty()) FindSettingsPaths(pass);
