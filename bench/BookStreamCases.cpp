@@ -3,6 +3,7 @@
 #include "bench/Cases.h"
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"
+#include "bench/SilentHost.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/Tags.h"
@@ -64,8 +65,12 @@ public:
 private:
     HeapStringManager m_strings;
     std::string m_loginId = "DEALER1", m_peerA = "BROKER", m_peerB = "BRANCH", m_active;
-    Session m_session{
-        [](const char*) -> AnyFunction { return nullptr; }, {m_loginId, m_peerA, m_peerB, m_active}, m_strings};
+    NoRecord m_noRecord;
+    OrderRecord m_record{m_noRecord, {}};
+    Session m_session{[](const char*) -> AnyFunction { return nullptr; },
+                      {m_loginId, m_peerA, m_peerB, m_active},
+                      m_strings,
+                      m_record};
     ModelView m_view;
     OrderBook m_book{m_session, m_view, {}};
     SampleMessages m_streamed{SampleMessages::streamed}, m_queried{SampleMessages::queried};

@@ -10,7 +10,6 @@
 namespace bench {
 namespace {
 
-
 constexpr std::uint32_t kFirstSerial = 100'000'000;
 
 // One of the texts, drawn anew for each sample.

@@ -4,6 +4,7 @@
 #include "bench/Rounds.h"
 #include "host/connectvesk/QmxHost.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/RxControl.h"
 
@@ -43,6 +44,13 @@ public:
     void Reserved14() override {}
 };
 
+// A host without a folder for the user keeps no record.
+struct NoRecord final : planfold::RecordFiles {
+    bool HasFolder() const override { return false; }
+    std::optional<std::string> Read(const planfold::LocalDateTime&) override { return std::nullopt; }
+    bool Append(const planfold::LocalDateTime&, std::string_view, bool) override { return false; }
+};
+
 // A dealer's session with it, the message's handles open.
 struct SilentHost {
     SilentHost() {
@@ -61,8 +69,12 @@ struct SilentHost {
     }();
     HeapStringManager strings;
     std::string loginId = "DEALER1", peerA = "BROKER", peerB = "BRANCH", active;
-    planfold::Session session{
-        [](const char*) -> planfold::AnyFunction { return nullptr; }, {loginId, peerA, peerB, active}, strings};
+    NoRecord noRecord;
+    planfold::OrderRecord record{noRecord, {}};
+    planfold::Session session{[](const char*) -> planfold::AnyFunction { return nullptr; },
+                              {loginId, peerA, peerB, active},
+                              strings,
+                              record};
     SilentNotices notices;
     SilentControl control;
 };

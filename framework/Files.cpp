@@ -48,7 +48,7 @@ bool WriteAll(HANDLE file, const std::string& text) {
         if (!WriteFile(file, text.data() + at, size, &written, nullptr) || written == 0) return false;
         at += written;
     }
-    return FlushFileBuffers(file) != 0;
+    return true;
 }
 
 std::optional<std::string> Ask(decltype(GetOpenFileNameW)* dialog, HWND owner, const FileQuestion& question,
@@ -134,22 +134,25 @@ void DropByteOrderMark(const std::string& name) {
     if (text && rest.size() < text->size()) WriteWhole(name, std::string(rest));
 }
 
-// What is only opened for appending is written at the end, wherever that is by then.
-bool AppendLines(const std::string& name, std::string_view heading, std::string_view lines) {
-    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (opened == INVALID_HANDLE_VALUE) return false;
-    const File file(opened);
+// What is opened for appending alone is written at the end, wherever that is by then.
+File OpenToAppend(const std::string& name) {
+    const HANDLE opened =
+        CreateFileW(SystemPath(name).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, 0, nullptr);
+    return File(opened == INVALID_HANDLE_VALUE ? nullptr : opened);
+}
+
+bool AppendLines(HANDLE file, std::string_view heading, std::string_view lines, bool flush) {
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(file, &size)) return false;
     char last = '\n';
     DWORD read = 0;
-    LARGE_INTEGER size{};
-    if (!GetFileSizeEx(file.Get(), &size)) return false;
-    if (size.QuadPart > 0
-        && !(SetFilePointerEx(file.Get(), {.QuadPart = -1}, nullptr, FILE_END)
-             && ReadFile(file.Get(), &last, 1, &read, nullptr)))
+    const bool isNew = size.QuadPart == 0;
+    if (!isNew
+        && !(SetFilePointerEx(file, {.QuadPart = -1}, nullptr, FILE_END) && ReadFile(file, &last, 1, &read, nullptr)))
         return false;
-    std::string text(size.QuadPart == 0 ? heading : last == '\n' ? std::string_view() : "\r\n");
-    return WriteAll(file.Get(), text.append(lines));
+    std::string text(isNew ? heading : last == '\n' ? std::string_view() : "\r\n");
+    return WriteAll(file, text.append(lines)) && (!flush || FlushFileBuffers(file));
 }
 
 void MakeFolders(const std::string& name) {
@@ -184,7 +187,7 @@ std::string WriteWhole(const std::string& name, const std::string& text) {
     const HANDLE opened = CreateFileW(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return failed(GetLastError());
     file.Reset(opened);
-    if (!WriteAll(file.Get(), text)) {
+    if (!WriteAll(file.Get(), text) || !FlushFileBuffers(file.Get())) {
         const DWORD error = GetLastError();
         file.Reset();
         return failed(error);

@@ -48,7 +48,7 @@ void CheckPassed(const Session& session, const SipOrderForm& form, const sSipOrd
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     test::FakeHost host;
-    Session session(host.Lookup(), host.IdentityStrings(), host.strings);
+    Session session(host.Lookup(), host.IdentityStrings(), host.strings, host.record);
     fuzz::Input input(data, size);
     SipOrderForm form;
     for (std::string SipOrderForm::*member :

@@ -17,6 +17,8 @@
 
 namespace planfold {
 
+class OrderRecord;
+
 // The process-wide strings, which outlive the session.
 struct Identity {
     std::string& loginId;
@@ -33,8 +35,8 @@ struct LoginIdentity {
 
 class Session {
 public:
-    Session(HostLookup hostLookup, Identity identityStrings, StringManager& manager)
-        : lookup(std::move(hostLookup)), identity(identityStrings), strings(manager) {}
+    Session(HostLookup hostLookup, Identity identityStrings, StringManager& manager, OrderRecord& orderRecord)
+        : lookup(std::move(hostLookup)), identity(identityStrings), strings(manager), record(orderRecord) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     // Closes both handles.
@@ -80,6 +82,7 @@ public:
     HostCallbacks host;
     Identity identity;
     StringManager& strings;
+    OrderRecord& record; // of what is sent, on the disk
 
     std::string
         userDirectory; // the host's for this user, without a separator behind it; empty until it is asked

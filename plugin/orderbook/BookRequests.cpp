@@ -12,13 +12,11 @@ using Value = std::optional<std::string_view>;
 
 // Copies: the host is asked on the way, and an update may change the record meanwhile.
 struct CancelSipOrder {
-    Pass pass;
-    Session& session;
     std::string number;
     std::string remarks;
     std::string orderSource;
-    std::string loginId = session.identity.loginId;
-    std::optional<std::string> identifier{};
+    std::string loginId;
+    const std::optional<std::string>& orderId;
 };
 
 template <std::string CancelSipOrder::*member>
@@ -26,15 +24,10 @@ Value Of(CancelSipOrder& cancel) {
     return cancel.*member;
 }
 
-Value FreshIdentifier(CancelSipOrder& cancel) {
-    cancel.identifier = cancel.session.FreshIdentifier(cancel.pass);
-    return cancel.identifier;
-}
-
 constexpr RequestField<CancelSipOrder> kCancelFields[] = {
     {tag::registrationNumber, Of<&CancelSipOrder::number>, "SIP number not added"},
     {tag::echoedNumber, Of<&CancelSipOrder::number>, nullptr},
-    {tag::orderId, FreshIdentifier, nullptr},
+    {tag::orderId, [](CancelSipOrder& cancel) -> Value { return cancel.orderId; }, nullptr},
     {tag::userText, Of<&CancelSipOrder::remarks>, nullptr},
     {tag::cancelledBy, Of<&CancelSipOrder::loginId>, nullptr},
     {tag::orderSource, Of<&CancelSipOrder::orderSource>, "Failed to add Order Source"},
@@ -51,7 +44,7 @@ constexpr RequestField<PauseSipOrder> kPauseFields[] = {
      "Failed to add the SIP ID"},
 };
 constexpr Request<PauseSipOrder> PauseRequest(PauseOrResume which) {
-    return {which == PauseOrResume::pause ? "pause_sip_order" : "resume_sip_order",
+    return {RequestNameOf(which),
             "Failed to add the request pause_sip_order", kPauseFields,
             "Sending Request pause_sip_order Failed"};
 }
@@ -67,10 +60,12 @@ std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
 
 } // namespace
 
-bool SendCancelSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
-    CancelSipOrder cancel{pass, session, std::string(record.Number()),
+bool SendCancelSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, sOrderinfo& record,
+                        const std::optional<std::string>& orderId) {
+    CancelSipOrder cancel{std::string(record.Number()),
                           std::string(BlankInsteadOfNothing(record, OrderField::userText)),
-                          std::string(BlankInsteadOfNothing(record, OrderField::orderSource))};
+                          std::string(BlankInsteadOfNothing(record, OrderField::orderSource)),
+                          session.identity.loginId, orderId};
     if (!SendRequest(pass, session, control, notices, kCancelRequest, cancel)) return false;
     session.Log(pass, Format("Sending request to cancel %s", cancel.number.c_str()));
     return true;

@@ -39,29 +39,30 @@ void KeptOrders::ForgetUnknown() {
     std::erase_if(m_kept, [](const Kept& kept) { return !kept.order; });
 }
 
-void KeptOrders::Sent(const SipOrderForm& order, std::int64_t now) {
+void KeptOrders::Sent(SentOrder order) {
     ForgetUnknown();
-    m_waiting.push_back({order, now});
+    m_waiting.push_back(std::move(order));
 }
 
-std::optional<SipOrderForm> KeptOrders::TakeAnswered(std::string_view client, std::int64_t now) {
+std::optional<KeptOrders::SentOrder> KeptOrders::TakeAnswered(std::string_view client, std::int64_t now) {
     while (m_waiting.size() > 1 && now - m_waiting.front().at > kAnswerPatienceMs)
         m_waiting.erase(m_waiting.begin());
     const auto answered = std::ranges::find_if(
-        m_waiting, [&](const Waiting& waiting) { return client.empty() || waiting.order.account == client; });
+        m_waiting, [&](const SentOrder& waiting) { return client.empty() || waiting.form.account == client; });
     if (answered == m_waiting.end()) return std::nullopt;
-    SipOrderForm order = std::move(answered->order);
+    SentOrder order = std::move(*answered);
     m_waiting.erase(answered);
     return order;
 }
 
-void KeptOrders::Refused(std::string_view client, std::string_view text, std::string_view code,
-                         std::int64_t now) {
+std::optional<KeptOrders::SentOrder> KeptOrders::Refused(std::string_view client, std::string_view text,
+                                                         std::string_view code, std::int64_t now) {
     auto order = TakeAnswered(client, now);
     std::string why = DescribeRefusal(text, code);
     if (order && !m_waiting.empty()) why += Format(" %zu more wait for an answer.", m_waiting.size());
     ForgetUnknown(); // the latest is enough, however many come
-    m_kept.push_back({std::move(order), std::move(why)});
+    m_kept.push_back({order ? std::optional(order->form) : std::nullopt, std::move(why)});
+    return order;
 }
 
 void KeptOrders::NotSent(const SipOrderForm& order, std::string_view text) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/orderentry/SipOrder.h"
+#include "plugin/record/OrderLedger.h"
 
 #include <cstdint>
 #include <deque>
@@ -18,11 +19,21 @@ std::string DescribeRefusal(std::string_view text, std::string_view code);
 
 class KeptOrders {
 public:
-    void Sent(const SipOrderForm& order, std::int64_t now);
+    // What was sent, as the form had it and as the order record has it.
+    struct SentOrder {
+        SipOrderForm form;
+        RecordedOrder recorded;
+        std::int64_t at;
+    };
+
+    void Sent(SentOrder order);
     // An answer's order is the oldest one of its client that can still be waited for; of any when it names
-    // none.
-    void Accepted(std::string_view client, std::int64_t now) { TakeAnswered(client, now); }
-    void Refused(std::string_view client, std::string_view text, std::string_view code, std::int64_t now);
+    // none. It is given back; none when nothing waits.
+    std::optional<SentOrder> Accepted(std::string_view client, std::int64_t now) {
+        return TakeAnswered(client, now);
+    }
+    std::optional<SentOrder> Refused(std::string_view client, std::string_view text, std::string_view code,
+                                     std::int64_t now);
     void NotSent(const SipOrderForm& order, std::string_view text);
     // What the dealer had typed where another is brought back; its turn comes last.
     void SetAside(const SipOrderForm& order);
@@ -35,20 +46,16 @@ public:
     bool IsAlarming() const { return !m_kept.empty() && m_kept.back().alarming; }
 
 private:
-    struct Waiting {
-        SipOrderForm order;
-        std::int64_t at;
-    };
     struct Kept {
         std::optional<SipOrderForm> order; // none when it is not known which
         std::string why;
         bool alarming = true;
     };
     void ForgetUnknown();
-    std::optional<SipOrderForm> TakeAnswered(std::string_view client, std::int64_t now);
+    std::optional<SentOrder> TakeAnswered(std::string_view client, std::int64_t now);
 
-    std::vector<Waiting> m_waiting; // the oldest first
-    std::deque<Kept> m_kept;        // the last one's turn is next
+    std::vector<SentOrder> m_waiting; // the oldest first
+    std::deque<Kept> m_kept;          // the last one's turn is next
 };
 
 } // namespace planfold

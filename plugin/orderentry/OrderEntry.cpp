@@ -3,6 +3,8 @@
 #include "plugin/base/Text.h"
 #include "plugin/messaging/HostClients.h"
 #include "plugin/orderentry/PlaceOrder.h"
+#include "plugin/orderentry/RecordedOrders.h"
+#include "plugin/record/OrderRecord.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -127,7 +129,18 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
     }
     bool isAgreed = false;
     if (!m_life.Across([&](Pass) { isAgreed = Confirm(form, outcome.focus); })) return false;
-    return !isAgreed || m_life.Across([&](Pass pass) { Send(pass, form, record, outcome); });
+    if (!isAgreed) return true;
+    const auto orderId = m_life.Across(
+        [&](Pass pass) { return form.modifyMode ? std::nullopt : m_session.FreshIdentifier(pass); });
+    if (!orderId) return false;
+    const RecordedOrder recorded = form.modifyMode
+                                       ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(),
+                                                        record.amountOrQuantity, record.totalPeriod)
+                                       : RecordedNewOrder(m_session, record, orderId->value_or(""));
+    if (!m_life.Across([&](Pass) { isAgreed = RecordSending(form, recorded); })) return false;
+    return !isAgreed || m_life.Across([&](Pass pass) {
+        Send(pass, {form, record, *orderId, recorded}, outcome);
+    });
 }
 
 bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
@@ -157,6 +170,13 @@ bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
     return true;
 }
 
+// On the disk before it goes out, or the dealer agrees that it is not.
+bool OrderEntry::RecordSending(const SipOrderForm& form, const RecordedOrder& recorded) {
+    if (m_session.record.Sending({&recorded, 1})) return true;
+    if (!MayAsk(form)) return false;
+    return m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) == Reply::yes;
+}
+
 bool OrderEntry::MayAsk(const SipOrderForm& form) {
     if (m_view.MayAsk()) return true;
     m_asksLater = form;
@@ -168,7 +188,8 @@ void OrderEntry::OnBoxGone(const LocalDateTime& now) {
     if (form && m_view.IsOpen() && *form == ReadForm()) Submit(now);
 }
 
-void OrderEntry::Send(Pass pass, const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome) {
+void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
+    const auto& [form, record, orderId, recorded] = agreed;
     const int life = m_life.Number();
     const std::int64_t now = m_view.Milliseconds();
     KeptNotice notice;
@@ -182,10 +203,11 @@ void OrderEntry::Send(Pass pass, const SipOrderForm& form, const sSipOrderData& 
         if (outcome.sent && isThere) m_modifying->Sent(record);
     } else {
         // What was sent is kept whatever has become of the window.
-        outcome.sent = SendAddSipOrders(pass, m_session, m_control, notice, record, form.exchange);
-        if (outcome.sent) m_kept.Sent(form, now);
+        outcome.sent = SendAddSipOrders(pass, m_session, m_control, notice, record, orderId, form.exchange);
+        if (outcome.sent) m_kept.Sent({form, recorded, now});
         if (!notice.text.empty()) m_kept.NotSent(form, notice.text);
     }
+    if (!outcome.sent) m_session.record.Tell(recorded, OrderEvent::notSent, notice.text);
     outcome.text = notice.text;
     outcome.form = form;
 }
@@ -211,21 +233,29 @@ void OrderEntry::ShowUserText(Pass pass, const Answer& answer) {
 void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::string client = FieldText(answer.message, tag::account);
     const std::int64_t now = m_view.Milliseconds();
+    const std::string text = FieldText(answer.message, tag::userText);
     if (!answer.hasError) {
-        m_kept.Accepted(client, now);
+        if (const auto order = m_kept.Accepted(client, now))
+            m_session.record.Tell(order->recorded, OrderEvent::registered, text,
+                                  FieldText(answer.message, tag::registrationNumber));
         return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
-    m_kept.Refused(client, FieldText(answer.message, tag::userText), answer.errorCode, now);
+    if (const auto order = m_kept.Refused(client, text, answer.errorCode, now))
+        m_session.record.Tell(order->recorded, OrderEvent::refused, DescribeRefusal(text, answer.errorCode));
     if (m_view.IsOpen()) ShowPlanLast();
 }
 
 void OrderEntry::HandleModified(const Answer& answer) {
     const std::string number = FieldText(answer.message, tag::registrationNumber);
+    const std::string text = FieldText(answer.message, tag::userText);
+    m_session.record.Tell(RecordedChange(m_session, kModifySipOrder, number),
+                          answer.hasError ? OrderEvent::refused : OrderEvent::modified,
+                          answer.hasError ? DescribeRefusal(text, answer.errorCode) : text);
     const bool own =
         m_sentModifications.Answered(number, m_life.Number(), answer.hasError, m_view.Milliseconds());
     if (answer.hasError) {
         if (!own || !m_view.IsOpen()) return;
-        m_modifying->refusal = DescribeRefusal(FieldText(answer.message, tag::userText), answer.errorCode);
+        m_modifying->refusal = DescribeRefusal(text, answer.errorCode);
         return ShowPlanLast();
     }
     // Under the box another registration may have been opened in the window.

@@ -82,7 +82,15 @@ private:
 
     // False when the window has gone meanwhile; what is to be told is told all the same.
     [[nodiscard]] bool CheckAndSend(const LocalDateTime& now, Outcome& outcome);
-    void Send(Pass pass, const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome);
+    // What is to be sent: checked, agreed to and recorded.
+    struct Agreed {
+        const SipOrderForm& form;
+        const sSipOrderData& order;
+        const std::optional<std::string>& orderId;
+        const RecordedOrder& recorded;
+    };
+    void Send(Pass pass, const Agreed& agreed, Outcome& outcome);
+    [[nodiscard]] bool RecordSending(const SipOrderForm& form, const RecordedOrder& recorded);
     // What the dealer has to agree to before the order goes out; true when he did, in the same window. The
     // control says where he goes on otherwise.
     [[nodiscard]] bool Confirm(const SipOrderForm& form, int& focus);

@@ -19,13 +19,13 @@ struct AddSipOrder {
     Pass pass;
     Session& session;
     const sSipOrderData& order;
+    const std::optional<std::string>& orderId;
     std::string_view exchangeShown;
     const BasketPlace* place = nullptr; // null: an order of its own
     // Copies: a menu pick under the host's question sets the session's anew.
     std::string loginId = session.identity.loginId;
     std::string peerIdA = session.identity.peerIdA;
     std::string peerIdB = session.identity.peerIdB;
-    std::optional<std::string> orderId{};
     std::string operationMode{};
     std::string sequence{};
 };
@@ -50,11 +50,6 @@ void LogOutcome(const AddSipOrder& add, Outcome outcome) {
 template <std::string sSipOrderData::*member>
 Value Of(AddSipOrder& add) {
     return add.order.*member;
-}
-
-Value OrderId(AddSipOrder& add) {
-    add.orderId = add.session.FreshIdentifier(add.pass);
-    return add.orderId;
 }
 
 // The host decides only the flag: whatever else it answers, the order goes out without one.
@@ -128,7 +123,8 @@ constexpr Field kOrderFields[] = {
     {tag::peerIdA, [](AddSipOrder& add) -> Value { return add.peerIdA; }, "Failed to add Broker Name"},
     {tag::peerIdB, [](AddSipOrder& add) -> Value { return add.peerIdB; }, "Failed to add Branch Name"},
 };
-constexpr Field kOrderId[] = {{tag::orderId, OrderId, "Failed to add Order ID"}};
+constexpr Field kOrderId[] = {
+    {tag::orderId, [](AddSipOrder& add) -> Value { return add.orderId; }, "Failed to add Order ID"}};
 constexpr Field kMode[] = {{tag::operationMode, OperationMode, "Failed to add Mode"}};
 constexpr Field kOrderSource[] = {
     {tag::orderSource, [](AddSipOrder&) -> Value { return "TWS"; }, "Failed to add Order Source"}};
@@ -153,8 +149,9 @@ constexpr auto kBasketRequest = RequestOf(kBasketFields);
 } // namespace
 
 bool SendAddSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices,
-                      const sSipOrderData& order, std::string_view exchangeShown, const BasketPlace* place) {
-    AddSipOrder add{pass, session, order, exchangeShown, place};
+                      const sSipOrderData& order, const std::optional<std::string>& orderId,
+                      std::string_view exchangeShown, const BasketPlace* place) {
+    AddSipOrder add{pass, session, order, orderId, exchangeShown, place};
     if (!SendRequest(pass, session, control, notices, place ? kBasketRequest : kRequest, add)) return false;
     LogOutcome(add, Outcome::sent);
     return true;

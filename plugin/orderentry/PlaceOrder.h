@@ -17,11 +17,11 @@ struct BasketPlace {
     std::optional<bool> cautionary; // whether the user confirmed it as such; none leaves the flag out
 };
 
-// Asks the host for an order identifier and, unless the order is a basket's, whether it is cautionary (which
-// may ask the user), sends `add_sip_orders` and writes the tabbed log's line. False when nothing was sent; the
-// reason has been shown. `exchangeShown` is the exchange as the user reads it.
+// Asks the host, unless the order is a basket's, whether it is cautionary (which may ask the user), sends
+// `add_sip_orders` under the host's identifier, if it gave one, and writes the tabbed log's line. False when
+// nothing was sent; the reason has been shown. `exchangeShown` is the exchange as the user reads it.
 bool SendAddSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices,
-                      const sSipOrderData& order, std::string_view exchangeShown,
-                      const BasketPlace* place = nullptr);
+                      const sSipOrderData& order, const std::optional<std::string>& orderId,
+                      std::string_view exchangeShown, const BasketPlace* place = nullptr);
 
 } // namespace planfold

@@ -28,7 +28,7 @@ RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& orde
 }
 
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
-                             std::string_view orderId, std::string_view value, std::string_view periods) {
+                             std::string_view value, std::string_view periods, std::string_view orderId) {
     RecordTexts texts;
     texts[RecordField::orderId] = orderId;
     texts[RecordField::registration] = registration;

@@ -20,9 +20,20 @@ struct OrderOrigin {
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
                                const OrderOrigin& origin = {});
 
+// The names of the requests that change a registration.
+inline constexpr std::string_view kModifySipOrder = "modify_sip_order";
+inline constexpr std::string_view kCancelSipOrder = "cancel_sip_order";
+inline constexpr std::string_view kPauseSipOrder = "pause_sip_order";
+inline constexpr std::string_view kResumeSipOrder = "resume_sip_order";
+
 // `value` is in the server's words, and empty with the periods unless they change.
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
-                             std::string_view orderId = {}, std::string_view value = {},
-                             std::string_view periods = {});
+                             std::string_view value = {}, std::string_view periods = {},
+                             std::string_view orderId = {});
+
+// What is asked when the record cannot be written.
+inline constexpr char kNoRecordQuestion[] = "The record of what is sent cannot be written. Should the terminal "
+                                            "end before the answer comes, nobody could tell "
+                                            "what was sent.\n\nSend it without a record?";
 
 } // namespace planfold

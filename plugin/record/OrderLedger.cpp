@@ -40,11 +40,18 @@ std::string AskedFor(const Texts& text) {
     return all;
 }
 
+// The request that changed a registration: the text of every event begins with it.
+std::string_view RequestOf(std::string_view text) {
+    return text.substr(0, text.find(':'));
+}
+
 // By which all events of an order are known as its own.
 template <class Texts>
 std::string NameOfOrder(const Texts& text) {
+    const std::string_view registration = text(RecordField::registration);
+    if (text(RecordField::frequency).empty() && !registration.empty())
+        return std::string(registration).append("\n").append(RequestOf(text(RecordField::text)));
     if (const std::string_view id = text(RecordField::orderId); !id.empty()) return std::string(id);
-    if (text(RecordField::frequency).empty()) return "\n" + std::string(text(RecordField::registration));
     return AskedFor(text);
 }
 
@@ -96,8 +103,9 @@ void OrderLedger::Take(const RecordTexts& event) {
     if (!kind) return;
     const auto [place, isNew] = m_places.try_emplace(NameOfOrder(In(event)), m_orders.size());
     if (*kind == OrderEvent::sending) {
-        // Sent again, it is the same order; without an identifier it is another one that asks for the same.
-        const bool again = !isNew && !event[RecordField::orderId].empty();
+        // Sent again, a new order is the same; without an identifier it is another one that asks for the same.
+        const bool again =
+            !isNew && !event[RecordField::orderId].empty() && !event[RecordField::frequency].empty();
         if (again) return Change(m_orders[place->second], event, OrderState::sent);
         place->second = m_orders.size();
         Count(m_orders.emplace_back(event), true);

@@ -44,25 +44,30 @@ bool OrderRecord::Sending(std::span<const RecordedOrder> orders) {
     };
     for (const RecordedOrder& order : orders)
         AppendRecordLine(told(order.Texts()), lines);
-    if (!m_files.Append(now, lines)) return false;
+    if (!m_files.Append(now, lines, true)) return false;
     m_unwritten.clear();
     for (const RecordedOrder& order : orders)
         m_ledger.Take(told(order.Texts()));
     return true;
 }
 
-void OrderRecord::Tell(const RecordedOrder& order, OrderEvent event, std::string_view registration,
-                       std::string_view text) {
-    RecordTexts texts = order.Texts();
-    if (!Ledger().Find(texts)) return;
+void OrderRecord::Tell(const RecordedOrder& named, OrderEvent event, std::string_view text,
+                       std::string_view registration) {
+    const RecordedOrder* known = Ledger().Find(named.Texts());
+    if (!known) return;
+    const RecordedOrder before = *known; // whose texts change below
+    RecordTexts texts = before.Texts();
     const LocalDateTime now = m_now();
     const std::string time = TimeText(now);
     texts[RecordField::time] = time;
     texts[RecordField::event] = NameOf(event);
     if (!registration.empty()) texts[RecordField::registration] = registration;
-    texts[RecordField::text] = text;
+    const std::string request(named.Text(RecordField::text));
+    const std::string said =
+        before.ChangesRegistration() ? request + ": " + std::string(text) : std::string(text);
+    texts[RecordField::text] = said;
     AppendRecordLine(texts, m_unwritten);
-    if (m_files.Append(now, m_unwritten)) m_unwritten.clear();
+    if (m_files.Append(now, m_unwritten, false)) m_unwritten.clear();
     m_ledger.Take(texts);
 }
 
@@ -73,7 +78,7 @@ void OrderRecord::OnRow(std::string_view orderId, std::string_view registration)
     const RecordedOrder* known = Ledger().Find(texts);
     if (!known || known->ChangesRegistration() || known->State() == OrderState::done) return;
     const OrderEvent event = known->State() == OrderState::sent ? OrderEvent::registered : OrderEvent::found;
-    Tell(RecordedOrder(known->Texts()), event, registration, {});
+    Tell(RecordedOrder(known->Texts()), event, {}, registration);
 }
 
 } // namespace planfold

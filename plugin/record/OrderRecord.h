@@ -20,10 +20,10 @@ public:
     virtual bool HasFolder() const = 0;
     // None when the day has no file, or it cannot be read.
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
-    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end
-    // when a crash cut its last line short. True once they are on the disk; after a failure a part of them may
-    // be there.
-    virtual bool Append(const LocalDateTime& day, std::string_view lines) = 0;
+    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end when a
+    // crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives the process,
+    // but not the machine. False after a failure: a part of it may be there.
+    virtual bool Append(const LocalDateTime& day, std::string_view lines, bool flush) = 0;
 
 protected:
     ~RecordFiles() = default;
@@ -38,10 +38,10 @@ public:
     // Before requests go out: what they ask for. True once it is on the disk, and where the host has no folder
     // for records; otherwise nothing is known of them, and whoever sends them does so without a record.
     bool Sending(std::span<const RecordedOrder> orders);
-    // What became of an order that was told as being sent; of any other nothing is kept. What cannot be written
-    // now is written with the next event.
-    void Tell(const RecordedOrder& order, OrderEvent event, std::string_view registration,
-              std::string_view text);
+    // What became of an order that was told as being sent, which `named` names; of any other nothing is kept.
+    // What cannot be written now is written with the next event.
+    void Tell(const RecordedOrder& named, OrderEvent event, std::string_view text,
+              std::string_view registration = {});
     // A row of the book, by the server's answer or its stream: it settles the order that is known by its
     // identifier.
     void OnRow(std::string_view orderId, std::string_view registration);

@@ -33,7 +33,7 @@ enum class RecordField : std::uint8_t {
     frequency,
     startDate, // "05-Mar-2027"
     periods,
-    text, // of a request its name, of an answer what the server said
+    text, // of a request its name; of an answer what the server said, behind the name when it is a change's
     count
 };
 inline constexpr std::size_t kRecordFieldCount = static_cast<std::size_t>(RecordField::count);

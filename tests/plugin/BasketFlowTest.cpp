@@ -137,7 +137,7 @@ protected:
 TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreamed) {
     // A colleague looks at his book meanwhile.
     std::string login = "DEALER2";
-    Session beside{host.Lookup(), {login, host.peerA, host.peerB, host.active}, host.strings};
+    Session beside{host.Lookup(), {login, host.peerA, host.peerB, host.active}, host.strings, host.record};
     beside.host = session.host;
     beside.OpenHandles(kPass, notices);
     beside.m_nLoginMode = 1;

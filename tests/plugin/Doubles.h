@@ -124,7 +124,7 @@ struct Stage {
     FakeHost host;
     RecordedNotices notices;
     FakeControl control{host};
-    Session session{host.Lookup(), host.IdentityStrings(), host.strings};
+    Session session{host.Lookup(), host.IdentityStrings(), host.strings, host.record};
 };
 
 // What is told when a field of add_sip_orders cannot be added, in the order of the fields: those up to the

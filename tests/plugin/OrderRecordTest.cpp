@@ -39,7 +39,7 @@ private:
 struct Files final : RecordFiles {
     bool HasFolder() const override { return true; }
     std::optional<std::string> Read(const LocalDateTime&) override { return text; }
-    bool Append(const LocalDateTime&, std::string_view lines) override {
+    bool Append(const LocalDateTime&, std::string_view lines, bool) override {
         if (writable) text += lines;
         return writable;
     }
@@ -143,9 +143,9 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         {"event=sending" + plan, "1 2 1 0 0 0 like 3"}, // without identifiers
         {"event=sending" + plan, "2 2 1 0 0 0 like 4"},
         {"event=not_sent" + plan, "1 2 1 1 0 0 like 3"},
-        {"event=sending registration=S1 value=7", "2 2 1 1 0 0 like 3"}, // a change is no order
-        {"event=modified registration=S1 value=7", "1 3 1 1 0 0 like 3"},
-        {"event=in_doubt registration=S9", "1 3 1 1 0 0 like 3"},
+        {"event=sending registration=S1 value=7 text=modify_sip_order", "2 2 1 1 0 0 like 3"}, // a change is no order
+        {"event=refused registration=S1 text=modify_sip_order:no", "1 2 2 1 0 0 like 3"},
+        {"event=in_doubt registration=S1 text=pause_sip_order:", "1 2 2 1 0 0 like 3"},
     };
     OrderLedger ledger;
     for (const auto& [event, known] : steps) {
@@ -175,9 +175,9 @@ TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
     EXPECT_TRUE(record.Sending(std::vector{first, second}));
     files.writable = false;
     now = {2027, 3, 6, 0, 0, 1};
-    record.Tell(first, OrderEvent::registered, "S1", "SIP registered");
+    record.Tell(first, OrderEvent::registered, "SIP registered", "S1");
     files.writable = true;
-    record.Tell(second, OrderEvent::refused, "", "no");
+    record.Tell(second, OrderEvent::refused, "no");
     const std::string columns = ",,,,,C1,,,,,,daily,,,";
     EXPECT_EQ(files.text, "2027-03-05 23:59:59,sending,o1" + columns
                               + "\r\n2027-03-05 23:59:59,sending,o2,,,,,C2,,,,,,daily,,,\r\n"

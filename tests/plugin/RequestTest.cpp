@@ -125,7 +125,7 @@ TEST_F(RequestTest, StartingAndSendingFailWithTheirTexts) {
 TEST_F(RequestTest, HandlesThatCouldNotBeOpenedAreToldAndFailEveryRequest) {
     for (const auto& [function, text] : {std::pair(FailQmxCall::openScratch, "Buffer Handle open Failed"),
                                          std::pair(FailQmxCall::ctorPrimeCb, "MNM Handle Open Failed")}) {
-        Session unopened(host.Lookup(), host.IdentityStrings(), host.strings);
+        Session unopened(host.Lookup(), host.IdentityStrings(), host.strings, host.record);
         const FailQmxCall failing(function, 1);
         unopened.OpenHandles(kPass, notices);
         EXPECT_FALSE(SendGetSipOperationMode(kPass, unopened, &control, notices));

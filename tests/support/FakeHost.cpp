@@ -61,6 +61,22 @@ Received::Received(const Fields& fields) {
     m_reader = std::make_unique<qmx::MessageReader>(m_bytes);
 }
 
+bool RecordDouble::Append(const LocalDateTime&, std::string_view lines, bool) {
+    if (writable) text.append(text.empty() ? RecordHeading() : std::string_view()).append(lines);
+    return writable;
+}
+
+Texts RecordDouble::Events() const {
+    Texts events;
+    RecordReader reader(text);
+    while (const auto line = reader.Next()) {
+        std::string& event = events.emplace_back((*line)[RecordField::event]);
+        for (const RecordField field : {RecordField::account, RecordField::registration, RecordField::text})
+            if (!(*line)[field].empty()) event.append(" ").append((*line)[field]);
+    }
+    return events;
+}
+
 int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* error) {
     if (!live || zero != 0 || !error || !message) Misused();
     if (m_host.refuses) return 0;

@@ -4,6 +4,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
 #include "tests/support/QuarantineStringManager.h"
 
@@ -49,6 +50,18 @@ public:
 private:
     std::string m_bytes;
     std::unique_ptr<qmx::MessageReader> m_reader;
+};
+
+// The order record's files, in memory: one whatever the day.
+struct RecordDouble final : RecordFiles {
+    bool HasFolder() const override { return hasFolder; }
+    std::optional<std::string> Read(const LocalDateTime&) override { return text; }
+    bool Append(const LocalDateTime&, std::string_view lines, bool) override;
+    // The events in their order, each "event client registration text" as far as it has them.
+    Texts Events() const;
+
+    std::string text;
+    bool hasFolder = true, writable = true;
 };
 
 struct FakeHost;
@@ -150,6 +163,8 @@ struct FakeHost {
     std::deque<FakeControl> controls;
     FakeControl* sender = nullptr; // of the last request
 
+    RecordDouble recordFiles;
+    OrderRecord record{recordFiles, [] { return LocalDateTime{2027, 1, 31, 15, 30, 0}; }};
     QuarantineStringManager strings;
     std::string loginId = "DEALER1", peerA, peerB, active;
 };

@@ -1,6 +1,5 @@
 #include "plugin/record/window/RecordFile.h"
 
-#include "framework/Files.h"
 #include "framework/Wide.h"
 #include "plugin/base/Text.h"
 
@@ -23,9 +22,13 @@ std::optional<std::string> RecordFile::Read(const LocalDateTime& day) {
     return framework::Narrow(framework::Wide(*text, CP_UTF8), CP_ACP);
 }
 
-bool RecordFile::Append(const LocalDateTime& day, std::string_view lines) {
-    framework::MakeFolders(framework::Utf8(m_session.userDirectory + kFolder));
-    return framework::AppendLines(NameOf(day), RecordHeading(), framework::Utf8(std::string(lines)));
+bool RecordFile::Append(const LocalDateTime& day, std::string_view lines, bool flush) {
+    if (std::string name = NameOf(day); !m_file || name != m_name) {
+        framework::MakeFolders(framework::Utf8(m_session.userDirectory + kFolder));
+        m_file = framework::OpenToAppend(name);
+        m_name = std::move(name);
+    }
+    return m_file && framework::AppendLines(m_file.Get(), RecordHeading(), framework::Utf8(lines), flush);
 }
 
 } // namespace planfold

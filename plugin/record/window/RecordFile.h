@@ -1,6 +1,7 @@
 // The order record in the user's folder of the host: PlanfoldOrders\\2027-03-05.csv, in UTF-8.
 #pragma once
 
+#include "framework/Files.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/record/OrderRecord.h"
 
@@ -12,12 +13,14 @@ public:
 
     bool HasFolder() const override { return !m_session.userDirectory.empty(); }
     std::optional<std::string> Read(const LocalDateTime& day) override;
-    bool Append(const LocalDateTime& day, std::string_view lines) override;
+    bool Append(const LocalDateTime& day, std::string_view lines, bool flush) override;
 
 private:
     std::string NameOf(const LocalDateTime& day) const;
 
     const Session& m_session;
+    framework::File m_file; // of the day
+    std::string m_name;
 };
 
 } // namespace planfold

@@ -12,7 +12,7 @@ AnyFunction FindInHost(const char* name) {
 
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes, const FontArguments& font)
-    : m_session(FindInHost, identity, strings), m_font(font), m_orderEntry(module, m_session, boxes),
+    : m_session(FindInHost, identity, strings, m_record), m_font(font), m_orderEntry(module, m_session, boxes),
       m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
       m_orderHistory(module, m_session, boxes),
       m_orderBook(module, m_session, boxes,

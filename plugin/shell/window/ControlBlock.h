@@ -8,6 +8,7 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
+#include "plugin/record/window/RecordFile.h"
 #include "plugin/restricted/window/SetRestrictedDateDlg.h"
 
 #include <optional>
@@ -68,6 +69,8 @@ private:
     }
     void FindSettingsPaths(Pass pass);
 
+    RecordFile m_recordFile{m_session};
+    OrderRecord m_record{m_recordFile, LocalNow};
     Session m_session;
     const FontArguments& m_font;
     std::optional<framework::KeyboardHook> m_keyboard{std::in_place};
