@@ -2,7 +2,7 @@
 
 #include "framework/DialogLayout.h"
 #include "host/files/Paths.h"
-#include "host/terminal/script/window/WindowStage.h"
+#include "host/terminal/script/window/Stage.h"
 #include "host/terminal/window/CommandIds.h"
 #include "host/terminal/window/CountDialog.h"
 #include "host/terminal/window/EmbeddedLink.h"
