@@ -3,7 +3,7 @@
 #pragma once
 
 #include "framework/DialogLayout.h"
-#include "framework/MessageTarget.h"
+#include "framework/Subclass.h"
 #include "framework/Window.h"
 
 #include <optional>

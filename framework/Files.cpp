@@ -1,6 +1,6 @@
 #include "framework/Files.h"
 
-#include "base/FileText.h"
+#include "base/Text.h"
 #include "framework/Wide.h"
 
 #include <commdlg.h>

@@ -1,7 +1,7 @@
 // The list's own menu entries and keys.
 #include "framework/Files.h"
 #include "host/korvexcontrols/ListWindow.h"
-#include "host/korvexcontrols/model/Text.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
 
@@ -18,7 +18,8 @@ struct CFilterListCtrl::Impl::Entry {
 
 namespace {
 
-constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|All files|*.*|", "csv", "Export"};
+constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|All files|*.*|", "csv",
+                                          "Export"};
 constexpr char kSelectAllKey = 'A', kCopyKey = 'C', kFindKey = 'F', kFilterKey = 'L';
 
 bool IsDown(int key) {

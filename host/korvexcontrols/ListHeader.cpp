@@ -1,7 +1,7 @@
 #include "host/korvexcontrols/ListHeader.h"
 
 #include "host/korvexcontrols/RecoveryFiles.h"
-#include "host/korvexcontrols/model/ColumnsState.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 
 #include <algorithm>
 #include <numeric>

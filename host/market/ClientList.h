@@ -1,7 +1,7 @@
 // The clients that the user may trade for, and the search over them.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <span>
 #include <string>
@@ -17,7 +17,7 @@ struct Client {
     bool mapped = false; // an account mapped to the logged-in user
 };
 
-enum class SearchMode : int { all = 1, id = 2, name = 3 };
+enum class ClientSearchMode : int { all = 1, id = 2, name = 3 };
 
 class ClientList {
 public:

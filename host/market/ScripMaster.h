@@ -1,7 +1,7 @@
 // The scrips that can be traded, as the master file lists them, found by every key that callers have.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <array>
 #include <cstdint>

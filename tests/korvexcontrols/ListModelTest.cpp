@@ -1,6 +1,6 @@
 // The list without its window, beside a plain model and by tables.
-#include "host/korvexcontrols/model/ColumnsState.h"
 #include "host/korvexcontrols/model/Export.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 #include "tests/support/ListPair.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // The bar between two panes: its place in rooms of every size.
-#include "host/korvexcontrols/model/SplitPosition.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
-#include "host/files/Paths.h"
+#include "host/terminal/core/Settings.h"
+#include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
-#include "host/terminal/core/CommandLine.h"
 #include "host/terminal/core/TerminalState.h"
-#include "host/terminal/core/UserSettings.h"
 
 #include <gtest/gtest.h>
 

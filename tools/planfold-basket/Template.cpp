@@ -3,7 +3,7 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/messaging/Text.h"
 #include "tools/planfold-basket/Commands.h"
-#include "tools/planfold-basket/Files.h"
+#include "tools/planfold-basket/Sources.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // A condition on the cells of one column.
 #pragma once
 
-#include "host/korvexcontrols/model/Decimal.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "sdk/korvex/ValueType.h"
 
 #include <span>

@@ -1,6 +1,6 @@
 #include "host/korvexcontrols/model/SortOrder.h"
 
-#include "host/korvexcontrols/model/Text.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,7 @@
 // Cells are compared only where keys are equal.
 #pragma once
 
-#include "host/korvexcontrols/model/CellSource.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
 #include "host/korvexcontrols/model/RowOrder.h"
 

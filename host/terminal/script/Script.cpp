@@ -1,7 +1,7 @@
 #include "host/terminal/script/Script.h"
 
-#include "host/market/CsvLines.h"
-#include "host/terminal/script/KeyText.h"
+#include "base/Text.h"
+#include "host/terminal/core/Keys.h"
 
 #include <algorithm>
 #include <array>
@@ -75,7 +75,7 @@ const VerbRule* FindRule(std::span<const Word> words, std::size_t& nameWords) {
 }
 
 std::optional<std::string> CheckWord(char kind, const std::string& word) {
-    const auto number = ParseWholeNumber(word);
+    const auto number = base::ReadNumber<long long>(word);
     switch (kind) {
     case 'c':
     case 'n':
@@ -153,7 +153,7 @@ std::optional<int> BoxButton(std::string_view answer) {
 }
 
 int ScriptCommand::Number(std::size_t word) const {
-    return static_cast<int>(ParseWholeNumber(words[word]).value_or(0));
+    return static_cast<int>(base::ReadNumber<long long>(words[word]).value_or(0));
 }
 
 std::string ScriptCommand::Text() const {

@@ -8,7 +8,7 @@
 //     box "Enter Amount" OK
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 #include "host/terminal/script/Verbs.h"
 
 #include <cstddef>

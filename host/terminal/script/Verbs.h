@@ -1,8 +1,8 @@
 // The verbs of the script language, a row each. A new one is a row here, its function in `window/`, and its
 // line in docs/scripts.md.
 //
-// STAGE(result, function, spelling, words): the function is `result verbs::function(Step&)` (window/Stage.h).
-// One
+// STAGE(result, function, spelling, words): the function is `result verbs::function(ScriptStep&)`
+// (window/Stage.h). One
 //   that gives nothing is done at once; a StepResult may ask to be tried again, or fail.
 // RUNNER(name, spelling, words): the runner plays it itself, since it is about boxes, time or the script's end.
 //

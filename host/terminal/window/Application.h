@@ -1,14 +1,14 @@
 // The running terminal: what it knows, its window, the plug-ins, the server, and the script that is played.
 #pragma once
 
-#include "host/terminal/core/CommandLine.h"
+#include "host/terminal/core/Logs.h"
+#include "host/terminal/core/Settings.h"
 #include "host/terminal/core/TerminalState.h"
 #include "host/terminal/script/ScriptRunner.h"
 #include "host/terminal/window/HotKeyHook.h"
-#include "host/terminal/window/MainFrame.h"
 #include "host/terminal/window/PluginHost.h"
 #include "host/terminal/window/ServerLink.h"
-#include "host/terminal/window/SessionLog.h"
+#include "host/terminal/window/frame/MainFrame.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/HostRecords.h"
 

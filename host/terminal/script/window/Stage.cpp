@@ -1,6 +1,6 @@
 #include "host/terminal/script/window/Stage.h"
 
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/terminal/script/window/Screen.h"
 #include "host/terminal/window/Application.h"
 
 #include <type_traits>
@@ -10,7 +10,7 @@ namespace {
 
 // A function that gives nothing is done at once.
 template <auto function>
-StepResult Run(Step& step) {
+StepResult Run(ScriptStep& step) {
     if constexpr (std::is_void_v<decltype(function(step))>) {
         function(step);
         return StepResult::Done();
@@ -20,7 +20,7 @@ StepResult Run(Step& step) {
 }
 
 // As many as rules; null where the runner plays the verb.
-constexpr StepResult (*kFunctions[])(Step&) = {
+constexpr StepResult (*kFunctions[])(ScriptStep&) = {
 #define VESK_STAGE(result, function, ...) &Run<&verbs::function>,
 #define VESK_RUNNER(...) nullptr,
     VESK_SCRIPT_VERBS(VESK_STAGE, VESK_RUNNER)
@@ -34,7 +34,7 @@ HWND Stage::Frame() const {
     return application.Frame().Handle();
 }
 
-std::string Step::WordsFrom(std::ptrdiff_t first) const {
+std::string ScriptStep::WordsFrom(std::ptrdiff_t first) const {
     return Joined({command.words.begin() + first, command.words.end()});
 }
 
@@ -51,7 +51,7 @@ std::string Joined(const std::vector<std::string>& texts) {
 }
 
 StepResult WindowStage::Try(const ScriptCommand& command, std::size_t attempt) {
-    Step step{m_stage, command, attempt, nullptr};
+    ScriptStep step{m_stage, command, attempt, nullptr};
     if (command.Rule().words.starts_with('c')) {
         const HWND window = m_stage.Current();
         step.control = IsWindow(window) ? FindControl(window, command.Number(0)) : nullptr;

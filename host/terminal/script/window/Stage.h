@@ -4,9 +4,9 @@
 
 #include "framework/Window.h"
 #include "host/server/ServerCommands.h"
-#include "host/terminal/script/KeyText.h"
+#include "host/terminal/core/Keys.h"
+#include "host/terminal/core/Logs.h"
 #include "host/terminal/script/ScriptRunner.h"
-#include "host/terminal/window/SessionLog.h"
 
 #include <optional>
 
@@ -42,7 +42,7 @@ struct Stage {
 };
 
 // One try of a command, as a verb's function gets it.
-struct Step {
+struct ScriptStep {
     Stage& stage;
     const ScriptCommand& command;
     std::size_t attempt;
@@ -55,7 +55,7 @@ struct Step {
 };
 
 namespace verbs {
-#define VESK_STAGE(result, function, ...) result function(Step& step);
+#define VESK_STAGE(result, function, ...) result function(ScriptStep& step);
 #define VESK_RUNNER(...)
 VESK_SCRIPT_VERBS(VESK_STAGE, VESK_RUNNER)
 #undef VESK_STAGE

@@ -3,7 +3,7 @@
 // before the next is pressed.
 #include "host/terminal/script/window/Stage.h"
 
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/terminal/script/window/Screen.h"
 
 #include <algorithm>
 
@@ -65,7 +65,7 @@ void StageKeyboard::Release() {
 
 namespace verbs {
 
-StepResult TypeText(Step& step) {
+StepResult TypeText(ScriptStep& step) {
     step.stage.keyboard.Release();
     const std::string& text = step.Word(0);
     if (step.attempt == text.size()) return StepResult::Done();
@@ -82,7 +82,7 @@ StepResult TypeText(Step& step) {
     return StepResult::Again("typing is not finished");
 }
 
-StepResult PressKey(Step& step) {
+StepResult PressKey(ScriptStep& step) {
     if (step.attempt) {
         step.stage.keyboard.Release();
         return StepResult::Done();
@@ -92,11 +92,11 @@ StepResult PressKey(Step& step) {
     return StepResult::Again("the key is not taken");
 }
 
-void FocusControl(Step& step) {
+void FocusControl(ScriptStep& step) {
     framework::Window(step.control).Focus();
 }
 
-StepResult PressButton(Step& step) {
+StepResult PressButton(ScriptStep& step) {
     const framework::Window button(step.control);
     if (!IsWindowEnabled(button.Handle())) return StepResult::Again("the button is disabled");
     PostMessageA(GetParent(button.Handle()), WM_COMMAND, MAKEWPARAM(step.Number(0), BN_CLICKED),
@@ -104,15 +104,15 @@ StepResult PressButton(Step& step) {
     return StepResult::Done();
 }
 
-void PostCommand(Step& step) {
+void PostCommand(ScriptStep& step) {
     PostMessageA(step.stage.Current(), WM_COMMAND, static_cast<WPARAM>(step.Number(0)), 0);
 }
 
-void SetEdit(Step& step) {
+void SetEdit(ScriptStep& step) {
     framework::Window(step.control).SetText(step.Word(1));
 }
 
-void SetDate(Step& step) {
+void SetDate(ScriptStep& step) {
     const framework::DatePicker picker(step.control);
     constexpr ULONGLONG ticksPerDay = 864'000'000'000;
     SYSTEMTIME date{};
@@ -126,7 +126,7 @@ void SetDate(Step& step) {
     picker.SetTime(date);
 }
 
-StepResult SelectEntry(Step& step) {
+StepResult SelectEntry(ScriptStep& step) {
     const framework::ComboBox combo(step.control);
     const int index = combo.Find(step.Word(1));
     if (index < 0) return StepResult::Again("the combo has no entry \"" + step.Word(1) + '"');

@@ -1,7 +1,7 @@
 // The verbs of report lists, tabs and status bars.
 #include "host/terminal/script/window/Stage.h"
 
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/terminal/script/window/Screen.h"
 
 #include <algorithm>
 
@@ -63,15 +63,15 @@ StepResult SelectRange(HWND list, int first, int last) {
 
 } // namespace
 
-StepResult SelectRow(Step& step) {
+StepResult SelectRow(ScriptStep& step) {
     return SelectRange(step.control, step.Number(1), step.Number(1));
 }
 
-StepResult SelectRows(Step& step) {
+StepResult SelectRows(ScriptStep& step) {
     return SelectRange(step.control, step.Number(1), step.Number(2));
 }
 
-StepResult ClickHeader(Step& step) {
+StepResult ClickHeader(ScriptStep& step) {
     const HWND header = ListView_GetHeader(step.control);
     RECT cell{};
     if (!Header_GetItemRect(header, step.Number(1), &cell))
@@ -82,32 +82,32 @@ StepResult ClickHeader(Step& step) {
     return StepResult::Done();
 }
 
-StepResult ExpectRows(Step& step) {
+StepResult ExpectRows(ScriptStep& step) {
     return Compare("row count of " + step.Word(0), std::to_string(ListView_GetItemCount(step.control)),
                    step.Word(1));
 }
 
-StepResult ExpectCell(Step& step) {
+StepResult ExpectCell(ScriptStep& step) {
     const std::string found = CellText(step.control, step.Number(1), step.Number(2));
     if (IsCaption(found, step.Word(3))) return StepResult::Done();
     return Compare("cell " + step.Word(1) + ", " + step.Word(2), found, step.Word(3));
 }
 
-StepResult ExpectHeadings(Step& step) {
+StepResult ExpectHeadings(ScriptStep& step) {
     return Compare("headings of " + step.Word(0), Joined(HeadingTexts(step.control)), step.WordsFrom(1));
 }
 
-StepResult ExpectFocusRow(Step& step) {
+StepResult ExpectFocusRow(ScriptStep& step) {
     return Compare("focused row of " + step.Word(0),
                    std::to_string(ListView_GetNextItem(step.control, -1, LVNI_FOCUSED)), step.Word(1));
 }
 
-StepResult ExpectSelectedRows(Step& step) {
+StepResult ExpectSelectedRows(ScriptStep& step) {
     return Compare("selected rows of " + step.Word(0), std::to_string(ListView_GetSelectedCount(step.control)),
                    step.Word(1));
 }
 
-StepResult SelectTab(Step& step) {
+StepResult SelectTab(ScriptStep& step) {
     const std::vector<std::string> texts = TabTexts(step.control);
     const auto found = std::ranges::find(texts, step.Word(1));
     if (found == texts.end()) return StepResult::Again("there is no tab \"" + step.Word(1) + '"');
@@ -116,18 +116,18 @@ StepResult SelectTab(Step& step) {
     return StepResult::Done();
 }
 
-StepResult ExpectTabs(Step& step) {
+StepResult ExpectTabs(ScriptStep& step) {
     return Compare("tabs of " + step.Word(0), Joined(TabTexts(step.control)), step.WordsFrom(1));
 }
 
-StepResult ExpectSelectedTab(Step& step) {
+StepResult ExpectSelectedTab(ScriptStep& step) {
     const std::vector<std::string> texts = TabTexts(step.control);
     const auto selected = static_cast<std::size_t>(SendMessageA(step.control, TCM_GETCURSEL, 0, 0));
     return Compare("selected tab of " + step.Word(0), selected < texts.size() ? texts[selected] : "",
                    step.Word(1));
 }
 
-StepResult ExpectStatus(Step& step) {
+StepResult ExpectStatus(ScriptStep& step) {
     char text[kMostText] = "";
     const auto part = static_cast<WPARAM>(step.Number(1));
     if (LOWORD(SendMessageA(step.control, SB_GETTEXTLENGTHA, part, 0)) < sizeof text)

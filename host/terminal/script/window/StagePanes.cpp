@@ -26,7 +26,7 @@ std::string_view PlaceName(const DockLayout& layout, const DockPane& pane) {
     return std::ranges::find(kPlaces, command, &PlaceRow::command)->name;
 }
 
-StepResult RunOnPane(Step& step, DockCommand run, std::size_t tab = 0) {
+StepResult RunOnPane(ScriptStep& step, DockCommand run, std::size_t tab = 0) {
     DockSite& docking = step.stage.application.Frame().Docking();
     const DockPane* pane = docking.Layout().FindCaption(step.Word(0));
     if (!pane) return StepResult::Again("there is no pane \"" + step.Word(0) + '"');
@@ -36,7 +36,7 @@ StepResult RunOnPane(Step& step, DockCommand run, std::size_t tab = 0) {
 
 } // namespace
 
-StepResult MovePane(Step& step) {
+StepResult MovePane(ScriptStep& step) {
     const DockLayout& layout = step.stage.application.Frame().Docking().Layout();
     const auto place = *std::ranges::find(kPlaces, step.Word(1), &PlaceRow::name);
     const auto partner = std::ranges::find_if(layout.Panes(), [&](const DockPane& pane) {
@@ -47,15 +47,15 @@ StepResult MovePane(Step& step) {
     return RunOnPane(step, place.command, static_cast<std::size_t>(partner - layout.Panes().begin()));
 }
 
-StepResult HidePane(Step& step) {
+StepResult HidePane(ScriptStep& step) {
     return RunOnPane(step, DockCommand::hide);
 }
 
-StepResult ShowPane(Step& step) {
+StepResult ShowPane(ScriptStep& step) {
     return RunOnPane(step, DockCommand::show);
 }
 
-StepResult ExpectDocked(Step& step) {
+StepResult ExpectDocked(ScriptStep& step) {
     const DockLayout& layout = step.stage.application.Frame().Docking().Layout();
     const DockPane* pane = layout.FindCaption(step.Word(0));
     if (!pane) return StepResult::Again("there is no pane \"" + step.Word(0) + '"');

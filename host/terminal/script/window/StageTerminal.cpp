@@ -2,8 +2,7 @@
 #include "host/terminal/script/window/Stage.h"
 
 #include "host/terminal/script/window/Resources.h"
-#include "host/terminal/script/window/Screenshot.h"
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/terminal/script/window/Screen.h"
 #include "host/terminal/window/Application.h"
 
 #include <clocale>
@@ -43,23 +42,23 @@ void TellDpi(HWND window, UINT from, UINT to) {
 
 } // namespace
 
-void ActivateClient(Step& step) {
+void ActivateClient(ScriptStep& step) {
     step.stage.application.ActivateClient(step.Word(0));
 }
 
-void SetFont(Step& step) {
+void SetFont(ScriptStep& step) {
     step.stage.application.SetFont(step.Number(0), step.Number(1));
 }
 
-void SetRight(Step& step) {
+void SetRight(ScriptStep& step) {
     step.stage.application.SetRight(step.Word(0), step.command.On(1));
 }
 
-void SetLoginMode(Step& step) {
+void SetLoginMode(ScriptStep& step) {
     step.stage.application.SetLoginMode(step.Number(0));
 }
 
-StepResult TellServer(Step& step) {
+StepResult TellServer(ScriptStep& step) {
     if (step.attempt == 0) {
         std::string line(step.command.Rule().name);
         for (const std::string& word : step.command.words)
@@ -71,14 +70,14 @@ StepResult TellServer(Step& step) {
     return step.stage.told->isDone ? StepResult::Done() : StepResult::Failed(step.stage.told->text);
 }
 
-StepResult TakeScreenshot(Step& step) {
+StepResult TakeScreenshot(ScriptStep& step) {
     for (const HWND window : {step.stage.Current(), step.stage.Frame()})
         RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     const std::string fault = SaveScreenshot(step.stage.application.Options().outFolder + '/' + step.Word(0));
     return fault.empty() ? StepResult::Done() : StepResult::Failed(fault);
 }
 
-StepResult ChangeDpi(Step& step) {
+StepResult ChangeDpi(ScriptStep& step) {
     const auto dpi = static_cast<UINT>(step.Number(0));
     if (dpi < USER_DEFAULT_SCREEN_DPI / 2 || dpi > 10 * USER_DEFAULT_SCREEN_DPI)
         return StepResult::Failed("there is no screen of that resolution");
@@ -89,12 +88,12 @@ StepResult ChangeDpi(Step& step) {
     return StepResult::Done();
 }
 
-StepResult SetLocale(Step& step) {
+StepResult SetLocale(ScriptStep& step) {
     if (std::setlocale(LC_ALL, step.Word(0).c_str())) return StepResult::Done();
     return StepResult::Failed("the system knows no locale \"" + step.Word(0) + '"');
 }
 
-void Measure(Step& step) {
+void Measure(ScriptStep& step) {
     const std::string name = step.command.words.empty() ? std::string() : ' ' + step.Word(0);
     step.stage.log.Write("resources" + name + ": " + Text(CountResources()) + " strings "
                          + std::to_string(step.stage.application.Strings().LiveBuffers()) + " controls "

@@ -1,10 +1,10 @@
 // The verbs of windows and menus.
 #include "host/terminal/script/window/Stage.h"
 
-#include "host/files/Paths.h"
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/files/Files.h"
+#include "host/terminal/script/window/Screen.h"
 #include "host/terminal/window/Application.h"
-#include "host/terminal/window/MenuBar.h"
+#include "host/terminal/window/frame/MenuBar.h"
 
 #include <algorithm>
 
@@ -17,7 +17,7 @@ std::string BesideProgram(const std::string& path) {
 }
 
 // The list's context menu, asked for at the first attempt; null while it is not open.
-HMENU OpenContextMenu(Step& step, HWND& popup) {
+HMENU OpenContextMenu(ScriptStep& step, HWND& popup) {
     if (step.attempt == 0) {
         step.stage.menuSteps = -1;
         SetFocus(step.control);
@@ -28,7 +28,7 @@ HMENU OpenContextMenu(Step& step, HWND& popup) {
 
 } // namespace
 
-StepResult UseWindow(Step& step) {
+StepResult UseWindow(ScriptStep& step) {
     const HWND window = FindWindowByCaption(step.Word(0), step.stage.Frame());
     if (!window) return StepResult::Again("there is no window \"" + step.Word(0) + '"');
     step.stage.window = window;
@@ -36,28 +36,28 @@ StepResult UseWindow(Step& step) {
     return StepResult::Done();
 }
 
-void UseMain(Step& step) {
+void UseMain(ScriptStep& step) {
     step.stage.window = nullptr;
     SetForegroundWindow(step.stage.Current());
 }
 
-void CloseWindow(Step& step) {
+void CloseWindow(ScriptStep& step) {
     PostMessageA(step.stage.Current(), WM_CLOSE, 0, 0);
     step.stage.window = nullptr;
 }
 
-StepResult ExpectWindow(Step& step) {
+StepResult ExpectWindow(ScriptStep& step) {
     if (FindWindowByCaption(step.Word(0), step.stage.Frame())) return StepResult::Done();
     return StepResult::Again("there is no window \"" + step.Word(0) + '"');
 }
 
-StepResult ExpectNoWindow(Step& step) {
+StepResult ExpectNoWindow(ScriptStep& step) {
     if (!FindWindowByCaption(step.Word(0), step.stage.Frame())) return StepResult::Done();
     return StepResult::Again("there is a window \"" + step.Word(0) + '"');
 }
 
 // The system's file dialogs keep their edit under one of these identifiers, by version.
-StepResult GiveFile(Step& step) {
+StepResult GiveFile(ScriptStep& step) {
     if (step.attempt == 0) step.stage.fileDialog = nullptr;
     if (step.stage.fileDialog) {
         if (IsWindow(step.stage.fileDialog)) return StepResult::Again("the file dialog stays open");
@@ -77,12 +77,12 @@ StepResult GiveFile(Step& step) {
     return StepResult::Again("there is no file dialog");
 }
 
-StepResult PickMenu(Step& step) {
+StepResult PickMenu(ScriptStep& step) {
     const HWND frame = step.stage.Frame();
     HMENU menu = GetMenu(frame);
     for (std::size_t i = 0; i < step.command.words.size(); ++i) {
-        const std::vector<MenuEntry> entries = MenuEntries(menu);
-        const auto entry = std::ranges::find(entries, step.Word(i), &MenuEntry::text);
+        const std::vector<MenuItem> entries = MenuEntries(menu);
+        const auto entry = std::ranges::find(entries, step.Word(i), &MenuItem::text);
         if (entry == entries.end() || !entry->enabled)
             return StepResult::Again("there is no menu entry \"" + step.Word(i) + '"');
         menu = entry->submenu;
@@ -91,17 +91,17 @@ StepResult PickMenu(Step& step) {
     return StepResult::Done();
 }
 
-StepResult ExpectMenu(Step& step) {
-    const std::vector<MenuEntry> bar = MenuEntries(GetMenu(step.stage.Frame()));
-    const auto menu = std::ranges::find(bar, step.Word(0), &MenuEntry::text);
+StepResult ExpectMenu(ScriptStep& step) {
+    const std::vector<MenuItem> bar = MenuEntries(GetMenu(step.stage.Frame()));
+    const auto menu = std::ranges::find(bar, step.Word(0), &MenuItem::text);
     if (menu == bar.end()) return StepResult::Again("there is no menu \"" + step.Word(0) + '"');
     std::vector<std::string> found;
-    for (const MenuEntry& entry : MenuEntries(menu->submenu))
+    for (const MenuItem& entry : MenuEntries(menu->submenu))
         found.push_back(entry.text);
     return Compare("the menu", Joined(found), step.WordsFrom(1));
 }
 
-StepResult PickInContextMenu(Step& step) {
+StepResult PickInContextMenu(ScriptStep& step) {
     HWND popup = nullptr;
     const HMENU menu = OpenContextMenu(step, popup);
     if (step.stage.menuSteps == 0) {
@@ -110,8 +110,8 @@ StepResult PickInContextMenu(Step& step) {
     }
     if (!menu) return StepResult::Again("no context menu opens");
     if (step.stage.menuSteps < 0) {
-        const std::vector<MenuEntry> entries = MenuEntries(menu);
-        const auto entry = std::ranges::find(entries, step.Word(1), &MenuEntry::text);
+        const std::vector<MenuItem> entries = MenuEntries(menu);
+        const auto entry = std::ranges::find(entries, step.Word(1), &MenuItem::text);
         if (entry == entries.end() || !entry->enabled) {
             StageKeyboard::PressInMenu(popup, VK_ESCAPE);
             return StepResult::Failed("the context menu has no entry \"" + step.Word(1) + '"');
@@ -124,7 +124,7 @@ StepResult PickInContextMenu(Step& step) {
     return StepResult::Again("the context menu is not finished");
 }
 
-StepResult ExpectContextMenu(Step& step) {
+StepResult ExpectContextMenu(ScriptStep& step) {
     HWND popup = nullptr;
     const HMENU menu = OpenContextMenu(step, popup);
     if (step.stage.menuSteps < 0 && !menu) return StepResult::Again("no context menu opens");
