@@ -42,7 +42,7 @@ std::size_t Cut(const std::string& text) {
     BasketLines lines(text);
     BasketTexts columns;
     while (const auto line = lines.Next())
-        if (SplitBasketLine(line->text, columns)) fields += columns[BasketField::clientId].size();
+        if (SplitBasketLine(line->text, columns)) fields += columns[BasketField::account].size();
     return fields;
 }
 

@@ -67,7 +67,7 @@ struct Desk {
     void Answer() {
         for (const RecordId record : store->list) {
             const RecordId found = store->rows.BySerialNumber(store->rows[record].SerialNumber());
-            store->rows.SetRemarks(found, "SIP registered. Registration No : SIP2701100000001");
+            store->rows.SetUserText(found, "SIP registered. Registration No : SIP2701100000001");
         }
     }
 

@@ -35,7 +35,7 @@ BoostBook::iterator Find(BoostBook& book, std::string_view number) {
 constexpr OrderField kUpdated[] = {
     OrderField::amount,    OrderField::endDate,
     OrderField::sipStatus, OrderField::nextExecutionDate,
-    OrderField::remarks,   OrderField::installmentsRegistered,
+    OrderField::userText,  OrderField::installmentsRegistered,
 };
 
 void Fill(OrderCache& cache, const Numbers& numbers) {

@@ -1,7 +1,7 @@
 #include "bench/SampleBasket.h"
 
-#include "plugin/messaging/Dates.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Dates.h"
+#include "plugin/base/Text.h"
 
 namespace bench {
 namespace {

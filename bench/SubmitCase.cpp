@@ -28,7 +28,7 @@ public:
         m_form.investType = "Amount";
         m_form.value = "5000";
         m_form.totalPeriod = "12";
-        m_form.client = "C001";
+        m_form.account = "C001";
         m_form.startDate = {2027, 1, 11, 15, 30, 0};
     }
     void Submit() {

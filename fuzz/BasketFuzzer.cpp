@@ -6,10 +6,10 @@
 // those that the rows have when they are looked at one by one. The text itself is also taken for a kept file.
 
 #include "fuzz/Fuzz.h"
+#include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/UnsentOrders.h"
-#include "plugin/messaging/Dates.h"
 
 #include <algorithm>
 #include <charconv>
@@ -118,8 +118,8 @@ public:
             m_store.MarkSent(row.record);
             row.isSent = true;
         } else if (step[0] == 'a') {
-            m_store.SetRemarks(row.record, step);
-            Demand(m_store[row.record].Text(BasketField::remarks) == step);
+            m_store.SetUserText(row.record, step);
+            Demand(m_store[row.record].Text(BasketField::userText) == step);
         } else if (step[0] == 'm') {
             const sBasketOrderData other(m_store[m_rows[(place + 1) % m_rows.size()].record].Texts(), 0);
             m_store.Replace(row.record, other.Texts());
@@ -207,9 +207,8 @@ private:
 
     static std::string Alike(const sBasketOrderData& order) {
         std::string text;
-        for (const auto field :
-             {BasketField::clientId, BasketField::exchangeSegment, BasketField::tradingSymbol,
-              BasketField::sideWord, BasketField::frequency, BasketField::startDate})
+        for (const auto field : {BasketField::account, BasketField::exchange, BasketField::tradingSymbol,
+                                 BasketField::sideWord, BasketField::frequency, BasketField::startDate})
             text.append(order.Text(field)).push_back(',');
         return text;
     }

@@ -1,7 +1,7 @@
 // Typed dates: refused, or a local midnight that reads back as itself.
 
 #include "fuzz/Fuzz.h"
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 
 #include <cstdlib>
 #include <ctime>

@@ -3,7 +3,7 @@
 
 #include "base/Text.h"
 #include "fuzz/Fuzz.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 
 #include <cmath>
 #include <cstdio>

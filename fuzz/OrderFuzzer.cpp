@@ -1,7 +1,7 @@
 // Order forms of any content: refused with a text, or an order that the server can read.
 
 #include "fuzz/Fuzz.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "tests/support/FakeHost.h"
 
@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::string SipOrderForm::*member :
          {&SipOrderForm::investType, &SipOrderForm::value, &SipOrderForm::totalPeriod, &SipOrderForm::frequency,
           &SipOrderForm::exchange, &SipOrderForm::series, &SipOrderForm::symbol, &SipOrderForm::action,
-          &SipOrderForm::orderType, &SipOrderForm::product, &SipOrderForm::client})
+          &SipOrderForm::orderType, &SipOrderForm::product, &SipOrderForm::account})
         form.*member = input.Line();
     form.startDate = Day(input.Line());
     // Letters: "m" a modification, "s" the server's periods, "k" the scrip by its key.

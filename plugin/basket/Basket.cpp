@@ -1,8 +1,8 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -90,7 +90,7 @@ RecordId Basket::RowToModify() const {
 std::string Basket::OtherRowQuestion(RecordId selected) const {
     const auto named = [&](RecordId record) {
         const sBasketOrderData& row = m_rows[record];
-        return std::string(row.Text(BasketField::clientId)) + ' ' + std::string(row.Text(BasketField::symbol));
+        return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
     };
     return "The form was filled from the order for " + named(m_rows.BySerialNumber(m_shownRow))
            + ", but the row for " + named(selected)
@@ -108,7 +108,7 @@ void Basket::AddOrModify() {
         if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowMessage(refusal->text);
     }
-    if (!AskAboutUnknown({order.data.client}, "Take the order into the basket all the same?",
+    if (!AskAboutUnknown({order.data.account}, "Take the order into the basket all the same?",
                          &Basket::AddOrModify))
         return;
     if (!IsModifying()) {
@@ -272,7 +272,7 @@ void Basket::HandlePlaced(const Answer& answer) {
     if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
     const RecordId record = m_rows.BySerialNumber(number);
     if (record == kNoRecord) return;
-    m_rows.SetRemarks(record, FieldText(answer.message, tag::userText));
+    m_rows.SetUserText(record, FieldText(answer.message, tag::userText));
     m_view.List().Repaint(record);
 }
 

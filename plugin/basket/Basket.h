@@ -2,12 +2,12 @@
 // answer changes. The rows outlive the window: one closed by mistake has lost nothing when it is opened again.
 #pragma once
 
+#include "plugin/base/LongRun.h"
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketLoading.h"
 #include "plugin/basket/BasketPlacing.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
-#include "plugin/controls/LongRun.h"
 #include "plugin/messaging/Answer.h"
 
 #include <memory>

@@ -1,8 +1,8 @@
 #include "plugin/basket/BasketColumns.h"
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 
@@ -25,7 +25,7 @@ std::string_view BasketCells::Text(const sBasketOrderData& row, BasketField fiel
         if (isNew) shown->second = Format("%.0f", LeadingReal(text));
         return shown->second;
     }
-    case BasketField::action: {
+    case BasketField::side: {
         const auto shown = std::ranges::find(kPlanToDisplay, text, &CodeRow::from);
         return shown == kPlanToDisplay.end() ? text : shown->to;
     }

@@ -15,8 +15,8 @@ namespace planfold {
 using BasketColumn = ListColumn<BasketField>;
 
 inline constexpr BasketColumn kBasketListColumns[] = {
-    {"Client ID", 50, BasketField::clientId},
-    {"Exchange", 50, BasketField::exchangeSegment},
+    {"Client ID", 50, BasketField::account},
+    {"Exchange", 50, BasketField::exchange},
     {"Series", 50, BasketField::series},
     {"Symbol", 100, BasketField::symbol},
     {"Product", 50, BasketField::product},
@@ -26,8 +26,8 @@ inline constexpr BasketColumn kBasketListColumns[] = {
     {"Start Date", 150, BasketField::startDateText},
     {"Total Period", 50, BasketField::totalPeriod, ValueType::number},
     {"Order Type", 50, BasketField::orderType},
-    {"Action", 50, BasketField::action},
-    {"Remarks", 50, BasketField::remarks},
+    {"Action", 50, BasketField::side},
+    {"Remarks", 50, BasketField::userText},
 };
 
 // "1500.50"

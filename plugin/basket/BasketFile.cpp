@@ -1,6 +1,6 @@
 #include "plugin/basket/BasketFile.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,10 +1,10 @@
 #include "plugin/basket/BasketForm.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/SipOrderFields.h"
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
 namespace planfold {
@@ -57,7 +57,7 @@ BasketTexts FormOrder::Texts() const {
     texts[BasketField::series] = series;
     texts[BasketField::symbol] = symbol;
     texts[BasketField::startDateText] = startDateText;
-    texts[BasketField::remarks] = "NA";
+    texts[BasketField::userText] = "NA";
     return texts;
 }
 
@@ -121,13 +121,13 @@ int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     int notShown = 0;
     const auto choose = [&](int combo, std::string_view text) { notShown += !m_form.Choose(combo, text); };
-    choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchangeSegment]));
+    choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchange]));
     OnExchangeChanged();
     choose(IDC_SERIES, texts[BasketField::series]);
     OnSeriesChanged();
     if (m_view.Handle() != window) return notShown;
     choose(IDC_SYMBOL, texts[BasketField::symbol]);
-    choose(IDC_ACTION, Display(kPlanToDisplay, texts[BasketField::action]));
+    choose(IDC_ACTION, Display(kPlanToDisplay, texts[BasketField::side]));
     choose(IDC_ORDER_TYPE, Display(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
     choose(IDC_PRODUCT, texts[BasketField::product]);
     choose(IDC_INVEST_BY, Display(kInvestTypeToDisplay, texts[BasketField::investType]));
@@ -143,14 +143,14 @@ int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
         !(ValueField(texts[BasketField::investType]) == BasketField::amount ? amountShown : quantityShown);
     m_view.SetText(IDC_PERIOD, texts[BasketField::totalPeriod]);
     notShown += !ShowStartDate(texts[BasketField::startDateText], now);
-    notShown += !ShowClient(texts[BasketField::clientId]);
+    notShown += !ShowClient(texts[BasketField::account]);
     return notShown;
 }
 
 int BasketForm::ShowRow(const BasketTexts& texts, const LocalDateTime& now) {
     const HostWindow window = m_view.Handle();
     const int notShown = Show(texts, now);
-    const std::string named = AskTradingSymbol(m_session, texts[BasketField::exchangeSegment],
+    const std::string named = AskTradingSymbol(m_session, texts[BasketField::exchange],
                                                texts[BasketField::series], texts[BasketField::symbol]);
     if (named.empty() || named == texts[BasketField::tradingSymbol] || m_view.Handle() != window)
         return notShown;

@@ -1,9 +1,9 @@
 #include "plugin/basket/BasketLine.h"
 
-#include "plugin/messaging/Dates.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Dates.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/messaging/Text.h"
 
 #include <algorithm>
 #include <bit>
@@ -41,7 +41,7 @@ struct WordRule {
     const char* reason;
 };
 constexpr WordRule kWordRules[] = {
-    {BasketField::action, {"B", "S", "B", "B"}, kInvalidAction},
+    {BasketField::side, {"B", "S", "B", "B"}, kInvalidAction},
     {BasketField::investType, {"value", "qty", "qty", "qty"}, kInvalidInvestType},
     {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, kInvalidFrequency},
     {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, kInvalidOrderType},
@@ -98,7 +98,7 @@ bool SplitBasketLine(std::string_view line, BasketTexts& columns) {
         longest = std::max(longest, end - at);
         at = std::min(end + 1, line.size());
     }
-    columns[BasketField::remarks] = {};
+    columns[BasketField::userText] = {};
     return longest <= kLongestField;
 }
 
@@ -117,18 +117,18 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
 
     columns[BasketField::customerFirm] = "C";
     columns[BasketField::validity] = "DAY";
-    columns[BasketField::sideWord] = columns[BasketField::action] == "B" ? "BUY" : "SELL";
+    columns[BasketField::sideWord] = columns[BasketField::side] == "B" ? "BUY" : "SELL";
     const bool byQuantity = columns[BasketField::investType] == "qty";
     if (Verdict refusal =
             byQuantity ? CheckQuantity(columns, lineNumber) : CheckAmount(columns, scrip, lineNumber))
         return refusal;
-    columns[BasketField::remarks] = "NA";
+    columns[BasketField::userText] = "NA";
     return std::nullopt;
 }
 
 // A basket names few scrips many times; the host is asked once for each.
 BasketCheck::Scrip& BasketCheck::LookUp(const BasketTexts& columns) {
-    const std::string_view exchange = columns[BasketField::exchangeSegment];
+    const std::string_view exchange = columns[BasketField::exchange];
     const std::string_view tradingSymbol = columns[BasketField::tradingSymbol];
     m_key.assign(tradingSymbol).append(1, ',').append(exchange);
     const auto [place, isNew] = RoomFor(m_known).try_emplace(m_key);

@@ -39,13 +39,11 @@ struct BasketRules {
 
 // The columns of the file, in order; each names the field that it fills.
 inline constexpr BasketField kBasketColumns[] = {
-    BasketField::clientId,    BasketField::exchangeSegment, BasketField::series,
-    BasketField::symbol,      BasketField::token,           BasketField::tradingSymbol,
-    BasketField::product,     BasketField::amount,          BasketField::quantity,
-    BasketField::frequency,   BasketField::startDate,       BasketField::startDateText,
-    BasketField::totalPeriod, BasketField::orderType,       BasketField::action,
-    BasketField::sideWord,    BasketField::customerFirm,    BasketField::validity,
-    BasketField::investType,
+    BasketField::account,      BasketField::exchange,      BasketField::series,     BasketField::symbol,
+    BasketField::token,        BasketField::tradingSymbol, BasketField::product,    BasketField::amount,
+    BasketField::quantity,     BasketField::frequency,     BasketField::startDate,  BasketField::startDateText,
+    BasketField::totalPeriod,  BasketField::orderType,     BasketField::side,       BasketField::sideWord,
+    BasketField::customerFirm, BasketField::validity,      BasketField::investType,
 };
 
 // Reasons that the form gives as well.

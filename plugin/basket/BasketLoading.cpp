@@ -1,8 +1,8 @@
 #include "plugin/basket/BasketLoading.h"
 
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostScrips.h"
-#include "plugin/messaging/Text.h"
 
 #include <utility>
 
@@ -47,12 +47,12 @@ void BasketLoading::OnRejected(const RejectedLine& line, const BasketTexts& colu
     // What has no reason was told as a notice.
     if (line.reason.empty()) m_target.rejected.back().reason = m_notice;
     const auto text = [&](BasketField field) { return std::string(columns[field]); };
-    std::string exchange = text(BasketField::exchangeSegment);
-    Convert(kExchangeToDisplay, columns[BasketField::exchangeSegment], exchange);
+    std::string exchange = text(BasketField::exchange);
+    Convert(kExchangeToDisplay, columns[BasketField::exchange], exchange);
     m_session.Log(Format("%s %s SIP Order Upload Failed: %s %s Client ID : %s by %s In Line Number %d",
                          exchange.c_str(), text(BasketField::sideWord).c_str(),
                          text(BasketField::product).c_str(), text(BasketField::token).c_str(),
-                         text(BasketField::clientId).c_str(), m_session.identity.loginId.c_str(), line.number));
+                         text(BasketField::account).c_str(), m_session.identity.loginId.c_str(), line.number));
 }
 
 } // namespace planfold

@@ -2,10 +2,10 @@
 // it can be painted and stopped in between.
 #pragma once
 
+#include "plugin/base/Notices.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
-#include "plugin/messaging/KeptTexts.h"
 #include "plugin/messaging/Session.h"
 
 #include <string>

@@ -40,9 +40,9 @@ BasketTexts sBasketOrderData::Texts() const {
     return texts;
 }
 
-void sBasketOrderData::SetRemarks(std::string_view remarks) {
+void sBasketOrderData::SetUserText(std::string_view text) {
     BasketTexts texts = Texts();
-    texts[BasketField::remarks] = remarks;
+    texts[BasketField::userText] = text;
     *this = sBasketOrderData(texts, m_serialNumber);
 }
 

@@ -21,15 +21,15 @@ enum class BasketField : std::uint8_t {
     startDate,     // seconds since 1 January 1970, decimal
     customerFirm,
     validity,
-    exchangeSegment, // "nse_cm"
-    action,          // "B" or "S"
+    exchange, // "nse_cm"
+    side,     // "B" or "S"
     token,
     symbol,
     tradingSymbol,
-    clientId,
+    account,
     sideWord,   // "BUY" or "SELL"
     investType, // "value" or "qty"
-    remarks,    // the server's answer
+    userText,   // the server's answer
     count
 };
 inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
@@ -53,7 +53,7 @@ public:
     // Valid until the row is changed.
     std::string_view Text(BasketField field) const;
     BasketTexts Texts() const;
-    void SetRemarks(std::string_view remarks);
+    void SetUserText(std::string_view text);
 
     // By which the server's answer finds its row.
     std::int32_t SerialNumber() const { return m_serialNumber; }

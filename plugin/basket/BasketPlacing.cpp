@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketPlacing.h"
 
+#include "plugin/base/Codes.h"
 #include "plugin/basket/SipOrderFields.h"
-#include "plugin/messaging/Codes.h"
 #include "plugin/orderentry/PlaceOrder.h"
 
 #include <utility>
@@ -46,12 +46,12 @@ void BasketPlacing::TellHost(const Row& placed) {
     const auto tell = m_session.host.pu_build_bskt_caution_order_map;
     if (!tell) return;
     const sBasketOrderData& row = m_rows[placed.record];
-    const CString client = m_session.String(row.Text(BasketField::clientId));
+    const CString client = m_session.String(row.Text(BasketField::account));
     const CString investType = m_session.String(row.Text(BasketField::investType));
     const CString product = m_session.String(row.Text(BasketField::product));
     const CString value = m_session.String(ValueOf(row));
     const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
-    const CString exchange = m_session.String(row.Text(BasketField::exchangeSegment));
+    const CString exchange = m_session.String(row.Text(BasketField::exchange));
     tell(&client, &investType, &product, &value, &symbol, &exchange, placed.index);
 }
 
@@ -66,7 +66,7 @@ void BasketPlacing::Send(const Row& placed) {
     BasketPlace place{row.SerialNumber(), std::nullopt};
     if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
         const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
-        const CString exchange = m_session.String(row.Text(BasketField::exchangeSegment));
+        const CString exchange = m_session.String(row.Text(BasketField::exchange));
         switch (state(&symbol, &exchange, placed.index)) {
         case 0:
             return;
@@ -79,8 +79,8 @@ void BasketPlacing::Send(const Row& placed) {
         if (m_stopped || m_session.Ended()) return;
     }
     const sSipOrderData order = OrderOf(row);
-    std::string exchange = order.exchangeSegment;
-    Convert(kExchangeToDisplay, order.exchangeSegment, exchange);
+    std::string exchange = order.exchange;
+    Convert(kExchangeToDisplay, order.exchange, exchange);
     m_rows.SetSending(placed.record);
     const bool sent = SendAddSipOrders(m_session, m_control, m_failures, order, exchange, &place);
     m_rows.SetSending(kNoRecord);

@@ -2,8 +2,8 @@
 // every row is sent. Goes on row by row, so that it can be painted and stopped in between.
 #pragma once
 
+#include "plugin/base/Notices.h"
 #include "plugin/basket/BasketRows.h"
-#include "plugin/messaging/KeptTexts.h"
 #include "plugin/messaging/Session.h"
 #include "sdk/RxControl.h"
 

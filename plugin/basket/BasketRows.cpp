@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketRows.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/basket/SipOrderFields.h"
-#include "plugin/messaging/Numbers.h"
 
 #include <functional>
 #include <utility>
@@ -10,8 +10,8 @@ namespace planfold {
 
 namespace {
 
-constexpr BasketField kAlikeFields[] = {BasketField::clientId,      BasketField::exchangeSegment,
-                                        BasketField::tradingSymbol, BasketField::action,
+constexpr BasketField kAlikeFields[] = {BasketField::account,       BasketField::exchange,
+                                        BasketField::tradingSymbol, BasketField::side,
                                         BasketField::frequency,     BasketField::startDate};
 
 // A hash is enough for a mark: that two of a million differing rows share one is rarer than a memory fault.
@@ -128,7 +128,7 @@ void BasketRows::Leave(RecordId record) {
 }
 
 void BasketRows::AddToTotals(const sBasketOrderData& row, int sign) {
-    BasketTotals& side = row.Text(BasketField::action) == "B" ? m_buy : m_sell;
+    BasketTotals& side = row.Text(BasketField::side) == "B" ? m_buy : m_sell;
     if (row.Text(BasketField::investType) == "value")
         side.amountPaise += sign * LeadingInteger(row.Text(BasketField::amount));
     else

@@ -2,9 +2,9 @@
 // what they come to. In which order they stand is the list's affair.
 #pragma once
 
+#include "plugin/base/RecordId.h"
 #include "plugin/basket/BasketOrder.h"
 #include "plugin/basket/KeyCounts.h"
-#include "plugin/controls/RecordId.h"
 
 #include <cstdint>
 #include <string_view>
@@ -27,7 +27,7 @@ public:
     RecordId AddLoaded(const BasketTexts& texts);
     // The row is another order from now on: with the next serial number, and not sent.
     void Replace(RecordId record, const BasketTexts& texts);
-    void SetRemarks(RecordId record, std::string_view remarks) { m_rows[record].SetRemarks(remarks); }
+    void SetUserText(RecordId record, std::string_view text) { m_rows[record].SetUserText(text); }
     void Remove(RecordId record);
     // Serial numbers go on, and what was sent is remembered.
     void Clear();

@@ -1,8 +1,8 @@
 // What the basket does at length: loading and placing.
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
 #include <set>
@@ -80,7 +80,7 @@ void Basket::Place() {
         const RecordId record = list.RecordAt(row);
         if (sentToo == Choice::no && m_rows.IsSent(record)) continue;
         placed.push_back({record, static_cast<int>(row)});
-        clients.emplace(m_rows[record].Text(BasketField::clientId));
+        clients.emplace(m_rows[record].Text(BasketField::account));
     }
     constexpr Act again = &Basket::Place;
     if (placed.empty() || !AskAboutUnknown(clients, "Place their orders all the same?", again)

@@ -1,8 +1,8 @@
 // The orders that were not sent, from one session to the next.
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/basket/UnsentOrders.h"
-#include "plugin/messaging/Text.h"
 
 #include <utility>
 

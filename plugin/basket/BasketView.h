@@ -1,8 +1,8 @@
 // The basket's window as the code that decides sees it.
 #pragma once
 
+#include "plugin/base/RecordId.h"
 #include "plugin/controls/DialogView.h"
-#include "plugin/controls/RecordId.h"
 
 #include <cstdint>
 #include <optional>

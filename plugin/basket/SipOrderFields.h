@@ -21,12 +21,12 @@ inline constexpr SipOrderField kSipOrderFields[] = {
     {BasketField::startDate, &sSipOrderData::startDate},
     {BasketField::customerFirm, &sSipOrderData::customerFirm},
     {BasketField::validity, &sSipOrderData::validity},
-    {BasketField::exchangeSegment, &sSipOrderData::exchangeSegment},
-    {BasketField::action, &sSipOrderData::side},
+    {BasketField::exchange, &sSipOrderData::exchange},
+    {BasketField::side, &sSipOrderData::side},
     {BasketField::token, &sSipOrderData::token},
     {BasketField::tradingSymbol, &sSipOrderData::tradingSymbol},
-    {BasketField::clientId, &sSipOrderData::client},
-    {BasketField::sideWord, &sSipOrderData::sideLabel},
+    {BasketField::account, &sSipOrderData::account},
+    {BasketField::sideWord, &sSipOrderData::sideWord},
     {BasketField::investType, &sSipOrderData::investType},
 };
 

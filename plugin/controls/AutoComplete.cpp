@@ -1,7 +1,7 @@
 #include "plugin/controls/AutoComplete.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostCallbacks.h"
-#include "plugin/messaging/Text.h"
 
 #include <algorithm>
 
@@ -41,8 +41,7 @@ void AutoComplete::Search() {
     const std::string text = m_view.TypedText();
     const std::vector<std::string> entries = m_view.Entries();
     for (std::size_t i = 0; i < entries.size(); ++i)
-        if (EqualsIgnoringCase(entries[i], text))
-            return m_view.PickEntry(static_cast<int>(i));
+        if (EqualsIgnoringCase(entries[i], text)) return m_view.PickEntry(static_cast<int>(i));
 }
 
 unsigned SearchTimerPeriod(const HostCallbacks& host) {

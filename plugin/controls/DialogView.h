@@ -2,7 +2,7 @@
 // implement it; tests stand in for it. An identifier that the dialog lacks reads empty and ignores the rest.
 #pragma once
 
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 #include "plugin/messaging/Session.h"
 #include "sdk/HostWindow.h"
 

@@ -1,10 +1,10 @@
 #include "plugin/history/HistoryRecord.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/Codes.h"
 #include "plugin/messaging/HostScrips.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
@@ -37,8 +37,8 @@ struct RowField {
     Conversion conversion = AsItIs;
 };
 constexpr RowField kRowFields[] = {
-    {HistoryField::userId, tag::loginId},
-    {HistoryField::clientId, tag::account},
+    {HistoryField::loginId, tag::loginId},
+    {HistoryField::account, tag::account},
     {HistoryField::exchange, tag::exchange, Told::byOrderAndTrade, InWords<kExchangeToDisplay>},
     {HistoryField::tradingSymbol, tag::tradingSymbol, Told::byOrderAndTrade},
     {HistoryField::registrationNumber, tag::registrationNumber, Told::byOrderAndTrade},
@@ -46,7 +46,7 @@ constexpr RowField kRowFields[] = {
     {HistoryField::orderStatus, tag::sipStatus},
     {HistoryField::orderSource, tag::orderSource},
     {HistoryField::placementTime, tag::placementTime},
-    {HistoryField::action, tag::side, Told::byOrder, InWords<kPlanToDisplay>},
+    {HistoryField::side, tag::side, Told::byOrder, InWords<kPlanToDisplay>},
     {HistoryField::orderType, tag::orderType, Told::byOrder, InWords<kOrderTypeToDisplay>},
     {HistoryField::quantity, tag::quantity},
     {HistoryField::price, tag::price, Told::byOrder, Price},
@@ -54,7 +54,7 @@ constexpr RowField kRowFields[] = {
     {HistoryField::tradedQuantity, tag::tradedQuantity},
     {HistoryField::fillDetailA, tag::fillDetailA, Told::onceTraded},
     {HistoryField::fillDetailB, tag::fillDetailB, Told::onceTraded},
-    {HistoryField::remarks, tag::userText},
+    {HistoryField::userText, tag::userText},
 };
 static_assert(std::size(kRowFields) == static_cast<std::size_t>(HistoryField::count) - 2);
 
@@ -99,9 +99,9 @@ void ApplyTrade(const sOrderHistory& trade, sOrderHistory& order) {
 }
 
 HistoryDetails TakeDetails(sOrderHistory& order) {
-    static constexpr HistoryField shown[] = {HistoryField::clientId,      HistoryField::exchange,
+    static constexpr HistoryField shown[] = {HistoryField::account,       HistoryField::exchange,
                                              HistoryField::tradingSymbol, HistoryField::orderType,
-                                             HistoryField::action,        HistoryField::registrationNumber,
+                                             HistoryField::side,          HistoryField::registrationNumber,
                                              HistoryField::tradedPrice,   HistoryField::tradedQuantity};
     static_assert(std::size(shown) + 1 == kHistoryDetailCount);
     HistoryDetails details;

@@ -11,8 +11,8 @@
 namespace planfold {
 
 enum class HistoryField {
-    userId,
-    clientId,
+    loginId,
+    account,
     exchange,
     tradingSymbol,
     registrationNumber,
@@ -20,7 +20,7 @@ enum class HistoryField {
     orderStatus,
     orderSource,
     placementTime,
-    action,
+    side,
     orderType,
     unused11, // no message fills it
     quantity,
@@ -30,7 +30,7 @@ enum class HistoryField {
     unused16, // no message fills it
     fillDetailA,
     fillDetailB,
-    remarks,
+    userText,
     count
 };
 
@@ -53,13 +53,13 @@ void ApplyTrade(const sOrderHistory& trade, sOrderHistory& order);
 
 using HistoryColumn = ListColumn<HistoryField>;
 inline constexpr HistoryColumn kHistoryColumns[] = {
-    {"User ID", 100, HistoryField::userId},
+    {"User ID", 100, HistoryField::loginId},
     {"Order Status", 100, HistoryField::orderStatus},
     {"Order Source", 50, HistoryField::orderSource},
     {"Order Placement TimeStamp", 200, HistoryField::placementTime},
     {"Price", 50, HistoryField::price, ValueType::amount, Align::right},
     {"Quantity", 50, HistoryField::quantity, ValueType::number, Align::right},
-    {"Remarks", 100, HistoryField::remarks},
+    {"Remarks", 100, HistoryField::userText},
 };
 
 // The last one joins both fill details.

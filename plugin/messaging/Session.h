@@ -2,6 +2,7 @@
 // operation mode, and the host's callbacks. One for the plug-in, owned by the control block.
 #pragma once
 
+#include "plugin/base/Notices.h"
 #include "plugin/messaging/HostCallbacks.h"
 #include "sdk/CString.h"
 #include "sdk/Qmx.h"
@@ -21,15 +22,6 @@ struct Identity {
     std::string& peerIdA;
     std::string& peerIdB;
     std::string& activeClient;
-};
-
-// Where a text for the user is shown: a plain message box with OK, owned by the window that asks.
-class Notices {
-public:
-    virtual void ShowMessage(std::string_view text) = 0;
-
-protected:
-    ~Notices() = default;
 };
 
 // Tag and value under which the server knows the user.

@@ -1,6 +1,6 @@
 #include "plugin/messaging/Subscriptions.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 #include "sdk/Tags.h"
 
 #include <initializer_list>

@@ -1,7 +1,7 @@
 #include "plugin/orderbook/BookActions.h"
 
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/orderbook/BookMenu.h"
 #include "sdk/Tags.h"
 
@@ -54,11 +54,11 @@ struct Totals {
     std::int64_t shares = 0;
 
     void Add(const sOrderinfo& record) {
-        clients.insert(record.Text(OrderField::clientId));
+        clients.insert(record.Text(OrderField::account));
         std::string amount(record.Text(OrderField::amount));
         std::erase(amount, '.');
-        if (record.Text(OrderField::sipType) == "value") paise += LeadingInteger(amount);
-        if (record.Text(OrderField::sipType) == "qty")
+        if (record.Text(OrderField::investType) == "value") paise += LeadingInteger(amount);
+        if (record.Text(OrderField::investType) == "qty")
             shares += LeadingInteger(record.Text(OrderField::quantity));
     }
     std::string Text() const {
@@ -190,7 +190,7 @@ bool BookActions::SendOne(RecordId id, Notices& notices) {
     switch (m_run->Kind()) {
     case RunKind::cancel: {
         OrderChanges reason;
-        reason[OrderField::remarks] = m_reason;
+        reason[OrderField::userText] = m_reason;
         record.Apply(reason);
         const int resets = m_resets;
         const bool sent = SendCancelSipOrder(m_session, m_control, notices, record);

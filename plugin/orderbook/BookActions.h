@@ -2,7 +2,7 @@
 // with a reason where the status forbids it, asked before where it cannot be undone, and never done twice.
 #pragma once
 
-#include "plugin/controls/LongRun.h"
+#include "plugin/base/LongRun.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderbook/BookRun.h"

@@ -11,12 +11,12 @@ namespace planfold {
 using BookColumn = ListColumn<OrderField>;
 
 inline constexpr BookColumn kBookColumns[] = {
-    {"User ID", 100, OrderField::userId},
-    {"Client ID", 100, OrderField::clientId},
+    {"User ID", 100, OrderField::loginId},
+    {"Client ID", 100, OrderField::account},
     {"Exchange", 50, OrderField::exchange},
     {"Trading Symbol", 200, OrderField::tradingSymbol},
     {"Product", 100, OrderField::product},
-    {"Action", 50, OrderField::action},
+    {"Action", 50, OrderField::side},
     {"Order Type", 75, OrderField::orderType},
     {"Amount", 50, OrderField::amount, ValueType::amount, Align::right},
     {"Quantity", 50, OrderField::quantity, ValueType::number, Align::right},
@@ -31,7 +31,7 @@ inline constexpr BookColumn kBookColumns[] = {
     {"Order Source", 50, OrderField::orderSource},
     {"End Date", 100, OrderField::endDate},
     {"No of Installments registered", 50, OrderField::installmentsRegistered, ValueType::number, Align::right},
-    {"Remarks", 100, OrderField::remarks},
+    {"Remarks", 100, OrderField::userText},
     {"Cancelled By", 100, OrderField::cancelledBy},
     {"Cancelled Date", 100, OrderField::cancelledDate},
 };
@@ -41,6 +41,6 @@ inline constexpr std::span<const BookColumn> kCancelledColumns = kBookColumns;
 inline constexpr std::span<const BookColumn> kRegisteredColumns = kCancelledColumns.first<20>();
 // The one that the active client filters.
 inline constexpr int kClientColumn = 1;
-static_assert(kBookColumns[kClientColumn].field == OrderField::clientId);
+static_assert(kBookColumns[kClientColumn].field == OrderField::account);
 
 } // namespace planfold

@@ -1,8 +1,8 @@
 #include "plugin/orderbook/BookQueries.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 #include <chrono>

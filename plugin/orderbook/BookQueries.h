@@ -1,7 +1,7 @@
 // The two queries that fill the book.
 #pragma once
 
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 #include "plugin/messaging/Session.h"
 #include "sdk/RxControl.h"
 

@@ -1,7 +1,7 @@
 #include "plugin/orderbook/BookRequests.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 namespace planfold {
@@ -71,7 +71,7 @@ std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
 
 bool SendCancelSipOrder(Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
     CancelSipOrder cancel{session, std::string(record.Number()),
-                          std::string(BlankInsteadOfNothing(record, OrderField::remarks)),
+                          std::string(BlankInsteadOfNothing(record, OrderField::userText)),
                           std::string(BlankInsteadOfNothing(record, OrderField::orderSource))};
     if (!SendRequest(session, control, notices, kCancelRequest, cancel)) return false;
     session.Log(Format("Sending request to cancel %s", cancel.number.c_str()));

@@ -1,6 +1,6 @@
 #include "plugin/orderbook/BookRun.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 namespace planfold {
 

@@ -2,7 +2,7 @@
 // can stop, with true numbers of what was sent and what came of it.
 #pragma once
 
-#include "plugin/messaging/KeptTexts.h"
+#include "plugin/base/Notices.h"
 #include "plugin/orderbook/OrderCache.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #include "plugin/orderbook/OrderBook.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Subscriptions.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/orderbook/BookColumns.h"
 #include "plugin/orderbook/BookQueries.h"
 #include "plugin/orderbook/OrderRow.h"

@@ -2,8 +2,8 @@
 // lists a record stands, and what answers and streamed updates change.
 #pragma once
 
+#include "plugin/base/Dates.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/Dates.h"
 #include "plugin/orderbook/BookActions.h"
 #include "plugin/orderbook/BookView.h"
 #include "plugin/orderbook/OrderCache.h"

@@ -1,7 +1,7 @@
 // Every registration that the book has heard of, by number. Records stay for the life of the book.
 #pragma once
 
-#include "plugin/controls/RecordId.h"
+#include "plugin/base/RecordId.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <algorithm>

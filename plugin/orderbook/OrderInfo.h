@@ -12,11 +12,11 @@
 namespace planfold {
 
 enum class OrderField : std::uint8_t {
-    userId,
+    loginId,
     exchange, // as shown ("NSE")
     tradingSymbol,
     product,
-    action,    // "SIP" or "SWP"
+    side,      // "SIP" or "SWP"
     orderType, // "MARKET", or empty: the book names market orders only
     quantity,
     frequency,
@@ -24,17 +24,17 @@ enum class OrderField : std::uint8_t {
     totalPeriod, // months; the server's own periods are installmentsRegistered
     nextExecutionDate,
     registrationNumber, // the key
-    clientId,
-    sipType, // "value" or "qty"; not shown
+    account,
+    investType, // "value" or "qty"; not shown
     sipStatus,
-    amount,            // rupees with two decimals
-    requestIdentifier, // not shown
-    streamName,        // not shown
+    amount,     // rupees with two decimals
+    orderId,    // not shown
+    streamName, // not shown
     registrationDate,
     accountName, // the host's name for the client
     orderSource,
     installmentsRegistered,
-    remarks,
+    userText,
     cancelledDate,
     cancelledBy,
     endDate,

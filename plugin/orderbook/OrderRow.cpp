@@ -1,9 +1,9 @@
 #include "plugin/orderbook/OrderRow.h"
 
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/Codes.h"
 #include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/Numbers.h"
 #include "sdk/Tags.h"
 
 #include <array>
@@ -15,7 +15,7 @@ namespace {
 
 // What the meaning of a field hangs on, and room for a text that is made.
 struct Reading {
-    std::string_view sipType;
+    std::string_view investType;
     bool installments;
     const std::optional<std::string>& accountName;
     std::array<char, 320> made{}; // the longest amount has 312 characters
@@ -36,12 +36,12 @@ std::optional<std::string_view> InWords(Reading&, std::string_view wire) {
 }
 
 std::optional<std::string_view> WhenQuantity(Reading& reading, std::string_view wire) {
-    if (reading.sipType != "qty") return std::nullopt;
+    if (reading.investType != "qty") return std::nullopt;
     return wire;
 }
 
 std::optional<std::string_view> RupeesWhenAmount(Reading& reading, std::string_view wire) {
-    if (reading.sipType != "value") return std::nullopt;
+    if (reading.investType != "value") return std::nullopt;
     const double rupees = LeadingReal(wire) / 100;
     char* const made = reading.made.data();
     const auto [end, fault] =
@@ -69,13 +69,13 @@ struct RowField {
     Conversion conversion = AsItIs;
 };
 constexpr RowField kRowFields[] = {
-    {OrderField::userId, tag::loginId},
+    {OrderField::loginId, tag::loginId},
     {OrderField::exchange, tag::exchange, InWords<kExchangeToDisplay>},
     {OrderField::tradingSymbol, tag::tradingSymbol},
     {OrderField::product, tag::product},
-    {OrderField::action, tag::side, InWords<kPlanToDisplay>},
+    {OrderField::side, tag::side, InWords<kPlanToDisplay>},
     {OrderField::orderType, tag::orderType, InWords<kMarketOrderTypeToDisplay>},
-    {OrderField::sipType, tag::investType},
+    {OrderField::investType, tag::investType},
     {OrderField::quantity, tag::amountOrQuantity, WhenQuantity},
     {OrderField::amount, tag::amountOrQuantity, RupeesWhenAmount},
     {OrderField::frequency, tag::frequency},
@@ -84,14 +84,14 @@ constexpr RowField kRowFields[] = {
     {OrderField::installmentsRegistered, tag::totalPeriod, WhenInstallments},
     {OrderField::nextExecutionDate, tag::nextExecutionDate},
     {OrderField::registrationNumber, tag::registrationNumber},
-    {OrderField::clientId, tag::account},
+    {OrderField::account, tag::account},
     {OrderField::accountName, tag::account, AccountName},
     {OrderField::sipStatus, tag::sipStatus},
-    {OrderField::requestIdentifier, tag::orderId},
+    {OrderField::orderId, tag::orderId},
     {OrderField::streamName, tag::streamName},
     {OrderField::registrationDate, tag::registrationDate},
     {OrderField::orderSource, tag::orderSource},
-    {OrderField::remarks, tag::userText},
+    {OrderField::userText, tag::userText},
     {OrderField::cancelledDate, tag::cancelledDate},
     {OrderField::cancelledBy, tag::cancelledBy},
     {OrderField::endDate, tag::endDate},
@@ -109,12 +109,12 @@ std::optional<std::string> AskAccountName(const Session& session, void* message)
 
 void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,
                   sOrderinfo& record) {
-    Reading reading{record.Text(OrderField::sipType), installments, accountName};
+    Reading reading{record.Text(OrderField::investType), installments, accountName};
     OrderChanges changes;
     for (const auto& [field, tag, conversion] : kRowFields) {
         const auto wire = FieldView(message, tag);
         if (!wire) continue;
-        if (field == OrderField::sipType) reading.sipType = *wire;
+        if (field == OrderField::investType) reading.investType = *wire;
         changes[field] = conversion(reading, *wire);
     }
     record.Apply(changes);

@@ -42,11 +42,11 @@ bool OrderEntry::FillIn(const SipOrderForm& order) {
     m_view.SetText(IDC_VALUE, order.value);
     m_view.SetText(IDC_PERIOD, order.totalPeriod);
     if (m_form.SearchesClients()) {
-        m_view.SetText(IDC_CLIENT_SEARCH, order.client);
-    } else if (!m_view.SelectText(IDC_CLIENT_COMBO, order.client)) {
+        m_view.SetText(IDC_CLIENT_SEARCH, order.account);
+    } else if (!m_view.SelectText(IDC_CLIENT_COMBO, order.account)) {
         // A typed one need not be in the list.
         m_view.Select(IDC_CLIENT_COMBO, -1);
-        m_view.SetText(IDC_CLIENT_COMBO, order.client);
+        m_view.SetText(IDC_CLIENT_COMBO, order.account);
     }
     return StillOpen(opening);
 }

@@ -1,7 +1,7 @@
 // The order entry form over a registration that is to be changed.
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Text.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 
@@ -34,7 +34,7 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
     Fix(IDC_ACTION, registration.action);
 
     std::string investType;
-    Convert(kInvestTypeToDisplay, registration.sipType, investType);
+    Convert(kInvestTypeToDisplay, registration.investType, investType);
     if (!m_view.SelectText(IDC_INVEST_BY, investType)) m_view.Select(IDC_INVEST_BY, 0);
     OnInvestTypeChanged();
     m_view.Enable(IDC_INVEST_BY, false);
@@ -45,7 +45,7 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
     if (!startDate) return;
     m_view.SetDate(IDC_START_DATE, *startDate);
     m_view.Enable(IDC_START_DATE, false);
-    FillClient(registration.client);
+    FillClient(registration.account);
     if (!StillOpen(opening)) return;
     m_modifying.emplace(registration, serverPeriods);
     m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));

@@ -1,6 +1,6 @@
 #include "plugin/orderentry/FormNames.h"
 
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
 #include "plugin/messaging/HostClients.h"
 #include "plugin/messaging/HostScrips.h"
 
@@ -8,7 +8,7 @@ namespace planfold {
 
 void FormNames::Ask(const SipOrderForm& form, std::string_view tradingSymbol) {
     AskCompany(form, tradingSymbol);
-    if (form.client != m_clientAsked) AskClient(form.client);
+    if (form.account != m_clientAsked) AskClient(form.account);
 }
 
 void FormNames::AskCompany(const SipOrderForm& form, std::string_view tradingSymbol) {

@@ -1,7 +1,7 @@
 // What the order entry form says of the order in it.
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 

@@ -1,6 +1,6 @@
 #include "plugin/orderentry/KeptOrders.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 #include "plugin/orderentry/SentModifications.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ std::string InShort(std::string_view text) {
 
 std::string Naming(const SipOrderForm& order) {
     std::string text;
-    for (const std::string* part : {&order.client, &order.symbol, &order.value})
+    for (const std::string* part : {&order.account, &order.symbol, &order.value})
         if (!part->empty()) text.append(text.empty() ? "" : " ").append(*part);
     return text;
 }
@@ -48,7 +48,7 @@ std::optional<SipOrderForm> KeptOrders::TakeAnswered(std::string_view client, st
     while (m_waiting.size() > 1 && now - m_waiting.front().at > kAnswerPatienceMs)
         m_waiting.erase(m_waiting.begin());
     const auto answered = std::ranges::find_if(
-        m_waiting, [&](const Waiting& waiting) { return client.empty() || waiting.order.client == client; });
+        m_waiting, [&](const Waiting& waiting) { return client.empty() || waiting.order.account == client; });
     if (answered == m_waiting.end()) return std::nullopt;
     SipOrderForm order = std::move(answered->order);
     m_waiting.erase(answered);

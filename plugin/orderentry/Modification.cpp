@@ -1,6 +1,6 @@
 #include "plugin/orderentry/Modification.h"
 
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/orderentry/PlannedDates.h"
 
 #include <algorithm>
@@ -33,10 +33,10 @@ struct NewsRow {
 // What the form shows, and does not change itself.
 constexpr NewsRow kNews[] = {
     {"Status", &SipRegistration::status},        {"Frequency", &SipRegistration::frequency},
-    {"Start Date", &SipRegistration::startDate}, {"Client", &SipRegistration::client},
+    {"Start Date", &SipRegistration::startDate}, {"Client", &SipRegistration::account},
     {"Symbol", &SipRegistration::tradingSymbol}, {"Exchange", &SipRegistration::exchange},
     {"Action", &SipRegistration::action},        {"Product Type", &SipRegistration::product},
-    {"Order Type", &SipRegistration::orderType}, {"Invest By", &SipRegistration::sipType},
+    {"Order Type", &SipRegistration::orderType}, {"Invest By", &SipRegistration::investType},
 };
 
 class NewsText {
@@ -63,7 +63,7 @@ std::int64_t Modification::Periods() const {
 }
 
 std::string Modification::Value() const {
-    return m_now.sipType == "qty" ? m_now.quantity : Paise(m_now.amount);
+    return m_now.investType == "qty" ? m_now.quantity : Paise(m_now.amount);
 }
 
 void Modification::Update(const SipRegistration& registration) {

@@ -1,9 +1,9 @@
 #include "plugin/orderentry/ModifyOrder.h"
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 namespace planfold {

@@ -20,11 +20,11 @@ struct SipRegistration {
     std::string installments;
     std::string tradingSymbol;
     std::string action;
-    std::string sipType; // "value" or "qty"
-    std::string amount;  // rupees
+    std::string investType; // "value" or "qty"
+    std::string amount;     // rupees
     std::string quantity;
     std::string startDate; // "05-Mar-2027"
-    std::string client;
+    std::string account;
     std::string nextExecutionDate;
     std::string endDate;
     std::string status;

@@ -1,7 +1,7 @@
 #include "plugin/orderentry/ModifyPlan.h"
 
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "plugin/orderentry/OperationMode.h"
 
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/messaging/Request.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"

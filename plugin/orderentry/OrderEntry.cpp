@@ -1,7 +1,7 @@
 #include "plugin/orderentry/OrderEntry.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
@@ -132,10 +132,10 @@ OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
 bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
     const int opening = m_openings;
     if (form.modifyMode) return ConfirmChanged(form);
-    const bool unknown = IsUnknownClient(m_session, form.client);
+    const bool unknown = IsUnknownClient(m_session, form.account);
     if (!unknown || !StillOpen(opening)) return StillOpen(opening);
     if (!MayAsk(form)) return false;
-    const bool yes = m_view.Ask(UnknownClientQuestion(form.client));
+    const bool yes = m_view.Ask(UnknownClientQuestion(form.account));
     if (!yes) focus = m_form.ClientControl();
     return yes && StillOpen(opening);
 }

@@ -1,8 +1,8 @@
 #include "plugin/orderentry/PlaceOrder.h"
 
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
-#include "plugin/messaging/Text.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
@@ -39,10 +39,10 @@ void LogOutcome(const AddSipOrder& add, Outcome outcome) {
         value = Format("%.2lf", static_cast<double>(LeadingInteger(value)) / 100);
     add.session.Log(Format(
         "%s %s SIP Order %s : Trigger Pending %s %s at %s %s %s for period : %s Months Client ID : %s by %s",
-        std::string(add.exchangeShown).c_str(), order.sideLabel.c_str(),
+        std::string(add.exchangeShown).c_str(), order.sideWord.c_str(),
         outcome == Outcome::sent ? ": Status" : "Failed Status", order.product.c_str(),
         order.tradingSymbol.c_str(), value.c_str(), order.validity.c_str(), order.frequency.c_str(),
-        order.totalPeriod.c_str(), order.client.c_str(), add.loginId.c_str()));
+        order.totalPeriod.c_str(), order.account.c_str(), add.loginId.c_str()));
 }
 
 template <std::string sSipOrderData::*member>
@@ -60,12 +60,12 @@ Value CautionaryFlag(AddSipOrder& add) {
     const auto ask = add.session.host.pu_invoke_caution_order_confirmation;
     if (!ask) return std::nullopt;
     const Session& session = add.session;
-    const CString client = session.String(add.order.client);
+    const CString client = session.String(add.order.account);
     const CString investType = session.String(add.order.investType);
     const CString product = session.String(add.order.product);
     const CString value = session.String(add.order.amountOrQuantity);
     const CString symbol = session.String(add.order.tradingSymbol);
-    const CString exchange = session.String(add.order.exchangeSegment);
+    const CString exchange = session.String(add.order.exchange);
     switch (ask(&client, &investType, &product, &value, &symbol, &exchange)) {
     case 0:
         return "N";
@@ -107,7 +107,7 @@ constexpr auto Join(const Field (&... parts)[counts]) {
 constexpr Field kOrderFields[] = {
     {tag::requestName, [](AddSipOrder&) -> Value { return "add_sip_orders"; },
      "Failed to add the request add_sip_orders"},
-    {tag::exchange, Of<&Order::exchangeSegment>, "Failed to add the Exchange segment"},
+    {tag::exchange, Of<&Order::exchange>, "Failed to add the Exchange segment"},
     {tag::token, Of<&Order::token>, "Failed to add the Token",
      [](AddSipOrder& add) {
          if (!add.place) LogOutcome(add, Outcome::failed);
@@ -123,7 +123,7 @@ constexpr Field kOrderFields[] = {
     {tag::totalPeriod, Of<&Order::totalPeriod>, "Failed to add the Total Period"},
     {tag::loginId, [](AddSipOrder& add) -> Value { return add.loginId; }, "Failed to add User"},
     {tag::customerFirm, Of<&Order::customerFirm>, "Failed to add customer Firm Id"},
-    {tag::account, Of<&Order::client>, "Failed to add Account ID"},
+    {tag::account, Of<&Order::account>, "Failed to add Account ID"},
     {tag::validity, Of<&Order::validity>, "Failed to specify the day"},
     {tag::peerIdA, [](AddSipOrder& add) -> Value { return add.peerIdA; }, "Failed to add Broker Name"},
     {tag::peerIdB, [](AddSipOrder& add) -> Value { return add.peerIdB; }, "Failed to add Branch Name"},

@@ -1,8 +1,8 @@
 #include "plugin/orderentry/PlannedDates.h"
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 #include <chrono>

@@ -2,7 +2,7 @@
 // trading and decides.
 #pragma once
 
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 #include "sdk/HostRecords.h"
 
 #include <cstdint>

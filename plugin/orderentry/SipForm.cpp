@@ -1,7 +1,7 @@
 #include "plugin/orderentry/SipForm.h"
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Rights.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -101,7 +101,7 @@ SipOrderForm SipForm::Read(int valueControl) const {
         {IDC_ORDER_TYPE, &SipOrderForm::orderType}, {IDC_PRODUCT, &SipOrderForm::product},
         {IDC_FREQUENCY, &SipOrderForm::frequency},  {IDC_INVEST_BY, &SipOrderForm::investType},
         {valueControl, &SipOrderForm::value},       {IDC_PERIOD, &SipOrderForm::totalPeriod},
-        {ClientControl(), &SipOrderForm::client},
+        {ClientControl(), &SipOrderForm::account},
     };
     SipOrderForm form;
     for (const auto& [control, member] : rows)

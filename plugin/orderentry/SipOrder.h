@@ -1,8 +1,8 @@
 // One SIP order on its way from the form to the server.
 #pragma once
 
+#include "plugin/base/Dates.h"
 #include "plugin/controls/DialogView.h"
-#include "plugin/messaging/Dates.h"
 
 #include <optional>
 #include <string>
@@ -21,7 +21,7 @@ struct SipOrderForm {
     std::string investType; // "Amount" or "Quantity"
     std::string value;      // rupees or shares, as typed
     std::string totalPeriod;
-    std::string client;
+    std::string account;
     LocalDateTime startDate;
     bool modifyMode = false;
 
@@ -38,13 +38,13 @@ struct sSipOrderData {
     std::string startDate; // seconds since 1 January 1970, decimal
     std::string customerFirm;
     std::string validity;
-    std::string investType;      // "value" or "qty"
-    std::string exchangeSegment; // "nse_cm"
-    std::string side;            // "B" or "S"
+    std::string investType; // "value" or "qty"
+    std::string exchange;   // "nse_cm"
+    std::string side;       // "B" or "S"
     std::string token;
     std::string tradingSymbol;
-    std::string client;
-    std::string sideLabel; // "BUY" or "SELL", for log lines
+    std::string account;
+    std::string sideWord; // "BUY" or "SELL", for log lines
 };
 
 // Why an order is refused, and to which edit the user is led back.

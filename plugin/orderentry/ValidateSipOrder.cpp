@@ -1,7 +1,7 @@
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/messaging/HostScrips.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "plugin/resources/resource.h"
 
@@ -33,17 +33,16 @@ void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& r
     record.tradingSymbol = symbol.View();
     const std::string_view pair = exchangeAndToken.View();
     const std::size_t bar = pair.find('|');
-    record.exchangeSegment = pair.substr(0, bar);
+    record.exchange = pair.substr(0, bar);
     if (bar != pair.npos) record.token = pair.substr(bar + 1);
 }
 
 void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrderData& record) {
-    Convert(kExchangeToServer, form.exchange, record.exchangeSegment);
-    record.tradingSymbol = AskTradingSymbol(session, record.exchangeSegment, form.series, form.symbol);
-    session.Log(
-        Format("SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
-               record.exchangeSegment.c_str(), form.series.c_str(), form.symbol.c_str(),
-               record.tradingSymbol.c_str()));
+    Convert(kExchangeToServer, form.exchange, record.exchange);
+    record.tradingSymbol = AskTradingSymbol(session, record.exchange, form.series, form.symbol);
+    session.Log(Format(
+        "SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
+        record.exchange.c_str(), form.series.c_str(), form.symbol.c_str(), record.tradingSymbol.c_str()));
     const auto details = AskScripDetails(session, form.exchange, record.tradingSymbol);
     record.token = details ? TextOf(details->token) : std::string_view();
     session.Log(Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
@@ -121,9 +120,9 @@ std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialo
     else
         ScripFromMaster(session, form, record);
     if (texts.noToken && record.token.empty()) return Refusal{texts.noToken};
-    if (texts.noClient && form.client.empty()) return Refusal{texts.noClient};
+    if (texts.noClient && form.account.empty()) return Refusal{texts.noClient};
     Convert(kPlanToServer, form.action, record.side);
-    Convert(kPlanToSideLabel, form.action, record.sideLabel);
+    Convert(kPlanToSideLabel, form.action, record.sideWord);
     Convert(kOrderTypeToServer, form.orderType, record.orderType);
     record.product = form.product;
     record.frequency = form.frequency;
@@ -135,7 +134,7 @@ std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialo
     if (auto refusal = CheckPeriod(session, form)) return refusal;
     record.customerFirm = "C";
     record.validity = "DAY";
-    record.client = form.client;
+    record.account = form.account;
 
     Convert(kInvestTypeToServer, form.investType, record.investType);
     record.amountOrQuantity = form.value;

@@ -71,8 +71,8 @@ TEST_F(AnswerTest, AnswersGoByNameAndErrorsToTheLog) {
     for (const Row& row : rows) {
         Fields fields{{5, {"x"}}};
         const std::string name = row.name ? row.name : "";
-        if (row.name) fields.push_back({32767, {name}});
-        if (row.error) fields.push_back({32766, {"17"}});
+        if (row.name) fields.push_back({tag::echoedRequest, {name}});
+        if (row.error) fields.push_back({tag::errorCode, {"17"}});
         const Received answer(fields);
         Window window;
         host.log.clear();
@@ -92,18 +92,18 @@ TEST_F(AnswerTest, OperationModeAnswersOfEveryShape) {
     };
     const Texts defaults{"daily", "weekly", "monthly"};
     const Row rows[] = {
-        {{{10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}}, true, {"monthly", "yearly"}, 1, 6},
-        {{{10012, {"daily", "monthly"}}}, true, {"daily", "monthly"}, 1, 99}, // no minimum: the old one stays
-        {{{10012, {"hourly", "monthly"}}, {54101, {"3", "4.5"}}}, true, {"hourly", "monthly"}, 1, 4.5},
-        {{{10012, {"0"}}}, true, defaults, 0, 99},
-        {{{10012, {"monthly", "0", "yearly"}}, {54101, {"6", "1", "2"}}},
+        {"frequency=monthly,yearly minimumPeriods=6,2", true, {"monthly", "yearly"}, 1, 6},
+        {"frequency=daily,monthly", true, {"daily", "monthly"}, 1, 99}, // no minimum: the old one stays
+        {"frequency=hourly,monthly minimumPeriods=3,4.5", true, {"hourly", "monthly"}, 1, 4.5},
+        {"frequency=0", true, defaults, 0, 99},
+        {"frequency=monthly,0,yearly minimumPeriods=6,1,2",
          true,
          {"monthly", "daily", "weekly", "monthly"},
          0,
          6},
-        {{{32766, {"5"}}}, true, defaults, 0, 99},
-        {{{32766, {"5"}}, {10012, {"monthly"}}}, true, {"monthly"}, 1, 99},
-        {{{20008, {"text"}}}, false, {}, 7, 99},
+        {"errorCode=5", true, defaults, 0, 99},
+        {"errorCode=5 frequency=monthly", true, {"monthly"}, 1, 99},
+        {"userText=text", false, {}, 7, 99},
     };
     for (const Row& row : rows) {
         session.m_nSipOperationMode = 7;
@@ -125,20 +125,20 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
         const char* lacks;
         Texts lines;
     };
-    const std::string s = "54211=PLANFOLD 64804=-";
+    const std::string s = "streamName=PLANFOLD registrationNumber=-";
     const char *overview = "pu_get_client_overview_status", *accounts = "pu_get_all_mappedAccount_ids";
     const Row rows[] = {
-        {4, 1, "", {s + " 54001=C1", s + " 54001=C2"}},
-        {4, 0, "", {s + " 31003=DEALER1"}},
-        {4, 1, accounts, {s + " 31003=DEALER1"}},
-        {4, 1, overview, {s + " 31003=DEALER1"}},
-        {0, 1, "", {s + " 64056=-"}},
-        {1, 1, "", {s + " 64056=BROKER"}},
-        {2, 0, "", {s + " 64053=BRANCH"}},
-        {99, 0, "", {s + " 31003=DEALER1"}},
-        {3, 1, "", {s + " 54001=C1", s + " 54001=C2"}},
-        {3, 0, "", {s + " 31003=DEALER1 54001=C1", s + " 31003=DEALER1 54001=C2"}},
-        {3, 0, accounts, {s + " 31003=DEALER1"}},
+        {4, 1, "", {s + " account=C1", s + " account=C2"}},
+        {4, 0, "", {s + " loginId=DEALER1"}},
+        {4, 1, accounts, {s + " loginId=DEALER1"}},
+        {4, 1, overview, {s + " loginId=DEALER1"}},
+        {0, 1, "", {s + " peerIdA=-"}},
+        {1, 1, "", {s + " peerIdA=BROKER"}},
+        {2, 0, "", {s + " peerIdB=BRANCH"}},
+        {99, 0, "", {s + " loginId=DEALER1"}},
+        {3, 1, "", {s + " account=C1", s + " account=C2"}},
+        {3, 0, "", {s + " loginId=DEALER1 account=C1", s + " loginId=DEALER1 account=C2"}},
+        {3, 0, accounts, {s + " loginId=DEALER1"}},
     };
     host.accounts = {"C1", "C2"};
     for (const Row& row : rows) {
@@ -152,7 +152,7 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
     }
     EXPECT_EQ(notices.shown, Texts{});
     SubscribeIdentity(session, &control, notices);
-    EXPECT_EQ(host.subscriptions.back(), "31003=DEALER1 64804=-");
+    EXPECT_EQ(host.subscriptions.back(), "loginId=DEALER1 registrationNumber=-");
     EXPECT_EQ(host.misuses, Texts{});
 }
 

@@ -2,8 +2,8 @@
 // that are collected over a drop-down list.
 
 #include "plugin/controls/AutoComplete.h"
+#include "plugin/base/Text.h"
 #include "plugin/controls/TypeAhead.h"
-#include "plugin/messaging/Text.h"
 #include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>

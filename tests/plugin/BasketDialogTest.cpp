@@ -21,10 +21,10 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
     EXPECT_TRUE(view.controls[IDC_BASKET_QUANTITY].digitsOnly && !view.controls[IDC_VALUE].digitsOnly);
-    EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode");
+    EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode");
     EXPECT_EQ(std::ranges::count(host.calls, "register_hotkey(SIP Basket Entry,193,Delete,Basket Delete,del)"),
               1);
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}});
+    Answer("echoedRequest=get_sip_operation_mode frequency=monthly,yearly minimumPeriods=6,2");
     EXPECT_EQ(view.Items(IDC_FREQUENCY), (Texts{"monthly", "yearly"}));
     EXPECT_EQ(view.Text(IDC_PERIOD_LABEL), "SIP Periods");
     EXPECT_EQ(session.m_dMinSipMonthly, 6.0);
@@ -90,7 +90,7 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     view.SetText(IDC_BASKET_QUANTITY, "7");
     view.Select(IDC_ACTION, 1);
     Add("C3");
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C2 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C2 C1");
     EXPECT_EQ(Rows(BasketField::amount), " 50 150000");
     EXPECT_EQ(Rows(BasketField::quantity), "7  ");
     EXPECT_EQ(Rows(BasketField::sideWord), "SELL BUY BUY");
@@ -119,11 +119,11 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     // Another row was selected since: it is not replaced without a question.
     basket.Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[0]};
-    const std::string before = Rows(BasketField::clientId) + Serials();
+    const std::string before = Rows(BasketField::account) + Serials();
     view.yes = false;
     basket.AddOrModify();
     EXPECT_EQ(Taken(view.questions).size(), 1u);
-    EXPECT_EQ(Rows(BasketField::clientId) + Serials(), before);
+    EXPECT_EQ(Rows(BasketField::account) + Serials(), before);
     EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.yes = true;
 
@@ -131,12 +131,12 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     basket.Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[1]};
     basket.Delete();
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
     view.list.selected = {view.list.rows[1]};
     basket.AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 
     // What the form cannot show is told, and the button adds, also when it modified before.
     basket.Activate(view.list.rows[1]);
@@ -250,7 +250,7 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
     view.list.selected = {view.list.rows[0]};
     basket.AddOrModify();
     Add("C3");
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1 C1");
     basket.SaveRejected();
     EXPECT_EQ(view.files["basket.csv"], Line("C2", "9") + "x\n");
 
@@ -260,7 +260,7 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
     basket.Initialise({});
     basket.ActivateRejected(0);
     EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
-    Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+    Answer("echoedRequest=get_sip_operation_mode errorCode=5");
     EXPECT_EQ(view.Text(IDC_FREQUENCY), "monthly");
 }
 
@@ -268,7 +268,7 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Open();
     Add("OLD");
     Load(Line("C1") + Line("C2", "9") + "x\n" + Line("C3"));
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
     EXPECT_EQ(Serials(), "3 2 ") << "numbers go on";
     ASSERT_EQ(basket.Rejected().size(), 2u);
     EXPECT_EQ(basket.Rejected()[0].report,
@@ -297,7 +297,7 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
                                        "text and load it again."});
     view.path.reset();
     basket.Load();
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 
     // Midnight passes while the dealer looks for the file: tomorrow has become today.
     view.path = "basket.csv";
@@ -319,7 +319,7 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     Taken(view.boxes);
 
     // Frequencies that the server does not list are told at once, each line.
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"yearly"}}, {54101, {"2"}}});
+    Answer("echoedRequest=get_sip_operation_mode frequency=yearly minimumPeriods=2");
     view.controls[IDC_FREQUENCY].items = {"yearly"};
     Load(Line("C1") + Line("C2"));
     EXPECT_EQ(Taken(view.boxes), Texts{"monthly Frequency not set\nmonthly Frequency not set"});
@@ -338,29 +338,29 @@ TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {
         Fields answer;
         const char* remarks;
     };
-    const Fields::value_type name{32767, {"add_sip_orders"}};
+    const std::string name = "echoedRequest=add_sip_orders ";
     const Row rows[] = {
-        {{name, {32760, {"1"}}, {20008, {"registered"}}}, "NA registered"},
-        {{name, {32760, {"2"}}}, " registered"},
-        {{name, {32760, {"3"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"0"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"-1"}}, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"99999999999"}}, {20008, {"x"}}}, " registered"},
-        {{name, {20008, {"x"}}}, " registered"},
-        {{name, {32760, {"2"}}, {20008, {"x"}}, {32766, {"17"}}}, " registered"},
+        {name + "echoedNumber=1 userText=registered", "NA registered"},
+        {name + "echoedNumber=2", " registered"},
+        {name + "echoedNumber=3 userText=x", " registered"},
+        {name + "echoedNumber=0 userText=x", " registered"},
+        {name + "echoedNumber=-1 userText=x", " registered"},
+        {name + "echoedNumber=99999999999 userText=x", " registered"},
+        {name + "userText=x", " registered"},
+        {name + "echoedNumber=2 userText=x errorCode=17", " registered"},
     };
     host.log.clear();
     for (const Row& row : rows) {
         Answer(row.answer);
-        EXPECT_EQ(Rows(BasketField::remarks), row.remarks);
+        EXPECT_EQ(Rows(BasketField::userText), row.remarks);
     }
     EXPECT_EQ(host.log, Texts{"Error in response : add_sip_orders . Error Code : 17"});
     // The number of a row that has gone belongs to nobody.
     view.list.selected = {view.list.rows[0]};
     basket.Delete();
     Add("C9");
-    Answer({name, {32760, {"2"}}, {20008, {"late"}}});
-    EXPECT_EQ(Rows(BasketField::remarks), "NA registered");
+    Answer(name + "echoedNumber=2 userText=late");
+    EXPECT_EQ(Rows(BasketField::userText), "NA registered");
 }
 
 TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
@@ -379,7 +379,7 @@ TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
     };
     EXPECT_EQ(view.files["basket.csv"], exported("C2") + exported("C1"));
     basket.Load();
-    EXPECT_EQ(Rows(BasketField::clientId), "C1 C2");
+    EXPECT_EQ(Rows(BasketField::account), "C1 C2");
     view.writable = false;
     basket.Export();
     EXPECT_EQ(view.boxes, Texts{" Basket File Write Error: File Open Error"});

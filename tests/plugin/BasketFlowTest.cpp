@@ -123,7 +123,7 @@ protected:
         return sent;
     }
     std::string Remarks(RecordId record) const {
-        return std::string(basket.Rows()[record].Text(Field::remarks));
+        return std::string(basket.Rows()[record].Text(Field::userText));
     }
     std::string RegisteredAs(std::size_t index) const {
         return "SIP registered. Registration No : " + std::string(server.Registrations()[index].Number());

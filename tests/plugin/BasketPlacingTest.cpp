@@ -71,17 +71,15 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,1)",
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,2)",
                      "pu_get_cautionary_bskt_confirm_state(ARBORTEX-EQ,nse_cm,3)"}));
-    const std::string start = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ARBORTEX-EQ 12003=B 12008=MKT "
-                              "64030=CNC ";
-    const std::string middle = " 10012=monthly 49165=" + std::to_string(ToSeconds({2027, 3, 5}))
-                               + " 63415=12 31003=DEALER1 54056=C 54001=";
-    const std::string end = " 12005=DAY 64056=BROKER 64053=BRANCH 63715=1 32760=";
-    EXPECT_EQ(
-        host.requests,
-        (Texts{start + "54152=qty 53063=7" + middle + "C4" + end + "4 54158=UUID-1 64756=TWS 61117=1",
-               start + "54152=value 53063=150000" + middle + "C3" + end
-                   + "3 54158=UUID-1 53405=Y 64756=TWS 61117=1",
-               start + "54152=value 53063=150000" + middle + "C1" + end + "1 54158=UUID-1 64756=TWS 61117=1"}))
+    const auto order = [](const std::string& changes, const char* end) {
+        const std::string start =
+            "startDate=" + std::to_string(ToSeconds({2027, 3, 5})) + " amountOrQuantity=150000 ";
+        return TextOf(Order(start + changes)) + " operationMode=1 echoedNumber=" + end
+               + " orderSource=TWS location=1";
+    };
+    EXPECT_EQ(host.requests, (Texts{order("account=C4 investType=qty amountOrQuantity=7", "4 orderId=UUID-1"),
+                                    order("account=C3", "3 orderId=UUID-1 cautionaryFlag=Y"),
+                                    order("account=C1", "1 orderId=UUID-1")}))
         << "the row in state 0 is left out without a word";
     EXPECT_EQ(host.log.back(),
               "NSE BUY SIP Order : Status : Trigger Pending CNC ARBORTEX-EQ at 1500.00 DAY monthly "
@@ -104,23 +102,8 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
         Load(Line("C1"));
         host.cautionOfRow = {{0, 1}};
         basket.Place();
-        EXPECT_NE(host.LastRequest().find(" 53405=N "), std::string::npos) << answer;
+        EXPECT_NE(host.LastRequest().find(" cautionaryFlag=N "), std::string::npos) << answer;
     }
-}
-
-TEST_F(BasketPlacingTest, AChangedRowIsAnotherOrder) {
-    Open();
-    view.controls[IDC_FREQUENCY].items = {"monthly"};
-    Load(Line("C1") + Line("C2"));
-    basket.Place();
-    EXPECT_EQ(basket.Status()[3], "Sent: 2");
-    const RecordId changed = view.list.rows[0];
-    basket.Activate(changed);
-    view.list.selected = {changed};
-    view.SetText(IDC_VALUE, "60");
-    basket.AddOrModify();
-    EXPECT_EQ(basket.Status()[3], "Sent: 1");
-    EXPECT_FALSE(basket.Rows().IsSent(changed));
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
@@ -270,11 +253,11 @@ TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
     Load(Lines(2));
     EXPECT_EQ(Taken(view.questions),
               Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?"});
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     Add("NOBODY");
     EXPECT_EQ(Taken(view.questions),
               Texts{"The terminal knows no client NOBODY.\nTake the order into the basket all the same?"});
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     view.yes = true;
     Add("NOBODY");
     view.yes = false;
@@ -309,13 +292,13 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
         Add("NOBODY", amount);
         view.SetText(IDC_VALUE, "1500");
         EXPECT_EQ(boxGoes(), *amount == '2' ? Texts{} : Texts{take}) << "what is no longer shown is not taken";
-        EXPECT_EQ(Rows(BasketField::clientId), *amount == '2' ? "" : "NOBODY");
+        EXPECT_EQ(Rows(BasketField::account), *amount == '2' ? "" : "NOBODY");
     }
     view.otherBox = true;
     Load(Lines(40));
     basket.Place();
     basket.Place();
-    EXPECT_EQ(Rows(BasketField::clientId), "NOBODY");
+    EXPECT_EQ(Rows(BasketField::account), "NOBODY");
     view.clockStep = 20;
     EXPECT_EQ(boxGoes(), (Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?",
                                 "Are you sure to place these Basket Orders?"}));
@@ -331,7 +314,7 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
     EXPECT_EQ(boxGoes(),
               Texts{"Placing was stopped: 2 of 40 orders were sent.\nRemove these 2 from the basket?"});
     EXPECT_EQ(view.list.rows.size(), 39u);
-    EXPECT_EQ(Rows(BasketField::clientId).substr(0, 7), "C50 C38");
+    EXPECT_EQ(Rows(BasketField::account).substr(0, 7), "C50 C38");
     view.otherBox = true;
     basket.Place();
     basket.OnClosed();
@@ -365,7 +348,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
     Open();
     host.duringLog = openAnew;
     Load(Line("C1") + "x\n" + Lines(9));
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
     EXPECT_EQ(view.waiting + view.list.changes, 0);
 
     // The row that is just being sent counts as sent.
@@ -376,7 +359,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
         Taken(view.boxes);
         Taken(view.questions);
         basket.Place();
-        EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
+        EXPECT_EQ(Rows(BasketField::account), "C2 C1");
         EXPECT_EQ(basket.Rows().SentCount() + view.boxes.size(), sent);
         view.yes = false;
         view.choice = Choice::cancel;
@@ -390,7 +373,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     Open();
     host.duringScripLookUp = [&] { Add("C1"); };
     Add("C1");
-    EXPECT_EQ(Rows(BasketField::clientId), "C1");
+    EXPECT_EQ(Rows(BasketField::account), "C1");
 
     Add("C2", "20");
     view.list.selected = {view.list.rows[1]};
@@ -399,7 +382,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), "C1 1500.00");
     host.duringScripLookUp = [&] { basket.AddOrModify(); };
     basket.AddOrModify();
-    EXPECT_EQ(Rows(BasketField::clientId), "C2 C1") << "a second press does not add what the first modifies";
+    EXPECT_EQ(Rows(BasketField::account), "C2 C1") << "a second press does not add what the first modifies";
 
     // The rows that a stopped placing offers to remove cannot go under the box before.
     host.refuses = true;
@@ -411,7 +394,7 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
         basket.Delete();
     };
     basket.Place();
-    EXPECT_EQ(Rows(BasketField::clientId), "C3 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 }
 
 } // namespace

@@ -18,7 +18,7 @@ protected:
     }
     void Open(std::string_view customProducts = {}) {
         basket.Initialise(customProducts);
-        Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+        Answer("echoedRequest=get_sip_operation_mode errorCode=5");
         host.requests.clear();
         host.calls.clear();
     }
@@ -52,7 +52,7 @@ protected:
     std::string Sent() {
         std::string text;
         for (const std::string& request : host.requests) {
-            const std::size_t at = request.find(" 54001=") + 7;
+            const std::size_t at = request.find(" account=") + 9;
             text.append(text.empty() ? "" : " ").append(request, at, request.find(' ', at) - at);
         }
         host.requests.clear();

@@ -1,6 +1,6 @@
 // Basket files: what becomes of each line, what is told about it, and that what is written loads again.
+#include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Dates.h"
 
 #include <gtest/gtest.h>
 
@@ -291,11 +291,11 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{7, "150000.6"}}, Field::amount, "150001"},
         {{{7, "  1.5e5x"}}, Field::amount, "150000"},
         {{{7, "0012"}}, Field::amount, "12"},
-        {{}, Field::remarks, "NA"},
-        {{{0, "CL 7 "}}, Field::clientId, "CL 7 "},
+        {{}, Field::userText, "NA"},
+        {{{0, "CL 7 "}}, Field::account, "CL 7 "},
         {{{0, "\xEF\xBB\xBF"
               "CL7"}},
-         Field::clientId,
+         Field::account,
          "CL7"},
     };
     for (const auto& each : cases) {
@@ -358,7 +358,7 @@ TEST(BasketLoad, TakesBackWhatIsExportedInReverse) {
     const Recorder second(exported, kMonths);
     EXPECT_EQ(second.told, Texts{});
     const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
-    EXPECT_EQ(marked.rows[0].Text(Field::clientId), "\xEF\xBB\xBF");
+    EXPECT_EQ(marked.rows[0].Text(Field::account), "\xEF\xBB\xBF");
     for (const sBasketOrderData& row : second.rows)
         again += Exported(row);
     EXPECT_EQ(again, exported);

@@ -75,13 +75,13 @@ TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
         "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them into "
         "the basket again.\nNo: save them to a file of their own.\nCancel: ask again next time."};
     EXPECT_EQ(Taken(view.questions), offer);
-    EXPECT_EQ(view.unsent.text + Rows(BasketField::clientId), lines);
+    EXPECT_EQ(view.unsent.text + Rows(BasketField::account), lines);
     basket.OnClosed();
     Open();
     view.choice = Choice::yes;
     basket.OfferUnsent();
     EXPECT_EQ(Taken(view.questions), offer);
-    EXPECT_EQ(Rows(BasketField::clientId), "C2 C1");
+    EXPECT_EQ(Rows(BasketField::account), "C2 C1");
     EXPECT_EQ(Kept(), "C1 C2");
     EXPECT_EQ(basket.Status()[3], "");
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
@@ -107,7 +107,7 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
         view.unsent.writable = row.writable;
         view.choice = row.choice;
         another.Initialise({});
-        Answer({{32767, {"get_sip_operation_mode"}}, {32766, {"5"}}});
+        Answer("echoedRequest=get_sip_operation_mode errorCode=5");
         another.OfferUnsent();
         Fill("C9");
         view.SelectText(IDC_FREQUENCY, "monthly");

@@ -12,11 +12,8 @@ namespace {
 class BookActionsTest : public ::testing::Test, protected Stage {
 protected:
     void Row(const std::string& number, const char* status = "active") {
-        const Received received({{64804, {number}},
-                                 {10303, {status}},
-                                 {54001, {"C" + number}},
-                                 {54152, {"value"}},
-                                 {53063, {"12345"}}});
+        const Received received("registrationNumber=" + number + " sipStatus=" + status + " account=C" + number
+                                + " investType=value amountOrQuantity=12345");
         book.OnBroadcast(received.Message());
     }
     void Select(const Texts& numbers) {
@@ -25,7 +22,7 @@ protected:
             view.registered.selected.push_back(book.Records().Find(number));
     }
     void Answer(const char* request, Fields fields) {
-        fields.push_back({32767, {request}});
+        fields.push_back({tag::echoedRequest, {request}});
         const Received received(fields);
         book.OnResponse(received.Message());
     }
@@ -37,8 +34,8 @@ protected:
 };
 
 std::string CancelRequest(const std::string& number, const char* reason, const char* source = " ") {
-    return "0=cancel_sip_order 64804=" + number + " 32760=" + number + " 54158=UUID-1 20008=" + reason
-           + " 49281=DEALER1 64756=" + source;
+    return "cancel_sip_order registrationNumber=" + number + " echoedNumber=" + number
+           + " orderId=UUID-1 userText=" + reason + " cancelledBy=DEALER1 orderSource=" + source;
 }
 
 TEST_F(BookActionsTest, CancelAsksOnceAndSendsEveryRowWithTheSameReason) {
@@ -67,13 +64,13 @@ TEST_F(BookActionsTest, CancelAsksOnceAndSendsEveryRowWithTheSameReason) {
     view.reason.clear();
     host.uuid.clear(); // the host gives no identifier: the field is left out
     actions.Cancel();
-    EXPECT_EQ(Taken(host.requests),
-              Texts{"0=cancel_sip_order 64804=SIP1 32760=SIP1 20008=  49281=DEALER1 64756= "});
+    EXPECT_EQ(Taken(host.requests), Texts{"cancel_sip_order registrationNumber=SIP1 echoedNumber=SIP1 "
+                                          "userText=  cancelledBy=DEALER1 orderSource= "});
 }
 
 TEST_F(BookActionsTest, ACancellationKeepsTheOrdersSource) {
     Row("SIP1");
-    const Received streamed({{64804, {"SIP1"}}, {64756, {"MOBILE"}}});
+    const Received streamed("registrationNumber=SIP1 orderSource=MOBILE");
     book.OnBroadcast(streamed.Message());
     Select({"SIP1"});
     view.reason = "r";
@@ -198,33 +195,33 @@ TEST_F(BookActionsTest, StatusRefusesPauseResumeAndModify) {
     Row("SIP2", "Paused");
     Select({"SIP2"});
     actions.Resume();
-    EXPECT_EQ(host.LastRequest(), "0=resume_sip_order 64804=SIP2");
+    EXPECT_EQ(host.LastRequest(), "resume_sip_order registrationNumber=SIP2");
 }
 
 TEST_F(BookActionsTest, AnswersRemoveSelectedRowsAndShowTexts) {
     for (const char* number : {"SIP1", "SIP2", "SIP3"})
         Row(number);
     Select({"SIP1", "SIP3"});
-    Answer("cancel_sip_order", {{20008, {"done"}}});
-    Answer("cancel_sip_order", {{32760, {"SIP2"}}}); // not selected
-    Answer("cancel_sip_order", {{32760, {"SIP9"}}});
+    Answer("cancel_sip_order", "userText=done");
+    Answer("cancel_sip_order", "echoedNumber=SIP2"); // not selected
+    Answer("cancel_sip_order", "echoedNumber=SIP9");
     EXPECT_EQ(view.registered.rows.size(), 3u);
-    Answer("cancel_sip_order", {{32760, {"SIP1"}}});
+    Answer("cancel_sip_order", "echoedNumber=SIP1");
     EXPECT_EQ(Numbers(book, view.registered), "SIP3 SIP2");
     EXPECT_EQ(view.registered.selected.size(), 1u);
     EXPECT_EQ(Taken(view.boxes), Texts{"SIP1 Order Cancelled "});
     EXPECT_EQ(Taken(host.log), Texts{"SIP1 Order Cancelled "});
     EXPECT_EQ(book.Records().Size(), 3u) << "the record stays";
     // An error is logged, and the handling runs all the same.
-    Answer("cancel_sip_order", {{32766, {"5"}}, {32760, {"SIP3"}}});
+    Answer("cancel_sip_order", "errorCode=5 echoedNumber=SIP3");
     EXPECT_EQ(Numbers(book, view.registered), "SIP2");
     EXPECT_EQ(Taken(host.log),
               (Texts{"Error in response : cancel_sip_order . Error Code : 5", "SIP3 Order Cancelled "}));
     view.boxes.clear();
     for (const char* request : {"pause_sip_order", "resume_sip_order", "add_sip_orders"}) {
         Answer(request, {});
-        Answer(request, {{20008, {request}}});
-        Answer(request, {{32766, {"5"}}, {20008, {"refused"}}});
+        Answer(request, {{tag::userText, {request}}});
+        Answer(request, "errorCode=5 userText=refused");
         EXPECT_EQ(Taken(view.boxes), (Texts{request, "refused"}));
     }
     EXPECT_EQ(host.log.size(), 3u);
@@ -271,10 +268,11 @@ TEST_F(BookActionsTest, SeveralRowsArePausedAfterOneQuestionAndSummedUpOnce) {
     EXPECT_EQ(
         Taken(view.questions),
         Texts{"2 of 3 selected registrations will be paused: 2 clients, amount 246.90 per run.\nProceed?"});
-    EXPECT_EQ(host.requests, (Texts{"0=pause_sip_order 64804=SIP1", "0=pause_sip_order 64804=SIP2"}));
-    Answer("pause_sip_order", {{20008, {"paused"}}});
+    EXPECT_EQ(host.requests,
+              (Texts{"pause_sip_order registrationNumber=SIP1", "pause_sip_order registrationNumber=SIP2"}));
+    Answer("pause_sip_order", "userText=paused");
     EXPECT_EQ(view.boxes, Texts{});
-    Answer("pause_sip_order", {{32766, {"5"}}});
+    Answer("pause_sip_order", "errorCode=5");
     EXPECT_EQ(Taken(view.boxes),
               Texts{"Pause: 2 of 2 requests were sent.\nThe server confirmed 1 and refused 1 (see the log)."});
     Select({"SIP1"});

@@ -15,39 +15,21 @@ public:
     Terminal(vesk::Server& server, const vesk::UserIdentity& user)
         : m_user(user), m_hub(server, user), m_control(m_hub.Get(kRxRequests, this)) {}
 
-    void Send(const std::vector<std::pair<std::uint32_t, std::string>>& fields) {
-        qmx::MessageWriter writer;
-        for (const auto& [tag, text] : fields)
-            writer.Add(tag, text);
-        const std::string bytes = writer.Finish();
-        const qmx::MessageReader reader(bytes);
+    void Send(const Fields& fields) {
+        const Received request(fields);
         std::uint64_t number = 0;
         QmxError error{};
-        m_control->SendRequest(&number, reader.Handle(), 0, &error);
+        m_control->SendRequest(&number, request.Message(), 0, &error);
         m_hub.Pump(m_now += 1000);
     }
     // The number of the order.
     std::string Place(const vesk::Server& server, const char* account) {
-        Send({{0, "add_sip_orders"},
-              {63001, "nse_cm"},
-              {10100, "1013"},
-              {63100, "ARBORTEX-EQ"},
-              {12003, "B"},
-              {12008, "MKT"},
-              {64030, "CNC"},
-              {54152, "value"},
-              {53063, "123450"},
-              {10012, "monthly"},
-              {49165, std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay)},
-              {63415, "12"},
-              {31003, m_user.loginId},
-              {54056, "C"},
-              {54001, account},
-              {12005, "DAY"},
-              {64056, m_user.peerIdA},
-              {64053, m_user.peerIdB},
-              {54158, "id" + std::to_string(++m_orders) + m_user.loginId},
-              {64756, "TWS"}});
+        Fields order = Order("startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay)
+                             + " loginId=" + m_user.loginId + " account=" + account
+                             + " peerIdA=" + m_user.peerIdA + " peerIdB=" + m_user.peerIdB);
+        order.push_back({tag::orderId, {"id" + std::to_string(++m_orders) + m_user.loginId}});
+        order.push_back({tag::orderSource, {"TWS"}});
+        Send(order);
         return std::string(server.Registrations().back().Number());
     }
 
@@ -99,7 +81,7 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
     EXPECT_EQ(Lists(), theirs + " " + after + " " + before + "|");
     const std::pair<OrderField, const char*> cells[] = {
         {OrderField::exchange, "NSE"},
-        {OrderField::action, "SIP"},
+        {OrderField::side, "SIP"},
         {OrderField::orderType, "MARKET"},
         {OrderField::amount, "1234.50"},
         {OrderField::quantity, ""},
@@ -107,24 +89,28 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
         {OrderField::installmentsRegistered, "12"},
         {OrderField::totalPeriod, ""},
         {OrderField::endDate, "15-Dec-2027"},
+        {OrderField::nextExecutionDate, "15-Jan-2027"},
+        {OrderField::registrationDate, "10-Jan-2027"},
         {OrderField::accountName, "Second Client"},
         {OrderField::sipStatus, "active"},
-        {OrderField::userId, "DEALER1"},
+        {OrderField::loginId, "DEALER1"},
     };
     for (const auto& [field, text] : cells)
         EXPECT_EQ(Text(field, after), text);
 
-    own.Send({{0, "pause_sip_order"}, {64804, before}});
+    own.Send("requestName=pause_sip_order registrationNumber=" + before);
     Pump();
     EXPECT_EQ(Text(OrderField::sipStatus, before), "Paused");
-    own.Send({{0, "modify_sip_order"}, {64804, before}, {53063, "50000"}, {63415, "24"}});
+    own.Send("requestName=modify_sip_order registrationNumber=" + before
+             + " amountOrQuantity=50000 totalPeriod=24");
     Pump();
     EXPECT_EQ(Text(OrderField::amount, before), "500.00");
     EXPECT_EQ(Text(OrderField::installmentsRegistered, before), "24");
-    own.Send({{0, "cancel_sip_order"}, {64804, after}, {32760, after}, {20008, "gone"}, {49281, "DEALER1"}});
+    own.Send("requestName=cancel_sip_order registrationNumber=" + after + " echoedNumber=" + after
+             + " userText=gone cancelledBy=DEALER1");
     Pump();
     EXPECT_EQ(Lists(), theirs + " " + before + "|" + after);
-    EXPECT_EQ(Text(OrderField::remarks, after), "gone");
+    EXPECT_EQ(Text(OrderField::userText, after), "gone");
     EXPECT_EQ(Text(OrderField::cancelledBy, after), "DEALER1");
     EXPECT_EQ(Text(OrderField::cancelledDate, after), "10-Jan-2027");
     EXPECT_EQ(host.log.back(), after + " Order Cancelled ");
@@ -155,7 +141,7 @@ TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     EXPECT_EQ(Lists(), second + "|" + first);
     EXPECT_EQ(view.boxes, Texts{first + " Order Cancelled "});
     EXPECT_EQ(host.log, (Texts{"Sending request to cancel " + first, first + " Order Cancelled "}));
-    EXPECT_EQ(Text(OrderField::remarks, first), "wish");
+    EXPECT_EQ(Text(OrderField::userText, first), "wish");
 
     // Refused, delayed beyond a change of the selection, and silent.
     host.log.clear();
@@ -196,11 +182,9 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         std::vector<std::string> cancelled;
         for (const auto& [name, terminal] : terminals) {
             cancelled.push_back(terminal->Place(server, "C001"));
-            terminal->Send({{0, "cancel_sip_order"},
-                            {64804, cancelled.back()},
-                            {32760, cancelled.back()},
-                            {54158, cancelled.back()},
-                            {20008, "x"}});
+            terminal->Send("requestName=cancel_sip_order registrationNumber=" + cancelled.back()
+                           + " echoedNumber=" + cancelled.back() + " orderId=" + cancelled.back()
+                           + " userText=x");
         }
         session.m_nLoginMode = row.mode;
         host.clientOverview = row.overview;

@@ -1,7 +1,7 @@
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Dates.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Dates.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,43 +9,6 @@
 
 namespace planfold {
 namespace {
-
-TEST(Convert, KnowsItsRowsAndLeavesTheRestAlone) {
-    struct Row {
-        CodeTable table;
-        const char* from;
-        const char* to; // null: untouched
-    };
-    const Row rows[] = {
-        {kExchangeToDisplay, "bse_cm", "BSE"},
-        {kExchangeToDisplay, "nse_cm", "NSE"},
-        {kExchangeToDisplay, "NSE_CM", nullptr},
-        {kExchangeToServer, "BSE", "bse_cm"},
-        {kExchangeToServer, "NSE", "nse_cm"},
-        {kExchangeToServer, "nse", nullptr},
-        {kPlanToSideLabel, "SIP", "BUY"},
-        {kPlanToSideLabel, "SWP", "SELL"},
-        {kPlanToServer, "SIP", "B"},
-        {kPlanToServer, "SWP", "S"},
-        {kPlanToDisplay, "B", "SIP"},
-        {kPlanToDisplay, "S", "SWP"},
-        {kOrderTypeToServer, "MARKET", "MKT"},
-        {kOrderTypeToServer, "LIMIT", nullptr},
-        {kOrderTypeToDisplay, "MKT", "MARKET"},
-        {kOrderTypeToDisplay, "L", "LIMIT"},
-        {kMarketOrderTypeToDisplay, "MKT", "MARKET"},
-        {kMarketOrderTypeToDisplay, "L", nullptr},
-        {kInvestTypeToServer, "Amount", "value"},
-        {kInvestTypeToServer, "Quantity", "qty"},
-        {kInvestTypeToDisplay, "value", "Amount"},
-        {kInvestTypeToDisplay, "qty", "Quantity"},
-    };
-    for (const Row& row : rows) {
-        std::string out = "as it was";
-        Convert(row.table, row.from, out);
-        EXPECT_EQ(out, row.to ? row.to : "as it was") << row.from;
-    }
-}
 
 TEST(Format, WritesWhatPrintfDoesAtHome) {
     EXPECT_EQ(Format("%.2lf|%.02f|%.lf|%.0f|%.*f", 1234.5, -0.001, 2.5, 3.5, 3, 0.0625),

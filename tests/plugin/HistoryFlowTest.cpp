@@ -1,11 +1,9 @@
-// The order history and the restricted dates over the real connection library and trading server.
+// The order history over the real connection library and trading server.
 
 #include "host/server/sample/SampleOrders.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/history/OrderHistory.h"
-#include "plugin/messaging/Numbers.h"
 #include "plugin/orderentry/PlaceOrder.h"
-#include "plugin/resources/resource.h"
-#include "plugin/restricted/RestrictedDates.h"
 #include "tests/plugin/FlowStage.h"
 
 #include <gtest/gtest.h>
@@ -30,9 +28,7 @@ public:
 class HistoryFlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
 protected:
     void TearDown() override { hub.Destroy(requests); }
-    void OnResponse(void*, void* message, void*) override {
-        usesDates ? dates.OnResponse(message) : history.OnResponse(message);
-    }
+    void OnResponse(void*, void* message, void*) override { history.OnResponse(message); }
     void OnBroadcast(void*, std::uint32_t, void*) override {}
 
     std::string Register() {
@@ -45,23 +41,20 @@ protected:
                             .customerFirm = "C",
                             .validity = "DAY",
                             .investType = "qty",
-                            .exchangeSegment = "nse_cm",
+                            .exchange = "nse_cm",
                             .side = "B",
                             .token = "1013",
                             .tradingSymbol = "ARBORTEX-EQ",
-                            .client = "C001",
-                            .sideLabel = "BUY"};
+                            .account = "C001",
+                            .sideWord = "BUY"};
         SendAddSipOrders(session, requests, notices, order, "NSE");
         Pump();
         return std::string(server.Registrations().back().Number());
     }
 
     HistoryDouble view;
-    DialogDouble dialog;
     RxControl* requests = hub.Get(kRxRequests, this);
     OrderHistory history{session, view, requests};
-    RestrictedDates dates{session, dialog, requests};
-    bool usesDates = false; // which window the control is
 };
 
 TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
@@ -83,9 +76,8 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     std::size_t pending = 0, traded = 0, untraded = 0;
     for (const sOrderHistory& order : history.Records()) {
         const auto text = [&](HistoryField field) { return order[field]; };
-        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::clientId)
-                      + text(HistoryField::exchange) + text(HistoryField::action)
-                      + text(HistoryField::orderType),
+        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::account)
+                      + text(HistoryField::exchange) + text(HistoryField::side) + text(HistoryField::orderType),
                   number + "C001NSESIPMARKET");
         EXPECT_NEAR(LeadingReal(text(HistoryField::price)), 123.45, 3);
         const bool hasTraded = text(HistoryField::tradedQuantity) != "0";
@@ -97,40 +89,6 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     }
     EXPECT_TRUE(pending > 0 && pending < traded && untraded > 0) << pending << " " << traded << " " << untraded;
     EXPECT_EQ(host.log.size(), 2u) << "the order's line and the refusal's";
-}
-
-TEST_F(HistoryFlowTest, RestrictedDatesAreSetAndReadBack) {
-    usesDates = true;
-    dates.Initialise(kNow);
-    const auto held = [&] {
-        return dialog.Text(IDC_HELD_FROM) + "-" + dialog.Text(IDC_HELD_TO) + " " + dialog.Text(IDC_HELD_YEAR);
-    };
-    dates.Get();
-    Pump();
-    EXPECT_EQ(held(), "- ") << "none is held";
-    const struct {
-        int from, to, year;
-        const char *box, *held;
-    } rows[] = {
-        {30, 0, 0, "From date can't be greater than To date", "- "},
-        {4, 4, 20, "Restricted Date configured Succesfully", "5-5 2047"},
-        {27, 30, 1, "Restricted Date configured Succesfully", "28-31 2028"},
-    };
-    for (const auto& row : rows) {
-        dialog.Select(IDC_RESTRICT_FROM, row.from);
-        dialog.Select(IDC_RESTRICT_TO, row.to);
-        dialog.Select(IDC_RESTRICT_YEAR, row.year);
-        dates.Set();
-        Pump();
-        EXPECT_EQ(std::exchange(dialog.boxes, {}), Texts{row.box});
-        EXPECT_EQ(held(), "- ");
-        dates.Get();
-        Pump();
-        EXPECT_EQ(held(), row.held);
-    }
-    // 28 to 31 February 2028 are the 28th and the 29th.
-    EXPECT_TRUE(server.Restricted().Has(std::chrono::year(2028) / 2 / 29));
-    EXPECT_FALSE(server.Restricted().Has(std::chrono::year(2028) / 3 / 1));
 }
 
 } // namespace

@@ -17,11 +17,11 @@ protected:
                 .installments = "24",
                 .tradingSymbol = "A-B-EQ",
                 .action = "SWP",
-                .sipType = "value",
+                .investType = "value",
                 .amount = "123.45",
                 .quantity = "",
                 .startDate = "05-Mar-2020",
-                .client = "C001",
+                .account = "C001",
                 .nextExecutionDate = "07-Sep-2020", // the 5th is a Saturday
                 .endDate = "05-Feb-2021",
                 .status = "active",
@@ -53,13 +53,14 @@ TEST_F(ModifyTest, OnlyValueAndPeriodCanBeChangedAndAPastStartDoesNotBlock) {
         EXPECT_EQ(view.Text(id), text) << id;
     EXPECT_EQ(FormatPickerDate(view.date), "05/Mar/2020");
     // The answer of the opening comes late: it must not touch the filled form.
-    Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"daily", "weekly"}}, {54101, {"2", "2"}}});
+    Answer("echoedRequest=get_sip_operation_mode frequency=daily,weekly minimumPeriods=2,2");
     EXPECT_EQ(view.controls[IDC_FREQUENCY].items, Texts{"monthly"});
 
     view.SetText(IDC_VALUE, "200");
     view.SetText(IDC_PERIOD, "18");
     entry.Submit(kNow);
-    EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804=SIP7 53063=20000 63415=18");
+    EXPECT_EQ(host.LastRequest(),
+              "modify_sip_order registrationNumber=SIP7 amountOrQuantity=20000 totalPeriod=18");
     EXPECT_EQ(host.log, Texts{"Request sent Modify SIP Order: SIP7"});
     EXPECT_EQ(view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "");
     const char* texts2[] = {"Failed to add the request modify_sip_order", "Failed to add the SIP ID",
@@ -78,7 +79,7 @@ TEST_F(ModifyTest, OnlyValueAndPeriodCanBeChangedAndAPastStartDoesNotBlock) {
 TEST_F(ModifyTest, RowsOfEveryShapeFillTheForm) {
     struct Row {
         const char* symbol;
-        const char* sipType;
+        const char* investType;
         int mode;
         const char* expected; // symbol, series, invest by, value, period, title
     };
@@ -90,7 +91,7 @@ TEST_F(ModifyTest, RowsOfEveryShapeFillTheForm) {
     for (const Row& row : rows) {
         SipRegistration registration = Registered("SIP7");
         registration.tradingSymbol = row.symbol;
-        registration.sipType = row.sipType;
+        registration.investType = row.investType;
         registration.quantity = "5";
         entry.Initialise(kNow, {});
         session.m_nSipOperationMode = row.mode;
@@ -114,7 +115,8 @@ TEST_F(ModifyTest, AnUnreadableMonthStopsTheFillingButNeverMakesANewOrder) {
         EXPECT_NE(view.Text(IDC_SUBMIT), "Modify") << date;
         EXPECT_TRUE(entry.FilledForModify());
         entry.Submit(kNow);
-        EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804= 53063=12345 63415=12")
+        EXPECT_EQ(host.LastRequest(),
+                  "modify_sip_order registrationNumber= amountOrQuantity=12345 totalPeriod=12")
             << "neither a new order nor a change of the registration shown before";
     }
     entry.Initialise(kNow, {});
@@ -147,9 +149,11 @@ TEST_F(ModifyTest, AnAnswerClosesTheWindowThatSentItWhateverWasLost) {
             } else if (*step == '_') {
                 view.now += 11'000;
             } else if (*step != '!') {
-                Fields answer{{32767, {"modify_sip_order"}}};
-                if (*step != '.') answer.push_back({64804, {std::string(1, static_cast<char>(*step - 32))}});
-                if (step[1] == '!') answer.push_back({32766, {"9"}});
+                Fields answer{{tag::echoedRequest, {"modify_sip_order"}}};
+                if (*step != '.')
+                    answer.push_back(
+                        {tag::registrationNumber, {std::string(1, static_cast<char>(*step - 32))}});
+                if (step[1] == '!') answer.push_back({tag::errorCode, {"9"}});
                 form.OnResponse(Received(answer).Message());
             }
         }
@@ -215,7 +219,8 @@ TEST_F(ModifyTest, TheQuestionNamesTheChangeAndComesAgainWithTheNext) {
     const std::string status = "Status cancelled instead of active\n\nModify it all the same?";
     EXPECT_EQ(view.questions,
               (Texts{before + status, before + "Amount Rs 5.00 instead of Rs 123.45\n" + status}));
-    EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804=SIP7 53063=12345 63415=12");
+    EXPECT_EQ(host.LastRequest(),
+              "modify_sip_order registrationNumber=SIP7 amountOrQuantity=12345 totalPeriod=12");
 }
 
 TEST_F(ModifyTest, TheDealersOwnChangeIsNoNews) {
@@ -244,10 +249,13 @@ TEST_F(ModifyTest, ARefusedModificationSaysWhyUntilTheNext) {
     Open();
     Type("1500", "6", "C001");
     entry.Submit(kNow);
-    Answer({{32767, {"add_sip_orders"}}, {32766, {"9"}}});
+    Answer("echoedRequest=add_sip_orders errorCode=9");
     Fill(Registered("SIP7"));
     entry.Submit(kNow);
-    Answer({{32767, {"modify_sip_order"}}, {32766, {"108"}}, {20008, {"too late"}}, {64804, {"SIP7"}}});
+    Answer({{tag::echoedRequest, {"modify_sip_order"}},
+            {tag::errorCode, {"108"}},
+            {tag::userText, {"too late"}},
+            {tag::registrationNumber, {"SIP7"}}});
     EXPECT_NE(view.summary.find("Refused: too late (code 108).\n"), std::string::npos) << view.summary;
     EXPECT_FALSE(entry.BringBack()) << "new orders only";
     Type("1", "13", "C001");

@@ -16,12 +16,12 @@ constexpr LocalDateTime kToday{2024, 3, 7, 12, 0, 0};
 class OrderBookTest : public ::testing::Test, protected Stage {
 protected:
     void Answer(const char* request, Fields fields) {
-        fields.push_back({32767, {request}});
+        fields.push_back({tag::echoedRequest, {request}});
         const Received received(fields);
         book.OnResponse(received.Message());
     }
     void Queried(Fields fields) {
-        fields.push_back({54324, {"1"}});
+        fields.push_back({tag::queriedRow, {"1"}});
         Answer("om_get_sip_orders", std::move(fields));
     }
     void Streamed(const Fields& fields) {
@@ -40,10 +40,11 @@ TEST_F(OrderBookTest, OpeningAsksForEverythingInOrderAndToldFailuresStopNothing)
     session.m_nSipOperationMode = 1;
     book.Open(kToday);
     EXPECT_EQ(session.m_nSipOperationMode, 0);
-    const Texts requests{"0=get_sip_operation_mode", "0=om_get_sip_orders 31003=DEALER1",
-                         "0=qry_eq_sip 49165=3/7/2022 79=3/7/2024"};
+    const Texts requests{"get_sip_operation_mode", "om_get_sip_orders loginId=DEALER1",
+                         "qry_eq_sip startDate=3/7/2022 toDate=3/7/2024"};
     EXPECT_EQ(host.requests, requests);
-    EXPECT_EQ(host.subscriptions, (Texts{"54211=PLANFOLD 64804=- 64056=-", "64056=- 64804=-"}));
+    EXPECT_EQ(host.subscriptions,
+              (Texts{"streamName=PLANFOLD registrationNumber=- peerIdA=-", "peerIdA=- registrationNumber=-"}));
     book.Refresh();
     EXPECT_EQ(host.LastRequest(), requests[1]);
 
@@ -141,9 +142,9 @@ TEST_F(OrderBookTest, EveryRowStandsWhereTheRulesPutIt) {
         {history, "SIP7", "canceled", "SIP6 SIP3", "SIP7 SIP5 SIP4 SIP1 SIP2"},
     };
     for (const Step& step : steps) {
-        Fields fields{{64056, {"any"}}};
-        if (step.number) fields.push_back({64804, {step.number}});
-        if (step.status) fields.push_back({10303, {step.status}});
+        Fields fields{{tag::peerIdA, {"any"}}};
+        if (step.number) fields.push_back({tag::registrationNumber, {step.number}});
+        if (step.status) fields.push_back({tag::sipStatus, {step.status}});
         host.log.clear();
         if (step.from == queried) Queried(fields);
         if (step.from == streamed) Streamed(fields);
@@ -162,7 +163,7 @@ TEST_F(OrderBookTest, EveryRowStandsWhereTheRulesPutIt) {
     EXPECT_EQ(Text(OrderField::sipStatus, "SIP3"), "Cancelled") << "history left the known record alone";
 
     book.Open(kToday); // a new window begins empty: the earlier records could not enter its registered book
-    Queried({{64804, {"SIP3"}}});
+    Queried("registrationNumber=SIP3");
     EXPECT_EQ(Numbers(book, view.registered) + "|" + Numbers(book, view.cancelled), "SIP3|");
 }
 
@@ -175,53 +176,42 @@ TEST_F(OrderBookTest, AMessageFillsItsFieldsAndLeavesTheOthers) {
     };
     using enum OrderField;
     const Row rows[] = {
-        {{{31003, {"DEALER1"}}}, false, userId, "DEALER1"},
-        {{{63001, {"nse_cm"}}}, false, exchange, "NSE"},
-        {{{63001, {"NSE_CM"}}}, false, exchange, "NSE"}, // in no row: as it was
-        {{{12003, {"S"}}}, false, action, "SWP"},
-        {{{12003, {"SWP"}}}, false, action, "SWP"},
-        {{{12008, {"L"}}}, false, orderType, ""}, // the book names market orders only
-        {{{12008, {"MKT"}}}, false, orderType, "MARKET"},
-        {{{12008, {"L"}}}, false, orderType, "MARKET"},
-        {{{53063, {"12345"}}}, false, amount, ""}, // neither value nor quantity so far
-        {{{53063, {"12345"}}, {54152, {"value"}}}, false, amount, "123.45"},
-        {{{53063, {"900719925474099"}}}, false, amount, "9007199254740.99"},
-        {{{53063, {"7"}}}, false, amount, "0.07"},
-        {{{53063, {"12"}}, {54152, {"qty"}}}, false, quantity, "12"},
-        {{{53063, {"13"}}}, false, amount, "0.07"},
-        {{{53063, {"14"}}, {54152, {"Qty"}}}, false, quantity, "13"},
-        {{{63415, {"12"}}}, false, totalPeriod, "12"},
-        {{{63415, {"24"}}}, true, installmentsRegistered, "24"},
-        {{{63415, {"25"}}}, true, totalPeriod, "12"},
-        {{{54001, {"C001"}}}, false, accountName, "First Client"},
-        {{{20008, {"r"}}}, false, accountName, "First Client"},
-        {{{54001, {"C9"}}}, false, accountName, ""}, // the host knows no such client
-        {{{10303, {""}}}, false, sipStatus, ""},     // an empty value is one
-        {{{20008, {"%s%n"}}}, false, remarks, "%s%n"},
+        {"loginId=DEALER1", false, loginId, "DEALER1"},
+        {"exchange=nse_cm", false, exchange, "NSE"},
+        {"exchange=NSE_CM", false, exchange, "NSE"}, // in no row: as it was
+        {"side=S", false, side, "SWP"},
+        {"side=SWP", false, side, "SWP"},
+        {"orderType=L", false, orderType, ""}, // the book names market orders only
+        {"orderType=MKT", false, orderType, "MARKET"},
+        {"orderType=L", false, orderType, "MARKET"},
+        {"amountOrQuantity=12345", false, amount, ""}, // neither value nor quantity so far
+        {"amountOrQuantity=12345 investType=value", false, amount, "123.45"},
+        {"amountOrQuantity=900719925474099", false, amount, "9007199254740.99"},
+        {"amountOrQuantity=7", false, amount, "0.07"},
+        {"amountOrQuantity=12 investType=qty", false, quantity, "12"},
+        {"amountOrQuantity=13", false, amount, "0.07"},
+        {"amountOrQuantity=14 investType=Qty", false, quantity, "13"},
+        {"totalPeriod=12", false, totalPeriod, "12"},
+        {"totalPeriod=24", true, installmentsRegistered, "24"},
+        {"totalPeriod=25", true, totalPeriod, "12"},
+        {"account=C001", false, accountName, "First Client"},
+        {"userText=r", false, accountName, "First Client"},
+        {"account=C9", false, accountName, ""}, // the host knows no such client
+        {"sipStatus=", false, sipStatus, ""},   // an empty value is one
+        {{{tag::userText, {"%s%n"}}}, false, userText, "%s%n"},
     };
-    Queried({{64804, {"SIP1"}}, {10303, {"active"}}});
+    Queried("registrationNumber=SIP1 sipStatus=active");
     for (const Row& row : rows) {
         session.m_nSipOperationMode = row.installments;
         Fields fields = row.fields;
-        fields.push_back({64804, {"SIP1"}});
+        fields.push_back({tag::registrationNumber, {"SIP1"}});
         Queried(fields);
         EXPECT_EQ(Text(row.field), row.text) << &row - rows;
     }
     session.host.pu_get_client_name = nullptr;
-    Queried({{64804, {"SIP1"}}, {54001, {"C001"}}});
-    EXPECT_EQ(Text(clientId), "C001");
+    Queried("registrationNumber=SIP1 account=C001");
+    EXPECT_EQ(Text(account), "C001");
     EXPECT_EQ(Text(accountName), "") << "without the callback nothing else is missing";
-
-    const std::pair<std::uint32_t, OrderField> asTheyAre[] = {
-        {63100, tradingSymbol},     {64030, product},     {10012, frequency},        {49165, startDate},
-        {54158, requestIdentifier}, {54211, streamName},  {54270, registrationDate}, {64756, orderSource},
-        {10320, cancelledDate},     {49281, cancelledBy}, {64987, endDate},          {10100, token},
-        {10615, nextExecutionDate},
-    };
-    for (const auto& [tag, field] : asTheyAre) {
-        Streamed({{64804, {"SIP1"}}, {tag, {std::to_string(tag)}}});
-        EXPECT_EQ(Text(field), std::to_string(tag));
-    }
     EXPECT_EQ(book.Records().Size(), 1u);
 }
 
@@ -232,18 +222,16 @@ TEST_F(OrderBookTest, HistoryIsFilteredByTheIdentityOfTheLoginMode) {
         bool passes;
     };
     const Row rows[] = {
-        {0, {{64056, {""}}}, true},         {0, {{64053, {"BRANCH"}}}, false},
-        {1, {{64056, {"BROKER"}}}, true},   {1, {{64056, {"broker"}}}, false},
-        {1, {{64053, {"BROKER"}}}, false},  {2, {{64053, {"BRANCH"}}}, true},
-        {2, {{64056, {"BRANCH"}}}, false},  {3, {{31003, {"DEALER1"}}}, true},
-        {4, {{31003, {"DEALER2"}}}, false}, {-1, {{31003, {"DEALER1"}}}, true},
-        {9, {{64056, {"DEALER1"}}}, false},
+        {0, "peerIdA=", true},         {0, "peerIdB=BRANCH", false},  {1, "peerIdA=BROKER", true},
+        {1, "peerIdA=broker", false},  {1, "peerIdB=BROKER", false},  {2, "peerIdB=BRANCH", true},
+        {2, "peerIdA=BRANCH", false},  {3, "loginId=DEALER1", true},  {4, "loginId=DEALER2", false},
+        {-1, "loginId=DEALER1", true}, {9, "peerIdA=DEALER1", false},
     };
     for (const Row& row : rows) {
         session.m_nLoginMode = row.mode;
         Fields fields = row.fields;
-        fields.push_back({64804, {"SIP" + std::to_string(&row - rows)}});
-        fields.push_back({10303, {"cancelled"}});
+        fields.push_back({tag::registrationNumber, {"SIP" + std::to_string(&row - rows)}});
+        fields.push_back({tag::sipStatus, {"cancelled"}});
         const std::size_t before = view.cancelled.rows.size();
         Answer("qry_eq_sip", fields);
         EXPECT_EQ(view.cancelled.rows.size() - before, row.passes) << &row - rows;
@@ -254,8 +242,7 @@ TEST_F(OrderBookTest, ErrorsGoToTheLogAndChangeNoRow) {
     for (const char* request : {"om_get_sip_orders", "qry_eq_sip", "get_sip_operation_mode", "other"}) {
         host.log.clear();
         session.m_nSipOperationMode = 1;
-        Answer(request,
-               {{32766, {"17"}}, {64804, {"SIP1"}}, {10303, {"cancelled"}}, {64056, {"x"}}, {54324, {"1"}}});
+        Answer(request, "errorCode=17 registrationNumber=SIP1 sipStatus=cancelled peerIdA=x queriedRow=1");
         EXPECT_EQ(host.log, Texts{std::string("Error in response : ") + request + " . Error Code : 17"});
         EXPECT_EQ(session.m_nSipOperationMode, request == std::string_view("get_sip_operation_mode") ? 0 : 1);
     }
@@ -266,21 +253,21 @@ TEST_F(OrderBookTest, ErrorsGoToTheLogAndChangeNoRow) {
     };
     for (const auto& [frequencies, flag] :
          {Mode{{"monthly", "yearly"}, 1}, Mode{{"monthly", "0"}, 0}, Mode{{"0"}, 0}, Mode{{"00"}, 1}}) {
-        Answer("get_sip_operation_mode", {{10012, frequencies}, {54101, {"6"}}});
+        Answer("get_sip_operation_mode", {{tag::frequency, frequencies}, {tag::minimumPeriods, {"6"}}});
         EXPECT_EQ(session.m_nSipOperationMode, flag);
     }
     EXPECT_EQ(session.m_dMinSipMonthly, 0) << "the minimums are the order windows' affair";
 }
 
 TEST_F(OrderBookTest, AfterTheEndNothingIsTouched) {
-    Queried({{64804, {"SIP1"}}});
+    Queried("registrationNumber=SIP1");
     host.duringLog = [&] { session.End(); };
-    Answer("add_sip_orders", {{32766, {"17"}}, {20008, {"refused"}}});
+    Answer("add_sip_orders", "errorCode=17 userText=refused");
     EXPECT_EQ(view.boxes, Texts{}) << "the host exited while the error was logged";
     view.open = false;
-    Queried({{64804, {"SIP2"}}});
+    Queried("registrationNumber=SIP2");
     view.open = true;
-    Streamed({{64804, {"SIP3"}}});
+    Streamed("registrationNumber=SIP3");
     EXPECT_EQ(book.Records().Size(), 1u);
 }
 

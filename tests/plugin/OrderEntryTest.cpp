@@ -6,8 +6,7 @@
 namespace planfold::test {
 namespace {
 
-const Fields kMonthlyYearly{
-    {32767, {"get_sip_operation_mode"}}, {10012, {"monthly", "yearly"}}, {54101, {"6", "2"}}};
+const Fields kMonthlyYearly("echoedRequest=get_sip_operation_mode frequency=monthly,yearly minimumPeriods=6,2");
 
 TEST_F(OrderEntryTest, CustomProductsNeedTheRightAndAKnownName) {
     struct Row {
@@ -52,8 +51,9 @@ TEST_F(OrderEntryTest, SubmitSendsAndClearsValueAndPeriod) {
     view.SetText(IDC_PERIOD, "6");
     entry.Submit(kNow);
     ASSERT_EQ(host.requests.size(), 2u);
-    EXPECT_NE(host.requests[1].find("54001=C002"), std::string::npos) << host.requests[1];
-    EXPECT_NE(host.requests[1].find("53063=150000 10012=monthly"), std::string::npos) << host.requests[1];
+    EXPECT_NE(host.requests[1].find("account=C002"), std::string::npos) << host.requests[1];
+    EXPECT_NE(host.requests[1].find("amountOrQuantity=150000 frequency=monthly"), std::string::npos)
+        << host.requests[1];
     EXPECT_EQ(view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "");
 
     // Cleared also when sending fails: the text says so.
@@ -181,7 +181,7 @@ TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
     view.duringQuestion = [&] { Open(); };
     Type("1500", "6", "C003");
     entry.Submit(kNow);
-    EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode") << "that window is gone";
+    EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode") << "that window is gone";
 }
 
 // Each step: an order typed and sent ("C001 100"), its answer ("ok", "no"), F3, or an order typed and not sent
@@ -241,11 +241,11 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
         if (does == "F3")
             EXPECT_EQ(entry.BringBack(), step.form != std::string_view(" "));
         else if (does == "no")
-            Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"no"}}});
+            Answer("echoedRequest=add_sip_orders errorCode=104 userText=no");
         else if (does == "ok")
-            Answer({{32767, {"add_sip_orders"}}, {20008, {"registered"}}, {54001, {"C001"}}});
+            Answer("echoedRequest=add_sip_orders userText=registered account=C001");
         else if (does == "stray")
-            Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"no"}}, {54001, {"C404"}}});
+            Answer("echoedRequest=add_sip_orders errorCode=104 userText=no account=C404");
         else if (does == "wait")
             view.now += 11'000;
         else
@@ -305,16 +305,18 @@ TEST_F(OrderEntryTest, AnOrderComesBackAsItWasTyped) {
 }
 
 TEST_F(OrderEntryTest, AnswersAreShownErrorsLogged) {
-    Answer({{32767, {"add_sip_orders"}}, {20008, {"SIP registered: 17"}}, {54001, {"C001"}}});
+    Answer({{tag::echoedRequest, {"add_sip_orders"}},
+            {tag::userText, {"SIP registered: 17"}},
+            {tag::account, {"C001"}}});
     EXPECT_EQ(view.boxes, Texts{"SIP registered: 17"});
-    Answer({{32767, {"add_sip_orders"}}, {32766, {"55"}}, {20008, {"no"}}});
-    Answer({{32767, {"modify_sip_order"}}, {32766, {"56"}}});
+    Answer("echoedRequest=add_sip_orders errorCode=55 userText=no");
+    Answer("echoedRequest=modify_sip_order errorCode=56");
     EXPECT_EQ(host.log, (Texts{"Error in response : add_sip_orders . Error Code : 55",
                                "Error in response : modify_sip_order . Error Code : 56"}));
     EXPECT_EQ(view.boxes.size(), 1u);
     EXPECT_FALSE(view.closed);
     EXPECT_EQ(view.summary, "Refused: no (code 55).") << "of no order that is known";
-    Answer({{32767, {"modify_sip_order"}}, {20008, {"modified"}}});
+    Answer("echoedRequest=modify_sip_order userText=modified");
     EXPECT_EQ(view.boxes.back(), "modified");
     EXPECT_FALSE(view.closed) << "nothing was being modified";
 }

@@ -4,6 +4,7 @@
 #include "plugin/history/OrderHistory.h"
 #include "plugin/history/HistoryChart.h"
 #include "tests/plugin/Doubles.h"
+#include "tests/support/TagNames.h"
 
 #include <gtest/gtest.h>
 
@@ -14,12 +15,12 @@ namespace {
 
 using Word = std::string;
 
-// "64804=S1 64001=O1"
+// "registrationNumber=S1 orderNumber=O1"
 Fields Parsed(const std::string& text) {
     Fields fields;
     std::istringstream words(text);
     for (Word word; words >> word;)
-        fields.push_back({static_cast<std::uint32_t>(std::stoul(word)), {word.substr(word.find('=') + 1)}});
+        fields.push_back({TagNamed(word.substr(0, word.find('='))), {word.substr(word.find('=') + 1)}});
     return fields;
 }
 
@@ -64,14 +65,14 @@ public:
             return m_history.OnFocusChanged();
         }
         const bool trade = word.back() == 't' || word.find('=') != word.npos;
-        const Word row = "64804=" + word.substr(0, 1) + " 64001=" + word.substr(1, 1);
-        Fields fields = Parsed(word[0] == '.'       ? "32766="
-                               : word[0] == '!'     ? "32766=7%s"
-                               : word[0] == '-'     ? "49166=50%s"
-                               : trade              ? row + " 10310=9:15 10309=May 10307=" + word.substr(3)
-                               : word.back() == '*' ? row + " 10076=5"
+        const Word row = "registrationNumber=" + word.substr(0, 1) + " orderNumber=" + word.substr(1, 1);
+        Fields fields = Parsed(word[0] == '.'   ? "errorCode="
+                               : word[0] == '!' ? "errorCode=7%s"
+                               : word[0] == '-' ? "noRowText=50%s"
+                               : trade ? row + " fillDetailA=9:15 fillDetailB=May tradedPrice=" + word.substr(3)
+                               : word.back() == '*' ? row + " tradedQuantity=5"
                                                     : row);
-        fields.push_back({32767, {trade ? "qry_eq_sip_trades" : "qry_eq_sip_orders"}});
+        fields.push_back({tag::echoedRequest, {trade ? "qry_eq_sip_trades" : "qry_eq_sip_orders"}});
         const Received received(fields);
         if (const auto action = std::exchange(before, nullptr)) action();
         m_history.OnResponse(received.Message());
@@ -99,28 +100,28 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         *out = {2, 0, 0.0, 5, {}, {}};
         return out;
     };
-    const std::string always =
-        "31003=U 54001=C 64804=S 64001=O 10303=done 64756=TWS 64658=now 12004=10 20008=fine ";
-    const std::string coded = "63001=nse_cm 63100=SYM 12003=B 12008=MKT 10306=12345 ";
-    const std::string traded = "10307=1234600 10310=A 10309=B ";
+    const std::string always = "loginId=U account=C registrationNumber=S orderNumber=O sipStatus=done "
+                               "orderSource=TWS placementTime=now quantity=10 userText=fine ";
+    const std::string coded = "exchange=nse_cm tradingSymbol=SYM side=B orderType=MKT price=12345 ";
+    const std::string traded = "tradedPrice=1234600 fillDetailA=A fillDetailB=B ";
     struct Row {
         std::string fields;
         Details details;
         const char* record; // where "always" leaves it open
     };
     const Row rows[] = {
-        {coded + traded + "10076=9", nullptr, "NSE SYM SIP MARKET 123.45 12346.00 9 A B"},
-        {coded + traded + "10076=9", thousandths, "NSE SYM SIP MARKET 12.35 1234.60 9 A B"},
-        {coded + traded + "10076=9", nonsense, "NSE SYM SIP MARKET 123.45 12346.00 9 A B"},
-        {"63001=bse_cm 63100=SYM 12003=S 12008=L 10306=5 10076=0 " + traded, thousandths,
+        {coded + traded + "tradedQuantity=9", nullptr, "NSE SYM SIP MARKET 123.45 12346.00 9 A B"},
+        {coded + traded + "tradedQuantity=9", thousandths, "NSE SYM SIP MARKET 12.35 1234.60 9 A B"},
+        {coded + traded + "tradedQuantity=9", nonsense, "NSE SYM SIP MARKET 123.45 12346.00 9 A B"},
+        {"exchange=bse_cm tradingSymbol=SYM side=S orderType=L price=5 tradedQuantity=0 " + traded, thousandths,
          "BSE SYM SWP LIMIT 0.05 - 0 - -"},
-        {"63001=mcx 12003=X 12008=SL 10306=-7x " + traded, nullptr, "- - - - -0.07 - - - -"},
-        {traded + "10076=", nullptr, "- - - - - 12346.00 - A B"},
-        {"10076=4 10307=5 10309=B", nullptr, "- - - - - 0.05 4 - B pending"},
-        {"10076=4 10307= 10310=A 10309=B", nullptr, "- - - - - - 4 A B pending"},
+        {"exchange=mcx side=X orderType=SL price=-7x " + traded, nullptr, "- - - - -0.07 - - - -"},
+        {traded + "tradedQuantity=", nullptr, "- - - - - 12346.00 - A B"},
+        {"tradedQuantity=4 tradedPrice=5 fillDetailB=B", nullptr, "- - - - - 0.05 4 - B pending"},
+        {"tradedQuantity=4 tradedPrice= fillDetailA=A fillDetailB=B", nullptr, "- - - - - - 4 A B pending"},
     };
     constexpr HistoryField open[] = {
-        HistoryField::exchange,       HistoryField::tradingSymbol, HistoryField::action,
+        HistoryField::exchange,       HistoryField::tradingSymbol, HistoryField::side,
         HistoryField::orderType,      HistoryField::price,         HistoryField::tradedPrice,
         HistoryField::tradedQuantity, HistoryField::fillDetailA,   HistoryField::fillDetailB};
     for (const Row& row : rows) {
@@ -188,7 +189,8 @@ TEST_F(OrderHistoryTest, AnswersAreListedWhenTheyEndAndTradesFindTheirOrders) {
     host.requests.clear();
     host.log.clear();
     Play(*this, "?A A1* . - !t");
-    EXPECT_EQ(host.requests, (Texts{"0=qry_eq_sip_orders 64804=A", "0=qry_eq_sip_trades 64804=A"}));
+    EXPECT_EQ(host.requests,
+              (Texts{"qry_eq_sip_orders registrationNumber=A", "qry_eq_sip_trades registrationNumber=A"}));
     EXPECT_EQ(host.log, (Texts{"50%s", "Error in response : qry_eq_sip_trades . Error Code : 7%s"}));
 }
 

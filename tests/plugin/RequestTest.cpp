@@ -21,12 +21,12 @@ protected:
         order.customerFirm = "C";
         order.validity = "DAY";
         order.investType = "value";
-        order.exchangeSegment = "nse_cm";
+        order.exchange = "nse_cm";
         order.side = "B";
         order.token = "1013";
-        order.tradingSymbol = "ALPHA-EQ";
-        order.client = "C001";
-        order.sideLabel = "BUY";
+        order.tradingSymbol = "ARBORTEX-EQ";
+        order.account = "C001";
+        order.sideWord = "BUY";
     }
 
     bool Place() { return SendAddSipOrders(session, &control, notices, order, "NSE"); }
@@ -37,10 +37,7 @@ protected:
     const std::string building = "zup_add_parameter: Error while building message";
 };
 
-constexpr char kUpToBranch[] = "0=add_sip_orders 63001=nse_cm 10100=1013 63100=ALPHA-EQ 12003=B 12008=MKT "
-                               "64030=CNC 54152=value 53063=123450 10012=monthly 49165=1799625600 63415=12 "
-                               "31003=DEALER1 54056=C 54001=C001 12005=DAY 64056=BROKER 64053=BRANCH";
-constexpr char kLogStart[] = "NSE BUY SIP Order : Status : Trigger Pending CNC ALPHA-EQ at ";
+constexpr char kLogStart[] = "NSE BUY SIP Order : Status : Trigger Pending CNC ARBORTEX-EQ at ";
 constexpr char kLogEnd[] = " DAY monthly for period : 12 Months Client ID : C001 by DEALER1";
 
 TEST_F(RequestTest, AddCarriesItsFieldsInOrder) {
@@ -51,25 +48,26 @@ TEST_F(RequestTest, AddCarriesItsFieldsInOrder) {
         const char* tail;
     };
     const Row rows[] = {
-        {"u-1", 0, 0, " 54158=u-1 53405=N 64756=TWS"},
-        {"u-1", 1, 1, " 54158=u-1 53405=Y 63715=1 64756=TWS"},
-        {"", 2, 0, " 64756=TWS"},
-        {"", -1, 7, " 63715=7 64756=TWS"},
+        {"u-1", 0, 0, " orderId=u-1 cautionaryFlag=N orderSource=TWS"},
+        {"u-1", 1, 1, " orderId=u-1 cautionaryFlag=Y operationMode=1 orderSource=TWS"},
+        {"", 2, 0, " orderSource=TWS"},
+        {"", -1, 7, " operationMode=7 orderSource=TWS"},
     };
     for (const Row& row : rows) {
         host.uuid = row.uuid;
         host.caution = row.caution;
         session.m_nSipOperationMode = row.mode;
         EXPECT_TRUE(Place());
-        EXPECT_EQ(host.LastRequest(), std::string(kUpToBranch) + row.tail);
+        EXPECT_EQ(host.LastRequest(), TextOf(Order({})) + row.tail);
     }
-    EXPECT_EQ(host.calls.back(), "pu_invoke_caution_order_confirmation(C001,value,CNC,123450,ALPHA-EQ,nse_cm)");
+    EXPECT_EQ(host.calls.back(),
+              "pu_invoke_caution_order_confirmation(C001,value,CNC,123450,ARBORTEX-EQ,nse_cm)");
     EXPECT_EQ(host.requests.size(), std::size(rows));
     EXPECT_EQ(Shown(), Texts{});
     session.host = {}; // no optional callback at all
     session.m_nSipOperationMode = 0;
     EXPECT_TRUE(Place());
-    EXPECT_EQ(host.LastRequest(), std::string(kUpToBranch) + " 64756=TWS");
+    EXPECT_EQ(host.LastRequest(), TextOf(Order({})) + " orderSource=TWS");
 }
 
 TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
@@ -79,7 +77,7 @@ TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
     order.amountOrQuantity = "5";
     EXPECT_TRUE(Place());
     EXPECT_EQ(host.log.back(), std::string(kLogStart) + "5" + kLogEnd);
-    order.client = "%s%n%d";
+    order.account = "%s%n%d";
     EXPECT_TRUE(Place());
     EXPECT_NE(host.log.back().find("Client ID : %s%n%d by"), std::string::npos);
 }
@@ -98,7 +96,7 @@ TEST_F(RequestTest, EachStepOfAddFailsWithItsOwnText) {
         EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), call < 20 ? 0 : 1) << text;
         const bool isToken = call == 3;
         EXPECT_EQ(host.log,
-                  isToken ? Texts{"NSE BUY SIP Order Failed Status : Trigger Pending CNC ALPHA-EQ at 123450"
+                  isToken ? Texts{"NSE BUY SIP Order Failed Status : Trigger Pending CNC ARBORTEX-EQ at 123450"
                                   + std::string(kLogEnd)}
                           : Texts{});
     }
@@ -143,15 +141,15 @@ TEST_F(RequestTest, AnotherRequestDuringTheCautionaryQuestionSpoilsNothing) {
         EXPECT_TRUE(AskMode());
     };
     EXPECT_TRUE(Place());
-    EXPECT_EQ(host.requests, (Texts{"0=get_sip_operation_mode",
-                                    std::string(kUpToBranch) + " 54158=UUID-1 53405=N 64756=TWS"}));
+    EXPECT_EQ(host.requests, (Texts{"get_sip_operation_mode",
+                                    TextOf(Order({})) + " orderId=UUID-1 cautionaryFlag=N orderSource=TWS"}));
 }
 
 TEST_F(RequestTest, EmptyValuesAreSentAsAbsent) {
     host.peerA.clear();
     order.token.clear();
     EXPECT_TRUE(Place());
-    for (const char* absent : {" 10100= ", " 64056= "})
+    for (const char* absent : {" token= ", " peerIdA= "})
         EXPECT_NE(host.LastRequest().find(absent), std::string::npos) << host.LastRequest();
 }
 

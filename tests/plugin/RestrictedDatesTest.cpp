@@ -60,8 +60,8 @@ TEST_F(RestrictedDatesTest, ChecksInOrderThenSendsAndClearsWhatWasHeld) {
         {{30, -1, -1}, "Please select a To date;1|1|1|"},
         {{30, 0, -1}, "Please select the year;1|1|1|"},
         {{9, 8, 0}, "From date can't be greater than To date;1|1|1|"}, // 10 and 9, compared as numbers
-        {{4, 4, 0}, "0=calendar_add_restricted_dates 49165=5 63025=5 46000=2027;|||"},
-        {{8, 9, 20}, "0=calendar_add_restricted_dates 49165=9 63025=10 46000=2047;|||"},
+        {{4, 4, 0}, "calendar_add_restricted_dates startDate=5 restrictedTo=5 restrictedYear=2027;|||"},
+        {{8, 9, 20}, "calendar_add_restricted_dates startDate=9 restrictedTo=10 restrictedYear=2047;|||"},
     };
     for (const Row& row : rows) {
         for (int i = 0; i < 3; ++i)
@@ -69,7 +69,7 @@ TEST_F(RestrictedDatesTest, ChecksInOrderThenSendsAndClearsWhatWasHeld) {
         EXPECT_EQ(After([&] { dates.Set(); }), row.seen);
         EXPECT_EQ(view.controls[IDC_RESTRICT_FROM].selected, row.chosen[0]);
     }
-    EXPECT_EQ(After([&] { dates.Get(); }), "0=calendar_get_restricted_dates;1|1|1|");
+    EXPECT_EQ(After([&] { dates.Get(); }), "calendar_get_restricted_dates;1|1|1|");
 }
 
 TEST_F(RestrictedDatesTest, EveryStepThatFailsIsTold) {
@@ -109,16 +109,15 @@ TEST_F(RestrictedDatesTest, AnswersAreShownOrLogged) {
     constexpr const char *set = "calendar_add_restricted_dates", *get = "calendar_get_restricted_dates";
     const Row rows[] = {
         {set, {}, "Restricted Date configured Succesfully;pu_resend_nontradingDate_Request();1|1|1|"},
-        {set, {{32766, {"41"}}}, "Error in response : calendar_add_restricted_dates . Error Code : 41;1|1|1|"},
-        {get,
-         {{49165, {"5"}}, {63025, {"31"}}, {46000, {"2030"}}},
+        {set, "errorCode=41", "Error in response : calendar_add_restricted_dates . Error Code : 41;1|1|1|"},
+        {get, "startDate=5 restrictedTo=31 restrictedYear=2030",
          "Restricted date retrieved succesfully;5|31|2030|"},
-        {get, {{46000, {"2030"}}, {63025, {""}}}, "Restricted date retrieved succesfully;||2030|"},
-        {get, {{32766, {"7"}}}, "Error in response : calendar_get_restricted_dates . Error Code : 7;1|1|1|"},
-        {"add_sip_orders", {{49165, {"5"}}}, "1|1|1|"},
+        {get, "restrictedYear=2030 restrictedTo=", "Restricted date retrieved succesfully;||2030|"},
+        {get, "errorCode=7", "Error in response : calendar_get_restricted_dates . Error Code : 7;1|1|1|"},
+        {"add_sip_orders", "startDate=5", "1|1|1|"},
     };
     const auto answer = [&](Fields fields, const char* name) {
-        fields.push_back({32767, {name}});
+        fields.push_back({tag::echoedRequest, {name}});
         return After([&] { dates.OnResponse(Received(fields).Message()); });
     };
     for (const Row& row : rows)

@@ -20,7 +20,7 @@ SipOrderForm GoodForm() {
     form.investType = "Amount";
     form.value = "1234.5";
     form.totalPeriod = "12";
-    form.client = "C001";
+    form.account = "C001";
     form.startDate = {2027, 1, 11, 15, 30, 0};
     return form;
 }
@@ -44,12 +44,14 @@ TEST_F(ValidateSipOrderTest, FindsTheScripInTheMasterWhenTheHostCannotReadTheDia
     ASSERT_EQ(Check(GoodForm()), "");
     EXPECT_EQ(host.calls, (Texts{"pu_get_intersted_scrip_field(nse_cm|EQ|ARBORTEX,0,6)",
                                  "pu_get_scrip_details_from_TradSymbol(NSE,ARBORTEX-EQ)"}));
-    EXPECT_EQ(record.exchangeSegment + " " + record.token + " " + record.tradingSymbol,
-              "nse_cm 1013 ARBORTEX-EQ");
+    EXPECT_EQ(record.exchange + " " + record.token + " " + record.tradingSymbol, "nse_cm 1013 ARBORTEX-EQ");
     EXPECT_EQ(host.log,
               (Texts{"SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : "
                      "ARBORTEX,TradingSymbol : ARBORTEX-EQ ",
                      "SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : ARBORTEX-EQ,Token : 1013 "}));
+    SipOrderForm other = GoodForm();
+    other.exchange = "BSE";
+    EXPECT_EQ(Check(other) + record.exchange, "bse_cm");
 }
 
 TEST_F(ValidateSipOrderTest, AcceptsAnUnknownScripAndAnEmptyClient) {
@@ -58,15 +60,15 @@ TEST_F(ValidateSipOrderTest, AcceptsAnUnknownScripAndAnEmptyClient) {
     session.host.pu_get_scrip_details_from_TradSymbol = nullptr;
     session.host.pu_add_to_tabbed_log = nullptr;
     SipOrderForm form = GoodForm();
-    form.client.clear();
+    form.account.clear();
     EXPECT_EQ(Check(form), "");
-    EXPECT_EQ(record.token + record.tradingSymbol + record.client, "");
+    EXPECT_EQ(record.token + record.tradingSymbol + record.account, "");
 }
 
 TEST_F(ValidateSipOrderTest, KeepsAnExchangeWithoutBarAsSegment) {
     host.exchangeAndToken = "nse_cm";
     ASSERT_EQ(Check(GoodForm()), "");
-    EXPECT_EQ(record.exchangeSegment, "nse_cm");
+    EXPECT_EQ(record.exchange, "nse_cm");
     EXPECT_EQ(record.token, "");
 }
 

@@ -1,11 +1,14 @@
 #include "tests/support/FakeHost.h"
 
+#include "tests/support/TagNames.h"
+
 #ifdef _WIN32
 #include <windows.h>
 #endif
 
 #include <algorithm>
 #include <cstdlib>
+#include <sstream>
 
 namespace planfold::test {
 namespace {
@@ -17,6 +20,33 @@ FakeHost* g_host = nullptr; // plain functions have no other way to their test
 FakeHost& Host() {
     if (!g_host) std::abort();
     return *g_host;
+}
+
+Fields::Fields(const std::string& text) {
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        const std::size_t equals = word.find('=');
+        Field& field = emplace_back(TagNamed(word.substr(0, equals)), Texts{});
+        std::istringstream values(word.substr(equals + 1) + ',');
+        for (std::string value; std::getline(values, value, ',');)
+            field.values.push_back(value);
+    }
+}
+
+Fields Order(const Fields& changes) {
+    Fields order =
+        "requestName=add_sip_orders exchange=nse_cm token=1013 tradingSymbol=ARBORTEX-EQ side=B orderType=MKT "
+        "product=CNC investType=value amountOrQuantity=123450 frequency=monthly startDate=1799625600 "
+        "totalPeriod=12 loginId=DEALER1 customerFirm=C account=C001 validity=DAY peerIdA=BROKER "
+        "peerIdB=BRANCH";
+    for (const Field& change : changes)
+        for (Field& field : order)
+            if (field.tag == change.tag) field.values = change.values;
+    return order;
+}
+
+std::string TextOf(const Fields& message) {
+    return Named(qmx::Dump(Received(message).Message()));
 }
 
 Received::Received(const Fields& fields) {
@@ -34,7 +64,7 @@ Received::Received(const Fields& fields) {
 int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* error) {
     if (!live || zero != 0 || !error || !message) Misused();
     if (m_host.refuses) return 0;
-    m_host.requests.push_back(qmx::Dump(message));
+    m_host.requests.push_back(Named(qmx::Dump(message)));
     m_host.sender = this;
     return 1;
 }
@@ -50,7 +80,7 @@ int FakeControl::Subscribe(std::uint64_t*, const std::uint32_t* tags, const QmxD
             (i ? " " : "") + std::to_string(tags[i]) + "=" + (absent ? "-" : std::string(qmx::View(values[i])));
     }
     ++subscribed;
-    m_host.subscriptions.push_back(line);
+    m_host.subscriptions.push_back(Named(line));
     error->code = 42;
     return !m_host.refuses;
 }

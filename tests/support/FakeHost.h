@@ -4,6 +4,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "plugin/messaging/Session.h"
+#include "sdk/Tags.h"
 #include "tests/support/QuarantineStringManager.h"
 
 #include <deque>
@@ -19,7 +20,17 @@ struct Field {
     std::uint32_t tag;
     std::vector<std::string> values;
 };
-using Fields = std::vector<Field>;
+// Also from text: "frequency=monthly,yearly account=C001", where a tag goes by its name and has a value or
+// several.
+struct Fields : std::vector<Field> {
+    using vector::vector;
+    Fields(const std::string& text);
+    Fields(const char* text) : Fields(std::string(text)) {}
+};
+// The request add_sip_orders as it leaves the plug-in, up to the branch, and with some fields otherwise.
+Fields Order(const Fields& changes);
+// "add_sip_orders exchange=nse_cm token=1013"
+std::string TextOf(const Fields& message);
 using Texts = std::vector<std::string>;
 
 // A message as the host hands it to a notifier.

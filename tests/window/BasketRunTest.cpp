@@ -20,9 +20,9 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
     EXPECT_EQ(host.calls, calls);
     std::string sent;
     for (const std::string& request : host.requests)
-        sent +=
-            request.substr(request.find(" 54001=") + 7, 2) + request.substr(request.find(" 32760="), 8) + "|";
-    EXPECT_EQ(sent, "C3 32760=4|C3 32760=2|C2 32760=1|");
+        sent += request.substr(request.find(" account=") + 9, 2)
+                + request.substr(request.find(" echoedNumber="), 15) + "|";
+    EXPECT_EQ(sent, "C3 echoedNumber=4|C3 echoedNumber=2|C2 echoedNumber=1|");
     EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|");
     for (const int command : {0, basket::kClearFilters, basket::kNaturalOrder}) {
         Command(command);
@@ -69,7 +69,8 @@ TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
     };
     host.duringCaution = [] { lookCosts = 20; };
     run(basket::kPlace, sending, [&] {
-        Answer({{32767, {"add_sip_orders"}}, {32760, {std::to_string(many - 1)}}, {20008, {"registered"}}});
+        Answer("echoedRequest=add_sip_orders echoedNumber=" + std::to_string(many - 1)
+               + " userText=registered");
         EXPECT_EQ(probe::Cell(list, 1, 12), "registered");
         escape();
     });

@@ -41,7 +41,7 @@ TEST_F(BasketWindow, StandsAloneWithEveryControlAndItsRowsOutliveIt) {
         EXPECT_EQ(Column(0), "C2 C1");
         EXPECT_TRUE(IsEnabled(basket::kPlace));
     }
-    Answer({{32767, {"add_sip_orders"}}, {32760, {"2"}}, {20008, {"registered"}}});
+    Answer("echoedRequest=add_sip_orders echoedNumber=2 userText=registered");
     EXPECT_EQ(Column(12), "registered NA") << "answers find the rows of the window before";
 
     const HiddenExport hidden("pu_get_entered_text_results");
@@ -205,7 +205,7 @@ TEST_F(BasketWindow, AQuestionComesWhenTheOpenBoxIsGone) {
     Load(Line("C9"));
     host.duringAccounts = [&] { probe::Press(dialog, basket::kPlace); };
     Pick("SIP Registration Book");
-    probe::PumpUntil([&] { return host.LastRequest().find(" 54001=C9 ") != std::string::npos; });
+    probe::PumpUntil([&] { return host.LastRequest().find(" account=C9 ") != std::string::npos; });
     EXPECT_EQ(boxes.Texts(), question);
 }
 

@@ -53,7 +53,7 @@ protected:
         dialog = probe::FindDialog(basket::kCaption);
         list = GetDlgItem(dialog, basket::kList);
         rejected = GetDlgItem(dialog, basket::kRejected);
-        if (dialog) Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"0"}}});
+        if (dialog) Answer("echoedRequest=get_sip_operation_mode frequency=0");
     }
     // Its control is taken after the order entry's.
     void Answer(const Fields& fields) {

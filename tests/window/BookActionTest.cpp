@@ -22,8 +22,8 @@ protected:
         SendMessageA(pane, book::kCommandText, 0, reinterpret_cast<LPARAM>(text));
     }
     static std::string CancelRequest(const std::string& number, const std::string& reason) {
-        return "0=cancel_sip_order 64804=" + number + " 32760=" + number + " 54158=UUID-1 20008=" + reason
-               + " 49281=LOGIN 64756= ";
+        return "cancel_sip_order registrationNumber=" + number + " echoedNumber=" + number
+               + " orderId=UUID-1 userText=" + reason + " cancelledBy=LOGIN orderSource= ";
     }
 };
 
@@ -97,7 +97,7 @@ TEST_F(BookAction, TheStreamGoesOnUnderTheReason) {
     Command(book::kCancel);
     EXPECT_EQ(host.requests, (Texts{CancelRequest("SIP2", " "), CancelRequest("SIP1", " ")}));
     EXPECT_EQ(SelectedNumbers(registered), "SIP1");
-    host.AnswerBook({{32767, {"cancel_sip_order"}}, {32760, {"SIP1"}}});
+    host.AnswerBook("echoedRequest=cancel_sip_order echoedNumber=SIP1");
     EXPECT_EQ(Counts(), "3 1");
     EXPECT_EQ(boxes.Texts(), "You have selected 2 Orders to Cancel. Proceed?|SIP1 Order Cancelled |");
 }
@@ -201,9 +201,10 @@ TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
             probe::SetEdit(form, order::kValue, "99.5");
             probe::SetEdit(form, order::kPeriod, "24");
             probe::Press(form, order::kSubmit);
-            EXPECT_EQ(host.LastRequest(), "0=modify_sip_order 64804=SIP1 53063=9950 63415=24");
+            EXPECT_EQ(host.LastRequest(),
+                      "modify_sip_order registrationNumber=SIP1 amountOrQuantity=9950 totalPeriod=24");
             EXPECT_EQ(boxes.Texts(), "");
-            host.Answer({{32767, {"modify_sip_order"}}, {20008, {"modified"}}});
+            host.Answer("echoedRequest=modify_sip_order userText=modified");
             EXPECT_EQ(boxes.Texts(), "modified|");
         } else if (*end == 'e') {
             probe::PostKey(VK_ESCAPE);
@@ -213,7 +214,7 @@ TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
             ASSERT_NE(form, nullptr);
             EXPECT_EQ(probe::Text(form, order::kSubmit) + probe::Text(form, order::kPeriod), "Submit1");
             EXPECT_TRUE(IsWindowEnabled(GetDlgItem(form, order::kSymbol)));
-            EXPECT_EQ(host.LastRequest(), "0=get_sip_operation_mode");
+            EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode");
         }
         EXPECT_EQ(modifying(), nullptr);
         EXPECT_EQ(PluginWindows().empty(), *end != 'n');

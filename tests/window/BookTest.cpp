@@ -5,7 +5,7 @@
 
 namespace {
 
-const char kOrdersQuery[] = "0=om_get_sip_orders 31003=LOGIN";
+const char kOrdersQuery[] = "om_get_sip_orders loginId=LOGIN";
 
 class BookTest : public BookWindowTest {
 protected:
@@ -57,8 +57,8 @@ TEST_F(BookTest, OpensInItsPaneOnceAndEveryPickAsksAgain) {
     EXPECT_EQ(announced, std::vector{pane});
     EXPECT_EQ(host.requests.size(), 4u);
     EXPECT_EQ(std::ranges::count(host.requests, kOrdersQuery), 2);
-    EXPECT_EQ(host.subscriptions,
-              (Texts{"54211=PLANFOLD 64804=- 31003=LOGIN 54001=C001", "31003=LOGIN 64804=-"}));
+    EXPECT_EQ(host.subscriptions, (Texts{"streamName=PLANFOLD registrationNumber=- loginId=LOGIN account=C001",
+                                         "loginId=LOGIN registrationNumber=-"}));
 
     const HWND first = pane;
     const auto windows = PluginWindows().size();
@@ -318,7 +318,7 @@ TEST_F(BookTest, EachMissingOptionalExportTakesOnlyWhatNeedsItAway) {
     };
     const Row rows[] = {{"register_hotkey", ""},
                         {"pu_get_client_name", "First Client>"},
-                        {"pu_get_uuid", " 54158=UUID-1>"},
+                        {"pu_get_uuid", " orderId=UUID-1>"},
                         {"pu_get_client_overview_status", ""},
                         {"pu_get_all_mappedAccount_ids", ""},
                         {"pu_add_to_tabbed_log", "Sending request to cancel SIP1>"}};
@@ -331,8 +331,9 @@ TEST_F(BookTest, EachMissingOptionalExportTakesOnlyWhatNeedsItAway) {
         Select(registered, {"SIP1"});
         const WhenShown reason(ReasonDialog, [](HWND shown) { probe::Press(shown, IDOK); });
         Command(book::kCancel);
-        std::string expected = "First Client;0=cancel_sip_order 64804=SIP1 32760=SIP1 54158=UUID-1 20008=  "
-                               "49281=LOGIN 64756= ;Sending request to cancel SIP1";
+        std::string expected = "First Client;cancel_sip_order registrationNumber=SIP1 "
+                               "echoedNumber=SIP1 orderId=UUID-1 userText=  "
+                               "cancelledBy=LOGIN orderSource= ;Sending request to cancel SIP1";
         if (const std::string change = row.changes; !change.empty()) {
             const auto bar = change.find('>');
             expected.replace(expected.find(change.substr(0, bar)), bar, change.substr(bar + 1));

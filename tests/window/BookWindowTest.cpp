@@ -35,30 +35,23 @@ void BookWindowTest::Open() {
 }
 
 void BookWindowTest::Queried(const std::string& number, const char* status, const char* client) {
-    host.AnswerBook({{32767, {"om_get_sip_orders"}},
-                     {54324, {"1"}},
-                     {64804, {number}},
-                     {10303, {status}},
-                     {54001, {client}},
-                     {54152, {"value"}},
-                     {53063, {"123450"}}});
+    host.AnswerBook("echoedRequest=om_get_sip_orders queriedRow=1 registrationNumber=" + number + " sipStatus="
+                    + status + " account=" + client + " investType=value amountOrQuantity=123450");
 }
 
-void BookWindowTest::QueriedInFull(const char* number, const char* status) {
-    Fields fields{{32767, {"om_get_sip_orders"}}, {64804, {number}}, {10303, {status}}};
-    constexpr std::pair<std::uint32_t, const char*> others[] = {
-        {54324, "1"},           {31003, "DEALER7"},          {54001, "C002"},        {63001, "nse_cm"},
-        {64030, "CNC"},         {63100, "ARBORTOOLS-EQ"},    {12003, "B"},           {12008, "MKT"},
-        {54152, "value"},       {53063, "123450"},           {10012, "monthly"},     {63415, "12"},
-        {49165, "05-Mar-2020"}, {10615, "05-Apr-2027"},      {54270, "01-Mar-2027"}, {64756, "TWS"},
-        {64987, "05-Feb-2028"}, {20008, "no longer wanted"}, {49281, "DEALER8"},     {10320, "09-Mar-2027"}};
-    for (const auto& [tag, text] : others)
-        fields.push_back({tag, {text}});
+void BookWindowTest::QueriedInFull(const std::string& number, const char* status) {
+    Fields fields(
+        "echoedRequest=om_get_sip_orders registrationNumber=" + number + " sipStatus=" + status
+        + " queriedRow=1 loginId=DEALER7 account=C002 exchange=nse_cm product=CNC tradingSymbol=ARBORTOOLS-EQ "
+          "side=B orderType=MKT investType=value amountOrQuantity=123450 frequency=monthly totalPeriod=12 "
+          "startDate=05-Mar-2020 nextExecutionDate=05-Apr-2027 registrationDate=01-Mar-2027 orderSource=TWS "
+          "endDate=05-Feb-2028 cancelledBy=DEALER8 cancelledDate=09-Mar-2027");
+    fields.push_back({tag::userText, {"no longer wanted"}});
     host.AnswerBook(fields);
 }
 
 void BookWindowTest::Streamed(const std::string& number, const char* status) {
-    host.Stream(kRxAccountStream, {{64804, {number}}, {10303, {status}}});
+    host.Stream(kRxAccountStream, {{tag::registrationNumber, {number}}, {tag::sipStatus, {status}}});
 }
 
 void BookWindowTest::QueriedUpTo(int count) {

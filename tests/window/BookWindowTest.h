@@ -26,7 +26,7 @@ protected:
     void Open();
     // What the server answers to the query of all registrations, and what it streams.
     void Queried(const std::string& number, const char* status = "active", const char* client = "C001");
-    void QueriedInFull(const char* number, const char* status);
+    void QueriedInFull(const std::string& number, const char* status);
     void Streamed(const std::string& number, const char* status);
     void QueriedUpTo(int count);
     // How many rows the two panes of the status bar say, "3 0".

@@ -53,7 +53,7 @@ TEST_F(Boxes, AQuestionComesWhenTheOpenBoxIsGone) {
 TEST_F(Boxes, AnErrorThatArrivesWhileABoxIsOpenIsLoggedAtOnce) {
     std::size_t logged = 0;
     boxes.during = [&] {
-        host.Answer({{32767, {"add_sip_orders"}}, {32766, {"5"}}});
+        host.Answer("echoedRequest=add_sip_orders errorCode=5");
         logged = host.log.size();
     };
     SubmitWrong();
@@ -100,8 +100,8 @@ TEST_F(Boxes, SubmitDuringTheHostsQuestionDoesNothing) {
         };
         probe::Press(dialog, order::kSubmit);
         EXPECT_EQ(host.requests.size(), requests);
-        EXPECT_TRUE(host.LastRequest().starts_with("0=add_sip_orders 63001=nse_cm ")) << host.LastRequest();
-        EXPECT_TRUE(host.LastRequest().ends_with(" 53405=N 64756=TWS")) << host.LastRequest();
+        EXPECT_TRUE(host.LastRequest().starts_with("add_sip_orders exchange=nse_cm ")) << host.LastRequest();
+        EXPECT_TRUE(host.LastRequest().ends_with(" cautionaryFlag=N orderSource=TWS")) << host.LastRequest();
         EXPECT_EQ(boxes.Texts(), "meanwhile|");
     }
     EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), 2);

@@ -10,29 +10,29 @@ class HistoryTest : public BookWindowTest {
 protected:
     // Its control is the one taken before the book's three.
     void Answer(const char* request, Fields fields) {
-        fields.push_back({32767, {request}});
+        fields.push_back({tag::echoedRequest, {request}});
         const Received message(fields);
         host.controls.at(host.controls.size() - 4).notifier->OnResponse(nullptr, message.Message(), nullptr);
     }
     void Order(const char* number, const char* traded) {
-        Fields fields{{64001, {number}}, {10076, {traded}}};
-        constexpr std::pair<std::uint32_t, const char*> others[] = {{64804, "SIP1"},
-                                                                    {31003, "DEALER7"},
-                                                                    {10303, "complete"},
-                                                                    {64756, "TWS"},
-                                                                    {64658, "05-Mar-2027 10:15"},
-                                                                    {10306, "12345"},
-                                                                    {12004, "10"},
-                                                                    {20008, "fine"}};
+        Fields fields{{tag::orderNumber, {number}}, {tag::tradedQuantity, {traded}}};
+        constexpr std::pair<std::uint32_t, const char*> others[] = {{tag::registrationNumber, "SIP1"},
+                                                                    {tag::loginId, "DEALER7"},
+                                                                    {tag::sipStatus, "complete"},
+                                                                    {tag::orderSource, "TWS"},
+                                                                    {tag::placementTime, "05-Mar-2027 10:15"},
+                                                                    {tag::price, "12345"},
+                                                                    {tag::quantity, "10"},
+                                                                    {tag::userText, "fine"}};
         for (const auto& [tag, text] : others)
             fields.push_back({tag, {text}});
         Answer("qry_eq_sip_orders", fields);
     }
     void Trade(const char* number, const char* price) {
-        Answer("qry_eq_sip_trades",
-               {{64804, {"SIP1"}}, {64001, {number}}, {10307, {price}}, {10310, {"9:15"}}, {10309, {"today"}}});
+        Answer("qry_eq_sip_trades", "registrationNumber=SIP1 orderNumber=" + std::string(number)
+                                        + " tradedPrice=" + price + " fillDetailA=9:15 fillDetailB=today");
     }
-    void End() { Answer("qry_eq_sip_orders", {{32766, {""}}}); }
+    void End() { Answer("qry_eq_sip_orders", "errorCode="); }
     // Asks for SIP1 and gives it two orders, of which the first awaits its trades.
     HWND OpenHistory() {
         if (!pane || !IsWindow(pane)) Open();
@@ -70,10 +70,10 @@ TEST_F(HistoryTest, OpensForTheFirstSelectedRowOfTheActivePage) {
         const char* asked;
     };
     const Row rows[] = {{0, {}, ""},
-                        {0, {"SIP1", "SIP2"}, "0=qry_eq_sip_orders 64804=SIP2"},
+                        {0, {"SIP1", "SIP2"}, "qry_eq_sip_orders registrationNumber=SIP2"},
                         {1, {}, ""},
-                        {1, {"SIP8"}, "0=qry_eq_sip_orders 64804=SIP8"},
-                        {0, {"SIP1"}, "0=qry_eq_sip_orders 64804=SIP1"}};
+                        {1, {"SIP8"}, "qry_eq_sip_orders registrationNumber=SIP8"},
+                        {0, {"SIP1"}, "qry_eq_sip_orders registrationNumber=SIP1"}};
     for (const Row& row : rows) {
         SendMessageA(GetDlgItem(dialog, book::kTabs), TCM_SETCURFOCUS, row.page, 0);
         Select(row.page ? cancelled : registered, row.selected);
@@ -92,7 +92,7 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
     ASSERT_NE(history, nullptr);
     EXPECT_EQ(probe::ClassOf(history), "#32770");
     EXPECT_EQ(GetWindow(history, GW_OWNER), nullptr);
-    EXPECT_EQ(host.LastRequest(), "0=qry_eq_sip_trades 64804=SIP1");
+    EXPECT_EQ(host.LastRequest(), "qry_eq_sip_trades registrationNumber=SIP1");
     HWND list = GetDlgItem(history, kList);
     EXPECT_EQ(GetFocus(), list);
     std::string headings;

@@ -84,7 +84,8 @@ TEST_F(Interrupt, AnotherIdentityUnderTheQuestionDoesNotReachTheOrder) {
         Pick("a text of nobody");
     };
     probe::Press(dialog, order::kSubmit);
-    EXPECT_NE(host.LastRequest().find(" 64056=PEERA 64053=PEERB "), std::string::npos) << host.LastRequest();
+    EXPECT_NE(host.LastRequest().find(" peerIdA=PEERA peerIdB=PEERB "), std::string::npos)
+        << host.LastRequest();
 }
 
 TEST_F(Interrupt, AWindowOpenedAnewUnderTheQuestionKeepsItsContents) {

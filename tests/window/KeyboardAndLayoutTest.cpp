@@ -63,7 +63,7 @@ TEST_F(Keyboard, EnterSubmitsAndEscapeCloses) {
     SetFocus(GetDlgItem(dialog, order::kValue));
     probe::PostKey(VK_RETURN);
     EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
-    EXPECT_TRUE(host.LastRequest().starts_with("0=add_sip_orders "));
+    EXPECT_TRUE(host.LastRequest().starts_with("add_sip_orders "));
     probe::PostKey(VK_ESCAPE);
     EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(dialog); }));
 }
@@ -223,7 +223,7 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
         int points; // 0: the template's
     };
     for (const bool serverPeriods : {false, true}) {
-        if (serverPeriods) host.Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"monthly"}}});
+        if (serverPeriods) host.Answer("echoedRequest=get_sip_operation_mode frequency=monthly");
         probe::Select(dialog, order::kInvestBy, serverPeriods ? "Quantity" : "Amount");
         for (const Row& row : {Row{0, 0, 0}, Row{6, 0, 6}, Row{9, 2, 11}, Row{18, -2, 16}, Row{60, 0, 36}}) {
             SCOPED_TRACE(testing::Message() << row.size << " points, " << row.variation << " more");

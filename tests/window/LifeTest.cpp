@@ -135,7 +135,7 @@ TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
     LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = false;
     EXPECT_NE(OpenOrderEntry(), nullptr);
     EXPECT_EQ(boxes.Texts(), "");
-    EXPECT_EQ(host.requests, Texts{"0=get_sip_operation_mode"});
+    EXPECT_EQ(host.requests, Texts{"get_sip_operation_mode"});
 }
 
 TEST_F(Life, TwoPicksAreOneWindow) {
@@ -163,8 +163,8 @@ TEST_F(Life, ClosesAndReopensAnyNumberOfTimes) {
     EXPECT_EQ(host.LiveControls(), static_cast<int>(host.controls.size())) << "as long as the plug-in lives";
     // A late answer finds no window and harms nothing.
     AnswerDefaults();
-    host.Answer({{32767, {"add_sip_orders"}}, {32766, {"3"}}});
-    host.Answer({{32767, {"modify_sip_order"}}, {20008, {"modified"}}});
+    host.Answer("echoedRequest=add_sip_orders errorCode=3");
+    host.Answer("echoedRequest=modify_sip_order userText=modified");
     EXPECT_EQ(host.log.size(), 1u);
     EXPECT_EQ(OrderEntry(), nullptr);
 }

@@ -11,33 +11,33 @@ struct LackRow {
 };
 
 constexpr std::string_view kOpening = "opening: \n", kSubmit = "submit: \n", kLogStart = "log: ";
-constexpr std::string_view kRequest =
-    "0=add_sip_orders 63001=nse_cm 10100=2901 63100=BYTEFIN-EQ 12003=B 12008=MKT 64030=CNC 54152=value "
-    "53063=123450 10012=monthly 49165=DATE 63415=12 31003=LOGIN 54056=C 54001=C002 12005=DAY 64056=PEERA "
-    "64053=PEERB 54158=UUID-1 53405=N 64756=TWS";
+const std::string kRequest =
+    TextOf(Order("token=2901 tradingSymbol=BYTEFIN-EQ startDate=DATE loginId=LOGIN account=C002 "
+                 "peerIdA=PEERA peerIdB=PEERB"))
+    + " orderId=UUID-1 cautionaryFlag=N orderSource=TWS";
 constexpr std::string_view kLogLine =
     "NSE BUY SIP Order : Status : Trigger Pending CNC BYTEFIN-EQ at 1234.50 DAY monthly for period : 12 Months "
     "Client ID : C002 by LOGIN|";
 
 const std::vector<std::pair<std::string_view, std::string_view>> kNoControl{
     {kOpening, "opening: Sending Request add_sip_orders Failed|\n"},
-    {kRequest, "0=(none)"},
+    {kRequest, "(none)"},
     {kLogLine, ""},
     {kSubmit, "submit: Sending Request add_sip_orders Failed|\n"},
 };
 const LackRow kLacks[] = {
-    {"pu_get_uuid", {{"54158=UUID-1 ", ""}}},
-    {"pu_invoke_caution_order_confirmation", {{"53405=N ", ""}}},
+    {"pu_get_uuid", {{"orderId=UUID-1 ", ""}}},
+    {"pu_invoke_caution_order_confirmation", {{"cautionaryFlag=N ", ""}}},
     {"pu_add_to_tabbed_log", {{kLogLine, ""}}},
     {"pu_get_trading_symbol_n_token",
      {{kLogStart,
        "log: SIP OrderDetails Get Trading Symbol -Exng : nse_cm,Series : EQ,Symbol : BYTEFIN,TradingSymbol : "
        "BYTEFIN-EQ |SIP OrderDetails Get Token -Exng : NSE,Trading Symbol : BYTEFIN-EQ,Token : 2901 |"}}},
     {"pu_fill_scrip_combos",
-     {{"63001=nse_cm 10100=2901 63100=BYTEFIN-EQ ", "63001= 10100= 63100= "},
+     {{"exchange=nse_cm token=2901 tradingSymbol=BYTEFIN-EQ ", "exchange= token= tradingSymbol= "},
       {"CNC BYTEFIN-EQ at", "CNC  at"}}},
     {"pu_load_client_id_combo",
-     {{"54001=C002", "54001="},
+     {{"account=C002", "account="},
       {"Client ID : C002", "Client ID : "},
       {kSubmit, "submit: The order names no client.\nPlace the order all the same?|\n"}},
      "pu_get_entered_text_results"},
@@ -47,7 +47,7 @@ const LackRow kLacks[] = {
 
 // All that one order leaves behind, as text.
 std::string Dump(std::string_view opening, std::string request, const Texts& log, std::string_view submit) {
-    constexpr std::string_view tag = " 49165=";
+    constexpr std::string_view tag = " startDate=";
     if (const auto from = request.find(tag); from != request.npos) {
         const auto value = from + tag.size();
         request.replace(value, request.find(' ', value) - value, "DATE");
@@ -59,7 +59,7 @@ std::string Dump(std::string_view opening, std::string request, const Texts& log
 }
 
 std::string Changed(const LackRow& row) {
-    std::string text = Dump("", std::string(kRequest), {std::string(kLogLine, 0, kLogLine.size() - 1)}, "");
+    std::string text = Dump("", kRequest, {std::string(kLogLine, 0, kLogLine.size() - 1)}, "");
     for (const auto& [from, to] : row.changes)
         text.replace(text.find(from), from.size(), to);
     return text;
@@ -91,9 +91,7 @@ TEST_F(PluginTest, EachMissingOptionalExportTakesOnlyWhatNeedsItAway) {
         FillGoodOrder(dialog, row.hiddenToo ? "" : "C002");
         // Frequencies that no answer brought cannot be selected; the rest is as far as it goes.
         probe::Press(dialog, order::kSubmit);
-        EXPECT_EQ(Dump(opening, takesControls ? host.LastRequest() : "0=" + host.LastRequest(), host.log,
-                       boxes.Texts()),
-                  Changed(row));
+        EXPECT_EQ(Dump(opening, host.LastRequest(), host.log, boxes.Texts()), Changed(row));
         EXPECT_EQ(plugin->Activate("C001", host.strings), 1);
         plugin->ApplyFont();
         Pick("SIP Basket Entry");

@@ -70,7 +70,7 @@ TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
     EXPECT_TRUE(IsWindowVisible(dialog));
     EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
     ExpectStartState(dialog);
-    host.Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"yearly"}}, {54101, {"2"}}});
+    host.Answer("echoedRequest=get_sip_operation_mode frequency=yearly minimumPeriods=2");
     EXPECT_EQ(Text(dialog, order::kFrequency), "yearly");
     EXPECT_TRUE(HasChildWithText(dialog, "SIP Periods"));
     for (const int hidden : {order::kPeriodHint, order::kPeriodIcons[0], order::kPeriodIcons[1]})
@@ -83,7 +83,7 @@ TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
     probe::Select(dialog, order::kExchange, "BSE");
     Close(dialog);
     ExpectStartState(OpenOrderEntry());
-    EXPECT_EQ(host.requests.back(), "0=get_sip_operation_mode");
+    EXPECT_EQ(host.requests.back(), "get_sip_operation_mode");
     // The answers of two openings fill the frequencies once.
     Close(OrderEntry());
     OpenOrderEntry();
@@ -154,8 +154,8 @@ TEST_F(OrderEntryWindow, OffersCustomProductsOfTheSettingsFile) {
     // The login of the last pick counts.
     plugin->Pick("Order Entry", host.strings, "OTHER");
     probe::Press(dialog, order::kSubmit);
-    EXPECT_NE(host.LastRequest().find(" 64030=NRML "), std::string::npos);
-    EXPECT_NE(host.LastRequest().find(" 31003=OTHER "), std::string::npos);
+    EXPECT_NE(host.LastRequest().find(" product=NRML "), std::string::npos);
+    EXPECT_NE(host.LastRequest().find(" loginId=OTHER "), std::string::npos);
     Close(dialog);
     std::filesystem::remove_all(folder);
     EXPECT_EQ(Items(OpenOrderEntry(), order::kProduct), Texts{"CNC"}) << "without a settings file";
@@ -174,12 +174,13 @@ TEST_F(OrderEntryWindow, SubmitSendsWhatTheControlsShow) {
     probe::SetEdit(dialog, order::kClientSearch, "C001");
     probe::SetDate(dialog, order::kStartDate, DaysFromNow(3));
     probe::Press(dialog, order::kSubmit);
-    EXPECT_EQ(host.LastRequest(),
-              "0=add_sip_orders 63001=bse_cm 10100=500100 63100=INFOCAR 12003=S 12008=MKT 64030=CNC 54152=qty "
-              "53063=15 10012=daily 49165="
-                  + WireDate(DaysFromNow(3))
-                  + " 63415=60 31003=LOGIN 54056=C 54001=C001 12005=DAY 64056=PEERA 64053=PEERB 54158=UUID-1 "
-                    "53405=N 64756=TWS");
+    EXPECT_EQ(
+        host.LastRequest(),
+        TextOf(Order(
+            "exchange=bse_cm token=500100 tradingSymbol=INFOCAR side=S investType=qty amountOrQuantity=15 "
+            "frequency=daily totalPeriod=60 loginId=LOGIN peerIdA=PEERA peerIdB=PEERB startDate="
+            + WireDate(DaysFromNow(3))))
+            + " orderId=UUID-1 cautionaryFlag=N orderSource=TWS");
     EXPECT_EQ(host.log.size(), 1u);
     EXPECT_EQ(boxes.Texts() + Text(dialog, order::kValue) + Text(dialog, order::kPeriod), "");
 }
@@ -218,7 +219,9 @@ TEST_F(OrderEntryWindow, ARefusedOrderIsToldInRedAndComesBackWithAKey) {
     FillGoodOrder(dialog);
     EXPECT_EQ(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
     probe::Press(dialog, order::kSubmit);
-    host.Answer({{32767, {"add_sip_orders"}}, {32766, {"104"}}, {20008, {"too & short"}}});
+    host.Answer({{tag::echoedRequest, {"add_sip_orders"}},
+                 {tag::errorCode, {"104"}},
+                 {tag::userText, {"too & short"}}});
     EXPECT_EQ(boxes.Texts(), "");
     EXPECT_EQ(
         Text(dialog, order::kSummary),

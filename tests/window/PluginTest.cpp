@@ -79,7 +79,7 @@ std::string PluginTest::MenuOf(HWND list, LPARAM at) {
 }
 
 Fields Told(const char* text) {
-    return {{32767, {"add_sip_orders"}}, {20008, {text}}};
+    return {{tag::echoedRequest, {"add_sip_orders"}}, {tag::userText, {text}}};
 }
 
 SYSTEMTIME DaysFromNow(int days) {

@@ -37,7 +37,7 @@ protected:
     HWND OrderEntry() const { return probe::FindDialog("Planfold Order Entry"); }
     // Opens it with the server's answer without a list: "daily", "weekly", "monthly", and 1 to 60 periods.
     HWND OpenWithDefaults();
-    void AnswerDefaults() { host.Answer({{32767, {"get_sip_operation_mode"}}, {10012, {"0"}}}); }
+    void AnswerDefaults() { host.Answer("echoedRequest=get_sip_operation_mode frequency=0"); }
     void Close(HWND dialog) const { SendMessageA(dialog, WM_CLOSE, 0, 0); }
     // What a good order needs, in an open window that has its frequencies; the client by the combo or the
     // search box, whichever this host's window has.

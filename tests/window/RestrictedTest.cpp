@@ -33,7 +33,7 @@ TEST_F(Restricted, TypedDigitsAreOneNumber) {
 }
 
 TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
-    const Fields held{{32767, {"calendar_get_restricted_dates"}}, {49165, {"7"}}, {46000, {"2030"}}};
+    const Fields held("echoedRequest=calendar_get_restricted_dates startDate=7 restrictedYear=2030");
     const int thisYear = DaysFromNow(0).wYear;
     for (const bool escape : {true, false}) {
         HWND dialog = Open();
@@ -46,7 +46,8 @@ TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
         for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_TAB, VK_DOWN, VK_END, VK_TAB, VK_DOWN, VK_TAB, VK_RETURN})
             Key(key);
         EXPECT_EQ(host.LastRequest(),
-                  "0=calendar_add_restricted_dates 49165=2 63025=31 46000=" + std::to_string(thisYear));
+                  "calendar_add_restricted_dates startDate=2 restrictedTo=31 restrictedYear="
+                      + std::to_string(thisYear));
         EXPECT_EQ(Open(), dialog) << "a pick brings up the window that is there";
         probe::Press(dialog, kGet);
         host.AnswerSender(held);
@@ -54,7 +55,7 @@ TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
         escape ? Key(VK_ESCAPE) : Close(dialog);
         EXPECT_FALSE(IsWindow(dialog));
         host.AnswerSender(held);
-        host.AnswerSender({{32767, {"calendar_add_restricted_dates"}}});
+        host.AnswerSender("echoedRequest=calendar_add_restricted_dates");
         EXPECT_EQ(boxes.Texts(), "Restricted Date configured Succesfully|") << "also without a window";
     }
 }
@@ -68,7 +69,7 @@ TEST_F(Restricted, AnExitUnderItsBoxesIsTheEnd) {
         host.refuses = !answered;
         boxes.during = [&] { plugin->Exit(); };
         Key(VK_RETURN);
-        if (answered) host.AnswerSender({{32767, {"calendar_add_restricted_dates"}}});
+        if (answered) host.AnswerSender("echoedRequest=calendar_add_restricted_dates");
         EXPECT_FALSE(IsWindow(dialog));
         EXPECT_EQ(host.CallsOf("pu_resend_nontradingDate_Request"), 0);
     }

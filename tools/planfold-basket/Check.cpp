@@ -1,6 +1,6 @@
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Sources.h"
 
@@ -32,7 +32,7 @@ public:
     explicit Findings(bool keepRows) : m_keepRows(keepRows) {}
 
     void OnRow(const BasketTexts& texts) override {
-        SideTotals& side = texts[BasketField::action] == "B" ? buy : sell;
+        SideTotals& side = texts[BasketField::side] == "B" ? buy : sell;
         ++side.orders;
         if (texts[BasketField::investType] == "value")
             side.amountPaise += LeadingInteger(texts[BasketField::amount]);

@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 #include "host/files/OptionRows.h"
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 #include "plugin/messaging/Session.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
+#include "plugin/base/Dates.h"
+#include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/Dates.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/messaging/Text.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Sources.h"
 
@@ -40,8 +40,8 @@ BasketTexts Order(long long n, const vesk::Scrip& scrip, const BasketRules& rule
     made.totalPeriod = Format("%.0f", std::max(minimum, kUsualPeriods));
 
     BasketTexts texts;
-    texts[BasketField::clientId] = made.client;
-    texts[BasketField::exchangeSegment] = scrip.exchange;
+    texts[BasketField::account] = made.client;
+    texts[BasketField::exchange] = scrip.exchange;
     texts[BasketField::series] = scrip.series;
     texts[BasketField::symbol] = scrip.symbol;
     texts[BasketField::token] = scrip.token;
@@ -53,7 +53,7 @@ BasketTexts Order(long long n, const vesk::Scrip& scrip, const BasketRules& rule
     texts[BasketField::startDateText] = made.startDate;
     texts[BasketField::totalPeriod] = made.totalPeriod;
     texts[BasketField::orderType] = "MKT";
-    texts[BasketField::action] = n % 5 == 4 ? "S" : "B";
+    texts[BasketField::side] = n % 5 == 4 ? "S" : "B";
     texts[BasketField::investType] = byValue ? "value" : "qty";
     return texts;
 }

@@ -1,7 +1,7 @@
 #include "plugin/basket/window/RejectedPanel.h"
 
 #include "framework/Files.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "plugin/basket/window/UnsentOrdersFile.h"
 
 #include "framework/Wide.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 namespace planfold {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "framework/Subclass.h"
+#include "plugin/base/RecordId.h"
 #include "plugin/controls/ListColumn.h"
-#include "plugin/controls/RecordId.h"
 #include "sdk/korvex/FilterListCtrl.h"
 
 #include <span>

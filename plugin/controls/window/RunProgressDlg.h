@@ -2,7 +2,7 @@
 #pragma once
 
 #include "framework/Dialog.h"
-#include "plugin/controls/LongRun.h"
+#include "plugin/base/LongRun.h"
 #include "plugin/messaging/Session.h"
 
 namespace planfold {

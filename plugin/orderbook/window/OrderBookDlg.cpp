@@ -1,8 +1,8 @@
 #include "plugin/orderbook/window/OrderBookDlg.h"
 
 #include "framework/DialogLayout.h"
+#include "plugin/base/Text.h"
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/messaging/Text.h"
 #include "plugin/orderbook/BookMenu.h"
 #include "plugin/resources/resource.h"
 

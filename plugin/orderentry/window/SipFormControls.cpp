@@ -1,6 +1,6 @@
 #include "plugin/orderentry/window/SipFormControls.h"
 
-#include "plugin/messaging/Settings.h"
+#include "plugin/base/Settings.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>

@@ -51,12 +51,12 @@ SipRegistration ReadRegistration(const sOrderinfo& record) {
         {&SipRegistration::totalPeriod, OrderField::totalPeriod},
         {&SipRegistration::installments, OrderField::installmentsRegistered},
         {&SipRegistration::tradingSymbol, OrderField::tradingSymbol},
-        {&SipRegistration::action, OrderField::action},
-        {&SipRegistration::sipType, OrderField::sipType},
+        {&SipRegistration::action, OrderField::side},
+        {&SipRegistration::investType, OrderField::investType},
         {&SipRegistration::amount, OrderField::amount},
         {&SipRegistration::quantity, OrderField::quantity},
         {&SipRegistration::startDate, OrderField::startDate},
-        {&SipRegistration::client, OrderField::clientId},
+        {&SipRegistration::account, OrderField::account},
         {&SipRegistration::nextExecutionDate, OrderField::nextExecutionDate},
         {&SipRegistration::endDate, OrderField::endDate},
         {&SipRegistration::status, OrderField::sipStatus},
@@ -65,7 +65,7 @@ SipRegistration ReadRegistration(const sOrderinfo& record) {
     for (const auto& [member, field] : rows)
         registration.*member = record.Text(field);
     const bool cancelled = IsCancelled(registration.status) && !record.Text(OrderField::cancelledBy).empty();
-    registration.changedBy = record.Text(cancelled ? OrderField::cancelledBy : OrderField::userId);
+    registration.changedBy = record.Text(cancelled ? OrderField::cancelledBy : OrderField::loginId);
     return registration;
 }
 

@@ -2,7 +2,7 @@
 // exception.
 
 #include "framework/Guard.h"
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
 #include "plugin/shell/Globals.h"
 #include "plugin/shell/HostCheck.h"
 #include "plugin/shell/PluginInfo.h"

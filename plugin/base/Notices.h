@@ -1,12 +1,20 @@
-// Texts for the user that are told together when something is over.
+// Texts for the user: where they are shown, and several that are told together when something is over.
 #pragma once
 
-#include "plugin/messaging/Session.h"
-
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace planfold {
+
+// Where a text for the user is shown: a plain message box with OK, owned by the window that asks.
+class Notices {
+public:
+    virtual void ShowMessage(std::string_view text) = 0;
+
+protected:
+    ~Notices() = default;
+};
 
 class KeptTexts final : public Notices {
 public:

@@ -1,4 +1,4 @@
-#include "plugin/messaging/Codes.h"
+#include "plugin/base/Codes.h"
 
 #include <algorithm>
 #include <array>

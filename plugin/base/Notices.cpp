@@ -1,6 +1,6 @@
-#include "plugin/messaging/KeptTexts.h"
+#include "plugin/base/Notices.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 namespace planfold {
 

@@ -1,4 +1,4 @@
-#include "plugin/messaging/Settings.h"
+#include "plugin/base/Settings.h"
 
 #include "framework/Files.h"
 #include "framework/Wide.h"

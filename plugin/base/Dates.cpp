@@ -1,8 +1,8 @@
-#include "plugin/messaging/Dates.h"
+#include "plugin/base/Dates.h"
 
-#include "plugin/messaging/Codes.h"
-#include "plugin/messaging/Numbers.h"
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Codes.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 #include <array>

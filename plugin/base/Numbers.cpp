@@ -1,6 +1,6 @@
-#include "plugin/messaging/Numbers.h"
+#include "plugin/base/Numbers.h"
 
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "plugin/messaging/Text.h"
+#include "plugin/base/Text.h"
 
 #include <algorithm>
 
