@@ -19,7 +19,7 @@ struct Colours {
 };
 
 bool IsHighContrast();
-// For a window with that background. All its own in high contrast, and for what is plain.
+// The colours suit a window with that background. In high contrast, and for what is plain, they are its own.
 Colours ColoursOf(Meaning meaning, COLORREF windowBackground);
 
 // A static text in a colour that tells what it means, in a Dialog.

@@ -29,7 +29,7 @@ DialogTemplate ReadDialogTemplate(HINSTANCE module, int resource);
 
 // Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
 // the dialog itself grow with the text.
-// Of the monitor that the window is on, what the task bar leaves.
+// What the task bar leaves of the monitor that the window is on.
 RECT WorkArea(HWND window);
 
 // Gives the window this size, as far as its monitor has room, and moves it back where it would leave that.

@@ -13,7 +13,7 @@ namespace framework {
 // What a control asks its parent for, handed back to the control: the number of the parent's message is added.
 inline constexpr UINT kReflected = WM_APP + 0x2000;
 
-// From a control (its identifier and notification), a menu entry or an accelerator.
+// A control (with its identifier and notification), a menu entry or an accelerator sent it.
 struct Command {
     int id;
     int notification; // 0 for a menu entry or a button's click
@@ -28,8 +28,8 @@ class MessageTarget {
 protected:
     virtual ~MessageTarget() = default;
 
-    // Kept while a message is handled: a message box or the host's question runs a message loop, in which the
-    // host may end what this window belongs to.
+    // What it gives is kept while a message is handled: a message box or the host's question runs a message
+    // loop, in which the host may end what this window belongs to.
     virtual std::shared_ptr<void> Hold() { return nullptr; }
 
     virtual bool OnCommand(const Command&) { return false; }
@@ -51,7 +51,7 @@ public:
     Subclass& operator=(const Subclass&) = delete;
     ~Subclass() override { Detach(); }
 
-    // Until Detach or the control's end. False when the system refuses.
+    // Lasts until Detach or the control's end. False when the system refuses.
     bool Attach(HWND control);
     void Detach();
     HWND Handle() const { return m_control; }

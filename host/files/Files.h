@@ -41,24 +41,24 @@ private:
 
 // The whole file as it is. Fault: missing, a folder, or unreadable.
 Loaded<std::string> ReadWholeFile(const std::string& path);
-// The same of a text, without a byte order mark. UTF-16 is a fault.
+// A text comes without its byte order mark. UTF-16 is a fault.
 Loaded<std::string> ReadTextFile(const std::string& path);
 
 // Replaces the file as a whole: a reader sees the old text or the new one. False when it cannot, and then
 // nothing is left behind. Without std::ios::binary line feeds become the platform's line ends.
 bool WriteWholeFile(const std::string& path, std::string_view text, std::ios::openmode mode = std::ios::binary);
-// For a device or a pipe, which cannot be replaced. False when it cannot.
+// Serves a device or a pipe, which cannot be replaced. False when it cannot.
 bool WriteInPlace(const std::string& path, std::string_view text, std::ios::openmode mode);
 
 // The last part of a path, with either separator: faults name the file, not where it lies.
 std::string_view FileNameOf(std::string_view path);
 
 // Paths and the words of a command line are UTF-8 everywhere in the host, so that they may name any file.
-// As the system wants it.
+// The form that the system wants.
 std::filesystem::path PathOf(std::string_view text);
 std::string TextOfPath(const std::filesystem::path& path);
 
-// Without the program's name. The system is asked where what `main` is given is in a code page.
+// The program's name is left out. The system is asked where what `main` is given is in a code page.
 std::vector<std::string> CommandWords(int count, const char* const* words);
 
 } // namespace vesk

@@ -188,7 +188,7 @@ void CFilterListCtrl::Impl::FindPrevious() {
     m_searched.empty() ? OpenFind() : static_cast<void>(Find(m_searched, false));
 }
 
-// From the row beside the focused one, around the end and back to itself.
+// The search goes from the row beside the focused one around the end and back to itself.
 bool CFilterListCtrl::Impl::Find(const std::string& text, bool forward) {
     m_searched = text;
     const std::uint32_t count = m_model.ShownCount(), focused = m_model.ShownRowOf(m_model.Focused());

@@ -24,7 +24,7 @@ protected:
     void OnDestroyed() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
-    // Above the window that the list lies in; one that is open already comes to the front.
+    // Opens above the window that the list lies in; a box that is open already comes to the front.
     void Open(HWND list);
 
 private:
@@ -44,7 +44,7 @@ public:
 
     FilterDialog(std::weak_ptr<void> owner);
 
-    // Not modal: it goes with the list's window.
+    // The box is not modal: it goes with the list's window.
     void Ask(HWND list, const std::string& heading, ValueType type, const FilterInput* now, Chosen chosen);
 
 private:

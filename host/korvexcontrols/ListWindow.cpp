@@ -301,7 +301,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notifica
     }
 }
 
-// From the header.
+// The header sends these.
 std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification) {
     if (notification.hwndFrom != m_header.Handle()) return std::nullopt;
     switch (notification.code) {

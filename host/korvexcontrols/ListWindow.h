@@ -53,7 +53,7 @@ private:
     // costs it one step.
     void Apply(const Operation& operation);
     void CatchUp();
-    // The same for filters and sort.
+    // Runs an operation that changes filters or sort.
     void Rearrange(const Operation& operation);
     void Select(const std::function<void()>& operation);
     void TellShownRowsChanged();

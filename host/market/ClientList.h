@@ -31,11 +31,11 @@ public:
     ClientList& operator=(const ClientList&) = delete;
 
     std::span<const Client> Clients() const { return m_clients; }
-    // Null when unknown. Identifiers compare without regard to case.
+    // Null for an unknown one. Identifiers compare without regard to case.
     const Client* Find(std::string_view id) const;
-    // In file order. Identifiers match at their start, names anywhere, both without regard to case; blanks
-    // around the text do not count, and a blank text matches everybody. A text that ends with "(" asks for
-    // exactly the account before it, in every mode. An unknown mode searches like `all`.
+    // The results stand in file order. Identifiers match at their start, names anywhere, both without regard to
+    // case; blanks around the text do not count, and a blank text matches everybody. A text that ends with "("
+    // asks for exactly the account before it, in every mode. An unknown mode searches like `all`.
     std::vector<const Client*> Search(int mode, std::string_view text) const;
 
 private:

@@ -15,7 +15,7 @@ class ListPair final : CellSource {
 public:
     explicit ListPair(std::uint32_t records) : m_cells(records) {}
 
-    // All records, in front of each other.
+    // Adds all records, in front of each other.
     void Fill(const std::function<unsigned()>& next);
     // One operation on both; `next` gives bytes.
     void Step(const std::function<unsigned()>& next);

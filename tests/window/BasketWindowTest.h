@@ -67,7 +67,7 @@ protected:
         probe::SetEdit(dialog, order::kValue, amount);
         probe::Press(dialog, order::kSubmit);
     }
-    // Of a file; good with this token.
+    // A file's line, which is good with this token.
     static std::string Line(const std::string& client, const std::string& token = "1013") {
         return client + ",nse_cm,EQ,ARBORTEX," + token
                + ",ARBORTEX-EQ,CNC,150000,7,monthly,,05/Mar/2037,12,MKT,B,,,,value,\r\n";

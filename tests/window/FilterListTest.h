@@ -122,7 +122,7 @@ protected:
         Send(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
         return text;
     }
-    // As another program reads the control.
+    // Reads the control as another program does.
     int Next(UINT flags, int from = -1) const {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
     }

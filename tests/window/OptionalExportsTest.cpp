@@ -45,7 +45,7 @@ const LackRow kLacks[] = {
     {"DestoryKeloRxCOntrol", kNoControl},
 };
 
-// All that one order leaves behind, as text.
+// Says all that one order leaves behind.
 std::string Dump(std::string_view opening, std::string request, const Texts& log, std::string_view submit) {
     constexpr std::string_view tag = " startDate=";
     if (const auto from = request.find(tag); from != request.npos) {

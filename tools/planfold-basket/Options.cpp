@@ -70,7 +70,8 @@ bool ReadToday(Options& options, std::string_view text) {
                                            std::chrono::month(static_cast<unsigned>(numbers[1])),
                                            std::chrono::day(static_cast<unsigned>(numbers[2]))};
     if (!date.ok() || numbers[0] < 1971) return false;
-    // In the middle of the day: an order that starts on it is too late, whichever clock is in force.
+    // The clock stands in the middle of the day: an order that starts on it is too late, whichever clock is in
+    // force.
     options.rules.now = planfold::ToSeconds({numbers[0], numbers[1], numbers[2], 12, 0, 0});
     return options.rules.now >= 0;
 }

@@ -37,7 +37,7 @@ int Fail(std::string_view why) {
 
 int main(int count, char** words) {
 #ifdef _WIN32
-    // As files are read: the byte 26 does not end the text.
+    // The input is read as files are: the byte 26 does not end the text.
     _setmode(_fileno(stdin), _O_BINARY);
 #endif
     try {

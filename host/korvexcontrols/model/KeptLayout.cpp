@@ -19,7 +19,7 @@ void Write(std::string& line, const std::vector<int>& numbers) {
     }
 }
 
-// As many numbers as there are columns, from 0 to `most`.
+// The line must have as many numbers as there are columns, from 0 to `most`.
 std::optional<std::vector<int>> Read(std::string_view text, std::size_t columns, int most) {
     std::vector<int> numbers;
     for (std::size_t end = 0; end != text.npos; text.remove_prefix(end == text.npos ? 0 : end + 1)) {
@@ -62,7 +62,7 @@ std::optional<ColumnsState> ReadColumns(std::string_view line, std::size_t colum
 
 namespace {
 
-// Rounded; none of the values is negative.
+// The result is rounded; none of the values is negative.
 int Portion(int whole, int part, int of) {
     return static_cast<int>((std::int64_t{whole} * part + of / 2) / of);
 }

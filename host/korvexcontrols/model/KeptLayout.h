@@ -15,7 +15,7 @@ struct ColumnsState {
 };
 
 std::string WriteColumns(const ColumnsState& state);
-// None when the line is damaged, or of a list with other columns.
+// There is none when the line is damaged, or of a list with other columns.
 std::optional<ColumnsState> ReadColumns(std::string_view line, std::size_t columns);
 
 // Where the bar between two panes stands: a share of the room that both have, so that it keeps its place while
@@ -41,7 +41,7 @@ private:
     int m_share;
 };
 
-// None when the text is no share.
+// There is none when the text is no share.
 std::optional<SplitPosition> ReadSplit(std::string_view text);
 
 } // namespace korvex

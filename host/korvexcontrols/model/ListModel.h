@@ -78,7 +78,7 @@ public:
     const RowRanges& Selection() const { return m_selected; }
     // What the user does: what is hidden is no longer selected.
     void SelectRows(std::uint32_t begin, std::uint32_t end, bool on);
-    // With the focus.
+    // The record gets the focus, too.
     void SelectOnly(std::uint32_t record);
     void Deselect(std::uint32_t record);
     std::vector<std::uint32_t> SelectedRecords(std::uint32_t most = kNone) const; // from the top

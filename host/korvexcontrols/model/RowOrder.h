@@ -49,7 +49,7 @@ public:
     // `row` is less than Count().
     std::uint32_t RecordAt(std::uint32_t row) const { return m_recordAt[m_live.Select(Count() - 1 - row)]; }
 
-    // In front of all; not one that stands here already.
+    // Puts a record in front of all; not one that stands here already.
     void Append(std::uint32_t record);
     void Remove(std::uint32_t record);
     void Clear();

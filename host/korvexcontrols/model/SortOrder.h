@@ -32,7 +32,7 @@ public:
 
     // Sorts records that stand newest first; their keys, in the same order.
     std::vector<std::uint64_t> Sort(std::vector<std::uint32_t>& records);
-    // Of a record that is new, or whose cells have changed.
+    // The record is new, or its cells have changed.
     std::uint64_t MakeKey(std::uint32_t record);
 
     // One record beside others with the same key. Its cells are asked for once.

@@ -19,7 +19,7 @@ struct KeyStroke {
     bool operator==(const KeyStroke&) const = default;
 };
 
-// Nothing for a text that names no key. Case does not matter.
+// A text that names no key gives nothing. Case does not matter.
 std::optional<KeyStroke> ParseKeyStroke(std::string_view text);
 
 // True for keys that an edit control needs for itself: without Ctrl or Alt, and not a function key.

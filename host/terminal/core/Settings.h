@@ -25,7 +25,7 @@ struct StartOptions {
     std::string fault;      // what is wrong with the command line; empty when nothing is
 };
 
-// Without the program's name.
+// `words` are without the program's name.
 StartOptions ParseCommandLine(std::span<const std::string> words);
 
 // The user's settings: texts by section and key, kept in one JSON file that is rewritten at each change.

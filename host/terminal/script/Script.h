@@ -45,7 +45,7 @@ struct ScriptCommand {
     const VerbRule& Rule() const { return VerbRules()[verb]; }
     int Number(std::size_t word) const;
     bool On(std::size_t word) const { return words[word] == "on"; }
-    // As it would be written.
+    // The line that would be written for it.
     std::string Text() const;
 };
 

@@ -57,7 +57,8 @@ public:
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
-    // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
+    // These are done once no call and no message box is on the stack, and refused, with a word to the user,
+    // while one is.
     void RequestPick(std::size_t plugin, std::size_t entry);
     void RequestPaneCommand(const std::string& text);
     // These ask how many.

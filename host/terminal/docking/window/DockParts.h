@@ -28,7 +28,7 @@ private:
 // Remembers which control of a window had the focus when another window was activated.
 class LastFocus {
 public:
-    // Of WM_ACTIVATE; false when there is nothing to give the focus back to.
+    // Takes WM_ACTIVATE. False when there is nothing to give the focus back to.
     bool OnActivate(HWND window, WPARAM wParam);
 
 private:
@@ -65,7 +65,7 @@ private:
 // The hollow rectangle that shows, while a pane is dragged, where it would go.
 class DropPreview : public framework::CustomWindow {
 public:
-    // In screen pixels; `owner` keeps it above itself. An empty rectangle hides it.
+    // `rect` is in screen pixels; an empty one hides the preview. `owner` keeps it above itself.
     void Show(HWND owner, const RECT& rect);
     void Hide() { framework::Window(Handle()).Show(false); }
 };

@@ -132,7 +132,7 @@ void DockSite::SettleDocked(Held& held) {
     if (inFront != IsShownByStyle(held.pane)) pane.Show(inFront);
 }
 
-// Where it last floated, else over its docked place.
+// It floats where it last did, or else over its docked place.
 RECT DockSite::FloatRect(const DockPane& pane) const {
     RECT rect = ToRect(pane.place.floatRect);
     if (pane.place.floatRect.Empty()) {

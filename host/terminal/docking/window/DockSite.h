@@ -55,7 +55,7 @@ public:
     // The rectangle of its float window when it is dragged by the middle of its caption.
     RECT FloatRectAtMouse(HWND pane) const;
 
-    // From the parts.
+    // The parts call these.
     void OnPaneShown(HWND pane, bool shown);
     void OnFloatMoved(HWND pane, bool moved);
     void ForgetGone();

@@ -40,7 +40,7 @@ HWND FindDescendant(HWND window, const std::function<bool(HWND)>& test) {
     return nullptr;
 }
 
-// Nothing but texts and buttons: other dialogs of the same class hold something to fill in.
+// A box holds nothing but texts and buttons: other dialogs of the same class hold something to fill in.
 bool IsMessageBox(HWND window) {
     if (!IsOfClass(window, "#32770") || !GetDlgItem(window, kMessageTextId)) return false;
     bool hasButton = false;

@@ -10,7 +10,7 @@
 
 namespace vesk {
 
-// Those of this thread that are shown.
+// The windows of this thread that are shown.
 std::vector<HWND> TopLevelWindows();
 
 bool IsOfClass(HWND window, std::string_view name);

@@ -19,7 +19,7 @@ StepResult Run(ScriptStep& step) {
     }
 }
 
-// As many as rules; null where the runner plays the verb.
+// There are as many as rules; it is null where the runner plays the verb.
 constexpr StepResult (*kFunctions[])(ScriptStep&) = {
 #define VESK_STAGE(result, function, ...) &Run<&verbs::function>,
 #define VESK_RUNNER(...) nullptr,

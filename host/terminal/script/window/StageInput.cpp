@@ -72,7 +72,7 @@ StepResult TypeText(ScriptStep& step) {
     if (!KeyReceiver()) return StepResult::Failed("no window has the focus");
     const SHORT scan = VkKeyScanA(text[step.attempt]);
     if (scan == -1) {
-        // Not on this keyboard: the character comes by itself, as from an input method.
+        // This keyboard has no key for the character: it comes by itself, as from an input method.
         PostMessageA(KeyReceiver(), WM_CHAR, static_cast<unsigned char>(text[step.attempt]), 1);
     } else {
         const int modifiers = HIBYTE(scan);

@@ -291,7 +291,7 @@ void MainFrame::LayOut() {
 }
 
 void MainFrame::LayOutStatusBar(int width) {
-    // Of the parts behind the first, which takes what is left.
+    // The widths of the parts behind the first, which takes what is left.
     constexpr int widths[] = {200, 165, 240, 95, 160};
     int edges[std::size(widths) + 1] = {};
     edges[std::size(widths)] = width - Scale().Pixels(20);

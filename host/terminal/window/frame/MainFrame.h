@@ -16,9 +16,9 @@ namespace vesk {
 
 class Application;
 
-// Told by a plug-in: WPARAM is its pane, which the frame lays out from then on.
+// A plug-in sends it: WPARAM is its pane, which the frame lays out from then on.
 inline constexpr UINT kRegisterPaneMessage = 1933;
-// To a pane; LPARAM is a command's text.
+// The frame sends it to a pane; LPARAM is a command's text.
 inline constexpr UINT kPaneCommandMessage = 1214;
 // The application's own deferred work; WPARAM is its number.
 inline constexpr UINT kDeferredMessage = WM_APP + 1;
