@@ -90,7 +90,7 @@ TEST_F(PluginTest, EachMissingOptionalExportTakesOnlyWhatNeedsItAway) {
         if (takesControls) AnswerDefaults();
         FillGoodOrder(dialog, row.hiddenToo ? "" : "C002");
         // Frequencies that no answer brought cannot be selected; the rest is as far as it goes.
-        probe::Press(dialog, order::kSubmit);
+        probe::Press(dialog, IDC_SUBMIT);
         EXPECT_EQ(Dump(opening, host.LastRequest(), host.log, boxes.Texts()), Changed(row));
         EXPECT_EQ(plugin->Activate("C001", host.strings), 1);
         plugin->ApplyFont();
