@@ -26,7 +26,7 @@ Fields::Fields(const std::string& text) {
     std::istringstream words(text);
     for (std::string word; words >> word;) {
         const std::size_t equals = word.find('=');
-        Field& field = emplace_back(TagNamed(word.substr(0, equals)), Texts{});
+        Field& field = emplace_back(Field{TagNamed(word.substr(0, equals)), {}});
         std::istringstream values(word.substr(equals + 1) + ',');
         for (std::string value; std::getline(values, value, ',');)
             field.values.push_back(value);

@@ -43,16 +43,6 @@ TEST_F(BookTest, OpensInItsPaneOnceAndEveryPickAsksAgain) {
                     + (IsWindowVisible(child) ? "|" : " hidden|");
     EXPECT_EQ(children, "1200 SysTabControl32|1201 SysListView32|1202 SysListView32 hidden|"
                         "1203 msctls_statusbar32|");
-    HWND tabs = GetDlgItem(dialog, IDC_BOOK_TABS);
-    for (const WPARAM page : {0, 1}) {
-        char caption[32] = "";
-        TCITEMA item{};
-        item.mask = TCIF_TEXT;
-        item.pszText = caption;
-        item.cchTextMax = sizeof caption;
-        SendMessageA(tabs, TCM_GETITEMA, page, reinterpret_cast<LPARAM>(&item));
-        EXPECT_STREQ(caption, page ? "Cancelled Orders" : "Registered Orders");
-    }
     EXPECT_EQ(GetFocus(), registered);
     EXPECT_EQ(announced, std::vector{pane});
     EXPECT_EQ(host.requests.size(), 4u);
@@ -231,45 +221,6 @@ TEST_F(BookTest, RowMenusOfferWhatTheSelectionAllows) {
     EXPECT_TRUE(IsWindowVisible(cancelled));
     EXPECT_FALSE(IsWindowVisible(registered));
     expect(cancelled, "Order History 4|-|", 26100, false);
-}
-
-TEST_F(BookTest, SelectionFocusAndPlaceStayWithTheirRecords) {
-    Open();
-    QueriedUpTo(300);
-    EXPECT_EQ(NumberAt(registered, Next(registered, LVNI_FOCUSED)), "SIP300") << "the newest";
-    EXPECT_EQ(SelectedNumbers(registered), "");
-    constexpr std::string_view chosen = "SIP160 SIP150 SIP140";
-    Select(registered, {"SIP140", "SIP150", "SIP160"});
-    SendMessageA(registered, LVM_ENSUREVISIBLE, 299, FALSE);
-    SendMessageA(registered, LVM_ENSUREVISIBLE, 140, FALSE);
-    const auto top = [&] {
-        return NumberAt(registered, static_cast<int>(SendMessageA(registered, LVM_GETTOPINDEX, 0, 0)));
-    };
-    EXPECT_EQ(top(), "SIP160");
-    struct Step {
-        const char* what;
-        std::function<void()> happens;
-        const char* focused;
-        bool scrolls = false;
-    };
-    const Step steps[] = {
-        {"removed in front", [&] { Streamed("SIP250", "canceled"); }, "SIP140"},
-        {"removed behind", [&] { Streamed("SIP20", "canceled"); }, "SIP140"},
-        {"updated", [&] { Streamed("SIP150", "Paused"); }, "SIP140"},
-        {"inserted", [&] { Queried("SIP301"); }, "SIP301"},
-        {"inserted of another client", [&] { Queried("SIP302", "active", "C002"); }, "SIP302"},
-        {"filtered", [&] { plugin->Activate("C001", host.strings); }, "", true},
-        {"sorted", [&] { Command(26007); }, "", true},
-        {"inserted in a sorted list", [&] { Queried("SIP303"); }, "SIP303"},
-        {"in natural order", [&] { Command(26009); }, "SIP303", true},
-    };
-    for (const Step& step : steps) {
-        const std::string before = top();
-        step.happens();
-        EXPECT_EQ(SelectedNumbers(registered), chosen) << step.what;
-        EXPECT_EQ(NumberAt(registered, Next(registered, LVNI_FOCUSED)), step.focused) << step.what;
-        EXPECT_TRUE(step.scrolls || top() == before) << step.what << top();
-    }
 }
 
 TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {

@@ -49,6 +49,13 @@ TEST_F(PluginTest, TheMenuOfEditsFollowsTheirStateAndPastesThroughTheFilter) {
         EXPECT_EQ(UseMenu(edit, 4, VK_RETURN), ".XCPD.");
     }
     EXPECT_EQ(probe::Text(dialog, IDC_VALUE), "12.56");
+    EXPECT_TRUE(SelectedAt(dialog, IDC_VALUE).starts_with("5-5")) << "the caret stands at the end";
+    // A clean text is left alone, and the caret where the user put it.
+    SetFocus(GetDlgItem(dialog, IDC_VALUE));
+    SendDlgItemMessageA(dialog, IDC_VALUE, EM_SETSEL, 2, 2);
+    PostMessageA(GetFocus(), WM_CHAR, '9', 1);
+    probe::Pump();
+    EXPECT_EQ(probe::Text(dialog, IDC_VALUE) + " " + SelectedAt(dialog, IDC_VALUE), "129.56 3-3 focus");
 }
 
 } // namespace

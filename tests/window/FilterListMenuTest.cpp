@@ -120,18 +120,19 @@ TEST_F(FilterList, ColumnsComeBackAsTheUserLeftThem) {
     EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 120);
 }
 
-// Types the name into the box that asks for it.
-void CALLBACK NameTheExport(HWND, UINT, UINT_PTR timer, DWORD);
-std::string g_exportName;
-
 TEST_F(FilterList, AnExportIsWholeOrNotThere) {
     Fill(3);
     cells[1] = {"=1+1", "-5.50", "a,\"b\""};
     const auto good = folder / "rows.csv", bad = folder / "refused.csv", inTheWay = folder / "refused.csv.new";
     std::filesystem::create_directories(inTheWay);
     for (const auto& path : {good, bad}) {
-        g_exportName = path.string();
-        SetTimer(nullptr, 0, 10, NameTheExport);
+        const probe::WhenShown asked([] { return probe::FindDialog("Export"); },
+                                     [&](HWND box) {
+                                         for (HWND child : probe::Children(box))
+                                             if (const int id = GetDlgCtrlID(child); id == 0x47C || id == 0x480)
+                                                 SetWindowTextA(child, path.string().c_str());
+                                         PostMessageA(box, WM_COMMAND, IDOK, 0);
+                                     });
         Run(exportRows);
     }
     EXPECT_EQ(Read(good), "Symbol,Amount,State\r\n" + cells[2][0]
@@ -149,19 +150,6 @@ TEST_F(FilterList, AnExportIsWholeOrNotThere) {
                  "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
     GlobalUnlock(memory);
     CloseClipboard();
-}
-
-void CALLBACK NameTheExport(HWND, UINT, UINT_PTR timer, DWORD) {
-    constexpr int fileName = 0x47C, fileCombo = 0x480;
-    HWND box = probe::FindDialog("Export");
-    if (!box) return;
-    KillTimer(nullptr, timer);
-    for (HWND child : probe::Children(box)) {
-        const int id = GetDlgCtrlID(child);
-
-        if (id == fileName || id == fileCombo) SetWindowTextA(child, g_exportName.c_str());
-    }
-    PostMessageA(box, WM_COMMAND, IDOK, 0);
 }
 
 // Whatever is open or under way, the window and even the list may go.
