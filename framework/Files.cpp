@@ -1,6 +1,6 @@
 #include "framework/Files.h"
 
-#include "base/FileText.h"
+#include "base/Text.h"
 #include "framework/Wide.h"
 
 #include <commdlg.h>
@@ -21,7 +21,7 @@ std::string SystemText(DWORD error) {
     return message.empty() ? "Error " + std::to_string(error) : message;
 }
 
-// As the system takes it, which wants another form of a long one.
+// The system wants another form of a long name.
 std::wstring SystemPath(std::string_view path) {
     constexpr std::size_t leastLong = MAX_PATH - 16; // with the neighbour's ending
     const std::wstring wide = Wide(path, CP_UTF8);

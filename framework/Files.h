@@ -26,7 +26,7 @@ struct FileQuestion {
     const char* title = nullptr; // null: the system's
 };
 
-// None when the user thinks better of it.
+// There is none when the user thinks better of it.
 std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& question);
 // Asks once more before another file is replaced.
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
@@ -38,10 +38,10 @@ void RemoveFile(const std::string& name);
 // made.
 File HoldFile(const std::string& name);
 
-// None when it cannot be opened or read.
+// There is none when it cannot be opened or read.
 std::optional<std::string> ReadWhole(const std::string& name);
 
-// For a settings file, in which the system takes the mark for part of the first line.
+// A settings file needs this: the system takes the mark for part of its first line.
 void DropByteOrderMark(const std::string& name);
 
 // Puts the lines at the end of the file, behind the heading when it is new, and behind a line end when its last
@@ -50,7 +50,7 @@ bool AppendLines(const std::string& name, std::string_view heading, std::string_
 // And those above it.
 void MakeFolders(const std::string& name);
 
-// With the system's line ends in place of line feeds.
+// Puts the system's line ends in place of line feeds.
 std::string WithLineEnds(std::string_view text);
 
 // Writes a neighbour and puts it in the file's place, which keeps its old content when anything fails. What

@@ -12,7 +12,7 @@ std::wstring Wide(std::string_view text, UINT codePage);
 // What the code page lacks becomes its default character.
 std::string Narrow(std::wstring_view wide, UINT codePage);
 
-// Of a text of the system's ANSI code page.
+// `ansi` is in the system's ANSI code page.
 std::string Utf8(std::string_view ansi);
 
 } // namespace framework

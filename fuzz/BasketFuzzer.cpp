@@ -166,7 +166,7 @@ private:
         bool isSent = false;
     };
 
-    // All that is sent.
+    // Keeps all that is sent.
     static std::string Ordered(const sBasketOrderData& order) {
         std::string text;
         for (const BasketField field : kBasketColumns) {
@@ -186,7 +186,7 @@ private:
         for (const Row& row : m_rows) {
             list.records.push_back(row.record);
             if (!row.isSent) unsent.push_back(Ordered(m_store[row.record]));
-            // Rounded away, and so no order that loads.
+            // What is rounded away is no order that loads.
             if (m_store[row.record].Text(BasketField::amount) == "0") return;
         }
         for (const bool placing : {false, true}) {

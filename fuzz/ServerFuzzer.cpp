@@ -67,7 +67,7 @@ void CheckAnswer(const std::string& bytes, std::string_view request, bool isGarb
         Demand(!qmx::Text(reader.Handle(), tag::userText).empty());
 }
 
-// All that was answered.
+// Keeps all that was answered.
 std::string Ask(Server& server, std::string_view line) {
     qmx::MessageWriter writer;
     std::string told;

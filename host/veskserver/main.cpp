@@ -1,5 +1,5 @@
 // veskserver: the trading server as a program of its own.
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
 #include "host/market/TradingCalendar.h"
 #include "host/server/net/NetServer.h"

@@ -1,7 +1,7 @@
 // Small text helpers shared by all subsystems.
 #pragma once
 
-#include "base/Format.h"
+#include "base/Text.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 // Basket files: read line by line into rows and rejected lines, and written from rows.
 #pragma once
 
-#include "base/FileText.h"
+#include "base/Text.h"
 #include "plugin/basket/BasketLine.h"
 
 #include <span>

@@ -29,7 +29,7 @@ std::string Entries(HMENU menu);
 
 // A key into the window that has the focus; arrives through the message loop.
 void PostKey(WPARAM key);
-// Of the left button, at a place in the window's client area; the same way.
+// Clicks with the left button, at a place in the window's client area; the same way.
 void PostClick(HWND window, POINT place);
 
 // Top-level windows of this thread, without those of the input method.
@@ -37,7 +37,7 @@ std::vector<HWND> TopWindows();
 HWND FindDialog(std::string_view title);
 std::vector<HWND> Children(HWND parent);
 
-// As the host's loop does: translates and dispatches what waits.
+// Translates and dispatches what waits, as the host's loop does.
 void Pump();
 // Pumps until it holds; false after some seconds.
 bool PumpUntil(const std::function<bool()>& holds);

@@ -31,7 +31,7 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
     struct Row {
         const char* start;
         std::function<void()> starts;
-        int closes;       // the reason dialog, by this command
+        int closes;       // the reason dialog, by this command; 0: by Escape
         const char* sent; // null: nothing is asked or sent
     };
     const auto press = [](UINT key) {
@@ -40,9 +40,7 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
     };
     const Row rows[] = {
         {"a key in the list", [&] { press(VK_DELETE); }, IDOK, "not wanted"},
-        {"the host's text", [&] { SendText("Cancel Order"); }, IDCANCEL, " "},
-        {"the command", [&] { Command(book::kCancel); }, 0, " "}, // Escape
-        {"another text", [&] { SendText("Cancel order"); }, IDOK, nullptr},
+        {"the host's text", [&] { SendText("Cancel Order"); }, 0, " "},
         {"no text", [&] { SendText(nullptr); }, IDOK, nullptr},
         {"a key in the other list",
          [&] {
@@ -60,8 +58,8 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
         std::string caption;
         const WhenShown reason(ReasonDialog, [&](HWND shown) {
             EXPECT_FALSE(IsWindowEnabled(Frame()));
-            EXPECT_EQ(GetFocus(), GetDlgItem(shown, book::kReason));
-            probe::SetEdit(shown, book::kReason, "not wanted");
+            EXPECT_EQ(GetFocus(), GetDlgItem(shown, IDC_REJECT_REASON));
+            probe::SetEdit(shown, IDC_REJECT_REASON, "not wanted");
             if (row.closes)
                 probe::Press(shown, row.closes);
             else
@@ -85,29 +83,12 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
     EXPECT_TRUE(host.requests.empty());
 }
 
-TEST_F(BookAction, TheStreamGoesOnUnderTheReason) {
-    OpenWith(4, {"SIP1", "SIP2"});
-    const WhenShown reason(ReasonDialog, [&](HWND shown) {
-        Streamed("SIP2", "cancelled");
-        Queried("SIP5");
-        EXPECT_EQ(Counts(), "4 1");
-        Command(book::kCancel); // not twice
-        probe::Press(shown, IDOK);
-    });
-    Command(book::kCancel);
-    EXPECT_EQ(host.requests, (Texts{CancelRequest("SIP2", " "), CancelRequest("SIP1", " ")}));
-    EXPECT_EQ(SelectedNumbers(registered), "SIP1");
-    host.AnswerBook("echoedRequest=cancel_sip_order echoedNumber=SIP1");
-    EXPECT_EQ(Counts(), "3 1");
-    EXPECT_EQ(boxes.Texts(), "You have selected 2 Orders to Cancel. Proceed?|SIP1 Order Cancelled |");
-}
-
 // Nothing is left, and nothing is sent any more.
 TEST_F(BookAction, TheBookMayEndInTheMiddleOfEverything) {
     const auto progress = [] {
         HWND found = nullptr;
         for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, book::kRunBar)) found = window;
+            if (GetDlgItem(window, IDC_RUN_BAR)) found = window;
         return found;
     };
     const auto ends = [&](bool exits) {
@@ -176,67 +157,6 @@ TEST_F(BookAction, TheBookMayEndInTheMiddleOfEverything) {
             EXPECT_EQ(exits, host.LiveControls() == 0);
             boxes.Texts();
         }
-}
-
-TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
-    Open();
-    QueriedInFull("SIP1", "active"); // its start is long past
-    Select(registered, {"SIP1"});
-    const auto modifying = [] { return probe::FindDialog("Planfold Modify Order: SIP1"); };
-    for (const char* end : {"answer", "escape", "new order"}) {
-        SCOPED_TRACE(end);
-        Command(book::kModify);
-        HWND form = modifying();
-        ASSERT_NE(form, nullptr);
-        std::string enabled;
-        for (HWND child : probe::Children(form)) {
-            const LONG_PTR style = GetWindowLongPtrA(child, GWL_STYLE);
-            if ((style & WS_VISIBLE) && !(style & WS_DISABLED) && probe::ClassOf(child) != "Static")
-                enabled += std::to_string(GetDlgCtrlID(child)) + " ";
-        }
-        EXPECT_EQ(enabled, "1025 1037 1161 1034 ");
-        EXPECT_EQ(probe::Text(form, order::kSubmit) + probe::Text(form, order::kSymbol), "ModifyARBORTOOLS");
-        EXPECT_EQ(SelectedAt(form, order::kValue), "0-7 focus") << "1234.50 is typed over";
-        if (*end == 'a') {
-            probe::SetEdit(form, order::kValue, "99.5");
-            probe::SetEdit(form, order::kPeriod, "24");
-            probe::Press(form, order::kSubmit);
-            EXPECT_EQ(host.LastRequest(),
-                      "modify_sip_order registrationNumber=SIP1 amountOrQuantity=9950 totalPeriod=24");
-            EXPECT_EQ(boxes.Texts(), "");
-            host.Answer("echoedRequest=modify_sip_order userText=modified");
-            EXPECT_EQ(boxes.Texts(), "modified|");
-        } else if (*end == 'e') {
-            probe::PostKey(VK_ESCAPE);
-            probe::Pump();
-        } else {
-            form = OpenOrderEntry();
-            ASSERT_NE(form, nullptr);
-            EXPECT_EQ(probe::Text(form, order::kSubmit) + probe::Text(form, order::kPeriod), "Submit1");
-            EXPECT_TRUE(IsWindowEnabled(GetDlgItem(form, order::kSymbol)));
-            EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode");
-        }
-        EXPECT_EQ(modifying(), nullptr);
-        EXPECT_EQ(PluginWindows().empty(), *end != 'n');
-    }
-    Command(book::kModify);
-    Streamed("SIP1", "Paused");
-    EXPECT_NE(probe::Text(modifying(), order::kSummary)
-                  .find("Changed meanwhile by DEALER7: Status Paused instead of active\n"),
-              std::string::npos)
-        << probe::Text(modifying(), order::kSummary);
-    QueriedInFull("SIP1", "cancelled");
-    boxes.toQuestions = IDNO;
-    host.requests.clear();
-    probe::Press(modifying(), order::kSubmit);
-    EXPECT_EQ(boxes.Texts(),
-              "SIP1 was changed by DEALER8 while this form was open:\nStatus cancelled instead of "
-              "active\n\nModify it all the same?|");
-    EXPECT_TRUE(host.requests.empty());
-    EXPECT_EQ(probe::Text(modifying(), order::kValue), "1234.50");
-    Streamed("SIP1", "expired");
-    Command(book::kModify);
-    EXPECT_EQ(boxes.Texts(), "Cannot modify SIP. Order status: expired|");
 }
 
 } // namespace

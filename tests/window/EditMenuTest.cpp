@@ -38,7 +38,7 @@ TEST_F(PluginTest, TheMenuOfEditsFollowsTheirStateAndPastesThroughTheFilter) {
     HWND dialog = OpenWithDefaults();
     SetForegroundWindow(dialog);
     PutOnClipboard("12x.5.6");
-    for (const int control : {order::kValue, order::kPeriod, order::kClientSearch}) {
+    for (const int control : {IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH}) {
         SCOPED_TRACE(control);
         HWND edit = GetDlgItem(dialog, control);
         probe::SetEdit(dialog, control, "");
@@ -48,7 +48,7 @@ TEST_F(PluginTest, TheMenuOfEditsFollowsTheirStateAndPastesThroughTheFilter) {
         SendMessageA(edit, EM_SETSEL, 0, -1);
         EXPECT_EQ(UseMenu(edit, 4, VK_RETURN), ".XCPD.");
     }
-    EXPECT_EQ(probe::Text(dialog, order::kValue), "12.56");
+    EXPECT_EQ(probe::Text(dialog, IDC_VALUE), "12.56");
 }
 
 } // namespace

@@ -1,13 +1,13 @@
 #include "host/terminal/window/Application.h"
 
 #include "framework/DialogLayout.h"
-#include "host/files/Paths.h"
-#include "host/terminal/script/window/WindowStage.h"
-#include "host/terminal/window/CommandIds.h"
-#include "host/terminal/window/CountDialog.h"
+#include "host/files/Files.h"
+#include "host/terminal/script/window/Stage.h"
 #include "host/terminal/window/EmbeddedLink.h"
 #include "host/terminal/window/Encoding.h"
 #include "host/terminal/window/RemoteLink.h"
+#include "host/terminal/window/frame/CountDialog.h"
+#include "host/terminal/window/frame/MenuBar.h"
 
 #include <algorithm>
 #include <ctime>

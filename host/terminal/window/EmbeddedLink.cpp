@@ -1,6 +1,6 @@
 #include "host/terminal/window/EmbeddedLink.h"
 
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/server/RxHub.h"
 #include "host/server/ServerConfig.h"
 #include "host/server/sample/MarketOfServer.h"

@@ -2,7 +2,7 @@
 // or corrected in the form.
 #pragma once
 
-#include "framework/ColorStatic.h"
+#include "framework/Colours.h"
 #include "framework/Dialog.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/controls/window/FilterList.h"

@@ -1,7 +1,7 @@
 // The order entry window.
 #pragma once
 
-#include "framework/ColorStatic.h"
+#include "framework/Colours.h"
 #include "plugin/controls/window/AfterBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/messaging/RxLink.h"
