@@ -57,9 +57,9 @@ struct Desk {
         Require(exported.size() == sample.text.size(), "writing rows");
     }
     void Place() {
-        BasketPlacing placing(host.session, &host.control, store->rows,
+        BasketPlacing placing(host.pass, host.session, &host.control, store->rows,
                               {store->list.begin(), store->list.end()});
-        while (placing.Step()) {
+        while (placing.Step(host.pass)) {
         }
         Require(placing.SentCount() == sample.lines, "placing");
     }

@@ -21,12 +21,12 @@ constexpr std::string_view kAccountName = "Tara Thakur";
 
 class ModelView final : public BookView {
 public:
-    void ShowMessage(std::string_view) override {}
+    void ShowMessage(planfold::Pass, std::string_view) override {}
     bool IsOpen() const override { return true; }
-    bool Ask(std::string_view) override { return false; }
-    std::string AskReason() override { return {}; }
-    void OpenForModify(const sOrderinfo&) override {}
-    void TellChanged(const sOrderinfo&) override {}
+    bool Ask(Pass, std::string_view) override { return false; }
+    std::string AskReason(Pass) override { return {}; }
+    void OpenForModify(Pass, const sOrderinfo&) override {}
+    void TellChanged(Pass, const sOrderinfo&) override {}
     void ShowRun() override {}
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }

@@ -11,7 +11,7 @@ namespace bench {
 
 class SilentNotices final : public planfold::Notices {
 public:
-    void ShowMessage(std::string_view) override {}
+    void ShowMessage(planfold::Pass, std::string_view) override {}
 };
 
 // Takes the bytes and drops them.
@@ -48,11 +48,17 @@ struct SilentHost {
     SilentHost() {
         session.host.pu_get_uuid = [](OutString) { return 1; };
         session.m_nSipOperationMode = 1;
-        session.OpenHandles(notices);
+        session.OpenHandles(pass, notices);
     }
     SilentHost(const SilentHost&) = delete;
     SilentHost& operator=(const SilentHost&) = delete;
 
+    // What a call needs that lets the host in.
+    const planfold::Pass pass = [] {
+        std::optional<planfold::Pass> made;
+        planfold::Lifetime::Last([&](planfold::Pass one) { made = one; });
+        return *made;
+    }();
     HeapStringManager strings;
     std::string loginId = "DEALER1", peerA = "BROKER", peerB = "BRANCH", active;
     planfold::Session session{

@@ -33,10 +33,10 @@ public:
     }
     void Submit() {
         sSipOrderData order;
-        const bool refused = ValidateSipOrder(m_host.session, nullptr, m_form, kNow, order).has_value();
+        const bool refused = ValidateSipOrder(m_host.pass, m_host.session, nullptr, m_form, kNow, order).has_value();
         Require(
             !refused
-                && SendAddSipOrders(m_host.session, &m_host.control, m_host.notices, order, m_form.exchange),
+                && SendAddSipOrders(m_host.pass, m_host.session, &m_host.control, m_host.notices, order, m_form.exchange),
             "Submit");
     }
 

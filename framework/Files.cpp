@@ -134,6 +134,31 @@ void DropByteOrderMark(const std::string& name) {
     if (text && rest.size() < text->size()) WriteWhole(name, std::string(rest));
 }
 
+// What is only opened for appending is written at the end, wherever that is by then.
+bool AppendLines(const std::string& name, std::string_view heading, std::string_view lines) {
+    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return false;
+    const File file(opened);
+    char last = '\n';
+    DWORD read = 0;
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(file.Get(), &size)) return false;
+    if (size.QuadPart > 0
+        && !(SetFilePointerEx(file.Get(), {.QuadPart = -1}, nullptr, FILE_END)
+             && ReadFile(file.Get(), &last, 1, &read, nullptr)))
+        return false;
+    std::string text(size.QuadPart == 0 ? heading : last == '\n' ? std::string_view() : "\r\n");
+    return WriteAll(file.Get(), text.append(lines));
+}
+
+void MakeFolders(const std::string& name) {
+    for (std::size_t end = name.find('\\', name.find('\\') + 1); end != name.npos;
+         end = name.find('\\', end + 1))
+        CreateDirectoryW(SystemPath(name.substr(0, end)).c_str(), nullptr);
+    CreateDirectoryW(SystemPath(name).c_str(), nullptr);
+}
+
 std::string WithLineEnds(std::string_view text) {
     std::string result;
     result.reserve(text.size() + text.size() / 64);

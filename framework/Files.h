@@ -44,6 +44,12 @@ std::optional<std::string> ReadWhole(const std::string& name);
 // A settings file needs this: the system takes the mark for part of its first line.
 void DropByteOrderMark(const std::string& name);
 
+// Puts the lines at the end of the file, behind the heading when it is new, and behind a line end when its last
+// line has none. Others may append at the same time. True once they are on the disk.
+bool AppendLines(const std::string& name, std::string_view heading, std::string_view lines);
+// And those above it.
+void MakeFolders(const std::string& name);
+
 // Puts the system's line ends in place of line feeds.
 std::string WithLineEnds(std::string_view text);
 

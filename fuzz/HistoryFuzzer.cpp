@@ -17,7 +17,7 @@ using namespace planfold;
 namespace {
 
 struct View final : HistoryView {
-    void ShowMessage(std::string_view) override { Demand(false); } // nothing fails here
+    void ShowMessage(Pass, std::string_view) override { Demand(false); } // nothing fails here
     void OnRecordChanged() override {}
     void ListRecords() override {
         ++listings;
@@ -78,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (std::string line; !input.AtEnd() && (line = input.Line()) != "--";)
             text += line + "\n";
         if (text.starts_with("open ")) {
-            history.Open(text.substr(5));
+            history.Open(test::kPass, text.substr(5));
             continue;
         }
         if (text.starts_with("focus ")) {

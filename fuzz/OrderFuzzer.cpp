@@ -63,14 +63,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     session.m_nSipOperationMode = ways.find('s') != ways.npos;
     session.host = ResolveHostCallbacks(session.lookup);
     if (ways.find('k') != ways.npos) session.host.pu_get_trading_symbol_n_token = nullptr;
-    for (const FrequencyRow& row : kFrequencies)
-        session.*row.minimum = LeadingReal(input.Line());
+    for (const Frequency& frequency : kFrequencies)
+        session.MinimumPeriods(frequency) = LeadingReal(input.Line());
     host.scrips = {{"nse_cm", form.series, form.symbol, "", input.Line(), ""}};
     host.exchangeAndToken = input.Line();
     host.scrips.front().token = input.Line();
 
     sSipOrderData record;
-    if (const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record))
+    if (const auto refusal = ValidateSipOrder(test::kPass, session, nullptr, form, kNow, record))
         Demand(!refusal->text.empty());
     else
         CheckPassed(session, form, record);

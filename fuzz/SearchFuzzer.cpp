@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Box box;
     ClientSearch search(session, box);
-    search.SetUp("key");
+    search.SetUp(test::kPass, "key");
     if (steps.starts_with('a')) box.onPicked = &search;
     for (const char step : std::string_view(steps).substr(0, 100)) {
         Step(search, box, step, typed);

@@ -32,12 +32,12 @@ void CheckMode(test::FakeHost& host, Session& session, const std::string& kept) 
     host.settings = {{"Client_Search_Settings/key", kept}};
     NoBox box;
     ClientSearch search(session, box);
-    search.SetUp("key");
+    search.SetUp(test::kPass, "key");
     const SearchMode mode = search.Mode();
     Demand(mode >= SearchMode::all && mode <= SearchMode::clientName);
     search.SetMode(mode);
     ClientSearch again(session, box);
-    again.SetUp("key");
+    again.SetUp(test::kPass, "key");
     Demand(again.Mode() == mode);
 }
 

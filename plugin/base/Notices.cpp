@@ -10,7 +10,7 @@ constexpr std::size_t kMostLines = 30;
 
 } // namespace
 
-void KeptTexts::ShowMessage(std::string_view text) {
+void KeptTexts::Add(std::string_view text) {
     if (++m_count <= kMostLines) m_lines.append(m_lines.empty() ? "" : "\n").append(text);
 }
 

@@ -1,6 +1,8 @@
 // Texts for the user: where they are shown, and several that are told together when something is over.
 #pragma once
 
+#include "plugin/base/Lifetime.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,7 +12,11 @@ namespace planfold {
 // Where a text for the user is shown: a plain message box with OK, owned by the window that asks.
 class Notices {
 public:
-    virtual void ShowMessage(std::string_view text) = 0;
+    virtual void ShowMessage(Pass pass, std::string_view text) = 0;
+    // The same where nothing of the caller's comes after it.
+    void ShowLast(std::string_view text) {
+        Lifetime::Last([&](Pass pass) { ShowMessage(pass, text); });
+    }
 
 protected:
     ~Notices() = default;
@@ -18,7 +24,8 @@ protected:
 
 class KeptTexts final : public Notices {
 public:
-    void ShowMessage(std::string_view text) override;
+    void ShowMessage(Pass, std::string_view text) override { Add(text); }
+    void Add(std::string_view text);
 
     // Each on its own line; a box stays readable, so only the number of the others after the first of them.
     std::string Text() const;

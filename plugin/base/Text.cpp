@@ -13,8 +13,8 @@ bool StartsWithIgnoringCase(std::string_view text, std::string_view beginning) {
     return EqualsIgnoringCase(text.substr(0, beginning.size()), beginning);
 }
 
-int NextCsvField(std::string_view line, int start, std::string& field) {
-    field.clear();
+int NextCsvField(std::string_view line, int start, std::string_view& field) {
+    field = {};
     auto at = static_cast<std::size_t>(start);
     if (start != 0) {
         if (start < 0 || at >= line.size() || line[at] != ',') return -1;

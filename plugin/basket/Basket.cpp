@@ -29,19 +29,17 @@ const AnswerHandler<Basket> Basket::kAnswers[] = {
 };
 
 void Basket::Initialise(std::string_view customProducts) {
-    const int closings = m_closings;
-    Alone([&] { m_form.Fill(m_view.Now(), customProducts); });
-    if (!IsStill(closings)) return;
+    if (Alone([&](Pass) { return m_form.Fill(m_view.Now(), customProducts); }) != Reply::yes) return;
     LeaveModifyMode();
     m_correctedLine = 0;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable);
     m_view.ShowStatus();
     m_view.ShowRejected();
-    RegisterDeleteKey();
-    if (IsStill(closings)) m_form.AskFrequencies();
+    if (m_life.Across([&](Pass pass) { RegisterDeleteKey(pass); }))
+        Lifetime::Last([&](Pass pass) { m_form.AskFrequencies(pass); });
 }
 
-void Basket::RegisterDeleteKey() {
+void Basket::RegisterDeleteKey(Pass pass) {
     const auto add = Find<sdk::fn::register_hotkey>(m_session.lookup, "register_hotkey");
     m_hostOwnsDeleteKey = add && Find<sdk::fn::pu_InvokeDialog>(m_session.lookup, "pu_InvokeDialog");
     if (!m_hostOwnsDeleteKey) return;
@@ -49,11 +47,11 @@ void Basket::RegisterDeleteKey() {
     const CString text = m_session.String("Delete");
     const CString description = m_session.String("Basket Delete");
     const CString key = m_session.String("del");
-    add(m_view.Handle(), &group, kDeleteHotKey, &text, &description, &key);
+    add(pass, m_view.Handle(), &group, kDeleteHotKey, &text, &description, &key);
 }
 
 void Basket::OnClosed() {
-    ++m_closings;
+    m_life.Renew();
     // What a run did not come to may still be placed; what was placed stays so.
     const bool ranOn = IsUnderWay();
     if (ranOn) m_placeable = m_view.List().RowCount() > 0;
@@ -65,7 +63,7 @@ void Basket::OnClosed() {
     m_placing.reset();
     if (!ranOn) return;
     if (!m_bringsBack)
-        KeepUnsent();
+        KeepUnsentLast();
     else if (!m_inPortion)
         BringNothingBack();
 }
@@ -99,14 +97,13 @@ std::string Basket::OtherRowQuestion(RecordId selected) const {
 
 void Basket::AddOrModify() {
     if (IsBusy()) return;
-    const int closings = m_closings;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     FormOrder order;
-    const auto refusal = Alone([&] { return m_form.Read(m_view.Now(), order); });
-    if (!IsStill(closings)) return;
-    if (refusal) {
+    const auto read = Alone([&](Pass pass) { return m_form.Read(pass, m_view.Now(), order); });
+    if (!read) return;
+    if (const auto& refusal = *read) {
         if (refusal->focus) m_view.Focus(refusal->focus);
-        return m_view.ShowMessage(refusal->text);
+        return m_view.ShowLast(refusal->text);
     }
     if (!AskAboutUnknown({order.data.account}, "Take the order into the basket all the same?",
                          &Basket::AddOrModify))
@@ -115,7 +112,7 @@ void Basket::AddOrModify() {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
         LeaveCorrected();
         m_view.ShowStatus();
-        return KeepUnsent();
+        return KeepUnsentLast();
     }
     RecordId selected = RowToModify();
     if (selected != kNoRecord && m_rows[selected].SerialNumber() != m_shownRow) {
@@ -125,31 +122,29 @@ void Basket::AddOrModify() {
     }
     LeaveModifyMode();
     m_form.ClearAfterModify();
-    if (selected == kNoRecord) return m_view.ShowMessage("Order Not Found");
+    if (selected == kNoRecord) return m_view.ShowLast("Order Not Found");
     m_rows.Replace(selected, order.Texts());
     m_view.List().Repaint(selected);
     m_view.ShowStatus();
-    KeepUnsent();
+    KeepUnsentLast();
 }
 
 void Basket::Activate(RecordId record) {
     if (IsBusy() || record == kNoRecord) return;
-    const int closings = m_closings;
     // A copy: while the form fills the host may let an answer in, which changes the row.
     const sBasketOrderData row(m_rows[record].Texts(), 0);
-    const int notShown = Alone([&] { return m_form.ShowRow(row.Texts(), m_view.Now()); });
-    if (!IsStill(closings)) return;
+    const auto notShown = Alone([&](Pass pass) { return m_form.ShowRow(pass, row.Texts(), m_view.Now()); });
+    if (!notShown) return;
     m_shownRow = m_rows[record].SerialNumber();
     m_correctedLine = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
-    m_view.SetText(IDC_SUBMIT, notShown == 0 ? kModify : kAdd);
-    TellNotShown(notShown);
+    m_view.SetText(IDC_SUBMIT, *notShown == 0 ? kModify : kAdd);
+    TellNotShown(*notShown);
 }
 
 void Basket::TellNotShown(int fields) {
-    const int closings = m_closings;
-    for (; fields > 0 && IsStill(closings); --fields)
-        m_view.ShowMessage("Failed to Load");
+    for (; fields > 0; --fields)
+        if (!m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, "Failed to Load"); })) return;
 }
 
 void Basket::ActivateRejected(std::size_t index) {
@@ -158,13 +153,12 @@ void Basket::ActivateRejected(std::size_t index) {
     const std::string line = m_rejected[index].text;
     BasketTexts columns;
     if (!SplitBasketLine(line, columns))
-        return m_view.ShowMessage("The line does not have the columns of a basket file.");
-    const int closings = m_closings;
-    const int notShown = Alone([&] { return m_form.Show(columns, m_view.Now()); });
-    if (!IsStill(closings)) return;
+        return m_view.ShowLast("The line does not have the columns of a basket file.");
+    const auto notShown = Alone([&](Pass pass) { return m_form.Show(pass, columns, m_view.Now()); });
+    if (!notShown) return;
     LeaveModifyMode();
     m_correctedLine = number;
-    TellNotShown(notShown);
+    TellNotShown(*notShown);
 }
 
 // What the form was filled from is in the list now.
@@ -182,7 +176,7 @@ void Basket::Delete() {
     for (const RecordId record : selected)
         m_rows.Remove(record);
     m_view.ShowStatus();
-    KeepUnsent();
+    KeepUnsentLast();
 }
 
 bool Basket::MayAsk(Act act) {
@@ -209,44 +203,38 @@ Basket::Pressed Basket::Press() const {
 
 bool Basket::Ask(const std::string& question, Act act) {
     if (!MayAsk(act)) return false;
-    const int closings = m_closings;
-    const bool yes = Alone([&] { return m_view.Ask(question); });
-    return yes && IsStill(closings);
+    return Alone([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes;
 }
 
 Choice Basket::Choose(const std::string& question, Act act) {
     if (!MayAsk(act)) return Choice::cancel;
-    const int closings = m_closings;
-    const Choice choice = Alone([&] { return m_view.Choose(question); });
-    return IsStill(closings) ? choice : Choice::cancel;
+    return Alone([&](Pass pass) { return m_view.Choose(pass, question); }).value_or(Choice::cancel);
 }
 
 void Basket::Export() {
     if (IsBusy()) return;
-    if (m_view.List().RowCount() == 0) return m_view.ShowMessage("No items in the list");
-    const int closings = m_closings;
-    const auto path = Alone([&] { return m_view.AskExportPath(); });
-    if (!path || !IsStill(closings)) return;
+    if (m_view.List().RowCount() == 0) return m_view.ShowLast("No items in the list");
+    const auto path = Alone([&](Pass pass) { return m_view.AskExportPath(pass); }).value_or(std::nullopt);
+    if (!path) return;
     std::string text;
     const BasketList& list = m_view.List();
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         AppendBasketLine(m_rows[list.RecordAt(row)], text);
     if (m_view.WriteFileWhole(*path, BasketFileText(std::move(text))))
-        m_view.ShowMessage("Exported to File Successfully");
+        m_view.ShowLast("Exported to File Successfully");
     else
-        m_view.ShowMessage(" Basket File Write Error: File Open Error");
+        m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
 void Basket::SaveRejected() {
     if (IsBusy() || m_rejected.empty()) return;
-    const int closings = m_closings;
-    const auto path = Alone([&] { return m_view.AskRejectsPath(); });
-    if (!path || !IsStill(closings)) return;
+    const auto path = Alone([&](Pass pass) { return m_view.AskRejectsPath(pass); }).value_or(std::nullopt);
+    if (!path) return;
     std::string text;
     for (const RejectedLine& line : m_rejected)
         text.append(line.text).push_back('\n');
     if (!m_view.WriteFileWhole(*path, BasketFileText(std::move(text))))
-        m_view.ShowMessage(" Basket File Write Error: File Open Error");
+        m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
 std::vector<std::string> Basket::Status() const {

@@ -27,7 +27,7 @@ public:
 
     // `control` may be null: every sending then fails with its own text.
     Basket(Session& session, BasketView& view, RxControl* control)
-        : m_session(session), m_view(view), m_control(control), m_form(session, view, control) {}
+        : m_session(session), m_view(view), m_control(control), m_form(session, view, control, m_life) {}
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
     // the settings file's list; it counts only for holders of the right.
@@ -40,6 +40,7 @@ public:
     // The window is gone, and with it every run and question.
     void OnClosed();
 
+    const Lifetime& Life() const { return m_life; }
     BasketForm& Form() { return m_form; }
     const BasketRows& Rows() const { return m_rows; }
     const std::vector<RejectedLine>& Rejected() const { return m_rejected; }
@@ -97,25 +98,22 @@ private:
         bool m_before;
     };
 
-    // Whether the window that had seen so many closings is still there: a question and the host's callbacks may
-    // end it.
-    bool IsStill(int closings) const { return closings == m_closings && !m_session.Ended(); }
     // Nothing else is done meanwhile: rows keep their places, the form its contents, and no second run begins.
     // A portion counts even when its window has gone: a new one must not take the rows away from under it.
     bool IsBusy() const { return m_taken || m_inPortion || IsUnderWay(); }
-    // Calls what may run a message loop (a question, a box, the host), and lets nothing else begin in it.
+    // Lets the host in, and lets nothing else begin meanwhile.
     template <class Call>
-    auto Alone(Call&& call) {
+    [[nodiscard]] auto Alone(Call&& call) {
         const Turn turn(m_taken);
-        return call();
+        return m_life.Across(std::forward<Call>(call));
     }
     // Whether a question can be asked; otherwise `act` is done again once the open box is gone.
     bool MayAsk(Act act);
     // False when the answer is No, the window has gone, or `act` has to wait.
-    bool Ask(const std::string& question, Act act);
+    [[nodiscard]] bool Ask(const std::string& question, Act act);
     Choice Choose(const std::string& question, Act act); // cancel then
     Choice AskAboutSent();
-    bool AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act);
+    [[nodiscard]] bool AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act);
     Pressed Press() const;
     void LoadFile();
     void BeginLoading(std::string text, BasketRules rules);
@@ -123,10 +121,13 @@ private:
     void EndLoading();
     void EndPlacing();
     void OfferToRemove();
-    void KeepUnsent();
+    // False when the window has gone meanwhile.
+    [[nodiscard]] bool KeepUnsent();
+    // Where nothing comes after it.
+    void KeepUnsentLast() { static_cast<void>(KeepUnsent()); }
     std::string EndBringingBack(bool stopped);
     void BringNothingBack();
-    void RegisterDeleteKey();
+    void RegisterDeleteKey(Pass pass);
     void LeaveModifyMode();
     void LeaveCorrected();
     void TellNotShown(int fields);
@@ -143,6 +144,7 @@ private:
     Session& m_session;
     BasketView& m_view;
     RxControl* m_control;
+    Lifetime m_life{[this] { return !m_session.Ended(); }}; // of the window
     BasketForm m_form;
     BasketRows m_rows;
     std::vector<RejectedLine> m_rejected; // of the last load
@@ -164,7 +166,6 @@ private:
     bool m_unsentSettled = false; // the kept file holds nothing that is not in the list
     bool m_bringsBack = false;    // the load is of that file
     bool m_hostOwnsDeleteKey = false;
-    int m_closings = 0;
 };
 
 } // namespace planfold

@@ -2,7 +2,6 @@
 
 #include "plugin/base/Text.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace planfold {
@@ -59,9 +58,11 @@ void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::strin
 }
 
 std::string_view BasketLineNote(std::string_view line) {
+    std::string_view field;
+    int at = NextCsvField(line, 0, field);
     for (std::size_t column = 0; column < std::size(kBasketColumns); ++column)
-        line.remove_prefix(std::min(line.find(','), line.size() - 1) + 1);
-    return line.substr(0, line.find(','));
+        at = NextCsvField(line, at, field);
+    return field;
 }
 
 std::string BasketFileText(std::string lines) {

@@ -61,26 +61,27 @@ BasketTexts FormOrder::Texts() const {
     return texts;
 }
 
-void BasketForm::Fill(const LocalDateTime& now, std::string_view customProducts) {
-    const HostWindow window = m_view.Handle();
+bool BasketForm::Fill(const LocalDateTime& now, std::string_view customProducts) {
     m_frequencyToShow.clear();
-    // By whoever the host let in; another window fills itself.
-    const auto gone = [&] { return m_view.Handle() != window; };
-    m_form.ShowClientControl();
-    if (gone()) return;
+    if (!m_form.ShowClientControl()) return false;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
     m_form.AddFirstEntries();
-    m_form.FillProducts(customProducts);
-    if (gone()) return;
+    if (!m_form.FillProducts(customProducts)) return false;
     m_view.SetText(IDC_PERIOD, "1");
     m_view.Select(IDC_EXCHANGE, 0);
-    m_form.RefreshScrips(ScripLevel::exchange);
-    if (gone()) return;
+    if (!m_form.RefreshScrips(ScripLevel::exchange)) return false;
     for (const int combo : {IDC_ACTION, IDC_INVEST_BY, IDC_ORDER_TYPE, IDC_PRODUCT})
         m_view.Select(combo, 0);
     m_view.SetDigitsOnly(IDC_BASKET_QUANTITY, true);
     OnInvestTypeChanged();
-    m_form.ShowActiveClient();
+    return m_form.ShowActiveClient();
+}
+
+void BasketForm::OnChosen(int combo) {
+    if (combo == IDC_INVEST_BY)
+        OnInvestTypeChanged();
+    else
+        static_cast<void>(m_form.OnChosen(combo));
 }
 
 void BasketForm::OnInvestTypeChanged() {
@@ -103,29 +104,29 @@ SipOrderForm BasketForm::Shown() const {
     return m_form.Read(ValueEdit());
 }
 
-std::optional<FormRefusal> BasketForm::Read(const LocalDateTime& now, FormOrder& order) const {
+std::optional<Refusal> BasketForm::Read(Pass pass, const LocalDateTime& now, FormOrder& order) const {
     const int value = ValueEdit();
     const SipOrderForm form = m_form.Read(value);
     order.series = form.series;
     order.symbol = form.symbol;
     order.startDateText = FormatPickerDate(form.startDate);
-    if (const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, order.data, kTexts))
-        return FormRefusal{refusal->text, refusal->focusValue ? value : refusal->focusPeriod ? IDC_PERIOD : 0};
+    if (auto refusal = ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, order.data, kTexts)) {
+        if (refusal->focus == IDC_VALUE) refusal->focus = value;
+        return refusal;
+    }
     for (const auto& [combo, shown, refusal] : kChoices)
-        if ((form.*shown).empty()) return FormRefusal{refusal, combo};
-    if (!AllDigits(form.totalPeriod)) return FormRefusal{kInvalidPeriod, IDC_PERIOD};
+        if ((form.*shown).empty()) return Refusal{refusal, combo};
+    if (!AllDigits(form.totalPeriod)) return Refusal{kInvalidPeriod, IDC_PERIOD};
     return std::nullopt;
 }
 
-int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
-    const HostWindow window = m_view.Handle();
+int BasketForm::Show(Pass, const BasketTexts& texts, const LocalDateTime& now) {
     int notShown = 0;
     const auto choose = [&](int combo, std::string_view text) { notShown += !m_form.Choose(combo, text); };
     choose(IDC_EXCHANGE, Display(kExchangeToDisplay, texts[BasketField::exchange]));
-    OnExchangeChanged();
+    if (!m_form.RefreshScrips(ScripLevel::exchange)) return notShown;
     choose(IDC_SERIES, texts[BasketField::series]);
-    OnSeriesChanged();
-    if (m_view.Handle() != window) return notShown;
+    if (!m_form.RefreshScrips(ScripLevel::series)) return notShown;
     choose(IDC_SYMBOL, texts[BasketField::symbol]);
     choose(IDC_ACTION, Display(kPlanToDisplay, texts[BasketField::side]));
     choose(IDC_ORDER_TYPE, Display(kMarketOrderTypeToDisplay, texts[BasketField::orderType]));
@@ -147,16 +148,17 @@ int BasketForm::Show(const BasketTexts& texts, const LocalDateTime& now) {
     return notShown;
 }
 
-int BasketForm::ShowRow(const BasketTexts& texts, const LocalDateTime& now) {
-    const HostWindow window = m_view.Handle();
-    const int notShown = Show(texts, now);
-    const std::string named = AskTradingSymbol(m_session, texts[BasketField::exchange],
-                                               texts[BasketField::series], texts[BasketField::symbol]);
-    if (named.empty() || named == texts[BasketField::tradingSymbol] || m_view.Handle() != window)
-        return notShown;
+int BasketForm::ShowRow(Pass, const BasketTexts& texts, const LocalDateTime& now) {
+    const auto shown = m_life.Across([&](Pass pass) { return Show(pass, texts, now); });
+    if (!shown) return 0;
+    const auto named = m_life.Across([&](Pass pass) {
+        return AskTradingSymbol(pass, m_session, texts[BasketField::exchange], texts[BasketField::series],
+                                texts[BasketField::symbol]);
+    });
+    if (!named || named->empty() || *named == texts[BasketField::tradingSymbol]) return *shown;
     // A file may call it by the names of another, which the form would then order.
     m_view.Select(IDC_SYMBOL, -1);
-    return notShown + 1;
+    return *shown + 1;
 }
 
 bool BasketForm::ShowNumber(int edit, std::optional<std::string> text) {
@@ -187,8 +189,8 @@ BasketRules BasketForm::Rules(const LocalDateTime& now) const {
     rules.products = m_view.Items(IDC_PRODUCT);
     rules.frequencies = m_view.Items(IDC_FREQUENCY);
     rules.serverPeriods = m_session.m_nSipOperationMode == 1;
-    for (std::size_t i = 0; i < rules.minimums.size(); ++i)
-        rules.minimums[i] = m_session.*kFrequencies[i].minimum;
+    for (const Frequency& frequency : kFrequencies)
+        rules.minimums[IndexOf(frequency)] = m_session.MinimumPeriods(frequency);
     rules.now = ToSeconds(now);
     return rules;
 }
@@ -198,8 +200,8 @@ BasketRules BasketForm::RulesOfUnsent(const LocalDateTime& now) const {
     rules.serverPeriods = true;
     rules.minimums = {};
     rules.frequencies.clear();
-    for (const FrequencyRow& row : kFrequencies)
-        rules.frequencies.emplace_back(row.word);
+    for (const Frequency& frequency : kFrequencies)
+        rules.frequencies.emplace_back(frequency.word);
     return rules;
 }
 

@@ -23,34 +23,30 @@ struct FormOrder {
     BasketTexts Texts() const;
 };
 
-// Why an order is refused, and where the user is led to; 0 for nowhere.
-struct FormRefusal {
-    std::string text;
-    int focus = 0;
-};
-
 class BasketForm {
 public:
-    BasketForm(Session& session, DialogView& view, RxControl* control)
-        : m_session(session), m_view(view), m_form(session, view), m_frequencies(session, view, control) {}
+    // `life` is that of the window.
+    BasketForm(Session& session, DialogView& view, RxControl* control, const Lifetime& life)
+        : m_session(session), m_view(view), m_life(life), m_form(session, view, life),
+          m_frequencies(session, view, control) {}
 
-    // For a window that has just been made.
-    void Fill(const LocalDateTime& now, std::string_view customProducts);
-    void AskFrequencies() { m_frequencies.Ask(); }
+    // For a window that has just been made; false when it has gone meanwhile.
+    [[nodiscard]] bool Fill(const LocalDateTime& now, std::string_view customProducts);
+    void AskFrequencies(Pass pass) { m_frequencies.Ask(pass); }
     void OnOperationMode(const Answer& answer);
 
-    void OnExchangeChanged() { m_form.RefreshScrips(ScripLevel::exchange); }
-    void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
+    // The user has chosen in this combo.
+    void OnChosen(int combo);
     void OnInvestTypeChanged();
 
     SipOrderForm Shown() const;
     // Why the order is refused, or none when `order` holds it.
-    std::optional<FormRefusal> Read(const LocalDateTime& now, FormOrder& order) const;
+    std::optional<Refusal> Read(Pass pass, const LocalDateTime& now, FormOrder& order) const;
     // Returns how many fields cannot be shown. Their controls are left empty; the date, which cannot be, is
     // then one that Read refuses.
-    int Show(const BasketTexts& texts, const LocalDateTime& now);
+    [[nodiscard]] int Show(Pass pass, const BasketTexts& texts, const LocalDateTime& now);
     // The same for a row of the list, whose scrip counts and not what it is called.
-    int ShowRow(const BasketTexts& texts, const LocalDateTime& now);
+    [[nodiscard]] int ShowRow(Pass pass, const BasketTexts& texts, const LocalDateTime& now);
     void ClearAfterModify();
 
     // What the lines of a file are checked against: what the form offers and the server demands.
@@ -66,6 +62,7 @@ private:
 
     Session& m_session;
     DialogView& m_view;
+    const Lifetime& m_life;
     SipForm m_form;
     FrequencyList m_frequencies;
     std::string m_frequencyToShow; // once the list has it

@@ -3,7 +3,6 @@
 #include "plugin/base/Dates.h"
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/messaging/Session.h"
 
 #include <algorithm>
 #include <bit>
@@ -43,7 +42,9 @@ struct WordRule {
 constexpr WordRule kWordRules[] = {
     {BasketField::side, {"B", "S", "B", "B"}, kInvalidAction},
     {BasketField::investType, {"value", "qty", "qty", "qty"}, kInvalidInvestType},
-    {BasketField::frequency, {"daily", "weekly", "monthly", "yearly"}, kInvalidFrequency},
+    {BasketField::frequency,
+     {kFrequencies[0].word, kFrequencies[1].word, kFrequencies[2].word, kFrequencies[3].word},
+     kInvalidFrequency},
     {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, kInvalidOrderType},
 };
 
@@ -186,8 +187,8 @@ Verdict BasketCheck::CheckPeriod(const BasketTexts& columns) const {
     const auto isListed = [&](const std::string& entry) { return EqualsIgnoringCase(entry, frequency); };
     if (std::ranges::none_of(m_rules.frequencies, isListed))
         return BasketRefusal{{}, Format("%s Frequency not set", std::string(frequency).c_str())};
-    const FrequencyRow* row = FindFrequency(frequency);
-    const double minimum = row ? m_rules.minimums[static_cast<std::size_t>(row - kFrequencies)] : 0.0;
+    const Frequency* known = FindFrequency(frequency);
+    const double minimum = known ? m_rules.minimums[IndexOf(*known)] : 0.0;
     if (static_cast<double>(period) < minimum)
         return BasketRefusal{{}, Format("Minimum SIP value is %.0lf", minimum)};
     return std::nullopt;

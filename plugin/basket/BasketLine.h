@@ -2,6 +2,7 @@
 // row keeps it.
 #pragma once
 
+#include "plugin/base/Frequencies.h"
 #include "plugin/basket/BasketOrder.h"
 #include "plugin/messaging/HostScrips.h"
 #include "sdk/HostRecords.h"
@@ -33,8 +34,8 @@ struct BasketRules {
     std::vector<std::string> products;    // allowed, exact
     std::vector<std::string> frequencies; // the server's list; counts with its periods
     bool serverPeriods = false;
-    std::array<double, 4> minimums{}; // with the server's periods, in the order of kFrequencies
-    std::int64_t now = 0;             // seconds since 1 January 1970
+    std::array<double, kFrequencyCount> minimums{}; // with the server's periods, in the order of kFrequencies
+    std::int64_t now = 0;                           // seconds since 1 January 1970
 };
 
 // The columns of the file, in order; each names the field that it fills.

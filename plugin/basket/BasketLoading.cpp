@@ -15,18 +15,19 @@ constexpr int kLinesAtOnce = 64;
 } // namespace
 
 std::optional<ScripDetails> HostScrips::Details(std::string_view exchange, std::string_view tradingSymbol) {
-    return AskScripDetails(m_session, exchange, tradingSymbol);
+    return AskScripDetails(m_pass.value(), m_session, exchange, tradingSymbol);
 }
 
 ScripNames HostScrips::Names(std::string_view exchange, std::string_view series, std::string_view symbol) {
-    return AskScripNames(m_session, exchange, series, symbol);
+    return AskScripNames(m_pass.value(), m_session, exchange, series, symbol);
 }
 
 BasketLoading::BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target)
     : m_session(session), m_text(std::move(text)), m_rules(std::move(rules)), m_scrips(session),
       m_target(target), m_load(m_text, m_rules, m_scrips, *this) {}
 
-bool BasketLoading::Step() {
+bool BasketLoading::Step(Pass pass) {
+    m_scrips.Admit(pass);
     // Each line may ask the host, which may bring the end of the load.
     for (int line = 0; line < kLinesAtOnce; ++line)
         if (m_stopped || m_session.Ended() || !m_load.Read(1)) return false;
@@ -39,7 +40,7 @@ void BasketLoading::OnRow(const BasketTexts& texts) {
 
 void BasketLoading::OnNotice(std::string_view text) {
     m_notice = text;
-    m_notices.ShowMessage(text);
+    m_notices.Add(text);
 }
 
 void BasketLoading::OnRejected(const RejectedLine& line, const BasketTexts& columns) {
@@ -49,10 +50,11 @@ void BasketLoading::OnRejected(const RejectedLine& line, const BasketTexts& colu
     const auto text = [&](BasketField field) { return std::string(columns[field]); };
     std::string exchange = text(BasketField::exchange);
     Convert(kExchangeToDisplay, columns[BasketField::exchange], exchange);
-    m_session.Log(Format("%s %s SIP Order Upload Failed: %s %s Client ID : %s by %s In Line Number %d",
-                         exchange.c_str(), text(BasketField::sideWord).c_str(),
-                         text(BasketField::product).c_str(), text(BasketField::token).c_str(),
-                         text(BasketField::account).c_str(), m_session.identity.loginId.c_str(), line.number));
+    m_session.LogLast(Format("%s %s SIP Order Upload Failed: %s %s Client ID : %s by %s In Line Number %d",
+                             exchange.c_str(), text(BasketField::sideWord).c_str(),
+                             text(BasketField::product).c_str(), text(BasketField::token).c_str(),
+                             text(BasketField::account).c_str(), m_session.identity.loginId.c_str(),
+                             line.number));
 }
 
 } // namespace planfold

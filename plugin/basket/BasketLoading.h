@@ -17,11 +17,14 @@ namespace planfold {
 class HostScrips final : public ScripSource {
 public:
     explicit HostScrips(const Session& session) : m_session(session) {}
+    // Lets the questions that follow go to the host.
+    void Admit(Pass pass) { m_pass = pass; }
     std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
     ScripNames Names(std::string_view exchange, std::string_view series, std::string_view symbol) override;
 
 private:
     const Session& m_session;
+    std::optional<Pass> m_pass;
 };
 
 class BasketLoading final : private BasketSink {
@@ -40,7 +43,7 @@ public:
     // Against which the next lines are checked; seconds since 1 January 1970.
     void SetNow(std::int64_t now) { m_rules.now = now; }
     // Some lines; false at the end of the file.
-    bool Step();
+    bool Step(Pass pass);
 
     void Stop() { m_stopped = true; }
     bool Stopped() const { return m_stopped; }
@@ -57,7 +60,7 @@ private:
     void OnRow(const BasketTexts& texts) override;
     void OnRejected(const RejectedLine& line, const BasketTexts& columns) override;
     void OnNotice(std::string_view text) override;
-    void OnLog(std::string_view text) override { m_session.Log(text); }
+    void OnLog(std::string_view text) override { m_session.LogLast(text); }
 
     const Session& m_session;
     std::string m_text;

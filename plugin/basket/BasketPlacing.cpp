@@ -24,25 +24,26 @@ sSipOrderData OrderOf(const sBasketOrderData& row) {
 
 } // namespace
 
-BasketPlacing::BasketPlacing(Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed)
+BasketPlacing::BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows,
+                             std::vector<Row> placed)
     : m_session(session), m_control(control), m_rows(rows), m_placed(std::move(placed)) {
-    if (session.host.pu_free_allocated_memory) session.host.pu_free_allocated_memory();
+    if (session.host.pu_free_allocated_memory) session.host.pu_free_allocated_memory(pass);
 }
 
-bool BasketPlacing::Step() {
+bool BasketPlacing::Step(Pass pass) {
     if (m_stopped || m_session.Ended()) return false;
     if (m_next == m_placed.size()) {
         if (IsSending()) return false;
-        AskHost();
+        AskHost(pass);
     } else if (IsSending()) {
-        Send(m_placed[m_next++]);
+        Send(pass, m_placed[m_next++]);
     } else {
-        TellHost(m_placed[m_next++]);
+        TellHost(pass, m_placed[m_next++]);
     }
     return true;
 }
 
-void BasketPlacing::TellHost(const Row& placed) {
+void BasketPlacing::TellHost(Pass pass, const Row& placed) {
     const auto tell = m_session.host.pu_build_bskt_caution_order_map;
     if (!tell) return;
     const sBasketOrderData& row = m_rows[placed.record];
@@ -52,22 +53,22 @@ void BasketPlacing::TellHost(const Row& placed) {
     const CString value = m_session.String(ValueOf(row));
     const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
     const CString exchange = m_session.String(row.Text(BasketField::exchange));
-    tell(&client, &investType, &product, &value, &symbol, &exchange, placed.index);
+    tell(pass, &client, &investType, &product, &value, &symbol, &exchange, placed.index);
 }
 
-void BasketPlacing::AskHost() {
+void BasketPlacing::AskHost(Pass pass) {
     const auto ask = m_session.host.pu_invoke_bskt_caution_order_confirmation;
-    m_confirmed = ask && ask() == 1 ? 1 : 0;
+    m_confirmed = ask && ask(pass) == 1 ? 1 : 0;
     m_next = 0;
 }
 
-void BasketPlacing::Send(const Row& placed) {
+void BasketPlacing::Send(Pass pass, const Row& placed) {
     const sBasketOrderData& row = m_rows[placed.record];
     BasketPlace place{row.SerialNumber(), std::nullopt};
     if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
         const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
         const CString exchange = m_session.String(row.Text(BasketField::exchange));
-        switch (state(&symbol, &exchange, placed.index)) {
+        switch (state(pass, &symbol, &exchange, placed.index)) {
         case 0:
             return;
         case 1:
@@ -82,7 +83,7 @@ void BasketPlacing::Send(const Row& placed) {
     std::string exchange = order.exchange;
     Convert(kExchangeToDisplay, order.exchange, exchange);
     m_rows.SetSending(placed.record);
-    const bool sent = SendAddSipOrders(m_session, m_control, m_failures, order, exchange, &place);
+    const bool sent = SendAddSipOrders(pass, m_session, m_control, m_failures, order, exchange, &place);
     m_rows.SetSending(kNoRecord);
     if (!sent) return;
     m_rows.MarkSent(placed.record);

@@ -19,10 +19,10 @@ public:
     };
 
     // `placed` are rows in the list's order.
-    BasketPlacing(Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed);
+    BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed);
 
     // The next row of either pass, or the host's question between them. False when all is done.
-    bool Step();
+    bool Step(Pass pass);
     void Stop() { m_stopped = !IsSending() || m_next < m_placed.size(); }
     // The window has gone: no row more, were it the last.
     void Abandon() { m_stopped = true; }
@@ -37,9 +37,9 @@ public:
     std::string FailureTexts() const { return m_failures.Text(); }
 
 private:
-    void TellHost(const Row& placed);
-    void AskHost();
-    void Send(const Row& placed);
+    void TellHost(Pass pass, const Row& placed);
+    void AskHost(Pass pass);
+    void Send(Pass pass, const Row& placed);
 
     Session& m_session;
     RxControl* m_control;

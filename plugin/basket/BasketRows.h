@@ -4,7 +4,7 @@
 
 #include "plugin/base/RecordId.h"
 #include "plugin/basket/BasketOrder.h"
-#include "plugin/basket/KeyCounts.h"
+#include "plugin/base/KeyCounts.h"
 
 #include <cstdint>
 #include <string_view>

@@ -12,17 +12,16 @@ namespace planfold {
 
 void Basket::Load() {
     if (IsBusy()) return;
-    const int closings = m_closings;
-    const auto path = Alone([&] { return m_view.AskLoadPath(); });
-    if (!path || !IsStill(closings)) return;
+    const auto path = Alone([&](Pass pass) { return m_view.AskLoadPath(pass); }).value_or(std::nullopt);
+    if (!path) return;
     m_path = *path;
     LoadFile();
 }
 
 void Basket::LoadFile() {
     auto text = m_view.ReadFile(m_path);
-    if (!text) return m_view.ShowMessage("File Open Error");
-    if (base::IsUtf16(*text)) return m_view.ShowMessage(Format("The basket cannot be read: %s.", kUtf16Fault));
+    if (!text) return m_view.ShowLast("File Open Error");
+    if (base::IsUtf16(*text)) return m_view.ShowLast(Format("The basket cannot be read: %s.", kUtf16Fault));
     const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
     if (unsent > 0
         && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
@@ -53,24 +52,23 @@ void Basket::EndLoading() {
     m_view.ShowRun();
     m_view.ShowStatus();
     m_view.ShowRejected();
-    const int closings = m_closings;
     std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
     if (m_bringsBack) {
-        texts[2] = EndBringingBack(loading->Stopped());
+        if (!m_life.Across([&](Pass) { texts[2] = EndBringingBack(loading->Stopped()); })) return;
     } else {
         if (loading->Stopped())
             texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
                               loading->LinesRead(), loading->RowsLoaded());
-        KeepUnsent();
+        if (!KeepUnsent()) return;
     }
     for (const std::string& text : texts)
-        if (!text.empty() && IsStill(closings)) m_view.ShowMessage(text);
+        if (!text.empty() && !m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, text); })) return;
 }
 
 void Basket::Place() {
     if (IsBusy()) return;
     const BasketList& list = m_view.List();
-    if (list.RowCount() == 0) return m_view.ShowMessage("Please Select an Order");
+    if (list.RowCount() == 0) return m_view.ShowLast("Please Select an Order");
     if (!m_placeable) return;
     const Choice sentToo = AskAboutSent();
     if (sentToo == Choice::cancel) return;
@@ -87,13 +85,13 @@ void Basket::Place() {
         || !Ask("Are you sure to place these Basket Orders?", again))
         return;
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
-    const int closings = m_closings;
     // Its first call to the host is made before it stands.
-    auto placing =
-        Alone([&] { return std::make_shared<BasketPlacing>(m_session, m_control, m_rows, std::move(placed)); });
-    if (!IsStill(closings)) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
-    m_placing = std::move(placing);
-    KeepUnsent();
+    auto placing = Alone([&](Pass pass) {
+        return std::make_shared<BasketPlacing>(pass, m_session, m_control, m_rows, std::move(placed));
+    });
+    if (!placing) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    m_placing = std::move(*placing);
+    if (!KeepUnsent()) return;
     RunFor(kFirstPortionMs);
     if (IsUnderWay()) m_view.ShowRun();
 }
@@ -113,17 +111,14 @@ Choice Basket::AskAboutSent() {
 // True when the host knows all of them, or the user says so.
 bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act) {
     constexpr std::size_t mostNamed = 20;
-    const int closings = m_closings;
     std::size_t unknown = 0;
     std::string names;
-    Alone([&] {
-        for (const std::string& client : clients) {
-            if (!IsStill(closings)) return;
-            if (IsUnknownClient(m_session, client) && ++unknown <= mostNamed)
-                names.append(names.empty() ? "" : ", ").append(client);
-        }
-    });
-    if (!IsStill(closings)) return false;
+    for (const std::string& client : clients) {
+        const Reply reply = Alone([&](Pass pass) { return IsUnknownClient(pass, m_session, client); });
+        if (reply == Reply::over) return false;
+        if (reply == Reply::yes && ++unknown <= mostNamed)
+            names.append(names.empty() ? "" : ", ").append(client);
+    }
     if (unknown == 0) return true;
     if (unknown > mostNamed) names += Format(" and %zu more", unknown - mostNamed);
     return Ask(Format("The terminal knows no client %s.\n%s", names.c_str(), question), act);
@@ -131,27 +126,26 @@ bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* q
 
 void Basket::EndPlacing() {
     const auto placing = std::exchange(m_placing, nullptr);
-    KeepUnsent();
-    m_view.ShowRun();
-    m_view.ShowStatus();
-    const int closings = m_closings;
-    const bool stopped = placing->Stopped();
     m_stoppedSent.clear();
     for (const RecordId record : placing->Sent())
         m_stoppedSent.push_back(m_rows[record].SerialNumber());
     m_stoppedTotal = placing->Total();
-    Alone([&] {
-        if (const std::string failures = placing->FailureTexts(); !failures.empty())
-            m_view.ShowMessage(failures);
-        if (stopped && IsStill(closings)) OfferToRemove();
+    if (!KeepUnsent()) return;
+    m_view.ShowRun();
+    m_view.ShowStatus();
+    const bool stopped = placing->Stopped();
+    const bool isThere = Alone([&](Pass) {
+        const std::string failures = placing->FailureTexts();
+        if (!failures.empty() && !m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, failures); })) return;
+        if (stopped) OfferToRemove();
     });
-    if (!stopped && IsStill(closings)) m_view.ShowMessage("Order Placed..!!");
+    if (isThere && !stopped) m_view.ShowLast("Order Placed..!!");
 }
 
 void Basket::OfferToRemove() {
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     const std::size_t sent = m_stoppedSent.size();
-    if (sent == 0) return m_view.ShowMessage("Placing was stopped before an order was sent.");
+    if (sent == 0) return m_view.ShowLast("Placing was stopped before an order was sent.");
     if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
                     sent, m_stoppedTotal, sent),
              &Basket::OfferToRemove))
@@ -170,11 +164,10 @@ void Basket::OfferToRemove() {
 
 void Basket::RunFor(std::int64_t milliseconds) {
     if (m_inPortion || !IsUnderWay()) return;
-    const int closings = m_closings;
     const std::int64_t end = m_view.Milliseconds() + milliseconds;
     const auto loading = m_loading;
     const auto placing = m_placing;
-    bool more = true;
+    bool more = true, isThere = true;
     {
         const Turn turn(m_inPortion);
         if (loading) {
@@ -186,14 +179,15 @@ void Basket::RunFor(std::int64_t milliseconds) {
             loading->SetNow(ToSeconds(m_bringsBack ? now.Midnight() : now));
         }
         do
-            more = (loading ? loading->Step() : placing->Step()) && IsStill(closings);
-        while (more && m_view.Milliseconds() < end);
+            isThere =
+                m_life.Across([&](Pass pass) { more = loading ? loading->Step(pass) : placing->Step(pass); });
+        while (isThere && more && m_view.Milliseconds() < end);
         if (loading) {
             m_view.List().EndChanges();
             m_view.ShowWaiting(false);
         }
     }
-    if (!IsStill(closings)) return m_bringsBack ? BringNothingBack() : KeepUnsent();
+    if (!isThere) return m_bringsBack ? BringNothingBack() : KeepUnsentLast();
     if (more) return;
     if (loading)
         EndLoading();

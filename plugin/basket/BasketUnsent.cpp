@@ -26,18 +26,20 @@ std::string OfferOf(const UnsentCounts& found) {
 } // namespace
 
 // What the file held before and nobody has looked at is saved first.
-void Basket::KeepUnsent() {
+bool Basket::KeepUnsent() {
     std::string aside;
     if (!m_unsentSettled)
         if (const auto found = m_view.Unsent().Read(); found && !found->empty()) {
             aside = m_view.Unsent().SaveAside(*found, m_view.Now());
-            if (aside.empty()) return;
+            if (aside.empty()) return true;
         }
     m_unsentSettled = true;
     m_view.Unsent().Replace(UnsentText(m_rows, m_view.List(), m_placing != nullptr));
-    if (!aside.empty() && !m_session.Ended())
-        m_view.ShowMessage("The orders that were not sent before are in\n" + aside
-                           + "\nLoad reads them from there.");
+    if (aside.empty() || m_session.Ended()) return !m_session.Ended();
+    return m_life.Across([&](Pass pass) {
+        m_view.ShowMessage(pass, "The orders that were not sent before are in\n" + aside
+                                     + "\nLoad reads them from there.");
+    });
 }
 
 void Basket::OfferUnsent() {
@@ -48,7 +50,7 @@ void Basket::OfferUnsent() {
     if (m_unsentSettled) return;
     const Choice choice = Choose(OfferOf(found), &Basket::OfferUnsent);
     if (choice == Choice::cancel) return;
-    if (choice == Choice::no) return KeepUnsent();
+    if (choice == Choice::no) return KeepUnsentLast();
     RememberDoubtful(*text, m_rows);
     m_bringsBack = true;
     BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
@@ -66,7 +68,7 @@ std::string Basket::EndBringingBack(bool stopped) {
     if (!refused.empty()) aside = m_view.Unsent().SaveAside(BasketFileText(refused), m_view.Now());
     m_bringsBack = false;
     m_unsentSettled = refused.empty() || !aside.empty();
-    KeepUnsent();
+    KeepUnsentLast();
     return aside.empty() ? aside : "The orders that cannot be taken back are in\n" + aside;
 }
 

@@ -59,14 +59,14 @@ public:
     // False while another box is open. That one comes to the front, and Basket hears when it is gone.
     virtual bool MayAsk() = 0;
     // A question with Yes and No, No being the default; true for Yes.
-    virtual bool Ask(std::string_view question) = 0;
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
     // One with Cancel as well.
-    virtual Choice Choose(std::string_view question) = 0;
+    virtual Choice Choose(Pass pass, std::string_view question) = 0;
     virtual UnsentFile& Unsent() = 0;
     // None when the user gives none.
-    virtual std::optional<std::string> AskLoadPath() = 0;
-    virtual std::optional<std::string> AskExportPath() = 0;
-    virtual std::optional<std::string> AskRejectsPath() = 0;
+    virtual std::optional<std::string> AskLoadPath(Pass pass) = 0;
+    virtual std::optional<std::string> AskExportPath(Pass pass) = 0;
+    virtual std::optional<std::string> AskRejectsPath(Pass pass) = 0;
     // None when it cannot be opened or read.
     virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
     // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's

@@ -44,10 +44,10 @@ void AutoComplete::Search() {
         if (EqualsIgnoringCase(entries[i], text)) return m_view.PickEntry(static_cast<int>(i));
 }
 
-unsigned SearchTimerPeriod(const HostCallbacks& host) {
+unsigned SearchTimerPeriod(Pass pass, const HostCallbacks& host) {
     // The first call only asks whether there is one.
-    const bool given = host.pu_get_client_search_time && host.pu_get_client_search_time() != 0;
-    const int delayMs = given ? host.pu_get_client_search_time() : kUsualDelayMs;
+    const bool given = host.pu_get_client_search_time && host.pu_get_client_search_time(pass) != 0;
+    const int delayMs = given ? host.pu_get_client_search_time(pass) : kUsualDelayMs;
     return static_cast<unsigned>(std::max(delayMs / kTicks, 1));
 }
 

@@ -8,6 +8,7 @@
 
 namespace planfold {
 
+class Pass;
 struct HostCallbacks;
 
 class AutoCompleteView {
@@ -47,6 +48,6 @@ private:
 };
 
 // Milliseconds between two ticks of the timer, from the host's delay.
-unsigned SearchTimerPeriod(const HostCallbacks& host);
+unsigned SearchTimerPeriod(Pass pass, const HostCallbacks& host);
 
 } // namespace planfold

@@ -56,7 +56,8 @@ void ClientResults::Clear() {
     m_texts.clear();
 }
 
-void ClientSearch::SetUp(std::string settingsKey) {
+void ClientSearch::SetUp(Pass pass, std::string settingsKey) {
+    m_life.Renew();
     m_settingsKey = std::move(settingsKey);
     m_mode = SearchMode::all;
     m_results.Clear();
@@ -66,18 +67,19 @@ void ClientSearch::SetUp(std::string settingsKey) {
     const CString section = m_session.String(kSettingsSection);
     const CString key = m_session.String(m_settingsKey);
     CString kept = m_session.String();
-    m_session.host.pu_read_settings_from_json(&section, &key, &kept, 1);
+    m_session.host.pu_read_settings_from_json(pass, &section, &key, &kept, 1);
     for (const SearchMode mode : {SearchMode::clientId, SearchMode::clientName})
         if (LeadingInteger(kept.View()) == static_cast<int>(mode)) m_mode = mode;
 }
 
 void ClientSearch::SetMode(SearchMode mode) {
     m_mode = mode;
-    if (!m_session.host.pu_write_settings_to_json) return;
+    const auto write = m_session.host.pu_write_settings_to_json;
+    if (!write) return;
     const CString section = m_session.String(kSettingsSection);
     const CString key = m_session.String(m_settingsKey);
     const CString value = m_session.String(std::to_string(static_cast<int>(mode)));
-    m_session.host.pu_write_settings_to_json(&section, &key, &value, 1);
+    Lifetime::Last([&](Pass pass) { write(pass, &section, &key, &value, 1); });
 }
 
 void ClientSearch::OnTyped() {
@@ -127,10 +129,10 @@ void ClientSearch::OnFocusLost() {
     HideList();
 }
 
-bool ClientSearch::IsValidAccount(const std::string& text) const {
+bool ClientSearch::IsValidAccount(Pass pass, const std::string& text) const {
     if (!m_session.host.pu_is_valid_account) return false;
     const CString account = m_session.String(text);
-    return m_session.host.pu_is_valid_account(&account) != 0;
+    return m_session.host.pu_is_valid_account(pass, &account) != 0;
 }
 
 void ClientSearch::Search() {
@@ -138,19 +140,21 @@ void ClientSearch::Search() {
     m_pending = false;
     const std::string upper = UpperCase(m_view.SearchText());
     std::string asked = upper;
-    const bool isAccount = IsValidAccount(upper);
+    const Reply account = m_life.Across([&](Pass pass) { return IsValidAccount(pass, upper); });
+    if (account == Reply::over) return;
+    const bool isAccount = account == Reply::yes;
     if (isAccount) asked += '(';
     m_view.SetTip({});
     m_results.Clear();
     if (m_session.host.pu_get_entered_text_results) {
         const CString text = m_session.String(asked);
         int count = 0;
-        const ClientResult* found =
-            m_session.host.pu_get_entered_text_results(static_cast<int>(m_mode), &count, &text, 1);
-        m_results.Assign(found, count);
+        const auto found = m_life.Across([&](Pass pass) {
+            return m_session.host.pu_get_entered_text_results(pass, static_cast<int>(m_mode), &count, &text, 1);
+        });
+        if (!found) return;
+        m_results.Assign(*found, count);
     }
-    // The host may have run a message loop, and the window closed in it.
-    if (!m_view.HasBox()) return;
     if (m_results.Count() > 0) {
         ShowList(upper, isAccount);
         if (!IsBlank(asked)) return;

@@ -62,7 +62,7 @@ public:
     ClientSearch(Session& session, ClientSearchView& view) : m_session(session), m_view(view) {}
 
     // For a box that has just been made: reads its kept mode by this settings key.
-    void SetUp(std::string settingsKey);
+    void SetUp(Pass pass, std::string settingsKey);
     SearchMode Mode() const { return m_mode; }
     // Keeps it.
     void SetMode(SearchMode mode);
@@ -85,12 +85,13 @@ public:
     const ClientResults& Results() const { return m_results; }
 
 private:
-    bool IsValidAccount(const std::string& text) const;
+    bool IsValidAccount(Pass pass, const std::string& text) const;
     void ShowList(const std::string& upperText, bool isAccount);
     void MoveSelection(int by);
 
     Session& m_session;
     ClientSearchView& m_view;
+    Lifetime m_life{[this] { return m_view.HasBox(); }}; // of the box
     std::string m_settingsKey;
     SearchMode m_mode = SearchMode::all;
     ClientResults m_results;

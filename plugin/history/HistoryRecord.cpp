@@ -73,8 +73,8 @@ sOrderHistory ReadRow(void* message, double priceDivisor, Wanted&& wanted) {
 
 } // namespace
 
-double AskPriceDivisor(const Session& session, void* message) {
-    const auto details = AskScripDetails(session, FieldView(message, tag::exchange).value_or(""),
+double AskPriceDivisor(Pass pass, const Session& session, void* message) {
+    const auto details = AskScripDetails(pass, session, FieldView(message, tag::exchange).value_or(""),
                                          FieldView(message, tag::tradingSymbol).value_or(""));
     return ScaleOf(details ? &*details : nullptr).multiplier;
 }

@@ -43,7 +43,7 @@ struct sOrderHistory {
 };
 
 // What the message's whole-number prices are divided by; asks the host.
-double AskPriceDivisor(const Session& session, void* message);
+double AskPriceDivisor(Pass pass, const Session& session, void* message);
 
 sOrderHistory ReadHistoryOrder(void* message, double priceDivisor);
 // Only the fields that a trade knows.

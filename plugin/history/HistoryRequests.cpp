@@ -10,21 +10,19 @@ namespace {
 using Value = std::optional<std::string_view>;
 
 struct Query {
-    std::string_view request;
     std::string_view registrationNumber;
 };
 constexpr RequestField<Query> kFields[] = {
-    {tag::requestName, [](Query& query) -> Value { return query.request; }, nullptr},
     {tag::registrationNumber, [](Query& query) -> Value { return query.registrationNumber; }, nullptr},
 };
-constexpr Request<Query> kRequest{kFields, "Request Failure"};
 
 } // namespace
 
-bool SendHistoryQuery(Session& session, RxControl* control, Notices& notices, std::string_view request,
-                      std::string_view registrationNumber) {
-    Query query{request, registrationNumber};
-    return SendRequest(session, control, notices, kRequest, query);
+bool SendHistoryQuery(Pass pass, Session& session, RxControl* control, Notices& notices,
+                      std::string_view request, std::string_view registrationNumber) {
+    Query query{registrationNumber};
+    return SendRequest(pass, session, control, notices,
+                       Request<Query>{request, nullptr, kFields, "Request Failure"}, query);
 }
 
 } // namespace planfold

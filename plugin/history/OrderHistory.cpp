@@ -14,11 +14,12 @@ const AnswerHandler<OrderHistory> OrderHistory::kAnswers[] = {
     {kHistoryTradesRequest, &OrderHistory::HandleTrade, OnError::handle},
 };
 
-void OrderHistory::Open(const std::string& registrationNumber) {
-    if (!SendHistoryQuery(m_session, m_control, m_view, kHistoryOrdersRequest, registrationNumber)) return;
+void OrderHistory::Open(Pass pass, const std::string& registrationNumber) {
+    if (!SendHistoryQuery(pass, m_session, m_control, m_view, kHistoryOrdersRequest, registrationNumber))
+        return;
     m_registrationNumber = registrationNumber;
     ++m_unanswered;
-    ++m_collections;
+    m_collection.Renew();
     m_collected.clear();
 }
 
@@ -29,21 +30,21 @@ void OrderHistory::OnResponse(void* message) {
 void OrderHistory::HandleOrder(const Answer& answer) {
     if (answer.hasError) {
         const bool refused = !answer.errorCode.empty();
-        if (refused) LogErrorAnswer(m_session, answer);
-        if (!m_session.Ended()) EndAnswer(refused);
+        const bool goesOn = m_session.life.Across([&](Pass pass) {
+            if (refused) LogErrorAnswer(pass, m_session, answer);
+        });
+        if (goesOn) EndAnswer(refused);
         return;
     }
     const auto number = FieldView(answer.message, tag::registrationNumber);
     if (!number) {
-        if (const auto text = FieldView(answer.message, tag::noRowText)) m_session.Log(*text);
+        if (const auto text = FieldView(answer.message, tag::noRowText)) m_session.LogLast(*text);
         return;
     }
     if (!IsWanted(*number)) return;
-    // The host's answer may let other messages in.
-    const int collection = m_collections;
-    const double divisor = AskPriceDivisor(m_session, answer.message);
-    if (m_session.Ended() || m_collections != collection) return;
-    m_collected.push_back(ReadHistoryOrder(answer.message, divisor));
+    const auto divisor =
+        m_collection.Across([&](Pass pass) { return AskPriceDivisor(pass, m_session, answer.message); });
+    if (divisor) m_collected.push_back(ReadHistoryOrder(answer.message, *divisor));
 }
 
 // What is still coming for an earlier query is dropped. A row of the newest one shows that the earlier ones are
@@ -60,29 +61,33 @@ void OrderHistory::EndAnswer(bool refused) {
 }
 
 void OrderHistory::List() {
-    ++m_collections;
+    m_collection.Renew();
     m_records = std::exchange(m_collected, {});
     m_described.reset();
     m_view.ListRecords();
-    // A failure is a box, whose message loop may bring the end.
-    if (std::ranges::any_of(m_records, &sOrderHistory::fillPending))
-        SendHistoryQuery(m_session, m_control, m_view, kHistoryTradesRequest,
-                         std::string(m_registrationNumber));
-    if (m_session.Ended()) return;
+    // A failure is a box.
+    const bool goesOn = m_session.life.Across([&](Pass pass) {
+        if (std::ranges::any_of(m_records, &sOrderHistory::fillPending))
+            SendHistoryQuery(pass, m_session, m_control, m_view, kHistoryTradesRequest,
+                             std::string(m_registrationNumber));
+    });
+    if (!goesOn) return;
     Describe();
     m_view.Show(!m_records.empty());
 }
 
 void OrderHistory::HandleTrade(const Answer& answer) {
     if (answer.hasError) {
-        if (!answer.errorCode.empty()) LogErrorAnswer(m_session, answer);
+        if (!answer.errorCode.empty())
+            Lifetime::Last([&](Pass pass) { LogErrorAnswer(pass, m_session, answer); });
         return;
     }
     if (!FieldView(answer.message, tag::registrationNumber) && FieldView(answer.message, tag::noRowText))
         return;
-    const double divisor = AskPriceDivisor(m_session, answer.message);
-    if (m_session.Ended()) return;
-    const sOrderHistory trade = ReadHistoryTrade(answer.message, divisor);
+    const auto divisor =
+        m_session.life.Across([&](Pass pass) { return AskPriceDivisor(pass, m_session, answer.message); });
+    if (!divisor) return;
+    const sOrderHistory trade = ReadHistoryTrade(answer.message, *divisor);
     const auto order = std::ranges::find_if(m_records, [&](const sOrderHistory& record) {
         return record.fillPending && record[HistoryField::orderNumber] == trade[HistoryField::orderNumber]
                && record[HistoryField::registrationNumber] == trade[HistoryField::registrationNumber];

@@ -18,7 +18,7 @@ public:
         : m_session(session), m_view(view), m_control(control) {}
 
     // Asks for the registration's orders. They are listed once all have come.
-    void Open(const std::string& registrationNumber);
+    void Open(Pass pass, const std::string& registrationNumber);
     void OnResponse(void* message);
     // Another row may have the focus now.
     void OnFocusChanged();
@@ -41,7 +41,8 @@ private:
     RxControl* m_control;
     std::string m_registrationNumber; // asked for last
     int m_unanswered = 0;             // queries of orders; the server answers them in their order
-    int m_collections = 0;            // begun so far
+    // Of what is collected; another collection begins with each query and each listing.
+    Lifetime m_collection{[this] { return !m_session.Ended(); }};
     std::vector<sOrderHistory> m_collected;
     std::vector<sOrderHistory> m_records;
     std::optional<std::size_t> m_described;

@@ -70,9 +70,9 @@ Answer::Answer(void* received)
     if (hasError) errorCode = FieldText(message, tag::errorCode);
 }
 
-void LogErrorAnswer(const Session& session, const Answer& answer) {
-    session.Log(Format("Error in response : %s . Error Code : %.*s", answer.request.c_str(),
-                       static_cast<int>(answer.errorCode.size()), answer.errorCode.data()));
+void LogErrorAnswer(Pass pass, const Session& session, const Answer& answer) {
+    session.Log(pass, Format("Error in response : %s . Error Code : %.*s", answer.request.c_str(),
+                             static_cast<int>(answer.errorCode.size()), answer.errorCode.data()));
 }
 
 } // namespace planfold

@@ -38,7 +38,7 @@ struct Answer {
 };
 
 // "Error in response : ..." in the tabbed log.
-void LogErrorAnswer(const Session& session, const Answer& answer);
+void LogErrorAnswer(Pass pass, const Session& session, const Answer& answer);
 
 enum class OnError {
     logAndStop,
@@ -61,9 +61,10 @@ void Dispatch(Window& window, const Session& session, std::span<const AnswerHand
     for (const auto& row : handlers)
         if (row.request == answer.request) handler = &row;
     const OnError onError = handler ? handler->onError : OnError::logAndStop;
-    if (answer.hasError && onError != OnError::handle) LogErrorAnswer(session, answer);
-    // The log is the host's, which may exit in it.
-    if (session.Ended() || (answer.hasError && onError == OnError::logAndStop)) return;
+    const bool goesOn = session.life.Across([&](Pass pass) {
+        if (answer.hasError && onError != OnError::handle) LogErrorAnswer(pass, session, answer);
+    });
+    if (!goesOn || (answer.hasError && onError == OnError::logAndStop)) return;
     if (handler) (window.*handler->handle)(answer);
 }
 

@@ -39,4 +39,12 @@ HostCallbacks ResolveHostCallbacks(const HostLookup& lookup) {
     return host;
 }
 
+std::optional<bool> AskRight(Pass pass, const HostLookup& lookup, StringManager& strings,
+                             std::string_view right) {
+    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
+    if (!enabled) return std::nullopt;
+    const CString name(right, strings);
+    return enabled(pass, &name) != 0;
+}
+
 } // namespace planfold

@@ -1,9 +1,14 @@
-// The host's exports as the plug-in calls them: one pointer an export, null when the host lacks it.
+// The host's exports as the plug-in calls them: one an export, empty when the host lacks it.
 #pragma once
 
+#include "plugin/base/Lifetime.h"
 #include "sdk/HostExports.h"
 
+#include <concepts>
+#include <cstddef>
 #include <functional>
+#include <optional>
+#include <string_view>
 
 namespace planfold {
 
@@ -11,8 +16,27 @@ using AnyFunction = void (*)();
 // Finds an export of the host executable by name; null when there is none.
 using HostLookup = std::function<AnyFunction(const char* name)>;
 
+// An export of the host, called only by who may let the host in.
+template <class Function>
+class HostCall;
+template <class Result, class... Arguments>
+class HostCall<Result(Arguments...)> {
+public:
+    using Pointer = Result (*)(Arguments...);
+
+    HostCall() = default;
+    HostCall(std::convertible_to<Pointer> auto function) : m_function(function) {}
+
+    explicit operator bool() const { return m_function != nullptr; }
+    bool operator==(std::nullptr_t) const { return m_function == nullptr; }
+    Result operator()(Pass, Arguments... arguments) const { return m_function(arguments...); }
+
+private:
+    Pointer m_function = nullptr;
+};
+
 struct HostCallbacks {
-#define PLANFOLD_POINTER(name, ...) sdk::fn::name* name = nullptr;
+#define PLANFOLD_POINTER(name, ...) HostCall<sdk::fn::name> name;
     VESK_HOST_EXPORTS(PLANFOLD_POINTER)
 #undef PLANFOLD_POINTER
 };
@@ -22,8 +46,12 @@ HostCallbacks ResolveHostCallbacks(const HostLookup& lookup);
 // For exports that are looked up where they are used: `Find<sdk::fn::pu_get_exe_app>(lookup,
 // "pu_get_exe_app")`.
 template <class Function>
-Function* Find(const HostLookup& lookup, const char* name) {
+HostCall<Function> Find(const HostLookup& lookup, const char* name) {
     return reinterpret_cast<Function*>(lookup(name));
 }
+
+// Whether the user holds the right; none when the host cannot be asked.
+std::optional<bool> AskRight(Pass pass, const HostLookup& lookup, StringManager& strings,
+                             std::string_view right);
 
 } // namespace planfold

@@ -2,18 +2,18 @@
 
 namespace planfold {
 
-std::string AskClientName(const Session& session, std::string_view client) {
+std::string AskClientName(Pass pass, const Session& session, std::string_view client) {
     if (!session.host.pu_get_client_name) return {};
     CString name = session.String();
     const CString identifier = session.String(client);
-    session.host.pu_get_client_name(&name, &identifier);
+    session.host.pu_get_client_name(pass, &name, &identifier);
     return std::string(name.View());
 }
 
-bool IsUnknownClient(const Session& session, std::string_view client) {
+bool IsUnknownClient(Pass pass, const Session& session, std::string_view client) {
     if (!session.host.pu_is_valid_account) return false;
     const CString account = session.String(client);
-    return session.host.pu_is_valid_account(&account) == 0;
+    return session.host.pu_is_valid_account(pass, &account) == 0;
 }
 
 std::string UnknownClientQuestion(std::string_view client) {

@@ -9,10 +9,10 @@
 namespace planfold {
 
 // Empty when the host knows none, or cannot be asked.
-std::string AskClientName(const Session& session, std::string_view client);
+std::string AskClientName(Pass pass, const Session& session, std::string_view client);
 
 // Whether the host can tell that this is none of the user's accounts, and says so.
-bool IsUnknownClient(const Session& session, std::string_view client);
+bool IsUnknownClient(Pass pass, const Session& session, std::string_view client);
 
 // What is asked before an order is placed for such a client.
 std::string UnknownClientQuestion(std::string_view client);

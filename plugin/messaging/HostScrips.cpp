@@ -2,20 +2,20 @@
 
 namespace planfold {
 
-std::optional<ScripDetails> AskScripDetails(const Session& session, std::string_view exchange,
+std::optional<ScripDetails> AskScripDetails(Pass pass, const Session& session, std::string_view exchange,
                                             std::string_view tradingSymbol) {
     if (!session.host.pu_get_scrip_details_from_TradSymbol) return std::nullopt;
     const CString exchangeText = session.String(exchange);
     const CString symbolText = session.String(tradingSymbol);
     ScripDetails details{};
     const ScripDetails* found =
-        session.host.pu_get_scrip_details_from_TradSymbol(&exchangeText, &symbolText, &details);
+        session.host.pu_get_scrip_details_from_TradSymbol(pass, &exchangeText, &symbolText, &details);
     if (!found) return std::nullopt;
     return *found;
 }
 
-ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, std::string_view series,
-                         std::string_view symbol) {
+ScripNames AskScripNames(Pass pass, const Session& session, std::string_view exchangeCode,
+                         std::string_view series, std::string_view symbol) {
     if (!session.host.pu_get_intersted_scrip_field) return {};
     constexpr int fieldCount = 6;
     std::string keyText(exchangeCode);
@@ -23,14 +23,14 @@ ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, 
     const CString key = session.String(keyText);
     CString exchange = session.String(), seriesOut = exchange, symbolOut = exchange;
     CString token = exchange, tradingSymbol = exchange, company = exchange;
-    session.host.pu_get_intersted_scrip_field(&key, 0, fieldCount, &exchange, &seriesOut, &symbolOut, &token,
-                                              &tradingSymbol, &company);
+    session.host.pu_get_intersted_scrip_field(pass, &key, 0, fieldCount, &exchange, &seriesOut, &symbolOut,
+                                              &token, &tradingSymbol, &company);
     return {std::string(tradingSymbol.View()), std::string(token.View()), std::string(company.View())};
 }
 
-std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
-                             std::string_view symbol) {
-    return AskScripNames(session, exchangeCode, series, symbol).tradingSymbol;
+std::string AskTradingSymbol(Pass pass, const Session& session, std::string_view exchangeCode,
+                             std::string_view series, std::string_view symbol) {
+    return AskScripNames(pass, session, exchangeCode, series, symbol).tradingSymbol;
 }
 
 } // namespace planfold

@@ -11,7 +11,7 @@
 namespace planfold {
 
 // By trading symbol; the exchange as code or as shown. None when unknown, or when the host cannot be asked.
-std::optional<ScripDetails> AskScripDetails(const Session& session, std::string_view exchange,
+std::optional<ScripDetails> AskScripDetails(Pass pass, const Session& session, std::string_view exchange,
                                             std::string_view tradingSymbol);
 
 // All empty when unknown, or when the host cannot be asked.
@@ -20,9 +20,9 @@ struct ScripNames {
     std::string token;
     std::string company;
 };
-ScripNames AskScripNames(const Session& session, std::string_view exchangeCode, std::string_view series,
-                         std::string_view symbol);
-std::string AskTradingSymbol(const Session& session, std::string_view exchangeCode, std::string_view series,
-                             std::string_view symbol);
+ScripNames AskScripNames(Pass pass, const Session& session, std::string_view exchangeCode,
+                         std::string_view series, std::string_view symbol);
+std::string AskTradingSymbol(Pass pass, const Session& session, std::string_view exchangeCode,
+                             std::string_view series, std::string_view symbol);
 
 } // namespace planfold

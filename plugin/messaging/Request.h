@@ -1,9 +1,10 @@
-// Requests as tables: rows of tag, where the value comes from, and the text shown when it cannot be added.
-// One engine builds and sends them all.
+// Requests as tables: a name, and rows of tag, where the value comes from, and the text shown when it cannot be
+// added. One engine builds and sends them all.
 #pragma once
 
 #include "plugin/messaging/Session.h"
 #include "sdk/RxControl.h"
+#include "sdk/Tags.h"
 
 #include <array>
 #include <optional>
@@ -28,7 +29,9 @@ struct RequestField {
 
 template <class Source>
 struct Request {
-    std::span<const RequestField<Source>> fields; // the first is the request name under tag 0
+    std::string_view name;
+    const char* nameFailure; // null fails without a word
+    std::span<const RequestField<Source>> fields;
     const char* sendFailure;
     const char* startFailure = kBuildFailed; // null fails without a word
 };
@@ -41,35 +44,34 @@ bool SendBuilt(Session& session, RxControl* control);
 
 // Builds and sends. The first failure is shown, nothing is sent and false is returned.
 template <class Source>
-bool SendRequest(Session& session, RxControl* control, Notices& notices, const Request<Source>& request,
-                 Source& source) {
+bool SendRequest(Pass pass, Session& session, RxControl* control, Notices& notices,
+                 const Request<Source>& request, Source& source) {
     const auto fail = [&](const char* text) {
-        if (text) notices.ShowMessage(text);
+        if (text) notices.ShowMessage(pass, text);
         return false;
     };
-    if (!session.StartMessage()) return fail(request.startFailure);
-
     constexpr std::size_t mostFields = 32;
     std::array<std::optional<std::string_view>, mostFields> values;
-    auto generation = session.Generation();
+    std::uint64_t generation = 0;
     std::size_t added = 0;
-    for (std::size_t asked = 0; asked < request.fields.size(); ++asked) {
-        values.at(asked) = request.fields[asked].value(source);
-        if (session.Ended()) return false;
+    for (std::size_t asked = 0;; ++asked) {
         // Asking the host may have let another request use the buffer: then all is added again.
-        if (session.Generation() != generation) {
+        if (asked == 0 || session.Generation() != generation) {
             if (!session.StartMessage()) return fail(request.startFailure);
             generation = session.Generation();
+            if (!AddField(session, tag::requestName, request.name)) return fail(request.nameFailure);
             added = 0;
         }
-        for (; added <= asked; ++added) {
+        for (; added < asked; ++added) {
             const RequestField<Source>& field = request.fields[added];
             if (!values[added] || AddField(session, field.tag, *values[added])) continue;
             if (field.onFailure) field.onFailure(source);
             return fail(field.failure);
         }
+        if (asked == request.fields.size()) return SendBuilt(session, control) || fail(request.sendFailure);
+        values.at(asked) = request.fields[asked].value(source);
+        if (session.Ended()) return false;
     }
-    return SendBuilt(session, control) || fail(request.sendFailure);
 }
 
 } // namespace planfold

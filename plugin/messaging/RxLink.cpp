@@ -8,8 +8,9 @@ namespace {
 
 template <class Function>
 Function* FindOrTell(const HostLookup& lookup, const char* name, Notices* notices) {
-    Function* found = Find<Function>(lookup, name);
-    if (!found && notices) notices->ShowMessage("Exe is not compatible with the plugin");
+    // These two only connect: they let nobody in.
+    auto* const found = reinterpret_cast<Function*>(lookup(name));
+    if (!found && notices) notices->ShowLast("Exe is not compatible with the plugin");
     return found;
 }
 

@@ -3,7 +3,6 @@
 #include "sdk/CStringArray.h"
 #include "sdk/Tags.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace planfold {
@@ -14,19 +13,27 @@ constexpr std::uint32_t kScratchBytes = 32768;
 
 } // namespace
 
+double Session::*const Session::kMinimums[] = {
+    &Session::m_dMinSipDaily,
+    &Session::m_dMinSipWeekly,
+    &Session::m_dMinSipMonthly,
+    &Session::m_dMinSipYearly,
+};
+
 Session::~Session() {
     QmxError error{};
     if (m_primeCb) qmx_dtor_primecb(&m_primeCb, &error);
     if (m_scratch) qmx_close_scratch(&m_scratch, &error);
 }
 
-void Session::OpenHandles(Notices& notices) {
+void Session::OpenHandles(Pass pass, Notices& notices) {
     QmxError error{};
     ++m_generation;
     m_scratch = nullptr;
-    if (!qmx_open_scratch(&m_scratch, kScratchBytes, &error)) notices.ShowMessage("Buffer Handle open Failed");
+    if (!qmx_open_scratch(&m_scratch, kScratchBytes, &error))
+        notices.ShowMessage(pass, "Buffer Handle open Failed");
     m_primeCb = nullptr;
-    if (!qmx_ctor_primecb(&m_primeCb, &error)) notices.ShowMessage("MNM Handle Open Failed");
+    if (!qmx_ctor_primecb(&m_primeCb, &error)) notices.ShowMessage(pass, "MNM Handle Open Failed");
 }
 
 bool Session::StartMessage() {
@@ -50,48 +57,36 @@ LoginIdentity Session::GetLoginIdentity() const {
     }
 }
 
-bool Session::GetActiveClient(std::string& client) {
+bool Session::GetActiveClient(Pass pass, std::string& client) {
     client.clear();
     if (host.pu_get_ActiveClient) {
         CString active = String();
-        host.pu_get_ActiveClient(&active);
+        host.pu_get_ActiveClient(pass, &active);
         client = active.View();
         identity.activeClient = client;
     }
     return !identity.activeClient.empty();
 }
 
-std::optional<std::string> Session::FreshIdentifier() const {
+std::optional<std::string> Session::FreshIdentifier(Pass pass) const {
     CString identifier = String();
-    if (!host.pu_get_uuid || !host.pu_get_uuid(&identifier)) return std::nullopt;
+    if (!host.pu_get_uuid || !host.pu_get_uuid(pass, &identifier)) return std::nullopt;
     return std::string(identifier.View());
 }
 
-void Session::Log(std::string_view text) const {
+void Session::Log(Pass pass, std::string_view text) const {
     if (!host.pu_add_to_tabbed_log) return;
     PassedString line(text, strings);
-    host.pu_add_to_tabbed_log(line.Hand());
+    host.pu_add_to_tabbed_log(pass, line.Hand());
 }
 
-bool Session::HasRight(std::string_view right) const {
-    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
-    if (!enabled) return false;
-    const CString name = String(right);
-    return enabled(&name) != 0;
-}
-
-std::vector<std::string> Session::MappedAccounts() const {
+std::vector<std::string> Session::MappedAccounts(Pass pass) const {
     CStringArray accounts;
-    host.pu_get_all_mappedAccount_ids(&accounts);
+    host.pu_get_all_mappedAccount_ids(pass, &accounts);
     std::vector<std::string> result;
     for (const CString& account : accounts.Elements())
         result.emplace_back(account.View());
     return result;
-}
-
-const FrequencyRow* FindFrequency(std::string_view word) {
-    const auto* row = std::ranges::find(kFrequencies, word, &FrequencyRow::word);
-    return row == std::end(kFrequencies) ? nullptr : row;
 }
 
 } // namespace planfold

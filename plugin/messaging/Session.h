@@ -2,6 +2,7 @@
 // operation mode, and the host's callbacks. One for the plug-in, owned by the control block.
 #pragma once
 
+#include "plugin/base/Frequencies.h"
 #include "plugin/base/Notices.h"
 #include "plugin/messaging/HostCallbacks.h"
 #include "sdk/CString.h"
@@ -40,7 +41,7 @@ public:
     ~Session();
 
     // Opens both handles anew, over the old ones, which stay open. Each failure is one text.
-    void OpenHandles(Notices& notices);
+    void OpenHandles(Pass pass, Notices& notices);
 
     // Begins an empty message. False when the library refuses.
     bool StartMessage();
@@ -54,16 +55,24 @@ public:
 
     LoginIdentity GetLoginIdentity() const;
     // Asks the host; true when a client is active.
-    bool GetActiveClient(std::string& client);
+    bool GetActiveClient(Pass pass, std::string& client);
     // A fresh unique identifier for an order's request; none when the host gives none.
-    std::optional<std::string> FreshIdentifier() const;
+    std::optional<std::string> FreshIdentifier(Pass pass) const;
     // One line of the host's tabbed log; nothing when the host has none.
-    void Log(std::string_view text) const;
-    bool HasRight(std::string_view right) const;
-    std::vector<std::string> MappedAccounts() const;
+    void Log(Pass pass, std::string_view text) const;
+    // The same where nothing of the caller's comes after it.
+    void LogLast(std::string_view text) const {
+        Lifetime::Last([&](Pass pass) { Log(pass, text); });
+    }
+    bool HasRight(Pass pass, std::string_view right) const {
+        return AskRight(pass, lookup, strings, right).value_or(false);
+    }
+    std::vector<std::string> MappedAccounts(Pass pass) const;
 
     CString String(std::string_view text = {}) const { return CString(text, strings); }
 
+    // Over once it has ended.
+    const Lifetime life{[this] { return !m_ended; }};
     // What this session is part of; to be held by whoever may be interrupted by a message loop.
     std::weak_ptr<void> owner;
 
@@ -78,30 +87,20 @@ public:
     void* m_scratch = nullptr;
     std::int32_t m_nLoginMode = 0;
     std::int32_t m_nSipOperationMode = 0; // 1 once the server has supplied the periods below
-    double m_dMinSipDaily = 0.0;          // least number of instalments, a frequency each
+    // One of the four below.
+    double& MinimumPeriods(const Frequency& frequency) { return this->*kMinimums[IndexOf(frequency)]; }
+    double MinimumPeriods(const Frequency& frequency) const { return this->*kMinimums[IndexOf(frequency)]; }
+    double m_dMinSipDaily = 0.0; // least number of instalments, a frequency each
     double m_dMinSipWeekly = 0.0;
     double m_dMinSipMonthly = 0.0;
     double m_dMinSipYearly = 0.0;
     const NonTradingDates* m_pNonTradingDates = nullptr; // the host's; it may replace the contents
 
 private:
+    static double Session::*const kMinimums[kFrequencyCount];
+
     std::uint64_t m_generation = 0;
     bool m_ended = false;
 };
-
-// The minimum that belongs to a frequency word.
-struct FrequencyRow {
-    std::string_view word;
-    double Session::*minimum;
-};
-inline constexpr FrequencyRow kFrequencies[] = {
-    {"daily", &Session::m_dMinSipDaily},
-    {"weekly", &Session::m_dMinSipWeekly},
-    {"monthly", &Session::m_dMinSipMonthly},
-    {"yearly", &Session::m_dMinSipYearly},
-};
-
-// Null for any other word.
-const FrequencyRow* FindFrequency(std::string_view word);
 
 } // namespace planfold

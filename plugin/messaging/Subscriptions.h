@@ -8,9 +8,9 @@ namespace planfold {
 
 // The plug-in's stream, by account or by identity as the login mode and the host's client overview say.
 // Each failure (also a missing control) is shown, and the next account goes on.
-void SubscribeBroadcasts(Session& session, RxControl* control, Notices& notices);
+void SubscribeBroadcasts(Pass pass, Session& session, RxControl* control, Notices& notices);
 
 // The stream of the login identity.
-void SubscribeIdentity(Session& session, RxControl* control, Notices& notices);
+void SubscribeIdentity(Pass pass, Session& session, RxControl* control, Notices& notices);
 
 } // namespace planfold

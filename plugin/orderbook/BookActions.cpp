@@ -73,10 +73,6 @@ struct Totals {
 
 } // namespace
 
-bool BookActions::IsStill(int resets) const {
-    return resets == m_resets && !m_session.Ended();
-}
-
 const sOrderinfo* BookActions::FirstSelected() const {
     const RecordId record = m_view.Registered().FirstSelected();
     return record == kNoRecord ? nullptr : &m_cache[record];
@@ -89,13 +85,13 @@ void BookActions::Cancel() {
         records.size() == 1
             ? Format("Do you want to cancel Order No: %s ", std::string(m_cache[records[0]].Number()).c_str())
             : Format("You have selected %d Orders to Cancel. Proceed?", static_cast<int>(records.size()));
-    const int resets = m_resets;
+    std::optional<std::string> reason;
     m_asking = true;
-    const bool proceed = m_view.Ask(question);
     // Whichever way the reason is closed, the cancellation goes on.
-    std::string reason = proceed && IsStill(resets) ? m_view.AskReason() : std::string();
+    if (m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes)
+        reason = m_life.Across([&](Pass pass) { return m_view.AskReason(pass); });
     m_asking = false;
-    if (proceed && IsStill(resets)) Begin(RunKind::cancel, std::move(records), std::move(reason));
+    if (reason) Begin(RunKind::cancel, std::move(records), std::move(*reason));
 }
 
 void BookActions::Modify() {
@@ -103,18 +99,19 @@ void BookActions::Modify() {
     if (!record) return;
     const std::string_view status = record->Text(OrderField::sipStatus);
     if (HasEnded(status))
-        m_view.ShowMessage("Cannot modify SIP. Order status: " + std::string(status));
+        m_view.ShowLast("Cannot modify SIP. Order status: " + std::string(status));
     else
-        m_view.OpenForModify(*record);
+        Lifetime::Last([&](Pass pass) { m_view.OpenForModify(pass, *record); });
 }
 
 void BookActions::Change(PauseOrResume which) {
     const sOrderinfo* record = FirstSelected();
     if (!record || m_run) return;
     if (const char* refusal = RefusalTo(which, record->Text(OrderField::sipStatus)))
-        m_view.ShowMessage(refusal);
+        m_view.ShowLast(refusal);
     else
-        SendPauseSipOrder(m_session, m_control, m_view, which, record->Number());
+        Lifetime::Last(
+            [&](Pass pass) { SendPauseSipOrder(pass, m_session, m_control, m_view, which, record->Number()); });
 }
 
 void BookActions::ChangeSelected(PauseOrResume which) {
@@ -127,18 +124,18 @@ void BookActions::ChangeSelected(PauseOrResume which) {
     const char* verb = which == PauseOrResume::pause ? "paused" : "resumed";
     if (records.empty()) {
         if (selected)
-            m_view.ShowMessage(Format("None of the %zu selected registrations can be %s.", selected, verb));
+            m_view.ShowLast(Format("None of the %zu selected registrations can be %s.", selected, verb));
         return;
     }
     Totals totals;
     for (const RecordId record : records)
         totals.Add(m_cache[record]);
-    const int resets = m_resets;
+    const std::string question = Format("%zu of %zu selected registrations will be %s: %s.\nProceed?",
+                                        records.size(), selected, verb, totals.Text().c_str());
     m_asking = true;
-    const bool proceed = m_view.Ask(Format("%zu of %zu selected registrations will be %s: %s.\nProceed?",
-                                           records.size(), selected, verb, totals.Text().c_str()));
+    const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); });
     m_asking = false;
-    if (proceed && IsStill(resets)) Begin(RunOf(which), std::move(records), {});
+    if (reply == Reply::yes) Begin(RunOf(which), std::move(records), {});
 }
 
 void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string reason) {
@@ -172,36 +169,36 @@ void BookActions::SendPortion(std::size_t most) {
     // The host is asked for identifiers on the way and may let the window's timer in.
     if (!m_run || m_sending) return;
     m_sending = true;
-    const int resets = m_resets;
-    for (std::size_t i = 0; i < most && !m_run->AllTried(); ++i) {
-        const bool sent = SendOne(m_run->TakeNext(), m_run->Failures());
-        if (!IsStill(resets)) break;
-        if (sent) m_run->CountSent();
+    Reply sent = Reply::no;
+    for (std::size_t i = 0; i < most && !m_run->AllTried() && sent != Reply::over; ++i) {
+        sent = m_life.Across([&](Pass pass) { return SendOne(pass, m_run->TakeNext(), m_run->Failures()); });
+        if (sent == Reply::yes) m_run->CountSent();
     }
     m_sending = false;
-    if (!IsStill(resets))
+    if (sent == Reply::over)
         m_run.reset();
     else if (Finished())
         EndRun();
 }
 
-bool BookActions::SendOne(RecordId id, Notices& notices) {
+bool BookActions::SendOne(Pass pass, RecordId id, Notices& notices) {
     sOrderinfo& record = m_cache[id];
     switch (m_run->Kind()) {
     case RunKind::cancel: {
         OrderChanges reason;
         reason[OrderField::userText] = m_reason;
         record.Apply(reason);
-        const int resets = m_resets;
-        const bool sent = SendCancelSipOrder(m_session, m_control, notices, record);
+        bool sent = false;
         // The record itself has changed: reason and order source.
-        if (resets == m_resets) m_view.Registered().Repaint(id);
+        if (m_life.Across(
+                [&](Pass) { sent = SendCancelSipOrder(pass, m_session, m_control, notices, record); }))
+            m_view.Registered().Repaint(id);
         return sent;
     }
     case RunKind::pause:
-        return SendPauseSipOrder(m_session, m_control, notices, PauseOrResume::pause, record.Number());
+        return SendPauseSipOrder(pass, m_session, m_control, notices, PauseOrResume::pause, record.Number());
     case RunKind::resume:
-        return SendPauseSipOrder(m_session, m_control, notices, PauseOrResume::resume, record.Number());
+        return SendPauseSipOrder(pass, m_session, m_control, notices, PauseOrResume::resume, record.Number());
     }
     return false;
 }
@@ -212,7 +209,7 @@ void BookActions::EndRun() {
     std::string text = run.FailureTexts();
     if (run.Stopped() || run.Kind() != RunKind::cancel)
         text.append(text.empty() ? "" : "\n").append(run.Summary());
-    if (!text.empty()) m_view.ShowMessage(text);
+    if (!text.empty()) m_view.ShowLast(text);
 }
 
 void BookActions::HandleCancelled(const Answer& answer) {
@@ -224,8 +221,7 @@ void BookActions::HandleCancelled(const Answer& answer) {
     registered.Deselect(record);
     registered.Remove(record);
     const std::string text = Format("%s Order Cancelled ", std::string(*number).c_str());
-    m_session.Log(text);
-    if (!m_session.Ended()) m_view.ShowMessage(text);
+    if (m_session.life.Across([&](Pass pass) { m_session.Log(pass, text); })) m_view.ShowLast(text);
 }
 
 void BookActions::HandleChanged(const Answer& answer, RunKind kind) {
@@ -236,11 +232,11 @@ void BookActions::HandleChanged(const Answer& answer, RunKind kind) {
         return;
     }
     const std::string text = FieldText(answer.message, tag::userText);
-    if (!text.empty()) m_view.ShowMessage(text);
+    if (!text.empty()) m_view.ShowLast(text);
 }
 
 void BookActions::Reset() {
-    ++m_resets;
+    m_life.Renew();
     if (!m_sending) m_run.reset();
 }
 

@@ -16,8 +16,9 @@ namespace planfold {
 
 class BookActions : public LongRun {
 public:
-    BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control)
-        : m_session(session), m_view(view), m_cache(cache), m_control(control) {}
+    // `life` is that of the records and their window.
+    BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control, Lifetime& life)
+        : m_session(session), m_view(view), m_cache(cache), m_control(control), m_life(life) {}
 
     // Of every selected row, after a question and a reason.
     void Cancel();
@@ -44,15 +45,12 @@ public:
     void Reset();
 
 private:
-    // Whether the window that had seen so many resets is still there: a question, the reason and the host's
-    // callbacks may end it.
-    bool IsStill(int resets) const;
     const sOrderinfo* FirstSelected() const;
     void Change(PauseOrResume which);
     void ChangeSelected(PauseOrResume which);
     void Begin(RunKind kind, std::vector<RecordId> records, std::string reason);
     void SendPortion(std::size_t most);
-    bool SendOne(RecordId record, Notices& notices);
+    bool SendOne(Pass pass, RecordId record, Notices& notices);
     bool Finished() const;
     void EndRun();
     void HandleChanged(const Answer& answer, RunKind kind);
@@ -61,12 +59,12 @@ private:
     BookView& m_view;
     OrderCache& m_cache;
     RxControl* m_control;
+    Lifetime& m_life;
     std::optional<BookRun> m_run;
     std::string m_reason;
     int m_waits = 0; // since the last answer
     bool m_asking = false;
     bool m_sending = false;
-    int m_resets = 0;
 };
 
 } // namespace planfold

@@ -19,21 +19,20 @@ struct OrdersQuery {
     std::string loginId;
 };
 constexpr RequestField<OrdersQuery> kOrdersFields[] = {
-    {tag::requestName, [](OrdersQuery&) -> Value { return "om_get_sip_orders"; }, nullptr},
     {tag::loginId, [](OrdersQuery& query) -> Value { return query.loginId; }, "User not logged in"},
 };
-constexpr Request<OrdersQuery> kOrdersRequest{kOrdersFields, "Request Failure", nullptr};
+constexpr Request<OrdersQuery> kOrdersRequest{"om_get_sip_orders", nullptr, kOrdersFields, "Request Failure",
+                                              nullptr};
 
 struct HistoryQuery {
     std::string from;
     std::string to;
 };
 constexpr RequestField<HistoryQuery> kHistoryFields[] = {
-    {tag::requestName, [](HistoryQuery&) -> Value { return "qry_eq_sip"; }, nullptr},
     {tag::startDate, [](HistoryQuery& query) -> Value { return query.from; }, nullptr},
     {tag::toDate, [](HistoryQuery& query) -> Value { return query.to; }, nullptr},
 };
-constexpr Request<HistoryQuery> kHistoryRequest{kHistoryFields, "Request Failure"};
+constexpr Request<HistoryQuery> kHistoryRequest{"qry_eq_sip", nullptr, kHistoryFields, "Request Failure"};
 
 std::chrono::sys_days Days(const LocalDateTime& date) {
     return std::chrono::year(date.year) / date.month / date.day;
@@ -46,15 +45,16 @@ std::string QueryDate(std::chrono::year_month_day date) {
 
 } // namespace
 
-bool SendGetSipOrders(Session& session, RxControl* control, Notices& notices) {
+bool SendGetSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices) {
     OrdersQuery query{session.identity.loginId};
-    return SendRequest(session, control, notices, kOrdersRequest, query);
+    return SendRequest(pass, session, control, notices, kOrdersRequest, query);
 }
 
-bool SendQuerySips(Session& session, RxControl* control, Notices& notices, const LocalDateTime& today) {
+bool SendQuerySips(Pass pass, Session& session, RxControl* control, Notices& notices,
+                   const LocalDateTime& today) {
     const auto to = Days(today);
     HistoryQuery query{QueryDate(to - std::chrono::days(LookBackDays(today, kYearsBack))), QueryDate(to)};
-    return SendRequest(session, control, notices, kHistoryRequest, query);
+    return SendRequest(pass, session, control, notices, kHistoryRequest, query);
 }
 
 bool IsOwnHistory(const Session& session, void* message) {

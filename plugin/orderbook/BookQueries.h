@@ -9,11 +9,12 @@ namespace planfold {
 
 // The registrations of the login id: the request om_get_sip_orders. False when nothing was sent; most reasons
 // are shown.
-bool SendGetSipOrders(Session& session, RxControl* control, Notices& notices);
+bool SendGetSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices);
 
 // The history of the last two years up to today: the request qry_eq_sip. False when nothing was sent; the
 // reason has been shown.
-bool SendQuerySips(Session& session, RxControl* control, Notices& notices, const LocalDateTime& today);
+bool SendQuerySips(Pass pass, Session& session, RxControl* control, Notices& notices,
+                   const LocalDateTime& today);
 
 // Whether an answer to the second is for this user, by the identity of the login mode.
 bool IsOwnHistory(const Session& session, void* message);

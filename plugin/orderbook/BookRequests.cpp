@@ -12,6 +12,7 @@ using Value = std::optional<std::string_view>;
 
 // Copies: the host is asked on the way, and an update may change the record meanwhile.
 struct CancelSipOrder {
+    Pass pass;
     Session& session;
     std::string number;
     std::string remarks;
@@ -26,13 +27,11 @@ Value Of(CancelSipOrder& cancel) {
 }
 
 Value FreshIdentifier(CancelSipOrder& cancel) {
-    cancel.identifier = cancel.session.FreshIdentifier();
+    cancel.identifier = cancel.session.FreshIdentifier(cancel.pass);
     return cancel.identifier;
 }
 
 constexpr RequestField<CancelSipOrder> kCancelFields[] = {
-    {tag::requestName, [](CancelSipOrder&) -> Value { return "cancel_sip_order"; },
-     "Adding request cancel_sip_order failed"},
     {tag::registrationNumber, Of<&CancelSipOrder::number>, "SIP number not added"},
     {tag::echoedNumber, Of<&CancelSipOrder::number>, nullptr},
     {tag::orderId, FreshIdentifier, nullptr},
@@ -40,23 +39,22 @@ constexpr RequestField<CancelSipOrder> kCancelFields[] = {
     {tag::cancelledBy, Of<&CancelSipOrder::loginId>, nullptr},
     {tag::orderSource, Of<&CancelSipOrder::orderSource>, "Failed to add Order Source"},
 };
-constexpr Request<CancelSipOrder> kCancelRequest{kCancelFields, "Sending request cancel_sip_orders failed"};
+constexpr Request<CancelSipOrder> kCancelRequest{"cancel_sip_order", "Adding request cancel_sip_order failed",
+                                                 kCancelFields, "Sending request cancel_sip_orders failed"};
 
 struct PauseSipOrder {
-    PauseOrResume which;
     std::string number;
 };
 // Every text names pause, also when resuming.
 constexpr RequestField<PauseSipOrder> kPauseFields[] = {
-    {tag::requestName,
-     [](PauseSipOrder& pause) -> Value {
-         return pause.which == PauseOrResume::pause ? "pause_sip_order" : "resume_sip_order";
-     },
-     "Failed to add the request pause_sip_order"},
     {tag::registrationNumber, [](PauseSipOrder& pause) -> Value { return pause.number; },
      "Failed to add the SIP ID"},
 };
-constexpr Request<PauseSipOrder> kPauseRequest{kPauseFields, "Sending Request pause_sip_order Failed"};
+constexpr Request<PauseSipOrder> PauseRequest(PauseOrResume which) {
+    return {which == PauseOrResume::pause ? "pause_sip_order" : "resume_sip_order",
+            "Failed to add the request pause_sip_order", kPauseFields,
+            "Sending Request pause_sip_order Failed"};
+}
 
 std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
     if (record.Text(field).empty()) {
@@ -69,20 +67,20 @@ std::string_view BlankInsteadOfNothing(sOrderinfo& record, OrderField field) {
 
 } // namespace
 
-bool SendCancelSipOrder(Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
-    CancelSipOrder cancel{session, std::string(record.Number()),
+bool SendCancelSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, sOrderinfo& record) {
+    CancelSipOrder cancel{pass, session, std::string(record.Number()),
                           std::string(BlankInsteadOfNothing(record, OrderField::userText)),
                           std::string(BlankInsteadOfNothing(record, OrderField::orderSource))};
-    if (!SendRequest(session, control, notices, kCancelRequest, cancel)) return false;
-    session.Log(Format("Sending request to cancel %s", cancel.number.c_str()));
+    if (!SendRequest(pass, session, control, notices, kCancelRequest, cancel)) return false;
+    session.Log(pass, Format("Sending request to cancel %s", cancel.number.c_str()));
     return true;
 }
 
-bool SendPauseSipOrder(Session& session, RxControl* control, Notices& notices, PauseOrResume which,
+bool SendPauseSipOrder(Pass pass, Session& session, RxControl* control, Notices& notices, PauseOrResume which,
                        std::string_view registrationNumber) {
-    PauseSipOrder pause{which, std::string(registrationNumber)};
-    if (!SendRequest(session, control, notices, kPauseRequest, pause)) return false;
-    session.Log(Format("Request sent Pause SIP Order: %s", pause.number.c_str()));
+    PauseSipOrder pause{std::string(registrationNumber)};
+    if (!SendRequest(pass, session, control, notices, PauseRequest(which), pause)) return false;
+    session.Log(pass, Format("Request sent Pause SIP Order: %s", pause.number.c_str()));
     return true;
 }
 

@@ -40,12 +40,12 @@ public:
     // False before the window is made and once it is gone.
     virtual bool IsOpen() const = 0;
     // A question with Yes and No; true for Yes. False at once while another box is open.
-    virtual bool Ask(std::string_view question) = 0;
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
     // The reason of a cancellation; empty when its dialog is cancelled.
-    virtual std::string AskReason() = 0;
-    virtual void OpenForModify(const sOrderinfo& record) = 0;
+    virtual std::string AskReason(Pass pass) = 0;
+    virtual void OpenForModify(Pass pass, const sOrderinfo& record) = 0;
     // Whoever else shows the record may have to say so.
-    virtual void TellChanged(const sOrderinfo& record) = 0;
+    virtual void TellChanged(Pass pass, const sOrderinfo& record) = 0;
     // A run over many rows has begun, gone on or ended.
     virtual void ShowRun() = 0;
     virtual BookList& Registered() = 0;

@@ -28,16 +28,21 @@ void OrderBook::Open(const LocalDateTime& today) {
     m_cache.Clear();
     FilterByClient({});
     m_session.m_nSipOperationMode = 0;
-    SendGetSipOperationMode(m_session, m_controls.requests, m_view);
-    // Each failure is a box, whose message loop may bring the end.
-    if (!Gone()) SubscribeBroadcasts(m_session, m_controls.accountStream, m_view);
-    if (!Gone()) SendGetSipOrders(m_session, m_controls.requests, m_view);
-    if (!Gone()) SubscribeIdentity(m_session, m_controls.identityStream, m_view);
-    if (!Gone()) SendQuerySips(m_session, m_controls.requests, m_view, today);
+    // Each failure is a box.
+    const auto& [requests, identityStream, accountStream] = m_controls;
+    const std::function<void(Pass)> steps[] = {
+        [&](Pass pass) { SendGetSipOperationMode(pass, m_session, requests, m_view); },
+        [&](Pass pass) { SubscribeBroadcasts(pass, m_session, accountStream, m_view); },
+        [&](Pass pass) { SendGetSipOrders(pass, m_session, requests, m_view); },
+        [&](Pass pass) { SubscribeIdentity(pass, m_session, identityStream, m_view); },
+        [&](Pass pass) { SendQuerySips(pass, m_session, requests, m_view, today); },
+    };
+    for (const auto& step : steps)
+        if (!m_life.Across(step)) return;
 }
 
 void OrderBook::Refresh() {
-    SendGetSipOrders(m_session, m_controls.requests, m_view);
+    Lifetime::Last([&](Pass pass) { SendGetSipOrders(pass, m_session, m_controls.requests, m_view); });
 }
 
 void OrderBook::FilterByClient(std::string_view client) {
@@ -46,39 +51,39 @@ void OrderBook::FilterByClient(std::string_view client) {
 }
 
 void OrderBook::OnResponse(void* message) {
-    if (!Gone()) Dispatch<OrderBook>(*this, m_session, kAnswers, Answer(message));
+    if (m_life.IsThere()) Dispatch<OrderBook>(*this, m_session, kAnswers, Answer(message));
 }
 
 void OrderBook::OnBroadcast(void* message) {
-    if (Gone()) return;
+    if (!m_life.IsThere()) return;
     const RecordId record = ApplyRow(message, Arrival::streamed);
     const auto status = FieldView(message, tag::sipStatus);
-    if (Gone() || record == kNoRecord || !status || !IsCancelled(*status)) return;
+    if (record == kNoRecord || !status || !IsCancelled(*status)) return;
     BookList& registered = m_view.Registered();
     if (!registered.Contains(record)) return;
     registered.Remove(record);
-    m_session.Log(Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str()));
+    m_session.LogLast(Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str()));
 }
 
 RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     const auto number = FieldView(message, tag::registrationNumber);
     if (!number || number->empty()) return kNoRecord;
     // Before the record is looked up: the host's answer may let other messages in.
-    const auto accountName = AskAccountName(m_session, message);
-    if (Gone()) return kNoRecord;
+    const auto accountName = m_life.Across([&](Pass pass) { return AskAccountName(pass, m_session, message); });
+    if (!accountName) return kNoRecord;
 
     RecordId record = m_cache.Find(*number);
     const bool isNew = record == kNoRecord;
     if (isNew) record = m_cache.Add(*number);
-    ReadOrderRow(message, m_session.m_nSipOperationMode != 0, accountName, m_cache[record]);
+    ReadOrderRow(message, m_session.m_nSipOperationMode != 0, *accountName, m_cache[record]);
     m_view.Registered().Repaint(record);
     m_view.Cancelled().Repaint(record);
     // A known record enters the cancelled book, but never the registered one.
     const bool cancelled = IsCancelled(m_cache[record].Text(OrderField::sipStatus));
     BookList& list = cancelled ? m_view.Cancelled() : m_view.Registered();
     if ((isNew || cancelled) && !list.Contains(record)) list.InsertFront(record, arrival);
-    m_view.TellChanged(m_cache[record]);
-    return record;
+    const bool isThere = m_life.Across([&](Pass pass) { m_view.TellChanged(pass, m_cache[record]); });
+    return isThere ? record : kNoRecord;
 }
 
 void OrderBook::HandleOperationMode(const Answer& answer) {
@@ -102,7 +107,7 @@ void OrderBook::HandleHistoryRow(const Answer& answer) {
 
 void OrderBook::HandleUserText(const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
-    if (!text.empty()) m_view.ShowMessage(text);
+    if (!text.empty()) m_view.ShowLast(text);
 }
 
 } // namespace planfold

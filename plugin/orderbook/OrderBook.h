@@ -24,7 +24,7 @@ class OrderBook {
 public:
     OrderBook(Session& session, BookView& view, const BookControls& controls)
         : m_session(session), m_view(view), m_controls(controls),
-          m_actions(session, view, m_cache, controls.requests) {}
+          m_actions(session, view, m_cache, controls.requests, m_life) {}
 
     // For a window that has just been made: begins empty, asks for everything and subscribes.
     void Open(const LocalDateTime& today);
@@ -38,11 +38,11 @@ public:
 
     const OrderCache& Records() const { return m_cache; }
     BookActions& Actions() { return m_actions; }
+    const Lifetime& Life() const { return m_life; }
 
 private:
-    bool Gone() const { return m_session.Ended() || !m_view.IsOpen(); }
     // The record of the message's registration number, entered where the rules put it; kNoRecord without a
-    // number.
+    // number, or when the window has gone meanwhile.
     RecordId ApplyRow(void* message, Arrival arrival);
     void HandleOperationMode(const Answer& answer);
     void HandleRow(const Answer& answer);
@@ -58,6 +58,7 @@ private:
     BookView& m_view;
     BookControls m_controls;
     OrderCache m_cache;
+    Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }}; // of the window
     BookActions m_actions;
 };
 

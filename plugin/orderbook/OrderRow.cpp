@@ -101,10 +101,10 @@ static_assert(std::size(kRowFields) == kOrderFieldCount);
 
 } // namespace
 
-std::optional<std::string> AskAccountName(const Session& session, void* message) {
+std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message) {
     const auto client = FieldView(message, tag::account);
     if (!client || !session.host.pu_get_client_name) return std::nullopt;
-    return AskClientName(session, *client);
+    return AskClientName(pass, session, *client);
 }
 
 void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,

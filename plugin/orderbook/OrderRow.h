@@ -10,7 +10,7 @@
 namespace planfold {
 
 // The host's name for the message's client; none when the message names no client or the host cannot tell.
-std::optional<std::string> AskAccountName(const Session& session, void* message);
+std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message);
 
 // Takes over each field whose tag the message has and leaves the others. `installments` tells which of its two
 // fields the period belongs to; `accountName` is what was asked before.

@@ -17,20 +17,20 @@ bool OrderEntry::BringBack() {
     }
     m_broughtBack = true;
     m_untouched = ReadForm();
-    ShowPlan();
-    m_view.Focus(IDC_VALUE);
+    if (ShowPlan()) m_view.Focus(IDC_VALUE);
     return true;
 }
 
 bool OrderEntry::FillIn(const SipOrderForm& order) {
-    const int opening = m_openings;
+    m_form.Choose(IDC_EXCHANGE, order.exchange);
+    if (!m_form.RefreshScrips(ScripLevel::exchange)) return false;
+    m_form.Choose(IDC_SERIES, order.series);
+    if (!m_form.RefreshScrips(ScripLevel::series)) return false;
+    return m_life.Across([&](Pass) { FillInBesideScrip(order); });
+}
+
+void OrderEntry::FillInBesideScrip(const SipOrderForm& order) {
     const auto choose = [&](int combo, const std::string& text) { m_form.Choose(combo, text); };
-    choose(IDC_EXCHANGE, order.exchange);
-    OnExchangeChanged();
-    if (!StillOpen(opening)) return false;
-    choose(IDC_SERIES, order.series);
-    OnSeriesChanged();
-    if (!StillOpen(opening)) return false;
     choose(IDC_SYMBOL, order.symbol);
     choose(IDC_ACTION, order.action);
     choose(IDC_ORDER_TYPE, order.orderType);
@@ -48,7 +48,6 @@ bool OrderEntry::FillIn(const SipOrderForm& order) {
         m_view.Select(IDC_CLIENT_COMBO, -1);
         m_view.SetText(IDC_CLIENT_COMBO, order.account);
     }
-    return StillOpen(opening);
 }
 
 } // namespace planfold

@@ -8,7 +8,7 @@
 namespace planfold {
 
 void OrderEntry::FillForModify(const SipRegistration& registration) {
-    const int opening = ++m_openings;
+    m_life.Renew();
     // Also when the filling stops half-way: no new order comes out of this form, and no change of the
     // registration that it showed before.
     const bool showedOne = m_modifying && !m_modifying->Number().empty();
@@ -19,11 +19,20 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
         m_view.SetTitle(kName);
         m_view.SetText(IDC_SUBMIT, "Submit");
     }
+    const bool serverPeriods = m_session.m_nSipOperationMode != 0;
+    // A control that is filled tells the form, which asks the host what it shows.
+    if (m_life.Across([&](Pass) { return FillFrom(registration, serverPeriods); }) != Reply::yes) return;
+    m_modifying.emplace(registration, serverPeriods);
+    m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));
+    m_view.SetText(IDC_SUBMIT, "Modify");
+    if (ShowPlan()) m_view.Focus(IDC_VALUE);
+}
+
+bool OrderEntry::FillFrom(const SipRegistration& registration, bool serverPeriods) {
     Fix(IDC_EXCHANGE, registration.exchange);
     Fix(IDC_FREQUENCY, registration.frequency);
     Fix(IDC_ORDER_TYPE, registration.orderType);
     Fix(IDC_PRODUCT, registration.product);
-    const bool serverPeriods = m_session.m_nSipOperationMode != 0;
     if (serverPeriods) FrequencyList::ShowServerPeriods(m_view);
     m_view.SetText(IDC_PERIOD, serverPeriods ? registration.installments : registration.totalPeriod);
     m_view.Enable(IDC_PERIOD, true);
@@ -42,16 +51,11 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
                    m_view.Text(IDC_INVEST_BY) == "Amount" ? registration.amount : registration.quantity);
 
     const auto startDate = ReadServerDate(registration.startDate);
-    if (!startDate) return;
+    if (!startDate) return false;
     m_view.SetDate(IDC_START_DATE, *startDate);
     m_view.Enable(IDC_START_DATE, false);
     FillClient(registration.account);
-    if (!StillOpen(opening)) return;
-    m_modifying.emplace(registration, serverPeriods);
-    m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));
-    m_view.SetText(IDC_SUBMIT, "Modify");
-    ShowPlan();
-    if (StillOpen(opening)) m_view.Focus(IDC_VALUE);
+    return true;
 }
 
 void OrderEntry::Fix(int combo, std::string_view text) {

@@ -6,12 +6,12 @@
 
 namespace planfold {
 
-void FormNames::Ask(const SipOrderForm& form, std::string_view tradingSymbol) {
-    AskCompany(form, tradingSymbol);
-    if (form.account != m_clientAsked) AskClient(form.account);
+void FormNames::Ask(Pass pass, const SipOrderForm& form, std::string_view tradingSymbol) {
+    AskCompany(pass, form, tradingSymbol);
+    if (form.account != m_clientAsked) AskClient(pass, form.account);
 }
 
-void FormNames::AskCompany(const SipOrderForm& form, std::string_view tradingSymbol) {
+void FormNames::AskCompany(Pass pass, const SipOrderForm& form, std::string_view tradingSymbol) {
     std::string exchange;
     Convert(kExchangeToServer, form.exchange, exchange);
     // A trading symbol may come without its series.
@@ -20,20 +20,20 @@ void FormNames::AskCompany(const SipOrderForm& form, std::string_view tradingSym
     if (key == m_scripKey) return;
     m_scripKey = key;
     const ScripNames names =
-        form.symbol.empty() ? ScripNames{} : AskScripNames(m_session, exchange, series, form.symbol);
+        form.symbol.empty() ? ScripNames{} : AskScripNames(pass, m_session, exchange, series, form.symbol);
     // The host may have let another change of the form in.
     if (m_scripKey != key) return;
     const bool meant = tradingSymbol.empty() || names.tradingSymbol == tradingSymbol;
     m_company = meant ? names.company : std::string();
 }
 
-void FormNames::AskClient(const std::string& client) {
+void FormNames::AskClient(Pass pass, const std::string& client) {
     m_clientAsked = client;
     const auto& host = m_session.host;
-    const std::string name = client.empty() ? client : AskClientName(m_session, client);
+    const std::string name = client.empty() ? client : AskClientName(pass, m_session, client);
     const bool unknown = !client.empty()
-                         && (host.pu_is_valid_account ? IsUnknownClient(m_session, client)
-                                                      : host.pu_get_client_name && name.empty());
+                         && (host.pu_is_valid_account ? IsUnknownClient(pass, m_session, client)
+                                                      : host.pu_get_client_name != nullptr && name.empty());
     if (m_clientAsked != client) return;
     m_clientIsUnknown = unknown;
     m_client = client;

@@ -15,7 +15,7 @@ public:
 
     // Asks the host about what has changed since it was last asked. The company is that of the scrip with this
     // trading symbol, or of any when that is not known.
-    void Ask(const SipOrderForm& form, std::string_view tradingSymbol);
+    void Ask(Pass pass, const SipOrderForm& form, std::string_view tradingSymbol);
     // Asks anew the next time.
     void Forget() { m_scripKey = m_clientAsked = kNothingAsked; }
 
@@ -24,8 +24,8 @@ public:
     bool ClientIsUnknown() const { return m_clientIsUnknown; }
 
 private:
-    void AskCompany(const SipOrderForm& form, std::string_view tradingSymbol);
-    void AskClient(const std::string& client);
+    void AskCompany(Pass pass, const SipOrderForm& form, std::string_view tradingSymbol);
+    void AskClient(Pass pass, const std::string& client);
 
     static constexpr char kNothingAsked[] = "\n"; // no code is that
 

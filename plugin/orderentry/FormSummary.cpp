@@ -57,22 +57,23 @@ bool OrderEntry::Alarms() const {
     return FilledForModify() ? !Notice().empty() : m_kept.IsAlarming();
 }
 
-void OrderEntry::ShowPlan() {
-    const int opening = m_openings;
-    m_names.Ask(ReadForm(), m_modifying ? m_modifying->Now().tradingSymbol : std::string());
-    if (!StillOpen(opening)) return;
+bool OrderEntry::ShowPlan() {
+    const SipOrderForm form = ReadForm();
+    const std::string tradingSymbol = m_modifying ? m_modifying->Now().tradingSymbol : std::string();
+    if (!m_life.Across([&](Pass pass) { m_names.Ask(pass, form, tradingSymbol); })) return false;
     std::string text = m_names.Text();
     const std::string plan = DescribeForm();
     for (const std::string& part : {Notice(), plan})
         if (!part.empty()) text.append(text.empty() ? "" : "\n").append(part);
     m_view.ShowSummary(text, Alarms());
     m_view.Enable(IDC_PLAN_DATES, PlannedDate(CurrentPlan(), 0).has_value());
+    return true;
 }
 
 void OrderEntry::OnRegistrationChanged(const SipRegistration& registration) {
     if (!Modifies(registration.number) || registration.number.empty()) return;
     m_modifying->Update(registration);
-    ShowPlan();
+    ShowPlanLast();
 }
 
 } // namespace planfold

@@ -17,8 +17,6 @@ struct ModifySipOrder {
     const sSipOrderData& order;
 };
 constexpr RequestField<ModifySipOrder> kFields[] = {
-    {tag::requestName, [](ModifySipOrder&) -> Value { return "modify_sip_order"; },
-     "Failed to add the request modify_sip_order"},
     {tag::registrationNumber, [](ModifySipOrder& modify) -> Value { return modify.number; },
      "Failed to add the SIP ID"},
     {tag::amountOrQuantity, [](ModifySipOrder& modify) -> Value { return modify.order.amountOrQuantity; },
@@ -26,7 +24,8 @@ constexpr RequestField<ModifySipOrder> kFields[] = {
     {tag::totalPeriod, [](ModifySipOrder& modify) -> Value { return modify.order.totalPeriod; },
      "Failed to add the Total Period"},
 };
-constexpr Request<ModifySipOrder> kRequest{kFields, "Sending Request modify_sip_order Failed"};
+constexpr Request<ModifySipOrder> kRequest{"modify_sip_order", "Failed to add the request modify_sip_order",
+                                           kFields, "Sending Request modify_sip_order Failed"};
 
 } // namespace
 
@@ -46,11 +45,11 @@ std::optional<LocalDateTime> ReadServerDate(std::string_view text) {
                          static_cast<int>(LeadingInteger(text))};
 }
 
-bool SendModifySipOrder(Session& session, RxControl* control, Notices& notices, std::string_view number,
-                        const sSipOrderData& order) {
+bool SendModifySipOrder(Pass pass, Session& session, RxControl* control, Notices& notices,
+                        std::string_view number, const sSipOrderData& order) {
     ModifySipOrder modify{std::string(number), order};
-    if (!SendRequest(session, control, notices, kRequest, modify)) return false;
-    session.Log(Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
+    if (!SendRequest(pass, session, control, notices, kRequest, modify)) return false;
+    session.Log(pass, Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
     return true;
 }
 

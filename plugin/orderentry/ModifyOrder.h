@@ -43,7 +43,7 @@ std::optional<LocalDateTime> ReadServerDate(std::string_view text);
 
 // The request modify_sip_order with the record's value and period. Sent is logged; the reason of a failure is
 // shown.
-bool SendModifySipOrder(Session& session, RxControl* control, Notices& notices, std::string_view number,
-                        const sSipOrderData& order);
+bool SendModifySipOrder(Pass pass, Session& session, RxControl* control, Notices& notices,
+                        std::string_view number, const sSipOrderData& order);
 
 } // namespace planfold

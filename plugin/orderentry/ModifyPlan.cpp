@@ -76,7 +76,8 @@ std::optional<Progress> ProgressOf(const SipRegistration& registration, std::int
     std::int64_t lapsed = 0;
     if (const auto end = ReadServerDate(registration.endDate))
         if (const auto last = PlaceBy(schedule, *end)) lapsed = *last - (periods - 1);
-    if (registration.frequency == "daily") {
+    const int days = FindFrequency(registration.frequency)->days;
+    if (days == 1) {
         constexpr std::int64_t mostDays = 40000; // a century: no plan that anybody made
         if (*place > mostDays) return std::nullopt;
         // Each day with trading takes one instalment, so that they fall behind the schedule.
@@ -86,7 +87,7 @@ std::optional<Progress> ProgressOf(const SipRegistration& registration, std::int
         progress.done = *place - std::clamp<std::int64_t>(lapsed, 0, *place);
         // A week can go by on days that only the server closes.
         const auto due = PlannedDate({*start, registration.frequency, *place + 1}, *place);
-        progress.exact = registration.frequency != "weekly" || (due && TradingDays(*due, *next, holidays) == 0);
+        progress.exact = days == 0 || (due && TradingDays(*due, *next, holidays) == 0);
     }
     // What has a next day is not yet at its end.
     if (lapsed != 0 || progress.done >= periods) progress.exact = false;

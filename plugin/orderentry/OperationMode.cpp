@@ -11,26 +11,26 @@ namespace {
 
 struct NoSource {};
 
-constexpr RequestField<NoSource> kFields[] = {
-    {tag::requestName, [](NoSource&) -> std::optional<std::string_view> { return "get_sip_operation_mode"; },
-     "Failed to add the request add_sip_orders"},
-};
-constexpr Request<NoSource> kRequest{kFields, "Sending Request add_sip_orders Failed"};
+// Its failures are told in the words of an order's request.
+constexpr Request<NoSource> kRequest{"get_sip_operation_mode",
+                                     "Failed to add the request add_sip_orders",
+                                     {},
+                                     "Sending Request add_sip_orders Failed"};
 
 // What a server without a period list offers, after whatever was read before.
 OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
     answer.understood = true;
-    for (const char* frequency : {"daily", "weekly", "monthly"})
-        answer.frequencies.emplace_back(frequency);
+    for (const Frequency& frequency : kFrequencies)
+        if (frequency.isDefault) answer.frequencies.emplace_back(frequency.word);
     session.m_nSipOperationMode = 0;
     return answer;
 }
 
 } // namespace
 
-bool SendGetSipOperationMode(Session& session, RxControl* control, Notices& notices) {
+bool SendGetSipOperationMode(Pass pass, Session& session, RxControl* control, Notices& notices) {
     NoSource source;
-    return SendRequest(session, control, notices, kRequest, source);
+    return SendRequest(pass, session, control, notices, kRequest, source);
 }
 
 OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
@@ -47,9 +47,9 @@ OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
         if (!frequency.empty()) result.frequencies.push_back(frequency);
         std::string minimum;
         int status = kFieldRead;
-        const FrequencyRow* row = FindFrequency(frequency);
-        if (GetFieldString(answer.message, tag::minimumPeriods, i, minimum, status) && row)
-            session.*row->minimum = LeadingReal(minimum);
+        const Frequency* known = FindFrequency(frequency);
+        if (GetFieldString(answer.message, tag::minimumPeriods, i, minimum, status) && known)
+            session.MinimumPeriods(*known) = LeadingReal(minimum);
     }
     result.understood = true;
     result.serverPeriods = true;
@@ -57,10 +57,10 @@ OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {
     return result;
 }
 
-void FrequencyList::Ask() {
+void FrequencyList::Ask(Pass pass) {
     m_earlier = m_open;
     m_listed = false;
-    if (SendGetSipOperationMode(m_session, m_control, m_view)) ++m_open;
+    if (SendGetSipOperationMode(pass, m_session, m_control, m_view)) ++m_open;
 }
 
 bool FrequencyList::OnAnswer(const Answer& answer, bool wanted) {

@@ -12,7 +12,7 @@
 namespace planfold {
 
 // Asks the server. False when nothing was sent; the reason has been shown.
-bool SendGetSipOperationMode(Session& session, RxControl* control, Notices& notices);
+bool SendGetSipOperationMode(Pass pass, Session& session, RxControl* control, Notices& notices);
 
 // What the answer means for a window: frequencies to append to its list, and whether the server's own
 // periods hold (then the period is labelled and checked by them).
@@ -31,7 +31,7 @@ public:
     FrequencyList(Session& session, DialogView& view, RxControl* control)
         : m_session(session), m_view(view), m_control(control) {}
 
-    void Ask();
+    void Ask(Pass pass);
     // Takes the answer in; `wanted` tells whether the form is one that lists frequencies. True when they were
     // listed.
     bool OnAnswer(const Answer& answer, bool wanted);

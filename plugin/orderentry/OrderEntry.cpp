@@ -14,13 +14,9 @@ namespace {
 
 // Shown when the sending is over, so that a box does not hold up the next press.
 struct KeptNotice final : Notices {
-    void ShowMessage(std::string_view shown) override { text = shown; }
+    void ShowMessage(Pass, std::string_view shown) override { text = shown; }
     std::string text;
 };
-
-int ControlToFocus(const Refusal& refusal) {
-    return refusal.focusValue ? IDC_VALUE : refusal.focusPeriod ? IDC_PERIOD : 0;
-}
 
 } // namespace
 
@@ -31,24 +27,26 @@ const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
-    const int opening = ++m_openings;
+    m_life.Renew();
     m_modifying.reset();
     m_asksLater.reset();
     m_frequencyToShow.clear();
     m_names.Forget();
-    PrepareClient();
-    if (!StillOpen(opening)) return;
+    // A control that is filled tells the form, which asks the host what it shows.
+    if (m_life.Across([&](Pass) { return Fill(now, customProducts); }) == Reply::yes)
+        Lifetime::Last([&](Pass pass) { m_frequencies.Ask(pass); });
+}
+
+bool OrderEntry::Fill(const LocalDateTime& now, std::string_view customProducts) {
+    if (!m_life.Across([&](Pass pass) { PrepareClient(pass); })) return false;
     m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
     m_form.AddFirstEntries();
     m_view.Select(IDC_ACTION, 0);
-    m_form.FillProducts(customProducts);
-    if (!StillOpen(opening)) return;
-
+    if (!m_form.FillProducts(customProducts)) return false;
     m_view.SetText(IDC_PERIOD, "1");
     m_session.m_nSipOperationMode = 0;
     m_view.Select(IDC_EXCHANGE, 0);
-    m_form.RefreshScrips(ScripLevel::exchange);
-    if (!StillOpen(opening)) return;
+    if (!m_form.RefreshScrips(ScripLevel::exchange)) return false;
     m_view.Select(IDC_INVEST_BY, 0);
     OnInvestTypeChanged();
     m_view.Select(IDC_ORDER_TYPE, 0);
@@ -56,18 +54,22 @@ void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customPro
     m_view.Select(IDC_CLIENT_COMBO, 0);
     m_untouched = ReadForm();
     m_broughtBack = false;
-    ShowPlan();
-    if (StillOpen(opening)) m_frequencies.Ask();
+    return ShowPlan();
 }
 
-void OrderEntry::PrepareClient() {
-    m_form.ShowClientControl();
+void OrderEntry::PrepareClient(Pass pass) {
+    if (!m_form.ShowClientControl()) return;
     const auto write = m_session.host.pu_write_settings_to_json;
     if (!m_form.SearchesClients() || !write) return;
     const CString section = m_session.String("Client_Search");
     const CString key = m_session.String(kName);
     const CString on = m_session.String("1");
-    write(&section, &key, &on, 1);
+    write(pass, &section, &key, &on, 1);
+}
+
+bool OrderEntry::OnChosen(int combo) {
+    if (combo == IDC_INVEST_BY) OnInvestTypeChanged();
+    return m_form.OnChosen(combo);
 }
 
 void OrderEntry::OnInvestTypeChanged() {
@@ -85,12 +87,13 @@ SipOrderForm OrderEntry::ReadForm() const {
 
 void OrderEntry::Submit(const LocalDateTime& now) {
     if (m_submitting) return;
-    const int opening = m_openings;
-    const Outcome outcome = CheckAndSend(now);
-    if (m_session.Ended()) return;
-    if (outcome.focus && StillOpen(opening)) m_view.Focus(outcome.focus);
-    if (!outcome.text.empty()) m_view.ShowMessage(outcome.text);
-    if (outcome.form && StillOpen(opening)) ClearSent(outcome);
+    Outcome outcome;
+    const bool isThere = m_life.Across([&](Pass pass) {
+        if (CheckAndSend(now, outcome) && outcome.focus) m_view.Focus(outcome.focus);
+        // Told also when the window has gone.
+        if (!m_session.Ended() && !outcome.text.empty()) m_view.ShowMessage(pass, outcome.text);
+    });
+    if (isThere && outcome.form) ClearSent(outcome);
 }
 
 // A new order's value and period go whatever came of it; those of a modification when it was sent.
@@ -103,46 +106,44 @@ void OrderEntry::ClearSent(const Outcome& outcome) {
         if (m_view.Text(IDC_VALUE) == outcome.form->value) m_view.SetText(IDC_VALUE, "");
         if (m_view.Text(IDC_PERIOD) == outcome.form->totalPeriod) m_view.SetText(IDC_PERIOD, "");
     }
-    ShowPlan();
+    ShowPlanLast();
 }
 
-bool OrderEntry::StillOpen(int opening) const {
-    return opening == m_openings && m_view.IsOpen() && !m_session.Ended();
-}
-
-OrderEntry::Outcome OrderEntry::CheckAndSend(const LocalDateTime& now) {
+bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
     m_submitting = true;
     struct Done {
         bool& flag;
         ~Done() { flag = false; }
     } done{m_submitting};
 
-    const int opening = m_openings;
     const SipOrderForm form = ReadForm();
     sSipOrderData record;
-    const auto refusal = ValidateSipOrder(m_session, m_view.Handle(), form, now, record);
-    if (!StillOpen(opening)) return {};
-    if (refusal) return {.text = refusal->text, .focus = ControlToFocus(*refusal)};
-    Outcome outcome;
-    if (!Confirm(form, outcome.focus)) return outcome;
-    Send(form, record, outcome);
-    return outcome;
+    const auto checked = m_life.Across(
+        [&](Pass pass) { return ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, record); });
+    if (!checked) return false;
+    if (const auto& refusal = *checked) {
+        outcome = {.text = refusal->text, .focus = refusal->focus};
+        return true;
+    }
+    bool isAgreed = false;
+    if (!m_life.Across([&](Pass) { isAgreed = Confirm(form, outcome.focus); })) return false;
+    return !isAgreed || m_life.Across([&](Pass pass) { Send(pass, form, record, outcome); });
 }
 
 bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
-    const int opening = m_openings;
     if (form.modifyMode) return ConfirmChanged(form);
-    const bool unknown = IsUnknownClient(m_session, form.account);
-    if (!unknown || !StillOpen(opening)) return StillOpen(opening);
+    const Reply unknown =
+        m_life.Across([&](Pass pass) { return IsUnknownClient(pass, m_session, form.account); });
+    if (unknown != Reply::yes) return unknown == Reply::no;
     if (!MayAsk(form)) return false;
-    const bool yes = m_view.Ask(UnknownClientQuestion(form.account));
-    if (!yes) focus = m_form.ClientControl();
-    return yes && StillOpen(opening);
+    const Reply reply =
+        m_life.Across([&](Pass pass) { return m_view.Ask(pass, UnknownClientQuestion(form.account)); });
+    if (reply == Reply::no) focus = m_form.ClientControl();
+    return reply == Reply::yes;
 }
 
 // Again when it changes once more while the question stands.
 bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
-    const int opening = m_openings;
     std::string told;
     for (std::string news = m_modifying->News("\n"); news != told; news = m_modifying->News("\n")) {
         if (!MayAsk(form)) return false;
@@ -151,7 +152,7 @@ bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
         const std::string by = user.empty() ? user : " by " + user;
         const std::string question = m_modifying->Number() + " was changed" + by
                                      + " while this form was open:\n" + news + "\n\nModify it all the same?";
-        if (!m_view.Ask(question) || !StillOpen(opening)) return false;
+        if (m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) != Reply::yes) return false;
     }
     return true;
 }
@@ -167,18 +168,21 @@ void OrderEntry::OnBoxGone(const LocalDateTime& now) {
     if (form && m_view.IsOpen() && *form == ReadForm()) Submit(now);
 }
 
-void OrderEntry::Send(const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome) {
-    const int opening = m_openings;
+void OrderEntry::Send(Pass pass, const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome) {
+    const int life = m_life.Number();
     const std::int64_t now = m_view.Milliseconds();
     KeptNotice notice;
     if (form.modifyMode) {
         const std::string number = m_modifying->Number();
-        outcome.sent = SendModifySipOrder(m_session, m_control, notice, number, record);
-        if (outcome.sent) m_sentModifications.Add(number, opening, now);
+        const bool isThere = m_life.Across([&](Pass) {
+            outcome.sent = SendModifySipOrder(pass, m_session, m_control, notice, number, record);
+        });
+        if (outcome.sent) m_sentModifications.Add(number, life, now);
         // The log is the host's, and may let another registration into the form.
-        if (outcome.sent && m_modifying && opening == m_openings) m_modifying->Sent(record);
+        if (outcome.sent && isThere) m_modifying->Sent(record);
     } else {
-        outcome.sent = SendAddSipOrders(m_session, m_control, notice, record, form.exchange);
+        // What was sent is kept whatever has become of the window.
+        outcome.sent = SendAddSipOrders(pass, m_session, m_control, notice, record, form.exchange);
         if (outcome.sent) m_kept.Sent(form, now);
         if (!notice.text.empty()) m_kept.NotSent(form, notice.text);
     }
@@ -196,12 +200,12 @@ void OrderEntry::HandleOperationMode(const Answer& answer) {
     // A list that comes late must not choose what the order in the form does not say.
     if (!m_frequencyToShow.empty()) m_form.Choose(IDC_FREQUENCY, m_frequencyToShow);
     m_untouched.frequency = m_view.Text(IDC_FREQUENCY);
-    ShowPlan();
+    ShowPlanLast();
 }
 
-void OrderEntry::ShowUserText(const Answer& answer) {
+void OrderEntry::ShowUserText(Pass pass, const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
-    if (!text.empty()) m_view.ShowMessage(text);
+    if (!text.empty()) m_view.ShowMessage(pass, text);
 }
 
 void OrderEntry::HandlePlaced(const Answer& answer) {
@@ -209,24 +213,23 @@ void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::int64_t now = m_view.Milliseconds();
     if (!answer.hasError) {
         m_kept.Accepted(client, now);
-        return ShowUserText(answer);
+        return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
     m_kept.Refused(client, FieldText(answer.message, tag::userText), answer.errorCode, now);
-    if (m_view.IsOpen()) ShowPlan();
+    if (m_view.IsOpen()) ShowPlanLast();
 }
 
 void OrderEntry::HandleModified(const Answer& answer) {
-    const int opening = m_openings;
     const std::string number = FieldText(answer.message, tag::registrationNumber);
-    const bool own = m_sentModifications.Answered(number, opening, answer.hasError, m_view.Milliseconds());
+    const bool own =
+        m_sentModifications.Answered(number, m_life.Number(), answer.hasError, m_view.Milliseconds());
     if (answer.hasError) {
-        if (!own || !StillOpen(opening)) return;
+        if (!own || !m_view.IsOpen()) return;
         m_modifying->refusal = DescribeRefusal(FieldText(answer.message, tag::userText), answer.errorCode);
-        return ShowPlan();
+        return ShowPlanLast();
     }
-    ShowUserText(answer);
     // Under the box another registration may have been opened in the window.
-    if (own && StillOpen(opening)) m_view.Close();
+    if (m_life.Across([&](Pass pass) { ShowUserText(pass, answer); }) && own) m_view.Close();
 }
 
 } // namespace planfold

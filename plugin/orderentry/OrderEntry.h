@@ -2,6 +2,7 @@
 // control, Submit, what an answer changes, and what comes back into the form.
 #pragma once
 
+#include "plugin/base/Lifetime.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderentry/FormNames.h"
@@ -27,7 +28,7 @@ public:
 
     // `control` may be null: every sending then fails with its own text.
     OrderEntry(Session& session, OrderEntryView& view, RxControl* control)
-        : m_session(session), m_view(view), m_control(control), m_form(session, view),
+        : m_session(session), m_view(view), m_control(control), m_form(session, view, m_life),
           m_frequencies(session, view, control), m_names(session) {}
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
@@ -43,8 +44,8 @@ public:
     // That registration is so now; anybody may have changed it.
     void OnRegistrationChanged(const SipRegistration& registration);
 
-    void OnExchangeChanged() { m_form.RefreshScrips(ScripLevel::exchange); }
-    void OnSeriesChanged() { m_form.RefreshScrips(ScripLevel::series); }
+    // The user has chosen in this combo. False when the window has gone meanwhile.
+    [[nodiscard]] bool OnChosen(int combo);
     void OnInvestTypeChanged();
 
     // Checks and sends what the form holds. Does nothing while an earlier press is still being worked on:
@@ -63,8 +64,11 @@ public:
     // The planned dates of what the form holds now; no instalments while it is incomplete.
     Plan CurrentPlan() const;
     // Tells them in the form, with the names behind its codes. Called at each change of a control that they
-    // depend on.
-    void ShowPlan();
+    // depend on. False when the window has gone meanwhile.
+    [[nodiscard]] bool ShowPlan();
+
+    // Of the window and what it is open for.
+    const Lifetime& Life() const { return m_life; }
 
 private:
     // What a press of Submit led to; the text is for the user.
@@ -76,19 +80,22 @@ private:
         std::optional<SipOrderForm> form{};
     };
 
-    // Whether the window of that opening is still there; a host callback may have closed it, or opened another.
-    bool StillOpen(int opening) const;
-    Outcome CheckAndSend(const LocalDateTime& now);
-    void Send(const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome);
-    // What the dealer has to agree to before the order goes out; true when he did. The control says where he
-    // goes on otherwise.
-    bool Confirm(const SipOrderForm& form, int& focus);
-    bool ConfirmChanged(const SipOrderForm& form);
+    // False when the window has gone meanwhile; what is to be told is told all the same.
+    [[nodiscard]] bool CheckAndSend(const LocalDateTime& now, Outcome& outcome);
+    void Send(Pass pass, const SipOrderForm& form, const sSipOrderData& record, Outcome& outcome);
+    // What the dealer has to agree to before the order goes out; true when he did, in the same window. The
+    // control says where he goes on otherwise.
+    [[nodiscard]] bool Confirm(const SipOrderForm& form, int& focus);
+    [[nodiscard]] bool ConfirmChanged(const SipOrderForm& form);
     // Whether a question can be asked; otherwise it is once the open box is gone.
     bool MayAsk(const SipOrderForm& form);
     void ClearSent(const Outcome& outcome);
+    // Where nothing comes after it.
+    void ShowPlanLast() { static_cast<void>(ShowPlan()); }
     SipOrderForm ReadForm() const;
-    void PrepareClient();
+    // Fills the window that has just been made; false when it has gone meanwhile.
+    [[nodiscard]] bool Fill(const LocalDateTime& now, std::string_view customProducts);
+    void PrepareClient(Pass pass);
     ModifiedPlan ReadModification() const;
     std::string DescribeForm() const;
     std::string Notice() const;
@@ -96,23 +103,26 @@ private:
     void HandleOperationMode(const Answer& answer);
     void HandlePlaced(const Answer& answer);
     void HandleModified(const Answer& answer);
-    void ShowUserText(const Answer& answer);
+    void ShowUserText(Pass pass, const Answer& answer);
     // Empties the combo but for the text, and locks it.
     void Fix(int combo, std::string_view text);
     void FillClient(std::string_view client);
     // False when a host callback took the window away.
-    bool FillIn(const SipOrderForm& order);
+    [[nodiscard]] bool FillIn(const SipOrderForm& order);
+    void FillInBesideScrip(const SipOrderForm& order);
+    // False when the registration's date cannot be read, and the filling stops.
+    bool FillFrom(const SipRegistration& registration, bool serverPeriods);
 
     static const AnswerHandler<OrderEntry> kAnswers[];
 
     Session& m_session;
     OrderEntryView& m_view;
     RxControl* m_control;
+    Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }};
     SipForm m_form;
     FrequencyList m_frequencies;
     FormNames m_names;
     bool m_submitting = false;
-    int m_openings = 0; // of the window
     // The registration that the form was filled from.
     std::optional<Modification> m_modifying;
     SentModifications m_sentModifications;

@@ -13,7 +13,7 @@ public:
     // False while another box is open. That one comes to the front, and OrderEntry hears when it is gone.
     virtual bool MayAsk() = 0;
     // A question with Yes and No, No being the default; true for Yes.
-    virtual bool Ask(std::string_view question) = 0;
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
     // What the form says of the order in it. What alarms is drawn so; the words say it as well.
     virtual void ShowSummary(std::string_view text, bool alarms) = 0;
     // A clock that only goes forward.

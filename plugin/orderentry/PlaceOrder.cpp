@@ -16,6 +16,7 @@ using Value = std::optional<std::string_view>;
 
 // The order and what is found out while its request is built.
 struct AddSipOrder {
+    Pass pass;
     Session& session;
     const sSipOrderData& order;
     std::string_view exchangeShown;
@@ -37,12 +38,13 @@ void LogOutcome(const AddSipOrder& add, Outcome outcome) {
     std::string value = order.amountOrQuantity;
     if (outcome == Outcome::sent && order.investType == "value")
         value = Format("%.2lf", static_cast<double>(LeadingInteger(value)) / 100);
-    add.session.Log(Format(
-        "%s %s SIP Order %s : Trigger Pending %s %s at %s %s %s for period : %s Months Client ID : %s by %s",
-        std::string(add.exchangeShown).c_str(), order.sideWord.c_str(),
-        outcome == Outcome::sent ? ": Status" : "Failed Status", order.product.c_str(),
-        order.tradingSymbol.c_str(), value.c_str(), order.validity.c_str(), order.frequency.c_str(),
-        order.totalPeriod.c_str(), order.account.c_str(), add.loginId.c_str()));
+    add.session.Log(add.pass, Format("%s %s SIP Order %s : Trigger Pending %s %s at %s %s %s for period : %s "
+                                     "Months Client ID : %s by %s",
+                                     std::string(add.exchangeShown).c_str(), order.sideWord.c_str(),
+                                     outcome == Outcome::sent ? ": Status" : "Failed Status",
+                                     order.product.c_str(), order.tradingSymbol.c_str(), value.c_str(),
+                                     order.validity.c_str(), order.frequency.c_str(), order.totalPeriod.c_str(),
+                                     order.account.c_str(), add.loginId.c_str()));
 }
 
 template <std::string sSipOrderData::*member>
@@ -51,7 +53,7 @@ Value Of(AddSipOrder& add) {
 }
 
 Value OrderId(AddSipOrder& add) {
-    add.orderId = add.session.FreshIdentifier();
+    add.orderId = add.session.FreshIdentifier(add.pass);
     return add.orderId;
 }
 
@@ -66,7 +68,7 @@ Value CautionaryFlag(AddSipOrder& add) {
     const CString value = session.String(add.order.amountOrQuantity);
     const CString symbol = session.String(add.order.tradingSymbol);
     const CString exchange = session.String(add.order.exchange);
-    switch (ask(&client, &investType, &product, &value, &symbol, &exchange)) {
+    switch (ask(add.pass, &client, &investType, &product, &value, &symbol, &exchange)) {
     case 0:
         return "N";
     case 1:
@@ -105,8 +107,6 @@ constexpr auto Join(const Field (&... parts)[counts]) {
 }
 
 constexpr Field kOrderFields[] = {
-    {tag::requestName, [](AddSipOrder&) -> Value { return "add_sip_orders"; },
-     "Failed to add the request add_sip_orders"},
     {tag::exchange, Of<&Order::exchange>, "Failed to add the Exchange segment"},
     {tag::token, Of<&Order::token>, "Failed to add the Token",
      [](AddSipOrder& add) {
@@ -143,15 +143,19 @@ constexpr auto kFields = Join(kOrderFields, kOrderId, kCaution, kMode, kOrderSou
 constexpr auto kBasketFields =
     Join(kOrderFields, kMode, kSequence, kOrderId, kBasketCaution, kOrderSource, kLocation);
 
-constexpr Request<AddSipOrder> kRequest{kFields, "Sending Request add_sip_orders Failed"};
-constexpr Request<AddSipOrder> kBasketRequest{kBasketFields, "Sending Request add_sip_orders Failed"};
+constexpr Request<AddSipOrder> RequestOf(std::span<const Field> fields) {
+    return {"add_sip_orders", "Failed to add the request add_sip_orders", fields,
+            "Sending Request add_sip_orders Failed"};
+}
+constexpr auto kRequest = RequestOf(kFields);
+constexpr auto kBasketRequest = RequestOf(kBasketFields);
 
 } // namespace
 
-bool SendAddSipOrders(Session& session, RxControl* control, Notices& notices, const sSipOrderData& order,
-                      std::string_view exchangeShown, const BasketPlace* place) {
-    AddSipOrder add{session, order, exchangeShown, place};
-    if (!SendRequest(session, control, notices, place ? kBasketRequest : kRequest, add)) return false;
+bool SendAddSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices,
+                      const sSipOrderData& order, std::string_view exchangeShown, const BasketPlace* place) {
+    AddSipOrder add{pass, session, order, exchangeShown, place};
+    if (!SendRequest(pass, session, control, notices, place ? kBasketRequest : kRequest, add)) return false;
     LogOutcome(add, Outcome::sent);
     return true;
 }

@@ -20,7 +20,8 @@ struct BasketPlace {
 // Asks the host for an order identifier and, unless the order is a basket's, whether it is cautionary (which
 // may ask the user), sends `add_sip_orders` and writes the tabbed log's line. False when nothing was sent; the
 // reason has been shown. `exchangeShown` is the exchange as the user reads it.
-bool SendAddSipOrders(Session& session, RxControl* control, Notices& notices, const sSipOrderData& order,
-                      std::string_view exchangeShown, const BasketPlace* place = nullptr);
+bool SendAddSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices,
+                      const sSipOrderData& order, std::string_view exchangeShown,
+                      const BasketPlace* place = nullptr);
 
 } // namespace planfold

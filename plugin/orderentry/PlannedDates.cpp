@@ -1,6 +1,7 @@
 #include "plugin/orderentry/PlannedDates.h"
 
 #include "plugin/base/Codes.h"
+#include "plugin/base/Frequencies.h"
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 
@@ -35,18 +36,6 @@ std::chrono::weekday Weekday(const LocalDateTime& date) {
     return std::chrono::weekday(std::chrono::sys_days(ToCalendar(date)));
 }
 
-struct Step {
-    std::string_view frequency;
-    int days;
-    int months;
-};
-constexpr Step kSteps[] = {{"daily", 1, 0}, {"weekly", 7, 0}, {"monthly", 0, 1}, {"yearly", 0, 12}};
-
-const Step* FindStep(std::string_view frequency) {
-    const auto* step = std::ranges::find(kSteps, frequency, &Step::frequency);
-    return step == std::end(kSteps) ? nullptr : step;
-}
-
 // Counted from the start each time, so that the 31st comes back after a shorter month.
 year_month_day AddMonths(const year_month_day& start, int months) {
     const auto month = start.year() / start.month() + std::chrono::months(months);
@@ -55,12 +44,14 @@ year_month_day AddMonths(const year_month_day& start, int months) {
 }
 
 // None after the last year. `place` is one of a schedule that ends in it.
-std::optional<year_month_day> DueDate(const year_month_day& start, const Step& step, std::int64_t place) {
+std::optional<year_month_day> DueDate(const year_month_day& start, const Frequency& frequency,
+                                      std::int64_t place) {
     const int steps = static_cast<int>(place);
-    if (static_cast<int>(start.year()) + steps * step.months / 12 > kLastYear) return std::nullopt;
+    if (static_cast<int>(start.year()) + steps * frequency.months / 12 > kLastYear) return std::nullopt;
     const year_month_day date =
-        step.months ? AddMonths(start, steps * step.months)
-                    : year_month_day(std::chrono::sys_days(start) + std::chrono::days(steps * step.days));
+        frequency.months
+            ? AddMonths(start, steps * frequency.months)
+            : year_month_day(std::chrono::sys_days(start) + std::chrono::days(steps * frequency.days));
     if (static_cast<int>(date.year()) > kLastYear) return std::nullopt;
     return date;
 }
@@ -68,11 +59,11 @@ std::optional<year_month_day> DueDate(const year_month_day& start, const Step& s
 } // namespace
 
 std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index) {
-    const Step* step = FindStep(plan.frequency);
+    const Frequency* frequency = FindFrequency(plan.frequency);
     const bool inside = index >= 0 && index < std::min(plan.Rows(), Plan::kMostInstalments);
-    if (!step || !inside || !IsDate(plan.start)) return std::nullopt;
+    if (!frequency || !inside || !IsDate(plan.start)) return std::nullopt;
     if (index == 0 && plan.next) return plan.next;
-    const auto date = DueDate(ToCalendar(plan.start), *step, plan.place + index);
+    const auto date = DueDate(ToCalendar(plan.start), *frequency, plan.place + index);
     return date ? std::optional(FromCalendar(*date)) : std::nullopt;
 }
 
@@ -81,16 +72,16 @@ std::int64_t Plan::Rows() const {
 }
 
 std::optional<std::int64_t> PlaceBy(const Plan& plan, const LocalDateTime& date) {
-    const Step* step = FindStep(plan.frequency);
-    if (!step || !IsDate(plan.start) || !IsDate(date)) return std::nullopt;
+    const Frequency* frequency = FindFrequency(plan.frequency);
+    if (!frequency || !IsDate(plan.start) || !IsDate(date)) return std::nullopt;
     const year_month_day start = ToCalendar(plan.start), by = ToCalendar(date);
     if (by < start) return 0;
     const auto days = (std::chrono::sys_days(by) - std::chrono::sys_days(start)).count();
     // Shorter months make the first guess too small, never too large.
     constexpr int longestMonth = 31;
-    std::int64_t place = days / (step->days + longestMonth * step->months);
-    for (auto next = DueDate(start, *step, place + 1); next && *next <= by;
-         next = DueDate(start, *step, place + 1))
+    std::int64_t place = days / (frequency->days + longestMonth * frequency->months);
+    for (auto next = DueDate(start, *frequency, place + 1); next && *next <= by;
+         next = DueDate(start, *frequency, place + 1))
         ++place;
     return place;
 }

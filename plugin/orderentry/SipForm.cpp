@@ -35,28 +35,35 @@ std::vector<std::string> SplitAtCommas(std::string_view list) {
 
 } // namespace
 
-void SipForm::ShowClientControl() {
+bool SipForm::ShowClientControl() {
     m_view.Show(IDC_CLIENT_SEARCH, SearchesClients());
     m_view.Show(IDC_CLIENT_SEARCH_MODE, SearchesClients());
     m_view.Show(IDC_CLIENT_COMBO, !SearchesClients());
     const auto load = m_session.host.pu_load_client_id_combo;
-    if (!SearchesClients() && load) load(m_view.Handle(), IDC_CLIENT_COMBO);
+    if (SearchesClients() || !load) return true;
+    return m_life.Across([&](Pass pass) { load(pass, m_view.Handle(), IDC_CLIENT_COMBO); });
 }
 
 int SipForm::ClientControl() const {
     return SearchesClients() ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO;
 }
 
-void SipForm::ShowActiveClient() {
+bool SipForm::ShowActiveClient() {
     std::string client;
-    const bool known = m_session.GetActiveClient(client);
+    const Reply known = m_life.Across([&](Pass pass) { return m_session.GetActiveClient(pass, client); });
+    if (known == Reply::over) return false;
     client = m_session.identity.activeClient;
-    if (SearchesClients()) return m_view.SetText(IDC_CLIENT_SEARCH, client);
+    if (SearchesClients()) {
+        m_view.SetText(IDC_CLIENT_SEARCH, client);
+        return true;
+    }
     const std::vector<std::string> clients = m_view.Items(IDC_CLIENT_COMBO);
     const auto begins = [&](const std::string& entry) { return StartsWithIgnoringCase(entry, client); };
     const auto found = std::ranges::find_if(clients, begins);
-    m_view.Select(IDC_CLIENT_COMBO,
-                  known && found != clients.end() ? static_cast<int>(found - clients.begin()) : 0);
+    m_view.Select(IDC_CLIENT_COMBO, known == Reply::yes && found != clients.end()
+                                        ? static_cast<int>(found - clients.begin())
+                                        : 0);
+    return true;
 }
 
 void SipForm::AddFirstEntries() {
@@ -64,24 +71,36 @@ void SipForm::AddFirstEntries() {
         m_view.AddItem(combo, text);
 }
 
-void SipForm::FillProducts(std::string_view customProducts) {
+bool SipForm::FillProducts(std::string_view customProducts) {
     const auto load = Find<sdk::fn::pu_load_product_type_combo>(m_session.lookup, "pu_load_product_type_combo");
-    if (load) load(m_view.Handle(), IDC_HOST_PRODUCTS);
-    if (!m_session.HasRight(kCustomRight)) return;
+    const Reply custom = m_life.Across([&](Pass pass) {
+        if (load) load(pass, m_view.Handle(), IDC_HOST_PRODUCTS);
+        return m_session.HasRight(pass, kCustomRight);
+    });
+    if (custom != Reply::yes) return custom == Reply::no;
     const std::vector<std::string> known = m_view.Items(IDC_HOST_PRODUCTS);
     for (const std::string& product : SplitAtCommas(customProducts))
         if (product != kDefaultProduct && std::ranges::find(known, product) != known.end())
             m_view.AddItem(IDC_PRODUCT, product);
+    return true;
 }
 
-void SipForm::RefreshScrips(ScripLevel changed) {
-    if (m_session.host.pu_fill_scrip_combos)
-        m_session.host.pu_fill_scrip_combos(m_view.Handle(), IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL,
-                                            IDC_HOST_SCRIP_1, IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3,
-                                            static_cast<int>(changed));
+bool SipForm::RefreshScrips(ScripLevel changed) {
+    const bool isThere = m_life.Across([&](Pass pass) {
+        if (const auto fill = m_session.host.pu_fill_scrip_combos)
+            fill(pass, m_view.Handle(), IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_HOST_SCRIP_1,
+                 IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3, static_cast<int>(changed));
+    });
+    if (!isThere) return false;
     if (changed == ScripLevel::exchange && !m_view.SelectText(IDC_SERIES, kDefaultSeries))
         m_view.Select(IDC_SERIES, 0);
     m_view.Select(IDC_SYMBOL, 0);
+    return true;
+}
+
+bool SipForm::OnChosen(int combo) {
+    if (combo == IDC_EXCHANGE) return RefreshScrips(ScripLevel::exchange);
+    return combo != IDC_SERIES || RefreshScrips(ScripLevel::series);
 }
 
 bool SipForm::Choose(int combo, std::string_view text) {

@@ -13,21 +13,26 @@ namespace planfold {
 // Which combo the user changed; those behind it are filled anew. The values are the host's.
 enum class ScripLevel : int { exchange = 0, series = 1 };
 
+// Where the host is let in, false says that the window has gone meanwhile.
 class SipForm {
 public:
-    SipForm(Session& session, DialogView& view) : m_session(session), m_view(view) {}
+    // `life` is that of the window.
+    SipForm(Session& session, DialogView& view, const Lifetime& life)
+        : m_session(session), m_view(view), m_life(life) {}
 
     bool SearchesClients() const { return m_session.host.pu_get_entered_text_results != nullptr; }
     // The search box, or the combo when the host cannot search.
-    void ShowClientControl();
+    [[nodiscard]] bool ShowClientControl();
     int ClientControl() const;
     // The host's active client, else the combo's first entry or an empty box.
-    void ShowActiveClient();
+    [[nodiscard]] bool ShowActiveClient();
     void AddFirstEntries();
     // `customProducts` is the comma-separated list of the settings file; it counts only for holders of the
     // right.
-    void FillProducts(std::string_view customProducts);
-    void RefreshScrips(ScripLevel changed);
+    [[nodiscard]] bool FillProducts(std::string_view customProducts);
+    // After a choice in this combo, those that hang on it.
+    [[nodiscard]] bool OnChosen(int combo);
+    [[nodiscard]] bool RefreshScrips(ScripLevel changed);
     // A combo for an order that comes into the form. Without its entry it shows nothing, and false is returned:
     // no other entry may be taken for it.
     bool Choose(int combo, std::string_view text);
@@ -38,6 +43,7 @@ public:
 private:
     Session& m_session;
     DialogView& m_view;
+    const Lifetime& m_life;
 };
 
 } // namespace planfold

@@ -47,11 +47,11 @@ struct sSipOrderData {
     std::string sideWord; // "BUY" or "SELL", for log lines
 };
 
-// Why an order is refused, and to which edit the user is led back.
+// Why an order is refused, and to which control the user is led: IDC_VALUE wherever the form's value stands, 0
+// to none.
 struct Refusal {
     std::string text;
-    bool focusValue = false;
-    bool focusPeriod = false;
+    int focus = 0;
 };
 
 // Where the forms that take an order differ.
@@ -68,8 +68,8 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
 
 // Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
 // host's scrip callbacks; `now` is the local time.
-std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
-                                        const LocalDateTime& now, sSipOrderData& record,
-                                        const FormTexts& texts = {});
+std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,
+                                        const SipOrderForm& form, const LocalDateTime& now,
+                                        sSipOrderData& record, const FormTexts& texts = {});
 
 } // namespace planfold

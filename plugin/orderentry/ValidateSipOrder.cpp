@@ -18,18 +18,19 @@ using Verdict = std::optional<Refusal>;
 constexpr int kMostYearsAhead = 2;
 
 Refusal ValueRefusal(std::string text) {
-    return {.text = std::move(text), .focusValue = true};
+    return {.text = std::move(text), .focus = IDC_VALUE};
 }
 
 Refusal PeriodRefusal(std::string text) {
-    return {.text = std::move(text), .focusPeriod = true};
+    return {.text = std::move(text), .focus = IDC_PERIOD};
 }
 
-void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& record) {
+void ScripFromDialog(Pass pass, const Session& session, HostWindow dialog, sSipOrderData& record) {
     CString symbol = session.String();
     CString exchangeAndToken = session.String();
-    session.host.pu_get_trading_symbol_n_token(dialog, IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_HOST_SCRIP_1,
-                                               IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3, &symbol, &exchangeAndToken);
+    session.host.pu_get_trading_symbol_n_token(pass, dialog, IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL,
+                                               IDC_HOST_SCRIP_1, IDC_HOST_SCRIP_2, IDC_HOST_SCRIP_3, &symbol,
+                                               &exchangeAndToken);
     record.tradingSymbol = symbol.View();
     const std::string_view pair = exchangeAndToken.View();
     const std::size_t bar = pair.find('|');
@@ -37,16 +38,18 @@ void ScripFromDialog(const Session& session, HostWindow dialog, sSipOrderData& r
     if (bar != pair.npos) record.token = pair.substr(bar + 1);
 }
 
-void ScripFromMaster(const Session& session, const SipOrderForm& form, sSipOrderData& record) {
+void ScripFromMaster(Pass pass, const Session& session, const SipOrderForm& form, sSipOrderData& record) {
     Convert(kExchangeToServer, form.exchange, record.exchange);
-    record.tradingSymbol = AskTradingSymbol(session, record.exchange, form.series, form.symbol);
-    session.Log(Format(
-        "SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
-        record.exchange.c_str(), form.series.c_str(), form.symbol.c_str(), record.tradingSymbol.c_str()));
-    const auto details = AskScripDetails(session, form.exchange, record.tradingSymbol);
+    record.tradingSymbol = AskTradingSymbol(pass, session, record.exchange, form.series, form.symbol);
+    session.Log(
+        pass,
+        Format("SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
+               record.exchange.c_str(), form.series.c_str(), form.symbol.c_str(),
+               record.tradingSymbol.c_str()));
+    const auto details = AskScripDetails(pass, session, form.exchange, record.tradingSymbol);
     record.token = details ? TextOf(details->token) : std::string_view();
-    session.Log(Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
-                       form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str()));
+    session.Log(pass, Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
+                             form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str()));
 }
 
 Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
@@ -66,8 +69,8 @@ Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
     if (form.totalPeriod == "0") return PeriodRefusal("Enter valid Month.");
     const std::int64_t period = LeadingInteger(form.totalPeriod);
     if (session.m_nSipOperationMode == 1) {
-        const FrequencyRow* frequency = FindFrequency(form.frequency);
-        const double minimum = frequency ? session.*frequency->minimum : 0.0;
+        const Frequency* frequency = FindFrequency(form.frequency);
+        const double minimum = frequency ? session.MinimumPeriods(*frequency) : 0.0;
         if (frequency && static_cast<double>(period) < minimum)
             return PeriodRefusal(Format("Minimum SIP value is %.0lf", minimum));
     } else if (period < 1 || period > 60) {
@@ -112,13 +115,13 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
     return std::nullopt;
 }
 
-std::optional<Refusal> ValidateSipOrder(const Session& session, HostWindow dialog, const SipOrderForm& form,
-                                        const LocalDateTime& now, sSipOrderData& record,
-                                        const FormTexts& texts) {
+std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,
+                                        const SipOrderForm& form, const LocalDateTime& now,
+                                        sSipOrderData& record, const FormTexts& texts) {
     if (session.host.pu_get_trading_symbol_n_token)
-        ScripFromDialog(session, dialog, record);
+        ScripFromDialog(pass, session, dialog, record);
     else
-        ScripFromMaster(session, form, record);
+        ScripFromMaster(pass, session, form, record);
     if (texts.noToken && record.token.empty()) return Refusal{texts.noToken};
     if (texts.noClient && form.account.empty()) return Refusal{texts.noClient};
     Convert(kPlanToServer, form.action, record.side);

@@ -42,24 +42,18 @@ constexpr char kNameFailed[] = "Failed to add the request calendar_add_restricte
 constexpr char kSendFailed[] = "Sending Request calendar_add_restricted_dates Failed";
 constexpr char kDateFailed[] = "Failed to add start date";
 
-template <const char* name>
-std::optional<std::string_view> Name(const DayRange&) {
-    return name;
-}
 template <std::size_t row>
 std::optional<std::string_view> Value(const DayRange& range) {
     return range.*kValues[row].member;
 }
 
 constexpr RequestField<const DayRange> kSetFields[] = {
-    {tag::requestName, Name<kSetName>, kNameFailed},
     {kValues[0].tag, Value<0>, kDateFailed},
     {kValues[1].tag, Value<1>, kDateFailed},
     {kValues[2].tag, Value<2>, kDateFailed},
 };
-constexpr RequestField<const DayRange> kGetFields[] = {{tag::requestName, Name<kGetName>, kNameFailed}};
-constexpr Request<const DayRange> kSetRequest{kSetFields, kSendFailed};
-constexpr Request<const DayRange> kGetRequest{kGetFields, kSendFailed};
+constexpr Request<const DayRange> kSetRequest{kSetName, kNameFailed, kSetFields, kSendFailed};
+constexpr Request<const DayRange> kGetRequest{kGetName, kNameFailed, {}, kSendFailed};
 
 // Why the range is not to be sent; null when it may be.
 const char* Refusal(const DayRange& range) {
@@ -77,6 +71,7 @@ const AnswerHandler<RestrictedDates> RestrictedDates::kAnswers[] = {
 };
 
 void RestrictedDates::Initialise(const LocalDateTime& now) {
+    m_life.Renew();
     struct ListRow {
         int list;
         int first;
@@ -91,10 +86,8 @@ void RestrictedDates::Initialise(const LocalDateTime& now) {
         if (m_view.Has(row.list))
             for (int number = row.first; number < row.first + row.count; ++number)
                 m_view.AddItem(row.list, std::to_string(number));
-        else
-            m_view.ShowMessage("Populating days failed");
-        // Under the box it may have been closed.
-        if (!m_view.IsOpen()) return;
+        else if (!m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, "Populating days failed"); }))
+            return;
     }
 }
 
@@ -102,13 +95,16 @@ void RestrictedDates::Set() {
     DayRange range;
     for (const ValueRow& row : kValues)
         range.*row.member = m_view.Text(row.list);
-    if (const char* refusal = Refusal(range)) return m_view.ShowMessage(refusal);
-    SendRequest<const DayRange>(m_session, m_control, m_view, kSetRequest, range);
-    ShowHeld(nullptr);
+    if (const char* refusal = Refusal(range)) return m_view.ShowLast(refusal);
+    const bool isThere = m_life.Across([&](Pass pass) {
+        SendRequest<const DayRange>(pass, m_session, m_control, m_view, kSetRequest, range);
+    });
+    if (isThere) ShowHeld(nullptr);
 }
 
 void RestrictedDates::Get() {
-    SendRequest<const DayRange>(m_session, m_control, m_view, kGetRequest, {});
+    Lifetime::Last(
+        [&](Pass pass) { SendRequest<const DayRange>(pass, m_session, m_control, m_view, kGetRequest, {}); });
 }
 
 void RestrictedDates::OnResponse(void* message) {
@@ -117,9 +113,10 @@ void RestrictedDates::OnResponse(void* message) {
 }
 
 void RestrictedDates::HandleSet(const Answer&) {
-    m_view.ShowMessage("Restricted Date configured Succesfully");
-    if (!m_session.Ended() && m_session.host.pu_resend_nontradingDate_Request)
-        m_session.host.pu_resend_nontradingDate_Request();
+    const bool goesOn = m_session.life.Across(
+        [&](Pass pass) { m_view.ShowMessage(pass, "Restricted Date configured Succesfully"); });
+    if (const auto resend = m_session.host.pu_resend_nontradingDate_Request; resend && goesOn)
+        Lifetime::Last([&](Pass pass) { resend(pass); });
 }
 
 void RestrictedDates::ShowHeld(const Answer* answer) {
@@ -131,7 +128,7 @@ void RestrictedDates::ShowHeld(const Answer* answer) {
 
 void RestrictedDates::HandleGet(const Answer& answer) {
     ShowHeld(&answer);
-    m_session.Log("Restricted date retrieved succesfully");
+    m_session.LogLast("Restricted date retrieved succesfully");
 }
 
 } // namespace planfold

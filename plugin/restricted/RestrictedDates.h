@@ -35,6 +35,7 @@ private:
 
     Session& m_session;
     DialogView& m_view;
+    Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }}; // of the window
     RxControl* m_control;
 };
 

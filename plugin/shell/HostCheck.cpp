@@ -12,24 +12,23 @@ constexpr char kNotCompatible[] = "Initialisation failed. ZUP not compatible wit
 
 } // namespace
 
-HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& strings) {
+HostCheck CheckHost(Pass pass, const HostLookup& lookup, Identity identity, StringManager& strings) {
     const auto getApp = Find<sdk::fn::pu_get_exe_app>(lookup, "pu_get_exe_app");
     if (!getApp) return {"Exe is not compatible with ZUP"};
-    const VeskApp* app = getApp();
+    const VeskApp* app = getApp(pass);
 
     const auto getPeerData = Find<sdk::fn::pu_get_peer_data>(lookup, "pu_get_peer_data");
     if (!getPeerData) return {kNotCompatible, app};
     CString peerIdA(identity.peerIdA, strings);
     CString peerIdB(identity.peerIdB, strings);
     CString other(strings);
-    getPeerData(&peerIdA, &peerIdB, &other);
+    getPeerData(pass, &peerIdA, &peerIdB, &other);
     identity.peerIdA = peerIdA.View();
     identity.peerIdB = peerIdB.View();
 
-    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
+    const auto enabled = AskRight(pass, lookup, strings, kPluginRight);
     if (!enabled) return {kNotCompatible, app};
-    const CString right(kPluginRight, strings);
-    if (!enabled(&right)) return {"You are not enabled on Planfold.", app};
+    if (!*enabled) return {"You are not enabled on Planfold.", app};
     return {nullptr, app};
 }
 

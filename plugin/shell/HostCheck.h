@@ -12,7 +12,7 @@ struct HostCheck {
 };
 
 // Fills the peer identities on the way.
-HostCheck CheckHost(const HostLookup& lookup, Identity identity, StringManager& strings);
+HostCheck CheckHost(Pass pass, const HostLookup& lookup, Identity identity, StringManager& strings);
 
 // Null while the host has no main frame, or its record is too small to hold one.
 HostWindow MainFrame(const VeskApp* app);

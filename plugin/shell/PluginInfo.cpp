@@ -16,16 +16,9 @@ StringManager& ManagerFor(const CString* sibling, StringManager& ownStrings) {
     return sibling ? sibling->Manager() : ownStrings;
 }
 
-bool MayRestrictDates(const HostLookup& lookup, StringManager& strings) {
-    const auto enabled = Find<sdk::fn::pu_is_actionright_enabled>(lookup, "pu_is_actionright_enabled");
-    if (!enabled) return false;
-    const CString right(kRestrictedDatesRight, strings);
-    return enabled(&right) != 0;
-}
-
 } // namespace
 
-void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
+void FillPluginInfo(Pass pass, const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
                     std::uint32_t* buildStamp, std::uint32_t* interfaceNumber, StringManager& ownStrings) {
     StringManager& strings = ManagerFor(name ? name : version, ownStrings);
     if (name) *name = kName;
@@ -33,7 +26,8 @@ void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, C
     if (menu) {
         for (const std::string_view entry : {kOrderEntryMenu, kBasketMenu, kBookMenu})
             menu->Append(entry, strings);
-        if (MayRestrictDates(lookup, strings)) menu->Append(kRestrictedDatesMenu, strings);
+        if (AskRight(pass, lookup, strings, kRestrictedDatesRight).value_or(false))
+            menu->Append(kRestrictedDatesMenu, strings);
     }
     if (buildStamp) *buildStamp = kBuildStamp;
     if (interfaceNumber) *interfaceNumber = kInterfaceNumber;

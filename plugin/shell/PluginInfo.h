@@ -16,7 +16,7 @@ inline constexpr std::string_view kRestrictedDatesMenu = "SIP Set Restricted Dat
 
 // Pointers that the host leaves null are passed over. The restricted dates entry is offered only when the
 // host can be asked for the right and grants it.
-void FillPluginInfo(const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
+void FillPluginInfo(Pass pass, const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
                     std::uint32_t* buildStamp, std::uint32_t* interfaceNumber, StringManager& ownStrings);
 void FillRights(CString* root, CStringArray* names, StringManager& ownStrings);
 

@@ -147,11 +147,11 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
         session.m_nLoginMode = row.mode;
         host.clientOverview = row.overview;
         host.subscriptions.clear();
-        SubscribeBroadcasts(session, &control, notices);
+        SubscribeBroadcasts(kPass, session, &control, notices);
         EXPECT_EQ(host.subscriptions, row.lines) << row.mode << " " << row.overview << " " << row.lacks;
     }
     EXPECT_EQ(notices.shown, Texts{});
-    SubscribeIdentity(session, &control, notices);
+    SubscribeIdentity(kPass, session, &control, notices);
     EXPECT_EQ(host.subscriptions.back(), "loginId=DEALER1 registrationNumber=-");
     EXPECT_EQ(host.misuses, Texts{});
 }
@@ -160,17 +160,17 @@ TEST_F(AnswerTest, FailedSubscriptionsAreToldAndTheNextAccountGoesOn) {
     host.accounts = {"C1", "C2"};
     session.m_nLoginMode = 3;
     host.refuses = true;
-    SubscribeBroadcasts(session, &control, notices);
-    SubscribeIdentity(session, &control, notices);
+    SubscribeBroadcasts(kPass, session, &control, notices);
+    SubscribeIdentity(kPass, session, &control, notices);
     EXPECT_EQ(host.subscriptions.size(), 3u);
     EXPECT_EQ(notices.shown, Texts(3, "Subscription  is failed ,error code : 42"));
     host.accounts.clear();
-    SubscribeBroadcasts(session, &control, notices);
+    SubscribeBroadcasts(kPass, session, &control, notices);
     EXPECT_EQ(notices.shown.size(), 3u);
     // The host exits while it is asked: the control is no more.
     host.accounts = {"C1"};
     host.duringAccounts = [&] { session.End(); };
-    SubscribeBroadcasts(session, &control, notices);
+    SubscribeBroadcasts(kPass, session, &control, notices);
     EXPECT_EQ(host.subscriptions.size(), 3u);
 }
 

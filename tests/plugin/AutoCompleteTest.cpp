@@ -102,10 +102,10 @@ TEST(AutoComplete, TheHostsDelayIsAskedForTwice) {
                                                  {std::deque{-1, -50}, 1u, 2}}) {
         host.calls.clear();
         host.searchTimes = answers;
-        EXPECT_EQ(SearchTimerPeriod(ResolveHostCallbacks(host.Lookup())), period);
+        EXPECT_EQ(SearchTimerPeriod(kPass, ResolveHostCallbacks(host.Lookup())), period);
         EXPECT_EQ(host.CallsOf("pu_get_client_search_time"), calls);
     }
-    EXPECT_EQ(SearchTimerPeriod({}), 1000u) << "a host without the export";
+    EXPECT_EQ(SearchTimerPeriod(kPass, {}), 1000u) << "a host without the export";
 }
 
 } // namespace

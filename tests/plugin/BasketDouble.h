@@ -68,22 +68,22 @@ public:
         title = text;
     }
     bool MayAsk() override { return !otherBox; }
-    bool Ask(std::string_view question) override {
+    bool Ask(Pass, std::string_view question) override {
         questions.emplace_back(question);
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
-    Choice Choose(std::string_view question) override {
-        Ask(question);
+    Choice Choose(Pass pass, std::string_view question) override {
+        Ask(pass, question);
         return choice;
     }
     UnsentFile& Unsent() override { return unsent; }
-    std::optional<std::string> AskLoadPath() override {
+    std::optional<std::string> AskLoadPath(Pass) override {
         if (const auto action = std::exchange(duringLoadQuestion, nullptr)) action();
         return path;
     }
-    std::optional<std::string> AskExportPath() override { return path; }
-    std::optional<std::string> AskRejectsPath() override { return path; }
+    std::optional<std::string> AskExportPath(Pass) override { return path; }
+    std::optional<std::string> AskRejectsPath(Pass) override { return path; }
     std::optional<std::string> ReadFile(const std::string& name) override {
         const auto file = files.find(name);
         return file == files.end() ? std::nullopt : std::optional(file->second);

@@ -139,7 +139,7 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
     std::string login = "DEALER2";
     Session beside{host.Lookup(), {login, host.peerA, host.peerB, host.active}, host.strings};
     beside.host = session.host;
-    beside.OpenHandles(notices);
+    beside.OpenHandles(kPass, notices);
     beside.m_nLoginMode = 1;
     vesk::RxHub hubBeside{server, {"DEALER2", "BROKER", "BRANCH"}};
     BookDouble seen;

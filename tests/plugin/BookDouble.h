@@ -35,20 +35,20 @@ public:
 template <class List>
 class BookDoubleOf final : public BookView {
 public:
-    void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
+    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
     bool IsOpen() const override { return open; }
-    bool Ask(std::string_view question) override {
+    bool Ask(Pass, std::string_view question) override {
         questions.emplace_back(question);
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
-    std::string AskReason() override {
+    std::string AskReason(Pass) override {
         ++reasonsAsked;
         if (const auto action = std::exchange(duringReason, nullptr)) action();
         return reason;
     }
-    void OpenForModify(const sOrderinfo& record) override { modified.emplace_back(record.Number()); }
-    void TellChanged(const sOrderinfo& record) override { changed.emplace_back(record.Number()); }
+    void OpenForModify(Pass, const sOrderinfo& record) override { modified.emplace_back(record.Number()); }
+    void TellChanged(Pass, const sOrderinfo& record) override { changed.emplace_back(record.Number()); }
     void ShowRun() override {}
     BookList& Registered() override { return registered; }
     BookList& Cancelled() override { return cancelled; }

@@ -15,7 +15,7 @@ class ClientSearchTest : public ::testing::Test, public ClientSearchView, protec
 protected:
     void SetUp() override {
         host.clients = {{"C001", "Asha Rao"}, {"C002", "Bela Shah"}, {"C0021", "Chetan Rao"}};
-        search.SetUp("box");
+        search.SetUp(kPass, "box");
     }
 
     void Type(std::string_view typed) {
@@ -139,17 +139,17 @@ TEST_F(ClientSearchTest, ModesAreKeptApartByBox) {
     search.SetMode(SearchMode::clientName);
     EXPECT_EQ(host.settings["Client_Search_Settings/box"], "3");
     ClientSearch other(session, *this);
-    other.SetUp("other");
+    other.SetUp(kPass, "other");
     EXPECT_EQ(other.Mode(), SearchMode::all);
     other.SetMode(SearchMode::clientId);
-    search.SetUp("box");
+    search.SetUp(kPass, "box");
     EXPECT_EQ(search.Mode(), SearchMode::clientName);
     Type("rao");
     search.Search();
     EXPECT_EQ(Asked(), "3,RAO");
     for (const char* bad : {"", "0", "4", "-1", "abc"}) {
         host.settings["Client_Search_Settings/box"] = bad;
-        search.SetUp("box");
+        search.SetUp(kPass, "box");
         EXPECT_EQ(search.Mode(), SearchMode::all) << bad;
     }
 }

@@ -103,7 +103,7 @@ TEST(NextCsvField, CutsALine) {
         {"a,", 1, "", 2},        {"a", 5, "", -1},         {"a,b", -3, "", -1},
     };
     for (const Row& row : rows) {
-        std::string field = "old";
+        std::string_view field = "old";
         EXPECT_EQ(NextCsvField(row.line, row.start, field), row.next) << row.line << " at " << row.start;
         EXPECT_EQ(field, row.field) << row.line << " at " << row.start;
     }

@@ -15,7 +15,7 @@ namespace planfold::test {
 // Texts that would be message boxes.
 class RecordedNotices : public Notices {
 public:
-    void ShowMessage(std::string_view text) override { shown.emplace_back(text); }
+    void ShowMessage(Pass, std::string_view text) override { shown.emplace_back(text); }
 
     Texts shown;
 };
@@ -33,7 +33,7 @@ public:
         bool digitsOnly = false;
     };
 
-    void ShowMessage(std::string_view text) override {
+    void ShowMessage(Pass, std::string_view text) override {
         boxes.emplace_back(text);
         if (const auto action = std::exchange(duringBox, nullptr)) action();
     }
@@ -93,7 +93,7 @@ using DialogDouble = DialogDoubleOf<DialogView>;
 class OrderEntryDouble final : public DialogDoubleOf<OrderEntryView> {
 public:
     bool MayAsk() override { return !otherBox; }
-    bool Ask(std::string_view question) override {
+    bool Ask(Pass, std::string_view question) override {
         questions.emplace_back(question);
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
@@ -118,7 +118,7 @@ struct Stage {
         host.peerA = "BROKER";
         host.peerB = "BRANCH";
         session.host = ResolveHostCallbacks(session.lookup);
-        session.OpenHandles(notices);
+        session.OpenHandles(kPass, notices);
     }
 
     FakeHost host;

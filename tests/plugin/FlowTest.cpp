@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(FlowTest, AnOrderIsRegisteredJournalledAnsweredAndStreamed) {
-    SubscribeBroadcasts(session, stream, view);
+    SubscribeBroadcasts(kPass, session, stream, view);
     Open();
     EXPECT_EQ(view.controls[IDC_FREQUENCY].items.size(), server.Config().frequencies.size());
     view.SelectText(IDC_FREQUENCY, "monthly");
@@ -109,7 +109,7 @@ TEST_F(FlowTest, EveryLoginModeHearsOfItsOrders) {
         session.m_nLoginMode = mode;
         hub.Destroy(stream);
         stream = hub.Get(kRxAccountStream, this);
-        SubscribeBroadcasts(session, stream, view);
+        SubscribeBroadcasts(kPass, session, stream, view);
         streamed.clear();
         host.uuid = "mode-" + std::to_string(mode);
         Submit("100", "12");

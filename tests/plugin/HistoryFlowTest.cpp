@@ -13,7 +13,7 @@ namespace {
 
 class HistoryDouble final : public HistoryView {
 public:
-    void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
+    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
     void ListRecords() override { ++listings; }
     void OnRecordChanged() override {}
     std::optional<std::size_t> FocusedRecord() const override { return std::nullopt; }
@@ -47,7 +47,7 @@ protected:
                             .tradingSymbol = "ARBORTEX-EQ",
                             .account = "C001",
                             .sideWord = "BUY"};
-        SendAddSipOrders(session, requests, notices, order, "NSE");
+        SendAddSipOrders(kPass, session, requests, notices, order, "NSE");
         Pump();
         return std::string(server.Registrations().back().Number());
     }
@@ -59,16 +59,16 @@ protected:
 
 TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     const std::string number = Register();
-    history.Open(number);
+    history.Open(kPass, number);
     Pump();
     EXPECT_EQ(view.listings, 1);
     EXPECT_FALSE(view.isShown) << "no orders yet";
 
     const vesk::Registration& registration = *server.Find(number);
     ASSERT_EQ(server.Execute(registration, {server.OpenDays(registration, 60), 12'345, 7}), "");
-    history.Open(number);
-    history.Open("SIP-unknown"); // refused, and in nobody's way
-    history.Open(number);
+    history.Open(kPass, number);
+    history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way
+    history.Open(kPass, number);
     Pump();
     EXPECT_TRUE(view.isShown);
     EXPECT_EQ(view.boxes, Texts{});

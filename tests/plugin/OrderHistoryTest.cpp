@@ -45,7 +45,7 @@ public:
         return text + (m_shown ? "shown " : "hidden ") + m_details;
     }
 
-    void ShowMessage(std::string_view text) override { boxes.emplace_back(text); }
+    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
     void OnRecordChanged() override {}
     void ListRecords() override {
         m_focused = m_history.Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
@@ -59,7 +59,7 @@ public:
     void Show(bool shown) override { m_shown = shown; }
 
     void Do(const Word& word) {
-        if (word[0] == '?') return m_history.Open(word.substr(1));
+        if (word[0] == '?') return m_history.Open(kPass, word.substr(1));
         if (word[0] == '@') {
             m_focused = word == "@" ? std::nullopt : std::optional<std::size_t>(std::stoul(word.substr(1)));
             return m_history.OnFocusChanged();
@@ -128,7 +128,7 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         session.host.pu_get_scrip_details_from_TradSymbol = row.details;
         const Received received(Parsed(always + row.fields));
         sOrderHistory record =
-            ReadHistoryOrder(received.Message(), AskPriceDivisor(session, received.Message()));
+            ReadHistoryOrder(received.Message(), AskPriceDivisor(kPass, session, received.Message()));
         sOrderHistory whole = record;
         std::string text, others;
         for (const HistoryField field : open) {

@@ -29,8 +29,8 @@ protected:
         order.sideWord = "BUY";
     }
 
-    bool Place() { return SendAddSipOrders(session, &control, notices, order, "NSE"); }
-    bool AskMode() { return SendGetSipOperationMode(session, &control, notices); }
+    bool Place() { return SendAddSipOrders(kPass, session, &control, notices, order, "NSE"); }
+    bool AskMode() { return SendGetSipOperationMode(kPass, session, &control, notices); }
     Texts Shown() { return std::exchange(notices.shown, {}); }
 
     sSipOrderData order;
@@ -117,7 +117,7 @@ TEST_F(RequestTest, StartingAndSendingFailWithTheirTexts) {
     host.refuses = true;
     EXPECT_FALSE(Place());
     EXPECT_FALSE(AskMode());
-    EXPECT_FALSE(SendAddSipOrders(session, nullptr, notices, order, "NSE")); // no control at all
+    EXPECT_FALSE(SendAddSipOrders(kPass, session, nullptr, notices, order, "NSE")); // no control at all
     EXPECT_EQ(Shown(), Texts(3, "Sending Request add_sip_orders Failed"));
     EXPECT_EQ(host.log, Texts{}) << "the log tells of sent orders only";
 }
@@ -127,8 +127,8 @@ TEST_F(RequestTest, HandlesThatCouldNotBeOpenedAreToldAndFailEveryRequest) {
                                          std::pair(FailQmxCall::ctorPrimeCb, "MNM Handle Open Failed")}) {
         Session unopened(host.Lookup(), host.IdentityStrings(), host.strings);
         const FailQmxCall failing(function, 1);
-        unopened.OpenHandles(notices);
-        EXPECT_FALSE(SendGetSipOperationMode(unopened, &control, notices));
+        unopened.OpenHandles(kPass, notices);
+        EXPECT_FALSE(SendGetSipOperationMode(kPass, unopened, &control, notices));
         EXPECT_EQ(Shown(), (Texts{text, building}));
     }
 }
@@ -137,7 +137,7 @@ TEST_F(RequestTest, HandlesThatCouldNotBeOpenedAreToldAndFailEveryRequest) {
 TEST_F(RequestTest, AnotherRequestDuringTheCautionaryQuestionSpoilsNothing) {
     const EarlierHandles firstPick(session);
     host.duringCaution = [&] {
-        session.OpenHandles(notices);
+        session.OpenHandles(kPass, notices);
         EXPECT_TRUE(AskMode());
     };
     EXPECT_TRUE(Place());

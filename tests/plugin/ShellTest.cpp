@@ -2,7 +2,7 @@
 #include "plugin/shell/HostCheck.h"
 #include "plugin/shell/PluginInfo.h"
 #include "sdk/HeapStringManager.h"
-#include "tests/support/FakeHost.h"
+#include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ TEST(PluginInfo, AppendsAndOffersTheFourthEntryOnlyToHoldersOfTheRight) {
             CStringArray menu, rights;
             menu.Append("earlier", host.strings);
             std::uint32_t stamp = 0, number = 0;
-            FillPluginInfo(host.Lookup(), &name, &version, &menu, &stamp, &number, own);
+            FillPluginInfo(kPass, host.Lookup(), &name, &version, &menu, &stamp, &number, own);
             EXPECT_EQ(std::string(name.View()) + " " + std::string(version.View()), "Planfold 4.5.2.10");
             EXPECT_EQ(stamp, 29032010u);
             EXPECT_EQ(number, 58u);
@@ -48,7 +48,7 @@ TEST(PluginInfo, AppendsAndOffersTheFourthEntryOnlyToHoldersOfTheRight) {
             EXPECT_EQ(TextsOf(rights),
                       (Texts{"QV: Planfold", "QV: Planfold: Custom", "QV: Planfold: SIP Set Restricted Date"}));
             FillRights(nullptr, nullptr, own);
-            FillPluginInfo(host.Lookup(), nullptr, nullptr, nullptr, nullptr, nullptr, own);
+            FillPluginInfo(kPass, host.Lookup(), nullptr, nullptr, nullptr, nullptr, nullptr, own);
         }
         EXPECT_EQ(host.strings.Live() + host.strings.Faults() + own.LiveBuffers(), 0);
     }

@@ -1,4 +1,5 @@
 #include "plugin/orderentry/SipOrder.h"
+#include "plugin/resources/resource.h"
 #include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>
@@ -30,8 +31,11 @@ protected:
     // The refusal's text, or empty.
     std::string Check(const SipOrderForm& form) {
         record = {};
-        const auto refusal = ValidateSipOrder(session, nullptr, form, kNow, record);
-        leadsTo = !refusal ? "" : refusal->focusValue ? "value" : refusal->focusPeriod ? "period" : "";
+        const auto refusal = ValidateSipOrder(kPass, session, nullptr, form, kNow, record);
+        leadsTo = !refusal                       ? ""
+                  : refusal->focus == IDC_VALUE  ? "value"
+                  : refusal->focus == IDC_PERIOD ? "period"
+                                                 : "";
         return refusal ? refusal->text : std::string();
     }
 

@@ -33,6 +33,13 @@ Fields Order(const Fields& changes);
 std::string TextOf(const Fields& message);
 using Texts = std::vector<std::string>;
 
+// What a call under test needs that lets the host in.
+inline const Pass kPass = [] {
+    std::optional<Pass> made;
+    Lifetime::Last([&](Pass pass) { made = pass; });
+    return *made;
+}();
+
 // A message as the host hands it to a notifier.
 class Received {
 public:

@@ -47,11 +47,11 @@ bool ReadMode(Options& options, std::string_view text) {
     for (const std::string_view entry : Parts(text, ',')) {
         const std::vector<std::string_view> parts = Parts(entry, ':');
         if (parts.size() != 2) return false;
-        const planfold::FrequencyRow* row = planfold::FindFrequency(parts[0]);
+        const planfold::Frequency* row = planfold::FindFrequency(parts[0]);
         const auto minimum = base::ReadNumber<long long>(parts[1]);
         if (!row || !minimum || *minimum < 0 || *minimum > kHighestMinimum) return false;
         rules.frequencies.emplace_back(row->word);
-        rules.minimums[static_cast<std::size_t>(row - planfold::kFrequencies)] = static_cast<double>(*minimum);
+        rules.minimums[IndexOf(*row)] = static_cast<double>(*minimum);
     }
     return true;
 }

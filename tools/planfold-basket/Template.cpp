@@ -25,11 +25,10 @@ struct Made {
 BasketTexts Order(long long n, const vesk::Scrip& scrip, const BasketRules& rules, Made& made) {
     std::vector<std::string> frequencies = rules.frequencies;
     if (frequencies.empty())
-        for (const FrequencyRow& row : kFrequencies)
+        for (const Frequency& row : kFrequencies)
             frequencies.emplace_back(row.word);
-    const FrequencyRow* frequency =
-        FindFrequency(frequencies[static_cast<std::size_t>(n) % frequencies.size()]);
-    const double minimum = rules.minimums[static_cast<std::size_t>(frequency - kFrequencies)];
+    const Frequency* frequency = FindFrequency(frequencies[static_cast<std::size_t>(n) % frequencies.size()]);
+    const double minimum = rules.minimums[IndexOf(*frequency)];
     const bool byValue = n % 3 != 2;
     const std::int64_t day = rules.now + (1 + n % kStartDays) * kSecondsPerDay;
 

@@ -30,16 +30,6 @@ constexpr framework::FileQuestion kExportQuestion{
     "EXCEL Files(*.xls)|*.xls; *.xls||",
     "csv"};
 
-struct Change {
-    int combo;
-    void (BasketForm::*handle)();
-};
-constexpr Change kChanges[] = {
-    {IDC_EXCHANGE, &BasketForm::OnExchangeChanged},
-    {IDC_SERIES, &BasketForm::OnSeriesChanged},
-    {IDC_INVEST_BY, &BasketForm::OnInvestTypeChanged},
-};
-
 struct Action {
     int command;
     void (*act)(Basket& basket);
@@ -61,8 +51,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
       m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled), m_controls(*this, session),
-      m_afterBox(boxes) {}
+      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled),
+      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -76,19 +66,15 @@ void CBasketUpload::ShutDown() {
 }
 
 void CBasketUpload::OnInit() {
-    // The host is asked on the way, and may close the window or open another.
-    const HWND window = Dialog::Handle();
     m_controls.FilterValue(true);
-    m_controls.SetUp("Client_Search");
-    if (Dialog::Handle() != window) return;
+    if (!m_basket.Life().Across([&](Pass pass) { m_controls.SetUp(pass, "Client_Search"); })) return;
     m_list.Attach(Item(IDC_BASKET_LIST).Handle());
     m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
     m_rejected.Attach();
     m_splitter.Create({Dialog::Handle(), Item(IDC_BASKET_LIST).Handle(), IDC_BASKET_SPLITTER, "SIPBasket",
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
-    LayOut(Self().Dpi());
-    if (Dialog::Handle() != window) return;
+    if (!m_basket.Life().Across([&](Pass) { LayOut(Self().Dpi()); })) return;
     ShowAllColumns();
     m_basket.Initialise(SipFormControls::CustomProducts());
 }
@@ -240,9 +226,7 @@ bool CBasketUpload::OnCommand(const framework::Command& command) {
         OnButton(command.id);
         return command.id != IDCANCEL;
     }
-    if (command.notification == CBN_SELCHANGE)
-        for (const auto& [combo, handle] : kChanges)
-            if (command.id == combo) (m_basket.Form().*handle)();
+    if (command.notification == CBN_SELCHANGE) m_basket.Form().OnChosen(command.id);
     return false;
 }
 
@@ -297,20 +281,20 @@ void CBasketUpload::SetText(int control, std::string_view text) {
         DialogWindowOf::SetText(control, text);
 }
 
-Choice CBasketUpload::Choose(std::string_view question) {
+Choice CBasketUpload::Choose(Pass, std::string_view question) {
     const int answer = Boxes().AskOrCancel(Dialog::Handle(), std::string(question));
     return answer == IDYES ? Choice::yes : answer == IDNO ? Choice::no : Choice::cancel;
 }
 
-std::optional<std::string> CBasketUpload::AskLoadPath() {
+std::optional<std::string> CBasketUpload::AskLoadPath(Pass) {
     return framework::AskForFileToRead(Dialog::Handle(), kLoadQuestion);
 }
 
-std::optional<std::string> CBasketUpload::AskExportPath() {
+std::optional<std::string> CBasketUpload::AskExportPath(Pass) {
     return framework::AskForFileToWrite(Dialog::Handle(), kExportQuestion, "BasketOrderSip..csv");
 }
 
-std::optional<std::string> CBasketUpload::AskRejectsPath() {
+std::optional<std::string> CBasketUpload::AskRejectsPath(Pass) {
     return framework::AskForFileToWrite(Dialog::Handle(), kExportQuestion, "RejectedLines.csv");
 }
 

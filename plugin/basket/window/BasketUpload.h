@@ -41,14 +41,14 @@ private:
     BasketList& List() override { return m_list; }
     std::string Title() const override { return Self().Text(); }
     bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
-    bool Ask(std::string_view question) override {
+    bool Ask(Pass, std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
-    Choice Choose(std::string_view question) override;
+    Choice Choose(Pass, std::string_view question) override;
     UnsentFile& Unsent() override { return m_unsent; }
-    std::optional<std::string> AskLoadPath() override;
-    std::optional<std::string> AskExportPath() override;
-    std::optional<std::string> AskRejectsPath() override;
+    std::optional<std::string> AskLoadPath(Pass) override;
+    std::optional<std::string> AskExportPath(Pass) override;
+    std::optional<std::string> AskRejectsPath(Pass) override;
     std::optional<std::string> ReadFile(const std::string& path) override;
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
     void ShowWaiting(bool waiting) override;

@@ -8,12 +8,12 @@ constexpr UINT_PTR kSearchTimer = 12131;
 
 } // namespace
 
-void CAutoComboBox::SetUp(HWND combo) {
+void CAutoComboBox::SetUp(Pass pass, HWND combo) {
     COMBOBOXINFO parts{};
     parts.cbSize = sizeof parts;
     if (!GetComboBoxInfo(combo, &parts) || !Attach(combo)) return;
     m_edit.Attach(parts.hwndItem);
-    m_periodMs = SearchTimerPeriod(m_session.host);
+    m_periodMs = SearchTimerPeriod(pass, m_session.host);
 }
 
 void CAutoComboBox::OnTextChanged() {

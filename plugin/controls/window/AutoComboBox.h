@@ -12,7 +12,7 @@ public:
     explicit CAutoComboBox(Session& session) : m_session(session) {}
 
     // For a combo of the drop-down kind that has just been made.
-    void SetUp(HWND combo);
+    void SetUp(Pass pass, HWND combo);
     // The combo told its parent that the text of its edit changed.
     void OnTextChanged();
 

@@ -38,11 +38,11 @@ const KeyRow* FindKey(WPARAM virtualKey) {
 
 } // namespace
 
-void CClientSearchBox::SetUp(HWND edit, const std::string& name, UINT delayMs) {
+void CClientSearchBox::SetUp(Pass pass, HWND edit, const std::string& name, UINT delayMs) {
     Attach(edit);
     m_box = edit;
     m_delayMs = delayMs;
-    m_search.SetUp(name);
+    m_search.SetUp(pass, name);
 }
 
 void CClientSearchBox::SetText(std::string_view text) {

@@ -18,7 +18,7 @@ public:
         : m_session(session), m_search(session, *this), m_popup(session, m_search, m_box) {}
 
     // `name` is the settings key; `delayMs` from the user's last change to the search.
-    void SetUp(HWND edit, const std::string& name, UINT delayMs);
+    void SetUp(Pass pass, HWND edit, const std::string& name, UINT delayMs);
     // Not typed by the user: it starts no search, and ends one that was waiting.
     void SetText(std::string_view text);
     // The edit told its parent that its text changed.

@@ -23,7 +23,7 @@ public:
     DialogWindowOf(HINSTANCE module, int resource, framework::MessageBoxes& boxes)
         : Dialog(module, resource), m_boxes(boxes) {}
 
-    void ShowMessage(std::string_view text) override { m_boxes.Show(Dialog::Handle(), text); }
+    void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Dialog::Handle(), text); }
 
     HostWindow Handle() const override { return Dialog::Handle(); }
     bool IsOpen() const override { return HasWindow(); }

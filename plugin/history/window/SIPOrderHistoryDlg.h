@@ -24,7 +24,7 @@ public:
     ~CSIPOrderHistoryDlg() override { Destroy(); }
 
     // Asks for a registration's orders; the window comes with the answer.
-    void Open(const std::string& registrationNumber) { m_history.Open(registrationNumber); }
+    void Open(Pass pass, const std::string& registrationNumber) { m_history.Open(pass, registrationNumber); }
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -40,7 +40,7 @@ private:
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
 
-    void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
+    void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
     void ListRecords() override;
     void OnRecordChanged() override;
     std::optional<std::size_t> FocusedRecord() const override;

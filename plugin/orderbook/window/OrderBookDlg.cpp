@@ -61,8 +61,9 @@ void COrderBookDlg::OnInit() {
     }
     m_registered.Attach(Item(IDC_REGISTERED_LIST).Handle());
     m_cancelled.Attach(Item(IDC_CANCELLED_LIST).Handle());
-    if (!m_statusBar.Create(Handle(), IDC_BOOK_STATUS, kName)) ShowMessage("Status Bar Creation Failed");
-    if (!m_open) return;
+    if (!m_statusBar.Create(Handle(), IDC_BOOK_STATUS, kName)
+        && !m_book.Life().Across([&](Pass pass) { ShowMessage(pass, "Status Bar Creation Failed"); }))
+        return;
     LayOut(Self().Dpi());
     ShowPage();
     ShowCounts();
@@ -182,7 +183,8 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
 // Of the first selected row of the open page.
 void COrderBookDlg::OpenHistory() {
     const RecordId first = (CurrentPage() == 1 ? m_cancelled : m_registered).FirstSelected();
-    if (first != kNoRecord) m_history(std::string(m_book.Records()[first].Number()));
+    if (first != kNoRecord)
+        Lifetime::Last([&](Pass pass) { m_history(pass, std::string(m_book.Records()[first].Number())); });
 }
 
 std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {

@@ -23,11 +23,11 @@ public:
 
     // Opens the order entry window over a record, or tells it that the record has changed.
     struct OrderForm {
-        std::function<void(const sOrderinfo&)> open;
-        std::function<void(const sOrderinfo&)> tell;
+        std::function<void(Pass, const sOrderinfo&)> open;
+        std::function<void(Pass, const sOrderinfo&)> tell;
     };
     // Opens the order history of a registration number.
-    using History = std::function<void(const std::string&)>;
+    using History = std::function<void(Pass, const std::string&)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
                   const BookControls& controls, OrderForm orderForm, History history);
@@ -37,12 +37,12 @@ public:
     // The list of the open page takes the keyboard.
     void FocusList();
 
-    void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
+    void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
     bool IsOpen() const override { return m_open; }
-    bool Ask(std::string_view question) override { return m_boxes.Ask(Handle(), std::string(question)); }
-    std::string AskReason() override { return m_reason.Ask(Handle()); }
-    void OpenForModify(const sOrderinfo& record) override { m_orderForm.open(record); }
-    void TellChanged(const sOrderinfo& record) override { m_orderForm.tell(record); }
+    bool Ask(Pass, std::string_view question) override { return m_boxes.Ask(Handle(), std::string(question)); }
+    std::string AskReason(Pass) override { return m_reason.Ask(Handle()); }
+    void OpenForModify(Pass pass, const sOrderinfo& record) override { m_orderForm.open(pass, record); }
+    void TellChanged(Pass pass, const sOrderinfo& record) override { m_orderForm.tell(pass, record); }
     void ShowRun() override { m_progress.Follow(Handle()); }
     BookList& Registered() override { return m_registered; }
     BookList& Cancelled() override { return m_cancelled; }

@@ -47,7 +47,7 @@ void COrderBookDlgBar::MakePane(HWND mainFrame) {
     // The host is asked while the dialog fills, and may exit.
     if (m_session.Ended()) return;
     if (!made) {
-        ShowMessage("Unable to creat a sip dialog");
+        ShowLast("Unable to creat a sip dialog");
         Destroy(); // an empty pane; the next pick tries again
     }
     if (!Handle()) return;

@@ -26,7 +26,7 @@ public:
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
-    void ShowMessage(std::string_view text) override { m_boxes.Show(Handle(), text); }
+    void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnDestroyed() override { m_dock.Detach(); }
     void MakePane(HWND mainFrame);

@@ -15,22 +15,12 @@ namespace {
 constexpr UINT kShowPlanLater = WM_APP + 1;
 constexpr LPARAM kKeyWasDown = 1 << 30;
 
-struct Change {
-    int combo;
-    void (OrderEntry::*handle)();
-};
-constexpr Change kChanges[] = {
-    {IDC_EXCHANGE, &OrderEntry::OnExchangeChanged},
-    {IDC_SERIES, &OrderEntry::OnSeriesChanged},
-    {IDC_INVEST_BY, &OrderEntry::OnInvestTypeChanged},
-};
-
 } // namespace
 
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindowOf(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_controls(*this, session), m_plannedDates(module, session), m_afterBox(boxes) {}
+      m_controls(*this, session, m_entry.Life()), m_plannedDates(module, session), m_afterBox(boxes) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
@@ -78,11 +68,9 @@ void COrderEntryDlg::OnRegistrationChanged(const SipRegistration& registration) 
 }
 
 void COrderEntryDlg::OnInit() {
-    const HWND window = Dialog::Handle();
     m_summary.Attach(Item(IDC_PLAN_SUMMARY).Handle());
-    m_controls.SetUp(OrderEntry::kName);
-    // The host was asked: it may have closed the window, or opened another.
-    if (Dialog::Handle() == window) m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
+    if (m_entry.Life().Across([&](Pass pass) { m_controls.SetUp(pass, OrderEntry::kName); }))
+        m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
 }
 
 void COrderEntryDlg::OnLaidOut() {
@@ -138,9 +126,7 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
     // A combo with an edit tells a choice before the edit has it.
     if (command.id == IDC_CLIENT_COMBO) PostMessageA(Dialog::Handle(), kShowPlanLater, 0, 0);
     if (command.notification == CBN_SELCHANGE) {
-        for (const auto& [combo, handle] : kChanges)
-            if (command.id == combo) (m_entry.*handle)();
-        OnPlanChanged();
+        if (m_entry.OnChosen(command.id)) OnPlanChanged();
     }
     return false;
 }
@@ -157,8 +143,7 @@ std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
 }
 
 void COrderEntryDlg::OnPlanChanged() {
-    m_entry.ShowPlan();
-    m_plannedDates.SetPlan(m_entry.CurrentPlan());
+    if (m_entry.ShowPlan()) m_plannedDates.SetPlan(m_entry.CurrentPlan());
 }
 
 void COrderEntryDlg::OnResponse(void*, void* message, void*) noexcept {

@@ -34,7 +34,7 @@ private:
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
     bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
-    bool Ask(std::string_view question) override {
+    bool Ask(Pass, std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
     void ShowSummary(std::string_view text, bool alarms) override;

@@ -18,7 +18,7 @@ constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIE
 
 } // namespace
 
-void SipFormControls::SetUp(const std::string& searchName) {
+void SipFormControls::SetUp(Pass pass, const std::string& searchName) {
     m_lists.Attach(m_dialog.Handle());
     m_value.Attach(m_dialog.Item(IDC_VALUE).Handle());
     m_quantity.Attach(m_dialog.Item(IDC_BASKET_QUANTITY).Handle());
@@ -26,16 +26,16 @@ void SipFormControls::SetUp(const std::string& searchName) {
     picker.SetFormat(kDateFormat);
     m_calendar.Attach(picker.Handle());
     if (m_session.host.pu_get_entered_text_results)
-        m_client.SetUp(m_dialog.Item(IDC_CLIENT_SEARCH).Handle(), searchName, kClientSearchDelayMs);
+        m_client.SetUp(pass, m_dialog.Item(IDC_CLIENT_SEARCH).Handle(), searchName, kClientSearchDelayMs);
     else
-        m_clientCombo.SetUp(m_dialog.Item(IDC_CLIENT_COMBO).Handle());
+        m_clientCombo.SetUp(pass, m_dialog.Item(IDC_CLIENT_COMBO).Handle());
 }
 
 void SipFormControls::OnLaidOut() const {
     const auto resize = m_session.host.pu_resize_EditCtrlForFontChange;
     if (!resize) return;
     for (const int edit : {IDC_VALUE, IDC_PERIOD})
-        if (m_dialog.HasWindow()) resize(m_dialog.Item(edit).Handle());
+        if (!m_life.Across([&](Pass pass) { resize(pass, m_dialog.Item(edit).Handle()); })) return;
 }
 
 void SipFormControls::OnCommand(const framework::Command& command) {
@@ -73,7 +73,7 @@ void SipFormControls::OnDropDownClosed(int combo) {
     const bool picked = std::exchange(m_picked, false);
     const auto clearFocus = m_session.host.pu_clear_FocusFromDropDown;
     if (picked && clearFocus && std::ranges::find(kHostDropDowns, combo) != std::end(kHostDropDowns))
-        clearFocus(m_dialog.Item(combo).Handle(), m_dialog.Handle());
+        Lifetime::Last([&](Pass pass) { clearFocus(pass, m_dialog.Item(combo).Handle(), m_dialog.Handle()); });
 }
 
 std::string SipFormControls::CustomProducts() {

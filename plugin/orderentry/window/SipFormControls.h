@@ -15,12 +15,14 @@ namespace planfold {
 
 class SipFormControls {
 public:
-    SipFormControls(framework::Dialog& dialog, Session& session)
-        : m_dialog(dialog), m_session(session), m_client(session), m_clientCombo(session), m_lists(session) {}
+    // `life` is the dialog's.
+    SipFormControls(framework::Dialog& dialog, Session& session, const Lifetime& life)
+        : m_dialog(dialog), m_session(session), m_life(life), m_client(session), m_clientCombo(session),
+          m_lists(session) {}
 
     // In front of the dialog's controls, which have just been made. `searchName` is the search box's settings
-    // key. The host is asked, and may close the dialog.
-    void SetUp(const std::string& searchName);
+    // key.
+    void SetUp(Pass pass, const std::string& searchName);
     // Lets the host fit the edits to a new layout.
     void OnLaidOut() const;
     // The dialog has moved.
@@ -41,6 +43,7 @@ private:
 
     framework::Dialog& m_dialog;
     Session& m_session;
+    const Lifetime& m_life;
     CExtEditOntry m_value;
     CExtEditOntry m_quantity; // where it has an edit of its own; never filtered
     CClientSearchBox m_client;

@@ -16,9 +16,9 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
       m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
       m_orderHistory(module, m_session, boxes),
       m_orderBook(module, m_session, boxes,
-                  {[this](const sOrderinfo& record) { OpenForModify(record); },
-                   [this](const sOrderinfo& record) { TellChanged(record); }},
-                  [this](const std::string& number) { OpenOrderHistory(number); }) {
+                  {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
+                   [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
+                  [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -74,28 +74,27 @@ SipRegistration ReadRegistration(const sOrderinfo& record) {
 void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
     // A copy: the host is asked on the way, and may let the record change.
     const SipRegistration registration = ReadRegistration(record);
-    if (!m_orderEntry.HasWindow()) ApplyFontPreference();
-    if (!m_session.Ended()) m_orderEntry.OpenForModify(registration);
+    if (SetHostsFont(m_orderEntry)) m_orderEntry.OpenForModify(registration);
 }
 
 void CPlanfoldControlBlock::TellChanged(const sOrderinfo& record) {
     if (m_orderEntry.Modifies(record.Number())) m_orderEntry.OnRegistrationChanged(ReadRegistration(record));
 }
 
-void CPlanfoldControlBlock::PrepareForPick(Notices& notices) {
-    m_session.OpenHandles(notices);
-    for (const FrequencyRow& frequency : kFrequencies)
-        m_session.*frequency.minimum = 0.0;
+void CPlanfoldControlBlock::PrepareForPick(Pass pass, Notices& notices) {
+    m_session.OpenHandles(pass, notices);
+    for (const Frequency& frequency : kFrequencies)
+        m_session.MinimumPeriods(frequency) = 0.0;
     if (m_session.host.pu_get_non_trading_dates_map && !m_session.m_pNonTradingDates)
-        m_session.m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map();
-    if (m_session.userDirectory.empty()) FindSettingsPaths();
+        m_session.m_pNonTradingDates = m_session.host.pu_get_non_trading_dates_map(pass);
+    if (m_session.userDirectory.empty()) FindSettingsPaths(pass);
 }
 
-void CPlanfoldControlBlock::FindSettingsPaths() {
+void CPlanfoldControlBlock::FindSettingsPaths(Pass pass) {
     std::string dialogPositions;
     std::string userSettings;
     CString directory = m_session.String();
-    if (m_session.host.pu_get_UserDirectory && m_session.host.pu_get_UserDirectory(&directory)) {
+    if (m_session.host.pu_get_UserDirectory && m_session.host.pu_get_UserDirectory(pass, &directory)) {
         m_session.userDirectory = directory.View();
         dialogPositions = m_session.userDirectory + "\\DialogPos.ini";
         userSettings = m_session.userDirectory + "\\UserSetting.ini";
@@ -105,9 +104,9 @@ void CPlanfoldControlBlock::FindSettingsPaths() {
     CCommonListCtrl::SetRecoveryFiles(userSettingsPath.Hand(), dialogPositionsPath.Hand());
 }
 
-void CPlanfoldControlBlock::ApplyFontPreference() {
+void CPlanfoldControlBlock::ApplyFontPreference(Pass pass) {
     if (!m_session.host.pu_get_FontVariation) return;
-    m_session.host.pu_get_FontVariation(&m_nFontVariation, &m_nFontSize, m_font.third, m_font.fourth);
+    m_session.host.pu_get_FontVariation(pass, &m_nFontVariation, &m_nFontSize, m_font.third, m_font.fourth);
     const auto apply = [&](framework::Dialog& dialog) {
         dialog.SetFontSize(PreferredPointSize(dialog.TemplateFontSize(), m_nFontSize, m_nFontVariation));
     };

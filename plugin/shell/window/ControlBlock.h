@@ -37,10 +37,10 @@ public:
     void ShutDown();
 
     // What every menu pick does before its window is shown.
-    void PrepareForPick(Notices& notices);
+    void PrepareForPick(Pass pass, Notices& notices);
     void SetLoginMode(std::int32_t mode) { m_session.m_nLoginMode = mode; }
     // Asks the host for its font preference and lays the windows out anew.
-    void ApplyFontPreference();
+    void ApplyFontPreference(Pass pass);
 
     void OpenOrderEntry() { OpenInHostsFont(m_orderEntry); }
     void OpenBasket() { OpenInHostsFont(m_basket); }
@@ -49,19 +49,24 @@ public:
     void OpenForModify(const sOrderinfo& record);
     // To the order form, should it be open for the record.
     void TellChanged(const sOrderinfo& record);
-    void OpenOrderHistory(const std::string& registrationNumber) {
-        OpenInHostsFont(m_orderHistory, registrationNumber);
+    void OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
+        if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
     }
     // An empty client removes the filter of the book's lists.
     void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 
 private:
-    template <class Window, class... Arguments>
-    void OpenInHostsFont(Window& window, const Arguments&... arguments) {
-        if (!window.HasWindow()) ApplyFontPreference();
-        if (!m_session.Ended()) window.Open(arguments...);
+    template <class Window>
+    [[nodiscard]] bool SetHostsFont(const Window& window) {
+        return m_session.life.Across([&](Pass pass) {
+            if (!window.HasWindow()) ApplyFontPreference(pass);
+        });
     }
-    void FindSettingsPaths();
+    template <class Window>
+    void OpenInHostsFont(Window& window) {
+        if (SetHostsFont(window)) window.Open();
+    }
+    void FindSettingsPaths(Pass pass);
 
     Session m_session;
     const FontArguments& m_font;

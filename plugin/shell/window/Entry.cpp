@@ -25,7 +25,7 @@ struct Module {
     framework::MessageBoxes boxes{"Planfold"};
     FontArguments font;
     std::shared_ptr<CPlanfoldControlBlock> block;
-    int exits = 0; // told by the host so far
+    Lifetime life; // until the host tells to exit
 };
 
 // Until the library is unloaded. At the end of the process it stays: the host, whose controls and strings it
@@ -48,41 +48,42 @@ Identity IdentityStrings() {
 class ShellNotices final : public Notices {
 public:
     explicit ShellNotices(HostWindow owner) : m_owner(owner) {}
-    void ShowMessage(std::string_view text) override { ThisModule().boxes.Show(m_owner, text); }
+    void ShowMessage(Pass, std::string_view text) override { ThisModule().boxes.Show(m_owner, text); }
 
 private:
     HostWindow m_owner;
 };
 
 // Null when the host or the user is refused; the reason has been shown.
-std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(HostWindow& mainFrame) {
+std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(Pass pass, HostWindow& mainFrame) {
     if (!GetModuleHandleA(nullptr)) {
-        ShellNotices(nullptr).ShowMessage("exe Module not found");
+        ShellNotices(nullptr).ShowMessage(pass, "exe Module not found");
         return nullptr;
     }
     Module& module = ThisModule();
-    const int exits = module.exits;
-    const HostCheck check = CheckHost(FindInHost, IdentityStrings(), module.strings);
-    mainFrame = MainFrame(check.app);
-    if (check.refusal) {
-        ShellNotices(mainFrame).ShowMessage(check.refusal);
+    const auto check = module.life.Across(
+        [&](Pass inner) { return CheckHost(inner, FindInHost, IdentityStrings(), module.strings); });
+    if (!check) return nullptr;
+    mainFrame = MainFrame(check->app);
+    if (check->refusal) {
+        ShellNotices(mainFrame).ShowMessage(pass, check->refusal);
         return nullptr;
     }
-    auto block = module.block;
-    if (!block) {
+    if (!module.block) {
         // Boxes of the construction wait until the block stands: their message loop may bring the next pick,
         // or the end.
         const framework::MessageBoxes::Hold hold(module.boxes);
-        auto made = std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
-                                                            module.boxes, module.font);
-        made->SetOwner(made);
-        // The host was asked on the way: it may have picked again, or told to exit.
-        if (module.exits != exits) return nullptr;
-        if (!module.block) module.block = std::move(made);
-        block = module.block;
-        g_pControlBlock = block.get();
+        const auto made = module.life.Across([&](Pass) {
+            return std::make_shared<CPlanfoldControlBlock>(OwnInstance(), IdentityStrings(), module.strings,
+                                                           module.boxes, module.font);
+        });
+        if (!made) return nullptr;
+        (*made)->SetOwner(*made);
+        // The host may have picked again on the way.
+        if (!module.block) module.block = *made;
+        g_pControlBlock = module.block.get();
     }
-    return block;
+    return module.block;
 }
 
 struct MenuRow {
@@ -110,7 +111,10 @@ using namespace planfold;
 PLANFOLD_EXPORT int GetVeskPluginInfo(CString* name, CString* version, CStringArray* menu,
                                       std::uint32_t* buildStamp, std::uint32_t* interfaceNumber) {
     framework::Guard([&] {
-        FillPluginInfo(FindInHost, name, version, menu, buildStamp, interfaceNumber, ThisModule().strings);
+        Lifetime::Last([&](Pass pass) {
+            FillPluginInfo(pass, FindInHost, name, version, menu, buildStamp, interfaceNumber,
+                           ThisModule().strings);
+        });
     });
     return 1;
 }
@@ -123,20 +127,21 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
     framework::Guard([&] {
         const TakenString entry(menuEntry);
         HostWindow mainFrame = nullptr;
-        const auto block = CheckHostAndCreateControlBlock(mainFrame);
-        // Each box on the way may have brought the exit.
-        const auto ended = [&] { return !block || g_pControlBlock != block.get(); };
-        if (ended()) return;
+        const Lifetime& life = ThisModule().life;
+        const auto block =
+            life.Across([&](Pass pass) { return CheckHostAndCreateControlBlock(pass, mainFrame); })
+                .value_or(nullptr);
+        if (!block) return;
         block->SetLoginMode(loginMode);
         g_strLoginId = loginId ? loginId : "";
         if (!mainFrame) return;
         ShellNotices notices(mainFrame);
         if (!GetModuleHandleA(nullptr)) {
-            notices.ShowMessage("Cant rename VeskTrader.exe,Module not found");
+            notices.ShowLast("Cant rename VeskTrader.exe,Module not found");
             return;
         }
-        block->PrepareForPick(notices);
-        if (!ended()) Pick(*block, entry.View(), static_cast<HWND>(mainFrame));
+        if (life.Across([&](Pass pass) { block->PrepareForPick(pass, notices); }))
+            Pick(*block, entry.View(), static_cast<HWND>(mainFrame));
     });
 }
 
@@ -146,7 +151,7 @@ PLANFOLD_EXPORT int ProcessVeskPluginMsg(void*) {
 
 PLANFOLD_EXPORT std::intptr_t ExitVeskPlugin() {
     framework::Guard([] {
-        ++ThisModule().exits;
+        ThisModule().life.Renew();
         const auto block = std::exchange(ThisModule().block, nullptr);
         // No box comes after the end.
         ThisModule().boxes.Forget();
@@ -171,7 +176,7 @@ PLANFOLD_EXPORT void ApplyFontVarPreference(void*, void*, void* third, void* fou
     framework::Guard([&] {
         Module& module = ThisModule();
         module.font = {third, fourth};
-        if (const auto held = module.block) held->ApplyFontPreference();
+        if (const auto held = module.block) Lifetime::Last([&](Pass pass) { held->ApplyFontPreference(pass); });
     });
 }
 

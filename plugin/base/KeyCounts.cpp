@@ -1,4 +1,4 @@
-#include "plugin/basket/KeyCounts.h"
+#include "plugin/base/KeyCounts.h"
 
 #include <bit>
 #include <utility>

@@ -1,0 +1,43 @@
+#include "plugin/orderentry/RecordedOrders.h"
+
+#include "plugin/base/Numbers.h"
+#include "plugin/orderentry/PlannedDates.h"
+
+namespace planfold {
+
+RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
+                               const OrderOrigin& origin) {
+    const std::string line = origin.line > 0 ? std::to_string(origin.line) : std::string();
+    const std::string start = FormatPlannedDate(ToLocal(LeadingInteger(order.startDate)));
+    RecordTexts texts;
+    texts[RecordField::orderId] = orderId;
+    texts[RecordField::loginId] = session.identity.loginId;
+    texts[RecordField::source] = origin.source;
+    texts[RecordField::line] = line;
+    texts[RecordField::account] = order.account;
+    texts[RecordField::exchange] = order.exchange;
+    texts[RecordField::tradingSymbol] = order.tradingSymbol;
+    texts[RecordField::side] = order.side;
+    texts[RecordField::investType] = order.investType;
+    texts[RecordField::value] = order.amountOrQuantity;
+    texts[RecordField::frequency] = order.frequency;
+    texts[RecordField::startDate] = start;
+    texts[RecordField::periods] = order.totalPeriod;
+    texts[RecordField::text] = "add_sip_orders";
+    return RecordedOrder(texts);
+}
+
+RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
+                             std::string_view orderId, std::string_view value, std::string_view periods) {
+    RecordTexts texts;
+    texts[RecordField::orderId] = orderId;
+    texts[RecordField::registration] = registration;
+    texts[RecordField::loginId] = session.identity.loginId;
+    texts[RecordField::source] = "form";
+    texts[RecordField::value] = value;
+    texts[RecordField::periods] = periods;
+    texts[RecordField::text] = request;
+    return RecordedOrder(texts);
+}
+
+} // namespace planfold

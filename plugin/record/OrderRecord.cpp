@@ -1,0 +1,79 @@
+#include "plugin/record/OrderRecord.h"
+
+#include "plugin/base/Text.h"
+
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+std::string TimeText(const LocalDateTime& now) {
+    return Format("%04d-%02d-%02d %02d:%02d:%02d", now.year, now.month, now.day, now.hour, now.minute,
+                  now.second);
+}
+
+} // namespace
+
+// Once: a session that goes on after midnight keeps what it knows, since an answer may come on the day after
+// its order.
+void OrderRecord::ReadDay() {
+    if (std::exchange(m_isRead, true)) return;
+    const auto text = m_files.Read(m_now());
+    if (!text) return;
+    RecordReader reader(*text);
+    while (const auto event = reader.Next())
+        m_ledger.Take(*event);
+}
+
+const OrderLedger& OrderRecord::Ledger() {
+    ReadDay();
+    return m_ledger;
+}
+
+bool OrderRecord::Sending(std::span<const RecordedOrder> orders) {
+    if (!m_files.HasFolder()) return true;
+    ReadDay();
+    const LocalDateTime now = m_now();
+    const std::string time = TimeText(now);
+    std::string lines = m_unwritten;
+    const auto told = [&](RecordTexts texts) {
+        texts[RecordField::time] = time;
+        texts[RecordField::event] = NameOf(OrderEvent::sending);
+        return texts;
+    };
+    for (const RecordedOrder& order : orders)
+        AppendRecordLine(told(order.Texts()), lines);
+    if (!m_files.Append(now, lines)) return false;
+    m_unwritten.clear();
+    for (const RecordedOrder& order : orders)
+        m_ledger.Take(told(order.Texts()));
+    return true;
+}
+
+void OrderRecord::Tell(const RecordedOrder& order, OrderEvent event, std::string_view registration,
+                       std::string_view text) {
+    RecordTexts texts = order.Texts();
+    if (!Ledger().Find(texts)) return;
+    const LocalDateTime now = m_now();
+    const std::string time = TimeText(now);
+    texts[RecordField::time] = time;
+    texts[RecordField::event] = NameOf(event);
+    if (!registration.empty()) texts[RecordField::registration] = registration;
+    texts[RecordField::text] = text;
+    AppendRecordLine(texts, m_unwritten);
+    if (m_files.Append(now, m_unwritten)) m_unwritten.clear();
+    m_ledger.Take(texts);
+}
+
+void OrderRecord::OnRow(std::string_view orderId, std::string_view registration) {
+    if (orderId.empty()) return;
+    RecordTexts texts;
+    texts[RecordField::orderId] = orderId;
+    const RecordedOrder* known = Ledger().Find(texts);
+    if (!known || known->ChangesRegistration() || known->State() == OrderState::done) return;
+    const OrderEvent event = known->State() == OrderState::sent ? OrderEvent::registered : OrderEvent::found;
+    Tell(RecordedOrder(known->Texts()), event, registration, {});
+}
+
+} // namespace planfold

@@ -1,0 +1,97 @@
+// The lines of the order record: what was asked of the server and what became of it, one event a line, in a CSV
+// file for each local day. The files are only ever appended to, and open in a spreadsheet.
+//
+// Text is written so that no line can spoil another: a field holds no line feed, and what a spreadsheet would
+// take for a formula is disarmed by an apostrophe in front, which reading takes away again.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace planfold {
+
+// The columns in their order.
+enum class RecordField : std::uint8_t {
+    time,         // "2027-03-05 14:02:03", local
+    event,        // an OrderEvent's name
+    orderId,      // by which the server and the book know the order again; empty when the host gives none
+    registration, // its number, once it is known
+    loginId,      // of the user who sent it
+    source,       // "form", or the basket file's name
+    line,         // of that file, decimal
+    account,      // of the client
+    exchange,     // "nse_cm"
+    tradingSymbol,
+    side,       // "B" or "S"
+    investType, // "value" or "qty"
+    value,      // paise by value, shares by quantity
+    frequency,
+    startDate, // "05-Mar-2027"
+    periods,
+    text, // of a request its name, of an answer what the server said
+    count
+};
+inline constexpr std::size_t kRecordFieldCount = static_cast<std::size_t>(RecordField::count);
+
+enum class OrderEvent : std::uint8_t {
+    sending, // on the disk before the request goes out
+    notSent, // it did not leave the desk
+    registered,
+    modified,
+    cancelled,
+    paused,
+    resumed,
+    refused, // by the server
+    inDoubt, // no answer came
+    found,   // the book shows what was in doubt
+    absent,  // the book proves that it does not have it
+};
+std::string_view NameOf(OrderEvent event);
+std::optional<OrderEvent> EventNamed(std::string_view name);
+
+// The texts of a line; they are whoever's.
+class RecordTexts {
+public:
+    std::string_view& operator[](RecordField field) { return m_texts[static_cast<std::size_t>(field)]; }
+    std::string_view operator[](RecordField field) const { return m_texts[static_cast<std::size_t>(field)]; }
+
+private:
+    std::array<std::string_view, kRecordFieldCount> m_texts;
+};
+
+// The first line of a file, and a line of it, each with its line end.
+std::string_view RecordHeading();
+void AppendRecordLine(const RecordTexts& texts, std::string& csv);
+
+// Reads a record's file whatever happened to it: a line that was cut short by a crash, columns in another
+// order, columns of another version, another separator or quotes by a spreadsheet. What is no event is counted
+// and left out; nothing else suffers by it.
+class RecordReader {
+public:
+    // The text outlives the reader.
+    explicit RecordReader(std::string_view file);
+
+    // None at the end. The texts are valid until the next call.
+    std::optional<RecordTexts> Next();
+    std::size_t UnreadLines() const { return m_unread; }
+
+private:
+    bool Split(std::string_view line);
+    bool TakeHeading(std::string_view line);
+
+    std::string_view m_rest;
+    char m_separator = ',';
+    // Where the line's fields have each column; kNowhere for one that they lack. And how many fields it has.
+    std::array<std::size_t, kRecordFieldCount> m_places{};
+    std::size_t m_width = kRecordFieldCount;
+    std::vector<std::string_view> m_fields; // of the line that is read
+    std::string m_unquoted;                 // the characters of those that were quoted
+    std::size_t m_unread = 0;
+};
+
+} // namespace planfold

@@ -1,0 +1,31 @@
+#include "plugin/record/window/RecordFile.h"
+
+#include "framework/Files.h"
+#include "framework/Wide.h"
+#include "plugin/base/Text.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr char kFolder[] = "\\PlanfoldOrders";
+
+} // namespace
+
+std::string RecordFile::NameOf(const LocalDateTime& day) const {
+    return framework::Utf8(m_session.userDirectory + kFolder)
+           + Format("\\%04d-%02d-%02d.csv", day.year, day.month, day.day);
+}
+
+std::optional<std::string> RecordFile::Read(const LocalDateTime& day) {
+    const auto text = framework::ReadWhole(NameOf(day));
+    if (!text) return std::nullopt;
+    return framework::Narrow(framework::Wide(*text, CP_UTF8), CP_ACP);
+}
+
+bool RecordFile::Append(const LocalDateTime& day, std::string_view lines) {
+    framework::MakeFolders(framework::Utf8(m_session.userDirectory + kFolder));
+    return framework::AppendLines(NameOf(day), RecordHeading(), framework::Utf8(std::string(lines)));
+}
+
+} // namespace planfold

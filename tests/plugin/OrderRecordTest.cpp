@@ -1,0 +1,195 @@
+// The order record: what stands in its files, what is read of files that were torn or edited, and what it knows
+// of each order.
+#include "plugin/record/OrderRecord.h"
+
+#include "sdk/Tags.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <random>
+#include <sstream>
+
+namespace planfold::test {
+namespace {
+
+using Field = RecordField;
+
+// "client=C1 value=5": texts by the columns' names, an event by its own.
+class Words {
+public:
+    explicit Words(const std::string& text) {
+        std::istringstream words(text);
+        for (std::string word; words >> word;)
+            m_words.push_back(word);
+        std::istringstream columns{std::string(RecordHeading())};
+        std::string column;
+        for (std::size_t i = 0; std::getline(columns, column, ','); ++i)
+            for (const std::string& word : m_words)
+                if (word.starts_with(column.substr(0, column.find('\r')) + "="))
+                    texts[static_cast<Field>(i)] = std::string_view(word).substr(word.find('=') + 1);
+    }
+    RecordTexts texts;
+
+private:
+    std::deque<std::string> m_words;
+};
+
+struct Files final : RecordFiles {
+    bool HasFolder() const override { return true; }
+    std::optional<std::string> Read(const LocalDateTime&) override { return text; }
+    bool Append(const LocalDateTime&, std::string_view lines) override {
+        if (writable) text += lines;
+        return writable;
+    }
+    std::string text;
+    bool writable = true;
+};
+
+TEST(RecordLine, AnyTextComesBackAndNoLineSpoilsAnother) {
+    std::mt19937 random(17);
+    constexpr std::string_view signs = "ab,;\t\"'=+-@ \n\r\xE9";
+    std::vector<std::string> written;
+    std::string csv(RecordHeading());
+    for (int line = 0; line < 400; ++line) {
+        RecordTexts texts;
+        std::array<std::string, kRecordFieldCount> kept;
+        for (std::size_t i = 0; i < kRecordFieldCount; ++i) {
+            for (auto left = random() % 6; left > 0; --left)
+                kept[i] += signs[random() % signs.size()];
+            if (static_cast<Field>(i) == Field::event) kept[i] = "refused";
+            texts[static_cast<Field>(i)] = kept[i];
+        }
+        AppendRecordLine(texts, csv);
+        std::string all;
+        for (std::string& text : kept) {
+            std::ranges::replace_if(
+                text, [](char c) { return c == '\n' || c == '\r'; }, ' ');
+            all += text + "|";
+        }
+        written.push_back(all);
+    }
+    // Cut short anywhere, only the last line can suffer.
+    for (const std::size_t cut :
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{9}, csv.size() / 2}) {
+        RecordReader reader(std::string_view(csv).substr(0, csv.size() - cut));
+        std::size_t line = 0;
+        while (const auto texts = reader.Next()) {
+            std::string all;
+            for (std::size_t i = 0; i < kRecordFieldCount; ++i)
+                all.append((*texts)[static_cast<Field>(i)]).push_back('|');
+            ASSERT_LT(line, written.size());
+            EXPECT_EQ(all, written[line++]);
+        }
+        EXPECT_LE(reader.UnreadLines(), 1u);
+        EXPECT_TRUE(line == written.size() || cut > 1) << "a line is whole without its line feed";
+    }
+    EXPECT_EQ(csv.find("\n="), csv.npos);
+}
+
+TEST(RecordLine, IsReadWhateverASpreadsheetMadeOfTheFile) {
+    const std::string heading =
+        "time,event,order_id,registration,user,source,line,client,exchange,trading_symbol,side,"
+        "invest_type,value,frequency,start,periods,text";
+    EXPECT_EQ(RecordHeading(), heading + "\r\n");
+    const struct {
+        std::string file;
+        const char* read; // order_id client text, of each line
+        std::size_t unread;
+    } cases[] = {
+        {"", "", 0},
+        {heading, "", 0},
+        {heading + "\nt,sending,o1,,,,,C1,,,,,,,,,x\n", "o1 C1 x;", 0},
+        {"\xEF\xBB\xBF" + heading + "\r\nt,sending,o1,,,,,C1\r\n", "o1 C1 ;", 0}, // empty columns dropped
+        {"time;event;client;order_id;text\nt;sending;\"C;1\";o1;\"\"\"=x\"\n", "o1 C;1 \"=x;", 0},
+        {"\"time\"\t\"event\"\t\"order_id\"\nt\tsending\to1\n", "o1  ;", 0},
+        {"time,event,other,client,order_id\nt,sending,z,C1,o1\nt,sendin,z,C1,o1\n", "o1 C1 ;", 1},
+        {heading + "\nt,sending,o1,\"torn\r\n" + heading + "\nt,absent,o2,,,,,C2,,,,,,,,,\n", "o2 C2 ;", 1},
+        {heading + "\nt,sending,o1,,,,,C1,nse_cm,A,B,value,5,daily,05-Mar-2027,1", "", 1}, // of 12 periods
+        {"t,sending,o1\n", "o1  ;", 0},                                                    // no heading: ours
+        {std::string("\0\0\0\n\xFF\xFE\n", 6), "", 2},
+    };
+    for (const auto& each : cases) {
+        RecordReader reader(each.file);
+        std::string read;
+        while (const auto texts = reader.Next())
+            read.append((*texts)[Field::orderId])
+                .append(" ")
+                .append((*texts)[Field::account])
+                .append(" ")
+                .append((*texts)[Field::text])
+                .append(";");
+        EXPECT_EQ(read, each.read) << each.file;
+        EXPECT_EQ(reader.UnreadLines(), each.unread) << each.file;
+    }
+}
+
+// Each event, and what is known after it: the orders in each state, and how many like the first may be
+// registered.
+TEST(OrderLedger, KnowsTheStateOfEachOrder) {
+    const std::string plan = " client=C1 value=5 frequency=daily";
+    const std::pair<std::string, const char*> steps[] = {
+        {"event=registered order_id=o1 registration=S1" + plan, "0 0 0 0 0 0 like 0"}, // of a day before
+        {"event=sending order_id=o1" + plan, "1 0 0 0 0 0 like 1"},
+        {"event=registered order_id=o1 registration=S1" + plan, "0 1 0 0 0 0 like 1"},
+        {"event=sending order_id=o2" + plan, "1 1 0 0 0 0 like 2"},
+        {"event=in_doubt order_id=o2" + plan, "0 1 0 0 1 0 like 2"},
+        {"event=absent order_id=o2" + plan, "0 1 0 0 0 1 like 1"},
+        {"event=sending order_id=o2" + plan, "1 1 0 0 0 0 like 2"}, // again, under the same identifier
+        {"event=found order_id=o2 registration=S2" + plan, "0 2 0 0 0 0 like 2"},
+        {"event=sending order_id=o3" + plan, "1 2 0 0 0 0 like 3"},
+        {"event=refused order_id=o3" + plan, "0 2 1 0 0 0 like 2"},
+        {"event=sending" + plan, "1 2 1 0 0 0 like 3"}, // without identifiers
+        {"event=sending" + plan, "2 2 1 0 0 0 like 4"},
+        {"event=not_sent" + plan, "1 2 1 1 0 0 like 3"},
+        {"event=sending registration=S1 value=7", "2 2 1 1 0 0 like 3"}, // a change is no order
+        {"event=modified registration=S1 value=7", "1 3 1 1 0 0 like 3"},
+        {"event=in_doubt registration=S9", "1 3 1 1 0 0 like 3"},
+    };
+    OrderLedger ledger;
+    for (const auto& [event, known] : steps) {
+        ledger.Take(Words(event).texts);
+        std::string text;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(OrderState::count); ++i)
+            text += std::to_string(ledger.Count(static_cast<OrderState>(i))) + " ";
+        EXPECT_EQ(text + "like " + std::to_string(ledger.Like(Words(plan).texts)), known) << event;
+    }
+    const RecordedOrder* order = ledger.Find(Words("order_id=o2").texts);
+    ASSERT_TRUE(order);
+    EXPECT_EQ(order->Text(Field::registration), "S2");
+    EXPECT_EQ(order->Text(Field::account), "C1");
+}
+
+TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
+    Files files;
+    LocalDateTime now{2027, 3, 5, 23, 59, 59};
+    const auto clock = [&] { return now; };
+    const RecordedOrder first(Words("order_id=o1 client=C1 frequency=daily").texts);
+    const RecordedOrder second(Words("order_id=o2 client=C2 frequency=daily").texts);
+    OrderRecord record(files, clock);
+    files.writable = false;
+    EXPECT_FALSE(record.Sending({&first, 1}));
+    EXPECT_TRUE(record.Ledger().Orders().empty()) << "what is not on the disk was not sent";
+    files.writable = true;
+    EXPECT_TRUE(record.Sending(std::vector{first, second}));
+    files.writable = false;
+    now = {2027, 3, 6, 0, 0, 1};
+    record.Tell(first, OrderEvent::registered, "S1", "SIP registered");
+    files.writable = true;
+    record.Tell(second, OrderEvent::refused, "", "no");
+    const std::string columns = ",,,,,C1,,,,,,daily,,,";
+    EXPECT_EQ(files.text, "2027-03-05 23:59:59,sending,o1" + columns
+                              + "\r\n2027-03-05 23:59:59,sending,o2,,,,,C2,,,,,,daily,,,\r\n"
+                              + "2027-03-06 00:00:01,registered,o1,S1,,,,C1,,,,,,daily,,,SIP registered\r\n"
+                              + "2027-03-06 00:00:01,refused,o2,,,,,C2,,,,,,daily,,,no\r\n");
+    OrderRecord next(files, clock);
+    for (OrderRecord* each : {&record, &next}) {
+        EXPECT_EQ(each->Ledger().Count(OrderState::done), 1u);
+        EXPECT_EQ(each->Ledger().Count(OrderState::refused), 1u);
+        EXPECT_EQ(each->Ledger().Find(first.Texts())->Text(Field::text), "SIP registered");
+    }
+}
+
+} // namespace
+} // namespace planfold::test
