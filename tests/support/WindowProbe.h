@@ -24,6 +24,9 @@ SYSTEMTIME Date(HWND dialog, int picker);
 void SetDate(HWND dialog, int picker, SYSTEMTIME date);
 
 std::string Cell(HWND list, int row, int column);
+RECT PlaceOf(HWND window);
+SIZE SizeOf(HWND window);
+std::string OnClipboard();
 // Each entry as "Text 25001", greyed "(Text 25001)", a separator "-", joined by "|".
 std::string Entries(HMENU menu);
 

@@ -46,11 +46,7 @@ TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
     EXPECT_FALSE(scrolls()) << "every column is seen at first";
     SetWindowPos(dialog, nullptr, 0, 0, 10, 10, SWP_NOMOVE);
     EXPECT_TRUE(scrolls());
-    const auto size = [&] {
-        RECT place{};
-        GetWindowRect(dialog, &place);
-        return SIZE{place.right - place.left, place.bottom - place.top};
-    };
+    const auto size = [&] { return probe::SizeOf(dialog); };
     const SIZE least = size();
     SetWindowPos(dialog, nullptr, 0, 0, least.cx + 60, least.cy + 40, SWP_NOMOVE);
     for (const int points : {12, 8}) {
@@ -111,8 +107,7 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     const std::string entries = MenuOf(list);
     EXPECT_TRUE(entries.starts_with("Delete\tDel 25002|-|(Copy\tCtrl+C 26200)|Select All")) << entries;
     EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
-    RECT header{};
-    GetWindowRect(ListView_GetHeader(list), &header);
+    const RECT header = probe::PlaceOf(ListView_GetHeader(list));
     EXPECT_EQ(MenuOf(list, MAKELPARAM(header.left + 9, header.top + 9)), "(none)");
     struct Row {
         const char* way;
@@ -258,11 +253,7 @@ TEST_F(BasketWindow, LoadsAndExportsFilesOrLeavesThemAsTheyAre) {
     SetKeyboardState(usual);
     EXPECT_EQ(ListView_GetSelectedCount(rejected), 2u);
     probe::Press(dialog, IDC_REJECTED_COPY);
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    const auto* copied = static_cast<const char*>(GlobalLock(GetClipboardData(CF_TEXT)));
-    EXPECT_TRUE(std::string_view(copied).starts_with("a line\r\nfailed to load due to Invalid Format"))
-        << copied;
-    CloseClipboard();
+    EXPECT_TRUE(probe::OnClipboard().starts_with("a line\r\nfailed to load due to Invalid Format"));
 
     const std::string before = Read();
     {

@@ -11,8 +11,7 @@ class BookTest : public BookWindowTest {
 protected:
     // The pane in the client area of its parent.
     std::string PlaceText() const {
-        RECT place{};
-        GetWindowRect(pane, &place);
+        RECT place = probe::PlaceOf(pane);
         MapWindowPoints(nullptr, GetAncestor(pane, GA_PARENT), reinterpret_cast<POINT*>(&place), 2);
         return std::to_string(place.left) + "," + std::to_string(place.top) + " "
                + std::to_string(place.right - place.left) + "x" + std::to_string(place.bottom - place.top);
@@ -122,12 +121,10 @@ TEST_F(BookTest, StandsAtTheBottomUntilTheFrameTakesItOver) {
             EXPECT_EQ(PlaceText(), row.floats ? placed : row.takesOverOn ? "10,20 300x120" : Bottom()) << hides;
         }
         // The lists fill what the tabs and the status bar leave.
-        RECT client{}, list{}, status{};
+        RECT client{};
         GetClientRect(dialog, &client);
-        GetWindowRect(registered, &list);
-        GetWindowRect(GetDlgItem(dialog, IDC_BOOK_STATUS), &status);
-        EXPECT_EQ(list.right - list.left, client.right);
-        EXPECT_EQ(list.bottom, status.top);
+        EXPECT_EQ(probe::SizeOf(registered).cx, client.right);
+        EXPECT_EQ(probe::PlaceOf(registered).bottom, probe::PlaceOf(GetDlgItem(dialog, IDC_BOOK_STATUS)).top);
         DestroyWindow(pane);
         DestroyWindow(floating);
     }

@@ -51,10 +51,8 @@ TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
     EXPECT_EQ(Cell(list, 1, 0) + "|" + Cell(list, 1, 1), "C002|Second Client");
     EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 100);
     EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
-    RECT place{};
-    GetWindowRect(GetParent(list), &place);
-    EXPECT_EQ(place.right - place.left, 500);
-    EXPECT_EQ(place.bottom - place.top, 2 * 20 + 50);
+    EXPECT_EQ(probe::SizeOf(GetParent(list)).cx, 500);
+    EXPECT_EQ(probe::SizeOf(GetParent(list)).cy, 2 * 20 + 50);
     EXPECT_EQ(GetFocus(), box) << "the typing goes on";
 }
 
@@ -71,9 +69,8 @@ TEST_F(ClientSearchWindow, StaysOnTheScreenAndFollowsTheFont) {
             SetWindowPos(dialog, nullptr, screen.right - 300, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
             Type("client");
             ASSERT_TRUE(Opens(VK_DOWN));
-            RECT place{}, field{}, common{};
-            GetWindowRect(GetParent(List()), &place);
-            GetWindowRect(box, &field);
+            const RECT place = probe::PlaceOf(GetParent(List())), field = probe::PlaceOf(box);
+            RECT common{};
             SubtractRect(&outside, &place, &screen);
             EXPECT_TRUE(IsRectEmpty(&outside)) << points << " points, at " << top;
             const bool boxIsSeen = field.bottom <= screen.bottom;

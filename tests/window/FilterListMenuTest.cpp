@@ -144,12 +144,7 @@ TEST_F(FilterList, AnExportIsWholeOrNotThere) {
 
     control->SelectOnly(1);
     Run(copy);
-    ASSERT_TRUE(OpenClipboard(parent));
-    const HANDLE memory = GetClipboardData(CF_TEXT);
-    EXPECT_STREQ(static_cast<const char*>(GlobalLock(memory)),
-                 "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
-    GlobalUnlock(memory);
-    CloseClipboard();
+    EXPECT_EQ(probe::OnClipboard(), "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
 }
 
 // Whatever is open or under way, the window and even the list may go.

@@ -112,15 +112,7 @@ protected:
         item.stateMask = mask;
         Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     }
-    std::string Cell(int row, int column) const {
-        char text[64] = "";
-        LVITEMA item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        Send(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-        return text;
-    }
+    std::string Cell(int row, int column) const { return probe::Cell(list, row, column); }
     // Reads the control as another program does.
     int Next(UINT flags, int from = -1) const {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));

@@ -50,11 +50,6 @@ protected:
             text += probe::Text(dialog, IDC_HISTORY_DETAIL + i) + "|";
         return text;
     }
-    static SIZE SizeOf(HWND window) {
-        RECT place{};
-        GetWindowRect(window, &place);
-        return {place.right - place.left, place.bottom - place.top};
-    }
 };
 
 TEST_F(HistoryTest, OpensForTheFirstSelectedRowOfTheActivePage) {
@@ -127,16 +122,17 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
     InvalidateRect(list, nullptr, FALSE);
     Trade("O1", "12370");
     EXPECT_TRUE(GetUpdateRect(list, nullptr, FALSE)) << "what waited to be painted still waits";
-    const SIZE listBefore = SizeOf(list), chartBefore = SizeOf(GetDlgItem(history, IDC_HISTORY_CHART));
-    const SIZE before = SizeOf(history);
+    const SIZE listBefore = probe::SizeOf(list),
+               chartBefore = probe::SizeOf(GetDlgItem(history, IDC_HISTORY_CHART));
+    const SIZE before = probe::SizeOf(history);
     SetWindowPos(history, nullptr, 0, 0, before.cx + 100, before.cy + 60, SWP_NOZORDER | SWP_NOMOVE);
-    EXPECT_EQ(SizeOf(list).cx, listBefore.cx + 100);
-    EXPECT_EQ(SizeOf(list).cy + SizeOf(GetDlgItem(history, IDC_HISTORY_CHART)).cy,
+    EXPECT_EQ(probe::SizeOf(list).cx, listBefore.cx + 100);
+    EXPECT_EQ(probe::SizeOf(list).cy + probe::SizeOf(GetDlgItem(history, IDC_HISTORY_CHART)).cy,
               listBefore.cy + chartBefore.cy + 60);
     host.fontVariation = 6;
     plugin->ApplyFont();
-    EXPECT_GT(SizeOf(history).cx, before.cx + 150) << "grown by the user and by the font";
-    EXPECT_GT(SizeOf(list).cx, listBefore.cx + 150);
+    EXPECT_GT(probe::SizeOf(history).cx, before.cx + 150) << "grown by the user and by the font";
+    EXPECT_GT(probe::SizeOf(list).cx, listBefore.cx + 150);
     EXPECT_TRUE(MenuOf(list).starts_with("Copy\tCtrl+C"));
     EXPECT_EQ(Details(history), "NA|NA|NA|NA|NA|SIP1|123.70|4|9:15 today|");
     probe::PostKey(VK_ESCAPE);

@@ -230,11 +230,9 @@ TEST_F(Interrupt, LeavingTheBoxBeforeTheDelayStartsNoSearch) {
 TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {
     host.fontVariation = 6;
     HWND dialog = OpenOrderEntry();
-    RECT opened{}, applied{};
-    GetWindowRect(dialog, &opened);
+    const LONG opened = probe::SizeOf(dialog).cx;
     plugin->ApplyFont();
-    GetWindowRect(dialog, &applied);
-    EXPECT_EQ(opened.right - opened.left, applied.right - applied.left);
+    EXPECT_EQ(probe::SizeOf(dialog).cx, opened);
     ShowWindow(dialog, SW_MINIMIZE);
     host.fontVariation = 12;
     plugin->ApplyFont();
@@ -242,9 +240,7 @@ TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {
     EXPECT_EQ(OpenOrderEntry(), dialog);
     EXPECT_FALSE(IsIconic(dialog));
     EXPECT_EQ(probe::Text(dialog, IDC_VALUE), "77") << "it is the same window";
-    RECT restored{};
-    GetWindowRect(dialog, &restored);
-    EXPECT_GT(restored.right - restored.left, applied.right - applied.left) << "the new font's size";
+    EXPECT_GT(probe::SizeOf(dialog).cx, opened) << "the new font's size";
 }
 
 } // namespace

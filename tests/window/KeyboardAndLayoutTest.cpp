@@ -21,11 +21,6 @@ protected:
             window = GetParent(window);
         return window;
     }
-    RECT PlaceOf(HWND control) const {
-        RECT place{};
-        GetWindowRect(control, &place);
-        return place;
-    }
 
     HWND dialog = nullptr;
 };
@@ -43,7 +38,7 @@ TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
         // Rows from top to bottom, each from left to right.
         const int sameRow = 8;
         std::ranges::sort(stops, [&](HWND a, HWND b) {
-            const RECT first = PlaceOf(a), second = PlaceOf(b);
+            const RECT first = probe::PlaceOf(a), second = probe::PlaceOf(b);
             return std::abs(first.top - second.top) > sameRow ? first.top < second.top
                                                               : first.left < second.left;
         });
@@ -125,8 +120,7 @@ protected:
         std::vector<Shown> shown;
         for (HWND child : probe::Children(dialog)) {
             if (!IsWindowVisible(child)) continue;
-            RECT place{};
-            GetWindowRect(child, &place);
+            RECT place = probe::PlaceOf(child);
             MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
             shown.push_back({child,
                              probe::ClassOf(child) + " " + std::to_string(GetDlgCtrlID(child)) + " '"
@@ -184,8 +178,8 @@ protected:
     }
 
     static void ExpectOnScreen(HWND window) {
-        RECT place{}, screen{}, outside{};
-        GetWindowRect(window, &place);
+        const RECT place = probe::PlaceOf(window);
+        RECT screen{}, outside{};
         SystemParametersInfoA(SPI_GETWORKAREA, 0, &screen, 0);
         SubtractRect(&outside, &place, &screen);
         EXPECT_TRUE(IsRectEmpty(&outside)) << probe::Text(window);
@@ -251,8 +245,7 @@ TEST_F(Layout, FollowsTheResolution) {
     HWND basket = probe::FindDialog("Planfold Basket Order");
     HWND dialog = OpenOrderEntry();
     const int usual = FontHeight(dialog);
-    RECT suggested{};
-    GetWindowRect(dialog, &suggested);
+    RECT suggested = probe::PlaceOf(dialog);
     for (const int dpi : {144, 192, 96}) {
         SCOPED_TRACE(dpi);
         for (HWND window : {basket, dialog}) {
