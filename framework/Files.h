@@ -57,4 +57,12 @@ std::string WithLineEnds(std::string_view text);
 // failed; empty when nothing did.
 std::string WriteWhole(const std::string& name, const std::string& text);
 
+// Text of 16-bit characters, as the system's names are, and of a code page.
+std::wstring Wide(std::string_view text, UINT codePage);
+// What the code page lacks becomes its default character.
+std::string Narrow(std::wstring_view wide, UINT codePage);
+
+// `ansi` is in the system's ANSI code page.
+std::string Utf8(std::string_view ansi);
+
 } // namespace framework

@@ -1,7 +1,6 @@
 #include "plugin/record/window/RecordFile.h"
 
 #include "framework/Files.h"
-#include "framework/Wide.h"
 #include "plugin/base/Text.h"
 
 namespace planfold {
