@@ -4,7 +4,7 @@
 // Thread:  one at a time (the GUI thread). Owner: the caller keeps journal and listeners alive.
 // Failure: a request that cannot be served is answered with code and text; nothing is thrown for it.
 //
-// It knows no wall clock and delivers nothing: RxHub queues, delays and delivers.
+// It knows no wall clock and delivers nothing: a ServerSession queues, delays and sends.
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"

@@ -1,6 +1,5 @@
 #include "host/server/ServerCommands.h"
 
-#include "host/server/sample/OtherSession.h"
 #include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
@@ -162,8 +161,8 @@ Told ServerCommands::PlaceOtherOrders(const Call& call) {
     const auto count = ReadCount(call.words[0], kMostOrders, told);
     if (!count) return told;
     if (!HasMarket()) return {false, kNoMarket};
-    OtherSession other(m_server, OtherUser(call.user), m_market, static_cast<std::uint64_t>(call.nowMs));
-    const std::size_t placed = other.PlaceOrders(*count, call.nowMs);
+    const std::size_t placed = PlaceSampleOrders(m_server, OtherUser(call.user), m_market,
+                                                 static_cast<std::uint64_t>(call.nowMs), *count);
     return {placed == *count, "Another session placed " + std::to_string(placed) + " orders"};
 }
 

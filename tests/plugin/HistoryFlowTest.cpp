@@ -29,7 +29,7 @@ public:
 
 class HistoryFlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
 protected:
-    void TearDown() override { hub.Destroy(requests); }
+    void TearDown() override { rxClient.Destroy(requests); }
     void OnResponse(void*, void* message, void*) override {
         usesDates ? dates.OnResponse(message) : history.OnResponse(message);
     }
@@ -58,7 +58,7 @@ protected:
 
     HistoryDouble view;
     DialogDouble dialog;
-    RxControl* requests = hub.Get(kRxRequests, this);
+    RxControl* requests = rxClient.Get(kRxRequests, this);
     OrderHistory history{session, view, requests};
     RestrictedDates dates{session, dialog, requests};
     bool usesDates = false; // which window the control is

@@ -1,6 +1,6 @@
 // The two queries, and a server with many registrations and another trader.
 
-#include "host/server/sample/OtherSession.h"
+#include "host/server/sample/SampleOrders.h"
 #include "tests/server/ServerFixture.h"
 
 namespace vesk {
@@ -118,14 +118,14 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
         EXPECT_TRUE(times > count / 50 || text == "10100=1013") << text << " " << times;
 }
 
-TEST(OtherSession, PlacesTheSameOrdersForTheSameSeedAndNewOnesAfterARestart) {
+TEST(SampleOrders, PlacesTheSameOrdersForTheSameSeedAndNewOnesAfterARestart) {
     const TemporaryFolder folder;
     const auto trade = [&](const char* file, std::uint64_t seed) {
         RunningServer running(folder.File(file));
-        OtherSession other(*running.server, {"USER2", "BROKER", "BR2"}, kMarket, seed);
-        EXPECT_EQ(other.PlaceOrders(40, 0), 40u);
+        const UserIdentity user{"USER2", "BROKER", "BR2"};
+        EXPECT_EQ(PlaceSampleOrders(*running.server, user, kMarket, seed, 40), 40u);
         running.server->Config().faults["*"].errorCode = "99";
-        EXPECT_EQ(other.PlaceOrders(1, 0), 0u);
+        EXPECT_EQ(PlaceSampleOrders(*running.server, user, kMarket, seed, 1), 0u);
         return AllRecords(*running.server);
     };
     const std::string first = trade("a", 1);

@@ -1,7 +1,7 @@
 // A server over a journal in a folder of its own, with a clock that stands still, and requests to send it.
 #pragma once
 
-#include "host/server/RxHub.h"
+#include "host/server/Server.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "host/server/sample/SampleOrders.h"
 
+#include "host/server/Server.h"
 #include "host/server/schedule/Schedule.h"
 
 namespace vesk {
@@ -33,6 +34,28 @@ Registration SampleOrders::Next() {
     order.Set(tag::product, "CNC");
     order.Set(tag::orderSource, "TWS");
     return order;
+}
+
+std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const SampleMarket& market,
+                              std::uint64_t seed, std::size_t count) {
+    SampleOrders orders(market, server.Config(), seed);
+    qmx::MessageWriter writer;
+    std::size_t registered = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        Registration order = orders.Next();
+        order.Set(tag::requestName, "add_sip_orders");
+        order.Set(tag::loginId, user.loginId);
+        order.Set(tag::peerIdA, user.peerIdA);
+        order.Set(tag::peerIdB, user.peerIdB);
+        order.Set(tag::customerFirm, "C");
+        order.Set(tag::startDate, std::to_string(server.Now() + 86'400));
+        // Unlike a count of its own it is new after a restart too.
+        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.Registrations().size() + 1));
+        order.AddTo(writer.Start());
+        for (const std::string& answer : server.Handle(writer.Handle(), user).answers)
+            registered += !qmx::Has(qmx::MessageReader(answer).Handle(), tag::errorCode);
+    }
+    return registered;
 }
 
 } // namespace vesk

@@ -34,6 +34,13 @@ struct FillPlan {
     std::uint64_t seed = 1;
 };
 
+class Server;
+
+// Places orders of the user by ordinary requests, so that the others see them by the stream; the same ones for
+// the same seed. The number of those that were registered.
+std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const SampleMarket& market,
+                              std::uint64_t seed, std::size_t count);
+
 class SampleOrders {
 public:
     SampleOrders(const SampleMarket& market, const ServerConfig& config, std::uint64_t seed);
