@@ -41,8 +41,8 @@ public:
         std::filesystem::create_directories(m_folder);
         m_opening = Journal::Open(m_folder / "journal");
         m_server.emplace(ServerConfig{}, *m_opening.journal, m_opening.records, SystemClock());
-        m_server->Fill(
-            {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
+        Fill(*m_server,
+             {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
         m_commands.emplace(*m_server, SampleMarket{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}, true);
         m_net.emplace(*m_server, *m_commands,
                       [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -51,8 +51,9 @@ public:
         m_thread = std::thread([this] {
             while (!m_isToEnd) {
                 const bool isBehind = m_net->IsBehind();
-                m_net->Turn(isBehind ? 1 : m_server->HasDue() ? 0 : 10);
-                if (!isBehind) m_executed += m_server->ExecuteDue(std::chrono::milliseconds(5)).instalments;
+                m_net->Turn(isBehind ? 1 : m_server->Clock().HasDue() ? 0 : 10);
+                if (!isBehind)
+                    m_executed += m_server->Clock().ExecuteDue(std::chrono::milliseconds(5)).instalments;
             }
         });
     }

@@ -33,7 +33,7 @@ protected:
     }
     void Fill(std::size_t count, const UserIdentity& user) {
         const FillPlan plan{count, {user}, {{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}}};
-        ASSERT_EQ(m_running->server->Fill(plan), "");
+        ASSERT_EQ(vesk::Fill(*m_running->server, plan), "");
     }
     template <class Condition>
     bool Until(Condition condition, std::initializer_list<Terminal*> terminals) {
@@ -115,7 +115,7 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
                      "-\"rubbish\" is no command"}));
     EXPECT_EQ(one.Client().Server().date, 20260303u);
     EXPECT_EQ(two.streamed.size(), 2u);
-    EXPECT_EQ(m_running->server->ExecuteDue({}).fault, "");
+    EXPECT_EQ(m_running->server->Clock().ExecuteDue({}).fault, "");
     // Not before what was executed.
     ASSERT_TRUE(Until([&] { return !two.Client().Server().hasDue; }, {&two}));
     EXPECT_EQ(two.streamed.size(), 4u);

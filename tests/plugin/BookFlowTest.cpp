@@ -232,7 +232,7 @@ TEST_F(BookFlowTest, AFullServerFillsTheBookOnce) {
     vesk::FillPlan plan{3000, {{"DEALER1", "BROKER", "BRANCH"}, {"DEALER2", "BROKER", "BRANCH"}}, {}};
     plan.market.accounts = {"C001", "C002"};
     plan.market.scrips = {{"nse_cm", "1013", "ARBORTEX-EQ"}};
-    ASSERT_EQ(server.Fill(plan), "");
+    ASSERT_EQ(Fill(server, plan), "");
     Open();
     std::size_t count = 0;
     for (const vesk::Registration& registration : server.Registrations()) {

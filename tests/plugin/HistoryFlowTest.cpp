@@ -72,7 +72,7 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     EXPECT_FALSE(view.isShown) << "no orders yet";
 
     const vesk::Registration& registration = *server.Find(number);
-    ASSERT_EQ(server.Execute(registration, {server.OpenDays(registration, 60), 12'345, 7}), "");
+    ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
     history.Open(number);
     history.Open("SIP-unknown"); // refused, and in nobody's way
     history.Open(number);
@@ -129,8 +129,8 @@ TEST_F(HistoryFlowTest, RestrictedDatesAreSetAndReadBack) {
         EXPECT_EQ(held(), row.held);
     }
     // 28 to 31 February 2028 are the 28th and the 29th.
-    EXPECT_TRUE(server.Restricted().Has(std::chrono::year(2028) / 2 / 29));
-    EXPECT_FALSE(server.Restricted().Has(std::chrono::year(2028) / 3 / 1));
+    EXPECT_TRUE(server.Clock().Restricted().Has(std::chrono::year(2028) / 2 / 29));
+    EXPECT_FALSE(server.Clock().Restricted().Has(std::chrono::year(2028) / 3 / 1));
 }
 
 } // namespace

@@ -96,10 +96,10 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
     {
         RunningServer running(folder.File("journal"));
         running.Ask(Order());
-        EXPECT_EQ(running.server->Fill({count, {running.user, {"USER2", "BROKER", ""}}, kMarket}), "");
-        EXPECT_FALSE(running.server->HasDue()); // nobody waits for years of arrears
+        EXPECT_EQ(Fill(*running.server, {count, {running.user, {"USER2", "BROKER", ""}}, kMarket}), "");
+        EXPECT_FALSE(running.server->Clock().HasDue()); // nobody waits for years of arrears
         records = AllRecords(*running.server);
-        EXPECT_NE(running.server->Fill({1, {}, kMarket}), "");
+        EXPECT_NE(Fill(*running.server, {1, {}, kMarket}), "");
     }
     RunningServer again(folder.File("journal"));
     EXPECT_EQ(AllRecords(*again.server), records);

@@ -134,9 +134,9 @@ struct RunningServer {
 
     // By the server's clock, until nothing is due.
     void AdvanceTo(std::chrono::year_month_day date) {
-        EXPECT_EQ(server->AdvanceTo(date), "");
-        while (server->HasDue())
-            EXPECT_EQ(server->ExecuteDue({}).fault, "");
+        EXPECT_EQ(server->Clock().AdvanceTo(date), "");
+        while (server->Clock().HasDue())
+            EXPECT_EQ(server->Clock().ExecuteDue({}).fault, "");
     }
 
     JournalOpening opening;

@@ -72,7 +72,7 @@ void ServerSession::On(const net::Hello& said) {
     m_name = Shortened(said.loginId);
     m_terminal = std::to_string(said.terminal);
     m_streams.emplace(m_server, m_user.loginId);
-    Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Now())});
+    Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Clock().Now())});
     TellState();
 }
 
@@ -147,7 +147,7 @@ bool ServerSession::RequestIsDue(std::int64_t nowMs) const {
 
 // An end of the due ones is told behind what the terminal hears of them.
 bool ServerSession::HasDue() const {
-    return m_server.HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
+    return m_server.Clock().HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
 }
 
 void ServerSession::TellChangedState() {
@@ -155,14 +155,14 @@ void ServerSession::TellChangedState() {
 }
 
 bool ServerSession::StateIsTold() const {
-    return m_toldState.hasDue == HasDue() && m_toldState.date == m_server.Today()
-           && m_toldState.restrictions == m_server.Restricted().Changes();
+    return m_toldState.hasDue == HasDue() && m_toldState.date == m_server.Clock().Today()
+           && m_toldState.restrictions == m_server.Clock().Restricted().Changes();
 }
 
 void ServerSession::TellState() {
-    m_toldState = {m_server.Today(), HasDue(), m_server.Restricted().Changes()};
+    m_toldState = {m_server.Clock().Today(), HasDue(), m_server.Clock().Restricted().Changes()};
     net::ServerState state{DateNumber(m_toldState.date), m_toldState.hasDue, {}};
-    for (const auto date : m_server.Restricted().All())
+    for (const auto date : m_server.Clock().Restricted().All())
         state.restricted.push_back(DateNumber(date));
     Say(std::move(state));
 }

@@ -48,7 +48,7 @@ void ServerLink::StartServer(const TerminalState& state, JournalOpening opening,
     m_journal = std::move(opening.journal);
     config.nonTrading = DatesOf(state.calendar.Dates());
     m_server = std::make_unique<Server>(std::move(config), *m_journal, opening.records, SystemClock());
-    m_server->SetPrices(PricesOf(state.master));
+    m_server->Clock().SetPrices(PricesOf(state.master));
     m_server->SetClients(ClientsOf(state.clients));
     if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
     const std::size_t records = opening.records.size();
@@ -57,7 +57,7 @@ void ServerLink::StartServer(const TerminalState& state, JournalOpening opening,
     if (std::string note = m_server->CompactWhenStale(); !note.empty()) notes.push_back(std::move(note));
     m_commands.emplace(*m_server, SampleMarketOf(state.master, state.clients));
     m_status = {"Embedded server"};
-    for (const auto date : m_server->Restricted().All())
+    for (const auto date : m_server->Clock().Restricted().All())
         m_restricted.push_back(DateNumber(date));
     Connect(std::make_unique<SessionChannel>(*m_server, *m_commands),
             {state.config.loginId, state.config.peerIdA, state.config.peerIdB});
@@ -90,14 +90,14 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
 
 void ServerLink::Pump() {
     if (m_client) m_client->Pump(NowMs());
-    if (m_server && m_server->HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
+    if (m_server && m_server->Clock().HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
 }
 
 void ServerLink::ExecuteDue() {
-    const Executed done = m_server->ExecuteDue(kExecutionTime);
+    const Executed done = m_server->Clock().ExecuteDue(kExecutionTime);
     m_executed += done.instalments;
-    if (m_executed != 0 && !m_server->HasDue()) {
-        m_events.say("Clock " + RecordDate(m_server->Today()) + ": " + std::to_string(m_executed)
+    if (m_executed != 0 && !m_server->Clock().HasDue()) {
+        m_events.say("Clock " + RecordDate(m_server->Clock().Today()) + ": " + std::to_string(m_executed)
                      + (m_executed == 1 ? " instalment executed" : " instalments executed"));
         m_executed = 0;
     }
@@ -107,7 +107,7 @@ void ServerLink::ExecuteDue() {
 bool ServerLink::IsIdle() const {
     if (!m_client) return true;
     return m_client->State() == LinkState::connected && !m_client->Server().hasDue
-           && !(m_server && m_server->HasDue()) && m_client->Waiting() == 0;
+           && !(m_server && m_server->Clock().HasDue()) && m_client->Waiting() == 0;
 }
 
 std::string ServerLink::Date() const {
