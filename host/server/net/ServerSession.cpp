@@ -16,11 +16,6 @@ std::string_view Shortened(std::string_view text) {
     return text.substr(0, kLongestText);
 }
 
-struct SizeOf {
-    std::size_t operator()(const net::ControlRequest& request) const { return request.bytes.size(); }
-    std::size_t operator()(const net::ServerCommand& command) const { return command.line.size(); }
-};
-
 } // namespace
 
 struct ServerSession::Step {
@@ -84,7 +79,7 @@ void ServerSession::On(const net::OpenControl& said) {
 }
 
 void ServerSession::On(const net::CloseControl& said) {
-    StopStream(said.control);
+    m_streams->Stop(said.control);
     m_controlKinds.erase(said.control);
     // A request still counts when nobody hears its answer; a query's rows are for nobody.
     for (const Query& query : m_queries)
@@ -96,16 +91,11 @@ void ServerSession::On(net::ControlRequest&& said) {
     const qmx::MessageReader reader(said.bytes);
     if (!reader.Good()) return Refuse("a request that is no message");
     const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), tag::requestName)).delayMs;
-    Queue(m_nowMs + delay, std::move(said));
+    m_asked.Add(m_nowMs + delay, std::move(said));
 }
 
 void ServerSession::On(net::ServerCommand&& said) {
-    Queue(m_nowMs, std::move(said));
-}
-
-void ServerSession::Queue(std::int64_t dueMs, Asked asked) {
-    m_askedBytes += std::visit(SizeOf{}, asked);
-    m_asked.emplace(std::pair(dueMs, ++m_arrivals), std::move(asked));
+    m_asked.Add(m_nowMs, std::move(said));
 }
 
 void ServerSession::On(const net::Subscribe& said) {
@@ -113,18 +103,12 @@ void ServerSession::On(const net::Subscribe& said) {
     if (kind == m_controlKinds.end() || kind->second == kRxRequests)
         return Say(net::Unsubscribed{said.control, "there is no such stream control"});
     if (m_streams->Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
-    if (const char* fault = m_streams->Subscribe(said.control, said.fields))
+    if (const char* fault = m_streams->Subscribe(said.control, said.fields, said.isRenewed))
         return Say(net::Unsubscribed{said.control, fault});
-    if (said.isRenewed) m_catchUps.push_back({said.control, said.fields, 0, m_server.Registrations().size()});
 }
 
 void ServerSession::On(const net::Stop& said) {
-    StopStream(said.control);
-}
-
-void ServerSession::StopStream(std::uint32_t control) {
-    std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == control; });
-    m_streams->Stop(control);
+    m_streams->Stop(said.control);
 }
 
 template <class Said>
@@ -141,75 +125,62 @@ void ServerSession::End(std::string reason) {
     if (!HasEnded()) m_endReason = std::move(reason);
 }
 
-bool ServerSession::RequestIsDue(std::int64_t nowMs) const {
-    return !m_asked.empty() && m_asked.begin()->first.first <= nowMs;
-}
-
-// An end of the due ones is told behind what the terminal hears of them.
-bool ServerSession::HasDue() const {
-    return m_server.Clock().HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
-}
-
-void ServerSession::TellChangedState() {
-    if (m_streams && HasRoom() && !HasEnded() && !StateIsTold()) TellState();
-}
-
-bool ServerSession::StateIsTold() const {
-    return m_toldState.hasDue == HasDue() && m_toldState.date == m_server.Clock().Today()
-           && m_toldState.restrictions == m_server.Clock().Restricted().Changes();
+ServerSession::State ServerSession::StateNow() const {
+    const Clockwork& clock = m_server.Clock();
+    // An end of the due ones is told behind what the terminal hears of them.
+    const bool hasDue = clock.HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
+    return {clock.Today(), hasDue, clock.Restricted().Changes()};
 }
 
 void ServerSession::TellState() {
-    m_toldState = {m_server.Clock().Today(), HasDue(), m_server.Clock().Restricted().Changes()};
+    if (!m_streams || HasEnded() || !HasRoom() || m_toldState == StateNow()) return;
+    m_toldState = StateNow();
     net::ServerState state{DateNumber(m_toldState.date), m_toldState.hasDue, {}};
     for (const auto date : m_server.Clock().Restricted().All())
         state.restricted.push_back(DateNumber(date));
     Say(std::move(state));
 }
 
-bool ServerSession::HasWork(std::int64_t nowMs) const {
-    if (HasEnded() || !HasRoom()) return false;
-    return HasSomethingToSay(nowMs) || (m_streams && !StateIsTold());
+bool ServerSession::TakesInput() const {
+    const std::size_t waiting = m_asked.Size() + m_queries.size() + (m_streams ? m_streams->CatchUps() : 0);
+    return !HasEnded() && m_asked.Bytes() < m_limits.requestBytes && waiting < m_limits.requests;
 }
 
-bool ServerSession::HasSomethingToSay(std::int64_t nowMs) const {
-    return RequestIsDue(nowMs) || !m_queries.empty() || !m_catchUps.empty()
-           || (m_streams && m_streams->Waiting() > 0);
+bool ServerSession::HasWork(std::int64_t nowMs) const {
+    if (!m_streams || HasEnded() || !HasRoom()) return false;
+    return m_asked.IsDue(nowMs) || !m_queries.empty() || m_streams->Waiting() > 0 || m_streams->CatchUps() > 0
+           || m_toldState != StateNow();
 }
 
 std::size_t ServerSession::Waiting() const {
-    const std::size_t streamed = m_streams ? m_streams->Waiting() : 0;
-    return streamed + m_catchUps.size() + (m_output.empty() ? 0 : 1);
+    const std::size_t streamed = m_streams ? m_streams->Waiting() + m_streams->CatchUps() : 0;
+    return streamed + (m_output.empty() ? 0 : 1);
 }
 
 void ServerSession::Pump(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (HasRoom()) m_roomAtMs = m_nowMs;
     if (!m_beganMs) m_beganMs = m_nowMs;
-    TellChangedState();
+    TellState();
     const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
     for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn)
         if (std::chrono::steady_clock::now() >= end) break;
-    TellChangedState();
-    JudgePace();
-    JudgeStall();
+    Judge();
 }
 
 // One of each: neither many requests nor a long query holds up the other.
 bool ServerSession::PumpOnce() {
-    if (HasEnded() || !HasRoom() || !HasSomethingToSay(m_nowMs)) return false;
-    if (RequestIsDue(m_nowMs)) {
-        const Asked asked = std::move(m_asked.begin()->second);
-        m_asked.erase(m_asked.begin());
-        m_askedBytes -= std::visit(SizeOf{}, asked);
-        std::visit([this](const auto& one) { Handle(one); }, asked);
-    }
+    if (!HasWork(m_nowMs)) return false;
+    if (m_asked.IsDue(m_nowMs)) std::visit([this](const auto& one) { Handle(one); }, m_asked.TakeFirst());
     // All of them before the next row.
     for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed)
         Say(m_streams->TakeNext());
     if (!HasRoom() || HasEnded()) return false;
-    if (!m_catchUps.empty()) NextMissed();
-    if (!m_queries.empty()) NextRow();
+    if (auto missed = m_streams->NextMissed()) Say(std::move(*missed));
+    if (m_queries.empty())
+        TellState();
+    else
+        NextRow();
     return true;
 }
 
@@ -217,7 +188,7 @@ void ServerSession::Handle(const net::ControlRequest& request) {
     const qmx::MessageReader reader(request.bytes);
     Reply reply = m_server.Handle(reader.Handle(), m_user, m_terminal + "-" + std::to_string(request.number));
     if (reply.isCut) return End("the server plays a cut connection");
-    if (!StateIsTold()) TellState();
+    TellState();
     for (std::string& answer : reply.answers)
         Say(net::Response{request.control, request.number, std::move(answer)});
     if (reply.rows)
@@ -228,7 +199,7 @@ void ServerSession::Handle(const net::ControlRequest& request) {
 
 void ServerSession::Handle(const net::ServerCommand& command) {
     Told told = m_commands.Run(command.line, m_user, m_nowMs);
-    if (!StateIsTold()) TellState();
+    TellState();
     Say(net::CommandDone{command.number, told.isDone, std::move(told.text)});
 }
 
@@ -241,31 +212,14 @@ void ServerSession::NextRow() {
     m_queries.pop_front();
 }
 
-void ServerSession::NextMissed() {
-    constexpr std::size_t mostLookedAt = 256;
-    CatchUp& missed = m_catchUps.front();
-    const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
-    while (missed.next < stop) {
-        const Registration& registration = m_server.Registrations()[missed.next++];
-        if (!Matches(missed.fields, registration, m_user.loginId)) continue;
-        registration.AddTo(m_writer.Start());
-        Say(net::Update{missed.control, m_writer.Finish()});
-        break;
-    }
-    if (!HasEnded() && missed.next == missed.end) m_catchUps.pop_front();
-}
-
-// One that takes its updates in drops must not hold up what the others wait for.
-void ServerSession::JudgePace() {
+void ServerSession::Judge() {
     constexpr std::int64_t periodMs = 1000;
     constexpr std::size_t leastTaken = 500;
+    // One that takes its updates in drops must not hold up what the others wait for.
     if (!HasBacklog())
         m_pace = {m_nowMs, m_streamed, true};
     else if (m_nowMs - m_pace.sinceMs >= periodMs)
         m_pace = {m_nowMs, m_streamed, m_streamed - m_pace.streamed >= leastTaken};
-}
-
-void ServerSession::JudgeStall() {
     if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
     if (!m_streams && m_nowMs - *m_beganMs > m_limits.greetingMs) End("it does not say hello");
     if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");

@@ -9,17 +9,15 @@
 #pragma once
 
 #include "host/server/ServerCommands.h"
+#include "host/server/net/AskedQueue.h"
 #include "host/server/net/Streams.h"
 
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <variant>
 
 namespace vesk {
 
@@ -46,10 +44,7 @@ public:
     void Take(std::string_view bytes, std::int64_t nowMs);
     // Does a portion of what there is to do.
     void Pump(std::int64_t nowMs);
-    bool TakesInput() const {
-        return !HasEnded() && m_askedBytes < m_limits.requestBytes
-               && m_asked.size() + m_queries.size() + m_catchUps.size() < m_limits.requests;
-    }
+    bool TakesInput() const;
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
     // What the terminal has not asked for and will hear of.
@@ -65,17 +60,17 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    using Asked = std::variant<net::ControlRequest, net::ServerCommand>;
     struct Query {
         std::uint32_t control;
         std::uint64_t number;
         RowQuery rows;
     };
-    // Registrations that a renewed subscription may have missed.
-    struct CatchUp {
-        std::uint32_t control;
-        Subscription fields;
-        std::size_t next, end;
+    // What the terminal hears of the server without asking.
+    struct State {
+        std::chrono::year_month_day date{};
+        bool hasDue = false;          // instalments to execute, or such that are not told of
+        std::size_t restrictions = 0; // changes of them
+        bool operator==(const State&) const = default;
     };
     struct Step;
     static const Step kSteps[];
@@ -94,24 +89,17 @@ private:
     void Say(Said said);
     void Refuse(const std::string& text);
     void End(std::string reason);
-    // Whether instalments are due, or done and not yet told of.
-    bool HasDue() const;
-    bool StateIsTold() const;
+    State StateNow() const;
+    // Where it differs from what was told.
     void TellState();
-    void TellChangedState();
-    bool HasSomethingToSay(std::int64_t nowMs) const;
-    void StopStream(std::uint32_t control);
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
-    bool RequestIsDue(std::int64_t nowMs) const;
-    void Queue(std::int64_t dueMs, Asked asked);
     void Handle(const net::ControlRequest& request);
     void Handle(const net::ServerCommand& command);
     bool PumpOnce();
     void NextRow();
-    void NextMissed();
     bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
-    void JudgePace();
-    void JudgeStall();
+    // Ends a terminal that does not keep up.
+    void Judge();
 
     Server& m_server;
     ServerCommands& m_commands;
@@ -124,17 +112,9 @@ private:
     std::string m_terminal;
     std::optional<Streams> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::uint32_t> m_controlKinds;
-    std::map<std::pair<std::int64_t, std::uint64_t>, Asked> m_asked; // by due time, then arrival
-    std::size_t m_askedBytes = 0;
-    std::uint64_t m_arrivals = 0;
+    AskedQueue m_asked;
     std::deque<Query> m_queries;
-    std::deque<CatchUp> m_catchUps;
-    struct {
-        std::chrono::year_month_day date{};
-        bool hasDue = false;
-        std::size_t restrictions = 0; // changes of them
-    } m_toldState;
-    qmx::MessageWriter m_writer;
+    State m_toldState;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};

@@ -47,17 +47,19 @@ Streams::~Streams() {
     m_server.RemoveListener(*this);
 }
 
-const char* Streams::Subscribe(std::uint32_t control, const Subscription& subscription) {
+const char* Streams::Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed) {
     const auto found = m_controls.find(control);
     if (const char* fault = FaultOf(subscription, found == m_controls.end() ? 0 : found->second.size()))
         return fault;
     m_controls[control].push_back(subscription);
+    if (isRenewed) m_catchUps.push_back({control, subscription, 0, m_server.Registrations().size()});
     return nullptr;
 }
 
 void Streams::Stop(std::uint32_t control) {
     m_controls.erase(control);
     std::erase_if(m_updates, [&](const net::Update& update) { return update.control == control; });
+    std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == control; });
 }
 
 std::size_t Streams::Subscriptions() const {
@@ -69,6 +71,22 @@ net::Update Streams::TakeNext() {
     net::Update next = std::move(m_updates.front());
     m_updates.pop_front();
     return next;
+}
+
+std::optional<net::Update> Streams::NextMissed() {
+    constexpr std::size_t mostLookedAt = 256;
+    if (m_catchUps.empty()) return std::nullopt;
+    CatchUp& missed = m_catchUps.front();
+    const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
+    std::optional<net::Update> found;
+    while (!found && missed.next < stop) {
+        const Registration& registration = m_server.Registrations()[missed.next++];
+        if (!Matches(missed.fields, registration, m_loginId)) continue;
+        registration.AddTo(m_writer.Start());
+        found = net::Update{missed.control, m_writer.Finish()};
+    }
+    if (missed.next == missed.end) m_catchUps.pop_front();
+    return found;
 }
 
 void Streams::OnUpdate(const Registration& registration) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,21 +30,32 @@ public:
     Streams& operator=(const Streams&) = delete;
     ~Streams();
 
-    // Why it cannot; null when it is made.
-    const char* Subscribe(std::uint32_t control, const Subscription& subscription);
+    // Why it cannot; null when it is made. A renewed one gets what it may have missed.
+    const char* Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed);
     // Ends the control's subscriptions; what waits for it is dropped.
     void Stop(std::uint32_t control);
     std::size_t Subscriptions() const;
     std::size_t Waiting() const { return m_updates.size(); }
     net::Update TakeNext();
+    std::size_t CatchUps() const { return m_catchUps.size(); }
+    // Looks at a few hundred registrations at most; nothing when those gave none.
+    std::optional<net::Update> NextMissed();
 
 private:
+    // Registrations that a renewed subscription may have missed.
+    struct CatchUp {
+        std::uint32_t control;
+        Subscription fields;
+        std::size_t next, end;
+    };
+
     void OnUpdate(const Registration& registration) override;
 
     Server& m_server;
     const std::string m_loginId;
     std::map<std::uint32_t, std::vector<Subscription>> m_controls; // that have one
     std::deque<net::Update> m_updates;
+    std::deque<CatchUp> m_catchUps;
     qmx::MessageWriter m_writer;
 };
 
