@@ -83,12 +83,12 @@ int Serve(Server& server, std::uint16_t port, const Market& market) {
     std::fflush(stdout);
     while (!g_isToEnd) {
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : server.HasDue() ? 0 : kWaitMs);
+        net.Turn(isBehind ? 1 : server.Clock().HasDue() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, commands, user);
         if (input.isOver) return 0;
         if (isBehind) continue;
-        const Executed done = server.ExecuteDue(kExecutionTime);
+        const Executed done = server.Clock().ExecuteDue(kExecutionTime);
         if (!done.fault.empty()) Note(done.fault);
     }
     return 0;
@@ -114,7 +114,7 @@ int Run(std::span<const std::string> words) {
     if (!server.ReplayError().empty()) return Fail(server.ReplayError());
     opening.records.clear();
     opening.text.reset();
-    server.SetPrices(PricesOf(market.master));
+    server.Clock().SetPrices(PricesOf(market.master));
     server.SetClients(ClientsOf(market.clients));
     if (const std::string note = server.CompactWhenStale(); !note.empty()) Note(note);
     return Serve(server, options.port, market);

@@ -27,7 +27,7 @@ public:
 
 class HistoryFlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
 protected:
-    void TearDown() override { hub.Destroy(requests); }
+    void TearDown() override { rxClient.Destroy(requests); }
     void OnResponse(void*, void* message, void*) override { history.OnResponse(message); }
     void OnBroadcast(void*, std::uint32_t, void*) override {}
 
@@ -53,7 +53,7 @@ protected:
     }
 
     HistoryDouble view;
-    RxControl* requests = hub.Get(kRxRequests, this);
+    RxControl* requests = rxClient.Get(kRxRequests, this);
     OrderHistory history{session, view, requests};
 };
 
@@ -65,7 +65,7 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     EXPECT_FALSE(view.isShown) << "no orders yet";
 
     const vesk::Registration& registration = *server.Find(number);
-    ASSERT_EQ(server.Execute(registration, {server.OpenDays(registration, 60), 12'345, 7}), "");
+    ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
     history.Open(kPass, number);
     history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way
     history.Open(kPass, number);

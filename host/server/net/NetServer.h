@@ -7,7 +7,7 @@
 // line in the log.
 #pragma once
 
-#include "host/server/net/Session.h"
+#include "host/server/net/ServerSession.h"
 #include "host/server/net/Socket.h"
 
 #include <functional>
@@ -42,7 +42,7 @@ private:
             : socket(std::move(taken)), session(net.m_server, net.m_commands, net.m_limits) {}
 
         Socket socket;
-        Session session;
+        ServerSession session;
         bool isGone = false;
     };
 

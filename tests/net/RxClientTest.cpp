@@ -1,7 +1,10 @@
-// Delivery: when, in which order, to whom, and what happens when a notifier turns things upside down.
+// Delivery: when, in which order, to whom, and what happens when a notifier turns things upside down. The
+// server is in the same process.
 
+#include "host/server/net/RxClient.h"
 #include "tests/server/ServerFixture.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace vesk {
@@ -41,13 +44,14 @@ private:
     std::string m_name;
 };
 
-// A busy machine must not end a pump early.
-constexpr PumpBudget kAllAtOnce{.time = std::chrono::hours(1)};
-
-class RxHubTest : public testing::Test {
+class RxClientTest : public testing::Test {
 protected:
     using Log = std::vector<std::string>;
 
+    // A busy machine must not end a pump early.
+    RxClient Client(const UserIdentity& user, std::chrono::milliseconds pumpTime = std::chrono::hours(1)) {
+        return {std::make_unique<SessionChannel>(*m_running.server, m_commands), user, {}, {}, pumpTime};
+    }
     int Send(RxControl* control, const Fields& fields) {
         qmx::MessageWriter writer;
         for (const auto& [tag, text] : fields)
@@ -75,27 +79,28 @@ protected:
     Log m_log;
     Notifier m_one{m_log, "one"};
     Notifier m_two{m_log, "two"};
-    RxHub m_hub{*m_running.server, m_running.user, kAllAtOnce};
+    ServerCommands m_commands{*m_running.server, {}};
+    RxClient m_client = Client(m_running.user);
     std::uint64_t m_number = 0;
     QmxError m_error{};
 };
 
-TEST_F(RxHubTest, AnswersComeFromThePumpInOrderToTheirSenders) {
-    RxControl* one = m_hub.Get(kRxRequests, &m_one);
-    RxControl* two = m_hub.Get(kRxRequests, &m_two);
+TEST_F(RxClientTest, AnswersComeFromThePumpInOrderToTheirSenders) {
+    RxControl* one = m_client.Get(kRxRequests, &m_one);
+    RxControl* two = m_client.Get(kRxRequests, &m_two);
     ASSERT_TRUE(Send(one, Named("a")));
     ASSERT_TRUE(Send(two, Named("b")));
     ASSERT_TRUE(Send(one, Named("c")));
     EXPECT_EQ(m_number, 3u);
     EXPECT_EQ(m_log, Log{});
-    EXPECT_EQ(m_hub.Pump(0), 3u);
+    EXPECT_EQ(m_client.Pump(0), 3u);
     EXPECT_EQ(m_log, (Log{"one answer a", "two answer b", "one answer c"}));
-    EXPECT_EQ(m_hub.Pump(0), 0u);
+    EXPECT_EQ(m_client.Pump(0), 0u);
     // Valid during the call only.
     EXPECT_FALSE(qmx::Has(m_one.lastMessage, tag::echoedRequest));
 }
 
-TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
+TEST_F(RxClientTest, ChangesGoOnceToEverySubscriberTheyConcern) {
     const struct {
         int kind;
         std::vector<std::string> subscriptions;
@@ -119,11 +124,11 @@ TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
     };
     const std::pair<const char*, std::string> orders[] = {{"own", ""},
                                                           {"other", "31003=USER2|64053=BR2|54001=CL2"}};
-    RxHub otherHub(*m_running.server, {"USER2", "BROKER", "BR2"}, kAllAtOnce);
-    RxControl* senders[] = {m_hub.Get(kRxRequests, &m_one), otherHub.Get(kRxRequests, &m_one)};
+    RxClient other = Client({"USER2", "BROKER", "BR2"});
+    RxControl* senders[] = {m_client.Get(kRxRequests, &m_one), other.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
-        RxControl* control = m_hub.Get(row.kind, &m_two);
+        RxControl* control = m_client.Get(row.kind, &m_two);
         for (const std::string& subscription : row.subscriptions) {
             const Fields fields = FieldsOf(subscription);
             ASSERT_TRUE(Subscribe(control, {fields.begin(), fields.end()})) << subscription << m_error.text;
@@ -131,102 +136,111 @@ TEST_F(RxHubTest, ChangesGoOnceToEverySubscriberTheyConcern) {
         for (const auto& [name, fields] : orders) {
             Fields changes = FieldsOf(fields);
             changes[tag::orderId] = "id" + std::to_string(++order);
+            m_client.Pump(0);
             ASSERT_TRUE(Send(senders[&fields != &orders[0].second], Order(changes)));
-            otherHub.Pump(0);
-            m_hub.Pump(0);
+            other.Pump(0);
+            m_client.Pump(0);
             Log expected{"one answer add_sip_orders"};
             if (std::string(row.delivered).find(name) != std::string::npos)
                 expected.push_back("two stream "
                                    + std::string(m_running.server->Registrations().back().Number()));
             EXPECT_EQ(Taken(), expected) << name << " for " << row.subscriptions[0];
         }
-        m_hub.Destroy(control);
+        m_client.Destroy(control);
     }
 }
 
-TEST_F(RxHubTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
-    RxControl* sender = m_hub.Get(kRxRequests, &m_one);
-    RxControl* stream = m_hub.Get(kRxIdentityStream, &m_two);
+TEST_F(RxClientTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
+    RxControl* sender = m_client.Get(kRxRequests, &m_one);
+    RxControl* stream = m_client.Get(kRxIdentityStream, &m_two);
     ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
     m_one.act = [&] { EXPECT_TRUE(stream->Stop(0)); };
     ASSERT_TRUE(Send(sender, Order()));
-    m_hub.Pump(0);
+    m_client.Pump(0);
     EXPECT_EQ(m_log, Log{"one answer add_sip_orders"});
-    EXPECT_EQ(m_hub.LiveControls(), 2u);
+    EXPECT_EQ(m_client.LiveControls(), 2u);
 }
 
-TEST_F(RxHubTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
-    const auto enter = [&](const char* identifier) {
-        m_running.Ask(Order({{tag::orderId, identifier}}));
+TEST_F(RxClientTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
+    const auto enter = [&](const std::string& orderId) {
+        m_running.Ask(Order({{tag::orderId, orderId}}));
         return std::string(m_running.server->Registrations().back().Number());
     };
-    const std::string first = enter("1");
-    const std::string second = enter("2");
-    const std::string third = enter("3");
-    RxHub hub(*m_running.server, m_running.user, {1, std::chrono::milliseconds(0)});
-    RxControl* asking = hub.Get(kRxRequests, &m_one);
-    RxControl* stream = hub.Get(kRxAccountStream, &m_two);
+    for (int i = 0; i < 300; ++i)
+        enter(std::to_string(i));
+    const auto number = [&](std::size_t row) {
+        return std::string(m_running.server->Registrations()[row].Number());
+    };
+    RxClient client = Client(m_running.user, std::chrono::milliseconds(0));
+    RxControl* asking = client.Get(kRxRequests, &m_one);
+    RxControl* stream = client.Get(kRxAccountStream, &m_two);
     ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
     const Fields query{{tag::requestName, "om_get_sip_orders"}, {tag::loginId, "USER1"}};
     const std::string row = "one answer om_get_sip_orders ";
 
     ASSERT_TRUE(Send(asking, query));
-    ASSERT_TRUE(Send(asking, Named("after")));
-    EXPECT_EQ(hub.Pump(0), 1u) << "a request and a delivery a turn";
-    m_running.Ask({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, second}});
-    const std::string fourth = enter("4");
-    m_one.act = [&] { EXPECT_EQ(hub.Pump(0), 1u) << "a nested pump goes on with the next row"; };
-    EXPECT_EQ(hub.Pump(0), 1u);
-    EXPECT_EQ(Taken(), (Log{row + first + " active", row + second + " Paused", row + third + " active"}));
-    EXPECT_EQ(hub.Waiting(), 3u);
-    while (hub.Waiting())
-        hub.Pump(0);
-    EXPECT_EQ(Taken(), (Log{"two stream " + second, "two stream " + fourth, "one answer after"}));
+    while (m_log.empty())
+        client.Pump(0);
+    EXPECT_EQ(m_log, Log{row + number(0) + " active"});
+    m_running.Ask({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, number(299)}});
+    const std::string later = enter("later");
+    m_one.act = [&] { EXPECT_EQ(client.Pump(0), 1u) << "a nested pump goes on with the next row"; };
+    EXPECT_EQ(client.Pump(0), 1u);
+    EXPECT_EQ(m_log.size(), 3u);
+    while (client.Waiting())
+        client.Pump(0);
+    const Log log = Taken();
+    EXPECT_EQ(std::ranges::count(log, row + number(299) + " Paused"), 1);
+    EXPECT_EQ(std::ranges::count(log, "two stream " + number(299)), 1);
+    EXPECT_EQ(std::ranges::count(log, "two stream " + later), 1);
+    EXPECT_EQ(log.size(), 302u);
+    EXPECT_LT(std::ranges::find(log, "two stream " + number(299)),
+              std::ranges::find(log, row + number(299) + " Paused"))
+        << "no row is older than an update behind it";
 
     // Ended in its middle, and with it what stands behind it.
     ASSERT_TRUE(Send(asking, query));
-    ASSERT_TRUE(Send(asking, Named("after")));
-    m_one.act = [&] { hub.Destroy(asking); };
-    EXPECT_EQ(hub.Pump(0), 1u);
-    EXPECT_EQ(hub.Waiting(), 1u) << "what was sent is still the server's to handle";
-    EXPECT_EQ(Taken(), Log{row + first + " active"});
+    m_one.act = [&] { client.Destroy(asking); };
+    while (client.Waiting())
+        client.Pump(0);
+    EXPECT_EQ(Taken(), Log{row + number(0) + " active"});
 }
 
-TEST_F(RxHubTest, NestedPumpDeliversTheRestOnce) {
-    RxControl* one = m_hub.Get(kRxRequests, &m_one);
+TEST_F(RxClientTest, NestedPumpDeliversTheRestOnce) {
+    RxControl* one = m_client.Get(kRxRequests, &m_one);
     for (const char* name : {"a", "b", "c"})
         ASSERT_TRUE(Send(one, Named(name)));
     m_one.act = [&] {
         ASSERT_TRUE(Send(one, Named("d")));
         EXPECT_EQ(m_log.size(), 1u) << "nothing is delivered from inside SendRequest";
-        EXPECT_EQ(m_hub.Pump(0), 3u);
+        EXPECT_EQ(m_client.Pump(0), 3u);
     };
-    EXPECT_EQ(m_hub.Pump(0), 1u);
+    EXPECT_EQ(m_client.Pump(0), 1u);
     EXPECT_EQ(m_log, (Log{"one answer a", "one answer b", "one answer c", "one answer d"}));
 }
 
-TEST_F(RxHubTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
-    RxControl* one = m_hub.Get(kRxRequests, &m_one);
-    RxControl* two = m_hub.Get(kRxRequests, &m_two);
-    m_one.act = [&] { m_hub.Destroy(one); };
+TEST_F(RxClientTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
+    RxControl* one = m_client.Get(kRxRequests, &m_one);
+    RxControl* two = m_client.Get(kRxRequests, &m_two);
+    m_one.act = [&] { m_client.Destroy(one); };
     ASSERT_TRUE(Send(one, Named("a")));
     ASSERT_TRUE(Send(one, Order()));
     ASSERT_TRUE(Send(two, Named("b")));
-    m_hub.Pump(0);
+    m_client.Pump(0);
     EXPECT_EQ(m_log, (Log{"one answer a", "two answer b"}));
     EXPECT_EQ(m_running.server->Registrations().size(), 1u) << "what was sent is still served";
-    EXPECT_EQ(m_hub.LiveControls(), 1u);
-    m_hub.Destroy(one); // a stranger by now
-    m_hub.Destroy(nullptr);
-    EXPECT_EQ(m_hub.LiveControls(), 1u);
+    EXPECT_EQ(m_client.LiveControls(), 1u);
+    m_client.Destroy(one); // a stranger by now
+    m_client.Destroy(nullptr);
+    EXPECT_EQ(m_client.LiveControls(), 1u);
 }
 
-TEST_F(RxHubTest, WrongUseIsRefusedWithAnError) {
-    EXPECT_EQ(m_hub.Get(3, &m_one), nullptr);
-    EXPECT_EQ(m_hub.Get(-1, &m_one), nullptr);
-    EXPECT_EQ(m_hub.Get(kRxRequests, nullptr), nullptr);
-    RxControl* requests = m_hub.Get(kRxRequests, &m_one);
-    RxControl* stream = m_hub.Get(kRxAccountStream, &m_one);
+TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {
+    EXPECT_EQ(m_client.Get(3, &m_one), nullptr);
+    EXPECT_EQ(m_client.Get(-1, &m_one), nullptr);
+    EXPECT_EQ(m_client.Get(kRxRequests, nullptr), nullptr);
+    RxControl* requests = m_client.Get(kRxRequests, &m_one);
+    RxControl* stream = m_client.Get(kRxAccountStream, &m_one);
 
     EXPECT_FALSE(requests->SendRequest(&m_number, nullptr, 0, &m_error));
     EXPECT_EQ(m_error.code, kQmxBadHandle);
@@ -244,7 +258,7 @@ TEST_F(RxHubTest, WrongUseIsRefusedWithAnError) {
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 0xFFFFFFFF, requests, 0, 0, 1, &m_error));
     EXPECT_EQ(m_error.code, kQmxBadArgument);
     EXPECT_STRNE(m_error.text, "");
-    EXPECT_EQ(m_hub.Waiting(), 0u);
+    EXPECT_EQ(m_client.Waiting(), 0u);
 }
 
 } // namespace

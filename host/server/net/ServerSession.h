@@ -8,19 +8,16 @@
 //          EndReason says why.
 #pragma once
 
-#include "host/server/RxHub.h"
 #include "host/server/ServerCommands.h"
-#include "host/server/net/Protocol.h"
+#include "host/server/net/AskedQueue.h"
+#include "host/server/net/Streams.h"
 
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <variant>
 
 namespace vesk {
 
@@ -31,26 +28,27 @@ struct SessionLimits {
     std::int64_t greetingMs = 10'000;           // until it has said hello
     std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
     std::size_t requestBytes = 8 * 1024 * 1024; // of these
-    std::size_t turns = 64;                     // of one pump
+    std::size_t turns = 64;                     // of one pump,
+    std::chrono::milliseconds pumpTime{60'000}; // and how long it begins another one
+    Checksum checksum = Checksum::crc32;        // of the frames, both ways
 };
 
-class Session {
+class ServerSession {
 public:
-    Session(Server& server, ServerCommands& commands, const SessionLimits& limits);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
+    ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits);
+    ServerSession(const ServerSession&) = delete;
+    ServerSession& operator=(const ServerSession&) = delete;
+    ~ServerSession() = default;
 
     // `nowMs` never goes back.
     void Take(std::string_view bytes, std::int64_t nowMs);
-    // A portion of what there is to do.
+    // Does a portion of what there is to do.
     void Pump(std::int64_t nowMs);
-    bool TakesInput() const {
-        return !HasEnded() && m_askedBytes < m_limits.requestBytes
-               && m_asked.size() + m_queries.size() + m_catchUps.size() < m_limits.requests;
-    }
+    bool TakesInput() const;
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
+    // What the terminal has not asked for and will hear of.
+    std::size_t Waiting() const;
     // Whether many updates wait for it although it takes them at a good pace.
     bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
     // To be sent; what was sent is taken away by the caller.
@@ -62,18 +60,17 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    class Forwarder; // of one stream control
-    using Asked = std::variant<net::Request, net::Command>;
     struct Query {
         std::uint32_t control;
         std::uint64_t number;
         RowQuery rows;
     };
-    // Registrations that a renewed subscription may have missed.
-    struct CatchUp {
-        std::uint32_t control;
-        net::SubscriptionFields fields;
-        std::size_t next, end;
+    // What the terminal hears of the server without asking.
+    struct State {
+        std::chrono::year_month_day date{};
+        bool hasDue = false;          // instalments to execute, or such that are not told of
+        std::size_t restrictions = 0; // changes of them
+        bool operator==(const State&) const = default;
     };
     struct Step;
     static const Step kSteps[];
@@ -81,34 +78,28 @@ private:
     template <class Said>
     void TakeAs(std::string_view payload);
     void On(const net::Hello& said);
-    void On(const net::Open& said);
-    void On(const net::Close& said);
-    void On(net::Request&& said);
+    void On(const net::OpenControl& said);
+    void On(const net::CloseControl& said);
+    void On(net::ControlRequest&& said);
     void On(const net::Subscribe& said);
     void On(const net::Stop& said);
-    void On(net::Command&& said);
+    void On(net::ServerCommand&& said);
 
     template <class Said>
     void Say(Said said);
     void Refuse(const std::string& text);
     void End(std::string reason);
-    // Whether instalments are due, or done and not yet told of.
-    bool HasDue() const;
-    bool StateIsTold() const;
+    State StateNow() const;
+    // Where it differs from what was told.
     void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
-    bool RequestIsDue(std::int64_t nowMs) const;
-    void Queue(std::int64_t dueMs, Asked asked);
-    void Handle(const net::Request& request);
-    void Handle(const net::Command& command);
+    void Handle(const net::ControlRequest& request);
+    void Handle(const net::ServerCommand& command);
     bool PumpOnce();
     void NextRow();
-    void NextMissed();
     bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
-    void JudgePace();
-    void JudgeStall();
-    std::size_t Subscriptions() const;
-    Forwarder* Find(std::uint32_t control);
+    // Ends a terminal that does not keep up.
+    void Judge();
 
     Server& m_server;
     ServerCommands& m_commands;
@@ -119,19 +110,11 @@ private:
     std::string m_endReason;
     UserIdentity m_user;
     std::string m_terminal;
-    std::unique_ptr<RxHub> m_streams; // once the terminal has said who it is
-    std::map<std::uint32_t, std::unique_ptr<Forwarder>> m_forwarders;
-    std::map<std::pair<std::int64_t, std::uint64_t>, Asked> m_asked; // by due time, then arrival
-    std::size_t m_askedBytes = 0;
-    std::uint64_t m_arrivals = 0;
+    std::optional<Streams> m_streams; // once the terminal has said who it is
+    std::map<std::uint32_t, std::uint32_t> m_controlKinds;
+    AskedQueue m_asked;
     std::deque<Query> m_queries;
-    std::deque<CatchUp> m_catchUps;
-    struct {
-        std::chrono::year_month_day date{};
-        bool hasDue = false;
-        std::size_t restrictions = 0; // changes of them
-    } m_toldState;
-    qmx::MessageWriter m_writer;
+    State m_toldState;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};

@@ -1,4 +1,4 @@
-// The host's request and stream controls over a trading server in another process.
+// The host's request and stream controls, whose server is at the other end of a channel.
 //
 // It connects by itself, and again after growing pauses when the connection is lost. Everything then goes on
 // where it was: controls are opened anew, subscriptions made again with what was missed meanwhile, and requests
@@ -6,15 +6,15 @@
 // registration again, and of a query the rows that already came are left out. A command is not sent again: what
 // it does, it would do twice.
 //
-// Thread:  one (the GUI thread); all calls but those to the notifiers return at once.
-// Owner:   the hub owns the controls; notifiers outlive theirs.
-// Failure: whatever the server sends, at worst the connection is lost; the state says why.
+// Thread:  one (the GUI thread); all calls but those to the notifiers return at once. A notifier may pump again
+//          (a message box runs the loop), send, subscribe, and destroy any control, its own included.
+// Owner:   the client owns the controls; notifiers outlive theirs.
+// Failure: whatever the server sends, at worst the connection is lost; the state says why. A stranger's control
+//          pointer is ignored; an answer whose control is gone is dropped.
 #pragma once
 
-#include "host/server/ControlHub.h"
-#include "host/server/ServerCommands.h"
-#include "host/server/net/Protocol.h"
-#include "host/server/net/Socket.h"
+#include "host/server/net/Channel.h"
+#include "sdk/RxControl.h"
 
 #include <chrono>
 #include <deque>
@@ -25,14 +25,9 @@
 
 namespace vesk {
 
-struct ServerAddress {
-    std::string host; // a numeric address or "localhost"
-    std::uint16_t port = 0;
-};
-
 enum class LinkState { connecting, connected, lost };
 
-class RemoteHub final : public ControlHub {
+class RxClient final {
 public:
     // Called from Pump at each change; `text` is for the user. It must not pump.
     using StateChanged = std::function<void(LinkState state, const std::string& text)>;
@@ -43,14 +38,22 @@ public:
     // Called from Pump once; it may pump. Not at all when the hub ends before.
     using CommandTold = std::function<void(const Told& told)>;
 
-    RemoteHub(ServerAddress address, UserIdentity user, StateChanged changed, StateTold stateTold = {});
-    ~RemoteHub() override;
+    // `pumpTime` is about how long a pump takes, so that the window stays responsive.
+    RxClient(std::unique_ptr<Channel> channel, UserIdentity user, StateChanged changed = {},
+             StateTold stateTold = {}, std::chrono::milliseconds pumpTime = std::chrono::milliseconds(12));
+    RxClient(const RxClient&) = delete;
+    RxClient& operator=(const RxClient&) = delete;
+    ~RxClient();
 
-    RxControl* Get(int kind, CKeloRxNotifierBase* notifier) override;
-    void Destroy(RxControl* control) override;
-    std::size_t LiveControls() const override { return m_controls.size(); }
-    std::size_t Pump(std::int64_t nowMs) override;
-    std::size_t Waiting() const override { return m_requests.size() + m_commands.size() + m_deliveries.size(); }
+    // `kind` as RxControlKind. Null for an unknown kind or without a notifier.
+    RxControl* Get(int kind, CKeloRxNotifierBase* notifier);
+    void Destroy(RxControl* control);
+    std::size_t LiveControls() const { return m_controls.size(); }
+    // Sends, receives and delivers some of what waits; `nowMs` never goes back. The number of notifier calls
+    // made by this call, nested pumps not counted.
+    std::size_t Pump(std::int64_t nowMs);
+    // Requests, commands and deliveries that still wait, a running query as one.
+    std::size_t Waiting() const;
     LinkState State() const { return m_state; }
 
     // A line as ServerCommands has them.
@@ -61,7 +64,7 @@ public:
 private:
     class Control;
     struct Unanswered {
-        net::Request request;
+        net::ControlRequest request;
         std::size_t answers = 0; // that came
         std::size_t toSkip = 0;  // of those to come, since they came before
         std::string skipped{};   // the last one
@@ -78,40 +81,45 @@ private:
     template <class Said>
     bool TakeAs(std::string_view payload);
     void On(const net::Welcome& said);
-    void On(const net::Refusal& said);
-    void On(net::Answer&& said);
-    void On(const net::Done& said);
-    void On(net::Stream&& said);
+    void On(const net::Rejection& said);
+    void On(net::Response&& said);
+    void On(const net::RequestDone& said);
+    void On(net::Update&& said);
     void On(const net::Unsubscribed& said);
-    void On(net::Told&& said);
+    void On(net::CommandDone&& said);
     void On(net::ServerState&& said);
 
     std::uint64_t Send(std::uint32_t control, std::string_view bytes);
     // To the server, when there is one; what it says is told again on the next connection.
     template <class Said>
-    void Say(Said said);
+    void Say(Said said) {
+        if (m_state == LinkState::connected)
+            static_cast<void>(net::Append(m_output, std::move(said), m_channel->Sums()));
+    }
     void Connect();
-    void Exchange();
-    void Receive();
+    // Whether another one may bring more at once.
+    bool Exchange();
+    void TakeFrames();
     void Take(const Frame& frame);
-    void SendOutput();
     void Lose(const std::string& why);
     void Change(LinkState state, const std::string& text);
     void TellLater(CommandTold command, Told told);
     bool HasRoom() const;
     void Keep(Delivery delivery);
+    bool DeliverNext();
     bool Deliver(const Delivery& delivery);
 
-    const ServerAddress m_address;
+    const std::unique_ptr<Channel> m_channel;
     const UserIdentity m_user;
     const StateChanged m_changed;
     const StateTold m_stateTold;
+    const std::chrono::milliseconds m_pumpTime;
     const std::uint64_t m_identity;
     net::ServerState m_serverState;
     LinkState m_state = LinkState::lost;
-    Socket m_socket;
     FrameReader m_reader;
     std::string m_output;
+    std::size_t m_sent = 0; // of the output
     std::int64_t m_nowMs = 0;
     std::int64_t m_againAtMs = 0; // when to connect, or to give up connecting
     std::int64_t m_pauseMs = 0;
