@@ -82,8 +82,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::Demand(frames == ReadAll(bytes, bytes.size(), faultAtOnce) && fault == faultAtOnce);
         namespace net = vesk::net;
         RoundTrips<net::Hello, net::OpenControl, net::CloseControl, net::ControlRequest, net::Subscribe,
-                   net::Stop, net::Welcome, net::Rejection, net::Response, net::RequestDone, net::Update,
-                   net::Unsubscribed, net::ServerCommand, net::CommandDone, net::ServerState>(frames);
+                   net::Stop, net::Welcome, net::ConnectionRefused, net::Response, net::RequestDone,
+                   net::Update, net::Unsubscribed, net::ServerCommand, net::CommandDone, net::ServerState>(
+            frames);
         Talk(bytes, portion);
     }
     return 0;

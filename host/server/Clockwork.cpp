@@ -51,7 +51,7 @@ std::string Clockwork::AdvanceTo(Date date) {
     if (!m_journal.ReplayError().empty()) return m_journal.ReplayError();
     if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
     if (m_registrations.OrderCount() >= kMostOrders) return kFull;
-    m_stop.reset();
+    m_halt.reset();
     const auto days = (sys_days(date) - sys_days(Today())).count();
     if (days <= 0) return {};
     std::int64_t ahead = m_aheadSeconds + days * kDaySeconds;
@@ -121,7 +121,7 @@ void Clockwork::Apply(const RestrictedRange& range) {
 }
 
 bool Clockwork::HasDue() const {
-    if (!m_journal.ReplayError().empty() || (m_stop && *m_stop == Stop{Today(), m_journal.Writes()})
+    if (!m_journal.ReplayError().empty() || (m_halt && *m_halt == Halt{Today(), m_journal.Writes()})
         || m_registrations.OrderCount() >= kMostOrders)
         return false;
     if (m_unscheduled) return true;
@@ -137,7 +137,7 @@ Executed Clockwork::ExecuteDue(std::chrono::milliseconds time) {
             ScheduleSome();
         else
             done.fault = ExecuteSome(done.instalments);
-        if (!done.fault.empty()) m_stop = Stop{Today(), m_journal.Writes()};
+        if (!done.fault.empty()) m_halt = Halt{Today(), m_journal.Writes()};
         if (std::chrono::steady_clock::now() >= end) break;
     }
     return done;
@@ -151,7 +151,7 @@ void Clockwork::ScheduleSome() {
     if (end == m_registrations.Size()) m_unscheduled.reset();
 }
 
-void Clockwork::PlaceInstalment(const Registration& registration, const Progress& progress, sys_days day,
+void Clockwork::PlaceInstalment(const Registration& registration, const PlanProgress& progress, sys_days day,
                                 NewOrders& made) const {
     const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
     const std::size_t sequence = m_registrations.OrderCount() + made.orders.size() + 1;
@@ -181,7 +181,7 @@ std::string Clockwork::ExecuteDueOf(std::size_t place) {
     if (!plan || registration.Text(tag::sipStatus) != kStatusActive) return {};
     const sys_days today = Today();
     NewOrders made;
-    for (Progress progress = registration.progress; progress.executed < plan->periods;) {
+    for (PlanProgress progress = registration.progress; progress.executed < plan->periods;) {
         const sys_days day = ExecutionDay(*plan, progress, m_market);
         if (day > today) break;
         PlaceInstalment(registration, progress, day, made);

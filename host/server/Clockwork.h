@@ -11,7 +11,7 @@
 #include "host/server/ServerConfig.h"
 #include "host/server/journal/ServerJournal.h"
 #include "host/server/schedule/DueQueue.h"
-#include "host/server/schedule/MarketDays.h"
+#include "host/server/schedule/RestrictedDays.h"
 
 #include <chrono>
 #include <cstdint>
@@ -50,8 +50,8 @@ public:
     const MarketDays& Market() const { return m_market; }
     const RestrictedDays& Restricted() const { return m_market.restricted; }
 
-    // About which price of a registration, in paise, the orders of its instalments are filled; 0 as in
-    // ExecutionPlan.
+    // The price of a registration's scrip, in paise, about which the orders of its instalments are filled; 0 as
+    // in ExecutionPlan.
     void SetPrices(std::function<std::int64_t(const Registration&)> prices) { m_prices = std::move(prices); }
     std::int64_t PriceOf(const Registration& registration) const {
         return m_prices ? m_prices(registration) : 0;
@@ -66,7 +66,7 @@ public:
 
     // The server's clock goes forward, never back, and is as far ahead after a restart. Why it did not.
     std::string AdvanceTo(std::chrono::year_month_day date);
-    // To the next day on which an instalment is executed; stays when one is due.
+    // Goes to the next day on which an instalment is executed, and stays when one is due.
     std::string AdvanceToNextInstalment();
     // Journals the range and goes by it. Why it does not; empty when it does.
     std::string Restrict(RestrictedRange range);
@@ -81,7 +81,7 @@ public:
     // Executes instalments that are due by the server's clock, in order of their day, then of registration: at
     // least some, and more until the time is over.
     Executed ExecuteDue(std::chrono::milliseconds time);
-    // All of one registration, before a change that came when they were due already.
+    // Executes all of one registration, before a change that came when they were due already.
     std::string ExecuteDueOf(std::size_t place);
 
     // Places exchange orders of the registration. Why it did not; empty when all are placed. They are the same
@@ -104,23 +104,23 @@ private:
         JournalBatch records{};
     };
     // The day on which the journal took no instalment, and how often it had taken something before.
-    struct Stop {
+    struct Halt {
         std::chrono::year_month_day day;
         std::size_t writes;
-        bool operator==(const Stop&) const = default;
+        bool operator==(const Halt&) const = default;
     };
 
     static std::string ClockRecord(std::int64_t ahead);
-    // What came until now while a registration was paused lapses by the days as they were.
+    // Goes by the range. What came until now while a registration was paused lapses by the days as they were.
     void Apply(const RestrictedRange& range);
     std::optional<std::chrono::sys_days> NextExecution(const Registration& registration) const;
-    // Some of those whose days may have changed.
+    // Schedules some of those whose days may have changed.
     void ScheduleSome();
-    void PlaceInstalment(const Registration& registration, const Progress& progress, std::chrono::sys_days day,
-                         NewOrders& made) const;
-    // Some of the first day, which is due.
+    void PlaceInstalment(const Registration& registration, const PlanProgress& progress,
+                         std::chrono::sys_days day, NewOrders& made) const;
+    // Executes some instalments of the first day, which is due.
     std::string ExecuteSome(std::size_t& count);
-    // Journals and enters.
+    // Journals and enters the orders.
     std::string Keep(NewOrders made);
     // The first day whose instalments may not all be executed; today at the latest.
     std::chrono::sys_days ExecutedUntil() const;
@@ -134,7 +134,7 @@ private:
     DueQueue m_due;                  // of the active registrations
     // The place from which on registrations are to be scheduled anew, because the market's days changed.
     std::optional<std::size_t> m_unscheduled{};
-    std::optional<Stop> m_stop{}; // until the journal takes something or the clock is advanced
+    std::optional<Halt> m_halt{}; // until the journal takes something or the clock is advanced
     std::function<std::int64_t(const Registration&)> m_prices;
 };
 

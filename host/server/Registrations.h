@@ -29,7 +29,7 @@ public:
     void MakeRoom(std::size_t more);
     // False when the journal's record is neither a registration nor an order of one.
     bool Replay(std::string_view record);
-    // In place of the one with the same number. Where it stands.
+    // It takes the place of the one with the same number. The answer is where it stands.
     std::size_t Enter(Registration registration);
     // The registration takes the instalment into account, when the order is one that is not yet counted.
     void Enter(ExchangeOrder order);
@@ -40,7 +40,7 @@ public:
     const Registration& At(std::size_t place) const { return m_all[place]; }
     // Null when the number is unknown.
     const Registration* Find(std::string_view number) const;
-    // What the login's request with this order id has registered; null when it has not.
+    // The one that the login's request with this order id has registered; null when it has not.
     const Registration* FindSent(const std::string& orderId, std::string_view loginId) const;
     std::size_t PlaceOf(const Registration& registration) const;
     // Empty without any order.
@@ -48,10 +48,10 @@ public:
     // Exchange orders, of all registrations.
     std::size_t OrderCount() const { return m_orderCount; }
 
-    // Those whose record no longer has the order id that registered them, since a change brought its own: the
-    // journal needs two records of each.
+    // How many records no longer have the order id that registered them, since a change brought its own: the
+    // journal needs two lines for each.
     std::size_t ChangedOrderIds() const;
-    // All that a replay needs.
+    // Hands the sink all that a replay needs.
     void WriteTo(const Journal::Sink& sink) const;
 
     void AddListener(UpdateListener& listener) { m_listeners.push_back(&listener); }
@@ -60,12 +60,12 @@ public:
 
 private:
     void Count(const ExchangeOrder& order);
-    // By place.
+    // The order ids that registered them, by place.
     std::vector<std::string_view> OrderIds() const;
 
     std::vector<Registration> m_all;
     std::unordered_map<std::string, std::size_t> m_byNumber;
-    // Of the requests that registered; two users' may be the same.
+    // These are of the requests that registered; two users' may be the same.
     std::unordered_multimap<std::string, std::size_t> m_byOrderId;
     std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
     std::size_t m_orderCount = 0;

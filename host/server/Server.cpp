@@ -130,13 +130,13 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     return AnswerRegistered(request, registration);
 }
 
-std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {
+std::optional<ServerRefusal> Server::FindNamed(void* request, const Registration*& found) const {
     const std::string_view number = qmx::Text(request, tag::registrationNumber);
     if (number.empty()) return MissingField("registration number");
     found = Find(number);
     if (found) return std::nullopt;
-    return Refusal{kCodeUnknownNumber,
-                   "There is no registration " + std::string(number.substr(0, kLongestText))};
+    return ServerRefusal{kCodeUnknownNumber,
+                         "There is no registration " + std::string(number.substr(0, kLongestText))};
 }
 
 Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
@@ -180,7 +180,7 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     return {{m_writer.Finish()}};
 }
 
-template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
+template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
 Reply Server::StartQuery(void* request, const UserIdentity& user) {
     RowQuery query;
     query.request = qmx::Text(request, tag::requestName);
@@ -234,10 +234,10 @@ std::string Server::NextExecution(RowQuery& query) {
     return m_writer.Finish();
 }
 
-std::optional<Refusal> Server::Keep(Registration registration) {
+std::optional<ServerRefusal> Server::Keep(Registration registration) {
     m_clock.SetNextExecution(registration);
     if (std::string fault = m_journal.Write(registration.Json()); !fault.empty())
-        return Refusal{kCodeJournal, fault};
+        return ServerRefusal{kCodeJournal, fault};
     m_registrations.Tell(registration);
     m_clock.Schedule(m_registrations.Enter(std::move(registration)));
     return std::nullopt;
@@ -255,7 +255,7 @@ std::string Server::EnterMadeUp(std::vector<Registration> batch) {
     return {};
 }
 
-Reply Server::Refuse(void* request, const Refusal& refusal) {
+Reply Server::Refuse(void* request, const ServerRefusal& refusal) {
     const std::string_view name = qmx::Text(request, tag::requestName).substr(0, kLongestText);
     m_writer.Start()
         .Add(tag::echoedRequest, name)

@@ -9,8 +9,7 @@
 
 #include "host/connectvesk/QmxHost.h"
 #include "host/server/Clockwork.h"
-#include "host/server/OrderChange.h"
-#include "host/server/OrderCheck.h"
+#include "host/server/OrderRules.h"
 #include "host/server/RowQuery.h"
 
 #include <functional>
@@ -47,7 +46,7 @@ public:
     // done.
     std::string EnterMadeUp(std::vector<Registration> batch);
 
-    // Whom orders may be for; without it they may be for anybody.
+    // `knows` says whom orders may be for; without it they may be for anybody.
     void SetClients(std::function<bool(std::string_view account)> knows) { m_knows = std::move(knows); }
 
     // After a start: whether most of the journal's many records are superseded.
@@ -66,7 +65,7 @@ public:
     const Clockwork& Clock() const { return m_clock; }
     Clockwork& Clock() { return m_clock; }
 
-    // In order of registration.
+    // They are in the order in which they were registered.
     const std::vector<Registration>& Registrations() const { return m_registrations.All(); }
     // Null when the number is unknown.
     const Registration* Find(std::string_view number) const { return m_registrations.Find(number); }
@@ -80,7 +79,7 @@ private:
     Reply Dispatch(std::string_view name, void* request, const UserIdentity& user, std::string_view sentAs);
     Reply AnswerOperationMode(void* request, const UserIdentity& user);
     Reply AddRegistration(void* request, const UserIdentity& user);
-    template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
+    template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
     Reply StartQuery(void* request, const UserIdentity& user);
 
     Reply SetRestrictedDays(void* request, const UserIdentity& user);
@@ -92,12 +91,12 @@ private:
     std::string NextRegistration(RowQuery& query);
     std::string NextExecution(RowQuery& query);
     // The registration that the request names.
-    std::optional<Refusal> FindNamed(void* request, const Registration*& found) const;
+    std::optional<ServerRefusal> FindNamed(void* request, const Registration*& found) const;
 
-    Reply Refuse(void* request, const Refusal& refusal);
+    Reply Refuse(void* request, const ServerRefusal& refusal);
     Reply AnswerRegistered(void* request, const Registration& registration);
     // Sets the next execution day, journals, enters, and tells the listeners.
-    std::optional<Refusal> Keep(Registration registration);
+    std::optional<ServerRefusal> Keep(Registration registration);
 
     ServerConfig m_config;
     ServerJournal m_journal;

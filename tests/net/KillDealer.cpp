@@ -1,4 +1,4 @@
-#include "tests/net/KillDealer.h"
+#include "tests/net/KillVerdict.h"
 
 #include "host/server/schedule/Schedule.h"
 #include "tests/net/NetFixture.h"

@@ -279,7 +279,7 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         {"rubbish, and more of it", "a frame is too long"},
         {Framed(net::RequestDone{1}), "a server welcomes first"},
         {Framed(net::Welcome{7, 0}), "the server speaks version 7"},
-        {Framed(net::Rejection{"full"}), "the server refuses: full"},
+        {Framed(net::ConnectionRefused{"full"}), "the server refuses: full"},
         {welcome + welcome, "a second welcome"},
         {welcome + Framed(net::RequestDone{5}), "the end of a request that nobody made"},
         {welcome + Framed(net::Response{1, 5, ""}), "an answer that nobody asked for"},

@@ -39,7 +39,7 @@ public:
         constexpr std::size_t leastSuperseded = 1000;
         return m_replayError.empty() && m_replayed > needed + leastSuperseded && m_replayed > 2 * needed;
     }
-    // By what `write` hands to its sink. Why it could not; empty when that is done.
+    // Writes the journal anew with what `write` hands to its sink. The answer is why it could not.
     std::string Replace(const std::function<void(const Journal::Sink&)>& write) {
         std::string error;
         if (!m_journal.Replace(write, error)) return "The server's journal " + error;

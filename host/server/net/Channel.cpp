@@ -17,7 +17,7 @@ std::string TcpChannel::Open() {
 }
 
 Channel::Exchanged TcpChannel::Exchange(std::string_view& output, FrameReader* reader, std::int64_t) {
-    vesk::Waiting came[] = {{&m_socket, reader != nullptr, !output.empty()}};
+    SocketEvents came[] = {{&m_socket, reader != nullptr, !output.empty()}};
     Wait(came, 0);
     if (!m_socket.Connected()) return {.over = "the server does not answer"};
     Transfer transfer = Transfer::some;

@@ -34,7 +34,7 @@ public:
     // Takes what can go from the front of `output`, and gives a portion of what has come to the reader, which
     // is null while the client takes nothing.
     virtual Exchanged Exchange(std::string_view& output, FrameReader* reader, std::int64_t nowMs) = 0;
-    // What is known to be on its way to the client.
+    // How much is known to be on its way to the client.
     virtual std::size_t Waiting() const = 0;
 };
 

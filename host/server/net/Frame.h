@@ -27,12 +27,13 @@ enum class FrameType : std::uint8_t {
     stop,
     // from the server
     welcome,
-    rejection,
+    connectionRefused,
     response,
     requestDone,
     update,
     unsubscribed,
-    // Behind those above, whose numbers stay: terminal and server of any two versions can refuse each other.
+    // These came later. The numbers above stay, so that terminal and server of any two versions can refuse each
+    // other.
     command,     // from the terminal
     commandDone, // from the server
     state,       // from the server
@@ -51,7 +52,7 @@ enum class Checksum : bool { none, crc32 };
 // a frame, of which then nothing is left.
 std::size_t BeginFrame(std::string& out, FrameType type);
 [[nodiscard]] bool EndFrame(std::string& out, std::size_t start, Checksum checksum);
-// All at once.
+// Appends a whole frame at once.
 [[nodiscard]] bool AppendFrame(std::string& out, FrameType type, std::string_view payload);
 
 enum class FrameFault { none, tooLong, empty, wrongChecksum, unknownType };

@@ -16,7 +16,7 @@
 
 namespace vesk {
 
-// Of a clock that never goes back.
+// The milliseconds of a clock that never goes back.
 std::int64_t SteadyMs();
 
 class NetServer {
@@ -49,7 +49,7 @@ private:
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
     void Accept();
-    void Serve(Connection& connection, const Waiting& came);
+    void Serve(Connection& connection, const SocketEvents& came);
     void Receive(Connection& connection);
     void Send(Connection& connection);
     void DropEnded();

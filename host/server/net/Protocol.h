@@ -21,7 +21,7 @@
 
 namespace vesk {
 
-// Fields that a record must have; an empty value stands for any, and of an identity for who is logged in.
+// The fields that a record must have; an empty value stands for any, and in an identity for who is logged in.
 using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
 
 } // namespace vesk
@@ -75,8 +75,8 @@ struct Welcome {
     std::uint64_t now = 0; // seconds since 1970, by the server's clock
     void Each(auto&& field) { field(version), field(now); }
 };
-struct Rejection {
-    static constexpr FrameType kType = FrameType::rejection;
+struct ConnectionRefused {
+    static constexpr FrameType kType = FrameType::connectionRefused;
     std::string text;
     void Each(auto&& field) { field(text); }
 };

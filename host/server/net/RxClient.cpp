@@ -33,7 +33,7 @@ struct RxClient::Step {
 };
 const RxClient::Step RxClient::kSteps[] = {
     {FrameType::welcome, &RxClient::TakeAs<net::Welcome>},
-    {FrameType::rejection, &RxClient::TakeAs<net::Rejection>},
+    {FrameType::connectionRefused, &RxClient::TakeAs<net::ConnectionRefused>},
     {FrameType::response, &RxClient::TakeAs<net::Response>},
     {FrameType::requestDone, &RxClient::TakeAs<net::RequestDone>},
     {FrameType::update, &RxClient::TakeAs<net::Update>},
@@ -164,7 +164,7 @@ void RxClient::TakeFrames() {
 void RxClient::Take(const Frame& frame) {
     const auto step = std::ranges::find(kSteps, frame.type, &Step::type);
     if (step == std::end(kSteps)) return Lose("a frame that a terminal sends");
-    const bool isGreeting = frame.type == FrameType::welcome || frame.type == FrameType::rejection;
+    const bool isGreeting = frame.type == FrameType::welcome || frame.type == FrameType::connectionRefused;
     if (m_state == LinkState::connecting && !isGreeting) return Lose("a server welcomes first");
     if (!(this->*step->take)(frame.payload)) Lose("a frame that cannot be read");
 }
@@ -191,7 +191,7 @@ void RxClient::On(const net::Welcome& said) {
     }
 }
 
-void RxClient::On(const net::Rejection& said) {
+void RxClient::On(const net::ConnectionRefused& said) {
     Lose("the server refuses: " + said.text);
 }
 

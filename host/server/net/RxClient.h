@@ -35,7 +35,7 @@ public:
     // Called from Pump when the server's state is told, which is before the answers of what changed it are
     // delivered. It must not pump.
     using StateTold = std::function<void(const net::ServerState& state)>;
-    // Called from Pump once; it may pump. Not at all when the hub ends before.
+    // Called from Pump once; it may pump. It is not called when the client ends before.
     using CommandTold = std::function<void(const Told& told)>;
 
     // `pumpTime` is about how long a pump takes, so that the window stays responsive.
@@ -58,7 +58,7 @@ public:
 
     // A line as ServerCommands has them.
     void Command(std::string line, CommandTold told);
-    // As it was told last, on this connection or the one before.
+    // The server's state as it was told last, on this connection or the one before.
     const net::ServerState& Server() const { return m_serverState; }
 
 private:
@@ -81,7 +81,7 @@ private:
     template <class Said>
     bool TakeAs(std::string_view payload);
     void On(const net::Welcome& said);
-    void On(const net::Rejection& said);
+    void On(const net::ConnectionRefused& said);
     void On(net::Response&& said);
     void On(const net::RequestDone& said);
     void On(net::Update&& said);
@@ -90,7 +90,7 @@ private:
     void On(net::ServerState&& said);
 
     std::uint64_t Send(std::uint32_t control, std::string_view bytes);
-    // To the server, when there is one; what it says is told again on the next connection.
+    // Sends it when there is a server; the next connection begins with all of it anyway.
     template <class Said>
     void Say(Said said) {
         if (m_state == LinkState::connected)

@@ -19,11 +19,11 @@ public:
     Control& operator=(const Control&) = delete;
     ~Control() = default;
 
-    // To a server that knows nothing of it.
+    // Tells a server that knows nothing of it what it is and is subscribed to.
     void Introduce(bool isRenewed) const;
     bool IsSubscribed() const { return !m_subscriptions.empty(); }
     void Forget() { m_subscriptions.clear(); }
-    // One of its messages. The notifier may destroy the control.
+    // Hands its notifier a message. The notifier may destroy the control.
     void Tell(void* message, bool isStream);
 
     int SendRequest(std::uint64_t* requestNumber, void* message, int, QmxError* error) noexcept override;

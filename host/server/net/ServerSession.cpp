@@ -82,9 +82,9 @@ void ServerSession::On(const net::CloseControl& said) {
     m_streams->Stop(said.control);
     m_controlKinds.erase(said.control);
     // A request still counts when nobody hears its answer; a query's rows are for nobody.
-    for (const Query& query : m_queries)
+    for (const RunningQuery& query : m_queries)
         if (query.control == said.control) Say(net::RequestDone{query.number});
-    std::erase_if(m_queries, [&](const Query& query) { return query.control == said.control; });
+    std::erase_if(m_queries, [&](const RunningQuery& query) { return query.control == said.control; });
 }
 
 void ServerSession::On(net::ControlRequest&& said) {
@@ -117,7 +117,7 @@ void ServerSession::Say(Said said) {
 }
 
 void ServerSession::Refuse(const std::string& text) {
-    Say(net::Rejection{text});
+    Say(net::ConnectionRefused{text});
     End(text);
 }
 
@@ -125,7 +125,7 @@ void ServerSession::End(std::string reason) {
     if (!HasEnded()) m_endReason = std::move(reason);
 }
 
-ServerSession::State ServerSession::StateNow() const {
+ServerSession::ToldState ServerSession::StateNow() const {
     const Clockwork& clock = m_server.Clock();
     // An end of the due ones is told behind what the terminal hears of them.
     const bool hasDue = clock.HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
@@ -204,7 +204,7 @@ void ServerSession::Handle(const net::ServerCommand& command) {
 }
 
 void ServerSession::NextRow() {
-    Query& query = m_queries.front();
+    RunningQuery& query = m_queries.front();
     if (std::string row = m_server.NextRow(query.rows); !row.empty())
         Say(net::Response{query.control, query.number, std::move(row)});
     if (HasEnded() || !query.rows.isDone) return;

@@ -47,11 +47,11 @@ public:
     bool TakesInput() const;
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
-    // What the terminal has not asked for and will hear of.
+    // How much the terminal will hear of without having asked for it.
     std::size_t Waiting() const;
     // Whether many updates wait for it although it takes them at a good pace.
     bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
-    // To be sent; what was sent is taken away by the caller.
+    // The bytes to be sent; the caller takes away what it has sent.
     std::string& Output() { return m_output; }
 
     // After its end it takes nothing more, and what is in the output may still be sent.
@@ -60,17 +60,17 @@ public:
     const std::string& Name() const { return m_name; }
 
 private:
-    struct Query {
+    struct RunningQuery {
         std::uint32_t control;
         std::uint64_t number;
         RowQuery rows;
     };
     // What the terminal hears of the server without asking.
-    struct State {
+    struct ToldState {
         std::chrono::year_month_day date{};
         bool hasDue = false;          // instalments to execute, or such that are not told of
         std::size_t restrictions = 0; // changes of them
-        bool operator==(const State&) const = default;
+        bool operator==(const ToldState&) const = default;
     };
     struct Step;
     static const Step kSteps[];
@@ -89,8 +89,8 @@ private:
     void Say(Said said);
     void Refuse(const std::string& text);
     void End(std::string reason);
-    State StateNow() const;
-    // Where it differs from what was told.
+    ToldState StateNow() const;
+    // Tells the state when it differs from what was told.
     void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
     void Handle(const net::ControlRequest& request);
@@ -113,8 +113,8 @@ private:
     std::optional<Streams> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::uint32_t> m_controlKinds;
     AskedQueue m_asked;
-    std::deque<Query> m_queries;
-    State m_toldState;
+    std::deque<RunningQuery> m_queries;
+    ToldState m_toldState;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};

@@ -1,7 +1,6 @@
 #include "host/terminal/window/ServerLink.h"
 
 #include "host/files/Files.h"
-#include "host/server/sample/MarketOfServer.h"
 #include "host/server/schedule/Schedule.h"
 #include "host/terminal/window/Encoding.h"
 
@@ -45,24 +44,18 @@ ServerLink::ServerLink(const ServerAddress& address, UserIdentity user, LinkEven
 
 void ServerLink::StartServer(const TerminalState& state, JournalOpening opening, ServerConfig config,
                              std::vector<std::string>& notes) {
-    m_journal = std::move(opening.journal);
-    config.nonTrading = DatesOf(state.calendar.Dates());
-    m_server = std::make_unique<Server>(std::move(config), *m_journal, opening.records, SystemClock());
-    m_server->Clock().SetPrices(PricesOf(state.master));
-    m_server->SetClients(ClientsOf(state.clients));
-    if (!m_server->ReplayError().empty()) notes.push_back(m_server->ReplayError());
-    const std::size_t records = opening.records.size();
-    opening.records.clear();
-    opening.text.reset(); // the server has read it, and it may be large
-    if (std::string note = m_server->CompactWhenStale(); !note.empty()) notes.push_back(std::move(note));
-    m_commands.emplace(*m_server, SampleMarketOf(state.master, state.clients));
+    m_server = std::make_unique<MarketServer>(std::move(opening), std::move(config), state.master,
+                                              state.clients, state.calendar, false);
+    Server& server = m_server->Serving();
+    if (!server.ReplayError().empty()) notes.push_back(server.ReplayError());
+    if (std::string note = server.CompactWhenStale(); !note.empty()) notes.push_back(std::move(note));
     m_status = {"Embedded server"};
-    for (const auto date : m_server->Clock().Restricted().All())
+    for (const auto date : server.Clock().Restricted().All())
         m_restricted.push_back(DateNumber(date));
-    Connect(std::make_unique<SessionChannel>(*m_server, *m_commands),
+    Connect(std::make_unique<SessionChannel>(server, m_server->Commands()),
             {state.config.loginId, state.config.peerIdA, state.config.peerIdB});
     m_client->Pump(NowMs()); // a subscription or command that comes at once finds it connected
-    notes.push_back("Trading server ready, " + std::to_string(records) + " journal records");
+    notes.push_back("Trading server ready, " + std::to_string(m_server->Records()) + " journal records");
 }
 
 void ServerLink::Connect(std::unique_ptr<Channel> channel, UserIdentity user) {
@@ -90,14 +83,19 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
 
 void ServerLink::Pump() {
     if (m_client) m_client->Pump(NowMs());
-    if (m_server && m_server->Clock().HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
+    if (HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
+}
+
+bool ServerLink::HasDue() const {
+    return m_server && m_server->Serving().Clock().HasDue();
 }
 
 void ServerLink::ExecuteDue() {
-    const Executed done = m_server->Clock().ExecuteDue(kExecutionTime);
+    Clockwork& clock = m_server->Serving().Clock();
+    const Executed done = clock.ExecuteDue(kExecutionTime);
     m_executed += done.instalments;
-    if (m_executed != 0 && !m_server->Clock().HasDue()) {
-        m_events.say("Clock " + RecordDate(m_server->Clock().Today()) + ": " + std::to_string(m_executed)
+    if (m_executed != 0 && !clock.HasDue()) {
+        m_events.say("Clock " + RecordDate(clock.Today()) + ": " + std::to_string(m_executed)
                      + (m_executed == 1 ? " instalment executed" : " instalments executed"));
         m_executed = 0;
     }
@@ -106,8 +104,8 @@ void ServerLink::ExecuteDue() {
 
 bool ServerLink::IsIdle() const {
     if (!m_client) return true;
-    return m_client->State() == LinkState::connected && !m_client->Server().hasDue
-           && !(m_server && m_server->Clock().HasDue()) && m_client->Waiting() == 0;
+    return m_client->State() == LinkState::connected && !m_client->Server().hasDue && !HasDue()
+           && m_client->Waiting() == 0;
 }
 
 std::string ServerLink::Date() const {
@@ -116,8 +114,8 @@ std::string ServerLink::Date() const {
 }
 
 std::string ServerLink::LatestRegistration() const {
-    if (!m_server || m_server->Registrations().empty()) return {};
-    return std::string(m_server->Registrations().back().Number());
+    if (!m_server || m_server->Serving().Registrations().empty()) return {};
+    return std::string(m_server->Serving().Registrations().back().Number());
 }
 
 void ServerLink::Command(const std::string& line, std::function<void(const Told&)> told) {

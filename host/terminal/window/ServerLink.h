@@ -4,6 +4,7 @@
 // Thread: one (the GUI thread).
 #pragma once
 
+#include "host/server/MarketServer.h"
 #include "host/server/net/RxClient.h"
 #include "host/terminal/core/TerminalState.h"
 
@@ -30,12 +31,12 @@ struct LinkEvents {
 
 class ServerLink {
 public:
-    // To a server with this journal in the terminal itself. What the user should know about the start is added
-    // to `notes`. Without a journal that can be opened there is no server. The state outlives the link: its
-    // prices are asked for at every execution.
+    // Starts a server with this journal in the terminal itself. What the user should know about the start is
+    // added to `notes`. Without a journal that can be opened there is no server. The state outlives the link:
+    // its prices are asked for at every execution.
     ServerLink(const TerminalState& state, const std::string& journalFile, LinkEvents events,
                std::vector<std::string>& notes);
-    // To a server of its own.
+    // Connects to a server of its own.
     ServerLink(const ServerAddress& address, UserIdentity user, LinkEvents events);
     ServerLink(const ServerLink&) = delete;
     ServerLink& operator=(const ServerLink&) = delete;
@@ -48,7 +49,7 @@ public:
         if (m_client) m_client->Destroy(control);
     }
     std::size_t LiveControls() const { return m_client ? m_client->LiveControls() : 0; }
-    // Requests and deliveries.
+    // How many requests and deliveries wait.
     std::size_t Waiting() const { return m_client ? m_client->Waiting() : 0; }
 
     // Does some of what there is to do, and delivers.
@@ -56,11 +57,11 @@ public:
     // Everything that is due has been executed, and everything is delivered.
     bool IsIdle() const;
     LinkStatus Status() const { return m_status; }
-    // Of the server's clock, as 05-Mar-2027; empty while it is not known.
+    // The date of the server's clock, as 05-Mar-2027; empty while it is not known.
     std::string Date() const;
-    // Those that are restricted, each as yyyymmdd.
+    // The dates that the server restricts, each as yyyymmdd.
     std::vector<std::uint32_t> RestrictedDates() const { return m_restricted; }
-    // Number; empty without any, or when only the server knows.
+    // Its number; empty without any, or when only the server knows.
     std::string LatestRegistration() const;
     // A line as ServerCommands takes. `told` is called once: now, or from Pump.
     void Command(const std::string& line, std::function<void(const Told&)> told);
@@ -70,18 +71,16 @@ private:
                      std::vector<std::string>& notes);
     void Connect(std::unique_ptr<Channel> channel, UserIdentity user);
     void OnState(LinkState state, const std::string& text);
+    bool HasDue() const;
     void ExecuteDue();
 
     const std::string m_name; // host:port; empty for the embedded server
     const LinkEvents m_events;
     LinkStatus m_status;
     std::vector<std::uint32_t> m_restricted;
-    // The embedded server, which the client works on to its end.
-    std::unique_ptr<Journal> m_journal;
-    std::unique_ptr<Server> m_server;
-    std::optional<ServerCommands> m_commands;
-    std::size_t m_executed = 0;         // instalments that are not yet told of
-    std::optional<RxClient> m_client{}; // empty: there is no server, and no control
+    std::unique_ptr<MarketServer> m_server; // the embedded one, which the client works on to its end
+    std::size_t m_executed = 0;             // instalments that are not yet told of
+    std::optional<RxClient> m_client{};     // empty: there is no server, and no control
 };
 
 } // namespace vesk

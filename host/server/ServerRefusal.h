@@ -8,7 +8,7 @@
 
 namespace vesk {
 
-struct Refusal {
+struct ServerRefusal {
     std::string_view code;
     std::string text;
 };
@@ -27,11 +27,26 @@ inline constexpr std::string_view kCodeUnknownClient = "109";
 // Longer texts are neither kept nor sent back: every answer has room for what it quotes.
 inline constexpr std::size_t kLongestText = 255;
 
-Refusal MissingField(std::string_view field);
-Refusal WrongValue(std::string_view field, std::string_view text);
-// Not who the request says he is, and not who the registration belongs to.
-Refusal WrongUser();
-Refusal OtherUser();
-Refusal UnknownClient(std::string_view account);
+inline ServerRefusal MissingField(std::string_view field) {
+    return {kCodeMissingField, "The " + std::string(field) + " is missing"};
+}
+
+inline ServerRefusal WrongValue(std::string_view field, std::string_view text) {
+    if (text.size() > kLongestText) return {kCodeWrongValue, "The " + std::string(field) + " is too long"};
+    return {kCodeWrongValue, "The " + std::string(field) + " cannot be \"" + std::string(text) + "\""};
+}
+
+// The first is for a request that names another user than is logged in, the second for another's registration.
+inline ServerRefusal WrongUser() {
+    return {kCodeUser, "The user is not the one who is logged in"};
+}
+
+inline ServerRefusal OtherUser() {
+    return {kCodeUser, "The registration is another user's"};
+}
+
+inline ServerRefusal UnknownClient(std::string_view account) {
+    return {kCodeUnknownClient, "There is no client " + std::string(account)};
+}
 
 } // namespace vesk
