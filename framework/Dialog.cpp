@@ -1,6 +1,6 @@
 #include "framework/Dialog.h"
 
-#include "framework/FocusKeeper.h"
+#include "framework/FocusReturn.h"
 #include "framework/Guard.h"
 #include "framework/KeyboardHook.h"
 
@@ -15,7 +15,7 @@ bool Dialog::Create(HWND parent) {
 }
 
 bool Dialog::RunModal(HWND owner) {
-    const FocusKeeper focus;
+    const FocusReturn focus;
     const HWND root = GetAncestor(owner, GA_ROOT);
     if (!Create(root)) return false;
     DisableOwner(root);

@@ -1,6 +1,6 @@
 #include "framework/MessageBoxes.h"
 
-#include "framework/FocusKeeper.h"
+#include "framework/FocusReturn.h"
 #include "framework/Guard.h"
 
 #include <utility>
@@ -75,7 +75,7 @@ MessageBoxes::Hold::~Hold() {
 }
 
 int MessageBoxes::Open(HWND owner, const std::string& text, UINT kind) {
-    const FocusKeeper focus;
+    const FocusReturn focus;
     m_open = true;
     m_owner = owner;
     const int answer = MessageBoxA(IsWindow(owner) ? owner : nullptr, text.c_str(), m_caption.c_str(), kind);

@@ -4,7 +4,7 @@
 
 #include "plugin/base/Frequencies.h"
 #include "plugin/basket/BasketOrder.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "sdk/HostRecords.h"
 
 #include <array>

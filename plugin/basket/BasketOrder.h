@@ -1,10 +1,13 @@
 // One row of the basket: texts by field in one block of memory.
 #pragma once
 
+#include "plugin/orderentry/SipOrder.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace planfold {
@@ -65,5 +68,32 @@ private:
     std::unique_ptr<char[]> m_block;
     std::int32_t m_serialNumber = 0;
 };
+
+// Which text of a row is which of the order that is sent.
+struct SipOrderField {
+    BasketField field;
+    std::string sSipOrderData::*member;
+};
+inline constexpr SipOrderField kSipOrderFields[] = {
+    {BasketField::orderType, &sSipOrderData::orderType},
+    {BasketField::product, &sSipOrderData::product},
+    {BasketField::frequency, &sSipOrderData::frequency},
+    {BasketField::totalPeriod, &sSipOrderData::totalPeriod},
+    {BasketField::startDate, &sSipOrderData::startDate},
+    {BasketField::customerFirm, &sSipOrderData::customerFirm},
+    {BasketField::validity, &sSipOrderData::validity},
+    {BasketField::exchange, &sSipOrderData::exchange},
+    {BasketField::side, &sSipOrderData::side},
+    {BasketField::token, &sSipOrderData::token},
+    {BasketField::tradingSymbol, &sSipOrderData::tradingSymbol},
+    {BasketField::account, &sSipOrderData::account},
+    {BasketField::sideWord, &sSipOrderData::sideWord},
+    {BasketField::investType, &sSipOrderData::investType},
+};
+
+// Where a row keeps what an order of this invest type is for.
+inline BasketField ValueField(std::string_view investType) {
+    return investType == "value" ? BasketField::amount : BasketField::quantity;
+}
 
 } // namespace planfold

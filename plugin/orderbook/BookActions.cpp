@@ -2,7 +2,7 @@
 
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>

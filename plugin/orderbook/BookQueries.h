@@ -1,4 +1,4 @@
-// The two queries that fill the book.
+// What fills the registration book, and the streams that keep it current.
 #pragma once
 
 #include "plugin/base/Dates.h"
@@ -21,5 +21,12 @@ bool IsOwnHistory(const Session& session, void* message);
 
 // How many days before today the history begins: years counted one by one on a date that moves back.
 int LookBackDays(const LocalDateTime& today, int years);
+
+// The plug-in's stream, by account or by identity as the login mode and the host's client overview say.
+// Each failure (also a missing control) is shown, and the next account goes on.
+void SubscribeBroadcasts(Pass pass, Session& session, RxControl* control, Notices& notices);
+
+// The stream of the login identity.
+void SubscribeIdentity(Pass pass, Session& session, RxControl* control, Notices& notices);
 
 } // namespace planfold

@@ -2,11 +2,14 @@
 // empty where the server sent nothing.
 #pragma once
 
+#include "plugin/messaging/Session.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace planfold {
@@ -88,5 +91,13 @@ inline bool HasEnded(std::string_view sipStatus) {
 }
 
 inline constexpr std::string_view kPausedStatus = "Paused";
+
+// The host's name for the message's client; none when the message names no client or the host cannot tell.
+std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message);
+
+// Takes over each field whose tag the message has and leaves the others. `installments` tells which of its two
+// fields the period belongs to; `accountName` is what was asked before.
+void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,
+                  sOrderinfo& record);
 
 } // namespace planfold

@@ -1,7 +1,7 @@
 #include "plugin/orderentry/SipForm.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/Rights.h"
+#include "plugin/messaging/HostCallbacks.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>

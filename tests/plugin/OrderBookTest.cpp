@@ -1,6 +1,6 @@
 // The registration book: what its queries send, where a record stands, and what each message changes.
 
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 #include "plugin/orderbook/BookQueries.h"
 #include "tests/plugin/BookDouble.h"
 

@@ -1,7 +1,7 @@
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 
 #include "framework/Guard.h"
-#include "plugin/controls/window/FilterList.h"
+#include "plugin/controls/window/ListWindows.h"
 #include "plugin/history/window/ChartPainter.h"
 #include "plugin/resources/resource.h"
 

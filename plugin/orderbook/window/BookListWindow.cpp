@@ -1,6 +1,6 @@
 #include "plugin/orderbook/window/BookListWindow.h"
 
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 
 #include <string>
 

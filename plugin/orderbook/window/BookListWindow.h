@@ -2,8 +2,8 @@
 #pragma once
 
 #include "framework/Guard.h"
-#include "plugin/controls/window/FilterList.h"
-#include "plugin/orderbook/BookColumns.h"
+#include "plugin/controls/window/ListWindows.h"
+#include "plugin/orderbook/BookLists.h"
 #include "plugin/orderbook/BookView.h"
 #include "sdk/korvex/FilterListCtrl.h"
 

@@ -3,7 +3,7 @@
 #include "framework/DialogLayout.h"
 #include "plugin/base/Text.h"
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>

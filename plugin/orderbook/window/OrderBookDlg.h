@@ -3,7 +3,7 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "plugin/controls/window/RowMenu.h"
+#include "plugin/controls/window/ListWindows.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "plugin/orderbook/window/BookListWindow.h"

@@ -3,10 +3,9 @@
 
 #include "framework/Dialog.h"
 #include "plugin/controls/window/AutoComboBox.h"
-#include "plugin/controls/window/CalendarKeys.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/ExtEditOntry.h"
-#include "plugin/controls/window/TypeAheadCombo.h"
+#include "plugin/controls/window/FormKeys.h"
 
 #include <string>
 #include <string_view>

@@ -6,7 +6,7 @@
 
 namespace {
 
-class BookAction : public BookWindowTest {
+class BookInterrupt : public BookWindowTest {
 protected:
     // Filled while nothing is drawn.
     void OpenWith(int rows, const std::vector<std::string>& selected) {
@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
+TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
     struct Row {
         const char* start;
         std::function<void()> starts;
@@ -85,7 +85,7 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
     EXPECT_TRUE(host.requests.empty());
 }
 
-TEST_F(BookAction, TheStreamGoesOnUnderTheReason) {
+TEST_F(BookInterrupt, TheStreamGoesOnUnderTheReason) {
     OpenWith(4, {"SIP1", "SIP2"});
     const WhenShown reason(ReasonDialog, [&](HWND shown) {
         Streamed("SIP2", "cancelled");
@@ -103,7 +103,7 @@ TEST_F(BookAction, TheStreamGoesOnUnderTheReason) {
 }
 
 // Nothing is left, and nothing is sent any more.
-TEST_F(BookAction, TheBookMayEndInTheMiddleOfEverything) {
+TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
     const auto progress = [] {
         HWND found = nullptr;
         for (HWND window : probe::TopWindows())
@@ -178,7 +178,7 @@ TEST_F(BookAction, TheBookMayEndInTheMiddleOfEverything) {
         }
 }
 
-TEST_F(BookAction, ModifyOpensTheRegistrationInTheOrderForm) {
+TEST_F(BookInterrupt, ModifyOpensTheRegistrationInTheOrderForm) {
     Open();
     QueriedInFull("SIP1", "active"); // its start is long past
     Select(registered, {"SIP1"});

@@ -6,13 +6,13 @@
 
 namespace framework {
 
-class FocusKeeper {
+class FocusReturn {
 public:
-    FocusKeeper() = default;
-    FocusKeeper(const FocusKeeper&) = delete;
-    FocusKeeper& operator=(const FocusKeeper&) = delete;
+    FocusReturn() = default;
+    FocusReturn(const FocusReturn&) = delete;
+    FocusReturn& operator=(const FocusReturn&) = delete;
     // Not when another window was brought up meanwhile.
-    ~FocusKeeper() {
+    ~FocusReturn() {
         if (m_focus && GetFocus() != m_focus && GetActiveWindow() == GetAncestor(m_focus, GA_ROOT))
             SetFocus(m_focus);
     }
