@@ -1,6 +1,7 @@
 // One row of the basket: texts by field in one block of memory.
 #pragma once
 
+#include "plugin/base/Text.h"
 #include "plugin/orderentry/SipOrder.h"
 
 #include <array>
@@ -38,14 +39,7 @@ enum class BasketField : std::uint8_t {
 inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
 
 // The texts of a row while it is put together; they are whoever's.
-class BasketTexts {
-public:
-    std::string_view& operator[](BasketField field) { return m_texts[static_cast<std::size_t>(field)]; }
-    std::string_view operator[](BasketField field) const { return m_texts[static_cast<std::size_t>(field)]; }
-
-private:
-    std::array<std::string_view, kBasketFieldCount> m_texts;
-};
+using BasketTexts = ByField<BasketField, std::string_view>;
 
 class sBasketOrderData {
 public:

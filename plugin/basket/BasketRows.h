@@ -46,7 +46,7 @@ struct BasketTotals {
 
 class BasketRows {
 public:
-    // With the next serial number.
+    // The row gets the next serial number.
     RecordId Add(const BasketTexts& texts);
     // The same for a row out of a file, which is known again: it counts as sent when more orders like it were
     // sent than stand here as sent.

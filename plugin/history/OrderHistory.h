@@ -30,7 +30,7 @@ public:
     virtual void ListRecords() = 0;
     // A trade has told more of a record.
     virtual void OnRecordChanged() = 0;
-    // Of the focused row; none without a window.
+    // The focused row's record; none without a window.
     virtual std::optional<std::size_t> FocusedRecord() const = 0;
     virtual void ShowDetails(const HistoryDetails& details) = 0;
     // In front, or hidden. Nothing without a window.
@@ -52,7 +52,7 @@ public:
     // Another row may have the focus now.
     void OnFocusChanged();
 
-    // As listed.
+    // The records as they are listed.
     const std::vector<sOrderHistory>& Records() const { return m_records; }
 
 private:

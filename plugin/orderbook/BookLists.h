@@ -51,7 +51,7 @@ inline constexpr int kCancelCommand = 25002;
 inline constexpr int kModifyCommand = 25003;
 inline constexpr int kPauseCommand = 25004;
 inline constexpr int kResumeCommand = 25005;
-// Of several rows; they stand among the list's own entries.
+// These two are for several rows, and stand among the list's own entries.
 inline constexpr int kPauseSelectedCommand = 25101;
 inline constexpr int kResumeSelectedCommand = 25102;
 

@@ -2,7 +2,7 @@
 
 #include "plugin/base/Text.h"
 #include "plugin/orderbook/BookLists.h"
-#include "plugin/orderbook/BookQueries.h"
+#include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderbook/OrderInfo.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "sdk/Tags.h"

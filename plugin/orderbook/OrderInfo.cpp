@@ -13,7 +13,7 @@
 
 namespace planfold {
 
-// In front of the texts, which lie one behind the other.
+// It stands in front of the texts, which lie one behind the other.
 struct sOrderinfo::Head {
     std::array<std::uint32_t, kOrderFieldCount> ends; // counted from the first text
     std::uint32_t room;                               // for texts

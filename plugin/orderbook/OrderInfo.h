@@ -2,6 +2,7 @@
 // empty where the server sent nothing.
 #pragma once
 
+#include "plugin/base/Text.h"
 #include "plugin/messaging/Session.h"
 
 #include <array>
@@ -47,18 +48,7 @@ enum class OrderField : std::uint8_t {
 inline constexpr std::size_t kOrderFieldCount = static_cast<std::size_t>(OrderField::count);
 
 // What a message changes: a field without a value stays as it was.
-class OrderChanges {
-public:
-    std::optional<std::string_view>& operator[](OrderField field) {
-        return m_texts[static_cast<std::size_t>(field)];
-    }
-    const std::optional<std::string_view>& operator[](OrderField field) const {
-        return m_texts[static_cast<std::size_t>(field)];
-    }
-
-private:
-    std::array<std::optional<std::string_view>, kOrderFieldCount> m_texts;
-};
+using OrderChanges = ByField<OrderField, std::optional<std::string_view>>;
 
 class sOrderinfo {
 public:

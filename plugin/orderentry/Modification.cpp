@@ -147,8 +147,16 @@ std::string Modification::News(std::string_view separator) const {
     return news.Text();
 }
 
-void SentModifications::Add(std::string registration, int opening, std::int64_t now) {
-    m_sent.push_back({std::move(registration), opening, now});
+std::string Modification::Notice() const {
+    std::string notice = refusal;
+    const std::string news = News(", ");
+    if (news.empty()) return notice;
+    notice.append(notice.empty() ? "" : "\n").append("Changed meanwhile");
+    return notice + (ChangedBy().empty() ? "" : " by " + ChangedBy()) + ": " + news;
+}
+
+void SentModifications::Add(std::string registration, int life, std::int64_t now) {
+    m_sent.push_back({std::move(registration), life, now});
     ForgetLost(now);
 }
 
@@ -157,17 +165,17 @@ void SentModifications::ForgetLost(std::int64_t now) {
         m_sent.erase(m_sent.begin());
 }
 
-bool SentModifications::Answered(std::string_view registration, int opening, bool refused, std::int64_t now) {
+bool SentModifications::Answered(std::string_view registration, int life, bool refused, std::int64_t now) {
     ForgetLost(now);
     if (m_sent.empty()) return false;
     const std::string named(registration.empty() ? m_sent.front().registration : registration);
     const auto oldest = std::ranges::find(m_sent, named, &Sent::registration);
     if (oldest == m_sent.end()) return false;
-    // Of one registration the answers of earlier openings may be lost.
+    // Of one registration the answers of earlier lives may be lost.
     const bool own = std::ranges::any_of(
-        m_sent, [&](const Sent& sent) { return sent.registration == named && sent.opening == opening; });
+        m_sent, [&](const Sent& sent) { return sent.registration == named && sent.life == life; });
     if (own && !refused)
-        std::erase_if(m_sent, [&](const Sent& sent) { return sent.opening == opening; });
+        std::erase_if(m_sent, [&](const Sent& sent) { return sent.life == life; });
     else
         m_sent.erase(oldest);
     return own;

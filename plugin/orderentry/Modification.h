@@ -62,7 +62,7 @@ public:
     const std::string& Number() const { return m_now.number; }
     const SipRegistration& Now() const { return m_now; }
     std::int64_t Periods() const;
-    // In the server's words: paise or shares.
+    // The value in the server's words: paise or shares.
     std::string Value() const;
 
     // The registration as it is now. What this form sent changes it as meant, and is no news.
@@ -72,6 +72,8 @@ public:
 
     // What others changed since, "Amount Rs 2,000.00 instead of 1,500.00", by `separator`; empty when nothing.
     std::string News(std::string_view separator) const;
+    // What has happened that the dealer must know before anything else: a refusal, and what others changed.
+    std::string Notice() const;
     // The user who did; may be empty.
     const std::string& ChangedBy() const { return m_now.changedBy; }
 
@@ -97,18 +99,18 @@ inline constexpr std::int64_t kAnswerPatienceMs = 10'000;
 // Modifications that are sent and not yet answered: whose answer has come, although others may never come.
 class SentModifications {
 public:
-    // From the window's opening of that number.
-    void Add(std::string registration, int opening, std::int64_t now);
+    // It was sent in the window's life of that number.
+    void Add(std::string registration, int life, std::int64_t now);
 
     // Takes the modification off that is answered: one of the registration that the answer names, or when it
-    // names none, of the oldest that can still be waited for. True when this opening has sent one of that
+    // names none, of the oldest that can still be waited for. True when this life has sent one of that
     // registration.
-    bool Answered(std::string_view registration, int opening, bool refused, std::int64_t now);
+    bool Answered(std::string_view registration, int life, bool refused, std::int64_t now);
 
 private:
     struct Sent {
         std::string registration;
-        int opening;
+        int life;
         std::int64_t at;
     };
     void ForgetLost(std::int64_t now);

@@ -114,15 +114,10 @@ private:
     void PrepareClient(Pass pass);
     ModifiedPlan ReadModification() const;
     std::string DescribeForm() const;
-    std::string Notice() const;
-    bool Alarms() const;
     void HandleOperationMode(const Answer& answer);
     void HandlePlaced(const Answer& answer);
     void HandleModified(const Answer& answer);
     void ShowUserText(Pass pass, const Answer& answer);
-    // Empties the combo but for the text, and locks it.
-    void Fix(int combo, std::string_view text);
-    void FillClient(std::string_view client);
     // False when a host callback took the window away.
     [[nodiscard]] bool FillIn(const SipOrderForm& order);
     void FillInBesideScrip(const SipOrderForm& order);

@@ -109,6 +109,20 @@ bool SipForm::Choose(int combo, std::string_view text) {
     return false;
 }
 
+void SipForm::Fix(int combo, std::string_view text) {
+    m_view.ClearItems(combo);
+    m_view.AddItem(combo, text);
+    m_view.Select(combo, 0);
+    m_view.Enable(combo, false);
+}
+
+void SipForm::FixClient(std::string_view client) {
+    if (!SearchesClients()) return Fix(IDC_CLIENT_COMBO, client);
+    m_view.SetText(IDC_CLIENT_SEARCH, client);
+    m_view.Enable(IDC_CLIENT_SEARCH, false);
+    m_view.Enable(IDC_CLIENT_SEARCH_MODE, false);
+}
+
 SipOrderForm SipForm::Read(int valueControl) const {
     struct FormRow {
         int control;

@@ -10,13 +10,13 @@ namespace planfold {
 class CPlanfoldControlBlock;
 }
 
-// From the first successful menu pick until ExitVeskPlugin.
+// Set from the first successful menu pick until ExitVeskPlugin.
 inline planfold::CPlanfoldControlBlock* g_pControlBlock = nullptr;
 // The host executable, in which its callbacks are found; set when the library is attached.
 inline HostInstance g_hHostModule = nullptr;
-// From InitVeskPlugin.
+// Set by InitVeskPlugin.
 inline std::string g_strLoginId;
-// From the host's peer data.
+// Set from the host's peer data.
 inline std::string g_strPeerIdA;
 inline std::string g_strPeerIdB;
 // The client made active in the host.

@@ -108,7 +108,7 @@ bool HeaderPainter::Draw(const NMCUSTOMDRAW& draw) const {
     return true;
 }
 
-// At the top of the cell, where the system draws it.
+// The arrow stands at the top of the cell, where the system draws it.
 void HeaderPainter::DrawArrow(HDC dc, const RECT& place, bool up, COLORREF colour, UINT dpi) {
     const int size = framework::Scaled(kArrow, dpi);
     const int middle = (place.left + place.right) / 2;

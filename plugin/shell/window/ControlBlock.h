@@ -62,7 +62,7 @@ private:
     // Before the dialog is made. False when the session has ended meanwhile.
     [[nodiscard]] bool SetHostsFont(const framework::Dialog& dialog);
     void OpenForModify(const sOrderinfo& record);
-    // To the order form, should it be open for the record.
+    // The order form hears of it, should it be open for the record.
     void TellChanged(const sOrderinfo& record);
     void OpenOrderHistory(Pass pass, const std::string& registrationNumber);
     void FindSettingsPaths(Pass pass);
