@@ -9,7 +9,6 @@
 #include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
-#include "plugin/basket/UnsentOrders.h"
 
 #include <algorithm>
 #include <charconv>
@@ -57,7 +56,7 @@ public:
 
 void Load(std::string_view text, const BasketRules& rules, Findings& findings) {
     Scrips scrips;
-    BasketLoad load(text, rules, scrips, findings);
+    BasketReader load(text, rules, scrips, findings);
     while (load.Read(3)) {
     }
     text = base::WithoutMark(text);
@@ -101,7 +100,7 @@ public:
     void Load(std::string_view text, const BasketRules& rules) {
         m_store.Clear();
         m_rows.clear();
-        BasketLoad(text, rules, m_scrips, *this).Read(text.size());
+        BasketReader(text, rules, m_scrips, *this).Read(text.size());
     }
     void Do(std::string_view step, const BasketRules& rules) {
         if (m_rows.empty() || step.empty()) return;
@@ -193,7 +192,7 @@ private:
             const std::string text = UnsentText(m_store, list, placing);
             Store next;
             RememberDoubtful(text, next.m_store);
-            BasketLoad(text, rules, next.m_scrips, next).Read(text.size());
+            BasketReader(text, rules, next.m_scrips, next).Read(text.size());
             std::vector<std::string> back;
             for (const Row& row : next.m_rows) {
                 back.push_back(Ordered(next.m_store[row.record]));

@@ -85,7 +85,7 @@ private:
     static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
     static constexpr std::int64_t kPortionMs = 50;
 
-    // Taken while it lives.
+    // While one lives, nothing else begins.
     class Turn {
     public:
         explicit Turn(bool& taken) : m_taken(taken), m_before(std::exchange(taken, true)) {}

@@ -2,7 +2,7 @@
 
 #include "plugin/base/Codes.h"
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 
 #include <utility>
 

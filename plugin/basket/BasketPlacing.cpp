@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketPlacing.h"
 
 #include "plugin/base/Codes.h"
-#include "plugin/basket/SipOrderFields.h"
+#include "plugin/basket/BasketOrder.h"
 #include "plugin/orderentry/PlaceOrder.h"
 
 #include <utility>

@@ -33,7 +33,7 @@ public:
     std::size_t Tried() const { return m_next; }
     std::size_t SentCount() const { return m_sent.size(); }
     const std::vector<RecordId>& Sent() const { return m_sent; }
-    // Of the rows that could not be sent.
+    // Why rows could not be sent.
     std::string FailureTexts() const { return m_failures.Text(); }
 
 private:

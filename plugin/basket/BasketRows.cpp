@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketRows.h"
 
 #include "plugin/base/Numbers.h"
-#include "plugin/basket/SipOrderFields.h"
+#include "plugin/basket/BasketOrder.h"
 
 #include <functional>
 #include <utility>

@@ -2,10 +2,11 @@
 // what they come to. In which order they stand is the list's affair.
 #pragma once
 
-#include "plugin/base/RecordId.h"
-#include "plugin/basket/BasketOrder.h"
 #include "plugin/base/KeyCounts.h"
+#include "plugin/base/LongRun.h"
+#include "plugin/basket/BasketOrder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,7 @@ struct BasketTotals {
 
 class BasketRows {
 public:
-    // With the next serial number.
+    // The row gets the next serial number.
     RecordId Add(const BasketTexts& texts);
     // The same for a row out of a file, which is known again: it counts as sent when more orders like it were
     // sent than stand here as sent.

@@ -2,7 +2,7 @@
 #include "plugin/basket/Basket.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "plugin/resources/resource.h"
 
 #include <set>

@@ -2,7 +2,7 @@
 #include "plugin/basket/Basket.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/basket/UnsentOrders.h"
+#include "plugin/basket/BasketFile.h"
 
 #include <utility>
 

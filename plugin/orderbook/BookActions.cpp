@@ -2,7 +2,7 @@
 
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
@@ -154,7 +154,7 @@ void BookActions::Continue() {
 void BookActions::Stop() {
     if (!m_run) return;
     m_run->Stop();
-    // Also when only answers were waited for.
+    // This ends it also when only answers were waited for.
     if (!m_sending) EndRun();
 }
 

@@ -20,13 +20,13 @@ public:
     BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control, Lifetime& life)
         : m_session(session), m_view(view), m_cache(cache), m_control(control), m_life(life) {}
 
-    // Of every selected row, after a question and a reason.
+    // Cancels every selected row, after a question and a reason.
     void Cancel();
-    // Of the first selected row.
+    // These three work on the first selected row.
     void Modify();
     void Pause() { Change(PauseOrResume::pause); }
     void Resume() { Change(PauseOrResume::resume); }
-    // Of every selected row whose status allows it, after a question with exact numbers.
+    // These two work on every selected row whose status allows it, after a question with exact numbers.
     void PauseSelected() { ChangeSelected(PauseOrResume::pause); }
     void ResumeSelected() { ChangeSelected(PauseOrResume::resume); }
 

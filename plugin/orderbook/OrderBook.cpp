@@ -1,10 +1,9 @@
 #include "plugin/orderbook/OrderBook.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/Subscriptions.h"
-#include "plugin/orderbook/BookColumns.h"
-#include "plugin/orderbook/BookQueries.h"
-#include "plugin/orderbook/OrderRow.h"
+#include "plugin/orderbook/BookLists.h"
+#include "plugin/orderbook/BookRequests.h"
+#include "plugin/orderbook/OrderInfo.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "sdk/Tags.h"
 

@@ -1,7 +1,7 @@
 #include "plugin/orderentry/KeptOrders.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/orderentry/SentModifications.h"
+#include "plugin/orderentry/Modification.h"
 
 #include <algorithm>
 #include <utility>

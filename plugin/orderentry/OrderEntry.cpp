@@ -1,7 +1,7 @@
 #include "plugin/orderentry/OrderEntry.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"

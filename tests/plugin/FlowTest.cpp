@@ -1,6 +1,6 @@
 // The form, the connection library and the trading server together: what a dealer sees of one order.
 
-#include "plugin/messaging/Subscriptions.h"
+#include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 #include "tests/plugin/FlowStage.h"

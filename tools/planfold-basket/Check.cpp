@@ -62,7 +62,7 @@ struct Side {
 };
 constexpr Side kSides[] = {{"buy", &Findings::buy}, {"sell", &Findings::sell}};
 
-std::string PlainReport(const std::string& file, const BasketLoad& load, const Findings& findings) {
+std::string PlainReport(const std::string& file, const BasketReader& load, const Findings& findings) {
     std::string text;
     for (const Rejection& each : findings.rejected)
         text += file + Format(":%d: ", each.line) + each.reason + '\n';
@@ -77,7 +77,7 @@ std::string PlainReport(const std::string& file, const BasketLoad& load, const F
     return text;
 }
 
-std::string JsonReport(const std::string& file, const BasketLoad& load, const Findings& findings) {
+std::string JsonReport(const std::string& file, const BasketReader& load, const Findings& findings) {
     nlohmann::ordered_json report = {
         {"file", file},
         {"lines", load.LinesRead()},
@@ -101,7 +101,7 @@ int Check(const Options& options, ScripSource& scrips) {
     if (!text) return Fail(text.Fault().Text());
     if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
     Findings findings(!options.normalised.empty());
-    BasketLoad load(text.Value(), options.rules, scrips, findings);
+    BasketReader load(text.Value(), options.rules, scrips, findings);
     while (load.Read(1'000'000)) {
     }
     std::string rejects;

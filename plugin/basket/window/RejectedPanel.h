@@ -5,8 +5,7 @@
 #include "framework/Colours.h"
 #include "framework/Dialog.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/controls/window/FilterList.h"
-#include "plugin/controls/window/RowMenu.h"
+#include "plugin/controls/window/ListWindows.h"
 
 #include <vector>
 

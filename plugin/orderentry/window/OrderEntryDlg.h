@@ -2,7 +2,6 @@
 #pragma once
 
 #include "framework/Colours.h"
-#include "plugin/controls/window/AfterBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"

@@ -12,11 +12,11 @@
 
 namespace planfold {
 
-class ColoredHeader final {
+class HeaderPainter final {
 public:
     // Null when there is no memory.
-    static ColoredHeader* Make() noexcept;
-    ~ColoredHeader();
+    static HeaderPainter* Make() noexcept;
+    ~HeaderPainter();
 
     bool Attach(HWND header) noexcept;
     void Detach() noexcept;
@@ -27,24 +27,24 @@ public:
 private:
     class Header final : public framework::Subclass {
     public:
-        explicit Header(ColoredHeader& owner);
+        explicit Header(HeaderPainter& owner);
         ~Header() override;
 
     private:
         void OnGone() override;
-        ColoredHeader& m_owner;
+        HeaderPainter& m_owner;
     };
     class Parent final : public framework::Subclass {
     public:
-        explicit Parent(ColoredHeader& owner);
+        explicit Parent(HeaderPainter& owner);
         ~Parent() override;
 
     private:
         std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-        ColoredHeader& m_owner;
+        HeaderPainter& m_owner;
     };
 
-    ColoredHeader();
+    HeaderPainter();
     void Redraw() const;
     // False for a cell that is the system's.
     bool Draw(const NMCUSTOMDRAW& draw) const;

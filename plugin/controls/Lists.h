@@ -1,4 +1,4 @@
-// What the columns of the plug-in's lists have in common.
+// What the plug-in's lists have in common: their columns and the entries of their menus.
 #pragma once
 
 #include "sdk/korvex/ValueType.h"
@@ -16,6 +16,13 @@ struct ListColumn {
     Field field;
     ValueType type = ValueType::text;
     Align align = Align::left;
+};
+
+// An entry of a list's menu.
+struct MenuEntry {
+    const char* text;
+    int command;
+    bool greyed = false;
 };
 
 } // namespace planfold

@@ -1,4 +1,4 @@
-// Scrips as the host's master knows them.
+// What the host is asked about scrips and clients.
 #pragma once
 
 #include "plugin/messaging/Session.h"
@@ -24,5 +24,14 @@ ScripNames AskScripNames(Pass pass, const Session& session, std::string_view exc
                          std::string_view series, std::string_view symbol);
 std::string AskTradingSymbol(Pass pass, const Session& session, std::string_view exchangeCode,
                              std::string_view series, std::string_view symbol);
+
+// Empty when the host knows none, or cannot be asked.
+std::string AskClientName(Pass pass, const Session& session, std::string_view client);
+
+// Whether the host can tell that this is none of the user's accounts, and says so.
+bool IsUnknownClient(Pass pass, const Session& session, std::string_view client);
+
+// What is asked before an order is placed for such a client.
+std::string UnknownClientQuestion(std::string_view client);
 
 } // namespace planfold

@@ -6,7 +6,7 @@
 
 namespace {
 
-class BookAction : public BookWindowTest {
+class BookInterrupt : public BookWindowTest {
 protected:
     // Filled while nothing is drawn.
     void OpenWith(int rows, const std::vector<std::string>& selected) {
@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
+TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
     struct Row {
         const char* start;
         std::function<void()> starts;
@@ -84,7 +84,7 @@ TEST_F(BookAction, CancelAsksOnceAndSendsOneReasonForAll) {
 }
 
 // Nothing is left, and nothing is sent any more.
-TEST_F(BookAction, TheBookMayEndInTheMiddleOfEverything) {
+TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
     const auto progress = [] {
         HWND found = nullptr;
         for (HWND window : probe::TopWindows())

@@ -1,4 +1,4 @@
-#include "plugin/controls/window/ColoredHeader.h"
+#include "plugin/controls/window/HeaderPainter.h"
 
 #include "framework/Guard.h"
 
@@ -20,57 +20,57 @@ void Fill(HDC dc, const RECT& place, COLORREF colour) {
 
 } // namespace
 
-ColoredHeader* ColoredHeader::Make() noexcept {
-    return framework::Guard(static_cast<ColoredHeader*>(nullptr), [] { return new ColoredHeader; });
+HeaderPainter* HeaderPainter::Make() noexcept {
+    return framework::Guard(static_cast<HeaderPainter*>(nullptr), [] { return new HeaderPainter; });
 }
 
-ColoredHeader::ColoredHeader() = default;
+HeaderPainter::HeaderPainter() = default;
 
-ColoredHeader::~ColoredHeader() {
+HeaderPainter::~HeaderPainter() {
     Detach();
 }
 
-bool ColoredHeader::Attach(HWND header) noexcept {
+bool HeaderPainter::Attach(HWND header) noexcept {
     Detach();
     const bool attached = m_header.Attach(header) && m_parent.Attach(GetParent(header));
     attached ? Redraw() : Detach();
     return attached;
 }
 
-void ColoredHeader::Detach() noexcept {
+void HeaderPainter::Detach() noexcept {
     Redraw();
     m_header.Detach();
     m_parent.Detach();
 }
 
-HWND ColoredHeader::Handle() const noexcept {
+HWND HeaderPainter::Handle() const noexcept {
     return m_header.Handle();
 }
 
-void ColoredHeader::Set(int item, const framework::Colours& colours) noexcept {
+void HeaderPainter::Set(int item, const framework::Colours& colours) noexcept {
     framework::Guard([&] { m_colours[item] = colours; });
     Redraw();
 }
 
-void ColoredHeader::Reset() noexcept {
+void HeaderPainter::Reset() noexcept {
     m_colours.clear();
     Redraw();
 }
 
-void ColoredHeader::Redraw() const {
+void HeaderPainter::Redraw() const {
     if (Handle()) InvalidateRect(Handle(), nullptr, TRUE);
 }
 
-ColoredHeader::Header::Header(ColoredHeader& owner) : m_owner(owner) {}
-ColoredHeader::Header::~Header() = default;
-ColoredHeader::Parent::Parent(ColoredHeader& owner) : m_owner(owner) {}
-ColoredHeader::Parent::~Parent() = default;
+HeaderPainter::Header::Header(HeaderPainter& owner) : m_owner(owner) {}
+HeaderPainter::Header::~Header() = default;
+HeaderPainter::Parent::Parent(HeaderPainter& owner) : m_owner(owner) {}
+HeaderPainter::Parent::~Parent() = default;
 
-void ColoredHeader::Header::OnGone() {
+void HeaderPainter::Header::OnGone() {
     m_owner.m_parent.Detach();
 }
 
-std::optional<LRESULT> ColoredHeader::Parent::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+std::optional<LRESULT> HeaderPainter::Parent::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_NOTIFY) return std::nullopt;
     const auto& draw = *reinterpret_cast<const NMCUSTOMDRAW*>(lParam);
     if (draw.hdr.hwndFrom != m_owner.Handle() || draw.hdr.code != NM_CUSTOMDRAW) return std::nullopt;
@@ -79,7 +79,7 @@ std::optional<LRESULT> ColoredHeader::Parent::OnMessage(UINT message, WPARAM wPa
     return CDRF_SKIPDEFAULT;
 }
 
-bool ColoredHeader::Draw(const NMCUSTOMDRAW& draw) const {
+bool HeaderPainter::Draw(const NMCUSTOMDRAW& draw) const {
     const auto found = m_colours.find(static_cast<int>(draw.dwItemSpec));
     if (found == m_colours.end() || framework::IsHighContrast()) return false;
     wchar_t text[260] = L"";
@@ -108,8 +108,8 @@ bool ColoredHeader::Draw(const NMCUSTOMDRAW& draw) const {
     return true;
 }
 
-// At the top of the cell, where the system draws it.
-void ColoredHeader::DrawArrow(HDC dc, const RECT& place, bool up, COLORREF colour, UINT dpi) {
+// The arrow stands at the top of the cell, where the system draws it.
+void HeaderPainter::DrawArrow(HDC dc, const RECT& place, bool up, COLORREF colour, UINT dpi) {
     const int size = framework::Scaled(kArrow, dpi);
     const int middle = (place.left + place.right) / 2;
     for (int line = 0; line < size; ++line) {

@@ -1,10 +1,12 @@
-// The columns of the two books, in order.
+// What the two books show and offer: their columns in order, and the menus of their rows. The lists add entries
+// of their own behind these.
 #pragma once
 
-#include "plugin/controls/ListColumn.h"
+#include "plugin/controls/Lists.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <span>
+#include <vector>
 
 namespace planfold {
 
@@ -42,5 +44,21 @@ inline constexpr std::span<const BookColumn> kRegisteredColumns = kCancelledColu
 // The one that the active client filters.
 inline constexpr int kClientColumn = 1;
 static_assert(kBookColumns[kClientColumn].field == OrderField::account);
+
+inline constexpr int kOrderHistoryCommand = 4;
+inline constexpr int kRefreshCommand = 25001;
+inline constexpr int kCancelCommand = 25002;
+inline constexpr int kModifyCommand = 25003;
+inline constexpr int kPauseCommand = 25004;
+inline constexpr int kResumeCommand = 25005;
+// These two are for several rows, and stand among the list's own entries.
+inline constexpr int kPauseSelectedCommand = 25101;
+inline constexpr int kResumeSelectedCommand = 25102;
+
+// `selected` is the first selected row's record; null when no row is selected.
+std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected);
+std::vector<MenuEntry> CancelledMenu();
+// None unless several rows are selected.
+std::vector<MenuEntry> SeveralRowsMenu(std::size_t selected);
 
 } // namespace planfold

@@ -1,4 +1,4 @@
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 
 namespace planfold {
 
