@@ -235,6 +235,22 @@ TEST_F(RxClientTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
     EXPECT_EQ(m_client.LiveControls(), 1u);
 }
 
+TEST_F(RxClientTest, SessionThatEndsIsALostConnectionAndWhatWasAskedIsAskedAgain) {
+    RxControl* one = m_client.Get(kRxRequests, &m_one);
+    RxControl* stream = m_client.Get(kRxIdentityStream, &m_two);
+    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
+    m_running.server->Config().faults["add_sip_orders"].disconnects = 1;
+    ASSERT_TRUE(Send(one, Order()));
+    m_client.Pump(0);
+    EXPECT_EQ(m_client.State(), LinkState::lost);
+    EXPECT_EQ(m_log, Log{});
+    m_client.Pump(1000);
+    const std::string number(m_running.server->Registrations().back().Number());
+    EXPECT_EQ(Taken(), (Log{"one answer add_sip_orders", "two stream " + number})) << "with what was missed";
+    EXPECT_EQ(m_running.server->Registrations().size(), 1u);
+    EXPECT_EQ(m_client.Waiting(), 0u);
+}
+
 TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {
     EXPECT_EQ(m_client.Get(3, &m_one), nullptr);
     EXPECT_EQ(m_client.Get(-1, &m_one), nullptr);
