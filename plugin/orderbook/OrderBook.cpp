@@ -28,13 +28,12 @@ void OrderBook::Open(const LocalDateTime& today) {
     FilterByClient({});
     m_session.m_nSipOperationMode = 0;
     // Each failure is a box.
-    const auto& [requests, identityStream, accountStream] = m_controls;
     const std::function<void(Pass)> steps[] = {
-        [&](Pass pass) { SendGetSipOperationMode(pass, m_session, requests, m_view); },
-        [&](Pass pass) { SubscribeBroadcasts(pass, m_session, accountStream, m_view); },
-        [&](Pass pass) { SendGetSipOrders(pass, m_session, requests, m_view); },
-        [&](Pass pass) { SubscribeIdentity(pass, m_session, identityStream, m_view); },
-        [&](Pass pass) { SendQuerySips(pass, m_session, requests, m_view, today); },
+        [&](Pass pass) { SendGetSipOperationMode(pass, m_session, m_controls.requests, m_view); },
+        [&](Pass pass) { SubscribeBroadcasts(pass, m_session, m_controls.accountStream, m_view); },
+        [&](Pass pass) { SendGetSipOrders(pass, m_session, m_controls.requests, m_view); },
+        [&](Pass pass) { SubscribeIdentity(pass, m_session, m_controls.identityStream, m_view); },
+        [&](Pass pass) { SendQuerySips(pass, m_session, m_controls.requests, m_view, today); },
     };
     for (const auto& step : steps)
         if (!m_life.Across(step)) return;
