@@ -57,7 +57,7 @@ struct Desk {
         Require(exported.size() == sample.text.size(), "writing rows");
     }
     void Place() {
-        BasketPlacing placing(host.pass, host.session, &host.control, store->rows,
+        BasketPlacing placing(host.pass, host.session, &host.control, store->rows, unanswered, "sample.csv", {},
                               {store->list.begin(), store->list.end()});
         while (placing.Step(host.pass)) {
         }
@@ -72,6 +72,7 @@ struct Desk {
     }
 
     SilentHost host;
+    UnansweredRows unanswered;
     SampleBasket sample;
     std::unique_ptr<Store> store;
     std::string exported;

@@ -4,7 +4,7 @@
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"
 #include "bench/SqlitePeer.h"
-#include "plugin/orderbook/OrderRow.h"
+#include "plugin/orderbook/OrderInfo.h"
 
 #include <boost/unordered/unordered_flat_map.hpp>
 

@@ -2,8 +2,8 @@
 // vector
 #include "bench/Cases.h"
 #include "bench/Report.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ListModel.h"
-#include "host/korvexcontrols/model/Text.h"
 
 #include <algorithm>
 #include <array>

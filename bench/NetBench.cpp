@@ -7,7 +7,7 @@
 // them.
 
 #include "host/server/net/NetServer.h"
-#include "host/server/net/RemoteHub.h"
+#include "host/server/net/RxClient.h"
 #include "host/server/sample/SampleOrders.h"
 
 #include <algorithm>
@@ -41,8 +41,8 @@ public:
         std::filesystem::create_directories(m_folder);
         m_opening = Journal::Open(m_folder / "journal");
         m_server.emplace(ServerConfig{}, *m_opening.journal, m_opening.records, SystemClock());
-        m_server->Fill(
-            {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
+        Fill(*m_server,
+             {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
         m_commands.emplace(*m_server, SampleMarket{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}, true);
         m_net.emplace(*m_server, *m_commands,
                       [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
@@ -51,8 +51,9 @@ public:
         m_thread = std::thread([this] {
             while (!m_isToEnd) {
                 const bool isBehind = m_net->IsBehind();
-                m_net->Turn(isBehind ? 1 : m_server->HasDue() ? 0 : 10);
-                if (!isBehind) m_executed += m_server->ExecuteDue(std::chrono::milliseconds(5)).instalments;
+                m_net->Turn(isBehind ? 1 : m_server->Clock().HasDue() ? 0 : 10);
+                if (!isBehind)
+                    m_executed += m_server->Clock().ExecuteDue(std::chrono::milliseconds(5)).instalments;
             }
         });
     }
@@ -79,8 +80,8 @@ private:
 class Terminal final : public CKeloRxNotifierBase {
 public:
     explicit Terminal(std::uint16_t port)
-        : m_hub({"localhost", port}, {"DEALER", "B", ""}, {}), m_requests(m_hub.Get(kRxRequests, this)),
-          m_stream(m_hub.Get(kRxIdentityStream, this)) {
+        : m_client(std::make_unique<TcpChannel>(ServerAddress{"localhost", port}), {"DEALER", "B", ""}, {}),
+          m_requests(m_client.Get(kRxRequests, this)), m_stream(m_client.Get(kRxIdentityStream, this)) {
         const std::uint32_t tag = tag::loginId;
         const QmxDatum own{};
         m_stream->Subscribe(nullptr, &tag, &own, 1, m_stream, 0, 0, 1, nullptr);
@@ -113,11 +114,11 @@ public:
               {tag::orderSource, "TWS"},
               {tag::orderId, "order-" + std::to_string(number)}});
     }
-    void Pump() { m_hub.Pump(NowMs()); }
-    std::size_t Waiting() const { return m_hub.Waiting(); }
+    void Pump() { m_client.Pump(NowMs()); }
+    std::size_t Waiting() const { return m_client.Waiting(); }
 
-    void Advance(int days) { m_hub.Command("clock " + std::to_string(days), {}); }
-    bool HasDue() const { return m_hub.Server().hasDue; }
+    void Advance(int days) { m_client.Command("clock " + std::to_string(days), {}); }
+    bool HasDue() const { return m_client.Server().hasDue; }
 
     void OnBroadcast(void* message, std::uint32_t, void*) override {
         if (!qmx::Text(message, tag::orderId).starts_with("order-")) {
@@ -137,7 +138,7 @@ public:
 
 private:
     qmx::MessageWriter m_writer;
-    RemoteHub m_hub;
+    RxClient m_client;
     RxControl* m_requests;
     RxControl* m_stream;
 };

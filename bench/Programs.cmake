@@ -55,7 +55,7 @@ add_executable(planfold_basket_bench EXCLUDE_FROM_ALL
 target_link_libraries(planfold_basket_bench PRIVATE house_rules bench_rounds planfold_core csv)
 
 add_executable(planfold_net_bench EXCLUDE_FROM_ALL ${bench}/NetBench.cpp)
-target_link_libraries(planfold_net_bench PRIVATE house_rules vesk_remote)
+target_link_libraries(planfold_net_bench PRIVATE house_rules vesk_net)
 
 add_executable(planfold_start_bench EXCLUDE_FROM_ALL ${bench}/StartBench.cpp)
 target_link_libraries(planfold_start_bench PRIVATE house_rules vesk_server)

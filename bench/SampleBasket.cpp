@@ -67,7 +67,7 @@ SampleBasket::SampleBasket(std::uint32_t count)
       withBad(Lines(count, true)), rules{{"CNC"}, {}, false, {}, ToSeconds({2027, 2, 1, 0, 0, 0})} {}
 
 void SampleBasket::Load(const std::string& from, BasketSink& sink) {
-    BasketLoad load(from, rules, scrips, sink);
+    BasketReader load(from, rules, scrips, sink);
     while (load.Read(1'000)) {
     }
 }

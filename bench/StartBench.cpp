@@ -47,11 +47,12 @@ bool Prepare(const std::filesystem::path& path, std::size_t registrations) {
     const JournalOpening opening = Journal::Open(path);
     Server server({}, *opening.journal, opening.records, SystemClock());
     const SampleMarket market{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}};
-    if (!Report(server.Fill({registrations, {{"DEALER", "B", ""}}, market}))) return false;
-    if (!Report(server.AdvanceTo(std::chrono::sys_days(server.Today()) + std::chrono::days(kDays))))
+    if (!Report(Fill(server, {registrations, {{"DEALER", "B", ""}}, market}))) return false;
+    if (!Report(
+            server.Clock().AdvanceTo(std::chrono::sys_days(server.Clock().Today()) + std::chrono::days(kDays))))
         return false;
-    while (server.HasDue())
-        if (!Report(server.ExecuteDue(std::chrono::seconds(1)).fault)) return false;
+    while (server.Clock().HasDue())
+        if (!Report(server.Clock().ExecuteDue(std::chrono::seconds(1)).fault)) return false;
     for (int i = 0; i < kChanges; ++i)
         if (!ChangeAll(server, *opening.journal)) return false;
     return true;

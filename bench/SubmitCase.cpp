@@ -37,7 +37,7 @@ public:
             ValidateSipOrder(m_host.pass, m_host.session, nullptr, m_form, kNow, order).has_value();
         Require(!refused
                     && SendAddSipOrders(m_host.pass, m_host.session, &m_host.control, m_host.notices, order,
-                                        m_form.exchange),
+                                        m_host.session.FreshIdentifier(m_host.pass), m_form.exchange),
                 "Submit");
     }
 

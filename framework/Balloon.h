@@ -12,7 +12,7 @@ public:
     Balloon& operator=(const Balloon&) = delete;
     ~Balloon();
 
-    // Under the middle of the control; an earlier one is replaced. `icon` is one of TTI_*.
+    // It points at the middle of the control from below; an earlier one is replaced. `icon` is one of TTI_*.
     void Show(HWND control, const std::wstring& title, const std::wstring& text, int icon);
     void Hide();
     // The control is gone, and the balloon with it.

@@ -36,4 +36,21 @@ Colours ColoursOf(Meaning meaning, COLORREF windowBackground) {
     return {};
 }
 
+void ColorStatic::Tell(const std::string& text, Meaning meaning) {
+    const Window control(Handle());
+    if (meaning == m_meaning && control.Text() == text) return;
+    m_meaning = meaning;
+    control.SetText(text);
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+std::optional<LRESULT> ColorStatic::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != kReflected + WM_CTLCOLORSTATIC) return std::nullopt;
+    const COLORREF text = ColoursOf(m_meaning, GetSysColor(COLOR_BTNFACE)).text;
+    if (text == CLR_DEFAULT) return std::nullopt;
+    const LRESULT brush = DefWindowProcA(GetParent(Handle()), WM_CTLCOLORSTATIC, wParam, lParam);
+    SetTextColor(reinterpret_cast<HDC>(wParam), text);
+    return brush;
+}
+
 } // namespace framework

@@ -1,6 +1,8 @@
 // Colours by what they mean. Only a help to the eye: what a colour says must stand in a text as well.
 #pragma once
 
+#include "framework/Subclass.h"
+
 #include <windows.h>
 
 #include <commctrl.h>
@@ -17,7 +19,18 @@ struct Colours {
 };
 
 bool IsHighContrast();
-// For a window with that background. All its own in high contrast, and for what is plain.
+// The colours suit a window with that background. In high contrast, and for what is plain, they are its own.
 Colours ColoursOf(Meaning meaning, COLORREF windowBackground);
+
+// A static text in a colour that tells what it means, in a Dialog.
+class ColorStatic final : public Subclass {
+public:
+    void Tell(const std::string& text, Meaning meaning);
+
+private:
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+    Meaning m_meaning = Meaning::plain;
+};
 
 } // namespace framework

@@ -1,7 +1,7 @@
 // A window of a class of our own: derive, override what is wanted, Create.
 #pragma once
 
-#include "framework/MessageTarget.h"
+#include "framework/Subclass.h"
 #include "framework/Window.h"
 
 namespace framework {

@@ -1,8 +1,8 @@
 #include "framework/Dialog.h"
 
-#include "framework/FocusKeeper.h"
 #include "framework/Guard.h"
 #include "framework/KeyboardHook.h"
+#include "framework/MessageBoxes.h"
 
 #include <utility>
 

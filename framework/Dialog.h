@@ -3,7 +3,7 @@
 #pragma once
 
 #include "framework/DialogLayout.h"
-#include "framework/MessageTarget.h"
+#include "framework/Subclass.h"
 #include "framework/Window.h"
 
 #include <optional>
@@ -50,9 +50,9 @@ protected:
     // After each new layout.
     virtual void OnLaidOut() {}
 
-    // From the module's resources, square; `side` in pixels.
+    // The icon comes from the module's resources and is square; `side` is in pixels.
     Icon LoadModuleIcon(int resource, int side) const;
-    // In the caption, at the size of the window's DPI.
+    // Puts it into the caption, at the size of the window's DPI.
     void SetCaptionIcon(int resource);
 
     // The user cannot reach it until this window is gone.

@@ -39,7 +39,7 @@ RECT WorkArea(HWND window) {
 }
 
 void ResizeOnScreen(HWND window, SIZE size) {
-    // Of a minimised or maximised window it is the place that it comes back to.
+    // For a minimised or maximised window it is the place that it comes back to.
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     const bool away = (IsIconic(window) || IsZoomed(window)) && GetWindowPlacement(window, &placement);

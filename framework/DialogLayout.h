@@ -1,14 +1,35 @@
-// Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
-// the dialog itself grow with the text.
+// Reads a dialog resource (the extended template), so that its layout can be made anew for another
+// font or DPI. Positions are dialog units: quarters and eighths of the font's average character.
 #pragma once
 
-#include "framework/DialogTemplate.h"
 #include "framework/Handle.h"
 #include "framework/Window.h"
 
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
 namespace framework {
 
-// Of the monitor that the window is on, what the task bar leaves.
+struct DialogTemplate {
+    struct Item {
+        int id;
+        RECT units;
+    };
+
+    int pointSize = 8;
+    std::wstring face = L"MS Shell Dlg";
+    SIZE units{};
+    std::vector<Item> items; // in tab order
+};
+
+// Throws std::runtime_error when the module has no such resource or it is not an extended template.
+DialogTemplate ReadDialogTemplate(HINSTANCE module, int resource);
+
+// Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
+// the dialog itself grow with the text.
+// What the task bar leaves of the monitor that the window is on.
 RECT WorkArea(HWND window);
 
 // Gives the window this size, as far as its monitor has room, and moves it back where it would leave that.

@@ -1,14 +1,13 @@
 #include "framework/Files.h"
 
-#include "base/FileText.h"
-#include "framework/Wide.h"
-
-#include <commdlg.h>
+#include "base/Text.h"
 
 #include <algorithm>
+#include <commdlg.h>
 #include <cstring>
 
 namespace framework {
+
 namespace {
 
 std::string SystemText(DWORD error) {
@@ -21,7 +20,7 @@ std::string SystemText(DWORD error) {
     return message.empty() ? "Error " + std::to_string(error) : message;
 }
 
-// As the system takes it, which wants another form of a long one.
+// The system wants another form of a long name.
 std::wstring SystemPath(std::string_view path) {
     constexpr std::size_t leastLong = MAX_PATH - 16; // with the neighbour's ending
     const std::wstring wide = Wide(path, CP_UTF8);
@@ -196,6 +195,29 @@ std::string WriteWhole(const std::string& name, const std::string& text) {
     if (!MoveFileExW(neighbour.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return failed(GetLastError());
     return {};
+}
+
+std::wstring Wide(std::string_view text, UINT codePage) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide(
+        static_cast<std::size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0)), L'\0');
+    MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
+std::string Narrow(std::wstring_view wide, UINT codePage) {
+    const int length = static_cast<int>(wide.size());
+    const auto convert = [&](char* to, std::size_t most) {
+        return static_cast<std::size_t>(WideCharToMultiByte(codePage, 0, wide.data(), length, to,
+                                                            static_cast<int>(most), nullptr, nullptr));
+    };
+    std::string text(convert(nullptr, 0), '\0');
+    convert(text.data(), text.size());
+    return text;
+}
+
+std::string Utf8(std::string_view ansi) {
+    return Narrow(Wide(ansi, CP_ACP), CP_UTF8);
 }
 
 } // namespace framework

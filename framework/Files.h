@@ -26,7 +26,7 @@ struct FileQuestion {
     const char* title = nullptr; // null: the system's
 };
 
-// None when the user thinks better of it.
+// There is none when the user thinks better of it.
 std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& question);
 // Asks once more before another file is replaced.
 std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& question,
@@ -38,10 +38,10 @@ void RemoveFile(const std::string& name);
 // made.
 File HoldFile(const std::string& name);
 
-// None when it cannot be opened or read.
+// There is none when it cannot be opened or read.
 std::optional<std::string> ReadWhole(const std::string& name);
 
-// For a settings file, in which the system takes the mark for part of the first line.
+// A settings file needs this: the system takes the mark for part of its first line.
 void DropByteOrderMark(const std::string& name);
 
 // A file that several processes may append to at the same time; null when it cannot be opened or made.
@@ -52,11 +52,19 @@ bool AppendLines(HANDLE file, std::string_view heading, std::string_view lines, 
 // And those above it.
 void MakeFolders(const std::string& name);
 
-// With the system's line ends in place of line feeds.
+// Puts the system's line ends in place of line feeds.
 std::string WithLineEnds(std::string_view text);
 
 // Writes a neighbour and puts it in the file's place, which keeps its old content when anything fails. What
 // failed; empty when nothing did.
 std::string WriteWhole(const std::string& name, const std::string& text);
+
+// Text of 16-bit characters, as the system's names are, and of a code page.
+std::wstring Wide(std::string_view text, UINT codePage);
+// What the code page lacks becomes its default character.
+std::string Narrow(std::wstring_view wide, UINT codePage);
+
+// `ansi` is in the system's ANSI code page.
+std::string Utf8(std::string_view ansi);
 
 } // namespace framework

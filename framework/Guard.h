@@ -8,7 +8,7 @@
 
 namespace framework {
 
-// To the debugger's output, or standard error where there is none. Never throws.
+// Writes to the debugger's output, or standard error where there is none. Never throws.
 void ReportFault(const char* what, const std::source_location& where) noexcept;
 
 template <class Result, class Body>

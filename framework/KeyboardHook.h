@@ -12,7 +12,7 @@ inline constexpr UINT kOfferedKey = WM_APP + 0x1000;
 
 class KeyboardHook {
 public:
-    // For the calling thread, until this object ends.
+    // The hook is the calling thread's, until this object ends.
     KeyboardHook();
 
     // Dialogs that want keys. The mark lies on the window itself.

@@ -1,6 +1,5 @@
 #include "framework/MessageBoxes.h"
 
-#include "framework/FocusKeeper.h"
 #include "framework/Guard.h"
 
 #include <utility>

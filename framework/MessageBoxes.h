@@ -22,14 +22,14 @@ public:
     // A question with Yes and No, No being the default; true for Yes. While it is open, texts wait. False
     // without asking when a box is open already, or held back.
     bool Ask(HWND owner, const std::string& question) { return AskWith(owner, question, MB_YESNO) == IDYES; }
-    // The same with Cancel besides: IDYES, IDNO or IDCANCEL, the last one also without asking.
+    // Offers Cancel besides: IDYES, IDNO or IDCANCEL, which is the answer without asking, too.
     int AskOrCancel(HWND owner, const std::string& question) {
         return AskWith(owner, question, MB_YESNOCANCEL);
     }
 
     // Whether one is open, or all are kept for later: whoever has to ask does so after it.
     bool IsBusy() const { return m_open || m_holds; }
-    // The same; the open one comes to the front.
+    // Says the same, and the open one comes to the front.
     bool BringToFront() const;
 
     // Ends the open box if it is this window's, as if it were cancelled. A box belongs to the top-level window,
@@ -75,6 +75,23 @@ private:
     HWND m_owner = nullptr; // of the open box
     bool m_open = false;
     int m_holds = 0;
+};
+
+// Gives the keyboard back after a box: its end activates the window below, but not the control that was at
+// work.
+class FocusKeeper {
+public:
+    FocusKeeper() = default;
+    FocusKeeper(const FocusKeeper&) = delete;
+    FocusKeeper& operator=(const FocusKeeper&) = delete;
+    // Leaves the focus alone when another window was brought up meanwhile.
+    ~FocusKeeper() {
+        if (m_focus && GetFocus() != m_focus && GetActiveWindow() == GetAncestor(m_focus, GA_ROOT))
+            SetFocus(m_focus);
+    }
+
+private:
+    HWND m_focus = GetFocus();
 };
 
 } // namespace framework

@@ -62,7 +62,7 @@ public:
     void ChangeStyle(LONG_PTR set, LONG_PTR clear) const;
     // Dots per inch of the monitor that the window is on; 96 without a window.
     UINT Dpi() const;
-    // By its DPI and the font that it was given.
+    // Its DPI and the font that it was given decide.
     TextScale Scale() const;
     RECT ClientRect() const;
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
@@ -147,7 +147,7 @@ class DatePicker : public Window {
 public:
     using Window::Window;
 
-    // In the picker's own notation, for example "dd'/'MMM'/'yyyy".
+    // `format` is in the picker's own notation, for example "dd'/'MMM'/'yyyy".
     void SetFormat(const char* format) const { Send(DTM_SETFORMATA, 0, reinterpret_cast<LPARAM>(format)); }
     SYSTEMTIME Time() const;
     void SetTime(const SYSTEMTIME& time) const {

@@ -9,7 +9,6 @@
 #include "plugin/base/Dates.h"
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
-#include "plugin/basket/UnsentOrders.h"
 
 #include <algorithm>
 #include <charconv>
@@ -57,7 +56,7 @@ public:
 
 void Load(std::string_view text, const BasketRules& rules, Findings& findings) {
     Scrips scrips;
-    BasketLoad load(text, rules, scrips, findings);
+    BasketReader load(text, rules, scrips, findings);
     while (load.Read(3)) {
     }
     text = base::WithoutMark(text);
@@ -88,7 +87,7 @@ struct Listed final : BasketList {
 class Store final : public BasketSink {
 public:
     void OnRow(const BasketTexts& texts) override {
-        const RecordId record = m_store.AddLoaded(texts);
+        const RecordId record = m_store.AddLoaded(texts, 1);
         const std::string order = Ordered(m_store[record]);
         const auto standing = std::ranges::count_if(
             m_rows, [&](const Row& row) { return row.isSent && Ordered(m_store[row.record]) == order; });
@@ -101,7 +100,7 @@ public:
     void Load(std::string_view text, const BasketRules& rules) {
         m_store.Clear();
         m_rows.clear();
-        BasketLoad(text, rules, m_scrips, *this).Read(text.size());
+        BasketReader(text, rules, m_scrips, *this).Read(text.size());
     }
     void Do(std::string_view step, const BasketRules& rules) {
         if (m_rows.empty() || step.empty()) return;
@@ -166,7 +165,7 @@ private:
         bool isSent = false;
     };
 
-    // All that is sent.
+    // Keeps all that is sent.
     static std::string Ordered(const sBasketOrderData& order) {
         std::string text;
         for (const BasketField field : kBasketColumns) {
@@ -186,14 +185,14 @@ private:
         for (const Row& row : m_rows) {
             list.records.push_back(row.record);
             if (!row.isSent) unsent.push_back(Ordered(m_store[row.record]));
-            // Rounded away, and so no order that loads.
+            // What is rounded away is no order that loads.
             if (m_store[row.record].Text(BasketField::amount) == "0") return;
         }
         for (const bool placing : {false, true}) {
             const std::string text = UnsentText(m_store, list, placing);
             Store next;
             RememberDoubtful(text, next.m_store);
-            BasketLoad(text, rules, next.m_scrips, next).Read(text.size());
+            BasketReader(text, rules, next.m_scrips, next).Read(text.size());
             std::vector<std::string> back;
             for (const Row& row : next.m_rows) {
                 back.push_back(Ordered(next.m_store[row.record]));

@@ -34,7 +34,7 @@ void CheckClients(const vesk::ClientList& clients) {
         // Blanks at the ends of a searched text do not count, and "(" behind it asks for an account.
         const bool searchable = client.id.find_first_of(" (") == std::string::npos;
         for (const auto& text : {std::string(), searchable ? client.id : std::string()}) {
-            const auto found = clients.Search(static_cast<int>(vesk::SearchMode::all), text);
+            const auto found = clients.Search(static_cast<int>(vesk::ClientSearchMode::all), text);
             Demand(std::ranges::find(found, &client) != found.end());
         }
     }

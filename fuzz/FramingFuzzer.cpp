@@ -2,7 +2,7 @@
 // same again, and neither end of a connection is upset by anything.
 
 #include "fuzz/Fuzz.h"
-#include "host/server/net/Session.h"
+#include "host/server/net/ServerSession.h"
 
 #include <filesystem>
 #include <unistd.h>
@@ -56,7 +56,7 @@ void Talk(std::string_view bytes, std::size_t portion) {
                                                               / ("fuzz-framing-" + std::to_string(getpid())));
     vesk::Server server({}, *opening.journal, {}, vesk::SystemClock());
     vesk::ServerCommands commands(server, {}, true);
-    vesk::Session session(server, commands, {});
+    vesk::ServerSession session(server, commands, {});
     vesk::FrameFault fault{};
     std::string hello;
     fuzz::Demand(vesk::net::Append(hello, vesk::net::Hello{vesk::net::kProtocolVersion, "USER1", "B", "", 1}));
@@ -81,9 +81,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const Frames frames = ReadAll(bytes, portion, fault);
         fuzz::Demand(frames == ReadAll(bytes, bytes.size(), faultAtOnce) && fault == faultAtOnce);
         namespace net = vesk::net;
-        RoundTrips<net::Hello, net::Open, net::Close, net::Request, net::Subscribe, net::Stop, net::Welcome,
-                   net::Refusal, net::Answer, net::Done, net::Stream, net::Unsubscribed, net::Command,
-                   net::Told, net::ServerState>(frames);
+        RoundTrips<net::Hello, net::OpenControl, net::CloseControl, net::ControlRequest, net::Subscribe,
+                   net::Stop, net::Welcome, net::ConnectionRefused, net::Response, net::RequestDone,
+                   net::Update, net::Unsubscribed, net::ServerCommand, net::CommandDone, net::ServerState>(
+            frames);
         Talk(bytes, portion);
     }
     return 0;

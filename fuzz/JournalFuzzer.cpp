@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (written != text.substr(0, judged.end)) std::abort();
     if ((judged.torn || judged.damaged) == (judged.end == size)) std::abort();
-    // Without the checksum in the way: the content itself.
+    // Here the content itself is read, without the checksum in the way.
     CheckAll(text);
     return 0;
 }

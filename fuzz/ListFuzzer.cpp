@@ -1,7 +1,7 @@
 // The list's model under any operations, beside a plain one; and the lines in which lists keep their columns.
 
 #include "fuzz/Fuzz.h"
-#include "host/korvexcontrols/model/ColumnsState.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 #include "tests/support/ListPair.h"
 
 using fuzz::Demand;

@@ -1,7 +1,7 @@
 // Numbers out of any text and back into one: as the C library reads and writes them, and prices whose range is
 // judged with a reason.
 
-#include "base/Format.h"
+#include "base/Text.h"
 #include "fuzz/Fuzz.h"
 #include "plugin/base/Numbers.h"
 

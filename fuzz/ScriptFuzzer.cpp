@@ -1,7 +1,7 @@
 // Scripts of any content: a fault with its line, or commands that read back from their own text.
 
 #include "fuzz/Fuzz.h"
-#include "host/terminal/script/KeyText.h"
+#include "host/terminal/core/Keys.h"
 #include "host/terminal/script/Script.h"
 
 #include <algorithm>

@@ -67,7 +67,7 @@ void CheckAnswer(const std::string& bytes, std::string_view request, bool isGarb
         Demand(!qmx::Text(reader.Handle(), tag::userText).empty());
 }
 
-// All that was answered.
+// Keeps all that was answered.
 std::string Ask(Server& server, std::string_view line) {
     qmx::MessageWriter writer;
     std::string told;
@@ -105,9 +105,9 @@ std::size_t Execute(Server& server, std::int64_t instalments) {
     constexpr std::int64_t most = 20;
     const Registration& registration = server.Registrations().back();
     const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(instalments, 0, most));
-    const ExecutionPlan plan{server.OpenDays(registration, count), instalments};
+    const ExecutionPlan plan{server.Clock().OpenDays(registration, count), instalments};
     Demand(std::is_sorted(plan.days.begin(), plan.days.end()));
-    Demand(server.Execute(registration, plan).empty());
+    Demand(server.Clock().Execute(registration, plan).empty());
     return plan.days.size();
 }
 
@@ -115,10 +115,10 @@ std::size_t Execute(Server& server, std::int64_t instalments) {
 std::size_t Advance(Server& server, std::int64_t days) {
     constexpr std::int64_t most = 400;
     const auto count = std::chrono::days(static_cast<int>(std::min(days, most)));
-    server.AdvanceTo(std::chrono::sys_days(server.Today()) + count);
+    server.Clock().AdvanceTo(std::chrono::sys_days(server.Clock().Today()) + count);
     std::size_t orders = 0;
-    while (server.HasDue()) {
-        const Executed done = server.ExecuteDue({});
+    while (server.Clock().HasDue()) {
+        const Executed done = server.Clock().ExecuteDue({});
         Demand(done.fault.empty());
         orders += done.instalments;
     }
@@ -142,7 +142,7 @@ std::string Held(Server& server) {
         for (const std::string request : {"0=qry_eq_sip_orders", "0=qry_eq_sip_trades"})
             held += Ask(server, request + "|64804=" + std::string(registration.Number()));
     }
-    for (const auto day : server.Restricted().All())
+    for (const auto day : server.Clock().Restricted().All())
         held += RecordDate(day);
     return held;
 }

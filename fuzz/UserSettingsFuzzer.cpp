@@ -1,7 +1,7 @@
 // The user's settings file of any content: put aside as it was, or read, and whole again after a change.
 
 #include "fuzz/Fuzz.h"
-#include "host/terminal/core/UserSettings.h"
+#include "host/terminal/core/Settings.h"
 
 #include <filesystem>
 #include <unistd.h>

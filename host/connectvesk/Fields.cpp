@@ -1,7 +1,5 @@
 #include "host/connectvesk/Fields.h"
 
-#include "host/connectvesk/Fault.h"
-
 namespace qmx {
 namespace {
 

@@ -1,6 +1,5 @@
 // The library's exports: judge the handles, then hand on.
 
-#include "host/connectvesk/Fault.h"
 #include "host/connectvesk/Fields.h"
 #include "host/connectvesk/QmxHost.h"
 

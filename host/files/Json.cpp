@@ -10,7 +10,7 @@ namespace {
 
 // The parser's way through the text. It may have read one character more than it has understood, such as the
 // line feed behind a number, so the line is the one on which the last character stands.
-struct Reading {
+struct ParsedJson {
     std::size_t line = 1;
     char last = 0;
 };
@@ -23,19 +23,19 @@ public:
     using pointer = const char*;
     using reference = const char&;
 
-    Position(const char* at, Reading& reading) : m_at(at), m_reading(&reading) {}
+    Position(const char* at, ParsedJson& parsed) : m_at(at), m_parsed(&parsed) {}
 
     reference operator*() const { return *m_at; }
     Position& operator++() {
-        m_reading->line += m_reading->last == '\n';
-        m_reading->last = *m_at++;
+        m_parsed->line += m_parsed->last == '\n';
+        m_parsed->last = *m_at++;
         return *this;
     }
     friend bool operator==(const Position& one, const Position& other) { return one.m_at == other.m_at; }
 
 private:
     const char* m_at;
-    Reading* m_reading;
+    ParsedJson* m_parsed;
 };
 
 } // namespace
@@ -43,7 +43,7 @@ private:
 // Follows the parser and notes the line of each value.
 class JsonLines {
 public:
-    JsonLines(const Reading& reading, JsonObject& object) : m_reading(reading), m_object(object) {}
+    JsonLines(const ParsedJson& parsed, JsonObject& object) : m_parsed(parsed), m_object(object) {}
 
     bool operator()(int, json::parse_event_t event, json& parsed) {
         switch (event) {
@@ -90,10 +90,10 @@ private:
                 place /= open.element;
             else
                 place /= open.key;
-        m_object.m_lines.emplace_back(std::move(place), m_reading.line);
+        m_object.m_lines.emplace_back(std::move(place), m_parsed.line);
     }
 
-    const Reading& m_reading;
+    const ParsedJson& m_parsed;
     JsonObject& m_object;
     std::vector<Open> m_open;
 };
@@ -110,16 +110,16 @@ Loaded<JsonObject> ParseJsonObject(std::string_view text, std::string_view fileN
     // What is missing at the end is missing behind the last word, not below it.
     text = text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
     JsonObject object;
-    Reading reading;
+    ParsedJson parsed;
     try {
-        object.m_root = json::parse(Position(text.data(), reading),
-                                    Position(text.data() + text.size(), reading), JsonLines(reading, object));
+        object.m_root = json::parse(Position(text.data(), parsed), Position(text.data() + text.size(), parsed),
+                                    JsonLines(parsed, object));
         if (!object.Root().is_object()) return FileFault{name, 1, "an object { } is expected"};
         return object;
     } catch (const json::parse_error&) {
-        return FileFault{name, reading.line, "this is not JSON"};
+        return FileFault{name, parsed.line, "this is not JSON"};
     } catch (const json::out_of_range&) {
-        return FileFault{name, reading.line, "a number is too large"};
+        return FileFault{name, parsed.line, "a number is too large"};
     }
 }
 

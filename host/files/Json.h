@@ -1,7 +1,7 @@
 // Reading the host's JSON files with faults that name file and line.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <nlohmann/json.hpp>
 

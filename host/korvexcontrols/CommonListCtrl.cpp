@@ -2,7 +2,6 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
-#include "framework/Wide.h"
 #include "host/korvexcontrols/RecoveryFiles.h"
 
 #include <windows.h>

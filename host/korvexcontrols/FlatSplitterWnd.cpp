@@ -3,7 +3,7 @@
 #include "framework/CustomWindow.h"
 #include "framework/Guard.h"
 #include "host/korvexcontrols/RecoveryFiles.h"
-#include "host/korvexcontrols/model/SplitPosition.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 
 #include <windowsx.h>
 

@@ -1,7 +1,7 @@
 // The list's own menu entries and keys.
 #include "framework/Files.h"
 #include "host/korvexcontrols/ListWindow.h"
-#include "host/korvexcontrols/model/Text.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
 
@@ -18,7 +18,8 @@ struct CFilterListCtrl::Impl::Entry {
 
 namespace {
 
-constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|All files|*.*|", "csv", "Export"};
+constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|All files|*.*|", "csv",
+                                          "Export"};
 constexpr char kSelectAllKey = 'A', kCopyKey = 'C', kFindKey = 'F', kFilterKey = 'L';
 
 bool IsDown(int key) {
@@ -187,7 +188,7 @@ void CFilterListCtrl::Impl::FindPrevious() {
     m_searched.empty() ? OpenFind() : static_cast<void>(Find(m_searched, false));
 }
 
-// From the row beside the focused one, around the end and back to itself.
+// The search goes from the row beside the focused one around the end and back to itself.
 bool CFilterListCtrl::Impl::Find(const std::string& text, bool forward) {
     m_searched = text;
     const std::uint32_t count = m_model.ShownCount(), focused = m_model.ShownRowOf(m_model.Focused());

@@ -1,7 +1,7 @@
 #include "host/korvexcontrols/ListHeader.h"
 
 #include "host/korvexcontrols/RecoveryFiles.h"
-#include "host/korvexcontrols/model/ColumnsState.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 
 #include <algorithm>
 #include <numeric>
@@ -102,7 +102,7 @@ std::vector<std::int32_t> ListHeader::Shown() const {
     return {order.begin(), order.end()};
 }
 
-// Also of a place below the heading. A hit test would give the left column the first pixels of the next.
+// The place may lie below the heading. A hit test would give the left column the first pixels of the next.
 std::int32_t ListHeader::ColumnAt(POINT screen) const {
     ScreenToClient(Handle(), &screen);
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
@@ -133,7 +133,7 @@ LRESULT ListHeader::Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std:
         RECT cell{};
         if (!isFiltered(column)) continue;
         SendMessageA(Handle(), HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
-        // On the side where the heading's text is not; the first column's is always left.
+        // The mark stands on the side where the heading's text is not; the first column's is always left.
         DrawFunnel(draw.hdc, cell, At(column)->rightAligned && column > 0);
     }
     return CDRF_DODEFAULT;

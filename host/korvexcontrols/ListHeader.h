@@ -36,11 +36,11 @@ public:
 
     void Save();
     void Reset();
-    // To the DPI and font that the window has now.
+    // Fits the columns to the DPI and font that the window has now.
     void Rescale();
     void ShowSort(const std::vector<SortColumn>& sort) const;
     void Repaint() const { InvalidateRect(Handle(), nullptr, TRUE); }
-    // Of the header's custom draw.
+    // Answers the header's custom draw.
     LRESULT Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std::int32_t)>& isFiltered) const;
 
 private:

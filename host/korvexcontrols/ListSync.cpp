@@ -250,7 +250,7 @@ void ListSync::OnItemChanged(const NMLISTVIEW& change) {
         m_selected = m_model.Selection();
     }
     if (change.iItem < 0) return;
-    // Also when it had the focus before: its loss may have been told on the way.
+    // This holds also when it had the focus before: its loss may have been told on the way.
     if (change.uNewState & LVIS_FOCUSED)
         m_focusedRow = row;
     else if ((changed & LVIS_FOCUSED) && m_focusedRow == row)

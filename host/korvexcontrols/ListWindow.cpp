@@ -1,7 +1,7 @@
 #include "host/korvexcontrols/ListWindow.h"
 
-#include "host/korvexcontrols/ListLook.h"
-#include "host/korvexcontrols/model/Text.h"
+#include "framework/Colours.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <windowsx.h>
 
@@ -9,8 +9,9 @@
 #include <cstring>
 #include <utility>
 
-using korvex::Change;
+using framework::Meaning;
 using korvex::kNone;
+using korvex::ListChange;
 
 namespace {
 
@@ -45,6 +46,27 @@ std::string Narrow(const wchar_t* text) {
 
 bool IsDown(int key) {
     return GetKeyState(key) < 0;
+}
+
+constexpr bool AreTheSame(KorvexRowLook look, Meaning meaning) {
+    return static_cast<std::int32_t>(look) == static_cast<std::int32_t>(meaning);
+}
+static_assert(AreTheSame(kKorvexPlain, Meaning::plain) && AreTheSame(kKorvexMuted, Meaning::muted)
+              && AreTheSame(kKorvexAttention, Meaning::attention) && AreTheSame(kKorvexGood, Meaning::good)
+              && AreTheSame(kKorvexBad, Meaning::bad));
+
+// The list's own background, which may not be the system's.
+COLORREF BackgroundOf(HWND list) {
+    const auto own = static_cast<COLORREF>(SendMessageA(list, LVM_GETBKCOLOR, 0, 0));
+    return own == CLR_NONE ? GetSysColor(COLOR_WINDOW) : own;
+}
+
+// Colours the row that is about to be drawn; nothing in high contrast.
+void ColourRow(NMLVCUSTOMDRAW& draw, std::int32_t look) {
+    if (look == kKorvexPlain) return;
+    const auto colours = framework::ColoursOf(static_cast<Meaning>(look), BackgroundOf(draw.nmcd.hdr.hwndFrom));
+    if (colours.text != CLR_DEFAULT) draw.clrText = colours.text;
+    if (colours.background != CLR_DEFAULT) draw.clrTextBk = colours.background;
 }
 
 } // namespace
@@ -114,17 +136,17 @@ void CFilterListCtrl::Impl::Apply(const Operation& operation) {
         m_behind = true;
         PostMessageA(Handle(), kCatchUp, 0, 0);
     }
-    const Change change = operation();
-    if (change.kind == Change::nothing) return;
+    const ListChange change = operation();
+    if (change.kind == ListChange::nothing) return;
     NoteRepainted(change);
     TellShownRowsChanged();
 }
 
 // Rows that came, went or moved are seen by comparing the lines.
-void CFilterListCtrl::Impl::NoteRepainted(const Change& change) {
-    if (change.kind == Change::everything || m_repainted.size() == kMostRepainted) m_repaintAll = true;
-    if (change.kind == Change::repainted) m_repainted.push_back(m_model.ShownAt(change.row));
-    if (change.kind == Change::moved) m_repainted.push_back(m_model.ShownAt(change.to));
+void CFilterListCtrl::Impl::NoteRepainted(const ListChange& change) {
+    if (change.kind == ListChange::everything || m_repainted.size() == kMostRepainted) m_repaintAll = true;
+    if (change.kind == ListChange::repainted) m_repainted.push_back(m_model.ShownAt(change.row));
+    if (change.kind == ListChange::moved) m_repainted.push_back(m_model.ShownAt(change.to));
 }
 
 void CFilterListCtrl::Impl::CatchUp() {
@@ -215,8 +237,7 @@ LRESULT CFilterListCtrl::Impl::DrawRow(NMLVCUSTOMDRAW& draw) {
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || !m_owner) return CDRF_DODEFAULT;
     const auto row = static_cast<std::uint32_t>(draw.nmcd.dwItemSpec);
     const std::uint32_t record = m_model.ShownAt(row);
-    if (record != kNone && !m_model.Selection().Contains(row))
-        korvex::ColourRow(draw, m_owner->RowLook(record));
+    if (record != kNone && !m_model.Selection().Contains(row)) ColourRow(draw, m_owner->RowLook(record));
     return CDRF_DODEFAULT;
 }
 
@@ -280,7 +301,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notifica
     }
 }
 
-// From the header.
+// The header sends these.
 std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification) {
     if (notification.hwndFrom != m_header.Handle()) return std::nullopt;
     switch (notification.code) {

@@ -6,8 +6,7 @@
 
 #include "framework/MessageBoxes.h"
 #include "framework/Subclass.h"
-#include "host/korvexcontrols/FilterDialog.h"
-#include "host/korvexcontrols/FindDialog.h"
+#include "host/korvexcontrols/ListDialogs.h"
 #include "host/korvexcontrols/ListHeader.h"
 #include "host/korvexcontrols/ListSync.h"
 #include "host/korvexcontrols/model/Export.h"
@@ -42,7 +41,7 @@ public:
     std::optional<LRESULT> HandleNotify(const NMHDR& notification);
 
 private:
-    using Operation = std::function<korvex::Change()>;
+    using Operation = std::function<korvex::ListChange()>;
     struct Entry;
 
     void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override;
@@ -54,11 +53,11 @@ private:
     // costs it one step.
     void Apply(const Operation& operation);
     void CatchUp();
-    // The same for filters and sort.
+    // Runs an operation that changes filters or sort.
     void Rearrange(const Operation& operation);
     void Select(const std::function<void()>& operation);
     void TellShownRowsChanged();
-    void NoteRepainted(const korvex::Change& change);
+    void NoteRepainted(const korvex::ListChange& change);
 
     std::string_view CellAt(int row, int column);
     LRESULT DrawRow(NMLVCUSTOMDRAW& draw);

@@ -61,8 +61,8 @@ std::vector<const Client*> ClientList::Search(int mode, std::string_view text) c
             result.push_back(exact);
         return result;
     }
-    const bool ids = mode != static_cast<int>(SearchMode::name);
-    const bool names = mode != static_cast<int>(SearchMode::id);
+    const bool ids = mode != static_cast<int>(ClientSearchMode::name);
+    const bool names = mode != static_cast<int>(ClientSearchMode::id);
     for (const Client& client : m_clients)
         if ((ids && Upper(client.id).starts_with(wanted))
             || (names && Upper(client.name).find(wanted) != std::string::npos))

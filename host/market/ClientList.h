@@ -1,7 +1,7 @@
 // The clients that the user may trade for, and the search over them.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <span>
 #include <string>
@@ -17,7 +17,7 @@ struct Client {
     bool mapped = false; // an account mapped to the logged-in user
 };
 
-enum class SearchMode : int { all = 1, id = 2, name = 3 };
+enum class ClientSearchMode : int { all = 1, id = 2, name = 3 };
 
 class ClientList {
 public:
@@ -31,11 +31,11 @@ public:
     ClientList& operator=(const ClientList&) = delete;
 
     std::span<const Client> Clients() const { return m_clients; }
-    // Null when unknown. Identifiers compare without regard to case.
+    // Null for an unknown one. Identifiers compare without regard to case.
     const Client* Find(std::string_view id) const;
-    // In file order. Identifiers match at their start, names anywhere, both without regard to case; blanks
-    // around the text do not count, and a blank text matches everybody. A text that ends with "(" asks for
-    // exactly the account before it, in every mode. An unknown mode searches like `all`.
+    // The results stand in file order. Identifiers match at their start, names anywhere, both without regard to
+    // case; blanks around the text do not count, and a blank text matches everybody. A text that ends with "("
+    // asks for exactly the account before it, in every mode. An unknown mode searches like `all`.
     std::vector<const Client*> Search(int mode, std::string_view text) const;
 
 private:

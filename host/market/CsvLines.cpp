@@ -1,7 +1,5 @@
 #include "host/market/CsvLines.h"
 
-#include <charconv>
-
 namespace vesk {
 namespace {
 
@@ -54,13 +52,6 @@ std::optional<FileFault> ReadCsv(std::string_view text, std::string_view fileNam
         return FileFault{std::string(FileNameOf(fileName)), 0,
                          "the heading \"" + std::string(heading) + "\" is missing"};
     return std::nullopt;
-}
-
-std::optional<long long> ParseWholeNumber(std::string_view text) {
-    long long value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
 }
 
 } // namespace vesk

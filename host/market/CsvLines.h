@@ -2,7 +2,7 @@
 // lines that begin with "#" are skipped; CR LF and LF both end a line.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <functional>
 #include <optional>
@@ -20,8 +20,5 @@ using CsvRow = std::function<std::optional<std::string>(std::span<const std::str
 // to `row`. Stops at the first fault and returns it.
 std::optional<FileFault> ReadCsv(std::string_view text, std::string_view fileName, std::string_view heading,
                                  const CsvRow& row);
-
-// Whole-text conversions: nothing may stand before or behind the number.
-std::optional<long long> ParseWholeNumber(std::string_view text);
 
 } // namespace vesk

@@ -1,5 +1,6 @@
 #include "host/market/ScripMaster.h"
 
+#include "base/Text.h"
 #include "host/market/CsvLines.h"
 
 #include <algorithm>
@@ -58,13 +59,13 @@ constexpr NumberColumn kNumberColumns[] = {
 
 std::optional<std::string> ReadNumbers(std::span<const std::string_view> fields, Scrip& scrip) {
     for (const NumberColumn& column : kNumberColumns) {
-        const auto value = ParseWholeNumber(fields[column.field]);
+        const auto value = base::ReadNumber<long long>(fields[column.field]);
         if (!value || *value < column.least || *value > column.most)
             return std::string(column.name) + " \"" + std::string(fields[column.field]) + "\" is not between "
                    + std::to_string(column.least) + " and " + std::to_string(column.most);
         scrip.*column.member = static_cast<int>(*value);
     }
-    const auto price = ParseWholeNumber(fields[lastPrice]);
+    const auto price = base::ReadNumber<long long>(fields[lastPrice]);
     if (!price || *price < 0)
         return "last price \"" + std::string(fields[lastPrice]) + "\" is not a whole number";
     scrip.lastPrice = *price;

@@ -1,7 +1,7 @@
 // The scrips that can be traded, as the master file lists them, found by every key that callers have.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <array>
 #include <cstdint>
@@ -52,14 +52,14 @@ public:
     ScripMaster& operator=(const ScripMaster&) = delete;
 
     std::span<const Scrip> Scrips() const { return m_scrips; }
-    // Null when unknown; the exchange as code or as shown.
+    // Null for an unknown one. The exchange may be a code or as it is shown.
     const Scrip* ByTradingSymbol(std::string_view exchange, std::string_view tradingSymbol) const;
     const Scrip* BySymbol(std::string_view exchange, std::string_view series, std::string_view symbol) const;
     // "exchange|series|symbol"
     const Scrip* ByKey(std::string_view key) const;
-    // In the order in which the file first names them.
+    // They stand in the order in which the file first names them.
     std::vector<std::string_view> SeriesOf(std::string_view exchange) const;
-    // In alphabetical order.
+    // They stand in alphabetical order.
     std::vector<std::string_view> SymbolsOf(std::string_view exchange, std::string_view series) const;
 
 private:

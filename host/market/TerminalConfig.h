@@ -1,7 +1,7 @@
 // Who is logged in, what they may do, and how the terminal starts: data/terminal.json.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <map>
 #include <string>

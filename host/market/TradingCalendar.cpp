@@ -1,5 +1,6 @@
 #include "host/market/TradingCalendar.h"
 
+#include "base/Text.h"
 #include "host/market/CsvLines.h"
 
 #include <algorithm>
@@ -10,9 +11,9 @@ namespace {
 
 std::optional<std::uint32_t> DateNumber(std::string_view text) {
     if (text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
-    const auto year = ParseWholeNumber(text.substr(0, 4));
-    const auto month = ParseWholeNumber(text.substr(5, 2));
-    const auto day = ParseWholeNumber(text.substr(8, 2));
+    const auto year = base::ReadNumber<long long>(text.substr(0, 4));
+    const auto month = base::ReadNumber<long long>(text.substr(5, 2));
+    const auto day = base::ReadNumber<long long>(text.substr(8, 2));
     if (!year || !month || !day || *year < 1970 || *month < 1 || *day < 1) return std::nullopt;
     const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(*year)),
                                            std::chrono::month(static_cast<unsigned>(*month)),

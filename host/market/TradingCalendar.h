@@ -1,7 +1,7 @@
 // The days on which the exchanges are closed beside Saturdays and Sundays.
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
 
 #include <cstdint>
 #include <span>

@@ -1,12 +1,10 @@
-// What the server does by its clock: which day it is, and the instalments that are due.
-//
-// An instalment is one journal record, its exchange order with its number and its place in the schedule. How
-// far a registration is, its next day and its end follow from it, now as at a replay.
+#include "host/server/Clockwork.h"
 
-#include "host/server/Server.h"
 #include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
+#include <ctime>
+#include <set>
 
 namespace vesk {
 namespace {
@@ -30,11 +28,30 @@ constexpr const char* kFull = "The server executes nothing more: it holds 500000
 
 } // namespace
 
-std::string Server::AdvanceTo(Date date) {
-    if (!m_replayError.empty()) return m_replayError;
+ServerClock SystemClock() {
+    return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
+            [](std::int64_t seconds) {
+                const std::time_t time = static_cast<std::time_t>(seconds);
+                const std::tm* local = std::localtime(&time);
+                if (!local) return std::chrono::year_month_day{};
+                return std::chrono::year(local->tm_year + 1900)
+                       / std::chrono::month(static_cast<unsigned>(local->tm_mon + 1))
+                       / std::chrono::day(static_cast<unsigned>(local->tm_mday));
+            }};
+}
+
+Clockwork::Clockwork(const ServerConfig& config, Registrations& registrations, ServerJournal& journal,
+                     ServerClock clock)
+    : m_config(config), m_registrations(registrations), m_journal(journal), m_clock(std::move(clock)) {
+    m_market.nonTrading = m_config.nonTrading;
+    std::sort(m_market.nonTrading.begin(), m_market.nonTrading.end());
+}
+
+std::string Clockwork::AdvanceTo(Date date) {
+    if (!m_journal.ReplayError().empty()) return m_journal.ReplayError();
     if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
-    if (m_orderCount >= kMostOrders) return kFull;
-    m_stoppedOn.reset();
+    if (m_registrations.OrderCount() >= kMostOrders) return kFull;
+    m_halt.reset();
     const auto days = (sys_days(date) - sys_days(Today())).count();
     if (days <= 0) return {};
     std::int64_t ahead = m_aheadSeconds + days * kDaySeconds;
@@ -42,30 +59,34 @@ std::string Server::AdvanceTo(Date date) {
     constexpr std::int64_t hour = 3600;
     const Date reached = m_clock.localDate(m_clock.now() + ahead);
     if (reached != date) ahead += reached < date ? hour : -hour;
-    if (std::string fault = Write(ClockRecord(ahead)); !fault.empty()) return fault;
+    if (std::string fault = m_journal.Write(ClockRecord(ahead)); !fault.empty()) return fault;
     m_aheadSeconds = ahead;
     return {};
 }
 
-std::string Server::AdvanceToNextInstalment() {
+std::string Clockwork::AdvanceToNextInstalment() {
     std::optional<sys_days> next = m_due.FirstDay();
     // Not scheduled here: those that hear of it would get all at once.
     if (m_unscheduled) {
         next.reset();
-        for (const Registration& registration : m_registrations)
+        for (const Registration& registration : m_registrations.All())
             if (const auto day = NextExecution(registration)) next = next ? std::min(*next, *day) : *day;
     }
     if (!next) return "There is no instalment to come";
     return AdvanceTo(std::max(*next, sys_days(Today())));
 }
 
-std::string Server::ClockRecord(std::int64_t ahead) {
+std::string Clockwork::ClockRecord(std::int64_t ahead) {
     FieldRecord clock;
     clock.Set(kTagAhead, std::to_string(ahead));
     return clock.JsonAs(kRecordKind);
 }
 
-bool Server::ReplayClock(std::string_view record) {
+bool Clockwork::Replay(std::string_view record) {
+    if (const auto range = RestrictedRange::FromJson(record)) {
+        Apply(*range);
+        return true;
+    }
     FieldRecord clock;
     if (!RecordReader(record).TakeAll(kRecordKind, clock)) return false;
     const auto ahead = WholeNumber(clock.Text(kTagAhead));
@@ -74,8 +95,24 @@ bool Server::ReplayClock(std::string_view record) {
     return true;
 }
 
-void Server::Restrict(const RestrictedRange& range) {
-    for (Registration& registration : m_registrations) {
+void Clockwork::WriteTo(const Journal::Sink& sink) const {
+    sink(ClockRecord(m_aheadSeconds));
+    for (const RestrictedRange& range : m_market.restricted.Ranges())
+        sink(range.Json());
+}
+
+std::string Clockwork::Restrict(RestrictedRange range) {
+    // What is due and not yet executed goes by the new days.
+    range.since = std::min(range.since, ExecutedUntil());
+    if (std::string fault = m_journal.Write(range.Json()); !fault.empty()) return fault;
+    Apply(range);
+    m_unscheduled = 0;
+    return {};
+}
+
+void Clockwork::Apply(const RestrictedRange& range) {
+    for (std::size_t place = 0; place < m_registrations.Size(); ++place) {
+        Registration& registration = m_registrations.At(place);
         if (registration.Text(tag::sipStatus) != kStatusPaused) continue;
         if (const auto plan = registration.Plan())
             LapseBefore(range.since, *plan, m_market, registration.progress);
@@ -83,14 +120,16 @@ void Server::Restrict(const RestrictedRange& range) {
     m_market.restricted.Set(range);
 }
 
-bool Server::HasDue() const {
-    if (!m_replayError.empty() || m_stoppedOn == Today() || m_orderCount >= kMostOrders) return false;
+bool Clockwork::HasDue() const {
+    if (!m_journal.ReplayError().empty() || (m_halt && *m_halt == Halt{Today(), m_journal.Writes()})
+        || m_registrations.OrderCount() >= kMostOrders)
+        return false;
     if (m_unscheduled) return true;
     const auto first = m_due.FirstDay();
     return first && *first <= sys_days(Today());
 }
 
-Executed Server::ExecuteDue(std::chrono::milliseconds time) {
+Executed Clockwork::ExecuteDue(std::chrono::milliseconds time) {
     const auto end = std::chrono::steady_clock::now() + time;
     Executed done;
     while (HasDue()) {
@@ -98,51 +137,51 @@ Executed Server::ExecuteDue(std::chrono::milliseconds time) {
             ScheduleSome();
         else
             done.fault = ExecuteSome(done.instalments);
-        if (!done.fault.empty()) m_stoppedOn = Today();
+        if (!done.fault.empty()) m_halt = Halt{Today(), m_journal.Writes()};
         if (std::chrono::steady_clock::now() >= end) break;
     }
     return done;
 }
 
-void Server::ScheduleSome() {
-    const std::size_t first = *m_unscheduled, end = std::min(first + kSchedulesAtOnce, m_registrations.size());
+void Clockwork::ScheduleSome() {
+    const std::size_t first = *m_unscheduled, end = std::min(first + kSchedulesAtOnce, m_registrations.Size());
     for (std::size_t place = first; place < end; ++place)
-        if (Schedule(place)) Tell(m_registrations[place]);
+        if (Schedule(place)) m_registrations.Tell(m_registrations.At(place));
     m_unscheduled = end;
-    if (end == m_registrations.size()) m_unscheduled.reset();
+    if (end == m_registrations.Size()) m_unscheduled.reset();
 }
 
-void Server::PlaceInstalment(const Registration& registration, const Progress& progress, sys_days day,
-                             NewOrders& made) const {
+void Clockwork::PlaceInstalment(const Registration& registration, const PlanProgress& progress, sys_days day,
+                                NewOrders& made) const {
     const ExecutionPlan plan{{day}, PriceOf(registration), m_config.fills.seed};
-    const std::size_t sequence = m_orderCount + made.orders.size() + 1;
+    const std::size_t sequence = m_registrations.OrderCount() + made.orders.size() + 1;
     ExchangeOrder order = PlaceOnExchange({registration, plan, m_config.fills, day, sequence});
     order.instalment = {progress.executed + 1, progress.place};
     made.Add(std::move(order));
 }
 
-std::string Server::ExecuteSome(std::size_t& count) {
+std::string Clockwork::ExecuteSome(std::size_t& count) {
     const sys_days day = *m_due.FirstDay();
     const std::vector<std::size_t> places = m_due.First(kInstalmentsAtOnce);
     NewOrders made;
     for (const std::size_t place : places)
-        PlaceInstalment(m_registrations[place], m_registrations[place].progress, day, made);
+        PlaceInstalment(m_registrations.At(place), m_registrations.At(place).progress, day, made);
     if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
     for (const std::size_t place : places) {
         Schedule(place);
-        Tell(m_registrations[place]);
+        m_registrations.Tell(m_registrations.At(place));
     }
     count += places.size();
-    return m_orderCount < kMostOrders ? "" : kFull;
+    return m_registrations.OrderCount() < kMostOrders ? "" : kFull;
 }
 
-std::string Server::ExecuteDueOf(std::size_t place) {
-    const Registration& registration = m_registrations[place];
+std::string Clockwork::ExecuteDueOf(std::size_t place) {
+    const Registration& registration = m_registrations.At(place);
     const auto plan = registration.Plan();
     if (!plan || registration.Text(tag::sipStatus) != kStatusActive) return {};
     const sys_days today = Today();
     NewOrders made;
-    for (Progress progress = registration.progress; progress.executed < plan->periods;) {
+    for (PlanProgress progress = registration.progress; progress.executed < plan->periods;) {
         const sys_days day = ExecutionDay(*plan, progress, m_market);
         if (day > today) break;
         PlaceInstalment(registration, progress, day, made);
@@ -151,44 +190,30 @@ std::string Server::ExecuteDueOf(std::size_t place) {
     if (made.orders.empty()) return {};
     if (std::string fault = Keep(std::move(made)); !fault.empty()) return fault;
     Schedule(place);
-    Tell(registration);
+    m_registrations.Tell(registration);
     return {};
 }
 
-sys_days Server::ExecutedUntil() const {
+sys_days Clockwork::ExecutedUntil() const {
     const sys_days today = Today();
     if (m_unscheduled) return std::min(today, m_market.restricted.Since());
     return std::min(today, m_due.FirstDay().value_or(today));
 }
 
-void Server::Count(const ExchangeOrder& order) {
-    if (!order.instalment) return;
-    const std::string number(order.order.Text(tag::registrationNumber));
-    Registration& registration = m_registrations[m_byNumber.at(number)];
-    const Instalment& instalment = *order.instalment;
-    const auto day = PlacementDay(order.order);
-    const auto plan = registration.Plan();
-    if (!day || !plan || instalment.number != registration.progress.executed + 1) return;
-    registration.progress = {instalment.number, instalment.place + 1, *day};
-    if (instalment.number < plan->periods) return;
-    registration.Set(tag::sipStatus, kStatusExpired);
-    registration.Set(tag::nextExecutionDate, RecordDate(*day));
-}
-
-std::optional<sys_days> Server::NextExecution(const Registration& registration) const {
+std::optional<sys_days> Clockwork::NextExecution(const Registration& registration) const {
     const auto plan = registration.Plan();
     if (!plan || registration.Text(tag::sipStatus) != kStatusActive) return std::nullopt;
     return ExecutionDay(*plan, registration.progress, m_market);
 }
 
-std::optional<sys_days> Server::SetNextExecution(Registration& registration) const {
+std::optional<sys_days> Clockwork::SetNextExecution(Registration& registration) const {
     const auto day = NextExecution(registration);
     if (day) registration.Set(tag::nextExecutionDate, RecordDate(*day));
     return day;
 }
 
-bool Server::Schedule(std::size_t place) {
-    Registration& registration = m_registrations[place];
+bool Clockwork::Schedule(std::size_t place) {
+    Registration& registration = m_registrations.At(place);
     const std::string before(registration.Text(tag::nextExecutionDate));
     const auto day = SetNextExecution(registration);
     if (day)
@@ -196,6 +221,46 @@ bool Server::Schedule(std::size_t place) {
     else
         m_due.Remove(place);
     return day && registration.Text(tag::nextExecutionDate) != before;
+}
+
+std::string Clockwork::Execute(const Registration& registration, const ExecutionPlan& plan) {
+    if (!m_journal.ReplayError().empty()) return m_journal.ReplayError();
+    NewOrders made;
+    for (const Date day : plan.days) {
+        const std::size_t sequence = m_registrations.OrderCount() + made.orders.size() + 1;
+        made.Add(PlaceOnExchange({registration, plan, m_config.fills, day, sequence}));
+    }
+    return Keep(std::move(made));
+}
+
+std::string Clockwork::Keep(NewOrders made) {
+    if (std::string fault = m_journal.Write(made.records); !fault.empty()) return fault;
+    for (ExchangeOrder& order : made.orders)
+        m_registrations.Enter(std::move(order));
+    return {};
+}
+
+std::vector<Date> Clockwork::OpenDays(const Registration& registration, std::size_t count) const {
+    const auto start = ParseRecordDate(registration.Text(tag::startDate));
+    if (!start) return {};
+    Date last = Today();
+    for (const tag::Tag tag : {tag::endDate, tag::cancelledDate})
+        if (const auto date = ParseRecordDate(registration.Text(tag))) last = std::min(last, *date);
+    std::set<Date> taken;
+    for (const FieldRecord& order : m_registrations.HistoryOf(registration.Number()).orders)
+        taken.insert(PlacementDay(order).value_or(last));
+
+    constexpr std::chrono::year earliest(1970);
+    const std::string_view frequency = registration.Text(tag::frequency);
+    std::vector<Date> days;
+    for (int i = InstalmentsBefore(*start, frequency, last); days.size() < count; --i) {
+        const Date due = InstalmentDate(*start, frequency, i);
+        if (due.year() < earliest) break;
+        const Date day = m_market.FirstOpen(due);
+        if (day <= last && taken.insert(day).second) days.push_back(day);
+    }
+    std::reverse(days.begin(), days.end());
+    return days;
 }
 
 } // namespace vesk

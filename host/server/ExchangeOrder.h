@@ -52,7 +52,7 @@ struct ExecutionPlan {
     std::uint64_t seed = 1;
 };
 
-// One of them as it is placed.
+// An order of the plan as it is placed.
 struct Placement {
     const Registration& registration;
     const ExecutionPlan& plan;

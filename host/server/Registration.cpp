@@ -17,7 +17,7 @@ constexpr std::uint32_t kChangesKept = 4;
 std::string Registration::Json() const {
     std::string json(kHead);
     AppendJson(json);
-    if (progress != Progress{}) {
+    if (progress != PlanProgress{}) {
         json += kProgress;
         progress.Fields().AppendJson(json);
     }
@@ -36,7 +36,7 @@ std::optional<Registration> Registration::FromJson(std::string_view text) {
     if (reader.Take(kProgress)) {
         FieldRecord fields;
         if (!reader.TakeFields(fields)) return std::nullopt;
-        const auto progress = Progress::FromFields(fields);
+        const auto progress = PlanProgress::FromFields(fields);
         if (!progress) return std::nullopt;
         registration.progress = *progress;
     }

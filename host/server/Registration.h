@@ -19,7 +19,7 @@ inline constexpr std::string_view kStatusExpired = "expired";
 
 inline constexpr std::string_view kNumberPrefix = "SIP";
 
-// Of one registration, at the very most.
+// A plan that is longer is refused.
 inline constexpr std::int64_t kMostPeriods = 10'000;
 
 // The stream on which changes of registrations are told.
@@ -37,13 +37,13 @@ public:
     // Nothing when the record does not tell. It points into this record.
     std::optional<InstalmentPlan> Plan() const;
 
-    // By a request of this name, as one of the latest.
+    // Whether a request of this name made one of the latest changes.
     bool WasChangedBy(std::string_view sentAs) const;
-    // Not one without a name.
+    // A change without a name is not remembered: nobody can send it again.
     void RememberChange(std::string_view sentAs);
 
     // The server's own, and in no message.
-    Progress progress{};
+    PlanProgress progress{};
     FieldRecord changes{}; // the names of the requests that made the latest ones, the last in front
 };
 

@@ -26,7 +26,8 @@ std::optional<std::chrono::sys_days> ParseQueryDate(std::string_view text) {
     return date.ok() ? std::optional(std::chrono::sys_days(date)) : std::nullopt;
 }
 
-std::optional<Refusal> ReadDay(void* request, std::uint32_t tag, const char* name, std::chrono::sys_days& day) {
+std::optional<ServerRefusal> ReadDay(void* request, std::uint32_t tag, const char* name,
+                                     std::chrono::sys_days& day) {
     const std::string_view text = qmx::Text(request, tag);
     if (text.empty()) return MissingField(name);
     const auto read = ParseQueryDate(text);
@@ -73,7 +74,7 @@ bool RowQuery::Wants(const Registration& registration) const {
            && std::chrono::sys_days(*date) <= entered->last;
 }
 
-std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query) {
+std::optional<ServerRefusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query) {
     const std::string_view login = qmx::Text(request, tag::loginId);
     if (login.empty()) return MissingField("user");
     if (login != user.loginId) return WrongUser();
@@ -83,7 +84,7 @@ std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, Ro
     return std::nullopt;
 }
 
-std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query) {
+std::optional<ServerRefusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query) {
     RowQuery::Days days;
     if (auto refusal = ReadDay(request, tag::startDate, "from-date", days.first)) return refusal;
     if (auto refusal = ReadDay(request, tag::toDate, "to-date", days.last)) return refusal;

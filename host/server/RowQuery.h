@@ -5,8 +5,8 @@
 #pragma once
 
 #include "host/server/ExchangeOrder.h"
-#include "host/server/Refusal.h"
 #include "host/server/Registration.h"
+#include "host/server/ServerRefusal.h"
 
 #include <chrono>
 #include <cstddef>
@@ -59,8 +59,8 @@ bool MaySee(const UserIdentity& user, const Registration& registration);
 
 // Both fill `query`, except where it is and ends, or tell why it is refused.
 // "om_get_sip_orders": the login's own, of any date.
-std::optional<Refusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query);
+std::optional<ServerRefusal> ReadListQuery(void* request, const UserIdentity& user, RowQuery& query);
 // "qry_eq_sip": the firm's, or the login's where the connection has no firm, by date of registration.
-std::optional<Refusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query);
+std::optional<ServerRefusal> ReadHistoryQuery(void* request, const UserIdentity& user, RowQuery& query);
 
 } // namespace vesk

@@ -3,7 +3,6 @@
 #include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
-#include <ctime>
 
 namespace vesk {
 namespace {
@@ -29,19 +28,26 @@ void AddTexts(qmx::MessageWriter& writer, std::uint32_t tag, const std::vector<s
     writer.AddValues(tag, data.data(), static_cast<std::uint32_t>(data.size()));
 }
 
-} // namespace
-
-ServerClock SystemClock() {
-    return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
-            [](std::int64_t seconds) {
-                const std::time_t time = static_cast<std::time_t>(seconds);
-                const std::tm* local = std::localtime(&time);
-                if (!local) return std::chrono::year_month_day{};
-                return std::chrono::year(local->tm_year + 1900)
-                       / std::chrono::month(static_cast<unsigned>(local->tm_mon + 1))
-                       / std::chrono::day(static_cast<unsigned>(local->tm_mday));
-            }};
+// The `sequence`th of all.
+Registration MakeRegistration(void* request, const Clockwork& clock, std::size_t sequence) {
+    Registration registration;
+    for (const std::uint32_t tag : kTakenOver)
+        if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
+    const auto today = clock.Today();
+    const auto start = clock.DateAt(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
+    const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(1));
+    const InstalmentPlan plan{start, qmx::Text(request, tag::frequency), periods};
+    registration.progress = BeginPlan(plan, today);
+    registration.Set(tag::startDate, RecordDate(start));
+    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
+    registration.Set(tag::registrationDate, RecordDate(today));
+    registration.Set(tag::registrationNumber, DatedNumber(kNumberPrefix, today, sequence));
+    registration.Set(tag::sipStatus, kStatusActive);
+    registration.Set(tag::streamName, kStreamName);
+    return registration;
 }
+
+} // namespace
 
 struct Server::Handler {
     std::string_view request;
@@ -58,34 +64,17 @@ const Server::Handler Server::kHandlers[] = {
 
 Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
                ServerClock clock)
-    : m_config(std::move(config)), m_journal(journal), m_clock(std::move(clock)) {
-    m_market.nonTrading = m_config.nonTrading;
-    std::sort(m_market.nonTrading.begin(), m_market.nonTrading.end());
-    MakeRoom(records.size());
+    : m_config(std::move(config)), m_journal(journal),
+      m_clock(m_config, m_registrations, m_journal, std::move(clock)) {
+    m_registrations.MakeRoom(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
-        if (Replay(records[i])) continue;
-        m_replayError = "journal record " + std::to_string(i + 1) + " is not one this server knows";
+        if (m_registrations.Replay(records[i]) || m_clock.Replay(records[i])) continue;
+        m_journal.FailReplay(i + 1);
         return;
     }
-    for (std::size_t place = 0; place < m_registrations.size(); ++place)
-        Schedule(place);
-    m_replayed = records.size();
-}
-
-bool Server::Replay(std::string_view record) {
-    if (auto registration = Registration::FromJson(record)) {
-        Enter(std::move(*registration));
-        return true;
-    }
-    if (const auto range = RestrictedRange::FromJson(record)) {
-        Restrict(*range);
-        return true;
-    }
-    if (ReplayClock(record)) return true;
-    auto order = ExchangeOrder::FromJson(record);
-    if (!order || !Find(order->order.Text(tag::registrationNumber))) return false;
-    Enter(std::move(*order));
-    return true;
+    for (std::size_t place = 0; place < m_registrations.Size(); ++place)
+        m_clock.Schedule(place);
+    m_journal.EndReplay(records.size());
 }
 
 Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
@@ -101,7 +90,7 @@ Reply Server::Handle(void* request, const UserIdentity& user, std::string_view s
 
 Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user,
                        std::string_view sentAs) {
-    if (!m_replayError.empty()) return Refuse(request, {kCodeJournal, m_replayError});
+    if (!ReplayError().empty()) return Refuse(request, {kCodeJournal, ReplayError()});
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
@@ -129,68 +118,40 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
 
 Reply Server::AddRegistration(void* request, const UserIdentity& user) {
     // A request that was sent twice is one order; its judgement was made the first time.
-    if (const Registration* before = FindSent(std::string(qmx::Text(request, tag::orderId)), user))
+    const std::string orderId(qmx::Text(request, tag::orderId));
+    if (const Registration* before = m_registrations.FindSent(orderId, user.loginId))
         return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
-    const Registration registration = MakeRegistration(request);
+    const Registration registration = MakeRegistration(request, m_clock, m_registrations.Size() + 1);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
 }
 
-Registration Server::MakeRegistration(void* request) const {
-    Registration registration;
-    for (const std::uint32_t tag : kTakenOver)
-        if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
-    const auto today = Today();
-    const auto start = m_clock.localDate(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
-    const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(1));
-    const InstalmentPlan plan{start, qmx::Text(request, tag::frequency), periods};
-    registration.progress = BeginPlan(plan, today);
-    registration.Set(tag::startDate, RecordDate(start));
-    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
-    registration.Set(tag::registrationDate, RecordDate(today));
-    registration.Set(tag::registrationNumber, DatedNumber(kNumberPrefix, today, m_registrations.size() + 1));
-    registration.Set(tag::sipStatus, kStatusActive);
-    registration.Set(tag::streamName, kStreamName);
-    return registration;
-}
-
-const Registration* Server::FindSent(const std::string& identifier, const UserIdentity& user) const {
-    const auto [first, last] = m_byRequestIdentifier.equal_range(identifier);
-    const auto found = std::find_if(first, last, [&](const auto& entry) {
-        return m_registrations[entry.second].Text(tag::loginId) == user.loginId;
-    });
-    return found == last ? nullptr : &m_registrations[found->second];
-}
-
-std::optional<Refusal> Server::FindNamed(void* request, const Registration*& found) const {
+std::optional<ServerRefusal> Server::FindNamed(void* request, const Registration*& found) const {
     const std::string_view number = qmx::Text(request, tag::registrationNumber);
     if (number.empty()) return MissingField("registration number");
     found = Find(number);
     if (found) return std::nullopt;
-    return Refusal{kCodeUnknownNumber,
-                   "There is no registration " + std::string(number.substr(0, kLongestText))};
+    return ServerRefusal{kCodeUnknownNumber,
+                         "There is no registration " + std::string(number.substr(0, kLongestText))};
 }
 
 Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
     const std::string_view name = qmx::Text(request, tag::requestName);
     RestrictedRange range;
-    if (const auto refusal = RestrictedRange::Read(request, Today(), range)) return Refuse(request, *refusal);
-    // What is due and not yet executed goes by the new days.
-    range.since = std::min(range.since, ExecutedUntil());
-    if (const std::string fault = Write(range.Json()); !fault.empty())
+    if (const auto refusal = RestrictedRange::Read(request, m_clock.Today(), range))
+        return Refuse(request, *refusal);
+    if (const std::string fault = m_clock.Restrict(range); !fault.empty())
         return Refuse(request, {kCodeJournal, fault});
-    Restrict(range);
-    m_unscheduled = 0;
     return {{m_writer.Start().Add(tag::echoedRequest, name).Finish()}};
 }
 
 Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
     m_writer.Start().Add(tag::echoedRequest, qmx::Text(request, tag::requestName));
-    if (const RestrictedRange* range = m_market.restricted.Last()) range->Fields().AddTo(m_writer);
+    if (const RestrictedRange* range = m_clock.Restricted().Last()) range->Fields().AddTo(m_writer);
     return {{m_writer.Finish()}};
 }
 
@@ -202,10 +163,10 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     const std::string number(before->Number());
 
     if (!before->WasChangedBy(sentAs)) {
-        if (const std::string fault = ExecuteDueOf(m_byNumber.at(number)); !fault.empty())
+        if (const std::string fault = m_clock.ExecuteDueOf(m_registrations.PlaceOf(*before)); !fault.empty())
             return Refuse(request, {kCodeJournal, fault});
         Registration after = *before;
-        const ChangeRequest change{request, user.loginId, m_config, m_market, Today()};
+        const ChangeRequest change{request, user.loginId, m_config, m_clock.Market(), m_clock.Today()};
         if (const auto refusal = kind.apply(change, after)) return Refuse(request, *refusal);
         if (after != *before) {
             after.RememberChange(sentAs);
@@ -219,12 +180,12 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     return {{m_writer.Finish()}};
 }
 
-template <std::optional<Refusal> (*read)(void*, const UserIdentity&, RowQuery&)>
+template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
 Reply Server::StartQuery(void* request, const UserIdentity& user) {
     RowQuery query;
     query.request = qmx::Text(request, tag::requestName);
     if (const auto refusal = read(request, user, query)) return Refuse(request, *refusal);
-    query.end = m_registrations.size();
+    query.end = m_registrations.Size();
     return {{}, std::move(query)};
 }
 
@@ -237,7 +198,7 @@ std::string Server::NextRegistration(RowQuery& query) {
     const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
     const Registration* found = nullptr;
     while (!found && query.next < stop) {
-        const Registration& registration = m_registrations[query.next++];
+        const Registration& registration = m_registrations.At(query.next++);
         if (query.Wants(registration)) found = &registration;
     }
     query.isDone = query.next == query.end;
@@ -249,39 +210,52 @@ std::string Server::NextRegistration(RowQuery& query) {
     return m_writer.Finish();
 }
 
-std::optional<Refusal> Server::Keep(Registration registration) {
-    SetNextExecution(registration);
-    if (std::string fault = Write(registration.Json()); !fault.empty()) return Refusal{kCodeJournal, fault};
-    Tell(registration);
-    Schedule(Enter(std::move(registration)));
+Reply Server::StartExecutionQuery(const ExecutionQuery& kind, void* request, const UserIdentity& user) {
+    const Registration* registration = nullptr;
+    if (const auto refusal = FindNamed(request, registration)) return Refuse(request, *refusal);
+    if (!MaySee(user, *registration)) return Refuse(request, OtherUser());
+    RowQuery query;
+    query.request = kind.request;
+    query.executions = &kind;
+    query.number = registration->Number();
+    query.end = (m_registrations.HistoryOf(query.number).*kind.rows).size();
+    return {{}, std::move(query)};
+}
+
+std::string Server::NextExecution(RowQuery& query) {
+    const ExecutionQuery& kind = *query.executions;
+    query.isDone = query.next == query.end;
+    m_writer.Start().Add(tag::echoedRequest, query.request);
+    if (query.isDone)
+        m_writer.Add(kind.closingTag, kind.closingText);
+    else
+        OrderAsOf(m_clock.Today(), (m_registrations.HistoryOf(query.number).*kind.rows)[query.next++])
+            .AddTo(m_writer);
+    return m_writer.Finish();
+}
+
+std::optional<ServerRefusal> Server::Keep(Registration registration) {
+    m_clock.SetNextExecution(registration);
+    if (std::string fault = m_journal.Write(registration.Json()); !fault.empty())
+        return ServerRefusal{kCodeJournal, fault};
+    m_registrations.Tell(registration);
+    m_clock.Schedule(m_registrations.Enter(std::move(registration)));
     return std::nullopt;
 }
 
-void Server::Tell(const Registration& registration) {
-    for (UpdateListener* listener : m_listeners)
-        listener->OnUpdate(registration);
-}
-
-void Server::MakeRoom(std::size_t more) {
-    const std::size_t count = m_registrations.size() + more;
-    m_registrations.reserve(count);
-    m_byNumber.reserve(count);
-    m_byRequestIdentifier.reserve(count);
-}
-
-std::size_t Server::Enter(Registration registration) {
-    const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_registrations.size());
-    if (!isNew) {
-        m_registrations[place->second] = std::move(registration);
-        return place->second;
+std::string Server::EnterMadeUp(std::vector<Registration> batch) {
+    JournalBatch records;
+    for (Registration& registration : batch) {
+        m_clock.SetNextExecution(registration);
+        records.Add(registration.Json());
     }
-    if (const std::string_view identifier = registration.Text(tag::orderId); !identifier.empty())
-        m_byRequestIdentifier.emplace(identifier, place->second);
-    m_registrations.push_back(std::move(registration));
-    return place->second;
+    if (std::string fault = m_journal.Write(records); !fault.empty()) return fault;
+    for (Registration& registration : batch)
+        m_clock.Schedule(m_registrations.Enter(std::move(registration)));
+    return {};
 }
 
-Reply Server::Refuse(void* request, const Refusal& refusal) {
+Reply Server::Refuse(void* request, const ServerRefusal& refusal) {
     const std::string_view name = qmx::Text(request, tag::requestName).substr(0, kLongestText);
     m_writer.Start()
         .Add(tag::echoedRequest, name)
@@ -307,16 +281,22 @@ Reply Server::AnswerRegistered(void* request, const Registration& registration) 
     return {{m_writer.Finish()}};
 }
 
-void Server::AddListener(UpdateListener& listener) {
-    m_listeners.push_back(&listener);
-}
-void Server::RemoveListener(UpdateListener& listener) {
-    std::erase(m_listeners, &listener);
+bool Server::IsJournalStale() const {
+    const std::size_t held = m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount();
+    return m_journal.IsStale(held) && m_journal.IsStale(held + m_registrations.ChangedOrderIds());
 }
 
-const Registration* Server::Find(std::string_view registrationNumber) const {
-    const auto found = m_byNumber.find(std::string(registrationNumber));
-    return found == m_byNumber.end() ? nullptr : &m_registrations[found->second];
+std::string Server::CompactWhenStale() {
+    if (!IsJournalStale()) return {};
+    std::string fault = CompactJournal();
+    return fault.empty() ? "The journal is written anew without what was superseded" : fault;
+}
+
+std::string Server::CompactJournal() {
+    return m_journal.Replace([this](const Journal::Sink& sink) {
+        m_clock.WriteTo(sink);
+        m_registrations.WriteTo(sink);
+    });
 }
 
 } // namespace vesk

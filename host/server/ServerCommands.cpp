@@ -1,6 +1,5 @@
 #include "host/server/ServerCommands.h"
 
-#include "host/server/sample/OtherSession.h"
 #include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
@@ -129,21 +128,22 @@ Told ServerCommands::Run(std::string_view line, const UserIdentity& user, std::i
 
 Told ServerCommands::MoveClock(const Call& call) {
     if (call.words[0] == "next") {
-        std::string fault = m_server.AdvanceToNextInstalment();
+        std::string fault = m_server.Clock().AdvanceToNextInstalment();
         return Outcome(std::move(fault),
-                       "Server clock at the next instalment: " + RecordDate(m_server.Today()));
+                       "Server clock at the next instalment: " + RecordDate(m_server.Clock().Today()));
     }
     if (const auto date = ReadDate(call.words[0])) {
-        if (*date < m_server.Today())
-            return {false, "The server's clock does not go back from " + RecordDate(m_server.Today())};
-        return Outcome(m_server.AdvanceTo(*date), "Server clock advanced to " + RecordDate(*date));
+        if (*date < m_server.Clock().Today())
+            return {false, "The server's clock does not go back from " + RecordDate(m_server.Clock().Today())};
+        return Outcome(m_server.Clock().AdvanceTo(*date), "Server clock advanced to " + RecordDate(*date));
     }
     const auto days = WholeNumber(call.words[0]);
     if (!days || *days > kMostDays)
         return {false, Quoted(call.words[0]) + " is neither next, nor a whole number of days up to "
                            + std::to_string(kMostDays) + ", nor a date such as 2027-03-05"};
-    const auto date = std::chrono::sys_days(m_server.Today()) + std::chrono::days(static_cast<int>(*days));
-    return Outcome(m_server.AdvanceTo(date),
+    const auto date =
+        std::chrono::sys_days(m_server.Clock().Today()) + std::chrono::days(static_cast<int>(*days));
+    return Outcome(m_server.Clock().AdvanceTo(date),
                    "Server clock advanced by " + std::to_string(*days) + (*days == 1 ? " day" : " days"));
 }
 
@@ -154,7 +154,8 @@ Told ServerCommands::Fill(const Call& call) {
     if (!HasMarket()) return {false, kNoMarket};
     FillPlan plan{*count, {call.user, OtherUser(call.user)}, m_market};
     plan.seed += m_server.Registrations().size(); // a second filling brings others
-    return Outcome(m_server.Fill(plan), "Server filled with " + std::to_string(*count) + " registrations");
+    return Outcome(vesk::Fill(m_server, plan),
+                   "Server filled with " + std::to_string(*count) + " registrations");
 }
 
 Told ServerCommands::PlaceOtherOrders(const Call& call) {
@@ -162,8 +163,8 @@ Told ServerCommands::PlaceOtherOrders(const Call& call) {
     const auto count = ReadCount(call.words[0], kMostOrders, told);
     if (!count) return told;
     if (!HasMarket()) return {false, kNoMarket};
-    OtherSession other(m_server, OtherUser(call.user), m_market, static_cast<std::uint64_t>(call.nowMs));
-    const std::size_t placed = other.PlaceOrders(*count, call.nowMs);
+    const std::size_t placed = PlaceSampleOrders(m_server, OtherUser(call.user), m_market,
+                                                 static_cast<std::uint64_t>(call.nowMs), *count);
     return {placed == *count, "Another session placed " + std::to_string(placed) + " orders"};
 }
 
@@ -175,12 +176,12 @@ Told ServerCommands::Execute(const Call& call) {
     if (number.empty() && !m_server.Registrations().empty()) number = m_server.Registrations().back().Number();
     const Registration* registration = m_server.Find(number);
     if (!registration) return {false, "There is no registration " + number};
-    const ExecutionPlan plan{m_server.OpenDays(*registration, *count), m_server.PriceOf(*registration),
-                             m_server.Config().fills.seed};
+    const ExecutionPlan plan{m_server.Clock().OpenDays(*registration, *count),
+                             m_server.Clock().PriceOf(*registration), m_server.Config().fills.seed};
     if (plan.days.size() < *count)
         return {false, "There are no more than " + std::to_string(plan.days.size())
                            + " days for instalments of " + number};
-    return Outcome(m_server.Execute(*registration, plan),
+    return Outcome(m_server.Clock().Execute(*registration, plan),
                    "Executed " + std::to_string(*count) + " instalments of " + number);
 }
 

@@ -1,7 +1,7 @@
 #include "host/server/ServerConfig.h"
 
 #include "host/files/Json.h"
-#include "host/server/Refusal.h"
+#include "host/server/ServerRefusal.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -46,7 +46,7 @@ struct FillRates {
 struct ServerConfig {
     std::vector<Frequency> frequencies{{"daily", 1}, {"weekly", 1}, {"monthly", 6}, {"yearly", 2}};
     OperationModeShape operationModeShape = OperationModeShape::list;
-    // By request name; "*" stands for every request without a row of its own.
+    // The key is a request's name; "*" stands for every request without a row of its own.
     std::map<std::string, RequestFault, std::less<>> faults;
     FillRates fills;
     // Beside weekends, ascending; not in the file.

@@ -1,16 +1,15 @@
 #include "host/veskserver/Options.h"
 
+#include "base/Text.h"
 #include "host/files/OptionRows.h"
-
-#include <charconv>
 
 namespace vesk {
 namespace {
 
 bool ReadPort(ServerOptions& options, std::string_view text) {
-    const char* end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, options.port);
-    return read.ec == std::errc() && read.ptr == end;
+    const auto port = base::ReadNumber<std::uint16_t>(text);
+    options.port = port.value_or(0);
+    return port.has_value();
 }
 
 // Where the terminal has its files.

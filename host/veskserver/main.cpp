@@ -1,16 +1,25 @@
 // veskserver: the trading server as a program of its own.
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
-#include "host/market/TradingCalendar.h"
+#include "host/server/MarketServer.h"
 #include "host/server/net/NetServer.h"
-#include "host/server/sample/MarketOfServer.h"
-#include "host/veskserver/InputLines.h"
 #include "host/veskserver/Options.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace vesk {
 namespace {
@@ -32,6 +41,57 @@ void Note(const std::string& line) {
 
 void EndOn(int signal) {
     std::signal(signal, [](int) { g_isToEnd = true; });
+}
+
+// The lines of standard input that have come, without their ends.
+struct InputLines {
+    std::vector<std::string> lines;
+    bool isOver = false;
+};
+
+constexpr std::size_t kLongestLine = 4096; // what is behind stands in the next one
+
+// Past the library's own reading, which would still hold its lock when the program ends.
+int ReadSome(char* into, unsigned size) {
+#ifdef _WIN32
+    return _read(0, into, size);
+#else
+    return static_cast<int>(::read(0, into, size));
+#endif
+}
+
+// Held by both threads, whichever ends last.
+struct Shared {
+    std::mutex mutex;
+    InputLines come;
+};
+
+void ReadAll(const std::shared_ptr<Shared>& shared) noexcept {
+    std::string line;
+    char part[256];
+    int got = 0;
+    while ((got = ReadSome(part, sizeof part)) > 0) {
+        const std::lock_guard lock(shared->mutex);
+        for (const char byte : std::string_view(part, static_cast<std::size_t>(got))) {
+            const bool isEnd = byte == '\n' || line.size() == kLongestLine;
+            if (isEnd) shared->come.lines.push_back(std::exchange(line, {}));
+            if (byte != '\n') line += byte;
+        }
+    }
+    const std::lock_guard lock(shared->mutex);
+    if (!line.empty()) shared->come.lines.push_back(std::move(line));
+    shared->come.isOver = true;
+}
+
+// Starts to read, on a thread that lasts as long as the program. Each call of the answer takes what has come
+// since; what cannot be read is the end.
+std::function<InputLines()> ReadInput() {
+    auto shared = std::make_shared<Shared>();
+    std::thread(ReadAll, shared).detach();
+    return [shared] {
+        const std::lock_guard lock(shared->mutex);
+        return InputLines{std::exchange(shared->come.lines, {}), shared->come.isOver};
+    };
 }
 
 // What of the terminal's files a server can use.
@@ -71,24 +131,23 @@ void Answer(const std::vector<std::string>& lines, ServerCommands& commands, con
     if (!lines.empty()) std::fflush(stdout);
 }
 
-int Serve(Server& server, std::uint16_t port, const Market& market) {
-    ServerCommands commands(server, SampleMarketOf(market.master, market.clients), true);
-    NetServer net(server, commands, Note);
+int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& user) {
+    Clockwork& clock = marketServer.Serving().Clock();
+    NetServer net(marketServer.Serving(), marketServer.Commands(), Note);
     if (const std::string fault = net.Listen(port); !fault.empty()) return Fail(fault);
     EndOn(SIGINT);
     EndOn(SIGTERM);
     const auto takeInput = ReadInput();
-    const UserIdentity user = Operator(market.terminal);
     std::printf("listening on 127.0.0.1:%u\n", unsigned{net.Port()});
     std::fflush(stdout);
     while (!g_isToEnd) {
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : server.HasDue() ? 0 : kWaitMs);
+        net.Turn(isBehind ? 1 : clock.HasDue() ? 0 : kWaitMs);
         const InputLines input = takeInput();
-        Answer(input.lines, commands, user);
+        Answer(input.lines, marketServer.Commands(), user);
         if (input.isOver) return 0;
         if (isBehind) continue;
-        const Executed done = server.ExecuteDue(kExecutionTime);
+        const Executed done = clock.ExecuteDue(kExecutionTime);
         if (!done.fault.empty()) Note(done.fault);
     }
     return 0;
@@ -106,18 +165,14 @@ int Run(std::span<const std::string> words) {
     if (!options.config.empty()) config = LoadServerConfig(options.config);
     if (!config.config) return Fail(config.error);
     const Market market = LoadMarket(options.data);
-    config.config->nonTrading = DatesOf(market.calendar.Dates());
     JournalOpening opening = Journal::Open(PathOf(options.journal));
     if (!opening.journal) return Fail(opening.error);
     if (!opening.warning.empty()) Note(opening.warning);
-    Server server(std::move(*config.config), *opening.journal, opening.records, SystemClock());
-    if (!server.ReplayError().empty()) return Fail(server.ReplayError());
-    opening.records.clear();
-    opening.text.reset();
-    server.SetPrices(PricesOf(market.master));
-    server.SetClients(ClientsOf(market.clients));
-    if (const std::string note = server.CompactWhenStale(); !note.empty()) Note(note);
-    return Serve(server, options.port, market);
+    MarketServer server(std::move(opening), std::move(*config.config), market.master, market.clients,
+                        market.calendar, true);
+    if (!server.Serving().ReplayError().empty()) return Fail(server.Serving().ReplayError());
+    if (const std::string note = server.Serving().CompactWhenStale(); !note.empty()) Note(note);
+    return Serve(server, options.port, Operator(market.terminal));
 }
 
 } // namespace

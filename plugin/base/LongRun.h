@@ -1,17 +1,23 @@
-// Work that may take long, done in portions, so that the window keeps painting and the user can stop it.
+// What lists of many records need: numbers for the records, and runs over them.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace planfold {
 
+// By which a list and its owner name a record: small and dense, chosen by the owner.
+using RecordId = std::uint32_t;
+inline constexpr RecordId kNoRecord = UINT32_MAX;
+
+// Work that may take long, done in portions, so that the window keeps painting and the user can stop it.
 class LongRun {
 public:
     virtual bool IsUnderWay() const = 0;
     // The next portion; nothing when no run is under way.
     virtual void Continue() = 0;
-    // By the user's wish.
+    // The user wishes it.
     virtual void Stop() = 0;
     // How far it has come: a line for the user, and two numbers. Only while it is under way.
     virtual std::string Progress() const = 0;

@@ -1,6 +1,7 @@
 // Texts for the user: where they are shown, and several that are told together when something is over.
 #pragma once
 
+#include "base/Text.h"
 #include "plugin/base/Lifetime.h"
 
 #include <cstddef>
@@ -25,12 +26,19 @@ protected:
 class KeptTexts final : public Notices {
 public:
     void ShowMessage(Pass, std::string_view text) override { Add(text); }
-    void Add(std::string_view text);
+    void Add(std::string_view text) {
+        if (++m_count <= kMostLines) m_lines.append(m_lines.empty() ? "" : "\n").append(text);
+    }
 
     // Each on its own line; a box stays readable, so only the number of the others after the first of them.
-    std::string Text() const;
+    std::string Text() const {
+        if (m_count <= kMostLines) return m_lines;
+        return m_lines + base::Format("\n... and %zu more", m_count - kMostLines);
+    }
 
 private:
+    static constexpr std::size_t kMostLines = 30;
+
     std::string m_lines;
     std::size_t m_count = 0;
 };

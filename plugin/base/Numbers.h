@@ -16,7 +16,7 @@ std::int64_t LeadingInteger(std::string_view text);
 // The decimal number at the start of the text, after blanks and a sign; 0 without one.
 double LeadingReal(std::string_view text);
 
-// Also of an empty text.
+// True of an empty text, too.
 bool AllDigits(std::string_view text);
 
 // How the exchange counts a scrip's prices.

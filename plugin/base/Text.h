@@ -1,8 +1,10 @@
 // Small text helpers shared by all subsystems.
 #pragma once
 
-#include "base/Format.h"
+#include "base/Text.h"
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,7 +12,18 @@ namespace planfold {
 
 using base::Format;
 
-// As the system's lists compare: letters of the plain alphabet alike in both cases.
+// A value for each field of a record.
+template <class Field, class Value>
+class ByField {
+public:
+    Value& operator[](Field field) { return m_values[static_cast<std::size_t>(field)]; }
+    const Value& operator[](Field field) const { return m_values[static_cast<std::size_t>(field)]; }
+
+private:
+    std::array<Value, static_cast<std::size_t>(Field::count)> m_values{};
+};
+
+// They compare as the system's lists do: letters of the plain alphabet are alike in both cases.
 bool EqualsIgnoringCase(std::string_view text, std::string_view other);
 bool StartsWithIgnoringCase(std::string_view text, std::string_view beginning);
 

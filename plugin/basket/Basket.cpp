@@ -3,6 +3,7 @@
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -25,7 +26,7 @@ std::string SideText(const char* side, const BasketTotals& totals) {
 
 const AnswerHandler<Basket> Basket::kAnswers[] = {
     {"get_sip_operation_mode", &Basket::HandleOperationMode, OnError::handle},
-    {"add_sip_orders", &Basket::HandlePlaced},
+    {"add_sip_orders", &Basket::HandlePlaced, OnError::logAndHandle},
 };
 
 void Basket::Initialise(std::string_view customProducts) {
@@ -258,6 +259,9 @@ void Basket::HandlePlaced(const Answer& answer) {
     std::int64_t number = 0;
     int status = kFieldRead;
     if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
+    if (const auto sent = m_unanswered.extract(static_cast<std::int32_t>(number)))
+        RecordPlaced(m_session, sent.mapped(), answer);
+    if (answer.hasError) return;
     const RecordId record = m_rows.BySerialNumber(number);
     if (record == kNoRecord) return;
     m_rows.SetUserText(record, FieldText(answer.message, tag::userText));

@@ -85,7 +85,7 @@ private:
     static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
     static constexpr std::int64_t kPortionMs = 50;
 
-    // Taken while it lives.
+    // While one lives, nothing else begins.
     class Turn {
     public:
         explicit Turn(bool& taken) : m_taken(taken), m_before(std::exchange(taken, true)) {}
@@ -148,6 +148,7 @@ private:
     BasketForm m_form;
     BasketRows m_rows;
     std::vector<RejectedLine> m_rejected; // of the last load
+    UnansweredRows m_unanswered;
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;
     std::shared_ptr<BasketPlacing> m_placing;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "plugin/basket/BasketOrder.h"
-#include "plugin/controls/ListColumn.h"
+#include "plugin/controls/Lists.h"
 
 #include <cstdint>
 #include <span>

@@ -15,7 +15,7 @@ std::optional<BasketLines::Line> BasketLines::Next() {
     return line;
 }
 
-bool BasketLoad::Read(std::size_t lines) {
+bool BasketReader::Read(std::size_t lines) {
     while (lines-- > 0) {
         const auto line = m_lines.Next();
         if (!line) return false;
@@ -24,7 +24,7 @@ bool BasketLoad::Read(std::size_t lines) {
     return true;
 }
 
-void BasketLoad::ReadLine(const BasketLines::Line& line) {
+void BasketReader::ReadLine(const BasketLines::Line& line) {
     ++m_number;
     BasketTexts& columns = m_columns;
     if (!SplitBasketLine(line.text, columns)) return Reject(line, {}, kInvalidFormat, false);
@@ -39,8 +39,8 @@ void BasketLoad::ReadLine(const BasketLines::Line& line) {
     Reject(line, columns, std::move(refusal->reason), true);
 }
 
-void BasketLoad::Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason,
-                        bool hasNumber) {
+void BasketReader::Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason,
+                          bool hasNumber) {
     // A zero ends the line for whoever reads the report; what is said behind it must not be lost.
     const std::string_view text = line.text.substr(0, line.text.find('\0'));
     RejectedLine rejected{m_number, std::string(line.text), std::move(reason), std::string(text)};
@@ -68,6 +68,47 @@ std::string_view BasketLineNote(std::string_view line) {
 std::string BasketFileText(std::string lines) {
     const std::size_t mark = lines.size() - base::WithoutMark(lines).size();
     return lines.insert(0, lines.substr(0, mark));
+}
+
+namespace {
+
+constexpr std::string_view kDoubtful = "placing";
+
+template <class Visit>
+void ForEachLine(std::string_view text, Visit visit) {
+    BasketLines lines(text);
+    while (const auto line = lines.Next())
+        visit(line->text, BasketLineNote(line->text) == kDoubtful);
+}
+
+} // namespace
+
+// A load puts each line in front of those before it.
+std::string UnsentText(const BasketRows& rows, const BasketList& list, bool placing) {
+    std::string text;
+    for (std::size_t row = list.RowCount(); row-- > 0;) {
+        const RecordId record = list.RecordAt(row);
+        if (rows.IsSent(record)) continue;
+        const bool doubtful = placing || record == rows.Sending();
+        AppendBasketLine(rows[record], text, doubtful ? kDoubtful : kNoNote);
+    }
+    return BasketFileText(std::move(text));
+}
+
+UnsentCounts CountUnsent(std::string_view text) {
+    UnsentCounts counts;
+    ForEachLine(text, [&](std::string_view, bool doubtful) {
+        ++counts.orders;
+        counts.doubtful += doubtful;
+    });
+    return counts;
+}
+
+void RememberDoubtful(std::string_view text, BasketRows& rows) {
+    ForEachLine(text, [&](std::string_view line, bool doubtful) {
+        BasketTexts columns;
+        if (doubtful && SplitBasketLine(line, columns)) rows.RememberSent(columns);
+    });
 }
 
 } // namespace planfold

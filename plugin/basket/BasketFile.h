@@ -1,9 +1,13 @@
-// Basket files: read line by line into rows and rejected lines, and written from rows.
+// Basket files: read line by line into rows and rejected lines, and written from rows; among them the file of
+// the orders that were not sent.
 #pragma once
 
-#include "base/FileText.h"
+#include "base/Text.h"
 #include "plugin/basket/BasketLine.h"
+#include "plugin/basket/BasketRows.h"
+#include "plugin/basket/BasketView.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -57,10 +61,10 @@ protected:
     ~BasketSink() = default;
 };
 
-class BasketLoad {
+class BasketReader {
 public:
     // The text, the rules and the others outlive the load.
-    BasketLoad(std::string_view text, const BasketRules& rules, ScripSource& scrips, BasketSink& sink)
+    BasketReader(std::string_view text, const BasketRules& rules, ScripSource& scrips, BasketSink& sink)
         : m_lines(text), m_check(rules, scrips), m_sink(sink) {}
 
     // At most so many lines; false when the file is at its end.
@@ -94,5 +98,18 @@ std::string_view BasketLineNote(std::string_view line);
 // What is written of lines, so that they read the same: where the first begins like a file's mark, that is no
 // mark.
 std::string BasketFileText(std::string lines);
+
+// Empty when every row was sent. Of the rows that are being sent, and with `placing` of all, is noted that they
+// may have been.
+std::string UnsentText(const BasketRows& rows, const BasketList& list, bool placing);
+
+struct UnsentCounts {
+    std::size_t orders = 0;
+    std::size_t doubtful = 0; // of them, those that may have been sent
+};
+UnsentCounts CountUnsent(std::string_view text);
+
+// The doubtful ones count as sent when the text is loaded.
+void RememberDoubtful(std::string_view text, BasketRows& rows);
 
 } // namespace planfold

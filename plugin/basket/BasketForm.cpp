@@ -4,7 +4,7 @@
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
-#include "plugin/basket/SipOrderFields.h"
+#include "plugin/basket/BasketOrder.h"
 #include "plugin/resources/resource.h"
 
 namespace planfold {

@@ -19,7 +19,7 @@ struct FormOrder {
     std::string symbol;
     std::string startDateText; // as the picker shows it
 
-    // Views into it.
+    // The texts are views into this order.
     BasketTexts Texts() const;
 };
 

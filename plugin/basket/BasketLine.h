@@ -4,7 +4,7 @@
 
 #include "plugin/base/Frequencies.h"
 #include "plugin/basket/BasketOrder.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "sdk/HostRecords.h"
 
 #include <array>
@@ -97,7 +97,7 @@ private:
 
     const BasketRules& m_rules;
     ScripSource& m_scrips;
-    // By trading symbol and exchange; those without details by series and symbol besides.
+    // The key is trading symbol and exchange, and for scrips without details series and symbol besides.
     std::unordered_map<std::string, Scrip> m_known;
     std::string m_key;
     std::unordered_map<std::string, Date> m_dates; // as typed

@@ -2,7 +2,7 @@
 
 #include "plugin/base/Codes.h"
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 
 #include <utility>
 
@@ -35,7 +35,7 @@ bool BasketLoading::Step(Pass pass) {
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {
-    m_target.list.InsertFront(m_target.rows.AddLoaded(texts));
+    m_target.list.InsertFront(m_target.rows.AddLoaded(texts, m_load.LinesRead()));
 }
 
 void BasketLoading::OnNotice(std::string_view text) {

@@ -69,7 +69,7 @@ private:
     Target m_target;
     KeptTexts m_notices;
     std::string m_notice; // the last
-    BasketLoad m_load;
+    BasketReader m_load;
     bool m_stopped = false;
 };
 

@@ -1,10 +1,14 @@
 // One row of the basket: texts by field in one block of memory.
 #pragma once
 
+#include "plugin/base/Text.h"
+#include "plugin/orderentry/SipOrder.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace planfold {
@@ -35,14 +39,7 @@ enum class BasketField : std::uint8_t {
 inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
 
 // The texts of a row while it is put together; they are whoever's.
-class BasketTexts {
-public:
-    std::string_view& operator[](BasketField field) { return m_texts[static_cast<std::size_t>(field)]; }
-    std::string_view operator[](BasketField field) const { return m_texts[static_cast<std::size_t>(field)]; }
-
-private:
-    std::array<std::string_view, kBasketFieldCount> m_texts;
-};
+using BasketTexts = ByField<BasketField, std::string_view>;
 
 class sBasketOrderData {
 public:
@@ -65,5 +62,32 @@ private:
     std::unique_ptr<char[]> m_block;
     std::int32_t m_serialNumber = 0;
 };
+
+// Which text of a row is which of the order that is sent.
+struct SipOrderField {
+    BasketField field;
+    std::string sSipOrderData::*member;
+};
+inline constexpr SipOrderField kSipOrderFields[] = {
+    {BasketField::orderType, &sSipOrderData::orderType},
+    {BasketField::product, &sSipOrderData::product},
+    {BasketField::frequency, &sSipOrderData::frequency},
+    {BasketField::totalPeriod, &sSipOrderData::totalPeriod},
+    {BasketField::startDate, &sSipOrderData::startDate},
+    {BasketField::customerFirm, &sSipOrderData::customerFirm},
+    {BasketField::validity, &sSipOrderData::validity},
+    {BasketField::exchange, &sSipOrderData::exchange},
+    {BasketField::side, &sSipOrderData::side},
+    {BasketField::token, &sSipOrderData::token},
+    {BasketField::tradingSymbol, &sSipOrderData::tradingSymbol},
+    {BasketField::account, &sSipOrderData::account},
+    {BasketField::sideWord, &sSipOrderData::sideWord},
+    {BasketField::investType, &sSipOrderData::investType},
+};
+
+// Where a row keeps what an order of this invest type is for.
+inline BasketField ValueField(std::string_view investType) {
+    return investType == "value" ? BasketField::amount : BasketField::quantity;
+}
 
 } // namespace planfold

@@ -1,9 +1,10 @@
 #include "plugin/basket/BasketPlacing.h"
 
 #include "plugin/base/Codes.h"
-#include "plugin/basket/SipOrderFields.h"
-#include "plugin/orderentry/PlaceOrder.h"
+#include "plugin/basket/BasketOrder.h"
+#include "plugin/orderentry/RecordedOrders.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
@@ -25,9 +26,16 @@ sSipOrderData OrderOf(const sBasketOrderData& row) {
 } // namespace
 
 BasketPlacing::BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows,
+                             UnansweredRows& unanswered, std::string fileName, AskWithoutRecord ask,
                              std::vector<Row> placed)
-    : m_session(session), m_control(control), m_rows(rows), m_placed(std::move(placed)) {
+    : m_session(session), m_control(control), m_rows(rows), m_unanswered(unanswered),
+      m_fileName(std::move(fileName)), m_ask(std::move(ask)), m_placed(std::move(placed)) {
     if (session.host.pu_free_allocated_memory) session.host.pu_free_allocated_memory(pass);
+}
+
+BasketPlacing::~BasketPlacing() {
+    for (const Prepared& prepared : m_prepared)
+        if (prepared.recorded) m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
 }
 
 bool BasketPlacing::Step(Pass pass) {
@@ -35,10 +43,14 @@ bool BasketPlacing::Step(Pass pass) {
     if (m_next == m_placed.size()) {
         if (IsSending()) return false;
         AskHost(pass);
-    } else if (IsSending()) {
-        Send(pass, m_placed[m_next++]);
-    } else {
+    } else if (!IsSending()) {
         TellHost(pass, m_placed[m_next++]);
+    } else if (m_prepared.empty()) {
+        PreparePortion(pass);
+    } else {
+        Prepared next = std::move(m_prepared.front());
+        m_prepared.pop_front();
+        Send(pass, m_placed[m_next++], next);
     }
     return true;
 }
@@ -62,32 +74,61 @@ void BasketPlacing::AskHost(Pass pass) {
     m_next = 0;
 }
 
-void BasketPlacing::Send(Pass pass, const Row& placed) {
-    const sBasketOrderData& row = m_rows[placed.record];
-    BasketPlace place{row.SerialNumber(), std::nullopt};
-    if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
-        const CString symbol = m_session.String(row.Text(BasketField::tradingSymbol));
-        const CString exchange = m_session.String(row.Text(BasketField::exchange));
-        switch (state(pass, &symbol, &exchange, placed.index)) {
-        case 0:
-            return;
-        case 1:
-            place.cautionary = m_confirmed == 1;
-            break;
-        default:
-            break;
-        }
+// All of a portion is on the disk, at once, before the first of it goes out.
+void BasketPlacing::PreparePortion(Pass pass) {
+    constexpr std::size_t portion = 50;
+    std::deque<Prepared> prepared;
+    std::vector<RecordedOrder> recorded;
+    const std::size_t end = std::min(m_next + portion, m_placed.size());
+    for (std::size_t row = m_next; row < end; ++row) {
+        prepared.push_back(Prepare(pass, m_placed[row]));
+        // The host may have ended everything, or closed the window.
         if (m_stopped || m_session.Ended()) return;
+        if (prepared.back().recorded) recorded.push_back(*prepared.back().recorded);
     }
-    const sSipOrderData order = OrderOf(row);
-    std::string exchange = order.exchange;
-    Convert(kExchangeToDisplay, order.exchange, exchange);
+    m_withoutRecord = m_session.record.Sending(recorded) || m_withoutRecord || m_ask(pass);
+    if (m_stopped || m_session.Ended()) return;
+    if (m_withoutRecord)
+        m_prepared = std::move(prepared);
+    else
+        m_stopped = true;
+}
+
+BasketPlacing::Prepared BasketPlacing::Prepare(Pass pass, const Row& placed) {
+    const sBasketOrderData& row = m_rows[placed.record];
+    Prepared prepared{true, {row.SerialNumber(), std::nullopt}, OrderOf(row), std::nullopt, std::nullopt};
+    const OrderOrigin origin = m_rows.LineOf(placed.record) > 0
+                                   ? OrderOrigin{m_fileName, m_rows.LineOf(placed.record)}
+                                   : OrderOrigin{};
+    if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
+        const CString symbol = m_session.String(prepared.order.tradingSymbol);
+        const CString exchange = m_session.String(prepared.order.exchange);
+        const int answer = state(pass, &symbol, &exchange, placed.index);
+        prepared.goesOut = answer != 0;
+        if (answer == 1) prepared.place.cautionary = m_confirmed == 1;
+    }
+    if (!prepared.goesOut || m_stopped || m_session.Ended()) return prepared;
+    prepared.orderId = m_session.FreshIdentifier(pass);
+    prepared.recorded = RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""), origin);
+    return prepared;
+}
+
+void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
+    if (!prepared.goesOut) return;
+    std::string exchange = prepared.order.exchange;
+    Convert(kExchangeToDisplay, prepared.order.exchange, exchange);
     m_rows.SetSending(placed.record);
-    const bool sent = SendAddSipOrders(pass, m_session, m_control, m_failures, order, exchange, &place);
+    m_unanswered.insert_or_assign(prepared.place.serialNumber, *prepared.recorded);
+    const bool sent = SendAddSipOrders(pass, m_session, m_control, m_failures, prepared.order, prepared.orderId,
+                                       exchange, &prepared.place);
     m_rows.SetSending(kNoRecord);
-    if (!sent) return;
-    m_rows.MarkSent(placed.record);
-    m_sent.push_back(placed.record);
+    if (sent) {
+        m_rows.MarkSent(placed.record);
+        m_sent.push_back(placed.record);
+        return;
+    }
+    m_unanswered.erase(prepared.place.serialNumber);
+    m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
 }
 
 } // namespace planfold

@@ -5,11 +5,21 @@
 #include "plugin/base/Notices.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderentry/PlaceOrder.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/RxControl.h"
 
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace planfold {
+
+// What was sent and is not answered, by the rows' serial numbers.
+using UnansweredRows = std::unordered_map<std::int32_t, RecordedOrder>;
 
 class BasketPlacing {
 public:
@@ -17,11 +27,19 @@ public:
         RecordId record;
         int index; // among all rows of the list, by which the host knows it
     };
+    // Whether the dealer agrees that orders go out which the order record cannot take.
+    using AskWithoutRecord = std::function<bool(Pass)>;
 
-    // `placed` are rows in the list's order.
-    BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows, std::vector<Row> placed);
+    // `placed` are rows in the list's order, of the file with this name. Rows and unanswered ones outlive it.
+    BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows, UnansweredRows& unanswered,
+                  std::string fileName, AskWithoutRecord ask, std::vector<Row> placed);
+    BasketPlacing(const BasketPlacing&) = delete;
+    BasketPlacing& operator=(const BasketPlacing&) = delete;
+    // What was recorded and did not go out is told as such.
+    ~BasketPlacing();
 
-    // The next row of either pass, or the host's question between them. False when all is done.
+    // The next row of either pass, the host's question between them, or the record of the rows that come next.
+    // False when all is done.
     bool Step(Pass pass);
     void Stop() { m_stopped = !IsSending() || m_next < m_placed.size(); }
     // The window has gone: no row more, were it the last.
@@ -33,23 +51,39 @@ public:
     std::size_t Tried() const { return m_next; }
     std::size_t SentCount() const { return m_sent.size(); }
     const std::vector<RecordId>& Sent() const { return m_sent; }
-    // Of the rows that could not be sent.
+    // Why rows could not be sent.
     std::string FailureTexts() const { return m_failures.Text(); }
 
 private:
+    // A row whose turn is near.
+    struct Prepared {
+        bool goesOut; // false: the host holds it back
+        BasketPlace place;
+        sSipOrderData order;
+        std::optional<std::string> orderId;
+        std::optional<RecordedOrder> recorded; // until it is known whether it went out
+    };
+
     void TellHost(Pass pass, const Row& placed);
     void AskHost(Pass pass);
-    void Send(Pass pass, const Row& placed);
+    void PreparePortion(Pass pass);
+    Prepared Prepare(Pass pass, const Row& placed);
+    void Send(Pass pass, const Row& placed, Prepared& prepared);
 
     Session& m_session;
     RxControl* m_control;
     BasketRows& m_rows;
+    UnansweredRows& m_unanswered;
+    const std::string m_fileName;
+    const AskWithoutRecord m_ask;
     std::vector<Row> m_placed;
-    std::size_t m_next = 0; // of the pass
-    int m_confirmed = -1;   // the host's answer; negative in the first pass
+    std::size_t m_next = 0;          // of the pass
+    int m_confirmed = -1;            // the host's answer; negative in the first pass
+    std::deque<Prepared> m_prepared; // from the next row on
     std::vector<RecordId> m_sent;
     KeptTexts m_failures;
     bool m_stopped = false;
+    bool m_withoutRecord = false; // the dealer agreed
 };
 
 } // namespace planfold

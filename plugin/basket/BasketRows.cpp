@@ -1,7 +1,7 @@
 #include "plugin/basket/BasketRows.h"
 
 #include "plugin/base/Numbers.h"
-#include "plugin/basket/SipOrderFields.h"
+#include "plugin/basket/BasketOrder.h"
 
 #include <functional>
 #include <utility>
@@ -42,18 +42,21 @@ RecordId BasketRows::Add(const BasketTexts& texts) {
     if (m_free.empty()) {
         m_rows.emplace_back();
         m_sent.push_back(false);
+        m_lines.push_back(0);
     } else {
         record = m_free.back();
         m_free.pop_back();
     }
     m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
+    m_lines[record] = 0;
     m_bySerialNumber.push_back(record);
     Enter(record);
     return record;
 }
 
-RecordId BasketRows::AddLoaded(const BasketTexts& texts) {
+RecordId BasketRows::AddLoaded(const BasketTexts& texts, int line) {
     const RecordId record = Add(texts);
+    m_lines[record] = line;
     if (!m_anySent) return record;
     const std::uint64_t key = OrderKey(texts);
     if (m_sentOrders.Of(key) > m_sentRows.Of(key)) CountAsSent(record, key);
@@ -62,6 +65,7 @@ RecordId BasketRows::AddLoaded(const BasketTexts& texts) {
 
 void BasketRows::Replace(RecordId record, const BasketTexts& texts) {
     Leave(record);
+    m_lines[record] = 0;
     m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
     m_bySerialNumber.push_back(record);
     Enter(record);

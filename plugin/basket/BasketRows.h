@@ -2,10 +2,11 @@
 // what they come to. In which order they stand is the list's affair.
 #pragma once
 
-#include "plugin/base/RecordId.h"
-#include "plugin/basket/BasketOrder.h"
 #include "plugin/base/KeyCounts.h"
+#include "plugin/base/LongRun.h"
+#include "plugin/basket/BasketOrder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -20,11 +21,11 @@ struct BasketTotals {
 
 class BasketRows {
 public:
-    // With the next serial number.
+    // The row gets the next serial number.
     RecordId Add(const BasketTexts& texts);
-    // The same for a row out of a file, which is known again: it counts as sent when more orders like it were
-    // sent than stand here as sent.
-    RecordId AddLoaded(const BasketTexts& texts);
+    // The same for a row out of a file's line (from 1), which is known again: it counts as sent when more
+    // orders like it were sent than stand here as sent.
+    RecordId AddLoaded(const BasketTexts& texts, int line);
     // The row is another order from now on: with the next serial number, and not sent.
     void Replace(RecordId record, const BasketTexts& texts);
     void SetUserText(RecordId record, std::string_view text) { m_rows[record].SetUserText(text); }
@@ -35,6 +36,9 @@ public:
     const sBasketOrderData& operator[](RecordId record) const { return m_rows[record]; }
     // kNoRecord when the row is gone, or is another order now.
     RecordId BySerialNumber(std::int64_t number) const;
+
+    // The line of the file that it was loaded from; 0 when the form made it.
+    int LineOf(RecordId record) const { return m_lines[record]; }
 
     void MarkSent(RecordId record);
     // An order like this one may have been sent.
@@ -64,6 +68,7 @@ private:
     std::int32_t m_nextSerial = 1;
     std::int32_t m_firstSerial = 1;         // of the next table
     std::vector<RecordId> m_bySerialNumber; // from m_firstSerial
+    std::vector<int> m_lines;
     std::vector<bool> m_sent;
     std::size_t m_sentCount = 0;
     KeyCounts m_sentRows;   // by what they order

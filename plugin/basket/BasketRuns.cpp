@@ -2,7 +2,8 @@
 #include "plugin/basket/Basket.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/HostQuestions.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 
 #include <set>
@@ -87,7 +88,9 @@ void Basket::Place() {
     m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
     // Its first call to the host is made before it stands.
     auto placing = Alone([&](Pass pass) {
-        return std::make_shared<BasketPlacing>(pass, m_session, m_control, m_rows, std::move(placed));
+        return std::make_shared<BasketPlacing>(
+            pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
+            [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
     });
     if (!placing) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
     m_placing = std::move(*placing);

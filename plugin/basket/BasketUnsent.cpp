@@ -2,7 +2,7 @@
 #include "plugin/basket/Basket.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/basket/UnsentOrders.h"
+#include "plugin/basket/BasketFile.h"
 
 #include <utility>
 
@@ -53,6 +53,7 @@ void Basket::OfferUnsent() {
     if (choice == Choice::no) return KeepUnsentLast();
     RememberDoubtful(*text, m_rows);
     m_bringsBack = true;
+    m_path = "PlanfoldBasket.csv";
     BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
 }
 

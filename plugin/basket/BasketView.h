@@ -1,7 +1,7 @@
 // The basket's window as the code that decides sees it.
 #pragma once
 
-#include "plugin/base/RecordId.h"
+#include "plugin/base/LongRun.h"
 #include "plugin/controls/DialogView.h"
 
 #include <cstdint>

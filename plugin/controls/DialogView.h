@@ -32,7 +32,7 @@ public:
     // Of an edit, a label, a button, or the entry that a combo shows.
     virtual std::string Text(int control) const = 0;
     virtual void SetText(int control, std::string_view text) = 0;
-    // Several at once, without showing the states between.
+    // Sets several at once; the states between are not shown.
     virtual void SetTexts(std::span<const ControlText> texts) = 0;
     virtual void Show(int control, bool shown) = 0;
     virtual void Enable(int control, bool enabled) = 0;

@@ -4,7 +4,7 @@
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/messaging/Answer.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // One exchange order of a registration, how messages fill it, and what of it is shown.
 #pragma once
 
-#include "plugin/controls/ListColumn.h"
+#include "plugin/controls/Lists.h"
 #include "plugin/messaging/Session.h"
 
 #include <array>

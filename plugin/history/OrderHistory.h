@@ -2,14 +2,43 @@
 // which order a trade belongs to.
 #pragma once
 
-#include "plugin/history/HistoryView.h"
+#include "plugin/history/HistoryRecord.h"
 #include "plugin/messaging/Answer.h"
+#include "plugin/messaging/Session.h"
 #include "sdk/RxControl.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace planfold {
+
+// The two queries, each for one registration.
+inline constexpr std::string_view kHistoryOrdersRequest = "qry_eq_sip_orders";
+inline constexpr std::string_view kHistoryTradesRequest = "qry_eq_sip_trades";
+
+// False when nothing was sent; the reason has been shown where it has a text.
+bool SendHistoryQuery(Pass pass, Session& session, RxControl* control, Notices& notices,
+                      std::string_view request, std::string_view registrationNumber);
+
+// The window as the code that decides sees it.
+class HistoryView : public Notices {
+public:
+    // Makes the window where there is none, lists the records anew, record i in row i, and gives the first row
+    // the focus.
+    virtual void ListRecords() = 0;
+    // A trade has told more of a record.
+    virtual void OnRecordChanged() = 0;
+    // The focused row's record; none without a window.
+    virtual std::optional<std::size_t> FocusedRecord() const = 0;
+    virtual void ShowDetails(const HistoryDetails& details) = 0;
+    // In front, or hidden. Nothing without a window.
+    virtual void Show(bool shown) = 0;
+
+protected:
+    ~HistoryView() = default;
+};
 
 class OrderHistory {
 public:
@@ -23,7 +52,7 @@ public:
     // Another row may have the focus now.
     void OnFocusChanged();
 
-    // As listed.
+    // The records as they are listed.
     const std::vector<sOrderHistory>& Records() const { return m_records; }
 
 private:

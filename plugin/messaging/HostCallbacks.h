@@ -1,4 +1,5 @@
-// The host's exports as the plug-in calls them: one an export, empty when the host lacks it.
+// The host's exports as the plug-in calls them: one an export, empty when the host lacks it; and the rights
+// that it administers for the plug-in.
 #pragma once
 
 #include "plugin/base/Lifetime.h"
@@ -11,6 +12,12 @@
 #include <string_view>
 
 namespace planfold {
+
+inline constexpr std::string_view kRightsRoot = "QV";
+// The first is needed to use the plug-in at all; the two others unlock more of it.
+inline constexpr std::string_view kPluginRight = "QV: Planfold";
+inline constexpr std::string_view kCustomRight = "QV: Planfold: Custom";
+inline constexpr std::string_view kRestrictedDatesRight = "QV: Planfold: SIP Set Restricted Date";
 
 using AnyFunction = void (*)();
 // Finds an export of the host executable by name; null when there is none.

@@ -37,10 +37,18 @@ struct Request {
 };
 
 // Appends one field to the session's message; an empty value is sent as a null pointer.
-bool AddField(Session& session, std::uint32_t tag, std::string_view value);
+inline bool AddField(Session& session, std::uint32_t tag, std::string_view value) {
+    const QmxDatum datum{value.empty() ? nullptr : value.data(), static_cast<std::uint32_t>(value.size())};
+    QmxError error{};
+    return qmx_add_data(session.m_primeCb, tag, 1, &datum, &error) != 0;
+}
 
 // False when the control is missing or refuses.
-bool SendBuilt(Session& session, RxControl* control);
+inline bool SendBuilt(Session& session, RxControl* control) {
+    std::uint64_t requestNumber = 0;
+    QmxError error{};
+    return control && control->SendRequest(&requestNumber, session.m_primeCb, 0, &error) != 0;
+}
 
 // Builds and sends. The first failure is shown, nothing is sent and false is returned.
 template <class Source>

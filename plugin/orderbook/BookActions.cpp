@@ -2,7 +2,9 @@
 
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
+#include "plugin/orderentry/KeptOrders.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
@@ -41,6 +43,11 @@ const char* RefusalToResume(std::string_view status) {
 
 const char* RefusalTo(PauseOrResume which, std::string_view status) {
     return which == PauseOrResume::pause ? RefusalToPause(status) : RefusalToResume(status);
+}
+
+std::string_view RequestNameOf(RunKind kind) {
+    if (kind == RunKind::cancel) return kCancelSipOrder;
+    return kind == RunKind::pause ? kPauseSipOrder : kResumeSipOrder;
 }
 
 RunKind RunOf(PauseOrResume which) {
@@ -110,8 +117,25 @@ void BookActions::Change(PauseOrResume which) {
     if (const char* refusal = RefusalTo(which, record->Text(OrderField::sipStatus)))
         m_view.ShowLast(refusal);
     else
-        Lifetime::Last(
-            [&](Pass pass) { SendPauseSipOrder(pass, m_session, m_control, m_view, which, record->Number()); });
+        ChangeOne(which, std::string(record->Number()));
+}
+
+void BookActions::ChangeOne(PauseOrResume which, const std::string& number) {
+    const RecordedOrder recorded = RecordedChange(m_session, RequestNameOf(which), number);
+    m_withoutRecord = false;
+    if (!RecordSending({&recorded, 1})) return;
+    Lifetime::Last([&](Pass pass) {
+        if (!SendPauseSipOrder(pass, m_session, m_control, m_view, which, number))
+            m_session.record.Tell(recorded, OrderEvent::notSent, {});
+    });
+}
+
+bool BookActions::RecordSending(std::span<const RecordedOrder> requests) {
+    if (m_session.record.Sending(requests) || m_withoutRecord) return true;
+    m_asking = true;
+    const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); });
+    m_asking = false;
+    return m_withoutRecord = reply == Reply::yes;
 }
 
 void BookActions::ChangeSelected(PauseOrResume which) {
@@ -142,6 +166,7 @@ void BookActions::Begin(RunKind kind, std::vector<RecordId> records, std::string
     m_reason = std::move(reason);
     m_run.emplace(kind, std::move(records));
     m_waits = 0;
+    m_withoutRecord = false;
     SendPortion(kFirstPortion);
     if (m_run) m_view.ShowRun();
 }
@@ -154,7 +179,7 @@ void BookActions::Continue() {
 void BookActions::Stop() {
     if (!m_run) return;
     m_run->Stop();
-    // Also when only answers were waited for.
+    // This ends it also when only answers were waited for.
     if (!m_sending) EndRun();
 }
 
@@ -169,38 +194,60 @@ void BookActions::SendPortion(std::size_t most) {
     // The host is asked for identifiers on the way and may let the window's timer in.
     if (!m_run || m_sending) return;
     m_sending = true;
-    Reply sent = Reply::no;
-    for (std::size_t i = 0; i < most && !m_run->AllTried() && sent != Reply::over; ++i) {
-        sent = m_life.Across([&](Pass pass) { return SendOne(pass, m_run->TakeNext(), m_run->Failures()); });
-        if (sent == Reply::yes) m_run->CountSent();
-    }
+    const bool isThere = m_life.Across([&](Pass) { SendRecorded(most); });
     m_sending = false;
-    if (sent == Reply::over)
+    if (!isThere)
         m_run.reset();
     else if (Finished())
         EndRun();
 }
 
-bool BookActions::SendOne(Pass pass, RecordId id, Notices& notices) {
-    sOrderinfo& record = m_cache[id];
-    switch (m_run->Kind()) {
-    case RunKind::cancel: {
-        OrderChanges reason;
-        reason[OrderField::userText] = m_reason;
-        record.Apply(reason);
+// All of a portion is on the disk before the first of it goes out.
+void BookActions::SendRecorded(std::size_t most) {
+    const std::vector<RecordId> records = m_run->Next(most);
+    const std::string_view request = RequestNameOf(m_run->Kind());
+    std::vector<std::optional<std::string>> orderIds(records.size());
+    std::vector<RecordedOrder> recorded;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (m_run->Kind() == RunKind::cancel) {
+            auto orderId = m_life.Across([&](Pass pass) { return m_session.FreshIdentifier(pass); });
+            if (!orderId) return;
+            orderIds[i] = std::move(*orderId);
+        }
+        recorded.push_back(
+            RecordedChange(m_session, request, m_cache[records[i]].Number(), {}, {}, orderIds[i].value_or("")));
+    }
+    if (!RecordSending(recorded)) return m_run->Stop();
+    bool isThere = true;
+    for (std::size_t i = 0; i < records.size(); ++i) {
         bool sent = false;
-        // The record itself has changed: reason and order source.
-        if (m_life.Across(
-                [&](Pass) { sent = SendCancelSipOrder(pass, m_session, m_control, notices, record); }))
-            m_view.Registered().Repaint(id);
-        return sent;
+        if (isThere && !m_run->AllTried()) {
+            m_run->CountTried();
+            isThere = m_life.Across([&](Pass pass) { sent = SendOne(pass, records[i], orderIds[i]); });
+        }
+        if (sent)
+            m_run->CountSent();
+        else
+            m_session.record.Tell(recorded[i], OrderEvent::notSent, {});
     }
-    case RunKind::pause:
-        return SendPauseSipOrder(pass, m_session, m_control, notices, PauseOrResume::pause, record.Number());
-    case RunKind::resume:
-        return SendPauseSipOrder(pass, m_session, m_control, notices, PauseOrResume::resume, record.Number());
-    }
-    return false;
+}
+
+bool BookActions::SendOne(Pass pass, RecordId id, const std::optional<std::string>& orderId) {
+    sOrderinfo& record = m_cache[id];
+    Notices& notices = m_run->Failures();
+    if (m_run->Kind() != RunKind::cancel)
+        return SendPauseSipOrder(pass, m_session, m_control, notices,
+                                 m_run->Kind() == RunKind::pause ? PauseOrResume::pause : PauseOrResume::resume,
+                                 record.Number());
+    OrderChanges reason;
+    reason[OrderField::userText] = m_reason;
+    record.Apply(reason);
+    bool sent = false;
+    // The record itself has changed: reason and order source.
+    if (m_life.Across(
+            [&](Pass) { sent = SendCancelSipOrder(pass, m_session, m_control, notices, record, orderId); }))
+        m_view.Registered().Repaint(id);
+    return sent;
 }
 
 void BookActions::EndRun() {
@@ -212,7 +259,17 @@ void BookActions::EndRun() {
     if (!text.empty()) m_view.ShowLast(text);
 }
 
+void BookActions::RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event) {
+    std::string number = FieldText(answer.message, tag::registrationNumber);
+    if (number.empty()) number = FieldText(answer.message, tag::echoedNumber);
+    const std::string text = FieldText(answer.message, tag::userText);
+    m_session.record.Tell(RecordedChange(m_session, request, number),
+                          answer.hasError ? OrderEvent::refused : event,
+                          answer.hasError ? DescribeRefusal(text, answer.errorCode) : text);
+}
+
 void BookActions::HandleCancelled(const Answer& answer) {
+    RecordAnswer(answer, kCancelSipOrder, OrderEvent::cancelled);
     const auto number = FieldView(answer.message, tag::echoedNumber);
     if (!number) return;
     BookList& registered = m_view.Registered();
@@ -225,6 +282,8 @@ void BookActions::HandleCancelled(const Answer& answer) {
 }
 
 void BookActions::HandleChanged(const Answer& answer, RunKind kind) {
+    RecordAnswer(answer, RequestNameOf(kind),
+                 kind == RunKind::pause ? OrderEvent::paused : OrderEvent::resumed);
     if (m_run && m_run->Kind() == kind && !m_run->AllAnswered()) {
         m_run->CountAnswer(answer.hasError);
         m_waits = 0;

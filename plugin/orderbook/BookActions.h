@@ -11,6 +11,7 @@
 #include "sdk/RxControl.h"
 
 #include <optional>
+#include <span>
 
 namespace planfold {
 
@@ -20,13 +21,13 @@ public:
     BookActions(Session& session, BookView& view, OrderCache& cache, RxControl* control, Lifetime& life)
         : m_session(session), m_view(view), m_cache(cache), m_control(control), m_life(life) {}
 
-    // Of every selected row, after a question and a reason.
+    // Cancels every selected row, after a question and a reason.
     void Cancel();
-    // Of the first selected row.
+    // These three work on the first selected row.
     void Modify();
     void Pause() { Change(PauseOrResume::pause); }
     void Resume() { Change(PauseOrResume::resume); }
-    // Of every selected row whose status allows it, after a question with exact numbers.
+    // These two work on every selected row whose status allows it, after a question with exact numbers.
     void PauseSelected() { ChangeSelected(PauseOrResume::pause); }
     void ResumeSelected() { ChangeSelected(PauseOrResume::resume); }
 
@@ -50,7 +51,12 @@ private:
     void ChangeSelected(PauseOrResume which);
     void Begin(RunKind kind, std::vector<RecordId> records, std::string reason);
     void SendPortion(std::size_t most);
-    bool SendOne(Pass pass, RecordId record, Notices& notices);
+    void SendRecorded(std::size_t most);
+    bool SendOne(Pass pass, RecordId record, const std::optional<std::string>& orderId);
+    void ChangeOne(PauseOrResume which, const std::string& number);
+    // Whether the requests may go out: they are on the disk, or the dealer agrees that they are not.
+    [[nodiscard]] bool RecordSending(std::span<const RecordedOrder> requests);
+    void RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event);
     bool Finished() const;
     void EndRun();
     void HandleChanged(const Answer& answer, RunKind kind);
@@ -65,6 +71,7 @@ private:
     int m_waits = 0; // since the last answer
     bool m_asking = false;
     bool m_sending = false;
+    bool m_withoutRecord = false; // the dealer agreed for this run
 };
 
 } // namespace planfold

@@ -10,7 +10,7 @@ struct Words {
     const char* doing;
     const char* noun;
 };
-// In the order of RunKind.
+// The rows are in the order of RunKind.
 constexpr Words kWords[] = {{"Cancelling", "Cancel"}, {"Pausing", "Pause"}, {"Resuming", "Resume"}};
 
 const Words& WordsOf(RunKind kind) {

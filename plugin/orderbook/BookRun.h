@@ -5,6 +5,7 @@
 #include "plugin/base/Notices.h"
 #include "plugin/orderbook/OrderCache.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,13 @@ public:
     bool Stopped() const { return m_stopped; }
     void Stop() { m_stopped = m_next < m_records.size(); }
 
-    // The next record; only while not all are tried.
-    RecordId TakeNext() { return m_records[m_next++]; }
+    // At most so many of those that are not tried.
+    std::vector<RecordId> Next(std::size_t most) const {
+        const auto from = m_records.begin() + static_cast<std::ptrdiff_t>(m_next);
+        return {from, from + static_cast<std::ptrdiff_t>(std::min(most, m_records.size() - m_next))};
+    }
+    // The next of them; only while not all are tried.
+    void CountTried() { ++m_next; }
     void CountSent() { ++m_sent; }
     // Takes the texts of what could not be sent.
     Notices& Failures() { return m_failures; }

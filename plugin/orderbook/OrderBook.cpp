@@ -1,11 +1,11 @@
 #include "plugin/orderbook/OrderBook.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/Subscriptions.h"
-#include "plugin/orderbook/BookColumns.h"
-#include "plugin/orderbook/BookQueries.h"
-#include "plugin/orderbook/OrderRow.h"
+#include "plugin/orderbook/BookLists.h"
+#include "plugin/orderbook/BookRequests.h"
+#include "plugin/orderbook/OrderInfo.h"
 #include "plugin/orderentry/OperationMode.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
 
 namespace planfold {
@@ -29,13 +29,12 @@ void OrderBook::Open(const LocalDateTime& today) {
     FilterByClient({});
     m_session.m_nSipOperationMode = 0;
     // Each failure is a box.
-    const auto& [requests, identityStream, accountStream] = m_controls;
     const std::function<void(Pass)> steps[] = {
-        [&](Pass pass) { SendGetSipOperationMode(pass, m_session, requests, m_view); },
-        [&](Pass pass) { SubscribeBroadcasts(pass, m_session, accountStream, m_view); },
-        [&](Pass pass) { SendGetSipOrders(pass, m_session, requests, m_view); },
-        [&](Pass pass) { SubscribeIdentity(pass, m_session, identityStream, m_view); },
-        [&](Pass pass) { SendQuerySips(pass, m_session, requests, m_view, today); },
+        [&](Pass pass) { SendGetSipOperationMode(pass, m_session, m_controls.requests, m_view); },
+        [&](Pass pass) { SubscribeBroadcasts(pass, m_session, m_controls.accountStream, m_view); },
+        [&](Pass pass) { SendGetSipOrders(pass, m_session, m_controls.requests, m_view); },
+        [&](Pass pass) { SubscribeIdentity(pass, m_session, m_controls.identityStream, m_view); },
+        [&](Pass pass) { SendQuerySips(pass, m_session, m_controls.requests, m_view, today); },
     };
     for (const auto& step : steps)
         if (!m_life.Across(step)) return;
@@ -76,6 +75,7 @@ RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     const bool isNew = record == kNoRecord;
     if (isNew) record = m_cache.Add(*number);
     ReadOrderRow(message, m_session.m_nSipOperationMode != 0, *accountName, m_cache[record]);
+    m_session.record.OnRow(m_cache[record].Text(OrderField::orderId), m_cache[record].Number());
     m_view.Registered().Repaint(record);
     m_view.Cancelled().Repaint(record);
     // A known record enters the cancelled book, but never the registered one.

@@ -1,7 +1,7 @@
 // Every registration that the book has heard of, by number. Records stay for the life of the book.
 #pragma once
 
-#include "plugin/base/RecordId.h"
+#include "plugin/base/LongRun.h"
 #include "plugin/orderbook/OrderInfo.h"
 
 #include <algorithm>

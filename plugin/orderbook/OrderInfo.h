@@ -2,11 +2,15 @@
 // empty where the server sent nothing.
 #pragma once
 
+#include "plugin/base/Text.h"
+#include "plugin/messaging/Session.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace planfold {
@@ -44,18 +48,7 @@ enum class OrderField : std::uint8_t {
 inline constexpr std::size_t kOrderFieldCount = static_cast<std::size_t>(OrderField::count);
 
 // What a message changes: a field without a value stays as it was.
-class OrderChanges {
-public:
-    std::optional<std::string_view>& operator[](OrderField field) {
-        return m_texts[static_cast<std::size_t>(field)];
-    }
-    const std::optional<std::string_view>& operator[](OrderField field) const {
-        return m_texts[static_cast<std::size_t>(field)];
-    }
-
-private:
-    std::array<std::optional<std::string_view>, kOrderFieldCount> m_texts;
-};
+using OrderChanges = ByField<OrderField, std::optional<std::string_view>>;
 
 class sOrderinfo {
 public:
@@ -88,5 +81,13 @@ inline bool HasEnded(std::string_view sipStatus) {
 }
 
 inline constexpr std::string_view kPausedStatus = "Paused";
+
+// The host's name for the message's client; none when the message names no client or the host cannot tell.
+std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message);
+
+// Takes over each field whose tag the message has and leaves the others. `installments` tells which of its two
+// fields the period belongs to; `accountName` is what was asked before.
+void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,
+                  sOrderinfo& record);
 
 } // namespace planfold

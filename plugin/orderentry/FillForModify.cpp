@@ -29,18 +29,18 @@ void OrderEntry::FillForModify(const SipRegistration& registration) {
 }
 
 bool OrderEntry::FillFrom(const SipRegistration& registration, bool serverPeriods) {
-    Fix(IDC_EXCHANGE, registration.exchange);
-    Fix(IDC_FREQUENCY, registration.frequency);
-    Fix(IDC_ORDER_TYPE, registration.orderType);
-    Fix(IDC_PRODUCT, registration.product);
+    m_form.Fix(IDC_EXCHANGE, registration.exchange);
+    m_form.Fix(IDC_FREQUENCY, registration.frequency);
+    m_form.Fix(IDC_ORDER_TYPE, registration.orderType);
+    m_form.Fix(IDC_PRODUCT, registration.product);
     if (serverPeriods) FrequencyList::ShowServerPeriods(m_view);
     m_view.SetText(IDC_PERIOD, serverPeriods ? registration.installments : registration.totalPeriod);
     m_view.Enable(IDC_PERIOD, true);
 
     const SymbolAndSeries scrip = SplitTradingSymbol(registration.tradingSymbol);
-    Fix(IDC_SERIES, scrip.series);
-    Fix(IDC_SYMBOL, scrip.symbol);
-    Fix(IDC_ACTION, registration.action);
+    m_form.Fix(IDC_SERIES, scrip.series);
+    m_form.Fix(IDC_SYMBOL, scrip.symbol);
+    m_form.Fix(IDC_ACTION, registration.action);
 
     std::string investType;
     Convert(kInvestTypeToDisplay, registration.investType, investType);
@@ -54,25 +54,8 @@ bool OrderEntry::FillFrom(const SipRegistration& registration, bool serverPeriod
     if (!startDate) return false;
     m_view.SetDate(IDC_START_DATE, *startDate);
     m_view.Enable(IDC_START_DATE, false);
-    FillClient(registration.account);
+    m_form.FixClient(registration.account);
     return true;
-}
-
-void OrderEntry::Fix(int combo, std::string_view text) {
-    m_view.ClearItems(combo);
-    m_view.AddItem(combo, text);
-    m_view.Select(combo, 0);
-    m_view.Enable(combo, false);
-}
-
-void OrderEntry::FillClient(std::string_view client) {
-    if (m_form.SearchesClients()) {
-        m_view.SetText(IDC_CLIENT_SEARCH, client);
-        m_view.Enable(IDC_CLIENT_SEARCH, false);
-        m_view.Enable(IDC_CLIENT_SEARCH_MODE, false);
-    } else {
-        Fix(IDC_CLIENT_COMBO, client);
-    }
 }
 
 } // namespace planfold

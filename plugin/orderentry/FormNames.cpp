@@ -1,8 +1,7 @@
 #include "plugin/orderentry/FormNames.h"
 
 #include "plugin/base/Codes.h"
-#include "plugin/messaging/HostClients.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 
 namespace planfold {
 

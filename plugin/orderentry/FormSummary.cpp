@@ -41,31 +41,16 @@ std::string OrderEntry::DescribeForm() const {
     return DescribePlan(plan, m_view.Text(IDC_ACTION), investType, value);
 }
 
-// What has happened that the dealer must know before anything else.
-std::string OrderEntry::Notice() const {
-    if (!FilledForModify()) return m_kept.Notice();
-    std::string notice = m_modifying->refusal;
-    const std::string news = m_modifying->News(", ");
-    if (news.empty()) return notice;
-    const std::string& user = m_modifying->ChangedBy();
-    notice.append(notice.empty() ? "" : "\n").append("Changed meanwhile");
-    return notice + (user.empty() ? user : " by " + user) + ": " + news;
-}
-
-bool OrderEntry::Alarms() const {
-    if (m_names.ClientIsUnknown()) return true;
-    return FilledForModify() ? !Notice().empty() : m_kept.IsAlarming();
-}
-
 bool OrderEntry::ShowPlan() {
     const SipOrderForm form = ReadForm();
     const std::string tradingSymbol = m_modifying ? m_modifying->Now().tradingSymbol : std::string();
     if (!m_life.Across([&](Pass pass) { m_names.Ask(pass, form, tradingSymbol); })) return false;
     std::string text = m_names.Text();
-    const std::string plan = DescribeForm();
-    for (const std::string& part : {Notice(), plan})
+    const std::string notice = m_modifying ? m_modifying->Notice() : m_kept.Notice();
+    for (const std::string& part : {notice, DescribeForm()})
         if (!part.empty()) text.append(text.empty() ? "" : "\n").append(part);
-    m_view.ShowSummary(text, Alarms());
+    const bool alarms = m_modifying ? !notice.empty() : m_kept.IsAlarming();
+    m_view.ShowSummary(text, alarms || m_names.ClientIsUnknown());
     m_view.Enable(IDC_PLAN_DATES, PlannedDate(CurrentPlan(), 0).has_value());
     return true;
 }

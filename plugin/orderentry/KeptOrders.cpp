@@ -1,7 +1,8 @@
 #include "plugin/orderentry/KeptOrders.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/orderentry/SentModifications.h"
+#include "plugin/orderentry/Modification.h"
+#include "plugin/orderentry/RecordedOrders.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,16 +10,6 @@
 namespace planfold {
 
 namespace {
-
-// A server's text has to leave room for what to do.
-constexpr std::size_t kLongestText = 160;
-
-std::string InShort(std::string_view text) {
-    std::string shown(text.substr(0, kLongestText));
-    for (char& c : shown)
-        if (static_cast<unsigned char>(c) < ' ') c = ' ';
-    return text.size() > kLongestText ? shown + "..." : shown;
-}
 
 std::string Naming(const SipOrderForm& order) {
     std::string text;
@@ -28,11 +19,6 @@ std::string Naming(const SipOrderForm& order) {
 }
 
 } // namespace
-
-std::string DescribeRefusal(std::string_view text, std::string_view code) {
-    const std::string shown = InShort(text);
-    return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
-}
 
 // Of a refusal that belonged to no known order nothing can come back.
 void KeptOrders::ForgetUnknown() {

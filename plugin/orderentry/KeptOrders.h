@@ -14,9 +14,6 @@
 
 namespace planfold {
 
-// What the server said to a request, in one line.
-std::string DescribeRefusal(std::string_view text, std::string_view code);
-
 class KeptOrders {
 public:
     // What was sent, as the form had it and as the order record has it.

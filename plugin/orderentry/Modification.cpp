@@ -1,11 +1,61 @@
 #include "plugin/orderentry/Modification.h"
 
+#include "plugin/base/Codes.h"
 #include "plugin/base/Numbers.h"
+#include "plugin/base/Text.h"
+#include "plugin/messaging/Request.h"
 #include "plugin/orderentry/PlannedDates.h"
+#include "sdk/Tags.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace planfold {
+
+namespace {
+
+using Value = std::optional<std::string_view>;
+
+struct ModifySipOrder {
+    std::string number;
+    const sSipOrderData& order;
+};
+constexpr RequestField<ModifySipOrder> kFields[] = {
+    {tag::registrationNumber, [](ModifySipOrder& modify) -> Value { return modify.number; },
+     "Failed to add the SIP ID"},
+    {tag::amountOrQuantity, [](ModifySipOrder& modify) -> Value { return modify.order.amountOrQuantity; },
+     "Failed to add Amount or Quantity"},
+    {tag::totalPeriod, [](ModifySipOrder& modify) -> Value { return modify.order.totalPeriod; },
+     "Failed to add the Total Period"},
+};
+constexpr Request<ModifySipOrder> kRequest{"modify_sip_order", "Failed to add the request modify_sip_order",
+                                           kFields, "Sending Request modify_sip_order Failed"};
+
+} // namespace
+
+SymbolAndSeries SplitTradingSymbol(std::string_view tradingSymbol) {
+    const std::size_t dash = tradingSymbol.rfind('-');
+    if (dash == tradingSymbol.npos) return {std::string(tradingSymbol), {}};
+    return {std::string(tradingSymbol.substr(0, dash)), std::string(tradingSymbol.substr(dash + 1))};
+}
+
+std::optional<LocalDateTime> ReadServerDate(std::string_view text) {
+    const std::size_t month = text.find('-');
+    const std::size_t year = text.find('-', month == text.npos ? month : month + 1);
+    if (year == text.npos) return std::nullopt;
+    const int number = MonthNumber(text.substr(month + 1, year - month - 1));
+    if (number == 0) return std::nullopt;
+    return LocalDateTime{static_cast<int>(LeadingInteger(text.substr(year + 1))), number,
+                         static_cast<int>(LeadingInteger(text))};
+}
+
+bool SendModifySipOrder(Pass pass, Session& session, RxControl* control, Notices& notices,
+                        std::string_view number, const sSipOrderData& order) {
+    ModifySipOrder modify{std::string(number), order};
+    if (!SendRequest(pass, session, control, notices, kRequest, modify)) return false;
+    session.Log(pass, Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
+    return true;
+}
 
 namespace {
 
@@ -95,6 +145,40 @@ std::string Modification::News(std::string_view separator) const {
     for (const auto& [name, member] : kNews)
         news.Add(name, m_taken.*member, m_now.*member);
     return news.Text();
+}
+
+std::string Modification::Notice() const {
+    std::string notice = refusal;
+    const std::string news = News(", ");
+    if (news.empty()) return notice;
+    notice.append(notice.empty() ? "" : "\n").append("Changed meanwhile");
+    return notice + (ChangedBy().empty() ? "" : " by " + ChangedBy()) + ": " + news;
+}
+
+void SentModifications::Add(std::string registration, int life, std::int64_t now) {
+    m_sent.push_back({std::move(registration), life, now});
+    ForgetLost(now);
+}
+
+void SentModifications::ForgetLost(std::int64_t now) {
+    while (m_sent.size() > 1 && now - m_sent.front().at > kAnswerPatienceMs)
+        m_sent.erase(m_sent.begin());
+}
+
+bool SentModifications::Answered(std::string_view registration, int life, bool refused, std::int64_t now) {
+    ForgetLost(now);
+    if (m_sent.empty()) return false;
+    const std::string named(registration.empty() ? m_sent.front().registration : registration);
+    const auto oldest = std::ranges::find(m_sent, named, &Sent::registration);
+    if (oldest == m_sent.end()) return false;
+    // Of one registration the answers of earlier lives may be lost.
+    const bool own = std::ranges::any_of(
+        m_sent, [&](const Sent& sent) { return sent.registration == named && sent.life == life; });
+    if (own && !refused)
+        std::erase_if(m_sent, [&](const Sent& sent) { return sent.life == life; });
+    else
+        m_sent.erase(oldest);
+    return own;
 }
 
 } // namespace planfold

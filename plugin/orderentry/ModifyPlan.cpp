@@ -44,7 +44,7 @@ std::string DescribeValue(const ModifiedPlan& plan) {
     return ": " + InsteadOf(unit + now + " a run", now == before ? "" : before);
 }
 
-// Of all runs to come.
+// The value is that of all runs to come.
 std::string DescribeTotal(const ModifiedPlan& plan, const Plan& toCome) {
     const std::string now = Worth(plan, plan.value, toCome.instalments);
     if (now.empty()) return {};

@@ -1,7 +1,7 @@
 // What a modification makes of a registered plan: what is left of it, old beside new.
 #pragma once
 
-#include "plugin/orderentry/ModifyOrder.h"
+#include "plugin/orderentry/Modification.h"
 #include "plugin/orderentry/PlannedDates.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "plugin/orderentry/OrderEntry.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostClients.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/record/OrderRecord.h"
@@ -235,13 +235,11 @@ void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::int64_t now = m_view.Milliseconds();
     const std::string text = FieldText(answer.message, tag::userText);
     if (!answer.hasError) {
-        if (const auto order = m_kept.Accepted(client, now))
-            m_session.record.Tell(order->recorded, OrderEvent::registered, text,
-                                  FieldText(answer.message, tag::registrationNumber));
+        if (const auto order = m_kept.Accepted(client, now)) RecordPlaced(m_session, order->recorded, answer);
         return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
     if (const auto order = m_kept.Refused(client, text, answer.errorCode, now))
-        m_session.record.Tell(order->recorded, OrderEvent::refused, DescribeRefusal(text, answer.errorCode));
+        RecordPlaced(m_session, order->recorded, answer);
     if (m_view.IsOpen()) ShowPlanLast();
 }
 

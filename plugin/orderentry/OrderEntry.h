@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/base/Lifetime.h"
+#include "plugin/controls/DialogView.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderentry/FormNames.h"
@@ -10,16 +11,31 @@
 #include "plugin/orderentry/Modification.h"
 #include "plugin/orderentry/ModifyPlan.h"
 #include "plugin/orderentry/OperationMode.h"
-#include "plugin/orderentry/OrderEntryView.h"
-#include "plugin/orderentry/SentModifications.h"
 #include "plugin/orderentry/SipForm.h"
 #include "sdk/RxControl.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace planfold {
+
+// The order entry window as the code that decides sees it.
+class OrderEntryView : public DialogView {
+public:
+    // False while another box is open. That one comes to the front, and OrderEntry hears when it is gone.
+    virtual bool MayAsk() = 0;
+    // A question with Yes and No, No being the default; true for Yes.
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
+    // What the form says of the order in it. What alarms is drawn so; the words say it as well.
+    virtual void ShowSummary(std::string_view text, bool alarms) = 0;
+    // A clock that only goes forward.
+    virtual std::int64_t Milliseconds() const = 0;
+
+protected:
+    ~OrderEntryView() = default;
+};
 
 class OrderEntry {
 public:
@@ -106,15 +122,10 @@ private:
     void PrepareClient(Pass pass);
     ModifiedPlan ReadModification() const;
     std::string DescribeForm() const;
-    std::string Notice() const;
-    bool Alarms() const;
     void HandleOperationMode(const Answer& answer);
     void HandlePlaced(const Answer& answer);
     void HandleModified(const Answer& answer);
     void ShowUserText(Pass pass, const Answer& answer);
-    // Empties the combo but for the text, and locks it.
-    void Fix(int combo, std::string_view text);
-    void FillClient(std::string_view client);
     // False when a host callback took the window away.
     [[nodiscard]] bool FillIn(const SipOrderForm& order);
     void FillInBesideScrip(const SipOrderForm& order);

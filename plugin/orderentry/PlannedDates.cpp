@@ -20,7 +20,7 @@ year_month_day ToCalendar(const LocalDateTime& date) {
     return std::chrono::year(date.year) / date.month / date.day;
 }
 
-// Out of a text from outside it need not be one.
+// A text from outside need not name a day that there is.
 bool IsDate(const LocalDateTime& date) {
     const bool inRange = date.year > 0 && date.year <= kLastYear && date.month > 0 && date.month <= 12
                          && date.day > 0 && date.day <= 31;

@@ -2,8 +2,38 @@
 
 #include "plugin/base/Numbers.h"
 #include "plugin/orderentry/PlannedDates.h"
+#include "plugin/record/OrderRecord.h"
+#include "sdk/Tags.h"
 
 namespace planfold {
+
+namespace {
+
+// A server's text has to leave room for what to do.
+constexpr std::size_t kLongestText = 160;
+
+} // namespace
+
+std::string InShort(std::string_view text) {
+    std::string shown(text.substr(0, kLongestText));
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return text.size() > kLongestText ? shown + "..." : shown;
+}
+
+std::string DescribeRefusal(std::string_view text, std::string_view code) {
+    const std::string shown = InShort(text);
+    return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
+}
+
+void RecordPlaced(const Session& session, const RecordedOrder& order, const Answer& answer) {
+    const std::string text = FieldText(answer.message, tag::userText);
+    if (answer.hasError)
+        session.record.Tell(order, OrderEvent::refused, DescribeRefusal(text, answer.errorCode));
+    else
+        session.record.Tell(order, OrderEvent::registered, text,
+                            FieldText(answer.message, tag::registrationNumber));
+}
 
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
                                const OrderOrigin& origin) {

@@ -1,7 +1,7 @@
 // What the order record says of requests that place or change a registration.
 #pragma once
 
-#include "plugin/messaging/Session.h"
+#include "plugin/messaging/Answer.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "plugin/record/OrderLedger.h"
 
@@ -19,6 +19,14 @@ struct OrderOrigin {
 
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
                                const OrderOrigin& origin = {});
+
+// A text from outside as a part of a line: not too long, and without what ends one.
+std::string InShort(std::string_view text);
+// What the server said to a request, in one line.
+std::string DescribeRefusal(std::string_view text, std::string_view code);
+
+// The answer to a new order.
+void RecordPlaced(const Session& session, const RecordedOrder& order, const Answer& answer);
 
 // The names of the requests that change a registration.
 inline constexpr std::string_view kModifySipOrder = "modify_sip_order";

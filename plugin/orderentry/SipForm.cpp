@@ -1,7 +1,7 @@
 #include "plugin/orderentry/SipForm.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/Rights.h"
+#include "plugin/messaging/HostCallbacks.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -107,6 +107,20 @@ bool SipForm::Choose(int combo, std::string_view text) {
     if (m_view.SelectText(combo, text)) return true;
     m_view.Select(combo, -1);
     return false;
+}
+
+void SipForm::Fix(int combo, std::string_view text) {
+    m_view.ClearItems(combo);
+    m_view.AddItem(combo, text);
+    m_view.Select(combo, 0);
+    m_view.Enable(combo, false);
+}
+
+void SipForm::FixClient(std::string_view client) {
+    if (!SearchesClients()) return Fix(IDC_CLIENT_COMBO, client);
+    m_view.SetText(IDC_CLIENT_SEARCH, client);
+    m_view.Enable(IDC_CLIENT_SEARCH, false);
+    m_view.Enable(IDC_CLIENT_SEARCH_MODE, false);
 }
 
 SipOrderForm SipForm::Read(int valueControl) const {

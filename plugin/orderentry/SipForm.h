@@ -30,12 +30,16 @@ public:
     // `customProducts` is the comma-separated list of the settings file; it counts only for holders of the
     // right.
     [[nodiscard]] bool FillProducts(std::string_view customProducts);
-    // After a choice in this combo, those that hang on it.
+    // The user has chosen in this combo: those that hang on it are filled anew.
     [[nodiscard]] bool OnChosen(int combo);
     [[nodiscard]] bool RefreshScrips(ScripLevel changed);
     // A combo for an order that comes into the form. Without its entry it shows nothing, and false is returned:
     // no other entry may be taken for it.
     bool Choose(int combo, std::string_view text);
+
+    // Empties the combo but for the text, and locks it; the same for the client.
+    void Fix(int combo, std::string_view text);
+    void FixClient(std::string_view client);
 
     // `valueControl` is where amount or quantity is typed.
     SipOrderForm Read(int valueControl) const;

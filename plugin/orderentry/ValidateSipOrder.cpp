@@ -1,7 +1,7 @@
 #include "plugin/base/Codes.h"
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostScrips.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/SipOrder.h"
 #include "plugin/resources/resource.h"
 

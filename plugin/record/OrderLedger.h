@@ -58,6 +58,8 @@ public:
     // The one that an event with these texts belongs to; null when there is none.
     const RecordedOrder* Find(const RecordTexts& texts) const;
     std::size_t Count(OrderState state) const { return m_counts[static_cast<std::size_t>(state)]; }
+    // Whether there are orders of which the server may still tell something.
+    bool HasOpen() const { return Count(OrderState::done) + Count(OrderState::refused) < m_orders.size(); }
     // How many new orders that ask for the same are registered, or may be.
     std::uint32_t Like(const RecordTexts& order) const;
 

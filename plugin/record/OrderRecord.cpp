@@ -72,7 +72,7 @@ void OrderRecord::Tell(const RecordedOrder& named, OrderEvent event, std::string
 }
 
 void OrderRecord::OnRow(std::string_view orderId, std::string_view registration) {
-    if (orderId.empty()) return;
+    if (orderId.empty() || !Ledger().HasOpen()) return;
     RecordTexts texts;
     texts[RecordField::orderId] = orderId;
     const RecordedOrder* known = Ledger().Find(texts);

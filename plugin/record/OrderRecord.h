@@ -20,9 +20,9 @@ public:
     virtual bool HasFolder() const = 0;
     // None when the day has no file, or it cannot be read.
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
-    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end when a
-    // crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives the process,
-    // but not the machine. False after a failure: a part of it may be there.
+    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end
+    // when a crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives
+    // the process, but not the machine. False after a failure: a part of it may be there.
     virtual bool Append(const LocalDateTime& day, std::string_view lines, bool flush) = 0;
 
 protected:

@@ -1,6 +1,6 @@
 #include "plugin/record/RecordLine.h"
 
-#include "base/FileText.h"
+#include "base/Text.h"
 
 #include <algorithm>
 

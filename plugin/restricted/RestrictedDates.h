@@ -26,7 +26,7 @@ public:
     void OnResponse(void* message);
 
 private:
-    // Nothing without an answer.
+    // Without an answer nothing is shown.
     void ShowHeld(const Answer* answer);
     void HandleSet(const Answer& answer);
     void HandleGet(const Answer& answer);

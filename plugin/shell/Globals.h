@@ -10,14 +10,14 @@ namespace planfold {
 class CPlanfoldControlBlock;
 }
 
-// From the first successful menu pick until ExitVeskPlugin.
-extern planfold::CPlanfoldControlBlock* g_pControlBlock;
+// Set from the first successful menu pick until ExitVeskPlugin.
+inline planfold::CPlanfoldControlBlock* g_pControlBlock = nullptr;
 // The host executable, in which its callbacks are found; set when the library is attached.
-extern HostInstance g_hHostModule;
-// From InitVeskPlugin.
-extern std::string g_strLoginId;
-// From the host's peer data.
-extern std::string g_strPeerIdA;
-extern std::string g_strPeerIdB;
+inline HostInstance g_hHostModule = nullptr;
+// Set by InitVeskPlugin.
+inline std::string g_strLoginId;
+// Set from the host's peer data.
+inline std::string g_strPeerIdA;
+inline std::string g_strPeerIdB;
 // The client made active in the host.
-extern std::string g_strActiveClient;
+inline std::string g_strActiveClient;

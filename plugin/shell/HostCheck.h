@@ -1,8 +1,13 @@
-// Whether this host can carry the plug-in and this user may use it. Asked at every menu pick, so that a
-// right taken away counts at the next one.
+// What the plug-in tells the host about itself, and whether this host can carry it and this user may use it.
+// That is asked at every menu pick, so that a right taken away counts at the next one.
 #pragma once
 
+#include "plugin/messaging/HostCallbacks.h"
 #include "plugin/messaging/Session.h"
+#include "sdk/CString.h"
+#include "sdk/CStringArray.h"
+
+#include <cstdint>
 
 namespace planfold {
 
@@ -19,5 +24,16 @@ HostWindow MainFrame(const VeskApp* app);
 
 // Points for a dialog whose template has `templatePoints`, after the host's preference.
 int PreferredPointSize(int templatePoints, std::intptr_t size, std::intptr_t variation);
+
+inline constexpr std::string_view kOrderEntryMenu = "Order Entry";
+inline constexpr std::string_view kBasketMenu = "SIP Basket Entry";
+inline constexpr std::string_view kBookMenu = "SIP Registration Book";
+inline constexpr std::string_view kRestrictedDatesMenu = "SIP Set Restricted Date";
+
+// Pointers that the host leaves null are passed over. The restricted dates entry is offered only when the
+// host can be asked for the right and grants it.
+void FillPluginInfo(Pass pass, const HostLookup& lookup, CString* name, CString* version, CStringArray* menu,
+                    std::uint32_t* buildStamp, std::uint32_t* interfaceNumber, StringManager& ownStrings);
+void FillRights(CString* root, CStringArray* names, StringManager& ownStrings);
 
 } // namespace planfold

@@ -28,7 +28,7 @@ void fill_combo(void* dialog, int combo, const char* item);
 void call_information(void* information, void* rights, char* text, unsigned* stamp, unsigned* number);
 void call_init(void* function, const char* entry);
 int call_activate(void* function, const char* client);
-// To the notifier of the first control.
+// Goes to the notifier of the first control.
 void give_answer(void* message);
 void give_broadcast(void* message);
 }

@@ -1,4 +1,4 @@
-#include "tests/net/KillDealer.h"
+#include "tests/net/KillVerdict.h"
 
 #include "host/server/schedule/Schedule.h"
 #include "tests/net/NetFixture.h"
@@ -34,15 +34,15 @@ public:
     }
 
     void Go(bool goesOn) {
-        const std::uint32_t date = m_terminal.Hub().Server().date;
+        const std::uint32_t date = m_terminal.Client().Server().date;
         if (date < m_date) _exit(2); // the server's clock went back
         m_date = date;
         if (goesOn && m_date != 0) Ask();
         m_terminal.Pump();
     }
     bool IsQuiet() {
-        return m_terminal.Hub().Waiting() == 0 && m_terminal.Hub().State() == LinkState::connected
-               && !m_terminal.Hub().Server().hasDue;
+        return m_terminal.Client().Waiting() == 0 && m_terminal.Client().State() == LinkState::connected
+               && !m_terminal.Client().Server().hasDue;
     }
 
 private:
@@ -64,7 +64,7 @@ private:
         if (m_looking.empty() && !m_held.empty()) Look(AnyHeld());
         if (SteadyMs() < m_clockAtMs) return;
         m_clockAtMs = SteadyMs() + 100 + static_cast<std::int64_t>(Below(400));
-        m_terminal.Hub().Command(Below(2) ? "clock next" : "clock " + std::to_string(Below(4)), {});
+        m_terminal.Client().Command(Below(2) ? "clock next" : "clock " + std::to_string(Below(4)), {});
     }
 
     void Place() {

@@ -6,7 +6,6 @@
 // one a day, without a gap, and none on a closed day.
 
 #include "host/server/schedule/Schedule.h"
-#include "tests/net/KillDealer.h"
 #include "tests/net/KillVerdict.h"
 #include "tests/net/NetFixture.h"
 

@@ -111,7 +111,7 @@ std::string Verdict::JudgeAll() {
     }
     return std::to_string(m_byId.size()) + " registrations, of which " + std::to_string(m_told) + " told, and "
            + std::to_string(m_orders.size()) + " instalments, looked at " + std::to_string(m_seen)
-           + " times, until " + RecordDate(m_server.Today());
+           + " times, until " + RecordDate(m_server.Clock().Today());
 }
 
 // One a day from the first on; a pause leaves days out.

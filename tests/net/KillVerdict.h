@@ -1,15 +1,32 @@
-// What a server holds in the end, against what its dealers were told.
+// Dealers to be killed, and what a server holds in the end against what they were told.
 #pragma once
 
 #include "host/server/Server.h"
 
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace vesk {
+
+// A dealer's terminal as a process of its own, to be killed. It works as fast as the answers come, and says
+// down its standard output, a line each, what it asks and what it is told:
+//
+//   p ID                     asks for an order
+//   P ID NUMBER              that is registered
+//   c NUMBER STATUS AMOUNT   asks for a change, behind which the registration is so
+//   C NUMBER done|refused    what became of it
+//   s NUMBER STATUS NEXT     hears by the stream how a registration is, the day as yyyymmdd
+//   o NUMBER ORDER           sees an exchange order
+//   q                        asks no more, was told everything, and no instalment is due
+//
+// A byte on its standard input tells it to ask no more; the end of it ends it.
+//
+// Its orders have ids that begin with `name`, and end with a digit.
+int RunDealer(std::uint16_t port, const std::string& login, const std::string& name, unsigned seed);
 
 // Ends the program with the text unless it holds.
 void Demand(bool holds, const std::string& what);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/server/net/NetServer.h"
-#include "host/server/net/RemoteHub.h"
+#include "host/server/net/RxClient.h"
 #include "tests/server/ServerFixture.h"
 
 #include <chrono>
@@ -17,9 +17,9 @@ class Terminal final : public CKeloRxNotifierBase {
 public:
     Terminal(std::uint16_t port, std::string login)
         : m_user(std::move(login)),
-          m_hub({"localhost", port}, {m_user, "BROKER", ""},
-                [this](LinkState, const std::string& text) { states.push_back(text); }),
-          m_requests(m_hub.Get(kRxRequests, this)), m_stream(m_hub.Get(kRxIdentityStream, this)) {}
+          m_client(std::make_unique<TcpChannel>(ServerAddress{"localhost", port}), {m_user, "BROKER", ""},
+                   [this](LinkState, const std::string& text) { states.push_back(text); }),
+          m_requests(m_client.Get(kRxRequests, this)), m_stream(m_client.Get(kRxIdentityStream, this)) {}
 
     // Of the firm, whoever placed it.
     bool Subscribe(std::uint32_t tag = tag::streamName, const char* value = kStreamName.data()) {
@@ -36,8 +36,8 @@ public:
         return Send(
             Order({{tag::loginId, m_user}, {tag::orderId, identifier}, {tag::startDate, "4070908800"}}));
     }
-    void Pump() { m_hub.Pump(SteadyMs()); }
-    RemoteHub& Hub() { return m_hub; }
+    void Pump() { m_client.Pump(SteadyMs()); }
+    RxClient& Client() { return m_client; }
 
     void OnBroadcast(void* message, std::uint32_t, void*) override {
         streamed.push_back(std::string(qmx::Text(message, tag::registrationNumber)) + " "
@@ -55,7 +55,7 @@ public:
 
 private:
     std::string m_user;
-    RemoteHub m_hub;
+    RxClient m_client;
     RxControl* m_requests;
     RxControl* m_stream;
 };

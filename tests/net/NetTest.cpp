@@ -33,7 +33,7 @@ protected:
     }
     void Fill(std::size_t count, const UserIdentity& user) {
         const FillPlan plan{count, {user}, {{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}}};
-        ASSERT_EQ(m_running->server->Fill(plan), "");
+        ASSERT_EQ(vesk::Fill(*m_running->server, plan), "");
     }
     template <class Condition>
     bool Until(Condition condition, std::initializer_list<Terminal*> terminals) {
@@ -59,7 +59,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     Start();
     Terminal one(m_port, "USER1"), two(m_port, "USER2");
     ASSERT_TRUE(two.Subscribe() && two.Send({{tag::requestName, "get_sip_operation_mode"}}));
-    ASSERT_TRUE(Until([&] { return two.Hub().Waiting() == 0; }, {&two}));
+    ASSERT_TRUE(Until([&] { return two.Client().Waiting() == 0; }, {&two}));
     ASSERT_TRUE(one.Place("a"));
     ASSERT_TRUE(Until([&] { return !one.answers.empty() && !two.streamed.empty(); }, {&one, &two}));
     const std::string number = "SIP2603020000001";
@@ -67,7 +67,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     EXPECT_EQ(two.streamed, Texts{number + " active"});
 
     // The answer to a request, and the stream of it, are lost with the server that made the change.
-    Until([&] { return one.Hub().Waiting() == 0; }, {&one, &two});
+    Until([&] { return one.Client().Waiting() == 0; }, {&one, &two});
     const Fields cancel{
         {tag::requestName, "cancel_sip_order"}, {tag::registrationNumber, number}, {tag::orderId, "b"}};
     ASSERT_TRUE(one.Send(cancel) && one.Place("c"));
@@ -75,7 +75,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     const auto heard = [&] { return m_running->server->Registrations().size() == 2; };
     ASSERT_TRUE(Until(heard, {}));
     Kill();
-    ASSERT_TRUE(Until([&] { return two.Hub().State() == LinkState::lost; }, {&two}));
+    ASSERT_TRUE(Until([&] { return two.Client().State() == LinkState::lost; }, {&two}));
     // Made while there is no server.
     ASSERT_TRUE(one.Place("d"));
     Start();
@@ -90,7 +90,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     EXPECT_EQ(one.answers[1], "SIP cancelled. Registration No : " + number);
     EXPECT_EQ(m_running->server->Registrations().size(), 3u);
     EXPECT_EQ(two.states.back(), "connected");
-    EXPECT_EQ(one.Hub().Waiting(), 0u);
+    EXPECT_EQ(one.Client().Waiting(), 0u);
 }
 
 TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
@@ -99,38 +99,38 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     const auto tell = [&](const Told& one) { told.push_back((one.isDone ? "" : "-") + one.text); };
     Start();
     Terminal one(m_port, "USER1"), two(m_port, "USER2");
-    one.Hub().Command("clock 1", tell);
+    one.Client().Command("clock 1", tell);
     ASSERT_TRUE(two.Subscribe());
     const auto areThere = [&] {
-        return one.Hub().Server().date == 20260302 && two.Hub().Server().date == 20260302;
+        return one.Client().Server().date == 20260302 && two.Client().Server().date == 20260302;
     };
     ASSERT_TRUE(Until(areThere, {&one, &two}));
     EXPECT_EQ(std::exchange(told, {}), Texts{"-There is no connection to the server"});
 
     for (const char* line : {"other 2", "clock next", "rubbish"})
-        one.Hub().Command(line, tell);
-    ASSERT_TRUE(Until([&] { return told.size() == 3 && two.Hub().Server().hasDue; }, {&one, &two}));
+        one.Client().Command(line, tell);
+    ASSERT_TRUE(Until([&] { return told.size() == 3 && two.Client().Server().hasDue; }, {&one, &two}));
     EXPECT_EQ(std::exchange(told, {}),
               (Texts{"Another session placed 2 orders", "Server clock at the next instalment: 03-Mar-2026",
                      "-\"rubbish\" is no command"}));
-    EXPECT_EQ(one.Hub().Server().date, 20260303u);
+    EXPECT_EQ(one.Client().Server().date, 20260303u);
     EXPECT_EQ(two.streamed.size(), 2u);
-    EXPECT_EQ(m_running->server->ExecuteDue({}).fault, "");
+    EXPECT_EQ(m_running->server->Clock().ExecuteDue({}).fault, "");
     // Not before what was executed.
-    ASSERT_TRUE(Until([&] { return !two.Hub().Server().hasDue; }, {&two}));
+    ASSERT_TRUE(Until([&] { return !two.Client().Server().hasDue; }, {&two}));
     EXPECT_EQ(two.streamed.size(), 4u);
 
     ASSERT_TRUE(one.Send({{tag::requestName, "calendar_add_restricted_dates"},
                           {tag::restrictedYear, "2026"},
                           {tag::startDate, "5"},
                           {tag::restrictedTo, "6"}}));
-    one.onAnswer = [&](void*) { EXPECT_EQ(one.Hub().Server().restricted.size(), 24u); };
+    one.onAnswer = [&](void*) { EXPECT_EQ(one.Client().Server().restricted.size(), 24u); };
     ASSERT_TRUE(Until([&] { return one.answers.size() == 1; }, {&one}));
     one.onAnswer = {};
 
     // Handled, then cut; the second time it is answered.
     const std::string number = "SIP2603020000001";
-    ASSERT_TRUE(Until([&] { return two.Hub().Server().restricted.size() == 24; }, {&two}));
+    ASSERT_TRUE(Until([&] { return two.Client().Server().restricted.size() == 24; }, {&two}));
     Terminal other(m_port, "DEALER02");
     ASSERT_TRUE(other.Send({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, number}}));
     ASSERT_TRUE(
@@ -143,7 +143,7 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     EXPECT_EQ(m_log, Texts{"DEALER02 is cut off: the server plays a cut connection"});
 
     // Asked, and never told of.
-    one.Hub().Command("clock 1", tell);
+    one.Client().Command("clock 1", tell);
     one.Pump();
     Kill();
     ASSERT_TRUE(Until([&] { return !told.empty(); }, {&one}));
@@ -160,7 +160,7 @@ TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
         Kill();
         Start({.outputBytes = 4096});
     }
-    ASSERT_TRUE(Until([&] { return one.Hub().Waiting() == 0; }, {&one}));
+    ASSERT_TRUE(Until([&] { return one.Client().Waiting() == 0; }, {&one}));
     Texts sorted = one.answers;
     std::ranges::sort(sorted);
     EXPECT_EQ(one.answers.size(), 2000u);
@@ -187,12 +187,12 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
         ASSERT_TRUE(Until([&] { return !slow.answers.empty(); }, {&slow, &fast}));
         std::size_t sent = 0;
         const auto isCut = [&] {
-            if (fast.Hub().Waiting() == 0) fast.Place(row.reason + std::to_string(sent++));
+            if (fast.Client().Waiting() == 0) fast.Place(row.reason + std::to_string(sent++));
             return !m_log.empty();
         };
         ASSERT_TRUE(Until(isCut, {&fast}));
         EXPECT_EQ(std::exchange(m_log, {}), Texts{row.reason});
-        ASSERT_TRUE(Until([&] { return fast.Hub().Waiting() == 0; }, {&fast}));
+        ASSERT_TRUE(Until([&] { return fast.Client().Waiting() == 0; }, {&fast}));
         EXPECT_EQ(fast.answers.size(), sent);
         EXPECT_EQ(fast.streamed.size(), sent);
         Kill();
@@ -220,7 +220,8 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         std::string bytes;
         const char* reason; // empty: it goes on
     } rows[] = {
-        {hello + Framed(net::Open{1, 1}) + Framed(net::Close{1}) + Framed(net::Close{7}), ""},
+        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::CloseControl{1}) + Framed(net::CloseControl{7}),
+         ""},
         {hello + Framed(net::Subscribe{9, 0, {}}) + Framed(net::Stop{9}), ""},
         {damaged, "a frame's checksum is wrong"},
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
@@ -228,16 +229,16 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {Framed(FrameType::end, ""), "a frame's type is unknown"},
         {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 2, not 1"},
         {Framed(net::Hello{}), "a terminal without a login"},
-        {Framed(net::Open{1, 1}), "a terminal says hello first"},
+        {Framed(net::OpenControl{1, 1}), "a terminal says hello first"},
         {hello + hello, "a second hello"},
-        {hello + Framed(net::Open{1, 3}), "a control of an unknown kind"},
-        {hello + Framed(net::Open{1, 1}) + Framed(net::Open{1, 1}), "a control opened twice"},
-        {hello + Framed(net::Request{1, 1, "rubbish"}), "a request that is no message"},
+        {hello + Framed(net::OpenControl{1, 3}), "a control of an unknown kind"},
+        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::OpenControl{1, 1}), "a control opened twice"},
+        {hello + Framed(net::ControlRequest{1, 1, "rubbish"}), "a request that is no message"},
         {hello + Framed(FrameType::subscribe, std::string(12, '\xFF')), "a frame that cannot be read"},
-        {hello + Framed(net::Done{1}), "a frame that a server sends"},
+        {hello + Framed(net::RequestDone{1}), "a frame that a server sends"},
     };
     for (const auto& row : rows) {
-        Session session(*m_running->server, *m_commands, {});
+        ServerSession session(*m_running->server, *m_commands, {});
         for (const char byte : row.bytes)
             session.Take({&byte, 1}, 0);
         EXPECT_EQ(session.EndReason(), row.reason);
@@ -249,15 +250,15 @@ TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
     Start();
     Fill(300, {"USER1", "", ""});
     std::string bytes =
-        Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1}) + Framed(net::Open{1, 0});
+        Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1}) + Framed(net::OpenControl{1, 0});
     for (std::uint64_t number = 1; number <= 4; ++number)
-        bytes += Framed(net::Request{1, number, Message(ListOf("USER1"))});
+        bytes += Framed(net::ControlRequest{1, number, Message(ListOf("USER1"))});
     const struct {
         SessionLimits limits;
         int pumps; // before which it is not read
     } rows[] = {{{.requests = 4, .turns = 8}, 2}, {{.requestBytes = 100, .turns = 1}, 1}, {{}, 0}};
     for (const auto& row : rows) {
-        Session session(*m_running->server, *m_commands, row.limits);
+        ServerSession session(*m_running->server, *m_commands, row.limits);
         session.Take(bytes, 0);
         for (int pump = 0; pump < row.pumps; ++pump) {
             EXPECT_FALSE(session.TakesInput()) << pump;
@@ -276,16 +277,16 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         const char* state;
     } rows[] = {
         {"rubbish, and more of it", "a frame is too long"},
-        {Framed(net::Done{1}), "a server welcomes first"},
+        {Framed(net::RequestDone{1}), "a server welcomes first"},
         {Framed(net::Welcome{7, 0}), "the server speaks version 7"},
-        {Framed(net::Refusal{"full"}), "the server refuses: full"},
+        {Framed(net::ConnectionRefused{"full"}), "the server refuses: full"},
         {welcome + welcome, "a second welcome"},
-        {welcome + Framed(net::Done{5}), "the end of a request that nobody made"},
-        {welcome + Framed(net::Answer{1, 5, ""}), "an answer that nobody asked for"},
-        {welcome + Framed(net::Answer{1, 1, "rubbish"}), "a message that cannot be read"},
-        {welcome + Framed(net::Told{1, true, ""}), "the answer of a command that nobody gave"},
+        {welcome + Framed(net::RequestDone{5}), "the end of a request that nobody made"},
+        {welcome + Framed(net::Response{1, 5, ""}), "an answer that nobody asked for"},
+        {welcome + Framed(net::Response{1, 1, "rubbish"}), "a message that cannot be read"},
+        {welcome + Framed(net::CommandDone{1, true, ""}), "the answer of a command that nobody gave"},
         {welcome + Framed(net::Stop{1}), "a frame that a terminal sends"},
-        {welcome + Framed(FrameType::stream, "x"), "a frame that cannot be read"},
+        {welcome + Framed(FrameType::update, "x"), "a frame that cannot be read"},
     };
     for (const auto& row : rows) {
         std::string error;
@@ -297,11 +298,11 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         const auto isLost = [&] {
             if (!server) server = listener.Accept();
             if (server && !left.empty()) server.Send(left);
-            return terminal.states.size() > 1 && terminal.Hub().State() == LinkState::lost;
+            return terminal.states.size() > 1 && terminal.Client().State() == LinkState::lost;
         };
         ASSERT_TRUE(Until(isLost, {&terminal})) << row.state;
         EXPECT_EQ(terminal.states.back(), row.state);
-        EXPECT_EQ(terminal.Hub().Waiting(), 1u) << "the request is kept for the next server";
+        EXPECT_EQ(terminal.Client().Waiting(), 1u) << "the request is kept for the next server";
     }
 }
 

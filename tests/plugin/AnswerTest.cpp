@@ -2,7 +2,7 @@
 
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/RxLink.h"
-#include "plugin/messaging/Subscriptions.h"
+#include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "tests/plugin/Doubles.h"
 

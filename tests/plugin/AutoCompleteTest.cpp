@@ -1,9 +1,8 @@
 // Typing in combos: completing a typed text from a list, the search once the typing has paused, and letters
 // that are collected over a drop-down list.
 
-#include "plugin/controls/AutoComplete.h"
 #include "plugin/base/Text.h"
-#include "plugin/controls/TypeAhead.h"
+#include "plugin/controls/TypedText.h"
 #include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>

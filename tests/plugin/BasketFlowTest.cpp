@@ -94,7 +94,7 @@ protected:
         basket.Initialise("MIS");
         Pump();
     }
-    void TearDown() override { hub.Destroy(requests); }
+    void TearDown() override { rxClient.Destroy(requests); }
 
     void OnResponse(void*, void* message, void*) override { basket.OnResponse(message); }
     void OnBroadcast(void*, std::uint32_t, void*) override {}
@@ -130,7 +130,7 @@ protected:
     }
 
     BasketDouble view;
-    RxControl* requests = hub.Get(kRxRequests, this);
+    RxControl* requests = rxClient.Get(kRxRequests, this);
     Basket basket{session, view, requests};
 };
 
@@ -141,15 +141,15 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
     beside.host = session.host;
     beside.OpenHandles(kPass, notices);
     beside.m_nLoginMode = 1;
-    vesk::RxHub hubBeside{server, {"DEALER2", "BROKER", "BRANCH"}};
+    vesk::RxClient clientBeside{Channel(), {"DEALER2", "BROKER", "BRANCH"}};
     BookDouble seen;
     BookLine line;
-    RxControl* controls[] = {hubBeside.Get(kRxRequests, &line), hubBeside.Get(kRxIdentityStream, &line),
-                             hubBeside.Get(kRxAccountStream, &line)};
+    RxControl* controls[] = {clientBeside.Get(kRxRequests, &line), clientBeside.Get(kRxIdentityStream, &line),
+                             clientBeside.Get(kRxAccountStream, &line)};
     OrderBook book(beside, seen, {controls[0], controls[1], controls[2]});
     line.book = &book;
     book.Open(kNow);
-    Pump(hubBeside);
+    Pump(clientBeside);
 
     for (unsigned seed = 1; seed <= 6; ++seed) {
         SCOPED_TRACE(seed);
@@ -189,14 +189,14 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
             EXPECT_EQ(registered, rows[i].registered);
             ++next;
         }
-        Pump(hubBeside);
+        Pump(clientBeside);
         std::string numbers;
         for (const vesk::Registration& registration : server.Registrations())
             numbers = std::string(registration.Number()) + (numbers.empty() ? "" : " ") + numbers;
         EXPECT_EQ(Numbers(book, seen.registered), numbers);
     }
     for (RxControl* one : controls)
-        hubBeside.Destroy(one);
+        clientBeside.Destroy(one);
 }
 
 TEST_F(BasketFlowTest, WhatTheServerRefusesIsLoggedAndTheOthersAreRegistered) {

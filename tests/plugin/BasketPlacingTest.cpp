@@ -312,9 +312,9 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
     basket.Delete();
     Add("C50");
     EXPECT_EQ(boxGoes(),
-              Texts{"Placing was stopped: 2 of 40 orders were sent.\nRemove these 2 from the basket?"});
-    EXPECT_EQ(view.list.rows.size(), 39u);
-    EXPECT_EQ(Rows(BasketField::account).substr(0, 7), "C50 C38");
+              Texts{"Placing was stopped: 4 of 40 orders were sent.\nRemove these 4 from the basket?"});
+    EXPECT_EQ(view.list.rows.size(), 37u);
+    EXPECT_EQ(Rows(BasketField::account).substr(0, 7), "C50 C36");
     view.otherBox = true;
     basket.Place();
     basket.OnClosed();
@@ -385,9 +385,8 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     EXPECT_EQ(Rows(BasketField::account), "C2 C1") << "a second press does not add what the first modifies";
 
     // The rows that a stopped placing offers to remove cannot go under the box before.
-    host.refuses = true;
     Load(Lines(3));
-    host.duringRowState = [&] { host.duringRowState = [&] { host.refuses = false; }; };
+    const FailQmxCall failing(FailQmxCall::addData, 1);
     host.duringLog = [&] { basket.Stop(); };
     view.duringBox = [&] {
         view.list.selected = view.list.rows;

@@ -52,7 +52,7 @@ public:
     std::vector<sBasketOrderData> rows;
     std::vector<std::string> told;
     std::vector<int> numbers;
-    BasketLoad load;
+    BasketReader load;
 };
 
 const BasketRules kMonths{{"CNC", "MIS"}, {}, false, {}, ToSeconds({2027, 3, 4, 15, 30, 0})};
@@ -309,7 +309,7 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
               std::to_string(ToSeconds({2027, 3, 5, 0, 0, 0})));
 }
 
-TEST(BasketLoad, NumbersLinesAndReportsThemLetterByLetter) {
+TEST(BasketReader, NumbersLinesAndReportsThemLetterByLetter) {
     const std::string heading = "client,exchange\r\n", bad = Line({{4, "9"}}),
                       few = Line({{8, "3000000000"}, {18, "qty"}, {14, "S"}});
     const Recorder recorder(heading + Line({}) + '\n' + bad + "\r\n" + few + "\n\n" + Line({}), kMonths);
@@ -337,7 +337,7 @@ TEST(BasketLoad, NumbersLinesAndReportsThemLetterByLetter) {
     EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
 }
 
-TEST(BasketLoad, TakesBackWhatIsExportedInReverse) {
+TEST(BasketReader, TakesBackWhatIsExportedInReverse) {
     std::string text;
     for (const char* date : {"05-Mar-27", "6/3/2027", "31/Dec/2027"})
         for (const char* side : {"B", "S"})

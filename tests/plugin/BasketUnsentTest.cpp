@@ -1,7 +1,7 @@
 // What becomes of the orders that were not sent when the session ends.
 #include "tests/plugin/BasketStage.h"
 
-#include "plugin/basket/UnsentOrders.h"
+#include "plugin/basket/BasketFile.h"
 
 namespace planfold::test {
 namespace {

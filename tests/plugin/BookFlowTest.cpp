@@ -12,15 +12,16 @@ namespace {
 // Sends requests as another terminal would.
 class Terminal final : public CKeloRxNotifierBase {
 public:
-    Terminal(vesk::Server& server, const vesk::UserIdentity& user)
-        : m_user(user), m_hub(server, user), m_control(m_hub.Get(kRxRequests, this)) {}
+    Terminal(vesk::Server& server, vesk::ServerCommands& commands, const vesk::UserIdentity& user)
+        : m_user(user), m_client(std::make_unique<vesk::SessionChannel>(server, commands), user),
+          m_control(m_client.Get(kRxRequests, this)) {}
 
     void Send(const Fields& fields) {
         const Received request(fields);
         std::uint64_t number = 0;
         QmxError error{};
         m_control->SendRequest(&number, request.Message(), 0, &error);
-        m_hub.Pump(m_now += 1000);
+        m_client.Pump(m_now += 1000);
     }
     // The number of the order.
     std::string Place(const vesk::Server& server, const char* account) {
@@ -38,7 +39,7 @@ public:
 
 private:
     vesk::UserIdentity m_user;
-    vesk::RxHub m_hub;
+    vesk::RxClient m_client;
     RxControl* m_control;
     std::int64_t m_now = 0;
     int m_orders = 0;
@@ -59,13 +60,13 @@ protected:
 
     BookDouble view;
     BookLine line;
-    OrderBook book{
-        session,
-        view,
-        {hub.Get(kRxRequests, &line), hub.Get(kRxIdentityStream, &line), hub.Get(kRxAccountStream, &line)}};
-    Terminal own{server, {"DEALER1", "BROKER", "BRANCH"}};
-    Terminal colleague{server, {"DEALER2", "BROKER", "BRANCH"}};
-    Terminal stranger{server, {"DEALER9", "ELSEWHERE", "FAR"}};
+    OrderBook book{session,
+                   view,
+                   {rxClient.Get(kRxRequests, &line), rxClient.Get(kRxIdentityStream, &line),
+                    rxClient.Get(kRxAccountStream, &line)}};
+    Terminal own{server, commands, {"DEALER1", "BROKER", "BRANCH"}};
+    Terminal colleague{server, commands, {"DEALER2", "BROKER", "BRANCH"}};
+    Terminal stranger{server, commands, {"DEALER9", "ELSEWHERE", "FAR"}};
 };
 
 TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
@@ -190,8 +191,8 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         host.clientOverview = row.overview;
         BookDouble seen;
         BookLine its;
-        RxControl* controls[] = {hub.Get(kRxRequests, &its), hub.Get(kRxIdentityStream, &its),
-                                 hub.Get(kRxAccountStream, &its)};
+        RxControl* controls[] = {rxClient.Get(kRxRequests, &its), rxClient.Get(kRxIdentityStream, &its),
+                                 rxClient.Get(kRxAccountStream, &its)};
         OrderBook fresh(session, seen, {controls[0], controls[1], controls[2]});
         its.book = &fresh;
         fresh.Open(kNow);
@@ -206,7 +207,7 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         EXPECT_EQ(heard, row.heard) << row.mode << " " << row.overview;
         EXPECT_EQ(history, row.history) << row.mode << " " << row.overview;
         for (RxControl* one : controls)
-            hub.Destroy(one);
+            rxClient.Destroy(one);
     }
 }
 
@@ -215,7 +216,7 @@ TEST_F(BookFlowTest, AFullServerFillsTheBookOnce) {
     vesk::FillPlan plan{3000, {{"DEALER1", "BROKER", "BRANCH"}, {"DEALER2", "BROKER", "BRANCH"}}, {}};
     plan.market.accounts = {"C001", "C002"};
     plan.market.scrips = {{"nse_cm", "1013", "ARBORTEX-EQ"}};
-    ASSERT_EQ(server.Fill(plan), "");
+    ASSERT_EQ(Fill(server, plan), "");
     Open();
     std::size_t count = 0;
     for (const vesk::Registration& registration : server.Registrations()) {

@@ -1,7 +1,7 @@
 // The client search and the value edit's text, without their windows.
 
 #include "plugin/controls/ClientSearch.h"
-#include "plugin/controls/ValueText.h"
+#include "plugin/controls/TypedText.h"
 #include "tests/plugin/Doubles.h"
 
 #include <gtest/gtest.h>

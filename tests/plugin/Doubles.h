@@ -3,7 +3,7 @@
 #pragma once
 
 #include "plugin/controls/DialogView.h"
-#include "plugin/orderentry/OrderEntryView.h"
+#include "plugin/orderentry/OrderEntry.h"
 #include "tests/support/FakeHost.h"
 
 #include <initializer_list>

@@ -1,8 +1,7 @@
 // The plug-in's core over the real connection library and trading server.
 #pragma once
 
-#include "host/server/RxHub.h"
-#include "host/server/journal/Journal.h"
+#include "host/server/net/RxClient.h"
 #include "tests/plugin/Doubles.h"
 
 #include <filesystem>
@@ -43,8 +42,11 @@ inline vesk::ServerClock FlowClock() {
 }
 
 struct FlowStage : Stage {
-    void Pump() { Pump(hub); }
-    void Pump(vesk::RxHub& any) {
+    std::unique_ptr<vesk::Channel> Channel() {
+        return std::make_unique<vesk::SessionChannel>(server, commands);
+    }
+    void Pump() { Pump(rxClient); }
+    void Pump(vesk::RxClient& any) {
         do
             any.Pump(now += 1000);
         while (any.Waiting() > 0);
@@ -53,7 +55,8 @@ struct FlowStage : Stage {
     TemporaryFile journalFile;
     vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
     vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
-    vesk::RxHub hub{server, {"DEALER1", "BROKER", "BRANCH"}};
+    vesk::ServerCommands commands{server, {}};
+    vesk::RxClient rxClient{Channel(), {"DEALER1", "BROKER", "BRANCH"}};
     std::int64_t now = 0;
 };
 

@@ -1,6 +1,6 @@
 // The form, the connection library and the trading server together: what a dealer sees of one order.
 
-#include "plugin/messaging/Subscriptions.h"
+#include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 #include "tests/plugin/FlowStage.h"
@@ -17,9 +17,9 @@ protected:
         view.controls[IDC_SYMBOL].items = {"ALPHA"};
     }
     void TearDown() override {
-        hub.Destroy(requests);
-        hub.Destroy(stream);
-        EXPECT_EQ(hub.LiveControls(), 0u);
+        rxClient.Destroy(requests);
+        rxClient.Destroy(stream);
+        EXPECT_EQ(rxClient.LiveControls(), 0u);
     }
 
     void OnResponse(void*, void* message, void*) override { entry.OnResponse(message); }
@@ -39,8 +39,8 @@ protected:
     }
 
     OrderEntryDouble view;
-    RxControl* requests = hub.Get(kRxRequests, this);
-    RxControl* stream = hub.Get(kRxAccountStream, this);
+    RxControl* requests = rxClient.Get(kRxRequests, this);
+    RxControl* stream = rxClient.Get(kRxAccountStream, this);
     OrderEntry entry{session, view, requests};
     std::vector<std::string> streamed;
 };
@@ -107,8 +107,8 @@ TEST_F(FlowTest, EveryLoginModeHearsOfItsOrders) {
     view.SelectText(IDC_FREQUENCY, "monthly");
     for (const int mode : {0, 1, 2, 3, 4}) {
         session.m_nLoginMode = mode;
-        hub.Destroy(stream);
-        stream = hub.Get(kRxAccountStream, this);
+        rxClient.Destroy(stream);
+        stream = rxClient.Get(kRxAccountStream, this);
         SubscribeBroadcasts(kPass, session, stream, view);
         streamed.clear();
         host.uuid = "mode-" + std::to_string(mode);

@@ -27,7 +27,7 @@ public:
 
 class HistoryFlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
 protected:
-    void TearDown() override { hub.Destroy(requests); }
+    void TearDown() override { rxClient.Destroy(requests); }
     void OnResponse(void*, void* message, void*) override { history.OnResponse(message); }
     void OnBroadcast(void*, std::uint32_t, void*) override {}
 
@@ -47,13 +47,14 @@ protected:
                             .tradingSymbol = "ARBORTEX-EQ",
                             .account = "C001",
                             .sideWord = "BUY"};
-        SendAddSipOrders(kPass, session, requests, notices, order, "NSE");
+        SendAddSipOrders(kPass, session, requests, notices, order,
+                         std::to_string(server.Registrations().size()), "NSE");
         Pump();
         return std::string(server.Registrations().back().Number());
     }
 
     HistoryDouble view;
-    RxControl* requests = hub.Get(kRxRequests, this);
+    RxControl* requests = rxClient.Get(kRxRequests, this);
     OrderHistory history{session, view, requests};
 };
 
@@ -65,7 +66,7 @@ TEST_F(HistoryFlowTest, OrdersAndTheirTradesComeAsTheServerHasThem) {
     EXPECT_FALSE(view.isShown) << "no orders yet";
 
     const vesk::Registration& registration = *server.Find(number);
-    ASSERT_EQ(server.Execute(registration, {server.OpenDays(registration, 60), 12'345, 7}), "");
+    ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
     history.Open(kPass, number);
     history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way
     history.Open(kPass, number);

@@ -1,7 +1,7 @@
 // The registration book: what its queries send, where a record stands, and what each message changes.
 
-#include "plugin/orderbook/BookMenu.h"
-#include "plugin/orderbook/BookQueries.h"
+#include "plugin/orderbook/BookLists.h"
+#include "plugin/orderbook/BookRequests.h"
 #include "tests/plugin/BookDouble.h"
 
 #include <gtest/gtest.h>

@@ -143,7 +143,8 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         {"event=sending" + plan, "1 2 1 0 0 0 like 3"}, // without identifiers
         {"event=sending" + plan, "2 2 1 0 0 0 like 4"},
         {"event=not_sent" + plan, "1 2 1 1 0 0 like 3"},
-        {"event=sending registration=S1 value=7 text=modify_sip_order", "2 2 1 1 0 0 like 3"}, // a change is no order
+        {"event=sending registration=S1 value=7 text=modify_sip_order",
+         "2 2 1 1 0 0 like 3"}, // a change is no order
         {"event=refused registration=S1 text=modify_sip_order:no", "1 2 2 1 0 0 like 3"},
         {"event=in_doubt registration=S1 text=pause_sip_order:", "1 2 2 1 0 0 like 3"},
     };

@@ -29,7 +29,10 @@ protected:
         order.sideWord = "BUY";
     }
 
-    bool Place() { return SendAddSipOrders(kPass, session, &control, notices, order, "NSE"); }
+    bool Place() {
+        return SendAddSipOrders(kPass, session, &control, notices, order, session.FreshIdentifier(kPass),
+                                "NSE");
+    }
     bool AskMode() { return SendGetSipOperationMode(kPass, session, &control, notices); }
     Texts Shown() { return std::exchange(notices.shown, {}); }
 
@@ -117,7 +120,7 @@ TEST_F(RequestTest, StartingAndSendingFailWithTheirTexts) {
     host.refuses = true;
     EXPECT_FALSE(Place());
     EXPECT_FALSE(AskMode());
-    EXPECT_FALSE(SendAddSipOrders(kPass, session, nullptr, notices, order, "NSE")); // no control at all
+    EXPECT_FALSE(SendAddSipOrders(kPass, session, nullptr, notices, order, {}, "NSE")); // no control at all
     EXPECT_EQ(Shown(), Texts(3, "Sending Request add_sip_orders Failed"));
     EXPECT_EQ(host.log, Texts{}) << "the log tells of sent orders only";
 }

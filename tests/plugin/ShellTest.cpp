@@ -1,6 +1,5 @@
 #include "framework/PendingTexts.h"
 #include "plugin/shell/HostCheck.h"
-#include "plugin/shell/PluginInfo.h"
 #include "sdk/HeapStringManager.h"
 #include "tests/plugin/Doubles.h"
 

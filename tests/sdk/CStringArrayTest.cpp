@@ -28,23 +28,6 @@ std::string Dump(const CStringArray& array) {
     return text;
 }
 
-TEST(CStringArray, AppendsBehindWhatIsThere) {
-    QuarantineStringManager host, plugin;
-    {
-        CStringArray array;
-        std::string expected;
-        for (int i = 0; i < 100; ++i) {
-            array.Append("entry " + std::to_string(i), i % 2 ? host : plugin);
-            expected += "entry " + std::to_string(i) + ";";
-        }
-        EXPECT_EQ(Dump(array), expected);
-        EXPECT_EQ(host.Live(), 50);
-        EXPECT_EQ(&array.Elements()[1].Manager(), &host);
-    }
-    EXPECT_EQ(host.Live() + plugin.Live(), 0);
-    EXPECT_EQ(host.Faults() + plugin.Faults(), 0);
-}
-
 struct GrowRow {
     const char* name;
     std::int64_t growBy, capacity, expectedCapacity; // capacity: of the foreign storage, filled to the brim

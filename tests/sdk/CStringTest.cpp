@@ -80,48 +80,6 @@ TEST(CString, CopyingSharesOneBuffer) {
     EXPECT_EQ(manager.Faults(), 0);
 }
 
-TEST(CString, CopyOfALockedBufferIsABufferOfItsOwn) {
-    QuarantineStringManager manager;
-    {
-        const CString locked("being written", manager);
-        HeaderOf(locked)->references = -1;
-        const CString copy(locked);
-        CString assigned("x", manager);
-        assigned = locked;
-        EXPECT_NE(copy.c_str(), locked.c_str());
-        EXPECT_EQ(copy.View(), "being written");
-        EXPECT_EQ(assigned.View(), "being written");
-        EXPECT_EQ(HeaderOf(locked)->references, -1);
-        HeaderOf(locked)->references = 1;
-    }
-    EXPECT_EQ(manager.Live(), 0);
-    EXPECT_EQ(manager.Faults(), 0);
-}
-
-struct AliasRow {
-    std::size_t from, count;
-    bool shared;
-};
-
-constexpr AliasRow kAliases[] = {{0, 10, false}, {3, 7, false}, {3, 2, false}, {9, 1, false},
-                                 {10, 0, false}, {0, 10, true}, {3, 7, true},  {9, 1, true}};
-
-TEST(CString, AssignsAPartOfItself) {
-    for (const AliasRow& row : kAliases) {
-        SCOPED_TRACE(testing::Message() << row.from << '+' << row.count << (row.shared ? " shared" : ""));
-        QuarantineStringManager manager;
-        {
-            CString string("0123456789", manager);
-            std::optional<CString> sharer;
-            if (row.shared) sharer.emplace(string);
-            string.Assign(string.View().substr(row.from, row.count));
-            EXPECT_EQ(string.View(), std::string("0123456789").substr(row.from, row.count));
-        }
-        EXPECT_EQ(manager.Live(), 0);
-        EXPECT_EQ(manager.Faults(), 0);
-    }
-}
-
 TEST(CString, WrittenByAnotherModuleStaysWithItsManager) {
     QuarantineStringManager owner, writer;
     {
@@ -180,19 +138,6 @@ TEST(CString, KeepsItsTextWhenThereIsNoMemory) {
     EXPECT_EQ(manager.Live(), 0);
     EXPECT_EQ(manager.Faults(), 0);
     EXPECT_EQ(manager.NilReferences(), 2);
-}
-
-TEST(CString, ByValueArgumentIsDestroyedByTheCallee) {
-    QuarantineStringManager caller;
-    const auto callee = [](CString* argument) { return std::string(TakenString(argument).View()); };
-    {
-        PassedString passed("Order Entry", caller);
-        EXPECT_EQ(caller.Live(), 1);
-        EXPECT_EQ(callee(passed.Hand()), "Order Entry");
-        EXPECT_EQ(caller.Live(), 0);
-    }
-    EXPECT_EQ(caller.Faults(), 0) << "the caller must not destroy it a second time";
-    EXPECT_EQ(callee(nullptr), "");
 }
 
 } // namespace

@@ -101,7 +101,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
     EXPECT_EQ(running->Ask(Order()),
               Answers{"32767=add_sip_orders 20008=SIP registered" + kDone + " 54001=CL1" + kEchoed});
     EXPECT_EQ(FileText(path), journal);
-    // The identifier of a cancellation says nothing about an order.
+    // The order id of a cancellation says nothing about an order.
     running->Ask(Order({{tag::orderId, "cancel-1"}}));
     EXPECT_EQ(running->server->Registrations().size(), 2u);
     running->user.loginId = "USER2";

@@ -51,7 +51,7 @@ TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
     RunningServer again(path);
     EXPECT_EQ(again.opening.records.size(), 4u);
     EXPECT_EQ(again.Ask({{tag::requestName, get.substr(6)}}), Answers{get + held});
-    const auto days = again.server->Restricted().All();
+    const auto days = again.server->Clock().Restricted().All();
     EXPECT_EQ(days.size(), 22u + 42u);
     EXPECT_TRUE(std::is_sorted(days.begin(), days.end()));
 }
@@ -80,7 +80,7 @@ TEST(Execution, OpenDaysFollowTheScheduleAndMissWeekendsAndRestrictedDays) {
         for (const auto& [tag, text] : FieldsOf(row.registration))
             registration.Set(tag, text);
         std::string days;
-        for (const auto day : running.server->OpenDays(registration, row.count))
+        for (const auto day : running.server->Clock().OpenDays(registration, row.count))
             days += RecordDate(day) + ' ';
         EXPECT_EQ(days, row.days) << row.registration;
     }
@@ -88,8 +88,8 @@ TEST(Execution, OpenDaysFollowTheScheduleAndMissWeekendsAndRestrictedDays) {
 
 std::string Executed(RunningServer& running, std::size_t count, std::uint64_t seed = 1) {
     const Registration& registration = *running.server->Find(kNumber);
-    return running.server->Execute(registration,
-                                   {running.server->OpenDays(registration, count), 250'000, seed});
+    return running.server->Clock().Execute(
+        registration, {running.server->Clock().OpenDays(registration, count), 250'000, seed});
 }
 
 Answers Rows(RunningServer& running, const char* what) {

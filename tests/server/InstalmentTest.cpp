@@ -99,10 +99,10 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
         std::istringstream events(row.events);
         for (std::string event; std::getline(events, event, ';');) {
             const Date date = *ParseRecordDate(event.substr(0, 11));
-            EXPECT_EQ(running.server->AdvanceTo(date), "");
+            EXPECT_EQ(running.server->Clock().AdvanceTo(date), "");
             if (event[11] == ' ') running.AdvanceTo(date);
             if (event.ends_with("by hand"))
-                EXPECT_EQ(running.server->Execute(running.server->Registrations()[0], {{date}}), "");
+                EXPECT_EQ(running.server->Clock().Execute(running.server->Registrations()[0], {{date}}), "");
             else
                 running.Ask(FieldsOf("64804=" + number + "|" + event.substr(12)));
         }
@@ -126,9 +126,9 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
     const std::string number(running.server->Registrations()[0].Number());
     for (const char* day : {"06-Mar-2026", "13-Mar-2026"}) {
         EXPECT_EQ(running.server->Registrations()[0].Text(tag::nextExecutionDate), day);
-        EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
-        EXPECT_EQ(RecordDate(running.server->Today()), day);
-        EXPECT_EQ(running.server->ExecuteDue({}).instalments, 1u);
+        EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
+        EXPECT_EQ(RecordDate(running.server->Clock().Today()), day);
+        EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 1u);
     }
     EXPECT_EQ(
         running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=2|64804=" + number)),
@@ -139,10 +139,10 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
               std::string::npos);
     // By the days as they are, scheduled anew or not yet.
     running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=20|63025=25"));
-    EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
-    EXPECT_EQ(RecordDate(running.server->Today()), "26-Mar-2026");
-    EXPECT_EQ(running.server->ExecuteDue(std::chrono::seconds(1)).instalments, 1u);
-    EXPECT_NE(running.server->AdvanceTo(std::chrono::year(2100) / 1 / 1), "");
+    EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
+    EXPECT_EQ(RecordDate(running.server->Clock().Today()), "26-Mar-2026");
+    EXPECT_EQ(running.server->Clock().ExecuteDue(std::chrono::seconds(1)).instalments, 1u);
+    EXPECT_NE(running.server->Clock().AdvanceTo(std::chrono::year(2100) / 1 / 1), "");
 }
 
 // One registration as it should be, from day to day.
@@ -216,14 +216,14 @@ private:
             m_today += days(1);
             LiveToday();
         }
-        ASSERT_EQ(m_running->server->AdvanceTo(m_today), "");
+        ASSERT_EQ(m_running->server->Clock().AdvanceTo(m_today), "");
     }
     // Until nothing is due, with a crash now and then: of what was written last any part may be left.
     void Work() {
         LiveToday();
-        for (int crashes = Below(4); m_running->server->HasDue();) {
+        for (int crashes = Below(4); m_running->server->Clock().HasDue();) {
             const auto before = std::filesystem::file_size(m_path);
-            m_running->server->ExecuteDue({});
+            m_running->server->Clock().ExecuteDue({});
             if (crashes-- <= 0) continue;
             m_running.reset();
             const auto written = std::filesystem::file_size(m_path) - before;

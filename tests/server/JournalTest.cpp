@@ -86,7 +86,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
     std::string held;
     const auto state = [&] {
         RunningServer running(path);
-        held = RecordDate(running.server->Today());
+        held = RecordDate(running.server->Clock().Today());
         for (const Registration& registration : running.server->Registrations())
             held += registration.Json();
         for (const char* request :
@@ -168,17 +168,17 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
     RunningServer running(path);
     running.Ask(Order({{tag::frequency, "weekly"}}));
     running.AdvanceTo(std::chrono::year(2026) / 3 / 5);
-    EXPECT_EQ(running.server->AdvanceToNextInstalment(), "");
+    EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
     {
         const FullDisk full(FileText(path).size() + 10);
-        EXPECT_NE(running.server->ExecuteDue({}).fault, "");
-        EXPECT_FALSE(running.server->HasDue());
+        EXPECT_NE(running.server->Clock().ExecuteDue({}).fault, "");
+        EXPECT_FALSE(running.server->Clock().HasDue());
         running.Ask(Order({{tag::orderId, "id-2"}}));
-        EXPECT_FALSE(running.server->HasDue());
+        EXPECT_FALSE(running.server->Clock().HasDue());
         EXPECT_EQ(running.server->Registrations().size(), 1u);
     }
     running.Ask(Order({{tag::orderId, "id-2"}, {tag::frequency, "weekly"}}));
-    EXPECT_EQ(running.server->ExecuteDue({}).instalments, 2u);
+    EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 2u);
 }
 
 TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {

@@ -1,6 +1,6 @@
 // Orders that the server refuses, each with its code, and the limits at which it begins to.
 
-#include "host/server/OrderCheck.h"
+#include "host/server/OrderRules.h"
 #include "host/server/schedule/Schedule.h"
 #include "tests/server/ServerFixture.h"
 

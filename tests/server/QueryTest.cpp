@@ -1,6 +1,6 @@
 // The two queries, and a server with many registrations and another trader.
 
-#include "host/server/sample/OtherSession.h"
+#include "host/server/sample/SampleOrders.h"
 #include "tests/server/ServerFixture.h"
 
 namespace vesk {
@@ -96,10 +96,10 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
     {
         RunningServer running(folder.File("journal"));
         running.Ask(Order());
-        EXPECT_EQ(running.server->Fill({count, {running.user, {"USER2", "BROKER", ""}}, kMarket}), "");
-        EXPECT_FALSE(running.server->HasDue()); // nobody waits for years of arrears
+        EXPECT_EQ(Fill(*running.server, {count, {running.user, {"USER2", "BROKER", ""}}, kMarket}), "");
+        EXPECT_FALSE(running.server->Clock().HasDue()); // nobody waits for years of arrears
         records = AllRecords(*running.server);
-        EXPECT_NE(running.server->Fill({1, {}, kMarket}), "");
+        EXPECT_NE(Fill(*running.server, {1, {}, kMarket}), "");
     }
     RunningServer again(folder.File("journal"));
     EXPECT_EQ(AllRecords(*again.server), records);
@@ -118,14 +118,14 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
         EXPECT_TRUE(times > count / 50 || text == "10100=1013") << text << " " << times;
 }
 
-TEST(OtherSession, PlacesTheSameOrdersForTheSameSeedAndNewOnesAfterARestart) {
+TEST(SampleOrders, PlacesTheSameOrdersForTheSameSeedAndNewOnesAfterARestart) {
     const TemporaryFolder folder;
     const auto trade = [&](const char* file, std::uint64_t seed) {
         RunningServer running(folder.File(file));
-        OtherSession other(*running.server, {"USER2", "BROKER", "BR2"}, kMarket, seed);
-        EXPECT_EQ(other.PlaceOrders(40, 0), 40u);
+        const UserIdentity user{"USER2", "BROKER", "BR2"};
+        EXPECT_EQ(PlaceSampleOrders(*running.server, user, kMarket, seed, 40), 40u);
         running.server->Config().faults["*"].errorCode = "99";
-        EXPECT_EQ(other.PlaceOrders(1, 0), 0u);
+        EXPECT_EQ(PlaceSampleOrders(*running.server, user, kMarket, seed, 1), 0u);
         return AllRecords(*running.server);
     };
     const std::string first = trade("a", 1);

@@ -1,7 +1,7 @@
 // A server over a journal in a folder of its own, with a clock that stands still, and requests to send it.
 #pragma once
 
-#include "host/server/RxHub.h"
+#include "host/server/Server.h"
 
 #include <gtest/gtest.h>
 
@@ -134,9 +134,9 @@ struct RunningServer {
 
     // By the server's clock, until nothing is due.
     void AdvanceTo(std::chrono::year_month_day date) {
-        EXPECT_EQ(server->AdvanceTo(date), "");
-        while (server->HasDue())
-            EXPECT_EQ(server->ExecuteDue({}).fault, "");
+        EXPECT_EQ(server->Clock().AdvanceTo(date), "");
+        while (server->Clock().HasDue())
+            EXPECT_EQ(server->Clock().ExecuteDue({}).fault, "");
     }
 
     JournalOpening opening;

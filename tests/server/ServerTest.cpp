@@ -53,18 +53,18 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     EXPECT_EQ(again.server->Registrations().size(), 1u);
     again.Ask(Order({{tag::orderId, "id-2"}}));
     EXPECT_TRUE(again.server->Find("SIP2603020000002"));
-    // Without an identifier each is an order of its own.
+    // Without an order id each is an order of its own.
     again.Ask(Order({{tag::orderId, ""}}));
     again.Ask(Order({{tag::orderId, ""}}));
     EXPECT_EQ(again.server->Registrations().size(), 4u);
-    // Another user's request is another one, whatever identifier it has.
+    // Another user's request is another one, whatever order id it has.
     again.user.loginId = "USER2";
     for (int i = 0; i < 2; ++i)
         again.Ask(Order({{tag::loginId, "USER2"}}));
     EXPECT_EQ(again.server->Registrations().size(), 5u);
 }
 
-TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameIdentifier) {
+TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameOrderId) {
     const TemporaryFolder folder;
     RunningServer running(folder.File("journal"));
     EXPECT_EQ(running.Ask(Order({{tag::side, "X"}})),

@@ -26,7 +26,7 @@ Fields::Fields(const std::string& text) {
     std::istringstream words(text);
     for (std::string word; words >> word;) {
         const std::size_t equals = word.find('=');
-        Field& field = emplace_back(TagNamed(word.substr(0, equals)), Texts{});
+        Field& field = emplace_back(Field{TagNamed(word.substr(0, equals)), {}});
         std::istringstream values(word.substr(equals + 1) + ',');
         for (std::string value; std::getline(values, value, ',');)
             field.values.push_back(value);
@@ -62,6 +62,7 @@ Received::Received(const Fields& fields) {
 }
 
 bool RecordDouble::Append(const LocalDateTime&, std::string_view lines, bool) {
+    ++appends;
     if (writable) text.append(text.empty() ? RecordHeading() : std::string_view()).append(lines);
     return writable;
 }
@@ -79,6 +80,7 @@ Texts RecordDouble::Events() const {
 
 int FakeControl::SendRequest(std::uint64_t*, void* message, int zero, QmxError* error) {
     if (!live || zero != 0 || !error || !message) Misused();
+    if (m_host.onRequest) m_host.onRequest();
     if (m_host.refuses) return 0;
     m_host.requests.push_back(Named(qmx::Dump(message)));
     m_host.sender = this;

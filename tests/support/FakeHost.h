@@ -21,8 +21,8 @@ struct Field {
     std::uint32_t tag;
     std::vector<std::string> values;
 };
-// Also from text: "frequency=monthly,yearly account=C001", where a tag goes by its name and has a value or
-// several.
+// It can be made from text: "frequency=monthly,yearly account=C001", where a tag goes by its name and has a
+// value or several.
 struct Fields : std::vector<Field> {
     using vector::vector;
     Fields(const std::string& text);
@@ -62,6 +62,7 @@ struct RecordDouble final : RecordFiles {
 
     std::string text;
     bool hasFolder = true, writable = true;
+    int appends = 0;
 };
 
 struct FakeHost;
@@ -118,9 +119,9 @@ struct FakeHost {
     int CallsOf(std::string_view name) const;
     int LiveControls() const;
     std::string LastRequest() const { return requests.empty() ? "(none)" : requests.back(); }
-    // To the window that took the first control.
+    // Goes to the window that took the first control.
     void Answer(const Fields& fields);
-    // To the window that sent the last request.
+    // Goes to the window that sent the last request.
     void AnswerSender(const Fields& fields);
     // The control of the kind that was taken last: the book's.
     FakeControl& Newest(int kind);
@@ -156,6 +157,9 @@ struct FakeHost {
     // Run once, inside the host.
     std::function<void()> duringCaution, duringSearch, duringScripLookUp, duringScripFill, duringAccounts,
         duringLog, duringRowState, duringResize;
+
+    // Run with each request before it is taken.
+    std::function<void()> onRequest;
 
     // What was seen. A call is "pu_is_valid_account(C001)": texts and numbers as they are, windows as their
     // identifiers.

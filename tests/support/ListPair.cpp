@@ -124,15 +124,15 @@ std::vector<std::uint32_t> ListPair::Shown() const {
     return shown;
 }
 
-void ListPair::Settle(const Change& change, const std::vector<std::uint32_t>& before, bool rearranged) {
+void ListPair::Settle(const ListChange& change, const std::vector<std::uint32_t>& before, bool rearranged) {
     const auto shown = Shown();
     auto told = before;
     const auto at = [&](std::uint32_t row) { return told.begin() + row; };
-    if (change.kind == Change::removed || change.kind == Change::moved) told.erase(at(change.row));
-    if (change.kind == Change::inserted || change.kind == Change::moved)
+    if (change.kind == ListChange::removed || change.kind == ListChange::moved) told.erase(at(change.row));
+    if (change.kind == ListChange::inserted || change.kind == ListChange::moved)
         told.insert(at(change.to), change.to < shown.size() ? shown[change.to] : kNone);
-    if (change.kind != Change::everything && told != shown) m_fault = "the change is not what happened";
-    if (rearranged && change.kind != Change::everything) m_fault = "a rearrangement is told as less";
+    if (change.kind != ListChange::everything && told != shown) m_fault = "the change is not what happened";
+    if (rearranged && change.kind != ListChange::everything) m_fault = "a rearrangement is told as less";
     if (std::ranges::find(m_rows, m_focused) != m_rows.end()) return;
     const auto place = static_cast<std::size_t>(std::ranges::find(before, m_focused) - before.begin());
     const bool wasShown = place < before.size();
@@ -193,7 +193,7 @@ void ListPair::Filters(const std::function<unsigned()>& next) {
     Settle(m_model.SetFilter(column, set ? &input : nullptr), before, true);
 }
 
-Change ListPair::SetSort(const std::function<unsigned()>& next) {
+ListChange ListPair::SetSort(const std::function<unsigned()>& next) {
     m_sort.clear();
     const unsigned columns = next() % 3;
     for (unsigned i = 0; i < columns; ++i) {
@@ -220,7 +220,7 @@ void ListPair::Step(const std::function<unsigned()>& next) {
     if (what == 14) return Filters(next);
     const auto before = Shown();
     if (what == 15) return Settle(SetSort(next), before, true);
-    Change change;
+    ListChange change;
     if (what < 6) {
         FillCells(record, next);
         if (!stands) m_rows.insert(m_rows.begin(), record);

@@ -15,7 +15,7 @@ class ListPair final : CellSource {
 public:
     explicit ListPair(std::uint32_t records) : m_cells(records) {}
 
-    // All records, in front of each other.
+    // Adds all records, in front of each other.
     void Fill(const std::function<unsigned()>& next);
     // One operation on both; `next` gives bytes.
     void Step(const std::function<unsigned()>& next);
@@ -34,10 +34,10 @@ private:
     bool Passes(std::uint32_t record) const;
     std::vector<std::uint32_t> Shown() const;
     // After what changes the shown rows: selection and focus follow the records.
-    void Settle(const Change& change, const std::vector<std::uint32_t>& before, bool rearranged);
+    void Settle(const ListChange& change, const std::vector<std::uint32_t>& before, bool rearranged);
     void Select(const std::function<unsigned()>& next);
     void Filters(const std::function<unsigned()>& next);
-    Change SetSort(const std::function<unsigned()>& next);
+    ListChange SetSort(const std::function<unsigned()>& next);
     void FillCells(std::uint32_t record, const std::function<unsigned()>& next);
 
     std::vector<std::array<std::string, kColumns>> m_cells;

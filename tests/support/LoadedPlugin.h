@@ -39,7 +39,7 @@ public:
     void ApplyFont() const;
 
     static Watched watched;
-    // Of the plug-in's own memory; asked for once it is gone.
+    // Counts the plug-in's own memory; it is asked for once that is gone.
     static int WrittenAfterFree();
 
 private:

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/korvexcontrols/model/ListModel.h"
-#include "plugin/orderbook/BookColumns.h"
+#include "plugin/orderbook/BookLists.h"
 #include "plugin/orderbook/BookView.h"
 
 namespace planfold::test {

@@ -103,6 +103,25 @@ std::string Cell(HWND list, int row, int column) {
     return text;
 }
 
+RECT PlaceOf(HWND window) {
+    RECT place{};
+    GetWindowRect(window, &place);
+    return place;
+}
+
+SIZE SizeOf(HWND window) {
+    const RECT place = PlaceOf(window);
+    return {place.right - place.left, place.bottom - place.top};
+}
+
+std::string OnClipboard() {
+    if (!OpenClipboard(nullptr)) return {};
+    const auto* text = static_cast<const char*>(GlobalLock(GetClipboardData(CF_TEXT)));
+    const std::string copied = text ? text : "";
+    CloseClipboard();
+    return copied;
+}
+
 std::string Entries(HMENU menu) {
     std::string entries;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {

@@ -24,12 +24,15 @@ SYSTEMTIME Date(HWND dialog, int picker);
 void SetDate(HWND dialog, int picker, SYSTEMTIME date);
 
 std::string Cell(HWND list, int row, int column);
+RECT PlaceOf(HWND window);
+SIZE SizeOf(HWND window);
+std::string OnClipboard();
 // Each entry as "Text 25001", greyed "(Text 25001)", a separator "-", joined by "|".
 std::string Entries(HMENU menu);
 
 // A key into the window that has the focus; arrives through the message loop.
 void PostKey(WPARAM key);
-// Of the left button, at a place in the window's client area; the same way.
+// Clicks with the left button, at a place in the window's client area; the same way.
 void PostClick(HWND window, POINT place);
 
 // Top-level windows of this thread, without those of the input method.
@@ -37,7 +40,7 @@ std::vector<HWND> TopWindows();
 HWND FindDialog(std::string_view title);
 std::vector<HWND> Children(HWND parent);
 
-// As the host's loop does: translates and dispatches what waits.
+// Translates and dispatches what waits, as the host's loop does.
 void Pump();
 // Pumps until it holds; false after some seconds.
 bool PumpUntil(const std::function<bool()>& holds);

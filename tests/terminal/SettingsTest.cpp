@@ -1,8 +1,7 @@
-#include "host/files/Paths.h"
+#include "host/terminal/core/Settings.h"
+#include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
-#include "host/terminal/core/CommandLine.h"
 #include "host/terminal/core/TerminalState.h"
-#include "host/terminal/core/UserSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -25,21 +24,6 @@ protected:
 
     std::filesystem::path m_folder;
 };
-
-TEST_F(TerminalFolder, ComesBackAfterRestart) {
-    UserSettings first;
-    EXPECT_FALSE(first.Open(Path()));
-    EXPECT_EQ(first.Read("Client_Search", "Planfold Order Entry"), std::nullopt);
-    EXPECT_TRUE(first.Write("Client_Search", "Planfold Order Entry", "1"));
-    EXPECT_TRUE(first.Write("Client_Search", "a \"quoted\" key\\", ""));
-    EXPECT_TRUE(first.Write("Client_Search", "Planfold Order Entry", "2"));
-
-    UserSettings second;
-    EXPECT_FALSE(second.Open(Path()));
-    EXPECT_EQ(second.Read("Client_Search", "Planfold Order Entry"), "2");
-    EXPECT_EQ(second.Read("Client_Search", "a \"quoted\" key\\"), "");
-    EXPECT_EQ(second.Read("Client_Search_Settings", "Planfold Order Entry"), std::nullopt);
-}
 
 TEST_F(TerminalFolder, PutsABadFileAside) {
     const struct {

@@ -17,7 +17,7 @@ struct Ended {
     std::string printed; // on both streams
 };
 
-// In a shell, with "$S" for the option that names the scrips.
+// Runs in a shell, with "$S" for the option that names the scrips.
 Ended Called(const std::string& words, const std::string& before = {}) {
     const std::string command = "S='--scrips " DATA_FOLDER "/scrips.csv'; cd " DATA_FOLDER "/baskets; " + before
                                 + " " TOOL " " + words + " 2>&1";

@@ -11,7 +11,7 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
     host.calls.clear();
     host.requests.clear();
     host.cautionOfRow = {{1, 0}};
-    probe::Press(dialog, basket::kPlace);
+    probe::Press(dialog, IDC_BASKET_PLACE);
     Texts calls;
     for (const char* client : {"C3", "C1", "C3", "C2"})
         calls.push_back("pu_build_bskt_caution_order_map(" + std::string(client)
@@ -27,7 +27,7 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
     for (const int command : {0, basket::kClearFilters, basket::kNaturalOrder}) {
         Command(command);
         char status[64] = "";
-        SendMessageA(GetDlgItem(dialog, basket::kStatus), SB_GETTEXTA, 3, reinterpret_cast<LPARAM>(status));
+        SendMessageA(GetDlgItem(dialog, IDC_BASKET_STATUS), SB_GETTEXTA, 3, reinterpret_cast<LPARAM>(status));
         EXPECT_STREQ(status, "Twice: 2  Sent: 3") << command;
     }
 }
@@ -51,12 +51,12 @@ TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
         EXPECT_TRUE(probe::PumpUntil([] { return !Progress(); }));
         EXPECT_TRUE(painted.Seen());
         EXPECT_TRUE(IsWindowEnabled(dialog));
-        EXPECT_TRUE(IsEnabled(basket::kPlace));
+        EXPECT_TRUE(IsEnabled(IDC_BASKET_PLACE));
         EXPECT_EQ(GetAncestor(GetFocus(), GA_ROOT), dialog);
     };
     const auto soon = [] { return true; };
     const auto escape = [] { probe::PostKey(VK_ESCAPE); };
-    run(basket::kLoad, soon,
+    run(IDC_BASKET_LOAD, soon,
         [&] { EXPECT_TRUE(probe::Text(dialog).ends_with(" - Loading Basket. Please Wait.... ")); });
     EXPECT_EQ(Rows(list), static_cast<int>(many));
     EXPECT_EQ(probe::Text(dialog) + boxes.Texts(), basket::kCaption);
@@ -68,7 +68,7 @@ TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
         return !host.requests.empty();
     };
     host.duringCaution = [] { lookCosts = 20; };
-    run(basket::kPlace, sending, [&] {
+    run(IDC_BASKET_PLACE, sending, [&] {
         Answer("echoedRequest=add_sip_orders echoedNumber=" + std::to_string(many - 1)
                + " userText=registered");
         EXPECT_EQ(probe::Cell(list, 1, 12), "registered");
@@ -79,7 +79,7 @@ TEST_F(BasketWindow, LongRunsArePaintedAndCanBeStopped) {
                                  + " of 20000 orders were sent.\nRemove these " + sent + " from the basket?|");
     EXPECT_EQ(static_cast<std::size_t>(Rows(list)), many - host.requests.size());
 
-    run(basket::kLoad, soon, escape);
+    run(IDC_BASKET_LOAD, soon, escape);
     EXPECT_NE(boxes.Texts().find("|Loading was stopped: "), std::string::npos);
     EXPECT_LT(Rows(list), static_cast<int>(many));
 }
@@ -105,13 +105,13 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
         {"the question of a placing",
          [&] {
              boxes.during = ends;
-             probe::Press(dialog, basket::kPlace);
+             probe::Press(dialog, IDC_BASKET_PLACE);
          },
          9},
         {"the host's question",
          [&] {
              host.duringCaution = ends;
-             probe::Press(dialog, basket::kPlace);
+             probe::Press(dialog, IDC_BASKET_PLACE);
          },
          9},
         {"the row menu",
@@ -136,7 +136,7 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
                                           ends();
                                           if (end == picks) probe::Press(shown, IDCANCEL);
                                       });
-             probe::Press(dialog, basket::kLoad);
+             probe::Press(dialog, IDC_BASKET_LOAD);
              EXPECT_TRUE(question.Seen());
              path = given;
          }},
@@ -153,7 +153,7 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
                                          ends();
                                          if (end == picks) SendMessageA(progress, WM_CLOSE, 0, 0);
                                      });
-             probe::Press(dialog, basket::kPlace);
+             probe::Press(dialog, IDC_BASKET_PLACE);
              EXPECT_TRUE(probe::PumpUntil([&] { return sending.Seen(); }));
              lookCosts = 0;
          }},
@@ -195,7 +195,7 @@ TEST_F(BasketWindow, OpenedAnewBeforeItStoodIsFilledOnce) {
         host.duringResize = anew;
         Open();
         EXPECT_LT(left, 0);
-        EXPECT_EQ(probe::Items(dialog, order::kExchange), (Texts{"NSE", "BSE"})) << resizesBefore;
+        EXPECT_EQ(probe::Items(dialog, IDC_EXCHANGE), (Texts{"NSE", "BSE"})) << resizesBefore;
     }
 }
 

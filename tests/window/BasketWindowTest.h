@@ -13,9 +13,6 @@
 
 namespace basket {
 inline constexpr const char kName[] = "SIP Basket Entry", kCaption[] = "Planfold Basket Order";
-inline constexpr int kClientMode = 1058, kQuantity = 1027, kProducts = 1006;
-inline constexpr int kList = 1100, kPlace = 1101, kLoad = 1102, kExport = 1103, kRejected = 1104;
-inline constexpr int kCopyRejected = 1171, kStatus = 1173, kRunBar = 1702;
 inline constexpr int kDelete = 25002, kFilterCell = 26203, kClearFilters = 26206, kSort = 26207,
                      kNaturalOrder = 26209;
 inline constexpr UINT kHotKey = 1217;
@@ -51,8 +48,8 @@ protected:
     void Open() {
         Pick(basket::kName);
         dialog = probe::FindDialog(basket::kCaption);
-        list = GetDlgItem(dialog, basket::kList);
-        rejected = GetDlgItem(dialog, basket::kRejected);
+        list = GetDlgItem(dialog, IDC_BASKET_LIST);
+        rejected = GetDlgItem(dialog, IDC_REJECTED_LIST);
         if (dialog) Answer("echoedRequest=get_sip_operation_mode frequency=0");
     }
     // Its control is taken after the order entry's.
@@ -63,11 +60,11 @@ protected:
     }
     void Add(const char* client, const char* amount) {
         FillGoodOrder(dialog, client);
-        probe::SetDate(dialog, order::kStartDate, DaysFromNow(40));
-        probe::SetEdit(dialog, order::kValue, amount);
-        probe::Press(dialog, order::kSubmit);
+        probe::SetDate(dialog, IDC_START_DATE, DaysFromNow(40));
+        probe::SetEdit(dialog, IDC_VALUE, amount);
+        probe::Press(dialog, IDC_SUBMIT);
     }
-    // Of a file; good with this token.
+    // A file's line, which is good with this token.
     static std::string Line(const std::string& client, const std::string& token = "1013") {
         return client + ",nse_cm,EQ,ARBORTEX," + token
                + ",ARBORTEX-EQ,CNC,150000,7,monthly,,05/Mar/2037,12,MKT,B,,,,value,\r\n";
@@ -86,12 +83,12 @@ protected:
     // What is written, to its end.
     void Load(const std::string& text) {
         Write(text);
-        probe::Press(dialog, basket::kLoad);
+        probe::Press(dialog, IDC_BASKET_LOAD);
         probe::PumpUntil([] { return !Progress(); });
     }
     static HWND Progress() {
         for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, basket::kRunBar)) return window;
+            if (GetDlgItem(window, IDC_RUN_BAR)) return window;
         return nullptr;
     }
     HWND FileDialog() const {

@@ -28,10 +28,10 @@ LRESULT CALLBACK BookWindowTest::FrameProcedure(HWND frame, UINT message, WPARAM
 
 void BookWindowTest::Open() {
     Pick(book::kName);
-    pane = GetDlgItem(Frame(), book::kPane);
+    pane = GetDlgItem(Frame(), IDD_ORDER_BOOK);
     dialog = pane ? GetWindow(pane, GW_CHILD) : nullptr;
-    registered = GetDlgItem(dialog, book::kRegistered);
-    cancelled = GetDlgItem(dialog, book::kCancelled);
+    registered = GetDlgItem(dialog, IDC_REGISTERED_LIST);
+    cancelled = GetDlgItem(dialog, IDC_CANCELLED_LIST);
 }
 
 void BookWindowTest::Queried(const std::string& number, const char* status, const char* client) {
@@ -63,7 +63,7 @@ std::string BookWindowTest::Counts() const {
     std::string counts;
     for (const WPARAM part : {0, 1}) {
         char text[32] = "";
-        SendMessageA(GetDlgItem(dialog, book::kStatus), SB_GETTEXTA, part, reinterpret_cast<LPARAM>(text));
+        SendMessageA(GetDlgItem(dialog, IDC_BOOK_STATUS), SB_GETTEXTA, part, reinterpret_cast<LPARAM>(text));
         counts += (part ? " " : "") + std::string(text);
     }
     return counts;

@@ -4,9 +4,7 @@
 #include "tests/window/PluginTest.h"
 
 namespace book {
-inline constexpr int kPane = 104, kTabs = 1200, kRegistered = 1201, kCancelled = 1202, kStatus = 1203;
-inline constexpr int kReason = 1401, kRunBar = 1702;
-inline constexpr int kRefresh = 25001, kCancel = 25002, kModify = 25003, kPauseSelected = 25101;
+inline constexpr int kCancel = 25002, kPauseSelected = 25101;
 inline constexpr UINT kRegisterPane = 1933, kCommandText = 1214;
 inline constexpr const char kName[] = "SIP Registration Book";
 } // namespace book

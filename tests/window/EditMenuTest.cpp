@@ -38,7 +38,7 @@ TEST_F(PluginTest, TheMenuOfEditsFollowsTheirStateAndPastesThroughTheFilter) {
     HWND dialog = OpenWithDefaults();
     SetForegroundWindow(dialog);
     PutOnClipboard("12x.5.6");
-    for (const int control : {order::kValue, order::kPeriod, order::kClientSearch}) {
+    for (const int control : {IDC_VALUE, IDC_PERIOD, IDC_CLIENT_SEARCH}) {
         SCOPED_TRACE(control);
         HWND edit = GetDlgItem(dialog, control);
         probe::SetEdit(dialog, control, "");
@@ -48,7 +48,14 @@ TEST_F(PluginTest, TheMenuOfEditsFollowsTheirStateAndPastesThroughTheFilter) {
         SendMessageA(edit, EM_SETSEL, 0, -1);
         EXPECT_EQ(UseMenu(edit, 4, VK_RETURN), ".XCPD.");
     }
-    EXPECT_EQ(probe::Text(dialog, order::kValue), "12.56");
+    EXPECT_EQ(probe::Text(dialog, IDC_VALUE), "12.56");
+    EXPECT_TRUE(SelectedAt(dialog, IDC_VALUE).starts_with("5-5")) << "the caret stands at the end";
+    // A clean text is left alone, and the caret where the user put it.
+    SetFocus(GetDlgItem(dialog, IDC_VALUE));
+    SendDlgItemMessageA(dialog, IDC_VALUE, EM_SETSEL, 2, 2);
+    PostMessageA(GetFocus(), WM_CHAR, '9', 1);
+    probe::Pump();
+    EXPECT_EQ(probe::Text(dialog, IDC_VALUE) + " " + SelectedAt(dialog, IDC_VALUE), "129.56 3-3 focus");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // A test with the shared list over a real control, in a window of its own.
 #pragma once
 
+#include "host/korvexcontrols/resource.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/korvex/FilterListCtrl.h"
 #include "tests/support/BoxRecorder.h"
@@ -35,8 +36,6 @@ enum Command : std::uint32_t {
     exportRows,
     reset
 };
-inline constexpr int kFilterOperator = 2102, kFilterValue = 2104, kFilterFault = 2107, kFilterClear = 2108;
-inline constexpr int kFindText = 2202, kFindNotice = 2204;
 inline constexpr KorvexColumn kColumns[] = {{"Symbol", 120, 0, korvex::ValueType::text},
                                             {"Amount", 80, 1, korvex::ValueType::amount},
                                             {"State", 90, 0, korvex::ValueType::text}};
@@ -113,16 +112,8 @@ protected:
         item.stateMask = mask;
         Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     }
-    std::string Cell(int row, int column) const {
-        char text[64] = "";
-        LVITEMA item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        Send(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-        return text;
-    }
-    // As another program reads the control.
+    std::string Cell(int row, int column) const { return probe::Cell(list, row, column); }
+    // Reads the control as another program does.
     int Next(UINT flags, int from = -1) const {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
     }

@@ -1,10 +1,11 @@
 // What comes in the middle of something: keys of a menu, a close, another pick or the host's exit under a box
-// or a question. What must be left behind, nothing, is checked at each test's end.
+// or a question, and answers, which wait for an open box. What must be left behind, nothing, is checked at each
+// test's end.
 #include "tests/window/PluginTest.h"
 
-namespace {
+#include <functional>
 
-constexpr int kModeButton = 1058, kResults = 1501;
+namespace {
 
 class Interrupt : public PluginTest {
 protected:
@@ -16,15 +17,134 @@ protected:
     }
     bool ResultsShown() const {
         for (HWND window : PluginWindows())
-            if (GetDlgItem(window, kResults) && IsWindowVisible(window)) return true;
+            if (GetDlgItem(window, IDC_CLIENT_RESULTS) && IsWindowVisible(window)) return true;
         return false;
     }
 };
 
+// What the host was asked about still goes out, and nothing else. Nothing is left; opened anew, the window has
+// its first contents.
+TEST_F(Interrupt, TheWindowOrThePluginMayEndInTheMiddleOfEverything) {
+    enum End { closes, exits, opensAnew };
+    struct Row {
+        const char* middle;
+        std::function<void(HWND dialog, const std::function<void()>& ends)> happens;
+        std::size_t sent = 0; // unless the plug-in ends
+    };
+    const auto submit = [](HWND dialog) { probe::Press(dialog, IDC_SUBMIT); };
+    const Row rows[] = {
+        {"the box of Submit",
+         [&](HWND dialog, const auto& ends) {
+             probe::SetEdit(dialog, IDC_PERIOD, "");
+             boxes.during = ends;
+             submit(dialog);
+         }},
+        {"the box of an answer, while another waits",
+         [&](HWND, const auto& ends) {
+             boxes.during = [&] {
+                 host.Answer(Told("waiting"));
+                 ends();
+             };
+             host.Answer(Told("last words"));
+         }},
+        {"the host's question",
+         [&](HWND dialog, const auto& ends) {
+             host.duringCaution = ends;
+             submit(dialog);
+         },
+         1},
+        {"the scrip look-up",
+         [&](HWND dialog, const auto& ends) {
+             host.duringScripLookUp = ends;
+             submit(dialog);
+         }},
+        {"a search",
+         [&](HWND dialog, const auto& ends) {
+             SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
+             host.duringSearch = ends;
+             probe::PostKey(VK_DOWN);
+             probe::PumpUntil([&] { return !IsWindow(dialog); });
+         }},
+    };
+    for (const Row& row : rows)
+        for (const End end : {closes, exits, opensAnew}) {
+            SCOPED_TRACE(testing::Message() << row.middle << ", " << end);
+            Close(OrderEntry());
+            HWND dialog = OpenGoodOrder();
+            host.requests.clear();
+            row.happens(dialog, [&, end] {
+                end == exits ? plugin->Exit() : Close(dialog);
+                if (end == opensAnew) OpenOrderEntry();
+            });
+            probe::Pump();
+            EXPECT_EQ(host.LiveControls() == 0, end == exits);
+            EXPECT_EQ(LoadedPlugin::watched.hooksLive == 0, end == exits);
+            EXPECT_EQ(host.requests.size(), (end == exits ? 0 : row.sent) + (end == opensAnew));
+            EXPECT_EQ(OrderEntry() != nullptr, end == opensAnew);
+            EXPECT_EQ(probe::Text(OrderEntry(), IDC_PERIOD), end == opensAnew ? "1" : "");
+            boxes.Texts();
+        }
+}
+
+TEST_F(Interrupt, AnswersThatArriveWhileABoxIsOpenAreJoined) {
+    HWND dialog = OpenWithDefaults();
+    boxes.during = [&] {
+        for (const char* text : {"second", "third"})
+            host.Answer(Told(text));
+    };
+    host.Answer(Told("first"));
+    EXPECT_EQ(boxes.Texts(), "first|second\nthird|");
+    EXPECT_EQ(boxes.lastOwner, dialog);
+}
+
+TEST_F(Interrupt, AQuestionComesWhenTheOpenBoxIsGone) {
+    HWND dialog = OpenWithDefaults();
+    FillGoodOrder(dialog, "C009");
+    boxes.during = [&] {
+        probe::Press(dialog, IDC_SUBMIT);
+        EXPECT_EQ(host.requests.size(), 1u);
+    };
+    host.Answer(Told("first"));
+    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
+    EXPECT_EQ(boxes.Texts(), "first|The terminal knows no client C009.\nPlace the order all the same?|");
+    EXPECT_FALSE(boxes.anyNested);
+}
+
+TEST_F(Interrupt, AnErrorThatArrivesWhileABoxIsOpenIsLoggedAtOnce) {
+    HWND dialog = OpenWithDefaults();
+    std::size_t logged = 0;
+    boxes.during = [&] {
+        host.Answer("echoedRequest=add_sip_orders errorCode=5");
+        logged = host.log.size();
+    };
+    probe::SetEdit(dialog, IDC_PERIOD, "");
+    probe::Press(dialog, IDC_SUBMIT);
+    EXPECT_EQ(logged, 1u);
+    EXPECT_EQ(boxes.Texts(), "Enter a Month.|");
+}
+
+TEST_F(Interrupt, SubmitDuringTheHostsQuestionDoesNothing) {
+    HWND dialog = OpenWithDefaults();
+    for (const std::size_t requests : {2u, 3u}) {
+        FillGoodOrder(dialog);
+        host.duringCaution = [&] {
+            probe::Press(dialog, IDC_SUBMIT);
+            probe::Press(dialog, IDC_SUBMIT);
+            host.Answer(Told("meanwhile"));
+        };
+        probe::Press(dialog, IDC_SUBMIT);
+        EXPECT_EQ(host.requests.size(), requests);
+        EXPECT_TRUE(host.LastRequest().starts_with("add_sip_orders exchange=nse_cm ")) << host.LastRequest();
+        EXPECT_TRUE(host.LastRequest().ends_with(" cautionaryFlag=N orderSource=TWS")) << host.LastRequest();
+        EXPECT_EQ(boxes.Texts(), "meanwhile|");
+    }
+    EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), 2);
+}
+
 TEST_F(Interrupt, KeysOfAMenuStayTheMenus) {
     HWND dialog = OpenGoodOrder();
-    HWND search = GetDlgItem(dialog, order::kClientSearch);
-    HWND value = GetDlgItem(dialog, order::kValue);
+    HWND search = GetDlgItem(dialog, IDC_CLIENT_SEARCH);
+    HWND value = GetDlgItem(dialog, IDC_VALUE);
     struct Row {
         HWND focus;
         UINT opens;
@@ -32,13 +152,13 @@ TEST_F(Interrupt, KeysOfAMenuStayTheMenus) {
         WPARAM last;
     };
     const Row rows[] = {{value, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(value), VK_RETURN},
-                        {search, WM_COMMAND, MAKEWPARAM(kModeButton, BN_CLICKED), VK_RETURN},
-                        {search, WM_COMMAND, MAKEWPARAM(kModeButton, BN_CLICKED), VK_ESCAPE}};
+                        {search, WM_COMMAND, MAKEWPARAM(IDC_CLIENT_SEARCH_MODE, BN_CLICKED), VK_RETURN},
+                        {search, WM_COMMAND, MAKEWPARAM(IDC_CLIENT_SEARCH_MODE, BN_CLICKED), VK_ESCAPE}};
     for (const Row& row : rows) {
         SetFocus(row.focus);
         const LPARAM place = row.opens == WM_CONTEXTMENU
                                  ? MAKELPARAM(50, 50)
-                                 : reinterpret_cast<LPARAM>(GetDlgItem(dialog, kModeButton));
+                                 : reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_CLIENT_SEARCH_MODE));
         PostMessageA(row.opens == WM_CONTEXTMENU ? value : dialog, row.opens, row.wParam, place);
         for (const WPARAM key : {WPARAM{VK_DOWN}, WPARAM{VK_DOWN}, row.last})
             PostMessageA(row.focus, WM_KEYDOWN, key, 1);
@@ -64,91 +184,43 @@ TEST_F(Interrupt, ExitUnderTheFirstPicksBoxesEndsThePick) {
         << "the book's box does not come after the end";
 }
 
-TEST_F(Interrupt, ExitUnderTheQuestionSendsNothingAndLeavesNothing) {
-    HWND dialog = OpenGoodOrder();
-    host.requests.clear();
-    host.duringCaution = [&] {
-        plugin->Exit();
-        EXPECT_EQ(host.LiveControls(), 0);
-        EXPECT_EQ(LoadedPlugin::watched.hooksLive, 0);
-    };
-    probe::Press(dialog, order::kSubmit);
-    EXPECT_TRUE(host.requests.empty());
-    EXPECT_EQ(boxes.Texts(), "");
-}
-
 TEST_F(Interrupt, AnotherIdentityUnderTheQuestionDoesNotReachTheOrder) {
     HWND dialog = OpenGoodOrder();
     host.duringCaution = [&] {
         host.peerIdA = std::string(200, 'N');
         Pick("a text of nobody");
     };
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_NE(host.LastRequest().find(" peerIdA=PEERA peerIdB=PEERB "), std::string::npos)
         << host.LastRequest();
 }
 
-TEST_F(Interrupt, AWindowOpenedAnewUnderTheQuestionKeepsItsContents) {
-    HWND dialog = OpenGoodOrder();
-    host.duringCaution = [&] {
-        Close(dialog);
-        OpenOrderEntry();
-    };
-    probe::Press(dialog, order::kSubmit);
-    EXPECT_EQ(probe::Text(OrderEntry(), order::kPeriod), "1");
-}
-
-TEST_F(Interrupt, AWindowClosedDuringTheScripLookUpSendsNoOrder) {
-    HWND dialog = OpenGoodOrder();
-    host.duringScripLookUp = [&] { SendMessageA(dialog, WM_CLOSE, 0, 0); };
-    probe::Press(dialog, order::kSubmit);
-    EXPECT_EQ(host.requests.size(), 1u);
-    EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), 0);
-}
-
 TEST_F(Interrupt, SubmitWorksUnderABoxOfAnotherWindow) {
     HWND dialog = OpenGoodOrder();
-    probe::SetEdit(dialog, order::kPeriod, "");
+    probe::SetEdit(dialog, IDC_PERIOD, "");
     boxes.during = [&] {
         host.rights.clear();
         Pick("Order Entry"); // refused: its box waits for the first
         boxes.during = [&] {
             FillGoodOrder(dialog);
-            probe::Press(dialog, order::kSubmit);
+            probe::Press(dialog, IDC_SUBMIT);
         };
     };
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(boxes.Texts(), "Enter a Month.|You are not enabled on Planfold.|");
     EXPECT_EQ(host.requests.size(), 2u);
 }
 
-TEST_F(Interrupt, TheWindowOrThePluginMayEndDuringASearch) {
-    for (const bool exits : {false, true}) {
-        HWND dialog = OpenOrderEntry();
-        SetFocus(GetDlgItem(dialog, order::kClientSearch));
-        probe::SetEdit(dialog, order::kClientSearch, "C00");
-        host.duringSearch = [&] {
-            if (exits)
-                plugin->Exit();
-            else
-                Close(dialog);
-        };
-        probe::PostKey(VK_DOWN);
-        EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(dialog); }));
-        EXPECT_TRUE(PluginWindows().empty());
-    }
-}
-
 TEST_F(Interrupt, LeavingTheBoxBeforeTheDelayStartsNoSearch) {
     HWND dialog = OpenOrderEntry();
-    SetFocus(GetDlgItem(dialog, order::kClientSearch));
-    probe::SetEdit(dialog, order::kClientSearch, "C00");
-    SetFocus(GetDlgItem(dialog, order::kValue));
+    SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
+    probe::SetEdit(dialog, IDC_CLIENT_SEARCH, "C00");
+    SetFocus(GetDlgItem(dialog, IDC_VALUE));
     const DWORD start = GetTickCount();
     probe::PumpUntil([&] { return ResultsShown() || GetTickCount() - start > 900; });
     EXPECT_FALSE(ResultsShown());
     // On return, also after the window moved, Enter searches; it does not submit.
-    SetFocus(GetDlgItem(dialog, order::kClientSearch));
+    SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
     SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     probe::PostKey(VK_RETURN);
     EXPECT_TRUE(probe::PumpUntil([&] { return ResultsShown(); }));
@@ -158,19 +230,17 @@ TEST_F(Interrupt, LeavingTheBoxBeforeTheDelayStartsNoSearch) {
 TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {
     host.fontVariation = 6;
     HWND dialog = OpenOrderEntry();
-    RECT opened{}, applied{};
-    GetWindowRect(dialog, &opened);
+    const LONG opened = probe::SizeOf(dialog).cx;
     plugin->ApplyFont();
-    GetWindowRect(dialog, &applied);
-    EXPECT_EQ(opened.right - opened.left, applied.right - applied.left);
+    EXPECT_EQ(probe::SizeOf(dialog).cx, opened);
     ShowWindow(dialog, SW_MINIMIZE);
     host.fontVariation = 12;
     plugin->ApplyFont();
-    OpenOrderEntry();
+    probe::SetEdit(dialog, IDC_VALUE, "77");
+    EXPECT_EQ(OpenOrderEntry(), dialog);
     EXPECT_FALSE(IsIconic(dialog));
-    RECT restored{};
-    GetWindowRect(dialog, &restored);
-    EXPECT_GT(restored.right - restored.left, applied.right - applied.left) << "the new font's size";
+    EXPECT_EQ(probe::Text(dialog, IDC_VALUE), "77") << "it is the same window";
+    EXPECT_GT(probe::SizeOf(dialog).cx, opened) << "the new font's size";
 }
 
 } // namespace

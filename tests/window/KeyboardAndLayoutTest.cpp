@@ -12,7 +12,7 @@ protected:
         PluginTest::SetUp();
         dialog = OpenWithDefaults();
         SetForegroundWindow(dialog);
-        SetFocus(GetDlgItem(dialog, order::kExchange));
+        SetFocus(GetDlgItem(dialog, IDC_EXCHANGE));
     }
     // The direct child of the dialog that has the focus or holds it.
     HWND Focused() const {
@@ -20,11 +20,6 @@ protected:
         while (window && GetParent(window) != dialog)
             window = GetParent(window);
         return window;
-    }
-    RECT PlaceOf(HWND control) const {
-        RECT place{};
-        GetWindowRect(control, &place);
-        return place;
     }
 
     HWND dialog = nullptr;
@@ -43,7 +38,7 @@ TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
         // Rows from top to bottom, each from left to right.
         const int sameRow = 8;
         std::ranges::sort(stops, [&](HWND a, HWND b) {
-            const RECT first = PlaceOf(a), second = PlaceOf(b);
+            const RECT first = probe::PlaceOf(a), second = probe::PlaceOf(b);
             return std::abs(first.top - second.top) > sameRow ? first.top < second.top
                                                               : first.left < second.left;
         });
@@ -58,19 +53,9 @@ TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
     }
 }
 
-TEST_F(Keyboard, EnterSubmitsAndEscapeCloses) {
-    FillGoodOrder(dialog);
-    SetFocus(GetDlgItem(dialog, order::kValue));
-    probe::PostKey(VK_RETURN);
-    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
-    EXPECT_TRUE(host.LastRequest().starts_with("add_sip_orders "));
-    probe::PostKey(VK_ESCAPE);
-    EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(dialog); }));
-}
-
 TEST_F(Keyboard, KeysOfTheOpenCalendarStayInIt) {
     FillGoodOrder(dialog);
-    const HWND picker = GetDlgItem(dialog, order::kStartDate);
+    const HWND picker = GetDlgItem(dialog, IDC_START_DATE);
     for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
         SetFocus(picker);
         RECT client{};
@@ -93,13 +78,12 @@ TEST_F(Keyboard, KeysOfTheOpenCalendarStayInIt) {
 }
 
 TEST_F(Keyboard, TheDefaultButtonsRingFollowsAClick) {
-    constexpr int kPlanDates = 1161;
-    const HWND submit = GetDlgItem(dialog, order::kSubmit), dates = GetDlgItem(dialog, kPlanDates);
-    const HWND value = GetDlgItem(dialog, order::kValue);
+    const HWND submit = GetDlgItem(dialog, IDC_SUBMIT), dates = GetDlgItem(dialog, IDC_PLAN_DATES);
+    const HWND value = GetDlgItem(dialog, IDC_VALUE);
     const auto hasRing = [](HWND button) {
         return (SendMessageA(button, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) != 0;
     };
-    probe::SetEdit(dialog, order::kValue, "100");
+    probe::SetEdit(dialog, IDC_VALUE, "100");
     for (const HWND clicked : {dates, value, dates, submit}) {
         // Let go beside it: the button is not pressed.
         PostMessageA(clicked, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
@@ -136,8 +120,7 @@ protected:
         std::vector<Shown> shown;
         for (HWND child : probe::Children(dialog)) {
             if (!IsWindowVisible(child)) continue;
-            RECT place{};
-            GetWindowRect(child, &place);
+            RECT place = probe::PlaceOf(child);
             MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
             shown.push_back({child,
                              probe::ClassOf(child) + " " + std::to_string(GetDlgCtrlID(child)) + " '"
@@ -188,15 +171,15 @@ protected:
             }
     }
 
-    static constexpr int kBasketList = 1100, kUsualColumn = 50;
+    static constexpr int kUsualColumn = 50;
 
     static int ColumnWidth(HWND dialog, int list) {
         return static_cast<int>(SendDlgItemMessageA(dialog, list, LVM_GETCOLUMNWIDTH, 0, 0));
     }
 
     static void ExpectOnScreen(HWND window) {
-        RECT place{}, screen{}, outside{};
-        GetWindowRect(window, &place);
+        const RECT place = probe::PlaceOf(window);
+        RECT screen{}, outside{};
         SystemParametersInfoA(SPI_GETWORKAREA, 0, &screen, 0);
         SubtractRect(&outside, &place, &screen);
         EXPECT_TRUE(IsRectEmpty(&outside)) << probe::Text(window);
@@ -204,7 +187,7 @@ protected:
 
     int FontHeight(HWND dialog) const {
         LOGFONTA font{};
-        GetObjectA(reinterpret_cast<HGDIOBJ>(SendMessageA(GetDlgItem(dialog, order::kValue), WM_GETFONT, 0, 0)),
+        GetObjectA(reinterpret_cast<HGDIOBJ>(SendMessageA(GetDlgItem(dialog, IDC_VALUE), WM_GETFONT, 0, 0)),
                    sizeof font, &font);
         return std::abs(font.lfHeight);
     }
@@ -224,7 +207,7 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
     };
     for (const bool serverPeriods : {false, true}) {
         if (serverPeriods) host.Answer("echoedRequest=get_sip_operation_mode frequency=monthly");
-        probe::Select(dialog, order::kInvestBy, serverPeriods ? "Quantity" : "Amount");
+        probe::Select(dialog, IDC_INVEST_BY, serverPeriods ? "Quantity" : "Amount");
         for (const Row& row : {Row{0, 0, 0}, Row{6, 0, 6}, Row{9, 2, 11}, Row{18, -2, 16}, Row{60, 0, 36}}) {
             SCOPED_TRACE(testing::Message() << row.size << " points, " << row.variation << " more");
             host.fontSize = row.size;
@@ -239,7 +222,7 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
                 EXPECT_EQ(FontHeight(dialog), asked);
             ExpectOnScreen(dialog);
             ExpectOnScreen(basket);
-            EXPECT_NEAR(ColumnWidth(basket, kBasketList), MulDiv(kUsualColumn, FontHeight(basket), usual),
+            EXPECT_NEAR(ColumnWidth(basket, IDC_BASKET_LIST), MulDiv(kUsualColumn, FontHeight(basket), usual),
                         kUsualColumn / usual)
                 << "columns grow with the text";
             ExpectNothingClipped(dialog);
@@ -249,7 +232,7 @@ TEST_F(Layout, FollowsTheHostsFontInEveryState) {
                           2);
         }
     }
-    EXPECT_EQ(probe::Text(dialog, order::kSymbol), "ARBORTEX") << "a new layout changes no value";
+    EXPECT_EQ(probe::Text(dialog, IDC_SYMBOL), "ARBORTEX") << "a new layout changes no value";
     const int largest = FontHeight(dialog);
     Close(dialog);
     dialog = OpenOrderEntry();
@@ -262,8 +245,7 @@ TEST_F(Layout, FollowsTheResolution) {
     HWND basket = probe::FindDialog("Planfold Basket Order");
     HWND dialog = OpenOrderEntry();
     const int usual = FontHeight(dialog);
-    RECT suggested{};
-    GetWindowRect(dialog, &suggested);
+    RECT suggested = probe::PlaceOf(dialog);
     for (const int dpi : {144, 192, 96}) {
         SCOPED_TRACE(dpi);
         for (HWND window : {basket, dialog}) {

@@ -112,7 +112,7 @@ TEST_F(Life, TheActivatedClientIsTheBasketsWhereTheHostTellsNone) {
     OpenOrderEntry();
     Activate();
     Pick("SIP Basket Entry");
-    EXPECT_EQ(probe::Text(probe::FindDialog("Planfold Basket Order"), order::kClientSearch), "C001");
+    EXPECT_EQ(probe::Text(probe::FindDialog("Planfold Basket Order"), IDC_CLIENT_SEARCH), "C001");
 }
 
 TEST_F(Life, ThePluginGivesNothingBackAtTheEndOfTheProcess) {
@@ -136,18 +136,6 @@ TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
     EXPECT_NE(OpenOrderEntry(), nullptr);
     EXPECT_EQ(boxes.Texts(), "");
     EXPECT_EQ(host.requests, Texts{"get_sip_operation_mode"});
-}
-
-TEST_F(Life, TwoPicksAreOneWindow) {
-    HWND dialog = OpenWithDefaults();
-    probe::SetEdit(dialog, order::kValue, "77");
-    const std::size_t windows = PluginWindows().size();
-    ShowWindow(dialog, SW_HIDE);
-    EXPECT_EQ(OpenOrderEntry(), dialog);
-    EXPECT_TRUE(IsWindowVisible(dialog));
-    EXPECT_EQ(PluginWindows().size(), windows);
-    EXPECT_EQ(probe::Text(dialog, order::kValue), "77");
-    EXPECT_EQ(host.requests.size(), 1u);
 }
 
 TEST_F(Life, ClosesAndReopensAnyNumberOfTimes) {

@@ -45,7 +45,7 @@ const LackRow kLacks[] = {
     {"DestoryKeloRxCOntrol", kNoControl},
 };
 
-// All that one order leaves behind, as text.
+// Says all that one order leaves behind.
 std::string Dump(std::string_view opening, std::string request, const Texts& log, std::string_view submit) {
     constexpr std::string_view tag = " startDate=";
     if (const auto from = request.find(tag); from != request.npos) {
@@ -90,7 +90,7 @@ TEST_F(PluginTest, EachMissingOptionalExportTakesOnlyWhatNeedsItAway) {
         if (takesControls) AnswerDefaults();
         FillGoodOrder(dialog, row.hiddenToo ? "" : "C002");
         // Frequencies that no answer brought cannot be selected; the rest is as far as it goes.
-        probe::Press(dialog, order::kSubmit);
+        probe::Press(dialog, IDC_SUBMIT);
         EXPECT_EQ(Dump(opening, host.LastRequest(), host.log, boxes.Texts()), Changed(row));
         EXPECT_EQ(plugin->Activate("C001", host.strings), 1);
         plugin->ApplyFont();

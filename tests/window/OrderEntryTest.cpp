@@ -13,32 +13,18 @@ protected:
     void ExpectStartState(HWND dialog) {
         SYSTEMTIME now{};
         GetLocalTime(&now);
-        struct Row {
-            int control;
-            const char* text;
-            Texts items;
-        };
-        const Row rows[] = {
-            {order::kExchange, "NSE", {"NSE", "BSE"}},
-            {order::kSeries, "EQ", {"EQ", "BE"}},
-            {order::kSymbol, "ARBORTEX", {"ARBORTEX", "BYTEFIN"}},
-            {order::kAction, "SIP", {"SIP", "SWP"}},
-            {order::kOrderType, "MARKET", {"MARKET"}},
-            {order::kProduct, "CNC", {"CNC"}},
-            {order::kInvestBy, "Amount", {"Amount", "Quantity"}},
-            {order::kFrequency, "", {}},
-        };
-        for (const Row& row : rows) {
-            EXPECT_EQ(Text(dialog, row.control), row.text) << row.control;
-            EXPECT_EQ(Items(dialog, row.control), row.items) << row.control;
-        }
-        EXPECT_EQ(Text(dialog, order::kPeriod) + "|" + Text(dialog, order::kValue), "1|");
-        EXPECT_EQ(Text(dialog, order::kPeriodHint), "Minimum SIP Period : 1 Month");
+        std::string texts;
+        for (const int control : {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT,
+                                  IDC_INVEST_BY, IDC_FREQUENCY})
+            texts += Text(dialog, control) + "|";
+        EXPECT_EQ(texts, "NSE|EQ|ARBORTEX|SIP|MARKET|CNC|Amount||");
+        EXPECT_EQ(Text(dialog, IDC_PERIOD) + "|" + Text(dialog, IDC_VALUE), "1|");
+        EXPECT_EQ(Text(dialog, IDC_PERIOD_HINT), "Minimum SIP Period : 1 Month");
         for (const char* label :
              {"Exhg-Seg", "Inst Name", "Symbol", "Action", "Order Type", "Product Type", "Invest By", "Amount",
               "Frequency", "Start Date", "Total Period ( < 60 )", " Client ID", "Submit"})
             EXPECT_TRUE(HasChildWithText(dialog, label)) << label;
-        const SYSTEMTIME start = probe::Date(dialog, order::kStartDate);
+        const SYSTEMTIME start = probe::Date(dialog, IDC_START_DATE);
         EXPECT_EQ(WireDate(start), WireDate(DaysFromNow(1)));
         EXPECT_NEAR(start.wHour * 60 + start.wMinute, now.wHour * 60 + now.wMinute, 1) << "the time here";
         // What stands between differs from system to system.
@@ -46,10 +32,11 @@ protected:
         fifth.wYear = 2027;
         fifth.wMonth = 3;
         fifth.wDay = 5;
-        probe::SetDate(dialog, order::kStartDate, fifth);
-        const std::string shown = Text(dialog, order::kStartDate);
+        probe::SetDate(dialog, IDC_START_DATE, fifth);
+        const std::string shown = Text(dialog, IDC_START_DATE);
         EXPECT_TRUE(shown.starts_with("05/") && shown.ends_with("/2027")) << shown;
-        for (const int hidden : {order::kCancel, 1006, 1048, 1049, 1050, 1054, 1056})
+        for (const int hidden : {IDCANCEL, IDC_HOST_PRODUCTS, IDC_HOST_SCRIP_1, IDC_HOST_SCRIP_2,
+                                 IDC_HOST_SCRIP_3, IDC_HIDDEN_COMBO, IDC_CLIENT_NAME})
             EXPECT_FALSE(probe::IsShown(dialog, hidden)) << hidden;
         EXPECT_EQ(boxes.Texts(), "");
     }
@@ -71,16 +58,16 @@ TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
     EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
     ExpectStartState(dialog);
     host.Answer("echoedRequest=get_sip_operation_mode frequency=yearly minimumPeriods=2");
-    EXPECT_EQ(Text(dialog, order::kFrequency), "yearly");
+    EXPECT_EQ(Text(dialog, IDC_FREQUENCY), "yearly");
     EXPECT_TRUE(HasChildWithText(dialog, "SIP Periods"));
-    for (const int hidden : {order::kPeriodHint, order::kPeriodIcons[0], order::kPeriodIcons[1]})
+    for (const int hidden : {IDC_PERIOD_HINT, IDC_PERIOD_ICON_1, IDC_PERIOD_ICON_2})
         EXPECT_FALSE(probe::IsShown(dialog, hidden)) << hidden;
     Pick("Order Entry"); // which forgets the least periods of the server
     FillGoodOrder(dialog);
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(host.requests.size(), 2u);
-    probe::Select(dialog, order::kInvestBy, "Quantity");
-    probe::Select(dialog, order::kExchange, "BSE");
+    probe::Select(dialog, IDC_INVEST_BY, "Quantity");
+    probe::Select(dialog, IDC_EXCHANGE, "BSE");
     Close(dialog);
     ExpectStartState(OpenOrderEntry());
     EXPECT_EQ(host.requests.back(), "get_sip_operation_mode");
@@ -89,23 +76,13 @@ TEST_F(OrderEntryWindow, OpensAndReopensInItsStartState) {
     OpenOrderEntry();
     AnswerDefaults();
     AnswerDefaults();
-    EXPECT_EQ(Items(OrderEntry(), order::kFrequency), (Texts{"daily", "weekly", "monthly"}));
-}
-
-TEST_F(OrderEntryWindow, OffersTheClientsInAComboWithoutASearch) {
-    const HiddenExport hidden("pu_get_entered_text_results");
-    HWND dialog = OpenOrderEntry();
-    EXPECT_TRUE(probe::IsShown(dialog, order::kClient));
-    EXPECT_FALSE(probe::IsShown(dialog, order::kClientSearch));
-    EXPECT_EQ(Items(dialog, order::kClient), (Texts{"C001", "C002"}));
-    EXPECT_EQ(Text(dialog, order::kClient), "C001");
-    EXPECT_TRUE(host.settings.empty());
+    EXPECT_EQ(Items(OrderEntry(), IDC_FREQUENCY), (Texts{"daily", "weekly", "monthly"}));
 }
 
 TEST_F(OrderEntryWindow, CompletesATypedClientAndSettlesOnItAfterAPause) {
     const HiddenExport hidden("pu_get_entered_text_results");
     host.searchTimes = {90};
-    HWND dialog = OpenOrderEntry(), combo = GetDlgItem(dialog, order::kClient);
+    HWND dialog = OpenOrderEntry(), combo = GetDlgItem(dialog, IDC_CLIENT_COMBO);
     HWND edit = FindWindowExA(combo, nullptr, "EDIT", nullptr);
     SetFocus(edit);
     SendMessageA(edit, EM_SETSEL, 0, -1);
@@ -126,14 +103,14 @@ TEST_F(OrderEntryWindow, CompletesATypedClientAndSettlesOnItAfterAPause) {
 
 TEST_F(OrderEntryWindow, ExchangeAndSeriesRefillWhatDependsOnThem) {
     HWND dialog = OpenOrderEntry();
-    ASSERT_TRUE(probe::Select(dialog, order::kExchange, "BSE"));
-    EXPECT_EQ(Text(dialog, order::kSeries) + " " + Text(dialog, order::kSymbol), "EQ INFOCAR");
-    ASSERT_TRUE(probe::Select(dialog, order::kExchange, "NSE"));
-    ASSERT_TRUE(probe::Select(dialog, order::kSeries, "BE"));
-    EXPECT_EQ(Text(dialog, order::kSeries) + " " + Text(dialog, order::kSymbol), "BE LUMENBANK");
+    ASSERT_TRUE(probe::Select(dialog, IDC_EXCHANGE, "BSE"));
+    EXPECT_EQ(Text(dialog, IDC_SERIES) + " " + Text(dialog, IDC_SYMBOL), "EQ INFOCAR");
+    ASSERT_TRUE(probe::Select(dialog, IDC_EXCHANGE, "NSE"));
+    ASSERT_TRUE(probe::Select(dialog, IDC_SERIES, "BE"));
+    EXPECT_EQ(Text(dialog, IDC_SERIES) + " " + Text(dialog, IDC_SYMBOL), "BE LUMENBANK");
     EXPECT_EQ(host.calls.end()[-2], "pu_fill_scrip_combos(1003,1005,1008,1048,1049,1050,1)");
     EXPECT_EQ(host.calls.back(), "pu_get_intersted_scrip_field(nse_cm|BE|LUMENBANK,0,6)");
-    EXPECT_EQ(Text(dialog, order::kSummary), "Lumen Bank");
+    EXPECT_EQ(Text(dialog, IDC_PLAN_SUMMARY), "Lumen Bank");
 }
 
 // The settings file lies beside the program that is the host.
@@ -146,105 +123,76 @@ TEST_F(OrderEntryWindow, OffersCustomProductsOfTheSettingsFile) {
                                (folder / "Planfold.ini").string().c_str());
     host.rights.insert("QV: Planfold: Custom");
     HWND dialog = OpenOrderEntry();
-    EXPECT_EQ(Items(dialog, order::kProduct), (Texts{"CNC", "MIS", "NRML"}));
-    EXPECT_EQ(Text(dialog, order::kProduct), "CNC");
+    EXPECT_EQ(Items(dialog, IDC_PRODUCT), (Texts{"CNC", "MIS", "NRML"}));
+    EXPECT_EQ(Text(dialog, IDC_PRODUCT), "CNC");
     AnswerDefaults();
     FillGoodOrder(dialog);
-    ASSERT_TRUE(probe::Select(dialog, order::kProduct, "NRML"));
+    ASSERT_TRUE(probe::Select(dialog, IDC_PRODUCT, "NRML"));
     // The login of the last pick counts.
     plugin->Pick("Order Entry", host.strings, "OTHER");
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_NE(host.LastRequest().find(" product=NRML "), std::string::npos);
     EXPECT_NE(host.LastRequest().find(" loginId=OTHER "), std::string::npos);
     Close(dialog);
     std::filesystem::remove_all(folder);
-    EXPECT_EQ(Items(OpenOrderEntry(), order::kProduct), Texts{"CNC"}) << "without a settings file";
-}
-
-TEST_F(OrderEntryWindow, SubmitSendsWhatTheControlsShow) {
-    HWND dialog = OpenWithDefaults();
-    for (const auto& [control, entry] : {std::pair(order::kExchange, "BSE"),
-                                         {order::kAction, "SWP"},
-                                         {order::kInvestBy, "Quantity"},
-                                         {order::kFrequency, "daily"}})
-        ASSERT_TRUE(probe::Select(dialog, control, entry)) << entry;
-    EXPECT_TRUE(GetWindowLongA(GetDlgItem(dialog, order::kValue), GWL_STYLE) & ES_NUMBER);
-    probe::SetEdit(dialog, order::kValue, "15");
-    probe::SetEdit(dialog, order::kPeriod, "60");
-    probe::SetEdit(dialog, order::kClientSearch, "C001");
-    probe::SetDate(dialog, order::kStartDate, DaysFromNow(3));
-    probe::Press(dialog, order::kSubmit);
-    EXPECT_EQ(
-        host.LastRequest(),
-        TextOf(Order(
-            "exchange=bse_cm token=500100 tradingSymbol=INFOCAR side=S investType=qty amountOrQuantity=15 "
-            "frequency=daily totalPeriod=60 loginId=LOGIN peerIdA=PEERA peerIdB=PEERB startDate="
-            + WireDate(DaysFromNow(3))))
-            + " orderId=UUID-1 cautionaryFlag=N orderSource=TWS");
-    EXPECT_EQ(host.log.size(), 1u);
-    EXPECT_EQ(boxes.Texts() + Text(dialog, order::kValue) + Text(dialog, order::kPeriod), "");
+    EXPECT_EQ(Items(OpenOrderEntry(), IDC_PRODUCT), Texts{"CNC"}) << "without a settings file";
 }
 
 TEST_F(OrderEntryWindow, RefusalIsToldAndTheFormKeepsWhatWasTyped) {
     HWND dialog = OpenWithDefaults();
     FillGoodOrder(dialog);
-    probe::SetEdit(dialog, order::kPeriod, "61");
-    for (const auto& [days, text] : {std::pair(-1, "Start Date Cannot be less that today's Date|"),
-                                     {740, "Start Date Cannot be more than 2 years from today's Date|"},
-                                     {1, "Month Should be Between 1 and 60|"}}) {
-        probe::SetDate(dialog, order::kStartDate, DaysFromNow(days));
-        probe::Press(dialog, order::kSubmit);
-        EXPECT_EQ(boxes.Texts(), text);
-        EXPECT_EQ(boxes.lastOwner, dialog);
-    }
-    EXPECT_EQ(Text(dialog, order::kValue) + " " + Text(dialog, order::kPeriod), "1234.5 61");
-    EXPECT_EQ(SelectedAt(dialog, order::kPeriod), "0-2 focus") << "to be typed over";
-    probe::SetEdit(dialog, order::kValue, "0.00");
-    probe::SetEdit(dialog, order::kPeriod, "60");
-    probe::Press(dialog, order::kSubmit);
+    probe::SetEdit(dialog, IDC_PERIOD, "61");
+    probe::Press(dialog, IDC_SUBMIT);
+    EXPECT_EQ(boxes.Texts(), "Month Should be Between 1 and 60|");
+    EXPECT_EQ(boxes.lastOwner, dialog);
+    EXPECT_EQ(Text(dialog, IDC_VALUE) + " " + Text(dialog, IDC_PERIOD), "1234.5 61");
+    EXPECT_EQ(SelectedAt(dialog, IDC_PERIOD), "0-2 focus") << "to be typed over";
+    probe::SetEdit(dialog, IDC_VALUE, "0.00");
+    probe::SetEdit(dialog, IDC_PERIOD, "60");
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(boxes.Texts(), "Enter valid Amount|");
-    EXPECT_EQ(SelectedAt(dialog, order::kValue), "0-4 focus");
+    EXPECT_EQ(SelectedAt(dialog, IDC_VALUE), "0-4 focus");
     FillGoodOrder(dialog, std::string(33000, 'x'));
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(boxes.Texts(), "The terminal knows no client " + std::string(60, 'x')
                                  + ".\nPlace the order all the same?|Failed to add Account ID|");
     EXPECT_EQ(host.requests.size(), 1u);
     FillGoodOrder(dialog);
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(host.requests.size(), 2u) << "the next one goes out";
 }
 
 TEST_F(OrderEntryWindow, ARefusedOrderIsToldInRedAndComesBackWithAKey) {
     HWND dialog = OpenWithDefaults();
     FillGoodOrder(dialog);
-    EXPECT_EQ(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
-    probe::Press(dialog, order::kSubmit);
+    EXPECT_EQ(ColourOf(dialog, IDC_PLAN_SUMMARY), GetSysColor(COLOR_WINDOWTEXT));
+    probe::Press(dialog, IDC_SUBMIT);
     host.Answer({{tag::echoedRequest, {"add_sip_orders"}},
                  {tag::errorCode, {"104"}},
                  {tag::userText, {"too & short"}}});
     EXPECT_EQ(boxes.Texts(), "");
     EXPECT_EQ(
-        Text(dialog, order::kSummary),
+        Text(dialog, IDC_PLAN_SUMMARY),
         "Byte Finance for C002 (Second Client)\nRefused: too & short (code 104). F3 brings the order back "
         "(C002 BYTEFIN 1234.5).");
-    EXPECT_NE(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    EXPECT_NE(ColourOf(dialog, IDC_PLAN_SUMMARY), GetSysColor(COLOR_WINDOWTEXT));
     SetForegroundWindow(dialog);
-    probe::Select(dialog, order::kSymbol, "ARBORTEX");
-    probe::Select(dialog, order::kInvestBy, "Quantity");
+    probe::Select(dialog, IDC_SYMBOL, "ARBORTEX");
+    probe::Select(dialog, IDC_INVEST_BY, "Quantity");
     probe::PostKey(VK_F3);
     probe::Pump();
-    EXPECT_EQ(Text(dialog, order::kSymbol) + Text(dialog, order::kInvestBy), "BYTEFINAmount");
-    EXPECT_EQ(Text(dialog, order::kValue) + " " + Text(dialog, order::kPeriod), "1234.5 12");
-    EXPECT_EQ(SelectedAt(dialog, order::kValue), "0-6 focus");
-    EXPECT_EQ(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
-    probe::SetEdit(dialog, order::kClientSearch, "C00");
-    EXPECT_TRUE(Text(dialog, order::kSummary).starts_with("Byte Finance for C00 (unknown client)\n"));
-    EXPECT_NE(ColourOf(dialog, order::kSummary), GetSysColor(COLOR_WINDOWTEXT));
+    EXPECT_EQ(Text(dialog, IDC_SYMBOL) + Text(dialog, IDC_INVEST_BY), "BYTEFINAmount");
+    EXPECT_EQ(Text(dialog, IDC_VALUE) + " " + Text(dialog, IDC_PERIOD), "1234.5 12");
+    EXPECT_EQ(SelectedAt(dialog, IDC_VALUE), "0-6 focus");
+    EXPECT_EQ(ColourOf(dialog, IDC_PLAN_SUMMARY), GetSysColor(COLOR_WINDOWTEXT));
+    probe::SetEdit(dialog, IDC_CLIENT_SEARCH, "C00");
+    EXPECT_TRUE(Text(dialog, IDC_PLAN_SUMMARY).starts_with("Byte Finance for C00 (unknown client)\n"));
+    EXPECT_NE(ColourOf(dialog, IDC_PLAN_SUMMARY), GetSysColor(COLOR_WINDOWTEXT));
     boxes.toQuestions = IDNO;
     const auto sent = host.requests.size();
-    probe::Press(dialog, order::kSubmit);
+    probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(host.requests.size(), sent);
-    EXPECT_EQ(SelectedAt(dialog, order::kClientSearch), "0-3 focus");
+    EXPECT_EQ(SelectedAt(dialog, IDC_CLIENT_SEARCH), "0-3 focus");
 }
 
 } // namespace

@@ -29,12 +29,12 @@ HWND PluginTest::OpenWithDefaults() {
 }
 
 void PluginTest::FillGoodOrder(HWND dialog, std::string_view client) {
-    const bool search = probe::IsShown(dialog, order::kClientSearch);
-    probe::Select(dialog, order::kSymbol, "BYTEFIN");
-    probe::SetEdit(dialog, search ? order::kClientSearch : order::kClient, client);
-    probe::Select(dialog, order::kFrequency, "monthly");
-    probe::SetEdit(dialog, order::kValue, "1234.5");
-    probe::SetEdit(dialog, order::kPeriod, "12");
+    const bool search = probe::IsShown(dialog, IDC_CLIENT_SEARCH);
+    probe::Select(dialog, IDC_SYMBOL, "BYTEFIN");
+    probe::SetEdit(dialog, search ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO, client);
+    probe::Select(dialog, IDC_FREQUENCY, "monthly");
+    probe::SetEdit(dialog, IDC_VALUE, "1234.5");
+    probe::SetEdit(dialog, IDC_PERIOD, "12");
 }
 
 std::vector<HWND> PluginTest::PluginWindows() const {

@@ -2,6 +2,7 @@
 // leave behind, nothing, is checked at its end.
 #pragma once
 
+#include "plugin/resources/resource.h"
 #include "tests/support/BoxRecorder.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/ImageEdit.h"
@@ -15,16 +16,6 @@
 
 using namespace planfold::test;
 using probe::WhenShown;
-
-// Controls of the order entry window.
-namespace order {
-inline constexpr int kExchange = 1003, kSeries = 1005, kSymbol = 1008, kAction = 1040, kOrderType = 1018;
-inline constexpr int kClient = 1053, kClientSearch = 1057, kProduct = 1019, kInvestBy = 1041, kValue = 1025,
-                     kFrequency = 1026;
-inline constexpr int kStartDate = 1030, kPeriod = 1037, kPeriodHint = 1047, kSubmit = 1034, kCancel = 2,
-                     kSummary = 1160;
-inline constexpr int kPeriodIcons[] = {1035, 1036};
-} // namespace order
 
 class PluginTest : public testing::Test {
 protected:

@@ -87,8 +87,7 @@ TEST_F(Splitter, MovesByMouseAndKeysAndStandsWhereItWasLeft) {
     for (const Step& step : steps) {
         SCOPED_TRACE(step.what);
         step.happens();
-        RECT place{};
-        GetWindowRect(bar, &place);
+        const RECT place = probe::PlaceOf(bar);
         EXPECT_EQ(splitter->First().bottom, step.height);
         EXPECT_EQ(splitter->Second().top, step.height + kBar);
         EXPECT_EQ(place.top, 100 + step.height);

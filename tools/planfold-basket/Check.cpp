@@ -2,7 +2,7 @@
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
 #include "tools/planfold-basket/Commands.h"
-#include "tools/planfold-basket/Files.h"
+#include "tools/planfold-basket/Sources.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +15,7 @@ namespace {
 using namespace planfold;
 
 // The orders of one side.
-struct Totals {
+struct SideTotals {
     std::int64_t orders = 0;
     std::int64_t amountPaise = 0; // of orders by value
     std::int64_t quantity = 0;    // of orders by quantity
@@ -32,7 +32,7 @@ public:
     explicit Findings(bool keepRows) : m_keepRows(keepRows) {}
 
     void OnRow(const BasketTexts& texts) override {
-        Totals& side = texts[BasketField::side] == "B" ? buy : sell;
+        SideTotals& side = texts[BasketField::side] == "B" ? buy : sell;
         ++side.orders;
         if (texts[BasketField::investType] == "value")
             side.amountPaise += LeadingInteger(texts[BasketField::amount]);
@@ -48,7 +48,7 @@ public:
     void OnLog(std::string_view) override {}
 
     std::vector<Rejection> rejected;
-    Totals buy, sell;
+    SideTotals buy, sell;
     std::string rows;
 
 private:
@@ -58,18 +58,18 @@ private:
 
 struct Side {
     const char* name;
-    Totals Findings::*totals;
+    SideTotals Findings::*totals;
 };
 constexpr Side kSides[] = {{"buy", &Findings::buy}, {"sell", &Findings::sell}};
 
-std::string PlainReport(const std::string& file, const BasketLoad& load, const Findings& findings) {
+std::string PlainReport(const std::string& file, const BasketReader& load, const Findings& findings) {
     std::string text;
     for (const Rejection& each : findings.rejected)
         text += file + Format(":%d: ", each.line) + each.reason + '\n';
     text += Format("%d lines read, %zu rows, %zu rejected\n", load.LinesRead(), load.RowsLoaded(),
                    findings.rejected.size());
     for (const Side& side : kSides) {
-        const Totals& of = findings.*side.totals;
+        const SideTotals& of = findings.*side.totals;
         text += Format("%-4s %lld orders, amount %lld.%02lld, quantity %lld\n", side.name,
                        static_cast<long long>(of.orders), static_cast<long long>(of.amountPaise / 100),
                        static_cast<long long>(of.amountPaise % 100), static_cast<long long>(of.quantity));
@@ -77,7 +77,7 @@ std::string PlainReport(const std::string& file, const BasketLoad& load, const F
     return text;
 }
 
-std::string JsonReport(const std::string& file, const BasketLoad& load, const Findings& findings) {
+std::string JsonReport(const std::string& file, const BasketReader& load, const Findings& findings) {
     nlohmann::ordered_json report = {
         {"file", file},
         {"lines", load.LinesRead()},
@@ -87,7 +87,7 @@ std::string JsonReport(const std::string& file, const BasketLoad& load, const Fi
     for (const Rejection& each : findings.rejected)
         report["rejected"].push_back({{"line", each.line}, {"reason", each.reason}, {"text", each.text}});
     for (const Side& side : kSides) {
-        const Totals& of = findings.*side.totals;
+        const SideTotals& of = findings.*side.totals;
         report[side.name] = {{"orders", of.orders}, {"amountPaise", of.amountPaise}, {"quantity", of.quantity}};
     }
     // A line may hold what is no UTF-8.
@@ -101,7 +101,7 @@ int Check(const Options& options, ScripSource& scrips) {
     if (!text) return Fail(text.Fault().Text());
     if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
     Findings findings(!options.normalised.empty());
-    BasketLoad load(text.Value(), options.rules, scrips, findings);
+    BasketReader load(text.Value(), options.rules, scrips, findings);
     while (load.Read(1'000'000)) {
     }
     std::string rejects;

@@ -1,11 +1,34 @@
-// What planfold-basket does. Each command answers with the program's exit status.
+// What planfold-basket is asked to do.
 #pragma once
 
 #include "host/market/ScripMaster.h"
-#include "tools/planfold-basket/Options.h"
+#include "plugin/basket/BasketLine.h"
+
+#include <optional>
+#include <span>
+#include <string>
 
 namespace basket {
 
+enum class Task { help, check, writeTemplate };
+
+inline constexpr std::string_view kStandardStream = "-";
+
+struct Options {
+    Task task = Task::help;
+    std::string file; // the basket
+    std::string scrips;
+    std::string rejects, normalised; // empty: not asked for
+    bool json = false;
+    std::string out{kStandardStream}; // of the template
+    long long lines = 10;
+    planfold::BasketRules rules;
+};
+
+// The words behind the program's name. The answer says what is wrong with them, if anything.
+std::optional<std::string> ReadOptions(std::span<const std::string> words, Options& options);
+
+// What planfold-basket does. Each command answers with the program's exit status.
 inline constexpr int kAllGood = 0;
 inline constexpr int kSomeRejected = 1;
 inline constexpr int kFailed = 2;

@@ -1,7 +1,7 @@
-#include "tools/planfold-basket/Options.h"
+#include "tools/planfold-basket/Commands.h"
 
+#include "base/Text.h"
 #include "host/files/OptionRows.h"
-#include "host/market/CsvLines.h"
 #include "plugin/base/Dates.h"
 #include "plugin/messaging/Session.h"
 
@@ -14,7 +14,6 @@ namespace basket {
 namespace {
 
 using vesk::OptionRow;
-using vesk::ParseWholeNumber;
 using vesk::Quoted;
 using vesk::ReadText;
 
@@ -49,7 +48,7 @@ bool ReadMode(Options& options, std::string_view text) {
         const std::vector<std::string_view> parts = Parts(entry, ':');
         if (parts.size() != 2) return false;
         const planfold::Frequency* row = planfold::FindFrequency(parts[0]);
-        const auto minimum = ParseWholeNumber(parts[1]);
+        const auto minimum = base::ReadNumber<long long>(parts[1]);
         if (!row || !minimum || *minimum < 0 || *minimum > kHighestMinimum) return false;
         rules.frequencies.emplace_back(row->word);
         rules.minimums[IndexOf(*row)] = static_cast<double>(*minimum);
@@ -63,7 +62,7 @@ bool ReadToday(Options& options, std::string_view text) {
     if (parts.size() != 3) return false;
     int numbers[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
-        const auto number = ParseWholeNumber(parts[i]);
+        const auto number = base::ReadNumber<long long>(parts[i]);
         if (!number || *number < 1 || *number > 9998) return false;
         numbers[i] = static_cast<int>(*number);
     }
@@ -71,13 +70,14 @@ bool ReadToday(Options& options, std::string_view text) {
                                            std::chrono::month(static_cast<unsigned>(numbers[1])),
                                            std::chrono::day(static_cast<unsigned>(numbers[2]))};
     if (!date.ok() || numbers[0] < 1971) return false;
-    // In the middle of the day: an order that starts on it is too late, whichever clock is in force.
+    // The clock stands in the middle of the day: an order that starts on it is too late, whichever clock is in
+    // force.
     options.rules.now = planfold::ToSeconds({numbers[0], numbers[1], numbers[2], 12, 0, 0});
     return options.rules.now >= 0;
 }
 
 bool ReadLineCount(Options& options, std::string_view text) {
-    const auto lines = ParseWholeNumber(text);
+    const auto lines = base::ReadNumber<long long>(text);
     if (!lines || *lines < 1 || *lines > kMostLines) return false;
     options.lines = *lines;
     return true;
@@ -106,7 +106,7 @@ constexpr OptionRow<Options> kOfTemplate[] = {
 using vesk::Complaint;
 
 Complaint ReadRows(std::span<const std::string> words, Options& options) {
-    const bool checks = options.command == Command::check;
+    const bool checks = options.task == Task::check;
     std::vector<OptionRow<Options>> rows(std::begin(kOfBoth), std::end(kOfBoth));
     const std::span<const OptionRow<Options>> own =
         checks ? std::span<const OptionRow<Options>>(kOfCheck) : kOfTemplate;
@@ -120,7 +120,7 @@ Complaint ReadRows(std::span<const std::string> words, Options& options) {
 
 Complaint Incomplete(const Options& options) {
     if (options.scrips.empty()) return "--scrips is missing";
-    if (options.command != Command::check) return std::nullopt;
+    if (options.task != Task::check) return std::nullopt;
     if (options.file.empty()) return "the basket's file is missing";
     if (!options.rejects.empty() && options.rejects == options.normalised)
         return "--rejects and --normalised name the same file";
@@ -136,7 +136,7 @@ Complaint ReadOptions(std::span<const std::string> words, Options& options) {
     if (std::ranges::find(words, std::string_view("--help")) != words.end()) return std::nullopt;
     const std::string_view command = words.front();
     if (command != "check" && command != "template") return "unknown command " + Quoted(command);
-    options.command = command == "check" ? Command::check : Command::writeTemplate;
+    options.task = command == "check" ? Task::check : Task::writeTemplate;
     if (Complaint complaint = ReadRows(words.subspan(1), options)) return complaint;
     return Incomplete(options);
 }

@@ -3,7 +3,7 @@
 #include "plugin/basket/BasketFile.h"
 #include "plugin/messaging/Session.h"
 #include "tools/planfold-basket/Commands.h"
-#include "tools/planfold-basket/Files.h"
+#include "tools/planfold-basket/Sources.h"
 
 #include <algorithm>
 

@@ -1,8 +1,7 @@
 // planfold-basket: checks basket files without the terminal.
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "tools/planfold-basket/Commands.h"
-#include "tools/planfold-basket/Files.h"
-#include "tools/planfold-basket/MasterScrips.h"
+#include "tools/planfold-basket/Sources.h"
 
 #include <cstdio>
 #include <exception>
@@ -19,13 +18,12 @@ int Run(std::span<const std::string> words) {
     Options options;
     if (const auto complaint = ReadOptions(words, options))
         return Fail(*complaint + "; see planfold-basket --help");
-    if (options.command == Command::help)
-        return WriteText(std::string(kStandardStream), kHelp) ? kAllGood : kFailed;
+    if (options.task == Task::help) return WriteText(std::string(kStandardStream), kHelp) ? kAllGood : kFailed;
     const auto master = vesk::ScripMaster::Load(options.scrips);
     if (!master) return Fail(master.Fault().Text());
     MasterScrips scrips(master.Value());
-    return options.command == Command::check ? Check(options, scrips)
-                                             : WriteTemplate(options, master.Value().Scrips(), scrips);
+    return options.task == Task::check ? Check(options, scrips)
+                                       : WriteTemplate(options, master.Value().Scrips(), scrips);
 }
 
 } // namespace
@@ -39,7 +37,7 @@ int Fail(std::string_view why) {
 
 int main(int count, char** words) {
 #ifdef _WIN32
-    // As files are read: the byte 26 does not end the text.
+    // The input is read as files are: the byte 26 does not end the text.
     _setmode(_fileno(stdin), _O_BINARY);
 #endif
     try {

@@ -1,6 +1,6 @@
 #include "host/korvexcontrols/model/ColumnFilter.h"
 
-#include "host/korvexcontrols/model/Text.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
 #include <utility>

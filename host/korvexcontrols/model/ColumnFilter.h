@@ -1,7 +1,7 @@
 // A condition on the cells of one column.
 #pragma once
 
-#include "host/korvexcontrols/model/Decimal.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "sdk/korvex/ValueType.h"
 
 #include <span>
@@ -34,7 +34,7 @@ struct OperatorName {
     FilterOperator id;
     std::string_view name;
 };
-// Those that a user can choose for the type, in the order to show them.
+// The operators that a user can choose for the type, in the order to show them.
 std::span<const OperatorName> OperatorsFor(ValueType type);
 
 struct FilterInput {
@@ -48,7 +48,7 @@ public:
     // What is wrong with the input; empty when it is good.
     static std::string FaultOf(const FilterInput& input);
 
-    // Of a good input.
+    // The input must be good.
     ColumnFilter(std::int32_t column, FilterInput input);
     ColumnFilter(const ColumnFilter&) = delete;
     ColumnFilter& operator=(const ColumnFilter&) = delete;

@@ -2,7 +2,7 @@
 // cell gets an apostrophe in front, unless it is a plain number in a column of numbers.
 #pragma once
 
-#include "host/korvexcontrols/model/CellSource.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
 
 #include <string>

@@ -49,7 +49,7 @@ std::uint32_t ListModel::Hide(std::uint32_t record) {
     return row;
 }
 
-Change ListModel::InsertFront(std::uint32_t record) {
+ListChange ListModel::InsertFront(std::uint32_t record) {
     if (record == kNone) return {};
     if (Contains(record)) return Repaint(record);
     if (m_order.IsSparse()) m_order.Compact(m_passing);
@@ -59,10 +59,10 @@ Change ListModel::InsertFront(std::uint32_t record) {
     const std::uint32_t row = Show(record);
     RowCame(record, row);
     m_focused = record;
-    return {Change::inserted, row, row};
+    return {ListChange::inserted, row, row};
 }
 
-Change ListModel::Remove(std::uint32_t record) {
+ListChange ListModel::Remove(std::uint32_t record) {
     if (!Contains(record)) return {};
     const std::uint32_t row = Hide(record);
     m_order.Remove(record);
@@ -70,10 +70,10 @@ Change ListModel::Remove(std::uint32_t record) {
     if (row == kNone && m_focused == record) m_focused = kNone;
     if (row == kNone) return {};
     RowWent(record, row);
-    return {Change::removed, row, row};
+    return {ListChange::removed, row, row};
 }
 
-Change ListModel::RemoveAll() {
+ListChange ListModel::RemoveAll() {
     if (!RowCount()) return {};
     m_order.Clear();
     m_sorted = SortedRows();
@@ -81,43 +81,44 @@ Change ListModel::RemoveAll() {
     m_selected.Clear();
     m_hiddenSelected.clear();
     m_focused = kNone;
-    return {Change::everything, 0, 0};
+    return {ListChange::everything, 0, 0};
 }
 
 // A changed record is taken out by its place, as its cells no longer tell it, and put in again.
-Change ListModel::Repaint(std::uint32_t record) {
+ListChange ListModel::Repaint(std::uint32_t record) {
     if (!Contains(record)) return {};
     const bool passes = Passes(record);
     if (passes && !IsSorted())
-        if (const std::uint32_t row = ShownRowOf(record); row != kNone) return {Change::repainted, row, row};
+        if (const std::uint32_t row = ShownRowOf(record); row != kNone)
+            return {ListChange::repainted, row, row};
     const std::uint32_t from = Hide(record);
     if (!passes && from == kNone) return {};
     if (!passes) {
         SetHiddenSelected(record, m_selected.Contains(from));
         m_selected.RemoveRow(from);
-        return {Change::removed, from, from};
+        return {ListChange::removed, from, from};
     }
     const std::uint32_t to = Show(record);
     if (from == kNone) {
         RowCame(record, to);
-        return {Change::inserted, to, to};
+        return {ListChange::inserted, to, to};
     }
-    if (from == to) return {Change::repainted, from, from};
+    if (from == to) return {ListChange::repainted, from, from};
     const bool selected = m_selected.Contains(from);
     m_selected.RemoveRow(from);
     m_selected.InsertRow(to);
     m_selected.Set(to, to + 1, selected);
-    return {Change::moved, from, to};
+    return {ListChange::moved, from, to};
 }
 
 template <class Operation>
-Change ListModel::Rearrange(Operation&& operation) {
+ListChange ListModel::Rearrange(Operation&& operation) {
     for (const std::uint32_t record : SelectedRecords())
         SetHiddenSelected(record, true);
     operation();
     const auto shown = ShowAnew();
     SelectAnew(shown);
-    return {Change::everything, 0, 0};
+    return {ListChange::everything, 0, 0};
 }
 
 // The shown records in their order.
@@ -155,7 +156,7 @@ void ListModel::SelectAnew(std::span<const std::uint32_t> shown) {
     }
 }
 
-Change ListModel::SetFilter(std::int32_t column, const FilterInput* input) {
+ListChange ListModel::SetFilter(std::int32_t column, const FilterInput* input) {
     return Rearrange([&] {
         std::erase_if(m_filters, [&](const auto& filter) { return filter->Column() == column; });
         if (input) m_filters.push_back(std::make_unique<const ColumnFilter>(column, *input));
@@ -168,11 +169,11 @@ const ColumnFilter* ListModel::FilterOf(std::int32_t column) const {
     return nullptr;
 }
 
-Change ListModel::ClearFilters() {
+ListChange ListModel::ClearFilters() {
     return Rearrange([&] { m_filters.clear(); });
 }
 
-Change ListModel::SetOwnerFilter(std::int32_t column, const std::string_view* text) {
+ListChange ListModel::SetOwnerFilter(std::int32_t column, const std::string_view* text) {
     return Rearrange([&] {
         m_ownerFilter.reset();
         if (!text) return;
@@ -181,11 +182,11 @@ Change ListModel::SetOwnerFilter(std::int32_t column, const std::string_view* te
     });
 }
 
-Change ListModel::SetSort(std::vector<SortColumn> columns) {
+ListChange ListModel::SetSort(std::vector<SortColumn> columns) {
     return Rearrange([&] { m_sort.SetColumns(std::move(columns)); });
 }
 
-Change ListModel::ClickHeading(std::int32_t column, ValueType type, bool adding) {
+ListChange ListModel::ClickHeading(std::int32_t column, ValueType type, bool adding) {
     auto columns = m_sort.Columns();
     const auto sorted = std::ranges::find(columns, column, &SortColumn::column);
     const bool known = sorted != columns.end() && (adding || columns.size() == 1);

@@ -17,14 +17,14 @@
 namespace korvex {
 
 // What an operation did to the shown rows.
-struct Change {
+struct ListChange {
     enum Kind { nothing, inserted, removed, moved, repainted, everything };
 
     Kind kind = nothing;
     std::uint32_t row = 0; // before the change; of an insertion the new one
     std::uint32_t to = 0;  // where a moved row is now
 
-    bool operator==(const Change&) const = default;
+    bool operator==(const ListChange&) const = default;
 };
 
 class ListModel {
@@ -34,10 +34,10 @@ public:
     ListModel& operator=(const ListModel&) = delete;
 
     // A record that stands already is repainted; an unknown one changes nothing.
-    Change InsertFront(std::uint32_t record);
-    Change Remove(std::uint32_t record);
-    Change RemoveAll();
-    Change Repaint(std::uint32_t record);
+    ListChange InsertFront(std::uint32_t record);
+    ListChange Remove(std::uint32_t record);
+    ListChange RemoveAll();
+    ListChange Repaint(std::uint32_t record);
 
     bool Contains(std::uint32_t record) const { return m_order.Contains(record); }
     std::uint32_t RowCount() const { return m_order.Count(); }
@@ -51,19 +51,19 @@ public:
     std::uint32_t ShownRowOf(std::uint32_t record) const; // kNone when it is not shown
 
     // One filter a column; null takes it away.
-    Change SetFilter(std::int32_t column, const FilterInput* input);
+    ListChange SetFilter(std::int32_t column, const FilterInput* input);
     const ColumnFilter* FilterOf(std::int32_t column) const;
     bool HasFilters() const { return !m_filters.empty(); }
-    Change ClearFilters(); // but the owner's
+    ListChange ClearFilters(); // but the owner's
     // Exact equality, beside the filters of the columns; null takes it away.
-    Change SetOwnerFilter(std::int32_t column, const std::string_view* text);
+    ListChange SetOwnerFilter(std::int32_t column, const std::string_view* text);
     // No column is the natural order.
-    Change SetSort(std::vector<SortColumn> columns);
+    ListChange SetSort(std::vector<SortColumn> columns);
     const std::vector<SortColumn>& Sort() const { return m_sort.Columns(); }
 
     // What a click on a heading makes of the sort: ascending, descending, natural. `adding` keeps the other
     // columns.
-    Change ClickHeading(std::int32_t column, ValueType type, bool adding);
+    ListChange ClickHeading(std::int32_t column, ValueType type, bool adding);
 
     // The first shown row, `steps` rows from `start` on and around the end, with a cell that is wanted; kNone
     // when there is none.
@@ -78,7 +78,7 @@ public:
     const RowRanges& Selection() const { return m_selected; }
     // What the user does: what is hidden is no longer selected.
     void SelectRows(std::uint32_t begin, std::uint32_t end, bool on);
-    // With the focus.
+    // The record gets the focus, too.
     void SelectOnly(std::uint32_t record);
     void Deselect(std::uint32_t record);
     std::vector<std::uint32_t> SelectedRecords(std::uint32_t most = kNone) const; // from the top
@@ -95,7 +95,7 @@ private:
     std::uint32_t Hide(std::uint32_t record);
     // Changes filters or sort, and finds the shown rows, the selection and the focus anew.
     template <class Operation>
-    Change Rearrange(Operation&& operation);
+    ListChange Rearrange(Operation&& operation);
     std::vector<std::uint32_t> ShowAnew();
     void SelectAnew(std::span<const std::uint32_t> shown);
 

@@ -1,11 +1,43 @@
-// Records in the order of their arrival, row 0 the newest: a slot for each arrival and a bit for each slot that
-// still has its record. Every question is O(log n), membership O(1).
+// A growing row of bits that knows how many are set before each, and where the n-th set one is, in O(log n):
+// a binary indexed tree over the counts of blocks of words.
 #pragma once
 
-#include "host/korvexcontrols/model/RankedBits.h"
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace korvex {
 
+class RankedBits {
+public:
+    std::uint32_t Size() const { return m_size; }
+    std::uint32_t Count() const { return m_count; }
+    bool Test(std::uint32_t bit) const {
+        return bit < m_size && ((m_words[bit / kWordBits] >> (bit % kWordBits)) & 1) != 0;
+    }
+    // How many bits before this one are set.
+    std::uint32_t Rank(std::uint32_t bit) const;
+    // The set bit that has `rank` set ones before it; `rank` is less than Count().
+    std::uint32_t Select(std::uint32_t rank) const;
+
+    void Append(bool set);
+    void Set(std::uint32_t bit, bool set);
+    void Clear();
+
+private:
+    static constexpr std::uint32_t kWordBits = 64, kBlockWords = 8, kBlockBits = kWordBits * kBlockWords;
+
+    void OpenBlock();
+    void Add(std::uint32_t block, std::uint32_t difference);
+    std::uint32_t SumBefore(std::uint32_t block) const;
+
+    std::uint32_t m_size = 0, m_count = 0;
+    std::vector<std::uint64_t> m_words;
+    std::vector<std::uint32_t> m_tree{0}; // node i holds the sum of the blocks that its lowest bit spans
+};
+
+// Records in the order of their arrival, row 0 the newest: a slot for each arrival and a bit for each slot that
+// still has its record. Every question is O(log n), membership O(1).
 inline constexpr std::uint32_t kNone = UINT32_MAX;
 
 class RowOrder {
@@ -17,7 +49,7 @@ public:
     // `row` is less than Count().
     std::uint32_t RecordAt(std::uint32_t row) const { return m_recordAt[m_live.Select(Count() - 1 - row)]; }
 
-    // In front of all; not one that stands here already.
+    // Puts a record in front of all; not one that stands here already.
     void Append(std::uint32_t record);
     void Remove(std::uint32_t record);
     void Clear();

@@ -1,6 +1,6 @@
 #include "host/korvexcontrols/model/SortOrder.h"
 
-#include "host/korvexcontrols/model/Text.h"
+#include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
 #include <array>
@@ -28,7 +28,7 @@ bool IsWhole(std::uint64_t key) {
     return (key & 0xFF) < kLongerThanKey;
 }
 
-// False when another number may have the same key.
+// It is false when another number may have the same key.
 bool MakeNumberKey(std::string_view cell, bool descending, std::uint64_t& key) {
     const auto made = ReadKey(cell);
     key = kNoNumber;

@@ -6,7 +6,7 @@
 // Cells are compared only where keys are equal.
 #pragma once
 
-#include "host/korvexcontrols/model/CellSource.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
 #include "host/korvexcontrols/model/RowOrder.h"
 
@@ -32,7 +32,7 @@ public:
 
     // Sorts records that stand newest first; their keys, in the same order.
     std::vector<std::uint64_t> Sort(std::vector<std::uint32_t>& records);
-    // Of a record that is new, or whose cells have changed.
+    // The record is new, or its cells have changed.
     std::uint64_t MakeKey(std::uint32_t record);
 
     // One record beside others with the same key. Its cells are asked for once.

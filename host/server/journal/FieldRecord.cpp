@@ -1,8 +1,8 @@
 #include "host/server/journal/FieldRecord.h"
 
+#include "base/Text.h"
 #include "host/connectvesk/Wire.h"
 
-#include <charconv>
 #include <optional>
 
 namespace vesk {
@@ -75,13 +75,6 @@ void AppendQuoted(std::string& json, std::string_view bytes) {
     json += '"';
 }
 
-std::optional<std::uint32_t> TagNamed(std::string_view name) {
-    std::uint32_t tag = 0;
-    const char* end = name.data() + name.size();
-    const auto [stop, fault] = std::from_chars(name.data(), end, tag);
-    return fault == std::errc() && stop == end ? std::optional(tag) : std::nullopt;
-}
-
 } // namespace
 
 void FieldRecord::AppendJson(std::string& json) const {
@@ -120,7 +113,7 @@ bool RecordReader::TakeFields(FieldRecord& record) {
     std::string bytes;
     do {
         if (!TakeQuoted(name) || !Take(":") || !TakeQuoted(bytes)) return false;
-        const std::optional<std::uint32_t> tag = TagNamed(name);
+        const std::optional<std::uint32_t> tag = base::ReadNumber<std::uint32_t>(name);
         if (!tag) return false;
         record.Set(*tag, bytes);
     } while (Take(","));
@@ -170,12 +163,10 @@ bool RecordReader::TakeEscaped(std::string& bytes) {
     }
     constexpr std::size_t digits = 4;
     if (name != 'u' || m_rest.size() < digits) return false;
-    unsigned number = 0;
-    const char* end = m_rest.data() + digits;
-    const auto [stop, fault] = std::from_chars(m_rest.data(), end, number, 16);
-    if (fault != std::errc() || stop != end || number > 0xFF) return false;
+    const auto number = base::ReadNumber<unsigned>(m_rest.substr(0, digits), 16);
+    if (!number || *number > 0xFF) return false;
     m_rest.remove_prefix(digits);
-    bytes += static_cast<char>(number);
+    bytes += static_cast<char>(*number);
     return true;
 }
 

@@ -58,7 +58,7 @@ public:
 
     bool AtEnd() const { return m_rest.empty(); }
     bool Take(std::string_view expected);
-    // Not one without fields.
+    // It fails on a record without fields.
     bool TakeFields(FieldRecord& record);
     // A whole record, as JsonAs makes it.
     bool TakeAll(std::string_view kind, FieldRecord& record);
@@ -66,7 +66,7 @@ public:
 private:
     bool TakeQuoted(std::string& bytes);
     bool TakeCodePoint(unsigned char lead, std::string& bytes);
-    // What follows a backslash.
+    // Reads what follows a backslash.
     bool TakeEscaped(std::string& bytes);
 
     std::string_view m_rest;

@@ -1,7 +1,7 @@
 #include "host/server/journal/Journal.h"
 
 #include "host/connectvesk/Wire.h"
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/server/journal/DurableFile.h"
 
 #include <array>

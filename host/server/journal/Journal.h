@@ -82,7 +82,7 @@ struct JournalText {
     bool damaged = false;  // at `end`, record number `records.size() + 1`
 };
 JournalText ReadJournalText(std::string_view text);
-// One line with its line feed.
+// The content as one line of the file, with its line feed.
 std::string JournalLine(std::string_view content);
 
 std::uint32_t Crc32(std::string_view bytes);

@@ -24,22 +24,38 @@ bool IsKnown(FrameType type) {
     return type >= FrameType::hello && type < FrameType::end;
 }
 
+std::uint32_t SumOf(std::string_view rest, Checksum checksum) {
+    return checksum == Checksum::none ? 0 : Crc32(rest);
+}
+
 } // namespace
 
 const char* TextOf(FrameFault fault) {
     return kFaultTexts[static_cast<std::size_t>(fault)];
 }
 
-bool AppendFrame(std::string& out, FrameType type, std::string_view payload) {
-    if (payload.size() >= kMostFrameBytes) return false;
+std::size_t BeginFrame(std::string& out, FrameType type) {
     const std::size_t start = out.size();
     out.resize(start + kHeaderBytes);
     out.push_back(static_cast<char>(type));
-    out.append(payload);
+    return start;
+}
+
+bool EndFrame(std::string& out, std::size_t start, Checksum checksum) {
     const std::string_view rest = std::string_view(out).substr(start + kHeaderBytes);
+    if (rest.size() > kMostFrameBytes) {
+        out.resize(start);
+        return false;
+    }
     qmx::Store(out.data() + start, static_cast<std::uint32_t>(rest.size()));
-    qmx::Store(out.data() + start + kChecksumAt, Crc32(rest));
+    qmx::Store(out.data() + start + kChecksumAt, SumOf(rest, checksum));
     return true;
+}
+
+bool AppendFrame(std::string& out, FrameType type, std::string_view payload) {
+    const std::size_t start = BeginFrame(out, type);
+    out.append(payload);
+    return EndFrame(out, start, Checksum::crc32);
 }
 
 void FrameReader::Add(std::string_view bytes) {
@@ -58,7 +74,7 @@ std::optional<Frame> FrameReader::Next() {
     if (length == 0) return Fail(FrameFault::empty);
     if (left.size() - kHeaderBytes < length) return std::nullopt;
     const std::string_view rest = left.substr(kHeaderBytes, length);
-    if (qmx::Load(left.data() + kChecksumAt) != Crc32(rest)) return Fail(FrameFault::wrongChecksum);
+    if (qmx::Load(left.data() + kChecksumAt) != SumOf(rest, m_checksum)) return Fail(FrameFault::wrongChecksum);
     const auto type = static_cast<FrameType>(static_cast<unsigned char>(rest.front()));
     if (!IsKnown(type)) return Fail(FrameFault::unknownType);
     m_read += kHeaderBytes + length;

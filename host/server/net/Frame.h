@@ -20,23 +20,24 @@ inline constexpr std::size_t kMostFrameBytes = std::size_t{1} << 20; // of type 
 enum class FrameType : std::uint8_t {
     // from the terminal
     hello = 1,
-    open,
-    close,
+    openControl,
+    closeControl,
     request,
     subscribe,
     stop,
     // from the server
     welcome,
-    refusal,
-    answer,
-    done,
-    stream,
+    connectionRefused,
+    response,
+    requestDone,
+    update,
     unsubscribed,
-    // Behind those above, whose numbers stay: terminal and server of any two versions can refuse each other.
-    command, // from the terminal
-    told,    // from the server
-    state,   // from the server
-    end,     // no type: the first number without a meaning
+    // These came later. The numbers above stay, so that terminal and server of any two versions can refuse each
+    // other.
+    command,     // from the terminal
+    commandDone, // from the server
+    state,       // from the server
+    end,         // no type: the first number without a meaning
 };
 
 struct Frame {
@@ -44,7 +45,14 @@ struct Frame {
     std::string_view payload;
 };
 
-// False when the payload is too long for one.
+// What stays in one process cannot be damaged on its way, and has 0 for its checksum.
+enum class Checksum : bool { none, crc32 };
+
+// The payload is appended between the two; the first gives what the second needs. False when it is too long for
+// a frame, of which then nothing is left.
+std::size_t BeginFrame(std::string& out, FrameType type);
+[[nodiscard]] bool EndFrame(std::string& out, std::size_t start, Checksum checksum);
+// Appends a whole frame at once.
 [[nodiscard]] bool AppendFrame(std::string& out, FrameType type, std::string_view payload);
 
 enum class FrameFault { none, tooLong, empty, wrongChecksum, unknownType };
@@ -54,6 +62,8 @@ const char* TextOf(FrameFault fault);
 // longest.
 class FrameReader {
 public:
+    explicit FrameReader(Checksum checksum = Checksum::crc32) : m_checksum(checksum) {}
+
     void Add(std::string_view bytes);
     // Nothing when the bytes so far hold no further frame, or after a fault. The payload is valid until Add.
     std::optional<Frame> Next();
@@ -62,6 +72,7 @@ public:
 private:
     std::optional<Frame> Fail(FrameFault fault);
 
+    Checksum m_checksum;
     std::string m_bytes;
     std::size_t m_read = 0; // of the bytes
     FrameFault m_fault = FrameFault::none;

@@ -28,7 +28,7 @@ std::string NetServer::Listen(std::uint16_t port) {
 }
 
 void NetServer::Turn(int timeoutMs) {
-    std::vector<Waiting> waiting{{&m_listener, m_connections.size() < kMostConnections}};
+    std::vector<SocketEvents> waiting{{&m_listener, m_connections.size() < kMostConnections}};
     for (Connection& connection : m_connections)
         waiting.push_back(
             {&connection.socket, connection.session.TakesInput(), !connection.session.Output().empty()});
@@ -65,7 +65,7 @@ void NetServer::Accept() {
     }
 }
 
-void NetServer::Serve(Connection& connection, const Waiting& came) {
+void NetServer::Serve(Connection& connection, const SocketEvents& came) {
     try {
         if (came.canRead) Receive(connection);
         // Before it is judged by what it has not taken: the server itself may have been busy.

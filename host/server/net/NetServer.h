@@ -7,7 +7,7 @@
 // line in the log.
 #pragma once
 
-#include "host/server/net/Session.h"
+#include "host/server/net/ServerSession.h"
 #include "host/server/net/Socket.h"
 
 #include <functional>
@@ -16,7 +16,7 @@
 
 namespace vesk {
 
-// Of a clock that never goes back.
+// The milliseconds of a clock that never goes back.
 std::int64_t SteadyMs();
 
 class NetServer {
@@ -42,14 +42,14 @@ private:
             : socket(std::move(taken)), session(net.m_server, net.m_commands, net.m_limits) {}
 
         Socket socket;
-        Session session;
+        ServerSession session;
         bool isGone = false;
     };
 
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
     void Accept();
-    void Serve(Connection& connection, const Waiting& came);
+    void Serve(Connection& connection, const SocketEvents& came);
     void Receive(Connection& connection);
     void Send(Connection& connection);
     void DropEnded();

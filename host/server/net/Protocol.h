@@ -19,11 +19,16 @@
 #include <utility>
 #include <vector>
 
+namespace vesk {
+
+// The fields that a record must have; an empty value stands for any, and in an identity for who is logged in.
+using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
+
+} // namespace vesk
+
 namespace vesk::net {
 
 inline constexpr std::uint32_t kProtocolVersion = 2;
-
-using SubscriptionFields = std::vector<std::pair<std::uint32_t, std::string>>;
 
 struct Hello {
     static constexpr FrameType kType = FrameType::hello;
@@ -34,18 +39,18 @@ struct Hello {
     std::uint64_t terminal = 0;
     void Each(auto&& field) { field(version), field(loginId), field(peerIdA), field(peerIdB), field(terminal); }
 };
-struct Open {
-    static constexpr FrameType kType = FrameType::open;
+struct OpenControl {
+    static constexpr FrameType kType = FrameType::openControl;
     std::uint32_t control = 0;
     std::uint32_t kind = 0;
     void Each(auto&& field) { field(control), field(kind); }
 };
-struct Close {
-    static constexpr FrameType kType = FrameType::close;
+struct CloseControl {
+    static constexpr FrameType kType = FrameType::closeControl;
     std::uint32_t control = 0;
     void Each(auto&& field) { field(control); }
 };
-struct Request {
+struct ControlRequest {
     static constexpr FrameType kType = FrameType::request;
     std::uint32_t control = 0;
     std::uint64_t number = 0;
@@ -56,7 +61,7 @@ struct Subscribe {
     static constexpr FrameType kType = FrameType::subscribe;
     std::uint32_t control = 0;
     bool isRenewed = false; // what the terminal may have missed is streamed first
-    SubscriptionFields fields;
+    Subscription fields;
     void Each(auto&& field) { field(control), field(isRenewed), field(fields); }
 };
 struct Stop {
@@ -70,25 +75,25 @@ struct Welcome {
     std::uint64_t now = 0; // seconds since 1970, by the server's clock
     void Each(auto&& field) { field(version), field(now); }
 };
-struct Refusal {
-    static constexpr FrameType kType = FrameType::refusal;
+struct ConnectionRefused {
+    static constexpr FrameType kType = FrameType::connectionRefused;
     std::string text;
     void Each(auto&& field) { field(text); }
 };
-struct Answer {
-    static constexpr FrameType kType = FrameType::answer;
+struct Response {
+    static constexpr FrameType kType = FrameType::response;
     std::uint32_t control = 0;
     std::uint64_t number = 0;
     std::string bytes;
     void Each(auto&& field) { field(control), field(number), field(bytes); }
 };
-struct Done {
-    static constexpr FrameType kType = FrameType::done;
+struct RequestDone {
+    static constexpr FrameType kType = FrameType::requestDone;
     std::uint64_t number = 0;
     void Each(auto&& field) { field(number); }
 };
-struct Stream {
-    static constexpr FrameType kType = FrameType::stream;
+struct Update {
+    static constexpr FrameType kType = FrameType::update;
     std::uint32_t control = 0;
     std::string bytes;
     void Each(auto&& field) { field(control), field(bytes); }
@@ -101,14 +106,14 @@ struct Unsubscribed {
 };
 
 // A line of words, as ServerCommands has them.
-struct Command {
+struct ServerCommand {
     static constexpr FrameType kType = FrameType::command;
     std::uint64_t number = 0;
     std::string line;
     void Each(auto&& field) { field(number), field(line); }
 };
-struct Told {
-    static constexpr FrameType kType = FrameType::told;
+struct CommandDone {
+    static constexpr FrameType kType = FrameType::commandDone;
     std::uint64_t number = 0;
     bool isDone = false;
     std::string text;
@@ -124,6 +129,8 @@ struct ServerState {
 
 class PayloadWriter {
 public:
+    explicit PayloadWriter(std::string& out) : m_out(out) {}
+
     void operator()(std::uint32_t number) { Put(number); }
     void operator()(std::uint64_t number) {
         Put(static_cast<std::uint32_t>(number));
@@ -137,23 +144,22 @@ public:
     }
     void operator()(const std::string& text) {
         Put(static_cast<std::uint32_t>(text.size()));
-        m_payload.append(text);
+        m_out.append(text);
     }
-    void operator()(const SubscriptionFields& fields) {
+    void operator()(const Subscription& fields) {
         Put(static_cast<std::uint32_t>(fields.size()));
         for (const auto& [tag, text] : fields)
             (*this)(tag), (*this)(text);
     }
-    std::string_view Payload() const { return m_payload; }
 
 private:
     void Put(std::uint32_t number) {
         char bytes[sizeof number];
         qmx::Store(bytes, number);
-        m_payload.append(bytes, sizeof bytes);
+        m_out.append(bytes, sizeof bytes);
     }
 
-    std::string m_payload;
+    std::string& m_out;
 };
 
 // What is missing reads as nothing, and is remembered.
@@ -186,7 +192,7 @@ public:
         (*this)(size);
         text = Take(size);
     }
-    void operator()(SubscriptionFields& fields) {
+    void operator()(Subscription& fields) {
         std::uint32_t count = 0;
         // Nothing is reserved: the count is a stranger's.
         for ((*this)(count); count > 0 && m_good; --count) {
@@ -210,10 +216,11 @@ private:
 };
 
 template <class Said>
-[[nodiscard]] bool Append(std::string& out, Said said) {
-    PayloadWriter writer;
+[[nodiscard]] bool Append(std::string& out, Said said, Checksum checksum = Checksum::crc32) {
+    const std::size_t start = BeginFrame(out, Said::kType);
+    PayloadWriter writer(out);
     said.Each(writer);
-    return AppendFrame(out, Said::kType, writer.Payload());
+    return EndFrame(out, start, checksum);
 }
 
 // Nothing when the payload is not exactly what the type says.

@@ -197,7 +197,7 @@ Transfer Socket::Receive(std::span<char> into, std::size_t& got) {
     return got ? Transfer::some : Transfer::ended;
 }
 
-void Wait(std::span<Waiting> sockets, int timeoutMs) {
+void Wait(std::span<SocketEvents> sockets, int timeoutMs) {
     std::vector<PollEntry> entries(sockets.size());
     for (std::size_t i = 0; i < sockets.size(); ++i) {
         entries[i].fd = static_cast<Native>(sockets[i].socket->m_handle);

@@ -35,8 +35,8 @@ public:
     Transfer Receive(std::span<char> into, std::size_t& got);
 
 private:
-    friend struct Waiting;
-    friend void Wait(std::span<struct Waiting> sockets, int timeoutMs);
+    friend struct SocketEvents;
+    friend void Wait(std::span<struct SocketEvents> sockets, int timeoutMs);
     using Handle = std::intptr_t;
     static constexpr Handle kNone = -1;
 
@@ -47,14 +47,15 @@ private:
 };
 
 // What is waited for of one socket, and what came.
-struct Waiting {
+struct SocketEvents {
     const Socket* socket;
     bool toRead = false;
     bool toWrite = false;
     bool canRead = false;
     bool canWrite = false;
 };
-// Until one of them can, the time is over, or a signal comes. An end or an error can be read.
-void Wait(std::span<Waiting> sockets, int timeoutMs);
+// Waits until one of them can, the time is over, or a signal comes. An end or an error counts as something to
+// read.
+void Wait(std::span<SocketEvents> sockets, int timeoutMs);
 
 } // namespace vesk

@@ -1,8 +1,70 @@
 #include "host/server/sample/SampleOrders.h"
 
+#include "host/server/Server.h"
 #include "host/server/schedule/Schedule.h"
 
+#include <algorithm>
+
 namespace vesk {
+namespace {
+
+using Date = std::chrono::year_month_day;
+using std::chrono::sys_days;
+
+constexpr int kDaysBack = 730;
+
+const std::vector<std::string_view> kReasons{"Client's request", "Funds not available", "Wrong scrip", " "};
+
+struct Day {
+    Date today;
+    Date entered;
+};
+
+// Whatever fell due until today counts as executed.
+void SetProgress(Registration& registration, const InstalmentPlan& plan, Date today) {
+    const Date tomorrow = sys_days(today) + std::chrono::days(1);
+    const int due = std::min(InstalmentsBefore(plan.start, plan.frequency, tomorrow), plan.periods);
+    registration.progress = {due, due, today};
+    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
+    const Date next = InstalmentDate(plan.start, plan.frequency, std::min(due, plan.periods - 1));
+    registration.Set(tag::nextExecutionDate, RecordDate(next));
+}
+
+void SetStatus(Registration& registration, const Day& day, int periods, SampleOrders& orders) {
+    const std::size_t lot = orders.Below(10);
+    std::string_view status = registration.progress.executed == periods ? kStatusExpired : kStatusActive;
+    if (lot < 3) status = kStatusCancelled;
+    if (status == kStatusActive && lot == 3) status = kStatusPaused;
+    registration.Set(tag::sipStatus, status);
+    if (status == kStatusCancelled) {
+        const auto daysSince = static_cast<std::size_t>((sys_days(day.today) - sys_days(day.entered)).count());
+        const auto after = std::chrono::days(static_cast<int>(orders.Below(daysSince + 1)));
+        registration.Set(tag::userText, orders.AnyOf(kReasons));
+        registration.Set(tag::cancelledDate, RecordDate(sys_days(day.entered) + after));
+        registration.Set(tag::cancelledBy, registration.Text(tag::loginId));
+    }
+}
+
+Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t sequence, SampleOrders& orders) {
+    Registration registration = orders.Next();
+    const auto periods = static_cast<int>(WholeNumber(registration.Text(tag::totalPeriod)).value_or(1));
+    const Date start = sys_days(day.entered) + std::chrono::days(1 + static_cast<int>(orders.Below(30)));
+    registration.Set(tag::loginId, user.loginId);
+    registration.Set(tag::peerIdA, user.peerIdA);
+    registration.Set(tag::peerIdB, user.peerIdB);
+    registration.Set(tag::startDate, RecordDate(start));
+    registration.Set(tag::registrationDate, RecordDate(day.entered));
+    registration.Set(tag::registrationNumber, DatedNumber(kNumberPrefix, day.entered, sequence));
+    registration.Set(tag::orderId, "sample-" + std::to_string(sequence));
+    registration.Set(tag::streamName, kStreamName);
+    const std::string frequency(registration.Text(tag::frequency));
+    SetProgress(registration, {start, frequency, periods}, day.today);
+    SetStatus(registration, day, periods, orders);
+    registration.Shrink();
+    return registration;
+}
+
+} // namespace
 
 SampleOrders::SampleOrders(const SampleMarket& market, const ServerConfig& config, std::uint64_t seed)
     : m_market(market), m_frequencies(config.frequencies), m_random(seed) {
@@ -33,6 +95,50 @@ Registration SampleOrders::Next() {
     order.Set(tag::product, "CNC");
     order.Set(tag::orderSource, "TWS");
     return order;
+}
+
+std::string Fill(Server& server, const FillPlan& plan) {
+    if (!server.ReplayError().empty()) return server.ReplayError();
+    if (plan.users.empty() || plan.market.accounts.empty() || plan.market.scrips.empty())
+        return "nothing to make registrations of";
+    constexpr std::size_t batchSize = 16'384;
+    const Date today = server.Clock().Today();
+    SampleOrders orders(plan.market, server.Config(), plan.seed);
+    for (std::size_t done = 0; done < plan.count;) {
+        const std::size_t end = std::min(plan.count, done + batchSize);
+        const std::size_t held = server.Registrations().size();
+        std::vector<Registration> batch;
+        for (; done < end; ++done) {
+            // Oldest first, as if they had come one after the other.
+            const auto age = kDaysBack - static_cast<int>(done * kDaysBack / plan.count);
+            const Day day{today, sys_days(today) - std::chrono::days(age)};
+            batch.push_back(MakeSample(day, orders.AnyOf(plan.users), held + batch.size() + 1, orders));
+        }
+        if (std::string fault = server.EnterMadeUp(std::move(batch)); !fault.empty()) return fault;
+    }
+    return {};
+}
+
+std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const SampleMarket& market,
+                              std::uint64_t seed, std::size_t count) {
+    SampleOrders orders(market, server.Config(), seed);
+    qmx::MessageWriter writer;
+    std::size_t registered = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        Registration order = orders.Next();
+        order.Set(tag::requestName, "add_sip_orders");
+        order.Set(tag::loginId, user.loginId);
+        order.Set(tag::peerIdA, user.peerIdA);
+        order.Set(tag::peerIdB, user.peerIdB);
+        order.Set(tag::customerFirm, "C");
+        order.Set(tag::startDate, std::to_string(server.Clock().Now() + 86'400));
+        // Unlike a count of its own it is new after a restart too.
+        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.Registrations().size() + 1));
+        order.AddTo(writer.Start());
+        for (const std::string& answer : server.Handle(writer.Handle(), user).answers)
+            registered += !qmx::Has(qmx::MessageReader(answer).Handle(), tag::errorCode);
+    }
+    return registered;
 }
 
 } // namespace vesk

@@ -26,13 +26,24 @@ struct SampleMarket {
     std::vector<SampleScrip> scrips;
 };
 
-// What Server::Fill enters: registrations of these users, spread over the last two years.
+// What Fill enters: registrations of these users, spread over the last two years.
 struct FillPlan {
     std::size_t count;
     std::vector<UserIdentity> users;
     SampleMarket market;
     std::uint64_t seed = 1;
 };
+
+class Server;
+
+// Enters many made-up registrations at once, of every kind that years of trading leave behind, and tells no
+// listener. Why it stopped; empty when all is done.
+std::string Fill(Server& server, const FillPlan& plan);
+
+// Places orders of the user by ordinary requests, so that the others see them by the stream; the same ones for
+// the same seed. The number of those that were registered.
+std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const SampleMarket& market,
+                              std::uint64_t seed, std::size_t count);
 
 class SampleOrders {
 public:

@@ -27,7 +27,7 @@ std::optional<int> Number(const FieldRecord& fields, std::uint32_t tag) {
 
 } // namespace
 
-FieldRecord Progress::Fields() const {
+FieldRecord PlanProgress::Fields() const {
     FieldRecord fields;
     SetNumber(fields, kTagNumber, executed);
     SetNumber(fields, kTagPlace, place);
@@ -35,12 +35,12 @@ FieldRecord Progress::Fields() const {
     return fields;
 }
 
-std::optional<Progress> Progress::FromFields(const FieldRecord& fields) {
+std::optional<PlanProgress> PlanProgress::FromFields(const FieldRecord& fields) {
     const auto executed = Number(fields, kTagNumber);
     const auto place = Number(fields, kTagPlace);
     const auto after = Number(fields, kTagAfter);
     if (!executed || !place || !after) return std::nullopt;
-    return Progress{*executed, *place, sys_days(days(*after))};
+    return PlanProgress{*executed, *place, sys_days(days(*after))};
 }
 
 FieldRecord Instalment::Fields() const {
@@ -57,22 +57,22 @@ std::optional<Instalment> Instalment::FromFields(const FieldRecord& fields) {
     return Instalment{*number, *place};
 }
 
-Progress BeginPlan(const InstalmentPlan& plan, sys_days today) {
+PlanProgress BeginPlan(const InstalmentPlan& plan, sys_days today) {
     return {0, InstalmentsBefore(plan.start, plan.frequency, today), {}};
 }
 
-sys_days ExecutionDay(const InstalmentPlan& plan, const Progress& progress, const MarketDays& market) {
+sys_days ExecutionDay(const InstalmentPlan& plan, const PlanProgress& progress, const MarketDays& market) {
     const sys_days due = InstalmentDate(plan.start, plan.frequency, progress.place);
     // A day that was restricted until it was past does not come back.
     return market.FirstOpen(std::max({due, progress.after + days(1), market.restricted.Since()}));
 }
 
-void LapseBefore(sys_days day, const InstalmentPlan& plan, const MarketDays& market, Progress& progress) {
+void LapseBefore(sys_days day, const InstalmentPlan& plan, const MarketDays& market, PlanProgress& progress) {
     for (sys_days next; (next = ExecutionDay(plan, progress, market)) < day; ++progress.place)
         progress.after = next;
 }
 
-std::chrono::year_month_day LastDueDate(const InstalmentPlan& plan, const Progress& progress) {
+std::chrono::year_month_day LastDueDate(const InstalmentPlan& plan, const PlanProgress& progress) {
     return InstalmentDate(plan.start, plan.frequency, progress.place + plan.periods - progress.executed - 1);
 }
 

@@ -8,7 +8,7 @@
 // Thread: any; pure functions.
 #pragma once
 
-#include "host/server/schedule/MarketDays.h"
+#include "host/server/schedule/RestrictedDays.h"
 
 #include <chrono>
 #include <optional>
@@ -23,15 +23,15 @@ struct InstalmentPlan {
 };
 
 // How far a plan is.
-struct Progress {
+struct PlanProgress {
     int executed = 0;              // instalments
     int place = 0;                 // of the next one in the schedule, from 0
     std::chrono::sys_days after{}; // the next one is executed behind this day
 
     // The journal's form and back.
     FieldRecord Fields() const;
-    static std::optional<Progress> FromFields(const FieldRecord& fields);
-    bool operator==(const Progress&) const = default;
+    static std::optional<PlanProgress> FromFields(const FieldRecord& fields);
+    bool operator==(const PlanProgress&) const = default;
 };
 
 // One instalment among those of its plan.
@@ -43,14 +43,14 @@ struct Instalment {
     static std::optional<Instalment> FromFields(const FieldRecord& fields);
 };
 
-// At the beginning of a plan that is made today: what fell due before has lapsed.
-Progress BeginPlan(const InstalmentPlan& plan, std::chrono::sys_days today);
-std::chrono::sys_days ExecutionDay(const InstalmentPlan& plan, const Progress& progress,
+// How far a plan is that is made today: what fell due before has lapsed.
+PlanProgress BeginPlan(const InstalmentPlan& plan, std::chrono::sys_days today);
+std::chrono::sys_days ExecutionDay(const InstalmentPlan& plan, const PlanProgress& progress,
                                    const MarketDays& market);
-// What would have been executed before `day` lapses.
+// Lets lapse what would have been executed before `day`.
 void LapseBefore(std::chrono::sys_days day, const InstalmentPlan& plan, const MarketDays& market,
-                 Progress& progress);
+                 PlanProgress& progress);
 // The due date of the last instalment, when no more of them lapse.
-std::chrono::year_month_day LastDueDate(const InstalmentPlan& plan, const Progress& progress);
+std::chrono::year_month_day LastDueDate(const InstalmentPlan& plan, const PlanProgress& progress);
 
 } // namespace vesk

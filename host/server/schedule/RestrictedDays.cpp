@@ -13,8 +13,8 @@ constexpr std::string_view kRecordKind = "restricted";
 constexpr std::int64_t kLastDay = 31;
 constexpr int kYearsAhead = 20;
 
-std::optional<Refusal> ReadNumber(const FieldRecord& fields, std::uint32_t tag, const char* name,
-                                  std::int64_t least, std::int64_t most, std::int64_t& number) {
+std::optional<ServerRefusal> ReadNumber(const FieldRecord& fields, std::uint32_t tag, const char* name,
+                                        std::int64_t least, std::int64_t most, std::int64_t& number) {
     const std::string_view text = fields.Text(tag);
     if (text.empty()) return MissingField(name);
     number = WholeNumber(text).value_or(least - 1);
@@ -22,8 +22,8 @@ std::optional<Refusal> ReadNumber(const FieldRecord& fields, std::uint32_t tag, 
     return std::nullopt;
 }
 
-std::optional<Refusal> ReadRange(const FieldRecord& fields, std::chrono::year firstYear,
-                                 std::chrono::year lastYear, RestrictedRange& range) {
+std::optional<ServerRefusal> ReadRange(const FieldRecord& fields, std::chrono::year firstYear,
+                                       std::chrono::year lastYear, RestrictedRange& range) {
     std::int64_t from = 0;
     std::int64_t to = 0;
     std::int64_t year = 0;
@@ -31,7 +31,7 @@ std::optional<Refusal> ReadRange(const FieldRecord& fields, std::chrono::year fi
     if (auto refusal = ReadNumber(fields, tag::restrictedTo, "to-day", 1, kLastDay, to)) return refusal;
     if (auto refusal = ReadNumber(fields, tag::restrictedYear, "year", int{firstYear}, int{lastYear}, year))
         return refusal;
-    if (from > to) return Refusal{kCodeWrongValue, "The from-day is behind the to-day"};
+    if (from > to) return ServerRefusal{kCodeWrongValue, "The from-day is behind the to-day"};
     range = {
         static_cast<unsigned>(from), static_cast<unsigned>(to), std::chrono::year(static_cast<int>(year)), {}};
     return std::nullopt;
@@ -39,7 +39,7 @@ std::optional<Refusal> ReadRange(const FieldRecord& fields, std::chrono::year fi
 
 } // namespace
 
-std::optional<Refusal> RestrictedRange::Read(void* request, Date today, RestrictedRange& range) {
+std::optional<ServerRefusal> RestrictedRange::Read(void* request, Date today, RestrictedRange& range) {
     FieldRecord fields;
     for (const std::uint32_t tag : {tag::startDate, tag::restrictedTo, tag::restrictedYear})
         fields.Set(tag, qmx::Text(request, tag));
@@ -96,6 +96,19 @@ std::vector<Date> RestrictedDays::All() const {
                     days.push_back(date);
     std::sort(days.begin(), days.end());
     return days;
+}
+
+bool MarketDays::IsOpen(std::chrono::sys_days day) const {
+    const std::chrono::weekday weekday(day);
+    return weekday != std::chrono::Saturday && weekday != std::chrono::Sunday
+           && !std::binary_search(nonTrading.begin(), nonTrading.end(), std::chrono::year_month_day(day))
+           && !restricted.Has(day);
+}
+
+std::chrono::sys_days MarketDays::FirstOpen(std::chrono::sys_days from) const {
+    while (!IsOpen(from))
+        from += std::chrono::days(1);
+    return from;
 }
 
 } // namespace vesk

@@ -3,7 +3,7 @@
 // Thread: any; plain values.
 #pragma once
 
-#include "host/server/Refusal.h"
+#include "host/server/ServerRefusal.h"
 #include "host/server/journal/FieldRecord.h"
 
 #include <chrono>
@@ -15,17 +15,17 @@
 namespace vesk {
 
 struct RestrictedRange {
-    // Of a request, which is a message handle. `today` bounds the years that may be restricted.
-    static std::optional<Refusal> Read(void* request, std::chrono::year_month_day today,
-                                       RestrictedRange& range);
+    // Reads it from a request, a message handle. `today` bounds the years that may be restricted.
+    static std::optional<ServerRefusal> Read(void* request, std::chrono::year_month_day today,
+                                             RestrictedRange& range);
 
-    // As they stand in requests, answers and the journal.
+    // The fields as they stand in requests, answers and the journal.
     FieldRecord Fields() const;
     // The journal's form and back, with the day of setting.
     std::string Json() const;
     static std::optional<RestrictedRange> FromJson(std::string_view text);
 
-    // In every month of the year.
+    // Both days are of every month of the year.
     unsigned fromDay = 0;
     unsigned toDay = 0;
     std::chrono::year year{};
@@ -44,7 +44,7 @@ public:
     }
     // How often one was set.
     std::size_t Changes() const { return m_changes; }
-    // In the order of setting.
+    // The ranges in the order in which they were set.
     const std::vector<RestrictedRange>& Ranges() const { return m_ranges; }
     bool Has(std::chrono::year_month_day day) const;
     // Every day of every range, ascending.
@@ -53,6 +53,17 @@ public:
 private:
     std::vector<RestrictedRange> m_ranges;
     std::size_t m_changes = 0;
+};
+
+// On which days the market is open, as far as instalments go.
+struct MarketDays {
+    // Neither a weekend, nor a non-trading day, nor restricted.
+    bool IsOpen(std::chrono::sys_days day) const;
+    // The first open day from this one on.
+    std::chrono::sys_days FirstOpen(std::chrono::sys_days from) const;
+
+    std::vector<std::chrono::year_month_day> nonTrading{}; // ascending
+    RestrictedDays restricted{};
 };
 
 } // namespace vesk

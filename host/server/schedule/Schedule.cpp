@@ -1,8 +1,9 @@
 #include "host/server/schedule/Schedule.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 
 namespace vesk {
@@ -98,12 +99,7 @@ std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day dat
 }
 
 std::optional<std::int64_t> WholeNumber(std::string_view text) {
-    std::int64_t number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, number);
-    // A minus is read too.
-    if (text.empty() || text.front() == '-' || fault != std::errc() || stop != end) return std::nullopt;
-    return number;
+    return text.starts_with('-') ? std::nullopt : base::ReadNumber<std::int64_t>(text);
 }
 
 } // namespace vesk

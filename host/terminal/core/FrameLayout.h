@@ -1,12 +1,26 @@
-// How the main frame's height is shared by the bands that lie one under the other. Between two shown bands
-// that both can be resized lies a splitter.
+// The main frame's measures: how large its texts are, and how its height is shared by the bands that lie one
+// under the other. Between two shown bands that both can be resized lies a splitter.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace vesk {
+
+// How large the terminal's own texts are shown.
+struct FrameScale {
+    static constexpr int kUsualDpi = 96, kUsualPoints = 9;
+
+    unsigned dpi = kUsualDpi;
+    int points = kUsualPoints;
+
+    int Pixels(int atUsualSize) const {
+        constexpr std::int64_t usual = kUsualDpi * kUsualPoints;
+        return static_cast<int>((std::int64_t{atUsualSize} * dpi * points + usual / 2) / usual);
+    }
+};
 
 struct Band {
     int wanted = 0;       // height asked for; ignored when it stretches

@@ -6,9 +6,9 @@
 #include "host/market/TerminalConfig.h"
 #include "host/market/TradingCalendar.h"
 #include "host/terminal/core/CautionRule.h"
-#include "host/terminal/core/HotKeys.h"
-#include "host/terminal/core/TabbedLog.h"
-#include "host/terminal/core/UserSettings.h"
+#include "host/terminal/core/Keys.h"
+#include "host/terminal/core/Logs.h"
+#include "host/terminal/core/Settings.h"
 #include "sdk/HostRecords.h"
 
 #include <optional>

@@ -7,7 +7,7 @@
 namespace vesk {
 namespace {
 
-// At 96 DPI.
+// These are pixels at 96 DPI.
 constexpr int kSplitter = 5;
 constexpr int kLeastExtent = 90;
 constexpr int kLeastCentre = 90;

@@ -33,7 +33,7 @@ struct DockGroup {
     std::vector<PaneId> panes;
     PaneId selected = 0; // a shown one, if there is any
 
-    // Set by Arrange; empty while no pane of the group is shown.
+    // Arrange sets it; it is empty while no pane of the group is shown.
     DockRect bounds{}, caption{}, floatButton{}, closeButton{}, content{}, splitter{};
     std::vector<DockTab> tabs{};
 };
@@ -65,13 +65,13 @@ struct DockTarget {
 
 class DockLayout {
 public:
-    // At its remembered place; a partner that is not there, or floats itself, is done without.
+    // The pane comes to its remembered place; a partner that is not there, or floats itself, is done without.
     void Add(PaneId id, std::string caption, DockPlace place, bool shown);
     void Remove(PaneId id);
     // A pane that is shown comes to the front of its tabs.
     void SetShown(PaneId id, bool shown);
     void Move(PaneId id, const DockTarget& target);
-    // Between the side where it was last docked and a window of its own.
+    // Moves the pane between the side where it was last docked and a window of its own.
     void ToggleFloating(PaneId id);
     void SetFloatRect(PaneId id, const DockRect& rect);
 
@@ -79,7 +79,7 @@ public:
     const std::vector<DockGroup>& Groups() const { return m_groups; }
     const DockPane* Find(PaneId id) const;
     const DockPane* FindCaption(const std::string& caption) const;
-    // Null while it floats.
+    // The group is null while the pane floats.
     const DockGroup* GroupOf(PaneId id) const;
     // What to remember of it now.
     DockPlace PlaceOf(PaneId id) const;

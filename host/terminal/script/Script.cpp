@@ -1,7 +1,7 @@
 #include "host/terminal/script/Script.h"
 
-#include "host/market/CsvLines.h"
-#include "host/terminal/script/KeyText.h"
+#include "base/Text.h"
+#include "host/terminal/core/Keys.h"
 
 #include <algorithm>
 #include <array>
@@ -11,82 +11,12 @@ namespace vesk {
 namespace {
 
 constexpr VerbRule kRules[] = {
-    {Verb::menu, "menu", "ttt*", "pick the entry at this path of the menu bar"},
-    {Verb::window, "window", "t", "wait for the window with this caption and use its controls"},
-    {Verb::mainWindow, "main", "", "use the controls of the main frame"},
-    {Verb::select, "select", "nt", "select this text in the combo"},
-    {Verb::edit, "edit", "nt", "put this text into the edit"},
-    {Verb::date, "date", "nn", "set the date picker to so many days from today"},
-    {Verb::type, "type", "t", "type this text on the keyboard"},
-    {Verb::key, "key", "k", "press this key on the keyboard"},
-    {Verb::focus, "focus", "n", "give the control the focus"},
-    {Verb::press, "press", "n", "press the button"},
-    {Verb::command, "command", "n", "send the current window this command"},
-    {Verb::row, "row", "nn", "select only this row of the list"},
-    {Verb::selectRows, "select-rows", "nnn",
-     "select the list's rows from the first to the last, and only these"},
-    {Verb::header, "header", "nn", "click the heading of this column of the list"},
-    {Verb::tab, "tab", "nt", "go to the page with this text"},
-    {Verb::context, "context", "nt", "pick this entry of the list's context menu"},
-    {Verb::file, "file", "t", "give this path to the open file dialog; a relative one is beside the program"},
-    {Verb::box, "box", "ta", "wait for the message box with exactly this text and answer it"},
-    {Verb::boxStarting, "box starting", "ta", "the same for a text that only begins so"},
-    {Verb::answer, "answer", "a", "answer the message box that \"expect box\" found"},
-    {Verb::expectText, "expect text", "nt", "the control shows this text"},
-    {Verb::expectWindow, "expect window", "t", "a window with this caption is shown"},
-    {Verb::expectNoWindow, "expect no-window", "t", "no window with this caption is shown"},
-    {Verb::expectMenu, "expect menu", "tt*", "the menu holds exactly these entries"},
-    {Verb::expectLog, "expect log", "t", "a log line contains this"},
-    {Verb::expectNoLog, "expect no-log", "t", "no log line contains this"},
-    {Verb::expectCombo, "expect combo", "nt*", "the combo holds exactly these entries"},
-    {Verb::expectEnabled, "expect enabled", "nb", "the control is enabled"},
-    {Verb::expectVisible, "expect visible", "nb", "the control is shown"},
-    {Verb::expectFocus, "expect focus", "n", "the control has the focus"},
-    {Verb::expectRows, "expect rows", "nn", "the list has this many rows"},
-    {Verb::expectCell, "expect cell", "nnnt",
-     "list, row, column: the cell shows this text, or with * at its end one that begins so"},
-    {Verb::expectHeadings, "expect headings", "nt*", "the list has exactly these columns"},
-    {Verb::expectFocusRow, "expect focus-row", "nn", "this row of the list has the focus"},
-    {Verb::expectSelectedRows, "expect selected-rows", "nn", "so many rows of the list are selected"},
-    {Verb::expectContext, "expect context", "nt*",
-     "the list's context menu holds exactly these entries: - a separator, ~ before a greyed one"},
-    {Verb::expectTabs, "expect tabs", "nt*", "the tabs are exactly these"},
-    {Verb::expectSelected, "expect selected", "nt", "the tab with this text is selected"},
-    {Verb::expectStatus, "expect status", "nnt", "status bar, part: it shows this text"},
-    {Verb::expectJournal, "expect journal", "t", "the server's journal file contains this"},
-    {Verb::expectExecuted, "expect executed", "",
-     "every instalment that is due is executed and all is delivered"},
-    {Verb::expectBox, "expect box", "t", "a message box with exactly this text is open; it stays open"},
-    {Verb::expectBoxStarting, "expect box-starting", "t", "the same for a text that only begins so"},
-    {Verb::screenshot, "screenshot", "t", "save the screen to this PNG file"},
-    {Verb::client, "client", "t", "activate this client"},
-    {Verb::font, "font", "nn", "points added, size in points (0: the windows' own)"},
-    {Verb::right, "right", "tb", "grant or revoke this right"},
-    {Verb::mode, "mode", "n", "log in with this mode"},
-    {Verb::clock, "clock", "t",
-     "move the server's clock forward by so many days, to a date such as 2027-03-05, or with next to the next "
-     "instalment"},
-    {Verb::fill, "fill", "n", "enter so many made-up registrations on the server"},
-    {Verb::other, "other", "n", "place so many orders from another session"},
-    {Verb::execute, "execute", "nt?",
-     "place exchange orders for so many past instalments of the registration with this number, or the latest"},
-    {Verb::fault, "fault", "ttt?",
-     "play this on the request, * for any: delay (milliseconds), error (code), silent, garbage, disconnect "
-     "(times), none"},
-    {Verb::dpi, "dpi", "n", "tell all windows what a move to a screen of this resolution tells them"},
-    {Verb::locale, "locale", "t",
-     "set the process's locale, as another module of it may: German writes 1234,50"},
-    {Verb::measure, "measure", "t?", "write what the program holds of the system into the session's log"},
-    {Verb::dock, "dock", "td",
-     "move the pane: left, right, top, bottom, float, tab (with another docked pane)"},
-    {Verb::hidePane, "hide-pane", "t", "close the pane with this caption"},
-    {Verb::showPane, "show-pane", "t", "show the pane with this caption"},
-    {Verb::expectDocked, "expect docked", "td", "the pane stands so; it may be hidden"},
-    {Verb::timeout, "timeout", "n", "seconds that each following command may take"},
-    {Verb::close, "close", "", "close the current window"},
-    {Verb::exit, "exit", "", "end the session here"},
+#define VESK_STAGE(result, function, spelling, words) {spelling, words, RunnerVerb::none},
+#define VESK_RUNNER(name, spelling, words) {spelling, words, RunnerVerb::name},
+    VESK_SCRIPT_VERBS(VESK_STAGE, VESK_RUNNER)
+#undef VESK_STAGE
+#undef VESK_RUNNER
 };
-static_assert(std::size(kRules) == static_cast<std::size_t>(Verb::count));
 
 constexpr BoxAnswer kAnswers[] = {
     {"OK", 1},
@@ -145,8 +75,9 @@ const VerbRule* FindRule(std::span<const Word> words, std::size_t& nameWords) {
 }
 
 std::optional<std::string> CheckWord(char kind, const std::string& word) {
-    const auto number = ParseWholeNumber(word);
+    const auto number = base::ReadNumber<long long>(word);
     switch (kind) {
+    case 'c':
     case 'n':
         if (!number || *number < INT_MIN || *number > INT_MAX) return '"' + word + "\" is not a whole number";
         break;
@@ -188,7 +119,7 @@ std::optional<std::string> ParseLine(std::string_view line, std::size_t number, 
     std::size_t nameWords = 0;
     const VerbRule* rule = FindRule(words, nameWords);
     if (!rule) return "unknown command \"" + words[0].text + '"';
-    ScriptCommand command{rule->verb, {}, number};
+    ScriptCommand command{static_cast<std::size_t>(rule - kRules), {}, number};
     for (std::size_t i = nameWords; i < words.size(); ++i)
         command.words.push_back(std::move(words[i].text));
     if (auto what = CheckWords(*rule, command.words)) return what;
@@ -222,11 +153,11 @@ std::optional<int> BoxButton(std::string_view answer) {
 }
 
 int ScriptCommand::Number(std::size_t word) const {
-    return static_cast<int>(ParseWholeNumber(words[word]).value_or(0));
+    return static_cast<int>(base::ReadNumber<long long>(words[word]).value_or(0));
 }
 
 std::string ScriptCommand::Text() const {
-    const VerbRule& rule = kRules[static_cast<std::size_t>(verb)];
+    const VerbRule& rule = Rule();
     std::string text(rule.name);
     for (std::size_t i = 0; i < words.size(); ++i) {
         const char kind = rule.words[std::min(i, rule.words.size() - 1)];

@@ -8,7 +8,8 @@
 //     box "Enter Amount" OK
 #pragma once
 
-#include "host/files/FileFault.h"
+#include "host/files/Files.h"
+#include "host/terminal/script/Verbs.h"
 
 #include <cstddef>
 #include <optional>
@@ -19,91 +20,32 @@
 
 namespace vesk {
 
-enum class Verb : std::size_t {
-    menu,
-    window,
-    mainWindow,
-    select,
-    edit,
-    date,
-    type,
-    key,
-    focus,
-    press,
-    command,
-    row,
-    selectRows,
-    header,
-    tab,
-    context,
-    file,
-    box,
-    boxStarting,
-    answer,
-    expectText,
-    expectWindow,
-    expectNoWindow,
-    expectMenu,
-    expectLog,
-    expectNoLog,
-    expectCombo,
-    expectEnabled,
-    expectVisible,
-    expectFocus,
-    expectRows,
-    expectCell,
-    expectHeadings,
-    expectFocusRow,
-    expectSelectedRows,
-    expectContext,
-    expectTabs,
-    expectSelected,
-    expectStatus,
-    expectJournal,
-    expectExecuted,
-    expectBox,
-    expectBoxStarting,
-    screenshot,
-    client,
-    font,
-    right,
-    mode,
-    clock,
-    fill,
-    other,
-    execute,
-    fault,
-    dpi,
-    locale,
-    measure,
-    dock,
-    hidePane,
-    showPane,
-    expectDocked,
-    timeout,
-    close,
-    exit,
-    count
+// The verbs that the runner plays itself.
+enum class RunnerVerb {
+#define VESK_STAGE(...)
+#define VESK_RUNNER(name, ...) name,
+    VESK_SCRIPT_VERBS(VESK_STAGE, VESK_RUNNER)
+#undef VESK_STAGE
+#undef VESK_RUNNER
+        none
 };
 
 struct VerbRule {
-    Verb verb;
     std::string_view name;
-    // One letter a word: t text, n whole number, k key, b "on" or "off", a answer to a message box,
-    // d place of a pane; behind the last, "*": any number of such words, or none; "?": it may be missing.
     std::string_view words;
-    std::string_view meaning;
+    RunnerVerb runner; // none: the stage's
 };
 std::span<const VerbRule> VerbRules();
 
 struct ScriptCommand {
-    Verb verb;
+    std::size_t verb;               // its row among the rules
     std::vector<std::string> words; // checked against the rule
     std::size_t line = 0;
 
+    const VerbRule& Rule() const { return VerbRules()[verb]; }
     int Number(std::size_t word) const;
     bool On(std::size_t word) const { return words[word] == "on"; }
-    // As it would be written.
+    // The line that would be written for it.
     std::string Text() const;
 };
 

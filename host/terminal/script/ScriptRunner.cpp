@@ -6,12 +6,14 @@ namespace vesk {
 namespace {
 
 bool NamesBox(const ScriptCommand& command) {
-    constexpr Verb verbs[] = {Verb::box, Verb::boxStarting, Verb::expectBox, Verb::expectBoxStarting};
-    return std::ranges::find(verbs, command.verb) != std::end(verbs);
+    constexpr RunnerVerb verbs[] = {RunnerVerb::box, RunnerVerb::boxStarting, RunnerVerb::expectBox,
+                                    RunnerVerb::expectBoxStarting};
+    return std::ranges::find(verbs, command.Rule().runner) != std::end(verbs);
 }
 
 bool Names(const ScriptCommand& command, const std::string& boxText) {
-    const bool starting = command.verb == Verb::boxStarting || command.verb == Verb::expectBoxStarting;
+    const RunnerVerb verb = command.Rule().runner;
+    const bool starting = verb == RunnerVerb::boxStarting || verb == RunnerVerb::expectBoxStarting;
     return starting ? boxText.starts_with(command.words[0]) : boxText == command.words[0];
 }
 
@@ -23,7 +25,7 @@ ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
         Fail("unexpected message box \"" + box->text + '"');
         return m_state;
     }
-    if (m_next == m_script.commands.size() || m_script.commands[m_next].verb == Verb::exit)
+    if (m_next == m_script.commands.size() || m_script.commands[m_next].Rule().runner == RunnerVerb::exit)
         return m_state = State::passed;
     const ScriptCommand& command = m_script.commands[m_next];
     if (m_attempt == 0) m_stepBegan = nowMs;
@@ -42,17 +44,17 @@ ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
 }
 
 StepResult ScriptRunner::TryStep(const ScriptCommand& command) {
-    switch (command.verb) {
-    case Verb::timeout:
+    switch (command.Rule().runner) {
+    case RunnerVerb::timeout:
         m_timeoutMs = std::int64_t{1000} * command.Number(0);
         return StepResult::Done();
-    case Verb::expectBox:
-    case Verb::expectBoxStarting:
+    case RunnerVerb::expectBox:
+    case RunnerVerb::expectBoxStarting:
         return TryBox(command, std::nullopt);
-    case Verb::box:
-    case Verb::boxStarting:
+    case RunnerVerb::box:
+    case RunnerVerb::boxStarting:
         return TryBox(command, BoxButton(command.words[1]));
-    case Verb::answer:
+    case RunnerVerb::answer:
         return TryAnswer(*BoxButton(command.words[0]));
     default:
         return m_stage.Try(command, m_attempt);

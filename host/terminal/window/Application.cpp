@@ -1,13 +1,11 @@
 #include "host/terminal/window/Application.h"
 
 #include "framework/DialogLayout.h"
-#include "host/files/Paths.h"
-#include "host/terminal/script/window/WindowStage.h"
-#include "host/terminal/window/CommandIds.h"
-#include "host/terminal/window/CountDialog.h"
-#include "host/terminal/window/EmbeddedLink.h"
+#include "host/files/Files.h"
+#include "host/terminal/script/window/Stage.h"
 #include "host/terminal/window/Encoding.h"
-#include "host/terminal/window/RemoteLink.h"
+#include "host/terminal/window/frame/CountDialog.h"
+#include "host/terminal/window/frame/MenuBar.h"
 
 #include <algorithm>
 #include <ctime>
@@ -211,8 +209,8 @@ std::unique_ptr<ServerLink> Application::LinkToServer(std::vector<std::string>& 
     LinkEvents events{[this](const std::string& line) { LogFromSystem(line); }, [this] { ReloadCalendar(); }};
     const TerminalConfig& config = m_state.config;
     if (m_options.serverHost.empty())
-        return std::make_unique<EmbeddedLink>(m_state, m_options.journal, std::move(events), notes);
-    return std::make_unique<RemoteLink>(ServerAddress{m_options.serverHost, m_options.serverPort},
+        return std::make_unique<ServerLink>(m_state, m_options.journal, std::move(events), notes);
+    return std::make_unique<ServerLink>(ServerAddress{m_options.serverHost, m_options.serverPort},
                                         UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
                                         std::move(events));
 }

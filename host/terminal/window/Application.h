@@ -1,14 +1,14 @@
 // The running terminal: what it knows, its window, the plug-ins, the server, and the script that is played.
 #pragma once
 
-#include "host/terminal/core/CommandLine.h"
+#include "host/terminal/core/Logs.h"
+#include "host/terminal/core/Settings.h"
 #include "host/terminal/core/TerminalState.h"
 #include "host/terminal/script/ScriptRunner.h"
 #include "host/terminal/window/HotKeyHook.h"
-#include "host/terminal/window/MainFrame.h"
 #include "host/terminal/window/PluginHost.h"
 #include "host/terminal/window/ServerLink.h"
-#include "host/terminal/window/SessionLog.h"
+#include "host/terminal/window/frame/MainFrame.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/HostRecords.h"
 
@@ -57,7 +57,8 @@ public:
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
-    // Done once no call and no message box is on the stack; refused, with a word to the user, while one is.
+    // These are done once no call and no message box is on the stack, and refused, with a word to the user,
+    // while one is.
     void RequestPick(std::size_t plugin, std::size_t entry);
     void RequestPaneCommand(const std::string& text);
     // These ask how many.

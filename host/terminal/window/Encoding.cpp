@@ -1,6 +1,6 @@
 #include "host/terminal/window/Encoding.h"
 
-#include "framework/Wide.h"
+#include "framework/Files.h"
 
 namespace vesk {
 

@@ -2,7 +2,7 @@
 
 #include "framework/Guard.h"
 #include "host/terminal/docking/window/DockParts.h"
-#include "host/terminal/script/window/WindowFinder.h"
+#include "host/terminal/script/window/Screen.h"
 
 #include <string_view>
 

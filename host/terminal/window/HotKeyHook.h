@@ -2,7 +2,7 @@
 #pragma once
 
 #include "framework/Handle.h"
-#include "host/terminal/core/HotKeys.h"
+#include "host/terminal/core/Keys.h"
 
 namespace vesk {
 

@@ -1,6 +1,6 @@
 #include "host/terminal/window/PluginHost.h"
 
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/terminal/window/Encoding.h"
 
 #include <algorithm>

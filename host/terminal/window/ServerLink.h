@@ -1,15 +1,17 @@
-// The trading server that the terminal works with, wherever it runs, and the hub through which the plug-ins
-// reach it.
+// The trading server that the terminal works with, in the terminal itself or reached by TCP, and the client
+// through which the plug-ins reach it.
 //
 // Thread: one (the GUI thread).
 #pragma once
 
-#include "host/server/ControlHub.h"
-#include "host/server/ServerCommands.h"
+#include "host/server/MarketServer.h"
+#include "host/server/net/RxClient.h"
+#include "host/terminal/core/TerminalState.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,38 +31,56 @@ struct LinkEvents {
 
 class ServerLink {
 public:
+    // Starts a server with this journal in the terminal itself. What the user should know about the start is
+    // added to `notes`. Without a journal that can be opened there is no server. The state outlives the link:
+    // its prices are asked for at every execution.
+    ServerLink(const TerminalState& state, const std::string& journalFile, LinkEvents events,
+               std::vector<std::string>& notes);
+    // Connects to a server of its own.
+    ServerLink(const ServerAddress& address, UserIdentity user, LinkEvents events);
     ServerLink(const ServerLink&) = delete;
     ServerLink& operator=(const ServerLink&) = delete;
-    virtual ~ServerLink() = default;
+    ~ServerLink() = default;
 
     RxControl* GetControl(int kind, CKeloRxNotifierBase* notifier) {
-        return m_hub ? m_hub->Get(kind, notifier) : nullptr;
+        return m_client ? m_client->Get(kind, notifier) : nullptr;
     }
     void DestroyControl(RxControl* control) {
-        if (m_hub) m_hub->Destroy(control);
+        if (m_client) m_client->Destroy(control);
     }
-    std::size_t LiveControls() const { return m_hub ? m_hub->LiveControls() : 0; }
-    // Requests and deliveries.
-    std::size_t Waiting() const { return m_hub ? m_hub->Waiting() : 0; }
+    std::size_t LiveControls() const { return m_client ? m_client->LiveControls() : 0; }
+    // How many requests and deliveries wait.
+    std::size_t Waiting() const { return m_client ? m_client->Waiting() : 0; }
 
     // Does some of what there is to do, and delivers.
-    virtual void Pump() = 0;
+    void Pump();
     // Everything that is due has been executed, and everything is delivered.
-    virtual bool IsIdle() const = 0;
-    virtual LinkStatus Status() const = 0;
-    // Of the server's clock, as 05-Mar-2027; empty while it is not known.
-    virtual std::string Date() const = 0;
-    // Those that are restricted, each as yyyymmdd.
-    virtual std::vector<std::uint32_t> RestrictedDates() const = 0;
-    // Number; empty without any, or when only the server knows.
-    virtual std::string LatestRegistration() const { return {}; }
+    bool IsIdle() const;
+    LinkStatus Status() const { return m_status; }
+    // The date of the server's clock, as 05-Mar-2027; empty while it is not known.
+    std::string Date() const;
+    // The dates that the server restricts, each as yyyymmdd.
+    std::vector<std::uint32_t> RestrictedDates() const { return m_restricted; }
+    // Its number; empty without any, or when only the server knows.
+    std::string LatestRegistration() const;
     // A line as ServerCommands takes. `told` is called once: now, or from Pump.
-    virtual void Command(const std::string& line, std::function<void(const Told&)> told) = 0;
+    void Command(const std::string& line, std::function<void(const Told&)> told);
 
-protected:
-    ServerLink() = default;
+private:
+    void StartServer(const TerminalState& state, JournalOpening opening, ServerConfig config,
+                     std::vector<std::string>& notes);
+    void Connect(std::unique_ptr<Channel> channel, UserIdentity user);
+    void OnState(LinkState state, const std::string& text);
+    bool HasDue() const;
+    void ExecuteDue();
 
-    std::unique_ptr<ControlHub> m_hub; // null: there is no server, and no control
+    const std::string m_name; // host:port; empty for the embedded server
+    const LinkEvents m_events;
+    LinkStatus m_status;
+    std::vector<std::uint32_t> m_restricted;
+    std::unique_ptr<MarketServer> m_server; // the embedded one, which the client works on to its end
+    std::size_t m_executed = 0;             // instalments that are not yet told of
+    std::optional<RxClient> m_client{};     // empty: there is no server, and no control
 };
 
 } // namespace vesk

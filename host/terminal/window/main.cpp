@@ -1,5 +1,5 @@
 #include "framework/Guard.h"
-#include "host/files/Paths.h"
+#include "host/files/Files.h"
 #include "host/terminal/window/Application.h"
 
 #include <windows.h>

@@ -1,7 +1,6 @@
 #include "plugin/base/Settings.h"
 
 #include "framework/Files.h"
-#include "framework/Wide.h"
 
 #include <windows.h>
 

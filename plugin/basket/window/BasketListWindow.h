@@ -5,7 +5,7 @@
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
-#include "plugin/controls/window/FilterList.h"
+#include "plugin/controls/window/ListWindows.h"
 
 #include <functional>
 

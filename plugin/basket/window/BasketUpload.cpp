@@ -14,7 +14,7 @@ namespace {
 constexpr int kDeleteCommand = 25002;
 constexpr UINT kDeleteHotKeyMessage = WM_USER + Basket::kDeleteHotKey;
 constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
-// Of the status line's parts, the last being the rest; in letters of the font.
+// How wide the status line's parts are, in letters of the font; the last takes the rest.
 constexpr int kStatusParts[] = {24, 44, 44};
 
 // The rows' share of the room that they have with the rejected lines, of a hundred; least heights in pixels at

@@ -5,7 +5,6 @@
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/RejectedPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
-#include "plugin/controls/window/AfterBox.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"

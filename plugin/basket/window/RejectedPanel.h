@@ -2,11 +2,10 @@
 // or corrected in the form.
 #pragma once
 
-#include "framework/ColorStatic.h"
+#include "framework/Colours.h"
 #include "framework/Dialog.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/controls/window/FilterList.h"
-#include "plugin/controls/window/RowMenu.h"
+#include "plugin/controls/window/ListWindows.h"
 
 #include <vector>
 

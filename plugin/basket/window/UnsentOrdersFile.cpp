@@ -1,6 +1,6 @@
 #include "plugin/basket/window/UnsentOrdersFile.h"
 
-#include "framework/Wide.h"
+#include "framework/Files.h"
 #include "plugin/base/Text.h"
 
 namespace planfold {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "framework/Subclass.h"
-#include "plugin/controls/AutoComplete.h"
+#include "plugin/controls/TypedText.h"
 #include "plugin/messaging/Session.h"
 
 namespace planfold {

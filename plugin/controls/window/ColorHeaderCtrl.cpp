@@ -1,10 +1,10 @@
 #include "plugin/controls/window/ColorHeaderCtrl.h"
 
-#include "plugin/controls/window/ColoredHeader.h"
+#include "plugin/controls/window/HeaderPainter.h"
 
-using planfold::ColoredHeader;
+using planfold::HeaderPainter;
 
-CColorHeaderCtrl::CColorHeaderCtrl() noexcept : m_header(ColoredHeader::Make()) {}
+CColorHeaderCtrl::CColorHeaderCtrl() noexcept : m_header(HeaderPainter::Make()) {}
 
 CColorHeaderCtrl::~CColorHeaderCtrl() {
     delete m_header;

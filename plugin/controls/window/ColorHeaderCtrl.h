@@ -16,7 +16,7 @@
 #endif
 
 namespace planfold {
-class ColoredHeader;
+class HeaderPainter;
 }
 
 class PLANFOLD_CLASS CColorHeaderCtrl {
@@ -37,5 +37,5 @@ public:
     void ResetColors() noexcept;
 
 private:
-    planfold::ColoredHeader* m_header;
+    planfold::HeaderPainter* m_header;
 };

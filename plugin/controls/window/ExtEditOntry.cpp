@@ -1,6 +1,6 @@
 #include "plugin/controls/window/ExtEditOntry.h"
 
-#include "plugin/controls/ValueText.h"
+#include "plugin/controls/TypedText.h"
 
 namespace planfold {
 

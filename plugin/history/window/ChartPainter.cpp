@@ -25,12 +25,12 @@ using Pen = framework::UniqueHandle<HPEN, DeletePen>;
 using Bitmap = framework::UniqueHandle<HBITMAP, DeleteBitmap>;
 using MemoryDc = framework::UniqueHandle<HDC, DeleteDC>;
 
-// At 96 DPI.
+// Lengths are pixels at 96 DPI.
 constexpr int kGap = 6;
 constexpr int kNarrowestPitch = 9; // narrower bars would show no hatch
 constexpr int kWidestBar = 40;
 
-// Told apart by the hatch alone as well.
+// The hatch alone tells them apart as well.
 struct Look {
     int colour;
     int hatch; // -1: solid
@@ -96,7 +96,7 @@ void Painter::Line(int y, int style, int colour) const {
     SelectObject(m_dc, previous);
 }
 
-// With the legend behind it, in as many rows as these need.
+// The legend stands behind it, in as many rows as it needs.
 void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& bars) {
     const int gap = Scaled(kGap, m_dpi);
     const int side = m_rowHeight - gap;

@@ -1,7 +1,7 @@
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 
 #include "framework/Guard.h"
-#include "plugin/controls/window/FilterList.h"
+#include "plugin/controls/window/ListWindows.h"
 #include "plugin/history/window/ChartPainter.h"
 #include "plugin/resources/resource.h"
 
@@ -171,7 +171,7 @@ void CSIPOrderHistoryDlg::ListRecords() {
     InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
 }
 
-// Once for a burst of trades.
+// The chart is made anew when it is painted: once for a burst of trades.
 void CSIPOrderHistoryDlg::OnRecordChanged() {
     m_chartIsOld = true;
     // Without a window it would be every window's.

@@ -4,7 +4,7 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "plugin/controls/window/RowMenu.h"
+#include "plugin/controls/window/ListWindows.h"
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
 #include "plugin/messaging/RxLink.h"

@@ -3,13 +3,65 @@
 #include "framework/DialogLayout.h"
 #include "plugin/base/Text.h"
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/orderbook/BookMenu.h"
+#include "plugin/orderbook/BookLists.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace planfold {
+
+bool BookListWindow::Attach(HWND list) {
+    const auto columns = ListColumns(m_args.columns);
+    return m_list.Attach({list, m_args.name, this, columns.data(), static_cast<std::int32_t>(columns.size()),
+                          m_args.firstCommand});
+}
+
+void BookListWindow::FilterBy(int column, std::string_view text) {
+    m_list.SetOwnerFilter(column, text.empty() ? nullptr : std::string(text).c_str());
+}
+
+void BookListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
+                               KorvexText* texts) noexcept {
+    const OrderField field = m_args.columns[static_cast<std::size_t>(column)].field;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::string_view text = m_records[records[i]].Text(field);
+        texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
+    }
+}
+
+std::int32_t BookListWindow::RowLook(std::uint32_t record) noexcept {
+    const std::string_view status = m_records[record].Text(OrderField::sipStatus);
+    if (status == kPausedStatus) return kKorvexAttention;
+    return IsCancelled(status) || status == "expired" ? kKorvexMuted : kKorvexPlain;
+}
+
+namespace {
+
+constexpr WPARAM kMostCharacters = 250;
+
+} // namespace
+
+CRejectReasonDlg::CRejectReasonDlg(HINSTANCE module, const Session& session)
+    : Dialog(module, IDD_REJECT_REASON), m_session(session) {}
+
+std::string CRejectReasonDlg::Ask(HWND owner) {
+    m_reason.clear();
+    if (!HasWindow()) RunModal(owner);
+    return std::exchange(m_reason, {});
+}
+
+void CRejectReasonDlg::OnInit() {
+    Item(IDC_REJECT_REASON).Send(EM_LIMITTEXT, kMostCharacters);
+}
+
+bool CRejectReasonDlg::OnCommand(const framework::Command& command) {
+    if (command.id != IDOK) return false;
+    m_reason = Item(IDC_REJECT_REASON).Text();
+    Destroy();
+    return true;
+}
 
 namespace {
 
@@ -180,7 +232,7 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     return true;
 }
 
-// Of the first selected row of the open page.
+// The history is that of the first selected row of the open page.
 void COrderBookDlg::OpenHistory() {
     const RecordId first = (CurrentPage() == 1 ? m_cancelled : m_registered).FirstSelected();
     if (first != kNoRecord)

@@ -1,8 +1,7 @@
 // The order entry window.
 #pragma once
 
-#include "framework/ColorStatic.h"
-#include "plugin/controls/window/AfterBox.h"
+#include "framework/Colours.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/OrderEntry.h"

@@ -3,10 +3,9 @@
 
 #include "framework/Dialog.h"
 #include "plugin/controls/window/AutoComboBox.h"
-#include "plugin/controls/window/CalendarKeys.h"
 #include "plugin/controls/window/ClientSearchBox.h"
 #include "plugin/controls/window/ExtEditOntry.h"
-#include "plugin/controls/window/TypeAheadCombo.h"
+#include "plugin/controls/window/FormKeys.h"
 
 #include <string>
 #include <string_view>
@@ -30,7 +29,7 @@ public:
     // What a notification of the form's controls means to them; the dialog sees to the rest.
     void OnCommand(const framework::Command& command);
     void OnNotify(const NMHDR& notification);
-    // Not typed by the user, and so not searched for.
+    // The user has not typed this, so that it is not searched for.
     void SetClient(std::string_view text) { m_client.SetText(text); }
     // Whether the value edit takes decimals and refuses all else; off while its digits-only style rules.
     void FilterValue(bool on) { m_value.SetFilter(on); }

@@ -1,6 +1,5 @@
 #include "plugin/record/window/RecordFile.h"
 
-#include "framework/Wide.h"
 #include "plugin/base/Text.h"
 
 namespace planfold {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "plugin/controls/window/DialogWindow.h"
-#include "plugin/controls/window/TypeAheadCombo.h"
+#include "plugin/controls/window/FormKeys.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/resources/resource.h"
 #include "plugin/restricted/RestrictedDates.h"

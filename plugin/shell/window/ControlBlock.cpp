@@ -4,6 +4,9 @@
 #include "plugin/shell/HostCheck.h"
 #include "sdk/korvex/CommonListCtrl.h"
 
+#include <ranges>
+#include <type_traits>
+
 namespace planfold {
 
 AnyFunction FindInHost(const char* name) {
@@ -25,14 +28,39 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
     InitCommonControlsEx(&classes);
 }
 
+template <auto window>
+constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::string_view entry) {
+    WindowRow row{entry, nullptr, [](CPlanfoldControlBlock& block) { (block.*window).ShutDown(); }, nullptr};
+    using Window = std::remove_reference_t<decltype(std::declval<CPlanfoldControlBlock&>().*window)>;
+    if constexpr (std::is_base_of_v<framework::Dialog, Window>)
+        row.inHostsFont = [](CPlanfoldControlBlock& block) -> framework::Dialog* { return &(block.*window); };
+    if constexpr (requires(Window & one, HWND mainFrame) { one.Open(mainFrame); })
+        row.open = [](CPlanfoldControlBlock& block, HWND mainFrame) { (block.*window).Open(mainFrame); };
+    else if constexpr (requires(Window & one) { one.Open(); })
+        row.open = [](CPlanfoldControlBlock& block, HWND) {
+            if (block.SetHostsFont(block.*window)) (block.*window).Open();
+        };
+    return row;
+}
+
+const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
+    RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
+    RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
+    RowOf<&CPlanfoldControlBlock::m_restrictedDates>(kRestrictedDatesMenu),
+    RowOf<&CPlanfoldControlBlock::m_basket>(kBasketMenu),
+    RowOf<&CPlanfoldControlBlock::m_orderEntry>(kOrderEntryMenu),
+};
+
 void CPlanfoldControlBlock::ShutDown() {
     m_session.End();
-    m_orderBook.ShutDown();
-    m_orderHistory.ShutDown();
-    m_restrictedDates.ShutDown();
-    m_basket.ShutDown();
-    m_orderEntry.ShutDown();
+    for (const WindowRow& row : kWindows)
+        row.shutDown(*this);
     m_keyboard.reset();
+}
+
+void CPlanfoldControlBlock::Pick(std::string_view entry, HWND mainFrame) {
+    for (const WindowRow& row : kWindows)
+        if (row.open && row.entry == entry) row.open(*this, mainFrame);
 }
 
 namespace {
@@ -77,6 +105,16 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
     if (SetHostsFont(m_orderEntry)) m_orderEntry.OpenForModify(registration);
 }
 
+void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
+    if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
+}
+
+bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {
+    return m_session.life.Across([&](Pass pass) {
+        if (!dialog.HasWindow()) ApplyFontPreference(pass);
+    });
+}
+
 void CPlanfoldControlBlock::TellChanged(const sOrderinfo& record) {
     if (m_orderEntry.Modifies(record.Number())) m_orderEntry.OnRegistrationChanged(ReadRegistration(record));
 }
@@ -107,13 +145,11 @@ void CPlanfoldControlBlock::FindSettingsPaths(Pass pass) {
 void CPlanfoldControlBlock::ApplyFontPreference(Pass pass) {
     if (!m_session.host.pu_get_FontVariation) return;
     m_session.host.pu_get_FontVariation(pass, &m_nFontVariation, &m_nFontSize, m_font.third, m_font.fourth);
-    const auto apply = [&](framework::Dialog& dialog) {
-        dialog.SetFontSize(PreferredPointSize(dialog.TemplateFontSize(), m_nFontSize, m_nFontVariation));
-    };
-    apply(m_orderEntry);
-    apply(m_basket);
-    apply(m_restrictedDates);
-    apply(m_orderHistory);
+    for (const WindowRow& row : kWindows | std::views::reverse) {
+        framework::Dialog* dialog = row.inHostsFont ? row.inHostsFont(*this) : nullptr;
+        if (dialog)
+            dialog->SetFontSize(PreferredPointSize(dialog->TemplateFontSize(), m_nFontSize, m_nFontVariation));
+    }
 }
 
 } // namespace planfold

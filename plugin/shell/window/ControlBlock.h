@@ -43,30 +43,29 @@ public:
     // Asks the host for its font preference and lays the windows out anew.
     void ApplyFontPreference(Pass pass);
 
-    void OpenOrderEntry() { OpenInHostsFont(m_orderEntry); }
-    void OpenBasket() { OpenInHostsFont(m_basket); }
-    void OpenRestrictedDates() { OpenInHostsFont(m_restrictedDates); }
-    void OpenOrderBook(HWND mainFrame) { m_orderBook.Open(mainFrame); }
-    void OpenForModify(const sOrderinfo& record);
-    // To the order form, should it be open for the record.
-    void TellChanged(const sOrderinfo& record);
-    void OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
-        if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
-    }
+    // Opens the window of a menu entry; nothing for the text of another.
+    void Pick(std::string_view entry, HWND mainFrame);
     // An empty client removes the filter of the book's lists.
     void FilterByClient(std::string_view client) { m_orderBook.FilterByClient(client); }
 
 private:
-    template <class Window>
-    [[nodiscard]] bool SetHostsFont(const Window& window) {
-        return m_session.life.Across([&](Pass pass) {
-            if (!window.HasWindow()) ApplyFontPreference(pass);
-        });
-    }
-    template <class Window>
-    void OpenInHostsFont(Window& window) {
-        if (SetHostsFont(window)) window.Open();
-    }
+    // What the block does with a window. The table's order is that in which they go at the exit.
+    struct WindowRow {
+        std::string_view entry; // of the menu; empty when another window opens it
+        void (*open)(CPlanfoldControlBlock& block, HWND mainFrame);
+        void (*shutDown)(CPlanfoldControlBlock& block);
+        framework::Dialog* (*inHostsFont)(CPlanfoldControlBlock& block); // null: it has its own
+    };
+    template <auto window>
+    static constexpr WindowRow RowOf(std::string_view entry);
+    static const WindowRow kWindows[];
+
+    // Before the dialog is made. False when the session has ended meanwhile.
+    [[nodiscard]] bool SetHostsFont(const framework::Dialog& dialog);
+    void OpenForModify(const sOrderinfo& record);
+    // The order form hears of it, should it be open for the record.
+    void TellChanged(const sOrderinfo& record);
+    void OpenOrderHistory(Pass pass, const std::string& registrationNumber);
     void FindSettingsPaths(Pass pass);
 
     RecordFile m_recordFile{m_session};

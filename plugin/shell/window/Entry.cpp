@@ -5,7 +5,6 @@
 #include "plugin/base/Codes.h"
 #include "plugin/shell/Globals.h"
 #include "plugin/shell/HostCheck.h"
-#include "plugin/shell/PluginInfo.h"
 #include "plugin/shell/window/ControlBlock.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/PluginExports.h"
@@ -86,22 +85,6 @@ std::shared_ptr<CPlanfoldControlBlock> CheckHostAndCreateControlBlock(Pass pass,
     return module.block;
 }
 
-struct MenuRow {
-    std::string_view entry;
-    void (*open)(CPlanfoldControlBlock&, HWND mainFrame);
-};
-constexpr MenuRow kMenu[] = {
-    {kOrderEntryMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenOrderEntry(); }},
-    {kBasketMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenBasket(); }},
-    {kRestrictedDatesMenu, [](CPlanfoldControlBlock& block, HWND) { block.OpenRestrictedDates(); }},
-    {kBookMenu, [](CPlanfoldControlBlock& block, HWND mainFrame) { block.OpenOrderBook(mainFrame); }},
-};
-
-void Pick(CPlanfoldControlBlock& block, std::string_view entry, HWND mainFrame) {
-    for (const MenuRow& row : kMenu)
-        if (row.entry == entry) row.open(block, mainFrame);
-}
-
 } // namespace
 
 } // namespace planfold
@@ -141,7 +124,7 @@ PLANFOLD_EXPORT void InitVeskPlugin(void*, const char* loginId, std::int32_t log
             return;
         }
         if (life.Across([&](Pass pass) { block->PrepareForPick(pass, notices); }))
-            Pick(*block, entry.View(), static_cast<HWND>(mainFrame));
+            block->Pick(entry.View(), static_cast<HWND>(mainFrame));
     });
 }
 

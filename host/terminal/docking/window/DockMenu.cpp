@@ -1,7 +1,6 @@
-#include "host/terminal/docking/window/DockMenu.h"
-
+// The menu of a pane.
 #include "host/terminal/docking/window/DockSite.h"
-#include "host/terminal/window/CommandIds.h"
+#include "host/terminal/window/frame/MenuBar.h"
 
 #include <algorithm>
 

@@ -25,10 +25,10 @@ private:
     DockSite& m_site;
 };
 
-// Which control of a window had the focus when another window was activated.
-class FocusKeeper {
+// Remembers which control of a window had the focus when another window was activated.
+class LastFocus {
 public:
-    // Of WM_ACTIVATE; false when there is nothing to give the focus back to.
+    // Takes WM_ACTIVATE. False when there is nothing to give the focus back to.
     bool OnActivate(HWND window, WPARAM wParam);
 
 private:
@@ -58,8 +58,16 @@ private:
 
     DockSite& m_site;
     HWND m_pane;
-    FocusKeeper m_focus;
+    LastFocus m_focus;
     bool m_moved = false; // by the mouse, since it was taken
+};
+
+// The hollow rectangle that shows, while a pane is dragged, where it would go.
+class DropPreview : public framework::CustomWindow {
+public:
+    // `rect` is in screen pixels; an empty one hides the preview. `owner` keeps it above itself.
+    void Show(HWND owner, const RECT& rect);
+    void Hide() { framework::Window(Handle()).Show(false); }
 };
 
 } // namespace vesk

@@ -1,7 +1,6 @@
 #include "host/terminal/docking/window/DockSite.h"
 
 #include "framework/Handle.h"
-#include "host/terminal/docking/window/DockMenu.h"
 
 #include <algorithm>
 #include <utility>
@@ -79,7 +78,7 @@ void DockSite::OnPaneShown(HWND pane, bool shown) {
     Changed();
 }
 
-RECT DockSite::LayOut(const RECT& area, const TextScale& scale, bool centreShown) {
+RECT DockSite::LayOut(const RECT& area, const FrameScale& scale, bool centreShown) {
     const DockMetrics metrics{scale.dpi, scale.Pixels(kCaptionHeight), scale.Pixels(kTabHeight), centreShown};
     const DockRect centre = m_layout.Arrange(FromRect(area), metrics);
     // A pane that is moved may bring or take another one.
@@ -133,7 +132,7 @@ void DockSite::SettleDocked(Held& held) {
     if (inFront != IsShownByStyle(held.pane)) pane.Show(inFront);
 }
 
-// Where it last floated, else over its docked place.
+// It floats where it last did, or else over its docked place.
 RECT DockSite::FloatRect(const DockPane& pane) const {
     RECT rect = ToRect(pane.place.floatRect);
     if (pane.place.floatRect.Empty()) {

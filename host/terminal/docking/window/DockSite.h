@@ -2,11 +2,10 @@
 // remembers that by each pane's caption.
 #pragma once
 
-#include "host/terminal/core/UserSettings.h"
+#include "host/terminal/core/FrameLayout.h"
+#include "host/terminal/core/Settings.h"
 #include "host/terminal/docking/DockLayout.h"
 #include "host/terminal/docking/window/DockParts.h"
-#include "host/terminal/docking/window/DropPreview.h"
-#include "host/terminal/window/ListColumns.h"
 
 #include <list>
 #include <memory>
@@ -18,6 +17,10 @@ namespace vesk {
 enum class DockCommand : int { show, left, right, top, bottom, floating, hide, firstTab };
 inline constexpr int kDockCommandsPerPane = 24;
 inline constexpr int kMostPanes = 16;
+
+// The commands of the pane with this number, the same in the View menu and at its caption. The caller, or the
+// menu that it is put into, destroys it.
+HMENU PaneMenu(const DockLayout& layout, std::size_t pane);
 
 class DockSite {
 public:
@@ -33,7 +36,7 @@ public:
     const DockLayout& Layout() const { return m_layout; }
 
     // Shares `area` of the frame; the result is the centre's part.
-    RECT LayOut(const RECT& area, const TextScale& scale, bool centreShown);
+    RECT LayOut(const RECT& area, const FrameScale& scale, bool centreShown);
     // `tab` is the number of the partner for DockCommand::firstTab.
     bool Run(PaneId pane, DockCommand command, std::size_t tab = 0);
     // The command with this number in the pane menus.
@@ -52,7 +55,7 @@ public:
     // The rectangle of its float window when it is dragged by the middle of its caption.
     RECT FloatRectAtMouse(HWND pane) const;
 
-    // From the parts.
+    // The parts call these.
     void OnPaneShown(HWND pane, bool shown);
     void OnFloatMoved(HWND pane, bool moved);
     void ForgetGone();

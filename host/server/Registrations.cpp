@@ -1,0 +1,130 @@
+#include "host/server/Registrations.h"
+
+#include "host/server/schedule/Schedule.h"
+
+#include <algorithm>
+
+namespace vesk {
+namespace {
+
+// The orders of one registration with their trades, which stand in the same order. Which instalments they were
+// is in the registration's progress by now.
+void WriteOrders(const ExecutionHistory& history, const Journal::Sink& sink) {
+    auto trade = history.trades.begin();
+    for (const FieldRecord& order : history.orders) {
+        ExchangeOrder whole{order, {}};
+        const std::string_view number = order.Text(tag::orderNumber);
+        while (trade != history.trades.end() && trade->Text(tag::orderNumber) == number)
+            whole.trades.push_back(*trade++);
+        sink(whole.Json());
+    }
+}
+
+} // namespace
+
+void Registrations::MakeRoom(std::size_t more) {
+    const std::size_t count = m_all.size() + more;
+    m_all.reserve(count);
+    m_byNumber.reserve(count);
+    m_byOrderId.reserve(count);
+}
+
+bool Registrations::Replay(std::string_view record) {
+    if (auto registration = Registration::FromJson(record)) {
+        Enter(std::move(*registration));
+        return true;
+    }
+    auto order = ExchangeOrder::FromJson(record);
+    if (!order || !Find(order->order.Text(tag::registrationNumber))) return false;
+    Enter(std::move(*order));
+    return true;
+}
+
+std::size_t Registrations::Enter(Registration registration) {
+    const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_all.size());
+    if (!isNew) {
+        m_all[place->second] = std::move(registration);
+        return place->second;
+    }
+    if (const std::string_view orderId = registration.Text(tag::orderId); !orderId.empty())
+        m_byOrderId.emplace(orderId, place->second);
+    m_all.push_back(std::move(registration));
+    return place->second;
+}
+
+void Registrations::Enter(ExchangeOrder order) {
+    ++m_orderCount;
+    Count(order);
+    m_histories[std::string(order.order.Text(tag::registrationNumber))].Enter(std::move(order));
+}
+
+void Registrations::Count(const ExchangeOrder& order) {
+    if (!order.instalment) return;
+    Registration& registration = m_all[m_byNumber.at(std::string(order.order.Text(tag::registrationNumber)))];
+    const Instalment& instalment = *order.instalment;
+    const auto day = PlacementDay(order.order);
+    const auto plan = registration.Plan();
+    if (!day || !plan || instalment.number != registration.progress.executed + 1) return;
+    registration.progress = {instalment.number, instalment.place + 1, *day};
+    if (instalment.number < plan->periods) return;
+    registration.Set(tag::sipStatus, kStatusExpired);
+    registration.Set(tag::nextExecutionDate, RecordDate(*day));
+}
+
+const Registration* Registrations::Find(std::string_view number) const {
+    const auto found = m_byNumber.find(std::string(number));
+    return found == m_byNumber.end() ? nullptr : &m_all[found->second];
+}
+
+const Registration* Registrations::FindSent(const std::string& orderId, std::string_view loginId) const {
+    const auto [first, last] = m_byOrderId.equal_range(orderId);
+    const auto found = std::find_if(
+        first, last, [&](const auto& entry) { return m_all[entry.second].Text(tag::loginId) == loginId; });
+    return found == last ? nullptr : &m_all[found->second];
+}
+
+std::size_t Registrations::PlaceOf(const Registration& registration) const {
+    return m_byNumber.at(std::string(registration.Number()));
+}
+
+const ExecutionHistory& Registrations::HistoryOf(std::string_view number) const {
+    static const ExecutionHistory none;
+    const auto found = m_histories.find(std::string(number));
+    return found == m_histories.end() ? none : found->second;
+}
+
+std::vector<std::string_view> Registrations::OrderIds() const {
+    std::vector<std::string_view> orderIds(m_all.size());
+    for (const auto& [orderId, place] : m_byOrderId)
+        orderIds[place] = orderId;
+    return orderIds;
+}
+
+std::size_t Registrations::ChangedOrderIds() const {
+    const std::vector<std::string_view> orderIds = OrderIds();
+    std::size_t changed = 0;
+    for (std::size_t place = 0; place < orderIds.size(); ++place)
+        changed += m_all[place].Text(tag::orderId) != orderIds[place];
+    return changed;
+}
+
+void Registrations::WriteTo(const Journal::Sink& sink) const {
+    const std::vector<std::string_view> orderIds = OrderIds();
+    for (std::size_t place = 0; place < orderIds.size(); ++place) {
+        if (m_all[place].Text(tag::orderId) != orderIds[place]) {
+            Registration first = m_all[place];
+            first.Set(tag::orderId, orderIds[place]);
+            sink(first.Json());
+        }
+        sink(m_all[place].Json());
+    }
+    for (const Registration& registration : m_all)
+        WriteOrders(HistoryOf(registration.Number()), sink);
+}
+
+void Registrations::Tell(const Registration& registration) const {
+    for (UpdateListener* listener : m_listeners)
+        listener->OnUpdate(registration);
+}
+
+} // namespace vesk

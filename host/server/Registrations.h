@@ -1,0 +1,75 @@
+// What the server holds: the registrations, in order of entry, and what became of each on the exchange.
+//
+// Thread: one at a time. Lifetime: listeners are removed before they end.
+#pragma once
+
+#include "host/server/ExchangeOrder.h"
+#include "host/server/Registration.h"
+#include "host/server/journal/Journal.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace vesk {
+
+// Told of every change of a registration, from inside Server::Handle and Clockwork::ExecuteDue.
+class UpdateListener {
+public:
+    virtual void OnUpdate(const Registration& registration) = 0;
+
+protected:
+    ~UpdateListener() = default;
+};
+
+class Registrations {
+public:
+    void MakeRoom(std::size_t more);
+    // False when the journal's record is neither a registration nor an order of one.
+    bool Replay(std::string_view record);
+    // It takes the place of the one with the same number. The answer is where it stands.
+    std::size_t Enter(Registration registration);
+    // The registration takes the instalment into account, when the order is one that is not yet counted.
+    void Enter(ExchangeOrder order);
+
+    const std::vector<Registration>& All() const { return m_all; }
+    std::size_t Size() const { return m_all.size(); }
+    Registration& At(std::size_t place) { return m_all[place]; }
+    const Registration& At(std::size_t place) const { return m_all[place]; }
+    // Null when the number is unknown.
+    const Registration* Find(std::string_view number) const;
+    // The one that the login's request with this order id has registered; null when it has not.
+    const Registration* FindSent(const std::string& orderId, std::string_view loginId) const;
+    std::size_t PlaceOf(const Registration& registration) const;
+    // Empty without any order.
+    const ExecutionHistory& HistoryOf(std::string_view number) const;
+    // Exchange orders, of all registrations.
+    std::size_t OrderCount() const { return m_orderCount; }
+
+    // How many records no longer have the order id that registered them, since a change brought its own: the
+    // journal needs two lines for each.
+    std::size_t ChangedOrderIds() const;
+    // Hands the sink all that a replay needs.
+    void WriteTo(const Journal::Sink& sink) const;
+
+    void AddListener(UpdateListener& listener) { m_listeners.push_back(&listener); }
+    void RemoveListener(UpdateListener& listener) { std::erase(m_listeners, &listener); }
+    void Tell(const Registration& registration) const;
+
+private:
+    void Count(const ExchangeOrder& order);
+    // The order ids that registered them, by place.
+    std::vector<std::string_view> OrderIds() const;
+
+    std::vector<Registration> m_all;
+    std::unordered_map<std::string, std::size_t> m_byNumber;
+    // These are of the requests that registered; two users' may be the same.
+    std::unordered_multimap<std::string, std::size_t> m_byOrderId;
+    std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
+    std::size_t m_orderCount = 0;
+    std::vector<UpdateListener*> m_listeners;
+};
+
+} // namespace vesk

@@ -1,0 +1,228 @@
+#include "host/server/net/ServerSession.h"
+
+#include "host/server/schedule/Schedule.h"
+#include "sdk/RxControl.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vesk {
+namespace {
+
+constexpr std::size_t kMostControls = 1024;
+constexpr std::size_t kMostSubscriptions = 4096; // each is looked at for every update
+
+std::string_view Shortened(std::string_view text) {
+    return text.substr(0, kLongestText);
+}
+
+} // namespace
+
+struct ServerSession::Step {
+    FrameType type;
+    void (ServerSession::*take)(std::string_view payload);
+};
+const ServerSession::Step ServerSession::kSteps[] = {
+    {FrameType::hello, &ServerSession::TakeAs<net::Hello>},
+    {FrameType::openControl, &ServerSession::TakeAs<net::OpenControl>},
+    {FrameType::closeControl, &ServerSession::TakeAs<net::CloseControl>},
+    {FrameType::request, &ServerSession::TakeAs<net::ControlRequest>},
+    {FrameType::subscribe, &ServerSession::TakeAs<net::Subscribe>},
+    {FrameType::stop, &ServerSession::TakeAs<net::Stop>},
+    {FrameType::command, &ServerSession::TakeAs<net::ServerCommand>},
+};
+
+ServerSession::ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits)
+    : m_server(server), m_commands(commands), m_limits(limits), m_reader(limits.checksum) {}
+
+void ServerSession::Take(std::string_view bytes, std::int64_t nowMs) {
+    m_nowMs = std::max(m_nowMs, nowMs);
+    m_reader.Add(bytes);
+    while (!HasEnded()) {
+        const auto frame = m_reader.Next();
+        if (!frame) break;
+        const auto step = std::ranges::find(kSteps, frame->type, &Step::type);
+        if (step == std::end(kSteps)) return Refuse("a frame that a server sends");
+        if (!m_streams && frame->type != FrameType::hello) return Refuse("a terminal says hello first");
+        (this->*step->take)(frame->payload);
+    }
+    if (m_reader.Fault() != FrameFault::none) Refuse(TextOf(m_reader.Fault()));
+}
+
+template <class Said>
+void ServerSession::TakeAs(std::string_view payload) {
+    if (auto said = net::Read<Said>(payload))
+        On(std::move(*said));
+    else
+        Refuse("a frame that cannot be read");
+}
+
+void ServerSession::On(const net::Hello& said) {
+    if (m_streams) return Refuse("a second hello");
+    if (said.version != net::kProtocolVersion)
+        return Refuse("the server speaks version " + std::to_string(net::kProtocolVersion) + ", not "
+                      + std::to_string(said.version));
+    if (said.loginId.empty()) return Refuse("a terminal without a login");
+    m_user = {said.loginId, said.peerIdA, said.peerIdB};
+    m_name = Shortened(said.loginId);
+    m_terminal = std::to_string(said.terminal);
+    m_streams.emplace(m_server, m_user.loginId);
+    Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Clock().Now())});
+    TellState();
+}
+
+void ServerSession::On(const net::OpenControl& said) {
+    if (said.kind > kRxAccountStream) return Refuse("a control of an unknown kind");
+    if (m_controlKinds.contains(said.control)) return Refuse("a control opened twice");
+    if (m_controlKinds.size() == kMostControls) return Refuse("too many controls");
+    m_controlKinds.emplace(said.control, said.kind);
+}
+
+void ServerSession::On(const net::CloseControl& said) {
+    m_streams->Stop(said.control);
+    m_controlKinds.erase(said.control);
+    // A request still counts when nobody hears its answer; a query's rows are for nobody.
+    for (const RunningQuery& query : m_queries)
+        if (query.control == said.control) Say(net::RequestDone{query.number});
+    std::erase_if(m_queries, [&](const RunningQuery& query) { return query.control == said.control; });
+}
+
+void ServerSession::On(net::ControlRequest&& said) {
+    const qmx::MessageReader reader(said.bytes);
+    if (!reader.Good()) return Refuse("a request that is no message");
+    const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), tag::requestName)).delayMs;
+    m_asked.Add(m_nowMs + delay, std::move(said));
+}
+
+void ServerSession::On(net::ServerCommand&& said) {
+    m_asked.Add(m_nowMs, std::move(said));
+}
+
+void ServerSession::On(const net::Subscribe& said) {
+    const auto kind = m_controlKinds.find(said.control);
+    if (kind == m_controlKinds.end() || kind->second == kRxRequests)
+        return Say(net::Unsubscribed{said.control, "there is no such stream control"});
+    if (m_streams->Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
+    if (const char* fault = m_streams->Subscribe(said.control, said.fields, said.isRenewed))
+        return Say(net::Unsubscribed{said.control, fault});
+}
+
+void ServerSession::On(const net::Stop& said) {
+    m_streams->Stop(said.control);
+}
+
+template <class Said>
+void ServerSession::Say(Said said) {
+    if (!net::Append(m_output, std::move(said), m_limits.checksum)) End("a message is too long to be sent");
+}
+
+void ServerSession::Refuse(const std::string& text) {
+    Say(net::ConnectionRefused{text});
+    End(text);
+}
+
+void ServerSession::End(std::string reason) {
+    if (!HasEnded()) m_endReason = std::move(reason);
+}
+
+ServerSession::ToldState ServerSession::StateNow() const {
+    const Clockwork& clock = m_server.Clock();
+    // An end of the due ones is told behind what the terminal hears of them.
+    const bool hasDue = clock.HasDue() || (m_toldState.hasDue && m_streams->Waiting() > 0);
+    return {clock.Today(), hasDue, clock.Restricted().Changes()};
+}
+
+void ServerSession::TellState() {
+    if (!m_streams || HasEnded() || !HasRoom() || m_toldState == StateNow()) return;
+    m_toldState = StateNow();
+    net::ServerState state{DateNumber(m_toldState.date), m_toldState.hasDue, {}};
+    for (const auto date : m_server.Clock().Restricted().All())
+        state.restricted.push_back(DateNumber(date));
+    Say(std::move(state));
+}
+
+bool ServerSession::TakesInput() const {
+    const std::size_t waiting = m_asked.Size() + m_queries.size() + (m_streams ? m_streams->CatchUps() : 0);
+    return !HasEnded() && m_asked.Bytes() < m_limits.requestBytes && waiting < m_limits.requests;
+}
+
+bool ServerSession::HasWork(std::int64_t nowMs) const {
+    if (!m_streams || HasEnded() || !HasRoom()) return false;
+    return m_asked.IsDue(nowMs) || !m_queries.empty() || m_streams->Waiting() > 0 || m_streams->CatchUps() > 0
+           || m_toldState != StateNow();
+}
+
+std::size_t ServerSession::Waiting() const {
+    const std::size_t streamed = m_streams ? m_streams->Waiting() + m_streams->CatchUps() : 0;
+    return streamed + (m_output.empty() ? 0 : 1);
+}
+
+void ServerSession::Pump(std::int64_t nowMs) {
+    m_nowMs = std::max(m_nowMs, nowMs);
+    if (HasRoom()) m_roomAtMs = m_nowMs;
+    if (!m_beganMs) m_beganMs = m_nowMs;
+    TellState();
+    const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
+    for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn)
+        if (std::chrono::steady_clock::now() >= end) break;
+    Judge();
+}
+
+// One of each: neither many requests nor a long query holds up the other.
+bool ServerSession::PumpOnce() {
+    if (!HasWork(m_nowMs)) return false;
+    if (m_asked.IsDue(m_nowMs)) std::visit([this](const auto& one) { Handle(one); }, m_asked.TakeFirst());
+    // All of them before the next row.
+    for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed)
+        Say(m_streams->TakeNext());
+    if (!HasRoom() || HasEnded()) return false;
+    if (auto missed = m_streams->NextMissed()) Say(std::move(*missed));
+    if (m_queries.empty())
+        TellState();
+    else
+        NextRow();
+    return true;
+}
+
+void ServerSession::Handle(const net::ControlRequest& request) {
+    const qmx::MessageReader reader(request.bytes);
+    Reply reply = m_server.Handle(reader.Handle(), m_user, m_terminal + "-" + std::to_string(request.number));
+    if (reply.isCut) return End("the server plays a cut connection");
+    TellState();
+    for (std::string& answer : reply.answers)
+        Say(net::Response{request.control, request.number, std::move(answer)});
+    if (reply.rows)
+        m_queries.push_back({request.control, request.number, std::move(*reply.rows)});
+    else
+        Say(net::RequestDone{request.number});
+}
+
+void ServerSession::Handle(const net::ServerCommand& command) {
+    Told told = m_commands.Run(command.line, m_user, m_nowMs);
+    TellState();
+    Say(net::CommandDone{command.number, told.isDone, std::move(told.text)});
+}
+
+void ServerSession::NextRow() {
+    RunningQuery& query = m_queries.front();
+    if (std::string row = m_server.NextRow(query.rows); !row.empty())
+        Say(net::Response{query.control, query.number, std::move(row)});
+    if (HasEnded() || !query.rows.isDone) return;
+    Say(net::RequestDone{query.number});
+    m_queries.pop_front();
+}
+
+void ServerSession::Judge() {
+    constexpr std::int64_t periodMs = 1000;
+    constexpr std::size_t leastTaken = 500;
+    // One that takes its updates in drops must not hold up what the others wait for.
+    if (!HasBacklog())
+        m_pace = {m_nowMs, m_streamed, true};
+    else if (m_nowMs - m_pace.sinceMs >= periodMs)
+        m_pace = {m_nowMs, m_streamed, m_streamed - m_pace.streamed >= leastTaken};
+    if (m_nowMs - m_roomAtMs > m_limits.stalledMs) End("it takes nothing more");
+    if (!m_streams && m_nowMs - *m_beganMs > m_limits.greetingMs) End("it does not say hello");
+    if (m_streams && m_streams->Waiting() > m_limits.streamBacklog) End("too many updates wait for it");
+}
+
+} // namespace vesk

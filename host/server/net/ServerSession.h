@@ -1,0 +1,130 @@
+// One terminal's connection as the server sees it, without its socket: bytes that came in, bytes to go out.
+//
+// Requests are handled in the order they are due. What a query asks for is made row by row as there is room in
+// the output, after the updates told before, so a row never shows an older state than an update behind it.
+//
+// Thread:  one. Lifetime: server and commands outlive the session.
+// Failure: a terminal that breaks the protocol, or does not take what it subscribed to, ends its session:
+//          EndReason says why.
+#pragma once
+
+#include "host/server/ServerCommands.h"
+#include "host/server/net/AskedQueue.h"
+#include "host/server/net/Streams.h"
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+struct SessionLimits {
+    std::size_t outputBytes = 256 * 1024;       // from which on nothing more is made
+    std::size_t streamBacklog = 20'000;         // updates that wait for room
+    std::int64_t stalledMs = 30'000;            // without room
+    std::int64_t greetingMs = 10'000;           // until it has said hello
+    std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
+    std::size_t requestBytes = 8 * 1024 * 1024; // of these
+    std::size_t turns = 64;                     // of one pump,
+    std::chrono::milliseconds pumpTime{60'000}; // and how long it begins another one
+    Checksum checksum = Checksum::crc32;        // of the frames, both ways
+};
+
+class ServerSession {
+public:
+    ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits);
+    ServerSession(const ServerSession&) = delete;
+    ServerSession& operator=(const ServerSession&) = delete;
+    ~ServerSession() = default;
+
+    // `nowMs` never goes back.
+    void Take(std::string_view bytes, std::int64_t nowMs);
+    // Does a portion of what there is to do.
+    void Pump(std::int64_t nowMs);
+    bool TakesInput() const;
+    // Whether another pump would do something, as far as `nowMs`.
+    bool HasWork(std::int64_t nowMs) const;
+    // How much the terminal will hear of without having asked for it.
+    std::size_t Waiting() const;
+    // Whether many updates wait for it although it takes them at a good pace.
+    bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
+    // The bytes to be sent; the caller takes away what it has sent.
+    std::string& Output() { return m_output; }
+
+    // After its end it takes nothing more, and what is in the output may still be sent.
+    bool HasEnded() const { return !m_endReason.empty(); }
+    const std::string& EndReason() const { return m_endReason; }
+    const std::string& Name() const { return m_name; }
+
+private:
+    struct RunningQuery {
+        std::uint32_t control;
+        std::uint64_t number;
+        RowQuery rows;
+    };
+    // What the terminal hears of the server without asking.
+    struct ToldState {
+        std::chrono::year_month_day date{};
+        bool hasDue = false;          // instalments to execute, or such that are not told of
+        std::size_t restrictions = 0; // changes of them
+        bool operator==(const ToldState&) const = default;
+    };
+    struct Step;
+    static const Step kSteps[];
+
+    template <class Said>
+    void TakeAs(std::string_view payload);
+    void On(const net::Hello& said);
+    void On(const net::OpenControl& said);
+    void On(const net::CloseControl& said);
+    void On(net::ControlRequest&& said);
+    void On(const net::Subscribe& said);
+    void On(const net::Stop& said);
+    void On(net::ServerCommand&& said);
+
+    template <class Said>
+    void Say(Said said);
+    void Refuse(const std::string& text);
+    void End(std::string reason);
+    ToldState StateNow() const;
+    // Tells the state when it differs from what was told.
+    void TellState();
+    bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
+    void Handle(const net::ControlRequest& request);
+    void Handle(const net::ServerCommand& command);
+    bool PumpOnce();
+    void NextRow();
+    bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
+    // Ends a terminal that does not keep up.
+    void Judge();
+
+    Server& m_server;
+    ServerCommands& m_commands;
+    SessionLimits m_limits;
+    FrameReader m_reader;
+    std::string m_output;
+    std::string m_name = "a terminal";
+    std::string m_endReason;
+    UserIdentity m_user;
+    std::string m_terminal;
+    std::optional<Streams> m_streams; // once the terminal has said who it is
+    std::map<std::uint32_t, std::uint32_t> m_controlKinds;
+    AskedQueue m_asked;
+    std::deque<RunningQuery> m_queries;
+    ToldState m_toldState;
+    std::int64_t m_nowMs = 0;
+    std::int64_t m_roomAtMs = 0; // when a pump began with room last
+    std::optional<std::int64_t> m_beganMs{};
+    std::size_t m_streamed = 0; // updates that went out
+    // How it takes a backlog, judged again and again.
+    struct {
+        std::int64_t sinceMs = 0;
+        std::size_t streamed = 0; // by then
+        bool isGood = true;
+    } m_pace;
+};
+
+} // namespace vesk

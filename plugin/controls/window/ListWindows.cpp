@@ -1,0 +1,91 @@
+#include "plugin/controls/window/ListWindows.h"
+
+#include "framework/Handle.h"
+
+#include <commctrl.h>
+
+#include <windowsx.h>
+
+namespace planfold {
+
+namespace {
+
+void AppendEntries(HMENU menu, std::span<const MenuEntry> entries) {
+    for (const MenuEntry& entry : entries)
+        AppendMenuA(menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u), static_cast<UINT_PTR>(entry.command),
+                    entry.text);
+}
+
+void AppendSeparator(HMENU menu) {
+    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+}
+
+} // namespace
+
+POINT RowMenuPlace(HWND list, LPARAM position) {
+    POINT at{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+    if (at.x != -1 || at.y != -1) return at;
+    const int focused =
+        static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    RECT row{LVIR_LABEL, 0, 0, 0};
+    if (focused < 0
+        || !SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(focused), reinterpret_cast<LPARAM>(&row)))
+        row = {};
+    at = {row.left, row.bottom};
+    ClientToScreen(list, &at);
+    return at;
+}
+
+bool IsOnHeadings(HWND list, LPARAM position) {
+    RECT headings{};
+    GetWindowRect(ListView_GetHeader(list), &headings);
+    return PtInRect(&headings, {GET_X_LPARAM(position), GET_Y_LPARAM(position)});
+}
+
+void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const MenuEntry> entries,
+                   std::span<const MenuEntry> several) {
+    const framework::Menu menu(CreatePopupMenu());
+    AppendEntries(menu.Get(), entries);
+    if (!entries.empty()) AppendSeparator(menu.Get());
+    AppendEntries(menu.Get(), several);
+    list.AppendMenuEntries(menu.Get());
+    if (!entries.empty()) AppendSeparator(menu.Get());
+    Track(parent, at, menu.Get());
+}
+
+void RowMenu::Open(HWND parent, POINT at, std::span<const MenuEntry> entries) {
+    const framework::Menu menu(CreatePopupMenu());
+    AppendEntries(menu.Get(), entries);
+    Track(parent, at, menu.Get());
+}
+
+void RowMenu::Track(HWND parent, POINT at, HMENU menu) {
+    m_open = true;
+    TrackPopupMenu(menu, TPM_RIGHTBUTTON, at.x, at.y, 0, parent, nullptr);
+    m_open = false;
+}
+
+void RowMenu::Close() const {
+    if (m_open) EndMenu();
+}
+
+std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list) {
+    std::vector<RecordId> records(list.SelectedCount());
+    records.resize(list.Selected(records.data(), static_cast<std::uint32_t>(records.size())));
+    return records;
+}
+
+RecordId FirstSelectedRecord(const CFilterListCtrl& list) {
+    RecordId first = kNoRecord;
+    list.Selected(&first, 1);
+    return first;
+}
+
+std::optional<LRESULT> ActivateOnEnter::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto* pending = reinterpret_cast<const MSG*>(lParam);
+    if (message != WM_GETDLGCODE || !pending || pending->message != WM_KEYDOWN || pending->wParam != VK_RETURN)
+        return std::nullopt;
+    return Default(message, wParam, lParam) | DLGC_WANTMESSAGE;
+}
+
+} // namespace planfold

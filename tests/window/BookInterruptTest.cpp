@@ -1,0 +1,162 @@
+// What a dealer does in the registration book, and what comes in the middle of it: the stream, the end of the
+// pane, the host's exit.
+#include "tests/window/BookWindowTest.h"
+
+#include <algorithm>
+
+namespace {
+
+class BookInterrupt : public BookWindowTest {
+protected:
+    // Filled while nothing is drawn.
+    void OpenWith(int rows, const std::vector<std::string>& selected) {
+        Open();
+        ShowWindow(Frame(), SW_HIDE);
+        QueriedUpTo(rows);
+        ShowWindow(Frame(), SW_SHOW);
+        SetForegroundWindow(Frame());
+        Select(registered, selected);
+        host.requests.clear();
+    }
+    void SendText(const char* text) const {
+        SendMessageA(pane, book::kCommandText, 0, reinterpret_cast<LPARAM>(text));
+    }
+    static std::string CancelRequest(const std::string& number, const std::string& reason) {
+        return "cancel_sip_order registrationNumber=" + number + " echoedNumber=" + number
+               + " orderId=UUID-1 userText=" + reason + " cancelledBy=LOGIN orderSource= ";
+    }
+};
+
+TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
+    struct Row {
+        const char* start;
+        std::function<void()> starts;
+        int closes;       // the reason dialog, by this command; 0: by Escape
+        const char* sent; // null: nothing is asked or sent
+    };
+    const auto press = [](UINT key) {
+        probe::PostKey(key);
+        probe::Pump();
+    };
+    const Row rows[] = {
+        {"a key in the list", [&] { press(VK_DELETE); }, IDOK, "not wanted"},
+        {"the host's text", [&] { SendText("Cancel Order"); }, 0, " "},
+        {"no text", [&] { SendText(nullptr); }, IDOK, nullptr},
+        {"a key in the other list",
+         [&] {
+             SetFocus(cancelled);
+             press(VK_DELETE);
+         },
+         IDOK, nullptr},
+    };
+    OpenWith(4, {});
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.start);
+        host.requests.clear();
+        Select(registered, {"SIP1", "SIP2", "SIP4"});
+        SetFocus(registered);
+        std::string caption;
+        const WhenShown reason(ReasonDialog, [&](HWND shown) {
+            EXPECT_FALSE(IsWindowEnabled(Frame()));
+            EXPECT_EQ(GetFocus(), GetDlgItem(shown, IDC_REJECT_REASON));
+            probe::SetEdit(shown, IDC_REJECT_REASON, "not wanted");
+            if (row.closes)
+                probe::Press(shown, row.closes);
+            else
+                probe::PostKey(VK_ESCAPE);
+        });
+        row.starts();
+        EXPECT_EQ(reason.Seen(), row.sent != nullptr);
+        Texts expected;
+        if (row.sent)
+            for (const char* number : {"SIP4", "SIP2", "SIP1"})
+                expected.push_back(CancelRequest(number, row.sent));
+        EXPECT_EQ(host.requests, expected);
+        EXPECT_EQ(boxes.Texts(), row.sent ? "You have selected 3 Orders to Cancel. Proceed?|" : "");
+        EXPECT_TRUE(!row.sent || GetFocus() == registered) << "the dealer goes on by keyboard";
+    }
+    boxes.toQuestions = IDNO;
+    Select(registered, {"SIP3"});
+    host.requests.clear();
+    Command(book::kCancel);
+    EXPECT_EQ(boxes.Texts(), "Do you want to cancel Order No: SIP3 |");
+    EXPECT_TRUE(host.requests.empty());
+}
+
+// Nothing is left, and nothing is sent any more.
+TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
+    const auto progress = [] {
+        HWND found = nullptr;
+        for (HWND window : probe::TopWindows())
+            if (GetDlgItem(window, IDC_RUN_BAR)) found = window;
+        return found;
+    };
+    const auto ends = [&](bool exits) {
+        if (exits)
+            plugin->Exit();
+        else
+            DestroyWindow(pane);
+    };
+    struct Row {
+        const char* middle;
+        std::function<void(bool exits)> happens;
+        int rows = 3;
+        std::size_t sent = 0; // before the end
+    };
+    const Row rows[] = {
+        {"the question of a cancellation",
+         [&](bool exits) {
+             boxes.during = [&, exits] { ends(exits); };
+             Command(book::kCancel);
+         }},
+        {"the reason",
+         [&](bool exits) {
+             const WhenShown reason(ReasonDialog, [&](HWND) { ends(exits); });
+             Command(book::kCancel);
+             EXPECT_TRUE(reason.Seen());
+         }},
+        {"the row menu",
+         [&](bool exits) {
+             const WhenShown menu(probe::OpenMenu, [&](HWND) { ends(exits); });
+             SendMessageA(registered, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(registered), MAKELPARAM(60, 60));
+             EXPECT_TRUE(menu.Seen());
+         }},
+        {"the question of a run",
+         [&](bool exits) {
+             boxes.during = [&, exits] { ends(exits); };
+             Command(book::kPauseSelected);
+         }},
+        {"the progress of a run",
+         [&](bool exits) {
+             Command(book::kPauseSelected);
+             EXPECT_TRUE(probe::PumpUntil([&] { return progress() && host.requests.size() > 250; }));
+             ends(exits);
+         },
+         300, 300},
+        {"the last box of a run",
+         [&](bool exits) {
+             Command(book::kPauseSelected);
+             boxes.during = [&, exits] { ends(exits); };
+             SendMessageA(progress(), WM_CLOSE, 0, 0);
+         },
+         251, 250},
+    };
+    for (const Row& row : rows)
+        for (const bool exits : {false, true}) {
+            SCOPED_TRACE(std::string(exits ? "exit during " : "end of the pane during ") + row.middle);
+            OpenWith(row.rows, {});
+            ListView_SetItemState(registered, -1, LVIS_SELECTED, LVIS_SELECTED);
+            row.happens(exits);
+            const auto sent = host.requests.size();
+            probe::Pump();
+            EXPECT_FALSE(IsWindow(pane));
+            EXPECT_TRUE(PluginWindows().empty()) << probe::Text(PluginWindows().front());
+            EXPECT_TRUE(IsWindowEnabled(Frame()));
+            EXPECT_EQ(host.requests.size(), sent) << "nothing goes on";
+            EXPECT_LE(sent, row.sent);
+            EXPECT_EQ(exits, host.LiveControls() == 0);
+            boxes.Texts();
+        }
+}
+
+} // namespace
