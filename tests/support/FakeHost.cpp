@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 namespace planfold::test {
@@ -117,6 +118,10 @@ void FakeControl::Misused() {
 FakeHost::FakeHost() {
     g_host = this;
 #ifdef _WIN32
+    const auto folder = std::filesystem::temp_directory_path() / "user";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    userDirectory = folder.string();
     WNDCLASSA frame{};
     frame.lpfnWndProc = DefWindowProcA;
     frame.lpszClassName = "FakeHostFrame";

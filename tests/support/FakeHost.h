@@ -137,7 +137,7 @@ struct FakeHost {
     std::string peerIdA = "PEERA", peerIdB = "PEERB";
     std::string uuid = "UUID-1"; // empty: the host gives none
     std::string activeClient;
-    std::string userDirectory = "C:\\user";
+    std::string userDirectory = "C:\\user"; // a folder that is empty at first under Windows
     std::vector<std::pair<std::string, std::string>> clients{{"C001", "First Client"},
                                                              {"C002", "Second Client"}};
     std::set<std::string> validAccounts{"C001", "C002"};
