@@ -52,6 +52,21 @@ int CompareCells(const SortColumn& by, std::string_view one, std::string_view ot
 
 } // namespace
 
+std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t column, ValueType type,
+                                   bool adding) {
+    const auto sorted = std::ranges::find(columns, column, &SortColumn::column);
+    const bool known = sorted != columns.end() && (adding || columns.size() == 1);
+    if (!known) {
+        if (!adding) columns.clear();
+        columns.push_back({column, false, type});
+    } else if (sorted->descending) {
+        columns.erase(sorted);
+    } else {
+        sorted->descending = true;
+    }
+    return columns;
+}
+
 // Texts without the prefix come before or behind all that have it.
 std::uint64_t SortOrder::TextKey(std::string_view cell) const {
     if (StartsWithFolded(cell, m_prefix)) return KeyAt(cell, m_prefix.size());

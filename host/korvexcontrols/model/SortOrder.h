@@ -22,6 +22,10 @@ struct SortColumn {
     bool operator==(const SortColumn&) const = default;
 };
 
+// What a click on a heading makes of a sort: ascending, descending, natural. `adding` keeps the other columns.
+std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t column, ValueType type,
+                                   bool adding);
+
 class SortOrder {
 public:
     SortOrder(CellSource& source, const RowOrder& arrival) : m_source(source), m_arrival(arrival) {}
