@@ -112,13 +112,6 @@ void RowFilters::SetOwner(std::int32_t column, const std::string_view* text) {
     if (text) m_owner.emplace(column, FilterInput{FilterOperator::exactly, std::string(*text), {}});
 }
 
-bool RowFilters::Pass(CellSource& source, std::uint32_t record) const {
-    const auto passes = [&](const ColumnFilter& filter) {
-        return filter.Passes(source.Cell(record, filter.Column()));
-    };
-    return (!m_owner || passes(*m_owner)) && std::ranges::all_of(m_filters, passes);
-}
-
 void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const {
     std::array<std::string_view, kBatch> cells;
     const auto drop = [&](const ColumnFilter& filter) {

@@ -4,6 +4,7 @@
 #include "host/korvexcontrols/model/Cells.h"
 #include "sdk/korvex/ValueType.h"
 
+#include <algorithm>
 #include <list>
 #include <optional>
 #include <span>
@@ -81,7 +82,12 @@ public:
     void SetOwner(std::int32_t column, const std::string_view* text);
     void Clear() { m_filters.clear(); } // but the owner's
 
-    bool Pass(CellSource& source, std::uint32_t record) const;
+    bool Pass(CellSource& source, std::uint32_t record) const {
+        const auto passes = [&](const ColumnFilter& filter) {
+            return filter.Passes(source.Cell(record, filter.Column()));
+        };
+        return (!m_owner || passes(*m_owner)) && std::ranges::all_of(m_filters, passes);
+    }
     void DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const;
 
 private:
