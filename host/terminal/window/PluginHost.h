@@ -36,6 +36,7 @@ public:
     // What the plug-ins offer depends on the user's rights: asks them all again.
     void RefreshInfo();
 
+    // What the menu no longer has by now is not picked.
     void Pick(std::size_t plugin, std::size_t entry, const std::string& loginId, int loginMode);
     void ActivateClient(const std::string& client);
     void ApplyFont();

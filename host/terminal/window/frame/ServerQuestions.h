@@ -1,4 +1,4 @@
-// Asks the user for a number. The identifiers are for the resource compiler too.
+// What the commands of the "Server" menu ask the user for. The identifiers are for the resource compiler too.
 #pragma once
 
 #define IDD_COUNT 10
@@ -12,23 +12,18 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 
 namespace vesk {
 
-struct CountQuestion {
-    const char* caption;
-    const char* label;
-    int usual;
-    int most; // from 1
-    // A text that is asked for besides; null when there is none.
-    const char* textLabel = nullptr;
-    std::string* text = nullptr; // what it begins with, and becomes
-};
+class ServerLink;
 
-// Runs until the user has answered; nothing when he cancels.
-std::optional<int> AskCount(HWND owner, const CountQuestion& question);
+// Each runs until the user has answered: a line as ServerCommands takes, empty when he cancels.
+using ServerQuestion = std::string(HWND owner, const ServerLink& server);
+ServerQuestion AskForRegistrations;
+ServerQuestion AskForOtherOrders;
+ServerQuestion AskForExecution;
+ServerQuestion AskForClock;
 
 } // namespace vesk
 
