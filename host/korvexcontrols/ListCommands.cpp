@@ -106,7 +106,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnKey(WPARAM key) {
         {VK_F3, false, false, &Impl::FindNext},         {VK_F3, false, true, &Impl::FindPrevious},
         {kFilterKey, true, true, &Impl::AskForFilter},
     };
-    // By keyboard the menu is about the focused row.
+    // A menu opened by keyboard is about the focused row.
     m_clickedRecord = kNone;
     const bool control = IsDown(VK_CONTROL), shift = IsDown(VK_SHIFT);
     for (const Key& known : keys) {

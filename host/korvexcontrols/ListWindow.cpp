@@ -61,7 +61,7 @@ COLORREF BackgroundOf(HWND list) {
     return own == CLR_NONE ? GetSysColor(COLOR_WINDOW) : own;
 }
 
-// Colours the row that is about to be drawn; nothing in high contrast.
+// Colours the row that is about to be drawn; in high contrast there are no colours.
 void ColourRow(NMLVCUSTOMDRAW& draw, std::int32_t look) {
     if (look == kKorvexPlain) return;
     const auto colours = framework::ColoursOf(static_cast<Meaning>(look), BackgroundOf(draw.nmcd.hdr.hwndFrom));

@@ -46,13 +46,13 @@ public:
     // One filter a column; null takes it away.
     ListChange SetFilter(std::int32_t column, const FilterInput* input);
     ListChange ClearFilters(); // but the owner's
-    // Exact equality, beside the filters of the columns; null takes it away.
+    // The text must equal the cell exactly, beside the filters of the columns; null takes it away.
     ListChange SetOwnerFilter(std::int32_t column, const std::string_view* text);
     // No column is the natural order.
     ListChange SetSort(std::vector<SortColumn> columns);
 
     const RowRanges& Selection() const { return m_selection.Rows(); }
-    // What the user does: what is hidden is no longer selected.
+    // This is what the user does: what is hidden is no longer selected.
     void SelectRows(std::uint32_t begin, std::uint32_t end, bool on);
     // The record gets the focus, too.
     void SelectOnly(std::uint32_t record);

@@ -11,7 +11,7 @@ namespace korvex {
 class ListSelection {
 public:
     const RowRanges& Rows() const { return m_rows; }
-    // What the user does: what is hidden is no longer selected.
+    // This is what the user does: what is hidden is no longer selected.
     void Select(std::uint32_t begin, std::uint32_t end, bool on);
     void Clear() { *this = {}; }
     void Deselect(std::uint32_t row) { m_rows.Set(row, row + 1, false); }

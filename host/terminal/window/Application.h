@@ -53,7 +53,7 @@ public:
     void SetLoginMode(int mode);
     // A line as ServerCommands takes. The log tells what became of it; `also` is told as well.
     void TellServer(const std::string& line, std::function<void(const Told&)> also = {});
-    // The non-trading days anew, with those that the server restricts.
+    // Reads the non-trading days anew, and adds those that the server restricts.
     bool ReloadCalendar();
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }

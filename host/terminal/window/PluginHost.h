@@ -30,7 +30,7 @@ public:
     PluginHost& operator=(const PluginHost&) = delete;
     ~PluginHost() { UnloadAll(); }
 
-    // One line a library, for the log.
+    // The answer has a line for each library, for the log.
     std::vector<std::string> LoadFolder(const std::string& folder);
     const std::vector<Plugin>& Plugins() const { return m_plugins; }
     // What the plug-ins offer depends on the user's rights: asks them all again.
