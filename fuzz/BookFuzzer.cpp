@@ -88,7 +88,7 @@ void CompareShown(const View& view, const OrderBook& book, test::ModelList& list
             rows.push_back(record);
     }
     if (view.column >= 0) std::ranges::stable_sort(rows, {}, cell);
-    Demand(model.ShownRecords() == rows);
+    Demand(model.Rows().ShownRecords() == rows);
     Demand(model.ShownCount() == rows.size());
 }
 

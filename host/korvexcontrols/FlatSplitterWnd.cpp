@@ -195,7 +195,7 @@ void CFlatSplitterWnd::Impl::MoveTo(korvex::SplitPosition position) {
     SendMessageA(GetParent(Handle()), WM_NOTIFY, id, reinterpret_cast<LPARAM>(&told));
 }
 
-// A line along the middle, in the colour of a selection while it has the focus.
+// The bar is a line along the middle, in the colour of a selection while it has the focus.
 void CFlatSplitterWnd::Impl::Paint() const {
     PAINTSTRUCT paint{};
     const HDC dc = BeginPaint(Handle(), &paint);

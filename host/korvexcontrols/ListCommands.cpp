@@ -39,10 +39,10 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
     static constexpr auto anyShown = [](Impl& list) { return list.m_model.ShownCount() > 0; };
     static constexpr auto hasCell = [](Impl& list) { return list.FilterByThisCell().has_value(); };
     static constexpr auto filtered = [](Impl& list) {
-        return list.m_model.FilterOf(list.m_clickedColumn) != nullptr;
+        return list.m_model.Rows().Filters().Of(list.m_clickedColumn) != nullptr;
     };
-    static constexpr auto anyFilter = [](Impl& list) { return list.m_model.HasFilters(); };
-    static constexpr auto sorted = [](Impl& list) { return !list.m_model.Sort().empty(); };
+    static constexpr auto anyFilter = [](Impl& list) { return list.m_model.Rows().Filters().OfAnyColumn(); };
+    static constexpr auto sorted = [](Impl& list) { return !list.m_model.Rows().Sort().empty(); };
     static constexpr Entry entries[] = {
         {"Copy\tCtrl+C", false, false, anySelected, &Impl::Copy},
         {"Select All\tCtrl+A", false, false, anyShown, &Impl::SelectAll},
@@ -106,7 +106,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnKey(WPARAM key) {
         {VK_F3, false, false, &Impl::FindNext},         {VK_F3, false, true, &Impl::FindPrevious},
         {kFilterKey, true, true, &Impl::AskForFilter},
     };
-    // By keyboard the menu is about the focused row.
+    // A menu opened by keyboard is about the focused row.
     m_clickedRecord = kNone;
     const bool control = IsDown(VK_CONTROL), shift = IsDown(VK_SHIFT);
     for (const Key& known : keys) {
@@ -145,7 +145,7 @@ void CFilterListCtrl::Impl::AskForFilter() {
     const auto* known = m_header.At(column);
     if (!known) return;
     if (!m_filterDialog) m_filterDialog.emplace(m_self);
-    const korvex::ColumnFilter* now = m_model.FilterOf(column);
+    const korvex::ColumnFilter* now = m_model.Rows().Filters().Of(column);
     m_filterDialog->Ask(Handle(), known->heading, known->type, now ? &now->Input() : nullptr,
                         [this, column](const korvex::FilterInput* input) {
                             SetFocus(Handle());
@@ -197,7 +197,7 @@ bool CFilterListCtrl::Impl::Find(const std::string& text, bool forward) {
     const std::uint32_t start = focused == kNone ? none : (focused + (forward ? 1 : count - 1)) % count;
     const auto columns = m_header.Shown();
     const std::string folded = Folded(text);
-    const std::uint32_t row = m_model.Find({start, kNone, forward, columns}, [&](std::string_view cell) {
+    const std::uint32_t row = m_model.Rows().Find({start, kNone, forward, columns}, [&](std::string_view cell) {
         return korvex::ContainsFolded(cell, folded);
     });
     if (row == kNone) return false;
@@ -224,7 +224,7 @@ void CFilterListCtrl::Impl::Export() {
     const HWND top = GetAncestor(Handle(), GA_ROOT);
     const auto path = framework::AskForFileToWrite(top, kExport, m_name + ".csv");
     if (!path || !Handle() || !m_owner) return;
-    const std::string text = korvex::ToCsv(*this, ExportedColumns(), m_model.ShownRecords());
+    const std::string text = korvex::ToCsv(*this, ExportedColumns(), m_model.Rows().ShownRecords());
     const std::string fault = framework::WriteWhole(*path, text);
     if (!fault.empty()) m_boxes.Show(top, fault);
 }

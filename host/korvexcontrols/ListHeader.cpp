@@ -125,7 +125,7 @@ void ListHeader::ShowSort(const std::vector<SortColumn>& sort) const {
     }
 }
 
-// All funnels at the end: not every system asks about an item once more after drawing it.
+// All funnels are drawn at the end: not every system asks about an item once more after drawing it.
 LRESULT ListHeader::Draw(const NMCUSTOMDRAW& draw, const std::function<bool(std::int32_t)>& isFiltered) const {
     if (draw.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYPOSTPAINT;
     if (draw.dwDrawStage != CDDS_POSTPAINT) return CDRF_DODEFAULT;

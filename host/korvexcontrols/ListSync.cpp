@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::uint32_t kManyRows = 8;
 
-// Turns redrawing off; afterwards only what had to be painted before still has to be. Past the list itself,
-// which may keep a flag of its own and scroll its pixels all the same.
+// Turns redrawing off; afterwards only what had to be painted before still has to be. The list itself is not
+// asked: it may keep a flag of its own and scroll its pixels all the same.
 class Quiet {
 public:
     explicit Quiet(framework::Window list) : m_list(list), m_pending(CreateRectRgn(0, 0, 0, 0)) {
@@ -91,7 +91,8 @@ std::uint32_t ListSync::RowUnderMouse() const {
     return row < m_count ? row : kNone;
 }
 
-// Under the mouse, or else the top line of a list that is scrolled. At the very top new rows show themselves.
+// The anchor is the line under the mouse, or else the top one of a list that is scrolled. At the very top new
+// rows show themselves.
 void ListSync::RememberAnchor(Before& before) const {
     const std::uint32_t mouse = RowUnderMouse();
     const std::uint32_t first = mouse != kNone ? mouse : before.top;
@@ -162,7 +163,7 @@ void ListSync::SetSelection() {
     const RowRanges& wanted = m_model.Selection();
     RowRanges difference = RowRanges::Difference(m_selected, wanted);
     const std::uint32_t fewest = std::min(wanted.Count(), m_count - wanted.Count()) + 1;
-    // By the list's own flag it leaves out what each row costs.
+    // The list's own flag makes it leave out what each row costs.
     const bool many = difference.Count() > kManyRows;
     if (many) m_list.Send(WM_SETREDRAW, FALSE);
     if (difference.Count() > fewest) {

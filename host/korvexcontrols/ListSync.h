@@ -41,13 +41,13 @@ public:
     static void AnchorFocus(Before& before);
     // At the very top new rows show themselves, whatever row the mouse is on.
     static void ReleaseTop(Before& before);
-    // After the model has changed; the records are repainted where they stand.
+    // Called after the model has changed; the records are repainted where they stand.
     void Follow(const Before& before, std::span<const std::uint32_t> repainted = {});
     void RepaintAll() const;
 
-    // True while the control's notifications are answers to our own messages.
+    // It is true while the control's notifications are answers to our own messages.
     bool Busy() const { return m_busy; }
-    // What the user, or another program, did.
+    // These take what the user, or another program, did.
     void OnItemChanged(const NMLISTVIEW& change);
     void OnRangeChanged(const NMLVODSTATECHANGE& change);
     // Reads the control's selection when it differs from what is known: a notification may have been lost.
@@ -74,7 +74,7 @@ private:
     ListModel& m_model;
     framework::Window m_list;
     bool m_busy = false;
-    // What the control holds.
+    // These three are what the control holds.
     std::uint32_t m_count = 0;
     RowRanges m_selected;
     std::uint32_t m_focusedRow = kNone;

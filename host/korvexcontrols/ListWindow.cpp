@@ -61,7 +61,7 @@ COLORREF BackgroundOf(HWND list) {
     return own == CLR_NONE ? GetSysColor(COLOR_WINDOW) : own;
 }
 
-// Colours the row that is about to be drawn; nothing in high contrast.
+// Colours the row that is about to be drawn; in high contrast there are no colours.
 void ColourRow(NMLVCUSTOMDRAW& draw, std::int32_t look) {
     if (look == kKorvexPlain) return;
     const auto colours = framework::ColoursOf(static_cast<Meaning>(look), BackgroundOf(draw.nmcd.hdr.hwndFrom));
@@ -92,7 +92,7 @@ bool CFilterListCtrl::Impl::Attach(const Args& args) {
     m_header.Attach(args.list, std::move(columns), m_name);
     constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP;
     SendMessageA(args.list, LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
-    m_header.ShowSort(m_model.Sort());
+    m_header.ShowSort(m_model.Rows().Sort());
     m_sync.Attach(args.list);
     return true;
 }
@@ -167,7 +167,7 @@ void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
     operation();
     m_sync.Follow(before);
     m_sync.RepaintAll();
-    m_header.ShowSort(m_model.Sort());
+    m_header.ShowSort(m_model.Rows().Sort());
     m_header.Repaint();
     TellShownRowsChanged();
 }
@@ -252,7 +252,7 @@ int CFilterListCtrl::Impl::FindTyped(const LVFINDINFOA& find, int start) {
     const std::uint32_t steps = find.flags & LVFI_WRAP ? count : count - from;
     const bool whole = !(find.flags & LVFI_PARTIAL);
     const std::uint32_t row =
-        m_model.Find({from, steps, true, std::span(shown).first(1)}, [&](std::string_view cell) {
+        m_model.Rows().Find({from, steps, true, std::span(shown).first(1)}, [&](std::string_view cell) {
             return korvex::StartsWithFolded(cell, typed) && (!whole || cell.size() == typed.size());
         });
     return row == kNone ? -1 : static_cast<int>(row);
@@ -291,7 +291,8 @@ std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notifica
     case LVN_COLUMNCLICK: {
         const std::int32_t column = reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem;
         const bool adding = IsDown(VK_CONTROL) || IsDown(VK_SHIFT);
-        Rearrange([&] { return m_model.ClickHeading(column, TypeOf(column), adding); });
+        auto sort = korvex::AfterClick(m_model.Rows().Sort(), column, TypeOf(column), adding);
+        Rearrange([&] { return m_model.SetSort(std::move(sort)); });
         return 0;
     }
     case NM_CUSTOMDRAW:
@@ -306,8 +307,9 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
     if (notification.hwndFrom != m_header.Handle()) return std::nullopt;
     switch (notification.code) {
     case NM_CUSTOMDRAW:
-        return m_header.Draw(reinterpret_cast<const NMCUSTOMDRAW&>(notification),
-                             [&](std::int32_t column) { return m_model.FilterOf(column) != nullptr; });
+        return m_header.Draw(reinterpret_cast<const NMCUSTOMDRAW&>(notification), [&](std::int32_t column) {
+            return m_model.Rows().Filters().Of(column) != nullptr;
+        });
     case NM_RCLICK:
         ShowColumnMenu();
         return 1; // no context menu of the rows besides

@@ -33,7 +33,7 @@ public:
     void SetOwnerFilter(std::int32_t column, const char* text);
     void BeginChanges();
     void EndChanges();
-    // Before the selection is asked for.
+    // It is called before the selection is asked for.
     void AdoptSelection();
 
     void AppendMenuEntries(HMENU menu) { AppendEntries(menu, false); }
@@ -100,13 +100,13 @@ private:
     std::uint32_t m_firstCommand = 0;
     std::vector<KorvexText> m_fetched;
     int m_changes = 0; // calls of BeginChanges that are open
-    // What happened meanwhile; too many repainted records are all rows.
+    // These note what happened meanwhile; too many repainted records are all rows.
     bool m_repaintAll = false;
     bool m_unasked = false; // a row came that the user did not ask for
     std::vector<std::uint32_t> m_repainted;
     bool m_behind = false; // the window, with one of m_changes
     korvex::ListSync::Before m_before;
-    // What a menu is about: the cell clicked last. By keyboard it is in the focused row.
+    // A menu is about the cell clicked last; one opened by keyboard is about the focused row.
     std::uint32_t m_clickedRecord = korvex::kNone;
     std::int32_t m_clickedColumn = 0;
     std::string m_searched;

@@ -41,48 +41,6 @@ bool Number(const std::string& text, long double& value) {
            && text.find_first_not_of(" +-.0123456789") == text.npos;
 }
 
-bool Compares(FilterOperator id, long double cell, long double value, long double second) {
-    switch (id) {
-    case FilterOperator::equals:
-        return cell == value;
-    case FilterOperator::equalsNot:
-        return cell != value;
-    case FilterOperator::less:
-        return cell < value;
-    case FilterOperator::atMost:
-        return cell <= value;
-    case FilterOperator::greater:
-        return cell > value;
-    case FilterOperator::atLeast:
-        return cell >= value;
-    default:
-        return cell >= value && cell <= second;
-    }
-}
-
-bool CellPasses(const FilterInput& filter, const std::string& cell) {
-    const std::string folded = Lower(cell), wanted = Lower(filter.value);
-    switch (filter.id) {
-    case FilterOperator::exactly:
-        return cell == filter.value;
-    case FilterOperator::contains:
-        return folded.find(wanted) != folded.npos;
-    case FilterOperator::containsNot:
-        return folded.find(wanted) == folded.npos;
-    case FilterOperator::equalsText:
-        return folded == wanted;
-    case FilterOperator::beginsWith:
-        return folded.starts_with(wanted);
-    default:
-        break;
-    }
-    long double number = 0, value = 0, second = 0;
-    Number(filter.value, value);
-    Number(filter.second, second);
-    if (!Number(cell, number)) return filter.id == FilterOperator::equalsNot;
-    return Compares(filter.id, number, value, second);
-}
-
 } // namespace
 
 void ListPair::Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) {
@@ -96,8 +54,8 @@ void ListPair::FillCells(std::uint32_t record, const std::function<unsigned()>& 
 }
 
 bool ListPair::Passes(std::uint32_t record) const {
-    return std::ranges::all_of(m_filters, [&](const Filter& filter) {
-        return CellPasses(filter.input, m_cells[record][static_cast<std::size_t>(filter.column)]);
+    return std::ranges::all_of(m_filters, [&](const ColumnFilter& filter) {
+        return filter.Passes(m_cells[record][static_cast<std::size_t>(filter.Column())]);
     });
 }
 
@@ -162,10 +120,8 @@ void ListPair::Select(const std::function<unsigned()>& next) {
     std::erase_if(m_selected,
                   [&](std::uint32_t record) { return std::ranges::find(shown, record) == shown.end(); });
     for (std::uint32_t row = begin; row < end; ++row) {
-        if (how == 2)
-            m_selected.insert(shown[row]);
-        else
-            m_selected.erase(shown[row]);
+        m_selected.erase(shown[row]);
+        if (how == 2) m_selected.insert(shown[row]);
     }
 }
 
@@ -174,22 +130,22 @@ void ListPair::Filters(const std::function<unsigned()>& next) {
     const auto column = static_cast<std::int32_t>(next() % kColumns);
     const unsigned how = next() % 4;
     const bool owners = how == 0;
-    std::erase_if(m_filters, [&](const Filter& filter) {
-        const bool isOwners = filter.input.id == FilterOperator::exactly;
-        return isOwners == owners && (owners || filter.column == column);
+    std::erase_if(m_filters, [&](const ColumnFilter& filter) {
+        const bool isOwners = filter.Input().id == FilterOperator::exactly;
+        return isOwners == owners && (owners || filter.Column() == column);
     });
     const auto& values = IsNumeric(kTypes[column]) ? kNumbers : kTexts;
     const std::string value = values[next() % std::size(values)];
     if (owners) {
         const bool set = next() % 2;
         const std::string_view view = value;
-        if (set) m_filters.push_back({column, {FilterOperator::exactly, value, {}}});
+        if (set) m_filters.emplace_back(column, FilterInput{FilterOperator::exactly, value, {}});
         return Settle(m_model.SetOwnerFilter(column, set ? &view : nullptr), before, true);
     }
     const auto operators = OperatorsFor(kTypes[column]);
     const FilterInput input{operators[next() % operators.size()].id, value, values[next() % std::size(values)]};
     const bool set = how > 1 && ColumnFilter::FaultOf(input).empty();
-    if (set) m_filters.push_back({column, input});
+    if (set) m_filters.emplace_back(column, input);
     Settle(m_model.SetFilter(column, set ? &input : nullptr), before, true);
 }
 

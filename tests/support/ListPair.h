@@ -1,10 +1,11 @@
-// The list's model beside a plain one: a vector, std::stable_sort, sets. Steps are bytes, from a generator or a
-// fuzzer.
+// The list's model beside a plain one: a vector, std::stable_sort, sets. Only the single filter is shared.
+// Steps are bytes, from a generator or a fuzzer.
 #pragma once
 
 #include "host/korvexcontrols/model/ListModel.h"
 
 #include <functional>
+#include <list>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,10 +26,6 @@ public:
 private:
     static constexpr int kColumns = 3;
     static constexpr ValueType kTypes[kColumns] = {ValueType::text, ValueType::amount, ValueType::identifier};
-    struct Filter {
-        std::int32_t column;
-        FilterInput input;
-    };
 
     void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override;
     bool Passes(std::uint32_t record) const;
@@ -43,7 +40,7 @@ private:
     std::vector<std::array<std::string, kColumns>> m_cells;
     ListModel m_model{*this};
     std::vector<std::uint32_t> m_rows; // the newest first
-    std::vector<Filter> m_filters;     // the owner's has FilterOperator::exactly
+    std::list<ColumnFilter> m_filters; // the owner's has FilterOperator::exactly
     std::vector<SortColumn> m_sort;
     std::set<std::uint32_t> m_selected; // shown or not
     std::uint32_t m_focused = kNone;

@@ -59,7 +59,7 @@ std::string_view TakeDigits(std::string_view& text) {
     return digits;
 }
 
-// The usual cell, in one pass: no blanks, no sign but "-", no more digits than a key holds.
+// Reads the usual cell in one pass: it has no blanks, no sign but "-" and no more digits than a key holds.
 std::optional<std::int64_t> ReadPlainKey(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative) text.remove_prefix(1);

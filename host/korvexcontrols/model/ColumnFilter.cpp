@@ -3,6 +3,7 @@
 #include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace korvex {
@@ -94,6 +95,37 @@ bool ColumnFilter::PassesNumber(std::string_view cell) const {
     default:
         return order >= 0 && Compare(*number, m_second) <= 0;
     }
+}
+
+const ColumnFilter* RowFilters::Of(std::int32_t column) const {
+    const auto found = std::ranges::find(m_filters, column, &ColumnFilter::Column);
+    return found == m_filters.end() ? nullptr : &*found;
+}
+
+void RowFilters::Set(std::int32_t column, const FilterInput* input) {
+    std::erase_if(m_filters, [&](const ColumnFilter& filter) { return filter.Column() == column; });
+    if (input) m_filters.emplace_back(column, *input);
+}
+
+void RowFilters::SetOwner(std::int32_t column, const std::string_view* text) {
+    m_owner.reset();
+    if (text) m_owner.emplace(column, FilterInput{FilterOperator::exactly, std::string(*text), {}});
+}
+
+void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const {
+    std::array<std::string_view, kBatch> cells;
+    const auto drop = [&](const ColumnFilter& filter) {
+        std::size_t kept = 0;
+        for (std::size_t at = 0; at < records.size(); at += kBatch) {
+            const std::size_t count = std::min(kBatch, records.size() - at);
+            source.Cells({&records[at], count}, filter.Column(), cells.data());
+            for (std::size_t i = 0; i < count; ++i)
+                if (filter.Passes(cells[i])) records[kept++] = records[at + i];
+        }
+        records.resize(kept);
+    };
+    if (m_owner) drop(*m_owner);
+    std::ranges::for_each(m_filters, drop);
 }
 
 } // namespace korvex

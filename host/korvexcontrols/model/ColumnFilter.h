@@ -4,8 +4,12 @@
 #include "host/korvexcontrols/model/Cells.h"
 #include "sdk/korvex/ValueType.h"
 
+#include <algorithm>
+#include <list>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace korvex {
 
@@ -65,6 +69,30 @@ private:
     FilterInput m_input;
     std::string m_folded;
     Decimal m_value, m_second; // views into m_input
+};
+
+// The conditions of a list: one filter a column, and the owner's beside them.
+class RowFilters {
+public:
+    bool OfAnyColumn() const { return !m_filters.empty(); }
+    bool PassAll() const { return !OfAnyColumn() && !m_owner; }
+    const ColumnFilter* Of(std::int32_t column) const;
+    // Null takes the filter away.
+    void Set(std::int32_t column, const FilterInput* input);
+    void SetOwner(std::int32_t column, const std::string_view* text);
+    void Clear() { m_filters.clear(); } // but the owner's
+
+    bool Pass(CellSource& source, std::uint32_t record) const {
+        const auto passes = [&](const ColumnFilter& filter) {
+            return filter.Passes(source.Cell(record, filter.Column()));
+        };
+        return (!m_owner || passes(*m_owner)) && std::ranges::all_of(m_filters, passes);
+    }
+    void DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const;
+
+private:
+    std::list<ColumnFilter> m_filters;
+    std::optional<ColumnFilter> m_owner;
 };
 
 } // namespace korvex

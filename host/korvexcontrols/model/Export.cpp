@@ -42,7 +42,7 @@ struct Notation {
 };
 constexpr Notation kCsv{',', AddQuoted}, kTabbed{'\t', AddOnOneLine};
 
-// One call a column for many rows; the rows are then put together.
+// The source is asked once a column for many rows; the rows are then put together.
 void AddRows(std::string& text, CellSource& source, std::span<const ExportColumn> columns,
              std::span<const std::uint32_t> records, const Notation& notation) {
     std::vector<std::string_view> cells(columns.size() * records.size());

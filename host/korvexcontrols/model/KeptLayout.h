@@ -34,7 +34,7 @@ public:
 
     // The first pane's length. A room too small for both is shared as their least lengths are.
     int First(int room, Least least) const;
-    // The user wants this length. Nothing in a room too small for both.
+    // The user wants this length. A room too small for both keeps its share.
     void MoveTo(int first, int room, Least least);
 
 private:

@@ -1,56 +1,51 @@
-// Selection and focus of a list's shown rows.
-#include "host/korvexcontrols/model/ListModel.h"
-
-#include <algorithm>
+#include "host/korvexcontrols/model/ListSelection.h"
 
 namespace korvex {
 
-void ListModel::RowCame(std::uint32_t record, std::uint32_t row) {
-    m_selected.InsertRow(row);
-    if (!IsHiddenSelected(record)) return;
-    m_selected.Set(row, row + 1, true);
-    SetHiddenSelected(record, false);
+void ListSelection::Remember(std::uint32_t record, bool on) {
+    if (on && record >= m_hidden.size()) m_hidden.resize(record + std::size_t{1});
+    if (record < m_hidden.size()) m_hidden[record] = on;
 }
 
-void ListModel::RowWent(std::uint32_t record, std::uint32_t row) {
-    m_selected.RemoveRow(row);
-    // The record is no more: the row now in its place takes over.
-    if (m_focused == record) m_focused = ShownCount() ? ShownAt(std::min(row, ShownCount() - 1)) : kNone;
+void ListSelection::Select(std::uint32_t begin, std::uint32_t end, bool on) {
+    m_hidden.clear();
+    m_rows.Set(begin, end, on);
 }
 
-void ListModel::SetHiddenSelected(std::uint32_t record, bool on) {
-    if (on && record >= m_hiddenSelected.size()) m_hiddenSelected.resize(record + std::size_t{1});
-    if (record < m_hiddenSelected.size()) m_hiddenSelected[record] = on;
+void ListSelection::RowCame(std::uint32_t record, std::uint32_t row) {
+    m_rows.InsertRow(row);
+    if (!IsRemembered(record)) return;
+    m_rows.Set(row, row + 1, true);
+    Forget(record);
 }
 
-void ListModel::SelectRows(std::uint32_t begin, std::uint32_t end, bool on) {
-    m_hiddenSelected.clear();
-    m_selected.Set(begin, std::min(end, ShownCount()), on);
+void ListSelection::RowWasHidden(std::uint32_t record, std::uint32_t row) {
+    Remember(record, m_rows.Contains(row));
+    m_rows.RemoveRow(row);
 }
 
-void ListModel::SelectOnly(std::uint32_t record) {
-    const std::uint32_t row = ShownRowOf(record);
-    if (row == kNone) return;
-    m_selected.Clear();
-    SelectRows(row, row + 1, true);
-    m_focused = record;
+void ListSelection::RowMoved(std::uint32_t from, std::uint32_t to) {
+    const bool selected = m_rows.Contains(from);
+    m_rows.RemoveRow(from);
+    m_rows.InsertRow(to);
+    m_rows.Set(to, to + 1, selected);
 }
 
-void ListModel::Deselect(std::uint32_t record) {
-    SetHiddenSelected(record, false);
-    const std::uint32_t row = ShownRowOf(record);
-    if (row != kNone) m_selected.Set(row, row + 1, false);
+void ListSelection::RememberAll(std::span<const std::uint32_t> selected) {
+    for (const std::uint32_t record : selected)
+        Remember(record, true);
 }
 
-std::vector<std::uint32_t> ListModel::SelectedRecords(std::uint32_t most) const {
-    std::vector<std::uint32_t> records;
-    records.reserve(std::min(most, m_selected.Count()));
-    for (const RowRanges::Range& range : m_selected.Ranges())
-        for (std::uint32_t row = range.begin; row < range.end; ++row) {
-            if (records.size() == most) return records;
-            records.push_back(ShownAt(row));
-        }
-    return records;
+void ListSelection::SelectRemembered(std::span<const std::uint32_t> shown) {
+    m_rows.Clear();
+    if (m_hidden.empty()) return;
+    for (std::uint32_t row = 0; row < shown.size(); ++row) {
+        if (!IsRemembered(shown[row])) continue;
+        const std::uint32_t begin = row;
+        for (; row < shown.size() && IsRemembered(shown[row]); ++row)
+            Forget(shown[row]);
+        m_rows.Set(begin, row, true);
+    }
 }
 
 } // namespace korvex

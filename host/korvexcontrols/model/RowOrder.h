@@ -63,7 +63,7 @@ public:
     // All records, the newest first.
     std::vector<std::uint32_t> Records() const;
 
-    // Whether most slots are empty, and closing the gaps, also those of bits that were kept for the same slots.
+    // When most slots are empty, Compact closes the gaps, also those of bits that were kept for the same slots.
     bool IsSparse() const { return Slots() > kSparseSlots && Count() < Slots() / 4; }
     void Compact(RankedBits& companion);
 

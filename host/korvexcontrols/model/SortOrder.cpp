@@ -14,8 +14,8 @@ constexpr std::size_t kKeyText = 7, kLongerThanKey = kKeyText + 1;
 // their bytes.
 constexpr std::size_t kFew = 8, kManyKeys = 512;
 
-// Behind the offset: seven folded bytes, then how many there are, at most eight. So a text comes before those
-// that begin with it, and two keys are equal when the texts are, unless both are longer.
+// The key holds seven folded bytes behind the offset, then how many there are, at most eight. So a text comes
+// before those that begin with it, and two keys are equal when the texts are, unless both are longer.
 std::uint64_t KeyAt(std::string_view text, std::size_t offset) {
     const std::size_t rest = text.size() - offset;
     std::uint64_t key = 0;
@@ -51,6 +51,21 @@ int CompareCells(const SortColumn& by, std::string_view one, std::string_view ot
 }
 
 } // namespace
+
+std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t column, ValueType type,
+                                   bool adding) {
+    const auto sorted = std::ranges::find(columns, column, &SortColumn::column);
+    const bool known = sorted != columns.end() && (adding || columns.size() == 1);
+    if (!known) {
+        if (!adding) columns.clear();
+        columns.push_back({column, false, type});
+    } else if (sorted->descending) {
+        columns.erase(sorted);
+    } else {
+        sorted->descending = true;
+    }
+    return columns;
+}
 
 // Texts without the prefix come before or behind all that have it.
 std::uint64_t SortOrder::TextKey(std::string_view cell) const {
@@ -113,7 +128,8 @@ void SortOrder::SortByCells(std::span<Item> items, std::size_t level) {
     });
 }
 
-// Byte by byte from the lowest, those that are the same in all keys left out. Equal keys keep their order.
+// Sorts byte by byte from the lowest and leaves out those that are the same in all keys. Equal keys keep their
+// order.
 void SortOrder::SortByKey(std::span<Item> items) {
     if (items.size() < kManyKeys) {
         std::ranges::stable_sort(items, {}, &Item::key);
@@ -205,7 +221,7 @@ std::vector<std::uint64_t> SortOrder::Sort(std::vector<std::uint32_t>& records) 
     const Made made = MakeKeys(items, 0, 0);
     m_exact = made.exact;
     SortByKey(items);
-    // Before the ties overwrite them; a tie stays among records of one key.
+    // The ties would overwrite them; a tie stays among records of one key.
     std::vector<std::uint64_t> keys(items.size());
     std::ranges::transform(items, keys.begin(), &Item::key);
     SortTies(items, 0, made);

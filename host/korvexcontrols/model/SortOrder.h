@@ -22,6 +22,10 @@ struct SortColumn {
     bool operator==(const SortColumn&) const = default;
 };
 
+// What a click on a heading makes of a sort: ascending, descending, natural. `adding` keeps the other columns.
+std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t column, ValueType type,
+                                   bool adding);
+
 class SortOrder {
 public:
     SortOrder(CellSource& source, const RowOrder& arrival) : m_source(source), m_arrival(arrival) {}
@@ -30,7 +34,7 @@ public:
     const std::vector<SortColumn>& Columns() const { return m_columns; }
     void SetColumns(std::vector<SortColumn> columns) { m_columns = std::move(columns); }
 
-    // Sorts records that stand newest first; their keys, in the same order.
+    // Sorts records that stand newest first, and answers their keys in the same order.
     std::vector<std::uint64_t> Sort(std::vector<std::uint32_t>& records);
     // The record is new, or its cells have changed.
     std::uint64_t MakeKey(std::uint32_t record);
@@ -56,13 +60,13 @@ private:
         std::uint32_t record;
     };
 
-    // What the keys of a run leave open.
+    // It says what the keys of a run leave open.
     struct Made {
         bool exact = true;      // equal keys mean equal cells
         std::size_t behind = 0; // of texts: the first place that no key holds
     };
 
-    // Records whose cells agree in the columns before `level`, and in that one before `offset`.
+    // The records' cells agree in the columns before `level`, and in that one before `offset`.
     void SortRun(std::span<Item> items, std::size_t level, std::size_t offset);
     void SortByCells(std::span<Item> items, std::size_t level);
     // Hands the items' cells over in their order.

@@ -22,8 +22,8 @@ public:
     std::uint32_t RowOf(std::uint32_t record) const;
 
     void Assign(std::span<const std::uint32_t> records, std::span<const std::uint64_t> keys);
-    // `standsBefore(other)`: whether the record belongs in front of the other, which has the same key. The row
-    // that it got.
+    // `standsBefore(other)` tells whether the record belongs in front of the other, which has the same key.
+    // Insert answers the row that it got, Erase the one that it had.
     template <class StandsBefore>
     std::uint32_t Insert(std::uint32_t record, std::uint64_t key, StandsBefore&& standsBefore) {
         if (m_row.empty()) return InsertFirst(record, key);
@@ -36,7 +36,6 @@ public:
             FirstBehind(into.keys, key, [&](std::size_t i) { return standsBefore(into.records[i]); });
         return InsertInto(block, at, record, key);
     }
-    // The row that it had.
     std::uint32_t Erase(std::uint32_t record);
 
 private:

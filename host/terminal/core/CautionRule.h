@@ -22,7 +22,7 @@ enum CautionAnswer : int {
     kCautionUndecided = 2, // the scrip is unknown: the order goes without a flag
 };
 
-// Decided without asking, or nothing when the user must be asked.
+// The answer is nothing when the user must be asked.
 std::optional<CautionAnswer> DecideCaution(const ScripMaster& master, const CautionOrder& order);
 // The question for one order.
 std::string CautionQuestion(const CautionOrder& order);

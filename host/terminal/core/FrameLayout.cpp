@@ -29,7 +29,7 @@ void FrameLayout::Arrange(int height) {
         band.height = !band.shown ? 0 : band.stretch ? band.least : std::max(band.wanted, band.least);
         left -= band.height;
     }
-    // Too little: the resizable bands give way, the lowest first.
+    // Where there is too little room, the resizable bands give way, the lowest first.
     for (auto band = m_bands.rbegin(); band != m_bands.rend() && left < 0; ++band)
         if (band->shown && band->resizable && !band->stretch) {
             const int given = std::min(-left, std::max(0, band->height - band->least));

@@ -1,4 +1,4 @@
-// Keys written as text: "del", "Ctrl+F7", "Shift+Tab". Used by hot keys and by scripts.
+// Keys written as text, as hot keys and scripts have them: "del", "Ctrl+F7", "Shift+Tab".
 #pragma once
 
 #include "sdk/HostWindow.h"

@@ -51,7 +51,7 @@ private:
     std::array<std::deque<std::size_t>, static_cast<std::size_t>(LogTab::count)> m_rows;
 };
 
-// Complete up to its last line even when the program dies.
+// The file is complete up to its last line even when the program dies.
 class SessionLog {
 public:
     // An empty path writes nothing.

@@ -7,7 +7,7 @@
 namespace vesk {
 namespace {
 
-// Zero-terminated, cut when too long.
+// The field is zero-terminated; a text that is too long is cut.
 void CopyText(std::span<char> target, std::string_view text) {
     const std::size_t length = std::min(text.size(), target.size() - 1);
     std::memcpy(target.data(), text.data(), length);

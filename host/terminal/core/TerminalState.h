@@ -28,7 +28,7 @@ struct TerminalState {
     bool FillDetails(std::string_view exchange, std::string_view tradingSymbol, ScripDetails& details) const;
     const ClientResult* SearchClients(int mode, std::string_view text, int& count);
     const NonTradingDates& NonTrading() const { return m_nonTrading; }
-    // The file's days and these. On a fault the old calendar stays.
+    // The calendar becomes the file's days and these. On a fault the old one stays.
     std::optional<FileFault> ReloadCalendar(std::span<const std::uint32_t> restricted = {});
     bool HasRight(std::string_view right) const;
 

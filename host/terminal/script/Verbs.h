@@ -1,9 +1,8 @@
 // The verbs of the script language, a row each. A new one is a row here, its function in `window/`, and its
 // line in docs/scripts.md.
 //
-// STAGE(result, function, spelling, words): the function is `result verbs::function(ScriptStep&)`
-// (window/Stage.h). One
-//   that gives nothing is done at once; a StepResult may ask to be tried again, or fail.
+// STAGE(result, function, spelling, words): the function is `result verbs::function(ScriptStep&)` of
+//   window/Stage.h. One that gives nothing is done at once; a StepResult may ask to be tried again, or fail.
 // RUNNER(name, spelling, words): the runner plays it itself, since it is about boxes, time or the script's end.
 //
 // `words` has one letter a word: c control of the current window, t text, n whole number, k key, b "on" or

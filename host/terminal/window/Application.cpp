@@ -2,12 +2,11 @@
 
 #include "framework/DialogLayout.h"
 #include "host/files/Files.h"
-#include "host/terminal/script/window/Stage.h"
 #include "host/terminal/window/Encoding.h"
-#include "host/terminal/window/frame/CountDialog.h"
 #include "host/terminal/window/frame/MenuBar.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 
 namespace vesk {
@@ -15,7 +14,6 @@ namespace {
 
 constexpr UINT kPumpMs = 20;
 constexpr UINT kScriptMs = 15;
-constexpr int kFailed = 1;
 constexpr const char* kBusyText = "Finish the open box or dialog first.";
 
 // The exports have no argument that could carry it.
@@ -45,6 +43,29 @@ std::string TimeOfDay() {
     std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour % 100u, now.wMinute % 100u,
                   now.wSecond % 100u);
     return text;
+}
+
+std::unique_ptr<ServerLink> LinkToServer(Application& application, std::vector<std::string>& notes) {
+    LinkEvents events{[&](const std::string& line) { application.LogFromSystem(line); },
+                      [&] { application.ReloadCalendar(); }};
+    const StartOptions& options = application.Options();
+    const TerminalConfig& config = application.State().config;
+    if (options.serverHost.empty())
+        return std::make_unique<ServerLink>(application.State(), options.journal, std::move(events), notes);
+    return std::make_unique<ServerLink>(ServerAddress{options.serverHost, options.serverPort},
+                                        UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
+                                        std::move(events));
+}
+
+// What the server has not taken yet would be lost.
+bool MayClose(HWND frame, const ServerLink& server) {
+    const std::size_t waiting = server.Waiting();
+    if (!server.Status().isTrouble || waiting == 0) return true;
+    const std::string question = server.Status().text + ": " + std::to_string(waiting)
+                                 + (waiting == 1 ? " request waits" : " requests wait")
+                                 + " for its answer, and will not be sent again.\nExit all the same?";
+    return MessageBoxA(frame, question.c_str(), "Vesk Trader", MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
+           == IDYES;
 }
 
 } // namespace
@@ -78,13 +99,13 @@ VeskApp* Application::Record() {
 }
 
 int Application::Run() {
-    if (!Start()) return kFailed;
+    if (!Start()) return EXIT_FAILURE;
     while (GetMessageA(&m_current, nullptr, 0, 0) > 0) {
         TranslateMessage(&m_current);
         DispatchMessageA(&m_current);
     }
     m_sessionLog.Write("string buffers still live: " + std::to_string(m_strings.LiveBuffers()));
-    if (m_runner) m_sessionLog.Write(m_runner->Verdict());
+    if (m_play) m_sessionLog.Write(m_play->Runner().Verdict());
     return m_exitStatus;
 }
 
@@ -102,13 +123,12 @@ bool Application::Start() {
     if (!m_options.scriptFile.empty()) {
         Loaded<Script> script = Script::Load(m_options.scriptFile);
         if (!script) return StartFailed(script.Fault().Text());
-        m_stage = std::make_unique<WindowStage>(*this, m_sessionLog);
-        m_runner.emplace(std::move(script.Value()), *m_stage);
+        m_play.emplace(std::move(script.Value()), *this, m_sessionLog);
     }
     std::vector<std::string> notes;
     for (const FileFault& fault : m_state.faults)
         notes.push_back(fault.Text());
-    m_server = LinkToServer(notes);
+    m_server = LinkToServer(*this, notes);
     m_state.ReloadCalendar(m_server->RestrictedDates()); // a fault of the file is known already
     if (!m_frame.Open()) return StartFailed("the main window cannot be made");
     for (const std::string& note : notes)
@@ -117,12 +137,12 @@ bool Application::Start() {
         LogFromSystem(line);
     m_frame.RebuildMenu();
     m_frame.SetStatus(MainFrame::StatusPart::note, "Ready");
-    m_frame.SetStatus(MainFrame::StatusPart::client, "All clients");
+    m_frame.ShowClient({});
     for (const Plugin& plugin : m_plugins.Plugins())
         m_frame.SetStatus(MainFrame::StatusPart::plugin, plugin.name + ' ' + plugin.version);
-    ShowLogin();
+    m_frame.ShowLogin();
     SetTimer(m_frame.Handle(), kPumpTimer, kPumpMs, nullptr);
-    if (m_runner) SetTimer(m_frame.Handle(), kScriptTimer, kScriptMs, nullptr);
+    if (m_play) SetTimer(m_frame.Handle(), kScriptTimer, kScriptMs, nullptr);
     return true;
 }
 
@@ -144,11 +164,6 @@ void Application::LogFromPlugin(std::string_view text) {
 void Application::LogFromSystem(std::string_view text) {
     m_sessionLog.Write("system: " + m_state.log.AddFromSystem(TimeOfDay(), text).text);
     m_frame.LogChanged();
-}
-
-void Application::ShowLogin() {
-    m_frame.SetStatus(MainFrame::StatusPart::login,
-                      m_state.config.loginId + ", login mode " + std::to_string(m_state.config.loginMode));
 }
 
 int Application::Ask(const std::string& text, UINT style) {
@@ -177,11 +192,7 @@ int Application::Ask(const std::string& text, UINT style) {
 
 void Application::ActivateClient(const std::string& client) {
     m_state.activeClient = client;
-    const Client* known = m_state.clients.Find(client);
     m_frame.ShowClient(client);
-    m_frame.SetStatus(MainFrame::StatusPart::client, known            ? known->id + "  " + known->name
-                                                     : client.empty() ? "All clients"
-                                                                      : client);
     m_plugins.ActivateClient(client);
 }
 
@@ -202,17 +213,7 @@ void Application::SetRight(const std::string& right, bool granted) {
 void Application::SetLoginMode(int mode) {
     m_state.config.loginMode = mode;
     m_frame.RebuildMenu();
-    ShowLogin();
-}
-
-std::unique_ptr<ServerLink> Application::LinkToServer(std::vector<std::string>& notes) {
-    LinkEvents events{[this](const std::string& line) { LogFromSystem(line); }, [this] { ReloadCalendar(); }};
-    const TerminalConfig& config = m_state.config;
-    if (m_options.serverHost.empty())
-        return std::make_unique<ServerLink>(m_state, m_options.journal, std::move(events), notes);
-    return std::make_unique<ServerLink>(ServerAddress{m_options.serverHost, m_options.serverPort},
-                                        UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
-                                        std::move(events));
+    m_frame.ShowLogin();
 }
 
 void Application::TellServer(const std::string& line, std::function<void(const Told&)> also) {
@@ -224,10 +225,6 @@ void Application::TellServer(const std::string& line, std::function<void(const T
 
 void Application::PumpServer() {
     m_server->Pump();
-    ShowServer();
-}
-
-void Application::ShowServer() {
     if (std::string date = m_server->Date(); date != m_shownDate) {
         m_shownDate = std::move(date);
         m_frame.SetStatus(MainFrame::StatusPart::date, m_shownDate);
@@ -244,7 +241,7 @@ bool Application::ReloadCalendar() {
     return !fault;
 }
 
-void Application::Defer(std::function<void()> work) {
+void Application::Request(std::function<void()> work) {
     m_deferred[++m_lastDeferred] = std::move(work);
     PostMessageA(m_frame.Handle(), kDeferredMessage, m_lastDeferred, 0);
 }
@@ -258,81 +255,24 @@ void Application::OnDeferred(std::uint64_t number) {
         MessageBeep(MB_ICONWARNING);
         m_frame.SetStatus(MainFrame::StatusPart::note, kBusyText);
         m_sessionLog.Write(std::string("refused: ") + kBusyText);
-        if (m_runner && m_runner->Current() == ScriptRunner::State::passed)
-            AbandonScript("script failed: a box or dialog is open at the end");
+        if (m_play && m_play->Runner().Current() == ScriptRunner::State::passed)
+            m_play->Abandon("script failed: a box or dialog is open at the end");
         return;
     }
     m_frame.SetStatus(MainFrame::StatusPart::note, "Ready");
     entry.mapped()();
 }
 
-void Application::RequestPick(std::size_t plugin, std::size_t entry) {
-    Defer([this, plugin, entry] {
-        if (plugin < m_plugins.Plugins().size() && entry < m_plugins.Plugins()[plugin].menu.size())
-            m_plugins.Pick(plugin, entry, m_state.config.loginId, m_state.config.loginMode);
-    });
-}
-
-void Application::RequestPaneCommand(const std::string& text) {
-    Defer([this, text] { m_frame.TellPanes(text); });
-}
-
-void Application::RequestFill() {
-    Defer([this] {
-        const CountQuestion question{"Fill Registrations", "Made-up &registrations:", 1000, 1'000'000};
-        if (const auto count = AskCount(m_frame.Handle(), question))
-            TellServer("fill " + std::to_string(*count));
-    });
-}
-
-void Application::RequestOtherOrders() {
-    Defer([this] {
-        const CountQuestion question{"Orders from Another Session", "&Orders:", 10, 1000};
-        if (const auto count = AskCount(m_frame.Handle(), question))
-            TellServer("other " + std::to_string(*count));
-    });
-}
-
-void Application::RequestExecution() {
-    Defer([this] {
-        std::string number = m_server->LatestRegistration();
-        const CountQuestion question{
-            "Execute Instalments", "Past &instalments:", 5, 1000, "Registration &number:", &number};
-        if (const auto count = AskCount(m_frame.Handle(), question))
-            TellServer("execute " + std::to_string(*count) + ' ' + number);
-    });
-}
-
-void Application::RequestNextInstalment() {
-    Defer([this] { TellServer("clock next"); });
-}
-
-void Application::RequestClock() {
-    Defer([this] {
-        std::string date;
-        const CountQuestion question{"Advance Clock", "or so many &days:",    30,
-                                     kMostClockDays,  "&To (as 2027-03-05):", &date};
-        if (const auto days = AskCount(m_frame.Handle(), question))
-            TellServer("clock " + (date.empty() ? std::to_string(*days) : date));
+void Application::RequestCommand(ServerQuestion* question) {
+    Request([this, question] {
+        if (const std::string line = question(m_frame.Handle(), *m_server); !line.empty()) TellServer(line);
     });
 }
 
 void Application::RequestClose() {
-    Defer([this] {
-        if (MayClose()) ShutDown();
+    Request([this] {
+        if (MayClose(m_frame.Handle(), *m_server)) ShutDown();
     });
-}
-
-// What the server has not taken yet would be lost.
-bool Application::MayClose() {
-    const std::size_t waiting = m_server->Waiting();
-    if (!m_server->Status().isTrouble || waiting == 0) return true;
-    const std::string question = m_server->Status().text + ": " + std::to_string(waiting)
-                                 + (waiting == 1 ? " request waits" : " requests wait")
-                                 + " for its answer, and will not be sent again.\nExit all the same?";
-    return MessageBoxA(m_frame.Handle(), question.c_str(), "Vesk Trader",
-                       MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
-           == IDYES;
 }
 
 void Application::OnTimer(UINT_PTR timer) {
@@ -341,24 +281,11 @@ void Application::OnTimer(UINT_PTR timer) {
 }
 
 void Application::TickScript() {
-    if (m_runner->Tick(static_cast<std::int64_t>(GetTickCount64())) == ScriptRunner::State::running) return;
+    ScriptRunner& runner = m_play->Runner();
+    if (runner.Tick(static_cast<std::int64_t>(GetTickCount64())) == ScriptRunner::State::running) return;
     KillTimer(m_frame.Handle(), kScriptTimer);
-    FinishScript();
-}
-
-void Application::FinishScript() {
-    if (m_runner->Current() == ScriptRunner::State::passed)
-        Defer([this] { ShutDown(); });
-    else
-        AbandonScript(m_runner->Verdict());
-}
-
-// A failed script leaves the program in any state, perhaps with a box open: nothing but the end is safe.
-void Application::AbandonScript(const std::string& verdict) {
-    const Script picture = Script::Parse("screenshot failed.png", "").Value();
-    m_stage->Try(picture.commands[0], 0);
-    m_sessionLog.Write(verdict);
-    ExitProcess(kFailed);
+    if (runner.Current() != ScriptRunner::State::passed) m_play->Abandon(runner.Verdict());
+    Request([this] { ShutDown(); });
 }
 
 } // namespace vesk

@@ -4,11 +4,12 @@
 #include "host/terminal/core/Logs.h"
 #include "host/terminal/core/Settings.h"
 #include "host/terminal/core/TerminalState.h"
-#include "host/terminal/script/ScriptRunner.h"
+#include "host/terminal/script/window/Stage.h"
 #include "host/terminal/window/HotKeyHook.h"
 #include "host/terminal/window/PluginHost.h"
 #include "host/terminal/window/ServerLink.h"
 #include "host/terminal/window/frame/MainFrame.h"
+#include "host/terminal/window/frame/ServerQuestions.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/HostRecords.h"
 
@@ -52,21 +53,15 @@ public:
     void SetLoginMode(int mode);
     // A line as ServerCommands takes. The log tells what became of it; `also` is told as well.
     void TellServer(const std::string& line, std::function<void(const Told&)> also = {});
-    // The non-trading days anew, with those that the server restricts.
+    // Reads the non-trading days anew, and adds those that the server restricts.
     bool ReloadCalendar();
     // The hook that comes last is asked first: the plug-ins' own would take the keys away.
     void WatchHotKeys() { m_hotKeyHook.emplace(m_state.hotKeys); }
 
-    // These are done once no call and no message box is on the stack, and refused, with a word to the user,
+    // Work that is done once no call and no message box is on the stack, and refused, with a word to the user,
     // while one is.
-    void RequestPick(std::size_t plugin, std::size_t entry);
-    void RequestPaneCommand(const std::string& text);
-    // These ask how many.
-    void RequestFill();
-    void RequestOtherOrders();
-    void RequestExecution();
-    void RequestNextInstalment();
-    void RequestClock();
+    void Request(std::function<void()> work);
+    void RequestCommand(ServerQuestion* question);
     void RequestClose();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);
@@ -74,16 +69,9 @@ public:
 private:
     bool Start();
     bool StartFailed(const std::string& why);
-    void Defer(std::function<void()> work);
-    bool MayClose();
     void ShutDown();
-    std::unique_ptr<ServerLink> LinkToServer(std::vector<std::string>& notes);
     void PumpServer();
-    void ShowServer();
     void TickScript();
-    void FinishScript();
-    void AbandonScript(const std::string& verdict);
-    void ShowLogin();
 
     StartOptions m_options;
     SessionLog m_sessionLog;
@@ -93,8 +81,7 @@ private:
     MainFrame m_frame;
     std::unique_ptr<ServerLink> m_server;
     std::optional<HotKeyHook> m_hotKeyHook;
-    std::unique_ptr<ScriptStage> m_stage;
-    std::optional<ScriptRunner> m_runner;
+    std::optional<ScriptPlay> m_play;
     VeskApp m_record{};
     MSG m_current{}; // the message that the outermost loop dispatches
     std::map<std::uint64_t, std::function<void()>> m_deferred;

@@ -11,7 +11,7 @@ inline constexpr UINT kHotKeyMessageBase = WM_USER;
 
 class HotKeyHook {
 public:
-    // One for the thread.
+    // There is one for the thread.
     explicit HotKeyHook(HotKeyTable& table);
     HotKeyHook(const HotKeyHook&) = delete;
     HotKeyHook& operator=(const HotKeyHook&) = delete;

@@ -95,9 +95,10 @@ void PluginHost::RefreshInfo() {
 }
 
 void PluginHost::Pick(std::size_t plugin, std::size_t entry, const std::string& loginId, int loginMode) {
+    if (plugin >= m_plugins.size() || entry >= m_plugins[plugin].menu.size()) return;
     const Call call(*this);
-    const Plugin& picked = m_plugins.at(plugin);
-    PassedString text(picked.menu.at(entry), m_strings);
+    const Plugin& picked = m_plugins[plugin];
+    PassedString text(picked.menu[entry], m_strings);
     picked.init(nullptr, loginId.c_str(), loginMode, text.Hand());
 }
 

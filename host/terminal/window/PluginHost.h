@@ -30,12 +30,13 @@ public:
     PluginHost& operator=(const PluginHost&) = delete;
     ~PluginHost() { UnloadAll(); }
 
-    // One line a library, for the log.
+    // The answer has a line for each library, for the log.
     std::vector<std::string> LoadFolder(const std::string& folder);
     const std::vector<Plugin>& Plugins() const { return m_plugins; }
     // What the plug-ins offer depends on the user's rights: asks them all again.
     void RefreshInfo();
 
+    // What the menu no longer has by now is not picked.
     void Pick(std::size_t plugin, std::size_t entry, const std::string& loginId, int loginMode);
     void ActivateClient(const std::string& client);
     void ApplyFont();

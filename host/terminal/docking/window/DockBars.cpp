@@ -90,7 +90,7 @@ std::optional<LRESULT> DockBars::OnMove(const DockHit& hit, const DockPoint& poi
     if (CanDrag(m_pressed.part)) {
         const bool away = std::abs(point.x - m_pressedAt.x) > GetSystemMetrics(SM_CXDRAG)
                           || std::abs(point.y - m_pressedAt.y) > GetSystemMetrics(SM_CYDRAG);
-        // With the focus on the frame, Escape comes here.
+        // Escape comes here while the frame has the focus.
         if (away && !std::exchange(m_dragging, m_dragging || away)) m_focusBefore = SetFocus(m_frame);
         if (m_dragging) {
             const HWND pane = PaneOf(m_pressed.pane);

@@ -19,7 +19,7 @@ constexpr Entry kEntries[] = {
     {DockCommand::hide, "&Hide", false},
 };
 
-// How it stands now is checked; what would change nothing is greyed.
+// The entry of its present state is checked; what would change nothing is greyed.
 UINT StateOf(const DockPane& pane, const DockGroup* group, DockCommand command) {
     const int side = group && group->panes.size() == 1 ? static_cast<int>(group->side) : -1;
     if (static_cast<int>(command) - static_cast<int>(DockCommand::left) == side) return MF_CHECKED;

@@ -16,7 +16,7 @@ std::optional<LRESULT> PaneWatch::OnMessage(UINT message, WPARAM wParam, LPARAM 
         if (flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) m_site.OnPaneShown(pane, (flags & SWP_SHOWWINDOW) != 0);
     }
     if (message != WM_CLOSE) return std::nullopt;
-    // Behind another tab it is hidden already: nothing else tells that its owner wants it so.
+    // A pane behind another tab is hidden already: nothing else tells that its owner wants it so.
     const LRESULT answer = Default(message, wParam, lParam);
     if (IsWindow(pane) && !(GetWindowLongPtrA(pane, GWL_STYLE) & WS_VISIBLE)) m_site.OnPaneShown(pane, false);
     return answer;
@@ -31,7 +31,7 @@ bool LastFocus::OnActivate(HWND window, WPARAM wParam) {
         m_focus = GetFocus();
         return true;
     }
-    // Minimised, it cannot take the focus.
+    // A minimised window cannot take the focus.
     if (HIWORD(wParam) || !IsChild(window, m_focus) || !IsWindowVisible(m_focus)) return false;
     SetFocus(m_focus);
     return true;

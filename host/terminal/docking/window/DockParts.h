@@ -1,5 +1,5 @@
-// The windows with which a docking site holds a pane: a look over the pane's shoulder, and the window in which
-// it floats.
+// The windows with which a docking site holds a pane: one that watches the pane's messages, and the one in
+// which it floats.
 #pragma once
 
 #include "framework/CustomWindow.h"
@@ -28,7 +28,7 @@ private:
 // Remembers which control of a window had the focus when another window was activated.
 class LastFocus {
 public:
-    // Takes WM_ACTIVATE. False when there is nothing to give the focus back to.
+    // Takes WM_ACTIVATE, and is false when there is nothing to give the focus back to.
     bool OnActivate(HWND window, WPARAM wParam);
 
 private:

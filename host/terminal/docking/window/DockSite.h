@@ -13,7 +13,7 @@
 
 namespace vesk {
 
-// What can be done with a pane, in the order of the menus. Behind these: tabbed with each pane in turn.
+// What can be done with a pane, in the order of the menus. Behind these follows a tab with each pane in turn.
 enum class DockCommand : int { show, left, right, top, bottom, floating, hide, firstTab };
 inline constexpr int kDockCommandsPerPane = 24;
 inline constexpr int kMostPanes = 16;
@@ -48,7 +48,7 @@ public:
     void DragSplitter(std::size_t group, const DockPoint& corner);
     void Remember();
 
-    // While a pane is dragged: `rect` is where it would float, the mouse says where it would dock.
+    // These follow a pane that is dragged: `rect` is where it would float, the mouse says where it would dock.
     void DragOver(HWND pane, const RECT& rect);
     void Drop(HWND pane, const RECT& rect);
     void CancelDrag() { m_preview.Hide(); }

@@ -3,6 +3,7 @@
 #include "host/terminal/script/window/Screen.h"
 #include "host/terminal/window/Application.h"
 
+#include <cstdlib>
 #include <type_traits>
 
 namespace vesk {
@@ -72,6 +73,13 @@ bool WindowStage::AnswerBox(int button) {
     PostMessageA(box, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), BN_CLICKED),
                  reinterpret_cast<LPARAM>(control));
     return true;
+}
+
+void ScriptPlay::Abandon(const std::string& verdict) {
+    const Script picture = Script::Parse("screenshot failed.png", "").Value();
+    m_stage.Try(picture.commands[0], 0);
+    m_stage.Report(verdict);
+    ExitProcess(EXIT_FAILURE);
 }
 
 } // namespace vesk

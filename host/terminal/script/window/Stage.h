@@ -78,4 +78,21 @@ private:
     Stage m_stage;
 };
 
+// A script with the stage that it is played on.
+class ScriptPlay {
+public:
+    ScriptPlay(Script script, Application& application, SessionLog& log)
+        : m_stage(application, log), m_runner(std::move(script), m_stage) {}
+    ScriptPlay(const ScriptPlay&) = delete;
+    ScriptPlay& operator=(const ScriptPlay&) = delete;
+
+    ScriptRunner& Runner() { return m_runner; }
+    // A failed script leaves the program in any state, perhaps with a box open: nothing but the end is safe.
+    [[noreturn]] void Abandon(const std::string& verdict);
+
+private:
+    WindowStage m_stage;
+    ScriptRunner m_runner;
+};
+
 } // namespace vesk

@@ -35,7 +35,7 @@ int pu_fill_scrip_combos(HostWindow dialog, int exchangeId, int seriesId, int sy
         std::string chosen = series.Text();
         if (flag == 0) {
             Fill(series, known);
-            // What a dialog selects by itself, so that the symbols belong to it.
+            // A dialog selects it by itself, so that the symbols belong to it.
             const bool hasEquities = std::ranges::find(known, "EQ") != known.end();
             chosen = hasEquities ? "EQ" : known.empty() ? std::string_view() : known.front();
         }

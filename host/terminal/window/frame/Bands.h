@@ -57,7 +57,7 @@ public:
     void Place(const RECT& rect, const FrameScale& scale);
     void SetFont(HFONT font);
     void Show(bool shown);
-    // After lines were added: shows the newest.
+    // It is called after lines were added, and shows the newest.
     void Refresh();
     std::optional<LRESULT> OnNotify(const NMHDR& header);
 

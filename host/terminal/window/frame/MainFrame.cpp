@@ -2,6 +2,7 @@
 
 #include "host/terminal/window/Application.h"
 #include "host/terminal/window/frame/MenuBar.h"
+#include "host/terminal/window/frame/ServerQuestions.h"
 
 #include <windowsx.h>
 
@@ -104,6 +105,19 @@ void MainFrame::SetStatus(StatusPart part, const std::string& text, bool warns) 
     m_status.Send(SB_SETICON, index, reinterpret_cast<LPARAM>(icon));
 }
 
+void MainFrame::ShowClient(const std::string& client) {
+    m_clientBar.Show(client);
+    const Client* known = m_application.State().clients.Find(client);
+    SetStatus(StatusPart::client, known            ? known->id + "  " + known->name
+                                  : client.empty() ? "All clients"
+                                                   : client);
+}
+
+void MainFrame::ShowLogin() {
+    const TerminalConfig& config = m_application.State().config;
+    SetStatus(StatusPart::login, config.loginId + ", login mode " + std::to_string(config.loginMode));
+}
+
 bool MainFrame::OnCommand(const framework::Command& command) {
     if (command.id == kClientComboId && command.notification == CBN_SELCHANGE) {
         m_application.ActivateClient(m_clientBar.Picked());
@@ -136,16 +150,20 @@ bool MainFrame::OnMenuCommand(int id) {
              const auto [right, granted] = *std::next(config.rights.begin(), index);
              m_application.SetRight(right, !granted);
          }},
-        {kCancelOrderCommand, 1, [&](int) { m_application.RequestPaneCommand("Cancel Order"); }},
-        {kFillCommand, 1, [&](int) { m_application.RequestFill(); }},
-        {kOtherOrdersCommand, 1, [&](int) { m_application.RequestOtherOrders(); }},
-        {kExecuteCommand, 1, [&](int) { m_application.RequestExecution(); }},
-        {kNextInstalmentCommand, 1, [&](int) { m_application.RequestNextInstalment(); }},
-        {kClockCommand, 1, [&](int) { m_application.RequestClock(); }},
+        {kCancelOrderCommand, 1, [&](int) { m_application.Request([this] { TellPanes("Cancel Order"); }); }},
+        {kFillCommand, 1, [&](int) { m_application.RequestCommand(AskForRegistrations); }},
+        {kOtherOrdersCommand, 1, [&](int) { m_application.RequestCommand(AskForOtherOrders); }},
+        {kExecuteCommand, 1, [&](int) { m_application.RequestCommand(AskForExecution); }},
+        {kNextInstalmentCommand, 1,
+         [&](int) { m_application.Request([this] { m_application.TellServer("clock next"); }); }},
+        {kClockCommand, 1, [&](int) { m_application.RequestCommand(AskForClock); }},
         {kFirstPluginCommand, kEntriesPerPlugin * static_cast<int>(m_application.Plugins().Plugins().size()),
          [&](int entry) {
-             m_application.RequestPick(static_cast<std::size_t>(entry / kEntriesPerPlugin),
-                                       static_cast<std::size_t>(entry % kEntriesPerPlugin));
+             m_application.Request([this, number = static_cast<std::size_t>(entry)] {
+                 const TerminalConfig& user = m_application.State().config;
+                 m_application.Plugins().Pick(number / kEntriesPerPlugin, number % kEntriesPerPlugin,
+                                              user.loginId, user.loginMode);
+             });
          }},
     };
     for (const auto& command : commands)

@@ -37,9 +37,8 @@ public:
     bool Open();
     void RebuildMenu();
     void ApplyFont();
-    void ShowClient(const std::string& client) { m_clientBar.Show(client); }
-    // Gives the text to every pane.
-    void TellPanes(const std::string& command);
+    void ShowClient(const std::string& client);
+    void ShowLogin();
     // Many lines in one go are shown once.
     void LogChanged() {
         if (!std::exchange(m_logStale, true)) PostMessageA(Handle(), kLogChangedMessage, 0, 0);
@@ -63,6 +62,8 @@ private:
     bool OnMenuCommand(int id);
     std::optional<LRESULT> OnMouse(UINT message, LPARAM lParam);
     void OnPanesChanged(bool menus);
+    // Gives the text to every pane.
+    void TellPanes(const std::string& command);
     void LayOut();
     void LayOutStatusBar(int width);
     FrameScale Scale() const;

@@ -42,7 +42,6 @@ enum CommandId : int {
     kFirstPluginCommand = 2000,
 };
 inline constexpr int kMostRights = 200;
-inline constexpr int kMostClockDays = 4000;
 inline constexpr int kEntriesPerPlugin = 64;
 
 struct MenuContents {

@@ -1,12 +1,25 @@
-#include "host/terminal/window/frame/CountDialog.h"
+#include "host/terminal/window/frame/ServerQuestions.h"
 
 #include "framework/Guard.h"
-#include "host/terminal/window/frame/CountDialog.h"
+#include "host/terminal/window/ServerLink.h"
+
+#include <optional>
 
 namespace vesk {
 namespace {
 
 constexpr std::size_t kLongestText = 255;
+constexpr int kMostClockDays = 4000;
+
+struct CountQuestion {
+    const char* caption;
+    const char* label;
+    int usual;
+    int most; // from 1
+    // A text that is asked for besides; null when there is none.
+    const char* textLabel = nullptr;
+    std::string* text = nullptr; // what it begins with, and becomes
+};
 
 void Begin(HWND dialog, const CountQuestion& question) {
     SetWindowLongPtrA(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&question));
@@ -49,14 +62,39 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
     });
 }
 
-} // namespace
-
 std::optional<int> AskCount(HWND owner, const CountQuestion& question) {
     const int dialog = question.text ? IDD_COUNT_OF : IDD_COUNT;
     const INT_PTR count = DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialog), owner, Procedure,
                                           reinterpret_cast<LPARAM>(&question));
     if (count < 1) return std::nullopt;
     return static_cast<int>(count);
+}
+
+} // namespace
+
+std::string AskForRegistrations(HWND owner, const ServerLink&) {
+    const auto count = AskCount(owner, {"Fill Registrations", "Made-up &registrations:", 1000, 1'000'000});
+    return count ? "fill " + std::to_string(*count) : std::string();
+}
+
+std::string AskForOtherOrders(HWND owner, const ServerLink&) {
+    const auto count = AskCount(owner, {"Orders from Another Session", "&Orders:", 10, 1000});
+    return count ? "other " + std::to_string(*count) : std::string();
+}
+
+std::string AskForExecution(HWND owner, const ServerLink& server) {
+    std::string number = server.LatestRegistration();
+    const auto count = AskCount(
+        owner, {"Execute Instalments", "Past &instalments:", 5, 1000, "Registration &number:", &number});
+    return count ? "execute " + std::to_string(*count) + ' ' + number : std::string();
+}
+
+std::string AskForClock(HWND owner, const ServerLink&) {
+    std::string date;
+    const auto days = AskCount(
+        owner, {"Advance Clock", "or so many &days:", 30, kMostClockDays, "&To (as 2027-03-05):", &date});
+    if (!days) return {};
+    return "clock " + (date.empty() ? std::to_string(*days) : date);
 }
 
 } // namespace vesk
