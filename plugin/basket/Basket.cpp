@@ -170,13 +170,6 @@ void Basket::Delete() {
     m_runs.KeepUnsentLast();
 }
 
-bool Basket::OnBoxGone() {
-    if (!m_questions.AnyWaits()) return true;
-    if (m_runs.IsBusy()) return false;
-    m_questions.BeginWaiting();
-    return !m_questions.AnyWaits();
-}
-
 // Only what was submitted: under the box the user may have typed the next order.
 void Basket::AddAgain() {
     if (m_pressed == Press()) AddOrModify();

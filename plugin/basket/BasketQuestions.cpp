@@ -14,10 +14,12 @@ bool BasketQuestions::MayAsk(const Act& act) {
     return false;
 }
 
-void BasketQuestions::BeginWaiting() {
+bool BasketQuestions::OnBoxGone(bool busy) {
+    if (busy || m_later.empty()) return m_later.empty();
     const Act& act = *m_later.front();
     m_later.erase(m_later.begin());
     act.begin();
+    return m_later.empty();
 }
 
 bool BasketQuestions::Ask(const std::string& question, const Act& act) {

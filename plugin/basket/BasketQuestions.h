@@ -56,9 +56,9 @@ public:
     [[nodiscard]] bool AskAboutUnknown(const std::set<std::string>& clients, const char* question,
                                        const Act& act);
 
-    bool AnyWaits() const { return !m_later.empty(); }
-    // What has waited longest begins anew.
-    void BeginWaiting();
+    // What has waited longest begins anew, unless the basket is busy. False when more has to wait.
+    bool OnBoxGone(bool busy);
+    // What waits is given up.
     void Forget() { m_later.clear(); }
 
 private:
