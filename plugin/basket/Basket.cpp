@@ -3,7 +3,6 @@
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
-#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -30,10 +29,11 @@ const AnswerHandler<Basket> Basket::kAnswers[] = {
 };
 
 void Basket::Initialise(std::string_view customProducts) {
-    if (Alone([&](Pass) { return m_form.Fill(m_view.Now(), customProducts); }) != Reply::yes) return;
+    if (m_questions.Alone([&](Pass) { return m_form.Fill(m_view.Now(), customProducts); }) != Reply::yes)
+        return;
     LeaveModifyMode();
-    m_correctedLine = 0;
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable);
+    m_rejected.corrected = 0;
+    m_runs.ShowPlaceable();
     m_view.ShowStatus();
     m_view.ShowRejected();
     if (m_life.Across([&](Pass pass) { RegisterDeleteKey(pass); }))
@@ -53,20 +53,8 @@ void Basket::RegisterDeleteKey(Pass pass) {
 
 void Basket::OnClosed() {
     m_life.Renew();
-    // What a run did not come to may still be placed; what was placed stays so.
-    const bool ranOn = IsUnderWay();
-    if (ranOn) m_placeable = m_view.List().RowCount() > 0;
-    m_later.clear();
-    // A portion may be on its way below.
-    if (m_loading) m_loading->Stop();
-    if (m_placing) m_placing->Abandon();
-    m_loading.reset();
-    m_placing.reset();
-    if (!ranOn) return;
-    if (!m_bringsBack)
-        KeepUnsentLast();
-    else if (!m_inPortion)
-        BringNothingBack();
+    m_questions.Forget();
+    m_runs.OnClosed();
 }
 
 bool Basket::IsModifying() const {
@@ -97,28 +85,28 @@ std::string Basket::OtherRowQuestion(RecordId selected) const {
 }
 
 void Basket::AddOrModify() {
-    if (IsBusy()) return;
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    if (m_runs.IsBusy()) return;
+    m_runs.LetPlace(true);
     FormOrder order;
-    const auto read = Alone([&](Pass pass) { return m_form.Read(pass, m_view.Now(), order); });
+    const auto read = m_questions.Alone([&](Pass pass) { return m_form.Read(pass, m_view.Now(), order); });
     if (!read) return;
     if (const auto& refusal = *read) {
         if (refusal->focus) m_view.Focus(refusal->focus);
         return m_view.ShowLast(refusal->text);
     }
-    if (!AskAboutUnknown({order.data.account}, "Take the order into the basket all the same?",
-                         &Basket::AddOrModify))
+    if (!m_questions.AskAboutUnknown({order.data.account}, "Take the order into the basket all the same?",
+                                     m_addAgain))
         return;
     if (!IsModifying()) {
         m_view.List().InsertFront(m_rows.Add(order.Texts()));
         LeaveCorrected();
         m_view.ShowStatus();
-        return KeepUnsentLast();
+        return m_runs.KeepUnsentLast();
     }
     RecordId selected = RowToModify();
     if (selected != kNoRecord && m_rows[selected].SerialNumber() != m_shownRow) {
         const std::int32_t serial = m_rows[selected].SerialNumber();
-        if (!Ask(OtherRowQuestion(selected), &Basket::AddOrModify)) return;
+        if (!m_questions.Ask(OtherRowQuestion(selected), m_addAgain)) return;
         selected = m_rows.BySerialNumber(serial);
     }
     LeaveModifyMode();
@@ -127,17 +115,18 @@ void Basket::AddOrModify() {
     m_rows.Replace(selected, order.Texts());
     m_view.List().Repaint(selected);
     m_view.ShowStatus();
-    KeepUnsentLast();
+    m_runs.KeepUnsentLast();
 }
 
 void Basket::Activate(RecordId record) {
-    if (IsBusy() || record == kNoRecord) return;
+    if (m_runs.IsBusy() || record == kNoRecord) return;
     // A copy: while the form fills the host may let an answer in, which changes the row.
     const sBasketOrderData row(m_rows[record].Texts(), 0);
-    const auto notShown = Alone([&](Pass pass) { return m_form.ShowRow(pass, row.Texts(), m_view.Now()); });
+    const auto notShown =
+        m_questions.Alone([&](Pass pass) { return m_form.ShowRow(pass, row.Texts(), m_view.Now()); });
     if (!notShown) return;
     m_shownRow = m_rows[record].SerialNumber();
-    m_correctedLine = 0;
+    m_rejected.corrected = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
     m_view.SetText(IDC_SUBMIT, *notShown == 0 ? kModify : kAdd);
     TellNotShown(*notShown);
@@ -149,52 +138,41 @@ void Basket::TellNotShown(int fields) {
 }
 
 void Basket::ActivateRejected(std::size_t index) {
-    if (IsBusy() || index >= m_rejected.size()) return;
-    const int number = m_rejected[index].number;
-    const std::string line = m_rejected[index].text;
+    if (m_runs.IsBusy() || index >= m_rejected.lines.size()) return;
+    const int number = m_rejected.lines[index].number;
+    const std::string line = m_rejected.lines[index].text;
     BasketTexts columns;
     if (!SplitBasketLine(line, columns))
         return m_view.ShowLast("The line does not have the columns of a basket file.");
-    const auto notShown = Alone([&](Pass pass) { return m_form.Show(pass, columns, m_view.Now()); });
+    const auto notShown =
+        m_questions.Alone([&](Pass pass) { return m_form.Show(pass, columns, m_view.Now()); });
     if (!notShown) return;
     LeaveModifyMode();
-    m_correctedLine = number;
+    m_rejected.corrected = number;
     TellNotShown(*notShown);
 }
 
 // What the form was filled from is in the list now.
 void Basket::LeaveCorrected() {
-    const int number = std::exchange(m_correctedLine, 0);
-    if (std::erase_if(m_rejected, [&](const RejectedLine& line) { return line.number == number; }))
+    const int number = std::exchange(m_rejected.corrected, 0);
+    if (std::erase_if(m_rejected.lines, [&](const RejectedLine& line) { return line.number == number; }))
         m_view.ShowRejected();
 }
 
 void Basket::Delete() {
-    if (IsBusy()) return;
+    if (m_runs.IsBusy()) return;
     const std::vector<RecordId> selected = m_view.List().Selected();
     if (selected.empty()) return;
     m_view.List().RemoveSelected();
     for (const RecordId record : selected)
         m_rows.Remove(record);
     m_view.ShowStatus();
-    KeepUnsentLast();
+    m_runs.KeepUnsentLast();
 }
 
-bool Basket::MayAsk(Act act) {
-    if (m_view.MayAsk()) return true;
-    if (act == &Basket::AddOrModify) m_pressed = Press();
-    if (std::ranges::find(m_later, act) == m_later.end()) m_later.push_back(act);
-    return false;
-}
-
-bool Basket::OnBoxGone() {
-    if (m_later.empty()) return true;
-    if (IsBusy()) return false;
-    const Act act = m_later.front();
-    m_later.erase(m_later.begin());
-    // Only what was submitted: under the box the user may have typed the next order.
-    if (act != &Basket::AddOrModify || m_pressed == Press()) (this->*act)();
-    return m_later.empty();
+// Only what was submitted: under the box the user may have typed the next order.
+void Basket::AddAgain() {
+    if (m_pressed == Press()) AddOrModify();
 }
 
 Basket::Pressed Basket::Press() const {
@@ -202,20 +180,11 @@ Basket::Pressed Basket::Press() const {
     return {m_form.Shown(), row == kNoRecord ? 0 : m_rows[row].SerialNumber()};
 }
 
-bool Basket::Ask(const std::string& question, Act act) {
-    if (!MayAsk(act)) return false;
-    return Alone([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes;
-}
-
-Choice Basket::Choose(const std::string& question, Act act) {
-    if (!MayAsk(act)) return Choice::cancel;
-    return Alone([&](Pass pass) { return m_view.Choose(pass, question); }).value_or(Choice::cancel);
-}
-
 void Basket::Export() {
-    if (IsBusy()) return;
+    if (m_runs.IsBusy()) return;
     if (m_view.List().RowCount() == 0) return m_view.ShowLast("No items in the list");
-    const auto path = Alone([&](Pass pass) { return m_view.AskExportPath(pass); }).value_or(std::nullopt);
+    const auto path =
+        m_questions.Alone([&](Pass pass) { return m_view.AskExportPath(pass); }).value_or(std::nullopt);
     if (!path) return;
     std::string text;
     const BasketList& list = m_view.List();
@@ -228,13 +197,11 @@ void Basket::Export() {
 }
 
 void Basket::SaveRejected() {
-    if (IsBusy() || m_rejected.empty()) return;
-    const auto path = Alone([&](Pass pass) { return m_view.AskRejectsPath(pass); }).value_or(std::nullopt);
+    if (m_runs.IsBusy() || m_rejected.lines.empty()) return;
+    const auto path =
+        m_questions.Alone([&](Pass pass) { return m_view.AskRejectsPath(pass); }).value_or(std::nullopt);
     if (!path) return;
-    std::string text;
-    for (const RejectedLine& line : m_rejected)
-        text.append(line.text).push_back('\n');
-    if (!m_view.WriteFileWhole(*path, BasketFileText(std::move(text))))
+    if (!m_view.WriteFileWhole(*path, m_rejected.Text()))
         m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
@@ -259,8 +226,7 @@ void Basket::HandlePlaced(const Answer& answer) {
     std::int64_t number = 0;
     int status = kFieldRead;
     if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
-    if (const auto sent = m_unanswered.extract(static_cast<std::int32_t>(number)))
-        RecordPlaced(m_session, sent.mapped(), answer);
+    m_runs.RecordAnswer(number, answer);
     if (answer.hasError) return;
     const RecordId record = m_rows.BySerialNumber(number);
     if (record == kNoRecord) return;

@@ -70,6 +70,13 @@ std::string BasketFileText(std::string lines) {
     return lines.insert(0, lines.substr(0, mark));
 }
 
+std::string RejectedLines::Text() const {
+    std::string text;
+    for (const RejectedLine& line : lines)
+        text.append(line.text).push_back('\n');
+    return BasketFileText(std::move(text));
+}
+
 namespace {
 
 constexpr std::string_view kDoubtful = "placing";

@@ -45,6 +45,15 @@ struct RejectedLine {
     std::string report;
 };
 
+// Those of a load, in its order.
+struct RejectedLines {
+    std::vector<RejectedLine> lines;
+    int corrected = 0; // by its number: which the form was filled from
+
+    // The content of a file of them, as they were read.
+    std::string Text() const;
+};
+
 // What a load brings, line by line.
 class BasketSink {
 public:

@@ -1,8 +1,6 @@
-// What the basket does at length: loading and placing.
-#include "plugin/basket/Basket.h"
+#include "plugin/basket/BasketRuns.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 
@@ -11,44 +9,54 @@
 
 namespace planfold {
 
-void Basket::Load() {
+void BasketRuns::LetPlace(bool may) {
+    m_placeable = may;
+    ShowPlaceable();
+}
+
+void BasketRuns::ShowPlaceable() {
+    m_view.Enable(IDC_BASKET_PLACE, m_placeable);
+}
+
+void BasketRuns::Load() {
     if (IsBusy()) return;
-    const auto path = Alone([&](Pass pass) { return m_view.AskLoadPath(pass); }).value_or(std::nullopt);
+    const auto path =
+        m_questions.Alone([&](Pass pass) { return m_view.AskLoadPath(pass); }).value_or(std::nullopt);
     if (!path) return;
     m_path = *path;
     LoadFile();
 }
 
-void Basket::LoadFile() {
+void BasketRuns::LoadFile() {
     auto text = m_view.ReadFile(m_path);
     if (!text) return m_view.ShowLast("File Open Error");
     if (base::IsUtf16(*text)) return m_view.ShowLast(Format("The basket cannot be read: %s.", kUtf16Fault));
     const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
     if (unsent > 0
-        && !Ask(Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
-                &Basket::LoadFile))
+        && !m_questions.Ask(
+            Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
+            m_loadAgain))
         return;
     BeginLoading(std::move(*text), m_form.Rules(m_view.Now()));
 }
 
-void Basket::BeginLoading(std::string text, BasketRules rules) {
+void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
     BasketList& list = m_view.List();
     list.RemoveAll();
     m_rows.Clear();
-    m_rejected.clear();
-    m_correctedLine = 0;
+    m_rejected = {};
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
     m_view.ShowRejected();
     m_loading = std::make_shared<BasketLoading>(m_session, std::move(text), std::move(rules),
-                                                BasketLoading::Target{m_rows, list, m_rejected});
+                                                BasketLoading::Target{m_rows, list, m_rejected.lines});
     RunFor(kFirstPortionMs);
     if (IsUnderWay()) m_view.ShowRun();
 }
 
-void Basket::EndLoading() {
+void BasketRuns::EndLoading() {
     const auto loading = std::exchange(m_loading, nullptr);
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    LetPlace(true);
     m_view.SetTitle(m_titleBefore);
     m_view.ShowRun();
     m_view.ShowStatus();
@@ -66,7 +74,7 @@ void Basket::EndLoading() {
         if (!text.empty() && !m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, text); })) return;
 }
 
-void Basket::Place() {
+void BasketRuns::Place() {
     if (IsBusy()) return;
     const BasketList& list = m_view.List();
     if (list.RowCount() == 0) return m_view.ShowLast("Please Select an Order");
@@ -81,18 +89,18 @@ void Basket::Place() {
         placed.push_back({record, static_cast<int>(row)});
         clients.emplace(m_rows[record].Text(BasketField::account));
     }
-    constexpr Act again = &Basket::Place;
-    if (placed.empty() || !AskAboutUnknown(clients, "Place their orders all the same?", again)
-        || !Ask("Are you sure to place these Basket Orders?", again))
+    if (placed.empty()
+        || !m_questions.AskAboutUnknown(clients, "Place their orders all the same?", m_placeAgain)
+        || !m_questions.Ask("Are you sure to place these Basket Orders?", m_placeAgain))
         return;
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = false);
+    LetPlace(false);
     // Its first call to the host is made before it stands.
-    auto placing = Alone([&](Pass pass) {
+    auto placing = m_questions.Alone([&](Pass pass) {
         return std::make_shared<BasketPlacing>(
             pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
             [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
     });
-    if (!placing) return m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+    if (!placing) return LetPlace(true);
     m_placing = std::move(*placing);
     if (!KeepUnsent()) return;
     RunFor(kFirstPortionMs);
@@ -100,7 +108,7 @@ void Basket::Place() {
 }
 
 // Yes when no row was.
-Choice Basket::AskAboutSent() {
+Choice BasketRuns::AskAboutSent() {
     const std::size_t rows = m_view.List().RowCount(), sent = m_rows.SentCount();
     if (sent == 0) return Choice::yes;
     std::string question = Format("%zu of the %zu orders have already been sent.\n\n"
@@ -108,26 +116,15 @@ Choice Basket::AskAboutSent() {
                                   sent, rows, rows);
     question += sent == rows ? "No: place none."
                              : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
-    return Choose(question, &Basket::Place);
+    return m_questions.Choose(question, m_placeAgain);
 }
 
-// True when the host knows all of them, or the user says so.
-bool Basket::AskAboutUnknown(const std::set<std::string>& clients, const char* question, Act act) {
-    constexpr std::size_t mostNamed = 20;
-    std::size_t unknown = 0;
-    std::string names;
-    for (const std::string& client : clients) {
-        const Reply reply = Alone([&](Pass pass) { return IsUnknownClient(pass, m_session, client); });
-        if (reply == Reply::over) return false;
-        if (reply == Reply::yes && ++unknown <= mostNamed)
-            names.append(names.empty() ? "" : ", ").append(client);
-    }
-    if (unknown == 0) return true;
-    if (unknown > mostNamed) names += Format(" and %zu more", unknown - mostNamed);
-    return Ask(Format("The terminal knows no client %s.\n%s", names.c_str(), question), act);
+void BasketRuns::RecordAnswer(std::int64_t serialNumber, const Answer& answer) {
+    if (const auto sent = m_unanswered.extract(static_cast<std::int32_t>(serialNumber)))
+        RecordPlaced(m_session, sent.mapped(), answer);
 }
 
-void Basket::EndPlacing() {
+void BasketRuns::EndPlacing() {
     const auto placing = std::exchange(m_placing, nullptr);
     m_stoppedSent.clear();
     for (const RecordId record : placing->Sent())
@@ -137,7 +134,7 @@ void Basket::EndPlacing() {
     m_view.ShowRun();
     m_view.ShowStatus();
     const bool stopped = placing->Stopped();
-    const bool isThere = Alone([&](Pass) {
+    const bool isThere = m_questions.Alone([&](Pass) {
         const std::string failures = placing->FailureTexts();
         if (!failures.empty() && !m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, failures); })) return;
         if (stopped) OfferToRemove();
@@ -145,13 +142,14 @@ void Basket::EndPlacing() {
     if (isThere && !stopped) m_view.ShowLast("Order Placed..!!");
 }
 
-void Basket::OfferToRemove() {
-    m_view.Enable(IDC_BASKET_PLACE, m_placeable = true);
+void BasketRuns::OfferToRemove() {
+    LetPlace(true);
     const std::size_t sent = m_stoppedSent.size();
     if (sent == 0) return m_view.ShowLast("Placing was stopped before an order was sent.");
-    if (!Ask(Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?",
-                    sent, m_stoppedTotal, sent),
-             &Basket::OfferToRemove))
+    if (!m_questions.Ask(
+            Format("Placing was stopped: %zu of %zu orders were sent.\nRemove these %zu from the basket?", sent,
+                   m_stoppedTotal, sent),
+            m_removeAgain))
         return;
     BasketList& list = m_view.List();
     list.BeginChanges();
@@ -165,7 +163,23 @@ void Basket::OfferToRemove() {
     m_view.ShowStatus();
 }
 
-void Basket::RunFor(std::int64_t milliseconds) {
+void BasketRuns::OnClosed() {
+    // What a run did not come to may still be placed; what was placed stays so.
+    const bool ranOn = IsUnderWay();
+    if (ranOn) m_placeable = m_view.List().RowCount() > 0;
+    // A portion may be on its way below.
+    if (m_loading) m_loading->Stop();
+    if (m_placing) m_placing->Abandon();
+    m_loading.reset();
+    m_placing.reset();
+    if (!ranOn) return;
+    if (!m_bringsBack)
+        KeepUnsentLast();
+    else if (!m_inPortion)
+        BringNothingBack();
+}
+
+void BasketRuns::RunFor(std::int64_t milliseconds) {
     if (m_inPortion || !IsUnderWay()) return;
     const std::int64_t end = m_view.Milliseconds() + milliseconds;
     const auto loading = m_loading;
@@ -198,24 +212,24 @@ void Basket::RunFor(std::int64_t milliseconds) {
         EndPlacing();
 }
 
-void Basket::Stop() {
+void BasketRuns::Stop() {
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
     if (m_placing) m_placing->Stop();
     RunFor(0);
 }
 
-std::string Basket::Progress() const {
+std::string BasketRuns::Progress() const {
     if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
     return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
                   m_placing->Total());
 }
 
-std::size_t Basket::Done() const {
+std::size_t BasketRuns::Done() const {
     return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
 }
 
-std::size_t Basket::Total() const {
+std::size_t BasketRuns::Total() const {
     return m_loading ? m_loading->Characters() : m_placing->Total();
 }
 

@@ -1,5 +1,5 @@
 // The orders that were not sent, from one session to the next.
-#include "plugin/basket/Basket.h"
+#include "plugin/basket/BasketRuns.h"
 
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
@@ -26,7 +26,7 @@ std::string OfferOf(const UnsentCounts& found) {
 } // namespace
 
 // What the file held before and nobody has looked at is saved first.
-bool Basket::KeepUnsent() {
+bool BasketRuns::KeepUnsent() {
     std::string aside;
     if (!m_unsentSettled)
         if (const auto found = m_view.Unsent().Read(); found && !found->empty()) {
@@ -42,13 +42,13 @@ bool Basket::KeepUnsent() {
     });
 }
 
-void Basket::OfferUnsent() {
+void BasketRuns::OfferUnsent() {
     if (m_unsentSettled || IsBusy()) return;
     auto text = m_view.Unsent().Read();
     const UnsentCounts found = CountUnsent(text ? *text : std::string());
     m_unsentSettled = found.orders == 0;
     if (m_unsentSettled) return;
-    const Choice choice = Choose(OfferOf(found), &Basket::OfferUnsent);
+    const Choice choice = m_questions.Choose(OfferOf(found), m_offerAgain);
     if (choice == Choice::cancel) return;
     if (choice == Choice::no) return KeepUnsentLast();
     RememberDoubtful(*text, m_rows);
@@ -58,27 +58,25 @@ void Basket::OfferUnsent() {
 }
 
 // What there is to tell.
-std::string Basket::EndBringingBack(bool stopped) {
+std::string BasketRuns::EndBringingBack(bool stopped) {
     if (stopped) {
         BringNothingBack();
         return "Loading was stopped: the orders are kept, and offered again.";
     }
-    std::string refused, aside;
-    for (const RejectedLine& line : m_rejected)
-        refused.append(line.text).push_back('\n');
-    if (!refused.empty()) aside = m_view.Unsent().SaveAside(BasketFileText(refused), m_view.Now());
+    std::string aside;
+    if (!m_rejected.lines.empty()) aside = m_view.Unsent().SaveAside(m_rejected.Text(), m_view.Now());
     m_bringsBack = false;
-    m_unsentSettled = refused.empty() || !aside.empty();
+    m_unsentSettled = m_rejected.lines.empty() || !aside.empty();
     KeepUnsentLast();
     return aside.empty() ? aside : "The orders that cannot be taken back are in\n" + aside;
 }
 
 // They stay in the file, and are offered again.
-void Basket::BringNothingBack() {
+void BasketRuns::BringNothingBack() {
     m_bringsBack = false;
     m_view.List().RemoveAll();
     m_rows.Clear();
-    m_rejected.clear();
+    m_rejected = {};
     m_view.ShowStatus();
     m_view.ShowRejected();
 }

@@ -2,18 +2,18 @@
 
 #include "plugin/base/Codes.h"
 #include "plugin/base/Numbers.h"
-#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/orderentry/OrderEntryForm.h"
 #include "plugin/resources/resource.h"
 
 namespace planfold {
 
-Plan OrderEntry::CurrentPlan() const {
-    if (FilledForModify() && !m_modifying->Number().empty())
+Plan OrderEntryForm::CurrentPlan() const {
+    if (m_modifying && !m_modifying->Number().empty())
         return PlanToCome(m_modifying->Now(), ReadModification());
     return {m_view.Date(IDC_START_DATE), m_view.Text(IDC_FREQUENCY), LeadingInteger(m_view.Text(IDC_PERIOD))};
 }
 
-ModifiedPlan OrderEntry::ReadModification() const {
+ModifiedPlan OrderEntryForm::ReadModification() const {
     const SipRegistration& registration = m_modifying->Now();
     ModifiedPlan plan;
     plan.periodsBefore = m_modifying->Periods();
@@ -29,10 +29,9 @@ ModifiedPlan OrderEntry::ReadModification() const {
     return plan;
 }
 
-std::string OrderEntry::DescribeForm() const {
+std::string OrderEntryForm::DescribeForm() const {
     const Plan plan = CurrentPlan();
-    if (FilledForModify() && !m_modifying->Number().empty())
-        return DescribeModification(ReadModification(), plan);
+    if (m_modifying && !m_modifying->Number().empty()) return DescribeModification(ReadModification(), plan);
     const std::string label = m_view.Text(IDC_INVEST_BY);
     std::string value = m_view.Text(IDC_VALUE);
     if (ValueToWire(label, value)) value.clear();
@@ -41,8 +40,8 @@ std::string OrderEntry::DescribeForm() const {
     return DescribePlan(plan, m_view.Text(IDC_ACTION), investType, value);
 }
 
-bool OrderEntry::ShowPlan() {
-    const SipOrderForm form = ReadForm();
+bool OrderEntryForm::ShowPlan() {
+    const SipOrderForm form = Read();
     const std::string tradingSymbol = m_modifying ? m_modifying->Now().tradingSymbol : std::string();
     if (!m_life.Across([&](Pass pass) { m_names.Ask(pass, form, tradingSymbol); })) return false;
     std::string text = m_names.Text();
@@ -53,12 +52,6 @@ bool OrderEntry::ShowPlan() {
     m_view.ShowSummary(text, alarms || m_names.ClientIsUnknown());
     m_view.Enable(IDC_PLAN_DATES, PlannedDate(CurrentPlan(), 0).has_value());
     return true;
-}
-
-void OrderEntry::OnRegistrationChanged(const SipRegistration& registration) {
-    if (!Modifies(registration.number) || registration.number.empty()) return;
-    m_modifying->Update(registration);
-    ShowPlanLast();
 }
 
 } // namespace planfold

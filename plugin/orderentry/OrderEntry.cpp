@@ -32,59 +32,35 @@ void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customPro
     m_life.Renew();
     m_modifying.reset();
     m_asksLater.reset();
-    m_frequencyToShow.clear();
-    m_names.Forget();
     // A control that is filled tells the form, which asks the host what it shows.
-    if (m_life.Across([&](Pass) { return Fill(now, customProducts); }) == Reply::yes)
-        Lifetime::Last([&](Pass pass) { m_frequencies.Ask(pass); });
+    if (m_life.Across([&](Pass) { return m_form.Fill(now, customProducts); }) == Reply::yes)
+        Lifetime::Last([&](Pass pass) { m_form.AskFrequencies(pass); });
 }
 
-bool OrderEntry::Fill(const LocalDateTime& now, std::string_view customProducts) {
-    if (!m_life.Across([&](Pass pass) { PrepareClient(pass); })) return false;
-    m_view.SetDate(IDC_START_DATE, ToLocal(ToSeconds(now) + kSecondsPerDay));
-    m_form.AddFirstEntries();
-    m_view.Select(IDC_ACTION, 0);
-    if (!m_form.FillProducts(customProducts)) return false;
-    m_view.SetText(IDC_PERIOD, "1");
-    m_session.m_nSipOperationMode = 0;
-    m_view.Select(IDC_EXCHANGE, 0);
-    if (!m_form.RefreshScrips(ScripLevel::exchange)) return false;
-    m_view.Select(IDC_INVEST_BY, 0);
-    OnInvestTypeChanged();
-    m_view.Select(IDC_ORDER_TYPE, 0);
-    m_view.Select(IDC_PRODUCT, 0);
-    m_view.Select(IDC_CLIENT_COMBO, 0);
-    m_untouched = ReadForm();
-    m_broughtBack = false;
-    return ShowPlan();
+void OrderEntry::FillForModify(const SipRegistration& registration) {
+    m_life.Renew();
+    // Also when the filling stops half-way: no new order comes out of this form, and no change of the
+    // registration that it showed before.
+    const bool showedOne = m_modifying && !m_modifying->Number().empty();
+    m_modifying.emplace();
+    m_asksLater.reset();
+    if (showedOne) {
+        m_view.SetTitle(OrderEntryForm::kName);
+        m_view.SetText(IDC_SUBMIT, "Submit");
+    }
+    const bool serverPeriods = m_session.m_nSipOperationMode != 0;
+    // A control that is filled tells the form, which asks the host what it shows.
+    if (m_life.Across([&](Pass) { return m_form.FillFrom(registration, serverPeriods); }) != Reply::yes) return;
+    m_modifying.emplace(registration, serverPeriods);
+    m_view.SetTitle(Format("Planfold Modify Order: %s", registration.number.c_str()));
+    m_view.SetText(IDC_SUBMIT, "Modify");
+    if (m_form.ShowPlan()) m_view.Focus(IDC_VALUE);
 }
 
-void OrderEntry::PrepareClient(Pass pass) {
-    if (!m_form.ShowClientControl()) return;
-    const auto write = m_session.host.pu_write_settings_to_json;
-    if (!m_form.SearchesClients() || !write) return;
-    const CString section = m_session.String("Client_Search");
-    const CString key = m_session.String(kName);
-    const CString on = m_session.String("1");
-    write(pass, &section, &key, &on, 1);
-}
-
-bool OrderEntry::OnChosen(int combo) {
-    if (combo == IDC_INVEST_BY) OnInvestTypeChanged();
-    return m_form.OnChosen(combo);
-}
-
-void OrderEntry::OnInvestTypeChanged() {
-    const std::string type = m_view.Text(IDC_INVEST_BY);
-    m_view.SetText(IDC_VALUE, "");
-    m_view.SetText(IDC_VALUE_LABEL, type);
-    m_view.SetDigitsOnly(IDC_VALUE, type == "Quantity");
-}
-
-SipOrderForm OrderEntry::ReadForm() const {
-    SipOrderForm form = m_form.Read(IDC_VALUE);
-    form.modifyMode = FilledForModify();
-    return form;
+void OrderEntry::OnRegistrationChanged(const SipRegistration& registration) {
+    if (!Modifies(registration.number) || registration.number.empty()) return;
+    m_modifying->Update(registration);
+    ShowPlanLast();
 }
 
 void OrderEntry::Submit(const LocalDateTime& now) {
@@ -95,19 +71,9 @@ void OrderEntry::Submit(const LocalDateTime& now) {
         // Told also when the window has gone.
         if (!m_session.Ended() && !outcome.text.empty()) m_view.ShowMessage(pass, outcome.text);
     });
-    if (isThere && outcome.form) ClearSent(outcome);
-}
-
-// A new order's value and period go whatever came of it; those of a modification when it was sent.
-void OrderEntry::ClearSent(const Outcome& outcome) {
-    if (outcome.sent || !FilledForModify()) {
-        m_untouched = *outcome.form;
-        m_untouched.value = m_untouched.totalPeriod = "";
-        m_broughtBack = false;
-        // Only what was submitted: under a box of another window the user may have typed the next order.
-        if (m_view.Text(IDC_VALUE) == outcome.form->value) m_view.SetText(IDC_VALUE, "");
-        if (m_view.Text(IDC_PERIOD) == outcome.form->totalPeriod) m_view.SetText(IDC_PERIOD, "");
-    }
+    if (!isThere || !outcome.form) return;
+    // A new order's value and period go whatever came of it; those of a modification when it was sent.
+    if (outcome.sent || !FilledForModify()) m_form.ClearSubmitted(*outcome.form);
     ShowPlanLast();
 }
 
@@ -212,17 +178,18 @@ void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
     outcome.form = form;
 }
 
+bool OrderEntry::BringBack() {
+    if (FilledForModify() || m_submitting) return false;
+    const auto order = m_kept.TakeNext();
+    if (!order) return false;
+    if (m_form.IsTouched()) m_kept.SetAside(ReadForm());
+    if (!m_form.BringBack(*order)) m_kept.SetAside(*order);
+    return true;
+}
+
 void OrderEntry::OnResponse(void* message) {
     if (m_session.Ended()) return;
     Dispatch<OrderEntry>(*this, m_session, kAnswers, Answer(message));
-}
-
-void OrderEntry::HandleOperationMode(const Answer& answer) {
-    if (!m_frequencies.OnAnswer(answer, !FilledForModify())) return;
-    // A list that comes late must not choose what the order in the form does not say.
-    if (!m_frequencyToShow.empty()) m_form.Choose(IDC_FREQUENCY, m_frequencyToShow);
-    m_untouched.frequency = m_view.Text(IDC_FREQUENCY);
-    ShowPlanLast();
 }
 
 void OrderEntry::ShowUserText(Pass pass, const Answer& answer) {

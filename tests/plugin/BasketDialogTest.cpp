@@ -289,14 +289,14 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
 
     // Nothing is changed by a file that is not there or is no text, or when none is chosen.
     view.path = "missing.csv";
-    basket.Load();
+    basket.Runs().Load();
     EXPECT_EQ(Taken(view.boxes), Texts{"File Open Error"});
     view.files["missing.csv"] = "\xFF\xFE";
-    basket.Load();
+    basket.Runs().Load();
     EXPECT_EQ(Taken(view.boxes), Texts{"The basket cannot be read: it is UTF-16 text; save it as ANSI or UTF-8 "
                                        "text and load it again."});
     view.path.reset();
-    basket.Load();
+    basket.Runs().Load();
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 
     // Midnight passes while the dealer looks for the file: tomorrow has become today.
@@ -378,7 +378,7 @@ TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
                + ",05/Mar/2027,12,MKT,B,BUY,C,DAY,value, ,\n";
     };
     EXPECT_EQ(view.files["basket.csv"], exported("C2") + exported("C1"));
-    basket.Load();
+    basket.Runs().Load();
     EXPECT_EQ(Rows(BasketField::account), "C1 C2");
     view.writable = false;
     basket.Export();

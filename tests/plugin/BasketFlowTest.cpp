@@ -101,9 +101,9 @@ protected:
 
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;
-        basket.Load();
-        while (basket.IsUnderWay())
-            basket.Continue();
+        basket.Runs().Load();
+        while (basket.Runs().IsUnderWay())
+            basket.Runs().Continue();
         EXPECT_EQ(std::exchange(view.boxes, {}), Texts{});
     }
     std::string Exported() {
@@ -114,9 +114,9 @@ protected:
     // The records that were sent, in the list's order.
     std::vector<RecordId> Place() {
         std::vector<RecordId> sent;
-        basket.Place();
-        while (basket.IsUnderWay())
-            basket.Continue();
+        basket.Runs().Place();
+        while (basket.Runs().IsUnderWay())
+            basket.Runs().Continue();
         EXPECT_EQ(std::exchange(view.boxes, {}), Texts{"Order Placed..!!"});
         for (const RecordId record : view.list.rows)
             if (basket.Rows().IsSent(record)) sent.push_back(record);
@@ -166,7 +166,7 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
         }
         Load(Joined(typed));
         EXPECT_EQ(Exported(), Joined(back)) << "the last line stands on top";
-        basket.Load();
+        basket.Runs().Load();
         EXPECT_EQ(Exported(), Joined(forth));
 
         const std::size_t before = server.Registrations().size();

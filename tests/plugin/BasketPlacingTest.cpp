@@ -10,18 +10,18 @@ TEST_F(BasketPlacingTest, ALongLoadCanBeStopped) {
     Open();
     view.clockStep = 200;
     Load(Lines(1000));
-    ASSERT_TRUE(basket.IsUnderWay());
+    ASSERT_TRUE(basket.Runs().IsUnderWay());
     const std::size_t first = view.list.rows.size();
     EXPECT_TRUE(first > 0 && first < 1000);
-    basket.Load(); // nothing begins meanwhile
-    basket.Place();
+    basket.Runs().Load(); // nothing begins meanwhile
+    basket.Runs().Place();
     basket.AddOrModify();
     basket.Delete();
     basket.Export();
     EXPECT_EQ(view.list.rows.size(), first);
     EXPECT_EQ(view.questions, Texts{});
-    basket.Stop();
-    EXPECT_FALSE(basket.IsUnderWay());
+    basket.Runs().Stop();
+    EXPECT_FALSE(basket.Runs().IsUnderWay());
     const std::string count = std::to_string(first);
     EXPECT_EQ(Taken(view.boxes), Texts{"Loading was stopped: " + count + " lines were read, " + count
                                        + " of them are in the list."});
@@ -34,14 +34,14 @@ TEST_F(BasketPlacingTest, ALongLoadCanBeStopped) {
     // The window goes in the middle.
     Load(Lines(1000));
     basket.OnClosed();
-    EXPECT_FALSE(basket.IsUnderWay());
-    basket.Continue();
+    EXPECT_FALSE(basket.Runs().IsUnderWay());
+    basket.Runs().Continue();
     EXPECT_EQ(view.boxes, Texts{});
 }
 
 TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     Open();
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Taken(view.boxes), Texts{"Please Select an Order"});
     session.m_nSipOperationMode = 1;
     session.m_dMinSipMonthly = 1;
@@ -50,7 +50,7 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     EXPECT_EQ(view.boxes, Texts{});
     view.yes = false;
     host.calls.clear();
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Taken(view.questions), Texts{"Are you sure to place these Basket Orders?"});
     EXPECT_EQ(host.calls, Texts{});
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
@@ -58,7 +58,7 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     view.yes = true;
     host.caution = 1;
     host.cautionOfRow = {{1, 1}, {2, 0}};
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
     const std::string told = ",ARBORTEX-EQ,nse_cm,";
     EXPECT_EQ(host.calls,
@@ -88,11 +88,11 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
     EXPECT_EQ(basket.Status()[3], "Sent: 3");
 
     // Pressed once more by whatever way, also in a window opened anew: nothing.
-    basket.Place();
+    basket.Runs().Place();
     basket.OnClosed();
     basket.Initialise({});
     EXPECT_FALSE(view.controls[IDC_BASKET_PLACE].enabled);
-    basket.Place();
+    basket.Runs().Place();
     host.requests.pop_back(); // for the frequencies
     EXPECT_EQ(host.requests.size(), 3u);
 
@@ -101,7 +101,7 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
         host.caution = answer;
         Load(Line("C1"));
         host.cautionOfRow = {{0, 1}};
-        basket.Place();
+        basket.Runs().Place();
         EXPECT_NE(host.LastRequest().find(" cautionaryFlag=N "), std::string::npos) << answer;
     }
 }
@@ -119,7 +119,7 @@ TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
         host.log.clear();
         {
             const FailQmxCall fail(FailQmxCall::addData, ++call);
-            basket.Place();
+            basket.Runs().Place();
         }
         EXPECT_EQ(Taken(view.boxes), (Texts{failure, "Order Placed..!!"}));
         EXPECT_EQ(host.requests.size(), 1u) << failure;
@@ -128,13 +128,13 @@ TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
     Load(Line("C1") + Line("C2"));
     {
         const FailQmxCall fail(FailQmxCall::startMsg, 1);
-        basket.Place();
+        basket.Runs().Place();
     }
     EXPECT_EQ(Taken(view.boxes),
               (Texts{"zup_add_parameter: Error while building message", "Order Placed..!!"}));
     Load(Line("C3") + Line("C4"));
     host.refuses = true;
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Taken(view.boxes),
               (Texts{"Sending Request add_sip_orders Failed\nSending Request add_sip_orders Failed",
                      "Order Placed..!!"}));
@@ -145,13 +145,13 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     const auto stopHalfWay = [&](const char* client) {
         Load(Lines(40, client));
         view.clockStep = 20;
-        basket.Place();
-        ASSERT_TRUE(basket.IsUnderWay());
-        basket.Place(); // nothing begins meanwhile
+        basket.Runs().Place();
+        ASSERT_TRUE(basket.Runs().IsUnderWay());
+        basket.Runs().Place(); // nothing begins meanwhile
         while (host.requests.empty())
-            basket.Continue();
-        basket.Stop();
-        ASSERT_FALSE(basket.IsUnderWay());
+            basket.Runs().Continue();
+        basket.Runs().Stop();
+        ASSERT_FALSE(basket.Runs().IsUnderWay());
     };
     Open();
     view.duringQuestion = [&] { view.duringQuestion = [&] { view.yes = false; }; };
@@ -167,7 +167,7 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     EXPECT_EQ(view.boxes, Texts{}) << "not all was placed";
     // They stay: the next one asks first.
     view.choice = Choice::cancel;
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Taken(view.questions), Texts{count
                                            + " of the 40 orders have already been sent.\n\n"
                                              "Yes: place all 40, and so these again.\n"
@@ -181,7 +181,7 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
     stopHalfWay("D");
     EXPECT_EQ(view.list.rows.size() + host.requests.size(), 40u);
     Taken(view.questions);
-    basket.Place();
+    basket.Runs().Place();
     Run();
     EXPECT_EQ(Taken(view.questions), Texts{"Are you sure to place these Basket Orders?"});
     EXPECT_EQ(std::set(host.requests.begin(), host.requests.end()).size(), 40u);
@@ -190,14 +190,14 @@ TEST_F(BasketPlacingTest, AStoppedPlacingNeverSendsTwiceUnasked) {
 
     // The window is closed half-way: opened again, it knows what was sent.
     Load(Lines(40, "E"));
-    basket.Place();
+    basket.Runs().Place();
     while (basket.Rows().SentCount() == 0)
-        basket.Continue();
+        basket.Runs().Continue();
     basket.OnClosed();
     Open();
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
     Taken(view.questions);
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(view.questions.size(), 1u);
     EXPECT_EQ(view.questions[0].find("Are you sure"), std::string::npos);
 }
@@ -208,7 +208,7 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
         view.choice = choice;
         host.calls.clear();
         Taken(view.questions);
-        basket.Place();
+        basket.Runs().Place();
         return Sent();
     };
     Load(Lines(3));
@@ -262,11 +262,11 @@ TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
     Add("NOBODY");
     view.yes = false;
     Taken(view.questions);
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(view.questions, Texts{"The terminal knows no client NOBODY.\nPlace their orders all the same?"});
     EXPECT_EQ(Sent(), "");
     view.yes = true;
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Sent(), "NOBODY C1");
     Taken(view.questions);
     Load(Lines(2));
@@ -296,8 +296,8 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
     }
     view.otherBox = true;
     Load(Lines(40));
-    basket.Place();
-    basket.Place();
+    basket.Runs().Place();
+    basket.Runs().Place();
     EXPECT_EQ(Rows(BasketField::account), "NOBODY");
     view.clockStep = 20;
     EXPECT_EQ(boxGoes(), (Texts{"Orders in the basket that were not sent: 1.\nLoad the file in their place?",
@@ -305,9 +305,9 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
 
     // Its rows may go before the question comes, and others take their places.
     while (host.requests.size() < 2)
-        basket.Continue();
+        basket.Runs().Continue();
     view.otherBox = true;
-    basket.Stop();
+    basket.Runs().Stop();
     view.list.selected = {view.list.rows[0]};
     basket.Delete();
     Add("C50");
@@ -316,7 +316,7 @@ TEST_F(BasketPlacingTest, AsksOnceTheBoxIsGoneThatIsInTheWay) {
     EXPECT_EQ(view.list.rows.size(), 37u);
     EXPECT_EQ(Rows(BasketField::account).substr(0, 7), "C50 C36");
     view.otherBox = true;
-    basket.Place();
+    basket.Runs().Place();
     basket.OnClosed();
     EXPECT_EQ(boxGoes(), Texts{}) << "with the window the question goes";
 }
@@ -329,7 +329,7 @@ TEST_F(BasketPlacingTest, TheExitInTheMiddleEndsIt) {
     Open();
     Load(Line("C1") + Line("C2"));
     host.duringCaution = end;
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(host.requests, Texts{});
     EXPECT_EQ(view.boxes, Texts{});
     EXPECT_EQ(host.CallsOf("pu_get_cautionary_bskt_confirm_state"), 0);
@@ -343,7 +343,7 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
         Open();
         Load(Line("NEW"));
         basket.Delete();
-        basket.Place();
+        basket.Runs().Place();
     };
     Open();
     host.duringLog = openAnew;
@@ -358,12 +358,12 @@ TEST_F(BasketPlacingTest, AWindowOpenedAnewInTheMiddleStartsAfresh) {
         *during = openAnew;
         Taken(view.boxes);
         Taken(view.questions);
-        basket.Place();
+        basket.Runs().Place();
         EXPECT_EQ(Rows(BasketField::account), "C2 C1");
         EXPECT_EQ(basket.Rows().SentCount() + view.boxes.size(), sent);
         view.yes = false;
         view.choice = Choice::cancel;
-        basket.Place();
+        basket.Runs().Place();
         EXPECT_EQ(Taken(view.questions).back().starts_with("1 of the 2 orders have already"), sent == 1);
         view.yes = true;
     }
@@ -387,12 +387,12 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
     // The rows that a stopped placing offers to remove cannot go under the box before.
     Load(Lines(3));
     const FailQmxCall failing(FailQmxCall::addData, 1);
-    host.duringLog = [&] { basket.Stop(); };
+    host.duringLog = [&] { basket.Runs().Stop(); };
     view.duringBox = [&] {
         view.list.selected = view.list.rows;
         basket.Delete();
     };
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 }
 

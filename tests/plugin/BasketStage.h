@@ -35,11 +35,11 @@ protected:
     }
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;
-        basket.Load();
+        basket.Runs().Load();
     }
     void Run() {
-        while (basket.IsUnderWay())
-            basket.Continue();
+        while (basket.Runs().IsUnderWay())
+            basket.Runs().Continue();
     }
     // The rows from the top by one field, "C002 C001".
     std::string Rows(BasketField field) const {

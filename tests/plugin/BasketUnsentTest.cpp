@@ -27,7 +27,7 @@ protected:
 
 TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
     Open();
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     Add("C1");
     Add("C2");
     EXPECT_EQ(Kept(), "C1 C2");
@@ -48,7 +48,7 @@ TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
     view.unsent.written.clear();
     host.cautionOfRow = {{1, 0}};
     host.duringRowState = [&] { EXPECT_EQ(Kept(), "C1? C2? C3?"); };
-    basket.Place();
+    basket.Runs().Place();
     EXPECT_EQ(Kept(), "C2");
     EXPECT_EQ(view.unsent.written.size(), 2u);
     EXPECT_EQ(view.unsent.aside, Texts{});
@@ -63,14 +63,14 @@ TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
         };
     };
     host.cautionOfRow.clear();
-    basket.Place();
+    basket.Runs().Place();
 }
 
 TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
     const std::string lines = Line("C1") + Line("C2");
     Found(lines);
     view.choice = Choice::cancel;
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     const Texts offer{
         "Orders of the basket that were not sent when the terminal ended: 2.\n\nYes: take them into "
         "the basket again.\nNo: save them to a file of their own.\nCancel: ask again next time."};
@@ -79,13 +79,13 @@ TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
     basket.OnClosed();
     Open();
     view.choice = Choice::yes;
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     EXPECT_EQ(Taken(view.questions), offer);
     EXPECT_EQ(Rows(BasketField::account), "C2 C1");
     EXPECT_EQ(Kept(), "C1 C2");
     EXPECT_EQ(basket.Status()[3], "");
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     EXPECT_EQ(view.questions.size() + view.boxes.size() + view.unsent.aside.size(), 0u) << "once";
 }
 
@@ -108,7 +108,7 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
         view.choice = row.choice;
         another.Initialise({});
         Answer("echoedRequest=get_sip_operation_mode errorCode=5");
-        another.OfferUnsent();
+        another.Runs().OfferUnsent();
         Fill("C9");
         view.SelectText(IDC_FREQUENCY, "monthly");
         another.AddOrModify();
@@ -133,7 +133,7 @@ TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheyMayHaveBeenSent) {
     another.Initialise({});
     Taken(view.questions);
     Taken(view.boxes);
-    another.OfferUnsent();
+    another.Runs().OfferUnsent();
     EXPECT_NE(view.questions[0].find("\nOf these, 1 were just being placed and may have been sent"),
               std::string::npos);
     ASSERT_EQ(view.list.rows.size(), 2u);
@@ -149,12 +149,12 @@ TEST_F(BasketUnsentTest, StayInTheFileWhenTheyComeBackOnlyInPart) {
     for (const bool closed : {false, true}) {
         Found(lines);
         view.clockStep = 200;
-        basket.OfferUnsent();
-        ASSERT_TRUE(basket.IsUnderWay() && !view.list.rows.empty());
+        basket.Runs().OfferUnsent();
+        ASSERT_TRUE(basket.Runs().IsUnderWay() && !view.list.rows.empty());
         if (closed)
             basket.OnClosed();
         else
-            basket.Stop();
+            basket.Runs().Stop();
         EXPECT_TRUE(view.unsent.text == lines);
         EXPECT_TRUE(view.list.rows.empty());
     }
@@ -164,12 +164,12 @@ TEST_F(BasketUnsentTest, StayInTheFileWhenTheyComeBackOnlyInPart) {
     host.duringLog = [&] {
         basket.OnClosed();
         Open();
-        basket.OfferUnsent();
+        basket.Runs().OfferUnsent();
     };
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     EXPECT_TRUE(view.unsent.text == lines);
     EXPECT_TRUE(view.list.rows.empty());
-    basket.OfferUnsent();
+    basket.Runs().OfferUnsent();
     EXPECT_EQ(view.list.rows.size(), 1000u);
     EXPECT_EQ(view.unsent.aside, Texts{"x\n"});
 }

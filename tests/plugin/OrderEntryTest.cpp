@@ -36,7 +36,7 @@ TEST_F(OrderEntryTest, SwitchingInvestByClearsTheValue) {
     for (const int selected : {1, 0, 1}) {
         view.SetText(IDC_VALUE, "12.5");
         view.Select(IDC_INVEST_BY, selected);
-        entry.OnInvestTypeChanged();
+        entry.Form().OnInvestTypeChanged();
         EXPECT_EQ(view.Text(IDC_VALUE), "");
         EXPECT_EQ(view.Text(IDC_VALUE_LABEL), selected ? "Quantity" : "Amount");
         EXPECT_EQ(view.controls[IDC_VALUE].digitsOnly, selected == 1);
@@ -90,7 +90,7 @@ TEST_F(OrderEntryTest, ThePlanFollowsTheForm) {
     for (const auto& [value, total] :
          {std::pair{"100.51", "\nTotal outlay Rs 1,206.12"}, {"10000000", ""}, {"", ""}}) {
         view.SetText(IDC_VALUE, value);
-        EXPECT_TRUE(entry.ShowPlan());
+        EXPECT_TRUE(entry.Form().ShowPlan());
         EXPECT_EQ(view.summary,
                   std::string("Arbor Textiles\n12 planned from 01-Feb-2027 to 01-Jan-2028") + total);
     }
@@ -118,15 +118,15 @@ TEST_F(OrderEntryTest, TheSummaryNamesWhatStandsBehindTheCodes) {
         session.host = ResolveHostCallbacks(session.lookup);
         Open();
         view.SetText(IDC_CLIENT_SEARCH, row.client);
-        EXPECT_TRUE(entry.ShowPlan());
+        EXPECT_TRUE(entry.Form().ShowPlan());
         EXPECT_EQ(view.summary, row.summary) << row.lacking;
         EXPECT_EQ(view.alarms, row.alarms) << row.summary;
     }
     host.calls.clear();
-    EXPECT_TRUE(entry.ShowPlan());
+    EXPECT_TRUE(entry.Form().ShowPlan());
     EXPECT_EQ(host.calls, Texts{}) << "the host is asked when something changes";
     view.controls[IDC_SYMBOL].items[0] = "NOSCRIP";
-    EXPECT_TRUE(entry.ShowPlan());
+    EXPECT_TRUE(entry.Form().ShowPlan());
     EXPECT_EQ(view.summary, "For C002 (Second Client)") << "and no other's name stays";
 }
 
@@ -253,7 +253,7 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
         if (!value.empty() && !does.starts_with("type")) entry.Submit(kNow);
         EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), step.form);
         const std::string notice = *step.notice ? std::string("\n") + step.notice : "";
-        EXPECT_TRUE(entry.ShowPlan());
+        EXPECT_TRUE(entry.Form().ShowPlan());
         EXPECT_NE(view.summary.find(notice), std::string::npos) << view.summary;
         EXPECT_TRUE(*step.notice || view.summary.find("F3") == std::string::npos) << view.summary;
         EXPECT_EQ(view.alarms, notice.find("Refused") != std::string::npos);

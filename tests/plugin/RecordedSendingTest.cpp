@@ -83,12 +83,12 @@ TEST_F(BasketStage, APlacingIsRecordedInPortionsAndStoppedRowsAreTold) {
         // The row that goes out is among those on the disk.
         const auto sent = static_cast<std::size_t>(last++);
         EXPECT_GT(host.recordFiles.Events().size(), sent);
-        if (sent == 70) basket.Stop();
+        if (sent == 70) basket.Runs().Stop();
     };
     host.recordFiles.appends = 0;
     view.yes = false;
     view.duringQuestion = [&] { view.yes = true; };
-    basket.Place();
+    basket.Runs().Place();
     Run();
     const Texts events = Taken(host.recordFiles);
     EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("sending"); }), 99);
@@ -112,7 +112,7 @@ TEST_F(BasketStage, WithoutARecordNothingIsPlacedUnlessTheDealerSaysSo) {
         view.yes = true;
         view.questions.clear();
         view.duringQuestion = [&] { view.duringQuestion = [&, yes] { view.yes = yes; }; };
-        basket.Place();
+        basket.Runs().Place();
         Run();
         EXPECT_EQ(Sent().empty(), !yes);
         EXPECT_EQ(

@@ -36,9 +36,9 @@ struct Action {
 };
 constexpr Action kActions[] = {
     {IDC_SUBMIT, [](Basket& basket) { basket.AddOrModify(); }},
-    {IDC_BASKET_LOAD, [](Basket& basket) { basket.Load(); }},
+    {IDC_BASKET_LOAD, [](Basket& basket) { basket.Runs().Load(); }},
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
-    {IDC_BASKET_PLACE, [](Basket& basket) { basket.Place(); }},
+    {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {IDC_REJECTED_SAVE, [](Basket& basket) { basket.SaveRejected(); }},
     {RejectedPanel::kSaveCommand, [](Basket& basket) { basket.SaveRejected(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
@@ -51,12 +51,12 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
       m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket, CRunProgressDlg::Owner::disabled),
+      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_controls(*this, session, m_basket.Life()), m_afterBox(boxes) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
-    if (HasWindow()) m_basket.OfferUnsent();
+    if (HasWindow()) m_basket.Runs().OfferUnsent();
 }
 
 void CBasketUpload::ShutDown() {

@@ -64,12 +64,12 @@ void COrderEntryDlg::ShowSummary(std::string_view text, bool alarms) {
 
 void COrderEntryDlg::OnRegistrationChanged(const SipRegistration& registration) {
     m_entry.OnRegistrationChanged(registration);
-    m_plannedDates.SetPlan(m_entry.CurrentPlan());
+    m_plannedDates.SetPlan(m_entry.Form().CurrentPlan());
 }
 
 void COrderEntryDlg::OnInit() {
     m_summary.Attach(Item(IDC_PLAN_SUMMARY).Handle());
-    if (m_entry.Life().Across([&](Pass pass) { m_controls.SetUp(pass, OrderEntry::kName); }))
+    if (m_entry.Life().Across([&](Pass pass) { m_controls.SetUp(pass, OrderEntryForm::kName); }))
         m_entry.Initialise(LocalNow(), SipFormControls::CustomProducts());
 }
 
@@ -126,14 +126,15 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
     // A combo with an edit tells a choice before the edit has it.
     if (command.id == IDC_CLIENT_COMBO) PostMessageA(Dialog::Handle(), kShowPlanLater, 0, 0);
     if (command.notification == CBN_SELCHANGE) {
-        if (m_entry.OnChosen(command.id)) OnPlanChanged();
+        if (m_entry.Form().OnChosen(command.id)) OnPlanChanged();
     }
     return false;
 }
 
 void COrderEntryDlg::OnButton(int button) {
     if (button == IDC_SUBMIT) m_entry.Submit(LocalNow());
-    if (button == IDC_PLAN_DATES) m_plannedDates.Open(Dialog::Handle(), m_entry.CurrentPlan(), FontSize());
+    if (button == IDC_PLAN_DATES)
+        m_plannedDates.Open(Dialog::Handle(), m_entry.Form().CurrentPlan(), FontSize());
 }
 
 std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
@@ -143,7 +144,7 @@ std::optional<LRESULT> COrderEntryDlg::OnNotify(const NMHDR& notification) {
 }
 
 void COrderEntryDlg::OnPlanChanged() {
-    if (m_entry.ShowPlan()) m_plannedDates.SetPlan(m_entry.CurrentPlan());
+    if (m_entry.Form().ShowPlan()) m_plannedDates.SetPlan(m_entry.Form().CurrentPlan());
 }
 
 void COrderEntryDlg::OnResponse(void*, void* message, void*) noexcept {

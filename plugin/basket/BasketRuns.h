@@ -1,0 +1,93 @@
+// What the basket does at length, and what it asks before and tells after: loading and placing. With them the
+// file of the orders that were not sent, whose offer is a load as well.
+#pragma once
+
+#include "plugin/base/LongRun.h"
+#include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketLoading.h"
+#include "plugin/basket/BasketPlacing.h"
+#include "plugin/basket/BasketQuestions.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace planfold {
+
+class BasketRuns final : public LongRun {
+public:
+    BasketRuns(Session& session, BasketView& view, RxControl* control, BasketQuestions& questions,
+               const BasketForm& form, BasketRows& rows, RejectedLines& rejected)
+        : m_session(session), m_view(view), m_control(control), m_questions(questions),
+          m_life(questions.Life()), m_form(form), m_rows(rows), m_rejected(rejected) {}
+
+    // Once the window stands: asks what becomes of the orders that an earlier session did not send.
+    void OfferUnsent();
+    void Load();
+    void Place();
+    // Says whether the rows may be placed; the place button shows it.
+    void LetPlace(bool may);
+    void ShowPlaceable();
+    // An answer of the server to the row with this serial number, whatever has become of it since.
+    void RecordAnswer(std::int64_t serialNumber, const Answer& answer);
+    // The rows were changed, and nothing of the caller's comes after it.
+    void KeepUnsentLast() { static_cast<void>(KeepUnsent()); }
+    // The window is gone, and with it the run.
+    void OnClosed();
+
+    // Nothing else is done meanwhile: rows keep their places, the form its contents, and no second run begins.
+    // A portion counts even when its window has gone: a new one must not take the rows away from under it.
+    bool IsBusy() const { return m_questions.IsTaken() || m_inPortion || IsUnderWay(); }
+    bool IsUnderWay() const override { return m_loading || m_placing; }
+    void Continue() override { RunFor(kPortionMs); }
+    void Stop() override;
+    std::string Progress() const override;
+    std::size_t Done() const override;
+    std::size_t Total() const override;
+
+private:
+    using Act = BasketQuestions::Act;
+
+    static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
+    static constexpr std::int64_t kPortionMs = 50;
+
+    void LoadFile();
+    void BeginLoading(std::string text, BasketRules rules);
+    void RunFor(std::int64_t milliseconds);
+    void EndLoading();
+    Choice AskAboutSent();
+    void EndPlacing();
+    void OfferToRemove();
+    // False when the window has gone meanwhile.
+    [[nodiscard]] bool KeepUnsent();
+    std::string EndBringingBack(bool stopped);
+    void BringNothingBack();
+
+    Session& m_session;
+    BasketView& m_view;
+    RxControl* m_control;
+    BasketQuestions& m_questions;
+    const Lifetime& m_life;
+    const BasketForm& m_form;
+    BasketRows& m_rows;
+    RejectedLines& m_rejected; // of the last load
+    const Act m_offerAgain{[this] { OfferUnsent(); }};
+    const Act m_loadAgain{[this] { LoadFile(); }};
+    const Act m_placeAgain{[this] { Place(); }};
+    const Act m_removeAgain{[this] { OfferToRemove(); }};
+    // Shared with the portion that is under way, in which the window may be closed.
+    std::shared_ptr<BasketLoading> m_loading;
+    std::shared_ptr<BasketPlacing> m_placing;
+    UnansweredRows m_unanswered;
+    std::string m_path; // of the file to load
+    // Those that a placing sent before it was stopped, by serial number, and how many it was of.
+    std::vector<std::int32_t> m_stoppedSent;
+    std::size_t m_stoppedTotal = 0;
+    std::string m_titleBefore;    // the load
+    bool m_inPortion = false;     // the host may let the window's timer in
+    bool m_placeable = false;     // the place button
+    bool m_unsentSettled = false; // the kept file holds nothing that is not in the list
+    bool m_bringsBack = false;    // the load is of that file
+};
+
+} // namespace planfold
