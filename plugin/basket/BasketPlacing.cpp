@@ -15,12 +15,10 @@ std::string_view ValueOf(const sBasketOrderData& row) {
     return row.Text(ValueField(row.Text(BasketField::investType)));
 }
 
-sSipOrderData OrderOf(const sBasketOrderData& row) {
-    sSipOrderData order;
+void ReadOrder(const sBasketOrderData& row, sSipOrderData& order) {
     for (const auto& [field, member] : kSipOrderFields)
         order.*member = row.Text(field);
     order.amountOrQuantity = ValueOf(row);
-    return order;
 }
 
 } // namespace
@@ -34,8 +32,9 @@ BasketPlacing::BasketPlacing(Pass pass, Session& session, RxControl* control, Ba
 }
 
 BasketPlacing::~BasketPlacing() {
-    for (const Prepared& prepared : m_prepared)
-        if (prepared.recorded) m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
+    for (; m_takenOfPortion < m_portion.size(); ++m_takenOfPortion)
+        if (const auto& recorded = m_portion[m_takenOfPortion].recorded)
+            m_session.record.Tell(*recorded, OrderEvent::notSent, {});
 }
 
 bool BasketPlacing::Step(Pass pass) {
@@ -45,12 +44,10 @@ bool BasketPlacing::Step(Pass pass) {
         AskHost(pass);
     } else if (!IsSending()) {
         TellHost(pass, m_placed[m_next++]);
-    } else if (m_prepared.empty()) {
+    } else if (m_takenOfPortion == m_portion.size()) {
         PreparePortion(pass);
     } else {
-        Prepared next = std::move(m_prepared.front());
-        m_prepared.pop_front();
-        Send(pass, m_placed[m_next++], next);
+        Send(pass, m_placed[m_next++], m_portion[m_takenOfPortion++]);
     }
     return true;
 }
@@ -76,27 +73,27 @@ void BasketPlacing::AskHost(Pass pass) {
 
 // All of a portion is on the disk, at once, before the first of it goes out.
 void BasketPlacing::PreparePortion(Pass pass) {
-    constexpr std::size_t portion = 50;
-    std::deque<Prepared> prepared;
+    constexpr std::size_t most = 50;
+    std::vector<Prepared> portion(std::min(most, m_placed.size() - m_next));
     std::vector<RecordedOrder> recorded;
-    const std::size_t end = std::min(m_next + portion, m_placed.size());
-    for (std::size_t row = m_next; row < end; ++row) {
-        prepared.push_back(Prepare(pass, m_placed[row]));
+    for (std::size_t i = 0; i < portion.size(); ++i) {
+        Prepare(pass, m_placed[m_next + i], portion[i]);
         // The host may have ended everything, or closed the window.
         if (m_stopped || m_session.Ended()) return;
-        if (prepared.back().recorded) recorded.push_back(*prepared.back().recorded);
+        if (portion[i].recorded) recorded.push_back(*portion[i].recorded);
     }
     m_withoutRecord = m_session.record.Sending(recorded) || m_withoutRecord || m_ask(pass);
     if (m_stopped || m_session.Ended()) return;
-    if (m_withoutRecord)
-        m_prepared = std::move(prepared);
-    else
-        m_stopped = true;
+    m_stopped = !m_withoutRecord;
+    if (m_stopped) return;
+    m_portion = std::move(portion);
+    m_takenOfPortion = 0;
 }
 
-BasketPlacing::Prepared BasketPlacing::Prepare(Pass pass, const Row& placed) {
+void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
     const sBasketOrderData& row = m_rows[placed.record];
-    Prepared prepared{true, {row.SerialNumber(), std::nullopt}, OrderOf(row), std::nullopt, std::nullopt};
+    prepared.place.serialNumber = row.SerialNumber();
+    ReadOrder(row, prepared.order);
     const OrderOrigin origin = m_rows.LineOf(placed.record) > 0
                                    ? OrderOrigin{m_fileName, m_rows.LineOf(placed.record)}
                                    : OrderOrigin{};
@@ -107,10 +104,16 @@ BasketPlacing::Prepared BasketPlacing::Prepare(Pass pass, const Row& placed) {
         prepared.goesOut = answer != 0;
         if (answer == 1) prepared.place.cautionary = m_confirmed == 1;
     }
-    if (!prepared.goesOut || m_stopped || m_session.Ended()) return prepared;
+    if (!prepared.goesOut || m_stopped || m_session.Ended()) return;
     prepared.orderId = m_session.FreshIdentifier(pass);
-    prepared.recorded = RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""), origin);
-    return prepared;
+    if (!m_session.record.IsKept()) return;
+    // Most rows of a file start on the same day.
+    if (prepared.order.startDate != m_startSeconds) {
+        m_startSeconds = prepared.order.startDate;
+        m_startText = StartDateText(prepared.order);
+    }
+    prepared.recorded =
+        RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""), m_startText, origin);
 }
 
 void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
@@ -118,7 +121,7 @@ void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
     std::string exchange = prepared.order.exchange;
     Convert(kExchangeToDisplay, prepared.order.exchange, exchange);
     m_rows.SetSending(placed.record);
-    m_unanswered.insert_or_assign(prepared.place.serialNumber, *prepared.recorded);
+    if (prepared.recorded) m_unanswered.insert_or_assign(prepared.place.serialNumber, *prepared.recorded);
     const bool sent = SendAddSipOrders(pass, m_session, m_control, m_failures, prepared.order, prepared.orderId,
                                        exchange, &prepared.place);
     m_rows.SetSending(kNoRecord);
@@ -128,7 +131,7 @@ void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
         return;
     }
     m_unanswered.erase(prepared.place.serialNumber);
-    m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
+    if (prepared.recorded) m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
 }
 
 } // namespace planfold

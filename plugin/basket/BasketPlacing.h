@@ -9,7 +9,6 @@
 #include "plugin/record/OrderRecord.h"
 #include "sdk/RxControl.h"
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -57,17 +56,17 @@ public:
 private:
     // A row whose turn is near.
     struct Prepared {
-        bool goesOut; // false: the host holds it back
-        BasketPlace place;
-        sSipOrderData order;
-        std::optional<std::string> orderId;
-        std::optional<RecordedOrder> recorded; // until it is known whether it went out
+        bool goesOut = true; // false: the host holds it back
+        BasketPlace place{};
+        sSipOrderData order{};
+        std::optional<std::string> orderId{};
+        std::optional<RecordedOrder> recorded{}; // until it is known whether it went out
     };
 
     void TellHost(Pass pass, const Row& placed);
     void AskHost(Pass pass);
     void PreparePortion(Pass pass);
-    Prepared Prepare(Pass pass, const Row& placed);
+    void Prepare(Pass pass, const Row& placed, Prepared& prepared);
     void Send(Pass pass, const Row& placed, Prepared& prepared);
 
     Session& m_session;
@@ -77,9 +76,11 @@ private:
     const std::string m_fileName;
     const AskWithoutRecord m_ask;
     std::vector<Row> m_placed;
-    std::size_t m_next = 0;          // of the pass
-    int m_confirmed = -1;            // the host's answer; negative in the first pass
-    std::deque<Prepared> m_prepared; // from the next row on
+    std::size_t m_next = 0;                  // of the pass
+    int m_confirmed = -1;                    // the host's answer; negative in the first pass
+    std::vector<Prepared> m_portion;         // of the rows that come next
+    std::size_t m_takenOfPortion = 0;        // those whose turn has come
+    std::string m_startSeconds, m_startText; // of the row before
     std::vector<RecordId> m_sent;
     KeptTexts m_failures;
     bool m_stopped = false;

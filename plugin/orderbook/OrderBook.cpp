@@ -75,7 +75,8 @@ RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     const bool isNew = record == kNoRecord;
     if (isNew) record = m_cache.Add(*number);
     ReadOrderRow(message, m_session.m_nSipOperationMode != 0, *accountName, m_cache[record]);
-    m_session.record.OnRow(m_cache[record].Text(OrderField::orderId), m_cache[record].Number());
+    if (m_session.record.AwaitsRows())
+        m_session.record.OnRow(m_cache[record].Text(OrderField::orderId), m_cache[record].Number());
     m_view.Registered().Repaint(record);
     m_view.Cancelled().Repaint(record);
     // A known record enters the cancelled book, but never the registered one.

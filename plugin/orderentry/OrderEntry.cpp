@@ -99,10 +99,10 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
     const auto orderId = m_life.Across(
         [&](Pass pass) { return form.modifyMode ? std::nullopt : m_session.FreshIdentifier(pass); });
     if (!orderId) return false;
-    const RecordedOrder recorded = form.modifyMode
-                                       ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(),
-                                                        record.amountOrQuantity, record.totalPeriod)
-                                       : RecordedNewOrder(m_session, record, orderId->value_or(""));
+    const RecordedOrder recorded =
+        form.modifyMode ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(),
+                                         record.amountOrQuantity, record.totalPeriod)
+                        : RecordedNewOrder(m_session, record, orderId->value_or(""), StartDateText(record));
     if (!m_life.Across([&](Pass) { isAgreed = RecordSending(form, recorded); })) return false;
     return !isAgreed || m_life.Across([&](Pass pass) {
         Send(pass, {form, record, *orderId, recorded}, outcome);

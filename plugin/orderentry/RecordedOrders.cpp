@@ -35,10 +35,13 @@ void RecordPlaced(const Session& session, const RecordedOrder& order, const Answ
                             FieldText(answer.message, tag::registrationNumber));
 }
 
+std::string StartDateText(const sSipOrderData& order) {
+    return FormatPlannedDate(ToLocal(LeadingInteger(order.startDate)));
+}
+
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
-                               const OrderOrigin& origin) {
+                               std::string_view startDate, const OrderOrigin& origin) {
     const std::string line = origin.line > 0 ? std::to_string(origin.line) : std::string();
-    const std::string start = FormatPlannedDate(ToLocal(LeadingInteger(order.startDate)));
     RecordTexts texts;
     texts[RecordField::orderId] = orderId;
     texts[RecordField::loginId] = session.identity.loginId;
@@ -51,7 +54,7 @@ RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& orde
     texts[RecordField::investType] = order.investType;
     texts[RecordField::value] = order.amountOrQuantity;
     texts[RecordField::frequency] = order.frequency;
-    texts[RecordField::startDate] = start;
+    texts[RecordField::startDate] = startDate;
     texts[RecordField::periods] = order.totalPeriod;
     texts[RecordField::text] = "add_sip_orders";
     return RecordedOrder(texts);

@@ -17,8 +17,10 @@ struct OrderOrigin {
     int line = 0; // from 1; 0 without one
 };
 
+// "05-Mar-2027".
+std::string StartDateText(const sSipOrderData& order);
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
-                               const OrderOrigin& origin = {});
+                               std::string_view startDate, const OrderOrigin& origin = {});
 
 // A text from outside as a part of a line: not too long, and without what ends one.
 std::string InShort(std::string_view text);

@@ -18,7 +18,8 @@ std::string TimeText(const LocalDateTime& now) {
 // Once: a session that goes on after midnight keeps what it knows, since an answer may come on the day after
 // its order.
 void OrderRecord::ReadDay() {
-    if (std::exchange(m_isRead, true)) return;
+    if (m_isRead || !IsKept()) return;
+    m_isRead = true;
     const auto text = m_files.Read(m_now());
     if (!text) return;
     RecordReader reader(*text);
@@ -32,7 +33,7 @@ const OrderLedger& OrderRecord::Ledger() {
 }
 
 bool OrderRecord::Sending(std::span<const RecordedOrder> orders) {
-    if (!m_files.HasFolder()) return true;
+    if (!IsKept()) return true;
     ReadDay();
     const LocalDateTime now = m_now();
     const std::string time = TimeText(now);

@@ -35,6 +35,8 @@ public:
 
     OrderRecord(RecordFiles& files, Clock now) : m_files(files), m_now(std::move(now)) {}
 
+    // False where the host has no folder for it: all calls are then without effect.
+    bool IsKept() const { return m_files.HasFolder(); }
     // Before requests go out: what they ask for. True once it is on the disk, and where the host has no folder
     // for records; otherwise nothing is known of them, and whoever sends them does so without a record.
     bool Sending(std::span<const RecordedOrder> orders);
@@ -42,6 +44,8 @@ public:
     // What cannot be written now is written with the next event.
     void Tell(const RecordedOrder& named, OrderEvent event, std::string_view text,
               std::string_view registration = {});
+    // Whether a row of the book may tell what became of an order.
+    bool AwaitsRows() const { return m_isRead ? m_ledger.HasOpen() : IsKept(); }
     // A row of the book, by the server's answer or its stream: it settles the order that is known by its
     // identifier.
     void OnRow(std::string_view orderId, std::string_view registration);
