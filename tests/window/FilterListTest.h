@@ -107,10 +107,7 @@ protected:
         return SendMessageA(list, message, wParam, lParam);
     }
     void SetState(int row, UINT state, UINT mask) const {
-        LVITEMA item{};
-        item.state = state;
-        item.stateMask = mask;
-        Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        ListView_SetItemState(list, row, state, mask);
     }
     std::string Cell(int row, int column) const { return probe::Cell(list, row, column); }
     // Reads the control as another program does.
