@@ -78,10 +78,7 @@ std::string BookWindowTest::SelectedNumbers(HWND list) {
 
 void BookWindowTest::Select(HWND list, const std::vector<std::string>& numbers) {
     const auto set = [&](int row, UINT state) {
-        LVITEMA item{};
-        item.state = state;
-        item.stateMask = LVIS_SELECTED | (state & LVIS_FOCUSED);
-        SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        ListView_SetItemState(list, row, state, LVIS_SELECTED | (state & LVIS_FOCUSED));
     };
     set(-1, 0);
     for (int row = 0; row < Rows(list); ++row)

@@ -120,6 +120,8 @@ TEST_F(FilterList, ARowHiddenByAFilterComesBackSelectedUnlessTheUserSelectedAnew
         control->SetOwnerFilter(0, nullptr);
         control->SelectOnly(3); // "Paused"
         control->SetOwnerFilter(2, "active");
+        EXPECT_EQ(Send(LVM_GETITEMCOUNT), 6);
+        EXPECT_EQ(Next(LVNI_SELECTED), -1);
         EXPECT_EQ(control->SelectedCount(), 0u);
         if (!again) SetState(0, LVIS_SELECTED, LVIS_SELECTED);
         control->SetOwnerFilter(0, nullptr);

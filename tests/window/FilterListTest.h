@@ -106,12 +106,7 @@ protected:
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return SendMessageA(list, message, wParam, lParam);
     }
-    void SetState(int row, UINT state, UINT mask) const {
-        LVITEMA item{};
-        item.state = state;
-        item.stateMask = mask;
-        Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    }
+    void SetState(int row, UINT state, UINT mask) const { ListView_SetItemState(list, row, state, mask); }
     std::string Cell(int row, int column) const { return probe::Cell(list, row, column); }
     // Reads the control as another program does.
     int Next(UINT flags, int from = -1) const {
