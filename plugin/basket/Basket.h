@@ -16,7 +16,7 @@ namespace planfold {
 
 class Basket {
 public:
-    // The window's name, and its group of hot keys.
+    // The window and its group of hot keys have this name.
     static constexpr char kName[] = "SIP Basket Entry";
     static constexpr int kDeleteHotKey = 193;
 

@@ -45,10 +45,10 @@ struct RejectedLine {
     std::string report;
 };
 
-// Those of a load, in its order.
+// The lines that a load rejected, as they came.
 struct RejectedLines {
     std::vector<RejectedLine> lines;
-    int corrected = 0; // by its number: which the form was filled from
+    int corrected = 0; // the number of the line that the form was filled from; 0 for none
 
     // The content of a file of them, as they were read.
     std::string Text() const;

@@ -40,13 +40,14 @@ public:
     // The box is gone under which a question could not be asked: now it is, unless the form has changed since.
     void OnBoxGone(const LocalDateTime& now);
 
-    // The next of the orders that were refused, into the form; what the dealer had typed there is kept in turn.
+    // Brings the next of the orders that were refused into the form; what the dealer had typed there is kept in
+    // turn.
     // False when there is none, or when a modification has the form.
     bool BringBack();
 
     void OnResponse(void* message);
 
-    // Of the window and what it is open for.
+    // It lasts as long as the window stays open for the same order.
     const Lifetime& Life() const { return m_life; }
     OrderEntryForm& Form() { return m_form; }
 
@@ -77,7 +78,7 @@ private:
     [[nodiscard]] bool ConfirmChanged(const SipOrderForm& form);
     // Whether a question can be asked; otherwise it is once the open box is gone.
     bool MayAsk(const SipOrderForm& form);
-    // Where nothing comes after it.
+    // For the end of a function: nothing comes after it that a closed window could hurt.
     void ShowPlanLast() { static_cast<void>(m_form.ShowPlan()); }
     SipOrderForm ReadForm() const { return m_form.Read(); }
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }

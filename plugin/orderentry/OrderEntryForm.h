@@ -38,7 +38,7 @@ protected:
 // Where the host is let in, false says that the window has gone meanwhile.
 class OrderEntryForm {
 public:
-    // The window's name, and under it the settings of its client search.
+    // The window has this name, and under it the settings of its client search.
     static constexpr char kName[] = "Planfold Order Entry";
 
     // `life` is that of the window, `modifying` what it is open for, `kept` the orders that it tells of.
@@ -47,14 +47,14 @@ public:
         : m_session(session), m_view(view), m_life(life), m_modifying(modifying), m_kept(kept),
           m_form(session, view, life), m_frequencies(session, view, control), m_names(session) {}
 
-    // For a window that has just been made.
+    // Fills a window that has just been made.
     [[nodiscard]] bool Fill(const LocalDateTime& now, std::string_view customProducts);
-    // From a registration, and locks all but value and period. False also when the registration's date cannot
-    // be read: then the filling stops.
+    // Fills it from a registration, and locks all but value and period. False also when the registration's date
+    // cannot be read: then the filling stops.
     [[nodiscard]] bool FillFrom(const SipRegistration& registration, bool serverPeriods);
-    // From an order that was refused. False when it could not be filled in whole.
+    // Fills it from an order that was refused. False when the window has gone before the form had all of it.
     [[nodiscard]] bool BringBack(const SipOrderForm& order);
-    // The value and period that were submitted go.
+    // Takes away the value and period that were submitted.
     void ClearSubmitted(const SipOrderForm& submitted);
 
     void AskFrequencies(Pass pass) { m_frequencies.Ask(pass); }
@@ -64,7 +64,7 @@ public:
     void OnInvestTypeChanged();
 
     SipOrderForm Read() const;
-    // Whether more stands there than what came without the dealer's doing.
+    // Whether the dealer has typed something, or an order that was brought back stands there.
     bool IsTouched() const { return m_broughtBack || Read() != m_untouched; }
     int ClientControl() const { return m_form.ClientControl(); }
 

@@ -254,6 +254,13 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
     basket.SaveRejected();
     EXPECT_EQ(view.files["basket.csv"], Line("C2", "9") + "x\n");
 
+    // A line of the file before is none of the next one's.
+    basket.ActivateRejected(0);
+    Load(Line("C2", "9") + "x\n");
+    Add("C4");
+    EXPECT_EQ(basket.Rejected().size(), 2u);
+    Taken(view.boxes);
+
     // The server's frequencies come late: the line's own is chosen.
     basket.OnClosed();
     view.ClearItems(IDC_FREQUENCY);
