@@ -13,7 +13,8 @@ base sdk/|framework/|plugin/|host/|tools/
 framework plugin/|host/|tools/
 plugin host/|tools/
 plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|restricted|shell)/
-plugin/messaging plugin/(controls|orderentry|orderbook|history|basket|restricted|shell)/
+plugin/record plugin/(controls|orderentry|orderbook|history|basket|restricted|shell)/
+plugin/messaging plugin/(record|controls|orderentry|orderbook|history|basket|restricted|shell)/
 host plugin/|tools/
 host/files host/(market|server|terminal|veskserver|korvexcontrols)/
 host/market host/(server|terminal|veskserver|korvexcontrols)/
