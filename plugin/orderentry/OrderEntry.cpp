@@ -162,7 +162,7 @@ void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
     if (form.modifyMode) {
         const std::string number = m_modifying->Number();
         const bool isThere = m_life.Across([&](Pass) {
-            outcome.sent = SendModifySipOrder(pass, m_session, m_control, notice, number, record);
+            outcome.sent = SendModifySipOrder(pass, m_session, m_control, notice, number, agreed.order);
         });
         if (outcome.sent) m_sentModifications.Add(number, life, now);
         // The log is the host's, and may let another registration into the form.
