@@ -265,6 +265,9 @@ Reply Server::Refuse(void* request, const ServerRefusal& refusal) {
     if (FindChange(name) && qmx::Has(request, tag::registrationNumber))
         m_writer.Add(tag::registrationNumber,
                      qmx::Text(request, tag::registrationNumber).substr(0, kLongestText));
+    // By which a basket knows which of its rows is refused.
+    if (!FindChange(name) && qmx::Has(request, tag::echoedNumber))
+        m_writer.Add(tag::echoedNumber, qmx::Text(request, tag::echoedNumber).substr(0, kLongestText));
     return {{m_writer.Finish()}};
 }
 

@@ -230,6 +230,10 @@ TEST_F(BasketFlowTest, WhatTheServerRefusesIsLoggedAndTheOthersAreRegistered) {
         EXPECT_EQ(server.Registrations().size() - before, each.registered);
         EXPECT_EQ(host.log, each.log);
         EXPECT_EQ(Remarks(sent[0]) != "NA", each.answered);
+        const Texts events = host.recordFiles.Events();
+        EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("refused"); }),
+                  static_cast<std::ptrdiff_t>(each.log.size()));
+        host.recordFiles.text.clear();
         EXPECT_EQ(view.boxes, Texts{});
     }
     EXPECT_EQ(Remarks(view.list.rows[1]), "NA") << "the one that was refused";
