@@ -82,10 +82,11 @@ void BasketPlacing::PreparePortion(Pass pass) {
         if (m_stopped || m_session.Ended()) return;
         if (portion[i].recorded) recorded.push_back(*portion[i].recorded);
     }
-    m_withoutRecord = m_session.record.Sending(recorded) || m_withoutRecord || m_ask(pass);
-    if (m_stopped || m_session.Ended()) return;
-    m_stopped = !m_withoutRecord;
-    if (m_stopped) return;
+    if (!m_session.record.Sending(recorded) && !m_withoutRecord) {
+        m_withoutRecord = m_ask(pass);
+        m_stopped = m_stopped || !m_withoutRecord;
+        if (m_stopped || m_session.Ended()) return;
+    }
     m_portion = std::move(portion);
     m_takenOfPortion = 0;
 }

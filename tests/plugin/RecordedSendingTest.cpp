@@ -121,6 +121,18 @@ TEST_F(BasketStage, WithoutARecordNothingIsPlacedUnlessTheDealerSaysSo) {
     }
 }
 
+TEST_F(BasketStage, ARecordThatFailsAfterItsFirstPortionIsAskedAboutAsWell) {
+    Open();
+    Load(Lines(120));
+    host.onRequest = [&] { host.recordFiles.writable = false; };
+    view.duringQuestion = [&] { view.duringQuestion = [&] { view.yes = false; }; };
+    basket.Runs().Place();
+    Run();
+    EXPECT_EQ(host.requests.size(), 50u);
+    ASSERT_EQ(view.questions.size(), 3u);
+    EXPECT_TRUE(view.questions[1].starts_with("The record")) << view.questions[1];
+}
+
 class BookRecordTest : public ::testing::Test, protected Stage {
 protected:
     void Answer(const Fields& fields) { book.OnResponse(Received(fields).Message()); }
