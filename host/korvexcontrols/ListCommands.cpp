@@ -22,10 +22,6 @@ constexpr framework::FileQuestion kExport{"Comma-separated values (*.csv)|*.csv|
                                           "Export"};
 constexpr char kSelectAllKey = 'A', kCopyKey = 'C', kFindKey = 'F', kFilterKey = 'L';
 
-bool IsDown(int key) {
-    return GetKeyState(key) < 0;
-}
-
 std::string Folded(std::string text) {
     std::ranges::transform(text, text.begin(), [](char c) { return static_cast<char>(korvex::Fold(c)); });
     return text;

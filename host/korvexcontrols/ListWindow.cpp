@@ -44,10 +44,6 @@ std::string Narrow(const wchar_t* text) {
     return length > 0 ? std::string(narrow) : std::string();
 }
 
-bool IsDown(int key) {
-    return GetKeyState(key) < 0;
-}
-
 constexpr bool AreTheSame(KorvexRowLook look, Meaning meaning) {
     return static_cast<std::int32_t>(look) == static_cast<std::int32_t>(meaning);
 }

@@ -12,6 +12,11 @@
 #include "host/korvexcontrols/model/Export.h"
 #include "sdk/korvex/FilterListCtrl.h"
 
+// Of a key, while a message of the keyboard or the mouse is handled.
+inline bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
 class CFilterListCtrl::Impl final : private korvex::CellSource, private framework::Subclass {
 public:
     // Lives until Release, and as long as somebody holds it.

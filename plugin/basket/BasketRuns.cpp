@@ -121,7 +121,7 @@ Choice BasketRuns::AskAboutSent() {
 
 void BasketRuns::RecordAnswer(std::int64_t serialNumber, const Answer& answer) {
     if (const auto sent = m_unanswered.extract(static_cast<std::int32_t>(serialNumber)))
-        RecordPlaced(m_session, sent.mapped(), answer);
+        RecordOutcome(m_session, sent.mapped(), OrderEvent::registered, answer);
 }
 
 void BasketRuns::EndPlacing() {

@@ -3,7 +3,6 @@
 #include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/orderbook/BookLists.h"
-#include "plugin/orderentry/KeptOrders.h"
 #include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
 
@@ -45,9 +44,14 @@ const char* RefusalTo(PauseOrResume which, std::string_view status) {
     return which == PauseOrResume::pause ? RefusalToPause(status) : RefusalToResume(status);
 }
 
+// Of any kind but a cancellation.
+PauseOrResume ChangeOf(RunKind kind) {
+    return kind == RunKind::pause ? PauseOrResume::pause : PauseOrResume::resume;
+}
+
 std::string_view RequestNameOf(RunKind kind) {
     if (kind == RunKind::cancel) return kCancelSipOrder;
-    return kind == RunKind::pause ? kPauseSipOrder : kResumeSipOrder;
+    return RequestNameOf(ChangeOf(kind));
 }
 
 RunKind RunOf(PauseOrResume which) {
@@ -236,9 +240,7 @@ bool BookActions::SendOne(Pass pass, RecordId id, const std::optional<std::strin
     sOrderinfo& record = m_cache[id];
     Notices& notices = m_run->Failures();
     if (m_run->Kind() != RunKind::cancel)
-        return SendPauseSipOrder(pass, m_session, m_control, notices,
-                                 m_run->Kind() == RunKind::pause ? PauseOrResume::pause : PauseOrResume::resume,
-                                 record.Number());
+        return SendPauseSipOrder(pass, m_session, m_control, notices, ChangeOf(m_run->Kind()), record.Number());
     OrderChanges reason;
     reason[OrderField::userText] = m_reason;
     record.Apply(reason);
@@ -262,10 +264,7 @@ void BookActions::EndRun() {
 void BookActions::RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event) {
     std::string number = FieldText(answer.message, tag::registrationNumber);
     if (number.empty()) number = FieldText(answer.message, tag::echoedNumber);
-    const std::string text = FieldText(answer.message, tag::userText);
-    m_session.record.Tell(RecordedChange(m_session, request, number),
-                          answer.hasError ? OrderEvent::refused : event,
-                          answer.hasError ? DescribeRefusal(text, answer.errorCode) : text);
+    RecordOutcome(m_session, RecordedChange(m_session, request, number), event, answer);
 }
 
 void BookActions::HandleCancelled(const Answer& answer) {

@@ -171,7 +171,7 @@ constexpr RequestField<CancelSipOrder> kCancelFields[] = {
     {tag::cancelledBy, Of<&CancelSipOrder::loginId>, nullptr},
     {tag::orderSource, Of<&CancelSipOrder::orderSource>, "Failed to add Order Source"},
 };
-constexpr Request<CancelSipOrder> kCancelRequest{"cancel_sip_order", "Adding request cancel_sip_order failed",
+constexpr Request<CancelSipOrder> kCancelRequest{kCancelSipOrder, "Adding request cancel_sip_order failed",
                                                  kCancelFields, "Sending request cancel_sip_orders failed"};
 
 struct PauseSipOrder {

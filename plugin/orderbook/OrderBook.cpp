@@ -15,9 +15,9 @@ const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
     {"qry_eq_sip", &OrderBook::HandleHistoryRow},
     {"get_sip_operation_mode", &OrderBook::HandleOperationMode, OnError::logAndHandle},
     {"add_sip_orders", &OrderBook::HandleUserText, OnError::logAndHandle},
-    {"cancel_sip_order", &OrderBook::HandleCancelled, OnError::logAndHandle},
-    {"pause_sip_order", &OrderBook::HandlePaused, OnError::logAndHandle},
-    {"resume_sip_order", &OrderBook::HandleResumed, OnError::logAndHandle},
+    {kCancelSipOrder, &OrderBook::HandleCancelled, OnError::logAndHandle},
+    {kPauseSipOrder, &OrderBook::HandlePaused, OnError::logAndHandle},
+    {kResumeSipOrder, &OrderBook::HandleResumed, OnError::logAndHandle},
 };
 
 void OrderBook::Open(const LocalDateTime& today) {

@@ -5,6 +5,7 @@
 #include "plugin/base/Text.h"
 #include "plugin/messaging/Request.h"
 #include "plugin/orderentry/PlannedDates.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ constexpr RequestField<ModifySipOrder> kFields[] = {
     {tag::totalPeriod, [](ModifySipOrder& modify) -> Value { return modify.order.totalPeriod; },
      "Failed to add the Total Period"},
 };
-constexpr Request<ModifySipOrder> kRequest{"modify_sip_order", "Failed to add the request modify_sip_order",
+constexpr Request<ModifySipOrder> kRequest{kModifySipOrder, "Failed to add the request modify_sip_order",
                                            kFields, "Sending Request modify_sip_order Failed"};
 
 } // namespace

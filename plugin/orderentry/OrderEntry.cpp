@@ -25,7 +25,7 @@ struct KeptNotice final : Notices {
 const AnswerHandler<OrderEntry> OrderEntry::kAnswers[] = {
     {"get_sip_operation_mode", &OrderEntry::HandleOperationMode, OnError::handle},
     {"add_sip_orders", &OrderEntry::HandlePlaced, OnError::logAndHandle},
-    {"modify_sip_order", &OrderEntry::HandleModified, OnError::logAndHandle},
+    {kModifySipOrder, &OrderEntry::HandleModified, OnError::logAndHandle},
 };
 
 void OrderEntry::Initialise(const LocalDateTime& now, std::string_view customProducts) {
@@ -202,25 +202,23 @@ void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::int64_t now = m_view.Milliseconds();
     const std::string text = FieldText(answer.message, tag::userText);
     if (!answer.hasError) {
-        if (const auto order = m_kept.Accepted(client, now)) RecordPlaced(m_session, order->recorded, answer);
+        if (const auto order = m_kept.Accepted(client, now))
+            RecordOutcome(m_session, order->recorded, OrderEvent::registered, answer);
         return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
     if (const auto order = m_kept.Refused(client, text, answer.errorCode, now))
-        RecordPlaced(m_session, order->recorded, answer);
+        RecordOutcome(m_session, order->recorded, OrderEvent::registered, answer);
     if (m_view.IsOpen()) ShowPlanLast();
 }
 
 void OrderEntry::HandleModified(const Answer& answer) {
     const std::string number = FieldText(answer.message, tag::registrationNumber);
-    const std::string text = FieldText(answer.message, tag::userText);
-    m_session.record.Tell(RecordedChange(m_session, kModifySipOrder, number),
-                          answer.hasError ? OrderEvent::refused : OrderEvent::modified,
-                          answer.hasError ? DescribeRefusal(text, answer.errorCode) : text);
+    RecordOutcome(m_session, RecordedChange(m_session, kModifySipOrder, number), OrderEvent::modified, answer);
     const bool own =
         m_sentModifications.Answered(number, m_life.Number(), answer.hasError, m_view.Milliseconds());
     if (answer.hasError) {
         if (!own || !m_view.IsOpen()) return;
-        m_modifying->refusal = DescribeRefusal(text, answer.errorCode);
+        m_modifying->refusal = DescribeRefusal(FieldText(answer.message, tag::userText), answer.errorCode);
         return ShowPlanLast();
     }
     // Under the box another registration may have been opened in the window.

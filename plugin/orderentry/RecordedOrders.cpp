@@ -26,13 +26,11 @@ std::string DescribeRefusal(std::string_view text, std::string_view code) {
     return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
 }
 
-void RecordPlaced(const Session& session, const RecordedOrder& order, const Answer& answer) {
+void RecordOutcome(const Session& session, const RecordedOrder& named, OrderEvent done, const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
-    if (answer.hasError)
-        session.record.Tell(order, OrderEvent::refused, DescribeRefusal(text, answer.errorCode));
-    else
-        session.record.Tell(order, OrderEvent::registered, text,
-                            FieldText(answer.message, tag::registrationNumber));
+    session.record.Tell(named, answer.hasError ? OrderEvent::refused : done,
+                        answer.hasError ? DescribeRefusal(text, answer.errorCode) : text,
+                        FieldText(answer.message, tag::registrationNumber));
 }
 
 std::string StartDateText(const sSipOrderData& order) {

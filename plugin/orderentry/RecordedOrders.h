@@ -27,8 +27,8 @@ std::string InShort(std::string_view text);
 // What the server said to a request, in one line.
 std::string DescribeRefusal(std::string_view text, std::string_view code);
 
-// The answer to a new order.
-void RecordPlaced(const Session& session, const RecordedOrder& order, const Answer& answer);
+// The answer to what was sent, which `named` names: `done` is what it tells without an error.
+void RecordOutcome(const Session& session, const RecordedOrder& named, OrderEvent done, const Answer& answer);
 
 // The names of the requests that change a registration.
 inline constexpr std::string_view kModifySipOrder = "modify_sip_order";

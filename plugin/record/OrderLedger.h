@@ -1,6 +1,6 @@
 // What the order record says of each order and each change of a registration: its latest state, and what it
-// asked for. An order is known by the identifier under which it was sent; without one, a new order by what it
-// asks for, and a change by its registration.
+// asked for. A new order is known by the identifier under which it was sent, and without one by what it asks
+// for; a change by its registration and the request.
 #pragma once
 
 #include "plugin/base/KeyCounts.h"

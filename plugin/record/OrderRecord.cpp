@@ -79,7 +79,7 @@ void OrderRecord::OnRow(std::string_view orderId, std::string_view registration)
     const RecordedOrder* known = Ledger().Find(texts);
     if (!known || known->ChangesRegistration() || known->State() == OrderState::done) return;
     const OrderEvent event = known->State() == OrderState::sent ? OrderEvent::registered : OrderEvent::found;
-    Tell(RecordedOrder(known->Texts()), event, {}, registration);
+    Tell(*known, event, {}, registration);
 }
 
 } // namespace planfold

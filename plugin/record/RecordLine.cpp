@@ -72,8 +72,8 @@ RecordReader::RecordReader(std::string_view file) : m_rest(base::WithoutMark(fil
         m_places[i] = i;
 }
 
-// False when a quote is not closed: the line was cut short. Fields that were quoted or disarmed are put
-// together in m_unquoted, which never grows beyond the line.
+// False when a quote is not closed: the line was cut short. Fields that were quoted are put together in
+// m_unquoted, which never grows beyond the line.
 bool RecordReader::Split(std::string_view line) {
     m_fields.clear();
     m_unquoted.clear();

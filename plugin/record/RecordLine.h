@@ -5,6 +5,8 @@
 // take for a formula is disarmed by an apostrophe in front, which reading takes away again.
 #pragma once
 
+#include "plugin/base/Text.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -55,14 +57,7 @@ std::string_view NameOf(OrderEvent event);
 std::optional<OrderEvent> EventNamed(std::string_view name);
 
 // The texts of a line; they are whoever's.
-class RecordTexts {
-public:
-    std::string_view& operator[](RecordField field) { return m_texts[static_cast<std::size_t>(field)]; }
-    std::string_view operator[](RecordField field) const { return m_texts[static_cast<std::size_t>(field)]; }
-
-private:
-    std::array<std::string_view, kRecordFieldCount> m_texts;
-};
+using RecordTexts = ByField<RecordField, std::string_view>;
 
 // The first line of a file, and a line of it, each with its line end.
 std::string_view RecordHeading();
@@ -86,7 +81,8 @@ private:
 
     std::string_view m_rest;
     char m_separator = ',';
-    // Where the line's fields have each column; kNowhere for one that they lack. And how many fields it has.
+    // At which of a line's fields each column stands, beyond the last for one that it lacks; and how many there
+    // are.
     std::array<std::size_t, kRecordFieldCount> m_places{};
     std::size_t m_width = kRecordFieldCount;
     std::vector<std::string_view> m_fields; // of the line that is read
