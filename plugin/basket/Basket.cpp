@@ -3,6 +3,7 @@
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -205,6 +206,46 @@ void Basket::SaveRejected() {
         m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
+std::string Basket::StateText(RecordId record) const {
+    const RowState state = m_rows.State(record);
+    const OrderPlace place = m_rows.OrderOf(record);
+    if (state == RowState::notSent || place == kNoOrder)
+        return state == RowState::notSent ? "Not sent"
+                                          : "Not placed: " + std::string(m_rows.WhyNotPlaced(record));
+    const RecordedOrder& order = m_session.record.Ledger()[place];
+    const std::string said(order.Text(RecordField::text));
+    switch (state) {
+    case RowState::sent:
+        return "Sent";
+    case RowState::registered:
+        return "Registered " + std::string(order.Text(RecordField::registration));
+    case RowState::refused:
+        return said;
+    case RowState::inDoubt:
+        return "In doubt: sent at " + std::string(order.SentAt().substr(11, 5)) + ", no answer";
+    case RowState::absent:
+        return "Absent: the book does not have it";
+    default:
+        return "Not placed: "
+               + (m_rows.WhyNotPlaced(record).empty() ? said : std::string(m_rows.WhyNotPlaced(record)));
+    }
+}
+
+std::vector<BasketResult> Basket::Results() const {
+    std::vector<BasketResult> results;
+    const BasketList& list = m_view.List();
+    const auto isTold = [](RowState state) {
+        return state != RowState::notSent && state != RowState::sent && state != RowState::registered;
+    };
+    bool any = false;
+    for (std::size_t state = 0; state < static_cast<std::size_t>(RowState::count); ++state)
+        any = any || (isTold(static_cast<RowState>(state)) && m_rows.Count(static_cast<RowState>(state)) > 0);
+    for (std::size_t row = 0; any && row < list.RowCount(); ++row)
+        if (const RecordId record = list.RecordAt(row); isTold(m_rows.State(record)))
+            results.push_back({record, StateText(record)});
+    return results;
+}
+
 std::vector<std::string> Basket::Status() const {
     const BasketList& list = m_view.List();
     const std::size_t rows = list.RowCount();
@@ -212,8 +253,16 @@ std::vector<std::string> Basket::Status() const {
     std::string counts = Format("Rows: %zu", rows);
     if (hidden) counts += Format(" (%zu hidden)", hidden);
     std::string marks;
-    if (m_rows.StandingTwice()) marks = Format("Twice: %zu", m_rows.StandingTwice());
-    if (m_rows.SentCount()) marks += Format("%sSent: %zu", marks.empty() ? "" : "  ", m_rows.SentCount());
+    const auto tell = [&](const std::string& text) { marks.append(marks.empty() ? "" : "  ").append(text); };
+    if (m_rows.StandingTwice()) tell(Format("Twice: %zu", m_rows.StandingTwice()));
+    if (const std::size_t sent = m_rows.SentCount(); sent > 0)
+        tell(Format("Sent %zu: %zu registered, %zu refused, %zu in doubt", sent,
+                    m_rows.Count(RowState::registered), m_rows.Count(RowState::refused),
+                    m_rows.Count(RowState::inDoubt)));
+    constexpr std::pair<RowState, const char*> others[] = {
+        {RowState::sent, "Waiting: "}, {RowState::notPlaced, "Not placed: "}, {RowState::absent, "Absent: "}};
+    for (const auto& [state, text] : others)
+        if (const std::size_t count = m_rows.Count(state); count > 0) tell(text + std::to_string(count));
     return {std::move(counts), SideText("SIP", m_rows.Buy()), SideText("SWP", m_rows.Sell()), std::move(marks)};
 }
 
@@ -223,15 +272,23 @@ void Basket::OnResponse(void* message) {
 }
 
 void Basket::HandlePlaced(const Answer& answer) {
+    const OrderPlace place = m_runs.TakeAnswered(answer);
+    RecordOutcome(m_session, place, OrderEvent::registered, answer);
     std::int64_t number = 0;
     int status = kFieldRead;
-    if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
-    m_runs.RecordAnswer(number, answer);
-    if (answer.hasError) return;
+    if (answer.hasError || !GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
     const RecordId record = m_rows.BySerialNumber(number);
     if (record == kNoRecord) return;
     m_rows.SetUserText(record, FieldText(answer.message, tag::userText));
     m_view.List().Repaint(record);
+}
+
+void Basket::OnOrder(OrderPlace place) {
+    const RecordId record = m_rows.ByOrder(place);
+    if (record == kNoRecord) return;
+    m_rows.SetOrder(record, place, RowStateOf(m_session.record.Ledger()[place].State()));
+    m_view.List().Repaint(record);
+    m_view.ShowStatusSoon();
 }
 
 } // namespace planfold

@@ -6,6 +6,7 @@
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketRuns.h"
 #include "plugin/messaging/Answer.h"
+#include "plugin/record/OrderRecord.h"
 
 #include <cstdint>
 #include <string>
@@ -14,7 +15,13 @@
 
 namespace planfold {
 
-class Basket {
+// A row that was not registered, and why.
+struct BasketResult {
+    RecordId record;
+    std::string reason;
+};
+
+class Basket final : private RecordListener {
 public:
     // The window and its group of hot keys have this name.
     static constexpr char kName[] = "SIP Basket Entry";
@@ -24,7 +31,12 @@ public:
     Basket(Session& session, BasketView& view, RxControl* control)
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
           m_questions(session, view, m_life),
-          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected) {}
+          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected) {
+        m_session.record.AddListener(*this);
+    }
+    Basket(const Basket&) = delete;
+    Basket& operator=(const Basket&) = delete;
+    ~Basket() { m_session.record.RemoveListener(*this); }
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
     // the settings file's list; it counts only for holders of the right.
@@ -53,6 +65,10 @@ public:
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();
 
+    // What has become of the row, in words: "Registered SIP2611…", "Refused: ... (code 104)."
+    std::string StateText(RecordId record) const;
+    // In the order of the rows.
+    std::vector<BasketResult> Results() const;
     // What the rows come to, a part of the status line each.
     std::vector<std::string> Status() const;
 
@@ -80,6 +96,7 @@ private:
     std::string OtherRowQuestion(RecordId selected) const;
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
     void HandlePlaced(const Answer& answer);
+    void OnOrder(OrderPlace place) override;
 
     static const AnswerHandler<Basket> kAnswers[];
 

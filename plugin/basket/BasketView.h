@@ -75,6 +75,8 @@ public:
     virtual void ShowWaiting(bool waiting) = 0;
     // What stands in the status line, or on the rejected lines' panel, is no longer true.
     virtual void ShowStatus() = 0;
+    // The same of the status and the results, once for many changes.
+    virtual void ShowStatusSoon() = 0;
     virtual void ShowRejected() = 0;
     // A load or a placing has begun, gone on or ended.
     virtual void ShowRun() = 0;

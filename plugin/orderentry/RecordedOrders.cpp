@@ -26,15 +26,33 @@ std::string DescribeRefusal(std::string_view text, std::string_view code) {
     return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
 }
 
-void RecordOutcome(const Session& session, const RecordedOrder& named, OrderEvent done, const Answer& answer) {
+void RecordOutcome(const Session& session, OrderPlace place, OrderEvent done, const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
-    session.record.Tell(named, answer.hasError ? OrderEvent::refused : done,
+    session.record.Tell(place, answer.hasError ? OrderEvent::refused : done,
                         answer.hasError ? DescribeRefusal(text, answer.errorCode) : text,
                         FieldText(answer.message, tag::registrationNumber));
 }
 
-std::string StartDateText(const sSipOrderData& order) {
-    return FormatPlannedDate(ToLocal(LeadingInteger(order.startDate)));
+void RecordChanged(const Session& session, std::string_view request, std::string_view registration,
+                   OrderEvent done, const Answer& answer) {
+    const RecordedOrder named = RecordedChange(session, request, registration);
+    RecordOutcome(session, session.record.Ledger().Find(named.Texts()), done, answer);
+}
+
+OrderPlace PlaceOf(const Session& session, const Answer& answer) {
+    const std::string orderId = FieldText(answer.message, tag::orderId);
+    if (orderId.empty()) return kNoOrder;
+    RecordTexts texts;
+    texts[RecordField::orderId] = orderId;
+    return session.record.Ledger().Find(texts);
+}
+
+const std::string& StartDates::Text(std::string_view seconds) {
+    if (m_text.empty() || seconds != m_seconds) {
+        m_seconds = seconds;
+        m_text = FormatPlannedDate(ToLocal(LeadingInteger(seconds)));
+    }
+    return m_text;
 }
 
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,

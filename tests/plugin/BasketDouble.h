@@ -93,6 +93,7 @@ public:
         return writable;
     }
     void ShowWaiting(bool on) override { waiting += on ? 1 : -1; }
+    void ShowStatusSoon() override {}
     void ShowStatus() override {}
     void ShowRejected() override {}
     void ShowRun() override {}
