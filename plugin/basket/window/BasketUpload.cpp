@@ -2,6 +2,7 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
+#include "plugin/dayreport/DayReport.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -46,13 +47,15 @@ constexpr Action kActions[] = {
 
 } // namespace
 
-CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                             OpenDayReport openDayReport)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
       m_rejected(*this, m_basket.Rejected()),
       m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes) {}
+      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes),
+      m_openDayReport(std::move(openDayReport)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -214,8 +217,10 @@ bool CBasketUpload::HotKeyIsForRows() const {
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
+    const MenuEntry dayReport = DayReportEntry(m_session);
     if (list == Item(IDC_BASKET_LIST).Handle())
-        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
+        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu,
+                    {&dayReport, 1});
     else if (list == Item(IDC_REJECTED_LIST).Handle())
         m_rejected.OpenMenu(position);
 }
@@ -236,6 +241,7 @@ void CBasketUpload::OnButton(int button) {
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
+    if (button == kDayReportCommand) Lifetime::Last([&](Pass pass) { m_openDayReport(pass); });
     if (button == RejectedPanel::kCorrectCommand)
         m_basket.ActivateRejected(static_cast<std::size_t>(m_rejected.FirstSelected()));
 }
