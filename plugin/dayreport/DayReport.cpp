@@ -74,21 +74,28 @@ std::string_view AnswerOf(const RecordedOrder& order) {
 struct Counts {
     std::array<std::size_t, static_cast<std::size_t>(OrderState::count)> of{};
 
-    std::size_t operator[](OrderState state) const { return of[static_cast<std::size_t>(state)]; }
-    std::size_t Sent() const {
+    std::size_t& operator[](OrderState state) { return of[static_cast<std::size_t>(state)]; }
+    // "Sent 280: 261 registered, 19 refused": what is not `usual` only where there is any.
+    std::string Text(const char* what, const char* done, bool usual) {
+        const struct {
+            OrderState state;
+            const char* word;
+            bool always;
+        } rows[] = {
+            {OrderState::done, done, usual},
+            {OrderState::refused, "refused", usual},
+            {OrderState::inDoubt, "in doubt", usual},
+            {OrderState::sent, "unanswered", false},
+            {OrderState::absent, "not in book", false},
+        };
         std::size_t sent = 0;
-        for (const std::size_t count : of)
+        std::string text;
+        for (const auto& row : rows) {
+            const std::size_t count = (*this)[row.state];
             sent += count;
-        return sent - (*this)[OrderState::notSent];
-    }
-    // What is not the usual is told only where there is any.
-    std::string Text(const char* what, const char* done) const {
-        std::string text =
-            Format("%s %zu: %zu %s, %zu refused, %zu in doubt", what, Sent(), (*this)[OrderState::done], done,
-                   (*this)[OrderState::refused], (*this)[OrderState::inDoubt]);
-        if (const std::size_t count = (*this)[OrderState::sent]) text += Format(", %zu unanswered", count);
-        if (const std::size_t count = (*this)[OrderState::absent]) text += Format(", %zu not in book", count);
-        return text;
+            if (count || row.always) text += Format("%s %zu %s", text.empty() ? ":" : ",", count, row.word);
+        }
+        return Format("%s %zu", what, sent) + text;
     }
 };
 
@@ -262,26 +269,25 @@ std::string DayReport::Notice() const {
                               : "The order record of " + day + " cannot be read.";
 }
 
-std::array<std::string, 4> DayReport::Status() const {
-    std::array<std::string, 4> parts;
+std::array<std::string, 3> DayReport::Status() const {
     Counts orders, changes;
     SideSum buy, sell;
     for (const RecordedOrder& order : m_shown.ledger.Orders()) {
-        ++(order.ChangesRegistration() ? changes : orders).of[static_cast<std::size_t>(order.State())];
+        ++(order.ChangesRegistration() ? changes : orders)[order.State()];
         if (!order.ChangesRegistration() && order.State() == OrderState::done)
             (order.Text(RecordField::side) == "S" ? sell : buy).Add(order);
     }
-    if (RowCount() > 0) {
-        parts[0] = orders.Text("Sent", "registered");
-        parts[1] = changes.Text("Changes", "done");
-        if (const std::size_t count = orders[OrderState::notSent] + changes[OrderState::notSent])
-            parts[1] += Format("; not sent %zu", count);
-        parts[2] = "Registered: " + buy.Text("SIP") + ", " + sell.Text("SWP");
-    }
-    if (m_shown.isStopped)
-        parts[3] = "Reading was stopped before the end";
-    else if (m_shown.unread)
-        parts[3] = Format("%zu line%s could not be read", m_shown.unread, m_shown.unread == 1 ? "" : "s");
+    std::array<std::string, 3> parts;
+    const auto add = [&](const std::string& text) { parts[2] += (parts[2].empty() ? "" : "; ") + text; };
+    if (m_shown.isStopped) add("reading was stopped");
+    if (m_shown.unread)
+        add(Format("%zu line%s could not be read", m_shown.unread, m_shown.unread == 1 ? "" : "s"));
+    if (RowCount() == 0) return parts;
+    parts[0] = orders.Text("Sent", "registered", true);
+    parts[1] = "Registered: " + buy.Text("SIP") + ", " + sell.Text("SWP");
+    const std::size_t notSent = orders[OrderState::notSent] + changes[OrderState::notSent];
+    if (notSent) add(Format("Not sent %zu", notSent));
+    if (const std::string text = changes.Text("Changes", "done", false); text != "Changes 0") add(text);
     return parts;
 }
 

@@ -49,7 +49,7 @@ inline constexpr DayColumn kDayColumns[] = {
     {"SIP Registration No", 115, DayField::registration, ValueType::identifier},
     {"Request", 70, DayField::request},
     {"Client ID", 75, DayField::account},
-    {"Exchange", 60, DayField::exchange},
+    {"Exchange", 70, DayField::exchange},
     {"Trading Symbol", 110, DayField::tradingSymbol},
     {"Action", 50, DayField::side},
     {"Amount", 80, DayField::amount, ValueType::amount, Align::right},
@@ -101,8 +101,8 @@ public:
     KorvexRowLook Look(std::size_t row) const;
     // What is said where there are no rows; empty where there are.
     std::string Notice() const;
-    // What was sent, what else, what is registered, and what of the file is not shown.
-    std::array<std::string, 4> Status() const;
+    // What was sent, what of it is registered, and whatever else there is.
+    std::array<std::string, 3> Status() const;
 
     bool IsUnderWay() const override { return m_reading != nullptr; }
     void Continue() override;

@@ -78,7 +78,7 @@ void CBasketUpload::OnInit() {
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     if (!m_basket.Life().Across([&](Pass) { LayOut(Self().Dpi()); })) return;
-    ShowAllColumns();
+    ShowAllColumns(Dialog::Handle(), Item(IDC_BASKET_LIST).Handle());
     m_basket.Initialise(SipFormControls::CustomProducts());
 }
 
@@ -118,28 +118,6 @@ void CBasketUpload::LayOut(UINT dpi) {
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
     m_controls.OnLaidOut();
-}
-
-// The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
-void CBasketUpload::ShowAllColumns() {
-    const HWND list = Item(IDC_BASKET_LIST).Handle();
-    WINDOWINFO frame{};
-    frame.cbSize = sizeof frame;
-    GetWindowInfo(list, &frame);
-    int lacking =
-        GetSystemMetricsForDpi(SM_CXVSCROLL, Self().Dpi()) + 2 * static_cast<int>(frame.cxWindowBorders);
-    for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
-        lacking += ListView_GetColumnWidth(list, i);
-    RECT place{};
-    GetWindowRect(list, &place);
-    lacking -= place.right - place.left;
-    GetWindowRect(Dialog::Handle(), &place);
-    const RECT screen = framework::WorkArea(Dialog::Handle());
-    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
-    if (width <= place.right - place.left) return;
-    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
-    SetWindowPos(Dialog::Handle(), nullptr, left, place.top, width, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // The lists take what the form above and the status line below leave.

@@ -15,8 +15,6 @@ namespace {
 constexpr char kName[] = "SIPDayReport";
 constexpr unsigned kListCommands = 26400; // of a hundred
 constexpr char kDateFormat[] = "dd/MMM/yyyy";
-// How wide the status line's parts are, in letters of the font; the last takes the rest.
-constexpr int kStatusParts[] = {50, 50, 60};
 // A button's width in the template's units, of which four are a letter.
 constexpr int kButtonUnits = 54;
 
@@ -53,6 +51,7 @@ void CDayReportDlg::OnInit() {
                    static_cast<std::int32_t>(columns.size()), kListCommands});
     m_statusBar.Create(Handle(), IDC_DAY_STATUS, kName);
     LayOut(Self().Dpi());
+    ShowAllColumns(Handle(), Item(IDC_DAY_LIST).Handle());
 }
 
 void CDayReportDlg::OnDestroyed() {
@@ -92,16 +91,21 @@ void CDayReportDlg::Arrange() {
     if (!m_ownSize.cx) return;
     const RECT client = Self().ClientRect();
     m_statusBar.Place();
-    const LONG letter = Item(IDC_DAY_TODAY).ClientRect().right * 4 / kButtonUnits;
-    std::int32_t edges[std::size(kStatusParts) + 1];
-    std::int32_t edge = 0;
-    for (std::size_t i = 0; i < std::size(kStatusParts); ++i)
-        edges[i] = edge += kStatusParts[i] * letter;
-    edges[std::size(kStatusParts)] = -1;
-    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
+    FitStatus();
     const auto [left, top] = m_listCorner;
     Item(IDC_DAY_LIST).Move({left, top, client.right - left, std::max(top, client.bottom - status - left / 2)});
+}
+
+// Each part is as wide as its text; the last takes the rest.
+void CDayReportDlg::FitStatus() {
+    const LONG letter = Item(IDC_DAY_TODAY).ClientRect().right * 4 / kButtonUnits;
+    std::array<std::int32_t, std::tuple_size_v<decltype(m_status)>> edges;
+    std::int32_t edge = 0;
+    for (std::size_t part = 0; part < edges.size(); ++part)
+        edges[part] = edge += static_cast<std::int32_t>(m_status[part].size() + 2) * letter;
+    edges.back() = -1;
+    m_statusBar.SetParts(edges.data(), static_cast<std::int32_t>(edges.size()));
 }
 
 std::optional<LRESULT> CDayReportDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -189,9 +193,10 @@ void CDayReportDlg::ShowRows(bool anew) {
     for (std::uint32_t row = 0; row < m_report.RowCount(); ++row)
         m_list.InsertFront(row, kKorvexAsked);
     m_list.EndChanges();
-    int part = 0;
-    for (const std::string& text : m_report.Status())
-        m_statusBar.SetText(part++, text.c_str());
+    m_status = m_report.Status();
+    FitStatus();
+    for (std::size_t part = 0; part < m_status.size(); ++part)
+        m_statusBar.SetText(static_cast<std::int32_t>(part), m_status[part].c_str());
 }
 
 void CDayReportDlg::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

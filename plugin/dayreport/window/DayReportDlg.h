@@ -47,12 +47,14 @@ private:
     bool OnKey(WPARAM key, LPARAM keyData);
     SIZE WindowSize() const;
     void Arrange();
+    void FitStatus();
 
     Session& m_session;
     DayReport m_report;
     CFilterListCtrl m_list;
     ListNotice m_notice;
     CQVBrickBar m_statusBar;
+    std::array<std::string, 3> m_status; // as it stands there
     CRunProgressDlg m_progress;
     CCalendarKeys m_calendar;
     RowMenu m_menu;
