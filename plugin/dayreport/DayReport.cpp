@@ -159,14 +159,11 @@ MenuEntry DayReportEntry(const Session& session) {
 }
 
 void DayReport::Reading::Take(const RecordTexts& event) {
+    const bool isSending = event[RecordField::event] == NameOf(OrderEvent::sending);
+    if (isOfNextDay && (isSending || next.Find(event))) return next.Take(event);
     orders.ledger.Take(event);
     if (orders.sentAt.size() < orders.ledger.Orders().size())
         orders.sentAt.emplace_back(event[RecordField::time]);
-}
-
-void DayReport::Reading::TakeNext(const RecordTexts& event) {
-    const bool isSending = event[RecordField::event] == NameOf(OrderEvent::sending);
-    (isSending || next.Find(event) ? next : orders.ledger).Take(event);
 }
 
 LocalDateTime DayReport::Day(int after) const {
@@ -182,7 +179,7 @@ void DayReport::Show(const LocalDateTime& day) {
         m_isAnew = true;
         m_shown = {};
     }
-    m_reading = std::make_unique<Reading>(m_files.Read(m_day), m_files.Read(Day(1)));
+    m_reading = std::make_unique<Reading>(m_files.Read(m_day));
     RunFor(kFirstPortionMs);
     if (!IsUnderWay()) return;
     if (m_isAnew) m_view.ShowRows(true);
@@ -207,15 +204,24 @@ void DayReport::RunFor(std::int64_t milliseconds) {
     End();
 }
 
-// False at the end of both files.
+// False at the end.
 bool DayReport::Step() {
     for (int line = 0; line < kLinesAStep; ++line, ++m_reading->lines)
         if (const auto event = m_reading->reader.Next())
             m_reading->Take(*event);
-        else if (const auto later = m_reading->nextReader.Next())
-            m_reading->TakeNext(*later);
         else
-            return false;
+            return GoOnWithNextDay();
+    return true;
+}
+
+// What was not answered by midnight may have been since.
+bool DayReport::GoOnWithNextDay() {
+    Reading& reading = *m_reading;
+    if (std::exchange(reading.isOfNextDay, true)) return false;
+    reading.orders.unread = reading.reader.UnreadLines();
+    if (!reading.orders.ledger.HasOpen()) return false;
+    reading.text = m_files.Read(Day(1)).value_or("");
+    reading.reader = RecordReader(reading.text);
     return true;
 }
 
@@ -228,7 +234,6 @@ void DayReport::Stop() {
 // A file is only appended to: read again, it has the same rows first.
 void DayReport::End() {
     const auto read = std::exchange(m_reading, nullptr);
-    read->orders.unread = read->reader.UnreadLines();
     if (read->orders.ledger.Orders().size() < RowCount()) m_isAnew = true;
     m_shown = std::move(read->orders);
     m_view.ShowRun();
@@ -240,11 +245,11 @@ std::string DayReport::Progress() const {
 }
 
 std::size_t DayReport::Done() const {
-    return Total() - m_reading->reader.CharactersLeft() - m_reading->nextReader.CharactersLeft();
+    return Total() - m_reading->reader.CharactersLeft();
 }
 
 std::size_t DayReport::Total() const {
-    return m_reading->text.size() + m_reading->nextText.size();
+    return m_reading->text.size();
 }
 
 std::string_view DayReport::Text(std::size_t row, DayField field) const {

@@ -120,24 +120,23 @@ private:
         bool isReadable = true;
         bool isStopped = false; // before its end
     };
-    // Of a day's file and the next one's: what was sent on the day may be answered after midnight.
     struct Reading {
-        Reading(std::optional<std::string>&& ofDay, std::optional<std::string>&& ofNextDay)
-            : text(std::move(ofDay).value_or("")), nextText(std::move(ofNextDay).value_or("")) {
-            orders.isReadable = ofDay.has_value();
+        explicit Reading(std::optional<std::string>&& file) : text(std::move(file).value_or("")) {
+            orders.isReadable = file.has_value();
         }
         void Take(const RecordTexts& event);
-        void TakeNext(const RecordTexts& event);
 
-        const std::string text, nextText;
-        RecordReader reader{text}, nextReader{nextText};
+        std::string text;
+        RecordReader reader{text};
         Orders orders;
-        OrderLedger next; // what was sent after it
+        bool isOfNextDay = false; // the text, which may tell more of what was sent on the day
+        OrderLedger next;         // what was sent on the next one
         std::size_t lines = 0;
     };
 
     void RunFor(std::int64_t milliseconds);
     bool Step();
+    bool GoOnWithNextDay();
     void End();
 
     RecordFiles& m_files;
