@@ -22,7 +22,7 @@ class RecordFiles {
 public:
     // False where the host names no folder of the user.
     virtual bool HasFolder() const = 0;
-    // None when the day has no file, or it cannot be read.
+    // Empty when the day has no file; none when it cannot be read.
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
     // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end
     // when a crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives

@@ -105,7 +105,9 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
 TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     Load(Lines(6));
     const std::string entries = MenuOf(list);
-    EXPECT_TRUE(entries.starts_with("Delete\tDel 25002|-|(Copy\tCtrl+C 26200)|Select All")) << entries;
+    EXPECT_TRUE(
+        entries.starts_with("Delete\tDel 25002|-|Orders of a Day... 25103|(Copy\tCtrl+C 26200)|Select All"))
+        << entries;
     EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
     const RECT header = probe::PlaceOf(ListView_GetHeader(list));
     EXPECT_EQ(MenuOf(list, MAKELPARAM(header.left + 9, header.top + 9)), "(none)");

@@ -211,13 +211,14 @@ TEST_F(BookTest, RowMenusOfferWhatTheSelectionAllows) {
         Select(registered, row.selected);
         expect(registered,
                std::string("Refresh 25001|Cancel\tDel 25002|") + row.changes + "Order History 4|-|"
-                   + (row.selected.size() > 1 ? "Pause Selected... 25101|Resume Selected... 25102|" : ""),
+                   + (row.selected.size() > 1 ? "Pause Selected... 25101|Resume Selected... 25102|" : "")
+                   + "Orders of a Day... 25103|",
                26000, !row.selected.empty());
     }
     SendMessageA(GetDlgItem(dialog, IDC_BOOK_TABS), TCM_SETCURFOCUS, 1, 0);
     EXPECT_TRUE(IsWindowVisible(cancelled));
     EXPECT_FALSE(IsWindowVisible(registered));
-    expect(cancelled, "Order History 4|-|", 26100, false);
+    expect(cancelled, "Order History 4|-|Orders of a Day... 25103|", 26100, false);
 }
 
 TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {

@@ -2,6 +2,7 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
+#include "plugin/dayreport/DayReport.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -46,13 +47,15 @@ constexpr Action kActions[] = {
 
 } // namespace
 
-CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                             OpenDayReport openDayReport)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
       m_rejected(*this, m_basket.Rejected()),
       m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes) {}
+      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes),
+      m_openDayReport(std::move(openDayReport)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -75,7 +78,7 @@ void CBasketUpload::OnInit() {
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     if (!m_basket.Life().Across([&](Pass) { LayOut(Self().Dpi()); })) return;
-    ShowAllColumns();
+    ShowAllColumns(Dialog::Handle(), Item(IDC_BASKET_LIST).Handle());
     m_basket.Initialise(SipFormControls::CustomProducts());
 }
 
@@ -115,28 +118,6 @@ void CBasketUpload::LayOut(UINT dpi) {
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
     m_controls.OnLaidOut();
-}
-
-// The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
-void CBasketUpload::ShowAllColumns() {
-    const HWND list = Item(IDC_BASKET_LIST).Handle();
-    WINDOWINFO frame{};
-    frame.cbSize = sizeof frame;
-    GetWindowInfo(list, &frame);
-    int lacking =
-        GetSystemMetricsForDpi(SM_CXVSCROLL, Self().Dpi()) + 2 * static_cast<int>(frame.cxWindowBorders);
-    for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
-        lacking += ListView_GetColumnWidth(list, i);
-    RECT place{};
-    GetWindowRect(list, &place);
-    lacking -= place.right - place.left;
-    GetWindowRect(Dialog::Handle(), &place);
-    const RECT screen = framework::WorkArea(Dialog::Handle());
-    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
-    if (width <= place.right - place.left) return;
-    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
-    SetWindowPos(Dialog::Handle(), nullptr, left, place.top, width, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // The lists take what the form above and the status line below leave.
@@ -214,8 +195,10 @@ bool CBasketUpload::HotKeyIsForRows() const {
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
+    const MenuEntry dayReport = DayReportEntry(m_session);
     if (list == Item(IDC_BASKET_LIST).Handle())
-        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
+        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu,
+                    {&dayReport, 1});
     else if (list == Item(IDC_REJECTED_LIST).Handle())
         m_rejected.OpenMenu(position);
 }
@@ -236,6 +219,7 @@ void CBasketUpload::OnButton(int button) {
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
+    if (button == kDayReportCommand) Lifetime::Last([&](Pass pass) { m_openDayReport(pass); });
     if (button == RejectedPanel::kCorrectCommand)
         m_basket.ActivateRejected(static_cast<std::size_t>(m_rejected.FirstSelected()));
 }

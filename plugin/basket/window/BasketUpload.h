@@ -16,7 +16,11 @@ namespace planfold {
 
 class CBasketUpload final : public DialogWindowOf<BasketView>, private CKeloRxNotifierBase {
 public:
-    CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    // Opens the report of a day's orders.
+    using OpenDayReport = std::function<void(Pass)>;
+
+    CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                  OpenDayReport openDayReport);
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
@@ -57,7 +61,6 @@ private:
     LocalDateTime Now() const override { return LocalNow(); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
-    void ShowAllColumns();
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
@@ -77,6 +80,7 @@ private:
     CRunProgressDlg m_progress;
     SipFormControls m_controls;
     AfterBox m_afterBox;
+    OpenDayReport m_openDayReport;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font

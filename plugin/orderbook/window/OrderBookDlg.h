@@ -93,9 +93,12 @@ public:
     };
     // Opens the order history of a registration number.
     using History = std::function<void(Pass, const std::string&)>;
+    // Opens the report of a day's orders.
+    using OpenDayReport = std::function<void(Pass)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  const BookControls& controls, OrderForm orderForm, History history);
+                  const BookControls& controls, OrderForm orderForm, History history,
+                  OpenDayReport openDayReport);
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
@@ -141,6 +144,7 @@ private:
     RowMenu m_menu;
     OrderForm m_orderForm;
     History m_history;
+    OpenDayReport m_openDayReport;
     framework::Font m_font;
     bool m_open = false;
 };

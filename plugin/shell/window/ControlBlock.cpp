@@ -16,12 +16,15 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes, const FontArguments& font)
     : m_session(FindInHost, identity, strings, m_record), m_font(font), m_orderEntry(module, m_session, boxes),
-      m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
-      m_orderHistory(module, m_session, boxes),
-      m_orderBook(module, m_session, boxes,
-                  {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
-                   [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
-                  [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }) {
+      m_basket(module, m_session, boxes, [this](Pass) { OpenDayReport(); }),
+      m_restrictedDates(module, m_session, boxes), m_orderHistory(module, m_session, boxes),
+      m_dayReport(module, m_session, m_recordFile),
+      m_orderBook(
+          module, m_session, boxes,
+          {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
+           [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
+          [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
+          [this](Pass) { OpenDayReport(); }) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -45,6 +48,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
+    RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
     RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
     RowOf<&CPlanfoldControlBlock::m_restrictedDates>(kRestrictedDatesMenu),
     RowOf<&CPlanfoldControlBlock::m_basket>(kBasketMenu),
@@ -107,6 +111,10 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
 
 void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
     if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
+}
+
+void CPlanfoldControlBlock::OpenDayReport() {
+    if (m_record.IsKept() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {
