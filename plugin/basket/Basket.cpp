@@ -1,5 +1,6 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
@@ -36,7 +37,7 @@ void Basket::Initialise(std::string_view customProducts) {
     m_rejected.corrected = 0;
     m_runs.ShowPlaceable();
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     if (m_life.Across([&](Pass pass) { RegisterDeleteKey(pass); }))
         Lifetime::Last([&](Pass pass) { m_form.AskFrequencies(pass); });
 }
@@ -157,7 +158,7 @@ void Basket::ActivateRejected(std::size_t index) {
 void Basket::LeaveCorrected() {
     const int number = std::exchange(m_rejected.corrected, 0);
     if (std::erase_if(m_rejected.lines, [&](const RejectedLine& line) { return line.number == number; }))
-        m_view.ShowRejected();
+        m_view.ShowPanel();
 }
 
 void Basket::Delete() {
@@ -198,11 +199,23 @@ void Basket::Export() {
 }
 
 void Basket::SaveRejected() {
-    if (m_runs.IsBusy() || m_rejected.lines.empty()) return;
+    if (!m_rejected.lines.empty()) Save([&] { return m_rejected.Text(); });
+}
+
+void Basket::SaveResults() {
+    Save([&] {
+        std::string text;
+        for (const BasketResult& result : Results())
+            AppendBasketLine(m_rows[result.record], text);
+        return BasketFileText(std::move(text));
+    });
+}
+
+void Basket::Save(const std::function<std::string()>& text) {
+    if (m_runs.IsBusy()) return;
     const auto path =
         m_questions.Alone([&](Pass pass) { return m_view.AskRejectsPath(pass); }).value_or(std::nullopt);
-    if (!path) return;
-    if (!m_view.WriteFileWhole(*path, m_rejected.Text()))
+    if (path && !m_view.WriteFileWhole(*path, text()))
         m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
@@ -224,11 +237,21 @@ std::string Basket::StateText(RecordId record) const {
     case RowState::inDoubt:
         return "In doubt: sent at " + std::string(order.SentAt().substr(11, 5)) + ", no answer";
     case RowState::absent:
-        return "Absent: the book does not have it";
+        return "Not in the book";
     default:
         return "Not placed: "
                + (m_rows.WhyNotPlaced(record).empty() ? said : std::string(m_rows.WhyNotPlaced(record)));
     }
+}
+
+std::string Basket::Describe(RecordId record) const {
+    const sBasketOrderData& row = m_rows[record];
+    std::string text;
+    for (const BasketField field : {BasketField::account, BasketField::symbol, BasketField::frequency})
+        text.append(row.Text(field)).push_back(' ');
+    const std::string_view investType = row.Text(BasketField::investType);
+    const std::string_view value = row.Text(ValueField(investType));
+    return text + (investType == "value" ? InRupees(LeadingInteger(value)) : std::string(value));
 }
 
 std::vector<BasketResult> Basket::Results() const {
@@ -259,8 +282,9 @@ std::vector<std::string> Basket::Status() const {
         tell(Format("Sent %zu: %zu registered, %zu refused, %zu in doubt", sent,
                     m_rows.Count(RowState::registered), m_rows.Count(RowState::refused),
                     m_rows.Count(RowState::inDoubt)));
-    constexpr std::pair<RowState, const char*> others[] = {
-        {RowState::sent, "Waiting: "}, {RowState::notPlaced, "Not placed: "}, {RowState::absent, "Absent: "}};
+    constexpr std::pair<RowState, const char*> others[] = {{RowState::sent, "Waiting: "},
+                                                           {RowState::notPlaced, "Not placed: "},
+                                                           {RowState::absent, "Not in the book: "}};
     for (const auto& [state, text] : others)
         if (const std::size_t count = m_rows.Count(state); count > 0) tell(text + std::to_string(count));
     return {std::move(counts), SideText("SIP", m_rows.Buy()), SideText("SWP", m_rows.Sell()), std::move(marks)};

@@ -9,6 +9,7 @@
 #include "plugin/record/OrderRecord.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,9 +65,13 @@ public:
     void Export();
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();
+    // The rows that were not registered, as a basket's file.
+    void SaveResults();
 
     // What has become of the row, in words: "Registered SIP2611…", "Refused: ... (code 104)."
     std::string StateText(RecordId record) const;
+    // "CL105 BASALTAGRO monthly 1500.00"
+    std::string Describe(RecordId record) const;
     // In the order of the rows.
     std::vector<BasketResult> Results() const;
     // What the rows come to, a part of the status line each.
@@ -83,6 +88,7 @@ private:
         bool operator==(const Pressed&) const = default;
     };
 
+    void Save(const std::function<std::string()>& text);
     Pressed Press() const;
     void AddAgain();
     void RegisterDeleteKey(Pass pass);

@@ -47,7 +47,7 @@ void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
     m_session.record.Refresh();
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     m_loading = std::make_shared<BasketLoading>(m_session, std::move(text), std::move(rules),
                                                 BasketLoading::Target{m_rows, list, m_rejected.lines});
     RunFor(kFirstPortionMs);
@@ -60,7 +60,7 @@ void BasketRuns::EndLoading() {
     m_view.SetTitle(m_titleBefore);
     m_view.ShowRun();
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
     if (m_bringsBack) {
         if (!m_life.Across([&](Pass) { texts[2] = EndBringingBack(loading->Stopped()); })) return;

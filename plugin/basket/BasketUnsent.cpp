@@ -101,7 +101,7 @@ void BasketRuns::BringNothingBack() {
     m_rows.Clear();
     m_rejected = {};
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
 }
 
 } // namespace planfold

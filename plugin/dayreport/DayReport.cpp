@@ -160,10 +160,8 @@ MenuEntry DayReportEntry(const Session& session) {
 
 void DayReport::Reading::Take(const RecordTexts& event) {
     const bool isSending = event[RecordField::event] == NameOf(OrderEvent::sending);
-    if (isOfNextDay && (isSending || next.Find(event))) return next.Take(event);
-    orders.ledger.Take(event);
-    if (orders.sentAt.size() < orders.ledger.Orders().size())
-        orders.sentAt.emplace_back(event[RecordField::time]);
+    const bool isOfNext = isOfNextDay && (isSending || next.Find(event) != kNoOrder);
+    (isOfNext ? next : orders.ledger).Take(event);
 }
 
 LocalDateTime DayReport::Day(int after) const {
@@ -255,7 +253,7 @@ std::size_t DayReport::Total() const {
 std::string_view DayReport::Text(std::size_t row, DayField field) const {
     if (row >= RowCount()) return {};
     const RecordedOrder& order = m_shown.ledger.Orders()[row];
-    if (field == DayField::sentAt) return m_shown.sentAt[row];
+    if (field == DayField::sentAt) return order.SentAt();
     const std::string_view text = kTexts[static_cast<std::size_t>(field)](order);
     if (field != DayField::amount || text.empty()) return text;
     const auto [shown, isNew] = m_rupees.try_emplace(std::string(text));

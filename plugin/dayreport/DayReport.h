@@ -115,8 +115,7 @@ private:
     // What a day's file tells.
     struct Orders {
         OrderLedger ledger;
-        std::vector<std::string> sentAt; // of each, when it was sent first
-        std::size_t unread = 0;          // lines
+        std::size_t unread = 0; // lines
         bool isReadable = true;
         bool isStopped = false; // before its end
     };

@@ -10,7 +10,8 @@ constexpr std::size_t kMostNamed = 5;
 
 } // namespace
 
-DuplicateGuard::DuplicateGuard(Session& session) : m_ledger(session.record.Ledger()) {
+DuplicateGuard::DuplicateGuard(Session& session)
+    : m_record(session.record.IsKept() ? &session.record.Ledger() : nullptr) {
     session.record.Refresh();
     if (session.book)
         session.book->EachLive(
@@ -22,8 +23,8 @@ bool DuplicateGuard::IsLike(const RecordTexts& order) {
     const bool isFirst = m_seen.insert(key).second;
     if (const auto found = m_registered.find(key); found != m_registered.end())
         return Note(registration, order, found->second);
-    if (const auto sent = m_ledger.StandingLike(order); !sent.empty()) {
-        const RecordedOrder& latest = m_ledger[sent.front()];
+    if (const auto sent = m_record ? m_record->StandingLike(order) : std::vector<OrderPlace>(); !sent.empty()) {
+        const RecordedOrder& latest = (*m_record)[sent.front()];
         const std::string_view number = latest.Text(RecordField::registration);
         return Note(recorded, order,
                     number.empty() ? "sent at " + std::string(latest.SentAt().substr(11, 5)) : number);

@@ -34,7 +34,7 @@ private:
 
     bool Note(Kind kind, const RecordTexts& order, std::string_view detail);
 
-    const OrderLedger& m_ledger;
+    const OrderLedger* m_record;                                 // null where the host has no folder for it
     std::unordered_map<std::uint64_t, std::string> m_registered; // numbers
     std::unordered_set<std::uint64_t> m_seen;
     std::array<Found, kinds> m_found{};

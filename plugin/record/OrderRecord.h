@@ -73,6 +73,8 @@ public:
     OrderRecord(const OrderRecord&) = delete;
     OrderRecord& operator=(const OrderRecord&) = delete;
 
+    // False where the host has no folder for it: what happens is then known to this session only.
+    bool IsKept() const { return m_files.HasFolder(); }
     // A listener hears of everything until it is removed.
     void AddListener(RecordListener& listener) { m_listeners.push_back(&listener); }
     void RemoveListener(RecordListener& listener) { std::erase(m_listeners, &listener); }

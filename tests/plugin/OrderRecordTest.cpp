@@ -158,7 +158,8 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         std::string text;
         for (std::size_t i = 0; i < static_cast<std::size_t>(OrderState::count); ++i)
             text += std::to_string(ledger.Count(static_cast<OrderState>(i))) + " ";
-        EXPECT_EQ(text + "like " + std::to_string(ledger.StandingLike(Words(plan).texts).size()), known) << event;
+        EXPECT_EQ(text + "like " + std::to_string(ledger.StandingLike(Words(plan).texts).size()), known)
+            << event;
     }
     const RecordedOrder& order = ledger[ledger.Find(Words("order_id=o2").texts)];
     EXPECT_EQ(order.Text(Field::registration), "S2");

@@ -181,7 +181,8 @@ TEST_F(BookRecordTest, ChangesAndTheirAnswersAreRecordedAndRowsSettleWhatIsOpen)
     const RecordedOrder order(texts);
     session.record.Sending({&order, 1});
     Answer("echoedRequest=om_get_sip_orders queriedRow=1 registrationNumber=SIP5 sipStatus=active orderId=o1");
-    EXPECT_EQ(session.record.Ledger()[session.record.Ledger().Find(texts)].Text(RecordField::registration), "SIP5");
+    EXPECT_EQ(session.record.Ledger()[session.record.Ledger().Find(texts)].Text(RecordField::registration),
+              "SIP5");
     EXPECT_EQ(host.recordFiles.Events().back(), "registered SIP5");
 }
 

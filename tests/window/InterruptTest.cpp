@@ -126,7 +126,7 @@ TEST_F(Interrupt, AnErrorThatArrivesWhileABoxIsOpenIsLoggedAtOnce) {
 TEST_F(Interrupt, SubmitDuringTheHostsQuestionDoesNothing) {
     HWND dialog = OpenWithDefaults();
     for (const std::size_t requests : {2u, 3u}) {
-        FillGoodOrder(dialog);
+        FillGoodOrder(dialog, requests == 2 ? "C001" : "C002");
         host.duringCaution = [&] {
             probe::Press(dialog, IDC_SUBMIT);
             probe::Press(dialog, IDC_SUBMIT);

@@ -3,7 +3,7 @@
 
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
-#include "plugin/basket/window/RejectedPanel.h"
+#include "plugin/basket/window/BasketPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
@@ -56,7 +56,8 @@ private:
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
     void ShowWaiting(bool waiting) override;
     void ShowStatus() override;
-    void ShowRejected() override;
+    void ShowStatusSoon() override;
+    void ShowPanel() override;
     void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
     LocalDateTime Now() const override { return LocalNow(); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
@@ -74,7 +75,7 @@ private:
     UnsentOrdersFile m_unsent;
     Basket m_basket;
     BasketListWindow m_list;
-    RejectedPanel m_rejected;
+    BasketPanel m_panel;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
