@@ -101,7 +101,7 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
     if (!orderId) return false;
     const RecordedOrder recorded =
         form.modifyMode ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(),
-                                         record.amountOrQuantity, record.totalPeriod)
+                                         record.amountOrQuantity, record.totalPeriod, {}, record.investType)
                         : RecordedNewOrder(m_session, record, orderId->value_or(""), StartDateText(record));
     if (!m_life.Across([&](Pass) { isAgreed = RecordSending(form, recorded); })) return false;
     return !isAgreed || m_life.Across([&](Pass pass) {
