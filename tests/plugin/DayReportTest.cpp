@@ -85,8 +85,10 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
          "order|C1|NSE|ALPHATEX-EQ|SIP|1500.50|monthly|05-Jan-2028|12|a.csv|3|D7|t4|fine|o1",
          kKorvexGood},
         {"", "n1,found,o1,S9" + kBuy + "\n", "t1|Found in book|S9" + asked + "n1|o1", kKorvexGood},
-        // What the next day sent is the next day's.
         {"", "n1,sending,o1," + kBuy + "add_sip_orders\nn2,refused,o1," + kBuy + "no\n",
+         "t1|Refused" + asked + "n2|no|o1", kKorvexBad},
+        // What the next day sent is no row of this one.
+        {"", "n1,sending,o2," + kBuy + "add_sip_orders\nn2,refused,o2," + kBuy + "no\n",
          "t1|Unanswered" + asked + "o1", kKorvexAttention},
     };
     for (const auto& each : cases) {
