@@ -78,14 +78,15 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
              + "t2|"
                "Refused: no, (code 7).|o1",
          kKorvexBad},
-        {"t2,in_doubt,o1," + kBuy + "\nt3,sending,o1," + kBuy + "add_sip_orders\nt4,registered,o1,S9" + kBuy
+        {"t2,absent,o1," + kBuy + "\nt3,sending,o1," + kBuy + "add_sip_orders\nt4,registered,o1,S9" + kBuy
              + "fine\n",
          "",
          "t1|Registered|S9|New "
          "order|C1|NSE|ALPHATEX-EQ|SIP|1500.50|monthly|05-Jan-2028|12|a.csv|3|D7|t4|fine|o1",
          kKorvexGood},
         {"", "n1,found,o1,S9" + kBuy + "\n", "t1|Found in book|S9" + asked + "n1|o1", kKorvexGood},
-        {"", "n1,sending,o1," + kBuy + "add_sip_orders\nn2,refused,o1," + kBuy + "no\n",
+        {"",
+         "n0,absent,o1," + kBuy + "\nn1,sending,o1," + kBuy + "add_sip_orders\nn2,refused,o1," + kBuy + "no\n",
          "t1|Refused" + asked + "n2|no|o1", kKorvexBad},
         // What the next day sent is no row of this one.
         {"", "n1,sending,o2," + kBuy + "add_sip_orders\nn2,refused,o2," + kBuy + "no\n",
@@ -99,8 +100,8 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
         EXPECT_EQ(report.Look(0), each.look) << each.row;
     }
     const std::string pause = ",,S9,D7,form,,,,,,,,,,,pause_sip_order";
-    Show("t0,sending,o1," + kBuy + "add_sip_orders\nt1,sending" + pause + "\nt2,paused" + pause
-         + ": done\nt2,sending,o1," + kBuy + "add_sip_orders\nt3,sending,o2," + kSell
+    Show("t0,sending,o1," + kBuy + "add_sip_orders\nt0,absent,o1," + kBuy + "\nt1,sending" + pause
+         + "\nt2,paused" + pause + ": done\nt2,sending,o1," + kBuy + "add_sip_orders\nt3,sending,o2," + kSell
          + "add_sip_orders\nt3,not_sent,o2," + kSell + "\n");
     EXPECT_EQ(Row(1), "t1|Paused|S9|Pause|form|D7|t2|done");
     EXPECT_EQ(Row(2), "t3|Not sent|New order|C2|BSE|ASTER|SWP|30|daily|06-Jan-2028|5|form|D7|t3|o2");
@@ -121,7 +122,7 @@ TEST_F(DayReportTest, SaysWhatItComesTo) {
         {order("1", "registered", kBuy) + order("2", "found", kBuy) + order("3", "refused", kBuy),
          "Sent 3: 2 registered, 1 refused, 0 in doubt|Registered: SIP Rs 3,001.00, SWP Rs 0.00||"},
         {order("1", "absent", kBuy) + order("2", "in_doubt", kBuy) + order("3", "not_sent", kBuy)
-             + order("4", "sending", kBuy) + order("5", "registered", kSell) + "torn",
+             + "t,sending,4," + kBuy + "\n" + order("5", "registered", kSell) + "torn",
          "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 unanswered, 1 not in book|"
          "Registered: SIP Rs 0.00, SWP Rs 0.00 and 30 shares|1 line could not be read; Not sent 1|"},
         {change + "t,modified,,S1,,,,,,,,,,,,,modify_sip_order: fine\n" + change,
