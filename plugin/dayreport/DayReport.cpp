@@ -155,13 +155,14 @@ static_assert(std::size(kTexts) == static_cast<std::size_t>(DayField::count));
 } // namespace
 
 MenuEntry DayReportEntry(const Session& session) {
-    return {"Orders of a Day...", kDayReportCommand, !session.record.IsKept()};
+    return {"Orders of a Day...", kDayReportCommand, session.userDirectory.empty()};
 }
 
+// Of the next day only what it tells of this one's orders is shown.
 void DayReport::Reading::Take(const RecordTexts& event) {
-    const bool isSending = event[RecordField::event] == NameOf(OrderEvent::sending);
-    const bool isOfNext = isOfNextDay && (isSending || next.Find(event) != kNoOrder);
-    (isOfNext ? next : orders.ledger).Take(event);
+    orders.ledger.Take(event);
+    if (!isOfNextDay && orders.sentAt.size() < orders.ledger.Orders().size())
+        orders.sentAt.emplace_back(event[RecordField::time]);
 }
 
 LocalDateTime DayReport::Day(int after) const {
@@ -217,7 +218,9 @@ bool DayReport::GoOnWithNextDay() {
     Reading& reading = *m_reading;
     if (std::exchange(reading.isOfNextDay, true)) return false;
     reading.orders.unread = reading.reader.UnreadLines();
-    if (!reading.orders.ledger.HasOpen()) return false;
+    const OrderLedger& ledger = reading.orders.ledger;
+    if (ledger.Count(OrderState::done) + ledger.Count(OrderState::refused) == ledger.Orders().size())
+        return false;
     reading.text = m_files.Read(Day(1)).value_or("");
     reading.reader = RecordReader(reading.text);
     return true;
@@ -232,7 +235,7 @@ void DayReport::Stop() {
 // A file is only appended to: read again, it has the same rows first.
 void DayReport::End() {
     const auto read = std::exchange(m_reading, nullptr);
-    if (read->orders.ledger.Orders().size() < RowCount()) m_isAnew = true;
+    if (read->orders.sentAt.size() < RowCount()) m_isAnew = true;
     m_shown = std::move(read->orders);
     m_view.ShowRun();
     m_view.ShowRows(std::exchange(m_isAnew, false));
@@ -253,7 +256,7 @@ std::size_t DayReport::Total() const {
 std::string_view DayReport::Text(std::size_t row, DayField field) const {
     if (row >= RowCount()) return {};
     const RecordedOrder& order = m_shown.ledger.Orders()[row];
-    if (field == DayField::sentAt) return order.SentAt();
+    if (field == DayField::sentAt) return m_shown.sentAt[row];
     const std::string_view text = kTexts[static_cast<std::size_t>(field)](order);
     if (field != DayField::amount || text.empty()) return text;
     const auto [shown, isNew] = m_rupees.try_emplace(std::string(text));
@@ -275,7 +278,8 @@ std::string DayReport::Notice() const {
 std::array<std::string, 3> DayReport::Status() const {
     Counts orders, changes;
     SideSum buy, sell;
-    for (const RecordedOrder& order : m_shown.ledger.Orders()) {
+    for (std::size_t row = 0; row < RowCount(); ++row) {
+        const RecordedOrder& order = m_shown.ledger.Orders()[row];
         ++(order.ChangesRegistration() ? changes : orders)[order.State()];
         if (!order.ChangesRegistration() && order.State() == OrderState::done)
             (order.Text(RecordField::side) == "S" ? sell : buy).Add(order);

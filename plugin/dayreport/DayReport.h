@@ -95,7 +95,7 @@ public:
     void Forget();
 
     // Row 0 is what was sent first.
-    std::size_t RowCount() const { return m_shown.ledger.Orders().size(); }
+    std::size_t RowCount() const { return m_shown.sentAt.size(); }
     // Valid until the rows are shown again.
     std::string_view Text(std::size_t row, DayField field) const;
     KorvexRowLook Look(std::size_t row) const;
@@ -114,8 +114,9 @@ public:
 private:
     // What a day's file tells.
     struct Orders {
-        OrderLedger ledger;
-        std::size_t unread = 0; // lines
+        OrderLedger ledger;              // its orders first
+        std::vector<std::string> sentAt; // of each of them, when it was sent first
+        std::size_t unread = 0;          // lines
         bool isReadable = true;
         bool isStopped = false; // before its end
     };
@@ -129,7 +130,6 @@ private:
         RecordReader reader{text};
         Orders orders;
         bool isOfNextDay = false; // the text, which may tell more of what was sent on the day
-        OrderLedger next;         // what was sent on the next one
         std::size_t lines = 0;
     };
 

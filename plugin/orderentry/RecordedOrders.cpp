@@ -77,9 +77,11 @@ RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& orde
 }
 
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
-                             std::string_view value, std::string_view periods, std::string_view orderId) {
+                             std::string_view value, std::string_view periods, std::string_view orderId,
+                             std::string_view investType) {
     RecordTexts texts;
     texts[RecordField::orderId] = orderId;
+    texts[RecordField::investType] = investType;
     texts[RecordField::registration] = registration;
     texts[RecordField::loginId] = session.identity.loginId;
     texts[RecordField::source] = "form";

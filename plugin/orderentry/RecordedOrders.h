@@ -49,10 +49,11 @@ inline constexpr std::string_view kCancelSipOrder = "cancel_sip_order";
 inline constexpr std::string_view kPauseSipOrder = "pause_sip_order";
 inline constexpr std::string_view kResumeSipOrder = "resume_sip_order";
 
-// `value` is in the server's words, and empty with the periods unless they change.
+// Value and periods are in the server's words, and empty unless they change; `investType` says what the value
+// is.
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
                              std::string_view value = {}, std::string_view periods = {},
-                             std::string_view orderId = {});
+                             std::string_view orderId = {}, std::string_view investType = {});
 
 // What is asked when the record cannot be written.
 inline constexpr char kNoRecordQuestion[] = "The record of what is sent cannot be written. Should the terminal "

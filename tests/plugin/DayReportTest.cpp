@@ -16,7 +16,9 @@ constexpr char kHeading[] =
 
 struct Files final : RecordFiles {
     bool HasFolder() const override { return true; }
-    std::optional<std::string> Read(const LocalDateTime& day) override { return days[day]; }
+    std::optional<std::string> Read(const LocalDateTime& day) override {
+        return days.try_emplace(day, "").first->second;
+    }
     bool Append(const LocalDateTime&, std::string_view, bool) override { return false; }
     std::map<LocalDateTime, std::optional<std::string>> days{{kDay.Midnight(), ""}, {{2028, 1, 1}, ""}};
 };
@@ -76,15 +78,18 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
              + "t2|"
                "Refused: no, (code 7).|o1",
          kKorvexBad},
-        {"t2,in_doubt,o1," + kBuy + "\nt3,sending,o1," + kBuy + "add_sip_orders\nt4,registered,o1,S9" + kBuy
+        {"t2,absent,o1," + kBuy + "\nt3,sending,o1," + kBuy + "add_sip_orders\nt4,registered,o1,S9" + kBuy
              + "fine\n",
          "",
          "t1|Registered|S9|New "
          "order|C1|NSE|ALPHATEX-EQ|SIP|1500.50|monthly|05-Jan-2028|12|a.csv|3|D7|t4|fine|o1",
          kKorvexGood},
         {"", "n1,found,o1,S9" + kBuy + "\n", "t1|Found in book|S9" + asked + "n1|o1", kKorvexGood},
-        // What the next day sent is the next day's.
-        {"", "n1,sending,o1," + kBuy + "add_sip_orders\nn2,refused,o1," + kBuy + "no\n",
+        {"",
+         "n0,absent,o1," + kBuy + "\nn1,sending,o1," + kBuy + "add_sip_orders\nn2,refused,o1," + kBuy + "no\n",
+         "t1|Refused" + asked + "n2|no|o1", kKorvexBad},
+        // What the next day sent is no row of this one.
+        {"", "n1,sending,o2," + kBuy + "add_sip_orders\nn2,refused,o2," + kBuy + "no\n",
          "t1|Unanswered" + asked + "o1", kKorvexAttention},
     };
     for (const auto& each : cases) {
@@ -94,12 +99,12 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
         EXPECT_EQ(Row(0), each.row);
         EXPECT_EQ(report.Look(0), each.look) << each.row;
     }
-    Show("t1,sending,,S9,D7,form,,,,,,,,,,,pause_sip_order\nt2,paused,,S9,D7,form,,,,,,,,,,,pause_sip_order: "
-         "done\n"
-         "t3,sending,o2,"
-         + kSell + "add_sip_orders\nt3,not_sent,o2," + kSell + "\n");
-    EXPECT_EQ(Row(0), "t1|Paused|S9|Pause|form|D7|t2|done");
-    EXPECT_EQ(Row(1), "t3|Not sent|New order|C2|BSE|ASTER|SWP|30|daily|06-Jan-2028|5|form|D7|t3|o2");
+    const std::string pause = ",,S9,D7,form,,,,,,,,,,,pause_sip_order";
+    Show("t0,sending,o1," + kBuy + "add_sip_orders\nt0,absent,o1," + kBuy + "\nt1,sending" + pause
+         + "\nt2,paused" + pause + ": done\nt2,sending,o1," + kBuy + "add_sip_orders\nt3,sending,o2," + kSell
+         + "add_sip_orders\nt3,not_sent,o2," + kSell + "\n");
+    EXPECT_EQ(Row(1), "t1|Paused|S9|Pause|form|D7|t2|done");
+    EXPECT_EQ(Row(2), "t3|Not sent|New order|C2|BSE|ASTER|SWP|30|daily|06-Jan-2028|5|form|D7|t3|o2");
 }
 
 TEST_F(DayReportTest, SaysWhatItComesTo) {
@@ -107,7 +112,7 @@ TEST_F(DayReportTest, SaysWhatItComesTo) {
         return "t,sending," + std::string(id) + "," + asked + "add_sip_orders\nt," + event + "," + id + ",S"
                + id + asked + "x\n";
     };
-    const std::string change = "t,sending,,S1,D7,form,,,,,,,,,,,cancel_sip_order\n";
+    const std::string change = "t,sending,,S1,D7,form,,,,,,value,200000,,,9,modify_sip_order\n";
     const struct {
         std::string lines;
         const char* status;
@@ -117,12 +122,12 @@ TEST_F(DayReportTest, SaysWhatItComesTo) {
         {order("1", "registered", kBuy) + order("2", "found", kBuy) + order("3", "refused", kBuy),
          "Sent 3: 2 registered, 1 refused, 0 in doubt|Registered: SIP Rs 3,001.00, SWP Rs 0.00||"},
         {order("1", "absent", kBuy) + order("2", "in_doubt", kBuy) + order("3", "not_sent", kBuy)
-             + order("4", "sending", kBuy) + order("5", "registered", kSell) + "torn",
+             + "t,sending,4," + kBuy + "\n" + order("5", "registered", kSell) + "torn",
          "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 unanswered, 1 not in book|"
          "Registered: SIP Rs 0.00, SWP Rs 0.00 and 30 shares|1 line could not be read; Not sent 1|"},
-        {change + "t,refused,,S1,,,,,,,,,,,,,cancel_sip_order: no\n" + change,
+        {change + "t,modified,,S1,,,,,,,,,,,,,modify_sip_order: fine\n" + change,
          "Sent 0: 0 registered, 0 refused, 0 in doubt|Registered: SIP Rs 0.00, SWP Rs 0.00|"
-         "Changes 2: 1 refused, 1 unanswered|"},
+         "Changes 2: 1 done, 1 unanswered|"},
     };
     for (const auto& each : cases) {
         Show(each.lines);
@@ -143,6 +148,10 @@ TEST_F(DayReportTest, SaysWhyThereIsNothing) {
 // The same day keeps its rows until it is read; another day's are gone at once, so that none stands under a
 // date that is not its own.
 TEST_F(DayReportTest, ReadsALongFileInPortionsAndStopsWhenAsked) {
+    files.days[{2028, 1, 1}] = "t,sending,o1," + kBuy + "add_sip_orders\n";
+    report.Show({2028, 1, 1});
+    EXPECT_EQ(report.RowCount(), 1u);
+    view.Shown();
     std::string lines;
     for (int i = 0; i < 5000; ++i)
         lines += "t,sending,o" + std::to_string(i) + "," + kBuy + "add_sip_orders\n";

@@ -114,7 +114,7 @@ void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& regis
 }
 
 void CPlanfoldControlBlock::OpenDayReport() {
-    if (m_record.IsKept() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
+    if (m_recordFile.HasFolder() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {
