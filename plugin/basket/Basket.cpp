@@ -4,6 +4,7 @@
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
@@ -170,6 +171,37 @@ void Basket::Delete() {
         m_rows.Remove(record);
     m_view.ShowStatus();
     m_runs.KeepUnsentLast();
+}
+
+std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+    std::size_t taken = 0;
+    if (m_runs.IsBusy()) return taken;
+    for (const OrderPlace place : orders) {
+        if (m_rows.ByOrder(place) != kNoRecord) {
+            ++taken;
+            continue;
+        }
+        FormOrder order;
+        auto sent = OrderOf(m_session.record.Ledger()[place]);
+        const auto scrip =
+            sent ? AskScripDetails(pass, m_session, sent->exchange, sent->tradingSymbol) : std::nullopt;
+        if (m_session.Ended()) return taken;
+        if (!scrip) continue;
+        order.data = std::move(*sent);
+        order.data.token = TextOf(scrip->token);
+        const std::size_t dash = order.data.tradingSymbol.rfind('-');
+        order.symbol = order.data.tradingSymbol.substr(0, dash);
+        if (dash != std::string::npos) order.series = order.data.tradingSymbol.substr(dash + 1);
+        order.startDateText = FormatPickerDate(ToLocal(LeadingInteger(order.data.startDate)));
+        const RecordId row = m_rows.Add(order.Texts());
+        m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
+        m_view.List().InsertFront(row);
+        ++taken;
+    }
+    m_runs.LetPlace(m_view.List().RowCount() > 0);
+    m_view.ShowStatusSoon();
+    m_runs.KeepUnsentLast();
+    return taken;
 }
 
 // Only what was submitted: under the box the user may have typed the next order.

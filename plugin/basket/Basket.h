@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,6 +61,9 @@ public:
     // A rejected line was chosen to be corrected in the form.
     void ActivateRejected(std::size_t index);
     void Delete();
+    // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
+    // stand in the basket.
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
     void Export();

@@ -154,8 +154,10 @@ static_assert(std::size(kTexts) == static_cast<std::size_t>(DayField::count));
 
 } // namespace
 
-MenuEntry DayReportEntry(const Session& session) {
-    return {"Orders of a Day...", kDayReportCommand, session.userDirectory.empty()};
+std::array<MenuEntry, 2> RecordEntries(const Session& session) {
+    const bool isInDoubt = session.record.Ledger().Count(OrderState::inDoubt) > 0;
+    return {{{"Orders of a Day...", kDayReportCommand, session.userDirectory.empty()},
+             {"Compare Orders in Doubt", kCompareCommand, !isInDoubt}}};
 }
 
 // Of the next day only what it tells of this one's orders is shown.

@@ -65,9 +65,14 @@ inline constexpr DayColumn kDayColumns[] = {
     {"Order Identifier", 150, DayField::orderId},
 };
 
-// The entry of other lists' menus that opens the report; greyed where the host has no folder for records.
+// The entries of other lists' menus that have to do with the order record: its report, greyed where the host
+// has no folder for records, and the comparison of what is in doubt.
 inline constexpr int kDayReportCommand = 25103;
-MenuEntry DayReportEntry(const Session& session);
+inline constexpr int kCompareCommand = 25104;
+std::array<MenuEntry, 2> RecordEntries(const Session& session);
+constexpr bool IsRecordCommand(int command) {
+    return command == kDayReportCommand || command == kCompareCommand;
+}
 
 // The window as the code that decides sees it.
 class DayReportView {

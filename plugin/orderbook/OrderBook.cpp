@@ -12,7 +12,7 @@
 namespace planfold {
 
 const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
-    {"om_get_sip_orders", &OrderBook::HandleRow},
+    {kGetSipOrders, &OrderBook::HandleRow},
     {"qry_eq_sip", &OrderBook::HandleHistoryRow},
     {"get_sip_operation_mode", &OrderBook::HandleOperationMode, OnError::logAndHandle},
     {"add_sip_orders", &OrderBook::HandleUserText, OnError::logAndHandle},

@@ -1,5 +1,6 @@
 #include "plugin/orderentry/RecordedOrders.h"
 
+#include "plugin/base/Dates.h"
 #include "plugin/base/Numbers.h"
 #include "plugin/orderentry/PlannedDates.h"
 #include "plugin/record/OrderRecord.h"
@@ -72,8 +73,35 @@ RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& orde
     texts[RecordField::frequency] = order.frequency;
     texts[RecordField::startDate] = startDate;
     texts[RecordField::periods] = order.totalPeriod;
-    texts[RecordField::text] = "add_sip_orders";
+    const std::string text = "add_sip_orders: " + order.orderType + ' ' + order.product;
+    texts[RecordField::text] = text;
     return RecordedOrder(texts);
+}
+
+std::optional<sSipOrderData> OrderOf(const RecordedOrder& recorded) {
+    constexpr std::string_view request = "add_sip_orders: ";
+    const std::string_view text = recorded.SentText();
+    const std::int64_t start = ParseDate(recorded.Text(RecordField::startDate));
+    if (!text.starts_with(request) || start < 0) return std::nullopt;
+    const std::string_view kind = text.substr(request.size());
+    const std::size_t blank = kind.find(' ');
+    if (blank == kind.npos) return std::nullopt;
+    sSipOrderData order;
+    order.orderType = kind.substr(0, blank);
+    order.product = kind.substr(blank + 1);
+    order.customerFirm = "C";
+    order.validity = "DAY";
+    order.startDate = std::to_string(start);
+    order.account = recorded.Text(RecordField::account);
+    order.exchange = recorded.Text(RecordField::exchange);
+    order.tradingSymbol = recorded.Text(RecordField::tradingSymbol);
+    order.side = recorded.Text(RecordField::side);
+    order.sideWord = order.side == "S" ? "SELL" : "BUY";
+    order.investType = recorded.Text(RecordField::investType);
+    order.amountOrQuantity = recorded.Text(RecordField::value);
+    order.frequency = recorded.Text(RecordField::frequency);
+    order.totalPeriod = recorded.Text(RecordField::periods);
+    return order;
 }
 
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,

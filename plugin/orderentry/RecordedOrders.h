@@ -30,6 +30,9 @@ private:
 RecordedOrder RecordedNewOrder(const Session& session, const sSipOrderData& order, std::string_view orderId,
                                std::string_view startDate, const OrderOrigin& origin = {});
 
+// What was sent, read back from the record. None when the record lacks something; the token is not recorded.
+std::optional<sSipOrderData> OrderOf(const RecordedOrder& recorded);
+
 // A text from outside as a part of a line: not too long, and without what ends one.
 std::string InShort(std::string_view text);
 // What the server said to a request, in one line.

@@ -61,7 +61,7 @@ std::uint64_t AskedForKey(const RecordTexts& order) {
     return std::hash<std::string>()(AskedFor(order));
 }
 
-RecordedOrder::RecordedOrder(const RecordTexts& texts) {
+RecordedOrder::RecordedOrder(const RecordTexts& texts) : m_sentText(texts[RecordField::text]) {
     for (std::size_t i = 0; i < kRecordFieldCount; ++i) {
         m_texts.append(texts[static_cast<RecordField>(i)]);
         m_ends[i] = static_cast<std::uint32_t>(m_texts.size());
@@ -89,7 +89,10 @@ void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
     RecordedOrder anew(texts);
     anew.m_state = state;
     anew.m_alikeBefore = m_alikeBefore;
-    if (state != OrderState::sent) anew.m_sentAt = m_sentAt;
+    if (state != OrderState::sent) {
+        anew.m_sentAt = m_sentAt;
+        anew.m_sentText = std::move(m_sentText);
+    }
     *this = std::move(anew);
 }
 
@@ -159,6 +162,7 @@ OrderLedger OrderLedger::Open() const {
         if (!IsOpen(order.State())) continue;
         RecordTexts texts = order.Texts();
         texts[RecordField::time] = order.SentAt();
+        texts[RecordField::text] = order.SentText();
         const OrderPlace place = open.Enter(texts);
         open.SetState(open.m_orders[place], order.Texts(), order.State());
     }

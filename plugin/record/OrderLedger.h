@@ -50,6 +50,8 @@ public:
     // Valid until the next event.
     std::string_view Text(RecordField field) const;
     RecordTexts Texts() const;
+    // The text of its sending: its request's name, and behind ": " what no other field says.
+    std::string_view SentText() const { return m_sentText; }
     // When it was sent last: "2027-03-05 14:02:03", local.
     std::string_view SentAt() const { return {m_sentAt.data(), m_sentAt.size()}; }
     // False: it places a new order.
@@ -60,6 +62,7 @@ private:
     void Take(const RecordTexts& event, OrderState state);
 
     std::string m_texts; // one after another
+    std::string m_sentText;
     std::array<std::uint32_t, kRecordFieldCount> m_ends{};
     OrderPlace m_alikeBefore = kNoOrder;
     std::array<char, 19> m_sentAt{};

@@ -13,21 +13,6 @@ namespace {
 // What an earlier day left open concerns today; a long weekend lies between at most.
 constexpr int kDaysBack = 10;
 
-std::string TimeText(const LocalDateTime& now) {
-    return Format("%04d-%02d-%02d %02d:%02d:%02d", now.year, now.month, now.day, now.hour, now.minute,
-                  now.second);
-}
-
-// -1 when it is no such text.
-std::int64_t SecondsOf(std::string_view time) {
-    constexpr std::string_view form = "0000-00-00 00:00:00";
-    if (time.size() != form.size()) return -1;
-    const auto part = [&](std::size_t at, std::size_t length) {
-        return static_cast<int>(LeadingInteger(time.substr(at, length)));
-    };
-    return ToSeconds({part(0, 4), part(5, 2), part(8, 2), part(11, 2), part(14, 2), part(17, 2)});
-}
-
 std::size_t HashOf(std::string_view line) {
     return std::hash<std::string_view>()(line.substr(0, line.find('\r')));
 }
@@ -42,6 +27,20 @@ void EachLine(std::string_view lines, Each each) {
 }
 
 } // namespace
+
+std::string TimeText(const LocalDateTime& now) {
+    return Format("%04d-%02d-%02d %02d:%02d:%02d", now.year, now.month, now.day, now.hour, now.minute,
+                  now.second);
+}
+
+std::int64_t SecondsOf(std::string_view time) {
+    constexpr std::string_view form = "0000-00-00 00:00:00";
+    if (time.size() != form.size()) return -1;
+    const auto part = [&](std::size_t at, std::size_t length) {
+        return static_cast<int>(LeadingInteger(time.substr(at, length)));
+    };
+    return ToSeconds({part(0, 4), part(5, 2), part(8, 2), part(11, 2), part(14, 2), part(17, 2)});
+}
 
 const OrderLedger& OrderRecord::Ledger() {
     ReadDays();
@@ -62,7 +61,8 @@ void OrderRecord::ReadDays() {
         TakeAll(*text);
         m_readTo = text->size();
     }
-    for (std::size_t place = 0; place < m_ledger.Orders().size(); ++place)
+    m_countAtStart = m_ledger.Orders().size();
+    for (std::size_t place = 0; place < m_countAtStart; ++place)
         if (const RecordedOrder& order = m_ledger.Orders()[place]; order.State() == OrderState::sent)
             m_waiting.push_back({static_cast<OrderPlace>(place), SecondsOf(order.SentAt())});
 }

@@ -54,6 +54,10 @@ struct BookRow {
     bool isLive = true;            // neither cancelled nor over
 };
 
+// "2027-03-05 14:02:03", and back; -1 for a text of another form.
+std::string TimeText(const LocalDateTime& time);
+std::int64_t SecondsOf(std::string_view timeText);
+
 // The registrations of the book that may still be executed.
 class LiveRegistrations {
 public:
@@ -79,6 +83,10 @@ public:
     void AddListener(RecordListener& listener) { m_listeners.push_back(&listener); }
     void RemoveListener(RecordListener& listener) { std::erase(m_listeners, &listener); }
 
+    LocalDateTime LocalTime() const { return m_now(); }
+    std::int64_t Now() const { return ToSeconds(m_now()); } // since 1970
+    // How many of the ledger's orders were sent before this session; they are its first.
+    std::size_t CountAtStart() const { return m_countAtStart; }
     // What is known of the orders of today, and of earlier ones that may still be open.
     const OrderLedger& Ledger();
     // Takes in what other terminals of the user have written meanwhile.
@@ -132,6 +140,7 @@ private:
     std::deque<std::size_t> m_ownLines; // hashes of those that ReadOn meets again
     LocalDateTime m_day{};              // whose file is read
     std::size_t m_readTo = 0;           // of it, in characters
+    std::size_t m_countAtStart = 0;
     bool m_isRead = false;
 };
 

@@ -23,7 +23,7 @@ TEST_F(OrderEntryTest, IsRecordedFromTheSendingToTheAnswer) {
         entry.Submit(kNow);
         return Taken(host.recordFiles);
     };
-    const Texts sending{"sending C002 add_sip_orders"};
+    const Texts sending{"sending C002 add_sip_orders: MKT CNC"};
     host.onRequest = [&] { EXPECT_EQ(host.recordFiles.Events(), sending) << "before it goes out"; };
     EXPECT_EQ(submit(), sending);
     Answer("echoedRequest=add_sip_orders userText=registered account=C002 registrationNumber=SIP1");

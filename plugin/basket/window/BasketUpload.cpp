@@ -61,13 +61,13 @@ constexpr Action kActions[] = {
 } // namespace
 
 CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                             OpenDayReport openDayReport)
+                             RecordCommand recordCommand)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
       m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_controls(*this, session, m_basket.Life()), m_afterBox(boxes),
-      m_openDayReport(std::move(openDayReport)) {}
+      m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -214,11 +214,13 @@ bool CBasketUpload::HotKeyIsForRows() const {
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
     const BasketRows& rows = m_basket.Rows();
+    const auto [dayReport, compare] = RecordEntries(m_session);
     const MenuEntry further[] = {
         {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
-        DayReportEntry(m_session),
+        dayReport,
+        compare,
     };
     if (list == Item(IDC_BASKET_LIST).Handle())
         m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu, further);
@@ -242,7 +244,7 @@ void CBasketUpload::OnButton(int button) {
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
-    if (button == kDayReportCommand) Lifetime::Last([&](Pass pass) { m_openDayReport(pass); });
+    if (IsRecordCommand(button)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
     const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
     if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();

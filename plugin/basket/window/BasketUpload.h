@@ -16,15 +16,19 @@ namespace planfold {
 
 class CBasketUpload final : public DialogWindowOf<BasketView>, private CKeloRxNotifierBase {
 public:
-    // Opens the report of a day's orders.
-    using OpenDayReport = std::function<void(Pass)>;
+    // A command of the order record's menu entries was chosen.
+    using RecordCommand = std::function<void(Pass, int)>;
 
     CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  OpenDayReport openDayReport);
+                  RecordCommand recordCommand);
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
     void Open();
+    // Into the open window; see Basket.
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+        return m_basket.TakeBack(pass, orders);
+    }
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -81,7 +85,7 @@ private:
     CRunProgressDlg m_progress;
     SipFormControls m_controls;
     AfterBox m_afterBox;
-    OpenDayReport m_openDayReport;
+    RecordCommand m_recordCommand;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font

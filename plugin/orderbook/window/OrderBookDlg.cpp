@@ -95,7 +95,7 @@ constexpr CommandRow kCommands[] = {
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
                              const BookControls& controls, OrderForm orderForm, History history,
-                             OpenDayReport openDayReport)
+                             RecordCommand recordCommand)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
                    [this] { ShowCounts(); }),
@@ -103,7 +103,7 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
       m_orderForm(std::move(orderForm)), m_history(std::move(history)),
-      m_openDayReport(std::move(openDayReport)) {}
+      m_recordCommand(std::move(recordCommand)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -216,10 +216,10 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     const bool cancelled = list == m_cancelled.Control().Handle();
     CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
     const RecordId first = m_registered.FirstSelected();
-    const MenuEntry dayReport = DayReportEntry(m_session);
-    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), {&dayReport, 1});
+    const auto ofRecord = RecordEntries(m_session);
+    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), ofRecord);
     std::vector<MenuEntry> further = SeveralRowsMenu(control.SelectedCount());
-    further.push_back(dayReport);
+    further.insert(further.end(), ofRecord.begin(), ofRecord.end());
     m_menu.Open(Handle(), at, control, RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
                 further);
 }
@@ -229,7 +229,7 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) m_book.Refresh();
     if (command.id == kOrderHistoryCommand) OpenHistory();
-    if (command.id == kDayReportCommand) Lifetime::Last([&](Pass pass) { m_openDayReport(pass); });
+    if (IsRecordCommand(command.id)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
     // Escape is no wish to be rid of the book.

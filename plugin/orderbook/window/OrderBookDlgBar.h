@@ -28,7 +28,7 @@ class COrderBookDlgBar final : public framework::CustomWindow, public CKeloRxNot
 public:
     COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
                      COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history,
-                     COrderBookDlg::OpenDayReport openDayReport);
+                     COrderBookDlg::RecordCommand recordCommand);
     ~COrderBookDlgBar() override { Destroy(); }
 
     // Makes the pane unless there is one, brings it up, and asks for the registrations.

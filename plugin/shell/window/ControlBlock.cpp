@@ -16,7 +16,7 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes, const FontArguments& font)
     : m_session(FindInHost, identity, strings, m_record), m_font(font), m_orderEntry(module, m_session, boxes),
-      m_basket(module, m_session, boxes, [this](Pass) { OpenDayReport(); }),
+      m_basket(module, m_session, boxes, [this](Pass, int command) { RecordCommand(command); }),
       m_restrictedDates(module, m_session, boxes), m_orderHistory(module, m_session, boxes),
       m_dayReport(module, m_session, m_recordFile),
       m_orderBook(
@@ -24,7 +24,10 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
           {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
            [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
           [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
-          [this](Pass) { OpenDayReport(); }) {
+          [this](Pass, int command) { RecordCommand(command); }),
+      m_doubts(module, m_session, boxes,
+               {[this](Pass) { OpenDayReport(); },
+                [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -47,6 +50,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 }
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
+    RowOf<&CPlanfoldControlBlock::m_doubts>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
     RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
     RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
@@ -60,11 +64,15 @@ void CPlanfoldControlBlock::ShutDown() {
     for (const WindowRow& row : kWindows)
         row.shutDown(*this);
     m_keyboard.reset();
+    m_record.OnSessionEnd();
 }
 
 void CPlanfoldControlBlock::Pick(std::string_view entry, HWND mainFrame) {
     for (const WindowRow& row : kWindows)
-        if (row.open && row.entry == entry) row.open(*this, mainFrame);
+        if (row.open && row.entry == entry) {
+            row.open(*this, mainFrame);
+            if (!m_session.Ended()) m_doubts.OnPick();
+        }
 }
 
 namespace {
@@ -111,6 +119,19 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
 
 void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
     if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
+}
+
+void CPlanfoldControlBlock::RecordCommand(int command) {
+    if (command == kDayReportCommand)
+        OpenDayReport();
+    else
+        m_doubts.Compare();
+}
+
+std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+    if (!SetHostsFont(m_basket)) return 0;
+    m_basket.Open();
+    return m_session.Ended() ? 0 : m_basket.TakeBack(pass, orders);
 }
 
 void CPlanfoldControlBlock::OpenDayReport() {
