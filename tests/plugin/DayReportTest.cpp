@@ -72,7 +72,7 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
         std::string row;
         KorvexRowLook look;
     } cases[] = {
-        {"", "", "t1|Unanswered" + asked + "o1", kKorvexAttention},
+        {"", "", "t1|Sent" + asked + "o1", kKorvexAttention},
         {"t2,refused,o1," + kBuy + "\"Refused: no, (code 7).\"\n", "",
          "t1|Refused" + asked
              + "t2|"
@@ -90,7 +90,7 @@ TEST_F(DayReportTest, SaysWhatBecameOfEachOrder) {
          "t1|Refused" + asked + "n2|no|o1", kKorvexBad},
         // What the next day sent is no row of this one.
         {"", "n1,sending,o2," + kBuy + "add_sip_orders\nn2,refused,o2," + kBuy + "no\n",
-         "t1|Unanswered" + asked + "o1", kKorvexAttention},
+         "t1|Sent" + asked + "o1", kKorvexAttention},
     };
     for (const auto& each : cases) {
         Show("t1,sending,o1," + kBuy + "add_sip_orders\n" + each.events,
@@ -123,11 +123,11 @@ TEST_F(DayReportTest, SaysWhatItComesTo) {
          "Sent 3: 2 registered, 1 refused, 0 in doubt|Registered: SIP Rs 3,001.00, SWP Rs 0.00||"},
         {order("1", "absent", kBuy) + order("2", "in_doubt", kBuy) + order("3", "not_sent", kBuy)
              + "t,sending,4," + kBuy + "\n" + order("5", "registered", kSell) + "torn",
-         "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 unanswered, 1 not in book|"
+         "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 waiting, 1 absent|"
          "Registered: SIP Rs 0.00, SWP Rs 0.00 and 30 shares|1 line could not be read; Not sent 1|"},
         {change + "t,modified,,S1,,,,,,,,,,,,,modify_sip_order: fine\n" + change,
          "Sent 0: 0 registered, 0 refused, 0 in doubt|Registered: SIP Rs 0.00, SWP Rs 0.00|"
-         "Changes 2: 1 done, 1 unanswered|"},
+         "Changes 2: 1 done, 1 waiting|"},
     };
     for (const auto& each : cases) {
         Show(each.lines);
