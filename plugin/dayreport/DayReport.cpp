@@ -26,12 +26,12 @@ struct EventRow {
     KorvexRowLook look;
 };
 constexpr EventRow kEvents[] = {
-    {OrderEvent::sending, "Unanswered", kKorvexAttention}, {OrderEvent::notSent, "Not sent", kKorvexMuted},
-    {OrderEvent::registered, "Registered", kKorvexGood},   {OrderEvent::modified, "Modified", kKorvexGood},
-    {OrderEvent::cancelled, "Cancelled", kKorvexGood},     {OrderEvent::paused, "Paused", kKorvexGood},
-    {OrderEvent::resumed, "Resumed", kKorvexGood},         {OrderEvent::refused, "Refused", kKorvexBad},
-    {OrderEvent::inDoubt, "In doubt", kKorvexAttention},   {OrderEvent::found, "Found in book", kKorvexGood},
-    {OrderEvent::absent, "Not in book", kKorvexBad},
+    {OrderEvent::sending, "Sent", kKorvexAttention},     {OrderEvent::notSent, "Not sent", kKorvexMuted},
+    {OrderEvent::registered, "Registered", kKorvexGood}, {OrderEvent::modified, "Modified", kKorvexGood},
+    {OrderEvent::cancelled, "Cancelled", kKorvexGood},   {OrderEvent::paused, "Paused", kKorvexGood},
+    {OrderEvent::resumed, "Resumed", kKorvexGood},       {OrderEvent::refused, "Refused", kKorvexBad},
+    {OrderEvent::inDoubt, "In doubt", kKorvexAttention}, {OrderEvent::found, "Found in book", kKorvexGood},
+    {OrderEvent::absent, "Absent", kKorvexBad},
 };
 
 constexpr CodeRow kRequests[] = {{"add_sip_orders", "New order"},
@@ -82,11 +82,9 @@ struct Counts {
             const char* word;
             bool always;
         } rows[] = {
-            {OrderState::done, done, usual},
-            {OrderState::refused, "refused", usual},
-            {OrderState::inDoubt, "in doubt", usual},
-            {OrderState::sent, "unanswered", false},
-            {OrderState::absent, "not in book", false},
+            {OrderState::done, done, usual},          {OrderState::refused, "refused", usual},
+            {OrderState::inDoubt, "in doubt", usual}, {OrderState::sent, "waiting", false},
+            {OrderState::absent, "absent", false},
         };
         std::size_t sent = 0;
         std::string text;
