@@ -5,6 +5,7 @@
 #include "tests/net/NetFixture.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace vesk {
@@ -148,6 +149,37 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     Kill();
     ASSERT_TRUE(Until([&] { return !told.empty(); }, {&one}));
     EXPECT_EQ(told, Texts{"-The connection was lost; whether it was done is not known"});
+}
+
+// What the server had received counts, whenever the terminal goes and however slow the server is.
+TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
+    constexpr std::size_t orders = 300; // more than are read at a time
+    const struct {
+        RequestFault fault;
+        SessionLimits limits;
+        std::size_t least, most; // done
+    } rows[] = {
+        {{}, {.requests = 16, .turns = 1}, orders, orders},            // most are still unread
+        {{.errorCode = {}, .delayMs = 300}, {}, orders, orders},       // nothing is handled by then
+        {{.errorCode = {}, .disconnects = 1}, {}, orders / 4, orders}, // the server cuts the line itself
+        {{.errorCode = {}, .disconnectsBefore = 1}, {}, 0, 0},         // nothing has come
+    };
+    for (const auto& row : rows) {
+        m_config.faults["add_sip_orders"] = row.fault;
+        Start(row.limits);
+        const std::size_t before = m_running->server->Registrations().size();
+        auto gone = std::make_unique<Terminal>(m_port, "USER1");
+        for (std::size_t i = 0; i < orders; ++i)
+            ASSERT_TRUE(gone->Place(std::to_string(before) + "-" + std::to_string(i)));
+        ASSERT_TRUE(Until([&] { return gone->Client().State() == LinkState::connected; }, {gone.get()}));
+        gone->Pump();
+        gone.reset();
+        ASSERT_TRUE(Until([&] { return m_net->Connections() == 0; }, {}));
+        const std::size_t done = m_running->server->Registrations().size() - before;
+        EXPECT_GE(done, row.least);
+        EXPECT_LE(done, row.most);
+        Kill();
+    }
 }
 
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {

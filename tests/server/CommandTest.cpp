@@ -37,6 +37,9 @@ TEST(Commands, LineByLine) {
         {commands, "fault add_sip_orders delay 50", "On add_sip_orders the server plays: delay 50"},
         {embedded, "fault * error 77", "On * the server plays: error 77"},
         {commands, "fault any disconnect", "On any the server plays: disconnect"},
+        {commands, "fault before disconnect-before 2", "On before the server plays: disconnect-before 2"},
+        {embedded, "fault any disconnect-before",
+         "-The terminal's own server has no connection that could be cut"},
         {embedded, "fault any disconnect 3", "-The terminal's own server has no connection that could be cut"},
         {commands, "fault any disconnect -1", "-\"-1\" is no value of \"disconnect\", which takes a number of"},
         {commands, "fault any delay", "-\"\" is no value of \"delay\", which takes a number of milliseconds"},
@@ -59,7 +62,38 @@ TEST(Commands, LineByLine) {
     const ServerConfig& config = running.server->Config();
     EXPECT_EQ(config.FaultFor("add_sip_orders").delayMs, 50);
     EXPECT_EQ(config.FaultFor("any").disconnects, 1);
+    EXPECT_EQ(config.FaultFor("before").disconnectsBefore, 2);
     EXPECT_EQ(config.FaultFor("another").errorCode, "77");
+}
+
+TEST(Commands, FaultsOfAnswersOneByOne) {
+    const TemporaryFolder folder;
+    RunningServer running(folder.File("journal"));
+    ServerCommands commands(*running.server, {}, true);
+    const std::string serial = " 32760=4";
+    const struct {
+        const char* kind;
+        std::size_t answers, registered;
+        bool hasSerial = false, isCut = false, isLost = false;
+    } rows[] = {
+        {"none", 1, 1, true},    {"silent", 0, 1},
+        {"ignored", 0, 0},       {"twice", 2, 1, true},
+        {"noserial", 1, 1},      {"disconnect", 0, 1, false, true},
+        {"error 7", 1, 0, true}, {"disconnect-before", 0, 0, false, true, true},
+        {"none", 1, 1, true},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(commands.Run("fault * " + std::string(row.kind), running.user, 0).isDone);
+        const std::size_t before = running.server->Registrations().size();
+        const Reply reply = running.Begin(Order({{tag::orderId, ""}, {tag::echoedNumber, "4"}}));
+        EXPECT_EQ(running.server->Registrations().size() - before, row.registered) << row.kind;
+        EXPECT_EQ(reply.answers.size(), row.answers) << row.kind;
+        EXPECT_EQ(reply.isCut, row.isCut) << row.kind;
+        EXPECT_EQ(reply.isLost, row.isLost) << row.kind;
+        for (const std::string& answer : reply.answers)
+            EXPECT_EQ(qmx::Has(qmx::MessageReader(answer).Handle(), tag::echoedNumber), row.hasSerial)
+                << row.kind;
+    }
 }
 
 } // namespace
