@@ -182,6 +182,23 @@ TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
     }
 }
 
+// Of more than goes into the output at a time.
+TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
+    constexpr std::uint64_t orders = 2000;
+    Start();
+    Terminal one(m_port, "USER1");
+    ASSERT_TRUE(Until([&] { return one.Client().State() == LinkState::connected; }, {&one}));
+    for (std::uint64_t i = 1; i <= orders; ++i)
+        ASSERT_TRUE(one.Place(std::to_string(i)));
+    EXPECT_FALSE(one.Client().Withdraw(1));
+    EXPECT_TRUE(one.Client().Withdraw(orders));
+    one.Pump();
+    EXPECT_EQ(one.answers, Texts{"Withdrawn by the user"});
+    ASSERT_TRUE(Until([&] { return one.Client().RequestCount() == 0; }, {&one}));
+    EXPECT_EQ(m_running->server->Registrations().size(), orders - 1);
+    EXPECT_EQ(m_running->server->Registrations().back().Text(tag::orderId), std::to_string(orders - 1));
+}
+
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
     Start({.outputBytes = 4096});
     Fill(2000, m_running->user);
