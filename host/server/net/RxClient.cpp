@@ -137,6 +137,11 @@ void RxClient::TellLater(CommandTold command, Told told) {
         {0, false, {}, [command = std::move(command), told = std::move(told)] { command(told); }});
 }
 
+std::size_t RxClient::AnswersDue() const {
+    const auto isAnswer = [](const Delivery& one) { return !one.isStream && !one.tell; };
+    return m_requests.size() + static_cast<std::size_t>(std::ranges::count_if(m_deliveries, isAnswer));
+}
+
 std::size_t RxClient::Waiting() const {
     return m_requests.size() + m_commands.size() + m_deliveries.size() + m_channel->Waiting();
 }
@@ -149,6 +154,11 @@ void RxClient::ConnectWhenDue(std::int64_t nowMs) {
 bool RxClient::Flush(std::int64_t nowMs) {
     ConnectWhenDue(nowMs);
     return Exchange();
+}
+
+void RxClient::Leave() {
+    m_channel->Leave();
+    if (m_state != LinkState::lost) Lose("the terminal is left");
 }
 
 std::size_t RxClient::Pump(std::int64_t nowMs) {

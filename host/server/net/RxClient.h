@@ -70,11 +70,14 @@ public:
     // Sends and receives without a call to a notifier. Whether another call may do more at once.
     bool Flush(std::int64_t nowMs);
     // Ends the connection so that what has been sent arrives: waits a moment for the server to take it.
-    void Leave() { m_channel->Leave(); }
+    // The next call begins another one.
+    void Leave();
 
     // The numbers of the requests that wait, the oldest first.
     std::vector<std::uint64_t> Requests() const;
     std::size_t RequestCount() const { return m_requests.size(); }
+    // With them the answers that no notifier has been told yet.
+    std::size_t AnswersDue() const;
     // Nothing when the request does not wait any more.
     std::optional<WaitingRequest> FindRequest(std::uint64_t number) const;
     // Takes back a request that never left. Its notifier gets a refusal from the next Pump. False when it has
