@@ -93,7 +93,10 @@ void ServerLink::Flush(std::chrono::milliseconds longest) {
 }
 
 void ServerLink::Leave() {
-    if (RequestCount() != 0) m_client->Leave();
+    constexpr std::chrono::milliseconds longest{500};
+    if (RequestCount() == 0) return;
+    Flush(longest);
+    m_client->Leave();
 }
 
 bool ServerLink::HasDue() const {

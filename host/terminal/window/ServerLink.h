@@ -68,7 +68,7 @@ public:
     void Pump();
     // Sends and receives, but delivers nothing, until nothing waits or so long.
     void Flush(std::chrono::milliseconds longest);
-    // Ends the connection, when requests still wait: what was sent arrives.
+    // When requests still wait: sends what it can within a moment, and ends the connection so that it arrives.
     void Leave();
     // Everything that is due has been executed, and everything is delivered.
     bool IsIdle() const;
