@@ -119,25 +119,5 @@ TEST(ScriptRunner, KnowsABoxByItsText) {
     }
 }
 
-TEST(ScriptRunner, HasPassedAtTheProgramsEndWhenAllIsPlayed) {
-    const struct {
-        const char* text;
-        std::size_t boxes;
-        bool hasPassed;
-    } rows[] = {{"main\nmain", 0, true},
-                {"main\nmain\nexit\nmain", 0, true},
-                {"main\nmain\nmain", 0, false},
-                {"main\nbox A OK", 1, true}};
-    for (const auto& row : rows) {
-        Boxes stage(row.boxes ? std::deque<std::string>{"A", "A"} : std::deque<std::string>{});
-        ScriptRunner runner(Script::Parse(row.text, "a.script").Value(), stage);
-        runner.Tick(0), runner.Tick(1);
-        EXPECT_EQ(runner.Current(), ScriptRunner::State::running) << row.text;
-        EXPECT_EQ(runner.End(), row.hasPassed) << row.text;
-        EXPECT_EQ(runner.Verdict(),
-                  row.hasPassed ? "script passed" : "script failed: a.script:3: the terminal ended");
-    }
-}
-
 } // namespace
 } // namespace vesk
