@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <exception>
+#include <limits>
 
 namespace vesk {
 namespace {
@@ -39,6 +40,13 @@ void NetServer::Turn(int timeoutMs) {
         Serve(connection, connection.socket ? *came++ : SocketEvents{&connection.socket});
     DropEnded();
     if (waiting.front().canRead) Accept();
+}
+
+void NetServer::FinishRest() {
+    constexpr std::int64_t whenever = std::numeric_limits<std::int64_t>::max();
+    for (Connection& connection : m_connections)
+        while (connection.isGone && connection.session.HasRest())
+            connection.session.Pump(whenever);
 }
 
 // A request that is delayed is looked for every millisecond, from a little before.

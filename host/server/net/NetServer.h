@@ -37,6 +37,8 @@ public:
 
     // Takes, does and sends what there is, after waiting for something at most so long.
     void Turn(int timeoutMs);
+    // Before its end: does at once what terminals that are gone had asked for. The others ask the next server.
+    void FinishRest();
 
 private:
     struct Connection {

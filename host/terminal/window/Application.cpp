@@ -297,6 +297,7 @@ void Application::RequestClose() {
 bool Application::MayLeave() {
     const WaitingCounts counts = m_server->CountRequests();
     const LinkStatus status = m_server->Status();
+    const OthersDisabled others(m_frame.Handle()); // nothing more is placed meanwhile
     const std::string question = LeaveQuestion(counts, status.isTrouble ? status.text : "");
     if (counts.all != 0
         && MessageBoxA(m_frame.Handle(), question.c_str(), "Vesk Trader",
@@ -305,7 +306,6 @@ bool Application::MayLeave() {
         return false;
     if (m_server->AnswersDue() == 0) return true;
     m_isLeaving = true;
-    const OthersDisabled others(m_frame.Handle());
     LeavingBox(*m_server).RunModal(m_frame.Handle());
     if (const std::size_t left = m_server->RequestCount(); left != 0)
         LogFromSystem(WaitingText(left) + " as the terminal is left");
