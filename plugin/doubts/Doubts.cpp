@@ -41,7 +41,10 @@ void Doubts::Compare() {
 
 void Doubts::OnTime() {
     if (m_session.Ended() || !m_isPicked || m_asking) return;
+    const std::size_t before = m_session.record.Ledger().Count(OrderState::inDoubt);
     m_session.record.OnTime();
+    if (const std::size_t now = m_session.record.Ledger().Count(OrderState::inDoubt); now > before)
+        m_session.LogLast(Counted(now - before, "request") + " in doubt: no answer came within 30 seconds");
     if (!m_session.life.Across([&](Pass pass) { m_comparison.OnTime(pass, m_view); })) return;
     if (auto outcome = m_comparison.TakeOutcome()) m_outcome = std::move(outcome);
     const bool tellsStart = !m_isTold && KnowsStart();

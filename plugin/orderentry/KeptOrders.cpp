@@ -55,6 +55,24 @@ std::optional<KeptOrders::SentOrder> KeptOrders::Refused(OrderPlace named, std::
     return order;
 }
 
+bool KeptOrders::OnState(OrderPlace place, OrderState state) {
+    const auto order = std::ranges::find(m_waiting, place, &SentOrder::place);
+    if (order == m_waiting.end()) return false;
+    order->inDoubt = state == OrderState::inDoubt;
+    // The book has told what no answer did.
+    if (state == OrderState::done || state == OrderState::absent) m_waiting.erase(order);
+    return true;
+}
+
+std::string KeptOrders::Doubts() const {
+    const auto first = std::ranges::find(m_waiting, true, &SentOrder::inDoubt);
+    if (first == m_waiting.end()) return {};
+    const auto count = std::ranges::count(m_waiting, true, &SentOrder::inDoubt);
+    std::string text = "In doubt: no answer came to " + Naming(first->form);
+    if (count > 1) text += Format(" and %zu more", static_cast<std::size_t>(count - 1));
+    return text + ". It may be registered: look into the book.";
+}
+
 void KeptOrders::NotSent(const SipOrderForm& order, std::string_view text) {
     m_kept.push_back({order, "Not sent: " + InShort(text) + "."});
 }
@@ -73,7 +91,7 @@ std::optional<SipOrderForm> KeptOrders::TakeNext() {
 }
 
 std::string KeptOrders::Notice() const {
-    if (m_kept.empty()) return {};
+    if (m_kept.empty()) return Doubts();
     std::string text = m_kept.back().why;
     const auto brings = [](const Kept& kept) { return kept.order.has_value(); };
     const auto orders = std::ranges::count_if(m_kept, brings);

@@ -21,6 +21,7 @@ public:
         SipOrderForm form;
         OrderPlace place;
         std::int64_t at;
+        bool inDoubt = false;
     };
 
     void Sent(SentOrder order);
@@ -31,6 +32,8 @@ public:
     }
     std::optional<SentOrder> Refused(OrderPlace named, std::string_view client, std::string_view text,
                                      std::string_view code, std::int64_t now);
+    // The order record knows more of an order. False when it does not wait here.
+    bool OnState(OrderPlace place, OrderState state);
     void NotSent(const SipOrderForm& order, std::string_view text);
     // What the dealer had typed where another is brought back; its turn comes last.
     void SetAside(const SipOrderForm& order);
@@ -40,7 +43,7 @@ public:
     // What there is to say of that one, and how it comes back; empty when there is nothing.
     std::string Notice() const;
     // Whether it says more than that something was set aside.
-    bool IsAlarming() const { return !m_kept.empty() && m_kept.back().alarming; }
+    bool IsAlarming() const { return m_kept.empty() ? !Doubts().empty() : m_kept.back().alarming; }
 
 private:
     struct Kept {
@@ -49,6 +52,8 @@ private:
         bool alarming = true;
     };
     void ForgetUnknown();
+    // What there is to say of those that nobody answered.
+    std::string Doubts() const;
     std::optional<SentOrder> TakeAnswered(OrderPlace named, std::string_view client, std::int64_t now);
 
     std::vector<SentOrder> m_waiting; // the oldest first

@@ -5,7 +5,6 @@
 #include "plugin/orderentry/DuplicateGuard.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/orderentry/RecordedOrders.h"
-#include "plugin/record/OrderRecord.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -207,6 +206,11 @@ bool OrderEntry::BringBack() {
 void OrderEntry::OnResponse(void* message) {
     if (m_session.Ended()) return;
     Dispatch<OrderEntry>(*this, m_session, kAnswers, Answer(message));
+}
+
+void OrderEntry::OnOrder(OrderPlace place) {
+    if (m_kept.OnState(place, m_session.record.Ledger()[place].State()) && m_view.IsOpen())
+        m_view.ShowPlanSoon();
 }
 
 void OrderEntry::ShowUserText(Pass pass, const Answer& answer) {

@@ -5,6 +5,7 @@
 #include "plugin/base/Lifetime.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/orderentry/OrderEntryForm.h"
+#include "plugin/record/OrderRecord.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,12 +14,17 @@
 
 namespace planfold {
 
-class OrderEntry {
+class OrderEntry final : private RecordListener {
 public:
     // `control` may be null: every sending then fails with its own text.
     OrderEntry(Session& session, OrderEntryView& view, RxControl* control)
         : m_session(session), m_view(view), m_control(control),
-          m_form(session, view, control, m_life, m_modifying, m_kept) {}
+          m_form(session, view, control, m_life, m_modifying, m_kept) {
+        m_session.record.AddListener(*this);
+    }
+    OrderEntry(const OrderEntry&) = delete;
+    OrderEntry& operator=(const OrderEntry&) = delete;
+    ~OrderEntry() { m_session.record.RemoveListener(*this); }
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts`
     // is the comma-separated list of the settings file; it counts only for holders of the right.
@@ -87,6 +93,7 @@ private:
     void HandlePlaced(const Answer& answer);
     void HandleModified(const Answer& answer);
     void ShowUserText(Pass pass, const Answer& answer);
+    void OnOrder(OrderPlace place) override;
 
     static const AnswerHandler<OrderEntry> kAnswers[];
 

@@ -28,6 +28,8 @@ public:
     virtual bool Ask(Pass pass, std::string_view question) = 0;
     // What the form says of the order in it. What alarms is drawn so; the words say it as well.
     virtual void ShowSummary(std::string_view text, bool alarms) = 0;
+    // What it says has changed; OrderEntryForm::ShowPlan is called once nothing else is under way.
+    virtual void ShowPlanSoon() = 0;
     // A clock that only goes forward.
     virtual std::int64_t Milliseconds() const = 0;
 

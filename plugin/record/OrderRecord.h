@@ -46,12 +46,12 @@ protected:
 
 // A row of the book, as far as it tells of an order.
 struct BookRow {
-    std::string_view orderId;      // empty where the server does not tell it
-    std::string_view registration; // its number
-    RecordTexts asked;             // what it is for, where it is known
-    std::string_view enteredOn;    // "2027-03-05"; empty when that is not known
-    std::string_view status;       // in the server's word
-    bool isLive = true;            // neither cancelled nor over
+    std::string_view orderId{};      // empty where the server does not tell it
+    std::string_view registration{}; // its number
+    RecordTexts asked{};             // what it is for, where it is known
+    std::string_view enteredOn{};    // "2027-03-05"; empty when that is not known
+    std::string_view status{};       // in the server's word
+    bool isLive = true;              // neither cancelled nor over
 };
 
 // "2027-03-05 14:02:03", and back; -1 for a text of another form.

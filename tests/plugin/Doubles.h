@@ -98,6 +98,7 @@ public:
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
+    void ShowPlanSoon() override {}
     void ShowSummary(std::string_view text, bool alarming) override {
         summary = text;
         alarms = alarming;

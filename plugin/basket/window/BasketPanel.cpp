@@ -48,7 +48,7 @@ bool BasketPanel::Refresh() {
     if (rejected == 0 || (!hadResults && !m_results.empty())) page = Page::results;
     if (m_results.empty()) page = Page::rejected;
     m_dialog.Item(IDC_REJECTED_PAGE).SetText(Format("Re&jected lines: %zu", rejected));
-    m_dialog.Item(IDC_RESULTS_PAGE).SetText(Format("Resu&lts: %zu", m_results.size()));
+    m_dialog.Item(IDC_RESULTS_PAGE).SetText(Format("Res&ults: %zu", m_results.size()));
     m_dialog.Item(IDC_REJECTED_PAGE).Enable(rejected > 0);
     m_dialog.Item(IDC_RESULTS_PAGE).Enable(!m_results.empty());
     if (page != m_page || Lines() != m_listed)

@@ -56,7 +56,7 @@ private:
     const Basket& m_basket;
     std::vector<BasketResult> m_results;
     Page m_page = Page::rejected;
-    std::size_t m_listed = 0; // lines in the list
+    std::size_t m_listed = 0;         // lines in the list
     std::optional<bool> m_wasShown{}; // none in a new window
     ActivateOnEnter m_enter;
     RowMenu m_menu;

@@ -27,8 +27,6 @@ constexpr PlaceKey kPlaceKeys[] = {
     {'P', kPlaceSelectedCommand}, {'U', kPlaceUnsentCommand}, {'R', kPlaceRefusedCommand}};
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kStatusTimerMs = 100;
-// How wide the status line's parts are, in letters of the font; the last takes the rest.
-constexpr int kStatusParts[] = {24, 44, 44};
 
 // The rows' share of the room that they have with the rejected lines, of a hundred; least heights in pixels at
 // 96 DPI.
@@ -129,6 +127,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     }
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
+    ShowStatus();
     m_controls.OnLaidOut();
 }
 
@@ -136,14 +135,7 @@ void CBasketUpload::LayOut(UINT dpi) {
 void CBasketUpload::Arrange() {
     const RECT client = Self().ClientRect();
     m_statusBar.Place();
-    const LONG letter = Item(IDC_SUBMIT).ClientRect().right * 4 / 70; // four units
-    std::int32_t edges[std::size(kStatusParts) + 1];
-    std::int32_t edge = 0;
-    for (std::size_t i = 0; i < std::size(kStatusParts); ++i)
-        edges[i] = edge += kStatusParts[i] * letter;
-    edges[std::size(kStatusParts)] = -1;
-    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
-
+    const LONG letter = LetterWidth();
     const LONG margin = letter * 9 / 4;
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     RECT rest{margin, m_listTop, client.right - margin, client.bottom - status - margin / 2};
@@ -332,11 +324,14 @@ void CBasketUpload::ShowWaiting(bool waiting) {
         SetCursor(m_cursor);
 }
 
+// Four units of the dialog.
+LONG CBasketUpload::LetterWidth() const {
+    return Item(IDC_SUBMIT).ClientRect().right * 4 / 70;
+}
+
 void CBasketUpload::ShowStatus() {
     if (!HasWindow()) return;
-    int part = 0;
-    for (const std::string& text : m_basket.Status())
-        m_statusBar.SetText(part++, text.c_str());
+    ShowParts(m_statusBar, m_basket.Status(), LetterWidth());
     // A row that came or went may have changed the look of another.
     const BasketRows& rows = m_basket.Rows();
     const std::pair marks(rows.StandingTwice(), rows.SentCount());

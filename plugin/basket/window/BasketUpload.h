@@ -66,6 +66,7 @@ private:
     LocalDateTime Now() const override { return LocalNow(); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
+    LONG LetterWidth() const;
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);

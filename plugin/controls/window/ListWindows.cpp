@@ -65,6 +65,17 @@ void ShowAllColumns(HWND window, HWND list) {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void ShowParts(CQVBrickBar& bar, std::span<const std::string> texts, LONG letter) {
+    std::vector<std::int32_t> edges;
+    for (const std::string& text : texts)
+        edges.push_back((edges.empty() ? 0 : edges.back())
+                        + static_cast<std::int32_t>(text.size() + 2) * letter);
+    if (!edges.empty()) edges.back() = -1;
+    bar.SetParts(edges.data(), static_cast<std::int32_t>(edges.size()));
+    for (std::size_t part = 0; part < texts.size(); ++part)
+        bar.SetText(static_cast<std::int32_t>(part), texts[part].c_str());
+}
+
 void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const MenuEntry> entries,
                    std::span<const MenuEntry> several) {
     const framework::Menu menu(CreatePopupMenu());

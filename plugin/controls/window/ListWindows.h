@@ -6,6 +6,7 @@
 #include "plugin/base/LongRun.h"
 #include "plugin/controls/Lists.h"
 #include "sdk/korvex/FilterListCtrl.h"
+#include "sdk/korvex/QVBrickBar.h"
 
 #include <windows.h>
 
@@ -22,6 +23,10 @@ bool IsOnHeadings(HWND list, LPARAM position);
 
 // Makes the window wide enough for all columns of its list and the scroll bar, as far as the screen is.
 void ShowAllColumns(HWND window, HWND list);
+
+// Shows a text in each part of the bar, which is as wide as its text; the last takes the rest. `letter` is the
+// width of one in pixels.
+void ShowParts(CQVBrickBar& bar, std::span<const std::string> texts, LONG letter);
 
 // The menu of a list's rows: the plug-in's entries, and between two separators the list's own.
 class RowMenu {

@@ -92,20 +92,13 @@ void CDayReportDlg::Arrange() {
     const RECT client = Self().ClientRect();
     m_statusBar.Place();
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
-    FitStatus();
+    ShowStatus();
     const auto [left, top] = m_listCorner;
     Item(IDC_DAY_LIST).Move({left, top, client.right - left, std::max(top, client.bottom - status - left / 2)});
 }
 
-// Each part is as wide as its text; the last takes the rest.
-void CDayReportDlg::FitStatus() {
-    const LONG letter = Item(IDC_DAY_TODAY).ClientRect().right * 4 / kButtonUnits;
-    std::array<std::int32_t, std::tuple_size_v<decltype(m_status)>> edges;
-    std::int32_t edge = 0;
-    for (std::size_t part = 0; part < edges.size(); ++part)
-        edges[part] = edge += static_cast<std::int32_t>(m_status[part].size() + 2) * letter;
-    edges.back() = -1;
-    m_statusBar.SetParts(edges.data(), static_cast<std::int32_t>(edges.size()));
+void CDayReportDlg::ShowStatus() {
+    ShowParts(m_statusBar, m_status, Item(IDC_DAY_TODAY).ClientRect().right * 4 / kButtonUnits);
 }
 
 std::optional<LRESULT> CDayReportDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -194,9 +187,7 @@ void CDayReportDlg::ShowRows(bool anew) {
         m_list.InsertFront(row, kKorvexAsked);
     m_list.EndChanges();
     m_status = m_report.Status();
-    FitStatus();
-    for (std::size_t part = 0; part < m_status.size(); ++part)
-        m_statusBar.SetText(static_cast<std::int32_t>(part), m_status[part].c_str());
+    ShowStatus();
 }
 
 void CDayReportDlg::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

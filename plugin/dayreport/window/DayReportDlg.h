@@ -47,7 +47,7 @@ private:
     bool OnKey(WPARAM key, LPARAM keyData);
     SIZE WindowSize() const;
     void Arrange();
-    void FitStatus();
+    void ShowStatus();
 
     Session& m_session;
     DayReport m_report;

@@ -62,6 +62,10 @@ void COrderEntryDlg::ShowSummary(std::string_view text, bool alarms) {
     m_summary.Tell(std::string(text), meaning);
 }
 
+void COrderEntryDlg::ShowPlanSoon() {
+    PostMessageA(Dialog::Handle(), kShowPlanLater, 0, 0);
+}
+
 void COrderEntryDlg::OnRegistrationChanged(const SipRegistration& registration) {
     m_entry.OnRegistrationChanged(registration);
     m_plannedDates.SetPlan(m_entry.Form().CurrentPlan());
@@ -124,7 +128,7 @@ bool COrderEntryDlg::OnCommand(const framework::Command& command) {
     if (command.notification == EN_CHANGE && std::ranges::find(edits, command.id) != std::end(edits))
         OnPlanChanged();
     // A combo with an edit tells a choice before the edit has it.
-    if (command.id == IDC_CLIENT_COMBO) PostMessageA(Dialog::Handle(), kShowPlanLater, 0, 0);
+    if (command.id == IDC_CLIENT_COMBO) ShowPlanSoon();
     if (command.notification == CBN_SELCHANGE) {
         if (m_entry.Form().OnChosen(command.id)) OnPlanChanged();
     }

@@ -37,6 +37,7 @@ private:
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
     void ShowSummary(std::string_view text, bool alarms) override;
+    void ShowPlanSoon() override;
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
     void OnInit() override;
     void OnLaidOut() override;

@@ -1,0 +1,200 @@
+// Orders of which no answer tells: how long they wait, what the book tells of them, and what the dealer is
+// told.
+#include "tests/plugin/BasketStage.h"
+
+#include "plugin/doubts/Doubts.h"
+#include "plugin/orderentry/DuplicateGuard.h"
+
+namespace planfold::test {
+namespace {
+
+struct DoubtsDouble final : DoubtsView {
+    void ShowMessage(Pass, std::string_view text) override { texts.emplace_back(text); }
+    bool MayAsk() override { return true; }
+    Choice Choose(Pass, std::string_view question) override {
+        texts.emplace_back(question);
+        return choice;
+    }
+    bool Ask(Pass, std::string_view question) override {
+        texts.emplace_back(question);
+        return true;
+    }
+    void ShowOrdersOfDay(Pass) override {}
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) override {
+        return takeBack(pass, orders);
+    }
+    Texts texts;
+    Choice choice = Choice::yes;
+    std::function<std::size_t(Pass, std::span<const OrderPlace>)> takeBack;
+};
+
+class DoubtsTest : public BasketStage {
+protected:
+    // A basket of one row for each client, placed under identifiers of their own.
+    void Place(const std::string& clients) {
+        session.host.pu_get_uuid = [](OutString identifier) {
+            static int given = 0;
+            *identifier = "ID" + std::to_string(++given);
+            return 1;
+        };
+        std::string lines;
+        for (const char client : clients)
+            lines += Line(std::string("C") + client);
+        Load(lines);
+        basket.Runs().Place();
+        Run();
+        Sent();
+    }
+    std::string States(const Basket& of) const {
+        std::string text;
+        for (const RecordId record : view.list.rows)
+            text.append(of.StateText(record)).push_back('|');
+        return text;
+    }
+    std::string IdOf(OrderPlace place) {
+        return std::string(session.record.Ledger()[place].Text(RecordField::orderId));
+    }
+    void Later(int seconds) { host.recordTime.second += seconds; }
+    void Tick(Doubts& doubts, int seconds) {
+        Later(seconds);
+        doubts.OnPick();
+        doubts.OnTime();
+    }
+    // The book's answer: the orders at these places under their numbers, and its end.
+    void Book(Doubts& doubts, std::initializer_list<OrderPlace> places) {
+        for (const OrderPlace place : places)
+            doubts.OnResponse(Received("echoedRequest=om_get_sip_orders queriedRow=1 sipStatus=active orderId="
+                                       + IdOf(place) + " registrationNumber=SIP" + std::to_string(place))
+                                  .Message());
+        doubts.OnResponse(Received("echoedRequest=om_get_sip_orders").Message());
+    }
+    DoubtsDouble told;
+};
+
+TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers) {
+    Open();
+    Place("12");
+    Later(29);
+    session.record.OnTime();
+    EXPECT_EQ(States(basket), "Sent|Sent|");
+    Answer("echoedRequest=add_sip_orders echoedNumber=2 userText=ok registrationNumber=SIP9");
+    Later(1);
+    session.record.OnTime();
+    EXPECT_EQ(States(basket), "Registered SIP9|In doubt: sent at 15:30, no answer|");
+    EXPECT_EQ(basket.Status()[3], "Sent 2: 1 registered, 0 refused, 1 in doubt");
+
+    // A late answer ends the doubt.
+    Answer("echoedRequest=add_sip_orders echoedNumber=1 errorCode=7 userText=no");
+    EXPECT_EQ(States(basket), "Registered SIP9|Refused: no (code 7).|");
+    ASSERT_EQ(basket.Results().size(), 1u);
+
+    // Of an answer before the time, a single one and a broken one nothing follows.
+    host.recordTime.second = 0;
+    Place("345");
+    Doubts doubts(session, told, [this] { return &control; });
+    told.takeBack = [&](Pass pass, std::span<const OrderPlace> orders) {
+        return basket.TakeBack(pass, orders);
+    };
+    session.record.OnSessionEnd();
+    Tick(doubts, 20);
+    doubts.Compare();
+    Tick(doubts, 5);
+    EXPECT_EQ(host.requests, Texts{}) << "an order may still be on its way";
+    Tick(doubts, 5);
+    EXPECT_EQ(host.requests, Texts{"om_get_sip_orders loginId=DEALER1"});
+    Book(doubts, {2});
+    EXPECT_EQ(session.record.Ledger().Count(OrderState::inDoubt), 2u) << "found at once, but not absent";
+    doubts.OnResponse(Received("echoedRequest=om_get_sip_orders errorCode=1").Message());
+    Tick(doubts, 1);
+    EXPECT_EQ(Taken(told.texts), Texts{"Compared with the book: 1 found, 0 not there, 2 still in doubt.\n"
+                                       "The server refused to list the registrations."});
+    doubts.Compare();
+    Tick(doubts, 1);
+    Book(doubts, {});
+    Tick(doubts, 1);
+    Book(doubts, {3});
+    Tick(doubts, 1);
+    EXPECT_EQ(Taken(told.texts), Texts{"Compared with the book: 1 found, 1 not there, 0 still in doubt.\n\n"
+                                       "Take 1 order that the book does not have into the basket, to be placed "
+                                       "again?"});
+    EXPECT_EQ(States(basket), "Registered SIP2|Registered SIP3|Not in the book|");
+
+    // It is the same order when it is placed again, and told when it turns up twice.
+    host.requests.clear();
+    basket.Runs().Place(BasketRuns::Placed::unsent);
+    Run();
+    ASSERT_EQ(host.requests.size(), 1u);
+    EXPECT_NE(host.requests[0].find(" orderId=" + IdOf(4) + " "), std::string::npos) << host.requests[0];
+    session.record.OnRow({.orderId = IdOf(4), .registration = "SIP4"});
+    for (int row = 0; row < 2; ++row)
+        session.record.OnRow({.orderId = IdOf(4), .registration = "SIP5"});
+    Tick(doubts, 1);
+    Tick(doubts, 1);
+    EXPECT_EQ(Taken(told.texts),
+              Texts{"Registered twice: SIP4 and SIP5, for C3 ARBORTEX-EQ monthly.\n\nCancel SIP5?"});
+    EXPECT_TRUE(host.requests.back().starts_with("cancel_sip_order registrationNumber=SIP5 "));
+}
+
+TEST_F(DoubtsTest, TheNextSessionIsToldOnceAndKnowsTheFileAgain) {
+    Open();
+    view.files["b300.csv"] = Line("C1") + Line("C2") + Line("C3");
+    Place("123");
+    Answer("echoedRequest=add_sip_orders echoedNumber=1 userText=ok registrationNumber=SIP9");
+    // A crash: nothing more is written. The day after, and with what another terminal adds meanwhile.
+    OrderRecord next(host.recordFiles, [this] { return host.recordTime; });
+    Session another([](const char*) { return nullptr; }, {host.loginId, host.peerA, host.peerB, host.active},
+                    host.strings, next);
+    Doubts doubts(another, told, [this] { return &control; });
+    told.choice = Choice::cancel;
+    Tick(doubts, 10);
+    EXPECT_EQ(told.texts, Texts{}) << "the other terminal may still get its answer";
+    Answer("echoedRequest=add_sip_orders echoedNumber=2 userText=ok registrationNumber=SIP8");
+    Tick(doubts, 19);
+    Tick(doubts, 1);
+    Tick(doubts, 1);
+    ASSERT_EQ(told.texts.size(), 1u);
+    EXPECT_TRUE(told.texts[0].starts_with("1 order of basket.csv, sent at 15:30, has no answer.\n"))
+        << told.texts[0];
+    EXPECT_EQ(next.Ledger().Count(OrderState::done), 2u);
+
+    // By what it is where the server tells no identifier, and never one that was registered before it was sent.
+    RecordTexts asked = next.Ledger()[0].Texts();
+    asked[RecordField::registration] = {};
+    for (const auto& [row, state] :
+         {std::pair(BookRow{.registration = "SIP8", .asked = asked, .enteredOn = "2027-01-31"},
+                    OrderState::inDoubt),
+          {{.registration = "SIP1", .asked = asked, .enteredOn = "2027-01-30"}, OrderState::inDoubt},
+          {{.registration = "SIP7", .asked = asked, .enteredOn = "2027-01-31"}, OrderState::done}}) {
+        BookRow other = row;
+        if (row.registration == "SIP8") other.asked[RecordField::account] = "C2";
+        next.OnRow(other);
+        EXPECT_EQ(next.Ledger()[0].State(), state) << row.registration;
+    }
+}
+
+TEST_F(DoubtsTest, OrdersLikeOthersAreAskedAboutUnlessTheHostKeepsNoRecord) {
+    Open();
+    Place("1");
+    struct Book final : LiveRegistrations {
+        void EachLive(const std::function<void(const BookRow&)>& each) const override { each(row); }
+        BookRow row{.registration = "SIP6"};
+    } book;
+    StartDates dates;
+    Load(Line("C1") + Line("C2") + Line("C3") + Line("C3"));
+    book.row.asked = AskedForBy(basket.Rows()[view.list.rows[2]].Texts(), dates);
+    session.book = &book;
+    view.choice = Choice::no;
+    Taken(view.questions);
+    basket.Runs().Place(BasketRuns::Placed::unsent);
+    EXPECT_EQ(view.questions[0], "1 like a registration in the book: C2 ARBORTEX-EQ monthly, SIP6\n"
+                                 "1 like another of these orders: C3 ARBORTEX-EQ monthly\n\nYes: place all 3.\n"
+                                 "No: place only the other 1.\nCancel: place none.");
+    EXPECT_EQ(Sent(), "C3");
+    host.recordFiles.hasFolder = false;
+    DuplicateGuard guard(session);
+    EXPECT_FALSE(guard.IsLike(AskedForBy(basket.Rows()[view.list.rows[3]].Texts(), dates)));
+    session.book = nullptr;
+}
+
+} // namespace
+} // namespace planfold::test
