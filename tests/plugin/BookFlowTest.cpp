@@ -9,40 +9,21 @@
 namespace planfold::test {
 namespace {
 
-// Sends requests as another terminal would.
-class Terminal final : public CKeloRxNotifierBase {
-public:
-    Terminal(vesk::Server& server, vesk::ServerCommands& commands, const vesk::UserIdentity& user)
-        : m_user(user), m_client(std::make_unique<vesk::SessionChannel>(server, commands), user),
-          m_control(m_client.Get(kRxRequests, this)) {}
-
-    void Send(const Fields& fields) {
-        const Received request(fields);
-        std::uint64_t number = 0;
-        QmxError error{};
-        m_control->SendRequest(&number, request.Message(), 0, &error);
-        m_client.Pump(m_now += 1000);
-    }
+// Another terminal at the server, without a plug-in.
+struct Terminal {
+    void Send(const Fields& fields) { server.Handle(Received(fields).Message(), user); }
     // The number of the order.
-    std::string Place(const vesk::Server& server, const char* account) {
+    std::string Place(const char* account) {
         Fields order = Order("startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay)
-                             + " loginId=" + m_user.loginId + " account=" + account
-                             + " peerIdA=" + m_user.peerIdA + " peerIdB=" + m_user.peerIdB);
-        order.push_back({tag::orderId, {"id" + std::to_string(++m_orders) + m_user.loginId}});
+                             + " loginId=" + user.loginId + " account=" + account + " peerIdA=" + user.peerIdA
+                             + " peerIdB=" + user.peerIdB);
         order.push_back({tag::orderSource, {"TWS"}});
         Send(order);
         return std::string(server.Registrations().back().Number());
     }
 
-    void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
-    void OnResponse(void*, void*, void*) noexcept override {}
-
-private:
-    vesk::UserIdentity m_user;
-    vesk::RxClient m_client;
-    RxControl* m_control;
-    std::int64_t m_now = 0;
-    int m_orders = 0;
+    vesk::Server& server;
+    vesk::UserIdentity user;
 };
 
 class BookFlowTest : public ::testing::Test, public FlowStage {
@@ -64,20 +45,19 @@ protected:
                    view,
                    {rxClient.Get(kRxRequests, &line), rxClient.Get(kRxIdentityStream, &line),
                     rxClient.Get(kRxAccountStream, &line)}};
-    Terminal own{server, commands, {"DEALER1", "BROKER", "BRANCH"}};
-    Terminal colleague{server, commands, {"DEALER2", "BROKER", "BRANCH"}};
-    Terminal stranger{server, commands, {"DEALER9", "ELSEWHERE", "FAR"}};
+    Terminal own{server, {"DEALER1", "BROKER", "BRANCH"}}, colleague{server, {"DEALER2", "BROKER", "BRANCH"}},
+        stranger{server, {"DEALER9", "ELSEWHERE", "FAR"}};
 };
 
 TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
     session.m_nLoginMode = 1;
-    const std::string before = own.Place(server, "C001");
+    const std::string before = own.Place("C001");
     Open();
     EXPECT_EQ(Lists(), before + "|");
     EXPECT_EQ(session.m_nSipOperationMode, 1);
-    const std::string after = own.Place(server, "C002");
-    const std::string theirs = colleague.Place(server, "C001");
-    stranger.Place(server, "C003");
+    const std::string after = own.Place("C002");
+    const std::string theirs = colleague.Place("C001");
+    stranger.Place("C003");
     Pump();
     EXPECT_EQ(Lists(), theirs + " " + after + " " + before + "|");
     const std::pair<OrderField, const char*> cells[] = {
@@ -123,8 +103,8 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
 
 TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     session.m_nLoginMode = 1;
-    const std::string first = own.Place(server, "C001");
-    const std::string second = own.Place(server, "C002");
+    const std::string first = own.Place("C001");
+    const std::string second = own.Place("C002");
     Open();
     view.reason = "wish";
     Select(first);
@@ -182,7 +162,7 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         // Cancelled ones come by the history, new ones by the stream.
         std::vector<std::string> cancelled;
         for (const auto& [name, terminal] : terminals) {
-            cancelled.push_back(terminal->Place(server, "C001"));
+            cancelled.push_back(terminal->Place("C001"));
             terminal->Send("requestName=cancel_sip_order registrationNumber=" + cancelled.back()
                            + " echoedNumber=" + cancelled.back() + " orderId=" + cancelled.back()
                            + " userText=x");
@@ -200,7 +180,7 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         std::string heard, history;
         for (std::size_t i = 0; i < std::size(terminals); ++i) {
             if (fresh.Records().Find(cancelled[i]) != kNoRecord) history += terminals[i].first;
-            const std::string number = terminals[i].second->Place(server, "C002");
+            const std::string number = terminals[i].second->Place("C002");
             Pump();
             if (fresh.Records().Find(number) != kNoRecord) heard += terminals[i].first;
         }
@@ -220,7 +200,7 @@ TEST_F(BookFlowTest, AFullServerFillsTheBookOnce) {
     Open();
     std::size_t count = 0;
     for (const vesk::Registration& registration : server.Registrations()) {
-        const bool mine = registration.Text(31003) == "DEALER1";
+        const bool mine = registration.Text(tag::loginId) == "DEALER1";
         count += mine;
         EXPECT_EQ(book.Records().Find(registration.Number()) != kNoRecord, mine);
     }
