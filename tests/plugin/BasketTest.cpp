@@ -77,11 +77,6 @@ std::string Line(const Changes& changes, std::size_t commas = 19) {
 Changes Shares(const std::string& text) {
     return {{18, "qty"}, {8, text}};
 }
-std::string Exported(const sBasketOrderData& row) {
-    std::string text;
-    AppendBasketLine(row, text);
-    return text;
-}
 
 // "box" and "log" begin texts that come before the report; any other text is the reason in it.
 void ExpectTold(const Recorder& recorder, const std::string& line, const Texts& outcome) {
@@ -305,6 +300,8 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         ASSERT_EQ(recorder.rows.size(), 1u) << each.text;
         EXPECT_EQ(recorder.rows[0].Text(each.field), each.text);
     }
+    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
+    EXPECT_EQ(marked.rows[0].Text(Field::account), "\xEF\xBB\xBF") << "a client, not the mark of a file";
     EXPECT_EQ(Recorder(Line({}), kMonths).rows[0].Text(Field::startDate),
               std::to_string(ToSeconds({2027, 3, 5, 0, 0, 0})));
 }
@@ -335,34 +332,6 @@ TEST(BasketReader, NumbersLinesAndReportsThemLetterByLetter) {
     EXPECT_EQ(Recorder(Line(known) + '\n' + Line(other), kMonths).numbers, std::vector{2});
     // A line told by a box alone leaves no reason to show at the end.
     EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
-}
-
-TEST(BasketReader, TakesBackWhatIsExportedInReverse) {
-    std::string text;
-    for (const char* date : {"05-Mar-27", "6/3/2027", "31/Dec/2027"})
-        for (const char* side : {"B", "S"})
-            for (const char* frequency : {"daily", "weekly", "monthly", "yearly"})
-                for (const Changes& shape :
-                     {Changes{{7, "99999.5"}}, Changes{{4, "77"}, {5, "FINE-EQ"}, {7, "00123"}},
-                      Changes{{18, "qty"}, {8, "0012"}, {7, "any"}},
-                      Changes{{6, "MIS"}, {0, " \xe9 "}, {2, ""}}}) {
-                    Changes changes = shape;
-                    changes.insert(changes.end(), {{11, date}, {14, side}, {9, frequency}});
-                    text += Line(changes, 19 + changes.size() % 2) + (side[0] == 'B' ? "\n" : "\r\n");
-                }
-    const Recorder first(text, kMonths);
-    ASSERT_EQ(first.rows.size(), 96u);
-    std::string exported, again;
-    for (const sBasketOrderData& row : first.rows | std::views::reverse)
-        exported += Exported(row);
-    const Recorder second(exported, kMonths);
-    EXPECT_EQ(second.told, Texts{});
-    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
-    EXPECT_EQ(marked.rows[0].Text(Field::account), "\xEF\xBB\xBF");
-    for (const sBasketOrderData& row : second.rows)
-        again += Exported(row);
-    EXPECT_EQ(again, exported);
-    EXPECT_EQ(exported.substr(exported.rfind('\n', exported.size() - 2) + 1), Exported(first.rows.front()));
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "plugin/history/OrderHistory.h"
 #include "plugin/history/HistoryChart.h"
 #include "tests/plugin/Doubles.h"
-#include "tests/support/TagNames.h"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +13,6 @@ namespace planfold::test {
 namespace {
 
 using Word = std::string;
-
-// "registrationNumber=S1 orderNumber=O1"
-Fields Parsed(const std::string& text) {
-    Fields fields;
-    std::istringstream words(text);
-    for (Word word; words >> word;)
-        fields.push_back({TagNamed(word.substr(0, word.find('='))), {word.substr(word.find('=') + 1)}});
-    return fields;
-}
 
 // The order history without its window, played by words:
 //   ?A asks for A's orders    A1 is an order of A, A1* one whose trades are to come, A1=200 a trade at 2.00
@@ -66,12 +56,12 @@ public:
         }
         const bool trade = word.back() == 't' || word.find('=') != word.npos;
         const Word row = "registrationNumber=" + word.substr(0, 1) + " orderNumber=" + word.substr(1, 1);
-        Fields fields = Parsed(word[0] == '.'   ? "errorCode="
-                               : word[0] == '!' ? "errorCode=7%s"
-                               : word[0] == '-' ? "noRowText=50%s"
-                               : trade ? row + " fillDetailA=9:15 fillDetailB=May tradedPrice=" + word.substr(3)
-                               : word.back() == '*' ? row + " tradedQuantity=5"
-                                                    : row);
+        Fields fields = (word[0] == '.'   ? "errorCode="
+                         : word[0] == '!' ? "errorCode=7%s"
+                         : word[0] == '-' ? "noRowText=50%s"
+                         : trade ? row + " fillDetailA=9:15 fillDetailB=May tradedPrice=" + word.substr(3)
+                         : word.back() == '*' ? row + " tradedQuantity=5"
+                                              : row);
         fields.push_back({tag::echoedRequest, {trade ? "qry_eq_sip_trades" : "qry_eq_sip_orders"}});
         const Received received(fields);
         if (const auto action = std::exchange(before, nullptr)) action();
@@ -126,7 +116,7 @@ TEST_F(OrderHistoryTest, MessagesBecomeRecords) {
         HistoryField::tradedQuantity, HistoryField::fillDetailA,   HistoryField::fillDetailB};
     for (const Row& row : rows) {
         session.host.pu_get_scrip_details_from_TradSymbol = row.details;
-        const Received received(Parsed(always + row.fields));
+        const Received received(always + row.fields);
         sOrderHistory record =
             ReadHistoryOrder(received.Message(), AskPriceDivisor(kPass, session, received.Message()));
         sOrderHistory whole = record;
