@@ -6,7 +6,6 @@
 #include "plugin/orderentry/OrderEntry.h"
 #include "tests/support/FakeHost.h"
 
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -127,10 +126,6 @@ struct Stage {
     Session session{host.Lookup(), host.IdentityStrings(), host.strings, host.record};
 };
 
-// What is told when a field of add_sip_orders cannot be added, in the order of the fields: those up to the
-// branch, which all such orders have, and `rest`.
-std::vector<const char*> AddFailures(std::initializer_list<const char*> rest);
-
 // Lets the n-th call (from 1) of a connection library function fail while it lives.
 class FailQmxCall {
 public:
@@ -140,24 +135,6 @@ public:
     FailQmxCall(const FailQmxCall&) = delete;
     FailQmxCall& operator=(const FailQmxCall&) = delete;
     ~FailQmxCall();
-};
-
-// Opening handles anew leaves the old ones open; a test that does so closes them with this.
-class EarlierHandles {
-public:
-    explicit EarlierHandles(const Session& session)
-        : m_primeCb(session.m_primeCb), m_scratch(session.m_scratch) {}
-    EarlierHandles(const EarlierHandles&) = delete;
-    EarlierHandles& operator=(const EarlierHandles&) = delete;
-    ~EarlierHandles() {
-        QmxError error{};
-        qmx_dtor_primecb(&m_primeCb, &error);
-        qmx_close_scratch(&m_scratch, &error);
-    }
-
-private:
-    void* m_primeCb;
-    void* m_scratch;
 };
 
 } // namespace planfold::test
