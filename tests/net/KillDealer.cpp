@@ -72,19 +72,16 @@ private:
         SayLine({"p", held.id});
         const std::chrono::sys_days today = DateOf(m_date);
         const std::int64_t start = today.time_since_epoch().count() + static_cast<std::int64_t>(Below(4));
-        m_terminal.Send(Order({{tag::loginId, m_login},
-                               {tag::orderId, held.id},
-                               {tag::echoedNumber, held.id},
-                               {tag::frequency, "daily"},
-                               {tag::totalPeriod, held.periods},
-                               {tag::startDate, std::to_string(start * kDaySeconds + kDaySeconds / 2)}}));
+        m_terminal.Send(Order("loginId=" + m_login + " orderId=" + held.id + " echoedNumber=" + held.id
+                              + " frequency=daily totalPeriod=" + held.periods
+                              + " startDate=" + std::to_string(start * kDaySeconds + kDaySeconds / 2)));
         m_placing.emplace(held.id, std::move(held));
     }
 
     void Change(const std::string& number) {
         m_changing = number;
         m_changed = m_held[number];
-        Fields request{{tag::registrationNumber, number}};
+        Fields request = "registrationNumber=" + number;
         const std::size_t kind = Below(10);
         if (kind == 0) {
             m_changed.status = "cancelled";
@@ -106,7 +103,7 @@ private:
 
     void Look(const std::string& number) {
         m_looking = number;
-        m_terminal.Send({{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, number}});
+        m_terminal.Send("qry_eq_sip_orders registrationNumber=" + number);
     }
 
     void OnAnswer(void* message) {

@@ -156,8 +156,7 @@ std::string Verdict::Next(const std::string& number) const {
 const std::map<std::string, sys_days>& Verdict::DaysOf(const std::string& number) {
     const auto [place, isNew] = m_days.emplace(number, std::map<std::string, sys_days>{});
     if (!isNew) return place->second;
-    const std::string request =
-        Message({{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, number}});
+    const std::string request = Message("qry_eq_sip_orders registrationNumber=" + number);
     const qmx::MessageReader reader(request);
     const std::string user(Found(number).Text(tag::loginId));
     Reply reply = m_server.Handle(reader.Handle(), {user, "BROKER", ""});

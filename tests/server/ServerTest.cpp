@@ -6,11 +6,11 @@
 namespace vesk {
 namespace {
 
-const Fields kAskMode{{tag::requestName, "get_sip_operation_mode"}};
+const Fields kAskMode = "get_sip_operation_mode";
 using Answers = std::vector<std::string>;
 const char* const kRegistered =
-    "32767=add_sip_orders 20008=SIP registered. Registration No : SIP2603020000001 54001=CL1"
-    " 64804=SIP2603020000001";
+    "echoedRequest=add_sip_orders userText=SIP registered. Registration No : SIP2603020000001 account=CL1"
+    " registrationNumber=SIP2603020000001";
 
 TEST(Server, OperationModeIsAnsweredInEveryShape) {
     const TemporaryFolder folder;
@@ -19,10 +19,14 @@ TEST(Server, OperationModeIsAnsweredInEveryShape) {
         OperationModeShape shape;
         const char* answer;
     } rows[] = {
-        {{{"monthly", 6}, {"yearly", 2}}, OperationModeShape::list, " 10012=monthly|yearly 54101=6|2"},
-        {{{"monthly", 6}, {"yearly", {}}}, OperationModeShape::list, " 10012=monthly|yearly 54101=6"},
-        {{}, OperationModeShape::list, " 10012=0"},
-        {{{"daily", 3}}, OperationModeShape::listThenZero, " 10012=daily|0 54101=3"},
+        {{{"monthly", 6}, {"yearly", 2}},
+         OperationModeShape::list,
+         " frequency=monthly|yearly minimumPeriods=6|2"},
+        {{{"monthly", 6}, {"yearly", {}}},
+         OperationModeShape::list,
+         " frequency=monthly|yearly minimumPeriods=6"},
+        {{}, OperationModeShape::list, " frequency=0"},
+        {{{"daily", 3}}, OperationModeShape::listThenZero, " frequency=daily|0 minimumPeriods=3"},
         {{{"daily", 3}}, OperationModeShape::bare, ""},
     };
     for (const auto& row : rows) {
@@ -30,7 +34,8 @@ TEST(Server, OperationModeIsAnsweredInEveryShape) {
         config.frequencies = row.frequencies;
         config.operationModeShape = row.shape;
         RunningServer running(folder.File("journal"), config);
-        EXPECT_EQ(running.Ask(kAskMode), Answers{"32767=get_sip_operation_mode" + std::string(row.answer)});
+        EXPECT_EQ(running.Ask(kAskMode),
+                  Answers{"echoedRequest=get_sip_operation_mode" + std::string(row.answer)});
     }
 }
 
@@ -40,7 +45,7 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     std::string record;
     {
         RunningServer running(path);
-        EXPECT_EQ(running.Ask(Order({{tag::cautionaryFlag, "Y"}})), Answers{kRegistered});
+        EXPECT_EQ(running.Ask(Order("cautionaryFlag=Y")), Answers{kRegistered});
         EXPECT_EQ(running.server->Registrations()[0].Text(tag::cautionaryFlag), "Y");
         record = running.server->Find("SIP2603020000001")->Json();
         EXPECT_EQ(FileText(path), JournalLine(record));
@@ -51,31 +56,31 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     // Sent again after the restart it is the same order; another one goes on counting.
     EXPECT_EQ(again.Ask(Order()), Answers{kRegistered});
     EXPECT_EQ(again.server->Registrations().size(), 1u);
-    again.Ask(Order({{tag::orderId, "id-2"}}));
+    again.Ask(Order("orderId=id-2"));
     EXPECT_TRUE(again.server->Find("SIP2603020000002"));
     // Without an order id each is an order of its own.
-    again.Ask(Order({{tag::orderId, ""}}));
-    again.Ask(Order({{tag::orderId, ""}}));
+    again.Ask(Order("orderId="));
+    again.Ask(Order("orderId="));
     EXPECT_EQ(again.server->Registrations().size(), 4u);
     // Another user's request is another one, whatever order id it has.
     again.user.loginId = "USER2";
     for (int i = 0; i < 2; ++i)
-        again.Ask(Order({{tag::loginId, "USER2"}}));
+        again.Ask(Order("loginId=USER2"));
     EXPECT_EQ(again.server->Registrations().size(), 5u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameOrderId) {
     const TemporaryFolder folder;
     RunningServer running(folder.File("journal"));
-    EXPECT_EQ(running.Ask(Order({{tag::side, "X"}})),
-              Answers{"32767=add_sip_orders 32766=102 20008=The side cannot be \"X\""});
+    EXPECT_EQ(running.Ask(Order("side=X")),
+              Answers{"echoedRequest=add_sip_orders errorCode=102 userText=The side cannot be \"X\""});
     running.server->SetClients([](std::string_view account) { return account == "CL1"; });
-    EXPECT_EQ(running.Ask(Order({{tag::account, "CL2"}})),
-              Answers{"32767=add_sip_orders 32766=109 20008=There is no client CL2"});
-    EXPECT_EQ(running.Ask({{tag::requestName, "who_knows"}}),
-              Answers{"32767=who_knows 32766=100 20008=The server does not know this request"});
+    EXPECT_EQ(running.Ask(Order("account=CL2")),
+              Answers{"echoedRequest=add_sip_orders errorCode=109 userText=There is no client CL2"});
+    EXPECT_EQ(running.Ask("who_knows"),
+              Answers{"echoedRequest=who_knows errorCode=100 userText=The server does not know this request"});
     EXPECT_EQ(running.Ask({{1, "no name"}}),
-              Answers{"32767= 32766=100 20008=The server does not know this request"});
+              Answers{"echoedRequest= errorCode=100 userText=The server does not know this request"});
     EXPECT_EQ(FileText(folder.File("journal")), "");
     EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
 }
@@ -91,8 +96,8 @@ TEST(Server, RecordOfAnotherKindStopsItFromServing) {
         WriteFileText(folder.File("journal"), JournalLine(content));
         RunningServer running(folder.File("journal"));
         EXPECT_EQ(running.server->ReplayError(), "journal record 1 is not one this server knows") << content;
-        EXPECT_EQ(running.Ask(kAskMode),
-                  Answers{"32767=get_sip_operation_mode 32766=106 20008=" + running.server->ReplayError()});
+        EXPECT_EQ(running.Ask(kAskMode), Answers{"echoedRequest=get_sip_operation_mode errorCode=106 userText="
+                                                 + running.server->ReplayError()});
     }
 }
 
