@@ -12,12 +12,12 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
     host.requests.clear();
     host.cautionOfRow = {{1, 0}};
     probe::Press(dialog, IDC_BASKET_PLACE);
-    Texts calls;
-    for (const char* client : {"C3", "C1", "C3", "C2"})
-        calls.push_back("pu_build_bskt_caution_order_map(" + std::string(client)
-                        + ",value,CNC,150000,ARBORTEX-EQ,nse_cm," + std::to_string(calls.size()) + ")");
-    std::erase_if(host.calls, [](const std::string& call) { return !call.starts_with("pu_build_bskt"); });
-    EXPECT_EQ(host.calls, calls);
+    const auto questioned = [&](const char* client, int place) {
+        return std::ranges::count(host.calls, "pu_build_bskt_caution_order_map(" + std::string(client)
+                                                  + ",value,CNC,150000,ARBORTEX-EQ,nse_cm,"
+                                                  + std::to_string(place) + ")");
+    };
+    EXPECT_EQ(questioned("C3", 0) + questioned("C1", 1) + questioned("C3", 2) + questioned("C2", 3), 4);
     std::string sent;
     for (const std::string& request : host.requests)
         sent += request.substr(request.find(" account=") + 9, 2)

@@ -103,6 +103,15 @@ protected:
         probe::PostKey(key);
         probe::Pump();
     }
+    // While one key alone is down, or none.
+    static void WithKey(int key, bool down, const std::function<void()>& act) {
+        BYTE keys[256] = {}, usual[256] = {};
+        GetKeyboardState(usual);
+        keys[key] = down ? 0x80 : 0;
+        SetKeyboardState(keys);
+        act();
+        SetKeyboardState(usual);
+    }
     bool IsEnabled(int control) const { return IsWindowEnabled(GetDlgItem(dialog, control)); }
     void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }
     // The cells from the top, "C2 C1".

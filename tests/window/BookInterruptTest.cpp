@@ -75,12 +75,6 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
         EXPECT_EQ(boxes.Texts(), row.sent ? "You have selected 3 Orders to Cancel. Proceed?|" : "");
         EXPECT_TRUE(!row.sent || GetFocus() == registered) << "the dealer goes on by keyboard";
     }
-    boxes.toQuestions = IDNO;
-    Select(registered, {"SIP3"});
-    host.requests.clear();
-    Command(book::kCancel);
-    EXPECT_EQ(boxes.Texts(), "Do you want to cancel Order No: SIP3 |");
-    EXPECT_TRUE(host.requests.empty());
 }
 
 // Nothing is left, and nothing is sent any more.

@@ -32,14 +32,10 @@ protected:
         probe::PostKey(key);
         return probe::PumpUntil([&] { return List() != nullptr; });
     }
-    HWND dialog = nullptr;
-    HWND box = nullptr;
+    HWND dialog = nullptr, box = nullptr;
 };
 
 TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
-    EXPECT_TRUE(probe::IsShown(dialog, IDC_CLIENT_SEARCH));
-    EXPECT_TRUE(probe::IsShown(dialog, IDC_CLIENT_SEARCH_MODE));
-    EXPECT_FALSE(probe::IsShown(dialog, IDC_CLIENT_COMBO));
     EXPECT_EQ(host.settings["Client_Search/Planfold Order Entry"], "1");
     Type("client");
     EXPECT_EQ(host.CallsOf("pu_get_entered_text_results"), 0) << "not with every letter";
@@ -49,8 +45,6 @@ TEST_F(ClientSearchWindow, SearchesAfterTheDelayAndListsBothTexts) {
     HWND list = List();
     EXPECT_EQ(Rows(list), 2);
     EXPECT_EQ(Cell(list, 1, 0) + "|" + Cell(list, 1, 1), "C002|Second Client");
-    EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0), 100);
-    EXPECT_EQ(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0), 150);
     EXPECT_EQ(probe::SizeOf(GetParent(list)).cx, 500);
     EXPECT_EQ(probe::SizeOf(GetParent(list)).cy, 2 * 20 + 50);
     EXPECT_EQ(GetFocus(), box) << "the typing goes on";
@@ -124,13 +118,6 @@ TEST_F(ClientSearchWindow, TheModeGoesToTheHostAndIsKept) {
 
 class ValueEdit : public PluginTest {
 protected:
-    void SetUp() override {
-        PluginTest::SetUp();
-        dialog = OpenOrderEntry();
-        value = GetDlgItem(dialog, IDC_VALUE);
-        SetFocus(value);
-    }
-
     void Type(char character) const {
         PostMessageA(value, WM_CHAR, static_cast<WPARAM>(character), 1);
         probe::Pump();
@@ -153,11 +140,13 @@ protected:
         return {};
     }
 
-    HWND dialog = nullptr;
-    HWND value = nullptr;
+    HWND dialog = nullptr, value = nullptr;
 };
 
 TEST_F(ValueEdit, RefusesALetterWithABalloonThatTheNextDigitTakesAway) {
+    dialog = OpenOrderEntry();
+    value = GetDlgItem(dialog, IDC_VALUE);
+    SetFocus(value);
     Type('1');
     EXPECT_EQ(Balloon(), "");
     for (const char refused : {'x', '-', ','}) {
