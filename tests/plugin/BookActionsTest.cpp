@@ -62,7 +62,7 @@ TEST_F(BookActionsTest, CancelAsksOnceAndSendsEveryRowWithTheSameReason) {
     EXPECT_EQ(view.reasonsAsked, 1) << "No ends it";
     view.yes = true;
     view.reason.clear();
-    host.uuid.clear(); // the host gives no identifier: the field is left out
+    session.host = {}; // no optional callback at all
     actions.Cancel();
     EXPECT_EQ(Taken(host.requests), Texts{"cancel_sip_order registrationNumber=SIP1 echoedNumber=SIP1 "
                                           "userText=  cancelledBy=DEALER1 orderSource= "});

@@ -2,7 +2,9 @@
 // of the connection library, and a session over all of it.
 #pragma once
 
+#include "plugin/controls/ClientSearch.h"
 #include "plugin/controls/DialogView.h"
+#include "plugin/history/OrderHistory.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "tests/support/FakeHost.h"
 
@@ -88,6 +90,48 @@ public:
     bool closed = false;
 };
 using DialogDouble = DialogDoubleOf<DialogView>;
+
+// A client search without its box and list.
+class SearchDouble : public ClientSearchView {
+public:
+    bool HasBox() const override { return true; }
+    std::string SearchText() const override { return text; }
+    void SetSearchText(std::string_view value) override { text = value; }
+    void SelectSearchText() override { textSelected = true; }
+    void SetTip(std::string_view value) override { tip = value; }
+    void ShowResults(int count, int row) override {
+        rows = count;
+        selected = row;
+    }
+    void SelectResult(int row) override { selected = row; }
+    void HideResults() override { rows = 0; }
+    void StartDelay() override { delayed = true; }
+    void StopDelay() override { delayed = false; }
+    void TellPicked(const ClientResult& result) override { picked = result.clientId; }
+
+    std::string text, tip, picked;
+    int rows = 0, selected = -1; // rows of the list; 0 while it is hidden
+    bool delayed = false, textSelected = false;
+};
+
+class HistoryDouble : public HistoryView {
+public:
+    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
+    void OnRecordChanged() override {}
+    void ListRecords() override {
+        ++listings;
+        focused = !history || history->Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
+    }
+    std::optional<std::size_t> FocusedRecord() const override { return focused; }
+    void ShowDetails(const HistoryDetails&) override {}
+    void Show(bool on) override { shown = on; }
+
+    const OrderHistory* history = nullptr; // the first of whose orders is focused when they are listed
+    Texts boxes;
+    std::optional<std::size_t> focused;
+    int listings = 0;
+    bool shown = false;
+};
 
 class OrderEntryDouble final : public DialogDoubleOf<OrderEntryView> {
 public:

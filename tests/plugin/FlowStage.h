@@ -52,11 +52,26 @@ struct FlowStage : Stage {
         while (any.Waiting() > 0);
     }
 
+    // Another terminal at the server, without a plug-in.
+    void Send(const vesk::UserIdentity& user, const Fields& request) {
+        server.Handle(Received(request).Message(), user);
+    }
+    // The number of the order.
+    std::string Place(const vesk::UserIdentity& user, const std::string& changes) {
+        Fields order =
+            Order("loginId=" + user.loginId + " peerIdA=" + user.peerIdA + " peerIdB=" + user.peerIdB
+                  + " startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay) + " " + changes);
+        order.push_back({tag::orderSource, {"TWS"}});
+        Send(user, order);
+        return std::string(server.Registrations().back().Number());
+    }
+
+    const vesk::UserIdentity own{"DEALER1", "BROKER", "BRANCH"};
     TemporaryFile journalFile;
     vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
     vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
     vesk::ServerCommands commands{server, {}};
-    vesk::RxClient rxClient{Channel(), {"DEALER1", "BROKER", "BRANCH"}};
+    vesk::RxClient rxClient{Channel(), own};
     std::int64_t now = 0;
 };
 

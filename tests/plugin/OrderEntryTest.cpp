@@ -46,9 +46,7 @@ TEST_F(OrderEntryTest, SwitchingInvestByClearsTheValue) {
 TEST_F(OrderEntryTest, SubmitSendsAndClearsValueAndPeriod) {
     Open();
     Answer(kMonthlyYearly);
-    view.SetText(IDC_CLIENT_SEARCH, "C002");
-    view.SetText(IDC_VALUE, "1500");
-    view.SetText(IDC_PERIOD, "6");
+    Type("1500", "6", "C002");
     entry.Submit(kNow);
     ASSERT_EQ(host.requests.size(), 2u);
     EXPECT_NE(host.requests[1].find("account=C002"), std::string::npos) << host.requests[1];
@@ -56,9 +54,14 @@ TEST_F(OrderEntryTest, SubmitSendsAndClearsValueAndPeriod) {
         << host.requests[1];
     EXPECT_EQ(view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "");
 
+    // Pressed again while the host asks: one order.
+    Type("1500", "6", "C002");
+    host.duringCaution = [&] { entry.Submit(kNow); };
+    entry.Submit(kNow);
+    EXPECT_EQ(host.requests.size(), 3u);
+
     // Cleared also when sending fails: the text says so.
-    view.SetText(IDC_VALUE, "1500");
-    view.SetText(IDC_PERIOD, "6");
+    Type("1500", "6", "C002");
     host.refuses = true;
     entry.Submit(kNow);
     EXPECT_EQ(view.boxes, Texts{"Sending Request add_sip_orders Failed"});

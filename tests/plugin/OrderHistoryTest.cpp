@@ -1,7 +1,6 @@
 // The order history: how messages become records, when they are listed, which order a trade belongs to, and
 // what the chart makes of them.
 
-#include "plugin/history/OrderHistory.h"
 #include "plugin/history/HistoryChart.h"
 #include "tests/plugin/Doubles.h"
 
@@ -18,9 +17,10 @@ using Word = std::string;
 //   ?A asks for A's orders    A1 is an order of A, A1* one whose trades are to come, A1=200 a trade at 2.00
 //   . ends the orders, ! refuses them, - says something else; .t !t -t the same of the trades    @1 moves the
 //   focus
-class Play final : public HistoryView {
+class Play final : public HistoryDouble {
 public:
     Play(Stage& stage, const std::string& script) : m_history(stage.session, *this, &stage.control) {
+        history = &m_history;
         std::istringstream words(script);
         for (Word word; words >> word;)
             Do(word);
@@ -32,26 +32,19 @@ public:
         for (const sOrderHistory& record : m_history.Records())
             text += record[HistoryField::registrationNumber] + record[HistoryField::orderNumber] + "="
                     + record[HistoryField::tradedPrice] + " ";
-        return text + (m_shown ? "shown " : "hidden ") + m_details;
+        return text + (shown ? "shown " : "hidden ") + m_details;
     }
 
-    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
-    void OnRecordChanged() override {}
-    void ListRecords() override {
-        m_focused = m_history.Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
-    }
-    std::optional<std::size_t> FocusedRecord() const override { return m_focused; }
     void ShowDetails(const HistoryDetails& details) override {
         m_details.clear();
         for (std::size_t i = 5; i < details.size(); ++i)
             m_details += details[i] + "|";
     }
-    void Show(bool shown) override { m_shown = shown; }
 
     void Do(const Word& word) {
         if (word[0] == '?') return m_history.Open(kPass, word.substr(1));
         if (word[0] == '@') {
-            m_focused = word == "@" ? std::nullopt : std::optional<std::size_t>(std::stoul(word.substr(1)));
+            focused = word == "@" ? std::nullopt : std::optional<std::size_t>(std::stoul(word.substr(1)));
             return m_history.OnFocusChanged();
         }
         const bool trade = word.back() == 't' || word.find('=') != word.npos;
@@ -68,14 +61,11 @@ public:
         m_history.OnResponse(received.Message());
     }
 
-    Texts boxes;
     std::function<void()> before; // the next answer
 
 private:
     OrderHistory m_history;
-    std::optional<std::size_t> m_focused;
     std::string m_details;
-    bool m_shown = false;
 };
 
 class OrderHistoryTest : public ::testing::Test, protected Stage {};
