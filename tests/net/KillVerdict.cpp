@@ -24,21 +24,11 @@ void Demand(bool holds, const std::string& what) {
     std::_Exit(1);
 }
 
-bool Verdict::State::Is(const Registration& registration) const {
+bool PlanState::Is(const Registration& registration) const {
     const std::string_view now = registration.Text(tag::sipStatus);
     return registration.Text(tag::amountOrQuantity) == amount
            && (now == status || (now == kStatusExpired && status == kStatusActive));
 }
-
-struct Verdict::Line {
-    std::string_view kind;
-    std::size_t words;
-    void (Verdict::*take)(Story& story, const Words& words);
-};
-const Verdict::Line Verdict::kLines[] = {
-    {"p", 2, &Verdict::OnOrder},   {"P", 3, &Verdict::OnRegistered}, {"c", 4, &Verdict::OnChange},
-    {"C", 3, &Verdict::OnChanged}, {"s", 4, &Verdict::OnStream},     {"o", 3, &Verdict::OnExchangeOrder},
-};
 
 Verdict::Verdict(Server& server, const std::vector<std::chrono::year_month_day>& closed)
     : m_server(server), m_closed(closed.begin(), closed.end()) {
@@ -50,58 +40,29 @@ Verdict::Verdict(Server& server, const std::vector<std::chrono::year_month_day>&
     }
 }
 
-void Verdict::Hear(const std::string& said, bool wasKilled) {
-    Story story;
-    std::istringstream lines(said);
-    for (std::string text; std::getline(lines, text);) {
-        Words words;
-        std::istringstream line(text);
-        for (std::string word; line >> word;)
-            words.push_back(word);
-        const auto* kind = std::ranges::find(kLines, words.at(0), &Line::kind);
-        if (kind != std::end(kLines) && kind->words == words.size()) (this->*kind->take)(story, words);
-    }
+void Verdict::Hear(const Story& story) {
+    m_asked.insert(story.asked.begin(), story.asked.end());
+    m_paused.insert(story.paused.begin(), story.paused.end());
     m_told += story.held.size();
-    Demand(wasKilled || (story.orders.empty() && story.pending.empty()), "something was not answered");
-    for (const auto& [number, state] : story.held)
-        Demand(state.Is(Found(number))
-                   || (story.pending.contains(number) && story.pending[number].Is(Found(number))),
+    m_seen += story.seen.size();
+    Demand(story.isCut || (story.registered.size() == story.asked.size() && story.pending.empty()),
+           "something was not answered");
+    for (const auto& [id, number] : story.registered)
+        Demand(m_byId[id] == number, number + " is gone");
+    for (const auto& [number, state] : story.held) {
+        const auto pending = story.pending.find(number);
+        Demand(state.Is(Found(number)) || (pending != story.pending.end() && pending->second.Is(Found(number))),
                number + " is not what was answered");
-    for (const auto& [number, last] : story.stream)
-        Demand(wasKilled || last == std::string(Found(number).Text(tag::sipStatus)) + Next(number),
+    }
+    for (const auto& [number, told] : story.streamed) {
+        const Registration& registration = Found(number);
+        const std::uint32_t next = DateNumber(DateOf(registration, tag::nextExecutionDate));
+        Demand(told.furthest <= next, number + ": an instalment that was told is gone");
+        Demand(story.isCut || (told.status == registration.Text(tag::sipStatus) && told.next == next),
                number + " was not told by the stream as it is");
-}
-
-void Verdict::OnOrder(Story& story, const Words& words) {
-    m_asked.insert(words[1]);
-    story.orders.insert(words[1]);
-}
-
-void Verdict::OnRegistered(Story& story, const Words& words) {
-    Demand(m_byId[words[1]] == words[2], words[2] + " is gone");
-    Demand(story.orders.erase(words[1]) == 1, words[1] + " was answered twice");
-    story.held[words[2]];
-}
-
-void Verdict::OnChange(Story& story, const Words& words) {
-    story.pending[words[1]] = {words[2], words[3]};
-    if (words[2] == kStatusPaused) m_paused.insert(words[1]);
-}
-
-void Verdict::OnChanged(Story& story, const Words& words) {
-    const auto change = story.pending.extract(words[1]);
-    Demand(!change.empty(), words[1] + ": a change was answered twice");
-    if (words[2] == "done") story.held[words[1]] = change.mapped();
-}
-
-void Verdict::OnStream(Story& story, const Words& words) {
-    story.stream[words[1]] = words[2] + words[3];
-    Demand(words[3] <= Next(words[1]), words[1] + ": an instalment that was told is gone");
-}
-
-void Verdict::OnExchangeOrder(Story&, const Words& words) {
-    Demand(DaysOf(words[1]).contains(words[2]), words[2] + " is gone");
-    ++m_seen;
+    }
+    for (const auto& [number, order] : story.seen)
+        Demand(DaysOf(number).contains(order), order + " is gone");
 }
 
 std::string Verdict::JudgeAll() {
@@ -147,10 +108,6 @@ const Registration& Verdict::Found(const std::string& number) const {
     const Registration* found = m_server.Find(number);
     Demand(found != nullptr, number + " is gone");
     return *found;
-}
-
-std::string Verdict::Next(const std::string& number) const {
-    return std::to_string(DateNumber(DateOf(Found(number), tag::nextExecutionDate)));
 }
 
 const std::map<std::string, sys_days>& Verdict::DaysOf(const std::string& number) {

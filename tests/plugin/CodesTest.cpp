@@ -82,6 +82,23 @@ TEST(CheckPriceRange, TellsTheRangeAndTheLargestPrice) {
     }
 }
 
+TEST(NextCsvField, EndsWhereItsTextEnds) {
+    const struct {
+        std::string_view line;
+        int start;
+        const char* field;
+        int next;
+    } rows[] = {
+        {"a,bc,d\n", 1, "bc", 4}, {"a,bc,d\n", 4, "d", -1},   {"a,b\r\n", 1, "b", 3},
+        {"a\r,b", 1, "", -1},     {{"a\0b,c", 6}, 0, "a", 1}, {"a,b", -3, "", -1},
+    };
+    for (const auto& row : rows) {
+        std::string_view field = "old";
+        EXPECT_EQ(NextCsvField(row.line, row.start, field), row.next) << row.line << " at " << row.start;
+        EXPECT_EQ(field, row.field) << row.line << " at " << row.start;
+    }
+}
+
 TEST(CountDaysInYears, CountsYearByYear) {
     struct Row {
         LocalDateTime date;
