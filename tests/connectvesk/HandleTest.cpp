@@ -36,11 +36,6 @@ const Call kCallsOnMessages[] = {
          QmxDatum bytes;
          return qmx_message_bytes(message, &bytes, error);
      }},
-    {"qmx_dump_message",
-     [](void* message, QmxError* error) {
-         char text[8];
-         return qmx_dump_message(message, text, sizeof text, error);
-     }},
 };
 
 TEST(Handle, WrongOnesAreRefusedByEveryCall) {
@@ -127,22 +122,6 @@ TEST(Handle, OpeningRefusesAbsurdSizesAndNowhereToPut) {
     }
     EXPECT_FALSE(qmx_open_scratch(nullptr, 64, &error));
     EXPECT_FALSE(qmx_ctor_primecb(nullptr, &error));
-}
-
-TEST(Handle, ReceivedMessageCannotBeBuiltIn) {
-    qmx::MessageWriter writer;
-    const std::string bytes = writer.Add(0, "name").Finish();
-    const qmx::MessageReader reader(bytes);
-    ASSERT_TRUE(reader.Good());
-    QmxError error{};
-    void* scratch = nullptr;
-    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
-    const QmxDatum datum = qmx::Datum("x");
-    EXPECT_FALSE(qmx_add_data(reader.Handle(), 1, 1, &datum, &error));
-    EXPECT_FALSE(qmx_start_msg(reader.Handle(), scratch, &error));
-    EXPECT_EQ(error.code, kQmxBadHandle);
-    EXPECT_EQ(qmx::Dump(reader.Handle()), "0=name");
-    qmx_close_scratch(&scratch, &error);
 }
 
 } // namespace

@@ -12,10 +12,6 @@ TEST_F(BasketDialogTest, OpensWithItsFirstContents) {
     host.rights.insert("QV: Planfold: Custom");
     host.activeClient = "c002";
     basket.Initialise("MIS,CNC,XYZ");
-    EXPECT_EQ(view.Items(IDC_EXCHANGE), (Texts{"NSE", "BSE"}));
-    EXPECT_EQ(view.Items(IDC_ACTION), (Texts{"SIP", "SWP"}));
-    EXPECT_EQ(view.Items(IDC_INVEST_BY), (Texts{"Amount", "Quantity"}));
-    EXPECT_EQ(view.Items(IDC_ORDER_TYPE), Texts{"MARKET"});
     EXPECT_EQ(view.Items(IDC_PRODUCT), (Texts{"CNC", "MIS"}));
     EXPECT_EQ(view.Text(IDC_SERIES) + view.Text(IDC_PERIOD) + view.Text(IDC_CLIENT_SEARCH), "EQ1c002");
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");

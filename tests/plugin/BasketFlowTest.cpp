@@ -2,7 +2,6 @@
 // become registrations, and answers come back to their rows.
 
 #include "tests/plugin/BasketDouble.h"
-#include "tests/plugin/BookDouble.h"
 #include "tests/plugin/FlowStage.h"
 
 #include <gtest/gtest.h>
@@ -135,22 +134,6 @@ protected:
 };
 
 TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreamed) {
-    // A colleague looks at his book meanwhile.
-    std::string login = "DEALER2";
-    Session beside{host.Lookup(), {login, host.peerA, host.peerB, host.active}, host.strings, host.record};
-    beside.host = session.host;
-    beside.OpenHandles(kPass, notices);
-    beside.m_nLoginMode = 1;
-    vesk::RxClient clientBeside{Channel(), {"DEALER2", "BROKER", "BRANCH"}};
-    BookDouble seen;
-    BookLine line;
-    RxControl* controls[] = {clientBeside.Get(kRxRequests, &line), clientBeside.Get(kRxIdentityStream, &line),
-                             clientBeside.Get(kRxAccountStream, &line)};
-    OrderBook book(beside, seen, {controls[0], controls[1], controls[2]});
-    line.book = &book;
-    book.Open(kNow);
-    Pump(clientBeside);
-
     for (unsigned seed = 1; seed <= 6; ++seed) {
         SCOPED_TRACE(seed);
         Samples samples(seed);
@@ -189,14 +172,7 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
             EXPECT_EQ(registered, rows[i].registered);
             ++next;
         }
-        Pump(clientBeside);
-        std::string numbers;
-        for (const vesk::Registration& registration : server.Registrations())
-            numbers = std::string(registration.Number()) + (numbers.empty() ? "" : " ") + numbers;
-        EXPECT_EQ(Numbers(book, seen.registered), numbers);
     }
-    for (RxControl* one : controls)
-        clientBeside.Destroy(one);
 }
 
 TEST_F(BasketFlowTest, WhatTheServerRefusesIsLoggedAndTheOthersAreRegistered) {

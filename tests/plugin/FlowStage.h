@@ -42,14 +42,10 @@ inline vesk::ServerClock FlowClock() {
 }
 
 struct FlowStage : Stage {
-    std::unique_ptr<vesk::Channel> Channel() {
-        return std::make_unique<vesk::SessionChannel>(server, commands);
-    }
-    void Pump() { Pump(rxClient); }
-    void Pump(vesk::RxClient& any) {
+    void Pump() {
         do
-            any.Pump(now += 1000);
-        while (any.Waiting() > 0);
+            rxClient.Pump(now += 1000);
+        while (rxClient.Waiting() > 0);
     }
 
     // Another terminal at the server, without a plug-in.
@@ -71,7 +67,7 @@ struct FlowStage : Stage {
     vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
     vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
     vesk::ServerCommands commands{server, {}};
-    vesk::RxClient rxClient{Channel(), own};
+    vesk::RxClient rxClient{std::make_unique<vesk::SessionChannel>(server, commands), own};
     std::int64_t now = 0;
 };
 

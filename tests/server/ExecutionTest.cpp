@@ -19,16 +19,13 @@ TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
         const char* refusal = "";
     } rows[] = {
         {"", "2", "2026", "101 userText=The from-day is missing"},
-        {"2", "", "2026", "101 userText=The to-day is missing"},
         {"2", "2", "", "101 userText=The year is missing"},
         {"5", "05", "2026"},
         {"0", "5", "2026", "102 userText=The from-day cannot be \"0\""},
         {"1", "32", "2026", "102 userText=The to-day cannot be \"32\""},
         {"31", "1", "2026", "102 userText=The from-day is behind the to-day"},
-        {"1", "1", "2025", "102 userText=The year cannot be \"2025\""},
         {"1", "1", "2047", "102 userText=The year cannot be \"2047\""},
         {"28", "31", "2044"},
-        {"1", "x", "2046", "102 userText=The to-day cannot be \"x\""},
         {"29", "30", "2026"},
     };
     const TemporaryFolder folder;

@@ -123,11 +123,6 @@ TEST_F(BasketWindow, MayEndInTheMiddleOfEverything) {
              SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), MAKELPARAM(60, 60));
              EXPECT_TRUE(menu.Seen());
          }},
-        {"the scrip look-up of a new row",
-         [&] {
-             host.duringScripLookUp = ends;
-             Add("C001", "100");
-         }},
         {"a file dialog",
          [&] {
              const std::filesystem::path given = std::exchange(path, {});

@@ -115,11 +115,6 @@ TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
              SendMessageA(registered, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(registered), MAKELPARAM(60, 60));
              EXPECT_TRUE(menu.Seen());
          }},
-        {"the question of a run",
-         [&](bool exits) {
-             boxes.during = [&, exits] { ends(exits); };
-             Command(book::kPauseSelected);
-         }},
         {"the progress of a run",
          [&](bool exits) {
              Command(book::kPauseSelected);

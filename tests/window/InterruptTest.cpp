@@ -48,11 +48,6 @@ TEST_F(Interrupt, TheWindowOrThePluginMayEndInTheMiddleOfEverything) {
              submit(dialog);
          },
          1},
-        {"the scrip look-up",
-         [&](HWND dialog, const auto& ends) {
-             host.duringScripLookUp = ends;
-             submit(dialog);
-         }},
         {"a search",
          [&](HWND dialog, const auto& ends) {
              SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
