@@ -97,7 +97,6 @@ TEST_F(Interrupt, AQuestionComesWhenTheOpenBoxIsGone) {
     host.Answer(Told("first"));
     EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
     EXPECT_EQ(boxes.Texts(), "first|The terminal knows no client C009.\nPlace the order all the same?|");
-    EXPECT_FALSE(boxes.anyNested);
 }
 
 TEST_F(Interrupt, KeysOfAMenuStayTheMenus) {

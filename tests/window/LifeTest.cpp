@@ -58,14 +58,6 @@ TEST_F(Life, WithoutAMainFrameNothingOpens) {
     EXPECT_EQ(boxes.Texts(), "");
 }
 
-TEST_F(Life, HostThatGivesNoControlFailsTheSending) {
-    host.givesControls = false;
-    ASSERT_NE(OpenOrderEntry(), nullptr);
-    EXPECT_EQ(boxes.Texts(), "Sending Request add_sip_orders Failed|");
-    plugin->Exit();
-    EXPECT_EQ(host.CallsOf("DestoryKeloRxCOntrol"), 0);
-}
-
 TEST_F(Life, EveryPickOpensTheHandlesAnewAndExitClosesThemOnce) {
     const Watched& watched = LoadedPlugin::watched;
     EXPECT_EQ(Activate(), 0);
@@ -125,17 +117,6 @@ TEST_F(Life, ThePluginGivesNothingBackAtTheEndOfTheProcess) {
             ExitProcess(0);
         },
         testing::ExitedWithCode(0), "");
-}
-
-TEST_F(Life, AHandleThatCannotBeOpenedIsToldAndTheWindowOpens) {
-    LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = true;
-    Close(OpenOrderEntry());
-    EXPECT_EQ(boxes.Texts(), "Buffer Handle open Failed|MNM Handle Open Failed|"
-                             "zup_add_parameter: Error while building message|");
-    LoadedPlugin::watched.failScratch = LoadedPlugin::watched.failMessage = false;
-    EXPECT_NE(OpenOrderEntry(), nullptr);
-    EXPECT_EQ(boxes.Texts(), "");
-    EXPECT_EQ(host.requests, Texts{"get_sip_operation_mode"});
 }
 
 TEST_F(Life, ALateAnswerFindsNoWindowAndHarmsNothing) {

@@ -32,9 +32,6 @@ TEST_F(Restricted, IsWorkedByKeysAndBeginsAnewAtEachOpening) {
         HWND dialog = Open();
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(Texts(dialog, kLists) + Texts(dialog, kHeld), "||||||");
-        const auto years = probe::Items(dialog, kLists[2]);
-        EXPECT_EQ(years.size(), 21u);
-        EXPECT_EQ(years.back(), std::to_string(thisYear + 20));
         SetFocus(GetDlgItem(dialog, kLists[0]));
         for (const char digit : {'1', '5'}) // which are one number
             PostMessageA(GetFocus(), WM_CHAR, static_cast<WPARAM>(digit), 1);
