@@ -86,11 +86,6 @@ protected:
         probe::Press(dialog, IDC_BASKET_LOAD);
         probe::PumpUntil([] { return !Progress(); });
     }
-    static HWND Progress() {
-        for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, IDC_RUN_BAR)) return window;
-        return nullptr;
-    }
     HWND FileDialog() const {
         for (HWND window : probe::TopWindows())
             if (GetWindow(window, GW_OWNER) == dialog && probe::ClassOf(window) == "#32770"
@@ -100,8 +95,7 @@ protected:
     }
     void Key(HWND focus, UINT key) const {
         SetFocus(focus);
-        probe::PostKey(key);
-        probe::Pump();
+        probe::PressKey(key);
     }
     // While one key alone is down, or none.
     static void WithKey(int key, bool down, const std::function<void()>& act) {

@@ -34,18 +34,14 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
         int closes;       // the reason dialog, by this command; 0: by Escape
         const char* sent; // null: nothing is asked or sent
     };
-    const auto press = [](UINT key) {
-        probe::PostKey(key);
-        probe::Pump();
-    };
     const Row rows[] = {
-        {"a key in the list", [&] { press(VK_DELETE); }, IDOK, "not wanted"},
+        {"a key in the list", [&] { probe::PressKey(VK_DELETE); }, IDOK, "not wanted"},
         {"the host's text", [&] { SendText("Cancel Order"); }, 0, " "},
         {"no text", [&] { SendText(nullptr); }, IDOK, nullptr},
         {"a key in the other list",
          [&] {
              SetFocus(cancelled);
-             press(VK_DELETE);
+             probe::PressKey(VK_DELETE);
          },
          IDOK, nullptr},
     };
@@ -79,12 +75,6 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
 
 // Nothing is left, and nothing is sent any more.
 TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
-    const auto progress = [] {
-        HWND found = nullptr;
-        for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, IDC_RUN_BAR)) found = window;
-        return found;
-    };
     const auto ends = [&](bool exits) {
         if (exits)
             plugin->Exit();
@@ -118,7 +108,7 @@ TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
         {"the progress of a run",
          [&](bool exits) {
              Command(book::kPauseSelected);
-             EXPECT_TRUE(probe::PumpUntil([&] { return progress() && host.requests.size() > 250; }));
+             EXPECT_TRUE(probe::PumpUntil([&] { return Progress() && host.requests.size() > 250; }));
              ends(exits);
          },
          300, 300},
@@ -126,7 +116,7 @@ TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
          [&](bool exits) {
              Command(book::kPauseSelected);
              boxes.during = [&, exits] { ends(exits); };
-             SendMessageA(progress(), WM_CLOSE, 0, 0);
+             SendMessageA(Progress(), WM_CLOSE, 0, 0);
          },
          251, 250},
     };

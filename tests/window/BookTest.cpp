@@ -123,7 +123,15 @@ TEST_F(BookTest, ColumnsAndCellsAreReadAsTheyAreShown) {
                         "05-Apr-2027|%|S1|01-Mar-2027|Second Client|TWS|05-Feb-2028||";
     Open();
     for (const char* status : {"active", "canceled"}) {
-        QueriedInFull("S1", status);
+        Fields fields(
+            std::string("echoedRequest=om_get_sip_orders registrationNumber=S1 sipStatus=") + status
+            + " queriedRow=1 loginId=DEALER7 account=C002 exchange=nse_cm product=CNC "
+              "tradingSymbol=ARBORTOOLS-EQ side=B orderType=MKT investType=value amountOrQuantity=123450 "
+              "frequency=monthly totalPeriod=12 startDate=05-Mar-2020 nextExecutionDate=05-Apr-2027 "
+              "registrationDate=01-Mar-2027 orderSource=TWS endDate=05-Feb-2028 cancelledBy=DEALER8 "
+              "cancelledDate=09-Mar-2027");
+        fields.push_back({tag::userText, {"no longer wanted"}});
+        host.AnswerBook(fields);
         const bool ended = *status == 'c';
         std::string texts;
         HWND list = ended ? cancelled : registered;

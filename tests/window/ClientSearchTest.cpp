@@ -70,8 +70,7 @@ TEST_F(ClientSearchWindow, StaysOnTheScreenAndFollowsTheFont) {
             const bool boxIsSeen = field.bottom <= screen.bottom;
             EXPECT_FALSE(boxIsSeen && IntersectRect(&common, &place, &field)) << "what is typed stays in sight";
             EXPECT_EQ(SendMessageA(List(), LVM_GETCOLUMNWIDTH, 0, 0) > 100, points > 8);
-            probe::PostKey(VK_ESCAPE);
-            probe::Pump();
+            probe::PressKey(VK_ESCAPE);
             probe::SetEdit(dialog, IDC_CLIENT_SEARCH, "");
         }
     }
@@ -80,13 +79,8 @@ TEST_F(ClientSearchWindow, StaysOnTheScreenAndFollowsTheFont) {
 TEST_F(ClientSearchWindow, DoubleClickPicksAndFocusLossCloses) {
     Type("client");
     ASSERT_TRUE(Opens(VK_DOWN));
-    HWND list = List();
-    RECT row{LVIR_LABEL, 0, 0, 0};
-    SendMessageA(list, LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
-    const LPARAM point = MAKELPARAM(row.left + 3, row.top + 3);
-    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
-        PostMessageA(list, message, MK_LBUTTON, point);
-    ASSERT_TRUE(probe::PumpUntil([&] { return !List(); }));
+    probe::DoubleClick(List(), 1);
+    EXPECT_FALSE(List());
     EXPECT_EQ(probe::Text(box), "C002");
 
     SetFocus(box);
