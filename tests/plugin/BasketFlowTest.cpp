@@ -79,9 +79,10 @@ private:
     std::mt19937 m_random;
 };
 
-class BasketFlowTest : public ::testing::Test, public FlowStage, public CKeloRxNotifierBase {
+class BasketFlowTest : public ::testing::Test, public FlowStage {
 protected:
     void SetUp() override {
+        wire.part = &basket;
         // Each order has an identifier of its own.
         session.host.pu_get_uuid = [](OutString identifier) {
             static int last = 0;
@@ -93,10 +94,6 @@ protected:
         basket.Initialise("MIS");
         Pump();
     }
-    void TearDown() override { rxClient.Destroy(requests); }
-
-    void OnResponse(void*, void* message, void*) override { basket.OnResponse(message); }
-    void OnBroadcast(void*, std::uint32_t, void*) override {}
 
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;
@@ -129,8 +126,8 @@ protected:
     }
 
     BasketDouble view;
-    RxControl* requests = rxClient.Get(kRxRequests, this);
-    Basket basket{session, view, requests};
+    Line<Basket> wire;
+    Basket basket{session, view, rxClient.Get(kRxRequests, &wire)};
 };
 
 TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreamed) {

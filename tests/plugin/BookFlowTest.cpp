@@ -1,5 +1,9 @@
-// The registration book, the connection library and the trading server together, with other sessions beside.
+// The form, the registration book, its history, the connection library and the trading server together, with
+// other sessions beside.
 
+#include "plugin/base/Numbers.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
 #include "tests/plugin/BookDouble.h"
 #include "tests/plugin/FlowStage.h"
 
@@ -10,7 +14,7 @@ namespace {
 
 class BookFlowTest : public ::testing::Test, public FlowStage {
 protected:
-    void SetUp() override { line.book = &book; }
+    void SetUp() override { line.part = &book; }
     void Open() {
         book.Open(kNow);
         Pump();
@@ -22,7 +26,7 @@ protected:
     }
 
     BookDouble view;
-    BookLine line;
+    Line<OrderBook> line;
     OrderBook book{session,
                    view,
                    {rxClient.Get(kRxRequests, &line), rxClient.Get(kRxIdentityStream, &line),
@@ -138,11 +142,11 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         session.m_nLoginMode = row.mode;
         host.clientOverview = row.overview;
         BookDouble seen;
-        BookLine its;
+        Line<OrderBook> its;
         RxControl* controls[] = {rxClient.Get(kRxRequests, &its), rxClient.Get(kRxIdentityStream, &its),
                                  rxClient.Get(kRxAccountStream, &its)};
         OrderBook fresh(session, seen, {controls[0], controls[1], controls[2]});
-        its.book = &fresh;
+        its.part = &fresh;
         fresh.Open(kNow);
         Pump();
         std::string heard, history;
@@ -157,6 +161,72 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         for (RxControl* one : controls)
             rxClient.Destroy(one);
     }
+}
+
+TEST_F(BookFlowTest, AnOrderIsRegisteredJournalledAnsweredAndStreamed) {
+    OrderEntryDouble form;
+    Line<OrderEntry> its;
+    OrderEntry entry(session, form, rxClient.Get(kRxRequests, &its));
+    its.part = &entry;
+    form.controls[IDC_SERIES].items = {"EQ"};
+    form.controls[IDC_SYMBOL].items = {"ALPHA"};
+    Open();
+    entry.Initialise(kNow, {});
+    Pump();
+    EXPECT_EQ(form.controls[IDC_FREQUENCY].items.size(), server.Config().frequencies.size());
+    for (const auto& [edit, text] :
+         {std::pair(IDC_CLIENT_SEARCH, "C001"), {IDC_VALUE, "1234.50"}, {IDC_PERIOD, "12"}})
+        form.SetText(edit, text);
+    form.SelectText(IDC_FREQUENCY, "monthly");
+    entry.Submit(kNow);
+    EXPECT_TRUE(form.boxes.empty()) << "answers never come from inside the sending";
+    Pump();
+    ASSERT_EQ(server.Registrations().size(), 1u);
+    const std::string number(server.Registrations()[0].Number());
+    ASSERT_EQ(form.boxes.size(), 1u);
+    EXPECT_NE(form.boxes[0].find(number), std::string::npos) << form.boxes[0];
+    EXPECT_EQ(Lists(), number + "|");
+    EXPECT_NE(journalFile.Text().find(number), std::string::npos);
+    EXPECT_NE(journalFile.Text().find("123450"), std::string::npos);
+    EXPECT_EQ(host.log.size(), 1u);
+}
+
+TEST_F(BookFlowTest, TheHistorysOrdersAndTheirTradesComeAsTheServerHasThem) {
+    HistoryDouble seen;
+    Line<OrderHistory> its;
+    OrderHistory history(session, seen, rxClient.Get(kRxRequests, &its));
+    its.part = &history;
+    const std::string number = Place(own, "frequency=daily investType=qty amountOrQuantity=90");
+    history.Open(kPass, number);
+    Pump();
+    EXPECT_EQ(seen.listings, 1);
+    EXPECT_FALSE(seen.shown) << "no orders yet";
+
+    const vesk::Registration& registration = *server.Find(number);
+    ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
+    history.Open(kPass, number);
+    history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way
+    history.Open(kPass, number);
+    Pump();
+    EXPECT_TRUE(seen.shown);
+    EXPECT_EQ(seen.boxes, Texts{});
+    ASSERT_EQ(history.Records().size(), 60u);
+    std::size_t pending = 0, traded = 0, untraded = 0;
+    for (const sOrderHistory& order : history.Records()) {
+        const auto text = [&](HistoryField field) { return order[field]; };
+        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::account)
+                      + text(HistoryField::exchange) + text(HistoryField::side) + text(HistoryField::orderType),
+                  number + "C001NSESIPMARKET");
+        EXPECT_NEAR(LeadingReal(text(HistoryField::price)), 123.45, 3);
+        const bool hasTraded = text(HistoryField::tradedQuantity) != "0";
+        ++(hasTraded ? traded : untraded);
+        pending += order.fillPending;
+        // Told by the order, or by its trades.
+        EXPECT_EQ(!text(HistoryField::tradedPrice).empty(), hasTraded);
+        EXPECT_EQ(!text(HistoryField::fillDetailA).empty(), hasTraded);
+    }
+    EXPECT_TRUE(pending > 0 && pending < traded && untraded > 0) << pending << " " << traded << " " << untraded;
+    EXPECT_EQ(host.log.size(), 1u) << "the refusal";
 }
 
 } // namespace

@@ -41,6 +41,17 @@ inline vesk::ServerClock FlowClock() {
             }};
 }
 
+// Hands a part of the plug-in what its controls bring.
+template <class Part>
+struct Line final : CKeloRxNotifierBase {
+    void OnResponse(void*, void* message, void*) noexcept override { part->OnResponse(message); }
+    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override {
+        if constexpr (requires { part->OnBroadcast(message); }) part->OnBroadcast(message);
+    }
+
+    Part* part = nullptr;
+};
+
 struct FlowStage : Stage {
     void Pump() {
         do
