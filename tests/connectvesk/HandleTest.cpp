@@ -80,25 +80,6 @@ TEST(Handle, WrongOnesAreRefusedByEveryCall) {
     EXPECT_EQ(error.code, kQmxBadHandle);
 }
 
-// Handles give their memory on to later ones, but not soon.
-TEST(Handle, ClosedOnesAreToldWhileManyOthersComeAndGo) {
-    constexpr int kept = 64;
-    QmxError error{};
-    void* message = nullptr;
-    ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
-    void* late = message;
-    ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
-    for (int others = 0; others < kept; ++others) {
-        EXPECT_FALSE(qmx_dtor_primecb(&late, &error)) << "after " << others;
-        EXPECT_EQ(error.code, kQmxBadHandle);
-        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
-        if (others < kept - 1) {
-            EXPECT_NE(message, late) << "after " << others;
-        }
-        ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
-    }
-}
-
 TEST(Handle, StartWantsAnOpenScratchOfOurOwn) {
     QmxError error{};
     alignas(16) char foreign[128] = {};

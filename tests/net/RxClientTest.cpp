@@ -269,7 +269,6 @@ TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {
     const QmxDatum value{nullptr, 4};
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 1, stream, 0, 0, 1, &m_error));
     EXPECT_FALSE(stream->Subscribe(nullptr, nullptr, &value, 1, stream, 0, 0, 1, &m_error));
-    EXPECT_FALSE(stream->Subscribe(nullptr, &tag, nullptr, 1, stream, 0, 0, 1, nullptr));
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 0xFFFFFFFF, requests, 0, 0, 1, &m_error));
     EXPECT_EQ(m_error.code, kQmxBadArgument);
     EXPECT_STRNE(m_error.text, "");

@@ -27,8 +27,10 @@ struct Sample {
     std::string typed, exported;
     Texts registered;
 };
-constexpr std::uint32_t kRegistered[] = {63001, 10100, 63100, 12003, 64030, 54152, 53063,
-                                         10012, 63415, 31003, 54001, 49165, 12005};
+constexpr std::uint32_t kRegistered[] = {
+    tag::exchange,         tag::token,     tag::tradingSymbol, tag::side,    tag::product, tag::investType,
+    tag::amountOrQuantity, tag::frequency, tag::totalPeriod,   tag::loginId, tag::account, tag::startDate,
+    tag::validity};
 
 class Samples {
 public:
@@ -37,40 +39,36 @@ public:
     std::size_t Below(std::size_t end) { return m_random() % end; }
     Sample Next() {
         struct Written {
-            const char *typed, *kept;
+            std::string typed, kept;
         };
-        constexpr const char* scrips[][5] = {{"nse_cm", "EQ", "ARBORTEX", "1013", "ARBORTEX-EQ"},
-                                             {"nse_cm", "EQ", "BYTEFIN", "2901", "BYTEFIN-EQ"},
-                                             {"nse_cm", "BE", "LUMENBANK", "2902", "LUMENBANK-BE"},
-                                             {"bse_cm", "EQ", "INFOCAR", "500100", "INFOCAR"}};
-        constexpr Written amounts[] = {
-            {"150000", "150000"}, {"99999.5", "100000"}, {"00123", "123"}, {"2147483647", "2147483647"}};
-        constexpr Written quantities[] = {{"7", "7"}, {"2147483647", "2147483647"}};
-        constexpr const char* clients[] = {"C001", "C002", "CLIENT WITH BLANKS", "\xe9\xff"};
-        constexpr const char* frequencies[] = {"daily", "weekly", "monthly", "yearly"};
-        constexpr const char* products[] = {"CNC", "MIS"};
-        constexpr std::tuple<Written, int, int, int, const char*> dates[] = {
-            {{"05-Mar-27", "05/Mar/2027"}, 2027, 3, 5, "05-Mar-2027"},
-            {{"6/3/2027", "6/3/2027"}, 2027, 3, 6, "06-Mar-2027"},
-            {{"29/Feb/28", "29/Feb/2028"}, 2028, 2, 29, "29-Feb-2028"}};
+        const auto one = [&](const std::vector<Written>& of) { return of[Below(of.size())]; };
+        static constexpr const char* scrips[][5] = {{"nse_cm", "EQ", "ARBORTEX", "1013", "ARBORTEX-EQ"},
+                                                    {"nse_cm", "BE", "LUMENBANK", "2902", "LUMENBANK-BE"},
+                                                    {"bse_cm", "EQ", "INFOCAR", "500100", "INFOCAR"}};
         const auto& [exchange, series, symbol, token, tradingSymbol] = scrips[Below(std::size(scrips))];
-        const auto& [date, year, month, day, recorded] = dates[Below(std::size(dates))];
+        static constexpr std::tuple<const char*, const char*, LocalDateTime, const char*> dates[] = {
+            {"05-Mar-27", "05/Mar/2027", {2027, 3, 5}, "05-Mar-2027"},
+            {"6/3/2027", "6/3/2027", {2027, 3, 6}, "06-Mar-2027"},
+            {"29/Feb/28", "29/Feb/2028", {2028, 2, 29}, "29-Feb-2028"}};
+        const auto& [date, shown, day, recorded] = dates[Below(std::size(dates))];
         const bool buys = Below(2), byValue = Below(2);
-        const Written amount = byValue ? amounts[Below(std::size(amounts))] : Written{"any", "any"};
-        const Written quantity = byValue ? Written{"x", "x"} : quantities[Below(std::size(quantities))];
-        const std::string client = clients[Below(std::size(clients))];
-        const std::string frequency = frequencies[Below(std::size(frequencies))];
-        const std::string product = products[Below(std::size(products))];
-        const std::string period = std::to_string(6 + Below(90)), side = buys ? "B" : "S";
+        const Written amount =
+            byValue ? one({{"99999.5", "100000"}, {"00123", "123"}, {"2147483647", "2147483647"}})
+                    : Written{"any", "any"};
+        const Written quantity = byValue ? Written{"x", "x"} : one({{"7", "7"}, {"2147483647", "2147483647"}});
+        const std::string client = one({{"C001", ""}, {"CLIENT WITH BLANKS", ""}, {"\xe9\xff", ""}}).typed;
+        const std::string frequency =
+            one({{"daily", ""}, {"weekly", ""}, {"monthly", ""}, {"yearly", ""}}).typed;
+        const std::string product = Below(2) ? "CNC" : "MIS", period = std::to_string(6 + Below(90)),
+                          side = buys ? "B" : "S", type = byValue ? "value" : "qty";
         const std::string start = client + "," + exchange + "," + series + "," + symbol + "," + token + ","
                                   + tradingSymbol + "," + product + ",";
         const std::string order = "," + period + ",MKT," + side + ",";
-        const std::string type = byValue ? "value" : "qty";
-        const std::string seconds = std::to_string(ToSeconds({year, month, day}));
-        return {start + amount.typed + "," + quantity.typed + "," + frequency + ",," + date.typed + order
-                    + ",x,," + type + (Below(2) ? ",\r\n" : ", ,\n"),
-                start + amount.kept + "," + quantity.kept + "," + frequency + "," + seconds + "," + date.kept
-                    + order + (buys ? "BUY" : "SELL") + ",C,DAY," + type + ", ,\n",
+        return {start + amount.typed + "," + quantity.typed + "," + frequency + ",," + date + order + ",x,,"
+                    + type + (Below(2) ? ",\r\n" : ", ,\n"),
+                start + amount.kept + "," + quantity.kept + "," + frequency + ","
+                    + std::to_string(ToSeconds(day)) + "," + shown + order + (buys ? "BUY" : "SELL") + ",C,DAY,"
+                    + type + ", ,\n",
                 {exchange, token, tradingSymbol, side, product, type, byValue ? amount.kept : quantity.kept,
                  frequency, period, "DEALER1", client, recorded, "DAY"}};
     }

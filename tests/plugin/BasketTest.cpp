@@ -206,15 +206,11 @@ TEST(BasketLine, IsCutIntoItsColumns) {
         int lines = 1;
     } cases[] = {
         {"", 0, 0},
-        {"\n", 0},
         {"\r\n\n", 0, 2},
-        {"no comma", 0},
         {Line({}, 18), 0},
         {Line({}, 19), 1},
-        {Line({}, 20), 1},
         {Line({}, 21), 0},
         {Line({{0, ""}}), 0},
-        {Line({}) + '\n', 1},
         {Line({}) + "\r\n" + Line({}) + "\r\n", 2, 2},
         {Line({{12, "12\r"}}), 0}, // the columns behind it are empty
         {Line({{18, "value\rx"}}), 1},
@@ -247,7 +243,6 @@ TEST(BasketLine, IsNoneOfAFileInUtf16) {
         std::string text;
         bool isUtf16;
     } cases[] = {
-        {"\xFF\xFE", true},
         {"\xFE\xFF" + wide(true, line), true},
         {wide(false, line), true},
         {wide(true, line), true},
@@ -256,7 +251,6 @@ TEST(BasketLine, IsNoneOfAFileInUtf16) {
         {"", false},
         {line, false},
         {"\xEF\xBB\xBF" + line, false},
-        {std::string("x\0", 2), false},
         {line + std::string(40, '\0'), false},
         {std::string("a\0b,", 4) + line, false},
     };
@@ -276,10 +270,8 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{14, "S"}}, Field::sideWord, "SELL"},
         {{{11, "05-Mar-27"}}, Field::startDateText, "05/Mar/2027"},
         {{{11, "05-Mar-27-"}}, Field::startDateText, "05/Mar/27/"},
-        {{{11, "5/3/7"}}, Field::startDateText, "5/3/207"},
         {{{7, "150000.6"}}, Field::amount, "150001"},
         {{{7, "  1.5e5x"}}, Field::amount, "150000"},
-        {{{7, "0012"}}, Field::amount, "12"},
         {{}, Field::userText, "NA"},
         {{{0, "CL 7 "}}, Field::account, "CL 7 "},
         {{{0, "\xEF\xBB\xBF"

@@ -158,15 +158,9 @@ TEST(DescribeModification, SaysWhatIsLeftNewBesideOld) {
          "instead of "
          "05-Dec-2028\nQuantity to come 210 instead of 90",
          "17 05-Jul-2028 |30 05-Aug-2029 Added, non-trading day"},
-        {next, plan(20, "value", "150000", "150000"),
-         "4 of 20 left instead of 6 of 22: Rs 1,500.00 a run\nNext 05-Jul-2028, last planned 05-Oct-2028 "
-         "instead of "
-         "05-Dec-2028\nOutlay to come Rs 6,000.00 instead of 9,000.00",
-         "17 05-Jul-2028 |22 05-Dec-2028 Dropped"},
         {next, plan(16, "value", "150000", "300000"),
          "16 have run, so that 16 are too few: Rs 3,000.00 a run instead of 1,500.00",
          "17 05-Jul-2028 Dropped|22 05-Dec-2028 Dropped"},
-        {next, plan(0, "value", "150000", ""), sixLeft + "now Rs 1,500.00 a run" + dates, asItWas},
         {next, withdrawn,
          sixLeft + "Rs 1,500.00 a run\nPaused, last planned 05-Dec-2028\nWithdrawal to come Rs 9,000.00",
          asItWas},
