@@ -87,15 +87,6 @@ TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     Open();
     view.reason = "wish";
     Select(first);
-    book.Actions().Pause();
-    Pump();
-    EXPECT_EQ(view.boxes.size(), 1u) << "the server's text";
-    EXPECT_EQ(Text(OrderField::sipStatus, first), "Paused");
-    book.Actions().Resume();
-    Pump();
-    EXPECT_EQ(Text(OrderField::sipStatus, first), "active");
-    view.boxes.clear();
-    host.log.clear();
     book.Actions().Cancel();
     Pump();
     EXPECT_EQ(Lists(), second + "|" + first);

@@ -86,13 +86,6 @@ protected:
         probe::Press(dialog, IDC_BASKET_LOAD);
         probe::PumpUntil([] { return !Progress(); });
     }
-    HWND FileDialog() const {
-        for (HWND window : probe::TopWindows())
-            if (GetWindow(window, GW_OWNER) == dialog && probe::ClassOf(window) == "#32770"
-                && IsWindowVisible(window))
-                return window;
-        return nullptr;
-    }
     void Key(HWND focus, UINT key) const {
         SetFocus(focus);
         probe::PressKey(key);

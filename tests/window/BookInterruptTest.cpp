@@ -112,13 +112,6 @@ TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
              ends(exits);
          },
          300, 300},
-        {"the last box of a run",
-         [&](bool exits) {
-             Command(book::kPauseSelected);
-             boxes.during = [&, exits] { ends(exits); };
-             SendMessageA(Progress(), WM_CLOSE, 0, 0);
-         },
-         251, 250},
     };
     for (const Row& row : rows)
         for (const bool exits : {false, true}) {
