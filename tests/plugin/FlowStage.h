@@ -3,35 +3,11 @@
 
 #include "host/server/net/RxClient.h"
 #include "tests/plugin/Doubles.h"
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include "tests/server/ServerFixture.h"
 
 namespace planfold::test {
 
 inline constexpr LocalDateTime kNow{2027, 1, 10, 15, 30, 0};
-
-class TemporaryFile {
-public:
-    TemporaryFile()
-        : m_path(std::filesystem::temp_directory_path()
-                 / ("planfold-flow-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
-        std::filesystem::remove(m_path);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { std::filesystem::remove(m_path); }
-
-    const std::filesystem::path& Path() const { return m_path; }
-    std::string Text() const {
-        std::ifstream file(m_path, std::ios::binary);
-        return (std::ostringstream() << file.rdbuf()).str();
-    }
-
-private:
-    std::filesystem::path m_path;
-};
 
 inline vesk::ServerClock FlowClock() {
     return {[] { return ToSeconds(kNow); },
@@ -74,8 +50,8 @@ struct FlowStage : Stage {
     }
 
     const vesk::UserIdentity own{"DEALER1", "BROKER", "BRANCH"};
-    TemporaryFile journalFile;
-    vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
+    const vesk::TemporaryFolder folder;
+    vesk::JournalOpening opening = vesk::Journal::Open(folder.File("journal"));
     vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
     vesk::ServerCommands commands{server, {}};
     vesk::RxClient rxClient{std::make_unique<vesk::SessionChannel>(server, commands), own};

@@ -68,7 +68,6 @@ TEST(ScripMaster, FaultsNameFileAndLine) {
         {"nse_cm,EQ,A,12345678901234567890123456789012,A-EQ,A Ltd,2,100,5,1,N",
          "scrips.csv:2: token is longer than 31 characters"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,8,100,5,1,N", "scrips.csv:2: decimals \"8\" is not between 0 and 7"},
-        {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,0,5,1,N", "scrips.csv:2: multiplier \"0\" is not between 1 and 10000000"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5x,1,N",
          "scrips.csv:2: tick size \"5x\" is not between 1 and 1000000"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1,y", "scrips.csv:2: cautionary \"y\" is neither Y nor N"},
@@ -122,7 +121,6 @@ TEST(ClientList, FaultsNameFileAndLine) {
         {",Nobody,N", "clients.csv:2: client is empty"},
         {"A,B,yes", "clients.csv:2: mapped \"yes\" is neither Y nor N"},
         {"A,B,Y\na,C,N", "clients.csv:3: a stands here a second time"},
-        {"A", "clients.csv:2: 3 fields expected, 1 found"},
     };
     ExpectFaults<ClientList>(rows, "client,name,mapped\n",
                              [](std::string_view text) { return ClientList::Parse(text, "clients.csv"); });
@@ -132,7 +130,6 @@ TEST(TradingCalendar, FaultsNameFileAndLine) {
     const BadFile rows[] = {
         {"2027-02-29,x", "nontrading.csv:2: \"2027-02-29\" is not a date yyyy-mm-dd"},
         {"2027-1-26,x", "nontrading.csv:2: \"2027-1-26\" is not a date yyyy-mm-dd"},
-        {"2027-+1-26,x", "nontrading.csv:2: \"2027-+1-26\" is not a date yyyy-mm-dd"},
         {"2027-01-26,x\n2027-01-26,y", "nontrading.csv:3: 2027-01-26 stands here a second time"},
     };
     ExpectFaults<TradingCalendar>(rows, "date,occasion\n", [](std::string_view text) {
