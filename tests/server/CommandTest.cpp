@@ -19,7 +19,6 @@ TEST(Commands, LineByLine) {
         {commands, "clock next", "-There is no instalment to come"},
         {commands, "execute 1", "-There is no registration "},
         {commands, "other 2", "Another session placed 2 orders"},
-        {embedded, "other 1", "-There are no clients or no scrips to make orders of"},
         {commands, " clock\tnext \r", "Server clock at the next instalment: 03-Mar-2026"},
         {commands, "clock 365", "Server clock advanced by 365 days"},
         {commands, "clock 2028-02-29", "Server clock advanced to 29-Feb-2028"},
@@ -38,8 +37,6 @@ TEST(Commands, LineByLine) {
         {commands, "fault any disconnect -1", "-\"-1\" is no value of \"disconnect\", which takes a number of"},
         {commands, "fault any silent 1", "-\"1\" is no value of \"silent\", which takes none"},
         {commands, "fault any", "-\"fault\" takes REQUEST KIND [VALUE]"},
-        {commands, "fill 1 2", "-\"fill\" takes COUNT"},
-        {commands, "stop", "-\"stop\" is no command"},
         {commands, "", "-A command is expected"},
     };
     for (const auto& row : rows) {
