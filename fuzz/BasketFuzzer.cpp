@@ -69,10 +69,7 @@ class Store final : public BasketSink {
 public:
     void OnRow(const BasketTexts& texts) override {
         const RecordId record = m_store.AddLoaded(texts, 1);
-        const std::string order = Ordered(m_store[record]);
-        const auto standing = std::ranges::count_if(
-            m_rows, [&](const Row& row) { return row.isSent && Ordered(m_store[row.record]) == order; });
-        m_rows.insert(m_rows.begin(), {record, ++m_serial, standing < m_sent[order]});
+        m_rows.insert(m_rows.begin(), {record, ++m_serial});
     }
     void OnRejected(const RejectedLine&, const BasketTexts&) override {}
     void OnNotice(std::string_view) override {}
@@ -94,8 +91,7 @@ public:
         } else if (step[0] == 'k') {
             CheckKept(rules);
         } else if (step[0] == 's') {
-            ++m_sent[Ordered(m_store[row.record])];
-            m_store.MarkSent(row.record);
+            m_store.SetOrder(row.record, m_nextOrder++, RowState::sent);
             row.isSent = true;
         } else if (step[0] == 'a') {
             m_store.SetUserText(row.record, step);
@@ -159,7 +155,7 @@ private:
         }
         return text;
     }
-    // Another session has the rows that were not sent, in their order; those in doubt as sent.
+    // Another session has the rows that were not sent, in their order.
     void CheckKept(const BasketRules& rules) const {
         test::BasketListDouble list;
         std::vector<std::string> unsent;
@@ -169,20 +165,13 @@ private:
             // What is rounded away is no order that loads.
             if (m_store[row.record].Text(BasketField::amount) == "0") return;
         }
-        for (const bool placing : {false, true}) {
-            const std::string text = UnsentText(m_store, list, placing);
-            Store next;
-            RememberDoubtful(text, next.m_store);
-            BasketReader(text, rules, next.m_scrips, next).Read(text.size());
-            std::vector<std::string> back;
-            for (const Row& row : next.m_rows) {
-                back.push_back(Ordered(next.m_store[row.record]));
-                Demand(next.m_store.IsSent(row.record) == placing);
-            }
-            Demand(back == unsent);
-            const UnsentCounts counts = CountUnsent(text);
-            Demand(counts.orders == unsent.size() && counts.doubtful == (placing ? unsent.size() : 0));
-        }
+        const std::string text = UnsentText(m_store, list);
+        Store next;
+        BasketReader(text, rules, next.m_scrips, next).Read(text.size());
+        std::vector<std::string> back;
+        for (const Row& row : next.m_rows)
+            back.push_back(Ordered(next.m_store[row.record]));
+        Demand(back == unsent);
     }
 
     static std::string Alike(const sBasketOrderData& order) {
@@ -201,7 +190,7 @@ private:
 
     BasketRows m_store;
     std::vector<Row> m_rows;                      // the newest first
-    std::map<std::string, std::ptrdiff_t> m_sent; // how often, by order
+    OrderPlace m_nextOrder = 0;
     std::int32_t m_serial = 0;
     Scrips m_scrips;
 };
@@ -229,12 +218,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         store.Check();
     }
 
-    BasketRows remembered;
-    RememberDoubtful(text, remembered);
     Findings first, second, again;
     Load(text, rules, first);
-    Demand(CountUnsent(text).orders
-           == first.refused + static_cast<std::size_t>(std::ranges::count(first.exported, '\n')));
     // What is saved of the rejected lines is rejected again.
     Load(BasketFileText(first.rejected), rules, again);
     Demand(again.refused == first.refused);

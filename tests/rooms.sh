@@ -12,9 +12,10 @@ sdk base/|framework/|plugin/|host/|tools/|windows\.h|commctrl\.h
 base sdk/|framework/|plugin/|host/|tools/
 framework plugin/|host/|tools/
 plugin host/|tools/
-plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|restricted|shell)/
-plugin/record plugin/(controls|orderentry|orderbook|history|basket|restricted|shell)/
-plugin/messaging plugin/(record|controls|orderentry|orderbook|history|basket|restricted|shell)/
+plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|dayreport|restricted|shell)/
+plugin/record plugin/(controls|orderentry|orderbook|history|basket|dayreport|restricted|shell)/
+plugin/dayreport plugin/(orderbook|history|restricted|shell)/
+plugin/messaging plugin/(record|controls|orderentry|orderbook|history|basket|dayreport|restricted|shell)/
 host plugin/|tools/
 host/files host/(market|server|terminal|veskserver|korvexcontrols)/
 host/market host/(server|terminal|veskserver|korvexcontrols)/

@@ -202,7 +202,9 @@ std::string Server::NextRegistration(RowQuery& query) {
         if (query.Wants(registration)) found = &registration;
     }
     query.isDone = query.next == query.end;
-    if (!found && (!query.isDone || query.hasRows)) return {};
+    // The rows of a list are ended by what is no row.
+    if (query.isList && found) query.isDone = false;
+    if (!found && (!query.isDone || (query.hasRows && !query.isList))) return {};
     query.hasRows = true;
     m_writer.Start().Add(tag::echoedRequest, query.request);
     if (found && query.isList) m_writer.Add(tag::queriedRow, "1");

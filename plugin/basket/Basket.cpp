@@ -1,8 +1,11 @@
 #include "plugin/basket/Basket.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketColumns.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/messaging/HostQuestions.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
@@ -35,7 +38,7 @@ void Basket::Initialise(std::string_view customProducts) {
     m_rejected.corrected = 0;
     m_runs.ShowPlaceable();
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     if (m_life.Across([&](Pass pass) { RegisterDeleteKey(pass); }))
         Lifetime::Last([&](Pass pass) { m_form.AskFrequencies(pass); });
 }
@@ -156,7 +159,7 @@ void Basket::ActivateRejected(std::size_t index) {
 void Basket::LeaveCorrected() {
     const int number = std::exchange(m_rejected.corrected, 0);
     if (std::erase_if(m_rejected.lines, [&](const RejectedLine& line) { return line.number == number; }))
-        m_view.ShowRejected();
+        m_view.ShowPanel();
 }
 
 void Basket::Delete() {
@@ -168,6 +171,37 @@ void Basket::Delete() {
         m_rows.Remove(record);
     m_view.ShowStatus();
     m_runs.KeepUnsentLast();
+}
+
+std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+    std::size_t taken = 0;
+    if (m_runs.IsBusy()) return taken;
+    for (const OrderPlace place : orders) {
+        if (m_rows.ByOrder(place) != kNoRecord) {
+            ++taken;
+            continue;
+        }
+        FormOrder order;
+        auto sent = OrderOf(m_session.record.Ledger()[place]);
+        const auto scrip =
+            sent ? AskScripDetails(pass, m_session, sent->exchange, sent->tradingSymbol) : std::nullopt;
+        if (m_session.Ended()) return taken;
+        if (!scrip) continue;
+        order.data = std::move(*sent);
+        order.data.token = TextOf(scrip->token);
+        const std::size_t dash = order.data.tradingSymbol.rfind('-');
+        order.symbol = order.data.tradingSymbol.substr(0, dash);
+        if (dash != std::string::npos) order.series = order.data.tradingSymbol.substr(dash + 1);
+        order.startDateText = FormatPickerDate(ToLocal(LeadingInteger(order.data.startDate)));
+        const RecordId row = m_rows.Add(order.Texts());
+        m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
+        m_view.List().InsertFront(row);
+        ++taken;
+    }
+    m_runs.LetPlace(m_view.List().RowCount() > 0);
+    m_view.ShowStatusSoon();
+    m_runs.KeepUnsentLast();
+    return taken;
 }
 
 // Only what was submitted: under the box the user may have typed the next order.
@@ -197,12 +231,74 @@ void Basket::Export() {
 }
 
 void Basket::SaveRejected() {
-    if (m_runs.IsBusy() || m_rejected.lines.empty()) return;
+    if (!m_rejected.lines.empty()) Save([&] { return m_rejected.Text(); });
+}
+
+void Basket::SaveResults() {
+    Save([&] {
+        std::string text;
+        for (const BasketResult& result : Results())
+            AppendBasketLine(m_rows[result.record], text);
+        return BasketFileText(std::move(text));
+    });
+}
+
+void Basket::Save(const std::function<std::string()>& text) {
+    if (m_runs.IsBusy()) return;
     const auto path =
         m_questions.Alone([&](Pass pass) { return m_view.AskRejectsPath(pass); }).value_or(std::nullopt);
-    if (!path) return;
-    if (!m_view.WriteFileWhole(*path, m_rejected.Text()))
+    if (path && !m_view.WriteFileWhole(*path, text()))
         m_view.ShowLast(" Basket File Write Error: File Open Error");
+}
+
+std::string Basket::StateText(RecordId record) const {
+    const RowState state = m_rows.State(record);
+    const OrderPlace place = m_rows.OrderOf(record);
+    if (state == RowState::notSent || place == kNoOrder)
+        return state == RowState::notSent ? "Not sent"
+                                          : "Not placed: " + std::string(m_rows.WhyNotPlaced(record));
+    const RecordedOrder& order = m_session.record.Ledger()[place];
+    const std::string said(order.Text(RecordField::text));
+    switch (state) {
+    case RowState::sent:
+        return "Sent";
+    case RowState::registered:
+        return "Registered " + std::string(order.Text(RecordField::registration));
+    case RowState::refused:
+        return said;
+    case RowState::inDoubt:
+        return "In doubt: sent at " + std::string(order.SentAt().substr(11, 5)) + ", no answer";
+    case RowState::absent:
+        return "Not in the book";
+    default:
+        return "Not placed: "
+               + (m_rows.WhyNotPlaced(record).empty() ? said : std::string(m_rows.WhyNotPlaced(record)));
+    }
+}
+
+std::string Basket::Describe(RecordId record) const {
+    const sBasketOrderData& row = m_rows[record];
+    std::string text;
+    for (const BasketField field : {BasketField::account, BasketField::symbol, BasketField::frequency})
+        text.append(row.Text(field)).push_back(' ');
+    const std::string_view investType = row.Text(BasketField::investType);
+    const std::string_view value = row.Text(ValueField(investType));
+    return text + (investType == "value" ? InRupees(LeadingInteger(value)) : std::string(value));
+}
+
+std::vector<BasketResult> Basket::Results() const {
+    std::vector<BasketResult> results;
+    const BasketList& list = m_view.List();
+    const auto isTold = [](RowState state) {
+        return state != RowState::notSent && state != RowState::sent && state != RowState::registered;
+    };
+    bool any = false;
+    for (std::size_t state = 0; state < static_cast<std::size_t>(RowState::count); ++state)
+        any = any || (isTold(static_cast<RowState>(state)) && m_rows.Count(static_cast<RowState>(state)) > 0);
+    for (std::size_t row = 0; any && row < list.RowCount(); ++row)
+        if (const RecordId record = list.RecordAt(row); isTold(m_rows.State(record)))
+            results.push_back({record, StateText(record)});
+    return results;
 }
 
 std::vector<std::string> Basket::Status() const {
@@ -212,8 +308,17 @@ std::vector<std::string> Basket::Status() const {
     std::string counts = Format("Rows: %zu", rows);
     if (hidden) counts += Format(" (%zu hidden)", hidden);
     std::string marks;
-    if (m_rows.StandingTwice()) marks = Format("Twice: %zu", m_rows.StandingTwice());
-    if (m_rows.SentCount()) marks += Format("%sSent: %zu", marks.empty() ? "" : "  ", m_rows.SentCount());
+    const auto tell = [&](const std::string& text) { marks.append(marks.empty() ? "" : "  ").append(text); };
+    if (m_rows.StandingTwice()) tell(Format("Twice: %zu", m_rows.StandingTwice()));
+    if (const std::size_t sent = m_rows.SentCount(); sent > 0)
+        tell(Format("Sent %zu: %zu registered, %zu refused, %zu in doubt", sent,
+                    m_rows.Count(RowState::registered), m_rows.Count(RowState::refused),
+                    m_rows.Count(RowState::inDoubt)));
+    constexpr std::pair<RowState, const char*> others[] = {{RowState::sent, "Waiting: "},
+                                                           {RowState::notPlaced, "Not placed: "},
+                                                           {RowState::absent, "Not in the book: "}};
+    for (const auto& [state, text] : others)
+        if (const std::size_t count = m_rows.Count(state); count > 0) tell(text + std::to_string(count));
     return {std::move(counts), SideText("SIP", m_rows.Buy()), SideText("SWP", m_rows.Sell()), std::move(marks)};
 }
 
@@ -223,15 +328,23 @@ void Basket::OnResponse(void* message) {
 }
 
 void Basket::HandlePlaced(const Answer& answer) {
+    const OrderPlace place = m_runs.TakeAnswered(answer);
+    RecordOutcome(m_session, place, OrderEvent::registered, answer);
     std::int64_t number = 0;
     int status = kFieldRead;
-    if (!GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
-    m_runs.RecordAnswer(number, answer);
-    if (answer.hasError) return;
+    if (answer.hasError || !GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
     const RecordId record = m_rows.BySerialNumber(number);
     if (record == kNoRecord) return;
     m_rows.SetUserText(record, FieldText(answer.message, tag::userText));
     m_view.List().Repaint(record);
+}
+
+void Basket::OnOrder(OrderPlace place) {
+    const RecordId record = m_rows.ByOrder(place);
+    if (record == kNoRecord) return;
+    m_rows.SetOrder(record, place, RowStateOf(m_session.record.Ledger()[place].State()));
+    m_view.List().Repaint(record);
+    m_view.ShowStatusSoon();
 }
 
 } // namespace planfold

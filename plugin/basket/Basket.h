@@ -6,15 +6,24 @@
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketRuns.h"
 #include "plugin/messaging/Answer.h"
+#include "plugin/record/OrderRecord.h"
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace planfold {
 
-class Basket {
+// A row that was not registered, and why.
+struct BasketResult {
+    RecordId record;
+    std::string reason;
+};
+
+class Basket final : private RecordListener {
 public:
     // The window and its group of hot keys have this name.
     static constexpr char kName[] = "SIP Basket Entry";
@@ -24,7 +33,12 @@ public:
     Basket(Session& session, BasketView& view, RxControl* control)
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
           m_questions(session, view, m_life),
-          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected) {}
+          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected) {
+        m_session.record.AddListener(*this);
+    }
+    Basket(const Basket&) = delete;
+    Basket& operator=(const Basket&) = delete;
+    ~Basket() { m_session.record.RemoveListener(*this); }
 
     // Fills a window that has just been made and asks the server for its operation mode. `customProducts` is
     // the settings file's list; it counts only for holders of the right.
@@ -47,12 +61,23 @@ public:
     // A rejected line was chosen to be corrected in the form.
     void ActivateRejected(std::size_t index);
     void Delete();
+    // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
+    // stand in the basket.
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
     void Export();
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();
+    // The rows that were not registered, as a basket's file.
+    void SaveResults();
 
+    // What has become of the row, in words: "Registered SIP2611…", "Refused: ... (code 104)."
+    std::string StateText(RecordId record) const;
+    // "CL105 BASALTAGRO monthly 1500.00"
+    std::string Describe(RecordId record) const;
+    // In the order of the rows.
+    std::vector<BasketResult> Results() const;
     // What the rows come to, a part of the status line each.
     std::vector<std::string> Status() const;
 
@@ -67,6 +92,7 @@ private:
         bool operator==(const Pressed&) const = default;
     };
 
+    void Save(const std::function<std::string()>& text);
     Pressed Press() const;
     void AddAgain();
     void RegisterDeleteKey(Pass pass);
@@ -80,6 +106,7 @@ private:
     std::string OtherRowQuestion(RecordId selected) const;
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
     void HandlePlaced(const Answer& answer);
+    void OnOrder(OrderPlace place) override;
 
     static const AnswerHandler<Basket> kAnswers[];
 

@@ -14,6 +14,9 @@ namespace planfold {
 
 using BasketColumn = ListColumn<BasketField>;
 
+// No text of the row itself: what has become of it.
+inline constexpr BasketField kStateOfRow = BasketField::count;
+
 inline constexpr BasketColumn kBasketListColumns[] = {
     {"Client ID", 50, BasketField::account},
     {"Exchange", 50, BasketField::exchange},
@@ -28,6 +31,7 @@ inline constexpr BasketColumn kBasketListColumns[] = {
     {"Order Type", 50, BasketField::orderType},
     {"Action", 50, BasketField::side},
     {"Remarks", 50, BasketField::userText},
+    {"State", 190, kStateOfRow},
 };
 
 // "1500.50"

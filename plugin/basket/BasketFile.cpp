@@ -51,18 +51,10 @@ void BasketReader::Reject(const BasketLines::Line& line, const BasketTexts& colu
     m_sink.OnRejected(rejected, columns);
 }
 
-void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note) {
+void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
     for (const BasketField field : kBasketColumns)
         text.append(row.Text(field)).push_back(',');
-    text.append(note).append(",\n");
-}
-
-std::string_view BasketLineNote(std::string_view line) {
-    std::string_view field;
-    int at = NextCsvField(line, 0, field);
-    for (std::size_t column = 0; column < std::size(kBasketColumns); ++column)
-        at = NextCsvField(line, at, field);
-    return field;
+    text.append(" ,\n");
 }
 
 std::string BasketFileText(std::string lines) {
@@ -77,45 +69,14 @@ std::string RejectedLines::Text() const {
     return BasketFileText(std::move(text));
 }
 
-namespace {
-
-constexpr std::string_view kDoubtful = "placing";
-
-template <class Visit>
-void ForEachLine(std::string_view text, Visit visit) {
-    BasketLines lines(text);
-    while (const auto line = lines.Next())
-        visit(line->text, BasketLineNote(line->text) == kDoubtful);
-}
-
-} // namespace
-
 // A load puts each line in front of those before it.
-std::string UnsentText(const BasketRows& rows, const BasketList& list, bool placing) {
+std::string UnsentText(const BasketRows& rows, const BasketList& list) {
     std::string text;
     for (std::size_t row = list.RowCount(); row-- > 0;) {
         const RecordId record = list.RecordAt(row);
-        if (rows.IsSent(record)) continue;
-        const bool doubtful = placing || record == rows.Sending();
-        AppendBasketLine(rows[record], text, doubtful ? kDoubtful : kNoNote);
+        if (!rows.IsSent(record)) AppendBasketLine(rows[record], text);
     }
     return BasketFileText(std::move(text));
-}
-
-UnsentCounts CountUnsent(std::string_view text) {
-    UnsentCounts counts;
-    ForEachLine(text, [&](std::string_view, bool doubtful) {
-        ++counts.orders;
-        counts.doubtful += doubtful;
-    });
-    return counts;
-}
-
-void RememberDoubtful(std::string_view text, BasketRows& rows) {
-    ForEachLine(text, [&](std::string_view line, bool doubtful) {
-        BasketTexts columns;
-        if (doubtful && SplitBasketLine(line, columns)) rows.RememberSent(columns);
-    });
 }
 
 } // namespace planfold

@@ -98,27 +98,14 @@ private:
     std::string m_lastReason;
 };
 
-// One line of an exported file, with its line feed. The note stands in the last column, which a load does not
-// read.
-inline constexpr std::string_view kNoNote = " ";
-void AppendBasketLine(const sBasketOrderData& row, std::string& text, std::string_view note = kNoNote);
-std::string_view BasketLineNote(std::string_view line);
+// One line of an exported file, with its line feed.
+void AppendBasketLine(const sBasketOrderData& row, std::string& text);
 
 // What is written of lines, so that they read the same: where the first begins like a file's mark, that is no
 // mark.
 std::string BasketFileText(std::string lines);
 
-// Empty when every row was sent. Of the rows that are being sent, and with `placing` of all, is noted that they
-// may have been.
-std::string UnsentText(const BasketRows& rows, const BasketList& list, bool placing);
-
-struct UnsentCounts {
-    std::size_t orders = 0;
-    std::size_t doubtful = 0; // of them, those that may have been sent
-};
-UnsentCounts CountUnsent(std::string_view text);
-
-// The doubtful ones count as sent when the text is loaded.
-void RememberDoubtful(std::string_view text, BasketRows& rows);
+// Empty when every row was sent.
+std::string UnsentText(const BasketRows& rows, const BasketList& list);
 
 } // namespace planfold

@@ -3,6 +3,7 @@
 #include "plugin/base/Codes.h"
 #include "plugin/base/Text.h"
 #include "plugin/messaging/HostQuestions.h"
+#include "plugin/record/OrderRecord.h"
 
 #include <utility>
 
@@ -35,7 +36,23 @@ bool BasketLoading::Step(Pass pass) {
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {
-    m_target.list.InsertFront(m_target.rows.AddLoaded(texts, m_load.LinesRead()));
+    const RecordId row = m_target.rows.AddLoaded(texts, m_load.LinesRead());
+    KnowAgain(row, texts);
+    m_target.list.InsertFront(row);
+}
+
+// Of several, the one that may be in the book.
+void BasketLoading::KnowAgain(RecordId row, const BasketTexts& texts) {
+    const OrderLedger& ledger = m_session.record.Ledger();
+    if (ledger.Orders().empty()) return;
+    BasketRows& rows = m_target.rows;
+    OrderPlace known = kNoOrder;
+    for (const OrderPlace place : ledger.Like(AskedForBy(texts, m_startDates))) {
+        if (rows.ByOrder(place) != kNoRecord) continue;
+        if (known == kNoOrder || (!MayStand(ledger[known].State()) && MayStand(ledger[place].State())))
+            known = place;
+    }
+    if (known != kNoOrder) rows.SetOrder(row, known, RowStateOf(ledger[known].State()));
 }
 
 void BasketLoading::OnNotice(std::string_view text) {

@@ -7,6 +7,7 @@
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderentry/RecordedOrders.h"
 
 #include <string>
 #include <vector>
@@ -61,12 +62,15 @@ private:
     void OnRejected(const RejectedLine& line, const BasketTexts& columns) override;
     void OnNotice(std::string_view text) override;
     void OnLog(std::string_view text) override { m_session.LogLast(text); }
+    // The row is an order of the record that asks for the same, if one is not a row already.
+    void KnowAgain(RecordId row, const BasketTexts& texts);
 
     const Session& m_session;
     std::string m_text;
     BasketRules m_rules;
     HostScrips m_scrips;
     Target m_target;
+    StartDates m_startDates;
     KeptTexts m_notices;
     std::string m_notice; // the last
     BasketReader m_load;

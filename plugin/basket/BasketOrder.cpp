@@ -46,4 +46,19 @@ void sBasketOrderData::SetUserText(std::string_view text) {
     *this = sBasketOrderData(texts, m_serialNumber);
 }
 
+RecordTexts AskedForBy(const BasketTexts& row, StartDates& dates) {
+    RecordTexts asked;
+    const std::string_view investType = row[BasketField::investType];
+    asked[RecordField::account] = row[BasketField::account];
+    asked[RecordField::exchange] = row[BasketField::exchange];
+    asked[RecordField::tradingSymbol] = row[BasketField::tradingSymbol];
+    asked[RecordField::side] = row[BasketField::side];
+    asked[RecordField::investType] = investType;
+    asked[RecordField::value] = row[ValueField(investType)];
+    asked[RecordField::frequency] = row[BasketField::frequency];
+    asked[RecordField::startDate] = dates.Text(row[BasketField::startDate]);
+    asked[RecordField::periods] = row[BasketField::totalPeriod];
+    return asked;
+}
+
 } // namespace planfold

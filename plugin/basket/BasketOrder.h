@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/base/Text.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/orderentry/SipOrder.h"
 
 #include <array>
@@ -89,5 +90,8 @@ inline constexpr SipOrderField kSipOrderFields[] = {
 inline BasketField ValueField(std::string_view investType) {
     return investType == "value" ? BasketField::amount : BasketField::quantity;
 }
+
+// What the row orders, in the words of the order record; valid until the next call.
+RecordTexts AskedForBy(const BasketTexts& row, StartDates& dates);
 
 } // namespace planfold

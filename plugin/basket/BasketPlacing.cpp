@@ -33,8 +33,8 @@ BasketPlacing::BasketPlacing(Pass pass, Session& session, RxControl* control, Ba
 
 BasketPlacing::~BasketPlacing() {
     for (; m_takenOfPortion < m_portion.size(); ++m_takenOfPortion)
-        if (const auto& recorded = m_portion[m_takenOfPortion].recorded)
-            m_session.record.Tell(*recorded, OrderEvent::notSent, {});
+        m_session.record.Tell(m_portion[m_takenOfPortion].recorded, OrderEvent::notSent,
+                              "Placing was stopped before.");
 }
 
 bool BasketPlacing::Step(Pass pass) {
@@ -80,13 +80,18 @@ void BasketPlacing::PreparePortion(Pass pass) {
         Prepare(pass, m_placed[m_next + i], portion[i]);
         // The host may have ended everything, or closed the window.
         if (m_stopped || m_session.Ended()) return;
-        if (portion[i].recorded) recorded.push_back(*portion[i].recorded);
+        if (portion[i].goesOut) recorded.push_back(Recorded(m_placed[m_next + i], portion[i]));
     }
-    if (!m_session.record.Sending(recorded) && !m_withoutRecord) {
-        m_withoutRecord = m_ask(pass);
+    auto places = m_session.record.Sending(recorded);
+    if (!places) {
+        m_withoutRecord = m_withoutRecord || m_ask(pass);
         m_stopped = m_stopped || !m_withoutRecord;
         if (m_stopped || m_session.Ended()) return;
+        places = m_session.record.SendingUnwritten(recorded);
     }
+    auto next = places->begin();
+    for (Prepared& prepared : portion)
+        if (prepared.goesOut) prepared.recorded = *next++;
     m_portion = std::move(portion);
     m_takenOfPortion = 0;
 }
@@ -95,9 +100,6 @@ void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
     const sBasketOrderData& row = m_rows[placed.record];
     prepared.place.serialNumber = row.SerialNumber();
     ReadOrder(row, prepared.order);
-    const OrderOrigin origin = m_rows.LineOf(placed.record) > 0
-                                   ? OrderOrigin{m_fileName, m_rows.LineOf(placed.record)}
-                                   : OrderOrigin{};
     if (const auto state = m_session.host.pu_get_cautionary_bskt_confirm_state) {
         const CString symbol = m_session.String(prepared.order.tradingSymbol);
         const CString exchange = m_session.String(prepared.order.exchange);
@@ -106,33 +108,48 @@ void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
         if (answer == 1) prepared.place.cautionary = m_confirmed == 1;
     }
     if (!prepared.goesOut || m_stopped || m_session.Ended()) return;
-    prepared.orderId = m_session.FreshIdentifier(pass);
-    if (!m_session.record.IsKept()) return;
-    // Most rows of a file start on the same day.
-    if (prepared.order.startDate != m_startSeconds) {
-        m_startSeconds = prepared.order.startDate;
-        m_startText = StartDateText(prepared.order);
+    // What is proven not to be registered is the same order still.
+    if (m_rows.State(placed.record) == RowState::absent)
+        prepared.orderId = m_session.record.Ledger()[m_rows.OrderOf(placed.record)].Text(RecordField::orderId);
+    if (prepared.orderId.value_or("").empty()) prepared.orderId = m_session.FreshIdentifier(pass);
+}
+
+RecordedOrder BasketPlacing::Recorded(const Row& placed, const Prepared& prepared) {
+    const int line = m_rows.LineOf(placed.record);
+    if (m_rows.State(placed.record) == RowState::absent) {
+        RecordedOrder again = m_session.record.Ledger()[m_rows.OrderOf(placed.record)];
+        RecordTexts texts = again.Texts();
+        texts[RecordField::orderId] = prepared.orderId.value_or("");
+        texts[RecordField::text] = again.SentText();
+        return RecordedOrder(texts);
     }
-    prepared.recorded =
-        RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""), m_startText, origin);
+    return RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""),
+                            m_startDates.Text(prepared.order.startDate),
+                            line > 0 ? OrderOrigin{m_fileName, line} : OrderOrigin{});
 }
 
 void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
-    if (!prepared.goesOut) return;
+    const bool wasSent = m_rows.IsSent(placed.record);
+    if (!prepared.goesOut) {
+        if (!wasSent) m_rows.SetNotPlaced(placed.record, "Held back: it was not confirmed.");
+        return;
+    }
     std::string exchange = prepared.order.exchange;
     Convert(kExchangeToDisplay, prepared.order.exchange, exchange);
-    m_rows.SetSending(placed.record);
-    if (prepared.recorded) m_unanswered.insert_or_assign(prepared.place.serialNumber, *prepared.recorded);
-    const bool sent = SendAddSipOrders(pass, m_session, m_control, m_failures, prepared.order, prepared.orderId,
-                                       exchange, &prepared.place);
-    m_rows.SetSending(kNoRecord);
-    if (sent) {
-        m_rows.MarkSent(placed.record);
+    m_unanswered.insert_or_assign(prepared.place.serialNumber, prepared.recorded);
+    KeptTexts failure;
+    if (SendAddSipOrders(pass, m_session, m_control, failure, prepared.order, prepared.orderId, exchange,
+                         &prepared.place)) {
+        m_rows.SetOrder(placed.record, prepared.recorded,
+                        RowStateOf(m_session.record.Ledger()[prepared.recorded].State()));
         m_sent.push_back(placed.record);
         return;
     }
+    if (const std::string text = failure.Text(); !text.empty()) m_failures.Add(text);
     m_unanswered.erase(prepared.place.serialNumber);
-    if (prepared.recorded) m_session.record.Tell(*prepared.recorded, OrderEvent::notSent, {});
+    m_session.record.Tell(prepared.recorded, OrderEvent::notSent, failure.Text());
+    // What was sent before may be registered all the same.
+    if (!wasSent) m_rows.SetNotPlaced(placed.record, failure.Text());
 }
 
 } // namespace planfold

@@ -6,6 +6,7 @@
 #include "plugin/basket/BasketRows.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderentry/PlaceOrder.h"
+#include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/record/OrderRecord.h"
 #include "sdk/RxControl.h"
 
@@ -18,7 +19,7 @@
 namespace planfold {
 
 // What was sent and is not answered, by the rows' serial numbers.
-using UnansweredRows = std::unordered_map<std::int32_t, RecordedOrder>;
+using UnansweredRows = std::unordered_map<std::int32_t, OrderPlace>;
 
 class BasketPlacing {
 public:
@@ -60,13 +61,14 @@ private:
         BasketPlace place{};
         sSipOrderData order{};
         std::optional<std::string> orderId{};
-        std::optional<RecordedOrder> recorded{}; // until it is known whether it went out
+        OrderPlace recorded = kNoOrder; // in the order record
     };
 
     void TellHost(Pass pass, const Row& placed);
     void AskHost(Pass pass);
     void PreparePortion(Pass pass);
     void Prepare(Pass pass, const Row& placed, Prepared& prepared);
+    RecordedOrder Recorded(const Row& placed, const Prepared& prepared);
     void Send(Pass pass, const Row& placed, Prepared& prepared);
 
     Session& m_session;
@@ -76,11 +78,11 @@ private:
     const std::string m_fileName;
     const AskWithoutRecord m_ask;
     std::vector<Row> m_placed;
-    std::size_t m_next = 0;                  // of the pass
-    int m_confirmed = -1;                    // the host's answer; negative in the first pass
-    std::vector<Prepared> m_portion;         // of the rows that come next
-    std::size_t m_takenOfPortion = 0;        // those whose turn has come
-    std::string m_startSeconds, m_startText; // of the row before
+    std::size_t m_next = 0;           // of the pass
+    int m_confirmed = -1;             // the host's answer; negative in the first pass
+    std::vector<Prepared> m_portion;  // of the rows that come next
+    std::size_t m_takenOfPortion = 0; // those whose turn has come
+    StartDates m_startDates;
     std::vector<RecordId> m_sent;
     KeptTexts m_failures;
     bool m_stopped = false;

@@ -3,7 +3,9 @@
 #include "plugin/base/Numbers.h"
 #include "plugin/basket/BasketOrder.h"
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 namespace planfold {
@@ -26,22 +28,22 @@ std::uint64_t AlikeKey(const sBasketOrderData& row) {
     return key;
 }
 
-// Of all that is sent of a row.
-std::uint64_t OrderKey(const BasketTexts& texts) {
-    std::uint64_t key = 0;
-    for (const SipOrderField& sent : kSipOrderFields)
-        AddToKey(key, texts[sent.field]);
-    AddToKey(key, texts[ValueField(texts[BasketField::investType])]);
-    return key;
-}
+constexpr RowState kSentStates[] = {RowState::sent, RowState::registered, RowState::refused, RowState::inDoubt};
 
 } // namespace
+
+RowState RowStateOf(OrderState state) {
+    constexpr RowState states[] = {RowState::sent,      RowState::registered, RowState::refused,
+                                   RowState::notPlaced, RowState::inDoubt,    RowState::absent};
+    static_assert(std::size(states) == static_cast<std::size_t>(OrderState::count));
+    return states[static_cast<std::size_t>(state)];
+}
 
 RecordId BasketRows::Add(const BasketTexts& texts) {
     RecordId record = static_cast<RecordId>(m_rows.size());
     if (m_free.empty()) {
         m_rows.emplace_back();
-        m_sent.push_back(false);
+        m_standing.emplace_back();
         m_lines.push_back(0);
     } else {
         record = m_free.back();
@@ -57,9 +59,6 @@ RecordId BasketRows::Add(const BasketTexts& texts) {
 RecordId BasketRows::AddLoaded(const BasketTexts& texts, int line) {
     const RecordId record = Add(texts);
     m_lines[record] = line;
-    if (!m_anySent) return record;
-    const std::uint64_t key = OrderKey(texts);
-    if (m_sentOrders.Of(key) > m_sentRows.Of(key)) CountAsSent(record, key);
     return record;
 }
 
@@ -80,8 +79,6 @@ void BasketRows::Remove(RecordId record) {
 void BasketRows::Clear() {
     BasketRows empty;
     empty.m_nextSerial = empty.m_firstSerial = m_nextSerial;
-    empty.m_sentOrders = std::move(m_sentOrders);
-    empty.m_anySent = m_anySent;
     *this = std::move(empty);
 }
 
@@ -90,22 +87,44 @@ RecordId BasketRows::BySerialNumber(std::int64_t number) const {
     return m_bySerialNumber[static_cast<std::size_t>(number - m_firstSerial)];
 }
 
-void BasketRows::MarkSent(RecordId record) {
-    const BasketTexts texts = m_rows[record].Texts();
-    RememberSent(texts);
-    CountAsSent(record, OrderKey(texts));
+void BasketRows::SetOrder(RecordId record, OrderPlace order, RowState state) {
+    if (const OrderPlace before = m_standing[record].order; before != order) m_byOrder.erase(before);
+    m_standing[record].order = order;
+    m_byOrder.insert_or_assign(order, record);
+    SetState(record, state);
 }
 
-void BasketRows::RememberSent(const BasketTexts& texts) {
-    m_sentOrders.Increment(OrderKey(texts));
-    m_anySent = true;
+RecordId BasketRows::ByOrder(OrderPlace order) const {
+    const auto found = m_byOrder.find(order);
+    return found == m_byOrder.end() ? kNoRecord : found->second;
 }
 
-void BasketRows::CountAsSent(RecordId record, std::uint64_t key) {
-    if (m_sent[record]) return;
-    m_sent[record] = true;
-    ++m_sentCount;
-    m_sentRows.Increment(key);
+void BasketRows::SetNotPlaced(RecordId record, std::string_view why) {
+    SetState(record, RowState::notPlaced);
+    m_whyNotPlaced.insert_or_assign(record, why);
+}
+
+std::string_view BasketRows::WhyNotPlaced(RecordId record) const {
+    const auto found = m_whyNotPlaced.find(record);
+    return found == m_whyNotPlaced.end() ? std::string_view() : found->second;
+}
+
+bool BasketRows::IsSent(RecordId record) const {
+    return std::ranges::find(kSentStates, State(record)) != std::end(kSentStates);
+}
+
+std::size_t BasketRows::SentCount() const {
+    std::size_t sent = 0;
+    for (const RowState state : kSentStates)
+        sent += Count(state);
+    return sent;
+}
+
+void BasketRows::SetState(RecordId record, RowState state) {
+    m_whyNotPlaced.erase(record);
+    --m_counts[static_cast<std::size_t>(State(record))];
+    m_standing[record].state = state;
+    ++m_counts[static_cast<std::size_t>(state)];
 }
 
 bool BasketRows::StandsTwice(RecordId record) const {
@@ -116,17 +135,17 @@ void BasketRows::Enter(RecordId record) {
     const std::uint32_t alike = m_alike.Increment(AlikeKey(m_rows[record]));
     // With the second of a kind, the first stands twice as well.
     if (alike > 1) m_standingTwice += alike == 2 ? 2 : 1;
+    ++m_counts[static_cast<std::size_t>(State(record))];
     AddToTotals(m_rows[record], 1);
 }
 
 void BasketRows::Leave(RecordId record) {
     const std::uint32_t left = m_alike.Decrement(AlikeKey(m_rows[record]));
     if (left > 0) m_standingTwice -= left == 1 ? 2 : 1;
-    if (m_sent[record]) {
-        --m_sentCount;
-        m_sentRows.Decrement(OrderKey(m_rows[record].Texts()));
-    }
-    m_sent[record] = false;
+    --m_counts[static_cast<std::size_t>(State(record))];
+    m_byOrder.erase(m_standing[record].order);
+    m_whyNotPlaced.erase(record);
+    m_standing[record] = {};
     m_bySerialNumber[static_cast<std::size_t>(m_rows[record].SerialNumber() - m_firstSerial)] = kNoRecord;
     AddToTotals(m_rows[record], -1);
 }

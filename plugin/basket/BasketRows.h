@@ -1,14 +1,18 @@
-// The rows of the basket, by record: their texts, which of them have been sent, which stand there twice, and
-// what they come to. In which order they stand is the list's affair.
+// The rows of the basket, by record: their texts, what has become of each, which stand there twice, and what
+// they come to. In which order they stand is the list's affair.
 #pragma once
 
 #include "plugin/base/KeyCounts.h"
 #include "plugin/base/LongRun.h"
 #include "plugin/basket/BasketOrder.h"
+#include "plugin/record/OrderLedger.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace planfold {
@@ -19,18 +23,30 @@ struct BasketTotals {
     std::int64_t quantity = 0;    // of orders by quantity
 };
 
+// What has become of a row.
+enum class RowState : std::uint8_t {
+    notSent,
+    sent, // and not yet answered
+    registered,
+    refused,   // by the server
+    notPlaced, // held back, or it could not be sent
+    inDoubt,
+    absent, // it was sent, and is proven not to be registered
+    count
+};
+RowState RowStateOf(OrderState state);
+
 class BasketRows {
 public:
     // The row gets the next serial number.
     RecordId Add(const BasketTexts& texts);
-    // The same for a row out of a file's line (from 1), which is known again: it counts as sent when more
-    // orders like it were sent than stand here as sent.
+    // The same for a row out of a file's line (from 1).
     RecordId AddLoaded(const BasketTexts& texts, int line);
     // The row is another order from now on: with the next serial number, and not sent.
     void Replace(RecordId record, const BasketTexts& texts);
     void SetUserText(RecordId record, std::string_view text) { m_rows[record].SetUserText(text); }
     void Remove(RecordId record);
-    // Serial numbers go on, and what was sent is remembered.
+    // Serial numbers go on.
     void Clear();
 
     const sBasketOrderData& operator[](RecordId record) const { return m_rows[record]; }
@@ -40,14 +56,20 @@ public:
     // The line of the file that it was loaded from; 0 when the form made it.
     int LineOf(RecordId record) const { return m_lines[record]; }
 
-    void MarkSent(RecordId record);
-    // An order like this one may have been sent.
-    void RememberSent(const BasketTexts& texts);
-    // The row that is on its way; kNoRecord when none is.
-    void SetSending(RecordId record) { m_sending = record; }
-    RecordId Sending() const { return m_sending; }
-    bool IsSent(RecordId record) const { return m_sent[record]; }
-    std::size_t SentCount() const { return m_sentCount; }
+    // The row is this order of the order record, whose state it shows from now on.
+    void SetOrder(RecordId record, OrderPlace order, RowState state);
+    // kNoOrder for a row that was not sent, kNoRecord for an order that is no row.
+    OrderPlace OrderOf(RecordId record) const { return m_standing[record].order; }
+    RecordId ByOrder(OrderPlace order) const;
+    // It was not sent, and why.
+    void SetNotPlaced(RecordId record, std::string_view why);
+    // Empty where the order record says it.
+    std::string_view WhyNotPlaced(RecordId record) const;
+    RowState State(RecordId record) const { return m_standing[record].state; }
+    std::size_t Count(RowState state) const { return m_counts[static_cast<std::size_t>(state)]; }
+    // Whether it left the desk, and is not proven to have gone astray.
+    bool IsSent(RecordId record) const;
+    std::size_t SentCount() const;
 
     // Whether client, scrip, side, frequency and start date stand in another row as well.
     bool StandsTwice(RecordId record) const;
@@ -57,11 +79,16 @@ public:
     const BasketTotals& Sell() const { return m_sell; }
 
 private:
+    struct Standing {
+        OrderPlace order = kNoOrder;
+        RowState state = RowState::notSent;
+    };
+
     // What a row adds to the counts, and takes from them when it goes.
     void Enter(RecordId record);
     void Leave(RecordId record);
     void AddToTotals(const sBasketOrderData& row, int sign);
-    void CountAsSent(RecordId record, std::uint64_t key);
+    void SetState(RecordId record, RowState state);
 
     std::vector<sBasketOrderData> m_rows;
     std::vector<RecordId> m_free; // places of removed rows
@@ -69,12 +96,10 @@ private:
     std::int32_t m_firstSerial = 1;         // of the next table
     std::vector<RecordId> m_bySerialNumber; // from m_firstSerial
     std::vector<int> m_lines;
-    std::vector<bool> m_sent;
-    std::size_t m_sentCount = 0;
-    KeyCounts m_sentRows;   // by what they order
-    KeyCounts m_sentOrders; // the same of all that ever were
-    bool m_anySent = false; // of these
-    RecordId m_sending = kNoRecord;
+    std::vector<Standing> m_standing;
+    std::array<std::size_t, static_cast<std::size_t>(RowState::count)> m_counts{};
+    std::unordered_map<OrderPlace, RecordId> m_byOrder;
+    std::unordered_map<RecordId, std::string> m_whyNotPlaced;
     KeyCounts m_alike; // rows by what makes them alike
     std::size_t m_standingTwice = 0;
     BasketTotals m_buy, m_sell;

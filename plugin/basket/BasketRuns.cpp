@@ -1,10 +1,9 @@
 #include "plugin/basket/BasketRuns.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/orderentry/RecordedOrders.h"
+#include "plugin/record/OrderRecord.h"
 #include "plugin/resources/resource.h"
 
-#include <set>
 #include <utility>
 
 namespace planfold {
@@ -45,9 +44,10 @@ void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
     list.RemoveAll();
     m_rows.Clear();
     m_rejected = {};
+    m_session.record.Refresh();
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     m_loading = std::make_shared<BasketLoading>(m_session, std::move(text), std::move(rules),
                                                 BasketLoading::Target{m_rows, list, m_rejected.lines});
     RunFor(kFirstPortionMs);
@@ -60,7 +60,7 @@ void BasketRuns::EndLoading() {
     m_view.SetTitle(m_titleBefore);
     m_view.ShowRun();
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
     std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
     if (m_bringsBack) {
         if (!m_life.Across([&](Pass) { texts[2] = EndBringingBack(loading->Stopped()); })) return;
@@ -72,56 +72,6 @@ void BasketRuns::EndLoading() {
     }
     for (const std::string& text : texts)
         if (!text.empty() && !m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, text); })) return;
-}
-
-void BasketRuns::Place() {
-    if (IsBusy()) return;
-    const BasketList& list = m_view.List();
-    if (list.RowCount() == 0) return m_view.ShowLast("Please Select an Order");
-    if (!m_placeable) return;
-    const Choice sentToo = AskAboutSent();
-    if (sentToo == Choice::cancel) return;
-    std::vector<BasketPlacing::Row> placed;
-    std::set<std::string> clients;
-    for (std::size_t row = 0; row < list.RowCount(); ++row) {
-        const RecordId record = list.RecordAt(row);
-        if (sentToo == Choice::no && m_rows.IsSent(record)) continue;
-        placed.push_back({record, static_cast<int>(row)});
-        clients.emplace(m_rows[record].Text(BasketField::account));
-    }
-    if (placed.empty()
-        || !m_questions.AskAboutUnknown(clients, "Place their orders all the same?", m_placeAgain)
-        || !m_questions.Ask("Are you sure to place these Basket Orders?", m_placeAgain))
-        return;
-    LetPlace(false);
-    // Its first call to the host is made before it stands.
-    auto placing = m_questions.Alone([&](Pass pass) {
-        return std::make_shared<BasketPlacing>(
-            pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
-            [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
-    });
-    if (!placing) return LetPlace(true);
-    m_placing = std::move(*placing);
-    if (!KeepUnsent()) return;
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-// Yes when no row was.
-Choice BasketRuns::AskAboutSent() {
-    const std::size_t rows = m_view.List().RowCount(), sent = m_rows.SentCount();
-    if (sent == 0) return Choice::yes;
-    std::string question = Format("%zu of the %zu orders have already been sent.\n\n"
-                                  "Yes: place all %zu, and so these again.\n",
-                                  sent, rows, rows);
-    question += sent == rows ? "No: place none."
-                             : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
-    return m_questions.Choose(question, m_placeAgain);
-}
-
-void BasketRuns::RecordAnswer(std::int64_t serialNumber, const Answer& answer) {
-    if (const auto sent = m_unanswered.extract(static_cast<std::int32_t>(serialNumber)))
-        RecordOutcome(m_session, sent.mapped(), OrderEvent::registered, answer);
 }
 
 void BasketRuns::EndPlacing() {

@@ -24,12 +24,15 @@ public:
     // Once the window stands: asks what becomes of the orders that an earlier session did not send.
     void OfferUnsent();
     void Load();
-    void Place();
+    // Which rows a placing is about.
+    enum class Placed { all, selected, unsent, refused };
+    void Place(Placed which = Placed::all);
     // Says whether the rows may be placed; the place button shows it.
     void LetPlace(bool may);
     void ShowPlaceable();
-    // An answer of the server to the row with this serial number, whatever has become of it since.
-    void RecordAnswer(std::int64_t serialNumber, const Answer& answer);
+    // The order that the server answers, by its identifier or the serial number of its row, whatever has become
+    // of that since; kNoOrder when the answer tells neither.
+    OrderPlace TakeAnswered(const Answer& answer);
     // The rows were changed, and nothing of the caller's comes after it.
     void KeepUnsentLast() { static_cast<void>(KeepUnsent()); }
     // The window is gone, and with it the run.
@@ -55,7 +58,11 @@ private:
     void BeginLoading(std::string text, BasketRules rules);
     void RunFor(std::int64_t milliseconds);
     void EndLoading();
-    Choice AskAboutSent();
+    // Those that are to be placed; none when that is not clear, or nothing is to be.
+    std::vector<BasketPlacing::Row> ChooseRows(Placed which);
+    bool LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which);
+    bool LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which);
+    const Act& PlaceAgain(Placed which) const { return m_placeAgain[static_cast<std::size_t>(which)]; }
     void EndPlacing();
     void OfferToRemove();
     // False when the window has gone meanwhile.
@@ -73,7 +80,10 @@ private:
     RejectedLines& m_rejected; // of the last load
     const Act m_offerAgain{[this] { OfferUnsent(); }};
     const Act m_loadAgain{[this] { LoadFile(); }};
-    const Act m_placeAgain{[this] { Place(); }};
+    const Act m_placeAgain[4] = {{[this] { Place(Placed::all); }},
+                                 {[this] { Place(Placed::selected); }},
+                                 {[this] { Place(Placed::unsent); }},
+                                 {[this] { Place(Placed::refused); }}};
     const Act m_removeAgain{[this] { OfferToRemove(); }};
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;

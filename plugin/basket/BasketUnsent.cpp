@@ -3,21 +3,45 @@
 
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
+#include "plugin/record/OrderRecord.h"
 
+#include <set>
 #include <utility>
 
 namespace planfold {
 
 namespace {
 
+struct UnsentCounts {
+    std::size_t orders = 0;
+    std::size_t sent = 0; // of these, those that the order record knows
+};
+
+// The file may be older than the last order that was sent.
+UnsentCounts Count(std::string_view text, const OrderLedger& ledger) {
+    UnsentCounts counts;
+    StartDates dates;
+    std::set<OrderPlace> known;
+    BasketLines lines(text);
+    while (const auto line = lines.Next()) {
+        ++counts.orders;
+        BasketTexts columns;
+        if (!SplitBasketLine(line->text, columns)) continue;
+        for (const OrderPlace place : ledger.StandingLike(AskedForBy(columns, dates)))
+            if (known.insert(place).second) {
+                ++counts.sent;
+                break;
+            }
+    }
+    return counts;
+}
+
 std::string OfferOf(const UnsentCounts& found) {
-    std::string question =
-        Format("Orders of the basket that were not sent when the terminal ended: %zu.\n", found.orders);
-    if (found.doubtful)
-        question +=
-            Format("Of these, %zu were just being placed and may have been sent: they come back marked as "
-                   "sent. Look for them in the registration book.\n",
-                   found.doubtful);
+    std::string question = Format("Orders of the basket that were not sent when the terminal ended: %zu.\n",
+                                  found.orders - found.sent);
+    if (found.sent)
+        question += Format("Besides these, %zu were sent: they come back marked with what is known of them.\n",
+                           found.sent);
     return question
            + "\nYes: take them into the basket again.\nNo: save them to a file of their own.\n"
              "Cancel: ask again next time.";
@@ -34,7 +58,7 @@ bool BasketRuns::KeepUnsent() {
             if (aside.empty()) return true;
         }
     m_unsentSettled = true;
-    m_view.Unsent().Replace(UnsentText(m_rows, m_view.List(), m_placing != nullptr));
+    m_view.Unsent().Replace(UnsentText(m_rows, m_view.List()));
     if (aside.empty() || m_session.Ended()) return !m_session.Ended();
     return m_life.Across([&](Pass pass) {
         m_view.ShowMessage(pass, "The orders that were not sent before are in\n" + aside
@@ -45,13 +69,12 @@ bool BasketRuns::KeepUnsent() {
 void BasketRuns::OfferUnsent() {
     if (m_unsentSettled || IsBusy()) return;
     auto text = m_view.Unsent().Read();
-    const UnsentCounts found = CountUnsent(text ? *text : std::string());
-    m_unsentSettled = found.orders == 0;
+    const UnsentCounts found = text ? Count(*text, m_session.record.Ledger()) : UnsentCounts();
+    m_unsentSettled = found.orders == found.sent;
     if (m_unsentSettled) return;
     const Choice choice = m_questions.Choose(OfferOf(found), m_offerAgain);
     if (choice == Choice::cancel) return;
     if (choice == Choice::no) return KeepUnsentLast();
-    RememberDoubtful(*text, m_rows);
     m_bringsBack = true;
     m_path = "PlanfoldBasket.csv";
     BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
@@ -78,7 +101,7 @@ void BasketRuns::BringNothingBack() {
     m_rows.Clear();
     m_rejected = {};
     m_view.ShowStatus();
-    m_view.ShowRejected();
+    m_view.ShowPanel();
 }
 
 } // namespace planfold

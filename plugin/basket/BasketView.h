@@ -73,9 +73,11 @@ public:
     // line ends.
     virtual bool WriteFileWhole(const std::string& path, std::string_view text) = 0;
     virtual void ShowWaiting(bool waiting) = 0;
-    // What stands in the status line, or on the rejected lines' panel, is no longer true.
+    // What stands in the status line, or on the panel of rejected lines and results, is no longer true.
     virtual void ShowStatus() = 0;
-    virtual void ShowRejected() = 0;
+    // The same of both, once for many changes.
+    virtual void ShowStatusSoon() = 0;
+    virtual void ShowPanel() = 0;
     // A load or a placing has begun, gone on or ended.
     virtual void ShowRun() = 0;
     // The calendar's clock.

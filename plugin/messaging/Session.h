@@ -17,6 +17,7 @@
 
 namespace planfold {
 
+class LiveRegistrations;
 class OrderRecord;
 
 // The process-wide strings, which outlive the session.
@@ -82,7 +83,8 @@ public:
     HostCallbacks host;
     Identity identity;
     StringManager& strings;
-    OrderRecord& record; // of what is sent, on the disk
+    OrderRecord& record;                     // of what is sent, on the disk
+    const LiveRegistrations* book = nullptr; // as far as the book knows them; null without one
 
     std::string
         userDirectory; // the host's for this user, without a separator behind it; empty until it is asked

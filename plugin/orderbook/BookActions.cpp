@@ -127,19 +127,24 @@ void BookActions::Change(PauseOrResume which) {
 void BookActions::ChangeOne(PauseOrResume which, const std::string& number) {
     const RecordedOrder recorded = RecordedChange(m_session, RequestNameOf(which), number);
     m_withoutRecord = false;
-    if (!RecordSending({&recorded, 1})) return;
+    const auto places = RecordSending({&recorded, 1});
+    if (!places) return;
     Lifetime::Last([&](Pass pass) {
         if (!SendPauseSipOrder(pass, m_session, m_control, m_view, which, number))
-            m_session.record.Tell(recorded, OrderEvent::notSent, {});
+            m_session.record.Tell(places->front(), OrderEvent::notSent, {});
     });
 }
 
-bool BookActions::RecordSending(std::span<const RecordedOrder> requests) {
-    if (m_session.record.Sending(requests) || m_withoutRecord) return true;
-    m_asking = true;
-    const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); });
-    m_asking = false;
-    return m_withoutRecord = reply == Reply::yes;
+std::optional<std::vector<OrderPlace>> BookActions::RecordSending(std::span<const RecordedOrder> requests) {
+    if (auto places = m_session.record.Sending(requests)) return places;
+    if (!m_withoutRecord) {
+        m_asking = true;
+        const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); });
+        m_asking = false;
+        m_withoutRecord = reply == Reply::yes;
+    }
+    if (!m_withoutRecord) return std::nullopt;
+    return m_session.record.SendingUnwritten(requests);
 }
 
 void BookActions::ChangeSelected(PauseOrResume which) {
@@ -221,7 +226,8 @@ void BookActions::SendRecorded(std::size_t most) {
         recorded.push_back(
             RecordedChange(m_session, request, m_cache[records[i]].Number(), {}, {}, orderIds[i].value_or("")));
     }
-    if (!RecordSending(recorded)) return m_run->Stop();
+    const auto places = RecordSending(recorded);
+    if (!places) return m_run->Stop();
     bool isThere = true;
     for (std::size_t i = 0; i < records.size(); ++i) {
         bool sent = false;
@@ -232,7 +238,7 @@ void BookActions::SendRecorded(std::size_t most) {
         if (sent)
             m_run->CountSent();
         else
-            m_session.record.Tell(recorded[i], OrderEvent::notSent, {});
+            m_session.record.Tell((*places)[i], OrderEvent::notSent, {});
     }
 }
 
@@ -264,7 +270,7 @@ void BookActions::EndRun() {
 void BookActions::RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event) {
     std::string number = FieldText(answer.message, tag::registrationNumber);
     if (number.empty()) number = FieldText(answer.message, tag::echoedNumber);
-    RecordOutcome(m_session, RecordedChange(m_session, request, number), event, answer);
+    RecordChanged(m_session, request, number, event, answer);
 }
 
 void BookActions::HandleCancelled(const Answer& answer) {

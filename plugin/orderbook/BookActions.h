@@ -54,8 +54,9 @@ private:
     void SendRecorded(std::size_t most);
     bool SendOne(Pass pass, RecordId record, const std::optional<std::string>& orderId);
     void ChangeOne(PauseOrResume which, const std::string& number);
-    // Whether the requests may go out: they are on the disk, or the dealer agrees that they are not.
-    [[nodiscard]] bool RecordSending(std::span<const RecordedOrder> requests);
+    // Their places in the record when they may go out: they are on the disk, or the dealer agrees that they are
+    // not.
+    std::optional<std::vector<OrderPlace>> RecordSending(std::span<const RecordedOrder> requests);
     void RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event);
     bool Finished() const;
     void EndRun();

@@ -23,7 +23,7 @@ struct OrdersQuery {
 constexpr RequestField<OrdersQuery> kOrdersFields[] = {
     {tag::loginId, [](OrdersQuery& query) -> Value { return query.loginId; }, "User not logged in"},
 };
-constexpr Request<OrdersQuery> kOrdersRequest{"om_get_sip_orders", nullptr, kOrdersFields, "Request Failure",
+constexpr Request<OrdersQuery> kOrdersRequest{kGetSipOrders, nullptr, kOrdersFields, "Request Failure",
                                               nullptr};
 
 struct HistoryQuery {

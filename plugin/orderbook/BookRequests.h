@@ -10,6 +10,7 @@
 
 namespace planfold {
 
+inline constexpr std::string_view kGetSipOrders = "om_get_sip_orders";
 // The registrations of the login id: the request om_get_sip_orders. False when nothing was sent; most reasons
 // are shown.
 bool SendGetSipOrders(Pass pass, Session& session, RxControl* control, Notices& notices);

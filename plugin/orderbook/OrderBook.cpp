@@ -4,6 +4,7 @@
 #include "plugin/orderbook/BookLists.h"
 #include "plugin/orderbook/BookRequests.h"
 #include "plugin/orderbook/OrderInfo.h"
+#include "plugin/orderbook/RecordedRow.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
@@ -11,7 +12,7 @@
 namespace planfold {
 
 const AnswerHandler<OrderBook> OrderBook::kAnswers[] = {
-    {"om_get_sip_orders", &OrderBook::HandleRow},
+    {kGetSipOrders, &OrderBook::HandleRow},
     {"qry_eq_sip", &OrderBook::HandleHistoryRow},
     {"get_sip_operation_mode", &OrderBook::HandleOperationMode, OnError::logAndHandle},
     {"add_sip_orders", &OrderBook::HandleUserText, OnError::logAndHandle},
@@ -76,7 +77,7 @@ RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     if (isNew) record = m_cache.Add(*number);
     ReadOrderRow(message, m_session.m_nSipOperationMode != 0, *accountName, m_cache[record]);
     if (m_session.record.AwaitsRows())
-        m_session.record.OnRow(m_cache[record].Text(OrderField::orderId), m_cache[record].Number());
+        m_session.record.OnRow(RecordedRow(m_cache[record], m_session.m_nSipOperationMode != 0).Row());
     m_view.Registered().Repaint(record);
     m_view.Cancelled().Repaint(record);
     // A known record enters the cancelled book, but never the registered one.
@@ -85,6 +86,13 @@ RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {
     if ((isNew || cancelled) && !list.Contains(record)) list.InsertFront(record, arrival);
     const bool isThere = m_life.Across([&](Pass pass) { m_view.TellChanged(pass, m_cache[record]); });
     return isThere ? record : kNoRecord;
+}
+
+void OrderBook::EachLive(const std::function<void(const BookRow&)>& each) const {
+    for (RecordId record = 0; record < m_cache.Size(); ++record) {
+        const RecordedRow row(m_cache[record], m_session.m_nSipOperationMode != 0);
+        if (row.Row().isLive) each(row.Row());
+    }
 }
 
 void OrderBook::HandleOperationMode(const Answer& answer) {

@@ -7,6 +7,7 @@
 #include "plugin/orderbook/BookActions.h"
 #include "plugin/orderbook/BookView.h"
 #include "plugin/orderbook/OrderCache.h"
+#include "plugin/record/OrderRecord.h"
 #include "sdk/RxControl.h"
 
 #include <string_view>
@@ -20,11 +21,16 @@ struct BookControls {
     RxControl* accountStream;
 };
 
-class OrderBook {
+class OrderBook final : private LiveRegistrations {
 public:
     OrderBook(Session& session, BookView& view, const BookControls& controls)
         : m_session(session), m_view(view), m_controls(controls),
-          m_actions(session, view, m_cache, controls.requests, m_life) {}
+          m_actions(session, view, m_cache, controls.requests, m_life) {
+        m_session.book = this;
+    }
+    OrderBook(const OrderBook&) = delete;
+    OrderBook& operator=(const OrderBook&) = delete;
+    ~OrderBook() { m_session.book = nullptr; }
 
     // For a window that has just been made: begins empty, asks for everything and subscribes.
     void Open(const LocalDateTime& today);
@@ -44,6 +50,7 @@ private:
     // The record of the message's registration number, entered where the rules put it; kNoRecord without a
     // number, or when the window has gone meanwhile.
     RecordId ApplyRow(void* message, Arrival arrival);
+    void EachLive(const std::function<void(const BookRow&)>& each) const override;
     void HandleOperationMode(const Answer& answer);
     void HandleRow(const Answer& answer);
     void HandleHistoryRow(const Answer& answer);

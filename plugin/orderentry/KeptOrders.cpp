@@ -30,20 +30,24 @@ void KeptOrders::Sent(SentOrder order) {
     m_waiting.push_back(std::move(order));
 }
 
-std::optional<KeptOrders::SentOrder> KeptOrders::TakeAnswered(std::string_view client, std::int64_t now) {
-    while (m_waiting.size() > 1 && now - m_waiting.front().at > kAnswerPatienceMs)
+std::optional<KeptOrders::SentOrder> KeptOrders::TakeAnswered(OrderPlace named, std::string_view client,
+                                                              std::int64_t now) {
+    while (named == kNoOrder && m_waiting.size() > 1 && now - m_waiting.front().at > kAnswerPatienceMs)
         m_waiting.erase(m_waiting.begin());
-    const auto answered = std::ranges::find_if(
-        m_waiting, [&](const SentOrder& waiting) { return client.empty() || waiting.form.account == client; });
+    const auto answered = std::ranges::find_if(m_waiting, [&](const SentOrder& waiting) {
+        if (named != kNoOrder) return waiting.place == named;
+        return client.empty() || waiting.form.account == client;
+    });
     if (answered == m_waiting.end()) return std::nullopt;
     SentOrder order = std::move(*answered);
     m_waiting.erase(answered);
     return order;
 }
 
-std::optional<KeptOrders::SentOrder> KeptOrders::Refused(std::string_view client, std::string_view text,
-                                                         std::string_view code, std::int64_t now) {
-    auto order = TakeAnswered(client, now);
+std::optional<KeptOrders::SentOrder> KeptOrders::Refused(OrderPlace named, std::string_view client,
+                                                         std::string_view text, std::string_view code,
+                                                         std::int64_t now) {
+    auto order = TakeAnswered(named, client, now);
     std::string why = DescribeRefusal(text, code);
     if (order && !m_waiting.empty()) why += Format(" %zu more wait for an answer.", m_waiting.size());
     ForgetUnknown(); // the latest is enough, however many come

@@ -16,21 +16,21 @@ namespace planfold {
 
 class KeptOrders {
 public:
-    // What was sent, as the form had it and as the order record has it.
+    // What was sent, as the form had it, and its place in the order record.
     struct SentOrder {
         SipOrderForm form;
-        RecordedOrder recorded;
+        OrderPlace place;
         std::int64_t at;
     };
 
     void Sent(SentOrder order);
-    // An answer's order is the oldest one of its client that can still be waited for; of any when it names
-    // none. It is given back; none when nothing waits.
-    std::optional<SentOrder> Accepted(std::string_view client, std::int64_t now) {
-        return TakeAnswered(client, now);
+    // An answer's order is the one that it names by its identifier; without it, the oldest one of its client
+    // that can still be waited for, and of any when it names none. It is given back; none when nothing waits.
+    std::optional<SentOrder> Accepted(OrderPlace named, std::string_view client, std::int64_t now) {
+        return TakeAnswered(named, client, now);
     }
-    std::optional<SentOrder> Refused(std::string_view client, std::string_view text, std::string_view code,
-                                     std::int64_t now);
+    std::optional<SentOrder> Refused(OrderPlace named, std::string_view client, std::string_view text,
+                                     std::string_view code, std::int64_t now);
     void NotSent(const SipOrderForm& order, std::string_view text);
     // What the dealer had typed where another is brought back; its turn comes last.
     void SetAside(const SipOrderForm& order);
@@ -49,7 +49,7 @@ private:
         bool alarming = true;
     };
     void ForgetUnknown();
-    std::optional<SentOrder> TakeAnswered(std::string_view client, std::int64_t now);
+    std::optional<SentOrder> TakeAnswered(OrderPlace named, std::string_view client, std::int64_t now);
 
     std::vector<SentOrder> m_waiting; // the oldest first
     std::deque<Kept> m_kept;          // the last one's turn is next

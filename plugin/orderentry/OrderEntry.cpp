@@ -2,6 +2,7 @@
 
 #include "plugin/base/Text.h"
 #include "plugin/messaging/HostQuestions.h"
+#include "plugin/orderentry/DuplicateGuard.h"
 #include "plugin/orderentry/PlaceOrder.h"
 #include "plugin/orderentry/RecordedOrders.h"
 #include "plugin/record/OrderRecord.h"
@@ -94,23 +95,27 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
         return true;
     }
     bool isAgreed = false;
-    if (!m_life.Across([&](Pass) { isAgreed = Confirm(form, outcome.focus); })) return false;
+    if (!m_life.Across([&](Pass) { isAgreed = Confirm(form, record, outcome.focus); })) return false;
     if (!isAgreed) return true;
     const auto orderId = m_life.Across(
         [&](Pass pass) { return form.modifyMode ? std::nullopt : m_session.FreshIdentifier(pass); });
     if (!orderId) return false;
     const RecordedOrder recorded =
-        form.modifyMode ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(),
-                                         record.amountOrQuantity, record.totalPeriod)
-                        : RecordedNewOrder(m_session, record, orderId->value_or(""), StartDateText(record));
-    if (!m_life.Across([&](Pass) { isAgreed = RecordSending(form, recorded); })) return false;
-    return !isAgreed || m_life.Across([&](Pass pass) {
-        Send(pass, {form, record, *orderId, recorded}, outcome);
-    });
+        form.modifyMode
+            ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(), record.amountOrQuantity,
+                             record.totalPeriod, {}, record.investType)
+            : RecordedNewOrder(m_session, record, orderId->value_or(""), StartDates().Text(record.startDate));
+    std::optional<OrderPlace> place;
+    if (!m_life.Across([&](Pass) { place = RecordSending(form, recorded); })) return false;
+    return !place || m_life.Across([&](Pass pass) { Send(pass, {form, record, *orderId, *place}, outcome); });
 }
 
-bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
+bool OrderEntry::Confirm(const SipOrderForm& form, const sSipOrderData& order, int& focus) {
     if (form.modifyMode) return ConfirmChanged(form);
+    return ConfirmClient(form, focus) && ConfirmLike(form, order);
+}
+
+bool OrderEntry::ConfirmClient(const SipOrderForm& form, int& focus) {
     const Reply unknown =
         m_life.Across([&](Pass pass) { return IsUnknownClient(pass, m_session, form.account); });
     if (unknown != Reply::yes) return unknown == Reply::no;
@@ -119,6 +124,16 @@ bool OrderEntry::Confirm(const SipOrderForm& form, int& focus) {
         m_life.Across([&](Pass pass) { return m_view.Ask(pass, UnknownClientQuestion(form.account)); });
     if (reply == Reply::no) focus = m_form.ClientControl();
     return reply == Reply::yes;
+}
+
+bool OrderEntry::ConfirmLike(const SipOrderForm& form, const sSipOrderData& order) {
+    StartDates dates;
+    DuplicateGuard guard(m_session);
+    if (!guard.IsLike(RecordedNewOrder(m_session, order, {}, dates.Text(order.startDate)).Texts())) return true;
+    if (!MayAsk(form)) return false;
+    const std::string question =
+        "This order has been placed before:\n" + guard.Text() + "\nPlace it once more?";
+    return m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes;
 }
 
 // Again when it changes once more while the question stands.
@@ -137,10 +152,12 @@ bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
 }
 
 // On the disk before it goes out, or the dealer agrees that it is not.
-bool OrderEntry::RecordSending(const SipOrderForm& form, const RecordedOrder& recorded) {
-    if (m_session.record.Sending({&recorded, 1})) return true;
-    if (!MayAsk(form)) return false;
-    return m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) == Reply::yes;
+std::optional<OrderPlace> OrderEntry::RecordSending(const SipOrderForm& form, const RecordedOrder& recorded) {
+    if (const auto places = m_session.record.Sending({&recorded, 1})) return places->front();
+    if (!MayAsk(form)
+        || m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) != Reply::yes)
+        return std::nullopt;
+    return m_session.record.SendingUnwritten({&recorded, 1}).front();
 }
 
 bool OrderEntry::MayAsk(const SipOrderForm& form) {
@@ -155,7 +172,7 @@ void OrderEntry::OnBoxGone(const LocalDateTime& now) {
 }
 
 void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
-    const auto& [form, record, orderId, recorded] = agreed;
+    const auto& [form, record, orderId, place] = agreed;
     const int life = m_life.Number();
     const std::int64_t now = m_view.Milliseconds();
     KeptNotice notice;
@@ -170,10 +187,10 @@ void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
     } else {
         // What was sent is kept whatever has become of the window.
         outcome.sent = SendAddSipOrders(pass, m_session, m_control, notice, record, orderId, form.exchange);
-        if (outcome.sent) m_kept.Sent({form, recorded, now});
+        if (outcome.sent) m_kept.Sent({form, place, now});
         if (!notice.text.empty()) m_kept.NotSent(form, notice.text);
     }
-    if (!outcome.sent) m_session.record.Tell(recorded, OrderEvent::notSent, notice.text);
+    if (!outcome.sent) m_session.record.Tell(place, OrderEvent::notSent, notice.text);
     outcome.text = notice.text;
     outcome.form = form;
 }
@@ -201,19 +218,20 @@ void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::string client = FieldText(answer.message, tag::account);
     const std::int64_t now = m_view.Milliseconds();
     const std::string text = FieldText(answer.message, tag::userText);
+    const OrderPlace named = PlaceOf(m_session, answer);
     if (!answer.hasError) {
-        if (const auto order = m_kept.Accepted(client, now))
-            RecordOutcome(m_session, order->recorded, OrderEvent::registered, answer);
+        if (const auto order = m_kept.Accepted(named, client, now))
+            RecordOutcome(m_session, order->place, OrderEvent::registered, answer);
         return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
-    if (const auto order = m_kept.Refused(client, text, answer.errorCode, now))
-        RecordOutcome(m_session, order->recorded, OrderEvent::registered, answer);
+    if (const auto order = m_kept.Refused(named, client, text, answer.errorCode, now))
+        RecordOutcome(m_session, order->place, OrderEvent::registered, answer);
     if (m_view.IsOpen()) ShowPlanLast();
 }
 
 void OrderEntry::HandleModified(const Answer& answer) {
     const std::string number = FieldText(answer.message, tag::registrationNumber);
-    RecordOutcome(m_session, RecordedChange(m_session, kModifySipOrder, number), OrderEvent::modified, answer);
+    RecordChanged(m_session, kModifySipOrder, number, OrderEvent::modified, answer);
     const bool own =
         m_sentModifications.Answered(number, m_life.Number(), answer.hasError, m_view.Milliseconds());
     if (answer.hasError) {

@@ -68,13 +68,15 @@ private:
         const SipOrderForm& form;
         const sSipOrderData& order;
         const std::optional<std::string>& orderId;
-        const RecordedOrder& recorded;
+        OrderPlace place; // in the order record
     };
     void Send(Pass pass, const Agreed& agreed, Outcome& outcome);
-    [[nodiscard]] bool RecordSending(const SipOrderForm& form, const RecordedOrder& recorded);
+    std::optional<OrderPlace> RecordSending(const SipOrderForm& form, const RecordedOrder& recorded);
     // What the dealer has to agree to before the order goes out; true when he did, in the same window. The
     // control says where he goes on otherwise.
-    [[nodiscard]] bool Confirm(const SipOrderForm& form, int& focus);
+    [[nodiscard]] bool Confirm(const SipOrderForm& form, const sSipOrderData& order, int& focus);
+    [[nodiscard]] bool ConfirmClient(const SipOrderForm& form, int& focus);
+    [[nodiscard]] bool ConfirmLike(const SipOrderForm& form, const sSipOrderData& order);
     [[nodiscard]] bool ConfirmChanged(const SipOrderForm& form);
     // Whether a question can be asked; otherwise it is once the open box is gone.
     bool MayAsk(const SipOrderForm& form);

@@ -1,6 +1,8 @@
 #include "plugin/record/OrderLedger.h"
 
+#include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace planfold {
 
@@ -32,11 +34,10 @@ OrderState StateBy(OrderEvent event) {
     }
 }
 
-template <class Texts>
-std::string AskedFor(const Texts& text) {
+std::string AskedFor(const RecordTexts& texts) {
     std::string all;
     for (const RecordField field : kAskedFor)
-        all.append(text(field)).push_back('\n');
+        all.append(texts[field]).push_back('\n');
     return all;
 }
 
@@ -46,34 +47,26 @@ std::string_view RequestOf(std::string_view text) {
 }
 
 // By which all events of an order are known as its own.
-template <class Texts>
-std::string NameOfOrder(const Texts& text) {
-    const std::string_view registration = text(RecordField::registration);
-    if (text(RecordField::frequency).empty() && !registration.empty())
-        return std::string(registration).append("\n").append(RequestOf(text(RecordField::text)));
-    if (const std::string_view id = text(RecordField::orderId); !id.empty()) return std::string(id);
-    return AskedFor(text);
-}
-
-auto In(const RecordTexts& texts) {
-    return [&](RecordField field) { return texts[field]; };
-}
-auto In(const RecordedOrder& order) {
-    return [&](RecordField field) { return order.Text(field); };
-}
-
-template <class Texts>
-std::uint64_t KeyOf(const Texts& text) {
-    return std::hash<std::string>()(AskedFor(text));
+std::string NameOfOrder(const RecordTexts& texts) {
+    const std::string_view registration = texts[RecordField::registration];
+    if (texts[RecordField::frequency].empty() && !registration.empty())
+        return std::string(registration).append("\n").append(RequestOf(texts[RecordField::text]));
+    if (const std::string_view id = texts[RecordField::orderId]; !id.empty()) return std::string(id);
+    return AskedFor(texts);
 }
 
 } // namespace
 
-RecordedOrder::RecordedOrder(const RecordTexts& texts) {
+std::uint64_t AskedForKey(const RecordTexts& order) {
+    return std::hash<std::string>()(AskedFor(order));
+}
+
+RecordedOrder::RecordedOrder(const RecordTexts& texts) : m_sentText(texts[RecordField::text]) {
     for (std::size_t i = 0; i < kRecordFieldCount; ++i) {
         m_texts.append(texts[static_cast<RecordField>(i)]);
         m_ends[i] = static_cast<std::uint32_t>(m_texts.size());
     }
+    texts[RecordField::time].copy(m_sentAt.data(), m_sentAt.size());
 }
 
 std::string_view RecordedOrder::Text(RecordField field) const {
@@ -95,52 +88,85 @@ void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
         if (field != RecordField::registration || !event[field].empty()) texts[field] = event[field];
     RecordedOrder anew(texts);
     anew.m_state = state;
+    anew.m_alikeBefore = m_alikeBefore;
+    if (state != OrderState::sent) {
+        anew.m_sentAt = m_sentAt;
+        anew.m_sentText = std::move(m_sentText);
+    }
     *this = std::move(anew);
 }
 
-void OrderLedger::Take(const RecordTexts& event) {
+OrderPlace OrderLedger::Take(const RecordTexts& event) {
     const auto kind = EventNamed(event[RecordField::event]);
-    if (!kind) return;
-    const auto [place, isNew] = m_places.try_emplace(NameOfOrder(In(event)), m_orders.size());
-    if (*kind == OrderEvent::sending) {
-        // Sent again, a new order is the same; without an identifier it is another one that asks for the same.
-        const bool again =
-            !isNew && !event[RecordField::orderId].empty() && !event[RecordField::frequency].empty();
-        if (again) return Change(m_orders[place->second], event, OrderState::sent);
-        place->second = m_orders.size();
-        Count(m_orders.emplace_back(event), true);
-    } else if (isNew) {
-        m_places.erase(place);
-    } else {
-        Change(m_orders[place->second], event, StateBy(*kind));
+    if (!kind) return kNoOrder;
+    const OrderPlace known = Find(event);
+    if (*kind != OrderEvent::sending) {
+        if (known != kNoOrder) SetState(m_orders[known], event, StateBy(*kind));
+        return known;
     }
+    // What never was in the book is the same order when it is sent again; whatever else has its identifier is
+    // another one.
+    const bool again = known != kNoOrder && !event[RecordField::orderId].empty()
+                       && !MayStand(m_orders[known].State())
+                       && AskedFor(m_orders[known].Texts()) == AskedFor(event);
+    if (!again) return Enter(event);
+    SetState(m_orders[known], event, OrderState::sent);
+    return known;
 }
 
-void OrderLedger::Change(RecordedOrder& order, const RecordTexts& event, OrderState state) {
-    Count(order, false);
+void OrderLedger::Take(OrderPlace place, const RecordTexts& event) {
+    if (const auto kind = EventNamed(event[RecordField::event]))
+        SetState(m_orders[place], event, StateBy(*kind));
+}
+
+OrderPlace OrderLedger::Enter(const RecordTexts& sending) {
+    const auto place = static_cast<OrderPlace>(m_orders.size());
+    m_places.insert_or_assign(NameOfOrder(sending), place);
+    RecordedOrder& order = m_orders.emplace_back(sending);
+    ++m_counts[static_cast<std::size_t>(OrderState::sent)];
+    if (order.ChangesRegistration()) return place;
+    const auto [latest, isFirst] = m_alike.try_emplace(AskedForKey(sending), place);
+    if (!isFirst) order.m_alikeBefore = std::exchange(latest->second, place);
+    return place;
+}
+
+void OrderLedger::SetState(RecordedOrder& order, const RecordTexts& event, OrderState state) {
+    --m_counts[static_cast<std::size_t>(order.State())];
     order.Take(event, state);
-    Count(order, true);
+    ++m_counts[static_cast<std::size_t>(state)];
 }
 
-void OrderLedger::Count(const RecordedOrder& order, bool enters) {
-    std::size_t& count = m_counts[static_cast<std::size_t>(order.State())];
-    enters ? ++count : --count;
-    const bool mayStand = order.State() == OrderState::sent || order.State() == OrderState::done
-                          || order.State() == OrderState::inDoubt;
-    if (order.ChangesRegistration() || !mayStand) return;
-    if (enters)
-        m_standing.Increment(KeyOf(In(order)));
-    else
-        m_standing.Decrement(KeyOf(In(order)));
+OrderPlace OrderLedger::Find(const RecordTexts& texts) const {
+    const auto found = m_places.find(NameOfOrder(texts));
+    return found == m_places.end() ? kNoOrder : found->second;
 }
 
-const RecordedOrder* OrderLedger::Find(const RecordTexts& texts) const {
-    const auto found = m_places.find(NameOfOrder(In(texts)));
-    return found == m_places.end() ? nullptr : &m_orders[found->second];
+std::vector<OrderPlace> OrderLedger::Like(const RecordTexts& order) const {
+    std::vector<OrderPlace> places;
+    const auto latest = m_alike.find(AskedForKey(order));
+    if (latest == m_alike.end()) return places;
+    for (OrderPlace place = latest->second; place != kNoOrder; place = m_orders[place].m_alikeBefore)
+        places.push_back(place);
+    return places;
 }
 
-std::uint32_t OrderLedger::Like(const RecordTexts& order) const {
-    return m_standing.Of(KeyOf(In(order)));
+std::vector<OrderPlace> OrderLedger::StandingLike(const RecordTexts& order) const {
+    std::vector<OrderPlace> places = Like(order);
+    std::erase_if(places, [&](OrderPlace place) { return !MayStand(m_orders[place].State()); });
+    return places;
+}
+
+OrderLedger OrderLedger::Open() const {
+    OrderLedger open;
+    for (const RecordedOrder& order : m_orders) {
+        if (!IsOpen(order.State())) continue;
+        RecordTexts texts = order.Texts();
+        texts[RecordField::time] = order.SentAt();
+        texts[RecordField::text] = order.SentText();
+        const OrderPlace place = open.Enter(texts);
+        open.SetState(open.m_orders[place], order.Texts(), order.State());
+    }
+    return open;
 }
 
 } // namespace planfold

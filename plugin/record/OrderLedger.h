@@ -3,7 +3,6 @@
 // for; a change by its registration and the request.
 #pragma once
 
-#include "plugin/base/KeyCounts.h"
 #include "plugin/record/RecordLine.h"
 
 #include <array>
@@ -13,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace planfold {
 
@@ -25,6 +25,21 @@ enum class OrderState : std::uint8_t {
     absent, // proven not to be registered
     count
 };
+// Whether the server may still turn out to have it.
+constexpr bool IsOpen(OrderState state) {
+    return state == OrderState::sent || state == OrderState::inDoubt;
+}
+// Whether it is registered, or may be.
+constexpr bool MayStand(OrderState state) {
+    return IsOpen(state) || state == OrderState::done;
+}
+
+// The same for orders that ask for the same; of others it differs, as good as surely.
+std::uint64_t AskedForKey(const RecordTexts& order);
+
+// Among OrderLedger::Orders(), where it stays.
+using OrderPlace = std::uint32_t;
+inline constexpr OrderPlace kNoOrder = UINT32_MAX;
 
 class RecordedOrder {
 public:
@@ -35,6 +50,10 @@ public:
     // Valid until the next event.
     std::string_view Text(RecordField field) const;
     RecordTexts Texts() const;
+    // The text of its sending: its request's name, and behind ": " what no other field says.
+    std::string_view SentText() const { return m_sentText; }
+    // When it was sent last: "2027-03-05 14:02:03", local.
+    std::string_view SentAt() const { return {m_sentAt.data(), m_sentAt.size()}; }
     // False: it places a new order.
     bool ChangesRegistration() const { return Text(RecordField::frequency).empty(); }
 
@@ -43,34 +62,47 @@ private:
     void Take(const RecordTexts& event, OrderState state);
 
     std::string m_texts; // one after another
+    std::string m_sentText;
     std::array<std::uint32_t, kRecordFieldCount> m_ends{};
+    OrderPlace m_alikeBefore = kNoOrder;
+    std::array<char, 19> m_sentAt{};
     OrderState m_state = OrderState::sent;
 };
 
 class OrderLedger {
 public:
-    // An event of the record, or one that is just being written. What belongs to no order that was sent is left
-    // out.
-    void Take(const RecordTexts& event);
+    // An event of the record, or one that is just being written; gives back whose it is. What belongs to no
+    // order that was sent is left out, and kNoOrder.
+    OrderPlace Take(const RecordTexts& event);
+    // The same of an order that is known.
+    void Take(OrderPlace place, const RecordTexts& event);
 
     // In the order in which they were sent first.
     const std::deque<RecordedOrder>& Orders() const { return m_orders; }
-    // The one that an event with these texts belongs to; null when there is none.
-    const RecordedOrder* Find(const RecordTexts& texts) const;
+    const RecordedOrder& operator[](OrderPlace place) const { return m_orders[place]; }
+    // The one that an event with these texts belongs to.
+    OrderPlace Find(const RecordTexts& texts) const;
     std::size_t Count(OrderState state) const { return m_counts[static_cast<std::size_t>(state)]; }
-    // Whether there are orders of which the server may still tell something.
-    bool HasOpen() const { return Count(OrderState::done) + Count(OrderState::refused) < m_orders.size(); }
-    // How many new orders that ask for the same are registered, or may be.
-    std::uint32_t Like(const RecordTexts& order) const;
+    // Whether the server may still tell something of one.
+    bool HasOpen() const {
+        return Count(OrderState::sent) + Count(OrderState::inDoubt) + Count(OrderState::absent) > 0;
+    }
+    // The new orders that ask for the same, the latest first.
+    std::vector<OrderPlace> Like(const RecordTexts& order) const;
+    // The same without those that are not in the book, nor may be.
+    std::vector<OrderPlace> StandingLike(const RecordTexts& order) const;
+
+    // Those that the server may still turn out to have: what of a past day concerns this one.
+    OrderLedger Open() const;
 
 private:
-    void Change(RecordedOrder& order, const RecordTexts& event, OrderState state);
-    void Count(const RecordedOrder& order, bool enters);
+    OrderPlace Enter(const RecordTexts& sending);
+    void SetState(RecordedOrder& order, const RecordTexts& event, OrderState state);
 
     std::deque<RecordedOrder> m_orders;
-    std::unordered_map<std::string, std::size_t> m_places;
+    std::unordered_map<std::string, OrderPlace> m_places;
+    std::unordered_map<std::uint64_t, OrderPlace> m_alike; // the latest, by what they ask for
     std::array<std::size_t, static_cast<std::size_t>(OrderState::count)> m_counts{};
-    KeyCounts m_standing;
 };
 
 } // namespace planfold

@@ -1,85 +1,249 @@
 #include "plugin/record/OrderRecord.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
 
 namespace {
 
+// What an earlier day left open concerns today; a long weekend lies between at most.
+constexpr int kDaysBack = 10;
+
+std::size_t HashOf(std::string_view line) {
+    return std::hash<std::string_view>()(line.substr(0, line.find('\r')));
+}
+
+template <class Each>
+void EachLine(std::string_view lines, Each each) {
+    while (!lines.empty()) {
+        const std::size_t end = std::min(lines.find('\n'), lines.size() - 1);
+        each(lines.substr(0, end + 1));
+        lines.remove_prefix(end + 1);
+    }
+}
+
+} // namespace
+
 std::string TimeText(const LocalDateTime& now) {
     return Format("%04d-%02d-%02d %02d:%02d:%02d", now.year, now.month, now.day, now.hour, now.minute,
                   now.second);
 }
 
-} // namespace
-
-// Once: a session that goes on after midnight keeps what it knows, since an answer may come on the day after
-// its order.
-void OrderRecord::ReadDay() {
-    if (m_isRead || !IsKept()) return;
-    m_isRead = true;
-    const auto text = m_files.Read(m_now());
-    if (!text) return;
-    RecordReader reader(*text);
-    while (const auto event = reader.Next())
-        m_ledger.Take(*event);
+std::int64_t SecondsOf(std::string_view time) {
+    constexpr std::string_view form = "0000-00-00 00:00:00";
+    if (time.size() != form.size()) return -1;
+    const auto part = [&](std::size_t at, std::size_t length) {
+        return static_cast<int>(LeadingInteger(time.substr(at, length)));
+    };
+    return ToSeconds({part(0, 4), part(5, 2), part(8, 2), part(11, 2), part(14, 2), part(17, 2)});
 }
 
 const OrderLedger& OrderRecord::Ledger() {
-    ReadDay();
+    ReadDays();
     return m_ledger;
 }
 
-bool OrderRecord::Sending(std::span<const RecordedOrder> orders) {
-    if (!IsKept()) return true;
-    ReadDay();
+void OrderRecord::ReadDays() {
+    if (std::exchange(m_isRead, true)) return;
     const LocalDateTime now = m_now();
+    for (int back = kDaysBack; back > 0 && m_files.HasFolder(); --back) {
+        const auto text = m_files.Read(ToLocal(ToSeconds(now.Midnight()) - back * kSecondsPerDay));
+        if (!text) continue;
+        TakeAll(*text);
+        m_ledger = m_ledger.Open();
+    }
+    m_day = now.Midnight();
+    if (const auto text = m_files.HasFolder() ? m_files.Read(now) : std::nullopt) {
+        TakeAll(*text);
+        m_readTo = text->size();
+    }
+    m_countAtStart = m_ledger.Orders().size();
+    for (std::size_t place = 0; place < m_countAtStart; ++place)
+        if (const RecordedOrder& order = m_ledger.Orders()[place]; order.State() == OrderState::sent)
+            m_waiting.push_back({static_cast<OrderPlace>(place), SecondsOf(order.SentAt())});
+}
+
+void OrderRecord::TakeAll(std::string_view lines) {
+    RecordReader reader(lines);
+    while (const auto event = reader.Next())
+        if (const OrderPlace place = m_ledger.Take(*event); place != kNoOrder && !m_listeners.empty())
+            TellListeners(place);
+}
+
+void OrderRecord::Refresh() {
+    if (!m_isRead) return ReadDays();
+    if (!m_files.HasFolder()) return;
+    ReadOn();
+    const LocalDateTime today = m_now().Midnight();
+    if (today == m_day) return;
+    m_day = today;
+    m_readTo = 0;
+    ReadOn();
+}
+
+void OrderRecord::ReadOn() {
+    const auto text = m_files.Read(m_day);
+    if (!text || text->size() <= m_readTo) return;
+    // Another terminal may be writing the last line.
+    const std::string_view news = std::string_view(*text).substr(m_readTo, text->rfind('\n') + 1 - m_readTo);
+    std::string others;
+    EachLine(news, [&](std::string_view line) {
+        const auto own = std::ranges::find(m_ownLines, HashOf(line));
+        if (own == m_ownLines.end())
+            others.append(line);
+        else
+            m_ownLines.erase(m_ownLines.begin(), own + 1);
+    });
+    m_readTo += news.size();
+    TakeAll(others);
+}
+
+std::optional<std::vector<OrderPlace>> OrderRecord::Sending(std::span<const RecordedOrder> orders) {
+    ReadDays();
+    const LocalDateTime now = m_now();
+    if (!m_files.HasFolder()) return Enter(orders, now);
+    std::string lines;
     const std::string time = TimeText(now);
-    std::string lines = m_unwritten;
-    const auto told = [&](RecordTexts texts) {
+    for (const RecordedOrder& order : orders) {
+        RecordTexts texts = order.Texts();
         texts[RecordField::time] = time;
         texts[RecordField::event] = NameOf(OrderEvent::sending);
-        return texts;
-    };
-    for (const RecordedOrder& order : orders)
-        AppendRecordLine(told(order.Texts()), lines);
-    if (!m_files.Append(now, lines, true)) return false;
+        AppendRecordLine(texts, lines);
+    }
+    if (!WriteLines(now, lines, true)) return std::nullopt;
+    return Enter(orders, now);
+}
+
+std::vector<OrderPlace> OrderRecord::SendingUnwritten(std::span<const RecordedOrder> orders) {
+    return Enter(orders, m_now());
+}
+
+std::vector<OrderPlace> OrderRecord::Enter(std::span<const RecordedOrder> orders, const LocalDateTime& now) {
+    const std::string time = TimeText(now);
+    const std::int64_t since = ToSeconds(now);
+    std::vector<OrderPlace> places;
+    places.reserve(orders.size());
+    for (const RecordedOrder& order : orders) {
+        RecordTexts texts = order.Texts();
+        texts[RecordField::time] = time;
+        texts[RecordField::event] = NameOf(OrderEvent::sending);
+        places.push_back(m_ledger.Take(texts));
+        m_waiting.push_back({places.back(), since});
+        TellListeners(places.back());
+    }
+    return places;
+}
+
+void OrderRecord::Note(OrderPlace place, OrderEvent event, std::string_view text,
+                       std::string_view registration) {
+    const RecordedOrder before = m_ledger[place]; // whose texts change below
+    RecordTexts texts = before.Texts();
+    const std::string time = TimeText(m_now());
+    texts[RecordField::time] = time;
+    texts[RecordField::event] = NameOf(event);
+    if (!registration.empty()) texts[RecordField::registration] = registration;
+    // A change is known by its request, with which the text of each of its events begins.
+    const std::string_view earlier = before.Text(RecordField::text);
+    const std::string said = before.ChangesRegistration()
+                                 ? std::string(earlier.substr(0, earlier.find(':'))) + ": " + std::string(text)
+                                 : std::string(text);
+    texts[RecordField::text] = said;
+    m_ledger.Take(place, texts);
+    if (m_files.HasFolder()) AppendRecordLine(texts, m_unwritten);
+}
+
+bool OrderRecord::WriteLines(const LocalDateTime& now, std::string_view lines, bool flush) {
+    if (!m_files.HasFolder()) return false;
+    const std::string all = m_unwritten + std::string(lines);
+    if (all.empty()) return true;
+    if (!m_files.Append(now, all, flush)) return false;
     m_unwritten.clear();
-    for (const RecordedOrder& order : orders)
-        m_ledger.Take(told(order.Texts()));
+    EachLine(all, [&](std::string_view line) { m_ownLines.push_back(HashOf(line)); });
     return true;
+}
+
+void OrderRecord::TellListeners(OrderPlace place) const {
+    for (RecordListener* listener : m_listeners)
+        listener->OnOrder(place);
+}
+
+void OrderRecord::Tell(OrderPlace place, OrderEvent event, std::string_view text,
+                       std::string_view registration) {
+    if (place == kNoOrder) return;
+    Note(place, event, text, registration);
+    WriteLines(m_now(), {}, false);
+    TellListeners(place);
 }
 
 void OrderRecord::Tell(const RecordedOrder& named, OrderEvent event, std::string_view text,
                        std::string_view registration) {
-    const RecordedOrder* known = Ledger().Find(named.Texts());
-    if (!known) return;
-    const RecordedOrder before = *known; // whose texts change below
-    RecordTexts texts = before.Texts();
-    const LocalDateTime now = m_now();
-    const std::string time = TimeText(now);
-    texts[RecordField::time] = time;
-    texts[RecordField::event] = NameOf(event);
-    if (!registration.empty()) texts[RecordField::registration] = registration;
-    const std::string request(named.Text(RecordField::text));
-    const std::string said =
-        before.ChangesRegistration() ? request + ": " + std::string(text) : std::string(text);
-    texts[RecordField::text] = said;
-    AppendRecordLine(texts, m_unwritten);
-    if (m_files.Append(now, m_unwritten, false)) m_unwritten.clear();
-    m_ledger.Take(texts);
+    Tell(Ledger().Find(named.Texts()), event, text, registration);
 }
 
-void OrderRecord::OnRow(std::string_view orderId, std::string_view registration) {
-    if (orderId.empty() || !Ledger().HasOpen()) return;
-    RecordTexts texts;
-    texts[RecordField::orderId] = orderId;
-    const RecordedOrder* known = Ledger().Find(texts);
-    if (!known || known->ChangesRegistration() || known->State() == OrderState::done) return;
-    const OrderEvent event = known->State() == OrderState::sent ? OrderEvent::registered : OrderEvent::found;
-    Tell(*known, event, {}, registration);
+bool OrderRecord::AwaitsRows() {
+    return !Ledger().Orders().empty();
+}
+
+// By its identifier; where the server tells none, by what it is for, as far as no other order is known to be
+// this registration.
+OrderPlace OrderRecord::OrderOf(const BookRow& row) const {
+    if (!row.orderId.empty()) {
+        RecordTexts texts;
+        texts[RecordField::orderId] = row.orderId;
+        return m_ledger.Find(texts);
+    }
+    OrderPlace found = kNoOrder;
+    for (const OrderPlace place : m_ledger.Like(row.asked)) {
+        const RecordedOrder& order = m_ledger[place];
+        if (order.Text(RecordField::registration) == row.registration) return kNoOrder;
+        const bool isLater = row.enteredOn >= order.SentAt().substr(0, row.enteredOn.size());
+        const bool isMissing = IsOpen(order.State()) || order.State() == OrderState::absent;
+        if (isMissing && isLater && !row.enteredOn.empty()) found = place;
+    }
+    return found;
+}
+
+void OrderRecord::OnRow(const BookRow& row) {
+    if (row.registration.empty()) return;
+    const OrderPlace place = OrderOf(row);
+    if (place == kNoOrder || m_ledger[place].ChangesRegistration()) return;
+    const RecordedOrder& order = m_ledger[place];
+    const std::string_view number = order.Text(RecordField::registration);
+    if (order.State() != OrderState::done || number.empty()) {
+        const bool waited = order.State() == OrderState::sent || order.State() == OrderState::done;
+        Tell(place, waited ? OrderEvent::registered : OrderEvent::found,
+             row.orderId.empty() ? "Found in the book by what it is for." : "", row.registration);
+    } else if (number != row.registration && row.isLive && m_toldTwice.emplace(row.registration).second) {
+        for (RecordListener* listener : m_listeners)
+            listener->OnRegisteredTwice(place, row.registration);
+    }
+}
+
+void OrderRecord::OnTime() {
+    const std::int64_t now = ToSeconds(m_now());
+    std::vector<OrderPlace> late;
+    bool isFresh = false;
+    for (; !m_waiting.empty() && now - m_waiting.front().since >= kPatience; m_waiting.pop_front()) {
+        const OrderPlace place = m_waiting.front().place;
+        if (m_ledger[place].State() == OrderState::sent && !std::exchange(isFresh, true)) Refresh();
+        if (m_ledger[place].State() == OrderState::sent) late.push_back(place);
+    }
+    for (const OrderPlace place : late)
+        Note(place, OrderEvent::inDoubt, "No answer came within 30 seconds.", {});
+    if (!late.empty()) WriteLines(m_now(), {}, false);
+    for (const OrderPlace place : late)
+        TellListeners(place);
+}
+
+void OrderRecord::OnSessionEnd() {
+    for (const Waiting& waiting : std::exchange(m_waiting, {}))
+        if (m_ledger[waiting.place].State() == OrderState::sent)
+            Note(waiting.place, OrderEvent::inDoubt, "The session ended before an answer came.", {});
+    if (!m_unwritten.empty()) WriteLines(m_now(), {}, true);
 }
 
 } // namespace planfold

@@ -74,6 +74,7 @@ public:
     // None at the end. The texts are valid until the next call.
     std::optional<RecordTexts> Next();
     std::size_t UnreadLines() const { return m_unread; }
+    std::size_t CharactersLeft() const { return m_rest.size(); }
 
 private:
     bool Split(std::string_view line);

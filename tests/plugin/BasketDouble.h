@@ -93,8 +93,9 @@ public:
         return writable;
     }
     void ShowWaiting(bool on) override { waiting += on ? 1 : -1; }
+    void ShowStatusSoon() override {}
     void ShowStatus() override {}
-    void ShowRejected() override {}
+    void ShowPanel() override {}
     void ShowRun() override {}
     LocalDateTime Now() const override { return now; }
     // Each look costs a step.

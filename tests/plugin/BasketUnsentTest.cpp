@@ -8,14 +8,12 @@ namespace {
 
 class BasketUnsentTest : public BasketStage {
 protected:
-    // As the list has it, the last row first; "?" behind those that may have been sent.
+    // As the list has it, the last row first.
     std::string Kept() const {
         std::string text;
         BasketLines lines(view.unsent.text);
-        while (const auto line = lines.Next()) {
+        while (const auto line = lines.Next())
             text.append(text.empty() ? "" : " ").append(line->text.substr(0, line->text.find(',')));
-            if (BasketLineNote(line->text) == "placing") text += '?';
-        }
         return text;
     }
     // In a file of the session before.
@@ -23,6 +21,7 @@ protected:
         view.unsent.text = lines;
         Open();
     }
+    StartDates dates;
 };
 
 TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
@@ -44,10 +43,10 @@ TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
     Load(Lines(3));
     EXPECT_EQ(Kept(), "C1 C2 C3");
 
-    // While they are placed, whoever reads the file cannot know which were sent.
+    // While they are placed all stand there: the order record tells which were sent.
     view.unsent.written.clear();
     host.cautionOfRow = {{1, 0}};
-    host.duringRowState = [&] { EXPECT_EQ(Kept(), "C1? C2? C3?"); };
+    host.duringRowState = [&] { EXPECT_EQ(Kept(), "C1 C2 C3"); };
     basket.Runs().Place();
     EXPECT_EQ(Kept(), "C2");
     EXPECT_EQ(view.unsent.written.size(), 2u);
@@ -59,7 +58,7 @@ TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
         host.duringLog = [&] {
             session.End();
             basket.OnClosed();
-            EXPECT_EQ(Kept(), "D1 D2?");
+            EXPECT_EQ(Kept(), "D1 D2");
         };
     };
     host.cautionOfRow.clear();
@@ -118,11 +117,12 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
     }
 }
 
-TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheyMayHaveBeenSent) {
+TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheRecordHasThem) {
     Open();
     Load(Line("C1") + Line("C2") + Line("C3"));
     std::string found = view.unsent.text;
-    found.replace(found.find(" ,\n"), 1, "placing");
+    const RecordedOrder sent(AskedForBy(basket.Rows()[view.list.rows[2]].Texts(), dates));
+    session.record.Sending({&sent, 1});
     found.replace(found.find("05/Mar/2027", found.rfind("C2")), 11, "31/Jan/2027");
     found.replace(found.find("05/Mar/2027", found.rfind("C3")), 11, "30/Jan/2027");
     const std::string late = found.substr(found.rfind("C3"));
@@ -134,8 +134,8 @@ TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheyMayHaveBeenSent) {
     Taken(view.questions);
     Taken(view.boxes);
     another.Runs().OfferUnsent();
-    EXPECT_NE(view.questions[0].find("\nOf these, 1 were just being placed and may have been sent"),
-              std::string::npos);
+    EXPECT_TRUE(view.questions[0].starts_with(
+        "Orders of the basket that were not sent when the terminal ended: 2.\nBesides these, 1 were sent"));
     ASSERT_EQ(view.list.rows.size(), 2u);
     EXPECT_TRUE(another.Rows().IsSent(view.list.rows[1]));
     EXPECT_FALSE(another.Rows().IsSent(view.list.rows[0]));

@@ -38,12 +38,16 @@ private:
 
 struct Files final : RecordFiles {
     bool HasFolder() const override { return true; }
-    std::optional<std::string> Read(const LocalDateTime&) override { return text; }
+    std::optional<std::string> Read(const LocalDateTime& of) override {
+        if (of.Midnight() != day) return std::nullopt;
+        return text;
+    }
     bool Append(const LocalDateTime&, std::string_view lines, bool) override {
         if (writable) text += lines;
         return writable;
     }
     std::string text;
+    LocalDateTime day{2027, 3, 5};
     bool writable = true;
 };
 
@@ -154,12 +158,12 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         std::string text;
         for (std::size_t i = 0; i < static_cast<std::size_t>(OrderState::count); ++i)
             text += std::to_string(ledger.Count(static_cast<OrderState>(i))) + " ";
-        EXPECT_EQ(text + "like " + std::to_string(ledger.Like(Words(plan).texts)), known) << event;
+        EXPECT_EQ(text + "like " + std::to_string(ledger.StandingLike(Words(plan).texts).size()), known)
+            << event;
     }
-    const RecordedOrder* order = ledger.Find(Words("order_id=o2").texts);
-    ASSERT_TRUE(order);
-    EXPECT_EQ(order->Text(Field::registration), "S2");
-    EXPECT_EQ(order->Text(Field::account), "C1");
+    const RecordedOrder& order = ledger[ledger.Find(Words("order_id=o2").texts)];
+    EXPECT_EQ(order.Text(Field::registration), "S2");
+    EXPECT_EQ(order.Text(Field::account), "C1");
 }
 
 TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
@@ -184,11 +188,11 @@ TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
                               + "\r\n2027-03-05 23:59:59,sending,o2,,,,,C2,,,,,,daily,,,\r\n"
                               + "2027-03-06 00:00:01,registered,o1,S1,,,,C1,,,,,,daily,,,SIP registered\r\n"
                               + "2027-03-06 00:00:01,refused,o2,,,,,C2,,,,,,daily,,,no\r\n");
-    OrderRecord next(files, clock);
+    OrderRecord next(files, [] { return LocalDateTime{2027, 3, 5, 9, 0, 0}; });
     for (OrderRecord* each : {&record, &next}) {
         EXPECT_EQ(each->Ledger().Count(OrderState::done), 1u);
         EXPECT_EQ(each->Ledger().Count(OrderState::refused), 1u);
-        EXPECT_EQ(each->Ledger().Find(first.Texts())->Text(Field::text), "SIP registered");
+        EXPECT_EQ(each->Ledger()[each->Ledger().Find(first.Texts())].Text(Field::text), "SIP registered");
     }
 }
 

@@ -17,12 +17,13 @@ Texts Taken(RecordDouble& files) {
 TEST_F(OrderEntryTest, IsRecordedFromTheSendingToTheAnswer) {
     Open();
     Answer("echoedRequest=get_sip_operation_mode frequency=monthly minimumPeriods=6");
+    std::string plan = "1500";
     const auto submit = [&] {
-        Type("1500", "6", "C002");
+        Type(plan, "6", "C002");
         entry.Submit(kNow);
         return Taken(host.recordFiles);
     };
-    const Texts sending{"sending C002 add_sip_orders"};
+    const Texts sending{"sending C002 add_sip_orders: MKT CNC"};
     host.onRequest = [&] { EXPECT_EQ(host.recordFiles.Events(), sending) << "before it goes out"; };
     EXPECT_EQ(submit(), sending);
     Answer("echoedRequest=add_sip_orders userText=registered account=C002 registrationNumber=SIP1");
@@ -40,15 +41,17 @@ TEST_F(OrderEntryTest, IsRecordedFromTheSendingToTheAnswer) {
     host.onRequest = nullptr;
     for (const bool yes : {false, true}) {
         view.yes = yes;
+        plan = "900";
         host.requests.clear();
         view.questions.clear();
         EXPECT_EQ(submit(), Texts{});
         EXPECT_EQ(view.questions.size(), 1u);
         EXPECT_EQ(host.requests.size(), yes ? 1u : 0u);
-        EXPECT_EQ(view.Text(IDC_VALUE), yes ? "" : "1500");
+        EXPECT_EQ(view.Text(IDC_VALUE), yes ? "" : "900");
     }
     host.recordFiles.hasFolder = false;
     view.questions.clear();
+    plan = "800";
     submit();
     EXPECT_EQ(view.questions, Texts{}) << "such a host has no record";
 }
@@ -178,7 +181,8 @@ TEST_F(BookRecordTest, ChangesAndTheirAnswersAreRecordedAndRowsSettleWhatIsOpen)
     const RecordedOrder order(texts);
     session.record.Sending({&order, 1});
     Answer("echoedRequest=om_get_sip_orders queriedRow=1 registrationNumber=SIP5 sipStatus=active orderId=o1");
-    EXPECT_EQ(session.record.Ledger().Find(texts)->Text(RecordField::registration), "SIP5");
+    EXPECT_EQ(session.record.Ledger()[session.record.Ledger().Find(texts)].Text(RecordField::registration),
+              "SIP5");
     EXPECT_EQ(host.recordFiles.Events().back(), "registered SIP5");
 }
 

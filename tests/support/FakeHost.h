@@ -55,12 +55,16 @@ private:
 // The order record's files, in memory: one whatever the day.
 struct RecordDouble final : RecordFiles {
     bool HasFolder() const override { return hasFolder; }
-    std::optional<std::string> Read(const LocalDateTime&) override { return text; }
+    std::optional<std::string> Read(const LocalDateTime& of) override {
+        if (of.Midnight() != day) return std::nullopt;
+        return text;
+    }
     bool Append(const LocalDateTime&, std::string_view lines, bool) override;
     // The events in their order, each "event client registration text" as far as it has them.
     Texts Events() const;
 
     std::string text;
+    LocalDateTime day{2027, 1, 31};
     bool hasFolder = true, writable = true;
     int appends = 0;
 };
@@ -168,7 +172,8 @@ struct FakeHost {
     FakeControl* sender = nullptr; // of the last request
 
     RecordDouble recordFiles;
-    OrderRecord record{recordFiles, [] { return LocalDateTime{2027, 1, 31, 15, 30, 0}; }};
+    LocalDateTime recordTime{2027, 1, 31, 15, 30, 0};
+    OrderRecord record{recordFiles, [this] { return recordTime; }};
     QuarantineStringManager strings;
     std::string loginId = "DEALER1", peerA, peerB, active;
 };

@@ -23,12 +23,15 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
         sent += request.substr(request.find(" account=") + 9, 2)
                 + request.substr(request.find(" echoedNumber="), 15) + "|";
     EXPECT_EQ(sent, "C3 echoedNumber=4|C3 echoedNumber=2|C2 echoedNumber=1|");
-    EXPECT_EQ(boxes.Texts(), "Are you sure to place these Basket Orders?|Order Placed..!!|");
+    EXPECT_EQ(boxes.Texts(), "1 like another of these orders: C3 ARBORTEX-EQ monthly\n\nYes: place all 4.\n"
+                             "No: place only the other 3.\nCancel: place none.|"
+                             "Are you sure to place these Basket Orders?|Order Placed..!!|");
     for (const int command : {0, basket::kClearFilters, basket::kNaturalOrder}) {
         Command(command);
-        char status[64] = "";
+        char status[128] = "";
         SendMessageA(GetDlgItem(dialog, IDC_BASKET_STATUS), SB_GETTEXTA, 3, reinterpret_cast<LPARAM>(status));
-        EXPECT_STREQ(status, "Twice: 2  Sent: 3") << command;
+        EXPECT_STREQ(status, "Twice: 2  Sent 3: 0 registered, 0 refused, 0 in doubt  Waiting: 3  Not placed: 1")
+            << command;
     }
 }
 

@@ -10,6 +10,8 @@ TEST_F(PluginTest, NoMissingOptionalExportKeepsAWindowFromOpeningOrAnOrderFromGo
         SCOPED_TRACE(name);
         const bool takesControls = name.find("KeloRx") == name.npos;
         const HiddenExport hidden(name.data());
+        // Without a record nobody asks about the same order again.
+        const HiddenExport noFolder("pu_get_UserDirectory");
         host.requests.clear();
         HWND dialog = OpenOrderEntry();
         ASSERT_NE(dialog, nullptr);

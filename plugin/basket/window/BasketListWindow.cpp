@@ -18,6 +18,7 @@ bool BasketListWindow::Attach(HWND list) {
 void BasketListWindow::RemoveAll() {
     m_list.RemoveAll();
     m_cells = {};
+    m_states.clear();
 }
 
 void BasketListWindow::BeginChanges() {
@@ -50,20 +51,31 @@ void BasketListWindow::RemoveSelected() {
         ListView_SetItemState(list, next, LVIS_FOCUSED, LVIS_FOCUSED);
 }
 
+void BasketListWindow::GoTo(RecordId record) {
+    m_list.SelectOnly(record);
+    if (m_list.IsSelected(record)) SetFocus(m_list.Handle());
+}
+
 void BasketListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                                  KorvexText* texts) noexcept {
     framework::Guard([&] {
         const BasketField field = kBasketListColumns[column].field;
         for (std::uint32_t i = 0; i < count; ++i) {
-            const std::string_view text = m_cells.Text(m_rows[records[i]], field);
+            const std::string_view text = field == kStateOfRow
+                                              ? *m_states.insert(m_basket.StateText(records[i])).first
+                                              : m_cells.Text(m_rows[records[i]], field);
             texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
         }
     });
 }
 
 std::int32_t BasketListWindow::RowLook(std::uint32_t record) noexcept {
-    if (m_rows.IsSent(record)) return kKorvexMuted;
-    return m_rows.StandsTwice(record) ? kKorvexAttention : kKorvexPlain;
+    constexpr KorvexRowLook looks[] = {kKorvexPlain, kKorvexMuted,     kKorvexGood, kKorvexBad,
+                                       kKorvexBad,   kKorvexAttention, kKorvexBad};
+    static_assert(std::size(looks) == static_cast<std::size_t>(RowState::count));
+    const RowState state = m_rows.State(record);
+    return state == RowState::notSent && m_rows.StandsTwice(record) ? kKorvexAttention
+                                                                    : looks[static_cast<std::size_t>(state)];
 }
 
 } // namespace planfold

@@ -2,19 +2,21 @@
 #pragma once
 
 #include "framework/Guard.h"
+#include "plugin/basket/Basket.h"
 #include "plugin/basket/BasketColumns.h"
-#include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
 #include "plugin/controls/window/ListWindows.h"
 
 #include <functional>
+#include <string>
+#include <unordered_set>
 
 namespace planfold {
 
 class BasketListWindow final : public BasketList, private CListOwner {
 public:
-    BasketListWindow(const BasketRows& rows, std::function<void()> shownChanged)
-        : m_rows(rows), m_shownChanged(std::move(shownChanged)) {}
+    BasketListWindow(const Basket& basket, std::function<void()> shownChanged)
+        : m_basket(basket), m_rows(basket.Rows()), m_shownChanged(std::move(shownChanged)) {}
 
     // False when the system refuses. The rows of an earlier window are there again.
     bool Attach(HWND list);
@@ -34,6 +36,8 @@ public:
     std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
     RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
     void RemoveSelected() override;
+    // Selects the row alone, if it is shown, and gives the list the focus.
+    void GoTo(RecordId record);
 
 private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
@@ -41,9 +45,11 @@ private:
     std::int32_t RowLook(std::uint32_t record) noexcept override;
     void ShownRowsChanged(CFilterListCtrl*) noexcept override;
 
+    const Basket& m_basket;
     const BasketRows& m_rows;
     std::function<void()> m_shownChanged;
     BasketCells m_cells;
+    std::unordered_set<std::string> m_states; // in words, once for equal ones
     int m_changes = 0; // begun and not ended: what many rows do to what is shown is told once
     CFilterListCtrl m_list;
 };

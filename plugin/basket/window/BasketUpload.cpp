@@ -2,6 +2,7 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
+#include "plugin/dayreport/DayReport.h"
 #include "plugin/resources/resource.h"
 
 #include <algorithm>
@@ -14,6 +15,18 @@ namespace {
 constexpr int kDeleteCommand = 25002;
 constexpr UINT kDeleteHotKeyMessage = WM_USER + Basket::kDeleteHotKey;
 constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
+constexpr int kPlaceSelectedCommand = 25006;
+constexpr int kPlaceUnsentCommand = 25007;
+constexpr int kPlaceRefusedCommand = 25008;
+
+struct PlaceKey {
+    WORD letter; // with Ctrl, in the list
+    int command;
+};
+constexpr PlaceKey kPlaceKeys[] = {
+    {'P', kPlaceSelectedCommand}, {'U', kPlaceUnsentCommand}, {'R', kPlaceRefusedCommand}};
+constexpr UINT_PTR kStatusTimer = 2;
+constexpr UINT kStatusTimerMs = 100;
 // How wide the status line's parts are, in letters of the font; the last takes the rest.
 constexpr int kStatusParts[] = {24, 44, 44};
 
@@ -39,20 +52,22 @@ constexpr Action kActions[] = {
     {IDC_BASKET_LOAD, [](Basket& basket) { basket.Runs().Load(); }},
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
-    {IDC_REJECTED_SAVE, [](Basket& basket) { basket.SaveRejected(); }},
-    {RejectedPanel::kSaveCommand, [](Basket& basket) { basket.SaveRejected(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
+    {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
+    {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
+    {kPlaceRefusedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::refused); }},
 };
 
 } // namespace
 
-CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
+CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                             RecordCommand recordCommand)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
-      m_basket(session, *this, m_link.Control()), m_list(m_basket.Rows(), [this] { ShowStatus(); }),
-      m_rejected(*this, m_basket.Rejected()),
-      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes) {}
+      m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
+      m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
+      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes),
+      m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -70,12 +85,12 @@ void CBasketUpload::OnInit() {
     if (!m_basket.Life().Across([&](Pass pass) { m_controls.SetUp(pass, "Client_Search"); })) return;
     m_list.Attach(Item(IDC_BASKET_LIST).Handle());
     m_enter.Attach(Item(IDC_BASKET_LIST).Handle());
-    m_rejected.Attach();
+    m_panel.Attach();
     m_splitter.Create({Dialog::Handle(), Item(IDC_BASKET_LIST).Handle(), IDC_BASKET_SPLITTER, "SIPBasket",
                        kRowsShare, kLeastRows, kLeastRejected});
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     if (!m_basket.Life().Across([&](Pass) { LayOut(Self().Dpi()); })) return;
-    ShowAllColumns();
+    ShowAllColumns(Dialog::Handle(), Item(IDC_BASKET_LIST).Handle());
     m_basket.Initialise(SipFormControls::CustomProducts());
 }
 
@@ -107,7 +122,7 @@ void CBasketUpload::LayOut(UINT dpi) {
     DialogWindowOf::LayOut(dpi);
     SetCaptionIcon(IDI_REPEAT);
     m_listTop = PlaceOf(IDC_BASKET_LIST).top;
-    m_rejected.FollowDpi();
+    m_panel.FollowDpi();
     if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
         m_ownSize = WindowSize();
         framework::ResizeOnScreen(Dialog::Handle(), {m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy});
@@ -115,28 +130,6 @@ void CBasketUpload::LayOut(UINT dpi) {
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
     m_controls.OnLaidOut();
-}
-
-// The window opens wide enough for the list's columns and its scroll bar, as far as the screen is.
-void CBasketUpload::ShowAllColumns() {
-    const HWND list = Item(IDC_BASKET_LIST).Handle();
-    WINDOWINFO frame{};
-    frame.cbSize = sizeof frame;
-    GetWindowInfo(list, &frame);
-    int lacking =
-        GetSystemMetricsForDpi(SM_CXVSCROLL, Self().Dpi()) + 2 * static_cast<int>(frame.cxWindowBorders);
-    for (int i = 0; i < static_cast<int>(std::size(kBasketListColumns)); ++i)
-        lacking += ListView_GetColumnWidth(list, i);
-    RECT place{};
-    GetWindowRect(list, &place);
-    lacking -= place.right - place.left;
-    GetWindowRect(Dialog::Handle(), &place);
-    const RECT screen = framework::WorkArea(Dialog::Handle());
-    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
-    if (width <= place.right - place.left) return;
-    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
-    SetWindowPos(Dialog::Handle(), nullptr, left, place.top, width, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // The lists take what the form above and the status line below leave.
@@ -160,11 +153,11 @@ void CBasketUpload::Arrange() {
     OffsetRect(&button, rest.right - button.right, 0);
     Item(IDC_BASKET_PLACE).Move(button);
     m_splitter.Place(rest);
-    Item(IDC_BASKET_SPLITTER).Show(m_rejected.IsShown());
-    if (m_rejected.IsShown()) {
+    Item(IDC_BASKET_SPLITTER).Show(m_panel.IsShown());
+    if (m_panel.IsShown()) {
         RECT lines = m_splitter.Second();
         lines.top += margin / 3;
-        m_rejected.Arrange(lines);
+        m_panel.Arrange(lines);
         rest = m_splitter.First();
     }
     Item(IDC_BASKET_LIST).Move(rest);
@@ -184,13 +177,19 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     }
     case WM_TIMER:
+        if (wParam == kStatusTimer) {
+            KillTimer(Dialog::Handle(), kStatusTimer);
+            ShowStatus();
+            ShowPanel();
+            return 0;
+        }
         if (!m_afterBox.IsGone(wParam)) return std::nullopt;
         if (const HWND window = Dialog::Handle(); m_basket.OnBoxGone()) AfterBox::Done(window);
         return 0;
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
         m_menu.Close();
-        m_rejected.CloseMenu();
+        m_panel.CloseMenu();
         return std::nullopt;
     case WM_CONTEXTMENU:
         OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
@@ -214,10 +213,19 @@ bool CBasketUpload::HotKeyIsForRows() const {
 
 void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
+    const BasketRows& rows = m_basket.Rows();
+    const auto [dayReport, compare] = RecordEntries(m_session);
+    const MenuEntry further[] = {
+        {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
+        {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
+        {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
+        dayReport,
+        compare,
+    };
     if (list == Item(IDC_BASKET_LIST).Handle())
-        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu);
+        m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu, further);
     else if (list == Item(IDC_REJECTED_LIST).Handle())
-        m_rejected.OpenMenu(position);
+        m_panel.OpenMenu(position);
 }
 
 bool CBasketUpload::OnCommand(const framework::Command& command) {
@@ -232,12 +240,17 @@ bool CBasketUpload::OnCommand(const framework::Command& command) {
 
 // A button's click or a menu's choice.
 void CBasketUpload::OnButton(int button) {
-    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_rejected.HandleCommand(button))
+    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button))
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
-    if (button == RejectedPanel::kCorrectCommand)
-        m_basket.ActivateRejected(static_cast<std::size_t>(m_rejected.FirstSelected()));
+    if (IsRecordCommand(button)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
+    const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
+    if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
+        return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
+    if (button != BasketPanel::kOpenCommand) return;
+    if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
+    if (const RecordId row = m_panel.RowOf(m_panel.FirstSelected()); row != kNoRecord) m_list.GoTo(row);
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
@@ -249,8 +262,8 @@ std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
         return 0;
     }
     if (notification.idFrom == IDC_REJECTED_LIST) {
-        if (notification.code == LVN_ITEMACTIVATE) OnButton(RejectedPanel::kCorrectCommand);
-        return m_rejected.HandleNotify(notification);
+        if (notification.code == LVN_ITEMACTIVATE) OnButton(BasketPanel::kOpenCommand);
+        return m_panel.HandleNotify(notification);
     }
     if (notification.idFrom == IDC_BASKET_LIST)
         if (const auto answer = OnListNotify(notification)) return answer;
@@ -267,8 +280,14 @@ std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
         m_basket.Activate(m_list.FirstSelected());
         return 0;
     }
-    if (notification.code != LVN_KEYDOWN || m_basket.HostOwnsDeleteKey()) return std::nullopt;
-    if (reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey != VK_DELETE) return std::nullopt;
+    if (notification.code != LVN_KEYDOWN) return std::nullopt;
+    const WORD pressed = reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey;
+    for (const auto& [letter, command] : kPlaceKeys)
+        if (pressed == letter && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
+            OnButton(command);
+            return 0;
+        }
+    if (pressed != VK_DELETE || m_basket.HostOwnsDeleteKey()) return std::nullopt;
     m_basket.Delete();
     return 0;
 }
@@ -324,8 +343,13 @@ void CBasketUpload::ShowStatus() {
     if (std::exchange(m_marks, marks) != marks) InvalidateRect(Item(IDC_BASKET_LIST).Handle(), nullptr, FALSE);
 }
 
-void CBasketUpload::ShowRejected() {
-    m_rejected.Refresh();
+void CBasketUpload::ShowStatusSoon() {
+    if (HasWindow()) SetTimer(Dialog::Handle(), kStatusTimer, kStatusTimerMs, nullptr);
+}
+
+void CBasketUpload::ShowPanel() {
+    if (!HasWindow() || !m_panel.Refresh()) return;
+    const framework::RedrawHold hold(Dialog::Handle());
     Arrange();
 }
 

@@ -3,7 +3,7 @@
 
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketListWindow.h"
-#include "plugin/basket/window/RejectedPanel.h"
+#include "plugin/basket/window/BasketPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
@@ -16,11 +16,19 @@ namespace planfold {
 
 class CBasketUpload final : public DialogWindowOf<BasketView>, private CKeloRxNotifierBase {
 public:
-    CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
+    // A command of the order record's menu entries was chosen.
+    using RecordCommand = std::function<void(Pass, int)>;
+
+    CBasketUpload(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
+                  RecordCommand recordCommand);
     ~CBasketUpload() override { Destroy(); }
 
     // Makes the window unless there is one, and brings it up.
     void Open();
+    // Into the open window; see Basket.
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+        return m_basket.TakeBack(pass, orders);
+    }
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -52,12 +60,12 @@ private:
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
     void ShowWaiting(bool waiting) override;
     void ShowStatus() override;
-    void ShowRejected() override;
+    void ShowStatusSoon() override;
+    void ShowPanel() override;
     void ShowRun() override { m_progress.Follow(Dialog::Handle()); }
     LocalDateTime Now() const override { return LocalNow(); }
     std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
-    void ShowAllColumns();
     void Arrange();
     void OnButton(int button);
     void OnContextMenu(HWND list, LPARAM position);
@@ -71,12 +79,13 @@ private:
     UnsentOrdersFile m_unsent;
     Basket m_basket;
     BasketListWindow m_list;
-    RejectedPanel m_rejected;
+    BasketPanel m_panel;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
     SipFormControls m_controls;
     AfterBox m_afterBox;
+    RecordCommand m_recordCommand;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
     SIZE m_ownSize{};                            // of the window as the template has it, in its font

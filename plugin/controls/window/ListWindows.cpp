@@ -1,10 +1,13 @@
 #include "plugin/controls/window/ListWindows.h"
 
+#include "framework/DialogLayout.h"
 #include "framework/Handle.h"
 
 #include <commctrl.h>
 
 #include <windowsx.h>
+
+#include <algorithm>
 
 namespace planfold {
 
@@ -40,6 +43,26 @@ bool IsOnHeadings(HWND list, LPARAM position) {
     RECT headings{};
     GetWindowRect(ListView_GetHeader(list), &headings);
     return PtInRect(&headings, {GET_X_LPARAM(position), GET_Y_LPARAM(position)});
+}
+
+void ShowAllColumns(HWND window, HWND list) {
+    WINDOWINFO frame{};
+    frame.cbSize = sizeof frame;
+    GetWindowInfo(list, &frame);
+    int lacking = GetSystemMetricsForDpi(SM_CXVSCROLL, framework::Window(window).Dpi())
+                  + 2 * static_cast<int>(frame.cxWindowBorders);
+    for (int i = Header_GetItemCount(ListView_GetHeader(list)); i-- > 0;)
+        lacking += ListView_GetColumnWidth(list, i);
+    RECT place{};
+    GetWindowRect(list, &place);
+    lacking -= place.right - place.left;
+    GetWindowRect(window, &place);
+    const RECT screen = framework::WorkArea(window);
+    const LONG width = std::min(place.right - place.left + lacking, screen.right - screen.left);
+    if (width <= place.right - place.left) return;
+    const LONG left = std::clamp((place.left + place.right - width) / 2, screen.left, screen.right - width);
+    SetWindowPos(window, nullptr, left, place.top, width, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const MenuEntry> entries,

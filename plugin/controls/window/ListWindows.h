@@ -20,6 +20,9 @@ POINT RowMenuPlace(HWND list, LPARAM position);
 // Whether it was asked for on the headings, which have a menu of their own.
 bool IsOnHeadings(HWND list, LPARAM position);
 
+// Makes the window wide enough for all columns of its list and the scroll bar, as far as the screen is.
+void ShowAllColumns(HWND window, HWND list);
+
 // The menu of a list's rows: the plug-in's entries, and between two separators the list's own.
 class RowMenu {
 public:

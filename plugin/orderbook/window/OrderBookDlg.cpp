@@ -3,6 +3,7 @@
 #include "framework/DialogLayout.h"
 #include "plugin/base/Text.h"
 #include "plugin/controls/window/DialogWindow.h"
+#include "plugin/dayreport/DayReport.h"
 #include "plugin/orderbook/BookLists.h"
 #include "plugin/resources/resource.h"
 
@@ -93,14 +94,16 @@ constexpr CommandRow kCommands[] = {
 } // namespace
 
 COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                             const BookControls& controls, OrderForm orderForm, History history)
+                             const BookControls& controls, OrderForm orderForm, History history,
+                             RecordCommand recordCommand)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
-      m_orderForm(std::move(orderForm)), m_history(std::move(history)) {}
+      m_orderForm(std::move(orderForm)), m_history(std::move(history)),
+      m_recordCommand(std::move(recordCommand)) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -213,12 +216,12 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     const bool cancelled = list == m_cancelled.Control().Handle();
     CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
     const RecordId first = m_registered.FirstSelected();
-    if (cancelled)
-        m_menu.Open(Handle(), at, control, CancelledMenu());
-    else
-        m_menu.Open(Handle(), at, control,
-                    RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
-                    SeveralRowsMenu(control.SelectedCount()));
+    const auto ofRecord = RecordEntries(m_session);
+    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), ofRecord);
+    std::vector<MenuEntry> further = SeveralRowsMenu(control.SelectedCount());
+    further.insert(further.end(), ofRecord.begin(), ofRecord.end());
+    m_menu.Open(Handle(), at, control, RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
+                further);
 }
 
 bool COrderBookDlg::OnCommand(const framework::Command& command) {
@@ -226,6 +229,7 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) m_book.Refresh();
     if (command.id == kOrderHistoryCommand) OpenHistory();
+    if (IsRecordCommand(command.id)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
     // Escape is no wish to be rid of the book.

@@ -93,9 +93,12 @@ public:
     };
     // Opens the order history of a registration number.
     using History = std::function<void(Pass, const std::string&)>;
+    // A command of the order record's menu entries was chosen.
+    using RecordCommand = std::function<void(Pass, int)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                  const BookControls& controls, OrderForm orderForm, History history);
+                  const BookControls& controls, OrderForm orderForm, History history,
+                  RecordCommand recordCommand);
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
@@ -141,6 +144,7 @@ private:
     RowMenu m_menu;
     OrderForm m_orderForm;
     History m_history;
+    RecordCommand m_recordCommand;
     framework::Font m_font;
     bool m_open = false;
 };

@@ -53,13 +53,14 @@ constexpr RECT kFirstRect{0, 0, 200, 200};
 } // namespace
 
 COrderBookDlgBar::COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                                   COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history)
+                                   COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history,
+                                   COrderBookDlg::RecordCommand recordCommand)
     : m_module(module), m_session(session), m_boxes(boxes), m_requests(session.lookup, kRxRequests, this, this),
       m_identityStream(session.lookup, kRxIdentityStream, this, nullptr),
       m_accountStream(session.lookup, kRxAccountStream, this, nullptr),
       m_dialog(module, session, boxes,
                {m_requests.Control(), m_identityStream.Control(), m_accountStream.Control()},
-               std::move(orderForm), std::move(history)) {}
+               std::move(orderForm), std::move(history), std::move(recordCommand)) {}
 
 void COrderBookDlgBar::Open(HWND mainFrame) {
     // What fails is told when the pane stands.

@@ -27,7 +27,8 @@ private:
 class COrderBookDlgBar final : public framework::CustomWindow, public CKeloRxNotifierBase, private Notices {
 public:
     COrderBookDlgBar(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
-                     COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history);
+                     COrderBookDlg::OrderForm orderForm, COrderBookDlg::History history,
+                     COrderBookDlg::RecordCommand recordCommand);
     ~COrderBookDlgBar() override { Destroy(); }
 
     // Makes the pane unless there is one, brings it up, and asks for the registrations.

@@ -16,7 +16,9 @@ std::string RecordFile::NameOf(const LocalDateTime& day) const {
 }
 
 std::optional<std::string> RecordFile::Read(const LocalDateTime& day) {
-    const auto text = framework::ReadWhole(NameOf(day));
+    const std::string name = NameOf(day);
+    if (!framework::FileExists(name)) return std::string();
+    const auto text = framework::ReadWhole(name);
     if (!text) return std::nullopt;
     return framework::Narrow(framework::Wide(*text, CP_UTF8), CP_ACP);
 }

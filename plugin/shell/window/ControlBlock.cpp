@@ -16,12 +16,18 @@ AnyFunction FindInHost(const char* name) {
 CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity, StringManager& strings,
                                              framework::MessageBoxes& boxes, const FontArguments& font)
     : m_session(FindInHost, identity, strings, m_record), m_font(font), m_orderEntry(module, m_session, boxes),
-      m_basket(module, m_session, boxes), m_restrictedDates(module, m_session, boxes),
-      m_orderHistory(module, m_session, boxes),
-      m_orderBook(module, m_session, boxes,
-                  {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
-                   [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
-                  [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }) {
+      m_basket(module, m_session, boxes, [this](Pass, int command) { RecordCommand(command); }),
+      m_restrictedDates(module, m_session, boxes), m_orderHistory(module, m_session, boxes),
+      m_dayReport(module, m_session, m_recordFile),
+      m_orderBook(
+          module, m_session, boxes,
+          {[this](Pass, const sOrderinfo& record) { OpenForModify(record); },
+           [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
+          [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
+          [this](Pass, int command) { RecordCommand(command); }),
+      m_doubts(module, m_session, boxes,
+               {[this](Pass) { OpenDayReport(); },
+                [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
     m_session.host = ResolveHostCallbacks(FindInHost);
     constexpr INITCOMMONCONTROLSEX classes{sizeof classes,
                                            ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
@@ -44,7 +50,9 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 }
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
+    RowOf<&CPlanfoldControlBlock::m_doubts>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
+    RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
     RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
     RowOf<&CPlanfoldControlBlock::m_restrictedDates>(kRestrictedDatesMenu),
     RowOf<&CPlanfoldControlBlock::m_basket>(kBasketMenu),
@@ -56,11 +64,15 @@ void CPlanfoldControlBlock::ShutDown() {
     for (const WindowRow& row : kWindows)
         row.shutDown(*this);
     m_keyboard.reset();
+    m_record.OnSessionEnd();
 }
 
 void CPlanfoldControlBlock::Pick(std::string_view entry, HWND mainFrame) {
     for (const WindowRow& row : kWindows)
-        if (row.open && row.entry == entry) row.open(*this, mainFrame);
+        if (row.open && row.entry == entry) {
+            row.open(*this, mainFrame);
+            if (!m_session.Ended()) m_doubts.OnPick();
+        }
 }
 
 namespace {
@@ -107,6 +119,23 @@ void CPlanfoldControlBlock::OpenForModify(const sOrderinfo& record) {
 
 void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& registrationNumber) {
     if (SetHostsFont(m_orderHistory)) m_orderHistory.Open(pass, registrationNumber);
+}
+
+void CPlanfoldControlBlock::RecordCommand(int command) {
+    if (command == kDayReportCommand)
+        OpenDayReport();
+    else
+        m_doubts.Compare();
+}
+
+std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
+    if (!SetHostsFont(m_basket)) return 0;
+    m_basket.Open();
+    return m_session.Ended() ? 0 : m_basket.TakeBack(pass, orders);
+}
+
+void CPlanfoldControlBlock::OpenDayReport() {
+    if (m_recordFile.HasFolder() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

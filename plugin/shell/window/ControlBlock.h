@@ -4,6 +4,8 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/basket/window/BasketUpload.h"
+#include "plugin/dayreport/window/DayReportDlg.h"
+#include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
@@ -66,6 +68,9 @@ private:
     // The order form hears of it, should it be open for the record.
     void TellChanged(const sOrderinfo& record);
     void OpenOrderHistory(Pass pass, const std::string& registrationNumber);
+    void OpenDayReport();
+    void RecordCommand(int command);
+    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
 
     RecordFile m_recordFile{m_session};
@@ -78,7 +83,9 @@ private:
     CBasketUpload m_basket;
     CSetRestrictedDateDlg m_restrictedDates;
     CSIPOrderHistoryDlg m_orderHistory;
+    CDayReportDlg m_dayReport;
     COrderBookDlgBar m_orderBook;
+    CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
 };

@@ -1,0 +1,127 @@
+// Which rows of the basket are placed, and what is asked about them before.
+#include "plugin/base/Text.h"
+#include "plugin/basket/BasketRuns.h"
+#include "plugin/orderentry/DuplicateGuard.h"
+#include "sdk/Tags.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+const char* const kNothingToPlace[] = {"Please Select an Order", "Please Select an Order",
+                                       "No order of the basket waits to be placed.",
+                                       "The server has refused no order of the basket."};
+
+} // namespace
+
+std::vector<BasketPlacing::Row> BasketRuns::ChooseRows(Placed which) {
+    const BasketList& list = m_view.List();
+    std::set<RecordId> selected;
+    if (which == Placed::selected)
+        for (const RecordId record : list.Selected())
+            selected.insert(record);
+    const auto isMeant = [&](RecordId record) {
+        switch (which) {
+        case Placed::selected:
+            return selected.contains(record);
+        case Placed::unsent:
+            return !m_rows.IsSent(record);
+        case Placed::refused:
+            return m_rows.State(record) == RowState::refused;
+        default:
+            return true;
+        }
+    };
+    std::vector<BasketPlacing::Row> placed;
+    for (std::size_t row = 0; row < list.RowCount(); ++row)
+        if (const RecordId record = list.RecordAt(row); isMeant(record))
+            placed.push_back({record, static_cast<int>(row)});
+    return placed;
+}
+
+// False when none is to be placed.
+bool BasketRuns::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which) {
+    if (which == Placed::refused) return true; // it is they that are meant
+    const auto isSent = [&](const BasketPlacing::Row& row) { return m_rows.IsSent(row.record); };
+    const std::size_t rows = placed.size();
+    const auto sent = static_cast<std::size_t>(std::ranges::count_if(placed, isSent));
+    if (sent == 0) return true;
+    std::string question = Format("%zu of the %zu orders have already been sent.\n\n"
+                                  "Yes: place all %zu, and so these again.\n",
+                                  sent, rows, rows);
+    question += sent == rows ? "No: place none."
+                             : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
+    const Choice choice = m_questions.Choose(question, PlaceAgain(which));
+    if (choice == Choice::no) std::erase_if(placed, isSent);
+    return choice != Choice::cancel && !placed.empty();
+}
+
+// What was agreed to be sent again is not asked about twice.
+bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which) {
+    DuplicateGuard guard(m_session);
+    StartDates dates;
+    std::set<RecordId> like;
+    for (auto row = placed.rbegin(); row != placed.rend(); ++row)
+        if (!m_rows.IsSent(row->record) && guard.IsLike(AskedForBy(m_rows[row->record].Texts(), dates)))
+            like.insert(row->record);
+    if (like.empty()) return true;
+    const std::size_t rows = placed.size();
+    std::string question = guard.Text() + Format("\nYes: place all %zu.\n", rows);
+    question += like.size() == rows
+                    ? "No: place none."
+                    : Format("No: place only the other %zu.\nCancel: place none.", rows - like.size());
+    const Choice choice = m_questions.Choose(question, PlaceAgain(which));
+    if (choice == Choice::no)
+        std::erase_if(placed, [&](const BasketPlacing::Row& row) { return like.contains(row.record); });
+    return choice != Choice::cancel && !placed.empty();
+}
+
+void BasketRuns::Place(Placed which) {
+    if (IsBusy()) return;
+    std::vector<BasketPlacing::Row> placed = ChooseRows(which);
+    if (placed.empty()) return m_view.ShowLast(kNothingToPlace[static_cast<std::size_t>(which)]);
+    if (which == Placed::all && !m_placeable) return;
+    if (!LeaveOutSent(placed, which)) return;
+    std::set<std::string> clients;
+    for (const BasketPlacing::Row& row : placed)
+        clients.emplace(m_rows[row.record].Text(BasketField::account));
+    if (!m_questions.AskAboutUnknown(clients, "Place their orders all the same?", PlaceAgain(which))
+        || !LeaveOutLike(placed, which)
+        || !m_questions.Ask("Are you sure to place these Basket Orders?", PlaceAgain(which)))
+        return;
+    LetPlace(false);
+    // Its first call to the host is made before it stands.
+    auto placing = m_questions.Alone([&](Pass pass) {
+        return std::make_shared<BasketPlacing>(
+            pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
+            [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
+    });
+    if (!placing) return LetPlace(true);
+    m_placing = std::move(*placing);
+    if (!KeepUnsent()) return;
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+OrderPlace BasketRuns::TakeAnswered(const Answer& answer) {
+    const std::string orderId = FieldText(answer.message, tag::orderId);
+    std::int64_t serial = 0;
+    int status = kFieldRead;
+    if (GetFieldNumber(answer.message, tag::echoedNumber, 0, serial, status))
+        if (const auto sent = m_unanswered.find(static_cast<std::int32_t>(serial));
+            sent != m_unanswered.end()) {
+            const OrderPlace place = sent->second;
+            const RecordedOrder& order = m_session.record.Ledger()[place];
+            if (orderId.empty() || order.Text(RecordField::orderId) == orderId) {
+                m_unanswered.erase(sent);
+                return place;
+            }
+        }
+    return PlaceOf(m_session, answer);
+}
+
+} // namespace planfold

@@ -1,0 +1,163 @@
+#include "plugin/doubts/Doubts.h"
+
+#include "plugin/base/Text.h"
+#include "plugin/orderbook/BookRequests.h"
+
+#include <map>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+std::string Counted(std::size_t count, const char* one) {
+    return Format("%zu %s%s", count, one, count == 1 ? "" : "s");
+}
+
+// "14:02", and the day in front of it unless it is today.
+std::string TimeOf(std::string_view sentAt, std::string_view today) {
+    if (sentAt.size() < 16) return std::string(sentAt);
+    return std::string(sentAt.starts_with(today) ? sentAt.substr(11, 5) : sentAt.substr(0, 16));
+}
+
+} // namespace
+
+Doubts::Doubts(Session& session, DoubtsView& view, std::function<RxControl*()> control)
+    : m_session(session), m_view(view), m_control(control), m_comparison(session, std::move(control)) {
+    m_session.record.AddListener(*this);
+}
+
+void Doubts::OnRegisteredTwice(OrderPlace place, std::string_view second) {
+    m_twice.emplace_back(place, second);
+}
+
+void Doubts::OnResponse(void* message) {
+    if (!m_session.Ended()) m_comparison.OnResponse(Answer(message));
+}
+
+void Doubts::Compare() {
+    if (!m_comparison.Begin()) m_view.ShowLast("No order of yours is in doubt.");
+}
+
+void Doubts::OnTime() {
+    if (m_session.Ended() || !m_isPicked || m_asking) return;
+    m_session.record.OnTime();
+    if (!m_session.life.Across([&](Pass pass) { m_comparison.OnTime(pass, m_view); })) return;
+    if (auto outcome = m_comparison.TakeOutcome()) m_outcome = std::move(outcome);
+    const bool tellsStart = !m_isTold && KnowsStart();
+    if ((!tellsStart && m_twice.empty() && !m_outcome) || !m_view.MayAsk()) return;
+    m_asking = true;
+    if (tellsStart)
+        TellAtStart();
+    else if (!m_twice.empty())
+        AskAboutTwice();
+    else
+        TellOutcome();
+    m_asking = false;
+}
+
+// What an earlier session sent has been answered by now, or is in doubt.
+bool Doubts::KnowsStart() {
+    const OrderLedger& ledger = m_session.record.Ledger();
+    std::size_t doubts = 0;
+    for (std::size_t i = 0; i < m_session.record.CountAtStart(); ++i) {
+        const OrderState state = ledger[static_cast<OrderPlace>(i)].State();
+        if (state == OrderState::sent) return false;
+        doubts += state == OrderState::inDoubt;
+    }
+    m_isTold = doubts == 0;
+    return !m_isTold;
+}
+
+void Doubts::TellAtStart() {
+    m_isTold = true;
+    const std::string question =
+        DescribeDoubts()
+        + "\nYes: compare with the book, which takes half a minute at most.\n"
+          "No: show the orders of the day.\nCancel: later, from the menu of the lists.";
+    const auto choice = m_session.life.Across([&](Pass pass) { return m_view.Choose(pass, question); });
+    if (choice == Choice::yes) Compare();
+    if (choice == Choice::no) Lifetime::Last([&](Pass pass) { m_view.ShowOrdersOfDay(pass); });
+}
+
+// "23 orders of b300.csv, sent at 14:02, have no answer.", a line for each source.
+std::string Doubts::DescribeDoubts() const {
+    struct Group {
+        std::size_t count = 0;
+        std::string sentAt; // the first
+    };
+    std::map<std::string, Group> groups;
+    for (const RecordedOrder& order : m_session.record.Ledger().Orders()) {
+        if (order.State() != OrderState::inDoubt) continue;
+        const std::string source(order.Text(RecordField::source));
+        Group& group = groups[order.ChangesRegistration() ? " of registrations"
+                              : source == "form"          ? std::string(" of the form")
+                                                          : " of " + source];
+        if (++group.count == 1) group.sentAt = order.SentAt();
+    }
+    const std::string today = TimeText(m_session.record.LocalTime());
+    std::string text;
+    for (const auto& [source, group] : groups) {
+        const bool isChange = source == " of registrations";
+        text += Counted(group.count, isChange ? "change" : "order") + source + ", sent at "
+                + TimeOf(group.sentAt, today.substr(0, 10)) + (group.count == 1 ? ", has" : ", have")
+                + " no answer.\n";
+    }
+    return text;
+}
+
+void Doubts::AskAboutTwice() {
+    const auto [place, second] = m_twice.front();
+    m_twice.pop_front();
+    const RecordedOrder& order = m_session.record.Ledger()[place];
+    const auto text = [&](RecordField field) { return std::string(order.Text(field)); };
+    const std::string question = "Registered twice: " + text(RecordField::registration) + " and " + second
+                                 + ", for " + text(RecordField::account) + " "
+                                 + text(RecordField::tradingSymbol) + " " + text(RecordField::frequency)
+                                 + ".\n\nCancel " + second + "?";
+    if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes)
+        Cancel(second);
+}
+
+void Doubts::Cancel(const std::string& number) {
+    const auto orderId = m_session.life.Across([&](Pass pass) { return m_session.FreshIdentifier(pass); });
+    if (!orderId) return;
+    const RecordedOrder recorded =
+        RecordedChange(m_session, kCancelSipOrder, number, {}, {}, orderId->value_or(""));
+    const auto places = m_session.record.Sending({&recorded, 1});
+    const OrderPlace place = (places ? *places : m_session.record.SendingUnwritten({&recorded, 1})).front();
+    sOrderinfo record;
+    OrderChanges key;
+    key[OrderField::registrationNumber] = number;
+    record.Apply(key);
+    Lifetime::Last([&](Pass pass) {
+        if (!SendCancelSipOrder(pass, m_session, m_control(), m_view, record, *orderId))
+            m_session.record.Tell(place, OrderEvent::notSent, {});
+    });
+}
+
+void Doubts::TellOutcome() {
+    const BookComparison::Outcome outcome = *std::exchange(m_outcome, std::nullopt);
+    const OrderLedger& ledger = m_session.record.Ledger();
+    std::vector<OrderPlace> orders;
+    std::string text = Format("Compared with the book: %zu found, %zu not there, %zu still in doubt.",
+                              outcome.found, outcome.absent.size(), outcome.inDoubt);
+    if (!outcome.fault.empty()) text += "\n" + outcome.fault;
+    for (const OrderPlace place : outcome.absent) {
+        if (!ledger[place].ChangesRegistration())
+            orders.push_back(place);
+        else
+            text += "\nNot done: " + std::string(ledger[place].SentText()) + " "
+                    + std::string(ledger[place].Text(RecordField::registration));
+    }
+    if (orders.empty()) return m_view.ShowLast(text);
+    text += "\n\nTake " + Counted(orders.size(), "order")
+            + " that the book does not have into the basket, to be placed again?";
+    if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, text); }) != Reply::yes) return;
+    const auto taken = m_session.life.Across([&](Pass pass) { return m_view.TakeBack(pass, orders); });
+    if (taken && *taken < orders.size())
+        m_view.ShowLast(Counted(orders.size() - *taken, "order")
+                        + " could not be taken: the orders of the day tell of them.");
+}
+
+} // namespace planfold

@@ -1,0 +1,65 @@
+// Orders of which nobody knows what became of them: tells the dealer once at the start, compares them with the
+// book when he wishes, and tells of one that turns out to be registered twice.
+#pragma once
+
+#include "plugin/basket/BasketView.h"
+#include "plugin/doubts/BookComparison.h"
+
+#include <deque>
+#include <string>
+#include <utility>
+
+namespace planfold {
+
+class DoubtsView : public Notices {
+public:
+    // False while a box is open.
+    virtual bool MayAsk() = 0;
+    // Yes, no (the default) or cancel; and yes or no.
+    virtual Choice Choose(Pass pass, std::string_view question) = 0;
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
+    virtual void ShowOrdersOfDay(Pass pass) = 0;
+    // Into the basket, to be placed again; how many of them stand there then.
+    virtual std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) = 0;
+
+protected:
+    ~DoubtsView() = default;
+};
+
+class Doubts final : private RecordListener {
+public:
+    // The control may be null.
+    Doubts(Session& session, DoubtsView& view, std::function<RxControl*()> control);
+    Doubts(const Doubts&) = delete;
+    Doubts& operator=(const Doubts&) = delete;
+    ~Doubts() { m_session.record.RemoveListener(*this); }
+
+    // A window of the plug-in has come up.
+    void OnPick() { m_isPicked = true; }
+    // To be called every second.
+    void OnTime();
+    void OnResponse(void* message);
+    // Compares what is in doubt with the book, as the dealer wishes it.
+    void Compare();
+
+private:
+    void OnRegisteredTwice(OrderPlace place, std::string_view second) override;
+    bool KnowsStart();
+    void TellAtStart();
+    std::string DescribeDoubts() const;
+    void AskAboutTwice();
+    void Cancel(const std::string& number);
+    void TellOutcome();
+
+    Session& m_session;
+    DoubtsView& m_view;
+    const std::function<RxControl*()> m_control;
+    BookComparison m_comparison;
+    std::deque<std::pair<OrderPlace, std::string>> m_twice; // and the later number
+    std::optional<BookComparison::Outcome> m_outcome;
+    bool m_isPicked = false;
+    bool m_isTold = false;
+    bool m_asking = false;
+};
+
+} // namespace planfold

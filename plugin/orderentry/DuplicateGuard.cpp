@@ -1,0 +1,59 @@
+#include "plugin/orderentry/DuplicateGuard.h"
+
+#include "plugin/base/Text.h"
+
+namespace planfold {
+
+namespace {
+
+constexpr std::size_t kMostNamed = 5;
+
+} // namespace
+
+DuplicateGuard::DuplicateGuard(Session& session)
+    : m_record(session.record.IsKept() ? &session.record.Ledger() : nullptr) {
+    session.record.Refresh();
+    if (session.book)
+        session.book->EachLive(
+            [&](const BookRow& row) { m_registered.try_emplace(AskedForKey(row.asked), row.registration); });
+}
+
+bool DuplicateGuard::IsLike(const RecordTexts& order) {
+    const std::uint64_t key = AskedForKey(order);
+    const bool isFirst = m_seen.insert(key).second;
+    if (const auto found = m_registered.find(key); found != m_registered.end())
+        return Note(registration, order, found->second);
+    if (const auto sent = m_record ? m_record->StandingLike(order) : std::vector<OrderPlace>(); !sent.empty()) {
+        const RecordedOrder& latest = (*m_record)[sent.front()];
+        const std::string_view number = latest.Text(RecordField::registration);
+        return Note(recorded, order,
+                    number.empty() ? "sent at " + std::string(latest.SentAt().substr(11, 5)) : number);
+    }
+    return !isFirst && Note(each, order, {});
+}
+
+bool DuplicateGuard::Note(Kind kind, const RecordTexts& order, std::string_view detail) {
+    Found& found = m_found[kind];
+    if (++found.count > kMostNamed) return true;
+    if (found.count > 1) found.names += "; ";
+    found.names.append(order[RecordField::account]).append(" ");
+    found.names.append(order[RecordField::tradingSymbol]).append(" ").append(order[RecordField::frequency]);
+    if (!detail.empty()) found.names.append(", ").append(detail);
+    return true;
+}
+
+std::string DuplicateGuard::Text() const {
+    constexpr std::array<const char*, kinds> like = {"a registration in the book", "an order of today",
+                                                     "another of these orders"};
+    std::string text;
+    for (std::size_t kind = 0; kind < kinds; ++kind) {
+        const Found& found = m_found[kind];
+        if (found.count == 0) continue;
+        text += Format("%zu like %s: %s", found.count, like[kind], found.names.c_str());
+        if (found.count > kMostNamed) text += Format(" and %zu more", found.count - kMostNamed);
+        text += '\n';
+    }
+    return text;
+}
+
+} // namespace planfold
