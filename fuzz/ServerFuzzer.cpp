@@ -35,8 +35,8 @@ private:
     qmx::MessageWriter m_writer;
 };
 
-// Letters: "n" no list of frequencies, "z" one that a zero ends, "e" an error, "s" silence, "g" garbage, "d" a
-// cut connection.
+// Letters: "n" no list of frequencies, "z" one that a zero ends, "e" an error, "s" silence, "i" a request
+// ignored, "g" garbage, "t" an answer twice, "d" a cut connection, "b" one that is cut before.
 ServerConfig ConfigOf(std::string_view letters) {
     const auto has = [&](char letter) { return letters.find(letter) != letters.npos; };
     ServerConfig config;
@@ -45,7 +45,10 @@ ServerConfig ConfigOf(std::string_view letters) {
     RequestFault& fault = config.faults["*"];
     if (has('e')) fault.errorCode = "99";
     fault.silent = has('s');
+    fault.ignored = has('i');
     fault.garbage = has('g');
+    fault.twice = has('t');
+    fault.disconnectsBefore = has('b');
     fault.disconnects = has('d');
     return config;
 }
@@ -75,8 +78,10 @@ std::string Ask(Server& server, std::string_view line) {
     const std::string name(qmx::Text(writer.Handle(), tag::requestName));
     const RequestFault fault = server.Config().FaultFor(name);
     Reply reply = server.Handle(writer.Handle(), {"USER1", "BROKER", "BR1"});
-    Demand(reply.isCut == (fault.disconnects != 0));
-    Demand(reply.answers.empty() == (reply.isCut || fault.silent || reply.rows.has_value()));
+    Demand(reply.isLost == (fault.disconnectsBefore != 0));
+    const bool isIgnored = fault.ignored && !reply.isLost;
+    Demand(reply.isCut == (reply.isLost || (fault.disconnects != 0 && !isIgnored)));
+    Demand(reply.answers.empty() == (reply.isCut || isIgnored || fault.silent || reply.rows.has_value()));
     for (const std::string& answer : reply.answers) {
         CheckAnswer(answer, name, fault.garbage);
         told += answer;

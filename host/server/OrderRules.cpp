@@ -154,7 +154,8 @@ std::optional<ServerRefusal> Cancel(const ChangeRequest& request, Registration& 
     const std::string_view by = qmx::Text(request.message, tag::cancelledBy);
     const std::string_view remarks = qmx::Text(request.message, tag::userText);
     const bool isCancelled = registration.Text(tag::sipStatus) == kStatusCancelled;
-    if (isCancelled && !orderId.empty() && registration.Text(tag::orderId) == orderId) return std::nullopt;
+    if (isCancelled && !orderId.empty() && registration.changes.Text(tag::orderId) == orderId)
+        return std::nullopt;
     if (auto refusal = JudgeStatus(registration)) return refusal;
     if (!by.empty() && by != request.loginId) return WrongUser();
     if (orderId.size() > kLongestText) return WrongValue("request identifier", orderId);
@@ -163,7 +164,7 @@ std::optional<ServerRefusal> Cancel(const ChangeRequest& request, Registration& 
     registration.Set(tag::userText, remarks);
     registration.Set(tag::cancelledBy, request.loginId);
     registration.Set(tag::cancelledDate, RecordDate(request.today));
-    if (!orderId.empty()) registration.Set(tag::orderId, orderId);
+    if (!orderId.empty()) registration.changes.Set(tag::orderId, orderId);
     return std::nullopt;
 }
 

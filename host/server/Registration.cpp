@@ -8,6 +8,10 @@ namespace {
 constexpr std::string_view kHead = "{\"registration\":";
 constexpr std::string_view kProgress = ",\"progress\":";
 constexpr std::string_view kChanges = ",\"changes\":";
+constexpr std::string_view kOrdered = ",\"ordered\":";
+
+// Fields of the order that a change makes otherwise.
+constexpr std::uint32_t kChangeable[] = {tag::amountOrQuantity, tag::totalPeriod};
 
 // As many as a terminal may have under way for one registration.
 constexpr std::uint32_t kChangesKept = 4;
@@ -25,6 +29,10 @@ std::string Registration::Json() const {
         json += kChanges;
         changes.AppendJson(json);
     }
+    if (ordered != FieldRecord{}) {
+        json += kOrdered;
+        ordered.AppendJson(json);
+    }
     json += '}';
     return json;
 }
@@ -41,6 +49,7 @@ std::optional<Registration> Registration::FromJson(std::string_view text) {
         registration.progress = *progress;
     }
     if (reader.Take(kChanges) && !reader.TakeFields(registration.changes)) return std::nullopt;
+    if (reader.Take(kOrdered) && !reader.TakeFields(registration.ordered)) return std::nullopt;
     if (!reader.Take("}") || !reader.AtEnd() || registration.Number().empty()) return std::nullopt;
     return registration;
 }
@@ -56,6 +65,22 @@ void Registration::RememberChange(std::string_view sentAs) {
     for (std::uint32_t i = kChangesKept - 1; i > 0; --i)
         if (!changes.Text(i - 1).empty()) changes.Set(i, changes.Text(i - 1));
     changes.Set(0, sentAs);
+}
+
+std::string_view Registration::Ordered(std::uint32_t tag) const {
+    const std::string_view text = ordered.Text(tag);
+    return text.empty() ? Text(tag) : text;
+}
+
+void Registration::KeepOrdered(const Registration& before) {
+    // Older journals have a cancellation's identifier where the order's was.
+    if (Text(tag::orderId) != before.Text(tag::orderId)) {
+        changes.Set(tag::orderId, Text(tag::orderId));
+        Set(tag::orderId, before.Text(tag::orderId));
+    }
+    ordered = before.ordered;
+    for (const std::uint32_t tag : kChangeable)
+        if (Text(tag) != before.Text(tag) && ordered.Text(tag).empty()) ordered.Set(tag, before.Text(tag));
 }
 
 std::optional<InstalmentPlan> Registration::Plan() const {

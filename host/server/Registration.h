@@ -42,9 +42,16 @@ public:
     // A change without a name is not remembered: nobody can send it again.
     void RememberChange(std::string_view sentAs);
 
+    // What the order that registered it had in this field, or in tag::requestName the name of its request.
+    std::string_view Ordered(std::uint32_t tag) const;
+    // Takes over what the order had, from the record that this one takes the place of.
+    void KeepOrdered(const Registration& before);
+
     // The server's own, and in no message.
     PlanProgress progress{};
-    FieldRecord changes{}; // the names of the requests that made the latest ones, the last in front
+    // The names of the requests that made the latest ones, the last in front, and a cancellation's identifier.
+    FieldRecord changes{};
+    FieldRecord ordered{}; // the name of the order's request, and what changes have made otherwise since
 };
 
 } // namespace vesk

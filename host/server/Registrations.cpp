@@ -3,9 +3,18 @@
 #include "host/server/schedule/Schedule.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace vesk {
 namespace {
+
+// By which an order that is sent again is known.
+constexpr std::uint32_t kOrderedBy[] = {tag::orderId, tag::requestName};
+
+std::size_t KeyOf(std::string_view text) {
+    return std::hash<std::string_view>()(text);
+}
 
 // The orders of one registration with their trades, which stand in the same order. Which instalments they were
 // is in the registration's progress by now.
@@ -26,11 +35,12 @@ void Registrations::MakeRoom(std::size_t more) {
     const std::size_t count = m_all.size() + more;
     m_all.reserve(count);
     m_byNumber.reserve(count);
-    m_byOrderId.reserve(count);
+    m_byOrdered.reserve(std::size(kOrderedBy) * count);
 }
 
 bool Registrations::Replay(std::string_view record) {
     if (auto registration = Registration::FromJson(record)) {
+        if (const Registration* before = Find(registration->Number())) registration->KeepOrdered(*before);
         Enter(std::move(*registration));
         return true;
     }
@@ -46,8 +56,9 @@ std::size_t Registrations::Enter(Registration registration) {
         m_all[place->second] = std::move(registration);
         return place->second;
     }
-    if (const std::string_view orderId = registration.Text(tag::orderId); !orderId.empty())
-        m_byOrderId.emplace(orderId, place->second);
+    for (const std::uint32_t tag : kOrderedBy)
+        if (const std::string_view text = registration.Ordered(tag); !text.empty())
+            m_byOrdered.emplace(KeyOf(text), place->second);
     m_all.push_back(std::move(registration));
     return place->second;
 }
@@ -76,10 +87,14 @@ const Registration* Registrations::Find(std::string_view number) const {
     return found == m_byNumber.end() ? nullptr : &m_all[found->second];
 }
 
-const Registration* Registrations::FindSent(const std::string& orderId, std::string_view loginId) const {
-    const auto [first, last] = m_byOrderId.equal_range(orderId);
-    const auto found = std::find_if(
-        first, last, [&](const auto& entry) { return m_all[entry.second].Text(tag::loginId) == loginId; });
+const Registration* Registrations::FindOrdered(std::uint32_t tag, std::string_view text,
+                                               std::string_view loginId) const {
+    if (text.empty()) return nullptr;
+    const auto [first, last] = m_byOrdered.equal_range(KeyOf(text));
+    const auto found = std::find_if(first, last, [&](const auto& entry) {
+        const Registration& one = m_all[entry.second];
+        return one.Ordered(tag) == text && one.Text(tag::loginId) == loginId;
+    });
     return found == last ? nullptr : &m_all[found->second];
 }
 
@@ -93,31 +108,9 @@ const ExecutionHistory& Registrations::HistoryOf(std::string_view number) const 
     return found == m_histories.end() ? none : found->second;
 }
 
-std::vector<std::string_view> Registrations::OrderIds() const {
-    std::vector<std::string_view> orderIds(m_all.size());
-    for (const auto& [orderId, place] : m_byOrderId)
-        orderIds[place] = orderId;
-    return orderIds;
-}
-
-std::size_t Registrations::ChangedOrderIds() const {
-    const std::vector<std::string_view> orderIds = OrderIds();
-    std::size_t changed = 0;
-    for (std::size_t place = 0; place < orderIds.size(); ++place)
-        changed += m_all[place].Text(tag::orderId) != orderIds[place];
-    return changed;
-}
-
 void Registrations::WriteTo(const Journal::Sink& sink) const {
-    const std::vector<std::string_view> orderIds = OrderIds();
-    for (std::size_t place = 0; place < orderIds.size(); ++place) {
-        if (m_all[place].Text(tag::orderId) != orderIds[place]) {
-            Registration first = m_all[place];
-            first.Set(tag::orderId, orderIds[place]);
-            sink(first.Json());
-        }
-        sink(m_all[place].Json());
-    }
+    for (const Registration& registration : m_all)
+        sink(registration.Json());
     for (const Registration& registration : m_all)
         WriteOrders(HistoryOf(registration.Number()), sink);
 }

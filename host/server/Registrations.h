@@ -40,17 +40,15 @@ public:
     const Registration& At(std::size_t place) const { return m_all[place]; }
     // Null when the number is unknown.
     const Registration* Find(std::string_view number) const;
-    // The one that the login's request with this order id has registered; null when it has not.
-    const Registration* FindSent(const std::string& orderId, std::string_view loginId) const;
+    // The one that the login's request with this text in tag::orderId, or of this name in tag::requestName, has
+    // registered; null when it has not.
+    const Registration* FindOrdered(std::uint32_t tag, std::string_view text, std::string_view loginId) const;
     std::size_t PlaceOf(const Registration& registration) const;
     // Empty without any order.
     const ExecutionHistory& HistoryOf(std::string_view number) const;
     // Exchange orders, of all registrations.
     std::size_t OrderCount() const { return m_orderCount; }
 
-    // How many records no longer have the order id that registered them, since a change brought its own: the
-    // journal needs two lines for each.
-    std::size_t ChangedOrderIds() const;
     // Hands the sink all that a replay needs.
     void WriteTo(const Journal::Sink& sink) const;
 
@@ -60,13 +58,11 @@ public:
 
 private:
     void Count(const ExchangeOrder& order);
-    // The order ids that registered them, by place.
-    std::vector<std::string_view> OrderIds() const;
 
     std::vector<Registration> m_all;
     std::unordered_map<std::string, std::size_t> m_byNumber;
-    // These are of the requests that registered; two users' may be the same.
-    std::unordered_multimap<std::string, std::size_t> m_byOrderId;
+    // By the hash of the identifier, and of the name, of the request that registered; two may be the same.
+    std::unordered_multimap<std::size_t, std::size_t> m_byOrdered;
     std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
     std::size_t m_orderCount = 0;
     std::vector<UpdateListener*> m_listeners;

@@ -14,6 +14,26 @@ constexpr std::uint32_t kTakenOver[] = {
     tag::totalPeriod, tag::account, tag::validity,  tag::orderId,    tag::orderSource, tag::cautionaryFlag,
 };
 
+constexpr std::string_view kAddOrder = "add_sip_orders";
+
+// In which an order that is sent again must be as it was, beside its start.
+constexpr std::uint32_t kSameOrder[] = {
+    tag::orderId,   tag::account,          tag::exchange,    tag::token,    tag::tradingSymbol,
+    tag::side,      tag::product,          tag::orderType,   tag::validity, tag::investType,
+    tag::frequency, tag::amountOrQuantity, tag::totalPeriod,
+};
+
+// Comes back as it was sent.
+void Echo(qmx::MessageWriter& writer, void* request, std::uint32_t tag) {
+    if (qmx::Has(request, tag)) writer.Add(tag, qmx::Text(request, tag).substr(0, kLongestText));
+}
+
+// By which a basket finds its row, and the record its order, again.
+void EchoOrder(qmx::MessageWriter& writer, void* request, bool hasSerial) {
+    if (hasSerial) Echo(writer, request, tag::echoedNumber);
+    Echo(writer, request, tag::orderId);
+}
+
 std::vector<QmxDatum> Data(const std::vector<std::string>& texts) {
     std::vector<QmxDatum> data;
     data.reserve(texts.size());
@@ -28,13 +48,19 @@ void AddTexts(qmx::MessageWriter& writer, std::uint32_t tag, const std::vector<s
     writer.AddValues(tag, data.data(), static_cast<std::uint32_t>(data.size()));
 }
 
+std::chrono::year_month_day StartOf(void* request, const Clockwork& clock) {
+    return clock.DateAt(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
+}
+
 // The `sequence`th of all.
-Registration MakeRegistration(void* request, const Clockwork& clock, std::size_t sequence) {
+Registration MakeRegistration(void* request, const Clockwork& clock, std::size_t sequence,
+                              std::string_view sentAs) {
     Registration registration;
+    if (!sentAs.empty()) registration.ordered.Set(tag::requestName, sentAs);
     for (const std::uint32_t tag : kTakenOver)
         if (qmx::Has(request, tag)) registration.Set(tag, qmx::Text(request, tag));
     const auto today = clock.Today();
-    const auto start = clock.DateAt(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
+    const auto start = StartOf(request, clock);
     const auto periods = static_cast<int>(WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(1));
     const InstalmentPlan plan{start, qmx::Text(request, tag::frequency), periods};
     registration.progress = BeginPlan(plan, today);
@@ -55,7 +81,6 @@ struct Server::Handler {
 };
 const Server::Handler Server::kHandlers[] = {
     {"get_sip_operation_mode", &Server::AnswerOperationMode},
-    {"add_sip_orders", &Server::AddRegistration},
     {"om_get_sip_orders", &Server::StartQuery<ReadListQuery>},
     {"qry_eq_sip", &Server::StartQuery<ReadHistoryQuery>},
     {"calendar_add_restricted_dates", &Server::SetRestrictedDays},
@@ -80,17 +105,21 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
 Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
     const std::string name(qmx::Text(request, tag::requestName).substr(0, kLongestText));
     const RequestFault& fault = m_config.FaultFor(name);
+    if (m_config.TakeDisconnect(name, &RequestFault::disconnectsBefore)) return {.isCut = true, .isLost = true};
+    if (fault.ignored) return {};
     Reply reply = fault.errorCode ? Refuse(request, {*fault.errorCode, "Refused by the server's configuration"})
                                   : Dispatch(name, request, user, sentAs);
-    if (m_config.TakeDisconnect(name)) return {.isCut = true};
+    if (m_config.TakeDisconnect(name, &RequestFault::disconnects)) return {.isCut = true};
     if (fault.silent) return {};
     if (fault.garbage) return {{m_writer.Start().Add(1, "\xFF\x01").Add(2, {}).Finish()}};
+    if (fault.twice && !reply.answers.empty()) reply.answers.push_back(reply.answers.back());
     return reply;
 }
 
 Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user,
                        std::string_view sentAs) {
     if (!ReplayError().empty()) return Refuse(request, {kCodeJournal, ReplayError()});
+    if (name == kAddOrder) return AddRegistration(request, user, sentAs);
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
@@ -116,18 +145,27 @@ Reply Server::AnswerOperationMode(void* request, const UserIdentity&) {
     return {{m_writer.Finish()}};
 }
 
-Reply Server::AddRegistration(void* request, const UserIdentity& user) {
+Reply Server::AddRegistration(void* request, const UserIdentity& user, std::string_view sentAs) {
     // A request that was sent twice is one order; its judgement was made the first time.
-    const std::string orderId(qmx::Text(request, tag::orderId));
-    if (const Registration* before = m_registrations.FindSent(orderId, user.loginId))
-        return AnswerRegistered(request, *before);
+    const Registration* before = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId);
+    if (!before)
+        before = m_registrations.FindOrdered(tag::orderId, qmx::Text(request, tag::orderId), user.loginId);
+    if (before && !IsSameOrder(request, *before)) return Refuse(request, OtherOrder(before->Number()));
+    if (before) return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
-    const Registration registration = MakeRegistration(request, m_clock, m_registrations.Size() + 1);
+    const Registration registration = MakeRegistration(request, m_clock, m_registrations.Size() + 1, sentAs);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
+}
+
+bool Server::IsSameOrder(void* request, const Registration& registration) const {
+    return std::ranges::all_of(
+               kSameOrder,
+               [&](std::uint32_t tag) { return registration.Ordered(tag) == qmx::Text(request, tag); })
+           && registration.Text(tag::startDate) == RecordDate(StartOf(request, m_clock));
 }
 
 std::optional<ServerRefusal> Server::FindNamed(void* request, const Registration*& found) const {
@@ -238,6 +276,7 @@ std::string Server::NextExecution(RowQuery& query) {
 
 std::optional<ServerRefusal> Server::Keep(Registration registration) {
     m_clock.SetNextExecution(registration);
+    if (const Registration* before = Find(registration.Number())) registration.KeepOrdered(*before);
     if (std::string fault = m_journal.Write(registration.Json()); !fault.empty())
         return ServerRefusal{kCodeJournal, fault};
     m_registrations.Tell(registration);
@@ -258,37 +297,35 @@ std::string Server::EnterMadeUp(std::vector<Registration> batch) {
 }
 
 Reply Server::Refuse(void* request, const ServerRefusal& refusal) {
+    return {{Refusal(m_writer, request, refusal, !m_config.FaultFor(kAddOrder).noSerial)}};
+}
+
+std::string Server::Refusal(qmx::MessageWriter& writer, void* request, const ServerRefusal& refusal,
+                            bool hasSerial) {
     const std::string_view name = qmx::Text(request, tag::requestName).substr(0, kLongestText);
-    m_writer.Start()
+    writer.Start()
         .Add(tag::echoedRequest, name)
         .Add(tag::errorCode, refusal.code)
         .Add(tag::userText, refusal.text);
     // By which a terminal with several changes under way knows which is refused.
-    if (FindChange(name) && qmx::Has(request, tag::registrationNumber))
-        m_writer.Add(tag::registrationNumber,
-                     qmx::Text(request, tag::registrationNumber).substr(0, kLongestText));
-    // By which a basket knows which of its rows is refused.
-    if (!FindChange(name) && qmx::Has(request, tag::echoedNumber))
-        m_writer.Add(tag::echoedNumber, qmx::Text(request, tag::echoedNumber).substr(0, kLongestText));
-    return {{m_writer.Finish()}};
+    if (FindChange(name)) Echo(writer, request, tag::registrationNumber);
+    if (name == kAddOrder) EchoOrder(writer, request, hasSerial);
+    return writer.Finish();
 }
 
 Reply Server::AnswerRegistered(void* request, const Registration& registration) {
     const std::string text = "SIP registered. Registration No : " + std::string(registration.Number());
     m_writer.Start()
-        .Add(tag::echoedRequest, "add_sip_orders")
+        .Add(tag::echoedRequest, kAddOrder)
         .Add(tag::userText, text)
         .Add(tag::account, registration.Text(tag::account))
         .Add(tag::registrationNumber, registration.Number());
-    // By which a basket finds the row again.
-    if (qmx::Has(request, tag::echoedNumber))
-        m_writer.Add(tag::echoedNumber, qmx::Text(request, tag::echoedNumber));
+    EchoOrder(m_writer, request, !m_config.FaultFor(kAddOrder).noSerial);
     return {{m_writer.Finish()}};
 }
 
 bool Server::IsJournalStale() const {
-    const std::size_t held = m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount();
-    return m_journal.IsStale(held) && m_journal.IsStale(held + m_registrations.ChangedOrderIds());
+    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount());
 }
 
 std::string Server::CompactWhenStale() {

@@ -24,7 +24,8 @@ namespace vesk {
 struct Reply {
     std::vector<std::string> answers{};
     std::optional<RowQuery> rows{};
-    bool isCut = false; // the connection that asked is to be cut
+    bool isCut = false;  // the connection that asked is to be cut,
+    bool isLost = false; // before the request has come, and what came behind it
 };
 
 class Server {
@@ -56,6 +57,10 @@ public:
     // What became of it, for the log; empty when the journal was left as it is.
     std::string CompactWhenStale();
 
+    // An answer that refuses, ready to be sent.
+    static std::string Refusal(qmx::MessageWriter& writer, void* request, const ServerRefusal& refusal,
+                               bool hasSerial = true);
+
     void AddListener(UpdateListener& listener) { m_registrations.AddListener(listener); }
     void RemoveListener(UpdateListener& listener) { m_registrations.RemoveListener(listener); }
 
@@ -78,7 +83,9 @@ private:
 
     Reply Dispatch(std::string_view name, void* request, const UserIdentity& user, std::string_view sentAs);
     Reply AnswerOperationMode(void* request, const UserIdentity& user);
-    Reply AddRegistration(void* request, const UserIdentity& user);
+    Reply AddRegistration(void* request, const UserIdentity& user, std::string_view sentAs);
+    // Whether the order asks for what the registration's has.
+    bool IsSameOrder(void* request, const Registration& registration) const;
     template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
     Reply StartQuery(void* request, const UserIdentity& user);
 

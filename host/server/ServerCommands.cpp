@@ -74,10 +74,11 @@ bool SetError(RequestFault& fault, std::string_view value) {
     fault.errorCode = value;
     return !value.empty() && value.size() <= kLongestText;
 }
-bool SetDisconnects(RequestFault& fault, std::string_view value) {
+template <int RequestFault::*member>
+bool SetTimes(RequestFault& fault, std::string_view value) {
     const auto times = value.empty() ? 1 : WholeNumber(value).value_or(0);
-    fault.disconnects = static_cast<int>(std::min<std::int64_t>(times, kMostDisconnects));
-    return fault.disconnects > 0;
+    fault.*member = static_cast<int>(std::min<std::int64_t>(times, kMostDisconnects));
+    return fault.*member > 0;
 }
 template <bool RequestFault::*member>
 bool SwitchOn(RequestFault& fault, std::string_view) {
@@ -93,8 +94,12 @@ constexpr FaultKind kFaultKinds[] = {
     {"delay", "a number of milliseconds", SetDelay},
     {"error", "a code", SetError},
     {"silent", "", SwitchOn<&RequestFault::silent>},
+    {"ignored", "", SwitchOn<&RequestFault::ignored>},
     {"garbage", "", SwitchOn<&RequestFault::garbage>},
-    {"disconnect", "a number of times", SetDisconnects},
+    {"twice", "", SwitchOn<&RequestFault::twice>},
+    {"noserial", "", SwitchOn<&RequestFault::noSerial>},
+    {"disconnect", "a number of times", SetTimes<&RequestFault::disconnects>},
+    {"disconnect-before", "a number of times", SetTimes<&RequestFault::disconnectsBefore>},
     {"none", "", [](RequestFault&, std::string_view) { return true; }},
 };
 
@@ -195,7 +200,7 @@ Told ServerCommands::SetFault(const Call& call) {
     if (hasExcess || !row->set(fault, value))
         return {false, Quoted(value) + " is no value of \"" + std::string(kind) + "\", which takes "
                            + std::string(row->value.empty() ? "none" : row->value)};
-    if (fault.disconnects != 0 && !m_hasConnections)
+    if ((fault.disconnects != 0 || fault.disconnectsBefore != 0) && !m_hasConnections)
         return {false, "The terminal's own server has no connection that could be cut"};
     auto& faults = m_server.Config().faults;
     if (request.size() > kLongestText || (faults.size() >= kMostFaults && !faults.contains(request)))

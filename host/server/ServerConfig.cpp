@@ -83,8 +83,19 @@ void ReadOperationMode(const Json& mode, ServerConfig& config) {
     }
 }
 
+int ReadTimes(const Json& row, const char* member) {
+    std::int64_t times = 0;
+    const Json& value = Read(row, member, "a whole number", &Json::is_number_unsigned, times);
+    if (times < 0 || times > kMostDisconnects)
+        throw WrongSetting(value, '"' + std::string(member) + "\" must not exceed "
+                                      + std::to_string(kMostDisconnects));
+    return static_cast<int>(times);
+}
+
 RequestFault ReadFault(const Json& row, const std::string& request) {
-    CheckMembers(row, request, {"error", "delayMs", "silent", "garbage", "disconnect"});
+    CheckMembers(row, request,
+                 {"error", "delayMs", "silent", "ignored", "garbage", "twice", "noSerial", "disconnect",
+                  "disconnectBefore"});
     RequestFault fault;
     if (std::string code; row.contains("error")) {
         const Json& value = Read(row, "error", "a text", &Json::is_string, code);
@@ -97,13 +108,15 @@ RequestFault ReadFault(const Json& row, const std::string& request) {
         Read(row, "delayMs", "a whole number of milliseconds", &Json::is_number_unsigned, fault.delayMs);
     if (fault.delayMs < 0 || fault.delayMs > kMostDelayMs)
         throw WrongSetting(delay, "\"delayMs\" must not exceed a day");
-    Read(row, "silent", "true or false", &Json::is_boolean, fault.silent);
-    Read(row, "garbage", "true or false", &Json::is_boolean, fault.garbage);
-    std::int64_t times = 0;
-    const Json& disconnect = Read(row, "disconnect", "a whole number", &Json::is_number_unsigned, times);
-    if (times < 0 || times > kMostDisconnects)
-        throw WrongSetting(disconnect, "\"disconnect\" must not exceed " + std::to_string(kMostDisconnects));
-    fault.disconnects = static_cast<int>(times);
+    constexpr std::pair<const char*, bool RequestFault::*> switches[] = {
+        {"silent", &RequestFault::silent},     {"ignored", &RequestFault::ignored},
+        {"garbage", &RequestFault::garbage},   {"twice", &RequestFault::twice},
+        {"noSerial", &RequestFault::noSerial},
+    };
+    for (const auto& [member, on] : switches)
+        Read(row, member, "true or false", &Json::is_boolean, fault.*on);
+    fault.disconnects = ReadTimes(row, "disconnect");
+    fault.disconnectsBefore = ReadTimes(row, "disconnectBefore");
     return fault;
 }
 
@@ -148,10 +161,10 @@ const RequestFault& ServerConfig::FaultFor(std::string_view request) const {
     return found == faults.end() ? none : found->second;
 }
 
-bool ServerConfig::TakeDisconnect(std::string_view request) {
+bool ServerConfig::TakeDisconnect(std::string_view request, int RequestFault::*left) {
     const auto found = RowFor(request, faults);
-    if (found == faults.end() || found->second.disconnects == 0) return false;
-    --found->second.disconnects;
+    if (found == faults.end() || found->second.*left == 0) return false;
+    --(found->second.*left);
     return true;
 }
 

@@ -30,8 +30,12 @@ struct RequestFault {
     std::optional<std::string> errorCode{}; // refused with this code, and not handled
     std::int64_t delayMs = 0;               // before the request is handled
     bool silent = false;                    // handled, never answered
+    bool ignored = false;                   // neither handled nor answered
     bool garbage = false;                   // handled, answered with a message of unknown fields
-    int disconnects = 0; // so many times more handled, then the connection is cut instead of answering
+    bool twice = false;                     // handled, and its last answer sent twice
+    bool noSerial = false;                  // an order's answer without its serial number
+    int disconnects = 0;       // so many times more handled, then the connection is cut instead of answering
+    int disconnectsBefore = 0; // so many times more not handled, nor what came behind it: the connection is cut
 };
 inline constexpr std::int64_t kMostDelayMs = 86'400'000; // a day
 inline constexpr int kMostDisconnects = 1'000'000;
@@ -53,8 +57,8 @@ struct ServerConfig {
     std::vector<std::chrono::year_month_day> nonTrading;
 
     const RequestFault& FaultFor(std::string_view request) const;
-    // Whether the connection is to be cut this time, which is counted.
-    bool TakeDisconnect(std::string_view request);
+    // Whether the connection is to be cut this time, which is counted in this member.
+    bool TakeDisconnect(std::string_view request, int RequestFault::*left);
 };
 
 struct ConfigResult {
@@ -63,8 +67,9 @@ struct ConfigResult {
 };
 
 // JSON: {"operationMode": {"shape": "list", "frequencies": [{"name": "monthly", "minimum": 6}]},
-//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "garbage": true,
-//                                       "disconnect": 2}},
+//        "faults": {"add_sip_orders": {"error": "99", "delayMs": 50, "silent": true, "ignored": true,
+//                                       "garbage": true, "twice": true, "noSerial": true,
+//                                       "disconnect": 2, "disconnectBefore": 2}},
 //        "fills": {"rejected": 20, "partial": 30, "seed": 1}}
 // A member left out keeps its default; an unknown one is refused. The path is UTF-8.
 ConfigResult LoadServerConfig(const std::string& path);

@@ -23,6 +23,8 @@ inline constexpr std::string_view kCodeJournal = "106";
 inline constexpr std::string_view kCodeUnknownNumber = "107";
 inline constexpr std::string_view kCodeStatus = "108";
 inline constexpr std::string_view kCodeUnknownClient = "109";
+inline constexpr std::string_view kCodeOtherOrder = "110";
+inline constexpr std::string_view kCodeWithdrawn = "111"; // the terminal's own: the server never had it
 
 // Longer texts are neither kept nor sent back: every answer has room for what it quotes.
 inline constexpr std::size_t kLongestText = 255;
@@ -47,6 +49,16 @@ inline ServerRefusal OtherUser() {
 
 inline ServerRefusal UnknownClient(std::string_view account) {
     return {kCodeUnknownClient, "There is no client " + std::string(account)};
+}
+
+// For an order under the identifier, or the name, of one that was registered and asked for something else.
+inline ServerRefusal OtherOrder(std::string_view number) {
+    return {kCodeOtherOrder,
+            "Another order was registered under this identifier. Registration No : " + std::string(number)};
+}
+
+inline ServerRefusal Withdrawn() {
+    return {kCodeWithdrawn, "Withdrawn by the user"};
 }
 
 } // namespace vesk

@@ -59,8 +59,17 @@ DESCRIPTION
                              makes exchange orders for days gone by, of the latest
                              registration or the one with the number
         fault REQUEST KIND [VALUE]
-                             plays a fault on a request, or on all ("*"): delay MS,
-                             error CODE, silent, garbage, disconnect [TIMES], none
+                             plays a fault on a request, or on all ("*"):
+                             delay MS                  handled so much later
+                             error CODE                refused, not handled
+                             silent                    handled, not answered
+                             ignored                   neither handled nor answered
+                             garbage                   handled, answered with rubbish
+                             twice                     handled, answered twice
+                             noserial                  answered without serial number
+                             disconnect [TIMES]        handled, then the line is cut
+                             disconnect-before [TIMES] cut before it has come
+                             none
 
     A terminal can give the same commands.
 

@@ -145,11 +145,12 @@ int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& us
         net.Turn(isBehind ? 1 : clock.HasDue() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, marketServer.Commands(), user);
-        if (input.isOver) return 0;
+        if (input.isOver) break;
         if (isBehind) continue;
         const Executed done = clock.ExecuteDue(kExecutionTime);
         if (!done.fault.empty()) Note(done.fault);
     }
+    net.FinishRest();
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include "tests/net/NetFixture.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace vesk {
@@ -129,6 +130,57 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     Kill();
     ASSERT_TRUE(Until([&] { return !told.empty(); }, {&one}));
     EXPECT_EQ(told, Texts{"-The connection was lost; whether it was done is not known"});
+}
+
+// What the server had received counts, whenever the terminal goes and however slow the server is.
+TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
+    constexpr std::size_t orders = 300; // more than are read at a time
+    const struct {
+        RequestFault fault;
+        SessionLimits limits;
+        std::size_t least, most; // done
+    } rows[] = {
+        {{}, {.requests = 16, .turns = 1}, orders, orders},               // most are still unread
+        {{.errorCode = {}, .delayMs = kMostDelayMs}, {}, orders, orders}, // not due before the server's end
+        {{.errorCode = {}, .disconnects = 1}, {}, orders / 4, orders},    // the server cuts the line itself
+        {{.errorCode = {}, .disconnectsBefore = 1}, {}, 0, 0},            // nothing has come
+    };
+    for (const auto& row : rows) {
+        m_config.faults["add_sip_orders"] = row.fault;
+        Start(row.limits);
+        const std::size_t before = m_running->server->Registrations().size();
+        auto gone = std::make_unique<Terminal>(m_port, "USER1");
+        for (std::size_t i = 0; i < orders; ++i)
+            ASSERT_TRUE(gone->Place(std::to_string(before) + "-" + std::to_string(i)));
+        ASSERT_TRUE(Until([&] { return gone->Client().State() == LinkState::connected; }, {gone.get()}));
+        gone->Pump();
+        gone.reset();
+        for (int turn = 0; turn < 20; ++turn)
+            m_net->Turn(1);
+        m_net->FinishRest();
+        ASSERT_TRUE(Until([&] { return m_net->Connections() == 0; }, {}));
+        const std::size_t done = m_running->server->Registrations().size() - before;
+        EXPECT_GE(done, row.least);
+        EXPECT_LE(done, row.most);
+        Kill();
+    }
+}
+
+// Of more than goes into the output at a time.
+TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
+    constexpr std::uint64_t orders = 800;
+    Start();
+    Terminal one(m_port, "USER1");
+    ASSERT_TRUE(Until([&] { return one.Client().State() == LinkState::connected; }, {&one}));
+    for (std::uint64_t i = 1; i <= orders; ++i)
+        ASSERT_TRUE(one.Place(std::to_string(i)));
+    EXPECT_FALSE(one.Client().Withdraw(1));
+    EXPECT_TRUE(one.Client().Withdraw(orders));
+    one.Pump();
+    EXPECT_EQ(one.answers, Texts{"Withdrawn by the user"});
+    ASSERT_TRUE(Until([&] { return one.Client().RequestCount() == 0; }, {&one}));
+    EXPECT_EQ(m_running->server->Registrations().size(), orders - 1);
+    EXPECT_EQ(m_running->server->Registrations().back().Text(tag::orderId), std::to_string(orders - 1));
 }
 
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {

@@ -26,10 +26,12 @@ public:
                 .append(" ")
                 .append(qmx::Text(message, tag::sipStatus));
         m_log.push_back(line);
+        if (onAnswer) onAnswer(message);
         Meanwhile(message);
     }
 
     std::function<void()> act; // once, in the middle of the next call
+    std::function<void(void* message)> onAnswer;
     void* lastMessage = nullptr;
 
 private:
@@ -246,6 +248,40 @@ TEST_F(RxClientTest, SessionThatEndsIsALostConnectionAndWhatWasAskedIsAskedAgain
     EXPECT_EQ(Taken(), (Log{"one answer add_sip_orders", "two stream " + number})) << "with what was missed";
     EXPECT_EQ(m_running.server->Registrations().size(), 1u);
     EXPECT_EQ(m_client.Waiting(), 0u);
+}
+
+TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
+    RxControl* one = m_client.Get(kRxRequests, &m_one);
+    m_running.server->Config().faults["*"].disconnects = 1;
+    ASSERT_TRUE(Send(one, Order()));
+    m_client.Pump(0);
+    ASSERT_EQ(m_client.State(), LinkState::lost);
+    ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-2"}, {tag::echoedNumber, "7"}})));
+    ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-3"}})));
+    ASSERT_TRUE(Send(one, "pause_sip_order registrationNumber=SIP2603020000001"));
+    EXPECT_EQ(m_client.Requests(), (std::vector<std::uint64_t>{1, 2, 3, 4}));
+    const struct {
+        std::uint64_t number;
+        const char* answer; // empty: it has left, or is gone
+    } rows[] = {{1, ""},
+                {2, "32767=add_sip_orders 32766=111 20008=Withdrawn by the user 32760=7 54158=id-2"},
+                {2, ""},
+                {4, "32767=pause_sip_order 32766=111 20008=Withdrawn by the user 64804=SIP2603020000001"},
+                {5, ""}};
+    for (const auto& row : rows) {
+        std::string answer;
+        m_one.onAnswer = [&](void* message) { answer = qmx::Dump(message); };
+        const auto waiting = m_client.FindRequest(row.number);
+        EXPECT_EQ(waiting && !waiting->hasLeft, *row.answer != 0) << row.number;
+        EXPECT_EQ(m_client.Withdraw(row.number), *row.answer != 0) << row.number;
+        m_client.Pump(0);
+        EXPECT_EQ(answer, row.answer);
+    }
+    m_one.onAnswer = {};
+    m_client.Pump(1000);
+    ASSERT_EQ(m_running.server->Registrations().size(), 2u);
+    EXPECT_EQ(m_running.server->Registrations()[1].Text(tag::orderId), "id-3");
+    EXPECT_EQ(m_client.RequestCount(), 0u);
 }
 
 TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {

@@ -3,6 +3,8 @@
 #include "host/server/ServerCommands.h"
 #include "tests/server/ServerFixture.h"
 
+#include <algorithm>
+
 namespace vesk {
 namespace {
 
@@ -33,6 +35,9 @@ TEST(Commands, LineByLine) {
         {commands, "fault add_sip_orders delay 50", "On add_sip_orders the server plays: delay 50"},
         {embedded, "fault * error 77", "On * the server plays: error 77"},
         {commands, "fault any disconnect", "On any the server plays: disconnect"},
+        {commands, "fault before disconnect-before 2", "On before the server plays: disconnect-before 2"},
+        {embedded, "fault any disconnect-before",
+         "-The terminal's own server has no connection that could be cut"},
         {embedded, "fault any disconnect 3", "-The terminal's own server has no connection that could be cut"},
         {commands, "fault any disconnect -1", "-\"-1\" is no value of \"disconnect\", which takes a number of"},
         {commands, "fault any silent 1", "-\"1\" is no value of \"silent\", which takes none"},
@@ -50,7 +55,34 @@ TEST(Commands, LineByLine) {
     const ServerConfig& config = running.server->Config();
     EXPECT_EQ(config.FaultFor("add_sip_orders").delayMs, 50);
     EXPECT_EQ(config.FaultFor("any").disconnects, 1);
+    EXPECT_EQ(config.FaultFor("before").disconnectsBefore, 2);
     EXPECT_EQ(config.FaultFor("another").errorCode, "77");
+}
+
+TEST(Commands, FaultsOfAnswersOneByOne) {
+    const TemporaryFolder folder;
+    RunningServer running(folder.File("journal"));
+    ServerCommands commands(*running.server, {}, true);
+    const struct {
+        const char *kind, *told; // registered, answers, their serial numbers, cut, lost
+    } rows[] = {
+        {"none", "1 1 1 0 0"},       {"silent", "1 0 0 0 0"},
+        {"ignored", "0 0 0 0 0"},    {"twice", "1 2 2 0 0"},
+        {"error 7", "0 1 1 0 0"},    {"noserial", "1 1 0 0 0"},
+        {"disconnect", "1 0 0 1 0"}, {"disconnect-before", "0 0 0 1 1"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(commands.Run("fault * " + std::string(row.kind), running.user, 0).isDone);
+        const std::size_t before = running.server->Registrations().size();
+        const Reply reply = running.Begin(Order({{tag::orderId, ""}, {tag::echoedNumber, "4"}}));
+        const auto serials = std::ranges::count_if(reply.answers, [](const std::string& answer) {
+            return qmx::Has(qmx::MessageReader(answer).Handle(), tag::echoedNumber);
+        });
+        std::ostringstream told;
+        told << running.server->Registrations().size() - before << ' ' << reply.answers.size() << ' ' << serials
+             << ' ' << reply.isCut << ' ' << reply.isLost;
+        EXPECT_EQ(told.str(), row.told) << row.kind;
+    }
 }
 
 } // namespace

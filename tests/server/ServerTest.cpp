@@ -3,6 +3,8 @@
 
 #include "tests/server/ServerFixture.h"
 
+#include <optional>
+
 namespace vesk {
 namespace {
 
@@ -10,7 +12,7 @@ const Fields kAskMode = "get_sip_operation_mode";
 using Answers = std::vector<std::string>;
 const char* const kRegistered =
     "echoedRequest=add_sip_orders userText=SIP registered. Registration No : SIP2603020000001 account=CL1"
-    " registrationNumber=SIP2603020000001";
+    " registrationNumber=SIP2603020000001 orderId=id-1";
 
 TEST(Server, OperationModeIsAnsweredInEveryShape) {
     const TemporaryFolder folder;
@@ -72,17 +74,85 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameOrderId) {
     const TemporaryFolder folder;
     RunningServer running(folder.File("journal"));
-    EXPECT_EQ(running.Ask(Order("side=X")),
-              Answers{"echoedRequest=add_sip_orders errorCode=102 userText=The side cannot be \"X\""});
+    EXPECT_EQ(
+        running.Ask(Order("side=X")),
+        Answers{"echoedRequest=add_sip_orders errorCode=102 userText=The side cannot be \"X\" orderId=id-1"});
     running.server->SetClients([](std::string_view account) { return account == "CL1"; });
-    EXPECT_EQ(running.Ask(Order("account=CL2")),
-              Answers{"echoedRequest=add_sip_orders errorCode=109 userText=There is no client CL2"});
-    EXPECT_EQ(running.Ask("who_knows"),
+    EXPECT_EQ(running.Ask(Order("account=CL2 echoedNumber=7")),
+              Answers{"echoedRequest=add_sip_orders errorCode=109 userText=There is no client CL2 "
+                      "echoedNumber=7 orderId=id-1"});
+    EXPECT_EQ(running.Ask("who_knows echoedNumber=7 orderId=id"),
               Answers{"echoedRequest=who_knows errorCode=100 userText=The server does not know this request"});
     EXPECT_EQ(running.Ask({{1, "no name"}}),
               Answers{"echoedRequest= errorCode=100 userText=The server does not know this request"});
     EXPECT_EQ(FileText(folder.File("journal")), "");
     EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
+}
+
+// What a terminal sends again when it does not know whether the first has come, in a row at one server.
+TEST(Server, OrderSentAgainIsOneOrderAndAnotherUnderItsIdentifierIsRefused) {
+    const Fields first = Order({{tag::totalPeriod, "24"}}), bare = Order({{tag::orderId, ""}});
+    const auto with = [](const Fields& order, std::uint32_t tag, const char* text) {
+        Fields changed = order;
+        changed[tag] = text;
+        return changed;
+    };
+    struct Row {
+        Fields order;
+        const char* sentAs;
+        const char* number; // empty: it is refused as another one
+    };
+    std::vector<Row> rows{{first, "1-1", "1"},
+                          {bare, "1-2", "2"},
+                          {with(first, tag::orderId, "id-3"), "1-1", ""},
+                          {with(bare, tag::orderId, "id-3"), "1-2", ""},
+                          {with(bare, tag::amountOrQuantity, "5"), "1-2", ""},
+                          {with(first, tag::cautionaryFlag, "Y"), "9-1", "1"},
+                          {with(first, tag::startDate, "1772755201"), "9-1", "1"}, // of the same day
+                          {bare, "1-2", "2"}};
+    const std::pair<std::uint32_t, const char*> others[] = {
+        {tag::account, "CL2"},          {tag::exchange, "bse_cm"}, {tag::token, "2"},
+        {tag::tradingSymbol, "X"},      {tag::side, "S"},          {tag::product, "MIS"},
+        {tag::investType, "qty"},       {tag::frequency, "daily"}, {tag::amountOrQuantity, "500"},
+        {tag::startDate, "1772841600"}, {tag::totalPeriod, "6"},
+    };
+    for (const auto& [tag, text] : others)
+        rows.push_back({with(first, tag, text), "9-1", ""});
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    std::optional<RunningServer> running(path);
+    const auto check = [&](const char* when) {
+        for (const Row& row : rows) {
+            const std::string number = "SIP260302000000" + std::string(row.number);
+            const std::string answer = running->Ask(row.order, row.sentAs)[0];
+            const std::string expected =
+                *row.number ? "Registration No : " + number + " account=" : "errorCode=110";
+            EXPECT_NE(answer.find(expected), answer.npos) << when << ": " << answer;
+        }
+        EXPECT_EQ(running->server->Registrations().size(), 2u) << when;
+        EXPECT_EQ(running->server->Registrations()[0].Text(tag::orderId), "id-1") << when;
+    };
+    check("at once");
+    const std::string journal = FileText(path);
+    for (const char* change :
+         {"modify_sip_order amountOrQuantity=500 totalPeriod=6",
+          "modify_sip_order amountOrQuantity=9 totalPeriod=7", "cancel_sip_order orderId=cancel"})
+        running->Ask(change + std::string(" registrationNumber=SIP2603020000001"));
+    check("when it is changed and cancelled");
+    EXPECT_EQ(running->server->CompactJournal(), "");
+    running.reset();
+    running.emplace(path);
+    check("from a journal that was written anew");
+    // As older servers wrote it: a line with the cancellation's identifier behind the order's.
+    running.reset();
+    const std::string record = journal.substr(0, journal.find('\n'));
+    const std::string placed = record.substr(record.find('{'));
+    std::string cancelled = placed;
+    cancelled.replace(cancelled.find("id-1"), 4, "cancel");
+    WriteFileText(path, JournalLine(placed) + JournalLine(cancelled));
+    running.emplace(path);
+    EXPECT_EQ(running->Ask(first), Answers{kRegistered});
+    EXPECT_EQ(running->server->Registrations()[0].Text(tag::orderId), "id-1");
 }
 
 TEST(Server, RecordOfAnotherKindStopsItFromServing) {
@@ -116,6 +186,9 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
          "-1}]}}",
          "s:3: \"minimum\" must lie between 0 and 100000"},
         {"{\"faults\": {\"a\": {\"disconnect\": 1000001}}}", "s:1: \"disconnect\" must not exceed 1000000"},
+        {"{\"faults\": {\"a\": {\"disconnectBefore\": -1}}}",
+         "s:1: \"disconnectBefore\" must be a whole number"},
+        {"{\"faults\": {\"a\": {\"twice\": 1}}}", "s:1: \"twice\" must be true or false"},
         {"{\n\"fills\": {\"rejected\": 71}}", "s:2: \"rejected\" and \"partial\" must not exceed 100 together"},
         {"{\"faults\": {\"a\": {\"error\": \"\"}}}", "s:1: \"error\" must be a code of 1 to 255 bytes"},
         {"{\"operationMode\": {\"frequencies\": [{\"minimum\": 1}]}}", "s:1: a frequency needs a \"name\""},

@@ -29,6 +29,24 @@ Channel::Exchanged TcpChannel::Exchange(std::string_view& output, FrameReader* r
     return {transfer == Transfer::some, transfer == Transfer::ended ? kEnded : nullptr};
 }
 
+// A connection that is closed over unread answers is broken off, and the server may then never see what is on
+// its way to it.
+void TcpChannel::Leave() {
+    constexpr int mostWaits = 20, waitMs = 50;
+    std::array<char, 65536> part;
+    std::size_t got = 0;
+    if (m_socket) m_socket.EndSending();
+    for (int i = 0; m_socket && i < mostWaits; ++i) {
+        SocketEvents came[] = {{&m_socket, true}};
+        Wait(came, waitMs);
+        Transfer transfer = Transfer::some;
+        while (came[0].canRead && transfer == Transfer::some)
+            transfer = m_socket.Receive(part, got);
+        if (transfer == Transfer::ended) break;
+    }
+    Close();
+}
+
 Transfer TcpChannel::Receive(FrameReader& reader) {
     std::array<char, 65536> part;
     std::size_t got = 0;

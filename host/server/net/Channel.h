@@ -31,6 +31,8 @@ public:
     // Begins a connection. Why it cannot; empty when it is under way.
     virtual std::string Open() = 0;
     virtual void Close() = 0;
+    // Closes so that what was sent arrives, after a moment's wait where that is needed.
+    virtual void Leave() { Close(); }
     // Takes what can go from the front of `output`, and gives a portion of what has come to the reader, which
     // is null while the client takes nothing.
     virtual Exchanged Exchange(std::string_view& output, FrameReader* reader, std::int64_t nowMs) = 0;
@@ -52,6 +54,7 @@ public:
     Checksum Sums() const override { return Checksum::crc32; }
     std::string Open() override;
     void Close() override { m_socket = {}; }
+    void Leave() override;
     Exchanged Exchange(std::string_view& output, FrameReader* reader, std::int64_t nowMs) override;
     std::size_t Waiting() const override { return 0; }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <exception>
+#include <limits>
 
 namespace vesk {
 namespace {
@@ -30,14 +31,22 @@ std::string NetServer::Listen(std::uint16_t port) {
 void NetServer::Turn(int timeoutMs) {
     std::vector<SocketEvents> waiting{{&m_listener, m_connections.size() < kMostConnections}};
     for (Connection& connection : m_connections)
-        waiting.push_back(
-            {&connection.socket, connection.session.TakesInput(), !connection.session.Output().empty()});
+        if (connection.socket)
+            waiting.push_back(
+                {&connection.socket, connection.session.TakesInput(), !connection.session.Output().empty()});
     Wait(waiting, PauseMs(timeoutMs));
     auto came = waiting.begin() + 1;
     for (Connection& connection : m_connections)
-        Serve(connection, *came++);
+        Serve(connection, connection.socket ? *came++ : SocketEvents{&connection.socket});
     DropEnded();
     if (waiting.front().canRead) Accept();
+}
+
+void NetServer::FinishRest() {
+    constexpr std::int64_t whenever = std::numeric_limits<std::int64_t>::max();
+    for (Connection& connection : m_connections)
+        while (connection.isGone && connection.session.HasRest())
+            connection.session.Pump(whenever);
 }
 
 // A request that is delayed is looked for every millisecond, from a little before.
@@ -72,6 +81,7 @@ void NetServer::Serve(Connection& connection, const SocketEvents& came) {
         if (came.canWrite) Send(connection);
         connection.session.Pump(SteadyMs());
         if (!connection.session.Output().empty()) Send(connection);
+        if (connection.isGone && connection.socket) ReceiveRest(connection);
     } catch (const std::exception& fault) {
         m_log(connection.session.Name() + ": " + fault.what());
         connection.isGone = true;
@@ -86,6 +96,16 @@ void NetServer::Receive(Connection& connection) {
     if (transfer == Transfer::ended) connection.isGone = true;
 }
 
+void NetServer::ReceiveRest(Connection& connection) {
+    constexpr std::size_t mostParts = 256;
+    std::array<char, 65536> part;
+    std::size_t got = 0;
+    for (std::size_t i = 0; i < mostParts; ++i) {
+        if (connection.socket.Receive(part, got) != Transfer::some) return;
+        connection.session.Take({part.data(), got}, SteadyMs());
+    }
+}
+
 void NetServer::Send(Connection& connection) {
     std::string& output = connection.session.Output();
     std::string_view left = output;
@@ -98,9 +118,14 @@ void NetServer::Send(Connection& connection) {
 
 void NetServer::DropEnded() {
     for (auto at = m_connections.begin(); at != m_connections.end();) {
-        const bool hasEnded = at->session.HasEnded();
-        if (hasEnded) m_log(at->session.Name() + " is cut off: " + at->session.EndReason());
-        at = hasEnded || at->isGone ? m_connections.erase(at) : std::next(at);
+        ServerSession& session = at->session;
+        if (session.HasEnded() && at->socket) m_log(session.Name() + " is cut off: " + session.EndReason());
+        if (session.HasEnded() || at->isGone) {
+            at->isGone = true;
+            at->socket = {};
+            session.Leave();
+        }
+        at = at->isGone && !session.HasRest() ? m_connections.erase(at) : std::next(at);
     }
 }
 

@@ -3,6 +3,8 @@
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
+// What a terminal has asked for is done although its connection is over.
+//
 // Lifetime: server and commands outlive it. Failure: a fault of one connection ends that connection, with a
 // line in the log.
 #pragma once
@@ -35,6 +37,8 @@ public:
 
     // Takes, does and sends what there is, after waiting for something at most so long.
     void Turn(int timeoutMs);
+    // Before its end: does at once what terminals that are gone had asked for. The others ask the next server.
+    void FinishRest();
 
 private:
     struct Connection {
@@ -43,7 +47,7 @@ private:
 
         Socket socket;
         ServerSession session;
-        bool isGone = false;
+        bool isGone = false; // the socket is of no use any more
     };
 
     bool AnyHasWork(std::int64_t nowMs) const;
@@ -51,6 +55,8 @@ private:
     void Accept();
     void Serve(Connection& connection, const SocketEvents& came);
     void Receive(Connection& connection);
+    // What a terminal that takes no answers any more has sent before.
+    void ReceiveRest(Connection& connection);
     void Send(Connection& connection);
     void DropEnded();
 

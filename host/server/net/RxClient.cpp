@@ -18,6 +18,8 @@ constexpr std::size_t kMostCommands = 1000;
 // From which on nothing more is read.
 constexpr std::size_t kMostDeliveries = 10'000;
 constexpr std::size_t kMostDeliveryBytes = 8 * 1024 * 1024;
+// Unsent output, from which on no request is added.
+constexpr std::size_t kMostOutputBytes = 256 * 1024;
 
 // Under which this terminal's requests are known again, also after the server's restart.
 std::uint64_t MakeIdentity() {
@@ -75,11 +77,47 @@ std::uint64_t RxClient::Send(std::uint32_t control, std::string_view bytes) {
         || m_requestBytes + bytes.size() > kMostRequestBytes)
         return 0;
     const std::uint64_t number = m_lastRequest + 1;
-    const auto made = m_requests.emplace(number, Unanswered{{control, number, std::string(bytes)}});
+    m_requests.emplace(number, Unanswered{{control, number, std::string(bytes)}, m_nowMs});
     m_lastRequest = number;
     m_requestBytes += bytes.size();
-    Say(made.first->second.request);
+    SayRequests();
     return number;
+}
+
+void RxClient::SayRequests() {
+    if (m_state != LinkState::connected) return;
+    for (auto next = m_requests.upper_bound(m_lastSaid);
+         next != m_requests.end() && m_output.size() - m_sent < kMostOutputBytes; ++next) {
+        Say(next->second.request);
+        m_lastSaid = next->first;
+    }
+}
+
+std::vector<std::uint64_t> RxClient::Requests() const {
+    std::vector<std::uint64_t> numbers;
+    numbers.reserve(m_requests.size());
+    for (const auto& [number, one] : m_requests)
+        numbers.push_back(number);
+    return numbers;
+}
+
+std::optional<WaitingRequest> RxClient::FindRequest(std::uint64_t number) const {
+    const auto found = m_requests.find(number);
+    if (found == m_requests.end()) return std::nullopt;
+    const Unanswered& one = found->second;
+    return WaitingRequest{number, one.request.bytes, one.sinceMs, HasLeft(one)};
+}
+
+bool RxClient::Withdraw(std::uint64_t number) {
+    const auto found = m_requests.find(number);
+    if (found == m_requests.end() || HasLeft(found->second)) return false;
+    const net::ControlRequest& request = found->second.request;
+    const qmx::MessageReader reader(request.bytes);
+    qmx::MessageWriter writer;
+    Keep({request.control, false, Server::Refusal(writer, reader.Handle(), Withdrawn())});
+    m_requestBytes -= request.bytes.size();
+    m_requests.erase(found);
+    return true;
 }
 
 void RxClient::Command(std::string line, CommandTold told) {
@@ -99,13 +137,32 @@ void RxClient::TellLater(CommandTold command, Told told) {
         {0, false, {}, [command = std::move(command), told = std::move(told)] { command(told); }});
 }
 
+std::size_t RxClient::AnswersDue() const {
+    const auto isAnswer = [](const Delivery& one) { return !one.isStream && !one.tell; };
+    return m_requests.size() + static_cast<std::size_t>(std::ranges::count_if(m_deliveries, isAnswer));
+}
+
 std::size_t RxClient::Waiting() const {
     return m_requests.size() + m_commands.size() + m_deliveries.size() + m_channel->Waiting();
 }
 
-std::size_t RxClient::Pump(std::int64_t nowMs) {
+void RxClient::ConnectWhenDue(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (m_state == LinkState::lost && m_nowMs >= m_againAtMs) Connect();
+}
+
+bool RxClient::Flush(std::int64_t nowMs) {
+    ConnectWhenDue(nowMs);
+    return Exchange();
+}
+
+void RxClient::Leave() {
+    m_channel->Leave();
+    if (m_state != LinkState::lost) Lose("the terminal is left");
+}
+
+std::size_t RxClient::Pump(std::int64_t nowMs) {
+    ConnectWhenDue(nowMs);
     const auto end = std::chrono::steady_clock::now() + m_pumpTime;
     const auto isOver = [end] { return std::chrono::steady_clock::now() >= end; };
     std::size_t calls = 0;
@@ -141,6 +198,7 @@ bool RxClient::HasRoom() const {
 
 bool RxClient::Exchange() {
     if (m_state == LinkState::lost) return false;
+    SayRequests();
     std::string_view left = std::string_view(m_output).substr(m_sent);
     const Channel::Exchanged exchanged = m_channel->Exchange(left, HasRoom() ? &m_reader : nullptr, m_nowMs);
     m_sent = m_output.size() - left.size();
@@ -149,7 +207,8 @@ bool RxClient::Exchange() {
     TakeFrames();
     if (exchanged.over) Lose(exchanged.over);
     if (m_state == LinkState::connecting && m_nowMs >= m_againAtMs) Lose("the server does not answer");
-    return exchanged.hasMore;
+    const bool hasRoom = m_sent == m_output.size() && m_state == LinkState::connected;
+    return exchanged.hasMore || (hasRoom && m_requests.upper_bound(m_lastSaid) != m_requests.end());
 }
 
 void RxClient::TakeFrames() {
@@ -185,10 +244,9 @@ void RxClient::On(const net::Welcome& said) {
     for (const auto& [id, control] : m_controls)
         control->Introduce(m_wasConnected);
     m_wasConnected = true;
-    for (auto& [number, waiting] : m_requests) {
+    for (auto& [number, waiting] : m_requests)
         waiting.toSkip = waiting.answers;
-        Say(waiting.request);
-    }
+    SayRequests();
 }
 
 void RxClient::On(const net::ConnectionRefused& said) {
@@ -197,7 +255,7 @@ void RxClient::On(const net::ConnectionRefused& said) {
 
 void RxClient::On(net::Response&& said) {
     const auto found = m_requests.find(said.number);
-    if (found == m_requests.end()) return Lose("an answer that nobody asked for");
+    if (found == m_requests.end() || said.number > m_lastSaid) return Lose("an answer that nobody asked for");
     Unanswered& waiting = found->second;
     if (waiting.toSkip > 0) {
         --waiting.toSkip;
@@ -209,6 +267,7 @@ void RxClient::On(net::Response&& said) {
 }
 
 void RxClient::On(const net::RequestDone& said) {
+    if (said.number > m_lastSaid) return Lose("the end of a request that nobody made");
     auto found = m_requests.extract(said.number);
     if (found.empty()) return Lose("the end of a request that nobody made");
     Unanswered& ended = found.mapped();
@@ -247,6 +306,9 @@ void RxClient::On(net::ServerState&& said) {
 void RxClient::Lose(const std::string& why) {
     if (m_state == LinkState::lost && m_nowMs < m_againAtMs) return;
     m_channel->Close();
+    for (auto one = m_requests.begin(); one != m_requests.end() && one->first <= m_lastSaid; ++one)
+        one->second.hasLeft = true;
+    m_lastSaid = 0;
     m_pauseMs = std::clamp(m_pauseMs * 2, kShortestPauseMs, kLongestPauseMs);
     m_againAtMs = m_nowMs + m_pauseMs;
     for (auto& [number, command] : std::exchange(m_commands, {}))

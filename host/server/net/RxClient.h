@@ -4,7 +4,7 @@
 // where it was: controls are opened anew, subscriptions made again with what was missed meanwhile, and requests
 // that were not answered in full are sent again. That is safe: the server knows an order and a change of a
 // registration again, and of a query the rows that already came are left out. A command is not sent again: what
-// it does, it would do twice.
+// it does, it would do twice. A request that never left may be withdrawn: it is then answered as refused.
 //
 // Thread:  one (the GUI thread); all calls but those to the notifiers return at once. A notifier may pump again
 //          (a message box runs the loop), send, subscribe, and destroy any control, its own included.
@@ -21,11 +21,22 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace vesk {
 
 enum class LinkState { connecting, connected, lost };
+
+// A request without its last answer. The bytes are its message, and the client's until the next call.
+struct WaitingRequest {
+    std::uint64_t number = 0;
+    std::string_view bytes{};
+    std::int64_t sinceMs = 0;
+    bool hasLeft = false; // on this connection or one before, perhaps only in part
+};
 
 class RxClient final {
 public:
@@ -56,6 +67,23 @@ public:
     std::size_t Waiting() const;
     LinkState State() const { return m_state; }
 
+    // Sends and receives without a call to a notifier. Whether another call may do more at once.
+    bool Flush(std::int64_t nowMs);
+    // Ends the connection so that what has been sent arrives: waits a moment for the server to take it.
+    // The next call begins another one.
+    void Leave();
+
+    // The numbers of the requests that wait, the oldest first.
+    std::vector<std::uint64_t> Requests() const;
+    std::size_t RequestCount() const { return m_requests.size(); }
+    // With them the answers that no notifier has been told yet.
+    std::size_t AnswersDue() const;
+    // Nothing when the request does not wait any more.
+    std::optional<WaitingRequest> FindRequest(std::uint64_t number) const;
+    // Takes back a request that never left. Its notifier gets a refusal from the next Pump. False when it has
+    // left, or does not wait any more.
+    bool Withdraw(std::uint64_t number);
+
     // A line as ServerCommands has them.
     void Command(std::string line, CommandTold told);
     // The server's state as it was told last, on this connection or the one before.
@@ -65,6 +93,8 @@ private:
     class Control;
     struct Unanswered {
         net::ControlRequest request;
+        std::int64_t sinceMs;
+        bool hasLeft = false;    // on a connection before
         std::size_t answers = 0; // that came
         std::size_t toSkip = 0;  // of those to come, since they came before
         std::string skipped{};   // the last one
@@ -96,7 +126,11 @@ private:
         if (m_state == LinkState::connected)
             static_cast<void>(net::Append(m_output, std::move(said), m_channel->Sums()));
     }
+    // Puts requests into the output while that has room, so that the others can still be withdrawn.
+    void SayRequests();
+    bool HasLeft(const Unanswered& one) const { return one.hasLeft || one.request.number <= m_lastSaid; }
     void Connect();
+    void ConnectWhenDue(std::int64_t nowMs);
     // Whether another one may bring more at once.
     bool Exchange();
     void TakeFrames();
@@ -126,6 +160,7 @@ private:
     bool m_wasConnected = false;
     std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
     std::map<std::uint64_t, Unanswered> m_requests;
+    std::uint64_t m_lastSaid = 0; // request on this connection: those behind it are not in the output
     std::size_t m_requestBytes = 0;
     std::map<std::uint64_t, CommandTold> m_commands; // that the server has not told of
     std::deque<Delivery> m_deliveries;

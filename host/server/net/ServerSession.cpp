@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace vesk {
 namespace {
@@ -113,6 +114,7 @@ void ServerSession::On(const net::Stop& said) {
 
 template <class Said>
 void ServerSession::Say(Said said) {
+    if (m_hasLeft) return;
     if (!net::Append(m_output, std::move(said), m_limits.checksum)) End("a message is too long to be sent");
 }
 
@@ -125,6 +127,13 @@ void ServerSession::End(std::string reason) {
     if (!HasEnded()) m_endReason = std::move(reason);
 }
 
+void ServerSession::Leave() {
+    if (std::exchange(m_hasLeft, true)) return;
+    m_output.clear();
+    m_queries.clear();
+    if (m_streams) m_streams.emplace(m_server, m_user.loginId); // subscribed to nothing
+}
+
 ServerSession::ToldState ServerSession::StateNow() const {
     const Clockwork& clock = m_server.Clock();
     // An end of the due ones is told behind what the terminal hears of them.
@@ -133,7 +142,7 @@ ServerSession::ToldState ServerSession::StateNow() const {
 }
 
 void ServerSession::TellState() {
-    if (!m_streams || HasEnded() || !HasRoom() || m_toldState == StateNow()) return;
+    if (!m_streams || m_hasLeft || HasEnded() || !HasRoom() || m_toldState == StateNow()) return;
     m_toldState = StateNow();
     net::ServerState state{DateNumber(m_toldState.date), m_toldState.hasDue, {}};
     for (const auto date : m_server.Clock().Restricted().All())
@@ -147,6 +156,7 @@ bool ServerSession::TakesInput() const {
 }
 
 bool ServerSession::HasWork(std::int64_t nowMs) const {
+    if (m_hasLeft) return HasRest() && m_asked.IsDue(nowMs);
     if (!m_streams || HasEnded() || !HasRoom()) return false;
     return m_asked.IsDue(nowMs) || !m_queries.empty() || m_streams->Waiting() > 0 || m_streams->CatchUps() > 0
            || m_toldState != StateNow();
@@ -165,13 +175,14 @@ void ServerSession::Pump(std::int64_t nowMs) {
     const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
     for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn)
         if (std::chrono::steady_clock::now() >= end) break;
-    Judge();
+    if (!m_hasLeft) Judge();
 }
 
 // One of each: neither many requests nor a long query holds up the other.
 bool ServerSession::PumpOnce() {
     if (!HasWork(m_nowMs)) return false;
     if (m_asked.IsDue(m_nowMs)) std::visit([this](const auto& one) { Handle(one); }, m_asked.TakeFirst());
+    if (m_hasLeft) return true;
     // All of them before the next row.
     for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed)
         Say(m_streams->TakeNext());
@@ -187,11 +198,12 @@ bool ServerSession::PumpOnce() {
 void ServerSession::Handle(const net::ControlRequest& request) {
     const qmx::MessageReader reader(request.bytes);
     Reply reply = m_server.Handle(reader.Handle(), m_user, m_terminal + "-" + std::to_string(request.number));
+    if (reply.isLost) m_asked = {};
     if (reply.isCut) return End("the server plays a cut connection");
     TellState();
     for (std::string& answer : reply.answers)
         Say(net::Response{request.control, request.number, std::move(answer)});
-    if (reply.rows)
+    if (reply.rows && !m_hasLeft)
         m_queries.push_back({request.control, request.number, std::move(*reply.rows)});
     else
         Say(net::RequestDone{request.number});

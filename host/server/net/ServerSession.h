@@ -54,6 +54,11 @@ public:
     // The bytes to be sent; the caller takes away what it has sent.
     std::string& Output() { return m_output; }
 
+    // Its terminal is gone: nothing is said any more, but what was asked is still done, when it is due.
+    void Leave();
+    // Whether something that was asked still waits after that.
+    bool HasRest() const { return m_streams && m_asked.Size() > 0; }
+
     // After its end it takes nothing more, and what is in the output may still be sent.
     bool HasEnded() const { return !m_endReason.empty(); }
     const std::string& EndReason() const { return m_endReason; }
@@ -108,6 +113,7 @@ private:
     std::string m_output;
     std::string m_name = "a terminal";
     std::string m_endReason;
+    bool m_hasLeft = false;
     UserIdentity m_user;
     std::string m_terminal;
     std::optional<Streams> m_streams; // once the terminal has said who it is

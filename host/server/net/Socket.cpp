@@ -27,6 +27,7 @@ using Native = SOCKET;
 using PollEntry = WSAPOLLFD;
 using Length = int;
 constexpr int kSendFlags = 0;
+constexpr int kEndSending = SD_SEND;
 
 void Start() {
     static const int started = [] {
@@ -58,6 +59,7 @@ using Native = int;
 using PollEntry = pollfd;
 using Length = std::size_t;
 constexpr int kSendFlags = MSG_NOSIGNAL;
+constexpr int kEndSending = SHUT_WR;
 
 void Start() {}
 int LastError() {
@@ -195,6 +197,10 @@ Transfer Socket::Receive(std::span<char> into, std::size_t& got) {
     if (read < 0) return WouldBlock(LastError()) ? Transfer::none : Transfer::ended;
     got = static_cast<std::size_t>(read);
     return got ? Transfer::some : Transfer::ended;
+}
+
+void Socket::EndSending() const {
+    shutdown(static_cast<Native>(m_handle), kEndSending);
 }
 
 void Wait(std::span<SocketEvents> sockets, int timeoutMs) {

@@ -33,6 +33,8 @@ public:
     // Empties `bytes` from its front.
     Transfer Send(std::string_view& bytes);
     Transfer Receive(std::span<char> into, std::size_t& got);
+    // The other side sees the end behind what was sent; receiving goes on.
+    void EndSending() const;
 
 private:
     friend struct SocketEvents;

@@ -103,6 +103,15 @@ void ScriptRunner::Fail(const std::string& why) {
     m_failure = m_script.fileName + ':' + std::to_string(m_script.commands[index].line) + ": " + why;
 }
 
+bool ScriptRunner::End() {
+    const std::size_t next = m_next + (m_answeredBox ? 1 : 0);
+    const bool isPlayed =
+        next >= m_script.commands.size() || m_script.commands[next].Rule().runner == RunnerVerb::exit;
+    if (m_state == State::running && isPlayed) m_state = State::passed;
+    if (m_state == State::running) Fail("the terminal ended");
+    return m_state == State::passed;
+}
+
 std::string ScriptRunner::Verdict() const {
     return m_state == State::passed ? "script passed" : "script failed: " + m_failure;
 }

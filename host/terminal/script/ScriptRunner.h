@@ -51,6 +51,9 @@ public:
     // One step at most. `nowMs` comes from a clock that never goes back.
     State Tick(std::int64_t nowMs);
 
+    // The program ends: a script that has something left to be played has failed. Whether it has passed.
+    bool End();
+
     State Current() const { return m_state; }
     // "script passed", or "script failed: file:line: why".
     std::string Verdict() const;

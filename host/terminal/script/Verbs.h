@@ -54,6 +54,8 @@
     STAGE(StepResult, ExpectStatus, "expect status", "cnt")                                                    \
     STAGE(StepResult, ExpectJournal, "expect journal", "t")                                                    \
     STAGE(StepResult, ExpectExecuted, "expect executed", "")                                                   \
+    STAGE(StepResult, ExpectLogOff, "expect log-off", "b")                                                     \
+    STAGE(void, LogOff, "log-off", "")                                                                         \
     STAGE(StepResult, TakeScreenshot, "screenshot", "t")                                                       \
     STAGE(void, ActivateClient, "client", "t")                                                                 \
     STAGE(void, SetFont, "font", "nn")                                                                         \

@@ -4,6 +4,7 @@
 #include "host/files/Files.h"
 #include "host/terminal/window/Encoding.h"
 #include "host/terminal/window/frame/MenuBar.h"
+#include "host/terminal/window/frame/WaitingBoxes.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -57,15 +58,42 @@ std::unique_ptr<ServerLink> LinkToServer(Application& application, std::vector<s
                                         std::move(events));
 }
 
-// What the server has not taken yet would be lost.
-bool MayClose(HWND frame, const ServerLink& server) {
-    const std::size_t waiting = server.Waiting();
-    if (!server.Status().isTrouble || waiting == 0) return true;
-    const std::string question = server.Status().text + ": " + std::to_string(waiting)
-                                 + (waiting == 1 ? " request waits" : " requests wait")
-                                 + " for its answer, and will not be sent again.\nExit all the same?";
-    return MessageBoxA(frame, question.c_str(), "Vesk Trader", MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
-           == IDYES;
+// While it lasts, no other window of the program takes input.
+class OthersDisabled {
+public:
+    explicit OthersDisabled(HWND owner) : m_owner(owner) {
+        EnumThreadWindows(
+            GetCurrentThreadId(),
+            [](HWND window, LPARAM self) -> BOOL {
+                auto& others = *reinterpret_cast<OthersDisabled*>(self);
+                if (window == others.m_owner || !IsWindowVisible(window) || !IsWindowEnabled(window))
+                    return TRUE;
+                EnableWindow(window, FALSE);
+                others.m_disabled.push_back(window);
+                return TRUE;
+            },
+            reinterpret_cast<LPARAM>(this));
+    }
+    OthersDisabled(const OthersDisabled&) = delete;
+    OthersDisabled& operator=(const OthersDisabled&) = delete;
+    ~OthersDisabled() {
+        for (const HWND window : m_disabled)
+            EnableWindow(window, TRUE);
+    }
+
+private:
+    HWND m_owner;
+    std::vector<HWND> m_disabled;
+};
+
+// The system's, which older ones lack. Null takes the reason back.
+void SetBlockReason(HWND window, const wchar_t* reason) {
+    const HMODULE user = GetModuleHandleA("user32.dll");
+    const auto find = [&](const char* name) { return reinterpret_cast<void*>(GetProcAddress(user, name)); };
+    if (void* create = find("ShutdownBlockReasonCreate"); create && reason)
+        reinterpret_cast<BOOL(WINAPI*)(HWND, LPCWSTR)>(create)(window, reason);
+    if (void* destroy = find("ShutdownBlockReasonDestroy"); destroy && !reason)
+        reinterpret_cast<BOOL(WINAPI*)(HWND)>(destroy)(window);
 }
 
 } // namespace
@@ -149,7 +177,9 @@ bool Application::Start() {
 void Application::ShutDown() {
     KillTimer(m_frame.Handle(), kPumpTimer);
     KillTimer(m_frame.Handle(), kScriptTimer);
+    if (m_play && !m_play->Runner().End()) m_exitStatus = EXIT_FAILURE;
     m_plugins.UnloadAll();
+    m_server->Leave();
     m_sessionLog.Write("server controls still live: " + std::to_string(m_server->LiveControls()));
     m_hotKeyHook.reset();
     m_frame.Destroy();
@@ -167,26 +197,11 @@ void Application::LogFromSystem(std::string_view text) {
 }
 
 int Application::Ask(const std::string& text, UINT style) {
-    // The box itself looks after its owner.
-    struct Windows {
-        HWND owner;
-        std::vector<HWND> disabled;
-    } windows{GetActiveWindow(), {}};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM list) -> BOOL {
-            auto& [owner, disabled] = *reinterpret_cast<Windows*>(list);
-            if (window == owner || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
-            EnableWindow(window, FALSE);
-            disabled.push_back(window);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&windows));
+    const HWND owner = GetActiveWindow(); // the box itself looks after it
+    const OthersDisabled others(owner);
     ++m_questions;
-    const int answer = MessageBoxA(windows.owner, text.c_str(), "Vesk Trader", style);
+    const int answer = MessageBoxA(owner, text.c_str(), "Vesk Trader", style);
     --m_questions;
-    for (const HWND window : windows.disabled)
-        EnableWindow(window, TRUE);
     return answer;
 }
 
@@ -233,6 +248,10 @@ void Application::PumpServer() {
         m_shownStatus = std::move(status);
         m_frame.SetStatus(MainFrame::StatusPart::server, m_shownStatus.text, m_shownStatus.isTrouble);
     }
+    if (m_blocksEnd && m_server->RequestCount() == 0) {
+        m_blocksEnd = false;
+        SetBlockReason(m_frame.Handle(), nullptr);
+    }
 }
 
 bool Application::ReloadCalendar() {
@@ -271,8 +290,46 @@ void Application::RequestCommand(ServerQuestion* question) {
 
 void Application::RequestClose() {
     Request([this] {
-        if (MayClose(m_frame.Handle(), *m_server)) ShutDown();
+        if (MayLeave()) ShutDown();
     });
+}
+
+bool Application::MayLeave() {
+    const WaitingCounts counts = m_server->CountRequests();
+    const LinkStatus status = m_server->Status();
+    const OthersDisabled others(m_frame.Handle()); // nothing more is placed meanwhile
+    const std::string question = LeaveQuestion(counts, status.isTrouble ? status.text : "");
+    if (counts.all != 0
+        && MessageBoxA(m_frame.Handle(), question.c_str(), "Vesk Trader",
+                       MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2)
+               != IDYES)
+        return false;
+    if (m_server->AnswersDue() == 0) return true;
+    m_isLeaving = true;
+    LeavingBox(*m_server).RunModal(m_frame.Handle());
+    if (const std::size_t left = m_server->RequestCount(); left != 0)
+        LogFromSystem(WaitingText(left) + " as the terminal is left");
+    return true;
+}
+
+void Application::ShowWaitingRequests() {
+    WaitingWindow(*m_server, [this](std::size_t count) {
+        LogFromSystem("Withdrawn: " + std::to_string(count) + (count == 1 ? " request" : " requests"));
+    }).RunModal(m_frame.Handle());
+}
+
+bool Application::MayEndSession() {
+    const std::size_t waiting = m_server->RequestCount();
+    if (waiting == 0) return true;
+    SetBlockReason(m_frame.Handle(), PathOf(WaitingText(waiting)).c_str());
+    m_blocksEnd = true;
+    return false;
+}
+
+void Application::EndSession() {
+    constexpr std::chrono::milliseconds longest{3000}; // the system gives 5 s
+    m_server->Flush(longest);
+    m_server->Leave();
 }
 
 void Application::OnTimer(UINT_PTR timer) {
@@ -285,7 +342,7 @@ void Application::TickScript() {
     if (runner.Tick(static_cast<std::int64_t>(GetTickCount64())) == ScriptRunner::State::running) return;
     KillTimer(m_frame.Handle(), kScriptTimer);
     if (runner.Current() != ScriptRunner::State::passed) m_play->Abandon(runner.Verdict());
-    Request([this] { ShutDown(); });
+    if (!m_isLeaving) Request([this] { ShutDown(); });
 }
 
 } // namespace vesk

@@ -63,6 +63,11 @@ public:
     void Request(std::function<void()> work);
     void RequestCommand(ServerQuestion* question);
     void RequestClose();
+    void ShowWaitingRequests();
+    // At log-off: not while requests wait, and the system is told so. When it ends all the same, what can be
+    // sent is sent.
+    bool MayEndSession();
+    void EndSession();
     void OnDeferred(std::uint64_t number);
     void OnTimer(UINT_PTR timer);
 
@@ -70,6 +75,8 @@ private:
     bool Start();
     bool StartFailed(const std::string& why);
     void ShutDown();
+    // Asks when requests wait, and waits for the answers.
+    bool MayLeave();
     void PumpServer();
     void TickScript();
 
@@ -89,6 +96,8 @@ private:
     std::string m_shownDate; // the server's
     LinkStatus m_shownStatus;
     int m_questions = 0; // open ones of Ask
+    bool m_isLeaving = false;
+    bool m_blocksEnd = false; // of the session
     int m_exitStatus = 0;
 };
 

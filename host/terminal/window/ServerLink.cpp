@@ -17,11 +17,11 @@ constexpr const char* kNoServer = "There is no trading server";
 constexpr std::chrono::milliseconds kExecutionTime{8};
 constexpr std::size_t kMostWaiting = 2000;
 
-std::int64_t NowMs() {
+} // namespace
+
+std::int64_t ServerLink::NowMs() {
     return static_cast<std::int64_t>(GetTickCount64());
 }
-
-} // namespace
 
 ServerLink::ServerLink(const TerminalState& state, const std::string& journalFile, LinkEvents events,
                        std::vector<std::string>& notes)
@@ -84,6 +84,19 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
 void ServerLink::Pump() {
     if (m_client) m_client->Pump(NowMs());
     if (HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
+}
+
+void ServerLink::Flush(std::chrono::milliseconds longest) {
+    constexpr DWORD pauseMs = 5;
+    for (const std::int64_t end = NowMs() + longest.count(); RequestCount() != 0 && NowMs() < end;)
+        if (!m_client->Flush(NowMs())) Sleep(pauseMs);
+}
+
+void ServerLink::Leave() {
+    constexpr std::chrono::milliseconds longest{500};
+    if (RequestCount() == 0) return;
+    Flush(longest);
+    m_client->Leave();
 }
 
 bool ServerLink::HasDue() const {

@@ -7,7 +7,9 @@
 #include "host/server/MarketServer.h"
 #include "host/server/net/RxClient.h"
 #include "host/terminal/core/TerminalState.h"
+#include "host/terminal/core/WaitingRequests.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -49,11 +51,25 @@ public:
         if (m_client) m_client->Destroy(control);
     }
     std::size_t LiveControls() const { return m_client ? m_client->LiveControls() : 0; }
-    // How many requests and deliveries wait.
-    std::size_t Waiting() const { return m_client ? m_client->Waiting() : 0; }
+    // The clock of the requests' times.
+    static std::int64_t NowMs();
+    std::size_t RequestCount() const { return m_client ? m_client->RequestCount() : 0; }
+    std::size_t AnswersDue() const { return m_client ? m_client->AnswersDue() : 0; }
+    WaitingCounts CountRequests() const { return m_client ? CountWaiting(*m_client) : WaitingCounts{}; }
+    std::vector<std::uint64_t> Requests() const {
+        return m_client ? m_client->Requests() : std::vector<std::uint64_t>();
+    }
+    std::optional<WaitingRequest> FindRequest(std::uint64_t number) const {
+        return m_client ? m_client->FindRequest(number) : std::nullopt;
+    }
+    bool Withdraw(std::uint64_t number) { return m_client && m_client->Withdraw(number); }
 
     // Does some of what there is to do, and delivers.
     void Pump();
+    // Sends and receives, but delivers nothing, until nothing waits or so long.
+    void Flush(std::chrono::milliseconds longest);
+    // When requests still wait: sends what it can within a moment, and ends the connection so that it arrives.
+    void Leave();
     // Everything that is due has been executed, and everything is delivered.
     bool IsIdle() const;
     LinkStatus Status() const { return m_status; }

@@ -70,6 +70,16 @@ StepResult TellServer(ScriptStep& step) {
     return step.stage.told->isDone ? StepResult::Done() : StepResult::Failed(step.stage.told->text);
 }
 
+StepResult ExpectLogOff(ScriptStep& step) {
+    const bool mayEnd = SendMessageA(step.stage.Frame(), WM_QUERYENDSESSION, 0, ENDSESSION_LOGOFF) != 0;
+    if (mayEnd == step.command.On(0)) return StepResult::Done();
+    return StepResult::Again(mayEnd ? "the session may end" : "the session may not end");
+}
+
+void LogOff(ScriptStep& step) {
+    SendMessageA(step.stage.Frame(), WM_ENDSESSION, TRUE, ENDSESSION_LOGOFF);
+}
+
 StepResult TakeScreenshot(ScriptStep& step) {
     for (const HWND window : {step.stage.Current(), step.stage.Frame()})
         RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);

@@ -151,6 +151,8 @@ bool MainFrame::OnMenuCommand(int id) {
              m_application.SetRight(right, !granted);
          }},
         {kCancelOrderCommand, 1, [&](int) { m_application.Request([this] { TellPanes("Cancel Order"); }); }},
+        {kWaitingCommand, 1,
+         [&](int) { m_application.Request([this] { m_application.ShowWaitingRequests(); }); }},
         {kFillCommand, 1, [&](int) { m_application.RequestCommand(AskForRegistrations); }},
         {kOtherOrdersCommand, 1, [&](int) { m_application.RequestCommand(AskForOtherOrders); }},
         {kExecuteCommand, 1, [&](int) { m_application.RequestCommand(AskForExecution); }},
@@ -192,6 +194,11 @@ std::optional<LRESULT> MainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM 
         return std::nullopt;
     case WM_CLOSE:
         m_application.RequestClose();
+        return 0;
+    case WM_QUERYENDSESSION:
+        return m_application.MayEndSession();
+    case WM_ENDSESSION:
+        if (wParam) m_application.EndSession();
         return 0;
     case WM_TIMER:
         m_application.OnTimer(wParam);

@@ -74,6 +74,8 @@ HMENU UserMenu(const TerminalConfig& config) {
 
 HMENU ServerMenu() {
     const HMENU menu = CreatePopupMenu();
+    Add(menu, kWaitingCommand, "&Waiting Requests...");
+    AddSeparator(menu);
     Add(menu, kNextInstalmentCommand, "Advance to &Next Instalment");
     Add(menu, kClockCommand, "&Advance Clock...");
     AddSeparator(menu);

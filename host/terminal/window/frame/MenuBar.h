@@ -32,6 +32,7 @@ enum CommandId : int {
     kFillCommand = 16,
     kOtherOrdersCommand = 17,
     kExecuteCommand = 18,
+    kWaitingCommand = 19,
     kFontSmallerCommand = 20,
     kFontNormalCommand = 21,
     kFontLargerCommand = 22,
