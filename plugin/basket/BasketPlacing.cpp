@@ -116,15 +116,15 @@ void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
 
 RecordedOrder BasketPlacing::Recorded(const Row& placed, const Prepared& prepared) {
     const int line = m_rows.LineOf(placed.record);
+    const std::string orderId = prepared.orderId.value_or("");
     if (m_rows.State(placed.record) == RowState::absent) {
-        RecordedOrder again = m_session.record.Ledger()[m_rows.OrderOf(placed.record)];
+        const RecordedOrder again = m_session.record.Ledger()[m_rows.OrderOf(placed.record)];
         RecordTexts texts = again.Texts();
-        texts[RecordField::orderId] = prepared.orderId.value_or("");
+        texts[RecordField::orderId] = orderId;
         texts[RecordField::text] = again.SentText();
         return RecordedOrder(texts);
     }
-    return RecordedNewOrder(m_session, prepared.order, prepared.orderId.value_or(""),
-                            m_startDates.Text(prepared.order.startDate),
+    return RecordedNewOrder(m_session, prepared.order, orderId, m_startDates.Text(prepared.order.startDate),
                             line > 0 ? OrderOrigin{m_fileName, line} : OrderOrigin{});
 }
 

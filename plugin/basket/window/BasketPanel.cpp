@@ -28,6 +28,8 @@ void BasketPanel::Attach() {
         list.AddColumn(column);
     m_enter.Attach(list.Handle());
     FollowDpi();
+    m_wasShown.reset();
+    m_listed = 0;
 }
 
 void BasketPanel::FollowDpi() {
@@ -38,7 +40,7 @@ void BasketPanel::FollowDpi() {
 }
 
 bool BasketPanel::Refresh() {
-    const bool wasShown = std::exchange(m_wasShown, false);
+    const std::optional<bool> wasShown = m_wasShown;
     const bool hadResults = !m_results.empty();
     m_results = m_basket.Results();
     const std::size_t rejected = m_basket.Rejected().size();

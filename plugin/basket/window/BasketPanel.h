@@ -6,6 +6,7 @@
 #include "plugin/basket/Basket.h"
 #include "plugin/controls/window/ListWindows.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ public:
     BasketPanel(framework::Dialog& dialog, const Basket& basket) : m_dialog(dialog), m_basket(basket) {}
 
     void Attach();
-    // The lines or the results have changed. True when the panel has come or gone by it.
+    // The lines or the results have changed. True when there is something to arrange by it.
     bool Refresh();
     bool IsShown() const { return !m_basket.Rejected().empty() || !m_results.empty(); }
     Page Shown() const { return m_page; }
@@ -56,7 +57,7 @@ private:
     std::vector<BasketResult> m_results;
     Page m_page = Page::rejected;
     std::size_t m_listed = 0; // lines in the list
-    bool m_wasShown = false;
+    std::optional<bool> m_wasShown{}; // none in a new window
     ActivateOnEnter m_enter;
     RowMenu m_menu;
 };
