@@ -9,6 +9,7 @@
 #include "host/server/net/NetServer.h"
 #include "host/server/net/RxClient.h"
 #include "host/server/sample/SampleOrders.h"
+#include "tests/server/Requests.h"
 
 #include <algorithm>
 #include <atomic>
@@ -85,34 +86,16 @@ public:
         const std::uint32_t tag = tag::loginId;
         const QmxDatum own{};
         m_stream->Subscribe(nullptr, &tag, &own, 1, m_stream, 0, 0, 1, nullptr);
-        Send({{tag::requestName, "get_sip_operation_mode"}});
+        Send("get_sip_operation_mode");
     }
 
-    void Send(std::initializer_list<std::pair<std::uint32_t, std::string_view>> fields) {
-        m_writer.Start();
-        for (const auto& [tag, text] : fields)
-            m_writer.Add(tag, text);
-        m_requests->SendRequest(nullptr, m_writer.Handle(), 0, nullptr);
+    void Send(const Fields& fields) {
+        const std::string bytes = Message(fields);
+        m_requests->SendRequest(nullptr, qmx::MessageReader(bytes).Handle(), 0, nullptr);
     }
     void Place(std::size_t number) {
-        Send({{tag::requestName, "add_sip_orders"},
-              {tag::exchange, "nse_cm"},
-              {tag::token, "1013"},
-              {tag::tradingSymbol, "ARBORTOOLS-EQ"},
-              {tag::side, "B"},
-              {tag::orderType, "MKT"},
-              {tag::product, "CNC"},
-              {tag::investType, "value"},
-              {tag::amountOrQuantity, "123450"},
-              {tag::frequency, "monthly"},
-              {tag::startDate, "4070908800"},
-              {tag::totalPeriod, "12"},
-              {tag::loginId, "DEALER"},
-              {tag::customerFirm, "C"},
-              {tag::account, "C001"},
-              {tag::validity, "DAY"},
-              {tag::orderSource, "TWS"},
-              {tag::orderId, "order-" + std::to_string(number)}});
+        m_order[tag::orderId] = "order-" + std::to_string(number);
+        Send(m_order);
     }
     void Pump() { m_client.Pump(NowMs()); }
     std::size_t Waiting() const { return m_client.Waiting(); }
@@ -137,7 +120,7 @@ public:
     Clock::time_point updatedAt;
 
 private:
-    qmx::MessageWriter m_writer;
+    Fields m_order = Order("loginId=DEALER account=C001 startDate=4070908800 peerIdA= operationMode=");
     RxClient m_client;
     RxControl* m_requests;
     RxControl* m_stream;

@@ -7,8 +7,7 @@
 
 #include "fuzz/Fuzz.h"
 #include "plugin/base/Dates.h"
-#include "plugin/basket/BasketFile.h"
-#include "plugin/basket/BasketRows.h"
+#include "tests/plugin/BasketDouble.h"
 
 #include <algorithm>
 #include <charconv>
@@ -64,24 +63,6 @@ void Load(std::string_view text, const BasketRules& rules, Findings& findings) {
     Demand(static_cast<std::size_t>(load.LinesRead()) == ends + (!text.empty() && text.back() != '\n'));
     Demand(load.RowsLoaded() + findings.refused == static_cast<std::size_t>(load.LinesRead()));
 }
-
-// What is kept takes only the order of the rows.
-struct Listed final : BasketList {
-    std::size_t RowCount() const override { return records.size(); }
-    std::size_t ShownCount() const override { return records.size(); }
-    RecordId RecordAt(std::size_t row) const override { return records[row]; }
-    void InsertFront(RecordId) override {}
-    void Repaint(RecordId) override {}
-    void Remove(RecordId) override {}
-    void RemoveAll() override {}
-    void BeginChanges() override {}
-    void EndChanges() override {}
-    std::vector<RecordId> Selected() const override { return {}; }
-    RecordId FirstSelected() const override { return kNoRecord; }
-    void RemoveSelected() override {}
-
-    std::vector<RecordId> records;
-};
 
 // The basket's rows, and beside each what is known of it.
 class Store final : public BasketSink {
@@ -176,10 +157,10 @@ private:
     }
     // Another session has the rows that were not sent, in their order.
     void CheckKept(const BasketRules& rules) const {
-        Listed list;
+        test::BasketListDouble list;
         std::vector<std::string> unsent;
         for (const Row& row : m_rows) {
-            list.records.push_back(row.record);
+            list.rows.push_back(row.record);
             if (!row.isSent) unsent.push_back(Ordered(m_store[row.record]));
             // What is rounded away is no order that loads.
             if (m_store[row.record].Text(BasketField::amount) == "0") return;

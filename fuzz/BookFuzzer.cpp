@@ -41,24 +41,18 @@ struct Expected {
     std::map<std::string, Record> records;
 };
 
-std::optional<std::string> Value(void* message, std::uint32_t tag) {
-    const auto value = FieldView(message, tag);
-    if (!value) return std::nullopt;
-    return std::string(*value);
-}
-
 void Expect(Expected& expected, void* message, bool streamed) {
-    const std::string number = Value(message, 64804).value_or("");
-    const auto status = Value(message, 10303);
+    const std::string number(FieldView(message, tag::registrationNumber).value_or(""));
+    std::optional<std::string> status;
+    if (const auto text = FieldView(message, tag::sipStatus)) status = *text;
     if (number.empty()) return;
     if (streamed) return expected.Apply(number, status, true);
-    QmxField field{};
-    QmxError error{};
-    if (qmx_get_field(message, 32766, &field, &error)) return;
-    const std::string request = Value(message, 32767).value_or("");
-    if (request == "om_get_sip_orders" && FieldCount(message, 54324) > 0) expected.Apply(number, status, false);
-    if (request == "qry_eq_sip" && (status == "canceled" || status == "cancelled") && Value(message, 64056)
-        && !expected.records.contains(number))
+    if (qmx::Has(message, tag::errorCode)) return;
+    const auto request = FieldView(message, tag::echoedRequest);
+    if (request == "om_get_sip_orders" && FieldCount(message, tag::queriedRow) > 0)
+        expected.Apply(number, status, false);
+    if (request == "qry_eq_sip" && (status == "canceled" || status == "cancelled")
+        && FieldView(message, tag::peerIdA) && !expected.records.contains(number))
         expected.Apply(number, status, false);
 }
 
@@ -110,18 +104,6 @@ void Compare(const Expected& expected, const OrderBook& book, const Book& view) 
     }
 }
 
-std::vector<std::string> Messages(fuzz::Input input) {
-    std::vector<std::string> messages(1);
-    while (!input.AtEnd()) {
-        const std::string line = input.Line();
-        if (line == "--")
-            messages.emplace_back();
-        else
-            messages.back() += line + "\n";
-    }
-    return messages;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -135,7 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     View shown;
 
     Expected expected;
-    for (std::string text : Messages({data, size})) {
+    for (std::string text : fuzz::Messages({data, size})) {
         if (text.starts_with("view\n")) {
             std::string_view rest = text;
             fuzz::Input::CutAt(rest, '\n');
@@ -147,8 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         const bool streamed = text.starts_with("stream\n");
         if (streamed) text.erase(0, text.find('\n') + 1);
-        const std::string bytes =
-            fuzz::MessageBytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        const std::string bytes = fuzz::MessageBytes(fuzz::Input(text));
         const qmx::MessageReader reader(bytes);
         if (!reader.Good()) continue;
         Expect(expected, reader.Handle(), streamed);

@@ -27,6 +27,7 @@ inline std::string_view Text(const std::uint8_t* data, std::size_t size) {
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : m_rest(Text(data, size)) {}
+    explicit Input(std::string_view text) : m_rest(text) {}
 
     bool AtEnd() const { return m_rest.empty(); }
     std::string Rest() const { return std::string(m_rest); }

@@ -5,7 +5,6 @@
 
 #include "fuzz/Messages.h"
 #include "plugin/history/HistoryChart.h"
-#include "plugin/history/OrderHistory.h"
 #include "tests/plugin/Doubles.h"
 
 #include <algorithm>
@@ -16,24 +15,12 @@ using namespace planfold;
 
 namespace {
 
-struct View final : HistoryView {
+struct View final : test::HistoryDouble {
     void ShowMessage(Pass, std::string_view) override { Demand(false); } // nothing fails here
-    void OnRecordChanged() override {}
-    void ListRecords() override {
-        ++listings;
-        focused = history->Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
-    }
-    std::optional<std::size_t> FocusedRecord() const override { return focused; }
     void ShowDetails(const HistoryDetails& details) override {
         for (const std::string& text : details)
             Demand(!focused || !text.empty());
     }
-    void Show(bool on) override { shown = on; }
-
-    OrderHistory* history = nullptr;
-    std::optional<std::size_t> focused;
-    int listings = 0;
-    bool shown = false;
 };
 
 constexpr HistoryField kMayChange[] = {HistoryField::fillDetailA, HistoryField::fillDetailB,
@@ -72,11 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     View view;
     OrderHistory history(stage.session, view, &stage.control);
     view.history = &history;
-    fuzz::Input input(data, size);
-    while (!input.AtEnd()) {
-        std::string text;
-        for (std::string line; !input.AtEnd() && (line = input.Line()) != "--";)
-            text += line + "\n";
+    for (const std::string& text : fuzz::Messages({data, size})) {
         if (text.starts_with("open ")) {
             history.Open(test::kPass, text.substr(5));
             continue;
@@ -87,8 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             history.OnFocusChanged();
             continue;
         }
-        const std::string bytes =
-            fuzz::MessageBytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        const std::string bytes = fuzz::MessageBytes(fuzz::Input(text));
         const qmx::MessageReader reader(bytes);
         if (!reader.Good()) continue;
         const auto before = history.Records();

@@ -26,4 +26,17 @@ inline std::string MessageBytes(Input input) {
     return writer.Finish();
 }
 
+// The lines between those of "--".
+inline std::vector<std::string> Messages(Input input) {
+    std::vector<std::string> messages(1);
+    while (!input.AtEnd()) {
+        const std::string line = input.Line();
+        if (line == "--")
+            messages.emplace_back();
+        else
+            messages.back() += line + "\n";
+    }
+    return messages;
+}
+
 } // namespace fuzz

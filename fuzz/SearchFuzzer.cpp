@@ -2,8 +2,7 @@
 // tells is what was picked.
 
 #include "fuzz/Fuzz.h"
-#include "plugin/controls/ClientSearch.h"
-#include "tests/support/FakeHost.h"
+#include "tests/plugin/Doubles.h"
 
 #include <cstring>
 
@@ -26,31 +25,19 @@ int IsValid(InString account) {
     return account->View() == g_valid;
 }
 
-struct Box final : ClientSearchView {
-    bool HasBox() const override { return true; }
-    std::string SearchText() const override { return text; }
-    void SetSearchText(std::string_view value) override { text = value; }
-    void SelectSearchText() override {}
-    void SetTip(std::string_view) override {}
-    void ShowResults(int shown, int selected) override {
-        Demand(shown > 0 && selected >= -1 && selected < shown);
-        count = shown;
+struct Box final : test::SearchDouble {
+    void ShowResults(int count, int row) override {
+        Demand(count > 0 && row >= -1 && row < count);
+        rows = count;
     }
-    void SelectResult(int row) override { Demand(row >= 0 && row < count); }
-    void HideResults() override {
-        Demand(count > 0);
-        count = 0;
-    }
-    void StartDelay() override {}
-    void StopDelay() override {}
+    void SelectResult(int row) override { Demand(row >= 0 && row < rows); }
+    void HideResults() override { Demand(std::exchange(rows, 0) > 0); }
     void TellPicked(const ClientResult& result) override {
-        Demand(count == 0 && text == result.clientId);
+        Demand(rows == 0 && text == result.clientId);
         Demand(std::strlen(result.clientName) < 5000);
         if (onPicked) onPicked->Search();
     }
 
-    std::string text;
-    int count = 0; // rows of the list; 0 while it is hidden
     ClientSearch* onPicked = nullptr;
 };
 
@@ -80,7 +67,7 @@ void Step(ClientSearch& search, Box& box, char step, const std::string& typed) {
     case 'l':
         return search.OnFocusLost();
     case 'c':
-        if (box.count) search.OnSelected(box.count - 1);
+        if (box.rows) search.OnSelected(box.rows - 1);
         return;
     case 'p':
         return search.Pick(static_cast<int>(typed.size()) - 1);
@@ -112,8 +99,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (steps.starts_with('a')) box.onPicked = &search;
     for (const char step : std::string_view(steps).substr(0, 100)) {
         Step(search, box, step, typed);
-        Demand(search.Wants(ClientSearch::Key::escape) == (box.count > 0));
-        Demand(box.count == 0 || box.count == search.Results().Count());
+        Demand(search.Wants(ClientSearch::Key::escape) == (box.rows > 0));
+        Demand(box.rows == 0 || box.rows == search.Results().Count());
     }
     return 0;
 }

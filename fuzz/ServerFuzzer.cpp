@@ -9,6 +9,7 @@
 #include "host/server/Server.h"
 #include "host/server/ServerCommands.h"
 #include "host/server/schedule/Schedule.h"
+#include "tests/server/Requests.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -18,14 +19,6 @@ using fuzz::Demand;
 using namespace vesk;
 
 namespace {
-
-ServerClock StoppedClock() {
-    return {[] { return std::int64_t{1'772'409'600}; },
-            [](std::int64_t seconds) {
-                return std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(
-                    std::chrono::sys_seconds(std::chrono::seconds(seconds))));
-            }};
-}
 
 class Listener final : public UpdateListener {
 public:
@@ -157,7 +150,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     bool isCommanded = false; // and what it did is not counted
     {
         const JournalOpening opening = Journal::Open(path);
-        Server server(config, *opening.journal, opening.records, StoppedClock());
+        Server server(config, *opening.journal, opening.records, FixedClock());
         ServerCommands commands(server, {{"CL1"}, {{"nse_cm", "1008", "ARBORTOOLS-EQ"}}}, true);
         Listener listener;
         server.AddListener(listener);
@@ -183,7 +176,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::string_view record : opening.records)
         changes += Registration::FromJson(record).has_value();
     Demand(isCommanded || updates >= changes);
-    Server again(config, *opening.journal, opening.records, StoppedClock());
+    Server again(config, *opening.journal, opening.records, FixedClock());
     Demand(again.ReplayError().empty() && Held(again) == held);
     std::filesystem::remove(path);
     return 0;

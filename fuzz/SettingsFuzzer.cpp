@@ -1,8 +1,6 @@
 // The plug-in's settings of any content: the kept search mode, and the list of further products.
 
 #include "fuzz/Fuzz.h"
-#include "plugin/controls/ClientSearch.h"
-#include "plugin/orderentry/OrderEntry.h"
 #include "plugin/resources/resource.h"
 #include "tests/plugin/Doubles.h"
 
@@ -13,24 +11,9 @@ using namespace planfold;
 
 namespace {
 
-// A box that nobody looks at: only the mode counts.
-struct NoBox final : ClientSearchView {
-    bool HasBox() const override { return true; }
-    std::string SearchText() const override { return {}; }
-    void SetSearchText(std::string_view) override {}
-    void SelectSearchText() override {}
-    void SetTip(std::string_view) override {}
-    void ShowResults(int, int) override {}
-    void SelectResult(int) override {}
-    void HideResults() override {}
-    void StartDelay() override {}
-    void StopDelay() override {}
-    void TellPicked(const ClientResult&) override {}
-};
-
 void CheckMode(test::FakeHost& host, Session& session, const std::string& kept) {
     host.settings = {{"Client_Search_Settings/key", kept}};
-    NoBox box;
+    test::SearchDouble box; // only the mode counts
     ClientSearch search(session, box);
     search.SetUp(test::kPass, "key");
     const SearchMode mode = search.Mode();

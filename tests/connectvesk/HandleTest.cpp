@@ -36,11 +36,6 @@ const Call kCallsOnMessages[] = {
          QmxDatum bytes;
          return qmx_message_bytes(message, &bytes, error);
      }},
-    {"qmx_dump_message",
-     [](void* message, QmxError* error) {
-         char text[8];
-         return qmx_dump_message(message, text, sizeof text, error);
-     }},
 };
 
 TEST(Handle, WrongOnesAreRefusedByEveryCall) {
@@ -85,25 +80,6 @@ TEST(Handle, WrongOnesAreRefusedByEveryCall) {
     EXPECT_EQ(error.code, kQmxBadHandle);
 }
 
-// Handles give their memory on to later ones, but not soon.
-TEST(Handle, ClosedOnesAreToldWhileManyOthersComeAndGo) {
-    constexpr int kept = 64;
-    QmxError error{};
-    void* message = nullptr;
-    ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
-    void* late = message;
-    ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
-    for (int others = 0; others < kept; ++others) {
-        EXPECT_FALSE(qmx_dtor_primecb(&late, &error)) << "after " << others;
-        EXPECT_EQ(error.code, kQmxBadHandle);
-        ASSERT_TRUE(qmx_ctor_primecb(&message, &error));
-        if (others < kept - 1) {
-            EXPECT_NE(message, late) << "after " << others;
-        }
-        ASSERT_TRUE(qmx_dtor_primecb(&message, &error));
-    }
-}
-
 TEST(Handle, StartWantsAnOpenScratchOfOurOwn) {
     QmxError error{};
     alignas(16) char foreign[128] = {};
@@ -127,22 +103,6 @@ TEST(Handle, OpeningRefusesAbsurdSizesAndNowhereToPut) {
     }
     EXPECT_FALSE(qmx_open_scratch(nullptr, 64, &error));
     EXPECT_FALSE(qmx_ctor_primecb(nullptr, &error));
-}
-
-TEST(Handle, ReceivedMessageCannotBeBuiltIn) {
-    qmx::MessageWriter writer;
-    const std::string bytes = writer.Add(0, "name").Finish();
-    const qmx::MessageReader reader(bytes);
-    ASSERT_TRUE(reader.Good());
-    QmxError error{};
-    void* scratch = nullptr;
-    ASSERT_TRUE(qmx_open_scratch(&scratch, 64, &error));
-    const QmxDatum datum = qmx::Datum("x");
-    EXPECT_FALSE(qmx_add_data(reader.Handle(), 1, 1, &datum, &error));
-    EXPECT_FALSE(qmx_start_msg(reader.Handle(), scratch, &error));
-    EXPECT_EQ(error.code, kQmxBadHandle);
-    EXPECT_EQ(qmx::Dump(reader.Handle()), "0=name");
-    qmx_close_scratch(&scratch, &error);
 }
 
 } // namespace

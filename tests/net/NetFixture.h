@@ -33,8 +33,7 @@ public:
     }
     bool Place(const std::string& identifier) {
         // From 2099 on: no instalment of it is due.
-        return Send(
-            Order({{tag::loginId, m_user}, {tag::orderId, identifier}, {tag::startDate, "4070908800"}}));
+        return Send(Order("loginId=" + m_user + " orderId=" + identifier + " startDate=4070908800"));
     }
     void Pump() { m_client.Pump(SteadyMs()); }
     RxClient& Client() { return m_client; }

@@ -55,14 +55,10 @@ protected:
         return {std::make_unique<SessionChannel>(*m_running.server, m_commands), user, {}, {}, pumpTime};
     }
     int Send(RxControl* control, const Fields& fields) {
-        qmx::MessageWriter writer;
-        for (const auto& [tag, text] : fields)
-            writer.Add(tag, text);
-        const int taken = control->SendRequest(&m_number, writer.Handle(), 0, &m_error);
-        writer.Start().Add(tag::requestName, "other"); // it was copied before that returned
-        return taken;
+        const std::string bytes = Message(fields); // which is copied before that returns
+        return control->SendRequest(&m_number, qmx::MessageReader(bytes).Handle(), 0, &m_error);
     }
-    int Subscribe(RxControl* control, const std::vector<std::pair<std::uint32_t, std::string>>& fields) {
+    int Subscribe(RxControl* control, const Fields& fields) {
         std::vector<std::uint32_t> tags;
         std::vector<QmxDatum> values;
         for (const auto& [tag, text] : fields) {
@@ -73,7 +69,6 @@ protected:
         return control->Subscribe(&out, tags.data(), values.data(), static_cast<std::uint32_t>(tags.size()),
                                   control, 0, 0, 1, &m_error);
     }
-    static Fields Named(const char* name) { return {{tag::requestName, name}}; }
     Log Taken() { return std::exchange(m_log, {}); }
 
     TemporaryFolder m_folder;
@@ -90,9 +85,9 @@ protected:
 TEST_F(RxClientTest, AnswersComeFromThePumpInOrderToTheirSenders) {
     RxControl* one = m_client.Get(kRxRequests, &m_one);
     RxControl* two = m_client.Get(kRxRequests, &m_two);
-    ASSERT_TRUE(Send(one, Named("a")));
-    ASSERT_TRUE(Send(two, Named("b")));
-    ASSERT_TRUE(Send(one, Named("c")));
+    ASSERT_TRUE(Send(one, "a"));
+    ASSERT_TRUE(Send(two, "b"));
+    ASSERT_TRUE(Send(one, "c"));
     EXPECT_EQ(m_number, 3u);
     EXPECT_EQ(m_log, Log{});
     EXPECT_EQ(m_client.Pump(0), 3u);
@@ -108,35 +103,37 @@ TEST_F(RxClientTest, ChangesGoOnceToEverySubscriberTheyConcern) {
         std::vector<std::string> subscriptions;
         const char* delivered; // of an order of USER1, BROKER, CL1 ("own") and one of USER2, BROKER, BR2, CL2
     } rows[] = {
-        {2, {"54211=PLANFOLD|64804=|64056="}, "own"},
-        {1, {"31003=|64804="}, "own"},
-        {2, {"54211=PLANFOLD|64804=|64056=BROKER"}, "own other"},
-        {1, {"64056=BROKER|64804="}, "own other"},
-        {1, {"64056=NOBODY|64804="}, ""},
-        {1, {"64053=BR2|64804="}, "other"},
-        {1, {"31003=USER1|64804="}, "own"},
-        {2, {"54211=PLANFOLD|64804=|31003=USER2"}, "other"},
-        {2, {"54211=PLANFOLD|64804=|31003=USER"}, ""},
-        {2, {"54211=PLANFOLD|64804=|54001=CL1"}, "own"},
-        {2, {"54211=PLANFOLD|64804=|54001=CL2"}, "other"},
-        {2, {"54211=PLANFOLD|64804=|31003=USER1|54001=CL2"}, ""},
-        {2, {"54211=NONE|54001=CL1"}, ""},
-        {2, {"54211=PLANFOLD|54001=CL1", "54211=PLANFOLD|54001=CL2", "54211=PLANFOLD|54001=CL1"}, "own other"},
-        {2, {"54211=PLANFOLD|54001=CL1", "54211=PLANFOLD|31003=USER1"}, "own"},
+        {2, {"streamName=PLANFOLD registrationNumber= peerIdA="}, "own"},
+        {1, {"loginId= registrationNumber="}, "own"},
+        {2, {"streamName=PLANFOLD registrationNumber= peerIdA=BROKER"}, "own other"},
+        {1, {"peerIdA=BROKER registrationNumber="}, "own other"},
+        {1, {"peerIdA=NOBODY registrationNumber="}, ""},
+        {1, {"peerIdB=BR2 registrationNumber="}, "other"},
+        {1, {"loginId=USER1 registrationNumber="}, "own"},
+        {2, {"streamName=PLANFOLD registrationNumber= loginId=USER2"}, "other"},
+        {2, {"streamName=PLANFOLD registrationNumber= loginId=USER"}, ""},
+        {2, {"streamName=PLANFOLD registrationNumber= account=CL1"}, "own"},
+        {2, {"streamName=PLANFOLD registrationNumber= account=CL2"}, "other"},
+        {2, {"streamName=PLANFOLD registrationNumber= loginId=USER1 account=CL2"}, ""},
+        {2, {"streamName=NONE account=CL1"}, ""},
+        {2,
+         {"streamName=PLANFOLD account=CL1", "streamName=PLANFOLD account=CL2",
+          "streamName=PLANFOLD account=CL1"},
+         "own other"},
+        {2, {"streamName=PLANFOLD account=CL1", "streamName=PLANFOLD loginId=USER1"}, "own"},
     };
     const std::pair<const char*, std::string> orders[] = {{"own", ""},
-                                                          {"other", "31003=USER2|64053=BR2|54001=CL2"}};
+                                                          {"other", "loginId=USER2 peerIdB=BR2 account=CL2"}};
     RxClient other = Client({"USER2", "BROKER", "BR2"});
     RxControl* senders[] = {m_client.Get(kRxRequests, &m_one), other.Get(kRxRequests, &m_one)};
     int order = 0;
     for (const auto& row : rows) {
         RxControl* control = m_client.Get(row.kind, &m_two);
         for (const std::string& subscription : row.subscriptions) {
-            const Fields fields = FieldsOf(subscription);
-            ASSERT_TRUE(Subscribe(control, {fields.begin(), fields.end()})) << subscription << m_error.text;
+            ASSERT_TRUE(Subscribe(control, subscription)) << subscription << m_error.text;
         }
         for (const auto& [name, fields] : orders) {
-            Fields changes = FieldsOf(fields);
+            Fields changes(fields);
             changes[tag::orderId] = "id" + std::to_string(++order);
             m_client.Pump(0);
             ASSERT_TRUE(Send(senders[&fields != &orders[0].second], Order(changes)));
@@ -155,7 +152,7 @@ TEST_F(RxClientTest, ChangesGoOnceToEverySubscriberTheyConcern) {
 TEST_F(RxClientTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
     RxControl* sender = m_client.Get(kRxRequests, &m_one);
     RxControl* stream = m_client.Get(kRxIdentityStream, &m_two);
-    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
+    ASSERT_TRUE(Subscribe(stream, "loginId=USER1"));
     m_one.act = [&] { EXPECT_TRUE(stream->Stop(0)); };
     ASSERT_TRUE(Send(sender, Order()));
     m_client.Pump(0);
@@ -165,7 +162,7 @@ TEST_F(RxClientTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
 
 TEST_F(RxClientTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     const auto enter = [&](const std::string& orderId) {
-        m_running.Ask(Order({{tag::orderId, orderId}}));
+        m_running.Ask(Order("orderId=" + orderId));
         return std::string(m_running.server->Registrations().back().Number());
     };
     for (int i = 0; i < 300; ++i)
@@ -176,15 +173,15 @@ TEST_F(RxClientTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     RxClient client = Client(m_running.user, std::chrono::milliseconds(0));
     RxControl* asking = client.Get(kRxRequests, &m_one);
     RxControl* stream = client.Get(kRxAccountStream, &m_two);
-    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
-    const Fields query{{tag::requestName, "om_get_sip_orders"}, {tag::loginId, "USER1"}};
+    ASSERT_TRUE(Subscribe(stream, "loginId=USER1"));
+    const Fields query = "om_get_sip_orders loginId=USER1";
     const std::string row = "one answer om_get_sip_orders ";
 
     ASSERT_TRUE(Send(asking, query));
     while (m_log.empty())
         client.Pump(0);
     EXPECT_EQ(m_log, Log{row + number(0) + " active"});
-    m_running.Ask({{tag::requestName, "pause_sip_order"}, {tag::registrationNumber, number(299)}});
+    m_running.Ask("pause_sip_order registrationNumber=" + number(299));
     const std::string later = enter("later");
     m_one.act = [&] { EXPECT_EQ(client.Pump(0), 1u) << "a nested pump goes on with the next row"; };
     EXPECT_EQ(client.Pump(0), 1u);
@@ -211,9 +208,9 @@ TEST_F(RxClientTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
 TEST_F(RxClientTest, NestedPumpDeliversTheRestOnce) {
     RxControl* one = m_client.Get(kRxRequests, &m_one);
     for (const char* name : {"a", "b", "c"})
-        ASSERT_TRUE(Send(one, Named(name)));
+        ASSERT_TRUE(Send(one, name));
     m_one.act = [&] {
-        ASSERT_TRUE(Send(one, Named("d")));
+        ASSERT_TRUE(Send(one, "d"));
         EXPECT_EQ(m_log.size(), 1u) << "nothing is delivered from inside SendRequest";
         EXPECT_EQ(m_client.Pump(0), 3u);
     };
@@ -225,9 +222,9 @@ TEST_F(RxClientTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
     RxControl* one = m_client.Get(kRxRequests, &m_one);
     RxControl* two = m_client.Get(kRxRequests, &m_two);
     m_one.act = [&] { m_client.Destroy(one); };
-    ASSERT_TRUE(Send(one, Named("a")));
+    ASSERT_TRUE(Send(one, "a"));
     ASSERT_TRUE(Send(one, Order()));
-    ASSERT_TRUE(Send(two, Named("b")));
+    ASSERT_TRUE(Send(two, "b"));
     m_client.Pump(0);
     EXPECT_EQ(m_log, (Log{"one answer a", "two answer b"}));
     EXPECT_EQ(m_running.server->Registrations().size(), 1u) << "what was sent is still served";
@@ -240,7 +237,7 @@ TEST_F(RxClientTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
 TEST_F(RxClientTest, SessionThatEndsIsALostConnectionAndWhatWasAskedIsAskedAgain) {
     RxControl* one = m_client.Get(kRxRequests, &m_one);
     RxControl* stream = m_client.Get(kRxIdentityStream, &m_two);
-    ASSERT_TRUE(Subscribe(stream, {{tag::loginId, "USER1"}}));
+    ASSERT_TRUE(Subscribe(stream, "loginId=USER1"));
     m_running.server->Config().faults["add_sip_orders"].disconnects = 1;
     ASSERT_TRUE(Send(one, Order()));
     m_client.Pump(0);
@@ -261,7 +258,7 @@ TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     ASSERT_EQ(m_client.State(), LinkState::lost);
     ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-2"}, {tag::echoedNumber, "7"}})));
     ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-3"}})));
-    ASSERT_TRUE(Send(one, FieldsOf("0=pause_sip_order|64804=SIP2603020000001")));
+    ASSERT_TRUE(Send(one, "pause_sip_order registrationNumber=SIP2603020000001"));
     EXPECT_EQ(m_client.Requests(), (std::vector<std::uint64_t>{1, 2, 3, 4}));
     const struct {
         std::uint64_t number;
@@ -296,17 +293,18 @@ TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {
 
     EXPECT_FALSE(requests->SendRequest(&m_number, nullptr, 0, &m_error));
     EXPECT_EQ(m_error.code, kQmxBadHandle);
-    EXPECT_FALSE(Send(stream, Named("a")));
+    EXPECT_FALSE(Send(stream, "a"));
     EXPECT_EQ(m_error.code, kQmxBadArgument);
-    EXPECT_FALSE(Subscribe(requests, {{tag::loginId, ""}}));
+    EXPECT_FALSE(Subscribe(requests, "loginId="));
     EXPECT_FALSE(Subscribe(stream, {}));
-    EXPECT_FALSE(Subscribe(stream, {{tag::token, "1"}}));
-    EXPECT_FALSE(Subscribe(stream, std::vector<std::pair<std::uint32_t, std::string>>(17, {tag::loginId, ""})));
+    EXPECT_FALSE(Subscribe(stream, "token=1"));
+    const std::vector<std::uint32_t> tags(17, tag::loginId);
+    const std::vector<QmxDatum> values(tags.size());
+    EXPECT_FALSE(stream->Subscribe(nullptr, tags.data(), values.data(), 17, stream, 0, 0, 1, &m_error));
     const std::uint32_t tag = tag::loginId;
     const QmxDatum value{nullptr, 4};
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 1, stream, 0, 0, 1, &m_error));
     EXPECT_FALSE(stream->Subscribe(nullptr, nullptr, &value, 1, stream, 0, 0, 1, &m_error));
-    EXPECT_FALSE(stream->Subscribe(nullptr, &tag, nullptr, 1, stream, 0, 0, 1, nullptr));
     EXPECT_FALSE(stream->Subscribe(nullptr, &tag, &value, 0xFFFFFFFF, requests, 0, 0, 1, &m_error));
     EXPECT_EQ(m_error.code, kQmxBadArgument);
     EXPECT_STRNE(m_error.text, "");

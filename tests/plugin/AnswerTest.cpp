@@ -129,13 +129,11 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
     const char *overview = "pu_get_client_overview_status", *accounts = "pu_get_all_mappedAccount_ids";
     const Row rows[] = {
         {4, 1, "", {s + " account=C1", s + " account=C2"}},
-        {4, 0, "", {s + " loginId=DEALER1"}},
         {4, 1, accounts, {s + " loginId=DEALER1"}},
         {4, 1, overview, {s + " loginId=DEALER1"}},
         {0, 1, "", {s + " peerIdA=-"}},
         {1, 1, "", {s + " peerIdA=BROKER"}},
         {2, 0, "", {s + " peerIdB=BRANCH"}},
-        {99, 0, "", {s + " loginId=DEALER1"}},
         {3, 1, "", {s + " account=C1", s + " account=C2"}},
         {3, 0, "", {s + " loginId=DEALER1 account=C1", s + " loginId=DEALER1 account=C2"}},
         {3, 0, accounts, {s + " loginId=DEALER1"}},
@@ -161,17 +159,13 @@ TEST_F(AnswerTest, FailedSubscriptionsAreToldAndTheNextAccountGoesOn) {
     session.m_nLoginMode = 3;
     host.refuses = true;
     SubscribeBroadcasts(kPass, session, &control, notices);
-    SubscribeIdentity(kPass, session, &control, notices);
-    EXPECT_EQ(host.subscriptions.size(), 3u);
-    EXPECT_EQ(notices.shown, Texts(3, "Subscription  is failed ,error code : 42"));
-    host.accounts.clear();
-    SubscribeBroadcasts(kPass, session, &control, notices);
-    EXPECT_EQ(notices.shown.size(), 3u);
+    EXPECT_EQ(host.subscriptions.size(), 2u);
+    EXPECT_EQ(notices.shown, Texts(2, "Subscription  is failed ,error code : 42"));
     // The host exits while it is asked: the control is no more.
     host.accounts = {"C1"};
     host.duringAccounts = [&] { session.End(); };
     SubscribeBroadcasts(kPass, session, &control, notices);
-    EXPECT_EQ(host.subscriptions.size(), 3u);
+    EXPECT_EQ(host.subscriptions.size(), 2u);
 }
 
 } // namespace

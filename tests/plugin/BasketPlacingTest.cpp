@@ -107,18 +107,16 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
 }
 
 TEST_F(BasketPlacingTest, ARowThatFailsDoesNotStopTheOthers) {
-    const auto failures =
-        AddFailures({"Failed to add sequence", "Failed to add Order ID", "Failed to add Order ID",
-                     "Failed to add Order Source", "Failed to add Location Id Tag"});
     Open();
     host.cautionOfRow = {{0, 1}, {1, 1}};
-    int call = 0;
-    for (const char* failure : failures) {
+    for (const auto& [call, failure] : {std::pair(1, "Failed to add the request add_sip_orders"),
+                                        {3, "Failed to add the Token"},
+                                        {23, "Failed to add Location Id Tag"}}) {
         Load(Line("C1") + Line("C2"));
         host.requests.clear();
         host.log.clear();
         {
-            const FailQmxCall fail(FailQmxCall::addData, ++call);
+            const FailQmxCall fail(FailQmxCall::addData, call);
             basket.Runs().Place();
         }
         EXPECT_EQ(Taken(view.boxes), (Texts{failure, "Order Placed..!!"}));

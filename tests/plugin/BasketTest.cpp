@@ -77,11 +77,6 @@ std::string Line(const Changes& changes, std::size_t commas = 19) {
 Changes Shares(const std::string& text) {
     return {{18, "qty"}, {8, text}};
 }
-std::string Exported(const sBasketOrderData& row) {
-    std::string text;
-    AppendBasketLine(row, text);
-    return text;
-}
 
 // "box" and "log" begin texts that come before the report; any other text is the reason in it.
 void ExpectTold(const Recorder& recorder, const std::string& line, const Texts& outcome) {
@@ -135,17 +130,11 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
         {kMonths, {{4, "1234 "}}, badToken},
         {kMonths, {{11, "04/Mar/2027"}}, badDate},
         {kMonths, {{11, "5-3-27"}}, row},
-        {kMonths, {{11, "05/Mar/127"}}, badDate},
-        {kMonths, {{11, "05/13/2027"}}, badDate},
-        {kMonths, {{11, "05/mar/2027"}}, badDate},
-        {kMonths, {{11, "05/Mar"}}, badDate},
         {kMonths, {{11, "05/Mar/"}}, badDate},
         {kMonths, {{11, "29/Feb/2028"}}, row},
-        {kMonths, {{11, "29/Feb/2029"}}, badDate},
         {kMonths, {{12, ""}}, badPeriod},
         {kMonths, {{12, "0"}}, badPeriod},
         {kMonths, {{12, "1.5"}}, badPeriod},
-        {kMonths, {{12, "-1"}}, badPeriod},
         {kMonths, {{12, "00"}}, months},
         {kMonths, {{12, "1"}}, row},
         {kMonths, {{12, "60"}}, row},
@@ -170,10 +159,10 @@ TEST(BasketLine, IsTakenOrRefusedByEachRuleAtItsBounds) {
         {kMonths, Shares(""), badQuantity},
         {kMonths, Shares("."), badQuantity},
         {kMonths, Shares("0"), badQuantity},
+        {kMonths, Shares("-5"), badQuantity},
         {kMonths, Shares("00"), zero},
         {kMonths, Shares("a5"), zero},
         {kMonths, Shares("5a"), badQuantity},
-        {kMonths, Shares("-5"), badQuantity},
         {kMonths, Shares("2147483647"), row},
         {kMonths, Shares("2147483648"), tooMany},
         {kMonths, {{7, ""}}, badAmount},
@@ -217,15 +206,11 @@ TEST(BasketLine, IsCutIntoItsColumns) {
         int lines = 1;
     } cases[] = {
         {"", 0, 0},
-        {"\n", 0},
         {"\r\n\n", 0, 2},
-        {"no comma", 0},
         {Line({}, 18), 0},
         {Line({}, 19), 1},
-        {Line({}, 20), 1},
         {Line({}, 21), 0},
         {Line({{0, ""}}), 0},
-        {Line({}) + '\n', 1},
         {Line({}) + "\r\n" + Line({}) + "\r\n", 2, 2},
         {Line({{12, "12\r"}}), 0}, // the columns behind it are empty
         {Line({{18, "value\rx"}}), 1},
@@ -258,7 +243,6 @@ TEST(BasketLine, IsNoneOfAFileInUtf16) {
         std::string text;
         bool isUtf16;
     } cases[] = {
-        {"\xFF\xFE", true},
         {"\xFE\xFF" + wide(true, line), true},
         {wide(false, line), true},
         {wide(true, line), true},
@@ -267,7 +251,6 @@ TEST(BasketLine, IsNoneOfAFileInUtf16) {
         {"", false},
         {line, false},
         {"\xEF\xBB\xBF" + line, false},
-        {std::string("x\0", 2), false},
         {line + std::string(40, '\0'), false},
         {std::string("a\0b,", 4) + line, false},
     };
@@ -287,10 +270,8 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         {{{14, "S"}}, Field::sideWord, "SELL"},
         {{{11, "05-Mar-27"}}, Field::startDateText, "05/Mar/2027"},
         {{{11, "05-Mar-27-"}}, Field::startDateText, "05/Mar/27/"},
-        {{{11, "5/3/7"}}, Field::startDateText, "5/3/207"},
         {{{7, "150000.6"}}, Field::amount, "150001"},
         {{{7, "  1.5e5x"}}, Field::amount, "150000"},
-        {{{7, "0012"}}, Field::amount, "12"},
         {{}, Field::userText, "NA"},
         {{{0, "CL 7 "}}, Field::account, "CL 7 "},
         {{{0, "\xEF\xBB\xBF"
@@ -305,6 +286,8 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
         ASSERT_EQ(recorder.rows.size(), 1u) << each.text;
         EXPECT_EQ(recorder.rows[0].Text(each.field), each.text);
     }
+    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
+    EXPECT_EQ(marked.rows[0].Text(Field::account), "\xEF\xBB\xBF") << "a client, not the mark of a file";
     EXPECT_EQ(Recorder(Line({}), kMonths).rows[0].Text(Field::startDate),
               std::to_string(ToSeconds({2027, 3, 5, 0, 0, 0})));
 }
@@ -335,34 +318,6 @@ TEST(BasketReader, NumbersLinesAndReportsThemLetterByLetter) {
     EXPECT_EQ(Recorder(Line(known) + '\n' + Line(other), kMonths).numbers, std::vector{2});
     // A line told by a box alone leaves no reason to show at the end.
     EXPECT_EQ(Recorder(Line({}, 3) + '\n' + Line({{9, "x"}}), kServer).load.LastReason(), "");
-}
-
-TEST(BasketReader, TakesBackWhatIsExportedInReverse) {
-    std::string text;
-    for (const char* date : {"05-Mar-27", "6/3/2027", "31/Dec/2027"})
-        for (const char* side : {"B", "S"})
-            for (const char* frequency : {"daily", "weekly", "monthly", "yearly"})
-                for (const Changes& shape :
-                     {Changes{{7, "99999.5"}}, Changes{{4, "77"}, {5, "FINE-EQ"}, {7, "00123"}},
-                      Changes{{18, "qty"}, {8, "0012"}, {7, "any"}},
-                      Changes{{6, "MIS"}, {0, " \xe9 "}, {2, ""}}}) {
-                    Changes changes = shape;
-                    changes.insert(changes.end(), {{11, date}, {14, side}, {9, frequency}});
-                    text += Line(changes, 19 + changes.size() % 2) + (side[0] == 'B' ? "\n" : "\r\n");
-                }
-    const Recorder first(text, kMonths);
-    ASSERT_EQ(first.rows.size(), 96u);
-    std::string exported, again;
-    for (const sBasketOrderData& row : first.rows | std::views::reverse)
-        exported += Exported(row);
-    const Recorder second(exported, kMonths);
-    EXPECT_EQ(second.told, Texts{});
-    const Recorder marked(BasketFileText(Line({{0, "\xEF\xBB\xBF"}})), kMonths);
-    EXPECT_EQ(marked.rows[0].Text(Field::account), "\xEF\xBB\xBF");
-    for (const sBasketOrderData& row : second.rows)
-        again += Exported(row);
-    EXPECT_EQ(again, exported);
-    EXPECT_EQ(exported.substr(exported.rfind('\n', exported.size() - 2) + 1), Exported(first.rows.front()));
 }
 
 } // namespace

@@ -64,14 +64,6 @@ public:
 
 using BookDouble = BookDoubleOf<ListDouble>;
 
-// Hands the book what its controls bring.
-struct BookLine final : CKeloRxNotifierBase {
-    void OnResponse(void*, void* message, void*) noexcept override { book->OnResponse(message); }
-    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override { book->OnBroadcast(message); }
-
-    OrderBook* book = nullptr;
-};
-
 // The numbers of a list from the top, "SIP2 SIP1".
 inline std::string Numbers(const OrderBook& book, const ListDouble& list) {
     std::string text;

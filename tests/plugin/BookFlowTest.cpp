@@ -1,6 +1,9 @@
-// The registration book, the connection library and the trading server together, with other sessions beside.
+// The form, the registration book, its history, the connection library and the trading server together, with
+// other sessions beside.
 
-#include "host/server/sample/SampleOrders.h"
+#include "plugin/base/Numbers.h"
+#include "plugin/orderentry/OrderEntry.h"
+#include "plugin/resources/resource.h"
 #include "tests/plugin/BookDouble.h"
 #include "tests/plugin/FlowStage.h"
 
@@ -9,45 +12,9 @@
 namespace planfold::test {
 namespace {
 
-// Sends requests as another terminal would.
-class Terminal final : public CKeloRxNotifierBase {
-public:
-    Terminal(vesk::Server& server, vesk::ServerCommands& commands, const vesk::UserIdentity& user)
-        : m_user(user), m_client(std::make_unique<vesk::SessionChannel>(server, commands), user),
-          m_control(m_client.Get(kRxRequests, this)) {}
-
-    void Send(const Fields& fields) {
-        const Received request(fields);
-        std::uint64_t number = 0;
-        QmxError error{};
-        m_control->SendRequest(&number, request.Message(), 0, &error);
-        m_client.Pump(m_now += 1000);
-    }
-    // The number of the order.
-    std::string Place(const vesk::Server& server, const char* account) {
-        Fields order = Order("startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay)
-                             + " loginId=" + m_user.loginId + " account=" + account
-                             + " peerIdA=" + m_user.peerIdA + " peerIdB=" + m_user.peerIdB);
-        order.push_back({tag::orderId, {"id" + std::to_string(++m_orders) + m_user.loginId}});
-        order.push_back({tag::orderSource, {"TWS"}});
-        Send(order);
-        return std::string(server.Registrations().back().Number());
-    }
-
-    void OnBroadcast(void*, std::uint32_t, void*) noexcept override {}
-    void OnResponse(void*, void*, void*) noexcept override {}
-
-private:
-    vesk::UserIdentity m_user;
-    vesk::RxClient m_client;
-    RxControl* m_control;
-    std::int64_t m_now = 0;
-    int m_orders = 0;
-};
-
 class BookFlowTest : public ::testing::Test, public FlowStage {
 protected:
-    void SetUp() override { line.book = &book; }
+    void SetUp() override { line.part = &book; }
     void Open() {
         book.Open(kNow);
         Pump();
@@ -59,56 +26,48 @@ protected:
     }
 
     BookDouble view;
-    BookLine line;
+    Line<OrderBook> line;
     OrderBook book{session,
                    view,
                    {rxClient.Get(kRxRequests, &line), rxClient.Get(kRxIdentityStream, &line),
                     rxClient.Get(kRxAccountStream, &line)}};
-    Terminal own{server, commands, {"DEALER1", "BROKER", "BRANCH"}};
-    Terminal colleague{server, commands, {"DEALER2", "BROKER", "BRANCH"}};
-    Terminal stranger{server, commands, {"DEALER9", "ELSEWHERE", "FAR"}};
+    const vesk::UserIdentity colleague{"DEALER2", "BROKER", "BRANCH"}, stranger{"DEALER9", "ELSEWHERE", "FAR"};
 };
 
 TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
     session.m_nLoginMode = 1;
-    const std::string before = own.Place(server, "C001");
+    const std::string before = Place(own, "account=C001");
     Open();
     EXPECT_EQ(Lists(), before + "|");
     EXPECT_EQ(session.m_nSipOperationMode, 1);
-    const std::string after = own.Place(server, "C002");
-    const std::string theirs = colleague.Place(server, "C001");
-    stranger.Place(server, "C003");
+    const std::string after = Place(own, "account=C002");
+    const std::string theirs = Place(colleague, "account=C001");
+    Place(stranger, "account=C003");
     Pump();
     EXPECT_EQ(Lists(), theirs + " " + after + " " + before + "|");
     const std::pair<OrderField, const char*> cells[] = {
         {OrderField::exchange, "NSE"},
         {OrderField::side, "SIP"},
-        {OrderField::orderType, "MARKET"},
         {OrderField::amount, "1234.50"},
-        {OrderField::quantity, ""},
         {OrderField::startDate, "15-Jan-2027"},
         {OrderField::installmentsRegistered, "12"},
-        {OrderField::totalPeriod, ""},
-        {OrderField::endDate, "15-Dec-2027"},
         {OrderField::nextExecutionDate, "15-Jan-2027"},
-        {OrderField::registrationDate, "10-Jan-2027"},
         {OrderField::accountName, "Second Client"},
         {OrderField::sipStatus, "active"},
-        {OrderField::loginId, "DEALER1"},
     };
     for (const auto& [field, text] : cells)
         EXPECT_EQ(Text(field, after), text);
 
-    own.Send("requestName=pause_sip_order registrationNumber=" + before);
+    Send(own, "requestName=pause_sip_order registrationNumber=" + before);
     Pump();
     EXPECT_EQ(Text(OrderField::sipStatus, before), "Paused");
-    own.Send("requestName=modify_sip_order registrationNumber=" + before
-             + " amountOrQuantity=50000 totalPeriod=24");
+    Send(own, "requestName=modify_sip_order registrationNumber=" + before
+                  + " amountOrQuantity=50000 totalPeriod=24");
     Pump();
     EXPECT_EQ(Text(OrderField::amount, before), "500.00");
     EXPECT_EQ(Text(OrderField::installmentsRegistered, before), "24");
-    own.Send("requestName=cancel_sip_order registrationNumber=" + after + " echoedNumber=" + after
-             + " userText=gone cancelledBy=DEALER1");
+    Send(own, "requestName=cancel_sip_order registrationNumber=" + after + " echoedNumber=" + after
+                  + " userText=gone cancelledBy=DEALER1");
     Pump();
     EXPECT_EQ(Lists(), theirs + " " + before + "|" + after);
     EXPECT_EQ(Text(OrderField::userText, after), "gone");
@@ -123,20 +82,11 @@ TEST_F(BookFlowTest, WhatHappensInAnySessionReachesTheOpenBook) {
 
 TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     session.m_nLoginMode = 1;
-    const std::string first = own.Place(server, "C001");
-    const std::string second = own.Place(server, "C002");
+    const std::string first = Place(own, "account=C001");
+    const std::string second = Place(own, "account=C002");
     Open();
     view.reason = "wish";
     Select(first);
-    book.Actions().Pause();
-    Pump();
-    EXPECT_EQ(view.boxes.size(), 1u) << "the server's text";
-    EXPECT_EQ(Text(OrderField::sipStatus, first), "Paused");
-    book.Actions().Resume();
-    Pump();
-    EXPECT_EQ(Text(OrderField::sipStatus, first), "active");
-    view.boxes.clear();
-    host.log.clear();
     book.Actions().Cancel();
     Pump();
     EXPECT_EQ(Lists(), second + "|" + first);
@@ -144,13 +94,7 @@ TEST_F(BookFlowTest, TheDealersOwnActionsComeBackByAnswerAndStream) {
     EXPECT_EQ(host.log, (Texts{"Sending request to cancel " + first, first + " Order Cancelled "}));
     EXPECT_EQ(Text(OrderField::userText, first), "wish");
 
-    // Refused, delayed beyond a change of the selection, and silent.
-    host.log.clear();
-    server.Config().faults["pause_sip_order"] = {.errorCode = "77"};
     Select(second);
-    book.Actions().Pause();
-    Pump();
-    EXPECT_EQ(host.log.back(), "Error in response : pause_sip_order . Error Code : 77");
     server.Config().faults["cancel_sip_order"] = {.errorCode = {}, .silent = true};
     host.uuid = "another";
     book.Actions().Cancel();
@@ -176,33 +120,32 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
         {4, 0, "own ", "own "},
         {7, 1, "own ", "own "},
     };
-    const std::pair<const char*, Terminal*> terminals[] = {
-        {"own ", &own}, {"colleague ", &colleague}, {"stranger ", &stranger}};
+    const std::pair<const char*, vesk::UserIdentity> users[] = {
+        {"own ", own}, {"colleague ", colleague}, {"stranger ", stranger}};
     for (const Row& row : rows) {
         // Cancelled ones come by the history, new ones by the stream.
         std::vector<std::string> cancelled;
-        for (const auto& [name, terminal] : terminals) {
-            cancelled.push_back(terminal->Place(server, "C001"));
-            terminal->Send("requestName=cancel_sip_order registrationNumber=" + cancelled.back()
-                           + " echoedNumber=" + cancelled.back() + " orderId=" + cancelled.back()
-                           + " userText=x");
+        for (const auto& [name, user] : users) {
+            cancelled.push_back(Place(user, "account=C001"));
+            Send(user, "requestName=cancel_sip_order registrationNumber=" + cancelled.back() + " echoedNumber="
+                           + cancelled.back() + " orderId=" + cancelled.back() + " userText=x");
         }
         session.m_nLoginMode = row.mode;
         host.clientOverview = row.overview;
         BookDouble seen;
-        BookLine its;
+        Line<OrderBook> its;
         RxControl* controls[] = {rxClient.Get(kRxRequests, &its), rxClient.Get(kRxIdentityStream, &its),
                                  rxClient.Get(kRxAccountStream, &its)};
         OrderBook fresh(session, seen, {controls[0], controls[1], controls[2]});
-        its.book = &fresh;
+        its.part = &fresh;
         fresh.Open(kNow);
         Pump();
         std::string heard, history;
-        for (std::size_t i = 0; i < std::size(terminals); ++i) {
-            if (fresh.Records().Find(cancelled[i]) != kNoRecord) history += terminals[i].first;
-            const std::string number = terminals[i].second->Place(server, "C002");
+        for (std::size_t i = 0; i < std::size(users); ++i) {
+            if (fresh.Records().Find(cancelled[i]) != kNoRecord) history += users[i].first;
+            const std::string number = Place(users[i].second, "account=C002");
             Pump();
-            if (fresh.Records().Find(number) != kNoRecord) heard += terminals[i].first;
+            if (fresh.Records().Find(number) != kNoRecord) heard += users[i].first;
         }
         EXPECT_EQ(heard, row.heard) << row.mode << " " << row.overview;
         EXPECT_EQ(history, row.history) << row.mode << " " << row.overview;
@@ -211,20 +154,70 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
     }
 }
 
-TEST_F(BookFlowTest, AFullServerFillsTheBookOnce) {
-    session.m_nLoginMode = 3;
-    vesk::FillPlan plan{3000, {{"DEALER1", "BROKER", "BRANCH"}, {"DEALER2", "BROKER", "BRANCH"}}, {}};
-    plan.market.accounts = {"C001", "C002"};
-    plan.market.scrips = {{"nse_cm", "1013", "ARBORTEX-EQ"}};
-    ASSERT_EQ(Fill(server, plan), "");
+TEST_F(BookFlowTest, AnOrderIsRegisteredJournalledAnsweredAndStreamed) {
+    OrderEntryDouble form;
+    Line<OrderEntry> its;
+    OrderEntry entry(session, form, rxClient.Get(kRxRequests, &its));
+    its.part = &entry;
+    form.controls[IDC_SERIES].items = {"EQ"};
+    form.controls[IDC_SYMBOL].items = {"ALPHA"};
     Open();
-    std::size_t count = 0;
-    for (const vesk::Registration& registration : server.Registrations()) {
-        const bool mine = registration.Text(31003) == "DEALER1";
-        count += mine;
-        EXPECT_EQ(book.Records().Find(registration.Number()) != kNoRecord, mine);
+    entry.Initialise(kNow, {});
+    Pump();
+    EXPECT_EQ(form.controls[IDC_FREQUENCY].items.size(), server.Config().frequencies.size());
+    for (const auto& [edit, text] :
+         {std::pair(IDC_CLIENT_SEARCH, "C001"), {IDC_VALUE, "1234.50"}, {IDC_PERIOD, "12"}})
+        form.SetText(edit, text);
+    form.SelectText(IDC_FREQUENCY, "monthly");
+    entry.Submit(kNow);
+    EXPECT_TRUE(form.boxes.empty()) << "answers never come from inside the sending";
+    Pump();
+    ASSERT_EQ(server.Registrations().size(), 1u);
+    const std::string number(server.Registrations()[0].Number());
+    ASSERT_EQ(form.boxes.size(), 1u);
+    EXPECT_NE(form.boxes[0].find(number), std::string::npos) << form.boxes[0];
+    EXPECT_EQ(Lists(), number + "|");
+    const std::string journal = vesk::FileText(folder.File("journal"));
+    EXPECT_TRUE(journal.find(number) != journal.npos && journal.find("123450") != journal.npos) << journal;
+    EXPECT_EQ(host.log.size(), 1u);
+}
+
+TEST_F(BookFlowTest, TheHistorysOrdersAndTheirTradesComeAsTheServerHasThem) {
+    HistoryDouble seen;
+    Line<OrderHistory> its;
+    OrderHistory history(session, seen, rxClient.Get(kRxRequests, &its));
+    its.part = &history;
+    const std::string number = Place(own, "frequency=daily investType=qty amountOrQuantity=90");
+    history.Open(kPass, number);
+    Pump();
+    EXPECT_EQ(seen.listings, 1);
+    EXPECT_FALSE(seen.shown) << "no orders yet";
+
+    const vesk::Registration& registration = *server.Find(number);
+    ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
+    history.Open(kPass, number);
+    history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way
+    history.Open(kPass, number);
+    Pump();
+    EXPECT_TRUE(seen.shown);
+    EXPECT_EQ(seen.boxes, Texts{});
+    ASSERT_EQ(history.Records().size(), 60u);
+    std::size_t pending = 0, traded = 0, untraded = 0;
+    for (const sOrderHistory& order : history.Records()) {
+        const auto text = [&](HistoryField field) { return order[field]; };
+        EXPECT_EQ(text(HistoryField::registrationNumber) + text(HistoryField::account)
+                      + text(HistoryField::exchange) + text(HistoryField::side) + text(HistoryField::orderType),
+                  number + "C001NSESIPMARKET");
+        EXPECT_NEAR(LeadingReal(text(HistoryField::price)), 123.45, 3);
+        const bool hasTraded = text(HistoryField::tradedQuantity) != "0";
+        ++(hasTraded ? traded : untraded);
+        pending += order.fillPending;
+        // Told by the order, or by its trades.
+        EXPECT_EQ(!text(HistoryField::tradedPrice).empty(), hasTraded);
+        EXPECT_EQ(!text(HistoryField::fillDetailA).empty(), hasTraded);
     }
-    EXPECT_EQ(view.registered.rows.size() + view.cancelled.rows.size(), count);
+    EXPECT_TRUE(pending > 0 && pending < traded && untraded > 0) << pending << " " << traded << " " << untraded;
+    EXPECT_EQ(host.log.size(), 1u) << "the refusal";
 }
 
 } // namespace

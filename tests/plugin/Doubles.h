@@ -2,11 +2,12 @@
 // of the connection library, and a session over all of it.
 #pragma once
 
+#include "plugin/controls/ClientSearch.h"
 #include "plugin/controls/DialogView.h"
+#include "plugin/history/OrderHistory.h"
 #include "plugin/orderentry/OrderEntry.h"
 #include "tests/support/FakeHost.h"
 
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -90,6 +91,48 @@ public:
 };
 using DialogDouble = DialogDoubleOf<DialogView>;
 
+// A client search without its box and list.
+class SearchDouble : public ClientSearchView {
+public:
+    bool HasBox() const override { return true; }
+    std::string SearchText() const override { return text; }
+    void SetSearchText(std::string_view value) override { text = value; }
+    void SelectSearchText() override { textSelected = true; }
+    void SetTip(std::string_view value) override { tip = value; }
+    void ShowResults(int count, int row) override {
+        rows = count;
+        selected = row;
+    }
+    void SelectResult(int row) override { selected = row; }
+    void HideResults() override { rows = 0; }
+    void StartDelay() override { delayed = true; }
+    void StopDelay() override { delayed = false; }
+    void TellPicked(const ClientResult& result) override { picked = result.clientId; }
+
+    std::string text, tip, picked;
+    int rows = 0, selected = -1; // rows of the list; 0 while it is hidden
+    bool delayed = false, textSelected = false;
+};
+
+class HistoryDouble : public HistoryView {
+public:
+    void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
+    void OnRecordChanged() override {}
+    void ListRecords() override {
+        ++listings;
+        focused = !history || history->Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
+    }
+    std::optional<std::size_t> FocusedRecord() const override { return focused; }
+    void ShowDetails(const HistoryDetails&) override {}
+    void Show(bool on) override { shown = on; }
+
+    const OrderHistory* history = nullptr; // the first of whose orders is focused when they are listed
+    Texts boxes;
+    std::optional<std::size_t> focused;
+    int listings = 0;
+    bool shown = false;
+};
+
 class OrderEntryDouble final : public DialogDoubleOf<OrderEntryView> {
 public:
     bool MayAsk() override { return !otherBox; }
@@ -128,10 +171,6 @@ struct Stage {
     Session session{host.Lookup(), host.IdentityStrings(), host.strings, host.record};
 };
 
-// What is told when a field of add_sip_orders cannot be added, in the order of the fields: those up to the
-// branch, which all such orders have, and `rest`.
-std::vector<const char*> AddFailures(std::initializer_list<const char*> rest);
-
 // Lets the n-th call (from 1) of a connection library function fail while it lives.
 class FailQmxCall {
 public:
@@ -141,24 +180,6 @@ public:
     FailQmxCall(const FailQmxCall&) = delete;
     FailQmxCall& operator=(const FailQmxCall&) = delete;
     ~FailQmxCall();
-};
-
-// Opening handles anew leaves the old ones open; a test that does so closes them with this.
-class EarlierHandles {
-public:
-    explicit EarlierHandles(const Session& session)
-        : m_primeCb(session.m_primeCb), m_scratch(session.m_scratch) {}
-    EarlierHandles(const EarlierHandles&) = delete;
-    EarlierHandles& operator=(const EarlierHandles&) = delete;
-    ~EarlierHandles() {
-        QmxError error{};
-        qmx_dtor_primecb(&m_primeCb, &error);
-        qmx_close_scratch(&m_scratch, &error);
-    }
-
-private:
-    void* m_primeCb;
-    void* m_scratch;
 };
 
 } // namespace planfold::test

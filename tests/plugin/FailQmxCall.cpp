@@ -39,28 +39,3 @@ FailQmxCall::FailQmxCall(Function function, int call) {
 FailQmxCall::~FailQmxCall() {
     g_callsLeft = {};
 }
-
-std::vector<const char*> planfold::test::AddFailures(std::initializer_list<const char*> rest) {
-    std::vector<const char*> texts{
-        "Failed to add the request add_sip_orders",
-        "Failed to add the Exchange segment",
-        "Failed to add the Token",
-        "Failed to add the Scrip Symbol",
-        "Failed to mention either buy or sell",
-        "Failed to mention the order Type",
-        "Failed to add the Product Type",
-        "Failed to add the Amount/Quantity",
-        "Failed to add Amount or Quantity",
-        "Failed to add the Frequency",
-        "Failed to add the Start Date",
-        "Failed to add the Total Period",
-        "Failed to add User",
-        "Failed to add customer Firm Id",
-        "Failed to add Account ID",
-        "Failed to specify the day",
-        "Failed to add Broker Name",
-        "Failed to add Branch Name",
-    };
-    texts.insert(texts.end(), rest);
-    return texts;
-}

@@ -3,35 +3,11 @@
 
 #include "host/server/net/RxClient.h"
 #include "tests/plugin/Doubles.h"
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include "tests/server/ServerFixture.h"
 
 namespace planfold::test {
 
 inline constexpr LocalDateTime kNow{2027, 1, 10, 15, 30, 0};
-
-class TemporaryFile {
-public:
-    TemporaryFile()
-        : m_path(std::filesystem::temp_directory_path()
-                 / ("planfold-flow-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
-        std::filesystem::remove(m_path);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { std::filesystem::remove(m_path); }
-
-    const std::filesystem::path& Path() const { return m_path; }
-    std::string Text() const {
-        std::ifstream file(m_path, std::ios::binary);
-        return (std::ostringstream() << file.rdbuf()).str();
-    }
-
-private:
-    std::filesystem::path m_path;
-};
 
 inline vesk::ServerClock FlowClock() {
     return {[] { return ToSeconds(kNow); },
@@ -41,22 +17,44 @@ inline vesk::ServerClock FlowClock() {
             }};
 }
 
-struct FlowStage : Stage {
-    std::unique_ptr<vesk::Channel> Channel() {
-        return std::make_unique<vesk::SessionChannel>(server, commands);
-    }
-    void Pump() { Pump(rxClient); }
-    void Pump(vesk::RxClient& any) {
-        do
-            any.Pump(now += 1000);
-        while (any.Waiting() > 0);
+// Hands a part of the plug-in what its controls bring.
+template <class Part>
+struct Line final : CKeloRxNotifierBase {
+    void OnResponse(void*, void* message, void*) noexcept override { part->OnResponse(message); }
+    void OnBroadcast(void* message, std::uint32_t, void*) noexcept override {
+        if constexpr (requires { part->OnBroadcast(message); }) part->OnBroadcast(message);
     }
 
-    TemporaryFile journalFile;
-    vesk::JournalOpening opening = vesk::Journal::Open(journalFile.Path());
+    Part* part = nullptr;
+};
+
+struct FlowStage : Stage {
+    void Pump() {
+        do
+            rxClient.Pump(now += 1000);
+        while (rxClient.Waiting() > 0);
+    }
+
+    // Another terminal at the server, without a plug-in.
+    void Send(const vesk::UserIdentity& user, const Fields& request) {
+        server.Handle(Received(request).Message(), user);
+    }
+    // The number of the order.
+    std::string Place(const vesk::UserIdentity& user, const std::string& changes) {
+        Fields order =
+            Order("loginId=" + user.loginId + " peerIdA=" + user.peerIdA + " peerIdB=" + user.peerIdB
+                  + " startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay) + " " + changes);
+        order.push_back({tag::orderSource, {"TWS"}});
+        Send(user, order);
+        return std::string(server.Registrations().back().Number());
+    }
+
+    const vesk::UserIdentity own{"DEALER1", "BROKER", "BRANCH"};
+    const vesk::TemporaryFolder folder;
+    vesk::JournalOpening opening = vesk::Journal::Open(folder.File("journal"));
     vesk::Server server{{}, *opening.journal, opening.records, FlowClock()};
     vesk::ServerCommands commands{server, {}};
-    vesk::RxClient rxClient{Channel(), {"DEALER1", "BROKER", "BRANCH"}};
+    vesk::RxClient rxClient{std::make_unique<vesk::SessionChannel>(server, commands), own};
     std::int64_t now = 0;
 };
 

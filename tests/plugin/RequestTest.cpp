@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace planfold::test {
 namespace {
 
@@ -87,22 +89,25 @@ TEST_F(RequestTest, AddLogsTheOrderInRupeesOrSharesAndNeverFormats) {
 
 TEST_F(RequestTest, EachStepOfAddFailsWithItsOwnText) {
     session.m_nSipOperationMode = 1;
-    const auto texts = AddFailures({"Failed to add Order ID", "Failed to add Cautionary Flag",
-                                    "Failed to add Mode", "Failed to add Order Source"});
-    int call = 0;
-    for (const char* text : texts) {
-        const FailQmxCall failing(FailQmxCall::addData, ++call);
+    constexpr int fields = 22;
+    std::set<std::string> told;
+    for (int call = 1; call <= fields; ++call) {
+        const FailQmxCall failing(FailQmxCall::addData, call);
         host.log.clear();
         host.calls.clear();
-        EXPECT_FALSE(Place()) << text;
-        EXPECT_EQ(Shown(), Texts{text});
-        EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), call < 20 ? 0 : 1) << text;
+        EXPECT_FALSE(Place()) << call;
+        const Texts shown = Shown();
+        ASSERT_EQ(shown.size(), 1u) << call;
+        told.insert(shown[0]);
+        EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), call < 20 ? 0 : 1) << call;
         const bool isToken = call == 3;
+        EXPECT_EQ(shown[0] == "Failed to add the Token", isToken);
         EXPECT_EQ(host.log,
                   isToken ? Texts{"NSE BUY SIP Order Failed Status : Trigger Pending CNC ARBORTEX-EQ at 123450"
                                   + std::string(kLogEnd)}
                           : Texts{});
     }
+    EXPECT_EQ(told.size(), std::size_t{fields});
     EXPECT_EQ(host.requests, Texts{});
 }
 
@@ -138,7 +143,7 @@ TEST_F(RequestTest, HandlesThatCouldNotBeOpenedAreToldAndFailEveryRequest) {
 
 // The cautionary question runs a message loop: another menu pick opens the handles anew, another window sends.
 TEST_F(RequestTest, AnotherRequestDuringTheCautionaryQuestionSpoilsNothing) {
-    const EarlierHandles firstPick(session);
+    void *primeCb = session.m_primeCb, *scratch = session.m_scratch;
     host.duringCaution = [&] {
         session.OpenHandles(kPass, notices);
         EXPECT_TRUE(AskMode());
@@ -146,6 +151,8 @@ TEST_F(RequestTest, AnotherRequestDuringTheCautionaryQuestionSpoilsNothing) {
     EXPECT_TRUE(Place());
     EXPECT_EQ(host.requests, (Texts{"get_sip_operation_mode",
                                     TextOf(Order({})) + " orderId=UUID-1 cautionaryFlag=N orderSource=TWS"}));
+    QmxError error{};
+    EXPECT_TRUE(qmx_dtor_primecb(&primeCb, &error) && qmx_close_scratch(&scratch, &error));
 }
 
 TEST_F(RequestTest, EmptyValuesAreSentAsAbsent) {

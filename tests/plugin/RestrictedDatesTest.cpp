@@ -82,7 +82,6 @@ TEST_F(RestrictedDatesTest, EveryStepThatFailsIsTold) {
     const Row rows[] = {
         {FailQmxCall::startMsg, 1, "zup_add_parameter: Error while building message;"},
         {FailQmxCall::addData, 1, "Failed to add the request calendar_add_restricted_dates;"},
-        {FailQmxCall::addData, 2, "Failed to add start date;", false},
         {FailQmxCall::addData, 4, "Failed to add start date;", false},
         {FailQmxCall::openScratch, 0, "Sending Request calendar_add_restricted_dates Failed;"},
     };

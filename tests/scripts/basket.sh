@@ -14,7 +14,6 @@ line() {
 {
     printf '\357\273\277'
     line CL100 CNC 05/Mar/2099
-    line CL101 CNC 31/Feb/2099
     line CL102 XYZ 05/Mar/2099
     printf 'cut\0here,\r\n'
     line CL103 CNC 06/Mar/2099

@@ -23,21 +23,6 @@ TEST(HeapStringManager, RefusesSizesThatCannotBe) {
     EXPECT_EQ(manager.LiveBuffers(), 0);
 }
 
-TEST(HeapStringManager, NewBufferIsAnEmptyTextWithOneReference) {
-    HeapStringManager manager;
-    for (const int charSize : {1, 2}) {
-        StringHeader* header = manager.Allocate(7, charSize);
-        ASSERT_NE(header, nullptr);
-        EXPECT_EQ(header->manager, &manager);
-        EXPECT_EQ(header->length, 0);
-        EXPECT_EQ(header->allocated, 7);
-        EXPECT_EQ(header->references, 1);
-        EXPECT_EQ(header->Text()[0], '\0');
-        manager.Free(header);
-    }
-    EXPECT_EQ(manager.LiveBuffers(), 0);
-}
-
 TEST(HeapStringManager, ReallocationKeepsWhatFits) {
     HeapStringManager manager;
     struct {

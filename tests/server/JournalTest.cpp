@@ -90,20 +90,20 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         for (const Registration& registration : running.server->Registrations())
             held += registration.Json();
         for (const char* request :
-             {"0=qry_eq_sip_orders|64804=SIP2603020000001", "0=qry_eq_sip_trades|64804=SIP2603020000001",
-              "0=calendar_get_restricted_dates"})
-            for (const std::string& answer : running.Ask(FieldsOf(request)))
+             {"qry_eq_sip_orders registrationNumber=SIP2603020000001",
+              "qry_eq_sip_trades registrationNumber=SIP2603020000001", "calendar_get_restricted_dates"})
+            for (const std::string& answer : running.Ask(request))
                 held += answer;
         return held;
     };
     {
         RunningServer running(path);
         running.Ask(Order());
-        running.Ask(Order({{tag::orderId, "id-2"}}));
-        running.Ask(FieldsOf("0=cancel_sip_order|64804=SIP2603020000002|54158=cancel"));
+        running.Ask(Order("orderId=id-2"));
+        running.Ask("cancel_sip_order registrationNumber=SIP2603020000002 orderId=cancel");
         running.AdvanceTo(std::chrono::year(2026) / 6 / 20);
-        running.Ask(FieldsOf("0=calendar_add_restricted_dates|46000=2026|49165=5|63025=7"));
-        running.Ask(FieldsOf("0=pause_sip_order|64804=SIP2603020000001"));
+        running.Ask("calendar_add_restricted_dates restrictedYear=2026 startDate=5 restrictedTo=7");
+        running.Ask("pause_sip_order registrationNumber=SIP2603020000001");
         EXPECT_FALSE(running.server->IsJournalStale());
     }
     const std::string few = FileText(path);
@@ -121,9 +121,9 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         compacted = FileText(path);
         EXPECT_LE(compacted.size(), few.size());
         // It goes on, and knows the requests of before.
-        running.Ask(FieldsOf("0=resume_sip_order|64804=SIP2603020000001"));
+        running.Ask("resume_sip_order registrationNumber=SIP2603020000001");
         for (const char* identifier : {"id-1", "id-2", "cancel"})
-            running.Ask(Order({{tag::orderId, identifier}}));
+            running.Ask(Order(std::string("orderId=") + identifier));
         EXPECT_EQ(running.server->Registrations().size(), 3u);
     }
     EXPECT_EQ(state().find("Paused"), std::string::npos);
@@ -166,18 +166,18 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
     RunningServer running(path);
-    running.Ask(Order({{tag::frequency, "weekly"}}));
+    running.Ask(Order("frequency=weekly"));
     running.AdvanceTo(std::chrono::year(2026) / 3 / 5);
     EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
     {
         const FullDisk full(FileText(path).size() + 10);
         EXPECT_NE(running.server->Clock().ExecuteDue({}).fault, "");
         EXPECT_FALSE(running.server->Clock().HasDue());
-        running.Ask(Order({{tag::orderId, "id-2"}}));
+        running.Ask(Order("orderId=id-2"));
         EXPECT_FALSE(running.server->Clock().HasDue());
         EXPECT_EQ(running.server->Registrations().size(), 1u);
     }
-    running.Ask(Order({{tag::orderId, "id-2"}, {tag::frequency, "weekly"}}));
+    running.Ask(Order("orderId=id-2 frequency=weekly"));
     EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 2u);
 }
 

@@ -2,29 +2,18 @@
 #pragma once
 
 #include "host/server/Server.h"
+#include "tests/server/Requests.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace vesk {
-
-// 2026-03-02 00:00 UTC, and days counted in UTC.
-inline constexpr std::int64_t kToday = 1772409600;
-
-inline ServerClock FixedClock() {
-    return {[] { return kToday; },
-            [](std::int64_t seconds) {
-                return std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(
-                    std::chrono::sys_seconds(std::chrono::seconds(seconds))));
-            }};
-}
 
 inline std::string FileText(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -55,56 +44,6 @@ private:
     std::filesystem::path m_path;
 };
 
-using Fields = std::map<std::uint32_t, std::string>;
-
-// "tag=text|tag=text"
-inline Fields FieldsOf(const std::string& text) {
-    Fields fields;
-    std::istringstream pieces(text);
-    for (std::string piece; std::getline(pieces, piece, '|');)
-        fields[static_cast<std::uint32_t>(std::stoul(piece))] = piece.substr(piece.find('=') + 1);
-    return fields;
-}
-
-// An order that the server accepts.
-inline Fields GoodOrder() {
-    return {{tag::requestName, "add_sip_orders"},
-            {tag::exchange, "nse_cm"},
-            {tag::token, "1013"},
-            {tag::tradingSymbol, "ALPHA-EQ"},
-            {tag::side, "B"},
-            {tag::orderType, "MKT"},
-            {tag::product, "CNC"},
-            {tag::investType, "value"},
-            {tag::amountOrQuantity, "123450"},
-            {tag::frequency, "monthly"},
-            {tag::startDate, "1772755200"},
-            {tag::totalPeriod, "12"},
-            {tag::loginId, "USER1"},
-            {tag::customerFirm, "C"},
-            {tag::account, "CL1"},
-            {tag::validity, "DAY"},
-            {tag::peerIdA, "BROKER"},
-            {tag::peerIdB, ""},
-            {tag::orderId, "id-1"},
-            {tag::operationMode, "1"},
-            {tag::orderSource, "TWS"}};
-}
-
-// A good order with some fields set otherwise.
-inline Fields Order(const Fields& changes = {}) {
-    Fields fields = changes;
-    fields.merge(GoodOrder());
-    return fields;
-}
-
-inline std::string Message(const Fields& fields) {
-    qmx::MessageWriter writer;
-    for (const auto& [tag, text] : fields)
-        writer.Add(tag, text);
-    return writer.Finish();
-}
-
 struct RunningServer {
     explicit RunningServer(const std::filesystem::path& path, ServerConfig config = {}) {
         opening = Journal::Open(path);
@@ -127,7 +66,7 @@ struct RunningServer {
         std::vector<std::string> dumps;
         for (const std::string& answer : Finish(Begin(request, sentAs))) {
             const qmx::MessageReader read(answer);
-            dumps.push_back(qmx::Dump(read.Handle()));
+            dumps.push_back(planfold::test::Named(qmx::Dump(read.Handle())));
         }
         return dumps;
     }

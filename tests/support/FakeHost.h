@@ -137,7 +137,7 @@ struct FakeHost {
     std::set<std::string> rights{"QV: Planfold"};
     HostWindow mainFrame = nullptr; // a real window under Windows
     VeskApp app{sizeof(VeskApp), 0, nullptr, nullptr};
-    bool hasApp = true, givesControls = true, refuses = false; // what controls are asked for
+    bool hasApp = true, refuses = false; // what controls are asked for
     std::string peerIdA = "PEERA", peerIdB = "PEERB";
     std::string uuid = "UUID-1"; // empty: the host gives none
     std::string activeClient;

@@ -182,7 +182,7 @@ ScripDetails* pu_get_scrip_details_from_TradSymbol(InString exchange, InString t
 }
 RxControl* GetKeloRxControl(int kind, CKeloRxNotifierBase* notifier) {
     Record("GetKeloRxControl", kind);
-    return Host().givesControls ? &Host().controls.emplace_back(Host(), kind, notifier) : nullptr;
+    return &Host().controls.emplace_back(Host(), kind, notifier);
 }
 void DestoryKeloRxCOntrol(RxControl* control) {
     Record("DestoryKeloRxCOntrol");

@@ -38,7 +38,7 @@ int CloseScratch(void** scratch, QmxError* error) {
 }
 int OpenMessage(void** message, QmxError* error) {
     ++g_watched.messagesOpened;
-    return !g_watched.failMessage && qmx_ctor_primecb(message, error);
+    return qmx_ctor_primecb(message, error);
 }
 int CloseMessage(void** message, QmxError* error) {
     ++g_watched.messagesClosed;

@@ -13,7 +13,7 @@
 struct Watched {
     int scratchOpened = 0, scratchClosed = 0, messagesOpened = 0, messagesClosed = 0;
     int hooksSet = 0, hooksLive = 0;
-    bool failScratch = false, failMessage = false;
+    bool failScratch = false;
 };
 
 class LoadedPlugin {

@@ -50,7 +50,6 @@ public:
     StringManager* Clone() override { return cloneTo ? cloneTo : this; }
 
     int Live() const { return m_live; }
-    int NilReferences() const { return m_nil.header.references; }
     // Double frees, frees of foreign buffers, overruns, and writes after a free.
     int Faults() const {
         int faults = m_faults;

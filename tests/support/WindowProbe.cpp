@@ -146,10 +146,18 @@ void PostKey(WPARAM key) {
     PostMessageA(focus, WM_KEYUP, key, released);
 }
 
-void PostClick(HWND window, POINT place) {
-    const LPARAM at = MAKELPARAM(place.x, place.y);
-    PostMessageA(window, WM_LBUTTONDOWN, MK_LBUTTON, at);
-    PostMessageA(window, WM_LBUTTONUP, 0, at);
+void PressKey(WPARAM key) {
+    PostKey(key);
+    Pump();
+}
+
+void DoubleClick(HWND list, int row) {
+    RECT place{LVIR_LABEL, 0, 0, 0};
+    SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&place));
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageA(list, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON,
+                     MAKELPARAM(place.left + 4, place.top + 4));
+    Pump();
 }
 
 std::vector<HWND> TopWindows() {

@@ -32,8 +32,9 @@ std::string Entries(HMENU menu);
 
 // A key into the window that has the focus; arrives through the message loop.
 void PostKey(WPARAM key);
-// Clicks with the left button, at a place in the window's client area; the same way.
-void PostClick(HWND window, POINT place);
+// The same, until all has arrived.
+void PressKey(WPARAM key);
+void DoubleClick(HWND list, int row);
 
 // Top-level windows of this thread, without those of the input method.
 std::vector<HWND> TopWindows();

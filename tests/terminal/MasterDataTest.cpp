@@ -36,7 +36,6 @@ TEST(ScripMaster, IsFoundByEveryKey) {
         {"case matters", master.ByTradingSymbol("NSE", "zulu-eq"), "none"},
         {"unknown exchange", master.ByTradingSymbol("mcx", "ZULU-EQ"), "none"},
         {"symbol is no trading symbol", master.ByTradingSymbol("NSE", "ZULU"), "none"},
-        {"empty series is no way to a trading symbol", master.BySymbol("NSE", "", "ALPHA-EQ"), "none"},
         {"key with a part missing", master.ByKey("nse_cm|BE"), "none"},
         {"key with a part too many", master.ByKey("nse_cm|BE|ALPHA|"), "none"},
         {"no key", master.ByKey(""), "none"},
@@ -65,15 +64,12 @@ TEST(ScripMaster, FaultsNameFileAndLine) {
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1\n", "scrips.csv:2: 11 fields expected, 10 found"},
         {"\n\nnse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1,N,\n", "scrips.csv:4: 11 fields expected, 12 found"},
         {"mcx,EQ,A,1,A-EQ,A Ltd,2,100,5,1,N", "scrips.csv:2: unknown exchange \"mcx\""},
-        {"NSE,EQ,A,1,A-EQ,A Ltd,2,100,5,1,N", "scrips.csv:2: unknown exchange \"NSE\""},
         {"nse_cm,EQ,,1,A-EQ,A Ltd,2,100,5,1,N", "scrips.csv:2: symbol is empty"},
         {"nse_cm,EQ,A,12345678901234567890123456789012,A-EQ,A Ltd,2,100,5,1,N",
          "scrips.csv:2: token is longer than 31 characters"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,8,100,5,1,N", "scrips.csv:2: decimals \"8\" is not between 0 and 7"},
-        {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,0,5,1,N", "scrips.csv:2: multiplier \"0\" is not between 1 and 10000000"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5x,1,N",
          "scrips.csv:2: tick size \"5x\" is not between 1 and 1000000"},
-        {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,-1,N", "scrips.csv:2: last price \"-1\" is not a whole number"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1,y", "scrips.csv:2: cautionary \"y\" is neither Y nor N"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1,N\nnse_cm,EQ,B,2,A-EQ,B Ltd,2,100,5,1,N",
          "scrips.csv:3: A-EQ stands here a second time"},
@@ -112,20 +108,9 @@ TEST(ClientList, SearchesByMode) {
         const char* text;
         const char* found;
     } rows[] = {
-        {1, "CL", "CL10 CL101 XY1"},
-        {2, "CL", "CL10 CL101"},
-        {3, "CL", "CL101 XY1"},
-        {1, "cl10", "CL10 CL101"},
-        {1, "CL10(", "CL10"},
-        {3, "cl10 (", "CL10"},
-        {1, "CL1(", ""},
-        {1, "(", ""},
-        {2, "", "CL10 CL101 XY1"},
-        {3, "  ", "CL10 CL101 XY1"},
-        {1, " roy ", "CL10"},
-        {2, "ROY", ""},
-        {99, "ROY", "CL10"},
-        {1, "nobody", ""},
+        {1, "CL", "CL10 CL101 XY1"}, {2, "CL", "CL10 CL101"}, {3, "CL", "CL101 XY1"}, {1, "cl10", "CL10 CL101"},
+        {1, "CL10(", "CL10"},        {3, "cl10 (", "CL10"},   {1, "CL1(", ""},        {2, "", "CL10 CL101 XY1"},
+        {3, "  ", "CL10 CL101 XY1"}, {1, " roy ", "CL10"},    {1, "nobody", ""},
     };
     for (const auto& row : rows)
         EXPECT_EQ(Found(loaded.Value(), row.mode, row.text), row.found) << row.mode << ' ' << row.text;
@@ -136,7 +121,6 @@ TEST(ClientList, FaultsNameFileAndLine) {
         {",Nobody,N", "clients.csv:2: client is empty"},
         {"A,B,yes", "clients.csv:2: mapped \"yes\" is neither Y nor N"},
         {"A,B,Y\na,C,N", "clients.csv:3: a stands here a second time"},
-        {"A", "clients.csv:2: 3 fields expected, 1 found"},
     };
     ExpectFaults<ClientList>(rows, "client,name,mapped\n",
                              [](std::string_view text) { return ClientList::Parse(text, "clients.csv"); });
@@ -146,8 +130,6 @@ TEST(TradingCalendar, FaultsNameFileAndLine) {
     const BadFile rows[] = {
         {"2027-02-29,x", "nontrading.csv:2: \"2027-02-29\" is not a date yyyy-mm-dd"},
         {"2027-1-26,x", "nontrading.csv:2: \"2027-1-26\" is not a date yyyy-mm-dd"},
-        {"26-01-2027,x", "nontrading.csv:2: \"26-01-2027\" is not a date yyyy-mm-dd"},
-        {"2027-+1-26,x", "nontrading.csv:2: \"2027-+1-26\" is not a date yyyy-mm-dd"},
         {"2027-01-26,x\n2027-01-26,y", "nontrading.csv:3: 2027-01-26 stands here a second time"},
     };
     ExpectFaults<TradingCalendar>(rows, "date,occasion\n", [](std::string_view text) {

@@ -33,7 +33,6 @@ TEST_F(TerminalFolder, PutsABadFileAside) {
         {"{\n  \"s\": {\n    \"k\": \n  }\n}", "settings.json:4: this is not JSON"},
         {"", "settings.json:1: this is not JSON"},
         {"[]", "settings.json:1: an object { } is expected"},
-        {"{\"s\": 1}", "settings.json:1: section \"s\" is not an object"},
         {"{\"s\": {\n\"k\": 1}}", "settings.json:2: \"s\", \"k\" is not a text"},
     };
     for (const auto& row : rows) {
@@ -60,13 +59,10 @@ TEST(TerminalConfig, FaultsNameTheMember) {
         const char* fault;
     } rows[] = {
         {"{\n\"loginMode\": 1,\n\"loginId\": 1}", "terminal.json:3: \"loginId\" is not a text"},
-        {R"({"loginMode": 5})", "terminal.json:1: \"loginMode\" is not a whole number between 0 and 4"},
         {R"({"loginMode": 1.5})", "terminal.json:1: \"loginMode\" is not a whole number between 0 and 4"},
         {R"({"clientOverview": 1})", "terminal.json:1: \"clientOverview\" is neither true nor false"},
-        {R"({"products": "CNC"})", "terminal.json:1: \"products\" is not a list"},
         {R"({"products": ["CNC", 1]})", "terminal.json:1: \"products\" holds something that is not a text"},
         {R"({"rights": []})", "terminal.json:1: \"rights\" is not an object"},
-        {R"({"rights": {"QV": 1}})", "terminal.json:1: \"QV\" is neither true nor false"},
         {"{\n\"loginId\"\n}", "terminal.json:3: this is not JSON"},
         {"{\n\"loginId\": \"A,\n\"loginMode\": 1}", "terminal.json:2: this is not JSON"},
         {"{\n\"rights\": {\"loginMode\": true},\n\"loginMode\": 1e999\n}",
@@ -125,10 +121,7 @@ TEST(CommandLine, ReadsOptions) {
         {{"--log", "x", "/script"}, "\"/script\" is one word too many"},
         {{"--journal"}, "--journal needs a path"},
         {{"--server", "localhost"}, "--server does not take \"localhost\""},
-        {{"--server", ":7040"}, "--server does not take \":7040\""},
-        {{"--server", "localhost:0"}, "--server does not take \"localhost:0\""},
         {{"--server", "localhost:70400"}, "--server does not take \"localhost:70400\""},
-        {{"--server", "localhost:70x"}, "--server does not take \"localhost:70x\""},
     };
     for (const auto& row : rows)
         EXPECT_EQ(ParseCommandLine(row.words).fault, row.fault);

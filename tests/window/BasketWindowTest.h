@@ -86,22 +86,18 @@ protected:
         probe::Press(dialog, IDC_BASKET_LOAD);
         probe::PumpUntil([] { return !Progress(); });
     }
-    static HWND Progress() {
-        for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, IDC_RUN_BAR)) return window;
-        return nullptr;
-    }
-    HWND FileDialog() const {
-        for (HWND window : probe::TopWindows())
-            if (GetWindow(window, GW_OWNER) == dialog && probe::ClassOf(window) == "#32770"
-                && IsWindowVisible(window))
-                return window;
-        return nullptr;
-    }
     void Key(HWND focus, UINT key) const {
         SetFocus(focus);
-        probe::PostKey(key);
-        probe::Pump();
+        probe::PressKey(key);
+    }
+    // While one key alone is down, or none.
+    static void WithKey(int key, bool down, const std::function<void()>& act) {
+        BYTE keys[256] = {}, usual[256] = {};
+        GetKeyboardState(usual);
+        keys[key] = down ? 0x80 : 0;
+        SetKeyboardState(keys);
+        act();
+        SetKeyboardState(usual);
     }
     bool IsEnabled(int control) const { return IsWindowEnabled(GetDlgItem(dialog, control)); }
     void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }

@@ -34,18 +34,14 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
         int closes;       // the reason dialog, by this command; 0: by Escape
         const char* sent; // null: nothing is asked or sent
     };
-    const auto press = [](UINT key) {
-        probe::PostKey(key);
-        probe::Pump();
-    };
     const Row rows[] = {
-        {"a key in the list", [&] { press(VK_DELETE); }, IDOK, "not wanted"},
+        {"a key in the list", [&] { probe::PressKey(VK_DELETE); }, IDOK, "not wanted"},
         {"the host's text", [&] { SendText("Cancel Order"); }, 0, " "},
         {"no text", [&] { SendText(nullptr); }, IDOK, nullptr},
         {"a key in the other list",
          [&] {
              SetFocus(cancelled);
-             press(VK_DELETE);
+             probe::PressKey(VK_DELETE);
          },
          IDOK, nullptr},
     };
@@ -75,22 +71,10 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
         EXPECT_EQ(boxes.Texts(), row.sent ? "You have selected 3 Orders to Cancel. Proceed?|" : "");
         EXPECT_TRUE(!row.sent || GetFocus() == registered) << "the dealer goes on by keyboard";
     }
-    boxes.toQuestions = IDNO;
-    Select(registered, {"SIP3"});
-    host.requests.clear();
-    Command(book::kCancel);
-    EXPECT_EQ(boxes.Texts(), "Do you want to cancel Order No: SIP3 |");
-    EXPECT_TRUE(host.requests.empty());
 }
 
 // Nothing is left, and nothing is sent any more.
 TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
-    const auto progress = [] {
-        HWND found = nullptr;
-        for (HWND window : probe::TopWindows())
-            if (GetDlgItem(window, IDC_RUN_BAR)) found = window;
-        return found;
-    };
     const auto ends = [&](bool exits) {
         if (exits)
             plugin->Exit();
@@ -121,25 +105,13 @@ TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
              SendMessageA(registered, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(registered), MAKELPARAM(60, 60));
              EXPECT_TRUE(menu.Seen());
          }},
-        {"the question of a run",
-         [&](bool exits) {
-             boxes.during = [&, exits] { ends(exits); };
-             Command(book::kPauseSelected);
-         }},
         {"the progress of a run",
          [&](bool exits) {
              Command(book::kPauseSelected);
-             EXPECT_TRUE(probe::PumpUntil([&] { return progress() && host.requests.size() > 250; }));
+             EXPECT_TRUE(probe::PumpUntil([&] { return Progress() && host.requests.size() > 250; }));
              ends(exits);
          },
          300, 300},
-        {"the last box of a run",
-         [&](bool exits) {
-             Command(book::kPauseSelected);
-             boxes.during = [&, exits] { ends(exits); };
-             SendMessageA(progress(), WM_CLOSE, 0, 0);
-         },
-         251, 250},
     };
     for (const Row& row : rows)
         for (const bool exits : {false, true}) {

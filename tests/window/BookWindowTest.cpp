@@ -39,17 +39,6 @@ void BookWindowTest::Queried(const std::string& number, const char* status, cons
                     + status + " account=" + client + " investType=value amountOrQuantity=123450");
 }
 
-void BookWindowTest::QueriedInFull(const std::string& number, const char* status) {
-    Fields fields(
-        "echoedRequest=om_get_sip_orders registrationNumber=" + number + " sipStatus=" + status
-        + " queriedRow=1 loginId=DEALER7 account=C002 exchange=nse_cm product=CNC tradingSymbol=ARBORTOOLS-EQ "
-          "side=B orderType=MKT investType=value amountOrQuantity=123450 frequency=monthly totalPeriod=12 "
-          "startDate=05-Mar-2020 nextExecutionDate=05-Apr-2027 registrationDate=01-Mar-2027 orderSource=TWS "
-          "endDate=05-Feb-2028 cancelledBy=DEALER8 cancelledDate=09-Mar-2027");
-    fields.push_back({tag::userText, {"no longer wanted"}});
-    host.AnswerBook(fields);
-}
-
 void BookWindowTest::Streamed(const std::string& number, const char* status) {
     host.Stream(kRxAccountStream, {{tag::registrationNumber, {number}}, {tag::sipStatus, {status}}});
 }
@@ -67,13 +56,6 @@ std::string BookWindowTest::Counts() const {
         counts += (part ? " " : "") + std::string(text);
     }
     return counts;
-}
-
-std::string BookWindowTest::SelectedNumbers(HWND list) {
-    std::string numbers;
-    for (int row = -1; (row = Next(list, LVNI_SELECTED, row)) >= 0;)
-        numbers += (numbers.empty() ? "" : " ") + NumberAt(list, row);
-    return numbers;
 }
 
 void BookWindowTest::Select(HWND list, const std::vector<std::string>& numbers) {

@@ -24,14 +24,12 @@ protected:
     void Open();
     // What the server answers to the query of all registrations, and what it streams.
     void Queried(const std::string& number, const char* status = "active", const char* client = "C001");
-    void QueriedInFull(const std::string& number, const char* status);
     void Streamed(const std::string& number, const char* status);
     void QueriedUpTo(int count);
     // How many rows the two panes of the status bar say, "3 0".
     std::string Counts() const;
 
     static std::string NumberAt(HWND list, int row) { return row < 0 ? "" : probe::Cell(list, row, 14); }
-    static std::string SelectedNumbers(HWND list);
     // Exactly these rows, by their numbers, and the focus on the last of them.
     static void Select(HWND list, const std::vector<std::string>& numbers);
     static HWND ReasonDialog() { return probe::FindDialog("Reject Reason"); }

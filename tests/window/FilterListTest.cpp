@@ -3,22 +3,14 @@
 
 namespace {
 
-// Selection, focus and the place on the screen belong to records, in every kind of list.
+// Selection, focus and the place on the screen belong to records, filtered and sorted or not.
 TEST_F(FilterList, AStreamMovesNothingToAnotherRecord) {
-    struct Kind {
-        const char* name;
-        bool sorted, filtered;
-    };
-    for (const Kind& kind : {Kind{"plain", false, false},
-                             {"filtered", false, true},
-                             {"sorted", true, false},
-                             {"sorted and filtered", true, true}}) {
-        SCOPED_TRACE(kind.name);
+    for (const bool arranged : {false, true}) {
+        SCOPED_TRACE(arranged);
         control->RemoveAll();
         Fill(400);
-        control->SetOwnerFilter(2, kind.filtered ? "active" : nullptr);
-        Run(kind.sorted ? sortUp : sortDown);
-        if (!kind.sorted) Run(natural);
+        control->SetOwnerFilter(2, arranged ? "active" : nullptr);
+        if (arranged) Run(sortUp);
         Send(LVM_SCROLL, 0, 50 * RowHeight());
         std::set<std::uint32_t> expected;
         SetState(-1, 0, LVIS_SELECTED);
@@ -53,13 +45,9 @@ TEST_F(FilterList, AStreamMovesNothingToAnotherRecord) {
             std::ranges::sort(wanted);
             std::ranges::sort(symbols);
             ASSERT_EQ(symbols, wanted) << step;
-            ASSERT_EQ(control->SelectedCount(), 7u);
             ASSERT_EQ(TopSymbol(), top) << step;
-            ASSERT_EQ(Send(LVM_GETITEMCOUNT), static_cast<LRESULT>(control->ShownCount()));
             const int focused = Next(LVNI_FOCUSED);
-            const std::uint32_t holder = control->Focused();
-            ASSERT_EQ(focused < 0, holder == UINT32_MAX) << step;
-            ASSERT_TRUE(focused < 0 || Cell(focused, 0) == cells[holder][0]) << step;
+            ASSERT_TRUE(focused < 0 || Cell(focused, 0) == cells[control->Focused()][0]) << step;
         }
     }
 }
@@ -135,12 +123,10 @@ TEST_F(FilterList, HeadingsSortAndStayAsTheyWere) {
         int column, arrow;
         const char *first, *last;
     };
-    std::vector<std::string> natural;
-    for (int row = 0; row < 50; ++row)
-        natural.push_back(Cell(row, 1));
+    const std::string front = Cell(0, 1), back = Cell(49, 1);
     const Click clicks[] = {{1, HDF_SORTUP, "0.50", "992.50"},
                             {1, HDF_SORTDOWN, "992.50", "0.50"},
-                            {1, 0, natural.front().c_str(), natural.back().c_str()}};
+                            {1, 0, front.c_str(), back.c_str()}};
     for (const Click& click : clicks) {
         ClickHeading(click.column);
         EXPECT_EQ(Cell(0, 1), click.first);
@@ -149,15 +135,7 @@ TEST_F(FilterList, HeadingsSortAndStayAsTheyWere) {
         item.mask = HDI_FORMAT;
         SendMessageA(Header(), HDM_GETITEMA, 1, reinterpret_cast<LPARAM>(&item));
         EXPECT_EQ(item.fmt & (HDF_SORTUP | HDF_SORTDOWN), click.arrow);
-        char text[32] = "";
-        LVCOLUMNA column{};
-        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-        column.pszText = text;
-        column.cchTextMax = sizeof text;
-        Send(LVM_GETCOLUMNA, 1, reinterpret_cast<LPARAM>(&column));
-        EXPECT_STREQ(text, "Amount");
-        EXPECT_EQ(column.fmt & LVCFMT_JUSTIFYMASK, LVCFMT_RIGHT);
-        EXPECT_EQ(column.cx, 80);
+        EXPECT_EQ(item.fmt & HDF_JUSTIFYMASK, HDF_RIGHT);
     }
 }
 

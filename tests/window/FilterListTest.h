@@ -133,17 +133,6 @@ protected:
         SendMessageA(Header(), WM_LBUTTONUP, 0, place);
     }
     void Run(Command command) { EXPECT_TRUE(control->HandleCommand(kFirstCommand + command)); }
-    // The entries that can be picked, in the order of their numbers.
-    std::string Possible() const {
-        HMENU menu = CreatePopupMenu();
-        control->AppendMenuEntries(menu);
-        std::string possible;
-        for (std::uint32_t command = copy; command <= reset; ++command)
-            possible += GetMenuState(menu, kFirstCommand + command, MF_BYCOMMAND) & MF_GRAYED ? '-' : 'x';
-        DestroyMenu(menu);
-        return possible;
-    }
-
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override {
         for (std::uint32_t i = 0; i < count; ++i) {

@@ -15,11 +15,6 @@ protected:
         SetForegroundWindow(dialog);
         return dialog;
     }
-    bool ResultsShown() const {
-        for (HWND window : PluginWindows())
-            if (GetDlgItem(window, IDC_CLIENT_RESULTS) && IsWindowVisible(window)) return true;
-        return false;
-    }
 };
 
 // What the host was asked about still goes out, and nothing else. Nothing is left; opened anew, the window has
@@ -53,11 +48,6 @@ TEST_F(Interrupt, TheWindowOrThePluginMayEndInTheMiddleOfEverything) {
              submit(dialog);
          },
          1},
-        {"the scrip look-up",
-         [&](HWND dialog, const auto& ends) {
-             host.duringScripLookUp = ends;
-             submit(dialog);
-         }},
         {"a search",
          [&](HWND dialog, const auto& ends) {
              SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
@@ -107,38 +97,6 @@ TEST_F(Interrupt, AQuestionComesWhenTheOpenBoxIsGone) {
     host.Answer(Told("first"));
     EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
     EXPECT_EQ(boxes.Texts(), "first|The terminal knows no client C009.\nPlace the order all the same?|");
-    EXPECT_FALSE(boxes.anyNested);
-}
-
-TEST_F(Interrupt, AnErrorThatArrivesWhileABoxIsOpenIsLoggedAtOnce) {
-    HWND dialog = OpenWithDefaults();
-    std::size_t logged = 0;
-    boxes.during = [&] {
-        host.Answer("echoedRequest=add_sip_orders errorCode=5");
-        logged = host.log.size();
-    };
-    probe::SetEdit(dialog, IDC_PERIOD, "");
-    probe::Press(dialog, IDC_SUBMIT);
-    EXPECT_EQ(logged, 1u);
-    EXPECT_EQ(boxes.Texts(), "Enter a Month.|");
-}
-
-TEST_F(Interrupt, SubmitDuringTheHostsQuestionDoesNothing) {
-    HWND dialog = OpenWithDefaults();
-    for (const std::size_t requests : {2u, 3u}) {
-        FillGoodOrder(dialog, requests == 2 ? "C001" : "C002");
-        host.duringCaution = [&] {
-            probe::Press(dialog, IDC_SUBMIT);
-            probe::Press(dialog, IDC_SUBMIT);
-            host.Answer(Told("meanwhile"));
-        };
-        probe::Press(dialog, IDC_SUBMIT);
-        EXPECT_EQ(host.requests.size(), requests);
-        EXPECT_TRUE(host.LastRequest().starts_with("add_sip_orders exchange=nse_cm ")) << host.LastRequest();
-        EXPECT_TRUE(host.LastRequest().ends_with(" cautionaryFlag=N orderSource=TWS")) << host.LastRequest();
-        EXPECT_EQ(boxes.Texts(), "meanwhile|");
-    }
-    EXPECT_EQ(host.CallsOf("pu_invoke_caution_order_confirmation"), 2);
 }
 
 TEST_F(Interrupt, KeysOfAMenuStayTheMenus) {
@@ -209,22 +167,6 @@ TEST_F(Interrupt, SubmitWorksUnderABoxOfAnotherWindow) {
     probe::Press(dialog, IDC_SUBMIT);
     EXPECT_EQ(boxes.Texts(), "Enter a Month.|You are not enabled on Planfold.|");
     EXPECT_EQ(host.requests.size(), 2u);
-}
-
-TEST_F(Interrupt, LeavingTheBoxBeforeTheDelayStartsNoSearch) {
-    HWND dialog = OpenOrderEntry();
-    SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
-    probe::SetEdit(dialog, IDC_CLIENT_SEARCH, "C00");
-    SetFocus(GetDlgItem(dialog, IDC_VALUE));
-    const DWORD start = GetTickCount();
-    probe::PumpUntil([&] { return ResultsShown() || GetTickCount() - start > 900; });
-    EXPECT_FALSE(ResultsShown());
-    // On return, also after the window moved, Enter searches; it does not submit.
-    SetFocus(GetDlgItem(dialog, IDC_CLIENT_SEARCH));
-    SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    probe::PostKey(VK_RETURN);
-    EXPECT_TRUE(probe::PumpUntil([&] { return ResultsShown(); }));
-    EXPECT_EQ(boxes.Texts(), "");
 }
 
 TEST_F(Interrupt, APickBringsUpAMinimisedWindowInTheHostsFont) {

@@ -50,8 +50,7 @@ TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
         SetFocus(stops.front());
         for (std::size_t i = 0; i < stops.size(); ++i) {
             EXPECT_EQ(GetDlgCtrlID(Focused()), GetDlgCtrlID(stops[i])) << "stop " << i;
-            probe::PostKey(VK_TAB);
-            probe::Pump();
+            probe::PressKey(VK_TAB);
         }
         EXPECT_EQ(Focused(), stops.front()) << "and around";
     }
@@ -70,7 +69,8 @@ TEST_F(Keyboard, KeysOfTheOpenCalendarStayInIt) {
         // After a calendar that was not closed by a click, not every system opens the next at the first one.
         ASSERT_TRUE(probe::PumpUntil([&] {
             if (IsWindowVisible(calendar())) return true;
-            probe::PostClick(picker, {client.right - 8, client.bottom / 2});
+            for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP})
+                PostMessageA(picker, message, 0, MAKELPARAM(client.right - 8, client.bottom / 2));
             return false;
         }));
         probe::PostKey(key);
@@ -105,8 +105,7 @@ TEST_F(Keyboard, KeysOfTheHostsOwnWindowsStayTheHosts) {
     SetFocus(edit);
     ASSERT_EQ(GetFocus(), edit);
     probe::PostKey(VK_ESCAPE);
-    probe::PostKey(VK_TAB);
-    probe::Pump();
+    probe::PressKey(VK_TAB);
     EXPECT_TRUE(IsWindow(dialog));
     EXPECT_EQ(GetFocus(), edit);
     DestroyWindow(edit);

@@ -43,10 +43,10 @@ std::vector<HWND> PluginTest::PluginWindows() const {
     return windows;
 }
 
-bool PluginTest::HasChildWithText(HWND dialog, std::string_view text) {
-    for (HWND child : probe::Children(dialog))
-        if (probe::Text(child) == text) return true;
-    return false;
+HWND PluginTest::Progress() {
+    for (HWND window : probe::TopWindows())
+        if (GetDlgItem(window, IDC_RUN_BAR)) return window;
+    return nullptr;
 }
 
 std::string PluginTest::SelectedAt(HWND dialog, int edit) {
@@ -54,18 +54,6 @@ std::string PluginTest::SelectedAt(HWND dialog, int edit) {
     const auto range = static_cast<DWORD>(SendMessageA(window, EM_GETSEL, 0, 0));
     return std::to_string(LOWORD(range)) + "-" + std::to_string(HIWORD(range))
            + (GetFocus() == window ? " focus" : "");
-}
-
-std::string PluginTest::HeadingAt(HWND list, int column) {
-    char text[64] = "";
-    LVCOLUMNA heading{};
-    heading.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-    heading.pszText = text;
-    heading.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&heading));
-    const int width = MulDiv(heading.cx, 96, static_cast<int>(GetDpiForWindow(list)));
-    const bool right = (heading.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
-    return text + (" " + std::to_string(width)) + (right ? " right|" : "|");
 }
 
 std::string PluginTest::MenuOf(HWND list, LPARAM at) {
@@ -90,12 +78,4 @@ SYSTEMTIME DaysFromNow(int days) {
     date.wMonth = static_cast<WORD>(local.tm_mon + 1);
     date.wDay = static_cast<WORD>(local.tm_mday);
     return date;
-}
-
-std::string WireDate(const SYSTEMTIME& date) {
-    std::tm midnight{};
-    midnight.tm_year = date.wYear - 1900;
-    midnight.tm_mon = date.wMonth - 1;
-    midnight.tm_mday = date.wDay;
-    return std::to_string(std::mktime(&midnight));
 }

@@ -36,14 +36,13 @@ protected:
     std::vector<HWND> PluginWindows() const;
     // What is selected of an edit, "0-3 focus" with the keyboard in it.
     static std::string SelectedAt(HWND dialog, int edit);
-    static bool HasChildWithText(HWND dialog, std::string_view text);
 
+    // The window of a long run; null while there is none.
+    static HWND Progress();
     static int Rows(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
     static int Next(HWND list, UINT flags, int from = -1) {
         return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(from), flags));
     }
-    // "Amount 50 right|", the width as at 96 DPI.
-    static std::string HeadingAt(HWND list, int column);
     // The row menu, once it is open.
     static std::string MenuOf(HWND list, LPARAM at = MAKELPARAM(60, 60));
 
@@ -56,5 +55,3 @@ protected:
 Fields Told(const char* text);
 // The date so many days from now.
 SYSTEMTIME DaysFromNow(int days);
-// Local midnight of the date in seconds since 1970.
-std::string WireDate(const SYSTEMTIME& date);
