@@ -31,6 +31,7 @@ constexpr bench::Ratio kRatios[] = {
     {"place-10000", "submit", 0, 0},
     {"place-10000", "place-1000", 0, 0},
     {"place-100000", "place-10000", 0, 0},
+    {"place-recorded-10000", "place-10000", 1.5, 1.2},
     {"answer-100000", "answer-1000", 0, 0},
 };
 

@@ -27,8 +27,12 @@ public:
 };
 
 struct Desk {
-    explicit Desk(std::uint32_t lines) : sample(lines) {
-        HostCallbacks& callbacks = host.session.host;
+    explicit Desk(std::uint32_t lines) : sample(lines) {}
+
+    // A new session: what one placed another would ask about.
+    void OpenHost(bool isRecorded) {
+        host = std::make_unique<SilentHost>(isRecorded ? static_cast<RecordFiles&>(onDisk) : noRecord);
+        HostCallbacks& callbacks = host->session.host;
         callbacks.pu_build_bskt_caution_order_map = [](InString, InString, InString, InString, InString,
                                                        InString, int) { return 1; };
         callbacks.pu_invoke_bskt_caution_order_confirmation = [] { return 1; };
@@ -57,9 +61,9 @@ struct Desk {
         Require(exported.size() == sample.text.size(), "writing rows");
     }
     void Place() {
-        BasketPlacing placing(host.pass, host.session, &host.control, store->rows, unanswered, "sample.csv", {},
-                              {store->list.begin(), store->list.end()});
-        while (placing.Step(host.pass)) {
+        BasketPlacing placing(host->pass, host->session, &host->control, store->rows, unanswered, "sample.csv",
+                              {}, {store->list.begin(), store->list.end()});
+        while (placing.Step(host->pass)) {
         }
         Require(placing.SentCount() == sample.lines, "placing");
     }
@@ -71,7 +75,9 @@ struct Desk {
         }
     }
 
-    SilentHost host;
+    NoRecord noRecord;
+    DiskRecord onDisk;
+    std::unique_ptr<SilentHost> host;
     UnansweredRows unanswered;
     SampleBasket sample;
     std::unique_ptr<Store> store;
@@ -84,10 +90,17 @@ std::vector<Case> BasketRowCases(std::uint32_t lines) {
     const auto desk = std::make_shared<Desk>(lines);
     const auto named = [&](const char* name) { return name + ("-" + std::to_string(lines)); };
     const auto fill = [=] { desk->Fill(); };
+    const auto open = [=](bool isRecorded) {
+        return [=] {
+            desk->Fill();
+            desk->OpenHost(isRecorded);
+        };
+    };
     return {
         {named("load-rows"), [=] { desk->Load(); }, lines, [=] { desk->Empty(); }},
         {named("export-rows"), [=] { desk->Export(); }, lines, fill},
-        {named("place"), [=] { desk->Place(); }, lines, fill},
+        {named("place"), [=] { desk->Place(); }, lines, open(false)},
+        {named("place-recorded"), [=] { desk->Place(); }, lines, open(true)},
         {named("answer"), [=] { desk->Answer(); }, lines, fill},
     };
 }

@@ -66,7 +66,7 @@ private:
     HeapStringManager m_strings;
     std::string m_loginId = "DEALER1", m_peerA = "BROKER", m_peerB = "BRANCH", m_active;
     NoRecord m_noRecord;
-    OrderRecord m_record{m_noRecord, {}};
+    OrderRecord m_record{m_noRecord, [] { return LocalDateTime{2027, 1, 31, 9, 15, 0}; }};
     Session m_session{[](const char*) -> AnyFunction { return nullptr; },
                       {m_loginId, m_peerA, m_peerB, m_active},
                       m_strings,

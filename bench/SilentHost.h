@@ -5,8 +5,11 @@
 #include "host/connectvesk/QmxHost.h"
 #include "plugin/messaging/Session.h"
 #include "plugin/record/OrderRecord.h"
+
 #include "sdk/HeapStringManager.h"
 #include "sdk/RxControl.h"
+#include <cstdio>
+#include <unistd.h>
 
 namespace bench {
 
@@ -51,9 +54,22 @@ struct NoRecord final : planfold::RecordFiles {
     bool Append(const planfold::LocalDateTime&, std::string_view, bool) override { return false; }
 };
 
+// One on this machine's disk, flushed as the plug-in wishes.
+struct DiskRecord final : planfold::RecordFiles {
+    DiskRecord() : file(std::tmpfile()) {}
+    ~DiskRecord() { std::fclose(file); }
+    bool HasFolder() const override { return true; }
+    std::optional<std::string> Read(const planfold::LocalDateTime&) override { return std::string(); }
+    bool Append(const planfold::LocalDateTime&, std::string_view lines, bool flush) override {
+        return std::fwrite(lines.data(), 1, lines.size(), file) == lines.size() && std::fflush(file) == 0
+               && (!flush || fdatasync(fileno(file)) == 0);
+    }
+    std::FILE* file;
+};
+
 // A dealer's session with it, the message's handles open.
 struct SilentHost {
-    SilentHost() {
+    explicit SilentHost(planfold::RecordFiles& itsFiles) : files(itsFiles) {
         session.host.pu_get_uuid = [](OutString) { return 1; };
         session.m_nSipOperationMode = 1;
         session.OpenHandles(pass, notices);
@@ -69,8 +85,8 @@ struct SilentHost {
     }();
     HeapStringManager strings;
     std::string loginId = "DEALER1", peerA = "BROKER", peerB = "BRANCH", active;
-    NoRecord noRecord;
-    planfold::OrderRecord record{noRecord, {}};
+    planfold::RecordFiles& files;
+    planfold::OrderRecord record{files, [] { return planfold::LocalDateTime{2027, 1, 31, 9, 15, 0}; }};
     planfold::Session session{[](const char*) -> planfold::AnyFunction { return nullptr; },
                               {loginId, peerA, peerB, active},
                               strings,

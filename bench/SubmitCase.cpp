@@ -42,7 +42,8 @@ public:
     }
 
 private:
-    SilentHost m_host;
+    NoRecord m_noRecord;
+    SilentHost m_host{m_noRecord};
     SipOrderForm m_form;
 };
 

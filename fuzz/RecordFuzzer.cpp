@@ -38,14 +38,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         RecordReader again(line);
         const auto back = again.Next();
         Demand(back && AreSame(*texts, *back) && !again.Next());
-        ledger.Take(*texts);
-        Demand(!ledger.Find(*texts)
-               || ledger.Find(*texts)->Text(RecordField::event) == (*texts)[RecordField::event]);
+        const OrderPlace place = ledger.Take(*texts);
+        Demand(place == kNoOrder
+               || (ledger[place].Text(RecordField::event) == (*texts)[RecordField::event]
+                   && ledger.Find(*texts) == place));
+        for (const OrderPlace like : ledger.Like(*texts))
+            Demand(AskedForKey(ledger[like].Texts()) == AskedForKey(*texts));
     }
     Demand(events + reader.UnreadLines() <= static_cast<std::size_t>(std::ranges::count(file, '\n')) + 1);
     std::size_t orders = 0;
     for (std::size_t i = 0; i < static_cast<std::size_t>(OrderState::count); ++i)
         orders += ledger.Count(static_cast<OrderState>(i));
     Demand(orders == ledger.Orders().size());
+    const OrderLedger open = ledger.Open();
+    for (const OrderState state : {OrderState::sent, OrderState::inDoubt})
+        Demand(open.Count(state) == ledger.Count(state));
+    Demand(open.Orders().size() == open.Count(OrderState::sent) + open.Count(OrderState::inDoubt));
     return 0;
 }

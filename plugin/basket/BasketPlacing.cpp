@@ -73,7 +73,7 @@ void BasketPlacing::AskHost(Pass pass) {
 
 // All of a portion is on the disk, at once, before the first of it goes out.
 void BasketPlacing::PreparePortion(Pass pass) {
-    constexpr std::size_t most = 50;
+    constexpr std::size_t most = 250;
     std::vector<Prepared> portion(std::min(most, m_placed.size() - m_next));
     std::vector<RecordedOrder> recorded;
     for (std::size_t i = 0; i < portion.size(); ++i) {

@@ -58,10 +58,17 @@ std::string NameOfOrder(const RecordTexts& texts) {
 } // namespace
 
 std::uint64_t AskedForKey(const RecordTexts& order) {
-    return std::hash<std::string>()(AskedFor(order));
+    std::uint64_t key = 0;
+    for (const RecordField field : kAskedFor)
+        key = (key ^ std::hash<std::string_view>()(order[field])) * 0x9E37'79B9'7F4A'7C15u;
+    return key;
 }
 
-RecordedOrder::RecordedOrder(const RecordTexts& texts) : m_sentText(texts[RecordField::text]) {
+RecordedOrder::RecordedOrder(const RecordTexts& texts) {
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < kRecordFieldCount; ++i)
+        length += texts[static_cast<RecordField>(i)].size();
+    m_texts.reserve(length);
     for (std::size_t i = 0; i < kRecordFieldCount; ++i) {
         m_texts.append(texts[static_cast<RecordField>(i)]);
         m_ends[i] = static_cast<std::uint32_t>(m_texts.size());
@@ -91,7 +98,7 @@ void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
     anew.m_alikeBefore = m_alikeBefore;
     if (state != OrderState::sent) {
         anew.m_sentAt = m_sentAt;
-        anew.m_sentText = std::move(m_sentText);
+        anew.m_sentText = SentText();
     }
     *this = std::move(anew);
 }
@@ -99,7 +106,8 @@ void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
 OrderPlace OrderLedger::Take(const RecordTexts& event) {
     const auto kind = EventNamed(event[RecordField::event]);
     if (!kind) return kNoOrder;
-    const OrderPlace known = Find(event);
+    std::string name = NameOfOrder(event);
+    const OrderPlace known = Named(name);
     if (*kind != OrderEvent::sending) {
         if (known != kNoOrder) SetState(m_orders[known], event, StateBy(*kind));
         return known;
@@ -109,7 +117,7 @@ OrderPlace OrderLedger::Take(const RecordTexts& event) {
     const bool again = known != kNoOrder && !event[RecordField::orderId].empty()
                        && !MayStand(m_orders[known].State())
                        && AskedFor(m_orders[known].Texts()) == AskedFor(event);
-    if (!again) return Enter(event);
+    if (!again) return Enter(std::move(name), event);
     SetState(m_orders[known], event, OrderState::sent);
     return known;
 }
@@ -119,9 +127,9 @@ void OrderLedger::Take(OrderPlace place, const RecordTexts& event) {
         SetState(m_orders[place], event, StateBy(*kind));
 }
 
-OrderPlace OrderLedger::Enter(const RecordTexts& sending) {
+OrderPlace OrderLedger::Enter(std::string name, const RecordTexts& sending) {
     const auto place = static_cast<OrderPlace>(m_orders.size());
-    m_places.insert_or_assign(NameOfOrder(sending), place);
+    m_places.insert_or_assign(std::move(name), place);
     RecordedOrder& order = m_orders.emplace_back(sending);
     ++m_counts[static_cast<std::size_t>(OrderState::sent)];
     if (order.ChangesRegistration()) return place;
@@ -137,7 +145,11 @@ void OrderLedger::SetState(RecordedOrder& order, const RecordTexts& event, Order
 }
 
 OrderPlace OrderLedger::Find(const RecordTexts& texts) const {
-    const auto found = m_places.find(NameOfOrder(texts));
+    return Named(NameOfOrder(texts));
+}
+
+OrderPlace OrderLedger::Named(const std::string& name) const {
+    const auto found = m_places.find(name);
     return found == m_places.end() ? kNoOrder : found->second;
 }
 
@@ -163,7 +175,7 @@ OrderLedger OrderLedger::Open() const {
         RecordTexts texts = order.Texts();
         texts[RecordField::time] = order.SentAt();
         texts[RecordField::text] = order.SentText();
-        const OrderPlace place = open.Enter(texts);
+        const OrderPlace place = open.Enter(NameOfOrder(texts), texts);
         open.SetState(open.m_orders[place], order.Texts(), order.State());
     }
     return open;

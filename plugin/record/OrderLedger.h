@@ -51,7 +51,9 @@ public:
     std::string_view Text(RecordField field) const;
     RecordTexts Texts() const;
     // The text of its sending: its request's name, and behind ": " what no other field says.
-    std::string_view SentText() const { return m_sentText; }
+    std::string_view SentText() const {
+        return m_state == OrderState::sent ? Text(RecordField::text) : m_sentText;
+    }
     // When it was sent last: "2027-03-05 14:02:03", local.
     std::string_view SentAt() const { return {m_sentAt.data(), m_sentAt.size()}; }
     // False: it places a new order.
@@ -61,8 +63,8 @@ private:
     friend class OrderLedger;
     void Take(const RecordTexts& event, OrderState state);
 
-    std::string m_texts; // one after another
-    std::string m_sentText;
+    std::string m_texts;    // one after another
+    std::string m_sentText; // once another event's text has taken its place
     std::array<std::uint32_t, kRecordFieldCount> m_ends{};
     OrderPlace m_alikeBefore = kNoOrder;
     std::array<char, 19> m_sentAt{};
@@ -96,7 +98,8 @@ public:
     OrderLedger Open() const;
 
 private:
-    OrderPlace Enter(const RecordTexts& sending);
+    OrderPlace Enter(std::string name, const RecordTexts& sending);
+    OrderPlace Named(const std::string& name) const;
     void SetState(RecordedOrder& order, const RecordTexts& event, OrderState state);
 
     std::deque<RecordedOrder> m_orders;

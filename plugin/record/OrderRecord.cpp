@@ -158,7 +158,8 @@ void OrderRecord::Note(OrderPlace place, OrderEvent event, std::string_view text
 
 bool OrderRecord::WriteLines(const LocalDateTime& now, std::string_view lines, bool flush) {
     if (!m_files.HasFolder()) return false;
-    const std::string all = m_unwritten + std::string(lines);
+    const std::string joined = m_unwritten.empty() ? std::string() : m_unwritten + std::string(lines);
+    const std::string_view all = joined.empty() ? lines : std::string_view(joined);
     if (all.empty()) return true;
     if (!m_files.Append(now, all, flush)) return false;
     m_unwritten.clear();

@@ -24,6 +24,14 @@ constexpr std::string_view kSeparators = ",;\t";
 // A longer line is nobody's: what follows its last column is not looked at.
 constexpr std::size_t kMostFields = 255;
 
+// What a field cannot hold as it stands.
+constexpr auto kSpecial = [] {
+    std::array<bool, 256> special{};
+    for (const char c : {',', ';', '\t', '"', '\n', '\r', '\0'})
+        special[static_cast<unsigned char>(c)] = true;
+    return special;
+}();
+
 bool IsDisarmed(std::string_view text) {
     return text.size() > 1 && text[0] == '\'' && kArming.find(text[1]) != kArming.npos;
 }
@@ -55,6 +63,11 @@ void AppendRecordLine(const RecordTexts& texts, std::string& csv) {
         const std::string_view text = texts[static_cast<RecordField>(i)];
         if (i > 0) csv += ',';
         const bool disarm = !text.empty() && kArming.find(text[0]) != kArming.npos;
+        const auto isSpecial = [](char c) { return kSpecial[static_cast<unsigned char>(c)]; };
+        if (!disarm && std::ranges::none_of(text, isSpecial)) {
+            csv.append(text);
+            continue;
+        }
         const bool quote = text.find_first_of(",;\t\"") != text.npos;
         if (quote) csv += '"';
         if (disarm) csv += '\'';

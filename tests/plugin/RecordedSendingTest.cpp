@@ -80,8 +80,8 @@ TEST_F(BasketStage, APlacingIsRecordedInPortionsAndStoppedRowsAreTold) {
         *identifier = std::to_string(++given);
         return 1;
     };
-    Load(Lines(120));
-    host.cautionOfRow = {{1, 0}}; // C119 is held back
+    Load(Lines(320));
+    host.cautionOfRow = {{1, 0}}; // C319 is held back
     host.onRequest = [&] {
         // The row that goes out is among those on the disk.
         const auto sent = static_cast<std::size_t>(last++);
@@ -94,17 +94,17 @@ TEST_F(BasketStage, APlacingIsRecordedInPortionsAndStoppedRowsAreTold) {
     basket.Runs().Place();
     Run();
     const Texts events = Taken(host.recordFiles);
-    EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("sending"); }), 99);
-    EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("not_sent"); }), 28);
-    EXPECT_EQ(view.list.rows.size(), 49u) << "those that were sent were removed";
-    EXPECT_EQ(host.recordFiles.appends, 2 + 28);
+    EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("sending"); }), 249);
+    EXPECT_EQ(std::ranges::count_if(events, [](auto& text) { return text.starts_with("not_sent"); }), 178);
+    EXPECT_EQ(view.list.rows.size(), 249u) << "those that were sent were removed";
+    EXPECT_EQ(host.recordFiles.appends, 1 + 178);
 
     // The answers find their orders all the same.
-    Answer("echoedRequest=add_sip_orders echoedNumber=120 userText=ok account=C120 registrationNumber=SIP1");
-    Answer("echoedRequest=add_sip_orders echoedNumber=118 userText=no errorCode=104");
-    Answer("echoedRequest=add_sip_orders echoedNumber=119 userText=stray");
+    Answer("echoedRequest=add_sip_orders echoedNumber=320 userText=ok account=C320 registrationNumber=SIP1");
+    Answer("echoedRequest=add_sip_orders echoedNumber=318 userText=no errorCode=104");
+    Answer("echoedRequest=add_sip_orders echoedNumber=319 userText=stray");
     EXPECT_EQ(Taken(host.recordFiles),
-              (Texts{"registered C120 SIP1 ok", "refused C118 Refused: no (code 104)."}));
+              (Texts{"registered C320 SIP1 ok", "refused C318 Refused: no (code 104)."}));
 }
 
 TEST_F(BasketStage, WithoutARecordNothingIsPlacedUnlessTheDealerSaysSo) {
@@ -126,12 +126,12 @@ TEST_F(BasketStage, WithoutARecordNothingIsPlacedUnlessTheDealerSaysSo) {
 
 TEST_F(BasketStage, ARecordThatFailsAfterItsFirstPortionIsAskedAboutAsWell) {
     Open();
-    Load(Lines(120));
+    Load(Lines(320));
     host.onRequest = [&] { host.recordFiles.writable = false; };
     view.duringQuestion = [&] { view.duringQuestion = [&] { view.yes = false; }; };
     basket.Runs().Place();
     Run();
-    EXPECT_EQ(host.requests.size(), 50u);
+    EXPECT_EQ(host.requests.size(), 250u);
     ASSERT_EQ(view.questions.size(), 3u);
     EXPECT_TRUE(view.questions[1].starts_with("The record")) << view.questions[1];
 }
