@@ -108,6 +108,8 @@ TEST(RecordLine, IsReadWhateverASpreadsheetMadeOfTheFile) {
         {heading + "\nt,sending,o1,,,,,C1,,,,,,,,,x\n", "o1 C1 x;", 0},
         {"\xEF\xBB\xBF" + heading + "\r\nt,sending,o1,,,,,C1\r\n", "o1 C1 ;", 0}, // empty columns dropped
         {"time;event;client;order_id;text\nt;sending;\"C;1\";o1;\"\"\"=x\"\n", "o1 C;1 \"=x;", 0},
+        {"time;event;client;order_id;text\nt;sending;C1;o1;x\n2027-03-05 14:02:03,sending,o2,,,,,C2,,,,,,,,,\n",
+         "o1 C1 x;o2 C2 ;", 0}, // and appended to
         {"\"time\"\t\"event\"\t\"order_id\"\nt\tsending\to1\n", "o1  ;", 0},
         {"time,event,other,client,order_id\nt,sending,z,C1,o1\nt,sendin,z,C1,o1\n", "o1 C1 ;", 1},
         {heading + "\nt,sending,o1,\"torn\r\n" + heading + "\nt,absent,o2,,,,,C2,,,,,,,,,\n", "o2 C2 ;", 1},
