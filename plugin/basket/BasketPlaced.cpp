@@ -60,13 +60,14 @@ bool BasketRuns::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed wh
     return choice != Choice::cancel && !placed.empty();
 }
 
-// What was agreed to be sent again is not asked about twice.
+// What was agreed to be sent again is not asked about twice. About what was refused nothing has been asked.
 bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which) {
     DuplicateGuard guard(m_session);
     StartDates dates;
     std::set<RecordId> like;
     for (auto row = placed.rbegin(); row != placed.rend(); ++row)
-        if (!m_rows.IsSent(row->record) && guard.IsLike(AskedForBy(m_rows[row->record].Texts(), dates)))
+        if ((which == Placed::refused || !m_rows.IsSent(row->record))
+            && guard.IsLike(AskedForBy(m_rows[row->record].Texts(), dates)))
             like.insert(row->record);
     if (like.empty()) return true;
     const std::size_t rows = placed.size();
@@ -116,7 +117,8 @@ OrderPlace BasketRuns::TakeAnswered(const Answer& answer) {
             sent != m_unanswered.end()) {
             const OrderPlace place = sent->second;
             const RecordedOrder& order = m_session.record.Ledger()[place];
-            if (orderId.empty() || order.Text(RecordField::orderId) == orderId) {
+            const std::string_view sentId = order.Text(RecordField::orderId);
+            if (orderId.empty() || sentId.empty() || sentId == orderId) {
                 m_unanswered.erase(sent);
                 return place;
             }

@@ -50,6 +50,8 @@ bool BookComparison::Begin() {
         m_notBefore = std::max(m_notBefore, SecondsOf(order.SentAt()) + OrderRecord::kPatience);
     }
     if (m_orders.empty()) return false;
+    // Also where the clock was set back since.
+    m_notBefore = std::min(m_notBefore, m_session.record.Now() + OrderRecord::kPatience);
     m_phase = Phase::waiting;
     return true;
 }
@@ -103,15 +105,16 @@ void BookComparison::SettleChanges(const BookRow& row) {
 }
 
 void BookComparison::End(std::string fault) {
+    m_session.record.Refresh(); // another terminal may know more by now
     const OrderLedger& ledger = m_session.record.Ledger();
     for (const OrderPlace place : m_orders) {
         const RecordedOrder& order = ledger[place];
         if (order.State() == OrderState::done) ++m_outcome.found;
         if (order.State() != OrderState::inDoubt) continue;
-        // Of a registration that is not listed the book tells nothing.
+        // Of a registration that is not listed the book tells nothing, nor of orders with one identifier.
         const bool isListed = !order.ChangesRegistration()
                               || m_listed.contains(std::string(order.Text(RecordField::registration)));
-        if (!fault.empty() || !isListed) {
+        if (!fault.empty() || !isListed || !ledger.IsUnmistakable(place)) {
             ++m_outcome.inDoubt;
             continue;
         }

@@ -2,6 +2,7 @@
 
 #include "plugin/base/Text.h"
 #include "plugin/orderbook/BookRequests.h"
+#include "sdk/Tags.h"
 
 #include <map>
 #include <utility>
@@ -22,6 +23,11 @@ std::string TimeOf(std::string_view sentAt, std::string_view today) {
 
 } // namespace
 
+const AnswerHandler<Doubts> Doubts::kAnswers[] = {
+    {kGetSipOrders, &Doubts::HandleListed, OnError::logAndHandle},
+    {kCancelSipOrder, &Doubts::HandleCancelled, OnError::logAndHandle},
+};
+
 Doubts::Doubts(Session& session, DoubtsView& view, std::function<RxControl*()> control)
     : m_session(session), m_view(view), m_control(control), m_comparison(session, std::move(control)) {
     m_session.record.AddListener(*this);
@@ -32,7 +38,7 @@ void Doubts::OnRegisteredTwice(OrderPlace place, std::string_view second) {
 }
 
 void Doubts::OnResponse(void* message) {
-    if (!m_session.Ended()) m_comparison.OnResponse(Answer(message));
+    if (!m_session.Ended()) Dispatch<Doubts>(*this, m_session, kAnswers, Answer(message));
 }
 
 void Doubts::Compare() {
@@ -40,12 +46,13 @@ void Doubts::Compare() {
 }
 
 void Doubts::OnTime() {
-    if (m_session.Ended() || !m_isPicked || m_asking) return;
+    if (m_session.Ended() || !m_isPicked) return;
     const std::size_t before = m_session.record.Ledger().Count(OrderState::inDoubt);
     m_session.record.OnTime();
     if (const std::size_t now = m_session.record.Ledger().Count(OrderState::inDoubt); now > before)
         m_session.LogLast(Counted(now - before, "request") + " in doubt: no answer came within 30 seconds");
-    if (!m_session.life.Across([&](Pass pass) { m_comparison.OnTime(pass, m_view); })) return;
+    // Under a question it goes on: orders do as well.
+    if (!m_session.life.Across([&](Pass pass) { m_comparison.OnTime(pass, m_view); }) || m_asking) return;
     if (auto outcome = m_comparison.TakeOutcome()) m_outcome = std::move(outcome);
     const bool tellsStart = !m_isTold && KnowsStart();
     if ((!tellsStart && m_twice.empty() && !m_outcome) || !m_view.MayAsk()) return;
@@ -127,16 +134,28 @@ void Doubts::Cancel(const std::string& number) {
     if (!orderId) return;
     const RecordedOrder recorded =
         RecordedChange(m_session, kCancelSipOrder, number, {}, {}, orderId->value_or(""));
-    const auto places = m_session.record.Sending({&recorded, 1});
-    const OrderPlace place = (places ? *places : m_session.record.SendingUnwritten({&recorded, 1})).front();
+    auto places = m_session.record.Sending({&recorded, 1});
+    if (!places) {
+        if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) != Reply::yes)
+            return;
+        places = m_session.record.SendingUnwritten({&recorded, 1});
+    }
     sOrderinfo record;
     OrderChanges key;
     key[OrderField::registrationNumber] = number;
     record.Apply(key);
     Lifetime::Last([&](Pass pass) {
         if (!SendCancelSipOrder(pass, m_session, m_control(), m_view, record, *orderId))
-            m_session.record.Tell(place, OrderEvent::notSent, {});
+            m_session.record.Tell(places->front(), OrderEvent::notSent, {});
     });
+}
+
+void Doubts::HandleCancelled(const Answer& answer) {
+    const std::string number = ChangedNumber(answer);
+    RecordChanged(m_session, kCancelSipOrder, number, OrderEvent::cancelled, answer);
+    const std::string text = FieldText(answer.message, tag::userText);
+    m_view.ShowLast(answer.hasError ? number + " is not cancelled. " + DescribeRefusal(text, answer.errorCode)
+                                    : number + " Order Cancelled ");
 }
 
 void Doubts::TellOutcome() {

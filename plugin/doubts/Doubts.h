@@ -49,7 +49,11 @@ private:
     std::string DescribeDoubts() const;
     void AskAboutTwice();
     void Cancel(const std::string& number);
+    void HandleListed(const Answer& answer) { m_comparison.OnResponse(answer); }
+    void HandleCancelled(const Answer& answer);
     void TellOutcome();
+
+    static const AnswerHandler<Doubts> kAnswers[];
 
     Session& m_session;
     DoubtsView& m_view;

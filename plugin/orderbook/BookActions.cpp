@@ -268,9 +268,7 @@ void BookActions::EndRun() {
 }
 
 void BookActions::RecordAnswer(const Answer& answer, std::string_view request, OrderEvent event) {
-    std::string number = FieldText(answer.message, tag::registrationNumber);
-    if (number.empty()) number = FieldText(answer.message, tag::echoedNumber);
-    RecordChanged(m_session, request, number, event, answer);
+    RecordChanged(m_session, request, ChangedNumber(answer), event, answer);
 }
 
 void BookActions::HandleCancelled(const Answer& answer) {

@@ -25,6 +25,10 @@ public:
     };
 
     void Sent(SentOrder order);
+    // It was not sent after all.
+    void Withdraw(OrderPlace place) {
+        std::erase_if(m_waiting, [&](const SentOrder& sent) { return sent.place == place; });
+    }
     // An answer's order is the one that it names by its identifier; without it, the oldest one of its client
     // that can still be waited for, and of any when it names none. It is given back; none when nothing waits.
     std::optional<SentOrder> Accepted(OrderPlace named, std::string_view client, std::int64_t now) {

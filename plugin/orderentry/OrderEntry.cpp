@@ -184,9 +184,10 @@ void OrderEntry::Send(Pass pass, const Agreed& agreed, Outcome& outcome) {
         // The log is the host's, and may let another registration into the form.
         if (outcome.sent && isThere) m_modifying->Sent(record);
     } else {
-        // What was sent is kept whatever has become of the window.
+        // What was sent is kept whatever has become of the window; the host's log may let its answer in.
+        m_kept.Sent({form, place, now});
         outcome.sent = SendAddSipOrders(pass, m_session, m_control, notice, record, orderId, form.exchange);
-        if (outcome.sent) m_kept.Sent({form, place, now});
+        if (!outcome.sent) m_kept.Withdraw(place);
         if (!notice.text.empty()) m_kept.NotSent(form, notice.text);
     }
     if (!outcome.sent) m_session.record.Tell(place, OrderEvent::notSent, notice.text);
@@ -224,8 +225,9 @@ void OrderEntry::HandlePlaced(const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
     const OrderPlace named = PlaceOf(m_session, answer);
     if (!answer.hasError) {
-        if (const auto order = m_kept.Accepted(named, client, now))
-            RecordOutcome(m_session, order->place, OrderEvent::registered, answer);
+        const auto order = m_kept.Accepted(named, client, now);
+        // Also what the form no longer waits for: a late answer still is one.
+        RecordOutcome(m_session, order ? order->place : named, OrderEvent::registered, answer);
         return Lifetime::Last([&](Pass pass) { ShowUserText(pass, answer); });
     }
     if (const auto order = m_kept.Refused(named, client, text, answer.errorCode, now))

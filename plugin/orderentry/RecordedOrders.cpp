@@ -40,6 +40,11 @@ void RecordChanged(const Session& session, std::string_view request, std::string
     RecordOutcome(session, session.record.Ledger().Find(named.Texts()), done, answer);
 }
 
+std::string ChangedNumber(const Answer& answer) {
+    const std::string number = FieldText(answer.message, tag::registrationNumber);
+    return number.empty() ? FieldText(answer.message, tag::echoedNumber) : number;
+}
+
 OrderPlace PlaceOf(const Session& session, const Answer& answer) {
     const std::string orderId = FieldText(answer.message, tag::orderId);
     if (orderId.empty()) return kNoOrder;

@@ -43,6 +43,8 @@ void RecordOutcome(const Session& session, OrderPlace place, OrderEvent done, co
 // The same of a change, which is known by its request and the registration.
 void RecordChanged(const Session& session, std::string_view request, std::string_view registration,
                    OrderEvent done, const Answer& answer);
+// The registration that the answer to a change names; empty when it names none.
+std::string ChangedNumber(const Answer& answer);
 // The order whose identifier the answer carries; kNoOrder without one.
 OrderPlace PlaceOf(const Session& session, const Answer& answer);
 

@@ -51,8 +51,7 @@ std::string NameOfOrder(const RecordTexts& texts) {
     const std::string_view registration = texts[RecordField::registration];
     if (texts[RecordField::frequency].empty() && !registration.empty())
         return std::string(registration).append("\n").append(RequestOf(texts[RecordField::text]));
-    if (const std::string_view id = texts[RecordField::orderId]; !id.empty()) return std::string(id);
-    return AskedFor(texts);
+    return std::string(texts[RecordField::orderId]).append("\n").append(AskedFor(texts));
 }
 
 } // namespace
@@ -69,6 +68,7 @@ RecordedOrder::RecordedOrder(const RecordTexts& texts) {
     for (std::size_t i = 0; i < kRecordFieldCount; ++i)
         length += texts[static_cast<RecordField>(i)].size();
     m_texts.reserve(length);
+    m_sentAt.fill(' ');
     for (std::size_t i = 0; i < kRecordFieldCount; ++i) {
         m_texts.append(texts[static_cast<RecordField>(i)]);
         m_ends[i] = static_cast<std::uint32_t>(m_texts.size());
@@ -133,19 +133,43 @@ OrderPlace OrderLedger::Enter(std::string name, const RecordTexts& sending) {
     RecordedOrder& order = m_orders.emplace_back(sending);
     ++m_counts[static_cast<std::size_t>(OrderState::sent)];
     if (order.ChangesRegistration()) return place;
+    if (const std::string_view id = sending[RecordField::orderId]; !id.empty())
+        if (const auto [only, isOnly] = m_byId.try_emplace(std::string(id), place); !isOnly)
+            only->second = kNoOrder;
     const auto [latest, isFirst] = m_alike.try_emplace(AskedForKey(sending), place);
     if (!isFirst) order.m_alikeBefore = std::exchange(latest->second, place);
     return place;
 }
 
 void OrderLedger::SetState(RecordedOrder& order, const RecordTexts& event, OrderState state) {
+    // Another terminal may tell of a doubt after the answer has ended it.
+    if ((state == OrderState::inDoubt || state == OrderState::absent) && !IsOpen(order.State())) return;
     --m_counts[static_cast<std::size_t>(order.State())];
     order.Take(event, state);
     ++m_counts[static_cast<std::size_t>(state)];
 }
 
 OrderPlace OrderLedger::Find(const RecordTexts& texts) const {
-    return Named(NameOfOrder(texts));
+    if (const OrderPlace place = Named(NameOfOrder(texts)); place != kNoOrder) return place;
+    const auto named = m_byId.find(std::string(texts[RecordField::orderId]));
+    return named == m_byId.end() ? kNoOrder : named->second;
+}
+
+bool OrderLedger::IsUnmistakable(OrderPlace place) const {
+    const auto named = m_byId.find(std::string(m_orders[place].Text(RecordField::orderId)));
+    return named == m_byId.end() || named->second != kNoOrder;
+}
+
+bool OrderLedger::Knows(const RecordTexts& event) const {
+    if (event[RecordField::event] != NameOf(OrderEvent::sending) || event[RecordField::orderId].empty())
+        return false;
+    const OrderPlace place = Find(event);
+    if (place == kNoOrder) return false;
+    const RecordedOrder& order = m_orders[place];
+    return order.SentAt() == event[RecordField::time] && order.SentText() == event[RecordField::text]
+           && order.Text(RecordField::source) == event[RecordField::source]
+           && order.Text(RecordField::line) == event[RecordField::line]
+           && AskedFor(order.Texts()) == AskedFor(event);
 }
 
 OrderPlace OrderLedger::Named(const std::string& name) const {

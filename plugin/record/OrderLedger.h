@@ -82,7 +82,11 @@ public:
     // In the order in which they were sent first.
     const std::deque<RecordedOrder>& Orders() const { return m_orders; }
     const RecordedOrder& operator[](OrderPlace place) const { return m_orders[place]; }
-    // The one that an event with these texts belongs to.
+    // Whether it is the sending of an order that was entered by this very line.
+    bool Knows(const RecordTexts& event) const;
+    // False: its identifier is another order's as well, which some hosts give.
+    bool IsUnmistakable(OrderPlace place) const;
+    // The one that an event with these texts belongs to. An identifier alone is enough while one order has it.
     OrderPlace Find(const RecordTexts& texts) const;
     std::size_t Count(OrderState state) const { return m_counts[static_cast<std::size_t>(state)]; }
     // Whether the server may still tell something of one.
@@ -104,6 +108,7 @@ private:
 
     std::deque<RecordedOrder> m_orders;
     std::unordered_map<std::string, OrderPlace> m_places;
+    std::unordered_map<std::string, OrderPlace> m_byId;    // kNoOrder where several have it
     std::unordered_map<std::uint64_t, OrderPlace> m_alike; // the latest, by what they ask for
     std::array<std::size_t, static_cast<std::size_t>(OrderState::count)> m_counts{};
 };

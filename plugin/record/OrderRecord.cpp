@@ -50,8 +50,10 @@ const OrderLedger& OrderRecord::Ledger() {
 void OrderRecord::ReadDays() {
     if (std::exchange(m_isRead, true)) return;
     const LocalDateTime now = m_now();
+    // Counted from noon: a day may have an hour more or less.
+    const std::int64_t noon = ToSeconds({now.year, now.month, now.day, 12});
     for (int back = kDaysBack; back > 0 && m_files.HasFolder(); --back) {
-        const auto text = m_files.Read(ToLocal(ToSeconds(now.Midnight()) - back * kSecondsPerDay));
+        const auto text = m_files.Read(ToLocal(noon - back * kSecondsPerDay));
         if (!text) continue;
         TakeAll(*text);
         m_ledger = m_ledger.Open();
@@ -70,7 +72,9 @@ void OrderRecord::ReadDays() {
 void OrderRecord::TakeAll(std::string_view lines) {
     RecordReader reader(lines);
     while (const auto event = reader.Next())
-        if (const OrderPlace place = m_ledger.Take(*event); place != kNoOrder && !m_listeners.empty())
+        // A line stands there twice when its first writing failed in the middle, or the file was edited.
+        if (const OrderPlace place = m_ledger.Knows(*event) ? kNoOrder : m_ledger.Take(*event);
+            place != kNoOrder && !m_listeners.empty())
             TellListeners(place);
 }
 
@@ -92,11 +96,11 @@ void OrderRecord::ReadOn() {
     const std::string_view news = std::string_view(*text).substr(m_readTo, text->rfind('\n') + 1 - m_readTo);
     std::string others;
     EachLine(news, [&](std::string_view line) {
-        const auto own = std::ranges::find(m_ownLines, HashOf(line));
-        if (own == m_ownLines.end())
+        const std::size_t hash = HashOf(line);
+        if (m_ownLines.Of(hash) == 0)
             others.append(line);
         else
-            m_ownLines.erase(m_ownLines.begin(), own + 1);
+            m_ownLines.Decrement(hash);
     });
     m_readTo += news.size();
     TakeAll(others);
@@ -107,6 +111,19 @@ std::optional<std::vector<OrderPlace>> OrderRecord::Sending(std::span<const Reco
     const LocalDateTime now = m_now();
     if (!m_files.HasFolder()) return Enter(orders, now);
     std::string lines;
+    AppendSending(orders, now, lines);
+    if (!WriteLines(now, lines, true)) return std::nullopt;
+    return Enter(orders, now);
+}
+
+std::vector<OrderPlace> OrderRecord::SendingUnwritten(std::span<const RecordedOrder> orders) {
+    const LocalDateTime now = m_now();
+    if (m_files.HasFolder()) AppendSending(orders, now, m_unwritten);
+    return Enter(orders, now);
+}
+
+void OrderRecord::AppendSending(std::span<const RecordedOrder> orders, const LocalDateTime& now,
+                                std::string& lines) const {
     const std::string time = TimeText(now);
     for (const RecordedOrder& order : orders) {
         RecordTexts texts = order.Texts();
@@ -114,12 +131,6 @@ std::optional<std::vector<OrderPlace>> OrderRecord::Sending(std::span<const Reco
         texts[RecordField::event] = NameOf(OrderEvent::sending);
         AppendRecordLine(texts, lines);
     }
-    if (!WriteLines(now, lines, true)) return std::nullopt;
-    return Enter(orders, now);
-}
-
-std::vector<OrderPlace> OrderRecord::SendingUnwritten(std::span<const RecordedOrder> orders) {
-    return Enter(orders, m_now());
 }
 
 std::vector<OrderPlace> OrderRecord::Enter(std::span<const RecordedOrder> orders, const LocalDateTime& now) {
@@ -158,12 +169,18 @@ void OrderRecord::Note(OrderPlace place, OrderEvent event, std::string_view text
 
 bool OrderRecord::WriteLines(const LocalDateTime& now, std::string_view lines, bool flush) {
     if (!m_files.HasFolder()) return false;
+    if (lines.empty() && !flush && now == m_failedAt) return false;
     const std::string joined = m_unwritten.empty() ? std::string() : m_unwritten + std::string(lines);
     const std::string_view all = joined.empty() ? lines : std::string_view(joined);
     if (all.empty()) return true;
-    if (!m_files.Append(now, all, flush)) return false;
+    // Also after a failure a part of it may be there.
+    EachLine(all, [&](std::string_view line) { m_ownLines.Increment(HashOf(line)); });
+    if (!m_files.Append(now, all, flush)) {
+        m_failedAt = now;
+        return false;
+    }
+    m_failedAt = {};
     m_unwritten.clear();
-    EachLine(all, [&](std::string_view line) { m_ownLines.push_back(HashOf(line)); });
     return true;
 }
 
@@ -193,7 +210,7 @@ bool OrderRecord::AwaitsRows() {
 // this registration.
 OrderPlace OrderRecord::OrderOf(const BookRow& row) const {
     if (!row.orderId.empty()) {
-        RecordTexts texts;
+        RecordTexts texts = row.asked;
         texts[RecordField::orderId] = row.orderId;
         return m_ledger.Find(texts);
     }
@@ -218,7 +235,8 @@ void OrderRecord::OnRow(const BookRow& row) {
         const bool waited = order.State() == OrderState::sent || order.State() == OrderState::done;
         Tell(place, waited ? OrderEvent::registered : OrderEvent::found,
              row.orderId.empty() ? "Found in the book by what it is for." : "", row.registration);
-    } else if (number != row.registration && row.isLive && m_toldTwice.emplace(row.registration).second) {
+    } else if (number != row.registration && row.isLive && m_ledger.IsUnmistakable(place)
+               && m_toldTwice.emplace(row.registration).second) {
         for (RecordListener* listener : m_listeners)
             listener->OnRegisteredTwice(place, row.registration);
     }
@@ -228,6 +246,9 @@ void OrderRecord::OnTime() {
     const std::int64_t now = ToSeconds(m_now());
     std::vector<OrderPlace> late;
     bool isFresh = false;
+    // A clock that was set back makes nobody wait longer.
+    for (Waiting& waiting : m_waiting)
+        waiting.since = std::min(waiting.since, now);
     for (; !m_waiting.empty() && now - m_waiting.front().since >= kPatience; m_waiting.pop_front()) {
         const OrderPlace place = m_waiting.front().place;
         if (m_ledger[place].State() == OrderState::sent && !std::exchange(isFresh, true)) Refresh();
@@ -235,12 +256,13 @@ void OrderRecord::OnTime() {
     }
     for (const OrderPlace place : late)
         Note(place, OrderEvent::inDoubt, "No answer came within 30 seconds.", {});
-    if (!late.empty()) WriteLines(m_now(), {}, false);
+    WriteLines(m_now(), {}, false);
     for (const OrderPlace place : late)
         TellListeners(place);
 }
 
 void OrderRecord::OnSessionEnd() {
+    if (!m_waiting.empty()) Refresh();
     for (const Waiting& waiting : std::exchange(m_waiting, {}))
         if (m_ledger[waiting.place].State() == OrderState::sent)
             Note(waiting.place, OrderEvent::inDoubt, "The session ended before an answer came.", {});

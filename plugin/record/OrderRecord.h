@@ -3,6 +3,7 @@
 #pragma once
 
 #include "plugin/base/Dates.h"
+#include "plugin/base/KeyCounts.h"
 #include "plugin/record/OrderLedger.h"
 
 #include <cstdint>
@@ -95,7 +96,7 @@ public:
     // Before requests go out: what they ask for. Their places once it is on the disk, and where the host has no
     // folder for records; none when it cannot be written.
     std::optional<std::vector<OrderPlace>> Sending(std::span<const RecordedOrder> orders);
-    // The same when the dealer agrees that they go out without being on the disk.
+    // The same when the dealer agrees that they go out without being on the disk; they follow once they can.
     std::vector<OrderPlace> SendingUnwritten(std::span<const RecordedOrder> orders);
     // What became of it. What cannot be written now is written with the next event.
     void Tell(OrderPlace place, OrderEvent event, std::string_view text, std::string_view registration = {});
@@ -122,10 +123,12 @@ private:
     // Takes in what has come to the file since it was read.
     void ReadOn();
     void TakeAll(std::string_view lines);
+    void AppendSending(std::span<const RecordedOrder> orders, const LocalDateTime& now,
+                       std::string& lines) const;
     std::vector<OrderPlace> Enter(std::span<const RecordedOrder> orders, const LocalDateTime& now);
     // Takes the event in, and leaves its line for WriteLines.
     void Note(OrderPlace place, OrderEvent event, std::string_view text, std::string_view registration);
-    // True when all that has happened, and these lines, are in the file.
+    // True when all that has happened, and these lines, are in the file. After a failure events wait a second.
     bool WriteLines(const LocalDateTime& now, std::string_view lines, bool flush);
     void TellListeners(OrderPlace place) const;
     OrderPlace OrderOf(const BookRow& row) const;
@@ -134,12 +137,13 @@ private:
     Clock m_now;
     OrderLedger m_ledger;
     std::vector<RecordListener*> m_listeners;
-    std::string m_unwritten;            // lines of events that have happened
-    std::deque<Waiting> m_waiting;      // the earliest first
-    std::set<std::string> m_toldTwice;  // numbers
-    std::deque<std::size_t> m_ownLines; // hashes of those that ReadOn meets again
-    LocalDateTime m_day{};              // whose file is read
-    std::size_t m_readTo = 0;           // of it, in characters
+    std::string m_unwritten;           // lines of events that have happened
+    std::deque<Waiting> m_waiting;     // the earliest first
+    std::set<std::string> m_toldTwice; // numbers
+    KeyCounts m_ownLines;              // hashes of those that ReadOn may meet
+    LocalDateTime m_failedAt{};        // when lines could not be written
+    LocalDateTime m_day{};             // whose file is read
+    std::size_t m_readTo = 0;          // of it, in characters
     std::size_t m_countAtStart = 0;
     bool m_isRead = false;
 };

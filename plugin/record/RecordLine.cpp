@@ -19,6 +19,9 @@ constexpr std::string_view kEvents[] = {"sending", "not_sent", "registered", "mo
 // What makes a spreadsheet calculate, and the apostrophe that keeps it from that.
 constexpr std::string_view kArming = "=+-@\t'";
 
+// Of "2027-03-05 14:02:03".
+constexpr std::size_t kTimeLength = 19;
+
 constexpr std::string_view kSeparators = ",;\t";
 
 // A longer line is nobody's: what follows its last column is not looked at.
@@ -81,6 +84,12 @@ void AppendRecordLine(const RecordTexts& texts, std::string& csv) {
 }
 
 RecordReader::RecordReader(std::string_view file) : m_rest(base::WithoutMark(file)) {
+    TakeOurs();
+}
+
+void RecordReader::TakeOurs() {
+    m_separator = ',';
+    m_width = kRecordFieldCount;
     for (std::size_t i = 0; i < kRecordFieldCount; ++i)
         m_places[i] = i;
 }
@@ -134,6 +143,8 @@ std::optional<RecordTexts> RecordReader::Next() {
         if (line.ends_with('\r')) line.remove_suffix(1);
         if (line.empty()) continue;
         const bool isHeading = TakeHeading(line);
+        // Behind what a spreadsheet has saved with its own separator stand lines of ours again.
+        if (m_separator != ',' && line.size() > kTimeLength && line[kTimeLength] == ',') TakeOurs();
         const bool isWhole = Split(line);
         if (isHeading) {
             for (std::size_t i = 0; i < kRecordFieldCount; ++i)

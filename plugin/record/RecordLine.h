@@ -79,6 +79,8 @@ public:
 private:
     bool Split(std::string_view line);
     bool TakeHeading(std::string_view line);
+    // Lines as AppendRecordLine writes them follow.
+    void TakeOurs();
 
     std::string_view m_rest;
     char m_separator = ',';

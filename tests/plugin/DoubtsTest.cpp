@@ -133,6 +133,9 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     EXPECT_EQ(Taken(told.texts),
               Texts{"Registered twice: SIP4 and SIP5, for C3 ARBORTEX-EQ monthly.\n\nCancel SIP5?"});
     EXPECT_TRUE(host.requests.back().starts_with("cancel_sip_order registrationNumber=SIP5 "));
+    doubts.OnResponse(Received("echoedRequest=cancel_sip_order echoedNumber=SIP5 errorCode=9").Message());
+    EXPECT_EQ(Taken(told.texts), Texts{"SIP5 is not cancelled. Refused: (code 9)."});
+    EXPECT_EQ(session.record.Ledger().Orders().back().State(), OrderState::refused);
 }
 
 TEST_F(DoubtsTest, TheNextSessionIsToldOnceAndKnowsTheFileAgain) {
@@ -190,6 +193,11 @@ TEST_F(DoubtsTest, OrdersLikeOthersAreAskedAboutUnlessTheHostKeepsNoRecord) {
                                  "1 like another of these orders: C3 ARBORTEX-EQ monthly\n\nYes: place all 3.\n"
                                  "No: place only the other 1.\nCancel: place none.");
     EXPECT_EQ(Sent(), "C3");
+    // What was refused may have been registered by another way since.
+    Answer("echoedRequest=add_sip_orders echoedNumber=4 errorCode=7");
+    book.row.asked = AskedForBy(basket.Rows()[view.list.rows[0]].Texts(), dates);
+    basket.Runs().Place(BasketRuns::Placed::refused);
+    EXPECT_EQ(Sent(), "");
     host.recordFiles.hasFolder = false;
     DuplicateGuard guard(session);
     EXPECT_FALSE(guard.IsLike(AskedForBy(basket.Rows()[view.list.rows[3]].Texts(), dates)));

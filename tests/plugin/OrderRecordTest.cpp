@@ -43,12 +43,13 @@ struct Files final : RecordFiles {
         return text;
     }
     bool Append(const LocalDateTime&, std::string_view lines, bool) override {
-        if (writable) text += lines;
+        if (writable || fails) text += lines;
         return writable;
     }
     std::string text;
     LocalDateTime day{2027, 3, 5};
     bool writable = true;
+    bool fails = false; // after it has written
 };
 
 TEST(RecordLine, AnyTextComesBackAndNoLineSpoilsAnother) {
@@ -107,6 +108,8 @@ TEST(RecordLine, IsReadWhateverASpreadsheetMadeOfTheFile) {
         {heading + "\nt,sending,o1,,,,,C1,,,,,,,,,x\n", "o1 C1 x;", 0},
         {"\xEF\xBB\xBF" + heading + "\r\nt,sending,o1,,,,,C1\r\n", "o1 C1 ;", 0}, // empty columns dropped
         {"time;event;client;order_id;text\nt;sending;\"C;1\";o1;\"\"\"=x\"\n", "o1 C;1 \"=x;", 0},
+        {"time;event;client;order_id;text\nt;sending;C1;o1;x\n2027-03-05 14:02:03,sending,o2,,,,,C2,,,,,,,,,\n",
+         "o1 C1 x;o2 C2 ;", 0}, // and appended to
         {"\"time\"\t\"event\"\t\"order_id\"\nt\tsending\to1\n", "o1  ;", 0},
         {"time,event,other,client,order_id\nt,sending,z,C1,o1\nt,sendin,z,C1,o1\n", "o1 C1 ;", 1},
         {heading + "\nt,sending,o1,\"torn\r\n" + heading + "\nt,absent,o2,,,,,C2,,,,,,,,,\n", "o2 C2 ;", 1},
@@ -142,6 +145,8 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         {"event=absent order_id=o2" + plan, "0 1 0 0 0 1 like 1"},
         {"event=sending order_id=o2" + plan, "1 1 0 0 0 0 like 2"}, // again, under the same identifier
         {"event=found order_id=o2 registration=S2" + plan, "0 2 0 0 0 0 like 2"},
+        {"event=in_doubt order_id=o2" + plan, "0 2 0 0 0 0 like 2"}, // another terminal knew less
+        {"event=absent order_id=o2" + plan, "0 2 0 0 0 0 like 2"},
         {"event=sending order_id=o3" + plan, "1 2 0 0 0 0 like 3"},
         {"event=refused order_id=o3" + plan, "0 2 1 0 0 0 like 2"},
         {"event=sending" + plan, "1 2 1 0 0 0 like 3"}, // without identifiers
@@ -183,18 +188,74 @@ TEST(OrderRecord, IsOnTheDiskBeforeAnythingIsSentAndGoesOnAfterACrash) {
     now = {2027, 3, 6, 0, 0, 1};
     record.Tell(first, OrderEvent::registered, "SIP registered", "S1");
     files.writable = true;
+    now.second = 2;
     record.Tell(second, OrderEvent::refused, "no");
     const std::string columns = ",,,,,C1,,,,,,daily,,,";
     EXPECT_EQ(files.text, "2027-03-05 23:59:59,sending,o1" + columns
                               + "\r\n2027-03-05 23:59:59,sending,o2,,,,,C2,,,,,,daily,,,\r\n"
                               + "2027-03-06 00:00:01,registered,o1,S1,,,,C1,,,,,,daily,,,SIP registered\r\n"
-                              + "2027-03-06 00:00:01,refused,o2,,,,,C2,,,,,,daily,,,no\r\n");
+                              + "2027-03-06 00:00:02,refused,o2,,,,,C2,,,,,,daily,,,no\r\n");
     OrderRecord next(files, [] { return LocalDateTime{2027, 3, 5, 9, 0, 0}; });
     for (OrderRecord* each : {&record, &next}) {
         EXPECT_EQ(each->Ledger().Count(OrderState::done), 1u);
         EXPECT_EQ(each->Ledger().Count(OrderState::refused), 1u);
         EXPECT_EQ(each->Ledger()[each->Ledger().Find(first.Texts())].Text(Field::text), "SIP registered");
     }
+}
+
+TEST(OrderRecord, ReadsEachOfItsLinesOnceAndNotItsOwn) {
+    Files files;
+    LocalDateTime now{2027, 3, 5, 15, 0, 0};
+    OrderRecord record(files, [&] { return now; });
+    const RecordedOrder first(Words("order_id=o1 client=C1 frequency=daily").texts);
+    const RecordedOrder second(Words("order_id=o2 client=C2 frequency=daily").texts);
+    files.writable = false;
+    files.fails = true; // in the middle: its lines stand there all the same, and again once they can be written
+    EXPECT_FALSE(record.Sending({&first, 1}));
+    record.SendingUnwritten({&first, 1});
+    files.writable = true;
+    record.Sending({&second, 1});
+    record.Tell(first, OrderEvent::registered, "", "S1");
+    // Another terminal writes the same line in the same second, but earlier.
+    const std::string line = files.text.substr(files.text.find("2027-03-05 15:00:00,registered"));
+    files.text.insert(files.text.find("2027-03-05 15:00:00,sending,o2"), line);
+    record.Refresh();
+    OrderRecord next(files, [&] { return now; });
+    for (OrderRecord* each : {&record, &next}) {
+        EXPECT_EQ(each->Ledger().Orders().size(), 2u);
+        EXPECT_EQ(each->Ledger().Count(OrderState::done), 1u);
+    }
+    // It waits no longer when the clock is set back.
+    now = {2027, 3, 5, 14, 0, 0};
+    record.OnTime();
+    now.second = 30;
+    record.OnTime();
+    EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), 1u);
+}
+
+// Some hosts give the same to all.
+TEST(OrderRecord, OrdersUnderOneIdentifierAreKnownByWhatTheyAskFor) {
+    Files files;
+    const std::string plan = " order_id=o1 frequency=daily client=";
+    for (const char* event : {"sending C1", "sending C2", "registered C1"}) {
+        const std::string text = event;
+        const std::size_t blank = text.find(' ');
+        AppendRecordLine(
+            Words("event=" + text.substr(0, blank) + " registration=S1" + plan + text.substr(blank + 1)).texts,
+            files.text);
+    }
+    OrderRecord record(files, [] { return LocalDateTime{2027, 3, 5}; });
+    struct Listener final : RecordListener {
+        void OnRegisteredTwice(OrderPlace, std::string_view) override { ADD_FAILURE(); }
+    } listener;
+    record.AddListener(listener);
+    EXPECT_EQ(record.Ledger()[0].State(), OrderState::done);
+    EXPECT_EQ(record.Ledger()[1].State(), OrderState::sent);
+    const Words asked("frequency=daily client=C2"), other("frequency=daily client=C1");
+    record.OnRow({.orderId = "o1", .registration = "S2", .asked = asked.texts});
+    record.OnRow({.orderId = "o1", .registration = "S3", .asked = other.texts});
+    EXPECT_EQ(record.Ledger()[1].State(), OrderState::done);
+    EXPECT_EQ(record.Ledger().Find(Words("order_id=o1").texts), kNoOrder);
 }
 
 } // namespace

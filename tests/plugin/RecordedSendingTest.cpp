@@ -35,10 +35,25 @@ TEST_F(OrderEntryTest, IsRecordedFromTheSendingToTheAnswer) {
     host.uuid = "UUID-3";
     host.refuses = true;
     EXPECT_EQ(submit(), (Texts{sending[0], "not_sent C002 Sending Request add_sip_orders Failed"}));
+    host.refuses = false;
+
+    // The answer may come before the sending has returned, and after the book has told otherwise.
+    host.uuid = "UUID-4";
+    host.onRequest = [&] { Answer("echoedRequest=add_sip_orders orderId=UUID-4 registrationNumber=SIP4"); };
+    EXPECT_EQ(submit(), (Texts{sending[0], "registered C002 SIP4"}));
+    host.uuid = "UUID-5";
+    host.onRequest = nullptr;
+    submit();
+    const OrderLedger& ledger = session.record.Ledger();
+    const auto last = static_cast<OrderPlace>(ledger.Orders().size() - 1);
+    session.record.Tell(last, OrderEvent::inDoubt, {});
+    session.record.Tell(last, OrderEvent::absent, {});
+    Answer("echoedRequest=add_sip_orders orderId=UUID-5 registrationNumber=SIP5");
+    EXPECT_EQ(ledger[last].State(), OrderState::done);
+    host.recordFiles.text.clear();
 
     // Without a record the dealer decides, and No sends nothing.
     host.refuses = host.recordFiles.writable = false;
-    host.onRequest = nullptr;
     for (const bool yes : {false, true}) {
         view.yes = yes;
         plan = "900";

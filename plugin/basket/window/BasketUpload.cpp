@@ -236,7 +236,7 @@ void CBasketUpload::OnButton(int button) {
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
-    if (IsRecordCommand(button)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
+    if (IsRecordCommand(button)) return Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
     const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
     if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
