@@ -135,22 +135,23 @@ void DropByteOrderMark(const std::string& name) {
 
 // What is opened for appending alone is written at the end, wherever that is by then.
 File OpenToAppend(const std::string& name) {
-    const HANDLE opened =
-        CreateFileW(SystemPath(name).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, 0, nullptr);
+    const HANDLE opened = CreateFileW(SystemPath(name).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, 0, nullptr);
     return File(opened == INVALID_HANDLE_VALUE ? nullptr : opened);
 }
 
-bool AppendLines(HANDLE file, std::string_view heading, std::string_view lines, bool flush) {
+bool AppendLines(HANDLE file, std::string_view heading, std::string_view tornEnd, std::string_view lines,
+                 bool flush) {
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(file, &size)) return false;
     char last = '\n';
     DWORD read = 0;
     const bool isNew = size.QuadPart == 0;
     if (!isNew
-        && !(SetFilePointerEx(file, {.QuadPart = -1}, nullptr, FILE_END) && ReadFile(file, &last, 1, &read, nullptr)))
+        && !(SetFilePointerEx(file, {.QuadPart = -1}, nullptr, FILE_END)
+             && ReadFile(file, &last, 1, &read, nullptr)))
         return false;
-    std::string text(isNew ? heading : last == '\n' ? std::string_view() : "\r\n");
+    std::string text(isNew ? heading : last == '\n' ? std::string_view() : tornEnd);
     return WriteAll(file, text.append(lines)) && (!flush || FlushFileBuffers(file));
 }
 

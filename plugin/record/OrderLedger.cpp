@@ -96,9 +96,12 @@ void RecordedOrder::Take(const RecordTexts& event, OrderState state) {
     RecordedOrder anew(texts);
     anew.m_state = state;
     anew.m_alikeBefore = m_alikeBefore;
+    anew.m_namedBefore = m_namedBefore;
+    if (state == OrderState::absent) event[RecordField::time].copy(m_absentAt.data(), m_absentAt.size());
     if (state != OrderState::sent) {
         anew.m_sentAt = m_sentAt;
         anew.m_sentText = SentText();
+        anew.m_absentAt = m_absentAt;
     }
     *this = std::move(anew);
 }
@@ -109,8 +112,13 @@ OrderPlace OrderLedger::Take(const RecordTexts& event) {
     std::string name = NameOfOrder(event);
     const OrderPlace known = Named(name);
     if (*kind != OrderEvent::sending) {
-        if (known != kNoOrder) SetState(m_orders[known], event, StateBy(*kind));
-        return known;
+        // Of several with its name, one that waits for an event.
+        OrderPlace place = known;
+        while (place != kNoOrder && !IsOpen(m_orders[place].State()))
+            place = m_orders[place].m_namedBefore;
+        if (place == kNoOrder) place = known;
+        if (place != kNoOrder) SetState(m_orders[place], event, StateBy(*kind));
+        return place;
     }
     // What never was in the book is the same order when it is sent again; whatever else has its identifier is
     // another one.
@@ -129,8 +137,9 @@ void OrderLedger::Take(OrderPlace place, const RecordTexts& event) {
 
 OrderPlace OrderLedger::Enter(std::string name, const RecordTexts& sending) {
     const auto place = static_cast<OrderPlace>(m_orders.size());
-    m_places.insert_or_assign(std::move(name), place);
+    const auto [named, isOnly] = m_places.try_emplace(std::move(name), place);
     RecordedOrder& order = m_orders.emplace_back(sending);
+    if (!isOnly) order.m_namedBefore = std::exchange(named->second, place);
     ++m_counts[static_cast<std::size_t>(OrderState::sent)];
     if (order.ChangesRegistration()) return place;
     if (const std::string_view id = sending[RecordField::orderId]; !id.empty())

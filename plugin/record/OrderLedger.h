@@ -56,6 +56,8 @@ public:
     }
     // When it was sent last: "2027-03-05 14:02:03", local.
     std::string_view SentAt() const { return {m_sentAt.data(), m_sentAt.size()}; }
+    // When it was proven not to be registered, although it may stand by now; empty when it never was.
+    std::string_view AbsentAt() const { return {m_absentAt.data(), m_absentAt[0] ? m_absentAt.size() : 0}; }
     // False: it places a new order.
     bool ChangesRegistration() const { return Text(RecordField::frequency).empty(); }
 
@@ -66,8 +68,8 @@ private:
     std::string m_texts;    // one after another
     std::string m_sentText; // once another event's text has taken its place
     std::array<std::uint32_t, kRecordFieldCount> m_ends{};
-    OrderPlace m_alikeBefore = kNoOrder;
-    std::array<char, 19> m_sentAt{};
+    OrderPlace m_alikeBefore = kNoOrder, m_namedBefore = kNoOrder;
+    std::array<char, 19> m_sentAt{}, m_absentAt{};
     OrderState m_state = OrderState::sent;
 };
 

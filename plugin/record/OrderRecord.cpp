@@ -64,9 +64,14 @@ void OrderRecord::ReadDays() {
         m_readTo = text->size();
     }
     m_countAtStart = m_ledger.Orders().size();
-    for (std::size_t place = 0; place < m_countAtStart; ++place)
+    AwaitFrom(0);
+}
+
+void OrderRecord::AwaitFrom(std::size_t place) {
+    for (; place < m_ledger.Orders().size(); ++place)
         if (const RecordedOrder& order = m_ledger.Orders()[place]; order.State() == OrderState::sent)
             m_waiting.push_back({static_cast<OrderPlace>(place), SecondsOf(order.SentAt())});
+    m_knowsAbsent = m_knowsAbsent || m_ledger.Count(OrderState::absent) > 0;
 }
 
 void OrderRecord::TakeAll(std::string_view lines) {
@@ -103,7 +108,9 @@ void OrderRecord::ReadOn() {
             m_ownLines.Decrement(hash);
     });
     m_readTo += news.size();
+    const std::size_t known = m_ledger.Orders().size();
     TakeAll(others);
+    AwaitFrom(known);
 }
 
 std::optional<std::vector<OrderPlace>> OrderRecord::Sending(std::span<const RecordedOrder> orders) {
@@ -164,6 +171,7 @@ void OrderRecord::Note(OrderPlace place, OrderEvent event, std::string_view text
                                  : std::string(text);
     texts[RecordField::text] = said;
     m_ledger.Take(place, texts);
+    m_knowsAbsent = m_knowsAbsent || event == OrderEvent::absent;
     if (m_files.HasFolder()) AppendRecordLine(texts, m_unwritten);
 }
 
@@ -195,6 +203,7 @@ void OrderRecord::Tell(OrderPlace place, OrderEvent event, std::string_view text
     Note(place, event, text, registration);
     WriteLines(m_now(), {}, false);
     TellListeners(place);
+    if (m_knowsAbsent) LookForTwice(place);
 }
 
 void OrderRecord::Tell(const RecordedOrder& named, OrderEvent event, std::string_view text,
@@ -214,15 +223,16 @@ OrderPlace OrderRecord::OrderOf(const BookRow& row) const {
         texts[RecordField::orderId] = row.orderId;
         return m_ledger.Find(texts);
     }
-    OrderPlace found = kNoOrder;
+    OrderPlace found = kNoOrder, absent = kNoOrder;
     for (const OrderPlace place : m_ledger.Like(row.asked)) {
         const RecordedOrder& order = m_ledger[place];
         if (order.Text(RecordField::registration) == row.registration) return kNoOrder;
         const bool isLater = row.enteredOn >= order.SentAt().substr(0, row.enteredOn.size());
-        const bool isMissing = IsOpen(order.State()) || order.State() == OrderState::absent;
-        if (isMissing && isLater && !row.enteredOn.empty()) found = place;
+        if (!isLater || row.enteredOn.empty()) continue;
+        if (IsOpen(order.State())) found = place;
+        if (order.State() == OrderState::absent) absent = place;
     }
-    return found;
+    return found != kNoOrder ? found : absent;
 }
 
 void OrderRecord::OnRow(const BookRow& row) {
@@ -235,11 +245,27 @@ void OrderRecord::OnRow(const BookRow& row) {
         const bool waited = order.State() == OrderState::sent || order.State() == OrderState::done;
         Tell(place, waited ? OrderEvent::registered : OrderEvent::found,
              row.orderId.empty() ? "Found in the book by what it is for." : "", row.registration);
-    } else if (number != row.registration && row.isLive && m_ledger.IsUnmistakable(place)
-               && m_toldTwice.emplace(row.registration).second) {
-        for (RecordListener* listener : m_listeners)
-            listener->OnRegisteredTwice(place, row.registration);
+    } else if (number != row.registration && row.isLive && m_ledger.IsUnmistakable(place)) {
+        TellTwice(place, row.registration);
     }
+}
+
+// What was sent again since it was proven not to be registered, under another identifier or none.
+void OrderRecord::LookForTwice(OrderPlace place) {
+    if (m_ledger[place].State() != OrderState::done || m_ledger[place].ChangesRegistration()) return;
+    for (const OrderPlace like : m_ledger.StandingLike(m_ledger[place].Texts())) {
+        const RecordedOrder& earlier = m_ledger[std::min(place, like)];
+        const RecordedOrder& later = m_ledger[std::max(place, like)];
+        if (like != place && m_ledger[like].State() == OrderState::done && !earlier.AbsentAt().empty()
+            && later.SentAt() >= earlier.AbsentAt())
+            TellTwice(std::max(place, like), earlier.Text(RecordField::registration));
+    }
+}
+
+void OrderRecord::TellTwice(OrderPlace place, std::string_view second) {
+    if (second.empty() || !m_toldTwice.emplace(second).second) return;
+    for (RecordListener* listener : m_listeners)
+        listener->OnRegisteredTwice(place, second);
 }
 
 void OrderRecord::OnTime() {

@@ -25,8 +25,8 @@ public:
     virtual bool HasFolder() const = 0;
     // Empty when the day has no file; none when it cannot be read.
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
-    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind a line end
-    // when a crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives
+    // Puts the lines at the end of the day's file, behind the heading when it is new, and behind kTornEnd when
+    // a crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives
     // the process, but not the machine. False after a failure: a part of it may be there.
     virtual bool Append(const LocalDateTime& day, std::string_view lines, bool flush) = 0;
 
@@ -120,6 +120,8 @@ private:
     };
 
     void ReadDays();
+    // What has been read from this place on waits for its answer.
+    void AwaitFrom(std::size_t place);
     // Takes in what has come to the file since it was read.
     void ReadOn();
     void TakeAll(std::string_view lines);
@@ -132,6 +134,8 @@ private:
     bool WriteLines(const LocalDateTime& now, std::string_view lines, bool flush);
     void TellListeners(OrderPlace place) const;
     OrderPlace OrderOf(const BookRow& row) const;
+    void LookForTwice(OrderPlace place);
+    void TellTwice(OrderPlace place, std::string_view second);
 
     RecordFiles& m_files;
     Clock m_now;
@@ -146,6 +150,7 @@ private:
     std::size_t m_readTo = 0;          // of it, in characters
     std::size_t m_countAtStart = 0;
     bool m_isRead = false;
+    bool m_knowsAbsent = false; // of an order, at any time
 };
 
 } // namespace planfold

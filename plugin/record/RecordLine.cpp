@@ -30,7 +30,7 @@ constexpr std::size_t kMostFields = 255;
 // What a field cannot hold as it stands.
 constexpr auto kSpecial = [] {
     std::array<bool, 256> special{};
-    for (const char c : {',', ';', '\t', '"', '\n', '\r', '\0'})
+    for (const char c : {',', ';', '\t', '"', '\n', '\r', '\0', kTornEnd[0]})
         special[static_cast<unsigned char>(c)] = true;
     return special;
 }();
@@ -76,7 +76,7 @@ void AppendRecordLine(const RecordTexts& texts, std::string& csv) {
         if (disarm) csv += '\'';
         for (const char c : text) {
             if (c == '"') csv += '"';
-            csv += c == '\n' || c == '\r' || c == '\0' ? ' ' : c;
+            csv += c == '\n' || c == '\r' || c == '\0' || c == kTornEnd[0] ? ' ' : c;
         }
         if (quote) csv += '"';
     }
@@ -141,6 +141,8 @@ std::optional<RecordTexts> RecordReader::Next() {
         std::string_view line = m_rest.substr(0, feed);
         m_rest.remove_prefix(feed + isEnded);
         if (line.ends_with('\r')) line.remove_suffix(1);
+        const bool isTorn = !isEnded || line.ends_with(kTornEnd[0]);
+        if (line.ends_with(kTornEnd[0])) line.remove_suffix(1);
         if (line.empty()) continue;
         const bool isHeading = TakeHeading(line);
         // Behind what a spreadsheet has saved with its own separator stand lines of ours again.
@@ -156,9 +158,11 @@ std::optional<RecordTexts> RecordReader::Next() {
         RecordTexts texts;
         for (std::size_t i = 0; i < kRecordFieldCount; ++i)
             if (m_places[i] < m_fields.size()) texts[static_cast<RecordField>(i)] = m_fields[m_places[i]];
-        // Of a line that a crash cut short the last field may lack characters; a whole one says so itself.
-        if (isWhole && (isEnded || m_fields.size() >= m_width) && EventNamed(texts[RecordField::event]))
-            return texts;
+        // Of a line that was cut short the last field may lack characters; a whole one says so itself. What is
+        // about to be sent was not, unless its line has come to its end.
+        const auto event = EventNamed(texts[RecordField::event]);
+        const bool mayCount = !isTorn || (m_fields.size() >= m_width && event != OrderEvent::sending);
+        if (isWhole && event && mayCount) return texts;
         ++m_unread;
     }
     return std::nullopt;

@@ -59,6 +59,10 @@ std::optional<OrderEvent> EventNamed(std::string_view name);
 // The texts of a line; they are whoever's.
 using RecordTexts = ByField<RecordField, std::string_view>;
 
+// Ends a line that a crash or a full disk cut short, before the next one is written: no field holds its first
+// character.
+inline constexpr std::string_view kTornEnd = "\x1A\r\n";
+
 // The first line of a file, and a line of it, each with its line end.
 std::string_view RecordHeading();
 void AppendRecordLine(const RecordTexts& texts, std::string& csv);

@@ -52,7 +52,7 @@ public:
     bool writable = true;
 };
 
-class BasketDouble final : public DialogDoubleOf<BasketView> {
+class BasketDouble : public DialogDoubleOf<BasketView> {
 public:
     BasketDouble() {
         controls[IDC_SERIES].items = {"BE", "EQ"};

@@ -114,7 +114,9 @@ TEST(RecordLine, IsReadWhateverASpreadsheetMadeOfTheFile) {
         {"time,event,other,client,order_id\nt,sending,z,C1,o1\nt,sendin,z,C1,o1\n", "o1 C1 ;", 1},
         {heading + "\nt,sending,o1,\"torn\r\n" + heading + "\nt,absent,o2,,,,,C2,,,,,,,,,\n", "o2 C2 ;", 1},
         {heading + "\nt,sending,o1,,,,,C1,nse_cm,A,B,value,5,daily,05-Mar-2027,1", "", 1}, // of 12 periods
-        {"t,sending,o1\n", "o1  ;", 0},                                                    // no heading: ours
+        {heading + "\nt,registered,o1,SIP26" + std::string(kTornEnd) + "t,found,o2\n", "o2  ;", 1},
+        {heading + "\nt,sending,o1,,,,,C1,,,,,,,,9,add_sip_orders: MKT C", "", 1}, // of CNC, and not sent
+        {"t,sending,o1\n", "o1  ;", 0},                                            // no heading: ours
         {std::string("\0\0\0\n\xFF\xFE\n", 6), "", 2},
     };
     for (const auto& each : cases) {

@@ -29,7 +29,8 @@ bool RecordFile::Append(const LocalDateTime& day, std::string_view lines, bool f
         m_file = framework::OpenToAppend(name);
         m_name = std::move(name);
     }
-    return m_file && framework::AppendLines(m_file.Get(), RecordHeading(), framework::Utf8(lines), flush);
+    return m_file
+           && framework::AppendLines(m_file.Get(), RecordHeading(), kTornEnd, framework::Utf8(lines), flush);
 }
 
 } // namespace planfold
