@@ -211,6 +211,7 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
         {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
+        {nullptr, 0},
         dayReport,
         compare,
     };
