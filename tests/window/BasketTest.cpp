@@ -49,7 +49,7 @@ TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
         EXPECT_EQ(size().cx > least.cx + 60, points > 8);
         EXPECT_EQ(size().cy == least.cy + 40, points == 8);
         EXPECT_EQ(ListView_GetColumnWidth(rejected, 1),
-                  MulDiv(220 * points / 8, static_cast<int>(GetDpiForWindow(rejected)), 96));
+                  MulDiv(360 * points / 8, static_cast<int>(GetDpiForWindow(rejected)), 96));
         for (const char* edit : {"(#1025)", "(#1037)"})
             EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)), 1);
     }

@@ -243,7 +243,8 @@ void CBasketUpload::OnButton(int button) {
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
     if (button != BasketPanel::kOpenCommand) return;
     if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
-    if (const RecordId row = m_panel.RowOf(m_panel.FirstSelected()); row != kNoRecord) m_list.GoTo(row);
+    const RecordId row = m_panel.RowOf(m_panel.FirstSelected());
+    if (row != kNoRecord && !m_list.GoTo(row)) ShowLast("A filter of the list hides this row.");
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
