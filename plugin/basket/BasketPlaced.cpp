@@ -16,6 +16,10 @@ const char* const kNothingToPlace[] = {"Please Select an Order", "Please Select 
                                        "No order of the basket waits to be placed.",
                                        "The server has refused no order of the basket."};
 
+std::string All(std::size_t rows) {
+    return rows == 1 ? "it" : Format("all %zu", rows);
+}
+
 } // namespace
 
 std::vector<BasketPlacing::Row> BasketRuns::ChooseRows(Placed which) {
@@ -50,9 +54,15 @@ bool BasketRuns::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed wh
     const std::size_t rows = placed.size();
     const auto sent = static_cast<std::size_t>(std::ranges::count_if(placed, isSent));
     if (sent == 0) return true;
-    std::string question = Format("%zu of the %zu orders have already been sent.\n\n"
-                                  "Yes: place all %zu, and so these again.\n",
-                                  sent, rows, rows);
+    std::string question = rows == 1 ? "The order has already been sent.\n"
+                                     : Format("%zu of the %zu orders have already been sent.\n", sent, rows);
+    const auto isInDoubt = [&](const BasketPlacing::Row& row) {
+        return m_rows.State(row.record) == RowState::inDoubt;
+    };
+    if (const auto doubts = std::ranges::count_if(placed, isInDoubt); doubts > 0)
+        question += Format("In doubt: %zu. \"Compare Orders in Doubt\" tells whether the book has them.\n",
+                           static_cast<std::size_t>(doubts));
+    question += "\nYes: place " + All(rows) + (rows == 1 ? "" : ", and so these") + " again.\n";
     question += sent == rows ? "No: place none."
                              : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
     const Choice choice = m_questions.Choose(question, PlaceAgain(which));
@@ -71,7 +81,7 @@ bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed wh
             like.insert(row->record);
     if (like.empty()) return true;
     const std::size_t rows = placed.size();
-    std::string question = guard.Text() + Format("\nYes: place all %zu.\n", rows);
+    std::string question = guard.Text() + "\nYes: place " + All(rows) + ".\n";
     question += like.size() == rows
                     ? "No: place none."
                     : Format("No: place only the other %zu.\nCancel: place none.", rows - like.size());
@@ -94,6 +104,7 @@ void BasketRuns::Place(Placed which) {
         || !LeaveOutLike(placed, which)
         || !m_questions.Ask("Are you sure to place these Basket Orders?", PlaceAgain(which)))
         return;
+    m_placesPart = m_placeable && which != Placed::all;
     LetPlace(false);
     // Its first call to the host is made before it stands.
     auto placing = m_questions.Alone([&](Pass pass) {

@@ -80,6 +80,8 @@ void BasketRuns::EndPlacing() {
     for (const RecordId record : placing->Sent())
         m_stoppedSent.push_back(m_rows[record].SerialNumber());
     m_stoppedTotal = placing->Total();
+    // The others still wait for the button.
+    LetPlace(m_placesPart && m_view.List().RowCount() > m_rows.SentCount());
     if (!KeepUnsent()) return;
     m_view.ShowRun();
     m_view.ShowStatus();

@@ -96,6 +96,7 @@ private:
     std::string m_titleBefore;    // the load
     bool m_inPortion = false;     // the host may let the window's timer in
     bool m_placeable = false;     // the place button
+    bool m_placesPart = false;    // what the list's menu meant, while the button stood open for all
     bool m_unsentSettled = false; // the kept file holds nothing that is not in the list
     bool m_bringsBack = false;    // the load is of that file
 };

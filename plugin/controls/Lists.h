@@ -20,7 +20,7 @@ struct ListColumn {
 
 // An entry of a list's menu.
 struct MenuEntry {
-    const char* text;
+    const char* text; // none: a separator
     int command;
     bool greyed = false;
 };

@@ -31,7 +31,7 @@ constexpr EventRow kEvents[] = {
     {OrderEvent::cancelled, "Cancelled", kKorvexGood},   {OrderEvent::paused, "Paused", kKorvexGood},
     {OrderEvent::resumed, "Resumed", kKorvexGood},       {OrderEvent::refused, "Refused", kKorvexBad},
     {OrderEvent::inDoubt, "In doubt", kKorvexAttention}, {OrderEvent::found, "Found in book", kKorvexGood},
-    {OrderEvent::absent, "Absent", kKorvexBad},
+    {OrderEvent::absent, "Not in book", kKorvexBad},
 };
 
 constexpr CodeRow kRequests[] = {{"add_sip_orders", "New order"},
@@ -55,13 +55,6 @@ bool IsAnswered(const RecordedOrder& order) {
     return EventOf(order).event != OrderEvent::sending;
 }
 
-// A change's answer stands behind the name of its request.
-std::string_view RequestOf(const RecordedOrder& order) {
-    if (!order.ChangesRegistration()) return kRequests[0].to;
-    const std::string_view text = order.Text(RecordField::text);
-    return Shown(kRequests, text.substr(0, text.find(':')));
-}
-
 std::string_view AnswerOf(const RecordedOrder& order) {
     if (!IsAnswered(order)) return {};
     const std::string_view text = order.Text(RecordField::text);
@@ -82,9 +75,11 @@ struct Counts {
             const char* word;
             bool always;
         } rows[] = {
-            {OrderState::done, done, usual},          {OrderState::refused, "refused", usual},
-            {OrderState::inDoubt, "in doubt", usual}, {OrderState::sent, "waiting", false},
-            {OrderState::absent, "absent", false},
+            {OrderState::done, done, usual},
+            {OrderState::refused, "refused", usual},
+            {OrderState::inDoubt, "in doubt", usual},
+            {OrderState::sent, "waiting", false},
+            {OrderState::absent, "not in the book", false},
         };
         std::size_t sent = 0;
         std::string text;
@@ -151,6 +146,13 @@ constexpr TextOf kTexts[] = {
 static_assert(std::size(kTexts) == static_cast<std::size_t>(DayField::count));
 
 } // namespace
+
+// A change's answer stands behind the name of its request.
+std::string_view RequestOf(const RecordedOrder& order) {
+    if (!order.ChangesRegistration()) return kRequests[0].to;
+    const std::string_view text = order.Text(RecordField::text);
+    return Shown(kRequests, text.substr(0, text.find(':')));
+}
 
 std::array<MenuEntry, 2> RecordEntries(const Session& session) {
     const bool isInDoubt = session.record.Ledger().Count(OrderState::inDoubt) > 0;

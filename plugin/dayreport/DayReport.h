@@ -65,6 +65,9 @@ inline constexpr DayColumn kDayColumns[] = {
     {"Order Identifier", 150, DayField::orderId},
 };
 
+// "Pause": what was asked for, in a dealer's words.
+std::string_view RequestOf(const RecordedOrder& order);
+
 // The entries of other lists' menus that have to do with the order record: its report, greyed where the host
 // has no folder for records, and the comparison of what is in doubt.
 inline constexpr int kDayReportCommand = 25103;

@@ -41,10 +41,7 @@ bool BookComparison::Begin() {
         const auto place = static_cast<OrderPlace>(i);
         const RecordedOrder& order = ledger[place];
         if (order.State() != OrderState::inDoubt) continue;
-        if (order.Text(RecordField::loginId) != m_session.identity.loginId) {
-            ++m_outcome.inDoubt;
-            continue;
-        }
+        if (order.Text(RecordField::loginId) != m_session.identity.loginId) continue;
         m_orders.push_back(place);
         if (order.ChangesRegistration()) m_changes.emplace(order.Text(RecordField::registration), place);
         m_notBefore = std::max(m_notBefore, SecondsOf(order.SentAt()) + OrderRecord::kPatience);
@@ -114,13 +111,11 @@ void BookComparison::End(std::string fault) {
         // Of a registration that is not listed the book tells nothing, nor of orders with one identifier.
         const bool isListed = !order.ChangesRegistration()
                               || m_listed.contains(std::string(order.Text(RecordField::registration)));
-        if (!fault.empty() || !isListed || !ledger.IsUnmistakable(place)) {
-            ++m_outcome.inDoubt;
-            continue;
-        }
+        if (!fault.empty() || !isListed || !ledger.IsUnmistakable(place)) continue;
         m_session.record.Tell(place, OrderEvent::absent, "The book does not show it.");
         m_outcome.absent.push_back(place);
     }
+    m_outcome.inDoubt = ledger.Count(OrderState::inDoubt);
     m_outcome.fault = std::move(fault);
     m_phase = Phase::over;
 }

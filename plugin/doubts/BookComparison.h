@@ -23,7 +23,7 @@ public:
     struct Outcome {
         std::size_t found = 0;
         std::vector<OrderPlace> absent{}; // orders and changes
-        std::size_t inDoubt = 0;          // still, those of other users included
+        std::size_t inDoubt = 0;          // those of other users and those that came meanwhile included
         std::string fault{};              // why it is not complete; empty when it is
     };
 

@@ -1,6 +1,7 @@
 #include "plugin/doubts/Doubts.h"
 
 #include "plugin/base/Text.h"
+#include "plugin/dayreport/DayReport.h"
 #include "plugin/orderbook/BookRequests.h"
 #include "sdk/Tags.h"
 
@@ -42,7 +43,9 @@ void Doubts::OnResponse(void* message) {
 }
 
 void Doubts::Compare() {
-    if (!m_comparison.Begin()) m_view.ShowLast("No order of yours is in doubt.");
+    if (m_comparison.IsUnderWay()) return m_view.ShowLast("The comparison with the book is under way.");
+    if (!m_comparison.Begin()) return m_view.ShowLast("No order of yours is in doubt.");
+    m_session.LogLast("Comparing what is in doubt with the book: a box tells the outcome");
 }
 
 void Doubts::OnTime() {
@@ -165,13 +168,18 @@ void Doubts::TellOutcome() {
     std::string text = Format("Compared with the book: %zu found, %zu not there, %zu still in doubt.",
                               outcome.found, outcome.absent.size(), outcome.inDoubt);
     if (!outcome.fault.empty()) text += "\n" + outcome.fault;
+    constexpr std::size_t mostNamed = 10;
+    std::size_t changes = 0;
     for (const OrderPlace place : outcome.absent) {
         if (!ledger[place].ChangesRegistration())
             orders.push_back(place);
-        else
-            text += "\nNot done: " + std::string(ledger[place].SentText()) + " "
-                    + std::string(ledger[place].Text(RecordField::registration));
+        else if (++changes <= mostNamed)
+            text.append("\nNot done: ")
+                .append(RequestOf(ledger[place]))
+                .append(" ")
+                .append(ledger[place].Text(RecordField::registration));
     }
+    if (changes > mostNamed) text += Format("\n... and %zu more changes", changes - mostNamed);
     if (orders.empty()) return m_view.ShowLast(text);
     text += "\n\nTake " + Counted(orders.size(), "order")
             + " that the book does not have into the basket, to be placed again?";

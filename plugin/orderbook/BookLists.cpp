@@ -26,7 +26,9 @@ std::vector<MenuEntry> CancelledMenu() {
 
 std::vector<MenuEntry> SeveralRowsMenu(std::size_t selected) {
     if (selected < 2) return {};
-    return {{"Pause Selected...", kPauseSelectedCommand}, {"Resume Selected...", kResumeSelectedCommand}};
+    return {{"Pause Selected...", kPauseSelectedCommand},
+            {"Resume Selected...", kResumeSelectedCommand},
+            {nullptr, 0}};
 }
 
 } // namespace planfold

@@ -26,8 +26,9 @@ bool DuplicateGuard::IsLike(const RecordTexts& order) {
     if (const auto sent = m_record ? m_record->StandingLike(order) : std::vector<OrderPlace>(); !sent.empty()) {
         const RecordedOrder& latest = (*m_record)[sent.front()];
         const std::string_view number = latest.Text(RecordField::registration);
-        return Note(recorded, order,
-                    number.empty() ? "sent at " + std::string(latest.SentAt().substr(11, 5)) : number);
+        const std::string sentAt = "sent at " + std::string(latest.SentAt().substr(11, 5))
+                                   + (latest.State() == OrderState::done ? "" : ", no answer");
+        return Note(recorded, order, number.empty() ? sentAt : number);
     }
     return !isFirst && Note(each, order, {});
 }
@@ -49,7 +50,9 @@ std::string DuplicateGuard::Text() const {
     for (std::size_t kind = 0; kind < kinds; ++kind) {
         const Found& found = m_found[kind];
         if (found.count == 0) continue;
-        text += Format("%zu like %s: %s", found.count, like[kind], found.names.c_str());
+        // Of a single order it needs no count.
+        text += m_seen.size() == 1 && found.count == 1 ? "Like " : Format("%zu like ", found.count);
+        text += Format("%s: %s", like[kind], found.names.c_str());
         if (found.count > kMostNamed) text += Format(" and %zu more", found.count - kMostNamed);
         text += '\n';
     }

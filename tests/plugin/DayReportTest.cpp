@@ -96,7 +96,7 @@ TEST_F(DayReportTest, SaysWhatItComesTo) {
          "Sent 3: 2 registered, 1 refused, 0 in doubt|Registered: SIP Rs 3,001.00, SWP Rs 0.00|"},
         {order("1", "absent", kBuy) + order("2", "in_doubt", kBuy) + order("3", "not_sent", kBuy) + kSending
              + "4," + kBuy + "\n" + order("5", "registered", kSell) + "torn",
-         "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 waiting, 1 absent|"
+         "Sent 4: 1 registered, 0 refused, 1 in doubt, 1 waiting, 1 not in the book|"
          "Registered: SIP Rs 0.00, SWP Rs 0.00 and 30 shares|1 line could not be read; Not sent 1"},
         {change + "t,modified,,S1,,,,,,,,,,,,,modify_sip_order: fine\n" + change,
          "Sent 0: 0 registered, 0 refused, 0 in doubt|" + nothing + "Changes 2: 1 done, 1 waiting"},

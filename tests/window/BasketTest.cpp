@@ -49,7 +49,7 @@ TEST_F(BasketWindow, KeepsWhatTheUserMadeItLargerByInEveryFont) {
         EXPECT_EQ(size().cx > least.cx + 60, points > 8);
         EXPECT_EQ(size().cy == least.cy + 40, points == 8);
         EXPECT_EQ(ListView_GetColumnWidth(rejected, 1),
-                  MulDiv(220 * points / 8, static_cast<int>(GetDpiForWindow(rejected)), 96));
+                  MulDiv(360 * points / 8, static_cast<int>(GetDpiForWindow(rejected)), 96));
         for (const char* edit : {"(#1025)", "(#1037)"})
             EXPECT_EQ(std::ranges::count(host.calls, "pu_resize_EditCtrlForFontChange" + std::string(edit)), 1);
     }
@@ -96,8 +96,8 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     const std::string entries = MenuOf(list);
     EXPECT_TRUE(
         entries.starts_with("Delete\tDel 25002|-|(Place Selected\tCtrl+P 25006)|Place Unsent\tCtrl+U 25007|"
-                            "(Place Refused Again\tCtrl+R 25008)|Orders of a Day... 25103|(Compare Orders in "
-                            "Doubt 25104)|(Copy\tCtrl+C 26200)|Select All"))
+                            "(Place Refused Again\tCtrl+R 25008)|-|Orders of a Day... 25103|(Compare Orders in "
+                            "Doubt 25104)|-|(Copy\tCtrl+C 26200)|Select All"))
         << entries;
     EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
     const RECT header = probe::PlaceOf(ListView_GetHeader(list));

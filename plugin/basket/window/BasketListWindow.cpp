@@ -51,9 +51,11 @@ void BasketListWindow::RemoveSelected() {
         ListView_SetItemState(list, next, LVIS_FOCUSED, LVIS_FOCUSED);
 }
 
-void BasketListWindow::GoTo(RecordId record) {
+bool BasketListWindow::GoTo(RecordId record) {
     m_list.SelectOnly(record);
-    if (m_list.IsSelected(record)) SetFocus(m_list.Handle());
+    if (!m_list.IsSelected(record)) return false;
+    SetFocus(m_list.Handle());
+    return true;
 }
 
 void BasketListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

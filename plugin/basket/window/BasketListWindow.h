@@ -36,8 +36,8 @@ public:
     std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
     RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
     void RemoveSelected() override;
-    // Selects the row alone, if it is shown, and gives the list the focus.
-    void GoTo(RecordId record);
+    // Selects the row alone and gives the list the focus. False: a filter hides it.
+    [[nodiscard]] bool GoTo(RecordId record);
 
 private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

@@ -12,7 +12,7 @@ namespace planfold {
 
 namespace {
 
-constexpr framework::ReportList::Column kColumns[] = {{"Line", 50}, {"Reason", 220}, {"Text", 560}};
+constexpr framework::ReportList::Column kColumns[] = {{"Line", 50}, {"Reason", 360}, {"Text", 560}};
 enum { kLineColumn, kReasonColumn, kTextColumn };
 constexpr int kRowHeight = 15; // pixels at 96 DPI
 constexpr int kPages[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE};

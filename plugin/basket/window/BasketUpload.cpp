@@ -211,6 +211,7 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
         {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
+        {nullptr, 0},
         dayReport,
         compare,
     };
@@ -242,7 +243,8 @@ void CBasketUpload::OnButton(int button) {
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
     if (button != BasketPanel::kOpenCommand) return;
     if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
-    if (const RecordId row = m_panel.RowOf(m_panel.FirstSelected()); row != kNoRecord) m_list.GoTo(row);
+    const RecordId row = m_panel.RowOf(m_panel.FirstSelected());
+    if (row != kNoRecord && !m_list.GoTo(row)) ShowLast("A filter of the list hides this row.");
 }
 
 std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {

@@ -13,14 +13,17 @@ namespace planfold {
 
 namespace {
 
-void AppendEntries(HMENU menu, std::span<const MenuEntry> entries) {
-    for (const MenuEntry& entry : entries)
-        AppendMenuA(menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u), static_cast<UINT_PTR>(entry.command),
-                    entry.text);
-}
-
 void AppendSeparator(HMENU menu) {
     AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+}
+
+void AppendEntries(HMENU menu, std::span<const MenuEntry> entries) {
+    for (const MenuEntry& entry : entries)
+        if (entry.text)
+            AppendMenuA(menu, MF_STRING | (entry.greyed ? MF_GRAYED : 0u), static_cast<UINT_PTR>(entry.command),
+                        entry.text);
+        else
+            AppendSeparator(menu);
 }
 
 } // namespace
@@ -82,6 +85,7 @@ void RowMenu::Open(HWND parent, POINT at, CFilterListCtrl& list, std::span<const
     AppendEntries(menu.Get(), entries);
     if (!entries.empty()) AppendSeparator(menu.Get());
     AppendEntries(menu.Get(), several);
+    if (!several.empty()) AppendSeparator(menu.Get());
     list.AppendMenuEntries(menu.Get());
     if (!entries.empty()) AppendSeparator(menu.Get());
     Track(parent, at, menu.Get());
