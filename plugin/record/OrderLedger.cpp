@@ -143,7 +143,7 @@ OrderPlace OrderLedger::Enter(std::string name, const RecordTexts& sending) {
     ++m_counts[static_cast<std::size_t>(OrderState::sent)];
     if (order.ChangesRegistration()) return place;
     if (const std::string_view id = sending[RecordField::orderId]; !id.empty())
-        if (const auto [only, isOnly] = m_byId.try_emplace(std::string(id), place); !isOnly)
+        if (const auto [only, isSole] = m_byId.try_emplace(std::string(id), place); !isSole)
             only->second = kNoOrder;
     const auto [latest, isFirst] = m_alike.try_emplace(AskedForKey(sending), place);
     if (!isFirst) order.m_alikeBefore = std::exchange(latest->second, place);

@@ -169,8 +169,8 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
         EXPECT_EQ(text + "like " + std::to_string(ledger.StandingLike(Words(plan).texts).size()), known)
             << event;
     }
-    const RecordedOrder& order = ledger[ledger.Find(Words("order_id=o2").texts)];
-    EXPECT_EQ(order.Text(Field::registration), "S2");
+    const RecordedOrder& order = ledger[ledger.Find(Words("order_id=o1").texts)];
+    EXPECT_EQ(order.Text(Field::registration), "S1");
     EXPECT_EQ(order.Text(Field::account), "C1");
 }
 
