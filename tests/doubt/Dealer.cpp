@@ -87,6 +87,7 @@ private:
         }
         if (m_memory.isPlayed || step != fault.step || ++m_memory.came != m_round.at) return;
         m_memory.isPlayed = true;
+        m_isWell = false;
         switch (fault.play) {
         case Play::leave:
             m_record.OnSessionEnd();
@@ -109,8 +110,9 @@ private:
         }
     }
 
-    // What is late is not waited for.
-    void Pump() { Pump(m_memory.lateUntilMs ? 4 : 60); }
+    // What is late is not waited for, nor for long what may never come; a busy machine gets all the time it
+    // needs once nothing is wrong any more.
+    void Pump() { Pump(m_memory.lateUntilMs ? 4 : m_isWell ? 1000 : 60); }
     void Pump(std::int64_t longestMs) {
         const std::int64_t end = vesk::SteadyMs() + longestMs;
         do {
@@ -243,6 +245,7 @@ private:
         AskFor("heal");
         for (int i = 0; i < 500 && m_client.State() != vesk::LinkState::connected; ++i)
             Pump(5);
+        m_isWell = true;
     }
     void Compare() {
         m_isCompared = false;
@@ -366,6 +369,7 @@ private:
     const int m_year = ToLocal(time(nullptr)).year + 1; // in which all begin
     const Gate m_gate = [this](Step step) { Comes(step); };
     bool m_isArmed = false, m_isCompared = false;
+    bool m_isWell = false; // nothing is played, and the connection stands
     FakeHost m_host;
     RecordedNotices m_notices;
     DiskFiles m_files{m_gate};
