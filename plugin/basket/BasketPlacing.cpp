@@ -33,8 +33,12 @@ BasketPlacing::BasketPlacing(Pass pass, Session& session, RxControl* control, Ba
 
 BasketPlacing::~BasketPlacing() {
     for (; m_takenOfPortion < m_portion.size(); ++m_takenOfPortion)
-        m_session.record.Tell(m_portion[m_takenOfPortion].recorded, OrderEvent::notSent,
-                              "Placing was stopped before.");
+        TellNotSent(m_portion[m_takenOfPortion], "Placing was stopped before.");
+}
+
+// What was proven not to be registered still is not, and keeps its identifier.
+void BasketPlacing::TellNotSent(const Prepared& prepared, std::string_view why) {
+    m_session.record.Tell(prepared.recorded, prepared.isAbsent ? OrderEvent::absent : OrderEvent::notSent, why);
 }
 
 bool BasketPlacing::Step(Pass pass) {
@@ -109,7 +113,8 @@ void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
     }
     if (!prepared.goesOut || m_stopped || m_session.Ended()) return;
     // What is proven not to be registered is the same order still.
-    if (m_rows.State(placed.record) == RowState::absent)
+    prepared.isAbsent = m_rows.State(placed.record) == RowState::absent;
+    if (prepared.isAbsent)
         prepared.orderId = m_session.record.Ledger()[m_rows.OrderOf(placed.record)].Text(RecordField::orderId);
     if (prepared.orderId.value_or("").empty()) prepared.orderId = m_session.FreshIdentifier(pass);
 }
@@ -117,7 +122,7 @@ void BasketPlacing::Prepare(Pass pass, const Row& placed, Prepared& prepared) {
 RecordedOrder BasketPlacing::Recorded(const Row& placed, const Prepared& prepared) {
     const int line = m_rows.LineOf(placed.record);
     const std::string orderId = prepared.orderId.value_or("");
-    if (m_rows.State(placed.record) == RowState::absent) {
+    if (prepared.isAbsent) {
         const RecordedOrder again = m_session.record.Ledger()[m_rows.OrderOf(placed.record)];
         RecordTexts texts = again.Texts();
         texts[RecordField::orderId] = orderId;
@@ -129,7 +134,8 @@ RecordedOrder BasketPlacing::Recorded(const Row& placed, const Prepared& prepare
 }
 
 void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
-    const bool wasSent = m_rows.IsSent(placed.record);
+    // What is known of an earlier sending stays.
+    const bool wasSent = m_rows.IsSent(placed.record) || m_rows.State(placed.record) == RowState::absent;
     if (!prepared.goesOut) {
         if (!wasSent) m_rows.SetNotPlaced(placed.record, "Held back: it was not confirmed.");
         return;
@@ -147,7 +153,7 @@ void BasketPlacing::Send(Pass pass, const Row& placed, Prepared& prepared) {
     }
     if (const std::string text = failure.Text(); !text.empty()) m_failures.Add(text);
     m_unanswered.erase(prepared.place.serialNumber);
-    m_session.record.Tell(prepared.recorded, OrderEvent::notSent, failure.Text());
+    TellNotSent(prepared, failure.Text());
     // What was sent before may be registered all the same.
     if (!wasSent) m_rows.SetNotPlaced(placed.record, failure.Text());
 }

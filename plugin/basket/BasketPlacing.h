@@ -62,8 +62,10 @@ private:
         sSipOrderData order{};
         std::optional<std::string> orderId{};
         OrderPlace recorded = kNoOrder; // in the order record
+        bool isAbsent = false;          // it was sent before, and is proven not to be registered
     };
 
+    void TellNotSent(const Prepared& prepared, std::string_view why);
     void TellHost(Pass pass, const Row& placed);
     void AskHost(Pass pass);
     void PreparePortion(Pass pass);

@@ -155,7 +155,8 @@ std::string_view RequestOf(const RecordedOrder& order) {
 }
 
 std::array<MenuEntry, 2> RecordEntries(const Session& session) {
-    const bool isInDoubt = session.record.Ledger().Count(OrderState::inDoubt) > 0;
+    const OrderLedger& ledger = session.record.Ledger();
+    const bool isInDoubt = ledger.Count(OrderState::inDoubt) + ledger.Count(OrderState::absent) > 0;
     return {{{"Orders of a Day...", kDayReportCommand, session.userDirectory.empty()},
              {"Compare Orders in Doubt", kCompareCommand, !isInDoubt}}};
 }

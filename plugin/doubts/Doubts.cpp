@@ -44,8 +44,26 @@ void Doubts::OnResponse(void* message) {
 
 void Doubts::Compare() {
     if (m_comparison.IsUnderWay()) return m_view.ShowLast("The comparison with the book is under way.");
-    if (!m_comparison.Begin()) return m_view.ShowLast("No order of yours is in doubt.");
+    if (!m_comparison.Begin()) {
+        m_outcome = AbsentBefore();
+        if (!m_outcome) m_view.ShowLast("No order of yours is in doubt.");
+        return;
+    }
     m_session.LogLast("Comparing what is in doubt with the book: a box tells the outcome");
+}
+
+// What was compared before and not taken into the basket, or could not be.
+std::optional<BookComparison::Outcome> Doubts::AbsentBefore() const {
+    BookComparison::Outcome outcome;
+    const OrderLedger& ledger = m_session.record.Ledger();
+    for (std::size_t i = 0; i < ledger.Orders().size(); ++i) {
+        const RecordedOrder& order = ledger.Orders()[i];
+        if (order.State() == OrderState::absent && !order.ChangesRegistration()
+            && order.Text(RecordField::loginId) == m_session.identity.loginId)
+            outcome.absent.push_back(static_cast<OrderPlace>(i));
+    }
+    if (outcome.absent.empty()) return std::nullopt;
+    return outcome;
 }
 
 void Doubts::OnTime() {

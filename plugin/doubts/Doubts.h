@@ -44,6 +44,7 @@ public:
 
 private:
     void OnRegisteredTwice(OrderPlace place, std::string_view second) override;
+    std::optional<BookComparison::Outcome> AbsentBefore() const;
     bool KnowsStart();
     void TellAtStart();
     std::string DescribeDoubts() const;
