@@ -91,10 +91,6 @@ public:
     // The one that an event with these texts belongs to. An identifier alone is enough while one order has it.
     OrderPlace Find(const RecordTexts& texts) const;
     std::size_t Count(OrderState state) const { return m_counts[static_cast<std::size_t>(state)]; }
-    // Whether the server may still tell something of one.
-    bool HasOpen() const {
-        return Count(OrderState::sent) + Count(OrderState::inDoubt) + Count(OrderState::absent) > 0;
-    }
     // The new orders that ask for the same, the latest first.
     std::vector<OrderPlace> Like(const RecordTexts& order) const;
     // The same without those that are not in the book, nor may be.
