@@ -60,7 +60,7 @@ struct DiskRecord final : planfold::RecordFiles {
     ~DiskRecord() { std::fclose(file); }
     bool HasFolder() const override { return true; }
     std::optional<std::string> Read(const planfold::LocalDateTime&) override { return std::string(); }
-    bool Append(const planfold::LocalDateTime&, std::string_view lines, bool flush) override {
+    bool Append(const planfold::LocalDateTime&, std::string_view lines, bool flush, std::size_t&) override {
         return std::fwrite(lines.data(), 1, lines.size(), file) == lines.size() && std::fflush(file) == 0
                && (!flush || fdatasync(fileno(file)) == 0);
     }

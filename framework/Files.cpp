@@ -39,15 +39,15 @@ std::wstring NeighbourOf(std::wstring path) {
     return path.append(ending);
 }
 
-bool WriteAll(HANDLE file, const std::string& text) {
+// How much of it was written: less than all after a failure.
+std::size_t Write(HANDLE file, std::string_view text) {
     constexpr std::size_t piece = 1 << 24;
-    for (std::size_t at = 0; at < text.size();) {
+    std::size_t at = 0;
+    for (DWORD written = 1; written > 0 && at < text.size(); at += written) {
         const auto size = static_cast<DWORD>(std::min(piece, text.size() - at));
-        DWORD written = 0;
-        if (!WriteFile(file, text.data() + at, size, &written, nullptr) || written == 0) return false;
-        at += written;
+        if (!WriteFile(file, text.data() + at, size, &written, nullptr)) break;
     }
-    return true;
+    return at;
 }
 
 std::optional<std::string> Ask(decltype(GetOpenFileNameW)* dialog, HWND owner, const FileQuestion& question,
@@ -141,7 +141,8 @@ File OpenToAppend(const std::string& name) {
 }
 
 bool AppendLines(HANDLE file, std::string_view heading, std::string_view tornEnd, std::string_view lines,
-                 bool flush) {
+                 bool flush, std::size_t& whole) {
+    whole = 0;
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(file, &size)) return false;
     char last = '\n';
@@ -152,7 +153,11 @@ bool AppendLines(HANDLE file, std::string_view heading, std::string_view tornEnd
              && ReadFile(file, &last, 1, &read, nullptr)))
         return false;
     std::string text(isNew ? heading : last == '\n' ? std::string_view() : tornEnd);
-    return WriteAll(file, text.append(lines)) && (!flush || FlushFileBuffers(file));
+    const std::size_t start = text.size();
+    const std::size_t written = Write(file, text.append(lines));
+    const std::string_view there = lines.substr(0, std::max(written, start) - start);
+    whole = static_cast<std::size_t>(std::ranges::count(there, '\n'));
+    return written == text.size() && (!flush || FlushFileBuffers(file));
 }
 
 void MakeFolders(const std::string& name) {
@@ -187,7 +192,7 @@ std::string WriteWhole(const std::string& name, const std::string& text) {
     const HANDLE opened = CreateFileW(neighbour.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return failed(GetLastError());
     file.Reset(opened);
-    if (!WriteAll(file.Get(), text) || !FlushFileBuffers(file.Get())) {
+    if (Write(file.Get(), text) < text.size() || !FlushFileBuffers(file.Get())) {
         const DWORD error = GetLastError();
         file.Reset();
         return failed(error);

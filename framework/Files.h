@@ -47,9 +47,9 @@ void DropByteOrderMark(const std::string& name);
 // A file that several processes may append to at the same time; null when it cannot be opened or made.
 File OpenToAppend(const std::string& name);
 // Puts the lines at its end, behind the heading when it is new, and behind a line end when its last line has
-// none. False when something failed; a part of it may be there then. What is flushed is on the disk.
+// none. False when something failed; so many of the lines are there whole then. What is flushed is on the disk.
 bool AppendLines(HANDLE file, std::string_view heading, std::string_view tornEnd, std::string_view lines,
-                 bool flush);
+                 bool flush, std::size_t& whole);
 // And those above it.
 void MakeFolders(const std::string& name);
 

@@ -117,16 +117,30 @@ std::optional<std::vector<OrderPlace>> OrderRecord::Sending(std::span<const Reco
     ReadDays();
     const LocalDateTime now = m_now();
     if (!m_files.HasFolder()) return Enter(orders, now);
+    TellStraysNotSent();
     std::string lines;
     AppendSending(orders, now, lines);
-    if (!WriteLines(now, lines, true)) return std::nullopt;
-    return Enter(orders, now);
+    if (WriteLines(now, lines, true)) return Enter(orders, now);
+    m_strays.assign(orders.begin(), orders.begin() + static_cast<std::ptrdiff_t>(m_wholeLines));
+    return std::nullopt;
 }
 
 std::vector<OrderPlace> OrderRecord::SendingUnwritten(std::span<const RecordedOrder> orders) {
     const LocalDateTime now = m_now();
-    if (m_files.HasFolder()) AppendSending(orders, now, m_unwritten);
+    if (m_files.HasFolder()) AppendSending(orders.subspan(m_strays.size()), now, m_unwritten);
+    m_strays.clear();
     return Enter(orders, now);
+}
+
+// The dealer did not want them to go out.
+void OrderRecord::TellStraysNotSent() {
+    const std::string time = TimeText(m_now());
+    for (const RecordedOrder& order : std::exchange(m_strays, {})) {
+        RecordTexts texts = order.Texts();
+        texts[RecordField::time] = time;
+        texts[RecordField::event] = NameOf(OrderEvent::notSent);
+        AppendRecordLine(texts, m_unwritten);
+    }
 }
 
 void OrderRecord::AppendSending(std::span<const RecordedOrder> orders, const LocalDateTime& now,
@@ -181,15 +195,21 @@ bool OrderRecord::WriteLines(const LocalDateTime& now, std::string_view lines, b
     const std::string joined = m_unwritten.empty() ? std::string() : m_unwritten + std::string(lines);
     const std::string_view all = joined.empty() ? lines : std::string_view(joined);
     if (all.empty()) return true;
-    // Also after a failure a part of it may be there.
     EachLine(all, [&](std::string_view line) { m_ownLines.Increment(HashOf(line)); });
-    if (!m_files.Append(now, all, flush)) {
-        m_failedAt = now;
-        return false;
+    std::size_t whole = 0;
+    if (m_files.Append(now, all, flush, whole)) {
+        m_failedAt = {};
+        m_unwritten.clear();
+        return true;
     }
-    m_failedAt = {};
-    m_unwritten.clear();
-    return true;
+    m_failedAt = now;
+    // What is there is not written once more.
+    std::size_t end = 0;
+    for (; whole > 0 && end < m_unwritten.size(); --whole)
+        end = m_unwritten.find('\n', end) + 1;
+    m_unwritten.erase(0, end);
+    m_wholeLines = whole;
+    return false;
 }
 
 void OrderRecord::TellListeners(OrderPlace place) const {
@@ -288,6 +308,7 @@ void OrderRecord::OnTime() {
 }
 
 void OrderRecord::OnSessionEnd() {
+    TellStraysNotSent();
     if (!m_waiting.empty()) Refresh();
     for (const Waiting& waiting : std::exchange(m_waiting, {}))
         if (m_ledger[waiting.place].State() == OrderState::sent)

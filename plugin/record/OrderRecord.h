@@ -27,8 +27,8 @@ public:
     virtual std::optional<std::string> Read(const LocalDateTime& day) = 0;
     // Puts the lines at the end of the day's file, behind the heading when it is new, and behind kTornEnd when
     // a crash cut its last line short. What is flushed is on the disk when it returns; the rest outlives
-    // the process, but not the machine. False after a failure: a part of it may be there.
-    virtual bool Append(const LocalDateTime& day, std::string_view lines, bool flush) = 0;
+    // the process, but not the machine. False after a failure: so many of the lines are there whole then.
+    virtual bool Append(const LocalDateTime& day, std::string_view lines, bool flush, std::size_t& whole) = 0;
 
 protected:
     ~RecordFiles() = default;
@@ -96,7 +96,8 @@ public:
     // Before requests go out: what they ask for. Their places once it is on the disk, and where the host has no
     // folder for records; none when it cannot be written.
     std::optional<std::vector<OrderPlace>> Sending(std::span<const RecordedOrder> orders);
-    // The same when the dealer agrees that they go out without being on the disk; they follow once they can.
+    // The same when the dealer agrees that those which could not be written just now go out without being on
+    // the disk; they follow once they can.
     std::vector<OrderPlace> SendingUnwritten(std::span<const RecordedOrder> orders);
     // What became of it. What cannot be written now is written with the next event.
     void Tell(OrderPlace place, OrderEvent event, std::string_view text, std::string_view registration = {});
@@ -132,6 +133,7 @@ private:
     void Note(OrderPlace place, OrderEvent event, std::string_view text, std::string_view registration);
     // True when all that has happened, and these lines, are in the file. After a failure events wait a second.
     bool WriteLines(const LocalDateTime& now, std::string_view lines, bool flush);
+    void TellStraysNotSent();
     void TellListeners(OrderPlace place) const;
     OrderPlace OrderOf(const BookRow& row) const;
     void LookForTwice(OrderPlace place);
@@ -141,13 +143,15 @@ private:
     Clock m_now;
     OrderLedger m_ledger;
     std::vector<RecordListener*> m_listeners;
-    std::string m_unwritten;           // lines of events that have happened
-    std::deque<Waiting> m_waiting;     // the earliest first
-    std::set<std::string> m_toldTwice; // numbers
-    KeyCounts m_ownLines;              // hashes of those that ReadOn may meet
-    LocalDateTime m_failedAt{};        // when lines could not be written
-    LocalDateTime m_day{};             // whose file is read
-    std::size_t m_readTo = 0;          // of it, in characters
+    std::string m_unwritten;             // lines of events that have happened
+    std::vector<RecordedOrder> m_strays; // on the disk, of a portion that could not be written as a whole
+    std::size_t m_wholeLines = 0;        // of the lines handed to WriteLines that failed last
+    std::deque<Waiting> m_waiting;       // the earliest first
+    std::set<std::string> m_toldTwice;   // numbers
+    KeyCounts m_ownLines;                // hashes of those that ReadOn may meet
+    LocalDateTime m_failedAt{};          // when lines could not be written
+    LocalDateTime m_day{};               // whose file is read
+    std::size_t m_readTo = 0;            // of it, in characters
     std::size_t m_countAtStart = 0;
     bool m_isRead = false;
     bool m_knowsAbsent = false; // of an order, at any time

@@ -27,14 +27,18 @@ struct DiskFiles final : RecordFiles {
     static std::string NameOf(const LocalDateTime& day) { return TimeText(day).substr(0, 10) + ".csv"; }
     bool HasFolder() const override { return true; }
     std::optional<std::string> Read(const LocalDateTime& day) override { return FileText(NameOf(day)); }
-    bool Append(const LocalDateTime& day, std::string_view lines, bool flush) override {
+    bool Append(const LocalDateTime& day, std::string_view lines, bool flush, std::size_t& whole) override {
         gate(Step::append);
         const std::string before = FileText(NameOf(day));
         std::string text(before.empty() ? RecordHeading() : before.ends_with('\n') ? "" : kTornEnd);
+        const std::size_t start = text.size();
         text += lines;
         const int file = open(NameOf(day).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
         const std::size_t half = before.size() % text.size();
         bool isWritten = !refuses && write(file, text.data(), half) >= 0 && !isFull;
+        const std::size_t there = isWritten ? text.size() : refuses ? 0 : half;
+        whole = static_cast<std::size_t>(
+            std::count(text.begin() + std::min(start, there), text.begin() + there, '\n'));
         gate(Step::amid);
         isWritten = isWritten && write(file, text.data() + half, text.size() - half) >= 0;
         isWritten = isWritten && (!flush || fsync(file) == 0);

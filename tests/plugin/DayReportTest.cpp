@@ -22,7 +22,7 @@ protected:
     std::optional<std::string> Read(const LocalDateTime& day) override {
         return files.try_emplace(day, "").first->second;
     }
-    bool Append(const LocalDateTime&, std::string_view, bool) override { return false; }
+    bool Append(const LocalDateTime&, std::string_view, bool, std::size_t&) override { return false; }
     void ShowRows(bool anew) override { shown += anew ? "anew " : "more "; }
     void ShowRun() override { shown += "run "; }
     std::int64_t Milliseconds() const override { return now += 200; }

@@ -42,14 +42,16 @@ struct Files final : RecordFiles {
         if (of.Midnight() != day) return std::nullopt;
         return text;
     }
-    bool Append(const LocalDateTime&, std::string_view lines, bool) override {
-        if (writable || fails) text += lines;
+    bool Append(const LocalDateTime&, std::string_view lines, bool, std::size_t& whole) override {
+        const std::size_t end = writable ? lines.size() : lines.substr(0, room).rfind('\n') + 1;
+        whole = static_cast<std::size_t>(std::ranges::count(lines.substr(0, end), '\n'));
+        text += lines.substr(0, end);
         return writable;
     }
     std::string text;
     LocalDateTime day{2027, 3, 5};
     bool writable = true;
-    bool fails = false; // after it has written
+    std::size_t room = 0; // for characters, where it is not writable
 };
 
 TEST(RecordLine, AnyTextComesBackAndNoLineSpoilsAnother) {
@@ -211,12 +213,7 @@ TEST(OrderRecord, ReadsEachOfItsLinesOnceAndNotItsOwn) {
     OrderRecord record(files, [&] { return now; });
     const RecordedOrder first(Words("order_id=o1 client=C1 frequency=daily").texts);
     const RecordedOrder second(Words("order_id=o2 client=C2 frequency=daily").texts);
-    files.writable = false;
-    files.fails = true; // in the middle: its lines stand there all the same, and again once they can be written
-    EXPECT_FALSE(record.Sending({&first, 1}));
-    record.SendingUnwritten({&first, 1});
-    files.writable = true;
-    record.Sending({&second, 1});
+    record.Sending(std::vector{first, second});
     record.Tell(first, OrderEvent::registered, "", "S1");
     // Another terminal writes the same line in the same second, but earlier.
     const std::string line = files.text.substr(files.text.find("2027-03-05 15:00:00,registered"));
@@ -233,6 +230,35 @@ TEST(OrderRecord, ReadsEachOfItsLinesOnceAndNotItsOwn) {
     now.second = 30;
     record.OnTime();
     EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), 1u);
+}
+
+// Of orders without identifiers a line that stands there twice would be two orders.
+TEST(OrderRecord, WhatADiskTookBeforeItWasFullIsNotWrittenOnceMore) {
+    const std::vector<RecordedOrder> twins(2, RecordedOrder(Words("client=C1 frequency=daily").texts));
+    const RecordedOrder later(Words("client=C2 frequency=daily").texts);
+    for (const std::size_t room : {0, 60, 120}) {
+        for (const bool agrees : {false, true}) {
+            SCOPED_TRACE(std::to_string(room) + (agrees ? ", agrees" : ", does not agree"));
+            Files files;
+            LocalDateTime now{2027, 3, 5, 15, 0, 0};
+            OrderRecord record(files, [&] { return now; });
+            files.writable = false;
+            files.room = room;
+            ASSERT_FALSE(record.Sending(twins));
+            if (agrees)
+                for (const OrderPlace place : record.SendingUnwritten(twins))
+                    record.Tell(place, OrderEvent::registered, "", "S" + std::to_string(place));
+            files.writable = true;
+            now.second = 30;
+            record.Tell(record.Sending({&later, 1})->front(), OrderEvent::registered, "", "S9");
+            OrderRecord next(files, [&] { return now; });
+            next.OnTime();
+            const std::size_t written = agrees ? 2 : room / 60;
+            EXPECT_EQ(next.Ledger().Orders().size(), written + 1);
+            EXPECT_EQ(next.Ledger().Count(OrderState::done), agrees ? 3u : 1u);
+            EXPECT_EQ(next.Ledger().Count(OrderState::notSent), agrees ? 0u : room / 60);
+        }
+    }
 }
 
 // Some hosts give the same to all.

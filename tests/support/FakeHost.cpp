@@ -62,7 +62,7 @@ Received::Received(const Fields& fields) {
     m_reader = std::make_unique<qmx::MessageReader>(m_bytes);
 }
 
-bool RecordDouble::Append(const LocalDateTime&, std::string_view lines, bool) {
+bool RecordDouble::Append(const LocalDateTime&, std::string_view lines, bool, std::size_t&) {
     ++appends;
     if (writable) text.append(text.empty() ? RecordHeading() : std::string_view()).append(lines);
     return writable;

@@ -59,7 +59,7 @@ struct RecordDouble final : RecordFiles {
         if (of.Midnight() != day) return std::nullopt;
         return text;
     }
-    bool Append(const LocalDateTime&, std::string_view lines, bool) override;
+    bool Append(const LocalDateTime&, std::string_view lines, bool, std::size_t&) override;
     // The events in their order, each "event client registration text" as far as it has them.
     Texts Events() const;
 

@@ -23,14 +23,15 @@ std::optional<std::string> RecordFile::Read(const LocalDateTime& day) {
     return framework::Narrow(framework::Wide(*text, CP_UTF8), CP_ACP);
 }
 
-bool RecordFile::Append(const LocalDateTime& day, std::string_view lines, bool flush) {
+bool RecordFile::Append(const LocalDateTime& day, std::string_view lines, bool flush, std::size_t& whole) {
     if (std::string name = NameOf(day); !m_file || name != m_name) {
         framework::MakeFolders(framework::Utf8(m_session.userDirectory + kFolder));
         m_file = framework::OpenToAppend(name);
         m_name = std::move(name);
     }
     return m_file
-           && framework::AppendLines(m_file.Get(), RecordHeading(), kTornEnd, framework::Utf8(lines), flush);
+           && framework::AppendLines(m_file.Get(), RecordHeading(), kTornEnd, framework::Utf8(lines), flush,
+                                     whole);
 }
 
 } // namespace planfold

@@ -13,7 +13,7 @@ public:
 
     bool HasFolder() const override { return !m_session.userDirectory.empty(); }
     std::optional<std::string> Read(const LocalDateTime& day) override;
-    bool Append(const LocalDateTime& day, std::string_view lines, bool flush) override;
+    bool Append(const LocalDateTime& day, std::string_view lines, bool flush, std::size_t& whole) override;
 
 private:
     std::string NameOf(const LocalDateTime& day) const;
