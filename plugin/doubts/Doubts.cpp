@@ -30,13 +30,8 @@ const AnswerHandler<Doubts> Doubts::kAnswers[] = {
 };
 
 Doubts::Doubts(Session& session, DoubtsView& view, std::function<RxControl*()> control)
-    : m_session(session), m_view(view), m_control(control), m_comparison(session, std::move(control)) {
-    m_session.record.AddListener(*this);
-}
-
-void Doubts::OnRegisteredTwice(OrderPlace place, std::string_view second) {
-    m_twice.emplace_back(place, second);
-}
+    : m_session(session), m_view(view), m_comparison(session, control),
+      m_twins(session, view, std::move(control)) {}
 
 void Doubts::OnResponse(void* message) {
     if (!m_session.Ended()) Dispatch<Doubts>(*this, m_session, kAnswers, Answer(message));
@@ -74,14 +69,18 @@ void Doubts::OnTime() {
         m_session.LogLast(Counted(now - before, "request") + " in doubt: no answer came within 30 seconds");
     // Under a question it goes on: orders do as well.
     if (!m_session.life.Across([&](Pass pass) { m_comparison.OnTime(pass, m_view); }) || m_asking) return;
-    if (auto outcome = m_comparison.TakeOutcome()) m_outcome = std::move(outcome);
+    if (auto outcome = m_comparison.TakeOutcome()) {
+        m_outcome = std::move(outcome);
+        m_twins.LookForAll();
+    }
     const bool tellsStart = !m_isTold && KnowsStart();
-    if ((!tellsStart && m_twice.empty() && !m_outcome) || !m_view.MayAsk()) return;
+    if (m_isTold && !std::exchange(m_hasLooked, true)) m_twins.LookForAll();
+    if ((!tellsStart && !m_twins.MustAsk() && !m_outcome) || !m_view.MayAsk()) return;
     m_asking = true;
     if (tellsStart)
         TellAtStart();
-    else if (!m_twice.empty())
-        AskAboutTwice();
+    else if (m_twins.MustAsk())
+        m_twins.Ask();
     else
         TellOutcome();
     m_asking = false;
@@ -104,7 +103,7 @@ void Doubts::TellAtStart() {
     m_isTold = true;
     const std::string question =
         DescribeDoubts()
-        + "\nYes: compare with the book, which takes half a minute at most.\n"
+        + "\nYes: compare with the book, which takes half a minute or more.\n"
           "No: show the orders of the day.\nCancel: later, from the menu of the lists.";
     const auto choice = m_session.life.Across([&](Pass pass) { return m_view.Choose(pass, question); });
     if (choice == Choice::yes) Compare();
@@ -135,48 +134,6 @@ std::string Doubts::DescribeDoubts() const {
                 + " no answer.\n";
     }
     return text;
-}
-
-void Doubts::AskAboutTwice() {
-    const auto [place, second] = m_twice.front();
-    m_twice.pop_front();
-    const RecordedOrder& order = m_session.record.Ledger()[place];
-    const auto text = [&](RecordField field) { return std::string(order.Text(field)); };
-    const std::string question = "Registered twice: " + text(RecordField::registration) + " and " + second
-                                 + ", for " + text(RecordField::account) + " "
-                                 + text(RecordField::tradingSymbol) + " " + text(RecordField::frequency)
-                                 + ".\n\nCancel " + second + "?";
-    if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes)
-        Cancel(second);
-}
-
-void Doubts::Cancel(const std::string& number) {
-    const auto orderId = m_session.life.Across([&](Pass pass) { return m_session.FreshIdentifier(pass); });
-    if (!orderId) return;
-    const RecordedOrder recorded =
-        RecordedChange(m_session, kCancelSipOrder, number, {}, {}, orderId->value_or(""));
-    auto places = m_session.record.Sending({&recorded, 1});
-    if (!places) {
-        if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) != Reply::yes)
-            return;
-        places = m_session.record.SendingUnwritten({&recorded, 1});
-    }
-    sOrderinfo record;
-    OrderChanges key;
-    key[OrderField::registrationNumber] = number;
-    record.Apply(key);
-    Lifetime::Last([&](Pass pass) {
-        if (!SendCancelSipOrder(pass, m_session, m_control(), m_view, record, *orderId))
-            m_session.record.Tell(places->front(), OrderEvent::notSent, {});
-    });
-}
-
-void Doubts::HandleCancelled(const Answer& answer) {
-    const std::string number = ChangedNumber(answer);
-    RecordChanged(m_session, kCancelSipOrder, number, OrderEvent::cancelled, answer);
-    const std::string text = FieldText(answer.message, tag::userText);
-    m_view.ShowLast(answer.hasError ? number + " is not cancelled. " + DescribeRefusal(text, answer.errorCode)
-                                    : number + " Order Cancelled ");
 }
 
 void Doubts::TellOutcome() {

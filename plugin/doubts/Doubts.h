@@ -4,10 +4,9 @@
 
 #include "plugin/basket/BasketView.h"
 #include "plugin/doubts/BookComparison.h"
+#include "plugin/doubts/Twins.h"
 
-#include <deque>
 #include <string>
-#include <utility>
 
 namespace planfold {
 
@@ -26,13 +25,12 @@ protected:
     ~DoubtsView() = default;
 };
 
-class Doubts final : private RecordListener {
+class Doubts final {
 public:
     // The control may be null.
     Doubts(Session& session, DoubtsView& view, std::function<RxControl*()> control);
     Doubts(const Doubts&) = delete;
     Doubts& operator=(const Doubts&) = delete;
-    ~Doubts() { m_session.record.RemoveListener(*this); }
 
     // A window of the plug-in has come up.
     void OnPick() { m_isPicked = true; }
@@ -43,27 +41,24 @@ public:
     void Compare();
 
 private:
-    void OnRegisteredTwice(OrderPlace place, std::string_view second) override;
     std::optional<BookComparison::Outcome> AbsentBefore() const;
     bool KnowsStart();
     void TellAtStart();
     std::string DescribeDoubts() const;
-    void AskAboutTwice();
-    void Cancel(const std::string& number);
     void HandleListed(const Answer& answer) { m_comparison.OnResponse(answer); }
-    void HandleCancelled(const Answer& answer);
+    void HandleCancelled(const Answer& answer) { m_twins.OnCancelled(answer); }
     void TellOutcome();
 
     static const AnswerHandler<Doubts> kAnswers[];
 
     Session& m_session;
     DoubtsView& m_view;
-    const std::function<RxControl*()> m_control;
     BookComparison m_comparison;
-    std::deque<std::pair<OrderPlace, std::string>> m_twice; // and the later number
+    Twins m_twins;
     std::optional<BookComparison::Outcome> m_outcome;
     bool m_isPicked = false;
     bool m_isTold = false;
+    bool m_hasLooked = false; // for what an earlier session left registered twice
     bool m_asking = false;
 };
 

@@ -112,10 +112,17 @@ OrderPlace OrderLedger::Take(const RecordTexts& event) {
     std::string name = NameOfOrder(event);
     const OrderPlace known = Named(name);
     if (*kind != OrderEvent::sending) {
-        // Of several with its name, one that waits for an event.
-        OrderPlace place = known;
-        while (place != kNoOrder && !IsOpen(m_orders[place].State()))
-            place = m_orders[place].m_namedBefore;
+        // Of several with its name, one that waits for an event; of a second number, one that was absent.
+        const auto latest = [&](auto isIt) {
+            OrderPlace place = known;
+            while (place != kNoOrder && !isIt(m_orders[place]))
+                place = m_orders[place].m_namedBefore;
+            return place;
+        };
+        OrderPlace place = latest([](const RecordedOrder& order) { return IsOpen(order.State()); });
+        if (place == kNoOrder && known != kNoOrder && StateBy(*kind) == OrderState::done
+            && m_orders[known].Text(RecordField::registration) != event[RecordField::registration])
+            place = latest([](const RecordedOrder& order) { return order.State() == OrderState::absent; });
         if (place == kNoOrder) place = known;
         if (place != kNoOrder) SetState(m_orders[place], event, StateBy(*kind));
         return place;

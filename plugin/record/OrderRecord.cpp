@@ -271,7 +271,7 @@ void OrderRecord::OnRow(const BookRow& row) {
 }
 
 // What was sent again since it was proven not to be registered, under another identifier or none.
-void OrderRecord::LookForTwice(OrderPlace place) {
+void OrderRecord::LookForTwice(OrderPlace place) const {
     if (m_ledger[place].State() != OrderState::done || m_ledger[place].ChangesRegistration()) return;
     for (const OrderPlace like : m_ledger.StandingLike(m_ledger[place].Texts())) {
         const RecordedOrder& earlier = m_ledger[std::min(place, like)];
@@ -282,8 +282,13 @@ void OrderRecord::LookForTwice(OrderPlace place) {
     }
 }
 
-void OrderRecord::TellTwice(OrderPlace place, std::string_view second) {
-    if (second.empty() || !m_toldTwice.emplace(second).second) return;
+void OrderRecord::TellAllTwice() {
+    for (std::size_t i = 0; i < Ledger().Orders().size(); ++i)
+        if (!m_ledger.Orders()[i].AbsentAt().empty()) LookForTwice(static_cast<OrderPlace>(i));
+}
+
+void OrderRecord::TellTwice(OrderPlace place, std::string_view second) const {
+    if (second.empty()) return;
     for (RecordListener* listener : m_listeners)
         listener->OnRegisteredTwice(place, second);
 }

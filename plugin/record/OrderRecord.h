@@ -10,7 +10,6 @@
 #include <deque>
 #include <functional>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,7 +37,7 @@ class RecordListener {
 public:
     // More is known of the order. The host is not to be let in.
     virtual void OnOrder(OrderPlace) {}
-    // The book has the order under a second number as well.
+    // The book has the order under a second number as well. May be told again.
     virtual void OnRegisteredTwice(OrderPlace, std::string_view) {}
 
 protected:
@@ -109,6 +108,8 @@ public:
     bool AwaitsRows();
     // A row of the book, by the server's answer or its stream.
     void OnRow(const BookRow& row);
+    // Tells the listeners of all orders that were sent again and stand twice.
+    void TellAllTwice();
     // Some seconds have passed: what has waited too long for its answer is in doubt.
     void OnTime();
     // No answer comes any more.
@@ -136,8 +137,8 @@ private:
     void TellStraysNotSent();
     void TellListeners(OrderPlace place) const;
     OrderPlace OrderOf(const BookRow& row) const;
-    void LookForTwice(OrderPlace place);
-    void TellTwice(OrderPlace place, std::string_view second);
+    void LookForTwice(OrderPlace place) const;
+    void TellTwice(OrderPlace place, std::string_view second) const;
 
     RecordFiles& m_files;
     Clock m_now;
@@ -147,7 +148,6 @@ private:
     std::vector<RecordedOrder> m_strays; // on the disk, of a portion that could not be written as a whole
     std::size_t m_wholeLines = 0;        // of the lines handed to WriteLines that failed last
     std::deque<Waiting> m_waiting;       // the earliest first
-    std::set<std::string> m_toldTwice;   // numbers
     KeyCounts m_ownLines;                // hashes of those that ReadOn may meet
     LocalDateTime m_failedAt{};          // when lines could not be written
     LocalDateTime m_day{};               // whose file is read

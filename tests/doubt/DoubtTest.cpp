@@ -117,6 +117,7 @@ public:
         if (line[0] == 't') m_twice.insert(told[0]);
         if (line[0] == 'w') Count(wrong, line.substr(2));
     }
+    std::size_t CountTwice() const { return m_twice.size(); }
     void Judge(const Round& round, const Memory& memory) {
         JudgeOrders(round, memory);
         if (round.wish == Wish::changes) JudgeChanges(round);
@@ -248,7 +249,6 @@ private:
                 const std::string line = said.substr(0, end);
                 if (line[0] != '!') {
                     judgement.Hear(line);
-                    m_twice += line[0] == 't';
                     continue;
                 }
                 Do(round, line.substr(1));
@@ -313,6 +313,7 @@ private:
         m_lost += judgement.lost;
         m_doubled += judgement.doubled;
         m_wrong += judgement.wrong;
+        m_twice += judgement.CountTwice();
         if (judgement.texts.empty()) return;
         constexpr const char* wishes[] = {"basket", "form", "changes"};
         std::printf("--seed %u --round %u: %s of %d, %s%s%s%s%s%s\n%s", m_seed, number,

@@ -138,6 +138,56 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     EXPECT_EQ(session.record.Ledger().Orders().back().State(), OrderState::refused);
 }
 
+// The host gives no identifiers; what was absent comes late, after it was placed again.
+TEST_F(DoubtsTest, OrdersRegisteredTwiceAreToldTogetherAndToldAgainUntilTheyAreCancelled) {
+    Open();
+    session.host.pu_get_uuid = nullptr;
+    std::string lines;
+    for (char client = 'a'; client < 'm'; ++client)
+        lines += Line(std::string("C") + client);
+    Load(lines);
+    std::vector<RecordedOrder> orders;
+    StartDates dates;
+    for (const RecordId row : view.list.rows)
+        orders.emplace_back(AskedForBy(basket.Rows()[row].Texts(), dates));
+    for (int again = 0; again < 2; ++again) {
+        const auto places = session.record.Sending(orders);
+        for (const OrderPlace place : *places)
+            if (!again)
+                session.record.Tell(place, OrderEvent::inDoubt, ""),
+                    session.record.Tell(place, OrderEvent::absent, "");
+    }
+    for (OrderPlace place = 0; place < 24; ++place)
+        session.record.Tell(place, OrderEvent::registered, "", "S" + std::to_string(place));
+    const auto ask = [&] { // in a session of its own, after a crash
+        OrderRecord next(host.recordFiles, [this] { return host.recordTime; });
+        Session another(host.Lookup(), host.IdentityStrings(), host.strings, next);
+        another.OpenHandles(kPass, told);
+        Doubts doubts(another, told, [this] { return &control; });
+        for (int second = 0; second < 3; ++second)
+            Tick(doubts, 1);
+        for (const char* answer : {"12 userText=ok", "13 errorCode=9"})
+            doubts.OnResponse(
+                Received("echoedRequest=cancel_sip_order echoedNumber=S" + std::string(answer)).Message());
+        for (int number = 14; number < 24; ++number)
+            doubts.OnResponse(
+                Received("echoedRequest=cancel_sip_order userText=ok echoedNumber=S" + std::to_string(number))
+                    .Message());
+        return Taken(told.texts);
+    };
+    host.requests.clear();
+    const Texts texts = ask();
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_TRUE(texts[0].starts_with("Registered twice: S0 and S12, for Cl ARBORTEX-EQ monthly.\n"))
+        << texts[0];
+    EXPECT_TRUE(texts[0].ends_with(".\n... and 2 more\n\nCancel the later one of each, 12 in all?"))
+        << texts[0];
+    EXPECT_EQ(host.requests.size(), 12u);
+    EXPECT_EQ(texts[1], "11 orders are cancelled.\nS13 is not cancelled. Refused: (code 9).");
+    EXPECT_EQ(ask(), (Texts{"Registered twice: S1 and S13, for Ck ARBORTEX-EQ monthly.\n\nCancel S13?",
+                            "S13 is not cancelled. Refused: (code 9)."}));
+}
+
 TEST_F(DoubtsTest, TheNextSessionIsToldOnceAndKnowsTheFileAgain) {
     Open();
     view.files["b300.csv"] = Line("C1") + Line("C2") + Line("C3");
