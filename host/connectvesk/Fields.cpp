@@ -1,5 +1,9 @@
 #include "host/connectvesk/Fields.h"
 
+#include <algorithm>
+#include <optional>
+#include <vector>
+
 namespace qmx {
 namespace {
 
@@ -156,6 +160,18 @@ char* Append(Message& message, const FieldHeader& header) {
     return Succeed(error);
 }
 
+// A tag that stands twice among many, of which the filter tells nothing any more.
+std::optional<std::uint32_t> FindRepeated(const Message& message) {
+    std::vector<std::uint32_t> tags;
+    FoundField found;
+    for (std::uint32_t position = kHeaderSize; position < message.used && StepOver(message, position, found);)
+        tags.push_back(found.header.tag);
+    std::sort(tags.begin(), tags.end());
+    const auto twice = std::adjacent_find(tags.begin(), tags.end());
+    if (twice == tags.end()) return std::nullopt;
+    return *twice;
+}
+
 bool HoldsItsValues(const Message& message, const FoundField& found) {
     const char* from = message.bytes + found.values;
     std::uint32_t left = found.header.size;
@@ -290,6 +306,8 @@ int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error) {
     message.bytes = bytes.data;
     message.used = bytes.length;
     message.tags = TagFilter();
+    constexpr int mostLookedFor = 16; // with more, who sends a message could make it slow to open
+    int maybes = 0;
     for (std::uint32_t position = kHeaderSize; position < message.used;) {
         const std::uint32_t fieldStart = position;
         FoundField found;
@@ -298,11 +316,14 @@ int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error) {
             return Fail(error, kQmxCorrupt, "field %u does not hold the %u values it claims", found.header.tag,
                         found.header.count);
         if (FoundField before;
-            message.tags.MayHave(found.header.tag)
+            message.tags.MayHave(found.header.tag) && ++maybes <= mostLookedFor
             && FindBetween(message, kHeaderSize, fieldStart, found.header.tag, before, error) == 1)
             return Fail(error, kQmxCorrupt, "field %u stands twice", found.header.tag);
         message.tags.Add(found.header.tag);
     }
+    if (maybes > mostLookedFor)
+        if (const auto tag = FindRepeated(message))
+            return Fail(error, kQmxCorrupt, "field %u stands twice", *tag);
     message.resume = kHeaderSize;
     message.state = Message::State::reading;
     return Succeed(error);

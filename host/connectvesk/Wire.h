@@ -12,6 +12,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace qmx {
 
@@ -36,6 +37,14 @@ struct FieldHeader {
     std::uint32_t count;
     std::uint32_t size;
 };
+
+// Of a message that has been opened, and is whole.
+inline std::size_t CountFields(std::string_view message) {
+    std::size_t count = 0;
+    for (std::size_t position = kHeaderSize; position < message.size(); ++count)
+        position += kFieldHeaderSize + Load(message.data() + position + kFieldHeaderSize - kLengthSize);
+    return count;
+}
 
 // Which tags may be in a message: a clear bit says surely not. Saves the writer a scan for doubles and the
 // reader a scan for absent fields.

@@ -101,12 +101,16 @@ TEST(ReaderSweep, FieldsThatContradictThemselvesAreRefused) {
         return word(0x31584D51) + word(static_cast<std::uint32_t>(8 + fields.size())) + fields;
     };
     const std::string field = word(5) + word(1) + word(5) + word(1) + "x";
-    ASSERT_TRUE(qmx::MessageReader(message(field)).Good());
+    std::string many;
+    for (std::uint32_t tag = 6; tag < 2000; ++tag)
+        many += word(tag) + word(1) + word(4) + word(0);
+    ASSERT_TRUE(qmx::MessageReader(message(field + many)).Good());
     const struct {
         const char* fault;
         std::string fields;
     } rows[] = {
         {"the same field twice", field + field},
+        {"the same field twice, far apart among many", field + many + field},
         {"no values", word(5) + word(0) + word(0)},
         {"more values than there are", word(5) + word(2) + word(5) + word(1) + "x"},
         {"fewer values than there are", word(5) + word(1) + word(8) + word(0) + word(0)},

@@ -252,6 +252,11 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
     const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1});
     std::string damaged = hello;
     damaged.back() ^= 1;
+    qmx::MessageWriter many;
+    many.Start();
+    for (std::uint32_t tag = 1; tag <= net::kMostRequestFields + 1; ++tag)
+        many.Add(tag, "");
+    const std::string manyFields = many.Finish();
     const struct {
         std::string bytes;
         const char* reason; // empty: it goes on
@@ -268,6 +273,12 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {hello + hello, "a second hello"},
         {hello + Framed(net::OpenControl{1, 1}) + Framed(net::OpenControl{1, 1}), "a control opened twice"},
         {hello + Framed(net::ControlRequest{1, 1, "rubbish"}), "a request that is no message"},
+        {hello + Framed(net::ControlRequest{1, 1, manyFields}), "a request that is too long"},
+        {hello + Framed(net::ControlRequest{1, 1, std::string(net::kMostTerminalFrameBytes, 'x')}),
+         "a frame is too long"},
+        {hello + Framed(net::OpenControl{9, 1})
+             + Framed(net::Subscribe{9, 0, Subscription(net::kMostSubscribedFields + 1)}),
+         "a subscription to too much"},
         {hello + Framed(FrameType::subscribe, std::string(12, '\xFF')), "a frame that cannot be read"},
         {hello + Framed(net::RequestDone{1}), "a frame that a server sends"},
     };

@@ -70,7 +70,7 @@ std::optional<Frame> FrameReader::Next() {
     if (m_fault != FrameFault::none || left.size() < kHeaderBytes) return std::nullopt;
     // Judged before the rest has come: nobody waits for, or keeps, a megabyte that is refused in the end.
     const std::size_t length = qmx::Load(left.data());
-    if (length > kMostFrameBytes) return Fail(FrameFault::tooLong);
+    if (length > m_mostBytes) return Fail(FrameFault::tooLong);
     if (length == 0) return Fail(FrameFault::empty);
     if (left.size() - kHeaderBytes < length) return std::nullopt;
     const std::string_view rest = left.substr(kHeaderBytes, length);

@@ -62,7 +62,8 @@ const char* TextOf(FrameFault fault);
 // longest.
 class FrameReader {
 public:
-    explicit FrameReader(Checksum checksum = Checksum::crc32) : m_checksum(checksum) {}
+    explicit FrameReader(Checksum checksum = Checksum::crc32, std::size_t mostBytes = kMostFrameBytes)
+        : m_checksum(checksum), m_mostBytes(mostBytes) {}
 
     void Add(std::string_view bytes);
     // Nothing when the bytes so far hold no further frame, or after a fault. The payload is valid until Add.
@@ -73,6 +74,7 @@ private:
     std::optional<Frame> Fail(FrameFault fault);
 
     Checksum m_checksum;
+    std::size_t m_mostBytes; // of a frame
     std::string m_bytes;
     std::size_t m_read = 0; // of the bytes
     FrameFault m_fault = FrameFault::none;

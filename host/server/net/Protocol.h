@@ -30,6 +30,12 @@ namespace vesk::net {
 
 inline constexpr std::uint32_t kProtocolVersion = 2;
 
+// What a terminal sends is short.
+inline constexpr std::size_t kLongestRequest = std::size_t{32} * 1024;       // the message's bytes
+inline constexpr std::size_t kMostTerminalFrameBytes = kLongestRequest + 64; // with what stands around it
+inline constexpr std::size_t kMostRequestFields = 256;
+inline constexpr std::size_t kMostSubscribedFields = 64;
+
 struct Hello {
     static constexpr FrameType kType = FrameType::hello;
     std::uint32_t version = kProtocolVersion;

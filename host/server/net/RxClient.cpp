@@ -10,9 +10,8 @@ namespace {
 
 constexpr std::int64_t kShortestPauseMs = 200;
 constexpr std::int64_t kLongestPauseMs = 5000;
-constexpr std::int64_t kConnectMs = 5000;                     // until the server must have welcomed
-constexpr std::size_t kLongestRequest = kMostFrameBytes - 64; // less what stands around it
-constexpr std::size_t kMostRequests = 2'000'000;              // twice the largest basket
+constexpr std::int64_t kConnectMs = 5000;        // until the server must have welcomed
+constexpr std::size_t kMostRequests = 2'000'000; // twice the largest basket
 constexpr std::size_t kMostRequestBytes = std::size_t{1} << 30;
 constexpr std::size_t kMostCommands = 1000;
 // From which on nothing more is read.
@@ -73,7 +72,7 @@ void RxClient::Destroy(RxControl* control) {
 }
 
 std::uint64_t RxClient::Send(std::uint32_t control, std::string_view bytes) {
-    if (bytes.size() > kLongestRequest || m_requests.size() >= kMostRequests
+    if (bytes.size() > net::kLongestRequest || m_requests.size() >= kMostRequests
         || m_requestBytes + bytes.size() > kMostRequestBytes)
         return 0;
     const std::uint64_t number = m_lastRequest + 1;

@@ -34,7 +34,8 @@ const ServerSession::Step ServerSession::kSteps[] = {
 };
 
 ServerSession::ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits)
-    : m_server(server), m_commands(commands), m_limits(limits), m_reader(limits.checksum) {}
+    : m_server(server), m_commands(commands), m_limits(limits),
+      m_reader(limits.checksum, net::kMostTerminalFrameBytes) {}
 
 void ServerSession::Take(std::string_view bytes, std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
@@ -91,6 +92,8 @@ void ServerSession::On(const net::CloseControl& said) {
 void ServerSession::On(net::ControlRequest&& said) {
     const qmx::MessageReader reader(said.bytes);
     if (!reader.Good()) return Refuse("a request that is no message");
+    if (said.bytes.size() > net::kLongestRequest || qmx::CountFields(said.bytes) > net::kMostRequestFields)
+        return Refuse("a request that is too long");
     const std::int64_t delay = m_server.Config().FaultFor(qmx::Text(reader.Handle(), tag::requestName)).delayMs;
     m_asked.Add(m_nowMs + delay, std::move(said));
 }
@@ -103,6 +106,7 @@ void ServerSession::On(const net::Subscribe& said) {
     const auto kind = m_controlKinds.find(said.control);
     if (kind == m_controlKinds.end() || kind->second == kRxRequests)
         return Say(net::Unsubscribed{said.control, "there is no such stream control"});
+    if (said.fields.size() > net::kMostSubscribedFields) return Refuse("a subscription to too much");
     if (m_streams->Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
     if (const char* fault = m_streams->Subscribe(said.control, said.fields, said.isRenewed))
         return Say(net::Unsubscribed{said.control, fault});
