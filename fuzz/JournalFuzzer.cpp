@@ -28,12 +28,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text = fuzz::Text(data, size);
     const vesk::JournalText judged = vesk::ReadJournalText(text);
     std::string written;
+    vesk::JournalChain chain{.number = judged.chain.number - judged.records.size()};
     for (const std::string_view record : judged.records) {
-        written += vesk::JournalLine(record);
+        if (!judged.isOld) chain.AppendLine(written, record);
         CheckAll(record);
     }
-    Demand(written == text.substr(0, judged.end));
-    Demand((judged.torn || judged.damaged) != (judged.end == size));
+    Demand(judged.isOld || written == text.substr(0, judged.end));
+    Demand((judged.isTorn || !judged.damage.empty()) != (judged.end == size));
+    Demand(vesk::FindJournalFaults(text).empty() == (judged.end == size));
     // Here the content itself is read, without the checksum in the way.
     CheckAll(text);
     return 0;

@@ -59,6 +59,7 @@ std::size_t Registrations::Enter(Registration registration) {
     for (const std::uint32_t tag : kOrderedBy)
         if (const std::string_view text = registration.Ordered(tag); !text.empty())
             m_byOrdered.emplace(KeyOf(text), place->second);
+    m_lastSequence = std::max(m_lastSequence, SequenceIn(registration.Number(), kNumberPrefix.size()));
     m_all.push_back(std::move(registration));
     return place->second;
 }

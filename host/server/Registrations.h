@@ -40,6 +40,8 @@ public:
     const Registration& At(std::size_t place) const { return m_all[place]; }
     // Null when the number is unknown.
     const Registration* Find(std::string_view number) const;
+    // Behind those of all that are here.
+    std::size_t NextSequence() const { return m_lastSequence + 1; }
     // The one that the login's request with this text in tag::orderId, or of this name in tag::requestName, has
     // registered; null when it has not.
     const Registration* FindOrdered(std::uint32_t tag, std::string_view text, std::string_view loginId) const;
@@ -65,6 +67,7 @@ private:
     std::unordered_multimap<std::size_t, std::size_t> m_byOrdered;
     std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
     std::size_t m_orderCount = 0;
+    std::size_t m_lastSequence = 0; // the highest of any registration
     std::vector<UpdateListener*> m_listeners;
 };
 

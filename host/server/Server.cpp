@@ -52,7 +52,7 @@ std::chrono::year_month_day StartOf(void* request, const Clockwork& clock) {
     return clock.DateAt(WholeNumber(qmx::Text(request, tag::startDate)).value_or(0));
 }
 
-// The `sequence`th of all.
+// Under this sequence number.
 Registration MakeRegistration(void* request, const Clockwork& clock, std::size_t sequence,
                               std::string_view sentAs) {
     Registration registration;
@@ -156,7 +156,7 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
-    const Registration registration = MakeRegistration(request, m_clock, m_registrations.Size() + 1, sentAs);
+    const Registration registration = MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
 }

@@ -72,6 +72,8 @@ public:
 
     // They are in the order in which they were registered.
     const std::vector<Registration>& Registrations() const { return m_registrations.All(); }
+    // Of the next registration's number.
+    std::size_t NextSequence() const { return m_registrations.NextSequence(); }
     // Null when the number is unknown.
     const Registration* Find(std::string_view number) const { return m_registrations.Find(number); }
     // Which journal record this server could not read; it then refuses every request. Empty when all is well.

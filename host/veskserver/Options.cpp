@@ -24,11 +24,16 @@ bool ReadHelp(ServerOptions& options, std::string_view) {
     return options.help = true;
 }
 
+bool ReadCheckJournal(ServerOptions& options, std::string_view) {
+    return options.checksJournal = true;
+}
+
 constexpr OptionRow<ServerOptions> kOptions[] = {
     {"--port", ReadPort},
     {"--journal", ReadText<&ServerOptions::journal>},
     {"--config", ReadText<&ServerOptions::config>},
     {"--data", ReadData},
+    {"--check-journal", ReadCheckJournal, ""},
     {"--help", ReadHelp, ""},
 };
 
@@ -39,6 +44,7 @@ constinit const std::string_view kServerHelp = R"(NAME
 
 SYNOPSIS
     veskserver --port N --journal FILE [--config FILE] [--data FOLDER]
+    veskserver --check-journal --journal FILE
     veskserver --help
 
 DESCRIPTION
@@ -79,7 +85,11 @@ DESCRIPTION
 OPTIONS
     --port N         0, as without it: one that the system chooses
     --journal FILE   every change, on the disk before it is answered; made when
-                     there is none. Only one server at a time can have it open
+                     there is none. Only one server at a time can have it open.
+                     Beside it stand FILE.head (how far it was written: an end that
+                     is missing stops the start) and FILE.torn (what crashes tore)
+    --check-journal  tells all that is wrong with the journal, a line each with its
+                     place, and changes nothing
     --config FILE    frequencies and faults to play, as data/server.json
     --data FOLDER    where "journal" and "server.json" are, unless they are named, and
                      the market: "scrips.csv", "clients.csv", "nontrading.csv". In
@@ -87,7 +97,8 @@ OPTIONS
                      one of these four is told and done without
 
 EXIT STATUS
-    0    it was told to end
+    0    it was told to end; the journal has no fault
+    1    the journal has faults
     2    the words of the command were wrong, the port was taken, or a file could
          not be used; standard error says which
 

@@ -154,6 +154,19 @@ int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& us
     return 0;
 }
 
+int CheckJournal(const std::string& name) {
+    constexpr int faulty = 1;
+    const auto text = ReadWholeFile(name);
+    if (!text) return Fail(text.Fault().Text());
+    std::vector<std::string> faults = FindJournalFaults(text.Value());
+    const auto head = ReadWholeFile(name + ".head");
+    const std::string missing = head ? MissingBy(head.Value(), ReadJournalText(text.Value())) : "";
+    if (faults.empty() && !missing.empty()) faults.push_back(missing);
+    for (const std::string& fault : faults)
+        std::printf("%s\n", fault.c_str());
+    return faults.empty() ? 0 : faulty;
+}
+
 int Run(std::span<const std::string> words) {
     ServerOptions options;
     if (const auto complaint = ReadServerOptions(words, options))
@@ -162,6 +175,7 @@ int Run(std::span<const std::string> words) {
         std::fwrite(kServerHelp.data(), 1, kServerHelp.size(), stdout);
         return 0;
     }
+    if (options.checksJournal) return CheckJournal(options.journal);
     ConfigResult config{ServerConfig{}, {}};
     if (!options.config.empty()) config = LoadServerConfig(options.config);
     if (!config.config) return Fail(config.error);

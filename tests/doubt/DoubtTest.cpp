@@ -225,7 +225,8 @@ public:
 private:
     void MakeServer() {
         m_server.reset();
-        std::filesystem::remove("journal");
+        for (const char* name : {"journal", "journal.head"})
+            std::filesystem::remove(name);
         m_server = std::make_unique<ServerProcess>(m_program);
     }
     // False once the dealer has come to his end.

@@ -14,7 +14,7 @@ stage=$top/${PLAY_FOLDER:-terminal}
 export LC_ALL=C.UTF-8 # by which names of files are read
 mkdir "$stage"
 cp -r "$dist/." "$stage"
-rm -rf "$stage/data/user" "$stage/data/journal"
+rm -rf "$stage/data/user" "$stage"/data/journal*
 log=$out/$(basename "$script" .script).log
 rm -f "$log"
 

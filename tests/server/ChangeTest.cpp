@@ -90,7 +90,7 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
         EXPECT_EQ(running->server->Find(kNumber)->Json(), expected.Json()) << what;
         EXPECT_EQ(counter.updates, isChange) << what;
         EXPECT_TRUE(!isChange || counter.last == expected) << what;
-        EXPECT_EQ(FileText(path), journal + (isChange ? JournalLine(expected.Json()) : "")) << what;
+        EXPECT_EQ(FileText(path), isChange ? JournalOf({expected.Json()}, journal) : journal) << what;
     }
 
     // After a restart all is as it was, and neither request that was identified is carried out again.

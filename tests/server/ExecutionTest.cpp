@@ -30,7 +30,7 @@ TEST(RestrictedDays, AreSetYearByYearOrRefusedAndThereAfterARestart) {
     };
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
-    WriteFileText(path, JournalLine("{\"registration\":{\"64804\":\"OLD\"}}"));
+    WriteJournal(path, JournalOf({"{\"registration\":{\"64804\":\"OLD\"}}"}));
     const std::string set = "echoedRequest=calendar_add_restricted_dates",
                       get = "echoedRequest=calendar_get_restricted_dates";
     std::string held;
@@ -168,7 +168,7 @@ TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     const std::string whole = FileText(path);
     const std::size_t lastFills = fills[Field(orders.back(), tag::orderNumber)];
     for (std::size_t length = whole.rfind('\n', whole.size() - 2) + 1; length < whole.size(); length += 61) {
-        WriteFileText(path, whole.substr(0, length));
+        WriteJournal(path, whole.substr(0, length));
         RunningServer torn(path);
         EXPECT_EQ(Rows(torn, "orders").size(), orders.size());
         EXPECT_EQ(Rows(torn, "trades").size(), trades.size() - lastFills + 1);

@@ -88,7 +88,7 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
     };
     const TemporaryFolder folder;
     for (const auto& row : rows) {
-        std::filesystem::remove(folder.File("journal"));
+        WriteJournal(folder.File("journal"), "");
         RunningServer running(folder.File("journal"), Config(row.nonTrading));
         running.Ask(Plan(*ParseRecordDate(row.start), row.frequency, row.periods));
         const std::string number(running.server->Registrations()[0].Number());
@@ -224,7 +224,7 @@ private:
             if (crashes-- <= 0) continue;
             m_running.reset();
             const auto written = std::filesystem::file_size(m_path) - before;
-            std::filesystem::resize_file(m_path, before + m_random() % (written + 1));
+            WriteJournal(m_path, FileText(m_path).substr(0, before + m_random() % (written + 1)));
             Start();
         }
         const std::vector<Registration> held = m_running->server->Registrations();
@@ -284,7 +284,7 @@ TEST(Instalments, NeitherChangesNorCrashesNorClosedDaysRepeatOrLoseOne) {
     const TemporaryFolder folder;
     for (unsigned seed = 1; seed <= 10 && !HasFatalFailure(); ++seed) {
         SCOPED_TRACE(seed);
-        std::filesystem::remove(folder.File("journal"));
+        WriteJournal(folder.File("journal"), "");
         Story(folder.File("journal"), seed).Play();
     }
 }

@@ -11,19 +11,18 @@
 namespace vesk {
 namespace {
 
-std::string ThreeLines() {
-    return JournalLine("{\"a\":1}") + JournalLine("") + JournalLine("{\"c\":3}");
-}
+const std::vector<std::string> kThree{"{\"a\":1}", "", "{\"c\":3}"};
 
 TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
     const TemporaryFolder folder;
-    const std::string whole = ThreeLines();
+    const std::string whole = JournalOf(kThree);
     const auto path = folder.File("journal");
+    std::string torn;
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         const std::string left = whole.substr(0, length);
         const auto kept = static_cast<std::size_t>(std::count(left.begin(), left.end(), '\n'));
         const std::size_t end = kept ? left.rfind('\n') + 1 : 0;
-        WriteFileText(path, left);
+        WriteJournal(path, left);
         {
             JournalOpening opening = Journal::Open(path);
             ASSERT_TRUE(opening.journal) << "at " << length << ": " << opening.error;
@@ -32,42 +31,116 @@ TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
             if (end != length) {
                 EXPECT_NE(opening.warning.find(path.string()), std::string::npos);
                 EXPECT_NE(opening.warning.find("offset " + std::to_string(end)), std::string::npos);
+                torn += left.substr(end) + "\n";
             }
             std::string error;
             ASSERT_TRUE(opening.journal->Append("{\"d\":4}", error)) << error;
         }
-        EXPECT_EQ(FileText(path), whole.substr(0, end) + JournalLine("{\"d\":4}")) << "at " << length;
+        EXPECT_EQ(FileText(path), JournalOf({"{\"d\":4}"}, whole.substr(0, end))) << "at " << length;
+        EXPECT_EQ(FileText(folder.File("journal.torn")), torn) << "what a crash tore is kept";
     }
 }
 
-TEST(Journal, AnyChangedByteIsDamageUnlessItTearsTheLastRecord) {
-    const std::string whole = ThreeLines();
-    for (std::size_t i = 0; i < whole.size(); ++i)
-        for (int bit = 0; bit < 8; ++bit) {
-            std::string changed = whole;
-            changed[i] = static_cast<char>(changed[i] ^ (1 << bit));
-            const JournalText judged = ReadJournalText(changed);
-            const bool lastLineEnd = i + 1 == whole.size();
-            EXPECT_EQ(judged.damaged, !lastLineEnd) << "byte " << i << " bit " << bit;
-            EXPECT_EQ(judged.torn, lastLineEnd) << "byte " << i << " bit " << bit;
-            const auto before = static_cast<std::size_t>(
-                std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i), '\n'));
-            EXPECT_EQ(judged.records.size(), before);
-        }
-}
-
-TEST(Journal, DamageIsToldWithPathRecordAndOffsetAndNothingIsChanged) {
+// Whatever happens to a record that was answered, the journal is not opened, and nothing is changed.
+TEST(Journal, NoRecordIsLostChangedOrMovedUnseen) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
-    std::string text = ThreeLines();
-    const std::size_t second = text.find('\n') + 1;
-    text[second + 4] = 'x';
-    WriteFileText(path, text);
+    std::vector<std::string> lines, contents;
+    std::string whole, head;
+    {
+        const JournalOpening opening = Journal::Open(path);
+        std::string error;
+        for (int i = 0; i < 12; ++i) {
+            contents.push_back("{\"registration\":" + std::to_string(i) + "}");
+            ASSERT_TRUE(opening.journal->Append(contents.back(), error)) << error;
+            lines.push_back(FileText(path).substr(whole.size()));
+            whole = FileText(path);
+        }
+        head = FileText(folder.File("journal.head"));
+    }
+    std::size_t looked = 0;
+    const auto expectRefused = [&](const std::string& text, const std::string& what) {
+        ++looked;
+        WriteFileText(path, text);
+        WriteFileText(folder.File("journal.head"), head);
+        const JournalOpening opening = Journal::Open(path);
+        EXPECT_FALSE(opening.journal) << what;
+        EXPECT_NE(opening.error, "") << what;
+        EXPECT_EQ(FileText(path), text) << what;
+        // A last line that may be torn, or is gone as a whole, only the head knows.
+        EXPECT_EQ(FindJournalFaults(text).empty() && MissingBy(head, ReadJournalText(text)).empty(), false)
+            << what;
+    };
+    const auto joined = [](const std::vector<std::string>& some) {
+        std::string text;
+        for (const std::string& line : some)
+            text += line;
+        return text;
+    };
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::string place = " record " + std::to_string(i + 1);
+        const auto at = lines.begin() + static_cast<std::ptrdiff_t>(i);
+        std::vector<std::string> changed(lines.begin(), at);
+        changed.insert(changed.end(), at + 1, lines.end());
+        expectRefused(joined(changed), "deleted" + place);
+        changed = lines;
+        changed.insert(changed.begin() + static_cast<std::ptrdiff_t>(i), lines[i]);
+        expectRefused(joined(changed), "doubled" + place);
+        changed = lines;
+        changed.push_back(lines[i]);
+        expectRefused(joined(changed), "repeated" + place);
+        if (i > 0) {
+            changed = lines;
+            std::swap(changed[i], changed[i - 1]);
+            expectRefused(joined(changed), "swapped" + place);
+        }
+        const std::size_t start = joined({lines.begin(), at}).size();
+        for (std::size_t length = start; length < start + lines[i].size(); ++length)
+            expectRefused(whole.substr(0, length), "cut" + place);
+        expectRefused(whole.substr(0, start) + std::string(whole.size() - start, '\0'), "zeros from" + place);
+        std::string zeros = whole;
+        zeros.replace(start, lines[i].size() - 1, lines[i].size() - 1, '\0');
+        expectRefused(zeros, "zeros in" + place);
+        // The same with a checksum that is good for itself.
+        changed = lines;
+        JournalChain chain = ReadJournalText(joined({lines.begin(), at})).chain;
+        changed[i].clear();
+        chain.AppendLine(changed[i], "{\"registration\":99}");
+        expectRefused(joined(changed), "another" + place);
+    }
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        std::string changed = whole;
+        changed[i] = static_cast<char>(changed[i] ^ (1 << i % 8));
+        expectRefused(changed, "byte " + std::to_string(i));
+    }
+    expectRefused("another program's file", "another program's file");
+    expectRefused("", "an empty file");
+    EXPECT_GT(looked, 800u);
+
+    WriteFileText(path, joined({lines[0], lines[2], lines[3], "V2R 5 rubbish\n", lines[5], lines[5]}));
     const JournalOpening opening = Journal::Open(path);
-    EXPECT_FALSE(opening.journal);
     EXPECT_EQ(opening.error, "journal " + path.string() + " is damaged: record 2 at offset "
-                                 + std::to_string(second) + " does not match its checksum");
-    EXPECT_EQ(FileText(path), text);
+                                 + std::to_string(lines[0].size()) + " does not follow the one before");
+    EXPECT_EQ(FindJournalFaults(FileText(path)).size(), 4u) << "each once, with its place";
+}
+
+TEST(Journal, OlderOneIsTakenOverOnceAndItsNumbersGoOn) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    const std::string old = "V1 561bacaf {\"a\":1}\nV1 00000000 \n";
+    for (const auto& [left, records] : {std::pair(old, 2u), {old + "V1 4bd", 2u}, {old.substr(0, 20), 1u}}) {
+        WriteJournal(path, left);
+        EXPECT_EQ(Journal::Open(path).records.size(), records);
+        const JournalOpening again = Journal::Open(path);
+        EXPECT_EQ(again.records.size(), records);
+        EXPECT_TRUE(FileText(path).starts_with("V2F " + std::to_string(records + 1) + " "));
+    }
+    for (const std::string& left :
+         {old + "V2R 3 00000000 \n", std::string("V1 561bacae {\"a\":1}\n"), old + "x"}) {
+        WriteJournal(path, left);
+        EXPECT_FALSE(Journal::Open(path).journal);
+        EXPECT_EQ(FileText(path), left);
+    }
 }
 
 TEST(Journal, SecondServerAndRecordOfTwoLinesAreKeptOut) {
@@ -107,10 +180,9 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         EXPECT_FALSE(running.server->IsJournalStale());
     }
     const std::string few = FileText(path);
-    std::string old = few;
-    for (int i = 0; i < 1001; ++i)
-        old += few.substr(few.rfind('\n', few.size() - 2) + 1);
-    WriteFileText(path, old);
+    const std::string last(ReadJournalText(few).records.back());
+    const std::string old = JournalOf(std::vector<std::string>(1001, last), few);
+    WriteJournal(path, old);
     const std::string before = state();
     std::string compacted;
     {
@@ -133,11 +205,11 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
     for (std::size_t length = 0; length <= compacted.size(); length += compacted.size() / 7)
         crashes.emplace_back(old, compacted.substr(0, length));
     for (const auto& [inPlace, left] : crashes) {
-        WriteFileText(path, inPlace);
+        WriteJournal(path, inPlace);
         WriteFileText(beside, left);
         EXPECT_EQ(state(), before);
         EXPECT_EQ(RunningServer(path).server->CompactJournal(), "");
-        EXPECT_EQ(FileText(path), compacted);
+        EXPECT_EQ(ReadJournalText(FileText(path)).records, ReadJournalText(compacted).records);
         EXPECT_FALSE(std::filesystem::exists(beside));
         EXPECT_EQ(state(), before);
     }
@@ -200,7 +272,7 @@ TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {
     EXPECT_NE(error, "");
     EXPECT_EQ(FileText(path), before);
     EXPECT_TRUE(opening.journal->Append("{\"third\":3}", error)) << error;
-    EXPECT_EQ(FileText(path), before + JournalLine("{\"third\":3}"));
+    EXPECT_EQ(FileText(path), JournalOf({"{\"third\":3}"}, before));
 }
 #endif
 

@@ -19,14 +19,14 @@ const std::string kHeld[] = {
 };
 
 void WriteHeld(const std::filesystem::path& journal) {
-    std::string text;
+    std::vector<std::string> contents;
     for (const std::string& held : kHeld) {
         Registration registration;
         for (const auto& [tag, field] : Fields(held))
             registration.Set(tag, field);
-        text += JournalLine(registration.Json());
+        contents.push_back(registration.Json());
     }
-    WriteFileText(journal, text);
+    WriteJournal(journal, JournalOf(contents));
 }
 
 TEST(Query, GivesTheRowsOfWhoAsksOrOneBareAnswerOrARefusal) {
@@ -85,7 +85,7 @@ const SampleMarket kMarket{{"CL1", "CL2"},
 std::string AllRecords(const Server& server) {
     std::string text;
     for (const Registration& registration : server.Registrations())
-        text += JournalLine(registration.Json());
+        text += registration.Json() + "\n";
     return text;
 }
 

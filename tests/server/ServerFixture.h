@@ -23,6 +23,19 @@ inline void WriteFileText(const std::filesystem::path& path, std::string_view te
     std::ofstream(path, std::ios::binary).write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
+// The text of a journal with these contents behind those that it has.
+inline std::string JournalOf(const std::vector<std::string>& contents, std::string text = {}) {
+    JournalChain chain = ReadJournalText(text).chain;
+    for (const std::string& content : contents)
+        chain.AppendLine(text, content);
+    return text;
+}
+// As if it had never been another one.
+inline void WriteJournal(std::filesystem::path path, std::string_view text) {
+    WriteFileText(path, text);
+    std::filesystem::remove(path += ".head");
+}
+
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -50,7 +50,7 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
         EXPECT_EQ(running.Ask(Order("cautionaryFlag=Y")), Answers{kRegistered});
         EXPECT_EQ(running.server->Registrations()[0].Text(tag::cautionaryFlag), "Y");
         record = running.server->Find("SIP2603020000001")->Json();
-        EXPECT_EQ(FileText(path), JournalLine(record));
+        EXPECT_EQ(FileText(path), JournalOf({record}));
     }
     RunningServer again(path);
     ASSERT_EQ(again.server->Registrations().size(), 1u);
@@ -149,7 +149,7 @@ TEST(Server, OrderSentAgainIsOneOrderAndAnotherUnderItsIdentifierIsRefused) {
     const std::string placed = record.substr(record.find('{'));
     std::string cancelled = placed;
     cancelled.replace(cancelled.find("id-1"), 4, "cancel");
-    WriteFileText(path, JournalLine(placed) + JournalLine(cancelled));
+    WriteJournal(path, JournalOf({placed, cancelled}));
     running.emplace(path);
     EXPECT_EQ(running->Ask(first), Answers{kRegistered});
     EXPECT_EQ(running->server->Registrations()[0].Text(tag::orderId), "id-1");
@@ -163,7 +163,7 @@ TEST(Server, RecordOfAnotherKindStopsItFromServing) {
           "{\"restricted\":{\"46000\":\"2026\",\"49165\":\"6\",\"63025\":\"5\"}}",
           "{\"order\":{\"64804\":\"A\"},\"trades\":[]}"}) {
         const TemporaryFolder folder;
-        WriteFileText(folder.File("journal"), JournalLine(content));
+        WriteJournal(folder.File("journal"), JournalOf({content}));
         RunningServer running(folder.File("journal"));
         EXPECT_EQ(running.server->ReplayError(), "journal record 1 is not one this server knows") << content;
         EXPECT_EQ(running.Ask(kAskMode), Answers{"echoedRequest=get_sip_operation_mode errorCode=106 userText="

@@ -136,6 +136,11 @@ bool DurableFile::Append(std::string_view bytes, std::string& error) {
     return Flush(m_descriptor) == 0 || FailWith(error, "cannot be flushed");
 }
 
+void DurableFile::Overwrite(std::string_view bytes) {
+    if (SeekTo(m_descriptor, 0, SEEK_SET) == 0)
+        static_cast<void>(WriteSome(m_descriptor, bytes.data(), bytes.size()));
+}
+
 bool DurableFile::Replace(const std::filesystem::path& from, const std::filesystem::path& to,
                           std::string& error) {
     std::error_code fault;

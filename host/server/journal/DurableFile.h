@@ -22,6 +22,8 @@ public:
     bool ReadAll(std::string& text, std::string& error);
     // Writes at the end and flushes to the disk. After a failure part of `bytes` may stand in the file.
     bool Append(std::string_view bytes, std::string& error);
+    // Puts the bytes in place of as many at the start. Nothing is flushed, and a failure is not told.
+    void Overwrite(std::string_view bytes);
     // Puts one file in another's place, which is the old or the new one at any time. Neither is open.
     static bool Replace(const std::filesystem::path& from, const std::filesystem::path& to, std::string& error);
     // Until then a crash may undo the replacement. The file is not open.

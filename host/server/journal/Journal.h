@@ -1,12 +1,14 @@
 // The server's journal: every accepted change as one line of text, on the disk before it is answered.
 //
-// A line is "V1 ", the CRC-32 of the content as eight hex digits, a blank, the content (one JSON text
-// without line breaks), and a line feed. A last line without its line feed was torn by a crash: it was
-// never answered, so it is dropped. Any other line that does not check is damage, and nothing is opened.
+// A last line that a crash tore was never answered: it is put into a file beside, ".torn". Any other text that
+// is not what was written is damage, and nothing is opened; so is an end before the record that the file
+// ".head" names, in which stands how far the journal was.
 //
 // Thread: one at a time. Owner: the journal holds its file open and locked against a second server, and so is a
 // file beside it, ".lock", because the journal's own is let go for the moment in which it is replaced.
 #pragma once
+
+#include "host/server/journal/JournalText.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -21,7 +23,7 @@ namespace vesk {
 class DurableFile;
 struct JournalOpening;
 
-// Records that are put on the disk together, as text already: many small blocks of memory would outlive it.
+// Records that are put on the disk together, as one text: many small blocks of memory would outlive it.
 class JournalBatch {
 public:
     void Add(std::string_view content);
@@ -29,7 +31,7 @@ public:
 private:
     friend class Journal;
     friend class JournalCopy;
-    std::string m_lines;
+    std::string m_contents; // each with a line feed
     bool m_isWritable = true;
 };
 
@@ -56,12 +58,16 @@ public:
     [[nodiscard]] bool Replace(const std::function<void(const Sink&)>& write, std::string& error);
 
 private:
-    Journal(std::filesystem::path path, std::unique_ptr<DurableFile> lock, std::unique_ptr<DurableFile> file,
-            std::uint64_t end);
+    struct Files {
+        std::unique_ptr<DurableFile> lock, journal, head;
+    };
+    Journal(std::filesystem::path path, Files files, const JournalText& judged);
+    static bool TakeAway(const std::filesystem::path& path, DurableFile& journal, std::string_view text,
+                         std::uint64_t end, std::string& told);
 
     std::filesystem::path m_path;
-    std::unique_ptr<DurableFile> m_lock;
-    std::unique_ptr<DurableFile> m_file;
+    Files m_files;
+    JournalChain m_chain;
     std::uint64_t m_end; // bytes of whole records
     bool m_broken = false;
 };
@@ -70,21 +76,8 @@ struct JournalOpening {
     std::unique_ptr<Journal> journal;
     std::unique_ptr<std::string> text;     // what the records point into
     std::vector<std::string_view> records; // contents in order, to be replayed
-    std::string warning;                   // a torn record that was dropped, with path and offset
+    std::string warning;                   // a torn record that was put aside, with path and offset
     std::string error;                     // without a journal: path, and record number and offset of damage
 };
-
-// The whole text of a journal judged, apart from any file. It must outlive the records.
-struct JournalText {
-    std::vector<std::string_view> records;
-    std::uint64_t end = 0; // offset behind the last whole record
-    bool torn = false;     // bytes without a line feed follow
-    bool damaged = false;  // at `end`, record number `records.size() + 1`
-};
-JournalText ReadJournalText(std::string_view text);
-// The content as one line of the file, with its line feed.
-std::string JournalLine(std::string_view content);
-
-std::uint32_t Crc32(std::string_view bytes);
 
 } // namespace vesk

@@ -106,13 +106,13 @@ std::string Fill(Server& server, const FillPlan& plan) {
     SampleOrders orders(plan.market, server.Config(), plan.seed);
     for (std::size_t done = 0; done < plan.count;) {
         const std::size_t end = std::min(plan.count, done + batchSize);
-        const std::size_t held = server.Registrations().size();
+        const std::size_t first = server.NextSequence();
         std::vector<Registration> batch;
         for (; done < end; ++done) {
             // Oldest first, as if they had come one after the other.
             const auto age = kDaysBack - static_cast<int>(done * kDaysBack / plan.count);
             const Day day{today, sys_days(today) - std::chrono::days(age)};
-            batch.push_back(MakeSample(day, orders.AnyOf(plan.users), held + batch.size() + 1, orders));
+            batch.push_back(MakeSample(day, orders.AnyOf(plan.users), first + batch.size(), orders));
         }
         if (std::string fault = server.EnterMadeUp(std::move(batch)); !fault.empty()) return fault;
     }
@@ -133,7 +133,7 @@ std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const Sa
         order.Set(tag::customerFirm, "C");
         order.Set(tag::startDate, std::to_string(server.Clock().Now() + 86'400));
         // Unlike a count of its own it is new after a restart too.
-        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.Registrations().size() + 1));
+        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.NextSequence()));
         order.AddTo(writer.Start());
         for (const std::string& answer : server.Handle(writer.Handle(), user).answers)
             registered += !qmx::Has(qmx::MessageReader(answer).Handle(), tag::errorCode);

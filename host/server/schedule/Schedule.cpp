@@ -98,6 +98,11 @@ std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day dat
     return std::string(prefix) + text;
 }
 
+std::size_t SequenceIn(std::string_view number, std::size_t prefix) {
+    const std::size_t start = prefix + std::string_view("270305").size();
+    return number.size() < start ? 0 : base::ReadNumber<std::size_t>(number.substr(start)).value_or(0);
+}
+
 std::optional<std::int64_t> WholeNumber(std::string_view text) {
     return text.starts_with('-') ? std::nullopt : base::ReadNumber<std::int64_t>(text);
 }

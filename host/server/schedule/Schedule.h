@@ -33,6 +33,8 @@ std::chrono::year_month_day DateOf(std::uint32_t number);
 
 // "SIP2703050000012": the `sequence`th that was entered, at this date.
 std::string DatedNumber(std::string_view prefix, std::chrono::year_month_day date, std::size_t sequence);
+// The sequence of a number with a prefix of so many characters; 0 when it has none.
+std::size_t SequenceIn(std::string_view number, std::size_t prefix);
 
 // Digits only, within 64 bits.
 std::optional<std::int64_t> WholeNumber(std::string_view text);
