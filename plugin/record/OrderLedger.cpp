@@ -46,10 +46,15 @@ std::string_view RequestOf(std::string_view text) {
     return text.substr(0, text.find(':'));
 }
 
+// It names no scrip. A new order may lack a frequency, when the server has told none.
+bool IsChange(const RecordTexts& texts) {
+    return texts[RecordField::frequency].empty() && texts[RecordField::tradingSymbol].empty();
+}
+
 // By which all events of an order are known as its own.
 std::string NameOfOrder(const RecordTexts& texts) {
     const std::string_view registration = texts[RecordField::registration];
-    if (texts[RecordField::frequency].empty() && !registration.empty())
+    if (IsChange(texts) && !registration.empty())
         return std::string(registration).append("\n").append(RequestOf(texts[RecordField::text]));
     return std::string(texts[RecordField::orderId]).append("\n").append(AskedFor(texts));
 }
@@ -74,6 +79,10 @@ RecordedOrder::RecordedOrder(const RecordTexts& texts) {
         m_ends[i] = static_cast<std::uint32_t>(m_texts.size());
     }
     texts[RecordField::time].copy(m_sentAt.data(), m_sentAt.size());
+}
+
+bool RecordedOrder::ChangesRegistration() const {
+    return IsChange(Texts());
 }
 
 std::string_view RecordedOrder::Text(RecordField field) const {

@@ -59,7 +59,7 @@ public:
     // When it was proven not to be registered, although it may stand by now; empty when it never was.
     std::string_view AbsentAt() const { return {m_absentAt.data(), m_absentAt[0] ? m_absentAt.size() : 0}; }
     // False: it places a new order.
-    bool ChangesRegistration() const { return Text(RecordField::frequency).empty(); }
+    bool ChangesRegistration() const;
 
 private:
     friend class OrderLedger;

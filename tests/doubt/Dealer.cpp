@@ -40,7 +40,7 @@ public:
         m_basketView.now = Now();
         m_basket.Initialise({});
         m_entry.Initialise(Now(), {});
-        Pump();
+        Pump(20'000); // as long as it takes: he waits for the frequencies
         if (++m_memory.lives == 1) {
             if (m_round.wish == Wish::changes) PlaceFile();
             m_isArmed = true;

@@ -146,7 +146,7 @@ TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
         {"C003", true, false, unknown, 0},
         {"C003", true, true, unknown, 1},
         {"", true, false, "The order names no client.\nPlace the order all the same?", 0},
-        {"C003", false, false, "", 1},
+        {"C004", false, false, "", 1},
     };
     for (const Row& row : rows) {
         host.missing.clear();

@@ -160,7 +160,9 @@ TEST(OrderLedger, KnowsTheStateOfEachOrder) {
          "2 2 1 1 0 0 like 3"}, // a change is no order
         {"event=refused registration=S1 text=modify_sip_order:no", "1 2 2 1 0 0 like 3"},
         {"event=in_doubt registration=S1 text=pause_sip_order:", "1 2 2 1 0 0 like 3"},
-        {"event=sending order_id=o2" + plan, "2 2 2 1 0 0 like 4"}, // a host that gives one identifier twice
+        {"event=sending order_id=o4 client=C1 trading_symbol=A", "2 2 2 1 0 0 like 3"}, // without a frequency
+        {"event=registered order_id=o4 registration=S4 client=C1 trading_symbol=A", "1 3 2 1 0 0 like 3"},
+        {"event=sending order_id=o2" + plan, "2 3 2 1 0 0 like 4"}, // a host that gives one identifier twice
     };
     OrderLedger ledger;
     for (const auto& [event, known] : steps) {
