@@ -2,6 +2,8 @@
 
 #include "plugin/base/Text.h"
 
+#include <map>
+
 namespace planfold {
 
 namespace {
@@ -26,7 +28,13 @@ std::string AnswerOf(const RecordedOrder& order) {
     std::string_view text = order.Text(RecordField::text);
     const std::size_t start = text.find(": ");
     text = start == text.npos ? std::string_view() : text.substr(start + 2);
-    return std::string(text.starts_with(refused) ? text.substr(refused.size()) : text);
+    if (text.starts_with(refused)) text.remove_prefix(refused.size());
+    if (text.ends_with('.')) text.remove_suffix(1);
+    return std::string(text);
+}
+
+std::string NameOf(const BookRun::Row& row) {
+    return row.number + (row.client.empty() ? "" : " ") + row.client;
 }
 
 void AddLine(std::string& text, std::string_view line) {
@@ -36,7 +44,7 @@ void AddLine(std::string& text, std::string_view line) {
 } // namespace
 
 std::string DescribeRefused(const BookRun::Row& row) {
-    return row.number + (row.client.empty() ? "" : " ") + row.client + ": " + row.refusal;
+    return NameOf(row) + ": " + row.refusal;
 }
 
 void BookRun::Enter(std::span<const OrderPlace> places) {
@@ -95,11 +103,24 @@ std::string BookRun::Numbers() const {
     return text;
 }
 
+// The first of them, by what the server says, which often is the same.
+std::string BookRun::Refusals() const {
+    std::map<std::string_view, std::string> byReason;
+    std::size_t refused = 0;
+    for (const Row& row : m_rows) {
+        if (row.state != OrderState::refused || ++refused > kMostLines) continue;
+        std::string& names = byReason[row.refusal];
+        names.append(names.empty() ? "" : ", ").append(NameOf(row));
+    }
+    std::string text = refused ? "\n\nRefused:" : "";
+    for (const auto& [reason, names] : byReason)
+        text.append("\n").append(reason).append(": ").append(names);
+    if (refused > kMostLines) text += Format("\n... and %zu more", refused - kMostLines);
+    return text;
+}
+
 std::string BookRun::Summary(bool isRecorded) const {
-    KeptTexts refusals;
     const std::size_t refused = Count(OrderState::refused);
-    for (const Row& row : m_rows)
-        if (row.state == OrderState::refused) refusals.Add(DescribeRefused(row));
     // Refusals come first when there is not room for all.
     const std::size_t room = kMostLines - std::min(refused, kMostLines);
     std::string text;
@@ -110,7 +131,7 @@ std::string BookRun::Summary(bool isRecorded) const {
     if (IsPlain()) return text;
     if (!text.empty()) text += '\n';
     AddLine(text, Numbers());
-    if (refused) text += "\n\nRefused:\n" + refusals.Text();
+    text += Refusals();
     if (isRecorded && refused + Count(OrderState::inDoubt) > 0)
         text += "\n\nAll of them: \"Orders of a Day...\" in the menu of the list.";
     return text;

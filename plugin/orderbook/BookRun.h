@@ -74,6 +74,7 @@ public:
 private:
     bool IsPlain() const;
     std::string Numbers() const;
+    std::string Refusals() const;
 
     RunKind m_kind;
     std::vector<Row> m_rows;
@@ -88,7 +89,7 @@ private:
     bool m_stopped = false;
 };
 
-// "SIP7 C001: The registration is another user's (code 105)."
+// "SIP7 C001: The registration is another user's (code 105)"
 std::string DescribeRefused(const BookRun::Row& row);
 
 } // namespace planfold

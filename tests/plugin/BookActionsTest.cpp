@@ -258,11 +258,12 @@ TEST_F(BookActionsTest, ALongRunGoesInPortionsAndEndsWithOneSummary) {
         expected += "SIP" + std::to_string(i) + " Order Cancelled \n";
     expected += "... and 315 more\n\nCancel: 350 of 1000 requests were sent, then it was stopped.\n"
                 "The server confirmed 340 and refused 5.\nIn doubt: 5, to which no answer came.\n"
-                "Not sent: 650.\n\nRefused:\n";
+                "Not sent: 650.\n\nRefused:\nTheirs (code 105): ";
     for (int i = 340; i < 345; ++i)
-        expected += "SIP" + std::to_string(i) + " CSIP" + std::to_string(i) + ": Theirs (code 105).\n";
+        expected += (i == 340 ? "" : ", ") + numbers[static_cast<std::size_t>(i)] + " C"
+                    + numbers[static_cast<std::size_t>(i)];
     EXPECT_EQ(Taken(view.boxes),
-              Texts{expected + "\nAll of them: \"Orders of a Day...\" in the menu of the list."});
+              Texts{expected + "\n\nAll of them: \"Orders of a Day...\" in the menu of the list."});
 }
 
 TEST_F(BookActionsTest, SeveralRowsAreChangedAfterAQuestionThatTellsSidesAndWhatIsLeftOut) {
@@ -295,7 +296,7 @@ TEST_F(BookActionsTest, SeveralRowsAreChangedAfterAQuestionThatTellsSidesAndWhat
     Answer("pause_sip_order", "errorCode=5 registrationNumber=SIP2");
     EXPECT_EQ(Taken(view.boxes),
               Texts{"Pause: 3 of 3 requests were sent.\nThe server confirmed 2 and refused 1.\n\nRefused:\n"
-                    "SIP2 C2: (code 5).\n\nAll of them: \"Orders of a Day...\" in the menu of the list."});
+                    "(code 5): SIP2 C2\n\nAll of them: \"Orders of a Day...\" in the menu of the list."});
     Select({"SIP1", "SIP7"});
     actions.ResumeSelected();
     EXPECT_EQ(Taken(view.boxes), Texts{"None of the 2 selected registrations can be resumed.\n"
