@@ -165,12 +165,12 @@ TEST_F(MassActionsTest, TheSummarysNumbersAreTheServers) {
         bool isHandled; // what nobody answered
     };
     const Row rows[] = {
-        {"nothing wrong", RunKind::pause, {}, false, true},
-        {"stopped", RunKind::resume, {}, true, true},
-        {"silent and stopped", RunKind::resume, {.silent = true}, true, true},
-        {"ignored and stopped", RunKind::resume, {.ignored = true}, true, false},
-        {"refused and stopped", RunKind::resume, {.errorCode = "55"}, true, false},
-        {"a cut line", RunKind::resume, {.disconnects = 3}, false, true},
+        {"stopped", RunKind::pause, {}, true, true},
+        {"silent and stopped", RunKind::pause, {.silent = true}, true, true},
+        {"resumed", RunKind::resume, {}, false, true},
+        {"ignored and stopped", RunKind::pause, {.ignored = true}, true, false},
+        {"refused and stopped", RunKind::pause, {.errorCode = "55"}, true, false},
+        {"a cut line", RunKind::pause, {.disconnects = 3}, false, true},
         {"cancelled over a line that is cut before", RunKind::cancel, {.disconnectsBefore = 3}, false, true},
     };
     for (const Row& row : rows) {

@@ -61,12 +61,17 @@ std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, L
 // In the lower right corner of what it belongs to, where a box in the middle does not hide it; in front, but
 // the keyboard stays where the dealer works.
 void CRunProgressDlg::ShowBeside() {
-    RECT owner{}, own{};
-    GetWindowRect(GetWindow(Handle(), GW_OWNER), &owner);
+    const HWND owner = GetWindow(Handle(), GW_OWNER);
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    GetMonitorInfoA(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &screen);
+    RECT room{}, own{};
+    GetWindowRect(owner, &room);
     GetWindowRect(Handle(), &own);
     const int margin = framework::Scaled(kMargin, Self().Dpi());
-    SetWindowPos(Handle(), HWND_TOP, std::max(owner.left, owner.right - (own.right - own.left) - margin),
-                 std::max(owner.top, owner.bottom - (own.bottom - own.top) - margin), 0, 0,
+    const LONG x = std::min(room.right, screen.rcWork.right) - (own.right - own.left) - margin;
+    const LONG y = std::min(room.bottom, screen.rcWork.bottom) - (own.bottom - own.top) - margin;
+    SetWindowPos(Handle(), HWND_TOP, std::max(x, screen.rcWork.left), std::max(y, screen.rcWork.top), 0, 0,
                  SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
 }
 
