@@ -162,7 +162,7 @@ TEST_F(BookTest, NumbersAreSortedByValue) {
         const LPARAM place = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
         SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, place);
         SendMessageA(header, WM_LBUTTONUP, 0, place);
-        EXPECT_EQ(probe::Cell(registered, 3, column), last);
+        EXPECT_EQ(probe::Cell(registered, 1, column), last); // empty cells come behind
     }
 }
 
