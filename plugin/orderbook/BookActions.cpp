@@ -1,15 +1,11 @@
 #include "plugin/orderbook/BookActions.h"
 
-#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
-#include "plugin/orderbook/BookLists.h"
+#include "plugin/orderbook/BookChoice.h"
 #include "plugin/record/OrderRecord.h"
 #include "sdk/Tags.h"
 
 #include <algorithm>
-#include <limits>
-#include <map>
-#include <set>
 #include <utility>
 
 namespace planfold {
@@ -19,33 +15,6 @@ namespace {
 // Sent at once: what comes back from a click in the blink of an eye.
 constexpr std::size_t kFirstPortion = 250;
 constexpr std::size_t kPortion = 100;
-// Why a status forbids a request: the text of a single row, and a word for several.
-struct StatusRefusal {
-    std::string_view status;
-    const char* text;
-    const char* word;
-};
-constexpr StatusRefusal kPauseRefusals[] = {
-    {kPausedStatus, "Cannot pause - order is already paused", "already paused"},
-    {"cancelled", "Cannot pause - order is cancelled", "cancelled"},
-    {"expired", "Cannot pause - order is expired", "expired"},
-};
-constexpr char kNotPaused[] = "Cannot Resume - order is not paused";
-constexpr StatusRefusal kResumeRefusals[] = {
-    {"cancelled", kNotPaused, "cancelled"},
-    {"expired", kNotPaused, "expired"},
-    {{}, kNotPaused, "not paused"},
-};
-
-// Null when the status allows it.
-const StatusRefusal* RefusalTo(PauseOrResume which, std::string_view status) {
-    const std::span<const StatusRefusal> rows =
-        which == PauseOrResume::pause ? std::span<const StatusRefusal>(kPauseRefusals) : kResumeRefusals;
-    if (which == PauseOrResume::resume && status == kPausedStatus) return nullptr;
-    for (const StatusRefusal& row : rows)
-        if (row.status == status || row.status.empty()) return &row;
-    return nullptr;
-}
 
 // Of any kind but a cancellation.
 PauseOrResume ChangeOf(RunKind kind) {
@@ -65,55 +34,6 @@ const char* DoneTo(RunKind kind) {
     constexpr const char* words[] = {"cancelled", "paused", "resumed"};
     return words[static_cast<std::size_t>(kind)];
 }
-
-// What registrations of one side mean in a run of each.
-struct SideSum {
-    std::int64_t paise = 0;
-    std::int64_t shares = 0;
-
-    void Add(const sOrderinfo& record) {
-        const bool isByQuantity = record.Text(OrderField::investType) == "qty";
-        std::string value(record.Text(isByQuantity ? OrderField::quantity : OrderField::amount));
-        if (!isByQuantity) std::erase(value, '.');
-        std::int64_t& sum = isByQuantity ? shares : paise;
-        if (__builtin_add_overflow(sum, LeadingInteger(value), &sum))
-            sum = std::numeric_limits<std::int64_t>::max();
-    }
-    std::string Text(const char* side) const {
-        if (!paise && !shares) return {};
-        std::string text = std::string("\n") + side + ": ";
-        if (paise) text += FormatRupees(paise);
-        if (shares) text += Format("%s%lld shares", paise ? " and " : "", static_cast<long long>(shares));
-        return text + " per run.";
-    }
-};
-
-// What many registrations mean, for the question before something is done with all of them.
-struct Totals {
-    std::set<std::string_view> clients;
-    SideSum buy, sell;
-
-    void Add(const sOrderinfo& record) {
-        clients.insert(record.Text(OrderField::account));
-        (record.Text(OrderField::side) == "SWP" ? sell : buy).Add(record);
-    }
-    std::string Text() const {
-        return Format("%zu client%s.", clients.size(), clients.size() == 1 ? "" : "s") + buy.Text("Buy (SIP)")
-               + sell.Text("Sell (SWP)");
-    }
-};
-
-// How many are left out for which reason.
-struct LeftOut {
-    std::map<std::string_view, std::size_t> byReason;
-
-    std::string Text() const {
-        std::string text;
-        for (const auto& [reason, count] : byReason)
-            text += Format("%s%zu ", text.empty() ? "" : ", ", count) + std::string(reason);
-        return text.empty() ? text : "\nLeft out: " + text + ".";
-    }
-};
 
 } // namespace
 
@@ -210,34 +130,22 @@ void BookActions::AskToCancel(const Wish& wish) {
 }
 
 void BookActions::AskToChange(const Wish& wish) {
-    std::vector<RecordId> records = Standing(wish);
+    const std::vector<RecordId> records = Standing(wish);
     if (records.empty()) return;
-    LeftOut leftOut;
-    if (const std::size_t gone = wish.numbers.size() - records.size())
-        leftOut.byReason["no longer in the book"] = gone;
-    const std::string& user = m_session.identity.loginId;
-    std::erase_if(records, [&](RecordId record) {
-        const std::string_view owner = m_cache[record].Text(OrderField::loginId);
-        const StatusRefusal* refusal =
-            RefusalTo(ChangeOf(wish.kind), m_cache[record].Text(OrderField::sipStatus));
-        const bool isAnothers = !owner.empty() && owner != user;
-        if (isAnothers || refusal) ++leftOut.byReason[isAnothers ? "of another user" : refusal->word];
-        return isAnothers || refusal;
-    });
-    if (records.empty())
+    const std::size_t selected = wish.numbers.size();
+    const BookChoice choice = ChooseToChange(ChangeOf(wish.kind), m_cache, records, selected - records.size(),
+                                             m_session.identity.loginId);
+    if (choice.records.empty())
         return m_view.ShowLast(
-            Format("None of the %zu selected registrations can be %s.", wish.numbers.size(), DoneTo(wish.kind))
-            + leftOut.Text());
-    Totals totals;
-    for (const RecordId record : records)
-        totals.Add(m_cache[record]);
-    const std::string question = Format("%zu of %zu selected registrations will be %s: ", records.size(),
-                                        wish.numbers.size(), DoneTo(wish.kind))
-                                 + totals.Text() + leftOut.Text() + "\nProceed?";
+            Format("None of the %zu selected registrations can be %s.", selected, DoneTo(wish.kind))
+            + choice.leftOut);
+    const std::string question = Format("%zu of %zu selected registrations will be %s: ", choice.records.size(),
+                                        selected, DoneTo(wish.kind))
+                                 + choice.totals + choice.leftOut + "\nProceed?";
     m_asking = true;
     const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); });
     m_asking = false;
-    if (reply == Reply::yes) Begin(wish.kind, records, {});
+    if (reply == Reply::yes) Begin(wish.kind, choice.records, {});
 }
 
 void BookActions::Modify() {

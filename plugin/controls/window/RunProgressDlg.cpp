@@ -42,11 +42,6 @@ void CRunProgressDlg::OnInit() {
     SetTimer(Handle(), kPortionTimer, kPortionMs, nullptr);
 }
 
-// The window was taken away with its owner: what is not sent by now is not.
-void CRunProgressDlg::OnDestroyed() {
-    if (m_run.IsUnderWay()) m_run.Stop();
-}
-
 std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     // A key that is held down was meant for the window before.
     if (message == framework::kOfferedKey) return framework::IsRepeated(lParam) && wParam != VK_TAB;

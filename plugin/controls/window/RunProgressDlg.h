@@ -22,7 +22,6 @@ public:
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void OnInit() override;
-    void OnDestroyed() override;
     bool TakesFocus() const override { return false; }
     void OnClose() override { m_run.Stop(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

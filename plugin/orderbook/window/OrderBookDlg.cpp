@@ -210,7 +210,10 @@ void COrderBookDlg::ShowCounts() {
 std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SIZE:
-        if (m_open) Arrange();
+        if (!m_open) return 0;
+        Arrange();
+        // It went with the frame that the pane was in before.
+        m_progress.Follow(Handle());
         return 0;
     case framework::kOfferedKey:
         return OnEscape(wParam, lParam);
