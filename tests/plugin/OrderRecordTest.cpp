@@ -239,13 +239,13 @@ TEST(OrderRecord, WhatIsSentAgainWaitsAnew) {
     Files files;
     LocalDateTime now{2027, 3, 5, 15, 0, 0};
     OrderRecord record(files, [&] { return now; });
-    const RecordedOrder pause(Words("registration=S1 text=pause_sip_order").texts);
-    record.Sending({&pause, 1});
-    record.Tell(pause, OrderEvent::refused, "no");
+    const RecordedOrder cancel(Words("order_id=o1 registration=S1 text=cancel_sip_order").texts);
+    record.Sending({&cancel, 1});
+    record.Tell(cancel, OrderEvent::refused, "no");
     for (const auto& [second, inDoubt] : {std::pair(20, 0u), {40, 0u}, {50, 1u}}) {
         now.minute = second / 60;
         now.second = second % 60;
-        if (second == 20) record.Sending({&pause, 1});
+        if (second == 20) record.Sending({&cancel, 1});
         record.OnTime();
         EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), inDoubt) << second;
     }
