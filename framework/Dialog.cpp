@@ -8,6 +8,13 @@
 
 namespace framework {
 
+namespace {
+
+constexpr UINT_PTR kBoxTimer = 0xB0;
+constexpr UINT kBoxTimerMs = 50;
+
+} // namespace
+
 bool Dialog::Create(HWND parent) {
     return CreateDialogParamA(m_module, MAKEINTRESOURCEA(m_resource), parent, Procedure,
                               reinterpret_cast<LPARAM>(this))
@@ -46,6 +53,21 @@ void Dialog::EnableOwner() {
 void Dialog::Destroy() {
     EnableOwner();
     if (m_handle) DestroyWindow(m_handle);
+}
+
+bool Dialog::WaitForBox(const MessageBoxes& boxes) {
+    if (!boxes.BringToFront()) return true;
+    m_waitsFor = &boxes;
+    SetTimer(m_handle, kBoxTimer, kBoxTimerMs, nullptr);
+    return false;
+}
+
+// The timer's message comes in the loop of the box as well.
+void Dialog::OnBoxTimer() {
+    if (m_waitsFor && m_waitsFor->IsBusy()) return;
+    const HWND window = m_handle;
+    KillTimer(window, kBoxTimer);
+    if (!OnBoxGone()) SetTimer(window, kBoxTimer, kBoxTimerMs, nullptr);
 }
 
 int Dialog::TemplateFontSize() {
@@ -100,9 +122,13 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         LayOut(Self().Dpi());
         // Whoever is asked for the layout may close it, and open another.
         if (m_handle == window) OnInit();
-        return TRUE;
+        return TakesFocus();
     case WM_DPICHANGED_AFTERPARENT:
         LayOut(Self().Dpi());
+        return TRUE;
+    case WM_TIMER:
+        if (wParam != kBoxTimer) break;
+        OnBoxTimer();
         return TRUE;
     case WM_CLOSE:
         OnClose();

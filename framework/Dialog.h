@@ -10,6 +10,8 @@
 
 namespace framework {
 
+class MessageBoxes;
+
 class Dialog : public MessageTarget {
 public:
     Dialog(HINSTANCE module, int resource) : m_module(module), m_resource(resource) {}
@@ -47,6 +49,13 @@ protected:
     // For the window's font size and DPI, before OnInit and at each change of either. As the template says,
     // unless a dialog that fills another window does it itself.
     virtual void LayOut(UINT dpi);
+    // Whether the window is to take the keyboard when it comes up.
+    virtual bool TakesFocus() const { return true; }
+    // Whether a question can be asked: no box is open. Otherwise that comes to the front, and OnBoxGone is
+    // called once it is gone, unless this window goes before.
+    bool WaitForBox(const MessageBoxes& boxes);
+    // What waited begins anew. False when more has to wait, or it is not the time yet.
+    virtual bool OnBoxGone() { return true; }
     // After each new layout.
     virtual void OnLaidOut() {}
 
@@ -62,6 +71,7 @@ protected:
 
 private:
     void EnableOwner();
+    void OnBoxTimer();
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     INT_PTR HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -69,6 +79,7 @@ private:
     int m_resource;
     HWND m_handle = nullptr;
     HWND m_disabledOwner = nullptr;
+    const MessageBoxes* m_waitsFor = nullptr;
     int m_points = 0;
     std::optional<DialogLayout> m_layout;
     Icon m_captionIcon;

@@ -9,6 +9,10 @@ namespace framework {
 // To an enrolled dialog before anything else gets the key: WM_KEYDOWN's arguments. Not 0 when the dialog took
 // it.
 inline constexpr UINT kOfferedKey = WM_APP + 0x1000;
+// Whether the key was held down, in whatever window, before this press; `keyData` is WM_KEYDOWN's.
+constexpr bool IsRepeated(LPARAM keyData) {
+    return (keyData & (1 << 30)) != 0;
+}
 
 class KeyboardHook {
 public:

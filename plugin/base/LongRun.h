@@ -19,6 +19,8 @@ public:
     virtual void Continue() = 0;
     // The user wishes it.
     virtual void Stop() = 0;
+    // Whether there is anything left that would not be done then.
+    virtual bool CanStop() const { return true; }
     // How far it has come: a line for the user, and two numbers. Only while it is under way.
     virtual std::string Progress() const = 0;
     virtual std::size_t Done() const = 0;

@@ -4,6 +4,7 @@
 #include "plugin/messaging/Session.h"
 #include "plugin/orderbook/OrderCache.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,8 +29,8 @@ public:
     // The shown, selected rows from the top.
     virtual std::vector<RecordId> Selected() const = 0;
     virtual RecordId FirstSelected() const = 0; // kNoRecord when none is
-    virtual bool IsSelected(RecordId record) const = 0;
-    virtual void Deselect(RecordId record) = 0;
+    // Those of them that are selected, which go in one step; gives back which went.
+    virtual std::vector<RecordId> RemoveSelected(std::span<const RecordId> records) = 0;
 
 protected:
     ~BookList() = default;
@@ -39,10 +40,13 @@ class BookView : public Notices {
 public:
     // False before the window is made and once it is gone.
     virtual bool IsOpen() const = 0;
-    // A question with Yes and No; true for Yes. False at once while another box is open.
+    // Whether a question can be asked. Otherwise the open box comes to the front, and BookActions hears when it
+    // is gone.
+    virtual bool MayAsk() = 0;
+    // A question with Yes and No; true for Yes.
     virtual bool Ask(Pass pass, std::string_view question) = 0;
-    // The reason of a cancellation; empty when its dialog is cancelled.
-    virtual std::string AskReason(Pass pass) = 0;
+    // The reason of so many cancellations; empty when its dialog is cancelled.
+    virtual std::string AskReason(Pass pass, std::size_t count) = 0;
     virtual void OpenForModify(Pass pass, const sOrderinfo& record) = 0;
     // Whoever else shows the record may have to say so.
     virtual void TellChanged(Pass pass, const sOrderinfo& record) = 0;

@@ -111,8 +111,9 @@ std::optional<sSipOrderData> OrderOf(const RecordedOrder& recorded) {
 
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
                              std::string_view value, std::string_view periods, std::string_view orderId,
-                             std::string_view investType) {
+                             std::string_view investType, std::string_view account) {
     RecordTexts texts;
+    texts[RecordField::account] = account;
     texts[RecordField::orderId] = orderId;
     texts[RecordField::investType] = investType;
     texts[RecordField::registration] = registration;

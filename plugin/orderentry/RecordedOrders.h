@@ -58,7 +58,8 @@ inline constexpr std::string_view kResumeSipOrder = "resume_sip_order";
 // is.
 RecordedOrder RecordedChange(const Session& session, std::string_view request, std::string_view registration,
                              std::string_view value = {}, std::string_view periods = {},
-                             std::string_view orderId = {}, std::string_view investType = {});
+                             std::string_view orderId = {}, std::string_view investType = {},
+                             std::string_view account = {});
 
 // What is asked when the record cannot be written.
 inline constexpr char kNoRecordQuestion[] = "The record of what is sent cannot be written. Should the terminal "

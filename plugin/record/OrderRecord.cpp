@@ -163,7 +163,10 @@ std::vector<OrderPlace> OrderRecord::Enter(std::span<const RecordedOrder> orders
         RecordTexts texts = order.Texts();
         texts[RecordField::time] = time;
         texts[RecordField::event] = NameOf(OrderEvent::sending);
-        places.push_back(m_ledger.Take(texts));
+        const std::size_t known = m_ledger.Orders().size();
+        const OrderPlace place = places.emplace_back(m_ledger.Take(texts));
+        // What is sent again waits from now on.
+        if (place < known) std::erase_if(m_waiting, [&](const Waiting& one) { return one.place == place; });
         m_waiting.push_back({places.back(), since});
         TellListeners(places.back());
     }

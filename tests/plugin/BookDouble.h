@@ -24,11 +24,20 @@ public:
     }
     std::vector<RecordId> Selected() const override { return selected; }
     RecordId FirstSelected() const override { return selected.empty() ? kNoRecord : selected.front(); }
-    bool IsSelected(RecordId record) const override { return std::ranges::count(selected, record) > 0; }
-    void Deselect(RecordId record) override { std::erase(selected, record); }
+    std::vector<RecordId> RemoveSelected(std::span<const RecordId> records) override {
+        std::vector<RecordId> removed;
+        for (const RecordId record : records)
+            if (std::ranges::count(selected, record) > 0) {
+                Remove(record);
+                removed.push_back(record);
+            }
+        ++removals;
+        return removed;
+    }
 
     std::vector<RecordId> rows; // the newest first
     std::vector<RecordId> selected;
+    int removals = 0; // steps
     std::string filter;
 };
 
@@ -42,8 +51,10 @@ public:
         if (const auto action = std::exchange(duringQuestion, nullptr)) action();
         return yes;
     }
-    std::string AskReason(Pass) override {
+    bool MayAsk() override { return !otherBox; }
+    std::string AskReason(Pass, std::size_t count) override {
         ++reasonsAsked;
+        reasonFor = count;
         if (const auto action = std::exchange(duringReason, nullptr)) action();
         return reason;
     }
@@ -58,6 +69,8 @@ public:
     bool yes = true;
     std::string reason;
     int reasonsAsked = 0;
+    std::size_t reasonFor = 0;
+    bool otherBox = false;
     std::function<void()> duringQuestion, duringReason; // run once
     bool open = true;
 };

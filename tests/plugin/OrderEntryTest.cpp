@@ -168,7 +168,7 @@ TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
     session.host = ResolveHostCallbacks(session.lookup);
     view.yes = true;
     for (const bool changed : {true, false}) {
-        Type("1500", "6", "C003");
+        Type("1600", "6", "C003");
         view.otherBox = true;
         view.questions.clear();
         host.requests.clear();

@@ -263,6 +263,22 @@ TEST(OrderRecord, WhatADiskTookBeforeItWasFullIsNotWrittenOnceMore) {
     }
 }
 
+TEST(OrderRecord, WhatIsSentAgainWaitsAnew) {
+    Files files;
+    LocalDateTime now{2027, 3, 5, 15, 0, 0};
+    OrderRecord record(files, [&] { return now; });
+    const RecordedOrder cancel(Words("order_id=o1 registration=S1 text=cancel_sip_order").texts);
+    record.Sending({&cancel, 1});
+    record.Tell(cancel, OrderEvent::refused, "no");
+    for (const auto& [second, inDoubt] : {std::pair(20, 0u), {40, 0u}, {50, 1u}}) {
+        now.minute = second / 60;
+        now.second = second % 60;
+        if (second == 20) record.Sending({&cancel, 1});
+        record.OnTime();
+        EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), inDoubt) << second;
+    }
+}
+
 // Some hosts give the same to all.
 TEST(OrderRecord, OrdersUnderOneIdentifierAreKnownByWhatTheyAskFor) {
     Files files;

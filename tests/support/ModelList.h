@@ -25,11 +25,17 @@ public:
         const auto first = m_model.SelectedRecords(1);
         return first.empty() ? kNoRecord : first.front();
     }
-    bool IsSelected(RecordId record) const override {
-        const std::uint32_t row = m_model.ShownRowOf(record);
-        return row != korvex::kNone && m_model.Selection().Contains(row);
+    std::vector<RecordId> RemoveSelected(std::span<const RecordId> records) override {
+        std::vector<RecordId> removed;
+        for (const RecordId record : records) {
+            const std::uint32_t row = m_model.ShownRowOf(record);
+            if (row == korvex::kNone || !m_model.Selection().Contains(row)) continue;
+            m_model.Deselect(record);
+            m_model.Remove(record);
+            removed.push_back(record);
+        }
+        return removed;
     }
-    void Deselect(RecordId record) override { m_model.Deselect(record); }
 
 private:
     void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override {

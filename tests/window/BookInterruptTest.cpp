@@ -73,6 +73,65 @@ TEST_F(BookInterrupt, CancelAsksOnceAndSendsOneReasonForAll) {
     }
 }
 
+TEST_F(BookInterrupt, WhatIsAskedForUnderAnotherBoxIsAskedOnceThatIsGone) {
+    OpenWith(4, {"SIP1", "SIP3"});
+    const WhenShown reason(ReasonDialog, [&](HWND shown) {
+        EXPECT_EQ(probe::Text(shown, IDC_REJECT_NOTE),
+                  "These 2 orders will be cancelled, also when you press Cancel here");
+        probe::Press(shown, IDOK);
+    });
+    boxes.during = [&] {
+        SetForegroundWindow(Frame());
+        Command(book::kCancel);
+        Command(book::kCancel);
+        EXPECT_NE(GetForegroundWindow(), Frame()) << "the box comes to the front";
+        Select(registered, {"SIP2"});
+    };
+    host.AnswerBook("echoedRequest=add_sip_orders userText=first");
+    EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() == 2; }));
+    probe::Pump();
+    EXPECT_EQ(boxes.Texts(), "first|You have selected 2 Orders to Cancel. Proceed?|");
+    EXPECT_EQ(host.requests, (Texts{CancelRequest("SIP3", " "), CancelRequest("SIP1", " ")}));
+}
+
+// A key that is still held down from a box stops nothing, and progress takes no keyboard away.
+TEST_F(BookInterrupt, ARunIsStoppedByAKeyThatIsPressedForIt) {
+    const auto hold = [](WPARAM key) {
+        PostMessageA(GetFocus(), WM_KEYDOWN, key, 1 | (1 << 30));
+        probe::Pump();
+    };
+    OpenWith(6000, {});
+    for (const bool inItsWindow : {false, true}) {
+        host.requests.clear();
+        SetForegroundWindow(Frame());
+        SetFocus(registered);
+        ListView_SetItemState(registered, -1, LVIS_SELECTED, LVIS_SELECTED);
+        Command(book::kPauseSelected);
+        EXPECT_TRUE(probe::PumpUntil([] { return Progress() && IsWindowVisible(Progress()); }));
+        EXPECT_EQ(GetFocus(), registered);
+        const WPARAM key = inItsWindow ? VK_SPACE : VK_ESCAPE;
+        if (inItsWindow) {
+            SetForegroundWindow(Progress());
+            SetFocus(GetDlgItem(Progress(), IDCANCEL));
+        }
+        hold(key);
+        const auto before = host.requests.size();
+        EXPECT_TRUE(probe::PumpUntil([&] { return host.requests.size() > before; }));
+        probe::PressKey(key);
+        const auto sent = host.requests.size();
+        probe::Pump();
+        EXPECT_EQ(host.requests.size(), sent);
+        EXPECT_LT(sent, 6000u);
+        EXPECT_TRUE(IsWindowVisible(Progress())) << "until the last answer";
+        EXPECT_TRUE(probe::PumpUntil([] { return !IsWindowEnabled(GetDlgItem(Progress(), IDCANCEL)); }));
+        for (std::size_t i = 0; i < sent; ++i)
+            host.AnswerBook("echoedRequest=pause_sip_order userText=paused");
+        EXPECT_EQ(Progress(), nullptr);
+        EXPECT_NE(boxes.Texts().find("Pause: " + std::to_string(sent) + " of 6000 requests were sent, then"),
+                  std::string::npos);
+    }
+}
+
 // Nothing is left, and nothing is sent any more.
 TEST_F(BookInterrupt, TheBookMayEndInTheMiddleOfEverything) {
     const auto ends = [&](bool exits) {

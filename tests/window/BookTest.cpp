@@ -40,6 +40,14 @@ TEST_F(BookTest, OpensInItsPaneOnceAndEveryPickAsksAgain) {
     EXPECT_EQ(announced, std::vector{pane});
     EXPECT_EQ(host.requests.size(), 4u);
     EXPECT_EQ(std::ranges::count(host.requests, kOrdersQuery), 2);
+    const SYSTEMTIME today = DaysFromNow(0);
+    const std::string upTo = " toDate=" + std::to_string(today.wMonth) + "/" + std::to_string(today.wDay) + "/"
+                             + std::to_string(today.wYear);
+    EXPECT_EQ(std::ranges::count_if(host.requests, [&](const auto& text) { return text.ends_with(upTo); }), 1);
+    Command(book::kRefresh);
+    EXPECT_EQ(host.requests.size(), 5u);
+    EXPECT_EQ(host.LastRequest(), kOrdersQuery);
+    host.requests.pop_back();
     EXPECT_EQ(host.subscriptions, (Texts{"streamName=PLANFOLD registrationNumber=- loginId=LOGIN account=C001",
                                          "loginId=LOGIN registrationNumber=-"}));
 
@@ -139,6 +147,35 @@ TEST_F(BookTest, ColumnsAndCellsAreReadAsTheyAreShown) {
     EXPECT_EQ(probe::Cell(registered, 0, 13), "canceled") << "a query leaves the registered row";
 }
 
+TEST_F(BookTest, NumbersAreSortedByValue) {
+    Open();
+    for (const char* row :
+         {"1 investType=value amountOrQuantity=900000", "2 investType=value amountOrQuantity=1000000",
+          "3 investType=qty amountOrQuantity=9", "4 investType=qty amountOrQuantity=10"})
+        host.AnswerBook(
+            std::string("echoedRequest=om_get_sip_orders queriedRow=1 sipStatus=active registrationNumber=SIP")
+            + row);
+    const HWND header = ListView_GetHeader(registered);
+    for (const auto& [column, last] : {std::pair(7, "10000.00"), {8, "10"}}) {
+        RECT rect{};
+        SendMessageA(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rect));
+        const LPARAM place = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+        SendMessageA(header, WM_LBUTTONDOWN, MK_LBUTTON, place);
+        SendMessageA(header, WM_LBUTTONUP, 0, place);
+        EXPECT_EQ(probe::Cell(registered, 1, column), last); // empty cells come behind
+    }
+}
+
+TEST_F(BookTest, ThePeriodsStayTheServersWhileAFormIsOpenForModification) {
+    Open();
+    host.AnswerBook("echoedRequest=get_sip_operation_mode frequency=monthly minimumPeriods=6");
+    Queried("SIP1");
+    Select(registered, {"SIP1"});
+    Command(book::kModify);
+    host.Stream(kRxAccountStream, "registrationNumber=SIP1 totalPeriod=24");
+    EXPECT_EQ(probe::Cell(registered, 0, 11) + "|" + probe::Cell(registered, 0, 19), "|24");
+}
+
 TEST_F(BookTest, CountsFollowEveryChangeOfWhatIsShown) {
     struct Step {
         const char* what;
@@ -161,7 +198,9 @@ TEST_F(BookTest, CountsFollowEveryChangeOfWhatIsShown) {
         {"insertion behind the filter", [&] { Queried("SIP8", "active", "C002"); }, "4 1"},
         {"the other client", [&] { activate("C002"); }, "2 1"},
         {"a row changes its client", [&] { Queried("SIP1", "Paused", "C002"); }, "3 1"},
-        {"all", [&] { activate(""); }, "6 2"},
+        {"cancelled elsewhere behind the filter", [&] { Streamed("SIP3", "cancelled"); }, "3 1"},
+        {"told once more", [&] { Streamed("SIP3", "cancelled"); }, "3 1"},
+        {"all", [&] { activate(""); }, "5 3"},
     };
     for (const Step& step : steps) {
         step.happens();

@@ -4,7 +4,7 @@
 #include "tests/window/PluginTest.h"
 
 namespace book {
-inline constexpr int kCancel = 25002, kPauseSelected = 25101;
+inline constexpr int kRefresh = 25001, kCancel = 25002, kModify = 25003, kPauseSelected = 25101;
 inline constexpr UINT kRegisterPane = 1933, kCommandText = 1214;
 inline constexpr const char kName[] = "SIP Registration Book";
 } // namespace book

@@ -64,8 +64,7 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
       m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_afterBox(boxes),
-      m_recordCommand(std::move(recordCommand)) {}
+      m_controls(*this, session, m_basket.Life()), m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -169,14 +168,10 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     }
     case WM_TIMER:
-        if (wParam == kStatusTimer) {
-            KillTimer(Dialog::Handle(), kStatusTimer);
-            ShowStatus();
-            ShowPanel();
-            return 0;
-        }
-        if (!m_afterBox.IsGone(wParam)) return std::nullopt;
-        if (const HWND window = Dialog::Handle(); m_basket.OnBoxGone()) AfterBox::Done(window);
+        if (wParam != kStatusTimer) return std::nullopt;
+        KillTimer(Dialog::Handle(), kStatusTimer);
+        ShowStatus();
+        ShowPanel();
         return 0;
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());

@@ -47,7 +47,8 @@ private:
     void SetText(int control, std::string_view text) override;
     BasketList& List() override { return m_list; }
     std::string Title() const override { return Self().Text(); }
-    bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
+    bool MayAsk() override { return WaitForBox(Boxes()); }
+    bool OnBoxGone() override { return m_basket.OnBoxGone(); }
     bool Ask(Pass, std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
@@ -85,7 +86,6 @@ private:
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
     SipFormControls m_controls;
-    AfterBox m_afterBox;
     RecordCommand m_recordCommand;
     ActivateOnEnter m_enter;
     RowMenu m_menu;

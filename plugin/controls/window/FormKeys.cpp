@@ -1,5 +1,7 @@
 #include "plugin/controls/window/FormKeys.h"
 
+#include "framework/KeyboardHook.h"
+
 namespace planfold {
 
 std::optional<LRESULT> CTypeAheadCombo::OnMessage(UINT message, WPARAM wParam, LPARAM) {
@@ -68,11 +70,6 @@ bool IsClosing(WPARAM key) {
     return key == VK_RETURN || key == VK_ESCAPE;
 }
 
-// The key that closed the calendar is still held down.
-bool IsRepeated(LPARAM keyData) {
-    return (keyData & (1 << 30)) != 0;
-}
-
 } // namespace
 
 void CCalendarKeys::OnDropDown() {
@@ -94,7 +91,7 @@ std::optional<LRESULT> CCalendarKeys::Keys::OnMessage(UINT message, WPARAM wPara
     case WM_GETDLGCODE: {
         const auto* key = reinterpret_cast<const MSG*>(lParam);
         const bool wanted = key && key->message == WM_KEYDOWN && IsClosing(key->wParam)
-                            && (m_owner.IsOpen() || IsRepeated(key->lParam));
+                            && (m_owner.IsOpen() || framework::IsRepeated(key->lParam));
         return Default(message, wParam, lParam) | (wanted ? DLGC_WANTMESSAGE : 0);
     }
     case WM_KEYDOWN: {

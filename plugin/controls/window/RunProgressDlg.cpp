@@ -1,6 +1,9 @@
 #include "plugin/controls/window/RunProgressDlg.h"
 
+#include "framework/KeyboardHook.h"
 #include "plugin/resources/resource.h"
+
+#include <algorithm>
 
 namespace planfold {
 
@@ -8,6 +11,8 @@ namespace {
 
 constexpr UINT_PTR kPortionTimer = 1;
 constexpr UINT kPortionMs = 20;
+constexpr std::int64_t kNoticedMs = 400; // what is over by then needs no window
+constexpr int kMargin = 12;              // pixels at 96 DPI
 
 } // namespace
 
@@ -18,33 +23,60 @@ void CRunProgressDlg::Follow(HWND owner) {
     if (!m_run.IsUnderWay()) return Destroy();
     if (HasWindow()) return;
     const HWND root = GetAncestor(owner, GA_ROOT);
+    m_startedMs = GetTickCount64();
     // Without its timer a run would never end.
     if (!Create(root)) return m_run.Stop();
-    if (m_owner == Owner::disabled) {
-        DisableOwner(root);
-        Self().Show(true);
-    } else {
-        // In front, but the keyboard stays where the dealer works.
-        ShowWindow(Handle(), SW_SHOWNOACTIVATE);
-    }
+    if (m_owner == Owner::enabled) return;
+    // The keyboard goes on where it is, unless that is what cannot be reached now.
+    const bool wasActive = GetActiveWindow() == root;
+    DisableOwner(root);
+    ShowWindow(Handle(), wasActive ? SW_SHOW : SW_SHOWNOACTIVATE);
+    if (wasActive) Item(IDCANCEL).Focus();
 }
 
 void CRunProgressDlg::OnInit() {
-    Show();
+    Item(IDC_RUN_NOTE)
+        .SetText(m_owner == Owner::enabled ? "Esc in the book stops it, and Alt+S here."
+                                           : "Esc or Alt+S stops it.");
+    ShowState();
     SetTimer(Handle(), kPortionTimer, kPortionMs, nullptr);
 }
 
-std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    // A key that is held down was meant for the window before.
+    if (message == framework::kOfferedKey) return framework::IsRepeated(lParam) && wParam != VK_TAB;
     if (message != WM_TIMER || wParam != kPortionTimer) return std::nullopt;
     m_run.Continue();
-    if (HasWindow() && m_run.IsUnderWay()) Show();
+    if (!HasWindow() || !m_run.IsUnderWay()) return 0;
+    ShowState();
+    if (!IsWindowVisible(Handle()) && GetTickCount64() - m_startedMs >= kNoticedMs) ShowBeside();
     return 0;
 }
 
-void CRunProgressDlg::Show() {
+// In the lower right corner of what it belongs to, where a box in the middle does not hide it; in front, but
+// the keyboard stays where the dealer works.
+void CRunProgressDlg::ShowBeside() {
+    const HWND owner = GetWindow(Handle(), GW_OWNER);
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    GetMonitorInfoA(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &screen);
+    RECT room{}, own{};
+    GetWindowRect(owner, &room);
+    GetWindowRect(Handle(), &own);
+    const int margin = framework::Scaled(kMargin, Self().Dpi());
+    const LONG x = std::min(room.right, screen.rcWork.right) - (own.right - own.left) - margin;
+    const LONG y = std::min(room.bottom, screen.rcWork.bottom) - (own.bottom - own.top) - margin;
+    SetWindowPos(Handle(), HWND_TOP, std::max(x, screen.rcWork.left), std::max(y, screen.rcWork.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+}
+
+void CRunProgressDlg::ShowState() {
     Item(IDC_RUN_TEXT).SetText(m_run.Progress());
     Item(IDC_RUN_BAR).Send(PBM_SETRANGE32, 0, static_cast<LPARAM>(m_run.Total()));
     Item(IDC_RUN_BAR).Send(PBM_SETPOS, static_cast<WPARAM>(m_run.Done()));
+    if (IsWindowEnabled(Item(IDCANCEL).Handle()) == m_run.CanStop()) return;
+    Item(IDCANCEL).Enable(m_run.CanStop());
+    Item(IDC_RUN_NOTE).Show(m_run.CanStop());
 }
 
 } // namespace planfold

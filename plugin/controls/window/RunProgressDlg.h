@@ -1,4 +1,5 @@
-// How far a long run has come, with a button to stop it.
+// How far a long run has come, with a button to stop it. It stands until the run ends, and leaves the keyboard
+// to a window that can still be worked in.
 #pragma once
 
 #include "framework/Dialog.h"
@@ -21,13 +22,16 @@ public:
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void OnInit() override;
+    bool TakesFocus() const override { return false; }
     void OnClose() override { m_run.Stop(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void Show();
+    void ShowBeside();
+    void ShowState();
 
     const Session& m_session;
     LongRun& m_run;
     Owner m_owner;
+    ULONGLONG m_startedMs = 0;
 };
 
 } // namespace planfold

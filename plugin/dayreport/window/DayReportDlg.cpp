@@ -18,8 +18,6 @@ constexpr char kDateFormat[] = "dd/MMM/yyyy";
 // A button's width in the template's units, of which four are a letter.
 constexpr int kButtonUnits = 54;
 
-constexpr LPARAM kKeyWasDown = 1 << 30;
-
 } // namespace
 
 std::optional<LRESULT> CDayReportDlg::ListNotice::OnMessage(UINT message, WPARAM wParam, LPARAM) {
@@ -129,7 +127,7 @@ std::optional<LRESULT> CDayReportDlg::OnMessage(UINT message, WPARAM wParam, LPA
 // Wherever the focus is.
 bool CDayReportDlg::OnKey(WPARAM key, LPARAM keyData) {
     if (key == VK_F5) {
-        if (!(keyData & kKeyWasDown)) ShowDay(m_report.Day());
+        if (!framework::IsRepeated(keyData)) ShowDay(m_report.Day());
         return true;
     }
     if ((key != VK_PRIOR && key != VK_NEXT) || GetKeyState(VK_CONTROL) >= 0) return false;

@@ -1,6 +1,7 @@
 #include "plugin/orderbook/window/OrderBookDlg.h"
 
 #include "framework/DialogLayout.h"
+#include "framework/KeyboardHook.h"
 #include "plugin/base/Text.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/dayreport/DayReport.h"
@@ -21,6 +22,21 @@ bool BookListWindow::Attach(HWND list) {
 
 void BookListWindow::FilterBy(int column, std::string_view text) {
     m_list.SetOwnerFilter(column, text.empty() ? nullptr : std::string(text).c_str());
+}
+
+// The control follows once for what is selected, and once for what goes.
+std::vector<RecordId> BookListWindow::RemoveSelected(std::span<const RecordId> records) {
+    std::vector<RecordId> selected = Selected(), removed;
+    std::ranges::sort(selected);
+    m_list.BeginChanges();
+    for (const RecordId record : records)
+        if (std::ranges::binary_search(selected, record)) {
+            m_list.Deselect(record);
+            m_list.Remove(record);
+            removed.push_back(record);
+        }
+    m_list.EndChanges();
+    return removed;
 }
 
 void BookListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
@@ -47,14 +63,19 @@ constexpr WPARAM kMostCharacters = 250;
 CRejectReasonDlg::CRejectReasonDlg(HINSTANCE module, const Session& session)
     : Dialog(module, IDD_REJECT_REASON), m_session(session) {}
 
-std::string CRejectReasonDlg::Ask(HWND owner) {
+std::string CRejectReasonDlg::Ask(HWND owner, std::size_t count) {
     m_reason.clear();
+    m_count = count;
     if (!HasWindow()) RunModal(owner);
     return std::exchange(m_reason, {});
 }
 
 void CRejectReasonDlg::OnInit() {
     Item(IDC_REJECT_REASON).Send(EM_LIMITTEXT, kMostCharacters);
+    Item(IDC_REJECT_NOTE)
+        .SetText(m_count == 1
+                     ? std::string("This order will be cancelled, also when you press Cancel here")
+                     : Format("These %zu orders will be cancelled, also when you press Cancel here", m_count));
 }
 
 bool CRejectReasonDlg::OnCommand(const framework::Command& command) {
@@ -189,8 +210,13 @@ void COrderBookDlg::ShowCounts() {
 std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SIZE:
-        if (m_open) Arrange();
+        if (!m_open) return 0;
+        Arrange();
+        // It went with the frame that the pane was in before.
+        m_progress.Follow(Handle());
         return 0;
+    case framework::kOfferedKey:
+        return OnEscape(wParam, lParam);
     case WM_DESTROY:
         m_boxes.Close(Handle());
         m_menu.Close();
@@ -253,6 +279,14 @@ std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {
     for (BookListWindow* list : {&m_registered, &m_cancelled})
         if (list->Control().HandleNotify(&notification, &result)) return result;
     return std::nullopt;
+}
+
+// Stops the run that is under way. The one that closed a box may still be held down.
+bool COrderBookDlg::OnEscape(WPARAM key, LPARAM keyData) {
+    LongRun& run = m_book.Actions();
+    if (key != VK_ESCAPE || !run.IsUnderWay() || !run.CanStop()) return false;
+    if (!framework::IsRepeated(keyData)) run.Stop();
+    return true;
 }
 
 // True when the key was the book's.

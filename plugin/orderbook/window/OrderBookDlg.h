@@ -46,8 +46,7 @@ public:
     void FilterBy(int column, std::string_view text) override;
     std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
     RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
-    bool IsSelected(RecordId record) const override { return m_list.IsSelected(record); }
-    void Deselect(RecordId record) override { m_list.Deselect(record); }
+    std::vector<RecordId> RemoveSelected(std::span<const RecordId> records) override;
 
 private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
@@ -67,8 +66,8 @@ public:
     CRejectReasonDlg(HINSTANCE module, const Session& session);
     ~CRejectReasonDlg() override { Destroy(); }
 
-    // Returns when it has been closed. What was typed counts only with OK.
-    std::string Ask(HWND owner);
+    // Of so many orders. Returns when it has been closed. What was typed counts only with OK.
+    std::string Ask(HWND owner, std::size_t count);
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
@@ -77,6 +76,7 @@ private:
 
     const Session& m_session;
     std::string m_reason;
+    std::size_t m_count = 0;
 };
 
 class COrderBookDlg final : public framework::Dialog, public BookView {
@@ -107,8 +107,9 @@ public:
 
     void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
     bool IsOpen() const override { return m_open; }
+    bool MayAsk() override { return WaitForBox(m_boxes); }
     bool Ask(Pass, std::string_view question) override { return m_boxes.Ask(Handle(), std::string(question)); }
-    std::string AskReason(Pass) override { return m_reason.Ask(Handle()); }
+    std::string AskReason(Pass, std::size_t count) override { return m_reason.Ask(Handle(), count); }
     void OpenForModify(Pass pass, const sOrderinfo& record) override { m_orderForm.open(pass, record); }
     void TellChanged(Pass pass, const sOrderinfo& record) override { m_orderForm.tell(pass, record); }
     void ShowRun() override { m_progress.Follow(Handle()); }
@@ -118,6 +119,7 @@ public:
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void LayOut(UINT dpi) override;
+    bool OnBoxGone() override { return m_book.Actions().OnBoxGone(); }
     void OnInit() override;
     void OnClose() override;
     void OnDestroyed() override;
@@ -129,6 +131,7 @@ private:
     void ShowPage();
     int CurrentPage() const;
     bool OnKey(UINT_PTR list, int key);
+    bool OnEscape(WPARAM key, LPARAM keyData);
     void ShowCounts();
     void OpenMenu(HWND list, POINT at);
     void OpenHistory();

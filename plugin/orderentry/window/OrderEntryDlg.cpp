@@ -13,14 +13,13 @@ namespace {
 
 // To itself, when a control shows only later what it has told.
 constexpr UINT kShowPlanLater = WM_APP + 1;
-constexpr LPARAM kKeyWasDown = 1 << 30;
 
 } // namespace
 
 COrderEntryDlg::COrderEntryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
     : DialogWindowOf(module, IDD_ORDER_ENTRY, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_entry(session, *this, m_link.Control()),
-      m_controls(*this, session, m_entry.Life()), m_plannedDates(module, session), m_afterBox(boxes) {}
+      m_controls(*this, session, m_entry.Life()), m_plannedDates(module, session) {}
 
 void COrderEntryDlg::Open() {
     // A form that was filled for modification is never used for a new order.
@@ -104,12 +103,7 @@ std::optional<LRESULT> COrderEntryDlg::OnMessage(UINT message, WPARAM wParam, LP
         m_controls.OnMoved();
         return std::nullopt;
     case framework::kOfferedKey:
-        return wParam == VK_F3 && !(lParam & kKeyWasDown) && m_entry.BringBack();
-    case WM_TIMER:
-        if (!m_afterBox.IsGone(wParam)) return std::nullopt;
-        AfterBox::Done(Dialog::Handle());
-        m_entry.OnBoxGone(LocalNow());
-        return 0;
+        return wParam == VK_F3 && !framework::IsRepeated(lParam) && m_entry.BringBack();
     case kShowPlanLater:
         OnPlanChanged();
         return 0;

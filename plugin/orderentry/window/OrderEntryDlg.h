@@ -32,7 +32,11 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void SetText(int control, std::string_view text) override;
     void SetDigitsOnly(int edit, bool on) override;
-    bool MayAsk() override { return m_afterBox.MayAsk(Dialog::Handle()); }
+    bool MayAsk() override { return WaitForBox(Boxes()); }
+    bool OnBoxGone() override {
+        m_entry.OnBoxGone(LocalNow());
+        return true;
+    }
     bool Ask(Pass, std::string_view question) override {
         return Boxes().Ask(Dialog::Handle(), std::string(question));
     }
@@ -55,7 +59,6 @@ private:
     framework::ColorStatic m_summary;
     CPlannedDatesDlg m_plannedDates;
     framework::Icon m_periodIcons[2];
-    AfterBox m_afterBox;
 };
 
 } // namespace planfold
