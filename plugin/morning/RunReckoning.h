@@ -21,6 +21,13 @@ struct RunPeriod {
     std::size_t Days() const { return static_cast<std::size_t>((to - from).count() + 1); }
 };
 
+// A period that is offered; of a range both ends are chosen.
+struct PeriodChoice {
+    const char* text;
+    int firstDay; // after today
+    int days;     // 0: as chosen
+};
+
 struct UpcomingRows {
     // A plan with runs in the period.
     struct Plan {

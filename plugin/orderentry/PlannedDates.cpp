@@ -27,13 +27,6 @@ std::optional<Run> RunOf(const Plan& plan, std::int64_t index, const ClosedDays&
     return runs.Next();
 }
 
-// "22-Nov".
-std::string DayAndMonth(Day day) {
-    constexpr std::size_t year = 5; // with its hyphen
-    const std::string text = FormatPlannedDate(DateOf(day));
-    return text.substr(0, text.size() - year);
-}
-
 } // namespace
 
 std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index) {
@@ -70,6 +63,12 @@ std::string_view WeekdayName(const LocalDateTime& date) {
 
 std::string FormatPlannedDate(const LocalDateTime& date) {
     return Format("%02d-%s-%04d", date.day, std::string(MonthName(date.month)).c_str(), date.year);
+}
+
+std::string DayAndMonth(Day day) {
+    constexpr std::size_t year = 5; // with its hyphen
+    const std::string text = FormatPlannedDate(DateOf(day));
+    return text.substr(0, text.size() - year);
 }
 
 std::string DescribePlan(const Plan& plan, std::string_view action, std::string_view investType,

@@ -41,6 +41,8 @@ std::string_view WeekdayName(const LocalDateTime& date);
 
 // "22-Dec-2026".
 std::string FormatPlannedDate(const LocalDateTime& date);
+// "22-Dec".
+std::string DayAndMonth(Day day);
 
 // What the form says of its plan in two lines; empty when there is none. `investType` and `value` are the
 // server's words ("value" and paise, or "qty" and shares); an empty value leaves the total out.
