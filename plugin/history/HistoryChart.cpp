@@ -83,6 +83,11 @@ std::vector<ChartBar> JoinedBars(std::span<const ChartBar> bars, std::size_t mos
     return joined;
 }
 
+ChartPart PartOf(const sOrderHistory& order) {
+    const double filled = Positive(order[HistoryField::tradedQuantity]);
+    return KindOf(order, filled, std::max(Positive(order[HistoryField::quantity]), filled));
+}
+
 double ChartBar::Total() const {
     return std::accumulate(values.begin(), values.end(), 0.0);
 }

@@ -65,6 +65,9 @@ private:
     std::array<std::size_t, kChartPartCount> m_counts{};
 };
 
+// What has become of an order as a whole: `unfilled` when it was filled in part.
+ChartPart PartOf(const sOrderHistory& order);
+
 // The smallest round number that no bar is higher than.
 double ScaleTop(std::span<const ChartBar> bars);
 // Without a fraction that says nothing.

@@ -9,6 +9,8 @@ namespace planfold {
 
 namespace {
 
+using std::chrono::days;
+
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 std::int64_t Sum(std::int64_t one, std::int64_t other) {
@@ -46,6 +48,29 @@ void RunSums::Add(const RunSums& other) {
     moved += other.moved;
     for (std::size_t i = 0; i < kNeedCount; ++i)
         Add(static_cast<Need>(i), other.needs[i]);
+}
+
+bool CanHaveRun(const sOrderinfo& record, Day from, Day to, const ClosedDays& closed) {
+    const std::string_view status = record.Text(OrderField::sipStatus);
+    const auto start = ReadServerDay(record.Text(OrderField::startDate));
+    const auto schedule = start ? Schedule::Of(*start, record.Text(OrderField::frequency)) : std::nullopt;
+    const auto registered = ReadServerDay(record.Text(OrderField::registrationDate));
+    if (!schedule || *start > to || (registered && *registered > to)) return false;
+    const auto last = IsCancelled(status)   ? ReadServerDay(record.Text(OrderField::cancelledDate))
+                      : status == "expired" ? ReadServerDay(record.Text(OrderField::nextExecutionDate))
+                                            : std::nullopt;
+    if (last && *last < from) return false;
+    // What was held up by closed weeks runs behind its own place.
+    constexpr int longestDelay = 60;
+    const Day earliest = closed.CloseAWeek() ? from - days(longestDelay) : from;
+    for (std::int64_t place = schedule->PlaceBy(to); place >= 0; --place) {
+        const auto due = schedule->Due(place);
+        if (!due) continue;
+        const Day expected = closed.FirstOpen(*due);
+        if (expected < earliest) return false;
+        if (expected <= to) return true;
+    }
+    return false;
 }
 
 PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed,

@@ -44,4 +44,8 @@ enum class PlanState { runs, paused, ended, unreadable };
 PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed,
                    std::optional<PlanRuns>& plan);
 
+// Whether the plan can have run in these days, both included, or has ended before: one that did not run is no
+// fault.
+bool CanHaveRun(const sOrderinfo& record, Day from, Day to, const ClosedDays& closed);
+
 } // namespace planfold

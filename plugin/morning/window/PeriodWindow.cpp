@@ -152,6 +152,11 @@ void CPeriodWindow::Choose(int choice) {
     ShowPeriod(Chosen());
 }
 
+// Another day may have begun.
+void CPeriodWindow::Refresh() {
+    Choose(Item<framework::ComboBox>(IDC_RUNS_PERIOD).Selected());
+}
+
 std::optional<LRESULT> CPeriodWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case framework::kOfferedKey:
@@ -181,7 +186,8 @@ std::optional<LRESULT> CPeriodWindow::OnMessage(UINT message, WPARAM wParam, LPA
 
 bool CPeriodWindow::OnCommand(const framework::Command& command) {
     if (command.id == IDC_RUNS_PERIOD) {
-        if (command.notification == CBN_SELCHANGE) Choose(Item<framework::ComboBox>(IDC_RUNS_PERIOD).Selected());
+        if (command.notification == CBN_SELCHANGE)
+            Choose(Item<framework::ComboBox>(IDC_RUNS_PERIOD).Selected());
         return true;
     }
     if (command.id == IDC_RUNS_REFRESH) {

@@ -32,8 +32,8 @@ protected:
 
     // The user has chosen it.
     virtual void ShowPeriod(const RunPeriod& period) = 0;
-    // F5: as it is now.
-    virtual void Refresh() = 0;
+    // F5: what is chosen, as it is now.
+    virtual void Refresh();
     // Valid until the rows are listed anew.
     virtual std::string_view Cell(std::uint32_t row, std::int32_t column) const = 0;
     virtual KorvexRowLook Look(std::uint32_t row) const = 0;

@@ -29,7 +29,6 @@ private:
     void PlaceList(const RECT& area) override;
 
     void ShowPeriod(const RunPeriod& period) override;
-    void Refresh() override { ShowPeriod(Chosen()); }
     std::string_view Cell(std::uint32_t row, std::int32_t column) const override;
     KorvexRowLook Look(std::uint32_t row) const override;
     std::vector<MenuEntry> Entries() const override;

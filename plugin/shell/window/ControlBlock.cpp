@@ -27,6 +27,8 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
           [this](Pass, int command) { RecordCommand(command); }),
       m_upcomingRuns(module, m_session, m_orderBook.Records(),
                      [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
+      m_runsOfPeriod(module, m_session, m_orderBook.Records(),
+                     [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -53,6 +55,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
+    RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
     RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
     RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
@@ -128,6 +131,7 @@ void CPlanfoldControlBlock::RecordCommand(int command) {
     if (command == kDayReportCommand) OpenDayReport();
     if (command == kCompareCommand) m_doubts.Compare();
     if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
+    if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -142,6 +146,10 @@ void CPlanfoldControlBlock::OpenDayReport() {
 
 void CPlanfoldControlBlock::OpenUpcomingRuns() {
     if (SetHostsFont(m_upcomingRuns)) m_upcomingRuns.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenRunsOfPeriod() {
+    if (SetHostsFont(m_runsOfPeriod)) m_runsOfPeriod.BringUp();
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

@@ -8,6 +8,7 @@
 #include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/morning/window/PeriodRunsDlg.h"
 #include "plugin/morning/window/UpcomingRunsDlg.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
@@ -71,6 +72,7 @@ private:
     void OpenOrderHistory(Pass pass, const std::string& registrationNumber);
     void OpenDayReport();
     void OpenUpcomingRuns();
+    void OpenRunsOfPeriod();
     void RecordCommand(int command);
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
@@ -88,6 +90,7 @@ private:
     CDayReportDlg m_dayReport;
     COrderBookDlgBar m_orderBook;
     CUpcomingRunsDlg m_upcomingRuns;
+    CPeriodRunsDlg m_runsOfPeriod;
     CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
