@@ -123,8 +123,8 @@ void PeriodRuns::SendNext() {
     m_sending = true;
     while (IsUnderWay() && m_underWay.size() < kMostUnderWay && m_asking->asked < m_asking->plans.size()) {
         const std::string plan = m_asking->plans[m_asking->asked++];
-        // Since before a stop.
-        if (std::ranges::find(m_underWay, plan) != m_underWay.end()) continue;
+        // It was asked for before a stop.
+        if (m_kept.contains(plan) || std::ranges::find(m_underWay, plan) != m_underWay.end()) continue;
         if (m_underWay.empty()) m_asking->lastAnswer = m_view.Milliseconds();
         m_underWay.push_back(plan);
         KeptTexts fault;

@@ -50,6 +50,11 @@ void UpcomingRuns::Show(const RunPeriod& period, Day today) {
     if (IsUnderWay()) m_view.ShowRun();
 }
 
+bool UpcomingRuns::IsOutdated() {
+    const std::size_t before = std::exchange(m_lastSize, m_records.Size());
+    return !IsUnderWay() && m_records.Size() != m_reckoned && m_records.Size() == before;
+}
+
 void UpcomingRuns::Forget() {
     m_reckoning.reset();
     m_shown = {};
@@ -78,6 +83,7 @@ void UpcomingRuns::End(bool stopped) {
     std::unordered_set<std::string> open;
     for (const UpcomingRows::Client& client : m_shown.clients)
         if (client.isOpen) open.insert(client.account);
+    m_reckoned = m_records.Size();
     m_shown = reckoning->Take();
     m_texts.clear();
     m_shown.isStopped |= stopped;

@@ -78,6 +78,8 @@ public:
 
     // Reckons up the book as it is now, at once or in a run.
     void Show(const RunPeriod& period, Day today);
+    // True when the book has grown since and grows no more: as it does while it fills.
+    bool IsOutdated();
     // The window is gone.
     void Forget();
 
@@ -126,6 +128,8 @@ private:
     UpcomingRows m_shown;
     DaysChart m_chart;
     std::unique_ptr<RunReckoning> m_reckoning;
+    std::size_t m_reckoned = 0; // records of the book
+    std::size_t m_lastSize = 0;
     mutable std::unordered_set<std::string> m_texts; // of cells that no record holds
 };
 

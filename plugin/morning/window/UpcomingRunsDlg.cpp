@@ -15,6 +15,9 @@ constexpr int kListShare = 65;
 constexpr int kLeastList = 80;
 constexpr int kLeastChart = 90;
 
+constexpr UINT_PTR kGrowthTimer = 1;
+constexpr UINT kGrowthMs = 1000;
+
 enum Entry { kOpenAll = 25301, kCloseAll, kHistory };
 
 } // namespace
@@ -31,6 +34,7 @@ void CUpcomingRunsDlg::OnInit() {
     CPeriodWindow::OnInit();
     m_splitter.Create({Handle(), Item(IDC_RUNS_LIST).Handle(), IDC_RUNS_SPLITTER, kName, kListShare, kLeastList,
                        kLeastChart});
+    SetTimer(Handle(), kGrowthTimer, kGrowthMs, nullptr);
     Arrange();
 }
 
@@ -49,6 +53,10 @@ void CUpcomingRunsDlg::PlaceList(const RECT& area) {
 }
 
 std::optional<LRESULT> CUpcomingRunsDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_TIMER && wParam == kGrowthTimer) {
+        if (m_runs.IsOutdated()) Refresh();
+        return 0;
+    }
     if (message != WM_DRAWITEM) return CPeriodWindow::OnMessage(message, wParam, lParam);
     const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
     if (draw.CtlID != IDC_RUNS_CHART) return std::nullopt;
