@@ -166,10 +166,8 @@ std::string_view UpcomingRuns::Text(std::uint32_t row, RunField field) const {
 std::string UpcomingRuns::ClientText(const UpcomingRows::Client& client, RunField field) const {
     if (IsNeed(field)) return NeedText(NeedOf(field), client.sums[NeedOf(field)]);
     switch (field) {
-    case RunField::mark:
-        return client.isOpen ? "-" : "+";
     case RunField::plan:
-        return Counted(client.planCount, "plan");
+        return (client.isOpen ? "- " : "+ ") + Counted(client.planCount, "plan");
     case RunField::runs:
         return Whole(client.sums.runs);
     case RunField::note:

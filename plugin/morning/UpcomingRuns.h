@@ -18,10 +18,9 @@
 namespace planfold {
 
 enum class RunField {
-    mark, // "+" or "-" of a client
     account,
     name,
-    plan, // the registration, or how many of them
+    plan, // the registration; of a client how many, behind a "+" or "-"
     tradingSymbol,
     frequency,
     due,
@@ -37,7 +36,6 @@ enum class RunField {
 
 using RunColumn = ListColumn<RunField>;
 inline constexpr RunColumn kRunColumns[] = {
-    {"", 24, RunField::mark},
     {"Client ID", 75, RunField::account},
     {"Client Name", 120, RunField::name},
     {"Plans", 120, RunField::plan, ValueType::identifier},

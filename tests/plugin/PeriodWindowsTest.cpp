@@ -81,14 +81,13 @@ TEST_F(UpcomingWindow, ListsClientsWithTheirPlansAndWhatTheyNeed) {
     Enter(book, "S6 A monthly 22-Mar-2027 22-Mar-2027 22-Jun-2027 cancelled SIP 2000.00");
     Enter(book, "S7 A fortnightly 22-Mar-2027 22-Mar-2027 22-Jun-2027 active SIP 2000.00");
     Show(8);
-    const std::string first = "A|3 plans|9|2000.00|24|60|2 moved\n", last = "B|1 plan|1|1500.50|1 moved\n";
-    EXPECT_EQ(Listed(), "+|" + first + "+|" + last);
+    const std::string first = "3 plans|9|2000.00|24|60|2 moved\n", last = "B|+ 1 plan|1|1500.50|1 moved\n";
+    EXPECT_EQ(Listed(), "A|+ " + first + last);
     EXPECT_TRUE(runs.SetOpen(0, true));
-    EXPECT_EQ(Listed(), "-|" + first
+    EXPECT_EQ(Listed(), "A|- " + first
                             + "A|S2|2|60|19-Mar-2027|22-Mar-2027|weekly|Ends 26-Mar\n"
                               "A|S3|6|24|20-Mar-2027|22-Mar-2027|daily|2 moved: due 20-Mar, expected 22-Mar\n"
                               "A|S4|1|2000.00|22-Mar-2027|22-Mar-2027|monthly\n"
-                              "+|"
                             + last);
     EXPECT_EQ(Told(),
               "2 clients, 4 plans, 10 runs/To pay Rs 1,500.50 and for 24 shares; to receive Rs 2,000.00; "

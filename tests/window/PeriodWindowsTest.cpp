@@ -33,12 +33,13 @@ protected:
         probe::Pump();
         SetKeyboardState(usual);
     }
-    // The first two columns, and the row with the focus in brackets.
+    // The clients with the marks of their plans, and the row with the focus in brackets.
     static std::string Listed(HWND list) {
         std::string text;
         const int focused = Next(list, LVNI_FOCUSED);
         for (int row = 0; row < Rows(list); ++row) {
-            const std::string cells = probe::Cell(list, row, 0) + probe::Cell(list, row, 1);
+            const std::string plans = probe::Cell(list, row, 2), mark = plans.substr(0, plans[0] < 'A');
+            const std::string cells = mark + probe::Cell(list, row, 0);
             text += row == focused ? "[" + cells + "] " : cells + " ";
         }
         return text;
@@ -64,8 +65,8 @@ TEST_F(PeriodWindows, AreOpenedOnceByMenuAndKeyAndGoAtTheExit) {
         Command(row.command);
         EXPECT_EQ(row.window(), window);
         const SIZE before = probe::SizeOf(window), list = probe::SizeOf(GetDlgItem(window, IDC_RUNS_LIST));
-        SetWindowPos(window, nullptr, 0, 0, before.cx + 100, before.cy, SWP_NOZORDER | SWP_NOMOVE);
-        EXPECT_EQ(probe::SizeOf(GetDlgItem(window, IDC_RUNS_LIST)).cx, list.cx + 100);
+        SetWindowPos(window, nullptr, 0, 0, before.cx, before.cy + 100, SWP_NOZORDER | SWP_NOMOVE);
+        EXPECT_GT(probe::SizeOf(GetDlgItem(window, IDC_RUNS_LIST)).cy, list.cy + 50);
         Key(VK_ESCAPE);
         EXPECT_EQ(row.window(), nullptr);
         Command(row.command);
@@ -120,9 +121,9 @@ TEST_F(PeriodWindows, TheRunsOfAPeriodAreAskedForAndGoOnToTheHistory) {
     choose(2); // the last seven days
     EXPECT_NE(Progress(), nullptr);
     const auto answer = [&](const std::string& number, const char* status) {
-        host.Answer("echoedRequest=qry_eq_sip_orders orderNumber=1 quantity=10 placementTime=" + DateText(-1)
-                    + "%s10:15 registrationNumber=" + number + status);
-        host.Answer("echoedRequest=qry_eq_sip_orders errorCode=");
+        host.AnswerSender("echoedRequest=qry_eq_sip_orders orderNumber=1 quantity=10 placementTime="
+                          + DateText(-1) + "%s10:15 registrationNumber=" + number + status);
+        host.AnswerSender("echoedRequest=qry_eq_sip_orders errorCode=");
     };
     answer("SIP1", " account=A sipStatus=complete tradedQuantity=10");
     answer("SIP2", " account=B sipStatus=rejected userText=Margin");
