@@ -107,8 +107,10 @@ TEST_F(UpcomingWindow, ListsClientsWithTheirPlansAndWhatTheyNeed) {
     EXPECT_EQ(runs.Rows().size(), 1u);
     // Numbers of a book that was filled anew are others' records.
     book.Clear();
+    for (const char* number : {"T1 ", "T2 ", "T3 "})
+        Enter(book, number + std::string("A weekly 22-Mar-2027 22-Mar-2027 22-Mar-2028 active SIP 1"));
     EXPECT_EQ(runs.Registration(plan), "");
-    EXPECT_EQ(runs.Text(plan, RunField::tradingSymbol), "");
+    EXPECT_EQ(runs.Text(plan, RunField::frequency), "");
 }
 
 TEST_F(UpcomingWindow, TakesALongBookInPortionsAndSeesItGrow) {
