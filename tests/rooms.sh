@@ -12,11 +12,12 @@ sdk base/|framework/|plugin/|host/|tools/|windows\.h|commctrl\.h
 base sdk/|framework/|plugin/|host/|tools/
 framework plugin/|host/|tools/
 plugin host/|tools/
-plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|dayreport|doubts|restricted|shell)/
-plugin/record plugin/(controls|orderentry|orderbook|history|basket|dayreport|doubts|restricted|shell)/
-plugin/dayreport plugin/(orderbook|history|doubts|restricted|shell)/
-plugin/orderentry,plugin/orderbook,plugin/basket,plugin/history plugin/(doubts|restricted|shell)/
-plugin/messaging plugin/(record|controls|orderentry|orderbook|history|basket|dayreport|doubts|restricted|shell)/
+plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|dayreport|doubts|morning|restricted|shell)/
+plugin/record plugin/(controls|orderentry|orderbook|history|basket|dayreport|doubts|morning|restricted|shell)/
+plugin/dayreport plugin/(orderbook|history|doubts|morning|restricted|shell)/
+plugin/morning plugin/(dayreport|doubts|restricted|shell)/
+plugin/orderentry,plugin/orderbook,plugin/basket,plugin/history plugin/(doubts|morning|restricted|shell)/
+plugin/messaging plugin/(record|controls|orderentry|orderbook|history|basket|dayreport|doubts|morning|restricted|shell)/
 host plugin/|tools/
 host/files host/(market|server|terminal|veskserver|korvexcontrols)/
 host/market host/(server|terminal|veskserver|korvexcontrols)/

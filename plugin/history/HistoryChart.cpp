@@ -74,6 +74,20 @@ ChartBar Joined(std::span<const ChartBar> orders) {
 
 } // namespace
 
+std::vector<ChartBar> JoinedBars(std::span<const ChartBar> bars, std::size_t most) {
+    if (bars.empty() || most == 0) return {};
+    const std::size_t together = (bars.size() + most - 1) / most;
+    std::vector<ChartBar> joined;
+    for (std::size_t i = 0; i < bars.size(); i += together)
+        joined.push_back(Joined(bars.subspan(i, std::min(together, bars.size() - i))));
+    return joined;
+}
+
+ChartPart PartOf(const sOrderHistory& order) {
+    const double filled = Positive(order[HistoryField::tradedQuantity]);
+    return KindOf(order, filled, std::max(Positive(order[HistoryField::quantity]), filled));
+}
+
 double ChartBar::Total() const {
     return std::accumulate(values.begin(), values.end(), 0.0);
 }
@@ -97,12 +111,7 @@ HistoryChart::HistoryChart(std::span<const sOrderHistory> orders) {
 }
 
 std::vector<ChartBar> HistoryChart::Bars(std::size_t most) const {
-    if (m_orders.empty() || most == 0) return {};
-    const std::size_t together = (m_orders.size() + most - 1) / most;
-    std::vector<ChartBar> bars;
-    for (std::size_t i = 0; i < m_orders.size(); i += together)
-        bars.push_back(Joined(std::span(m_orders).subspan(i, std::min(together, m_orders.size() - i))));
-    return bars;
+    return JoinedBars(m_orders, most);
 }
 
 std::string HistoryChart::Heading(std::span<const ChartBar> bars) const {
@@ -127,6 +136,10 @@ std::string HistoryChart::Summary() const {
     for (const std::string& entry : Legend())
         text += " " + entry + ".";
     return text;
+}
+
+std::string HistoryChart::Value(double height) const {
+    return ValueText(height);
 }
 
 double ScaleTop(std::span<const ChartBar> bars) {

@@ -54,6 +54,16 @@ inline constexpr int kResumeCommand = 25005;
 // These two are for several rows, and stand among the list's own entries.
 inline constexpr int kPauseSelectedCommand = 25101;
 inline constexpr int kResumeSelectedCommand = 25102;
+// Windows about the whole book.
+inline constexpr int kUpcomingRunsCommand = 25105;
+inline constexpr int kRunsOfPeriodCommand = 25106;
+inline constexpr MenuEntry kMorningMenu[] = {
+    {"Upcoming Runs...\tCtrl+U", kUpcomingRunsCommand},
+    {"Runs of a Period...\tCtrl+R", kRunsOfPeriodCommand},
+};
+constexpr bool IsMorningCommand(int command) {
+    return command == kUpcomingRunsCommand || command == kRunsOfPeriodCommand;
+}
 
 // `selected` is the first selected row's record; null when no row is selected.
 std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected);

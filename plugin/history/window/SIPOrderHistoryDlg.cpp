@@ -118,7 +118,7 @@ std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wPara
         if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
         if (m_chartIsOld) RefreshChart();
         const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
-        PaintHistoryChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
+        PaintBarChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
         return TRUE;
     }
     case WM_CONTEXTMENU:

@@ -89,7 +89,8 @@ namespace {
 
 constexpr unsigned kRegisteredListCommands = 26000;
 constexpr unsigned kCancelledListCommands = 26100;
-constexpr int kCountWidth = 90; // pixels at 96 DPI
+constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R'; // with Ctrl
+constexpr int kCountWidth = 90;                               // pixels at 96 DPI
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
 
 struct Page {
@@ -243,9 +244,11 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
     const RecordId first = m_registered.FirstSelected();
     const auto ofRecord = RecordEntries(m_session);
-    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), ofRecord);
-    std::vector<MenuEntry> further = SeveralRowsMenu(control.SelectedCount());
+    std::vector<MenuEntry> further =
+        cancelled ? std::vector<MenuEntry>() : SeveralRowsMenu(control.SelectedCount());
     further.insert(further.end(), ofRecord.begin(), ofRecord.end());
+    further.insert(further.end(), std::begin(kMorningMenu), std::end(kMorningMenu));
+    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), further);
     m_menu.Open(Handle(), at, control, RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
                 further);
 }
@@ -255,7 +258,8 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) m_book.Refresh();
     if (command.id == kOrderHistoryCommand) OpenHistory();
-    if (IsRecordCommand(command.id)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
+    if (IsRecordCommand(command.id) || IsMorningCommand(command.id))
+        Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
     // Escape is no wish to be rid of the book.
@@ -295,7 +299,12 @@ bool COrderBookDlg::OnKey(UINT_PTR list, int key) {
         m_book.Actions().Cancel();
         return true;
     }
-    if ((key != VK_PRIOR && key != VK_NEXT) || GetKeyState(VK_CONTROL) >= 0) return false;
+    if (GetKeyState(VK_CONTROL) >= 0) return false;
+    if (key == kUpcomingRunsKey || key == kRunsOfPeriodKey) {
+        OnCommand({key == kUpcomingRunsKey ? kUpcomingRunsCommand : kRunsOfPeriodCommand, 0, nullptr});
+        return true;
+    }
+    if (key != VK_PRIOR && key != VK_NEXT) return false;
     Item(IDC_BOOK_TABS).Send(TCM_SETCURSEL, key == VK_NEXT ? 1 : 0);
     ShowPage();
     return true;

@@ -93,7 +93,7 @@ public:
     };
     // Opens the order history of a registration number.
     using History = std::function<void(Pass, const std::string&)>;
-    // A command of the order record's menu entries was chosen.
+    // A command of the menu's that opens another window was chosen.
     using RecordCommand = std::function<void(Pass, int)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,

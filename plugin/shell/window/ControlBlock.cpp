@@ -25,6 +25,10 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
            [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
           [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
           [this](Pass, int command) { RecordCommand(command); }),
+      m_upcomingRuns(module, m_session, m_orderBook.Records(),
+                     [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
+      m_runsOfPeriod(module, m_session, m_orderBook.Records(),
+                     [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -51,6 +55,8 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
+    RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
+    RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
     RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
     RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
@@ -122,10 +128,10 @@ void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& regis
 }
 
 void CPlanfoldControlBlock::RecordCommand(int command) {
-    if (command == kDayReportCommand)
-        OpenDayReport();
-    else
-        m_doubts.Compare();
+    if (command == kDayReportCommand) OpenDayReport();
+    if (command == kCompareCommand) m_doubts.Compare();
+    if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
+    if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -136,6 +142,14 @@ std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlac
 
 void CPlanfoldControlBlock::OpenDayReport() {
     if (m_recordFile.HasFolder() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenUpcomingRuns() {
+    if (SetHostsFont(m_upcomingRuns)) m_upcomingRuns.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenRunsOfPeriod() {
+    if (SetHostsFont(m_runsOfPeriod)) m_runsOfPeriod.BringUp();
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

@@ -1,0 +1,93 @@
+#include "plugin/morning/window/PeriodRunsDlg.h"
+
+#include "framework/Guard.h"
+#include "plugin/controls/window/DialogWindow.h"
+#include "plugin/resources/resource.h"
+
+#include <numeric>
+#include <utility>
+
+namespace planfold {
+
+namespace {
+
+constexpr char kName[] = "SIPRunsOfPeriod";
+constexpr unsigned kListCommands = 26600; // of a hundred
+constexpr int kHistoryEntry = 25311;
+
+} // namespace
+
+CPeriodRunsDlg::CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, History history)
+    : CPeriodWindow(
+        module, IDD_RUNS_OF_PERIOD, session,
+        {kName, ListColumns<PastColumn>(kPastColumns), kListCommands, kPastChoices, kFirstPastChoice}),
+      m_runs(session, records, *this, [this] { return Control(); }),
+      m_progress(module, session, m_runs, CRunProgressDlg::Owner::disabled), m_history(std::move(history)) {}
+
+void CPeriodRunsDlg::ShutDown() {
+    Destroy();
+    if (m_link) m_link->Release();
+}
+
+void CPeriodRunsDlg::OnDestroyed() {
+    m_progress.Destroy();
+    m_runs.Forget();
+    CPeriodWindow::OnDestroyed();
+}
+
+RxControl* CPeriodRunsDlg::Control() {
+    CKeloRxNotifierBase* const notifier = this;
+    if (!m_link) m_link.emplace(m_session.lookup, kRxRequests, notifier, nullptr);
+    return m_link->Control();
+}
+
+void CPeriodRunsDlg::OnResponse(void*, void* message, void*) noexcept {
+    framework::Guard([&] {
+        const auto held = Hold();
+        m_runs.OnResponse(message);
+    });
+}
+
+bool CPeriodRunsDlg::OnCommand(const framework::Command& command) {
+    if (command.id != IDC_RUNS_FAILED) return CPeriodWindow::OnCommand(command);
+    m_runs.ShowFailedOnly(Item(IDC_RUNS_FAILED).Send(BM_GETCHECK) == BST_CHECKED);
+    return true;
+}
+
+void CPeriodRunsDlg::Refresh() {
+    m_anew = true;
+    CPeriodWindow::Refresh();
+}
+
+void CPeriodRunsDlg::ShowPeriod(const RunPeriod& period) {
+    ShowAsOf();
+    m_runs.Show(period, DayOf(LocalNow()).value_or(Day()), std::exchange(m_anew, false));
+}
+
+void CPeriodRunsDlg::ShowRows() {
+    if (!HasWindow()) return;
+    std::vector<std::uint32_t> rows(m_runs.RowCount());
+    std::iota(rows.begin(), rows.end(), 0u);
+    ListRows(rows);
+    ShowTexts(m_runs.Notice(), m_runs.Status());
+}
+
+std::string_view CPeriodRunsDlg::Cell(std::uint32_t row, std::int32_t column) const {
+    return m_runs.Text(row, kPastColumns[column].field);
+}
+
+std::vector<MenuEntry> CPeriodRunsDlg::Entries() const {
+    return {{"Order History\tEnter", kHistoryEntry, FocusedRow() == UINT32_MAX}};
+}
+
+bool CPeriodRunsDlg::OnEntry(int command) {
+    if (command == kHistoryEntry && FocusedRow() != UINT32_MAX) Activate(FocusedRow());
+    return command == kHistoryEntry;
+}
+
+void CPeriodRunsDlg::Activate(std::uint32_t row) {
+    if (const std::string number(m_runs.Text(row, PastField::registration)); !number.empty())
+        Lifetime::Last([&](Pass pass) { m_history(pass, number); });
+}
+
+} // namespace planfold
