@@ -109,6 +109,22 @@ bool AllDigits(std::string_view text) {
     return std::ranges::all_of(text, IsDigit);
 }
 
+std::string FormatRupees(std::int64_t paise) {
+    return "Rs " + GroupedRupees(paise);
+}
+
+std::string GroupedRupees(std::int64_t paise) {
+    const std::uint64_t size =
+        paise < 0 ? 0 - static_cast<std::uint64_t>(paise) : static_cast<std::uint64_t>(paise);
+    std::string text = Format("%llu.%02llu", static_cast<unsigned long long>(size / 100),
+                              static_cast<unsigned long long>(size % 100));
+    // Three digits before the point, then groups of two.
+    constexpr std::size_t pointAndPaise = 3, firstGroup = 3, group = 2;
+    for (std::size_t at = pointAndPaise + firstGroup; at < text.size(); at += group + 1)
+        text.insert(text.size() - at, ",");
+    return paise < 0 ? "-" + text : text;
+}
+
 bool CheckPriceRange(std::string_view price, std::string& message, const ScripDetails* details,
                      bool check32Bit) {
     const auto scaled = ScaledPrice(price, ScaleOf(details));

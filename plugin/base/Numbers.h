@@ -19,6 +19,11 @@ double LeadingReal(std::string_view text);
 // True of an empty text, too.
 bool AllDigits(std::string_view text);
 
+// Paise as rupees, grouped as the market does: "Rs 1,00,00,000.00". So money is written in every text of the
+// plug-in's own; the second is for where "Rs" stands elsewhere.
+std::string FormatRupees(std::int64_t paise);
+std::string GroupedRupees(std::int64_t paise);
+
 // How the exchange counts a scrip's prices.
 struct PriceScale {
     int decimals = 2;

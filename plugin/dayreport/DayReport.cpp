@@ -107,7 +107,7 @@ struct SideSum {
             sum = std::numeric_limits<std::int64_t>::max();
     }
     std::string Text(const char* side) const {
-        std::string text = side + std::string(" Rs ") + FormatRupees(paise);
+        std::string text = std::string(side) + " " + FormatRupees(paise);
         if (shares) text += Format(" and %lld shares", static_cast<long long>(shares));
         return text;
     }

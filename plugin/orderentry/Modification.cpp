@@ -74,7 +74,7 @@ std::string Paise(std::string amount) {
 }
 
 std::string Rupees(const std::string& amount) {
-    return amount.empty() ? amount : "Rs " + FormatRupees(LeadingInteger(Paise(amount)));
+    return amount.empty() ? amount : FormatRupees(LeadingInteger(Paise(amount)));
 }
 
 struct NewsRow {

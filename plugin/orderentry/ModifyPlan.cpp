@@ -34,7 +34,7 @@ std::string DescribeCount(const ModifiedPlan& plan) {
 std::string Worth(const ModifiedPlan& plan, const std::string& value, std::int64_t times) {
     std::int64_t total = 0;
     if (value.empty() || __builtin_mul_overflow(LeadingInteger(value), times, &total)) return {};
-    return plan.investType == "qty" ? Count(total) : FormatRupees(total);
+    return plan.investType == "qty" ? Count(total) : GroupedRupees(total);
 }
 
 std::string DescribeValue(const ModifiedPlan& plan) {

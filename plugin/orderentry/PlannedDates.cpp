@@ -119,16 +119,6 @@ std::string FormatPlannedDate(const LocalDateTime& date) {
     return Format("%02d-%s-%04d", date.day, std::string(MonthName(date.month)).c_str(), date.year);
 }
 
-std::string FormatRupees(std::int64_t paise) {
-    std::string text =
-        Format("%lld.%02lld", static_cast<long long>(paise / 100), static_cast<long long>(paise % 100));
-    // Three digits before the point, then groups of two.
-    constexpr std::size_t pointAndPaise = 3, firstGroup = 3, group = 2;
-    for (std::size_t at = pointAndPaise + firstGroup; at < text.size(); at += group + 1)
-        text.insert(text.size() - at, ",");
-    return text;
-}
-
 std::string DescribePlan(const Plan& plan, std::string_view action, std::string_view investType,
                          std::string_view value) {
     const auto first = PlannedDate(plan, 0);
@@ -141,7 +131,7 @@ std::string DescribePlan(const Plan& plan, std::string_view action, std::string_
     if (value.empty() || __builtin_mul_overflow(LeadingInteger(value), plan.instalments, &total)) return text;
     if (investType == "qty") return text + Format("\nTotal quantity %lld", static_cast<long long>(total));
     const bool withdrawal = action == "SWP";
-    return text + (withdrawal ? "\nTotal withdrawal Rs " : "\nTotal outlay Rs ") + FormatRupees(total);
+    return text + (withdrawal ? "\nTotal withdrawal " : "\nTotal outlay ") + FormatRupees(total);
 }
 
 } // namespace planfold

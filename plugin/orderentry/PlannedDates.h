@@ -53,9 +53,6 @@ std::string_view WeekdayName(const LocalDateTime& date);
 // "22-Dec-2026".
 std::string FormatPlannedDate(const LocalDateTime& date);
 
-// Paise as rupees, grouped as in "12,34,567.50".
-std::string FormatRupees(std::int64_t paise);
-
 // What the form says of its plan in two lines; empty when there is none. `investType` and `value` are the
 // server's words ("value" and paise, or "qty" and shares); an empty value leaves the total out.
 std::string DescribePlan(const Plan& plan, std::string_view action, std::string_view investType,

@@ -46,6 +46,22 @@ TEST(LeadingNumbers, ReadWhatATextBeginsWith) {
     EXPECT_GT(LeadingReal("1e999"), 1e308);
 }
 
+TEST(FormatRupees, GroupsAsTheMarketDoes) {
+    const std::pair<std::int64_t, const char*> rows[] = {
+        {0, "Rs 0.00"},
+        {7, "Rs 0.07"},
+        {-123456750, "Rs -12,34,567.50"},
+        {INT64_MIN, "Rs -92,23,37,20,36,85,47,758.08"},
+        {99999, "Rs 999.99"},
+        {100000, "Rs 1,000.00"},
+        {9999999, "Rs 99,999.99"},
+        {123456750, "Rs 12,34,567.50"},
+        {100000000000, "Rs 1,00,00,00,000.00"},
+    };
+    for (const auto& [paise, text] : rows)
+        EXPECT_EQ(FormatRupees(paise), text);
+}
+
 ScripDetails Scrip(int decimals, double multiplier, std::int64_t tick) {
     return {decimals, 0, multiplier, tick, {}, {}};
 }

@@ -48,19 +48,6 @@ TEST(IsNonTradingDay, KnowsWeekendsAndTheHostsDates) {
     EXPECT_EQ(WeekdayName({2027, 1, 30}), "Sat");
 }
 
-TEST(FormatRupees, GroupsAsTheMarketDoes) {
-    const std::pair<std::int64_t, const char*> rows[] = {
-        {0, "0.00"},
-        {99999, "999.99"},
-        {100000, "1,000.00"},
-        {9999999, "99,999.99"},
-        {123456750, "12,34,567.50"},
-        {100000000000, "1,00,00,00,000.00"},
-    };
-    for (const auto& [paise, text] : rows)
-        EXPECT_EQ(FormatRupees(paise), text);
-}
-
 TEST(DescribePlan, SaysNumberDatesAndTotal) {
     const Plan plan{{2027, 1, 31}, "monthly", 12};
     const std::string dates = "12 planned from 31-Jan-2027 to 31-Dec-2027";
