@@ -83,18 +83,46 @@ TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
         {between, "1", "", "", "", "\"\" is not a number."},
         {atLeast, "1,000", "", "", "", "\"1,000\" is not a number."},
         {contains, "", "", "", "", "Type the text to look for."},
+        {on, "05/03/2027", "", "05-Mar-2027|05-MAR-2027 23:59:59|2027-03-05", "06-Mar-2027|05-Mar-2027x|5|"},
+        {before, "today", "", "09-Jun-2027|31-Dec-1969", "10-Jun-2027|"},
+        {after, "2024-02-29", "", "01-Mar-2024", "29-Feb-2024 10:00|30-Feb-2025|01-Xyz-2025|1-1-1|01-Mar/2024"},
+        {betweenDates, "1-Mar-2027", " today ", "01-Mar-2027|10-Jun-2027", "28-Feb-2027|11-Jun-2027"},
+        {nextDays, "", "", "10-Jun-2027|17-Jun-2027", "09-Jun-2027|18-Jun-2027"},
+        {betweenDates, "02-Mar-2027", "01-Mar-2027", "", "", "The second date is before the first."},
+        {on, "31-Feb-2027", "", "", "", "\"31-Feb-2027\" is not a date such as 05-Mar-2027."},
     };
+    const std::int64_t today = DayOf(*ReadDate("10-Jun-2027"));
     for (const Row& row : rows) {
         const FilterInput input{row.id, row.value, row.second};
-        ASSERT_EQ(ColumnFilter::FaultOf(input), row.fault) << row.value;
+        ASSERT_EQ(ColumnFilter::FaultOf(input, today), row.fault) << row.value;
         if (*row.fault) continue;
-        const ColumnFilter filter(0, input);
+        const ColumnFilter filter(0, input, today);
         for (const bool passes : {true, false}) {
             std::istringstream cells(std::string(passes ? row.passing : row.failing) + "|");
             for (std::string cell; std::getline(cells, cell, '|');)
                 EXPECT_EQ(filter.Passes(cell), passes) << row.value << " on \"" << cell << '"';
         }
     }
+}
+
+TEST(OperatorsFor, FollowWhatTheCellsHold) {
+    struct Row {
+        ValueType type;
+        std::vector<std::string_view> cells;
+        std::string_view first;
+    };
+    const Row rows[] = {
+        {ValueType::text, {"05-Mar-2027", "", "06-Mar-2027"}, "on"},
+        {ValueType::text, {"05-Mar-2027", "soon"}, "contains"},
+        {ValueType::text, {"12", "6"}, "="},
+        {ValueType::text, {"12", "05-Mar-2027"}, "contains"},
+        {ValueType::text, {"", ""}, "contains"},
+        {ValueType::identifier, {"12"}, "contains"},
+        {ValueType::date, {}, "on"},
+        {ValueType::amount, {}, "="},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(OperatorsFor(row.type, ContentOf(row.cells)).front().name, row.first) << row.cells.size();
 }
 
 TEST(Export, QuotesAndDisarmsCells) {
@@ -115,6 +143,10 @@ TEST(Export, QuotesAndDisarmsCells) {
         {"-5.50", amount, "-5.50", "-5.50"},
         {"-5+cmd", amount, "'-5+cmd", "'-5+cmd"},
         {"", amount, "", ""},
+        {"05-Mar-2027", text, "2027-03-05", "05-Mar-2027"},
+        {"5/3/2027 9:15", text, "5/3/2027 9:15", "5/3/2027 9:15"},
+        {"05/03/2027 09:15", ValueType::date, "2027-03-05 09:15", "05/03/2027 09:15"},
+        {"05-Mar-2027", ValueType::identifier, "05-Mar-2027", "05-Mar-2027"},
     };
     struct Source final : CellSource {
         void Cells(std::span<const std::uint32_t> records, std::int32_t, std::string_view* texts) override {

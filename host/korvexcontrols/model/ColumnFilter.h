@@ -1,6 +1,7 @@
 // A condition on the cells of one column.
 #pragma once
 
+#include "host/korvexcontrols/model/CellDates.h"
 #include "host/korvexcontrols/model/Cells.h"
 #include "sdk/korvex/ValueType.h"
 
@@ -13,9 +14,13 @@
 
 namespace korvex {
 
-// What is no number or amount is text.
 inline bool IsNumeric(ValueType type) {
     return type == ValueType::number || type == ValueType::amount;
+}
+
+// What is no number, amount or date is text.
+inline bool IsText(ValueType type) {
+    return !IsNumeric(type) && type != ValueType::date;
 }
 
 enum class FilterOperator {
@@ -30,7 +35,12 @@ enum class FilterOperator {
     greater,
     atLeast,
     between,
-    exactly, // the owner's: every byte counts
+    on,
+    before,
+    after,
+    betweenDates,
+    nextDays, // today and the seven days behind it
+    exactly,  // the owner's: every byte counts
     count
 };
 
@@ -38,37 +48,46 @@ struct OperatorName {
     FilterOperator id;
     std::string_view name;
 };
-// The operators that a user can choose for the type, in the order to show them.
-std::span<const OperatorName> OperatorsFor(ValueType type);
+// What a column of text holds, by some of its cells: whole numbers (`number`), dates, or text.
+ValueType ContentOf(std::span<const std::string_view> cells);
+// The operators that a user can choose for the type, in the order to show them; `content` is what a column of
+// text holds.
+std::span<const OperatorName> OperatorsFor(ValueType type, ValueType content = ValueType::text);
+// How many values the operator compares with: none, one or two.
+int ValuesOf(FilterOperator id);
 
 struct FilterInput {
     FilterOperator id = FilterOperator::contains;
-    std::string value, second; // `second` is the upper end of "between"
+    std::string value, second; // `second` is the upper end of "between"; a date may be "today"
     bool operator==(const FilterInput&) const = default;
 };
 
 class ColumnFilter {
 public:
     // What is wrong with the input; empty when it is good.
-    static std::string FaultOf(const FilterInput& input);
+    static std::string FaultOf(const FilterInput& input, std::int64_t today = LocalDay());
 
-    // The input must be good.
-    ColumnFilter(std::int32_t column, FilterInput input);
+    // The input must be good. `today` is a day as DayOf counts them.
+    ColumnFilter(std::int32_t column, FilterInput input, std::int64_t today = LocalDay());
     ColumnFilter(const ColumnFilter&) = delete;
     ColumnFilter& operator=(const ColumnFilter&) = delete;
 
     std::int32_t Column() const { return m_column; }
     const FilterInput& Input() const { return m_input; }
-    // A cell that is not a number passes no comparison but "not =".
+    // A cell that is not a number passes no comparison but "not =", one that is no date none of dates.
     bool Passes(std::string_view cell) const;
+    // What passes depends on the day.
+    bool IsOfToday() const;
 
 private:
     bool PassesNumber(std::string_view cell) const;
+    bool PassesDate(std::string_view cell) const;
 
     std::int32_t m_column;
     FilterInput m_input;
     std::string m_folded;
     Decimal m_value, m_second; // views into m_input
+    std::int64_t m_firstDay = INT64_MIN, m_lastDay = INT64_MAX;
 };
 
 // The conditions of a list: one filter a column, and the owner's beside them.
