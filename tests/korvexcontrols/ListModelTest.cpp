@@ -1,11 +1,13 @@
 // The list without its window, beside a plain model and by tables.
 #include "host/korvexcontrols/model/Export.h"
 #include "host/korvexcontrols/model/KeptLayout.h"
+#include "host/korvexcontrols/model/ListSums.h"
 #include "tests/support/ListPair.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <random>
 #include <sstream>
@@ -174,6 +176,102 @@ TEST(ColumnsState, IsReadWholeOrNotAtAll) {
         EXPECT_FALSE(ReadColumns(damaged, 3)) << damaged;
     for (const std::size_t columns : {0, 2, 4})
         EXPECT_FALSE(ReadColumns(line, columns));
+}
+
+TEST(RowsState, IsReadWholeOrNotAtAll) {
+    const RowsState state{{{2, true}, {0, false}},
+                          {{1, {FilterOperator::contains, "a;b|c,d%=\r\n", ""}},
+                           {0, {FilterOperator::betweenDates, "01-Mar-2027", "today"}}},
+                          "Due; Today",
+                          {"Mine | Only", "x"}};
+    const std::string line = WriteRows(state);
+    EXPECT_EQ(ReadRows(line, 3), state);
+    EXPECT_EQ(ReadRows(WriteRows({}), 3), RowsState());
+    EXPECT_FALSE(ReadRows(line, 2));
+    for (const char* damaged : {"", ";;", ";;;;", "0;;;", "+;;;", "0+|;;;", "-1+;;;", ";0,0,x;;", ";0,99,x,;;",
+                                ";0,4,many,;;", ";0,16,C001,;;", ";3,0,x,;;"})
+        EXPECT_FALSE(ReadRows(damaged, 3)) << damaged;
+}
+
+// Whatever happens between portions, the sums become those of the rows.
+TEST(ListSums, BecomeThoseOfTheRows) {
+    struct Source final : CellSource {
+        std::vector<std::array<std::string, 3>> cells;
+        void Cells(std::span<const std::uint32_t> records, std::int32_t column,
+                   std::string_view* texts) override {
+            for (const std::uint32_t record : records)
+                *texts++ = cells[record][static_cast<std::size_t>(column)];
+        }
+    } source;
+    constexpr std::uint32_t count = 60;
+    source.cells.resize(count);
+    ListModel model(source);
+    ListSums sums(model, source);
+    std::mt19937 random(7);
+    const auto next = [&](unsigned most) { return static_cast<std::uint32_t>(random() % most); };
+    const auto fill = [&](std::uint32_t record) {
+        constexpr const char* sides[] = {"SIP", "SWP", ""};
+        source.cells[record] = {sides[next(3)], next(4) ? std::to_string(next(90000)) + ".05" : "n/a",
+                                std::to_string(next(50))};
+    };
+    const auto plain = [&](const std::vector<std::uint32_t>& records) {
+        std::map<std::string, std::array<std::uint64_t, 3>> sides;
+        for (const std::uint32_t record : records) {
+            auto& [rows, paise, quantity] = sides[source.cells[record][0]];
+            const std::string& amount = source.cells[record][1];
+            ++rows;
+            if (amount != "n/a") paise += std::stoull(amount) * 100 + 5;
+            quantity += std::stoull(source.cells[record][2]);
+        }
+        return sides;
+    };
+    const auto told = [&](const ListSums::Sides& all) {
+        std::map<std::string, std::array<std::uint64_t, 3>> sides;
+        for (const auto& [name, rows, paise, quantity] : all)
+            if (rows || paise || quantity) sides[name] = {rows, paise, quantity};
+        return sides;
+    };
+    const auto step = [&] {
+        const std::uint32_t record = next(count);
+        const FilterInput filter{FilterOperator::greater, "20", {}};
+        switch (next(9)) {
+        case 0:
+        case 1:
+            if (!model.Contains(record)) fill(record);
+            return sums.Note(model.InsertFront(record), record);
+        case 2:
+            return sums.Note(model.Remove(record), record);
+        case 3:
+        case 4:
+            fill(record);
+            return sums.Note(model.Repaint(record), record);
+        case 5:
+            return sums.Note(model.SetFilter(2, next(2) ? &filter : nullptr), kNone);
+        case 6:
+            return sums.Note(model.SetSort({{static_cast<std::int32_t>(next(3)), false, ValueType::number}}),
+                             kNone);
+        case 7:
+            if (next(20) == 0) return sums.Note(model.RemoveAll(), kNone);
+            [[fallthrough]];
+        default:
+            model.SelectRows(next(count), next(count), next(3) != 0);
+            sums.SelectionChanged();
+        }
+    };
+    for (std::uint32_t record = 0; record < count; record += 2)
+        model.InsertFront((fill(record), record));
+    sums.Begin({0, 1, 2});
+    for (int round = 0; round < 4000; ++round) {
+        step();
+        sums.Work(next(20));
+        if (next(4)) continue;
+        while (sums.Work(1 + next(9)))
+            ASSERT_FALSE(sums.IsComplete());
+        ASSERT_EQ(told(sums.Shown()), plain(model.Rows().ShownRecords())) << round;
+        if (model.Selection().Count() > 1) {
+            ASSERT_EQ(told(sums.Selected()), plain(model.SelectedRecords())) << round;
+        }
+    }
 }
 
 TEST(SplitPosition, KeepsItsShareAndTheLeastLengths) {

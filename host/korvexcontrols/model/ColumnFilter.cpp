@@ -101,7 +101,9 @@ std::string FaultOfDates(const FilterInput& input, std::int64_t today) {
         if (!day) return "\"" + *values[i] + "\" is not a date such as 05-Mar-2027.";
         days[i] = *day;
     }
-    if (input.id == FilterOperator::betweenDates && days[1] < days[0])
+    // What today is may be otherwise tomorrow.
+    const bool moves = IsToday(input.value) || IsToday(input.second);
+    if (input.id == FilterOperator::betweenDates && !moves && days[1] < days[0])
         return "The second date is before the first.";
     return {};
 }
@@ -221,6 +223,7 @@ void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& re
         }
         records.resize(kept);
     };
+    if (m_condition) std::erase_if(records, [&](std::uint32_t record) { return !m_condition(record); });
     if (m_owner) drop(*m_owner);
     std::ranges::for_each(m_filters, drop);
 }

@@ -6,6 +6,7 @@
 #include "sdk/korvex/ValueType.h"
 
 #include <algorithm>
+#include <functional>
 #include <list>
 #include <optional>
 #include <span>
@@ -23,6 +24,7 @@ inline bool IsText(ValueType type) {
     return !IsNumeric(type) && type != ValueType::date;
 }
 
+// Their numbers are kept in files: further ones come before the last two.
 enum class FilterOperator {
     contains,
     containsNot,
@@ -62,6 +64,12 @@ struct FilterInput {
     bool operator==(const FilterInput&) const = default;
 };
 
+struct KeptFilter {
+    std::int32_t column;
+    FilterInput input;
+    bool operator==(const KeptFilter&) const = default;
+};
+
 class ColumnFilter {
 public:
     // What is wrong with the input; empty when it is good.
@@ -90,28 +98,37 @@ private:
     std::int64_t m_firstDay = INT64_MIN, m_lastDay = INT64_MAX;
 };
 
-// The conditions of a list: one filter a column, and the owner's beside them.
+// The conditions of a list: one filter a column, and beside them the owner's: a text that must be in a column,
+// and what it decides of a record itself.
 class RowFilters {
 public:
+    using Condition = std::function<bool(std::uint32_t record)>;
+
     bool OfAnyColumn() const { return !m_filters.empty(); }
-    bool PassAll() const { return !OfAnyColumn() && !m_owner; }
+    bool PassAll() const { return !OfAnyColumn() && !m_owner && !m_condition; }
     const ColumnFilter* Of(std::int32_t column) const;
+    const std::list<ColumnFilter>& OfColumns() const { return m_filters; }
+    // Also the owner's.
+    bool HasAny(std::int32_t column) const { return Of(column) || (m_owner && m_owner->Column() == column); }
     // Null takes the filter away.
     void Set(std::int32_t column, const FilterInput* input);
     void SetOwner(std::int32_t column, const std::string_view* text);
+    void SetCondition(Condition condition) { m_condition = std::move(condition); }
     void Clear() { m_filters.clear(); } // but the owner's
 
     bool Pass(CellSource& source, std::uint32_t record) const {
         const auto passes = [&](const ColumnFilter& filter) {
             return filter.Passes(source.Cell(record, filter.Column()));
         };
-        return (!m_owner || passes(*m_owner)) && std::ranges::all_of(m_filters, passes);
+        return (!m_condition || m_condition(record)) && (!m_owner || passes(*m_owner))
+               && std::ranges::all_of(m_filters, passes);
     }
     void DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const;
 
 private:
     std::list<ColumnFilter> m_filters;
     std::optional<ColumnFilter> m_owner;
+    Condition m_condition;
 };
 
 } // namespace korvex
