@@ -30,7 +30,7 @@ TEST_F(FilterList, MenuEntriesCanBePickedWhenTheyDoSomething) {
         EXPECT_EQ(possible, state.possible) << state.name;
     }
     EXPECT_EQ(control->ShownCount(), 6u) << "the owner's filter stays";
-    EXPECT_FALSE(control->HandleCommand(kFirstCommand + reset + 1));
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand + 99));
     EXPECT_FALSE(control->HandleCommand(kFirstCommand - 1));
 }
 
