@@ -186,10 +186,15 @@ void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
 
 void CFilterListCtrl::Impl::Select(const std::function<void()>& operation) {
     CatchUp();
-    if (m_changes) return operation();
-    const auto before = m_sync.Remember();
-    operation();
-    m_sync.Follow(before);
+    if (m_changes) {
+        operation();
+    } else {
+        const auto before = m_sync.Remember();
+        operation();
+        m_sync.Follow(before);
+    }
+    m_sums.SelectionChanged();
+    WorkLater();
 }
 
 void CFilterListCtrl::Impl::InsertFront(std::uint32_t record, KorvexArrival arrival) {

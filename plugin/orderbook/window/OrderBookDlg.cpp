@@ -56,6 +56,7 @@ std::optional<std::vector<SideSum>> BookListWindow::Sums(bool ofSelected) const 
     std::vector<SideSum> sums;
     for (const KorvexSide& side : std::span(sides, static_cast<std::size_t>(count)))
         sums.push_back({std::string(side.name.data, side.name.length), side.rows, side.paise, side.quantity});
+    std::ranges::sort(sums, {}, &SideSum::side); // not as the rows came
     return sums;
 }
 
