@@ -105,7 +105,10 @@ void CFilterListCtrl::Impl::SetConditions(const KorvexCondition* conditions, std
             m_conditions.push_back({conditions[i].name ? conditions[i].name : "", conditions[i].isSwitch != 0,
                                     conditions[i].isPossible != 0, false});
         HoldConditions(now);
-        if (std::ranges::any_of(m_conditions, &Condition::holds)) ApplyConditions();
+        // A new day changes what filters by "today" mean.
+        if (std::ranges::any_of(m_conditions, &Condition::holds)
+            || std::ranges::any_of(m_model.Rows().Filters().OfColumns(), &korvex::ColumnFilter::IsOfToday))
+            See(Seen());
     });
 }
 

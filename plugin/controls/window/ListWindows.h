@@ -57,6 +57,8 @@ std::vector<KorvexColumn> ListColumns(std::span<const Column> columns) {
 
 // What the list does besides; null where its library does not know it.
 KorvexListExtras* ExtrasOf(CFilterListCtrl& list);
+// Gives the last text column what room the others leave, where the list can.
+void StretchLastText(CFilterListCtrl& list);
 
 // The shown, selected records from the top.
 std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list);
