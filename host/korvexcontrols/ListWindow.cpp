@@ -267,23 +267,6 @@ LRESULT CFilterListCtrl::Impl::DrawRow(NMLVCUSTOMDRAW& draw) {
     return CDRF_DODEFAULT;
 }
 
-// Typing finds by the start of the first column from the left.
-int CFilterListCtrl::Impl::FindTyped(const LVFINDINFOA& find, int start) {
-    const auto shown = m_header.Shown();
-    const std::uint32_t count = m_model.ShownCount();
-    if (!(find.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.psz || shown.empty() || !count) return -1;
-    const std::string_view typed = find.psz;
-    const std::uint32_t from = start > 0 ? static_cast<std::uint32_t>(start) : 0;
-    if (from >= count && !(find.flags & LVFI_WRAP)) return -1;
-    const std::uint32_t steps = find.flags & LVFI_WRAP ? count : count - from;
-    const bool whole = !(find.flags & LVFI_PARTIAL);
-    const std::uint32_t row =
-        m_model.Rows().Find({from, steps, true, std::span(shown).first(1)}, [&](std::string_view cell) {
-            return korvex::StartsWithFolded(cell, typed) && (!whole || cell.size() == typed.size());
-        });
-    return row == kNone ? -1 : static_cast<int>(row);
-}
-
 std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notification) {
     if (!Handle() || notification.hwndFrom != Handle()) return std::nullopt;
     auto& header = const_cast<NMHDR&>(notification);
@@ -406,19 +389,6 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
         return std::nullopt;
     default:
         return std::nullopt;
-    }
-}
-
-void CFilterListCtrl::Impl::OnMouseDown(POINT place) {
-    LVHITTESTINFO hit{};
-    hit.pt = place;
-    SendMessageA(Handle(), LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-    m_clickedRecord = hit.iItem < 0 ? kNone : m_model.ShownAt(static_cast<std::uint32_t>(hit.iItem));
-    ClientToScreen(Handle(), &place);
-    m_found = kNone;
-    if (const std::int32_t column = m_header.ColumnAt(place); column >= 0) {
-        m_clickedColumn = column;
-        m_columnIsChosen = true;
     }
 }
 
