@@ -261,9 +261,9 @@ TEST(ListSums, BecomeThoseOfTheRows) {
     for (std::uint32_t record = 0; record < count; record += 2)
         model.InsertFront((fill(record), record));
     sums.Begin({0, 1, 2});
-    for (int round = 0; round < 4000; ++round) {
+    for (int round = 0; round < 20000; ++round) {
         step();
-        sums.Work(next(20));
+        sums.Work(next(4));
         if (next(4)) continue;
         while (sums.Work(1 + next(9)))
             ASSERT_FALSE(sums.IsComplete());

@@ -232,6 +232,22 @@ TEST_F(FilterList, WhatIsSeenOfTheRowsComesBackAndViewsAreNamed) {
     probe::Press(box, IDOK);
     EXPECT_EQ(std::string(Extras().ViewName()), "A-B;, Odd Only");
 
+    HMENU menu = CreatePopupMenu();
+    control->AppendMenuEntries(menu);
+    HMENU views = nullptr;
+    for (int i = 0; i < GetMenuItemCount(menu) && !views; ++i)
+        views = GetSubMenu(menu, i);
+    std::string entries;
+    for (int i = 0; i < GetMenuItemCount(views); ++i) {
+        char text[64] = "";
+        GetMenuStringA(views, static_cast<UINT>(i), text, sizeof text, MF_BYPOSITION);
+        const UINT state = GetMenuState(views, static_cast<UINT>(i), MF_BYPOSITION);
+        const char* mark = state & MF_GRAYED ? "~" : state & MF_CHECKED ? "*" : "";
+        entries += std::string(*text ? mark : "-") + text + "|";
+    }
+    DestroyMenu(menu);
+    EXPECT_EQ(entries, "All Rows|-|*Early|~Never|-|*Odd Only|-|*A-B;|-|Save View...|Delete \"A-B;\"|");
+
     // Another session of the same user.
     Close();
     control.reset();

@@ -41,12 +41,9 @@ void ListSums::Note(const ListChange& change, std::uint32_t record) {
         m_sweep = 0;
         return SelectionChanged();
     }
-    // The rows that the count of the selection has passed stay behind it.
-    if (m_row == kNone) return;
+    // The count of the selection must not step over the row that moves up; one that it meets again it knows.
     const bool goes = change.kind == ListChange::removed || change.kind == ListChange::moved;
-    const bool comes = change.kind == ListChange::inserted || change.kind == ListChange::moved;
-    if (goes && change.row < m_row) --m_row;
-    if (comes && change.to <= m_row) ++m_row;
+    if (goes && m_row != kNone && change.row < m_row) --m_row;
 }
 
 void ListSums::SelectionChanged() {
