@@ -25,5 +25,10 @@ std::optional<std::string> IsoDate(std::string_view cell);
 // Where a cell of text stands among others: whole numbers by value come first, then dates, then what has no
 // value. Cells of one value have the same text, or are the same moment. It fits 62 bits.
 std::optional<std::uint64_t> ReadTextValue(std::string_view text);
+// Most texts have none by their first character.
+inline bool HasTextValue(std::string_view text) {
+    return !text.empty() && ((text.front() >= '0' && text.front() <= '9') || text.front() == '-')
+           && ReadTextValue(text).has_value();
+}
 
 } // namespace korvex

@@ -104,7 +104,7 @@ std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t
 // Texts without the prefix come before or behind all that have it.
 std::uint64_t SortOrder::TextKey(std::string_view cell) const {
     if (m_hasValues) return KeyAmongValues(cell);
-    if (m_columns.front().type == ValueType::text && ReadTextValue(cell)) return kBefore;
+    if (m_columns.front().type == ValueType::text && HasTextValue(cell)) return kBefore;
     if (StartsWithFolded(cell, m_prefix)) return KeyAt(cell, m_prefix.size());
     return CompareFolded(cell, m_prefix) < 0 ? kBefore : kBehind;
 }
@@ -212,9 +212,7 @@ SortOrder::Made SortOrder::MakeTextKeys(std::span<Item> items, std::size_t level
     std::vector<std::string_view> cells(items.size());
     ForCells(items, by.column, [&](std::size_t i, std::string_view cell) { cells[i] = cell; });
     // Cells that agree in what stood before the offset are all without a value.
-    made.hasValues =
-        offset == 0 && by.type == ValueType::text
-        && std::ranges::any_of(cells, [](std::string_view cell) { return ReadTextValue(cell).has_value(); });
+    made.hasValues = offset == 0 && by.type == ValueType::text && std::ranges::any_of(cells, HasTextValue);
     if (level + offset == 0) m_hasValues = made.hasValues;
     made.behind = kKeyText;
     if (made.hasValues) {
