@@ -43,7 +43,12 @@ inline constexpr std::span<const BookColumn> kCancelledColumns = kBookColumns;
 inline constexpr std::span<const BookColumn> kRegisteredColumns = kCancelledColumns.first<20>();
 // The one that the active client filters.
 inline constexpr int kClientColumn = 1;
-static_assert(kBookColumns[kClientColumn].field == OrderField::account);
+// Those by which the status line sums up.
+inline constexpr int kSideColumn = 5, kAmountColumn = 7, kQuantityColumn = 8;
+static_assert(kBookColumns[kClientColumn].field == OrderField::account
+              && kBookColumns[kSideColumn].field == OrderField::side
+              && kBookColumns[kAmountColumn].field == OrderField::amount
+              && kBookColumns[kQuantityColumn].field == OrderField::quantity);
 
 inline constexpr int kOrderHistoryCommand = 4;
 inline constexpr int kRefreshCommand = 25001;

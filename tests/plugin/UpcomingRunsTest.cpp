@@ -77,7 +77,7 @@ public:
             frequency.minimumPeriods = 1;
         for (int i = Below(25); i > 0; --i)
             m_config.nonTrading.push_back(m_today + days(Below(300)));
-        std::filesystem::remove(path);
+        vesk::WriteJournal(path, "");
         m_running.emplace(path, m_config);
         // Both years, or none.
         for (int year = 2026, any = Below(3); any && year < 2028; ++year) {

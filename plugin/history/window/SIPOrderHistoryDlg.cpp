@@ -39,6 +39,7 @@ void CSIPOrderHistoryDlg::OnInit() {
     const auto columns = ListColumns<HistoryColumn>(kHistoryColumns);
     m_list.Attach({Item(IDC_HISTORY_LIST).Handle(), "SIPOrderHistory", this, columns.data(),
                    static_cast<std::int32_t>(columns.size()), kListCommands});
+    StretchLastText(m_list);
     m_splitter.Create({Handle(), m_list.Handle(), IDC_HISTORY_SPLITTER, "SIPOrderHistory", kListShare,
                        kLeastList, kLeastBelow});
     Arrange();
