@@ -173,6 +173,40 @@ void Basket::Delete() {
     m_runs.KeepUnsentLast();
 }
 
+std::optional<FormOrder> Basket::Complete(Pass pass, sSipOrderData order) const {
+    const auto scrip = AskScripDetails(pass, m_session, order.exchange, order.tradingSymbol);
+    if (!scrip) return std::nullopt;
+    FormOrder whole;
+    whole.data = std::move(order);
+    whole.data.token = TextOf(scrip->token);
+    const std::string& symbol = whole.data.tradingSymbol;
+    const std::size_t dash = symbol.rfind('-');
+    whole.symbol = symbol.substr(0, dash);
+    if (dash != symbol.npos) whole.series = symbol.substr(dash + 1);
+    whole.startDateText = FormatPickerDate(ToLocal(LeadingInteger(whole.data.startDate)));
+    return whole;
+}
+
+std::size_t Basket::Add(Pass pass, std::vector<sSipOrderData> orders) {
+    std::size_t added = 0;
+    if (m_runs.IsBusy()) return added;
+    for (sSipOrderData& order : orders) {
+        const auto whole = Complete(pass, std::move(order));
+        if (m_session.Ended()) return added;
+        if (!whole) continue;
+        m_view.List().InsertFront(m_rows.Add(whole->Texts()));
+        ++added;
+    }
+    EndAdding();
+    return added;
+}
+
+void Basket::EndAdding() {
+    m_runs.LetPlace(m_view.List().RowCount() > 0);
+    m_view.ShowStatusSoon();
+    m_runs.KeepUnsentLast();
+}
+
 std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
     std::size_t taken = 0;
     if (m_runs.IsBusy()) return taken;
@@ -181,26 +215,16 @@ std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
             ++taken;
             continue;
         }
-        FormOrder order;
         auto sent = OrderOf(m_session.record.Ledger()[place]);
-        const auto scrip =
-            sent ? AskScripDetails(pass, m_session, sent->exchange, sent->tradingSymbol) : std::nullopt;
+        const auto order = sent ? Complete(pass, std::move(*sent)) : std::nullopt;
         if (m_session.Ended()) return taken;
-        if (!scrip) continue;
-        order.data = std::move(*sent);
-        order.data.token = TextOf(scrip->token);
-        const std::size_t dash = order.data.tradingSymbol.rfind('-');
-        order.symbol = order.data.tradingSymbol.substr(0, dash);
-        if (dash != std::string::npos) order.series = order.data.tradingSymbol.substr(dash + 1);
-        order.startDateText = FormatPickerDate(ToLocal(LeadingInteger(order.data.startDate)));
-        const RecordId row = m_rows.Add(order.Texts());
+        if (!order) continue;
+        const RecordId row = m_rows.Add(order->Texts());
         m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
         m_view.List().InsertFront(row);
         ++taken;
     }
-    m_runs.LetPlace(m_view.List().RowCount() > 0);
-    m_view.ShowStatusSoon();
-    m_runs.KeepUnsentLast();
+    EndAdding();
     return taken;
 }
 

@@ -60,7 +60,7 @@ public:
     std::string Summary() const;
 
 private:
-    const char* m_measure = "Quantity";
+    bool m_inRupees = false;
     std::vector<ChartBar> m_orders;
     std::array<std::size_t, kChartPartCount> m_counts{};
 };
@@ -70,7 +70,8 @@ ChartPart PartOf(const sOrderHistory& order);
 
 // The smallest round number that no bar is higher than.
 double ScaleTop(std::span<const ChartBar> bars);
-// Without a fraction that says nothing.
+// Without a fraction that says nothing; the first in groups, "1,50,000".
+std::string RupeeText(double rupees);
 std::string ValueText(double value);
 
 } // namespace planfold

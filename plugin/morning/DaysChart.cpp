@@ -50,8 +50,7 @@ std::array<std::string, kChartPartCount> DaysChart::Legend() const {
 }
 
 std::string DaysChart::Value(double height) const {
-    const std::string rupees = GroupedRupees(static_cast<std::int64_t>(std::min(height, 9e16)) * 100);
-    return rupees.substr(0, rupees.find('.'));
+    return RupeeText(height);
 }
 
 std::string DaysChart::Summary() const {

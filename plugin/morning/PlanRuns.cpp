@@ -73,35 +73,59 @@ bool CanHaveRun(const sOrderinfo& record, Day from, Day to, const ClosedDays& cl
     return false;
 }
 
-PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed,
-                   std::optional<PlanRuns>& plan) {
-    const std::string_view status = record.Text(OrderField::sipStatus);
-    if (HasEnded(status) || IsCancelled(status)) return PlanState::ended;
-    if (status == kPausedStatus) return PlanState::paused;
+namespace {
+
+struct RestOfPlan {
+    Schedule schedule;
+    std::int64_t place; // of the next run
+    std::int64_t left;
+    Day next;
+    bool hasEnd;
+};
+
+std::optional<RestOfPlan> RestOf(const sOrderinfo& record, const ClosedDays& closed) {
     const auto start = ReadServerDay(record.Text(OrderField::startDate));
     const auto next = ReadServerDay(record.Text(OrderField::nextExecutionDate));
     const auto schedule = start ? Schedule::Of(*start, record.Text(OrderField::frequency)) : std::nullopt;
     const auto end = ReadServerDay(record.Text(OrderField::endDate));
     const std::int64_t periods = PeriodsOf(record);
-    if (!schedule || !next || (!end && periods <= 0)) return PlanState::unreadable;
+    if (!schedule || !next || (!end && periods <= 0)) return std::nullopt;
 
     const std::int64_t place =
         schedule->PlaceOf(*next, ReadServerDay(record.Text(OrderField::registrationDate)), closed);
     // What has a next day is not yet at its end.
     const std::int64_t left =
         std::max<std::int64_t>(end ? schedule->PlaceBy(*end) - place + 1 : periods - place, 1);
+    return RestOfPlan{*schedule, place, left, *next, end.has_value()};
+}
+
+} // namespace
+
+std::optional<std::int64_t> RunsLeft(const sOrderinfo& record, const ClosedDays& closed) {
+    const auto rest = RestOf(record, closed);
+    if (!rest) return std::nullopt;
+    return rest->left;
+}
+
+PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed,
+                   std::optional<PlanRuns>& plan) {
+    const std::string_view status = record.Text(OrderField::sipStatus);
+    if (HasEnded(status) || IsCancelled(status)) return PlanState::ended;
+    if (status == kPausedStatus) return PlanState::paused;
+    const auto rest = RestOf(record, closed);
+    if (!rest) return PlanState::unreadable;
     const bool bySell = record.Text(OrderField::side) == "SWP";
     const bool byQuantity = record.Text(OrderField::investType) == "qty";
     const Need need = byQuantity ? (bySell ? Need::deliver : Need::buy) : (bySell ? Need::receive : Need::pay);
     const std::int64_t value = byQuantity ? LeadingInteger(record.Text(OrderField::quantity))
                                           : InPaise(record.Text(OrderField::amount));
-    plan = PlanRuns{*schedule,
-                    place,
-                    left,
-                    *next < today ? closed.FirstOpen(today) : *next,
+    plan = PlanRuns{rest->schedule,
+                    rest->place,
+                    rest->left,
+                    rest->next < today ? closed.FirstOpen(today) : rest->next,
                     need,
                     value,
-                    end && (schedule->Step().days != 1 || place == 0)};
+                    rest->hasEnd && (rest->schedule.Step().days != 1 || rest->place == 0)};
     return PlanState::runs;
 }
 

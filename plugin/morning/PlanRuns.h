@@ -44,6 +44,9 @@ enum class PlanState { runs, paused, ended, unreadable };
 PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed,
                    std::optional<PlanRuns>& plan);
 
+// How many runs an ended plan had still to come, at least one; none when its fields do not tell.
+std::optional<std::int64_t> RunsLeft(const sOrderinfo& record, const ClosedDays& closed);
+
 // Whether the plan can have run in these days, both included, or has ended before: one that did not run is no
 // fault.
 bool CanHaveRun(const sOrderinfo& record, Day from, Day to, const ClosedDays& closed);

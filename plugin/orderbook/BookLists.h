@@ -62,12 +62,15 @@ inline constexpr int kResumeSelectedCommand = 25102;
 // Windows about the whole book.
 inline constexpr int kUpcomingRunsCommand = 25105;
 inline constexpr int kRunsOfPeriodCommand = 25106;
+// The selected rows of the open page.
+inline constexpr int kCopyToBasketCommand = 25107;
 inline constexpr MenuEntry kMorningMenu[] = {
     {"Upcoming Runs...\tCtrl+U", kUpcomingRunsCommand},
     {"Runs of a Period...\tCtrl+R", kRunsOfPeriodCommand},
+    {"Copy to Basket...\tCtrl+B", kCopyToBasketCommand},
 };
 constexpr bool IsMorningCommand(int command) {
-    return command == kUpcomingRunsCommand || command == kRunsOfPeriodCommand;
+    return command >= kUpcomingRunsCommand && command <= kCopyToBasketCommand;
 }
 
 // `selected` is the first selected row's record; null when no row is selected.

@@ -71,6 +71,15 @@ void CBasketUpload::Open() {
     if (HasWindow()) m_basket.Runs().OfferUnsent();
 }
 
+void CBasketUpload::Add(Pass pass, std::vector<sSipOrderData> orders) {
+    const std::size_t count = orders.size(), added = m_basket.Add(pass, std::move(orders));
+    if (added < count && !m_session.Ended())
+        ShowLast(
+            Format("%zu of %zu orders are not in the basket: the terminal does not know their scrip, or the "
+                   "basket is busy.",
+                   count - added, count));
+}
+
 void CBasketUpload::ShutDown() {
     Destroy();
     m_link.Release();

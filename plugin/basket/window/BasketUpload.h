@@ -29,6 +29,8 @@ public:
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) {
         return m_basket.TakeBack(pass, orders);
     }
+    // The same of new orders; tells of those that it cannot take.
+    void Add(Pass pass, std::vector<sSipOrderData> orders);
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 

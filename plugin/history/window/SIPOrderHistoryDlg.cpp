@@ -94,6 +94,7 @@ void CSIPOrderHistoryDlg::Arrange() {
     const RECT above = m_splitter.First();
     for (auto [id, place] : m_places) {
         OffsetRect(&place, 0, above.bottom - list.bottom);
+        if (id == IDC_HISTORY_REMARKS) place.right = area.right;
         if (id == IDC_HISTORY_CHART)
             place = {place.left, place.top, area.right, std::max(place.top, area.bottom)};
         Item(id).Move(id == IDC_HISTORY_LIST ? above : place);
@@ -190,11 +191,12 @@ std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {
     return HasWindow() && focused != UINT32_MAX ? std::optional<std::size_t>(focused) : std::nullopt;
 }
 
-void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details) {
+void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details, const std::string& remarks) {
     // All is drawn again: what waited to be painted before, as a row that lost the focus, may be forgotten.
     const framework::RedrawHold hold(Handle());
     for (std::size_t i = 0; i < details.size(); ++i)
         Item(IDC_HISTORY_DETAIL + static_cast<int>(i)).SetText(details[i]);
+    Item(IDC_HISTORY_REMARKS).SetText(remarks);
 }
 
 void CSIPOrderHistoryDlg::Show(bool shown) {

@@ -13,16 +13,16 @@ namespace {
 
 constexpr char kName[] = "SIPRunsOfPeriod";
 constexpr unsigned kListCommands = 26600; // of a hundred
-constexpr int kHistoryEntry = 25311;
+enum Entry { kHistoryEntry = 25311, kCopyEntry };
 
 } // namespace
 
-CPeriodRunsDlg::CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, History history)
+CPeriodRunsDlg::CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, Others others)
     : CPeriodWindow(
         module, IDD_RUNS_OF_PERIOD, session,
         {kName, ListColumns<PastColumn>(kPastColumns), kListCommands, kPastChoices, kFirstPastChoice}),
       m_runs(session, records, *this, [this] { return Control(); }),
-      m_progress(module, session, m_runs, CRunProgressDlg::Owner::disabled), m_history(std::move(history)) {}
+      m_progress(module, session, m_runs, CRunProgressDlg::Owner::disabled), m_others(std::move(others)) {}
 
 void CPeriodRunsDlg::ShutDown() {
     Destroy();
@@ -77,17 +77,33 @@ std::string_view CPeriodRunsDlg::Cell(std::uint32_t row, std::int32_t column) co
 }
 
 std::vector<MenuEntry> CPeriodRunsDlg::Entries() const {
-    return {{"Order History\tEnter", kHistoryEntry, FocusedRow() == UINT32_MAX}};
+    return {{"Order History\tEnter", kHistoryEntry, FocusedRow() == UINT32_MAX},
+            {"Copy Failed Runs to Basket...\tCtrl+B", kCopyEntry, m_runs.Failed().empty()}};
 }
 
 bool CPeriodRunsDlg::OnEntry(int command) {
     if (command == kHistoryEntry && FocusedRow() != UINT32_MAX) Activate(FocusedRow());
-    return command == kHistoryEntry;
+    if (command == kCopyEntry) CopyFailed();
+    return command == kHistoryEntry || command == kCopyEntry;
+}
+
+bool CPeriodRunsDlg::OnRowKey(int key, std::uint32_t) {
+    if (key != 'B' || GetKeyState(VK_CONTROL) >= 0) return false;
+    CopyFailed();
+    return true;
+}
+
+// All of the period.
+void CPeriodRunsDlg::CopyFailed() {
+    std::vector<std::string> numbers;
+    for (const FailedRun& run : m_runs.Failed())
+        numbers.push_back(run.registration);
+    if (!numbers.empty()) Lifetime::Last([&](Pass pass) { m_others.copy(pass, std::move(numbers)); });
 }
 
 void CPeriodRunsDlg::Activate(std::uint32_t row) {
     if (const std::string number(m_runs.Text(row, PastField::registration)); !number.empty())
-        Lifetime::Last([&](Pass pass) { m_history(pass, number); });
+        Lifetime::Last([&](Pass pass) { m_others.history(pass, number); });
 }
 
 } // namespace planfold

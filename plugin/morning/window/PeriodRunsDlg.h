@@ -13,10 +13,13 @@ namespace planfold {
 
 class CPeriodRunsDlg final : public CPeriodWindow, public CKeloRxNotifierBase, private PeriodRunsView {
 public:
-    // Opens the order history of a registration number.
-    using History = std::function<void(Pass, const std::string&)>;
+    // The other windows: the order history of a registration number, and the placing again of runs that failed.
+    struct Others {
+        std::function<void(Pass, const std::string& number)> history;
+        std::function<void(Pass, std::vector<std::string> numbers)> copy;
+    };
 
-    CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, History history);
+    CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, Others others);
     ~CPeriodRunsDlg() override { Destroy(); }
 
     // Takes the window away and gives the control back, for good.
@@ -36,6 +39,8 @@ private:
     std::vector<MenuEntry> Entries() const override;
     bool OnEntry(int command) override;
     void Activate(std::uint32_t row) override;
+    bool OnRowKey(int key, std::uint32_t row) override;
+    void CopyFailed();
 
     void ShowRows() override;
     void ShowRun() override { m_progress.Follow(Handle()); }
@@ -47,7 +52,7 @@ private:
     std::optional<RxLink> m_link;
     PeriodRuns m_runs;
     CRunProgressDlg m_progress;
-    History m_history;
+    Others m_others;
     bool m_anew = false; // what is chosen next is asked for again
 };
 

@@ -49,9 +49,9 @@ namespace {
 
 constexpr unsigned kRegisteredListCommands = 26000;
 constexpr unsigned kCancelledListCommands = 26100;
-constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R'; // with Ctrl
-constexpr int kCountWidth = 90, kConnectionWidth = 170;       // pixels at 96 DPI
-constexpr int kStatusPart = 2, kConnectionPart = 3;           // behind both counts
+constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R', kCopyToBasketKey = 'B'; // with Ctrl
+constexpr int kCountWidth = 90, kConnectionWidth = 170;                               // pixels at 96 DPI
+constexpr int kStatusPart = 2, kConnectionPart = 3;                                   // behind both counts
 constexpr UINT_PTR kSecond = 1;
 constexpr UINT kShowStatus = WM_APP + 1;
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
@@ -274,6 +274,13 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     return true;
 }
 
+std::vector<std::string> COrderBookDlg::SelectedNumbers() const {
+    std::vector<std::string> numbers;
+    for (const RecordId record : (CurrentPage() == 1 ? m_cancelled : m_registered).Selected())
+        numbers.emplace_back(m_book.Records()[record].Number());
+    return numbers;
+}
+
 void COrderBookDlg::Refresh() {
     m_filling.Begin();
     m_book.Refresh();
@@ -327,8 +334,11 @@ bool COrderBookDlg::OnKey(UINT_PTR list, int key) {
         return true;
     }
     if (GetKeyState(VK_CONTROL) >= 0) return false;
-    if (key == kUpcomingRunsKey || key == kRunsOfPeriodKey) {
-        OnCommand({key == kUpcomingRunsKey ? kUpcomingRunsCommand : kRunsOfPeriodCommand, 0, nullptr});
+    if (key == kUpcomingRunsKey || key == kRunsOfPeriodKey || key == kCopyToBasketKey) {
+        OnCommand({key == kUpcomingRunsKey   ? kUpcomingRunsCommand
+                   : key == kRunsOfPeriodKey ? kRunsOfPeriodCommand
+                                             : kCopyToBasketCommand,
+                   0, nullptr});
         return true;
     }
     if (key != VK_PRIOR && key != VK_NEXT) return false;

@@ -40,6 +40,7 @@ public:
 
     // As the book has them; its number of fillings tells that they are others.
     const OrderCache& Records() { return m_dialog.Book().Records(); }
+    const COrderBookDlg& Lists() const { return m_dialog; }
 
     void OnBroadcast(void* message, std::uint32_t, void*) noexcept override;
     void OnResponse(void*, void* message, void*) noexcept override;

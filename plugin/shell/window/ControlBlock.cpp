@@ -28,7 +28,13 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
       m_upcomingRuns(module, m_session, m_orderBook.Records(),
                      [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
       m_runsOfPeriod(module, m_session, m_orderBook.Records(),
-                     [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
+                     {[this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
+                      [this](Pass, std::vector<std::string> numbers) {
+                          OpenCopyPlans(m_runsOfPeriod.Handle(), std::move(numbers), true);
+                      }}),
+      m_copyPlans(
+          module, m_session, m_orderBook.Records(),
+          [this](Pass pass, std::vector<sSipOrderData> orders) { CopyToBasket(pass, std::move(orders)); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -55,6 +61,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
+    RowOf<&CPlanfoldControlBlock::m_copyPlans>({}),
     RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
     RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
@@ -132,6 +139,8 @@ void CPlanfoldControlBlock::RecordCommand(int command) {
     if (command == kCompareCommand) m_doubts.Compare();
     if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
     if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
+    if (command == kCopyToBasketCommand)
+        OpenCopyPlans(m_orderBook.Handle(), m_orderBook.Lists().SelectedNumbers(), false);
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -150,6 +159,16 @@ void CPlanfoldControlBlock::OpenUpcomingRuns() {
 
 void CPlanfoldControlBlock::OpenRunsOfPeriod() {
     if (SetHostsFont(m_runsOfPeriod)) m_runsOfPeriod.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenCopyPlans(HWND owner, std::vector<std::string> numbers, bool areRuns) {
+    if (!numbers.empty() && SetHostsFont(m_copyPlans)) m_copyPlans.Open(owner, std::move(numbers), areRuns);
+}
+
+void CPlanfoldControlBlock::CopyToBasket(Pass pass, std::vector<sSipOrderData> orders) {
+    if (!SetHostsFont(m_basket)) return;
+    m_basket.Open();
+    if (!m_session.Ended()) m_basket.Add(pass, std::move(orders));
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

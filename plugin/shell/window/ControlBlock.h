@@ -8,6 +8,7 @@
 #include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/morning/window/CopyPlansDlg.h"
 #include "plugin/morning/window/PeriodRunsDlg.h"
 #include "plugin/morning/window/UpcomingRunsDlg.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
@@ -73,6 +74,8 @@ private:
     void OpenDayReport();
     void OpenUpcomingRuns();
     void OpenRunsOfPeriod();
+    void OpenCopyPlans(HWND owner, std::vector<std::string> numbers, bool areRuns);
+    void CopyToBasket(Pass pass, std::vector<sSipOrderData> orders);
     void RecordCommand(int command);
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
@@ -91,6 +94,7 @@ private:
     COrderBookDlgBar m_orderBook;
     CUpcomingRunsDlg m_upcomingRuns;
     CPeriodRunsDlg m_runsOfPeriod;
+    CCopyPlansDlg m_copyPlans;
     CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
