@@ -192,7 +192,7 @@ TEST_F(BookFlowTest, TheHistorysOrdersAndTheirTradesComeAsTheServerHasThem) {
     Pump();
     EXPECT_EQ(seen.listings, 1);
     EXPECT_FALSE(seen.shown);
-    EXPECT_EQ(Taken(seen.boxes), Texts{"No orders yet: " + number});
+    EXPECT_EQ(std::exchange(seen.boxes, {}), Texts{"No orders yet: " + number});
 
     const vesk::Registration& registration = *server.Find(number);
     ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
