@@ -14,7 +14,6 @@ namespace {
 
 constexpr char kName[] = "SIPDayReport";
 constexpr unsigned kListCommands = 26400; // of a hundred
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
 // A button's width in the template's units, of which four are a letter.
 constexpr int kButtonUnits = 54;
 

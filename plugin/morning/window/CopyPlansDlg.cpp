@@ -23,8 +23,13 @@ void CCopyPlansDlg::OnInit() {
     const Day tomorrow = *DayOf(LocalNow()) + std::chrono::days(1);
     const auto picker = Item<framework::DatePicker>(IDC_COPY_START);
     picker.SetTime(ToSystemTime(DateOf(m_session.ClosedDays().FirstOpen(tomorrow))));
+    picker.SetFormat(kDateFormat);
     m_calendar.Attach(picker.Handle());
     Item(IDC_COPY_LEFT).Send(BM_SETCHECK, BST_CHECKED);
+}
+
+void CCopyPlansDlg::OnLaidOut() {
+    SetCaptionIcon(IDI_CALENDAR);
 }
 
 CopiedPeriods CCopyPlansDlg::Periods() const {
@@ -42,7 +47,7 @@ void CCopyPlansDlg::ShowCopies() {
     for (const int choice : {IDC_COPY_LEFT, IDC_COPY_REGISTERED})
         Item(choice).Enable(!m_areRuns);
     const CopiedPlans copies = Copies();
-    Item(IDC_COPY_TEXT).SetText(DescribeCopies(copies));
+    Item(IDC_COPY_TEXT).SetText(DescribeCopies(copies) + (m_areRuns ? "\nEach is for one run." : ""));
     Item(IDOK).Enable(!copies.orders.empty());
 }
 

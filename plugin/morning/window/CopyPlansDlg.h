@@ -26,6 +26,7 @@ public:
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void OnInit() override;
+    void OnLaidOut() override;
     bool OnCommand(const framework::Command& command) override;
     CopiedPeriods Periods() const;
     CopiedPlans Copies() const;

@@ -12,7 +12,6 @@ namespace planfold {
 
 namespace {
 
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
 constexpr int kPickers[] = {IDC_RUNS_FROM, IDC_RUNS_TO};
 // The button's width in the template's units, of which four are a letter.
 constexpr int kButtonUnits = 54;
