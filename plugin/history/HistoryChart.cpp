@@ -64,6 +64,11 @@ std::vector<std::size_t> ByTime(std::span<const sOrderHistory> orders) {
     return places;
 }
 
+std::int64_t InPaise(double rupees) {
+    constexpr double most = 9e16;
+    return std::llround(std::min(rupees, most) * 100);
+}
+
 ChartBar Joined(std::span<const ChartBar> orders) {
     ChartBar bar{orders.front().from, orders.back().to, orders.size()};
     for (const ChartBar& order : orders)
@@ -115,7 +120,8 @@ std::vector<ChartBar> HistoryChart::Bars(std::size_t most) const {
 
 std::string HistoryChart::Heading(std::span<const ChartBar> bars) const {
     const std::size_t together = bars.empty() ? 1 : bars.front().orders;
-    return std::string(m_inRupees ? "Rupees" : "Quantity") + (together == 1 ? " by order" : Format(", %zu orders a bar", together));
+    return std::string(m_inRupees ? "Rupees" : "Quantity")
+           + (together == 1 ? " by order" : Format(", %zu orders a bar", together));
 }
 
 std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
@@ -129,7 +135,9 @@ std::string HistoryChart::Summary() const {
     if (m_orders.empty()) return "No orders";
     ChartBar all = Joined(m_orders);
     const char* measure = m_inRupees ? "Amount" : "Quantity";
-    const auto value = [&](double number) { return (m_inRupees ? "Rs " : "") + Value(number); };
+    const auto value = [&](double number) {
+        return m_inRupees ? FormatRupees(InPaise(number)) : ValueText(number);
+    };
     std::string text = Format("Orders: %zu, from %s to %s. %s: %s. %s filled: %s.", all.orders,
                               all.from.c_str(), all.to.c_str(), measure, value(all.Total()).c_str(), measure,
                               value(At(all.values, ChartPart::filled)).c_str());
@@ -154,8 +162,7 @@ double ScaleTop(std::span<const ChartBar> bars) {
 }
 
 std::string RupeeText(double rupees) {
-    constexpr double most = 9e16;
-    std::string text = GroupedRupees(std::llround(std::min(rupees, most) * 100));
+    std::string text = GroupedRupees(InPaise(rupees));
     if (text.ends_with(".00")) text.resize(text.size() - 3);
     return text;
 }
