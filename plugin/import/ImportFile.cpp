@@ -12,6 +12,8 @@ namespace {
 constexpr char kNoHeadings[] =
     "it has no line of headings, such as \"Client Code\" and \"Amount\"; Load reads a basket file without them";
 
+constexpr std::size_t kLongestFirst = 60;
+
 // In the preview and its counts.
 constexpr const char* kFaultNames[] = {
     "",
@@ -103,25 +105,43 @@ std::string ImportFile::Open(std::string bytes, const KeptMappings& kept) {
     const ImportMapping* known = kept.Find(m_headings);
     m_isKept = known && known->columns.size() == m_headings.texts.size();
     m_mapping = m_isKept ? *known : MappingOf(m_headings);
-    if (!m_isKept) FindClientDigits(*Opened(*m_bytes));
+    TableRow row;
+    m_firstValues.assign(m_headings.texts.size(), {});
+    const auto first = Opened(*m_bytes);
+    for (int i = 0; i < kRowsTried && first->Next(row); ++i)
+        for (std::size_t at = 0; row.line > m_headings.line && at < m_firstValues.size(); ++at)
+            if (m_firstValues[at].empty() && at < row.cells.size())
+                m_firstValues[at] = row.cells[at].text.substr(0, kLongestFirst);
+    if (!m_isKept) LookAtColumns(*Opened(*m_bytes));
     return {};
 }
 
-// Where one code has zeros in front, all that are numbers have its length; a shorter one has lost some.
-void ImportFile::FindClientDigits(TableReader& table) {
-    const auto column = std::ranges::find(m_mapping.columns, BasketField::account);
-    if (column == m_mapping.columns.end()) return;
-    const auto place = static_cast<std::size_t>(column - m_mapping.columns.begin());
+// Where one code has zeros in front, all that are numbers have its length; a shorter one has lost some. A
+// heading whose order of day and month one of its dates contradicts has been outlived by its column, and
+// decides nothing.
+void ImportFile::LookAtColumns(TableReader& table) {
+    const auto cellOf = [&](const TableRow& row, BasketField field) {
+        const auto place =
+            static_cast<std::size_t>(std::ranges::find(m_mapping.columns, field) - m_mapping.columns.begin());
+        return place < std::min(row.cells.size(), m_mapping.columns.size()) ? row.cells[place] : TableCell();
+    };
     TableRow row;
     std::size_t digits = 0;
+    bool areAlike = true;
     for (int i = 0; i < kRowsTried && table.Next(row); ++i) {
-        if (row.line <= m_headings.line || row.cells.size() <= place) continue;
-        const std::string_view code = PlainText(row.cells[place].text);
-        if (!code.starts_with('0') || !AllDigits(code)) continue;
-        if (digits != 0 && digits != code.size()) return;
-        digits = code.size();
+        if (row.line <= m_headings.line) continue;
+        const std::string_view code = PlainText(cellOf(row, BasketField::account).text);
+        if (code.starts_with('0') && AllDigits(code)) {
+            areAlike = areAlike && (digits == 0 || digits == code.size());
+            digits = code.size();
+        }
+        std::string date;
+        const TableCell day = cellOf(row, BasketField::startDateText);
+        if (ReadDay(day, m_mapping.pattern, date) == ImportFault::noDate
+            && ReadDay(day, DatePattern::undecided, date) == ImportFault::none)
+            m_mapping.pattern = DatePattern::undecided;
     }
-    if (digits <= 32) m_mapping.clientDigits = static_cast<int>(digits);
+    if (areAlike && digits <= 32) m_mapping.clientDigits = static_cast<int>(digits);
 }
 
 void ImportFile::ReadColumnAs(std::size_t column, BasketField field) {

@@ -34,6 +34,8 @@ public:
     std::string Open(std::string bytes, const KeptMappings& kept);
 
     const Headings& Columns() const { return m_headings; }
+    // What stands first in each column.
+    const std::vector<std::string>& FirstValues() const { return m_firstValues; }
     bool IsKept() const { return m_isKept; }
     ImportMapping& Mapping() { return m_mapping; }
     const ImportMapping& Mapping() const { return m_mapping; }
@@ -61,10 +63,11 @@ public:
     BeginReading Begin() const;
 
 private:
-    void FindClientDigits(TableReader& table);
+    void LookAtColumns(TableReader& table);
 
     std::shared_ptr<const std::string> m_bytes;
     Headings m_headings;
+    std::vector<std::string> m_firstValues;
     ImportMapping m_mapping;
     bool m_isKept = false;
     std::vector<PreviewRow> m_rows;

@@ -13,7 +13,7 @@ import openpyxl
 
 HERE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "files")
 HEADINGS = ["UCC", "Name", "Exchange", "Series", "Scrip", "Product", "Amount (Rs)", "Qty", "Frequency",
-            "Start Date (dd/mm/yyyy)", "Instalments", "Action"]
+            "Start Date", "Instalments", "Action"]
 DAY = datetime.date
 ROWS = [
     ["001234", "Zoë \"Z\" Müller", "NSE", "EQ", "ALPHATEX", "CNC", 150000.5, None, "Monthly", DAY(2099, 3, 5), 12, "SIP"],
