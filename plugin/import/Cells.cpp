@@ -66,16 +66,23 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool IsBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 std::string_view Trimmed(std::string_view text) {
-    const auto begin = text.find_first_not_of(" \t\r\n");
-    if (begin == text.npos) return {};
-    return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 // "1E+05", "1,5E+11".
 bool IsShortened(std::string_view text) {
+    if (text.empty() || !IsDigit(text.front())) return false;
     const std::size_t e = text.find_first_of("eE");
-    if (e == text.npos || e == 0 || !IsDigit(text.front())) return false;
+    if (e == text.npos) return false;
     const std::string_view power = text.substr(e + 1);
     return text.substr(0, e).find_first_not_of("0123456789.,") == text.npos && power.size() > 1
            && (power.front() == '+' || power.front() == '-') && AllDigits(power.substr(1));
@@ -137,8 +144,14 @@ ImportFault SplitNumber(std::string_view text, Decimal& number) {
 }
 
 ImportFault ReadDecimal(const TableCell& cell, Decimal& number) {
-    std::string text(PlainText(cell.text));
-    if (text.empty()) return ImportFault::missing;
+    const std::string_view plain = PlainText(cell.text);
+    if (plain.empty()) return ImportFault::missing;
+    // The usual case.
+    if (plain.size() <= kMostDigits && plain.front() != '0' && AllDigits(plain)) {
+        number.whole = plain;
+        return ImportFault::none;
+    }
+    std::string text(plain);
     if (IsShortened(text)) return ImportFault::shortened;
     for (const std::string_view space : kHardSpaces)
         for (std::size_t at; (at = text.find(space)) != text.npos;)
@@ -303,18 +316,24 @@ ImportFault ReadDay(const TableCell& cell, DatePattern pattern, std::string& dat
                                                                : WriteDay(last, month, first, date);
 }
 
+bool HasWords(BasketField field) {
+    constexpr auto mask = [] {
+        std::uint32_t fields = 0;
+        for (const WordRow& row : kWords)
+            fields |= 1u << static_cast<unsigned>(row.field);
+        return fields;
+    }();
+    return (mask >> static_cast<unsigned>(field) & 1) != 0;
+}
+
 ImportFault ReadWord(BasketField field, std::string_view text, std::string& word) {
-    bool hasWords = false;
-    std::string key;
+    const std::string key = ';' + HeadingKey(text) + ';';
     for (const WordRow& row : kWords) {
-        if (row.field != field) continue;
-        if (!hasWords) key = ';' + HeadingKey(text) + ';';
-        hasWords = true;
-        if (row.others.find(key) == row.others.npos) continue;
+        if (row.field != field || row.others.find(key) == row.others.npos) continue;
         word = row.word;
         return ImportFault::none;
     }
-    if (hasWords && field != BasketField::exchange) return ImportFault::unknownWord;
+    if (field != BasketField::exchange) return ImportFault::unknownWord;
     word = text;
     return ImportFault::none;
 }

@@ -41,7 +41,9 @@ ImportFault ReadMoney(const TableCell& cell, AmountUnit unit, std::string& paise
 ImportFault ReadWholeNumber(const TableCell& cell, std::string& number);
 // A date as the form writes it: "05/Mar/2027".
 ImportFault ReadDay(const TableCell& cell, DatePattern pattern, std::string& date);
-// The word that a basket line has for it; the text itself for a field without words of its own.
+// Whether a basket line has words of its own for it.
+bool HasWords(BasketField field);
+// The one that is meant. An exchange without one may be the host's own word.
 ImportFault ReadWord(BasketField field, std::string_view text, std::string& word);
 // A code or a name.
 ImportFault ReadCode(const TableCell& cell, std::string& code);

@@ -69,7 +69,8 @@ void CsvTable::LeaveLineOf(std::size_t start) {
 // Up to the line's end, and past it.
 std::optional<const char*> CsvTable::ReadCells(TableRow& row) {
     const std::size_t limit = std::min(m_text.size(), m_at + kLongestRow);
-    const auto endOfCell = [this](char c) { return c == m_delimiter || c == '\n' || c == '\r'; };
+    const char delimiter = m_delimiter;
+    const auto endOfCell = [delimiter](char c) { return c == delimiter || c == '\n' || c == '\r'; };
     while (true) {
         if (row.cells.size() == kMostTableColumns) return kTooManyColumns;
         if (m_at < limit && m_text[m_at] == '"') {
@@ -77,8 +78,11 @@ std::optional<const char*> CsvTable::ReadCells(TableRow& row) {
             if (m_at < m_text.size() && !endOfCell(m_text[m_at])) return kStrayQuote;
         } else {
             const std::size_t start = m_at;
-            while (m_at < limit && !endOfCell(m_text[m_at]))
-                ++m_at;
+            const char* at = m_text.data() + start;
+            const char* const stop = m_text.data() + limit;
+            while (at < stop && !endOfCell(*at))
+                ++at;
+            m_at = static_cast<std::size_t>(at - m_text.data());
             row.cells.push_back({m_text.substr(start, m_at - start)});
         }
         if (m_at == m_text.size()) return std::nullopt;

@@ -13,6 +13,7 @@ namespace {
 // A file of ever new names must not fill the memory.
 constexpr std::size_t kMostKnown = 100'000;
 constexpr std::size_t kLongestShown = 40;
+constexpr std::size_t kLongestKept = 200;
 
 // Which column a reason of the basket's rules is about, by a word of it.
 struct RuleColumn {
@@ -140,10 +141,18 @@ bool ImportReader::ReadField(const ImportField& row) {
         const auto found = m_mapping.defaults.find(field);
         if (found != m_mapping.defaults.end()) cell.text = found->second;
     }
-    std::string& text = m_kept[field];
-    text.clear();
-    const ImportFault fault = ReadCell(field, cell, text);
-    m_texts[field] = text;
+    Word& last = m_last[field];
+    if (last.isRead && last.kind == cell.kind && last.said == cell.text) {
+        m_texts[field] = last.word;
+        return true;
+    }
+    last.word.clear();
+    const ImportFault fault = ReadCell(field, cell, last.word);
+    last.isRead = fault == ImportFault::none;
+    last.kind = cell.kind;
+    last.said.assign(cell.text.substr(0, kLongestKept));
+    last.isRead = last.isRead && last.said.size() == cell.text.size();
+    m_texts[field] = last.word;
     const bool mayBeMissing = field == BasketField::amount || field == BasketField::quantity
                               || field == BasketField::investType || field == BasketField::token
                               || field == BasketField::tradingSymbol || field == BasketField::symbol
@@ -162,16 +171,8 @@ ImportFault ImportReader::ReadCell(BasketField field, const TableCell& cell, std
                                             : ReadWholeNumber(cell, text);
     case BasketField::totalPeriod:
         return ReadWholeNumber(cell, text);
-    case BasketField::startDateText: {
-        Word& last = m_words[field];
-        if (cell.kind != CellKind::text || cell.text != last.said || last.word.empty()) {
-            if (const ImportFault fault = ReadDay(cell, m_mapping.pattern, text); fault != ImportFault::none)
-                return fault;
-            last = {cell.kind == CellKind::text ? std::string(cell.text) : std::string(), text};
-        }
-        text = last.word;
-        return ImportFault::none;
-    }
+    case BasketField::startDateText:
+        return ReadDate(cell, text);
     default:
         break;
     }
@@ -181,13 +182,25 @@ ImportFault ImportReader::ReadCell(BasketField field, const TableCell& cell, std
         return AllDigits(text) && text.size() < static_cast<std::size_t>(m_mapping.clientDigits)
                    ? ImportFault::zerosLost
                    : ImportFault::none;
-    Word& last = m_words[field];
-    if (text != last.said || last.word.empty()) {
-        std::string word;
-        if (const ImportFault fault = ReadWord(field, text, word); fault != ImportFault::none) return fault;
-        last = {text, word};
-    }
-    text = last.word;
+    if (!HasWords(field)) return ImportFault::none;
+    std::string word;
+    const ImportFault fault = ReadWord(field, text, word);
+    text = std::move(word);
+    return fault;
+}
+
+ImportFault ImportReader::ReadDate(const TableCell& cell, std::string& text) {
+    if (cell.kind != CellKind::text) return ReadDay(cell, m_mapping.pattern, text);
+    if (m_days.size() >= kMostKnown) m_days.clear();
+    m_key = cell.text;
+    const auto [place, isNew] = m_days.try_emplace(m_key);
+    if (isNew)
+        if (const ImportFault fault = ReadDay(cell, m_mapping.pattern, place->second);
+            fault != ImportFault::none) {
+            m_days.erase(place);
+            return fault;
+        }
+    text = place->second;
     return ImportFault::none;
 }
 

@@ -40,11 +40,14 @@ public:
 private:
     struct Word {
         std::string said, word;
+        CellKind kind = CellKind::text;
+        bool isRead = false;
     };
 
     void ReadRow();
     bool ReadFields();
     bool ReadField(const ImportField& row);
+    ImportFault ReadDate(const TableCell& cell, std::string& text);
     ImportFault ReadCell(BasketField field, const TableCell& cell, std::string& text);
     bool ChooseValue();
     bool FindScrip();
@@ -64,8 +67,8 @@ private:
     ScripSource& m_scrips;
     BasketSink& m_sink;
     TableRow m_row;
-    ByField<BasketField, std::string> m_kept; // what the texts view
-    ByField<BasketField, Word> m_words;       // the last, as most rows have the same
+    ByField<BasketField, Word> m_last;                   // what the texts view; most rows say the same again
+    std::unordered_map<std::string, std::string> m_days; // as said
     BasketTexts m_texts;
     std::unordered_map<std::string, ScripNames> m_known;
     std::string m_key;

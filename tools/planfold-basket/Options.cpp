@@ -144,10 +144,12 @@ bool ReadsOrders(const Options& options) {
 }
 
 Complaint ReadRows(std::span<const std::string> words, Options& options) {
-    std::vector<OptionRow<Options>> rows(std::begin(kOfAll), std::end(kOfAll));
+    std::vector<OptionRow<Options>> rows;
     const auto add = [&](std::span<const OptionRow<Options>> own) {
-        rows.insert(rows.end(), own.begin(), own.end());
+        for (const OptionRow<Options>& row : own)
+            rows.push_back(row);
     };
+    add(kOfAll);
     add(ReadsOrders(options) ? std::span<const OptionRow<Options>>(kOfCheck) : kOfTemplate);
     if (options.task == Task::importFile) add(kOfImport);
     return vesk::ReadOptionRows<Options>(words, rows, options, [&](const std::string& word) {
