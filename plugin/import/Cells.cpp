@@ -243,7 +243,7 @@ ImportFault ReadNumberDay(std::string_view text, DatePattern pattern, std::strin
 ImportFault ReadNumbersDay(const std::array<std::string_view, 3>& parts, DatePattern pattern,
                            std::string& date) {
     int n[3];
-    for (int i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i)
         n[i] = static_cast<int>(LeadingInteger(parts[i]));
     if (parts[0].size() == 4 || pattern == DatePattern::yearFirst) return WriteDay(n[0], n[1], n[2], date);
     if (pattern == DatePattern::dayFirst) return WriteDay(n[2], n[1], n[0], date);

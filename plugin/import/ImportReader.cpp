@@ -255,12 +255,15 @@ bool ImportReader::FindScrip() {
     return true;
 }
 
-// What could be read of the row, so that it can be mended as a line of a basket.
+// What could be read of the row, so that it can be mended as a line of a basket. A number or a date that could
+// not be is left out: there it would be taken for paise, and for a day before its month.
 std::string ImportReader::BasketLineOfRow() const {
     std::string line;
     for (const BasketField field : kBasketColumns) {
         std::string text(m_texts[field]);
-        if (text.empty()) text = PlainText(CellOf(field).text.substr(0, kLongestShown));
+        const bool isName = field != BasketField::amount && field != BasketField::quantity
+                            && field != BasketField::totalPeriod && field != BasketField::startDateText;
+        if (text.empty() && isName) text = PlainText(CellOf(field).text.substr(0, kLongestShown));
         for (char& c : text)
             if (c == ',' || (c >= 0 && c < ' ')) c = ' ';
         line.append(text).push_back(',');

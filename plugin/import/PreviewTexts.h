@@ -15,7 +15,7 @@ struct PreviewColumn {
 };
 inline constexpr PreviewColumn kPreviewColumns[] = {
     {"Line", 40, kNotRead},
-    {"Reason", 240, BasketField::userText},
+    {"Reason", 300, BasketField::userText},
     {"Client ID", 60, BasketField::account},
     {"Exchange", 55, BasketField::exchange},
     {"Series", 45, BasketField::series},

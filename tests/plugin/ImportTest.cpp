@@ -338,12 +338,11 @@ TEST_F(ImportFlow, ImportedRowsComeInAsLoadedOnesDo) {
     Open();
     Add("C900");
     ImportFile file;
-    ASSERT_EQ(
-        file.Open(
-            "Client,Exchange,Series,Symbol,Amount (Rs),Frequency,Date,Periods,Action,Product\n"
-            "C1,NSE,EQ,ARBORTEX,1500,m,05/Mar/2027,12,SIP,CNC\nC2,NSE,EQ,ARBORTEX,x,m,5/Mar/2027,12,SIP,CNC\n",
-            {}),
-        "");
+    ASSERT_EQ(file.Open("Client,Exchange,Series,Symbol,Amount (Rs),Frequency,Date,Periods,Action,Product\n"
+                        "C1,NSE,EQ,ARBORTEX,1500,m,05/Mar/2027,12,SIP,CNC\nC2,NSE,EQ,ARBORTEX,1E+05,m,5/Mar/"
+                        "2027,12,SIP,CNC\n",
+                        {}),
+              "");
     view.import = file.Begin();
     view.yes = false;
     basket.Runs().Import();
@@ -356,7 +355,10 @@ TEST_F(ImportFlow, ImportedRowsComeInAsLoadedOnesDo) {
     EXPECT_EQ(Rows(Field::account), "C1");
     ASSERT_EQ(basket.Rejected().size(), 1u);
     EXPECT_EQ(basket.Rejected()[0].number, 3);
-    EXPECT_EQ(basket.Rejected()[0].reason, "amount (column 5): \"x\" is not a number");
+    EXPECT_EQ(basket.Rejected()[0].reason, "amount (column 5): \"1E+05\" was shortened by a spreadsheet; the "
+                                           "digits are lost");
+    // As a basket's line it must not become a thousand rupees.
+    EXPECT_EQ(basket.Rejected()[0].text, "C2,nse_cm,EQ,ARBORTEX,,,CNC,,,monthly,,05/Mar/2027,12,MKT,B,,,,, ,");
     basket.ActivateRejected(0); // what could be read of it stands in the form
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH), "C2");
 }
