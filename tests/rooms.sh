@@ -13,6 +13,7 @@ base sdk/|framework/|plugin/|host/|tools/
 framework plugin/|host/|tools/
 plugin host/|tools/
 plugin/base plugin/(messaging|controls|orderentry|orderbook|history|basket|dayreport|doubts|morning|restricted|shell)/
+plugin/import plugin/(record|orderbook|history|dayreport|doubts|morning|restricted|shell)/
 plugin/record plugin/(controls|orderentry|orderbook|history|basket|dayreport|doubts|morning|restricted|shell)/
 plugin/dayreport plugin/(orderbook|history|doubts|morning|restricted|shell)/
 plugin/morning plugin/(dayreport|doubts|restricted|shell)/

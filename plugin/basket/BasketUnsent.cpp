@@ -77,7 +77,7 @@ void BasketRuns::OfferUnsent() {
     if (choice == Choice::no) return KeepUnsentLast();
     m_bringsBack = true;
     m_path = "PlanfoldBasket.csv";
-    BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
+    BeginLoading(ReadingOf(std::move(*text)), m_form.RulesOfUnsent(m_view.Now()));
 }
 
 // What there is to tell.

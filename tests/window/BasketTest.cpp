@@ -96,7 +96,7 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     const std::string entries = MenuOf(list);
     EXPECT_TRUE(
         entries.starts_with("Delete\tDel 25002|-|(Place Selected\tCtrl+P 25006)|Place Unsent\tCtrl+U 25007|"
-                            "(Place Refused Again\tCtrl+R 25008)|-|Orders of a Day... 25103|(Compare Orders in "
+                            "(Place Refused Again\tCtrl+R 25008)|-|Import...\tCtrl+I 25020|-|Orders of a Day... 25103|(Compare Orders in "
                             "Doubt 25104)|-|(Copy\tCtrl+C 26200)|Select All"))
         << entries;
     EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;

@@ -22,8 +22,14 @@ int Run(std::span<const std::string> words) {
     const auto master = vesk::ScripMaster::Load(options.scrips);
     if (!master) return Fail(master.Fault().Text());
     MasterScrips scrips(master.Value());
-    return options.task == Task::check ? Check(options, scrips)
-                                       : WriteTemplate(options, master.Value().Scrips(), scrips);
+    switch (options.task) {
+    case Task::check:
+        return Check(options, scrips);
+    case Task::importFile:
+        return Import(options, scrips);
+    default:
+        return WriteTemplate(options, master.Value().Scrips(), scrips);
+    }
 }
 
 } // namespace

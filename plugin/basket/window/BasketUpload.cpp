@@ -18,13 +18,16 @@ constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
 constexpr int kPlaceSelectedCommand = 25006;
 constexpr int kPlaceUnsentCommand = 25007;
 constexpr int kPlaceRefusedCommand = 25008;
+constexpr int kImportCommand = 25020;
 
-struct PlaceKey {
+struct ListKey {
     WORD letter; // with Ctrl, in the list
     int command;
 };
-constexpr PlaceKey kPlaceKeys[] = {
-    {'P', kPlaceSelectedCommand}, {'U', kPlaceUnsentCommand}, {'R', kPlaceRefusedCommand}};
+constexpr ListKey kListKeys[] = {{'P', kPlaceSelectedCommand},
+                                 {'U', kPlaceUnsentCommand},
+                                 {'R', kPlaceRefusedCommand},
+                                 {'I', kImportCommand}};
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kStatusTimerMs = 100;
 
@@ -51,6 +54,7 @@ constexpr Action kActions[] = {
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
+    {kImportCommand, [](Basket& basket) { basket.Runs().Import(); }},
     {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
     {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
     {kPlaceRefusedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::refused); }},
@@ -64,7 +68,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
       m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_recordCommand(std::move(recordCommand)) {}
+      m_import(module, session, boxes), m_controls(*this, session, m_basket.Life()),
+      m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
@@ -102,6 +107,7 @@ void CBasketUpload::OnInit() {
 
 void CBasketUpload::OnDestroyed() {
     m_basket.OnClosed();
+    m_import.Destroy();
     m_progress.Destroy();
     m_ownSize = {};
 }
@@ -216,6 +222,8 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
         {nullptr, 0},
+        {"Import...\tCtrl+I", kImportCommand, m_basket.Runs().IsBusy()},
+        {nullptr, 0},
         dayReport,
         compare,
     };
@@ -280,7 +288,7 @@ std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
     }
     if (notification.code != LVN_KEYDOWN) return std::nullopt;
     const WORD pressed = reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey;
-    for (const auto& [letter, command] : kPlaceKeys)
+    for (const auto& [letter, command] : kListKeys)
         if (pressed == letter && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
             OnButton(command);
             return 0;
