@@ -121,6 +121,7 @@ public:
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
+    std::vector<std::string> SelectedNumbers() const;
     // The list of the open page takes the keyboard.
     void FocusList();
 

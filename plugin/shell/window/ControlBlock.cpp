@@ -29,6 +29,8 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
                      [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
       m_runsOfPeriod(module, m_session, m_orderBook.Records(),
                      [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
+      m_changes(module, m_session, boxes, m_orderBook.Records(),
+                [this] { return m_orderBook.SelectedNumbers(); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -55,6 +57,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
+    RowOf<&CPlanfoldControlBlock::m_changes>({}),
     RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
     RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
@@ -132,6 +135,7 @@ void CPlanfoldControlBlock::RecordCommand(int command) {
     if (command == kCompareCommand) m_doubts.Compare();
     if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
     if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
+    if (IsChangesCommand(command)) ChangesCommand(command);
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -150,6 +154,10 @@ void CPlanfoldControlBlock::OpenUpcomingRuns() {
 
 void CPlanfoldControlBlock::OpenRunsOfPeriod() {
     if (SetHostsFont(m_runsOfPeriod)) m_runsOfPeriod.BringUp();
+}
+
+void CPlanfoldControlBlock::ChangesCommand(int command) {
+    if (SetHostsFont(m_changes)) m_changes.OnBookCommand(command, m_orderBook.Handle());
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

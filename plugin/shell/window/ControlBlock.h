@@ -4,6 +4,7 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/basket/window/BasketUpload.h"
+#include "plugin/changes/window/ChangesDlg.h"
 #include "plugin/dayreport/window/DayReportDlg.h"
 #include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
@@ -73,6 +74,7 @@ private:
     void OpenDayReport();
     void OpenUpcomingRuns();
     void OpenRunsOfPeriod();
+    void ChangesCommand(int command);
     void RecordCommand(int command);
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
@@ -91,6 +93,7 @@ private:
     COrderBookDlgBar m_orderBook;
     CUpcomingRunsDlg m_upcomingRuns;
     CPeriodRunsDlg m_runsOfPeriod;
+    CChangesDlg m_changes;
     CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
