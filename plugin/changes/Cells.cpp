@@ -165,6 +165,9 @@ std::optional<std::string> ReadRupees(std::string_view cell, bool decimalComma) 
     if (Take(text, "Rs.") || Take(text, "Rs") || Take(text, "\xE2\x82\xB9")) text = Trimmed(text);
     auto plain = PlainNumber(text, decimalComma);
     if (!plain || text.find_first_of("eE") != text.npos) return std::nullopt;
+    // 1.500 may be one and a half thousand.
+    const std::size_t last = text.find_last_of(".,");
+    if (last != text.npos && text[last] == '.' && text.size() - last > 3) return std::nullopt;
     const std::size_t point = plain->find('.');
     const std::size_t decimals = point == plain->npos ? 0 : plain->size() - point - 1;
     if (decimals > 2) return std::nullopt;

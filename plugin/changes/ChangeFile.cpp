@@ -76,9 +76,10 @@ std::optional<Stamp> Stamp::Read(std::string_view cell) {
 }
 
 std::string Stamp::Text() const {
-    return value + '|' + periods
-           + Format("|%08lx%08lx", static_cast<unsigned long>(print >> 32),
-                    static_cast<unsigned long>(print & 0xffffffffu));
+    std::string digits;
+    for (int shift = 60; shift >= 0; shift -= 4)
+        digits += "0123456789abcdef"[(print >> shift) & 15];
+    return value + '|' + periods + '|' + digits;
 }
 
 std::string ChangeFileText(const OrderCache& book, std::span<const RecordId> records, bool serverPeriods) {
@@ -147,7 +148,7 @@ bool ChangeFile::Next(Row& row) {
         if (!m_fault.empty() || !m_csv.Next(cells)) return false;
     } while (cells.IsBlank());
     if (m_csv.IsTorn()) {
-        m_fault = Format("Line %d begins a quote that nothing ends.", cells.line);
+        m_fault = Format("Line %d has a quote that nothing ends, or text behind one.", cells.line);
         return false;
     }
     row = {};

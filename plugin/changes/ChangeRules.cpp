@@ -71,7 +71,8 @@ std::string OtherColumns(const ChangeFile::Row& row, const sOrderinfo& record, c
 // What the file says, for the rules; none when that is no such number.
 struct Typed {
     std::string value, periods;
-    std::string fault;
+    std::string fault; // of the first
+    bool isValueFault = false;
 };
 
 Typed ReadTyped(const ChangeFile::Row& row, const sOrderinfo& record, const ChangeRules& rules,
@@ -90,6 +91,7 @@ Typed ReadTyped(const ChangeFile::Row& row, const sOrderinfo& record, const Chan
     if (const auto field = ValueField(record))
         typed.value = *field == OrderField::amount ? read(*field, ReadRupees, "amount in rupees and paise")
                                                    : read(*field, ReadCount, "whole number of shares");
+    typed.isValueFault = !typed.fault.empty();
     typed.periods = read(PeriodsField(record, rules.serverPeriods), ReadCount, "whole number of periods");
     return typed;
 }
@@ -199,6 +201,10 @@ std::optional<Change> JudgeRow(const ChangeFile::Row& row, bool decimalComma, bo
                        others
                            + (hasStamps ? ": only amount, quantity and periods can be changed"
                                         : ": changed since it was exported, or in the spreadsheet"));
+    if (typed.isValueFault) {
+        change.value = typed.value;
+        change.isAsTyped = true;
+    }
     if (!typed.fault.empty()) return Refused(std::move(change), typed.fault);
     return change;
 }

@@ -40,9 +40,11 @@ bool CsvText::Next(CsvRow& row) {
 // Up to what ends it, which stays.
 std::string CsvText::TakeCell() {
     std::string cell;
-    if (m_rest.starts_with('"')) TakeQuoted(cell);
+    const bool quoted = m_rest.starts_with('"');
+    if (quoted) TakeQuoted(cell);
     const char ends[] = {m_separator, '\r', '\n'};
     const std::size_t end = std::min(m_rest.find_first_of(std::string_view(ends, 3)), m_rest.size());
+    if (quoted && end > 0) m_torn = true;
     cell += m_rest.substr(0, end);
     m_rest.remove_prefix(end);
     return cell;
@@ -55,9 +57,10 @@ void CsvText::TakeQuoted(std::string& cell) {
         const std::string_view part = m_rest.substr(0, end);
         m_line += static_cast<int>(std::ranges::count(part, '\n'));
         cell += part;
-        m_torn = end == m_rest.npos;
-        m_rest.remove_prefix(m_torn ? m_rest.size() : end + 1);
-        if (m_torn || !m_rest.starts_with('"')) return;
+        const bool isOpen = end == m_rest.npos;
+        m_torn = m_torn || isOpen;
+        m_rest.remove_prefix(isOpen ? m_rest.size() : end + 1);
+        if (isOpen || !m_rest.starts_with('"')) return;
         cell += '"';
         m_rest.remove_prefix(1);
     }

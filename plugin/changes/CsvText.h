@@ -23,7 +23,7 @@ public:
     char Separator() const { return m_separator; }
     // False at the end.
     bool Next(CsvRow& row);
-    // The last row began a quote that nothing ends: what it holds are other rows.
+    // A row had a quote that nothing ends, or text behind one: it may have taken other rows in.
     bool IsTorn() const { return m_torn; }
 
 private:
