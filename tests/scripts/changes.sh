@@ -24,7 +24,7 @@ left, faults = 200, 3
 for row in rows:
     year, month, day = row["Start Date"].split("-")
     row["Start Date"] = f"{day}/{month}/{year}"
-    if not row["Amount"]:
+    if not row["Amount"] or row["Action"] != "SIP":
         continue
     if left:
         left -= 1
