@@ -186,7 +186,7 @@ std::optional<std::string> ReadCount(std::string_view cell, bool decimalComma) {
 std::string_view Restored(std::string_view cell) {
     std::string_view text = Trimmed(cell);
     if (text.size() > 1 && text.front() == '\'' && kRisky.find(text[1]) != kRisky.npos) text.remove_prefix(1);
-    return text;
+    return Trimmed(text);
 }
 
 std::optional<std::string> DateInFigures(std::string_view cell) {

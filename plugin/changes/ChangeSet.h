@@ -37,18 +37,18 @@ enum class ChangeField {
 
 using ChangeColumn = ListColumn<ChangeField>;
 inline constexpr ChangeColumn kChangeColumns[] = {
-    {"Line", 45, ChangeField::line, ValueType::number, Align::right},
-    {"State", 80, ChangeField::state},
-    {"SIP Registration No", 125, ChangeField::registration, ValueType::identifier},
-    {"Client ID", 75, ChangeField::account},
-    {"Client Name", 120, ChangeField::accountName},
-    {"Trading Symbol", 110, ChangeField::tradingSymbol},
+    {"Line", 40, ChangeField::line, ValueType::number, Align::right},
+    {"State", 75, ChangeField::state},
+    {"SIP Registration No", 115, ChangeField::registration, ValueType::identifier},
+    {"Client ID", 65, ChangeField::account},
+    {"Client Name", 100, ChangeField::accountName},
+    {"Trading Symbol", 105, ChangeField::tradingSymbol},
     {"Action", 50, ChangeField::side},
-    {"Column", 110, ChangeField::columns},
-    {"Old", 95, ChangeField::before, ValueType::text, Align::right},
-    {"New", 95, ChangeField::after, ValueType::text, Align::right},
-    {"Difference a Run (Rs)", 125, ChangeField::difference, ValueType::amount, Align::right},
-    {"Reason", 300, ChangeField::reason},
+    {"Column", 75, ChangeField::columns},
+    {"Old", 80, ChangeField::before, ValueType::text, Align::right},
+    {"New", 80, ChangeField::after, ValueType::text, Align::right},
+    {"Difference a Run (Rs)", 115, ChangeField::difference, ValueType::amount, Align::right},
+    {"Reason", 260, ChangeField::reason},
 };
 
 // What became of a change that was sent.
