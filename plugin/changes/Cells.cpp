@@ -184,7 +184,7 @@ std::optional<std::string> ReadCount(std::string_view cell, bool decimalComma) {
 }
 
 std::string_view Restored(std::string_view cell) {
-    std::string_view text = Trimmed(cell);
+    std::string_view text = cell.substr(std::min(cell.find_first_not_of(' '), cell.size()));
     if (text.size() > 1 && text.front() == '\'' && kRisky.find(text[1]) != kRisky.npos) text.remove_prefix(1);
     return Trimmed(text);
 }
