@@ -47,7 +47,7 @@ inline constexpr ChangeColumn kChangeColumns[] = {
     {"Column", 75, ChangeField::columns},
     {"Old", 80, ChangeField::before, ValueType::text, Align::right},
     {"New", 80, ChangeField::after, ValueType::text, Align::right},
-    {"Difference a Run (Rs)", 115, ChangeField::difference, ValueType::amount, Align::right},
+    {"Difference a Run (Rs)", 130, ChangeField::difference, ValueType::amount, Align::right},
     {"Reason", 260, ChangeField::reason},
 };
 
