@@ -69,6 +69,18 @@ inline constexpr MenuEntry kMorningMenu[] = {
     {"Runs of a Period...\tCtrl+R", kRunsOfPeriodCommand},
     {"Copy to Basket...\tCtrl+B", kCopyToBasketCommand},
 };
+// Out to a spreadsheet, and back.
+inline constexpr int kExportForChangesCommand = 25121;
+inline constexpr int kLoadChangesCommand = 25122;
+inline constexpr int kStepUpCommand = 25123;
+inline constexpr MenuEntry kChangesMenu[] = {
+    {"Export for Changes...", kExportForChangesCommand},
+    {"Load Changes...", kLoadChangesCommand},
+    {"Step Up...", kStepUpCommand},
+};
+constexpr bool IsChangesCommand(int command) {
+    return command >= kExportForChangesCommand && command <= kStepUpCommand;
+}
 constexpr bool IsMorningCommand(int command) {
     return command >= kUpcomingRunsCommand && command <= kCopyToBasketCommand;
 }

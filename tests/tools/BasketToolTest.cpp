@@ -72,6 +72,12 @@ TEST(BasketTool, AnswersAndPrints) {
         {"", "check good.csv $S --rejects /nowhere/x", 2, "/nowhere/x: cannot be written"},
         {"", "check good.csv $S >/dev/full", 2, ""},
         {"", "template $S --lines 500 --mode weekly:70 | " TOOL " check - $S --mode weekly:70", 0, "500 rows"},
+        {"O='SIP Registration No,Amount,SIP Status,Start Date,Total Period(Month(s)),As Exported';"
+         "(echo $O; echo 'S1,1500.00,active,2027-03-05,22,1500.00|22|50ec5d8c0cf34d31') >/tmp/changes-$$.csv;"
+         "sed 's/S1,1500.00/S1,\"2,000\"/;s/2027-03-05/05 Mar 2027/' /tmp/changes-$$.csv |",
+         "changes /tmp/changes-$$.csv - --json; rm /tmp/changes-$$.csv", 0, "\"notPossible\": 1,"},
+        {"", "changes good.csv", 2, "changes needs the old and the edited file"},
+        {"", "changes good.csv good.csv", 2, "The column \"User ID\" is missing."},
         {"", "", 2, "a command is missing"},
         {"", "chek", 2, "unknown command"},
         {"", "check good.csv", 2, "--scrips is missing"},

@@ -43,6 +43,9 @@ int Check(const Options& options, planfold::ScripSource& scrips);
 int Import(const Options& options, planfold::ScripSource& scrips);
 int WriteTemplate(const Options& options, std::span<const vesk::Scrip> master, planfold::ScripSource& scrips);
 
+// Of the words behind "changes", which has options of its own.
+int Changes(std::span<const std::string> words);
+
 // Says on standard error why the program ends.
 int Fail(std::string_view why);
 

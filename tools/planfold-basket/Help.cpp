@@ -13,6 +13,7 @@ SYNOPSIS
                     check]
     planfold-basket template --scrips FILE [--lines N] [--products LIST]
                     [--mode MODE] [--today DATE] [--out OUT]
+    planfold-basket changes OLD EDITED [--mode MODE] [--user ID] [--json]
     planfold-basket --help
 
 DESCRIPTION
@@ -26,6 +27,12 @@ DESCRIPTION
 
     template writes a basket that passes the check: an order a line, as an
     example, or as many as are asked for, to try something with.
+
+    changes compares two files of registrations, as the book exports them: OLD as
+    it was exported, EDITED as a spreadsheet left it. It tells what would be
+    modified, old and new, and by the window's rules what is not possible and
+    why; with --user what is another user's as well. Its exit status is 1 when
+    something is not possible.
 
     A basket has no heading; it is ANSI or UTF-8 text. A line holds 19 fields,
     each followed by a comma, and one more that nobody reads; there are no

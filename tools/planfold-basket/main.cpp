@@ -15,6 +15,7 @@ namespace basket {
 namespace {
 
 int Run(std::span<const std::string> words) {
+    if (!words.empty() && words.front() == "changes") return Changes(words.subspan(1));
     Options options;
     if (const auto complaint = ReadOptions(words, options))
         return Fail(*complaint + "; see planfold-basket --help");

@@ -256,6 +256,7 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
         cancelled ? std::vector<MenuEntry>() : SeveralRowsMenu(control.SelectedCount());
     further.insert(further.end(), ofRecord.begin(), ofRecord.end());
     further.insert(further.end(), std::begin(kMorningMenu), std::end(kMorningMenu));
+    if (!cancelled) further.insert(further.end(), std::begin(kChangesMenu), std::end(kChangesMenu));
     if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), further);
     m_menu.Open(Handle(), at, control, RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
                 further);
@@ -266,7 +267,7 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
     if (command.id == kRefreshCommand) Refresh();
     if (command.id == kOrderHistoryCommand) OpenHistory();
-    if (IsRecordCommand(command.id) || IsMorningCommand(command.id))
+    if (IsRecordCommand(command.id) || IsMorningCommand(command.id) || IsChangesCommand(command.id))
         Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
@@ -276,6 +277,7 @@ bool COrderBookDlg::OnCommand(const framework::Command& command) {
 
 std::vector<std::string> COrderBookDlg::SelectedNumbers() const {
     std::vector<std::string> numbers;
+    if (!m_open) return numbers;
     for (const RecordId record : (CurrentPage() == 1 ? m_cancelled : m_registered).Selected())
         numbers.emplace_back(m_book.Records()[record].Number());
     return numbers;

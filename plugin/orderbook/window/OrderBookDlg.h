@@ -121,10 +121,9 @@ public:
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
+    std::vector<std::string> SelectedNumbers() const;
     // The list of the open page takes the keyboard.
     void FocusList();
-    // Of the selected rows of the open page.
-    std::vector<std::string> SelectedNumbers() const;
 
     void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
     bool IsOpen() const override { return m_open; }

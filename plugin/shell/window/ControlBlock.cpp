@@ -35,6 +35,8 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
       m_copyPlans(
           module, m_session, m_orderBook.Records(),
           [this](Pass pass, std::vector<sSipOrderData> orders) { CopyToBasket(pass, std::move(orders)); }),
+      m_changes(module, m_session, boxes, m_orderBook.Records(),
+                [this] { return m_orderBook.SelectedNumbers(); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -62,6 +64,7 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
     RowOf<&CPlanfoldControlBlock::m_copyPlans>({}),
+    RowOf<&CPlanfoldControlBlock::m_changes>({}),
     RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
     RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
@@ -140,7 +143,8 @@ void CPlanfoldControlBlock::RecordCommand(int command) {
     if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
     if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
     if (command == kCopyToBasketCommand)
-        OpenCopyPlans(m_orderBook.Handle(), m_orderBook.Lists().SelectedNumbers(), false);
+        OpenCopyPlans(m_orderBook.Handle(), m_orderBook.SelectedNumbers(), false);
+    if (IsChangesCommand(command)) ChangesCommand(command);
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -169,6 +173,10 @@ void CPlanfoldControlBlock::CopyToBasket(Pass pass, std::vector<sSipOrderData> o
     if (!SetHostsFont(m_basket)) return;
     m_basket.Open();
     if (!m_session.Ended()) m_basket.Add(pass, std::move(orders));
+}
+
+void CPlanfoldControlBlock::ChangesCommand(int command) {
+    if (SetHostsFont(m_changes)) m_changes.OnBookCommand(command, m_orderBook.Handle());
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

@@ -4,6 +4,7 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/basket/window/BasketUpload.h"
+#include "plugin/changes/window/ChangesDlg.h"
 #include "plugin/dayreport/window/DayReportDlg.h"
 #include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
@@ -76,6 +77,7 @@ private:
     void OpenRunsOfPeriod();
     void OpenCopyPlans(HWND owner, std::vector<std::string> numbers, bool areRuns);
     void CopyToBasket(Pass pass, std::vector<sSipOrderData> orders);
+    void ChangesCommand(int command);
     void RecordCommand(int command);
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
@@ -95,6 +97,7 @@ private:
     CUpcomingRunsDlg m_upcomingRuns;
     CPeriodRunsDlg m_runsOfPeriod;
     CCopyPlansDlg m_copyPlans;
+    CChangesDlg m_changes;
     CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's
