@@ -11,13 +11,14 @@ _planfold_basket() {
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
         ;;
-    --products | --today | --lines | --default) return ;;
+    --products | --today | --lines | --default | --user) return ;;
     esac
     if [ -z "${words:-}" ]; then
         case ${COMP_CWORD}:${COMP_WORDS[1]} in
-        1:*) words="check import template --help" ;;
+        1:*) words="check import template changes --help" ;;
         *:check) words="$all $reads" ;;
         *:import) words="$all $reads --map --date --amount --default" ;;
+        *:changes) words="--mode --user --json" ;;
         *:template) words="$all --lines --out" ;;
         esac
         case $word in
