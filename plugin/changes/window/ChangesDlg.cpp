@@ -131,45 +131,25 @@ void CChangesDlg::OnDestroyed() {
     m_stepUp.Destroy();
     m_run.Forget();
     m_life.Renew();
-    m_ownSize = {};
+    m_frame.Forget();
 }
 
-SIZE CChangesDlg::WindowSize() const {
-    RECT place{};
-    GetWindowRect(Handle(), &place);
-    return {place.right - place.left, place.bottom - place.top};
-}
-
-// What the user has made the window larger by stays.
 void CChangesDlg::LayOut(UINT dpi) {
-    const bool normal = m_ownSize.cx && !IsIconic(Handle()) && !IsZoomed(Handle());
-    const SIZE before = normal ? WindowSize() : m_ownSize;
-    const SIZE larger{before.cx - m_ownSize.cx, before.cy - m_ownSize.cy};
-    m_ownSize = {}; // meanwhile the sizes belong neither to the old layout nor to the new one
-    Dialog::LayOut(dpi);
-    SetCaptionIcon(IDI_REPEAT);
-    RECT list{};
-    GetWindowRect(Item(IDC_CHANGES_LIST).Handle(), &list);
-    m_listCorner = {list.left, list.top};
-    ScreenToClient(Handle(), &m_listCorner);
-    if (!IsIconic(Handle()) && !IsZoomed(Handle())) {
-        m_ownSize = WindowSize();
-        framework::ResizeOnScreen(Handle(), {m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy});
-    }
+    m_frame.Renew([&] {
+        Dialog::LayOut(dpi);
+        SetCaptionIcon(IDI_REPEAT);
+    });
     Item(IDC_CHANGES_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_CHANGES_SEND).Send(WM_GETFONT)));
     Arrange();
 }
 
 // The list takes what the line above and the status bar below leave.
 void CChangesDlg::Arrange() {
-    if (!m_ownSize.cx) return;
-    const RECT client = Self().ClientRect();
+    if (!m_frame.HasRoom()) return;
     m_statusBar.Place();
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     ShowStatus();
-    const auto [left, top] = m_listCorner;
-    Item(IDC_CHANGES_LIST)
-        .Move({left, top, client.right - left, std::max(top, client.bottom - status - left / 2)});
+    Item(IDC_CHANGES_LIST).Move(m_frame.Room(status));
 }
 
 void CChangesDlg::ShowStatus() {
@@ -182,7 +162,7 @@ std::optional<LRESULT> CChangesDlg::OnMessage(UINT message, WPARAM wParam, LPARA
         Arrange();
         return std::nullopt;
     case WM_GETMINMAXINFO:
-        if (m_ownSize.cx) reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+        m_frame.SetLeastSize(lParam);
         return 0;
     case WM_SYSCOLORCHANGE:
         return Item(IDC_CHANGES_LIST).Send(message);

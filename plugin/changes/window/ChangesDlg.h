@@ -5,9 +5,11 @@
 #include "framework/MessageBoxes.h"
 #include "plugin/changes/ChangeRun.h"
 #include "plugin/changes/window/StepUpDlg.h"
+#include "plugin/controls/window/ListFrame.h"
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/RxLink.h"
+#include "plugin/resources/resource.h"
 #include "sdk/korvex/QVBrickBar.h"
 
 #include <array>
@@ -70,7 +72,6 @@ private:
     void Load();
     void Step();
     RxControl* Control();
-    SIZE WindowSize() const;
     void Arrange();
     void ShowStatus();
 
@@ -89,8 +90,7 @@ private:
     CRunProgressDlg m_progress;
     CStepUpDlg m_stepUp;
     RowMenu m_menu;
-    SIZE m_ownSize{};     // of the window as the template has it, in its font
-    POINT m_listCorner{}; // in the client area
+    ListFrame m_frame{*this, IDC_CHANGES_LIST};
 };
 
 } // namespace planfold

@@ -4,8 +4,10 @@
 
 #include "framework/Dialog.h"
 #include "plugin/controls/window/FormKeys.h"
+#include "plugin/controls/window/ListFrame.h"
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/morning/RunReckoning.h"
+#include "plugin/resources/resource.h"
 #include "sdk/korvex/QVBrickBar.h"
 
 #include <array>
@@ -58,7 +60,7 @@ protected:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void LayOut(UINT dpi) override;
     void OnInit() override;
-    void OnDestroyed() override { m_ownSize = {}; }
+    void OnDestroyed() override { m_frame.Forget(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
@@ -80,7 +82,6 @@ private:
     void Choose(int choice);
     void SetDate(int picker, Day day) const;
     Day DateOf(int picker) const;
-    SIZE WindowSize() const;
     void ShowStatus();
 
     Args m_args;
@@ -91,8 +92,7 @@ private:
     std::array<CCalendarKeys, 2> m_calendars;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
-    SIZE m_ownSize{};     // of the window as the template has it, in its font
-    POINT m_listCorner{}; // in the client area
+    ListFrame m_frame{*this, IDC_RUNS_LIST};
 };
 
 } // namespace planfold
