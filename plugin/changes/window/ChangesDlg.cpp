@@ -13,14 +13,11 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "SIPChanges";
 constexpr unsigned kListCommands = 26800; // of a hundred
 constexpr framework::FileQuestion kLoadQuestion{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
                                                 "Load Changes"};
 constexpr framework::FileQuestion kExportQuestion{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
                                                   "Export for Changes"};
-// A button's width in the template's units, of which four are a letter.
-constexpr int kButtonUnits = 54;
 
 std::string NameOf(const std::string& path) {
     return path.substr(path.find_last_of("\\/") + 1);
@@ -28,17 +25,13 @@ std::string NameOf(const std::string& path) {
 
 } // namespace
 
-std::optional<LRESULT> CChangesDlg::ListNotice::OnMessage(UINT message, WPARAM wParam, LPARAM) {
-    if (message != framework::kReflected + WM_CTLCOLORSTATIC) return std::nullopt;
-    SetBkColor(reinterpret_cast<HDC>(wParam), GetSysColor(COLOR_WINDOW));
-    SetTextColor(reinterpret_cast<HDC>(wParam), GetSysColor(COLOR_WINDOWTEXT));
-    return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
-}
-
 CChangesDlg::CChangesDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
                          const OrderCache& book, Selected selected)
-    : Dialog(module, IDD_CHANGES), m_session(session), m_boxes(boxes), m_book(book),
-      m_selected(std::move(selected)), m_run(session, book, *this, [this] { return Control(); }),
+    : CListDialog(module, IDD_CHANGES, session,
+                  {IDI_REPEAT, IDC_CHANGES_LIST, IDC_CHANGES_NOTICE, IDC_CHANGES_STATUS, IDC_CHANGES_STEP,
+                   "SIPChanges", ListColumns<ChangeColumn>(kChangeColumns), kListCommands}),
+      m_boxes(boxes), m_book(book), m_selected(std::move(selected)),
+      m_run(session, book, *this, [this] { return Control(); }),
       m_progress(module, session, m_run, CRunProgressDlg::Owner::disabled), m_stepUp(module, session, boxes) {}
 
 void CChangesDlg::ShutDown() {
@@ -115,13 +108,7 @@ void CChangesDlg::Step() {
 }
 
 void CChangesDlg::OnInit() {
-    m_notice.Attach(Item(IDC_CHANGES_NOTICE).Handle());
-    const auto columns = ListColumns<ChangeColumn>(kChangeColumns);
-    m_list.Attach({Item(IDC_CHANGES_LIST).Handle(), kName, this, columns.data(),
-                   static_cast<std::int32_t>(columns.size()), kListCommands});
-    m_statusBar.Create(Handle(), IDC_CHANGES_STATUS, kName);
-    LayOut(Self().Dpi());
-    ShowAllColumns(Handle(), Item(IDC_CHANGES_LIST).Handle());
+    CListDialog::OnInit();
     m_source.clear();
     ShowRows(true);
 }
@@ -131,53 +118,12 @@ void CChangesDlg::OnDestroyed() {
     m_stepUp.Destroy();
     m_run.Forget();
     m_life.Renew();
-    m_frame.Forget();
-}
-
-void CChangesDlg::LayOut(UINT dpi) {
-    m_frame.Renew([&] {
-        Dialog::LayOut(dpi);
-        SetCaptionIcon(IDI_REPEAT);
-    });
-    Item(IDC_CHANGES_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_CHANGES_SEND).Send(WM_GETFONT)));
-    Arrange();
-}
-
-// The list takes what the line above and the status bar below leave.
-void CChangesDlg::Arrange() {
-    if (!m_frame.HasRoom()) return;
-    m_statusBar.Place();
-    const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
-    ShowStatus();
-    Item(IDC_CHANGES_LIST).Move(m_frame.Room(status));
-}
-
-void CChangesDlg::ShowStatus() {
-    ShowParts(m_statusBar, m_status, Item(IDC_CHANGES_SEND).ClientRect().right * 4 / kButtonUnits);
+    CListDialog::OnDestroyed();
 }
 
 std::optional<LRESULT> CChangesDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_SIZE:
-        Arrange();
-        return std::nullopt;
-    case WM_GETMINMAXINFO:
-        m_frame.SetLeastSize(lParam);
-        return 0;
-    case WM_SYSCOLORCHANGE:
-        return Item(IDC_CHANGES_LIST).Send(message);
-    case WM_CONTEXTMENU:
-        if (reinterpret_cast<HWND>(wParam) != m_list.Handle() || IsOnHeadings(m_list.Handle(), lParam))
-            return std::nullopt;
-        m_menu.Open(Handle(), RowMenuPlace(m_list.Handle(), lParam), m_list, {});
-        return 0;
-    case WM_DESTROY:
-        m_boxes.Close(Handle());
-        m_menu.Close();
-        return std::nullopt;
-    default:
-        return std::nullopt;
-    }
+    if (message == WM_DESTROY) m_boxes.Close(Handle());
+    return CListDialog::OnMessage(message, wParam, lParam);
 }
 
 bool CChangesDlg::OnCommand(const framework::Command& command) {
@@ -192,13 +138,8 @@ bool CChangesDlg::OnCommand(const framework::Command& command) {
         m_run.Send();
         return true;
     default:
-        return m_list.HandleCommand(static_cast<std::uint32_t>(command.id));
+        return CListDialog::OnCommand(command);
     }
-}
-
-std::optional<LRESULT> CChangesDlg::OnNotify(const NMHDR& notification) {
-    LRESULT result = 0;
-    return m_list.HandleNotify(&notification, &result) ? std::optional(result) : std::nullopt;
 }
 
 void CChangesDlg::ShowRun() {
@@ -208,40 +149,25 @@ void CChangesDlg::ShowRun() {
 
 void CChangesDlg::ShowRows(bool anew) {
     if (!HasWindow()) return;
-    const std::string notice = m_run.Notice();
-    Item(IDC_CHANGES_NOTICE).SetText(notice);
-    Item(IDC_CHANGES_NOTICE).Show(!notice.empty());
     Item(IDC_CHANGES_SOURCE).SetText(m_run.Set() ? m_source : std::string());
     const ChangeSet* set = m_run.Set();
     const auto count = static_cast<std::uint32_t>(set && set->IsRead() ? set->Changes().size() : 0);
-    m_list.BeginChanges();
-    if (anew) {
-        m_list.RemoveAll();
-        for (std::uint32_t row = count; row-- > 0;)
-            m_list.InsertFront(row, kKorvexAsked);
-    } else {
-        for (std::uint32_t row = 0; row < count; ++row)
-            m_list.Repaint(row);
-    }
-    m_list.EndChanges();
-    m_status = m_run.Status();
+    if (anew) ListRows(count);
+    List().BeginChanges();
+    for (std::uint32_t row = 0; row < count && !anew; ++row)
+        List().Repaint(row);
+    List().EndChanges();
     Item(IDC_CHANGES_SEND).Enable(m_run.CanSend());
-    ShowStatus();
+    ShowTexts(m_run.Notice(), m_run.Status());
 }
 
-void CChangesDlg::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
-                            KorvexText* texts) noexcept {
-    framework::Guard([&] {
-        const ChangeSet* set = m_run.Set();
-        for (std::uint32_t i = 0; i < count; ++i) {
-            if (!set || records[i] >= set->Changes().size()) continue;
-            const std::string& text = set->Text(records[i], kChangeColumns[column].field);
-            texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
-        }
-    });
+std::string_view CChangesDlg::Cell(std::uint32_t row, std::int32_t column) const {
+    const ChangeSet* set = m_run.Set();
+    if (!set || row >= set->Changes().size()) return {};
+    return set->Text(row, kChangeColumns[column].field);
 }
 
-std::int32_t CChangesDlg::RowLook(std::uint32_t record) noexcept {
+KorvexRowLook CChangesDlg::Look(std::uint32_t record) const {
     const ChangeSet* set = m_run.Set();
     if (!set || record >= set->Changes().size()) return kKorvexPlain;
     if (!set->Changes()[record].refusal.empty()) return kKorvexMuted;

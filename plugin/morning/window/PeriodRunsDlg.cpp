@@ -4,7 +4,6 @@
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/resources/resource.h"
 
-#include <numeric>
 #include <utility>
 
 namespace planfold {
@@ -66,9 +65,7 @@ void CPeriodRunsDlg::ShowPeriod(const RunPeriod& period) {
 
 void CPeriodRunsDlg::ShowRows() {
     if (!HasWindow()) return;
-    std::vector<std::uint32_t> rows(m_runs.RowCount());
-    std::iota(rows.begin(), rows.end(), 0u);
-    ListRows(rows);
+    ListRows(m_runs.RowCount());
     ShowTexts(m_runs.Notice(), m_runs.Status());
 }
 

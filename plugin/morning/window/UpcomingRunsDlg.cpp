@@ -126,7 +126,7 @@ bool CUpcomingRunsDlg::OnRowKey(int key, std::uint32_t row) {
         return true;
     case VK_LEFT:
         if (m_runs.IsPlan(row)) {
-            SelectRow(m_runs.ClientRow(row));
+            List().SelectOnly(m_runs.ClientRow(row));
             return true;
         }
         [[fallthrough]];
@@ -142,7 +142,7 @@ bool CUpcomingRunsDlg::OnRowKey(int key, std::uint32_t row) {
 void CUpcomingRunsDlg::SetOpen(std::uint32_t row, bool open, std::uint32_t focus) {
     if (!m_runs.SetOpen(row, open)) return;
     ListRows(m_runs.Rows());
-    SelectRow(focus);
+    List().SelectOnly(focus);
 }
 
 void CUpcomingRunsDlg::OpenHistory(std::uint32_t row) {
