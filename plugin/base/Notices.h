@@ -23,6 +23,19 @@ protected:
     ~Notices() = default;
 };
 
+// Where the user is asked as well.
+class Questions : public Notices {
+public:
+    // Whether a question can be asked now. Otherwise the open box comes to the front, and who asks hears when
+    // it is gone.
+    virtual bool MayAsk() = 0;
+    // A question with Yes and No, of which No is the default; true for Yes.
+    virtual bool Ask(Pass pass, std::string_view question) = 0;
+
+protected:
+    ~Questions() = default;
+};
+
 class KeptTexts final : public Notices {
 public:
     void ShowMessage(Pass, std::string_view text) override { Add(text); }

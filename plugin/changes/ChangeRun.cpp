@@ -14,8 +14,6 @@ namespace planfold {
 namespace {
 
 // Sent at once, and with each tick of the progress window.
-constexpr std::size_t kFirstPortion = 250;
-constexpr std::size_t kPortion = 100;
 constexpr std::size_t kLinesAtOnce = 500;
 constexpr std::int64_t kReadingMs = 50;
 
@@ -93,8 +91,8 @@ void ChangeRun::Send() {
 }
 
 bool ChangeRun::OnBoxGone() {
-    if (m_asking || m_sending) return !m_asksLater;
-    m_waitsForBox = false;
+    if (m_asking || m_sender.IsSending()) return !m_asksLater;
+    m_sender.OnBoxGone();
     if (std::exchange(m_asksLater, false)) Send();
     return !m_asksLater;
 }
@@ -107,14 +105,14 @@ void ChangeRun::Begin(std::span<const std::size_t> changes) {
     }
     m_run = std::make_unique<BookRun>(RunKind::modify, std::move(rows), std::string());
     m_sent.assign(changes.begin(), changes.end());
-    m_withoutRecord = false;
-    SendPortion(kFirstPortion);
+    m_sender.Begin();
+    SendPortion(RunSender::kFirstPortion);
     if (m_run) m_view.ShowRun();
 }
 
 void ChangeRun::Continue() {
     if (IsReading()) return ReadSome();
-    if (!m_waitsForBox) SendPortion(kPortion);
+    SendPortion(RunSender::kPortion);
     EndRun();
 }
 
@@ -131,17 +129,14 @@ void ChangeRun::Stop() {
 }
 
 void ChangeRun::SendPortion(std::size_t most) {
-    // The host's log may let the window's timer in.
-    if (!IsSending() || m_sending) return;
-    m_sending = true;
-    const bool isThere = m_life.Across([&](Pass) { SendRecorded(most); });
-    m_sending = false;
-    if (isThere) return EndRun();
+    if (!IsSending() || m_sender.IsSending()) return;
+    if (m_sender.SendPortion(*m_run, most)) return EndRun();
     m_run.reset();
     m_set.reset();
 }
 
-RecordedOrder ChangeRun::Recorded(const Change& change) const {
+std::optional<RecordedOrder> ChangeRun::Recorded(const BookRun&, std::size_t row) {
+    const Change& change = m_set->Changes()[m_sent[row]];
     const RecordedOrder plain =
         RecordedChange(m_session, kModifySipOrder, change.registration, change.value, change.periods, {},
                        change.isByQuantity ? "qty" : "value", change.account);
@@ -152,55 +147,19 @@ RecordedOrder ChangeRun::Recorded(const Change& change) const {
     return RecordedOrder(texts);
 }
 
-// All of a portion is on the disk before the first of it goes out.
-void ChangeRun::SendRecorded(std::size_t most) {
-    BookRun& run = *m_run;
-    const std::size_t first = run.Tried(), count = run.Next(most).size();
-    std::vector<RecordedOrder> orders;
-    for (std::size_t i = 0; i < count; ++i)
-        orders.push_back(Recorded(m_set->Changes()[m_sent[first + i]]));
-    auto places = m_session.record.Sending(orders);
-    if (!places) {
-        m_waitsForBox = !m_withoutRecord && !m_view.MayAsk();
-        if (m_waitsForBox) return;
-        places = RecordSending(orders);
-    }
-    if (!places) return run.Stop();
-    run.Enter(*places);
-    bool isThere = true;
-    for (std::size_t i = 0; i < count; ++i) {
-        bool sent = false;
-        if (isThere && !run.AllTried()) {
-            run.CountTried();
-            isThere = m_life.Across([&](Pass pass) { sent = SendOne(pass, m_sent[first + i]); });
-        }
-        if (!sent) m_session.record.Tell((*places)[i], OrderEvent::notSent, {});
-    }
-}
-
-std::optional<std::vector<OrderPlace>> ChangeRun::RecordSending(std::span<const RecordedOrder> orders) {
-    if (!m_withoutRecord) {
-        m_asking = true;
-        const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); });
-        m_asking = false;
-        m_withoutRecord = reply == Reply::yes;
-    }
-    if (!m_withoutRecord) return std::nullopt;
-    return m_session.record.SendingUnwritten(orders);
-}
-
 // The registration may have changed while the question was open, or since the portion before.
-bool ChangeRun::SendOne(Pass pass, std::size_t index) {
+bool ChangeRun::SendOne(Pass pass, BookRun& run, std::size_t row) {
+    const std::size_t index = m_sent[row];
     const Change& change = m_set->Changes()[index];
     if (std::string why = m_set->WhyStale(index); !why.empty()) {
-        m_run->Failures().ShowMessage(pass, change.registration + ": " + why);
+        run.Failures().ShowMessage(pass, change.registration + ": " + why);
         m_set->SetResult(index, {OrderState::notSent, true, std::move(why)});
         return false;
     }
     sSipOrderData order;
     order.amountOrQuantity = change.value;
     order.totalPeriod = change.periods;
-    return SendModifySipOrder(pass, m_session, m_control(), m_run->Failures(), change.registration, order);
+    return SendModifySipOrder(pass, m_session, m_control(), run.Failures(), change.registration, order);
 }
 
 void ChangeRun::OnOrder(OrderPlace place) {
@@ -241,7 +200,7 @@ void ChangeRun::TakeResults() {
 }
 
 void ChangeRun::EndRun() {
-    if (!m_run || m_sending) return;
+    if (!m_run || m_sender.IsSending()) return;
     const bool isOver = m_run->IsOver();
     if (std::exchange(m_resultsChanged, false) || isOver) {
         TakeResults();
@@ -257,9 +216,10 @@ void ChangeRun::EndRun() {
 
 void ChangeRun::Forget() {
     m_life.Renew();
-    m_asksLater = m_waitsForBox = false;
+    m_asksLater = false;
+    m_sender.Begin();
+    if (m_sender.IsSending()) return;
     m_sent.clear();
-    if (m_sending) return;
     m_run.reset();
     m_set.reset();
 }

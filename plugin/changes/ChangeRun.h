@@ -6,7 +6,7 @@
 #include "plugin/changes/ChangeSet.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/messaging/Session.h"
-#include "plugin/orderbook/BookRun.h"
+#include "plugin/orderbook/RunSender.h"
 #include "plugin/record/OrderRecord.h"
 #include "sdk/RxControl.h"
 
@@ -21,13 +21,9 @@
 namespace planfold {
 
 // The window as the code that decides sees it.
-class ChangeView : public Notices {
+class ChangeView : public Questions {
 public:
     virtual bool IsOpen() const = 0;
-    // Whether a question can be asked. Otherwise the open box comes to the front, and OnBoxGone follows.
-    virtual bool MayAsk() = 0;
-    // A question with Yes and No, of which No is the default; true for Yes.
-    virtual bool Ask(Pass pass, std::string_view question) = 0;
     // There are others, or `anew` is false and they read otherwise.
     virtual void ShowRows(bool anew) = 0;
     // The reading or sending has begun, gone on or ended.
@@ -38,7 +34,7 @@ protected:
     ~ChangeView() = default;
 };
 
-class ChangeRun final : public LongRun, private RecordListener {
+class ChangeRun final : public LongRun, private RecordListener, private RunRequests {
 public:
     // `control` gives the control by which is asked, or null.
     ChangeRun(Session& session, const OrderCache& book, ChangeView& view, std::function<RxControl*()> control)
@@ -87,10 +83,8 @@ private:
     std::string Question(std::span<const std::size_t> changes) const;
     void Begin(std::span<const std::size_t> changes);
     void SendPortion(std::size_t most);
-    void SendRecorded(std::size_t most);
-    std::optional<std::vector<OrderPlace>> RecordSending(std::span<const RecordedOrder> orders);
-    RecordedOrder Recorded(const Change& change) const;
-    bool SendOne(Pass pass, std::size_t change);
+    std::optional<RecordedOrder> Recorded(const BookRun& run, std::size_t row) override;
+    bool SendOne(Pass pass, BookRun& run, std::size_t row) override;
     void TakeResults();
     void EndRun();
     void OnOrder(OrderPlace place) override;
@@ -108,10 +102,8 @@ private:
     std::string m_source;
     std::unique_ptr<BookRun> m_run;
     std::vector<std::size_t> m_sent; // the changes that are the run's rows
+    RunSender m_sender{m_session, m_view, m_life, *this};
     bool m_asking = false, m_asksLater = false;
-    bool m_sending = false;
-    bool m_waitsForBox = false;   // to ask before the next portion
-    bool m_withoutRecord = false; // the dealer agreed for this run
     bool m_resultsChanged = false;
 };
 

@@ -10,13 +10,10 @@
 
 namespace planfold {
 
-class DoubtsView : public Notices {
+class DoubtsView : public Questions {
 public:
-    // False while a box is open.
-    virtual bool MayAsk() = 0;
-    // Yes, no (the default) or cancel; and yes or no.
+    // Yes, no (the default) or cancel.
     virtual Choice Choose(Pass pass, std::string_view question) = 0;
-    virtual bool Ask(Pass pass, std::string_view question) = 0;
     virtual void ShowOrdersOfDay(Pass pass) = 0;
     // Into the basket, to be placed again; how many of them stand there then.
     virtual std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) = 0;

@@ -76,12 +76,10 @@ bool Twins::Cancel(const std::vector<std::string>& numbers) {
         orderIds.push_back(*orderId);
         recorded.push_back(RecordedChange(m_session, kCancelSipOrder, number, {}, {}, orderId->value_or("")));
     }
-    auto places = m_session.record.Sending(recorded);
-    if (!places) {
-        if (m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) != Reply::yes)
-            return true;
-        places = m_session.record.SendingUnwritten(recorded);
-    }
+    const auto places = BeforeSending(m_session.record).Places(recorded, [&](std::string_view question) {
+        return m_session.life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes;
+    });
+    if (!places) return true;
     m_cancelling.insert(numbers.begin(), numbers.end());
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         sOrderinfo record;

@@ -36,15 +36,10 @@ protected:
     ~BookList() = default;
 };
 
-class BookView : public Notices {
+class BookView : public Questions {
 public:
     // False before the window is made and once it is gone.
     virtual bool IsOpen() const = 0;
-    // Whether a question can be asked. Otherwise the open box comes to the front, and BookActions hears when it
-    // is gone.
-    virtual bool MayAsk() = 0;
-    // A question with Yes and No; true for Yes.
-    virtual bool Ask(Pass pass, std::string_view question) = 0;
     // The reason of so many cancellations; empty when its dialog is cancelled.
     virtual std::string AskReason(Pass pass, std::size_t count) = 0;
     virtual void OpenForModify(Pass pass, const sOrderinfo& record) = 0;

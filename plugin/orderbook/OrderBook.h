@@ -25,7 +25,8 @@ class OrderBook final : private LiveRegistrations {
 public:
     OrderBook(Session& session, BookView& view, const BookControls& controls)
         : m_session(session), m_view(view), m_controls(controls),
-          m_actions(session, view, m_cache, controls.requests, m_life) {
+          m_runs(session, view, m_cache, controls.requests, m_life),
+          m_actions(session, view, m_cache, controls.requests, m_life, m_runs) {
         m_session.book = this;
     }
     OrderBook(const OrderBook&) = delete;
@@ -46,6 +47,7 @@ public:
     // The answers to the query of the registrations have not ended.
     bool IsFilling() const { return m_filling; }
     BookActions& Actions() { return m_actions; }
+    BookRuns& Runs() { return m_runs; }
     const Lifetime& Life() const { return m_life; }
 
 private:
@@ -57,9 +59,9 @@ private:
     void HandleRow(const Answer& answer);
     void HandleHistoryRow(const Answer& answer);
     void HandleUserText(const Answer& answer);
-    void HandleCancelled(const Answer& answer) { m_actions.HandleCancelled(answer); }
-    void HandlePaused(const Answer& answer) { m_actions.HandlePaused(answer); }
-    void HandleResumed(const Answer& answer) { m_actions.HandleResumed(answer); }
+    void HandleCancelled(const Answer& answer) { m_runs.HandleCancelled(answer); }
+    void HandlePaused(const Answer& answer) { m_runs.HandleChanged(answer, RunKind::pause); }
+    void HandleResumed(const Answer& answer) { m_runs.HandleChanged(answer, RunKind::resume); }
 
     static const AnswerHandler<OrderBook> kAnswers[];
 
@@ -69,6 +71,7 @@ private:
     OrderCache m_cache;
     bool m_filling = false;
     Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }}; // of the window
+    BookRuns m_runs;
     BookActions m_actions;
 };
 

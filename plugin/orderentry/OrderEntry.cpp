@@ -152,11 +152,11 @@ bool OrderEntry::ConfirmChanged(const SipOrderForm& form) {
 
 // On the disk before it goes out, or the dealer agrees that it is not.
 std::optional<OrderPlace> OrderEntry::RecordSending(const SipOrderForm& form, const RecordedOrder& recorded) {
-    if (const auto places = m_session.record.Sending({&recorded, 1})) return places->front();
-    if (!MayAsk(form)
-        || m_life.Across([&](Pass pass) { return m_view.Ask(pass, kNoRecordQuestion); }) != Reply::yes)
-        return std::nullopt;
-    return m_session.record.SendingUnwritten({&recorded, 1}).front();
+    const auto places = BeforeSending(m_session.record).Places({&recorded, 1}, [&](std::string_view question) {
+        return MayAsk(form)
+               && m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); }) == Reply::yes;
+    });
+    return places ? std::optional(places->front()) : std::nullopt;
 }
 
 bool OrderEntry::MayAsk(const SipOrderForm& form) {

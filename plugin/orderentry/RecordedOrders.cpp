@@ -27,6 +27,15 @@ std::string DescribeRefusal(std::string_view text, std::string_view code) {
     return "Refused: " + shown + (shown.empty() ? "" : " ") + "(code " + InShort(code) + ").";
 }
 
+std::optional<std::vector<OrderPlace>>
+BeforeSending::Places(std::span<const RecordedOrder> orders,
+                      const std::function<bool(std::string_view question)>& ask) {
+    if (auto places = m_record.Sending(orders)) return places;
+    m_agreed = m_agreed || ask(kNoRecordQuestion);
+    if (!m_agreed) return std::nullopt;
+    return m_record.SendingUnwritten(orders);
+}
+
 void RecordOutcome(const Session& session, OrderPlace place, OrderEvent done, const Answer& answer) {
     const std::string text = FieldText(answer.message, tag::userText);
     session.record.Tell(place, answer.hasError ? OrderEvent::refused : done,

@@ -5,9 +5,12 @@
 #include "plugin/orderentry/SipOrder.h"
 #include "plugin/record/OrderLedger.h"
 
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace planfold {
 
@@ -60,6 +63,24 @@ RecordedOrder RecordedChange(const Session& session, std::string_view request, s
                              std::string_view value = {}, std::string_view periods = {},
                              std::string_view orderId = {}, std::string_view investType = {},
                              std::string_view account = {});
+
+// What is sent is on the disk before, or the dealer agrees that it is not: asked once for all that belongs
+// together.
+class BeforeSending {
+public:
+    explicit BeforeSending(OrderRecord& record) : m_record(record) {}
+
+    // What comes now does not belong to what was sent before.
+    void Renew() { m_agreed = false; }
+    // Its places in the record; none when it must not be sent. `ask` puts the question and says whether the
+    // dealer agrees, and is there to send it.
+    std::optional<std::vector<OrderPlace>> Places(std::span<const RecordedOrder> orders,
+                                                  const std::function<bool(std::string_view question)>& ask);
+
+private:
+    OrderRecord& m_record;
+    bool m_agreed = false;
+};
 
 // What is asked when the record cannot be written.
 inline constexpr char kNoRecordQuestion[] = "The record of what is sent cannot be written. Should the terminal "

@@ -167,8 +167,8 @@ private:
     // Answers that do not come are waited for so long, and no longer.
     void Await() {
         Pump();
-        for (int i = 0; i < 600 && m_book.Actions().IsUnderWay(); ++i)
-            m_book.Actions().Continue();
+        for (int i = 0; i < 600 && m_book.Runs().IsUnderWay(); ++i)
+            m_book.Runs().Continue();
     }
     void Submit(int order) {
         m_entryView.SelectText(IDC_FREQUENCY, "monthly");

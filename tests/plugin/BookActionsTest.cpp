@@ -32,6 +32,7 @@ protected:
     BookDouble view;
     OrderBook book{session, view, {&control, &control, &control}};
     BookActions& actions = book.Actions();
+    BookRuns& runs = book.Runs();
 };
 
 std::string CancelRequest(const std::string& number, const char* reason, const char* source = " ") {
@@ -225,34 +226,34 @@ TEST_F(BookActionsTest, ALongRunGoesInPortionsAndEndsWithOneSummary) {
     Select(numbers);
     actions.Cancel();
     const std::size_t first = host.requests.size();
-    EXPECT_EQ(actions.Progress(), "Cancelling 250 of 1000");
+    EXPECT_EQ(runs.Progress(), "Cancelling 250 of 1000");
     actions.Cancel(); // nothing else begins meanwhile, and says so
     actions.Pause();
     actions.PauseSelected();
     EXPECT_EQ(Taken(view.boxes),
               Texts(3, "Cancelling 250 of 1000.\nPlease wait until all are sent, or stop it."));
     EXPECT_EQ(host.requests.size(), first);
-    actions.Continue();
+    runs.Continue();
     EXPECT_EQ(host.requests.size(), 350u);
-    actions.Stop();
-    actions.Continue();
+    runs.Stop();
+    runs.Continue();
     EXPECT_EQ(host.requests.size(), 350u) << "nothing goes out any more";
-    EXPECT_FALSE(actions.CanStop());
+    EXPECT_FALSE(runs.CanStop());
     EXPECT_EQ(view.boxes, Texts{});
     for (int i = 0; i < 340; ++i)
         Answer("cancel_sip_order", "echoedNumber=SIP" + std::to_string(i));
     EXPECT_EQ(view.registered.removals, 0);
-    actions.Continue();
+    runs.Continue();
     EXPECT_EQ(view.registered.removals, 1) << "a burst is one step";
     EXPECT_EQ(view.registered.rows.size(), 660u);
     for (int i = 340; i < 345; ++i)
         Answer("cancel_sip_order", "errorCode=105 userText=Theirs registrationNumber=SIP" + std::to_string(i));
-    EXPECT_EQ(actions.Progress(), "Cancelling: waiting for 5 answers");
+    EXPECT_EQ(runs.Progress(), "Cancelling: waiting for 5 answers");
     EXPECT_EQ(view.boxes, Texts{});
     host.recordTime.second += OrderRecord::kPatience;
     session.record.OnTime();
-    actions.Continue();
-    EXPECT_FALSE(actions.IsUnderWay());
+    runs.Continue();
+    EXPECT_FALSE(runs.IsUnderWay());
     std::string expected;
     for (int i = 0; i < 25; ++i)
         expected += "SIP" + std::to_string(i) + " Order Cancelled \n";
@@ -308,7 +309,7 @@ TEST_F(BookActionsTest, SeveralRowsAreChangedAfterAQuestionThatTellsSidesAndWhat
     EXPECT_EQ(Taken(view.boxes), Texts{"stray"});
     host.recordTime.minute += 1;
     session.record.OnTime();
-    actions.Continue();
+    runs.Continue();
     EXPECT_EQ(Taken(view.boxes), Texts{"Resume: 1 of 1 requests were sent.\nThe server confirmed 0.\n"
                                        "In doubt: 1, to which no answer came.\n\n"
                                        "All of them: \"Orders of a Day...\" in the menu of the list."});
@@ -392,12 +393,12 @@ TEST_F(BookActionsTest, NothingIsSentWithoutARecordUnderAnotherBox) {
     view.otherBox = false;
     view.duringQuestion = [&] { view.otherBox = true; };
     actions.PauseSelected();
-    actions.Continue();
+    runs.Continue();
     EXPECT_EQ(view.questions.size(), 1u);
     EXPECT_EQ(host.requests, Texts{});
     view.otherBox = false;
     while (!actions.OnBoxGone())
-        actions.Continue();
+        runs.Continue();
     EXPECT_EQ(host.requests.size(), 3u);
     EXPECT_EQ(view.questions.size(), 3u);
 }

@@ -77,8 +77,8 @@ protected:
     void SelectAll() { view.registered.Model().SelectRows(0, view.registered.Model().ShownCount(), true); }
     // A portion as the progress window's timer does it, and what the line brings meanwhile.
     void Run(int portions) {
-        while (book->Actions().IsUnderWay() && portions-- > 0) {
-            book->Actions().Continue();
+        while (book->Runs().IsUnderWay() && portions-- > 0) {
+            book->Runs().Continue();
             for (int i = 0; i < 4; ++i)
                 Turn();
         }
@@ -187,17 +187,17 @@ TEST_F(MassActionsTest, TheSummarysNumbersAreTheServers) {
             book->Actions().PauseSelected();
         else
             book->Actions().ResumeSelected();
-        ASSERT_TRUE(book->Actions().IsUnderWay());
+        ASSERT_TRUE(book->Runs().IsUnderWay());
         Run(5);
         server.Config().faults[std::string(request)] = row.fault;
         hasBeenMute = row.fault.silent || row.fault.ignored;
         Run(5);
-        if (row.stops) book->Actions().Stop();
+        if (row.stops) book->Runs().Stop();
         Run(400);
         Pump();
         Run(1);
-        if (book->Actions().IsUnderWay()) WaitInVain();
-        ASSERT_FALSE(book->Actions().IsUnderWay());
+        if (book->Runs().IsUnderWay()) WaitInVain();
+        ASSERT_FALSE(book->Runs().IsUnderWay());
         const Told told = Summary();
         EXPECT_EQ(told.of, cancels ? kOwn + kTheirs : kOwn - before);
         EXPECT_EQ(told.notSent == 0, !row.stops);

@@ -88,7 +88,7 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
       m_cancelled(m_book.Records(), session,
                   {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands, BookConditions().last(1)},
                   [this] { ShowCounts(); }),
-      m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
+      m_reason(module, session), m_progress(module, session, m_book.Runs(), CRunProgressDlg::Owner::enabled),
       m_orderForm(std::move(orderForm)), m_history(std::move(history)),
       m_recordCommand(std::move(recordCommand)) {}
 
@@ -319,7 +319,7 @@ std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {
 
 // Stops the run that is under way. The one that closed a box may still be held down.
 bool COrderBookDlg::OnEscape(WPARAM key, LPARAM keyData) {
-    LongRun& run = m_book.Actions();
+    LongRun& run = m_book.Runs();
     if (key != VK_ESCAPE || !run.IsUnderWay() || !run.CanStop()) return false;
     if (!framework::IsRepeated(keyData)) run.Stop();
     return true;
