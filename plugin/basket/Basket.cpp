@@ -101,8 +101,7 @@ void Basket::AddOrModify() {
                                      m_addAgain))
         return;
     if (!IsModifying()) {
-        m_view.List().InsertFront(m_rows.Add(order.Texts()));
-        LeaveCorrected();
+        TakeIn(order.Texts());
         m_view.ShowStatus();
         return m_runs.KeepUnsentLast();
     }
@@ -115,8 +114,7 @@ void Basket::AddOrModify() {
     LeaveModifyMode();
     m_form.ClearAfterModify();
     if (selected == kNoRecord) return m_view.ShowLast("Order Not Found");
-    m_rows.Replace(selected, order.Texts());
-    m_view.List().Repaint(selected);
+    m_history.Replace(selected, order.Texts());
     m_view.ShowStatus();
     m_runs.KeepUnsentLast();
 }
@@ -155,27 +153,39 @@ void Basket::ActivateRejected(std::size_t index) {
     TellNotShown(*notShown);
 }
 
-// What the form was filled from is in the list now.
-void Basket::LeaveCorrected() {
-    const int number = std::exchange(m_rejected.corrected, 0);
-    if (std::erase_if(m_rejected.lines, [&](const RejectedLine& line) { return line.number == number; }))
-        m_view.ShowPanel();
+// What the form was filled from is in the list then.
+void Basket::TakeIn(const BasketTexts& texts) {
+    const BasketHistory::Change change(m_history);
+    m_history.Add(texts);
+    const auto corrected = std::ranges::find(m_rejected.lines, std::exchange(m_rejected.corrected, 0),
+                                             &RejectedLine::number);
+    if (corrected == m_rejected.lines.end()) return;
+    m_history.RemoveRejected(static_cast<std::size_t>(corrected - m_rejected.lines.begin()));
+    m_view.ShowPanel();
 }
 
 void Basket::Delete() {
     if (m_runs.IsBusy()) return;
     const std::vector<RecordId> selected = m_view.List().Selected();
     if (selected.empty()) return;
-    m_view.List().RemoveSelected();
-    for (const RecordId record : selected)
-        m_rows.Remove(record);
+    m_history.Remove(selected, [&] { m_view.List().RemoveSelected(); });
     m_view.ShowStatus();
+    m_runs.KeepUnsentLast();
+}
+
+void Basket::GoBack(std::optional<std::string> (BasketHistory::*go)()) {
+    if (m_runs.IsBusy()) return;
+    if (const auto refusal = (m_history.*go)()) return m_view.ShowLast(*refusal);
+    m_runs.LetPlace(m_view.List().RowCount() > m_rows.SentCount());
+    m_view.ShowStatus();
+    m_view.ShowPanel();
     m_runs.KeepUnsentLast();
 }
 
 std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
     std::size_t taken = 0;
     if (m_runs.IsBusy()) return taken;
+    std::optional<BasketHistory::Change> change(std::in_place, m_history);
     for (const OrderPlace place : orders) {
         if (m_rows.ByOrder(place) != kNoRecord) {
             ++taken;
@@ -193,11 +203,12 @@ std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
         order.symbol = order.data.tradingSymbol.substr(0, dash);
         if (dash != std::string::npos) order.series = order.data.tradingSymbol.substr(dash + 1);
         order.startDateText = FormatPickerDate(ToLocal(LeadingInteger(order.data.startDate)));
-        const RecordId row = m_rows.Add(order.Texts());
+        const RecordId row = m_history.Add(order.Texts());
         m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
-        m_view.List().InsertFront(row);
+        m_view.List().Repaint(row);
         ++taken;
     }
+    change.reset();
     m_runs.LetPlace(m_view.List().RowCount() > 0);
     m_view.ShowStatusSoon();
     m_runs.KeepUnsentLast();
@@ -333,7 +344,9 @@ void Basket::HandlePlaced(const Answer& answer) {
     std::int64_t number = 0;
     int status = kFieldRead;
     if (answer.hasError || !GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
-    const RecordId record = m_rows.BySerialNumber(number);
+    // A row that was deleted and taken back has another number.
+    const RecordId numbered = m_rows.BySerialNumber(number);
+    const RecordId record = numbered == kNoRecord ? m_rows.ByOrder(place) : numbered;
     if (record == kNoRecord) return;
     m_rows.SetUserText(record, FieldText(answer.message, tag::userText));
     m_view.List().Repaint(record);

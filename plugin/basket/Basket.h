@@ -4,6 +4,7 @@
 #pragma once
 
 #include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketRuns.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/record/OrderRecord.h"
@@ -32,8 +33,8 @@ public:
     // `control` may be null: every sending then fails with its own text.
     Basket(Session& session, BasketView& view, RxControl* control)
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
-          m_questions(session, view, m_life),
-          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected) {
+          m_history(session.record.Ledger(), view, m_rows, m_rejected), m_questions(session, view, m_life),
+          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected, m_history) {
         m_session.record.AddListener(*this);
     }
     Basket(const Basket&) = delete;
@@ -61,6 +62,9 @@ public:
     // A rejected line was chosen to be corrected in the form.
     void ActivateRejected(std::size_t index);
     void Delete();
+    // The last change of the basket is taken back, or made again.
+    void Undo() { GoBack(&BasketHistory::Undo); }
+    void Redo() { GoBack(&BasketHistory::Redo); }
     // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
     // stand in the basket.
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
@@ -95,9 +99,10 @@ private:
     void Save(const std::function<std::string()>& text);
     Pressed Press() const;
     void AddAgain();
+    void GoBack(std::optional<std::string> (BasketHistory::*go)());
     void RegisterDeleteKey(Pass pass);
     void LeaveModifyMode();
-    void LeaveCorrected();
+    void TakeIn(const BasketTexts& texts);
     void TellNotShown(int fields);
     bool IsModifying() const;
     // kNoRecord when it is no longer there.
@@ -116,6 +121,7 @@ private:
     BasketForm m_form;
     BasketRows m_rows;
     RejectedLines m_rejected;
+    BasketHistory m_history;
     BasketQuestions m_questions;
     BasketRuns m_runs;
     const BasketQuestions::Act m_addAgain{[this] { AddAgain(); }, [this] { m_pressed = Press(); }};

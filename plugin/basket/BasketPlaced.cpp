@@ -109,7 +109,7 @@ void BasketRuns::Place(Placed which) {
     // Its first call to the host is made before it stands.
     auto placing = m_questions.Alone([&](Pass pass) {
         return std::make_shared<BasketPlacing>(
-            pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
+            pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
             [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
     });
     if (!placing) return LetPlace(true);

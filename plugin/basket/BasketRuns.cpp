@@ -41,9 +41,7 @@ void BasketRuns::LoadFile() {
 
 void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
     BasketList& list = m_view.List();
-    list.RemoveAll();
-    m_rows.Clear();
-    m_rejected = {};
+    m_history.BeginLoad(m_path.substr(m_path.find_last_of("\\/") + 1));
     m_session.record.Refresh();
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
@@ -56,6 +54,7 @@ void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
 
 void BasketRuns::EndLoading() {
     const auto loading = std::exchange(m_loading, nullptr);
+    m_history.EndLoad();
     LetPlace(true);
     m_view.SetTitle(m_titleBefore);
     m_view.ShowRun();
@@ -103,14 +102,17 @@ void BasketRuns::OfferToRemove() {
                    m_stoppedTotal, sent),
             m_removeAgain))
         return;
+    std::vector<RecordId> records;
+    for (const std::int32_t number : m_stoppedSent)
+        // Others went while the question waited.
+        if (const RecordId record = m_rows.BySerialNumber(number); record != kNoRecord)
+            records.push_back(record);
     BasketList& list = m_view.List();
     list.BeginChanges();
-    for (const std::int32_t number : m_stoppedSent) {
-        const RecordId record = m_rows.BySerialNumber(number);
-        if (record == kNoRecord) continue; // went while the question waited
-        list.Remove(record);
-        m_rows.Remove(record);
-    }
+    m_history.Remove(records, [&] {
+        for (const RecordId record : records)
+            list.Remove(record);
+    });
     list.EndChanges();
     m_view.ShowStatus();
 }
@@ -122,6 +124,7 @@ void BasketRuns::OnClosed() {
     // A portion may be on its way below.
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
+    m_history.EndLoad();
     m_loading.reset();
     m_placing.reset();
     if (!ranOn) return;

@@ -4,6 +4,7 @@
 
 #include "plugin/base/LongRun.h"
 #include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketLoading.h"
 #include "plugin/basket/BasketPlacing.h"
 #include "plugin/basket/BasketQuestions.h"
@@ -17,9 +18,9 @@ namespace planfold {
 class BasketRuns final : public LongRun {
 public:
     BasketRuns(Session& session, BasketView& view, RxControl* control, BasketQuestions& questions,
-               const BasketForm& form, BasketRows& rows, RejectedLines& rejected)
+               const BasketForm& form, BasketRows& rows, RejectedLines& rejected, BasketHistory& history)
         : m_session(session), m_view(view), m_control(control), m_questions(questions),
-          m_life(questions.Life()), m_form(form), m_rows(rows), m_rejected(rejected) {}
+          m_life(questions.Life()), m_form(form), m_rows(rows), m_rejected(rejected), m_history(history) {}
 
     // Once the window stands: asks what becomes of the orders that an earlier session did not send.
     void OfferUnsent();
@@ -78,6 +79,7 @@ private:
     const BasketForm& m_form;
     BasketRows& m_rows;
     RejectedLines& m_rejected; // of the last load
+    BasketHistory& m_history;
     const Act m_offerAgain{[this] { OfferUnsent(); }};
     const Act m_loadAgain{[this] { LoadFile(); }};
     const Act m_placeAgain[4] = {{[this] { Place(Placed::all); }},

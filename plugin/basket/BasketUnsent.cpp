@@ -100,6 +100,7 @@ void BasketRuns::BringNothingBack() {
     m_view.List().RemoveAll();
     m_rows.Clear();
     m_rejected = {};
+    m_history.Clear();
     m_view.ShowStatus();
     m_view.ShowPanel();
 }

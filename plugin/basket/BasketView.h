@@ -18,6 +18,8 @@ public:
     virtual std::size_t RowCount() const = 0;
     virtual std::size_t ShownCount() const = 0;
     virtual RecordId RecordAt(std::size_t row) const = 0;
+    // Of a record that stands there, in the same order.
+    virtual std::size_t IndexOf(RecordId record) const = 0;
     virtual void InsertFront(RecordId record) = 0;
     virtual void Repaint(RecordId record) = 0;
     virtual void Remove(RecordId record) = 0;

@@ -15,6 +15,9 @@ public:
     std::size_t RowCount() const override { return rows.size(); }
     std::size_t ShownCount() const override { return rows.size() - hidden; }
     RecordId RecordAt(std::size_t row) const override { return rows.at(row); }
+    std::size_t IndexOf(RecordId record) const override {
+        return static_cast<std::size_t>(std::ranges::find(rows, record) - rows.begin());
+    }
     void InsertFront(RecordId record) override { rows.insert(rows.begin(), record); }
     void Repaint(RecordId) override {}
     void Remove(RecordId record) override { std::erase(rows, record); }
