@@ -157,8 +157,8 @@ void Basket::ActivateRejected(std::size_t index) {
 void Basket::TakeIn(const BasketTexts& texts) {
     const BasketHistory::Change change(m_history);
     m_history.Add(texts);
-    const auto corrected = std::ranges::find(m_rejected.lines, std::exchange(m_rejected.corrected, 0),
-                                             &RejectedLine::number);
+    const auto corrected =
+        std::ranges::find(m_rejected.lines, std::exchange(m_rejected.corrected, 0), &RejectedLine::number);
     if (corrected == m_rejected.lines.end()) return;
     m_history.RemoveRejected(static_cast<std::size_t>(corrected - m_rejected.lines.begin()));
     m_view.ShowPanel();

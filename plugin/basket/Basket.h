@@ -4,6 +4,7 @@
 #pragma once
 
 #include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketGrid.h"
 #include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketRuns.h"
 #include "plugin/messaging/Answer.h"
@@ -34,7 +35,8 @@ public:
     Basket(Session& session, BasketView& view, RxControl* control)
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
           m_history(session.record.Ledger(), view, m_rows, m_rejected), m_questions(session, view, m_life),
-          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected, m_history) {
+          m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected, m_history),
+          m_grid(session, view, m_questions, m_form, m_rows, m_rejected, m_history, m_runs) {
         m_session.record.AddListener(*this);
     }
     Basket(const Basket&) = delete;
@@ -55,6 +57,8 @@ public:
     const BasketRows& Rows() const { return m_rows; }
     const std::vector<RejectedLine>& Rejected() const { return m_rejected.lines; }
     BasketRuns& Runs() { return m_runs; }
+    BasketGrid& Grid() { return m_grid; }
+    const BasketGrid& Grid() const { return m_grid; }
 
     void AddOrModify();
     // A row was chosen for modification.
@@ -124,6 +128,7 @@ private:
     BasketHistory m_history;
     BasketQuestions m_questions;
     BasketRuns m_runs;
+    BasketGrid m_grid;
     const BasketQuestions::Act m_addAgain{[this] { AddAgain(); }, [this] { m_pressed = Press(); }};
     Pressed m_pressed{};         // as it was when it had to wait
     std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it

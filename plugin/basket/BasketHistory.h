@@ -1,8 +1,9 @@
-// Undo and redo of the basket. Every change of its rows and rejected lines goes through here, as a step: what it
-// took out, and where what it put in stands. A step that is taken back swaps the two, and so can be made again.
+// Undo and redo of the basket. Every change of its rows and rejected lines goes through here, as a step: what
+// it took out, and where what it put in stands. A step that is taken back swaps the two, and so can be made
+// again.
 //
-// What a row says of its order is no change of the basket: rows keep it wherever they are, and a step that would
-// take away a row which was sent since is refused.
+// What a row says of its order is no change of the basket: rows keep it wherever they are, and a step that
+// would take away a row which was sent since is refused.
 #pragma once
 
 #include "plugin/basket/BasketFile.h"

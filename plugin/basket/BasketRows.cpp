@@ -67,14 +67,6 @@ RecordId BasketRows::AddLoaded(const BasketTexts& texts, int line) {
     return record;
 }
 
-void BasketRows::Replace(RecordId record, const BasketTexts& texts) {
-    Leave(record);
-    m_lines[record] = 0;
-    m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
-    m_bySerialNumber.push_back(record);
-    Enter(record);
-}
-
 void BasketRows::Remove(RecordId record) {
     Take(record);
     Release(record);

@@ -51,8 +51,6 @@ public:
     RecordId Add(const BasketTexts& texts);
     // The same for a row out of a file's line (from 1).
     RecordId AddLoaded(const BasketTexts& texts, int line);
-    // The row is another order from now on: with the next serial number, and not sent.
-    void Replace(RecordId record, const BasketTexts& texts);
     void SetUserText(RecordId record, std::string_view text) { m_rows[record].SetUserText(text); }
     void Remove(RecordId record);
     // The place of the row stays empty until one is put back there, or it is released.
