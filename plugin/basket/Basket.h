@@ -48,7 +48,7 @@ public:
     void Initialise(std::string_view customProducts);
     // The box is gone under which a question could not be asked: now what asks it begins anew, if what it was
     // about has not changed. False when more has to wait.
-    bool OnBoxGone() { return m_questions.OnBoxGone(m_runs.IsBusy()); }
+    bool OnBoxGone() { return m_questions.OnBoxGone(m_runs.IsBusy() && !m_runs.Waits()); }
     // The window is gone, and with it every run and question.
     void OnClosed();
 

@@ -110,7 +110,11 @@ void BasketRuns::Place(Placed which) {
     auto placing = m_questions.Alone([&](Pass pass) {
         return std::make_shared<BasketPlacing>(
             pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
-            [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
+            [this](Pass asking) -> std::optional<bool> {
+                if (!m_questions.MayAskFirst(m_goOn)) return std::nullopt;
+                return m_view.Ask(asking, kNoRecordQuestion);
+            },
+            std::move(placed));
     });
     if (!placing) return LetPlace(true);
     m_placing = std::move(*placing);

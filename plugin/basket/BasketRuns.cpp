@@ -153,7 +153,7 @@ void BasketRuns::RunFor(std::int64_t milliseconds) {
         do
             isThere =
                 m_life.Across([&](Pass pass) { more = loading ? loading->Step(pass) : placing->Step(pass); });
-        while (isThere && more && m_view.Milliseconds() < end);
+        while (isThere && more && !(placing && placing->Waits()) && m_view.Milliseconds() < end);
         if (loading) {
             m_view.List().EndChanges();
             m_view.ShowWaiting(false);

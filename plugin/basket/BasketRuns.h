@@ -42,8 +42,12 @@ public:
     // Nothing else is done meanwhile: rows keep their places, the form its contents, and no second run begins.
     // A portion counts even when its window has gone: a new one must not take the rows away from under it.
     bool IsBusy() const { return m_questions.IsTaken() || m_inPortion || IsUnderWay(); }
+    // Under way, but for a question that could not be asked.
+    bool Waits() const { return m_placing && m_placing->Waits() && !m_inPortion && !m_questions.IsTaken(); }
     bool IsUnderWay() const override { return m_loading || m_placing; }
-    void Continue() override { RunFor(kPortionMs); }
+    void Continue() override {
+        if (!Waits()) RunFor(kPortionMs);
+    }
     void Stop() override;
     std::string Progress() const override;
     std::size_t Done() const override;
@@ -86,6 +90,7 @@ private:
                                  {[this] { Place(Placed::selected); }},
                                  {[this] { Place(Placed::unsent); }},
                                  {[this] { Place(Placed::refused); }}};
+    const Act m_goOn{[this] { RunFor(kPortionMs); }};
     const Act m_removeAgain{[this] { OfferToRemove(); }};
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;
