@@ -69,6 +69,8 @@ public:
     // The last change of the basket is taken back, or made again.
     void Undo() { GoBack(&BasketHistory::Undo); }
     void Redo() { GoBack(&BasketHistory::Redo); }
+    // What stands in the way of what the user wishes.
+    void Tell(std::string_view text) { m_view.ShowLast(text); }
     // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
     // stand in the basket.
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);

@@ -63,7 +63,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
-      m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
+      m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel),
+      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_controls(*this, session, m_basket.Life()), m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
@@ -160,6 +161,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         m_controls.OnMoved();
         return std::nullopt;
     case WM_SIZE:
+        m_editing.Close();
         if (m_ownSize.cx) Arrange();
         return std::nullopt;
     case WM_GETMINMAXINFO: {
@@ -175,6 +177,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
+        m_editing.Close();
         m_menu.Close();
         m_panel.CloseMenu();
         return std::nullopt;
@@ -202,14 +205,15 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
     const BasketRows& rows = m_basket.Rows();
     const auto [dayReport, compare] = RecordEntries(m_session);
-    const MenuEntry further[] = {
+    std::vector<MenuEntry> further{
         {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
         {nullptr, 0},
-        dayReport,
-        compare,
     };
+    const std::array editing = m_editing.MenuEntries();
+    further.insert(further.end(), editing.begin(), editing.end());
+    further.insert(further.end(), {{nullptr, 0}, dayReport, compare});
     if (list == Item(IDC_BASKET_LIST).Handle())
         m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu, further);
     else if (list == Item(IDC_REJECTED_LIST).Handle())
@@ -228,7 +232,8 @@ bool CBasketUpload::OnCommand(const framework::Command& command) {
 
 // A button's click or a menu's choice.
 void CBasketUpload::OnButton(int button) {
-    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button))
+    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button)
+        || m_editing.HandleCommand(button))
         return;
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
@@ -250,6 +255,7 @@ std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
         Arrange();
         return 0;
     }
+    if (m_editing.HandleNotify(notification)) return 0;
     if (notification.idFrom == IDC_REJECTED_LIST) {
         if (notification.code == LVN_ITEMACTIVATE) OnButton(BasketPanel::kOpenCommand);
         return m_panel.HandleNotify(notification);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/basket/Basket.h"
+#include "plugin/basket/window/BasketEditing.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/BasketPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
@@ -82,6 +83,7 @@ private:
     Basket m_basket;
     BasketListWindow m_list;
     BasketPanel m_panel;
+    BasketEditing m_editing;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
