@@ -241,6 +241,16 @@ void Basket::Export() {
         m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
+std::optional<std::vector<ReviewLine>> Basket::Check() {
+    if (m_runs.IsBusy()) return std::nullopt;
+    std::vector<RecordId> unsent;
+    const BasketList& list = m_view.List();
+    for (std::size_t row = 0; row < list.RowCount(); ++row)
+        if (!m_rows.IsSent(list.RecordAt(row))) unsent.push_back(list.RecordAt(row));
+    return m_questions.Alone(
+        [&](Pass pass) { return ReviewBasket(pass, m_session, m_rows, unsent, m_rejected, m_runs.Limits()); });
+}
+
 void Basket::SaveRejected() {
     if (!m_rejected.lines.empty()) Save([&] { return m_rejected.Text(); });
 }

@@ -6,6 +6,7 @@
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketGrid.h"
 #include "plugin/basket/BasketHistory.h"
+#include "plugin/basket/BasketReview.h"
 #include "plugin/basket/BasketRuns.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/record/OrderRecord.h"
@@ -77,6 +78,8 @@ public:
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
     void Export();
+    // All that there is to say of the orders that were not sent; none while something else is under way.
+    std::optional<std::vector<ReviewLine>> Check();
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();
     // The rows that were not registered, as a basket's file.

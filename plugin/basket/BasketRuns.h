@@ -8,6 +8,7 @@
 #include "plugin/basket/BasketLoading.h"
 #include "plugin/basket/BasketPlacing.h"
 #include "plugin/basket/BasketQuestions.h"
+#include "plugin/basket/DeskLimits.h"
 
 #include <memory>
 #include <string>
@@ -28,6 +29,8 @@ public:
     // Which rows a placing is about.
     enum class Placed { all, selected, unsent, refused };
     void Place(Placed which = Placed::all);
+    // The desk's, as the settings have them now.
+    DeskLimits Limits() const;
     // Says whether the rows may be placed; the place button shows it.
     void LetPlace(bool may);
     void ShowPlaceable();
@@ -66,6 +69,7 @@ private:
     // Those that are to be placed; none when that is not clear, or nothing is to be.
     std::vector<BasketPlacing::Row> ChooseRows(Placed which);
     bool LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which);
+    bool KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Placed which);
     bool LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which);
     const Act& PlaceAgain(Placed which) const { return m_placeAgain[static_cast<std::size_t>(which)]; }
     void EndPlacing();

@@ -74,6 +74,8 @@ public:
     // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's
     // line ends.
     virtual bool WriteFileWhole(const std::string& path, std::string_view text) = 0;
+    // A key of the desk's limits in the settings file; empty when it is not there.
+    virtual std::string DeskLimit(const std::string& key) = 0;
     virtual void ShowWaiting(bool waiting) = 0;
     // What stands in the status line, or on the panel of rejected lines and results, is no longer true.
     virtual void ShowStatus() = 0;

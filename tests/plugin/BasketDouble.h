@@ -95,6 +95,7 @@ public:
         if (writable) files[name] = text;
         return writable;
     }
+    std::string DeskLimit(const std::string& key) override { return limits[key]; }
     void ShowWaiting(bool on) override { waiting += on ? 1 : -1; }
     void ShowStatusSoon() override {}
     void ShowStatus() override {}
@@ -111,7 +112,7 @@ public:
     UnsentDouble unsent;
     std::function<void()> duringQuestion, duringLoadQuestion; // run once
     std::optional<std::string> path = "basket.csv";
-    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> files, limits;
     bool writable = true;
     int waiting = 0;
     LocalDateTime now{2027, 1, 31, 15, 30, 0};

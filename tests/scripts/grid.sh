@@ -32,4 +32,7 @@ BEGIN {
 
 files=$(printf 'Z:%s/files/' "$out" | sed 's#/#\\\\\\\\#g')
 sed -e "/^@MENDED@/{r $out/files/mended.script" -e 'd;}' -e "s#@FILES@/#$files#" "$scripts/grid.script" >"$out/played/grid.script"
-PLAY_OPTIONS="--user Z:$out/user" "$scripts/play.sh" "$dist" "$out/played/grid.script" "$out"
+cp -r "$dist" "$out/dist"
+printf '[Basket_Limits]\r\nAmount=1,002.95\r\nTotal=4,00,000 hard\r\n' >"$out/dist/Vesk Plugins/Planfold.ini"
+PLAY_OPTIONS="--user Z:$out/user" "$scripts/play.sh" "$out/dist" "$out/played/grid.script" "$out"
+rm -rf "$out/dist"

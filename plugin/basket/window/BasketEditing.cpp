@@ -59,7 +59,8 @@ std::array<MenuEntry, BasketEditing::kEntries> BasketEditing::MenuEntries() cons
              {"Edit Cell\tF2", kEditCommand, isEmpty},
              {"Fill Down\tCtrl+D", kFillCommand, m_list.Selected().size() < 2},
              {"Paste Rows\tCtrl+V", kPasteCommand},
-             {"Next Fault\tF8", kNextFaultCommand}}};
+             {"Next Fault\tF8", kNextFaultCommand},
+             {"Check...\tAlt+C", IDC_BASKET_CHECK}}};
 }
 
 bool BasketEditing::HandleCommand(int command) {

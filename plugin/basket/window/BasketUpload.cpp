@@ -2,6 +2,7 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
+#include "plugin/base/Settings.h"
 #include "plugin/dayreport/DayReport.h"
 #include "plugin/resources/resource.h"
 
@@ -63,7 +64,7 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
-      m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel),
+      m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel), m_check(module, session),
       m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_controls(*this, session, m_basket.Life()), m_recordCommand(std::move(recordCommand)) {}
 
@@ -95,6 +96,7 @@ void CBasketUpload::OnInit() {
 void CBasketUpload::OnDestroyed() {
     m_basket.OnClosed();
     m_progress.Destroy();
+    m_check.Destroy();
     m_ownSize = {};
 }
 
@@ -235,6 +237,7 @@ void CBasketUpload::OnButton(int button) {
     if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button)
         || m_editing.HandleCommand(button))
         return;
+    if (button == IDC_BASKET_CHECK) return ShowCheck();
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
     if (IsRecordCommand(button)) return Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
@@ -318,6 +321,17 @@ std::optional<std::string> CBasketUpload::ReadFile(const std::string& path) {
 
 bool CBasketUpload::WriteFileWhole(const std::string& path, std::string_view text) {
     return framework::WriteWhole(path, framework::WithLineEnds(text)).empty();
+}
+
+std::string CBasketUpload::DeskLimit(const std::string& key) {
+    std::string value;
+    const bool isRead = ReadWriteSetting(SettingMode::read, kLimitsSection, key, value);
+    return isRead && value != "Settings not found" ? value : std::string();
+}
+
+void CBasketUpload::ShowCheck() {
+    auto lines = m_basket.Check();
+    if (lines && HasWindow()) m_check.Show(std::move(*lines));
 }
 
 void CBasketUpload::ShowWaiting(bool waiting) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/basket/Basket.h"
+#include "plugin/basket/window/BasketCheckDlg.h"
 #include "plugin/basket/window/BasketEditing.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/BasketPanel.h"
@@ -60,6 +61,7 @@ private:
     std::optional<std::string> AskRejectsPath(Pass) override;
     std::optional<std::string> ReadFile(const std::string& path) override;
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
+    std::string DeskLimit(const std::string& key) override;
     void ShowWaiting(bool waiting) override;
     void ShowStatus() override;
     void ShowStatusSoon() override;
@@ -71,6 +73,7 @@ private:
     LONG LetterWidth() const;
     void Arrange();
     void OnButton(int button);
+    void ShowCheck();
     void OnContextMenu(HWND list, LPARAM position);
     bool HotKeyIsForRows() const;
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
@@ -84,6 +87,7 @@ private:
     BasketListWindow m_list;
     BasketPanel m_panel;
     BasketEditing m_editing;
+    BasketCheckDlg m_check;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
