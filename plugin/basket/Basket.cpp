@@ -10,6 +10,7 @@
 #include "sdk/Tags.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace planfold {
@@ -261,6 +262,32 @@ void Basket::SaveResults() {
         for (const BasketResult& result : Results())
             AppendBasketLine(m_rows[result.record], text);
         return BasketFileText(std::move(text));
+    });
+}
+
+void Basket::SaveReasons() {
+    if (!m_rejected.lines.empty()) Save([&] { return RejectedTable(m_rejected.lines); });
+}
+
+void Basket::SaveTable(bool resultsOnly) {
+    if (m_view.List().RowCount() == 0) return m_view.ShowLast("No items in the list");
+    Save([&] {
+        std::vector<RecordId> records;
+        const BasketList& list = m_view.List();
+        if (resultsOnly)
+            std::ranges::transform(Results(), std::back_inserter(records), &BasketResult::record);
+        else
+            for (std::size_t row = 0; row < list.RowCount(); ++row)
+                records.push_back(list.RecordAt(row));
+        BasketCells cells;
+        std::string csv;
+        for (const BasketColumn& column : kBasketListColumns)
+            AppendCsvField(column.heading, column.field == kStateOfRow, csv);
+        for (const RecordId record : records)
+            for (const auto& [heading, width, field, type, align] : kBasketListColumns)
+                AppendCsvField(field == kStateOfRow ? StateText(record) : cells.Text(m_rows[record], field),
+                               field == kStateOfRow, csv);
+        return csv;
     });
 }
 

@@ -82,8 +82,12 @@ public:
     std::optional<std::vector<ReviewLine>> Check();
     // The rejected lines as they were read, to be corrected and loaded again.
     void SaveRejected();
+    // The same as a table with headings, and why each was rejected.
+    void SaveReasons();
     // The rows that were not registered, as a basket's file.
     void SaveResults();
+    // As a table with the list's headings: all rows, or those that were not registered.
+    void SaveTable(bool resultsOnly);
 
     // What has become of the row, in words: "Registered SIP2611…", "Refused: ... (code 104)."
     std::string StateText(RecordId record) const;

@@ -221,5 +221,61 @@ TEST_F(BasketGridTest, WhatWasSentStaysSent) {
     EXPECT_TRUE(view.list.rows.empty());
 }
 
+TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
+    Load("=cmd,\"x\"\n" + Line("+91"));
+    basket.SaveReasons();
+    EXPECT_NE(view.files["basket.csv"].find("Invest Type,Reason\n'=cmd,\"\"\"x\"\"\",,,"), std::string::npos)
+        << view.files["basket.csv"];
+    EXPECT_TRUE(view.files["basket.csv"].ends_with(",Invalid Format\n"));
+    basket.SaveTable(false);
+    EXPECT_EQ(
+        view.files["basket.csv"],
+        "Client ID,Exchange,Series,Symbol,Product,Amount,Quantity,Frequency,Start Date,Total Period,Order Type,"
+        "Action,Remarks,State\n'+91,nse_cm,EQ,ARBORTEX,CNC,1500.00,7,monthly,05/Mar/2027,12,MKT,SIP,NA,Not "
+        "sent\n");
+}
+
+TEST_F(BasketGridTest, LimitsOfTheDeskWarnOnceOrForbid) {
+    const struct {
+        const char* key;
+        const char* value;
+        const char* found; // the first finding
+        std::size_t sent;
+    } limits[] = {
+        {"Amount", "1,499.99", "Amount above Rs 1,499.99", 3},
+        {"Amount", "1,500", "", 3},
+        {"Amount", "1499.99 hard", "Amount above Rs 1,499.99", 0},
+        {"Quantity", "6", "Quantity above 6", 3},
+        {"Periods", "11 HARD", "Periods above 11", 0},
+        {"Periods", "12 hard", "", 3},
+        {"FirstDate", "32 hard", "Days to the first date above 32", 0},
+        {"FirstDate", "33 hard", "", 3},
+        {"RowsPerClient", "2 hard", "", 3},
+        {"RowsPerClient", "1 hard", "Orders of a client above 1", 0},
+        {"Total", "2,999.99 hard", "Total above Rs 2,999.99", 0},
+        {"Total", "3000 hard", "", 3},
+        {"Total", "lots hard", "The limit Total cannot be read: lots", 0},
+    };
+    int round = 0;
+    for (const auto& limit : limits) {
+        // Another client each time: what was sent before is known again.
+        const std::string client = "C" + std::to_string(++round);
+        view.limits = {{limit.key, limit.value}};
+        Load(Line(client) + Line(client, "1013", "qty") + Line(client + "B"));
+        const auto lines = basket.Check().value();
+        const bool isFound = !lines.empty() && lines[0].what == limit.found;
+        EXPECT_EQ(isFound, *limit.found != 0) << limit.key << " " << limit.value << ": " << lines.at(0).what;
+        view.questions.clear();
+        basket.Runs().Place();
+        Run();
+        EXPECT_EQ(basket.Rows().SentCount(), limit.sent) << limit.key << " " << limit.value;
+        const bool asks = *limit.found && limit.sent > 0;
+        EXPECT_EQ(
+            std::ranges::count_if(view.questions, [](auto& text) { return text.starts_with("Warnings: "); }),
+            asks ? 1 : 0)
+            << limit.key;
+    }
+}
+
 } // namespace
 } // namespace planfold::test

@@ -7,7 +7,6 @@ rm -rf "$out"
 mkdir -p "$out/files" "$out/played"
 out=$(cd "$out" && pwd)
 
-# line CLIENT SERIES SYMBOL TOKEN AMOUNT DATE
 awk -v rejected="$out/files/mended.script" '
 function line(client, amount, token, date) {
     return client ",nse_cm,EQ,ALPHATEX," token ",ALPHATEX-EQ,CNC," amount ",,monthly,," date ",12,MKT,B,,,,value,"
@@ -36,3 +35,7 @@ cp -r "$dist" "$out/dist"
 printf '[Basket_Limits]\r\nAmount=1,002.95\r\nTotal=4,00,000 hard\r\n' >"$out/dist/Vesk Plugins/Planfold.ini"
 PLAY_OPTIONS="--user Z:$out/user" "$scripts/play.sh" "$out/dist" "$out/played/grid.script" "$out"
 rm -rf "$out/dist"
+[ "$(grep -c 'Registered SIP' "$out/files/table.csv")" = 300 ] || {
+    echo "the results were not saved"
+    exit 1
+}

@@ -60,7 +60,8 @@ std::array<MenuEntry, BasketEditing::kEntries> BasketEditing::MenuEntries() cons
              {"Fill Down\tCtrl+D", kFillCommand, m_list.Selected().size() < 2},
              {"Paste Rows\tCtrl+V", kPasteCommand},
              {"Next Fault\tF8", kNextFaultCommand},
-             {"Check...\tAlt+C", IDC_BASKET_CHECK}}};
+             {"Check...\tAlt+C", IDC_BASKET_CHECK},
+             {"Save as Table...", kSaveTableCommand, isEmpty}}};
 }
 
 bool BasketEditing::HandleCommand(int command) {

@@ -16,7 +16,8 @@ public:
                   BasketPanel& panel)
         : m_dialog(dialog), m_basket(basket), m_list(list), m_panel(panel), m_cell(session) {}
 
-    static constexpr std::size_t kEntries = 7;
+    static constexpr std::size_t kEntries = 8;
+    static constexpr int kSaveTableCommand = 25027; // the dialog's
     std::array<MenuEntry, kEntries> MenuEntries() const;
     // False when the command is another's.
     bool HandleCommand(int command);

@@ -103,6 +103,8 @@ void BasketPanel::OpenMenu(LPARAM position) {
         {"Copy\tCtrl+C", kCopyCommand},
         {"Select All\tCtrl+A", kSelectAllCommand},
         {"Save As...", kSaveCommand},
+        {m_page == Page::rejected ? "Save Rejected with Reasons..." : "Save Results with Reasons...",
+         kSaveReasonsCommand},
     };
     m_menu.Open(m_dialog.Handle(), RowMenuPlace(list, position), entries);
 }

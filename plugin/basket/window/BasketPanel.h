@@ -20,6 +20,7 @@ public:
     static constexpr int kOpenCommand = 25204; // correct the line in the form, or go to the row
     static constexpr int kSaveCommand = 25205;
 
+    static constexpr int kSaveReasonsCommand = 25206; // the lines, or the results, as a table with reasons
     static constexpr int kTextColumn = 2;
 
     enum class Page { rejected, results };

@@ -52,6 +52,7 @@ constexpr Action kActions[] = {
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
+    {BasketEditing::kSaveTableCommand, [](Basket& basket) { basket.SaveTable(false); }},
     {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
     {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
     {kPlaceRefusedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::refused); }},
@@ -244,6 +245,8 @@ void CBasketUpload::OnButton(int button) {
     const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
     if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
+    if (button == BasketPanel::kSaveReasonsCommand)
+        return onResults ? m_basket.SaveTable(true) : m_basket.SaveReasons();
     if (button != BasketPanel::kOpenCommand) return;
     if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
     const RecordId row = m_panel.RowOf(m_panel.FirstSelected());
