@@ -35,7 +35,7 @@ public:
     // `control` may be null: every sending then fails with its own text.
     Basket(Session& session, BasketView& view, RxControl* control)
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
-          m_history(session.record.Ledger(), view, m_rows, m_rejected), m_questions(session, view, m_life),
+          m_history(session.record, view, m_rows, m_rejected), m_questions(session, view, m_life),
           m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected, m_history),
           m_grid(session, view, m_questions, m_form, m_rows, m_rejected, m_history, m_runs) {
         m_session.record.AddListener(*this);

@@ -185,7 +185,7 @@ void BasketHistory::Swap(Step& step) {
 }
 
 RowState BasketHistory::StateOf(const TakenRow& row) const {
-    return row.order == kNoOrder ? row.state : RowStateOf(m_ledger[row.order].State());
+    return row.order == kNoOrder ? row.state : RowStateOf(m_record.Ledger()[row.order].State());
 }
 
 // Rows that were changed where they stand, as those of nearly every step; false for any other.

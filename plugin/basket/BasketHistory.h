@@ -9,6 +9,7 @@
 #include "plugin/basket/BasketFile.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
+#include "plugin/record/OrderRecord.h"
 
 #include <cstdint>
 #include <deque>
@@ -22,8 +23,8 @@ namespace planfold {
 
 class BasketHistory {
 public:
-    BasketHistory(const OrderLedger& ledger, BasketView& view, BasketRows& rows, RejectedLines& rejected)
-        : m_ledger(ledger), m_view(view), m_rows(rows), m_rejected(rejected) {}
+    BasketHistory(OrderRecord& record, BasketView& view, BasketRows& rows, RejectedLines& rejected)
+        : m_record(record), m_view(view), m_rows(rows), m_rejected(rejected) {}
 
     // What is changed while one lives is one step.
     class Change {
@@ -99,7 +100,7 @@ private:
     void SwapRows(Step& step);
     void SwapLines(Step& step);
 
-    const OrderLedger& m_ledger;
+    OrderRecord& m_record; // which reads its files at the first look
     BasketView& m_view;
     BasketRows& m_rows;
     RejectedLines& m_rejected;
