@@ -26,6 +26,7 @@ constexpr bench::Ratio kRatios[] = {
     {"load-rows-1000000", "cut-libcsv-1000000", 0, 0},
     {"load-rows-1000000", "load-plain-1000000", 0, 0},
     {"load-rows-1000000", "load-rows-1000", 0, 0},
+    {"import-rows-1000000", "load-rows-1000000", 3, 3},
     {"export-rows-100000", "export-100000", 0, 0},
     {"export-rows-100000", "export-rows-1000", 0, 0},
     {"place-10000", "submit", 0, 0},

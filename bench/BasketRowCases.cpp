@@ -4,6 +4,7 @@
 #include "bench/SampleBasket.h"
 #include "bench/SilentHost.h"
 #include "plugin/basket/BasketPlacing.h"
+#include "plugin/import/ImportFile.h"
 
 #include <algorithm>
 #include <deque>
@@ -25,6 +26,10 @@ public:
     BasketRows rows;
     std::deque<RecordId> list;
 };
+
+const std::string kHeadings =
+    "Client,Exchange,Series,Symbol,Token,Trading Symbol,Product,Amount in paise,Quantity,"
+    "Frequency,,Start Date,Periods,Order Type,Action,,,,Invest Type\n";
 
 struct Desk {
     explicit Desk(std::uint32_t lines) : sample(lines) {}
@@ -48,6 +53,15 @@ struct Desk {
     void Load() {
         sample.Load(sample.text, *store);
         Require(store->list.size() == sample.lines, "loading into rows");
+    }
+    // The same orders as a table.
+    void Import() {
+        if (table.Columns().texts.empty())
+            Require(table.Open(kHeadings + sample.text, {}).empty(), "opening a table");
+        const auto reader = table.Read(sample.rules, sample.scrips, *store);
+        while (reader->Read(1'000)) {
+        }
+        Require(store->list.size() == sample.lines, "importing into rows");
     }
     void Fill() {
         if (store && store->list.size() == sample.lines) return;
@@ -80,6 +94,7 @@ struct Desk {
     std::unique_ptr<SilentHost> host;
     UnansweredRows unanswered;
     SampleBasket sample;
+    ImportFile table;
     std::unique_ptr<Store> store;
     std::string exported;
 };
@@ -98,6 +113,7 @@ std::vector<Case> BasketRowCases(std::uint32_t lines) {
     };
     return {
         {named("load-rows"), [=] { desk->Load(); }, lines, [=] { desk->Empty(); }},
+        {named("import-rows"), [=] { desk->Import(); }, lines, [=] { desk->Empty(); }},
         {named("export-rows"), [=] { desk->Export(); }, lines, fill},
         {named("place"), [=] { desk->Place(); }, lines, open(false)},
         {named("place-recorded"), [=] { desk->Place(); }, lines, open(true)},

@@ -59,3 +59,6 @@ target_link_libraries(planfold_net_bench PRIVATE house_rules vesk_net)
 
 add_executable(planfold_start_bench EXCLUDE_FROM_ALL ${bench}/StartBench.cpp)
 target_link_libraries(planfold_start_bench PRIVATE house_rules vesk_server)
+
+add_executable(planfold_runs_bench EXCLUDE_FROM_ALL ${bench}/RunsBench.cpp)
+target_link_libraries(planfold_runs_bench PRIVATE house_rules bench_rounds planfold_core)

@@ -62,6 +62,12 @@ std::optional<ScripDetails> SampleScrips::Details(std::string_view, std::string_
     return found == m_details.end() ? std::nullopt : std::optional(found->second);
 }
 
+ScripNames SampleScrips::Names(std::string_view, std::string_view series, std::string_view symbol) {
+    const std::string name = std::string(symbol) + "-" + std::string(series);
+    const auto found = tokens.find(name);
+    return found == tokens.end() ? ScripNames() : ScripNames{name, found->second, {}};
+}
+
 SampleBasket::SampleBasket(std::uint32_t count)
     : lines(count), text(Lines(count, false)),
       withBad(Lines(count, true)), rules{{"CNC"}, {}, false, {}, ToSeconds({2027, 2, 1, 0, 0, 0})} {}

@@ -15,7 +15,7 @@ public:
     SampleScrips();
 
     std::optional<ScripDetails> Details(std::string_view exchange, std::string_view tradingSymbol) override;
-    planfold::ScripNames Names(std::string_view, std::string_view, std::string_view) override { return {}; }
+    planfold::ScripNames Names(std::string_view, std::string_view series, std::string_view symbol) override;
 
     TokenMap tokens;
 

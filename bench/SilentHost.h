@@ -51,7 +51,7 @@ public:
 struct NoRecord final : planfold::RecordFiles {
     bool HasFolder() const override { return false; }
     std::optional<std::string> Read(const planfold::LocalDateTime&) override { return std::nullopt; }
-    bool Append(const planfold::LocalDateTime&, std::string_view, bool) override { return false; }
+    bool Append(const planfold::LocalDateTime&, std::string_view, bool, std::size_t&) override { return false; }
 };
 
 // One on this machine's disk, flushed as the plug-in wishes.

@@ -1,6 +1,7 @@
 // The list's model under any operations, beside a plain one; and the lines in which lists keep their columns.
 
 #include "fuzz/Fuzz.h"
+#include "host/korvexcontrols/model/CellDates.h"
 #include "host/korvexcontrols/model/KeptLayout.h"
 #include "tests/support/ListPair.h"
 
@@ -10,6 +11,8 @@ using namespace korvex;
 namespace {
 
 void ReadBack(const std::string& line, std::size_t columns) {
+    if (const auto rows = ReadRows(line, columns)) Demand(ReadRows(WriteRows(*rows), columns) == rows);
+    if (const auto date = IsoDate(line)) Demand(ReadDate(*date) == ReadDate(line));
     const auto state = ReadColumns(line, columns);
     if (!state) return;
     Demand(state->order.size() == columns && state->widths.size() == columns);

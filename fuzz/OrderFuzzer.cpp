@@ -20,7 +20,7 @@ bool IsDigits(std::string_view text) {
 }
 
 // The picker gives real dates only: so many days from now.
-LocalDateTime Day(std::string_view days) {
+LocalDateTime DateIn(std::string_view days) {
     const std::int64_t ahead = std::clamp<std::int64_t>(LeadingInteger(days), -100'000, 1'000'000);
     return ToLocal(ToSeconds(kNow) + ahead * kSecondsPerDay);
 }
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
           &SipOrderForm::exchange, &SipOrderForm::series, &SipOrderForm::symbol, &SipOrderForm::action,
           &SipOrderForm::orderType, &SipOrderForm::product, &SipOrderForm::account})
         form.*member = input.Line();
-    form.startDate = Day(input.Line());
+    form.startDate = DateIn(input.Line());
     // Letters: "m" a modification, "s" the server's periods, "k" the scrip by its key.
     const std::string ways = input.Line();
     form.modifyMode = ways.find('m') != ways.npos;

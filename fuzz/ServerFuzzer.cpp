@@ -137,12 +137,18 @@ std::string Held(Server& server) {
     return held;
 }
 
+// With what says how far it was written.
+void Remove(std::filesystem::path journal) {
+    std::filesystem::remove(journal);
+    std::filesystem::remove(journal += ".head");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const auto path =
         std::filesystem::temp_directory_path() / ("fuzz-server-" + std::to_string(getpid()));
-    std::filesystem::remove(path);
+    Remove(path);
     fuzz::Input input(data, size);
     const ServerConfig config = ConfigOf(input.Line());
     std::string held;
@@ -178,6 +184,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Demand(isCommanded || updates >= changes);
     Server again(config, *opening.journal, opening.records, FixedClock());
     Demand(again.ReplayError().empty() && Held(again) == held);
-    std::filesystem::remove(path);
+    Remove(path);
     return 0;
 }

@@ -95,6 +95,7 @@ using ByValueString = CString*;
 //   backslash. pu_get_non_trading_dates_map(): days without trading (HostRecords.h); null when the host knows
 //   none. pu_resend_nontradingDate_Request(): asks the host to fetch them again.
 //   pu_send_mrv_master_request(exchange, number): part of the table; not called.
+//   pu_is_connected(): non-zero while the host has its connection to the server. Hosts may do without it.
 //
 // Example, with a pointer that was found by name (HostLookup of the plug-in, or GetProcAddress):
 //
@@ -146,6 +147,7 @@ using ByValueString = CString*;
 #define VESK_HOST_EXPORTS_BESIDE_THE_TABLE(X)                                                                  \
     X(pu_is_actionright_enabled, int(InString right))                                                          \
     X(pu_get_exe_app, VeskApp*())                                                                              \
+    X(pu_is_connected, int())                                                                                  \
     X(pu_load_product_type_combo, int(HostWindow dialog, int combo))
 
 namespace sdk {

@@ -4,6 +4,8 @@
 #include "host/korvexcontrols/RecoveryFiles.h"
 #include "host/korvexcontrols/resource.h"
 
+#include <algorithm>
+
 namespace korvex {
 
 namespace {
@@ -58,46 +60,58 @@ void CQVDialog::RememberPlace() const {
         WriteRecovered(RecoveryFile::dialogPositions, kSection, m_name, place);
 }
 
-FilterDialog::FilterDialog(std::weak_ptr<void> owner)
-    : CQVDialog(std::move(owner), IDD_KORVEX_FILTER, "Filter") {}
+FilterDialog::FilterDialog(std::weak_ptr<void> owner, Calls calls)
+    : CQVDialog(std::move(owner), IDD_KORVEX_FILTER, "Filter"), m_calls(std::move(calls)) {}
 
-void FilterDialog::Ask(HWND list, const std::string& heading, ValueType type, const FilterInput* now,
-                       Chosen chosen) {
-    m_heading = heading;
-    m_type = type;
-    m_now = now ? std::optional(*now) : std::nullopt;
-    m_chosen = std::move(chosen);
+void FilterDialog::Ask(HWND list, std::vector<std::int32_t> columns, std::int32_t current) {
+    m_columns = std::move(columns);
+    m_current = current;
     Open(list);
-    Item(IDC_FILTER_VALUE).Focus();
+    Item(m_current < 0 ? IDC_FILTER_COLUMN : IDC_FILTER_VALUE).Focus();
 }
 
 void FilterDialog::OnInit() {
     CQVDialog::OnInit();
     m_fault.Attach(Item(IDC_FILTER_FAULT).Handle());
-    Self().SetText("Filter: " + m_heading);
-    const auto operators = Item<framework::ComboBox>(IDC_FILTER_OPERATOR);
-    const auto known = OperatorsFor(m_type);
-    for (std::size_t i = 0; i < known.size(); ++i) {
-        operators.Add(std::string(known[i].name));
-        if (m_now && m_now->id == known[i].id) operators.Select(static_cast<int>(i));
+    const auto columns = Item<framework::ComboBox>(IDC_FILTER_COLUMN);
+    for (const std::int32_t column : m_columns) {
+        columns.Add(m_calls.about(column).heading);
+        if (column == m_current) columns.Select(columns.Count() - 1);
     }
-    if (operators.Selected() < 0) operators.Select(0);
-    if (m_now) {
-        Item(IDC_FILTER_VALUE).SetText(m_now->value);
-        Item(IDC_FILTER_SECOND).SetText(m_now->second);
-    }
-    Item(IDC_FILTER_CLEAR).Enable(m_now.has_value());
-    ShowSecond();
+    ShowColumn();
 }
 
-void FilterDialog::ShowSecond() const {
-    const bool shown = Read().id == FilterOperator::between;
-    Item(IDC_FILTER_SECOND_LABEL).Show(shown);
-    Item(IDC_FILTER_SECOND).Show(shown);
+void FilterDialog::ShowColumn() {
+    const auto columns = Item<framework::ComboBox>(IDC_FILTER_COLUMN);
+    const auto chosen = static_cast<std::size_t>(columns.Selected());
+    m_current = chosen < m_columns.size() ? m_columns[chosen] : -1;
+    m_column = m_current < 0 ? Column{} : m_calls.about(m_current);
+    Self().SetText(m_current < 0 ? "Filter" : "Filter: " + m_column.heading);
+    const auto operators = Item<framework::ComboBox>(IDC_FILTER_OPERATOR);
+    operators.Clear();
+    for (const OperatorName& known : OperatorsFor(m_column.type, m_column.content)) {
+        operators.Add(std::string(known.name));
+        if (m_column.now && m_column.now->id == known.id) operators.Select(operators.Count() - 1);
+    }
+    if (operators.Selected() < 0) operators.Select(0);
+    if (m_column.now) {
+        Item(IDC_FILTER_VALUE).SetText(m_column.now->value);
+        Item(IDC_FILTER_SECOND).SetText(m_column.now->second);
+    }
+    Item(IDC_FILTER_CLEAR).Enable(m_column.now.has_value());
+    ShowValues();
+}
+
+void FilterDialog::ShowValues() const {
+    const int values = ValuesOf(Read().id);
+    for (const int id : {IDC_FILTER_VALUE_LABEL, IDC_FILTER_VALUE})
+        Item(id).Show(values > 0);
+    for (const int id : {IDC_FILTER_SECOND_LABEL, IDC_FILTER_SECOND})
+        Item(id).Show(values > 1);
 }
 
 FilterInput FilterDialog::Read() const {
-    const auto known = OperatorsFor(m_type);
+    const auto known = OperatorsFor(m_column.type, m_column.content);
     const auto chosen = static_cast<std::size_t>(Item<framework::ComboBox>(IDC_FILTER_OPERATOR).Selected());
     return {known[chosen < known.size() ? chosen : 0].id, Item(IDC_FILTER_VALUE).Text(),
             Item(IDC_FILTER_SECOND).Text()};
@@ -111,27 +125,62 @@ bool FilterDialog::OnCommand(const framework::Command& command) {
     case IDC_FILTER_CLEAR:
         Finish(nullptr);
         return true;
+    case IDC_FILTER_COLUMN:
+        if (command.notification == CBN_SELCHANGE) ShowColumn();
+        return true;
     case IDC_FILTER_OPERATOR:
-        if (command.notification == CBN_SELCHANGE) ShowSecond();
+        if (command.notification == CBN_SELCHANGE) ShowValues();
         return true;
     default:
         return false;
     }
 }
 
+void FilterDialog::Tell(const std::string& fault, int id) {
+    m_fault.Tell(fault, framework::Meaning::bad);
+    Item(id).Focus();
+}
+
 void FilterDialog::Accept() {
+    if (m_current < 0) return Tell("Choose the column.", IDC_FILTER_COLUMN);
     const FilterInput input = Read();
     const std::string fault = ColumnFilter::FaultOf(input);
     if (fault.empty()) return Finish(&input);
-    m_fault.Tell(fault, framework::Meaning::bad);
-    Item(IDC_FILTER_VALUE).Focus();
+    Tell(fault, IDC_FILTER_VALUE);
     Item(IDC_FILTER_VALUE).Send(EM_SETSEL, 0, -1);
 }
 
 void FilterDialog::Finish(const FilterInput* input) {
-    const Chosen chosen = std::move(m_chosen);
+    const auto chosen = m_calls.chosen;
+    const std::int32_t column = m_current;
     Destroy();
-    if (chosen) chosen(input);
+    chosen(column, input);
+}
+
+ViewDialog::ViewDialog(std::weak_ptr<void> owner, Named named)
+    : CQVDialog(std::move(owner), IDD_KORVEX_VIEW, "View"), m_named(std::move(named)) {}
+
+void ViewDialog::Show(HWND list, const std::string& name) {
+    m_name = name;
+    Open(list);
+}
+
+void ViewDialog::OnInit() {
+    CQVDialog::OnInit();
+    constexpr WPARAM mostLetters = 60;
+    Item(IDC_VIEW_NAME).Send(EM_LIMITTEXT, mostLetters);
+    Item(IDC_VIEW_NAME).SetText(m_name);
+    Item(IDC_VIEW_NAME).Send(EM_SETSEL, 0, -1);
+}
+
+bool ViewDialog::OnCommand(const framework::Command& command) {
+    if (command.id != IDOK) return false;
+    const std::string name(Trimmed(Item(IDC_VIEW_NAME).Text()));
+    if (name.empty()) return true;
+    const Named named = m_named;
+    Destroy();
+    named(name);
+    return true;
 }
 
 FindDialog::FindDialog(std::weak_ptr<void> owner, Step step)
@@ -146,6 +195,16 @@ void FindDialog::OnInit() {
     CQVDialog::OnInit();
     Item(IDC_FIND_TEXT).SetText(m_text);
     Item(IDC_FIND_TEXT).Send(EM_SETSEL, 0, -1);
+}
+
+void FindDialog::Uncover(const RECT& place) const {
+    RECT box{}, both{};
+    if (!HasWindow() || !GetWindowRect(Handle(), &box) || !IntersectRect(&both, &box, &place)) return;
+    const RECT area = framework::WorkArea(Handle());
+    const LONG height = box.bottom - box.top;
+    const LONG top =
+        place.bottom + height <= area.bottom ? place.bottom : std::max(area.top, place.top - height);
+    SetWindowPos(Handle(), nullptr, box.left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 bool FindDialog::OnCommand(const framework::Command& command) {

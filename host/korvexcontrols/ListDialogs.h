@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvex {
 
@@ -39,27 +40,55 @@ private:
 // Asks for the filter of one column.
 class FilterDialog final : public CQVDialog {
 public:
-    // The filter that was chosen; null when there is to be none.
-    using Chosen = std::function<void(const FilterInput*)>;
+    struct Column {
+        std::string heading;
+        ValueType type, content;
+        std::optional<FilterInput> now;
+    };
+    struct Calls {
+        std::function<Column(std::int32_t)> about;
+        // The filter that was chosen; null when there is to be none.
+        std::function<void(std::int32_t, const FilterInput*)> chosen;
+    };
 
-    FilterDialog(std::weak_ptr<void> owner);
+    FilterDialog(std::weak_ptr<void> owner, Calls calls);
 
-    // The box is not modal: it goes with the list's window.
-    void Ask(HWND list, const std::string& heading, ValueType type, const FilterInput* now, Chosen chosen);
+    // The box is not modal: it goes with the list's window. Without a current column (-1) it asks for that
+    // first.
+    void Ask(HWND list, std::vector<std::int32_t> columns, std::int32_t current);
 
 private:
     void OnInit() override;
     bool OnCommand(const framework::Command& command) override;
-    void ShowSecond() const;
+    void ShowColumn();
+    void ShowValues() const;
     FilterInput Read() const;
+    void Tell(const std::string& fault, int id);
     void Accept();
     void Finish(const FilterInput* input);
 
-    std::string m_heading;
-    ValueType m_type = ValueType::text;
-    std::optional<FilterInput> m_now;
-    Chosen m_chosen;
+    Calls m_calls;
+    std::vector<std::int32_t> m_columns;
+    std::int32_t m_current = -1;
+    Column m_column;
     framework::ColorStatic m_fault;
+};
+
+// Asks for the name of a view.
+class ViewDialog final : public CQVDialog {
+public:
+    using Named = std::function<void(const std::string& name)>;
+
+    ViewDialog(std::weak_ptr<void> owner, Named named);
+
+    void Show(HWND list, const std::string& name);
+
+private:
+    void OnInit() override;
+    bool OnCommand(const framework::Command& command) override;
+
+    Named m_named;
+    std::string m_name;
 };
 
 // Looks for a text in the list.
@@ -71,6 +100,8 @@ public:
     FindDialog(std::weak_ptr<void> owner, Step step);
 
     void Show(HWND list, const std::string& text);
+    // Goes out of the way of a place of the screen.
+    void Uncover(const RECT& place) const;
 
 private:
     void OnInit() override;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace korvex {
 namespace {
@@ -50,8 +51,10 @@ void ListHeader::Insert() {
 
 void ListHeader::Apply(const std::vector<int>& order, const std::vector<int>& widths) {
     m_widths = widths;
+    m_stretched = -1;
     SetWidths();
     m_list.Send(LVM_SETCOLUMNORDERARRAY, order.size(), reinterpret_cast<LPARAM>(order.data()));
+    Stretch();
     InvalidateRect(m_list.Handle(), nullptr, TRUE);
 }
 
@@ -63,16 +66,26 @@ void ListHeader::SetWidths() {
 // What was set comes back unchanged, not rounded twice.
 int ListHeader::UsualWidth(std::size_t column) const {
     const auto width = static_cast<int>(m_list.Send(LVM_GETCOLUMNWIDTH, column));
+    if (static_cast<std::int32_t>(column) == m_stretched && width == m_stretchedWidth) return m_widthBefore;
     return width == m_scale(m_widths[column]) ? m_widths[column] : m_scale.Undo(width);
 }
 
-void ListHeader::Save() {
-    if (!m_list || m_columns.empty()) return;
+ColumnsState ListHeader::State() const {
     ColumnsState state{GivenOrder(m_columns.size()), {}};
     m_list.Send(LVM_GETCOLUMNORDERARRAY, state.order.size(), reinterpret_cast<LPARAM>(state.order.data()));
     for (std::size_t i = 0; i < m_columns.size(); ++i)
         state.widths.push_back(UsualWidth(i));
-    std::string line = WriteColumns(state);
+    return state;
+}
+
+void ListHeader::Set(const ColumnsState& state) {
+    Apply(state.order, state.widths);
+    Save();
+}
+
+void ListHeader::Save() {
+    if (!m_list || m_columns.empty()) return;
+    std::string line = WriteColumns(State());
     if (line == m_saved) return;
     WriteRecovered(RecoveryFile::userSettings, kSection, m_name, line);
     m_saved = std::move(line);
@@ -81,8 +94,52 @@ void ListHeader::Save() {
 void ListHeader::Reset() {
     std::vector<int> widths;
     std::ranges::transform(m_columns, std::back_inserter(widths), &Column::width);
-    Apply(GivenOrder(m_columns.size()), widths);
-    Save();
+    Set({GivenOrder(m_columns.size()), widths});
+}
+
+int ListHeader::WidthFor(std::int32_t column, int textWidth) const {
+    const std::string& heading = At(column)->heading;
+    // Beside the heading there is room for the mark of a sort or a filter.
+    const int ofHeading =
+        static_cast<int>(m_list.Send(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(heading.c_str())))
+        + m_scale(14);
+    return m_scale.Undo(std::max(textWidth, ofHeading) + Padding()) + 1;
+}
+
+int ListHeader::RoomIn(std::int32_t column) const {
+    return static_cast<int>(m_list.Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column))) - Padding();
+}
+
+void ListHeader::StretchLastText(bool on) {
+    m_stretches = on;
+    Stretch();
+}
+
+std::int32_t ListHeader::LastText() const {
+    const auto shown = Shown();
+    const auto last = std::find_if(shown.rbegin(), shown.rend(),
+                                   [&](std::int32_t column) { return At(column)->type == ValueType::text; });
+    return last == shown.rend() ? -1 : *last;
+}
+
+void ListHeader::Stretch() {
+    if (!m_stretches || !m_list) return;
+    std::vector<int> widths;
+    int all = 0;
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        widths.push_back(UsualWidth(i));
+        all += m_scale(widths.back());
+    }
+    const std::int32_t before = std::exchange(m_stretched, -1), column = LastText();
+    const int spare = static_cast<int>(m_list.ClientRect().right) - all;
+    if (before >= 0 && (before != column || spare <= 0))
+        m_list.Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(before),
+                    m_scale(widths[static_cast<std::size_t>(before)]));
+    if (column < 0 || spare <= 0) return;
+    m_widthBefore = widths[static_cast<std::size_t>(column)];
+    m_stretchedWidth = m_scale(m_widthBefore) + spare;
+    m_list.Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column), m_stretchedWidth);
+    m_stretched = column;
 }
 
 void ListHeader::Rescale() {
@@ -91,7 +148,9 @@ void ListHeader::Rescale() {
     for (std::size_t i = 0; i < m_widths.size(); ++i)
         m_widths[i] = UsualWidth(i);
     m_scale = scale;
+    m_stretched = -1;
     SetWidths();
+    Stretch();
 }
 
 std::vector<std::int32_t> ListHeader::Shown() const {

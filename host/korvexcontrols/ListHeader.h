@@ -4,6 +4,7 @@
 
 #include "framework/Window.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
+#include "host/korvexcontrols/model/KeptLayout.h"
 #include "host/korvexcontrols/model/SortOrder.h"
 
 #include <functional>
@@ -36,6 +37,16 @@ public:
 
     void Save();
     void Reset();
+    // Order and widths as they are, at 96 DPI and 8 points; a hidden column has none.
+    ColumnsState State() const;
+    void Set(const ColumnsState& state);
+    // The width, so counted, that shows a text of so many pixels whole.
+    int WidthFor(std::int32_t column, int textWidth) const;
+    // The pixels that a text may have in the column.
+    int RoomIn(std::int32_t column) const;
+    // The last text column takes what room the columns leave, without being wider for the user.
+    void StretchLastText(bool on);
+    void Stretch();
     // Fits the columns to the DPI and font that the window has now.
     void Rescale();
     void ShowSort(const std::vector<SortColumn>& sort) const;
@@ -48,6 +59,8 @@ private:
     int UsualWidth(std::size_t column) const;
     void Apply(const std::vector<int>& order, const std::vector<int>& widths);
     void SetWidths();
+    std::int32_t LastText() const;
+    int Padding() const { return m_scale(12); }
     void DrawFunnel(HDC device, RECT cell, bool atLeft) const;
 
     framework::Window m_list;
@@ -55,6 +68,10 @@ private:
     std::string m_name, m_saved;
     std::vector<int> m_widths; // as they were set, at 96 DPI and 8 points
     framework::TextScale m_scale;
+    bool m_stretches = false;
+    std::int32_t m_stretched = -1; // the column that is wider than the user made it
+    int m_stretchedWidth = 0;      // in pixels
+    int m_widthBefore = 0;         // at 96 DPI and 8 points
 };
 
 } // namespace korvex

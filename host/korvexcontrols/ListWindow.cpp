@@ -20,6 +20,7 @@ constexpr UINT kSaveColumns = WM_APP + 1;
 constexpr UINT kCatchUp = WM_APP + 2;
 constexpr std::uint32_t kLargeSelection = 1000;
 constexpr std::size_t kMostRepainted = 64;
+constexpr std::string_view kTooNarrow = "###";
 
 int CopyNarrow(std::string_view text, char* to, int most) {
     const std::size_t length = std::min(text.size(), static_cast<std::size_t>(most));
@@ -88,8 +89,10 @@ bool CFilterListCtrl::Impl::Attach(const Args& args) {
     m_header.Attach(args.list, std::move(columns), m_name);
     constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP;
     SendMessageA(args.list, LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
+    RestoreSeen();
     m_header.ShowSort(m_model.Rows().Sort());
     m_sync.Attach(args.list);
+    WorkLater();
     return true;
 }
 
@@ -109,6 +112,9 @@ void CFilterListCtrl::Impl::OnGone() {
     m_header.Detach();
     if (m_filterDialog) m_filterDialog->Destroy();
     if (m_findDialog) m_findDialog->Destroy();
+    if (m_columnsDialog) m_columnsDialog->Destroy();
+    if (m_viewDialog) m_viewDialog->Destroy();
+    m_works = false;
 }
 
 void CFilterListCtrl::Impl::Cells(std::span<const std::uint32_t> records, std::int32_t column,
@@ -124,15 +130,21 @@ void CFilterListCtrl::Impl::Cells(std::span<const std::uint32_t> records, std::i
 
 void CFilterListCtrl::Impl::TellShownRowsChanged() {
     if (m_owner && m_face) m_owner->ShownRowsChanged(m_face);
+    if (const std::string text = EmptyText(); text != m_shownEmptyText) {
+        m_shownEmptyText = text;
+        if (Handle()) InvalidateRect(Handle(), nullptr, TRUE);
+    }
 }
 
-void CFilterListCtrl::Impl::Apply(const Operation& operation) {
+void CFilterListCtrl::Impl::Apply(const Operation& operation, std::uint32_t record) {
     if (!m_changes && Handle()) {
         BeginChanges();
         m_behind = true;
         PostMessageA(Handle(), kCatchUp, 0, 0);
     }
     const ListChange change = operation();
+    m_sums.Note(change, record);
+    WorkLater();
     if (change.kind == ListChange::nothing) return;
     NoteRepainted(change);
     TellShownRowsChanged();
@@ -160,29 +172,38 @@ void CFilterListCtrl::Impl::Rearrange(const Operation& operation) {
     if (m_changes) return Apply(operation);
     auto before = m_sync.Remember();
     korvex::ListSync::AnchorFocus(before);
-    operation();
+    m_sums.Note(operation(), kNone);
+    WorkLater();
     m_sync.Follow(before);
     m_sync.RepaintAll();
     m_header.ShowSort(m_model.Rows().Sort());
     m_header.Repaint();
+    KeepSeen();
+    const auto held = Hold();
     TellShownRowsChanged();
+    TellWatcher();
 }
 
 void CFilterListCtrl::Impl::Select(const std::function<void()>& operation) {
     CatchUp();
-    if (m_changes) return operation();
-    const auto before = m_sync.Remember();
-    operation();
-    m_sync.Follow(before);
+    if (m_changes) {
+        operation();
+    } else {
+        const auto before = m_sync.Remember();
+        operation();
+        m_sync.Follow(before);
+    }
+    m_sums.SelectionChanged();
+    WorkLater();
 }
 
 void CFilterListCtrl::Impl::InsertFront(std::uint32_t record, KorvexArrival arrival) {
-    Apply([&] { return m_model.InsertFront(record); });
+    Apply([&] { return m_model.InsertFront(record); }, record);
     m_unasked |= arrival == kKorvexUnasked;
 }
 
 void CFilterListCtrl::Impl::Remove(std::uint32_t record) {
-    Apply([&] { return m_model.Remove(record); });
+    Apply([&] { return m_model.Remove(record); }, record);
 }
 
 void CFilterListCtrl::Impl::RemoveAll() {
@@ -190,7 +211,7 @@ void CFilterListCtrl::Impl::RemoveAll() {
 }
 
 void CFilterListCtrl::Impl::Repaint(std::uint32_t record) {
-    Apply([&] { return m_model.Repaint(record); });
+    Apply([&] { return m_model.Repaint(record); }, record);
 }
 
 void CFilterListCtrl::Impl::SetOwnerFilter(std::int32_t column, const char* text) {
@@ -224,7 +245,16 @@ void CFilterListCtrl::Impl::Deselect(std::uint32_t record) {
 
 std::string_view CFilterListCtrl::Impl::CellAt(int row, int column) {
     const std::uint32_t record = row < 0 ? kNone : m_model.ShownAt(static_cast<std::uint32_t>(row));
-    return record == kNone ? std::string_view() : Cell(record, column);
+    if (record == kNone) return {};
+    const std::string_view cell = Cell(record, column);
+    return m_painting && IsCutNumber(cell, column) ? kTooNarrow : cell;
+}
+
+bool CFilterListCtrl::Impl::IsCutNumber(std::string_view cell, std::int32_t column) {
+    if (cell.empty() || !korvex::IsNumeric(TypeOf(column)) || !korvex::ReadDecimal(cell)) return false;
+    const std::string text(cell);
+    return SendMessageA(Handle(), LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text.c_str()))
+           > m_header.RoomIn(column);
 }
 
 // The system draws what is selected.
@@ -235,23 +265,6 @@ LRESULT CFilterListCtrl::Impl::DrawRow(NMLVCUSTOMDRAW& draw) {
     const std::uint32_t record = m_model.ShownAt(row);
     if (record != kNone && !m_model.Selection().Contains(row)) ColourRow(draw, m_owner->RowLook(record));
     return CDRF_DODEFAULT;
-}
-
-// Typing finds by the start of the first column from the left.
-int CFilterListCtrl::Impl::FindTyped(const LVFINDINFOA& find, int start) {
-    const auto shown = m_header.Shown();
-    const std::uint32_t count = m_model.ShownCount();
-    if (!(find.flags & (LVFI_STRING | LVFI_PARTIAL)) || !find.psz || shown.empty() || !count) return -1;
-    const std::string_view typed = find.psz;
-    const std::uint32_t from = start > 0 ? static_cast<std::uint32_t>(start) : 0;
-    if (from >= count && !(find.flags & LVFI_WRAP)) return -1;
-    const std::uint32_t steps = find.flags & LVFI_WRAP ? count : count - from;
-    const bool whole = !(find.flags & LVFI_PARTIAL);
-    const std::uint32_t row =
-        m_model.Rows().Find({from, steps, true, std::span(shown).first(1)}, [&](std::string_view cell) {
-            return korvex::StartsWithFolded(cell, typed) && (!whole || cell.size() == typed.size());
-        });
-    return row == kNone ? -1 : static_cast<int>(row);
 }
 
 std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notification) {
@@ -271,9 +284,11 @@ std::optional<LRESULT> CFilterListCtrl::Impl::HandleNotify(const NMHDR& notifica
     }
     case LVN_ITEMCHANGED:
         m_sync.OnItemChanged(reinterpret_cast<const NMLISTVIEW&>(notification));
+        NoteSelection();
         return own();
     case LVN_ODSTATECHANGED:
         m_sync.OnRangeChanged(reinterpret_cast<const NMLVODSTATECHANGE&>(notification));
+        NoteSelection();
         return own();
     case LVN_ODFINDITEMA: {
         const auto& find = reinterpret_cast<const NMLVFINDITEMA&>(notification);
@@ -303,9 +318,8 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
     if (notification.hwndFrom != m_header.Handle()) return std::nullopt;
     switch (notification.code) {
     case NM_CUSTOMDRAW:
-        return m_header.Draw(reinterpret_cast<const NMCUSTOMDRAW&>(notification), [&](std::int32_t column) {
-            return m_model.Rows().Filters().Of(column) != nullptr;
-        });
+        return m_header.Draw(reinterpret_cast<const NMCUSTOMDRAW&>(notification),
+                             [&](std::int32_t column) { return m_model.Rows().Filters().HasAny(column); });
     case NM_RCLICK:
         ShowColumnMenu();
         return 1; // no context menu of the rows besides
@@ -326,6 +340,23 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     switch (message) {
     case kCatchUp:
         return 0;
+    case WM_PAINT:
+    case WM_PRINTCLIENT: {
+        m_painting = true;
+        const LRESULT answer = Default(message, wParam, lParam);
+        m_painting = false;
+        if (message == WM_PAINT) PaintEmptyText();
+        return answer;
+    }
+    case WM_TIMER:
+        if (wParam != kWorkTimer) return std::nullopt;
+        Work();
+        return 0;
+    case WM_SIZE: {
+        const LRESULT answer = Default(message, wParam, lParam);
+        m_header.Stretch();
+        return answer;
+    }
     case WM_KEYDOWN:
         return OnKey(wParam);
     case WM_CHAR:
@@ -338,8 +369,11 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
             DropLargeSelection();
         return std::nullopt;
     case WM_DESTROY:
+        m_header.Save();
+        return std::nullopt;
     case kSaveColumns:
         m_header.Save();
+        m_header.Stretch();
         return std::nullopt;
     case WM_DPICHANGED_AFTERPARENT:
         m_header.Rescale();
@@ -356,15 +390,6 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     default:
         return std::nullopt;
     }
-}
-
-void CFilterListCtrl::Impl::OnMouseDown(POINT place) {
-    LVHITTESTINFO hit{};
-    hit.pt = place;
-    SendMessageA(Handle(), LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-    m_clickedRecord = hit.iItem < 0 ? kNone : m_model.ShownAt(static_cast<std::uint32_t>(hit.iItem));
-    ClientToScreen(Handle(), &place);
-    if (const std::int32_t column = m_header.ColumnAt(place); column >= 0) m_clickedColumn = column;
 }
 
 void CFilterListCtrl::Impl::DropLargeSelection() {

@@ -6,18 +6,22 @@
 
 #include "framework/MessageBoxes.h"
 #include "framework/Subclass.h"
+#include "host/korvexcontrols/ColumnsDialog.h"
 #include "host/korvexcontrols/ListDialogs.h"
 #include "host/korvexcontrols/ListHeader.h"
 #include "host/korvexcontrols/ListSync.h"
 #include "host/korvexcontrols/model/Export.h"
-#include "sdk/korvex/FilterListCtrl.h"
+#include "host/korvexcontrols/model/ListSums.h"
+#include "sdk/korvex/ListExtras.h"
 
 // Of a key, while a message of the keyboard or the mouse is handled.
 inline bool IsDown(int key) {
     return GetKeyState(key) < 0;
 }
 
-class CFilterListCtrl::Impl final : private korvex::CellSource, private framework::Subclass {
+class CFilterListCtrl::Impl final : public KorvexListExtras,
+                                    private korvex::CellSource,
+                                    private framework::Subclass {
 public:
     // Lives until Release, and as long as somebody holds it.
     static Impl* Make(CFilterListCtrl& face);
@@ -45,9 +49,26 @@ public:
     bool HandleCommand(std::uint32_t command);
     std::optional<LRESULT> HandleNotify(const NMHDR& notification);
 
+    void Watch(KorvexListWatcher* watcher) noexcept override { m_watcher = watcher; }
+    void SetEmptyText(const char* text) noexcept override;
+    void SumBy(std::int32_t side, std::int32_t amount, std::int32_t quantity) noexcept override;
+    std::int32_t Sums(std::int32_t selected, KorvexSide* sides, std::int32_t capacity) noexcept override;
+    void SetConditions(const KorvexCondition* conditions, std::int32_t count) noexcept override;
+    const char* ViewName() noexcept override;
+    void StretchLastText(std::int32_t on) noexcept override;
+
 private:
+    static constexpr UINT_PTR kWorkTimer = 0x4B01; // the control has others of its own
     using Operation = std::function<korvex::ListChange()>;
     struct Entry;
+    struct Condition {
+        std::string name;
+        bool isSwitch, isPossible, holds;
+    };
+    // A view that the user has made.
+    struct View {
+        std::string name, line;
+    };
 
     void Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -56,7 +77,7 @@ private:
 
     // Runs the operation on the model. The window follows before anything else reaches it: a stream of changes
     // costs it one step.
-    void Apply(const Operation& operation);
+    void Apply(const Operation& operation, std::uint32_t record = korvex::kNone);
     void CatchUp();
     // Runs an operation that changes filters or sort.
     void Rearrange(const Operation& operation);
@@ -64,7 +85,25 @@ private:
     void TellShownRowsChanged();
     void NoteRepainted(const korvex::ListChange& change);
 
+    // The sums are made bit by bit, while nothing else waits.
+    void WorkLater();
+    void Work();
+    void NoteSelection();
+    void TellWatcher();
+    // What the user sees of the rows is kept, and comes back.
+    korvex::RowsState Seen() const;
+    void KeepSeen();
+    void See(const korvex::RowsState& state);
+    void RestoreSeen();
+    void HoldConditions(const korvex::RowsState& state);
+    void ApplyConditions();
+    korvex::RowFilters::Condition ConditionNow();
+    void PaintEmptyText();
+    std::string EmptyText() const;
+
     std::string_view CellAt(int row, int column);
+    // The user must not take a number that is cut for another.
+    bool IsCutNumber(std::string_view cell, std::int32_t column);
     LRESULT DrawRow(NMLVCUSTOMDRAW& draw);
     int FindTyped(const LVFINDINFOA& find, int start);
     std::optional<LRESULT> OnKey(WPARAM key);
@@ -74,6 +113,19 @@ private:
 
     static std::span<const Entry> Entries();
     void AppendEntries(HMENU menu, bool ofColumnOnly);
+    void AppendViews(HMENU menu);
+    bool HandleViewCommand(std::uint32_t command);
+    std::vector<View> KeptViews() const;
+    void KeepView(std::size_t place, const View& view) const;
+    void SaveView(const std::string& name);
+    void AskForView();
+    void DeleteView();
+    void ShowAllRows();
+    void OpenColumns();
+    int FittingWidth(std::int32_t column);
+    void AskForFilterByKey();
+    korvex::FilterDialog::Column About(std::int32_t column);
+    void UncoverFound(std::uint32_t row);
     void ShowColumnMenu();
     korvex::ValueType TypeOf(std::int32_t column) const;
     std::optional<korvex::FilterInput> FilterByThisCell();
@@ -93,7 +145,7 @@ private:
     void SortDescending() { SortBy(true); }
     void SortNaturally();
     void Export();
-    void ResetColumns() { m_header.Reset(); }
+    void ResetColumns();
 
     CFilterListCtrl* m_face = nullptr;
     CListOwner* m_owner = nullptr;
@@ -114,8 +166,19 @@ private:
     // A menu is about the cell clicked last; one opened by keyboard is about the focused row.
     std::uint32_t m_clickedRecord = korvex::kNone;
     std::int32_t m_clickedColumn = 0;
+    bool m_columnIsChosen = false; // by a click
     std::string m_searched;
+    std::uint32_t m_found = korvex::kNone; // the last hit, from which the search goes on
+    KorvexListWatcher* m_watcher = nullptr;
+    korvex::ListSums m_sums{m_model, *this};
+    bool m_works = false; // the timer of the sums runs
+    std::vector<Condition> m_conditions;
+    korvex::RowsState m_wanted; // as kept; conditions may be told later
+    std::string m_savedSeen, m_viewName, m_viewNames, m_emptyText, m_shownEmptyText;
+    bool m_painting = false;
     std::optional<korvex::FilterDialog> m_filterDialog;
     std::optional<korvex::FindDialog> m_findDialog;
+    std::optional<korvex::ColumnsDialog> m_columnsDialog;
+    std::optional<korvex::ViewDialog> m_viewDialog;
     framework::MessageBoxes m_boxes{"Export"};
 };

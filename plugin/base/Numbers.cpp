@@ -114,15 +114,20 @@ std::string FormatRupees(std::int64_t paise) {
 }
 
 std::string GroupedRupees(std::int64_t paise) {
-    const std::uint64_t size =
-        paise < 0 ? 0 - static_cast<std::uint64_t>(paise) : static_cast<std::uint64_t>(paise);
-    std::string text = Format("%llu.%02llu", static_cast<unsigned long long>(size / 100),
-                              static_cast<unsigned long long>(size % 100));
-    // Three digits before the point, then groups of two.
-    constexpr std::size_t pointAndPaise = 3, firstGroup = 3, group = 2;
-    for (std::size_t at = pointAndPaise + firstGroup; at < text.size(); at += group + 1)
+    const std::int64_t rupees = paise / 100;
+    const auto rest = static_cast<int>(paise % 100);
+    return (paise < 0 && rupees == 0 ? "-" : "") + GroupedCount(rupees)
+           + Format(".%02d", rest < 0 ? -rest : rest);
+}
+
+// Three digits, then groups of two.
+std::string GroupedCount(std::int64_t count) {
+    constexpr std::size_t firstGroup = 3, group = 2;
+    std::string text = Format("%lld", static_cast<long long>(count));
+    const std::size_t sign = count < 0 ? 1 : 0;
+    for (std::size_t at = firstGroup; at + sign < text.size(); at += group + 1)
         text.insert(text.size() - at, ",");
-    return paise < 0 ? "-" + text : text;
+    return text;
 }
 
 bool CheckPriceRange(std::string_view price, std::string& message, const ScripDetails* details,

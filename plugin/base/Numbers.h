@@ -23,6 +23,8 @@ bool AllDigits(std::string_view text);
 // plug-in's own; the second is for where "Rs" stands elsewhere.
 std::string FormatRupees(std::int64_t paise);
 std::string GroupedRupees(std::int64_t paise);
+// "1,00,000".
+std::string GroupedCount(std::int64_t count);
 
 // How the exchange counts a scrip's prices.
 struct PriceScale {

@@ -75,6 +75,9 @@ public:
     // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
     // stand in the basket.
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
+    // Orders without tokens and serial numbers, as if they had been entered one by one. How many came in: the
+    // host does not know every scrip.
+    std::size_t Add(Pass pass, std::vector<sSipOrderData> orders);
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
     void Export();
@@ -108,7 +111,15 @@ private:
 
         bool operator==(const Pressed&) const = default;
     };
+    struct ComingOrder {
+        FormOrder order;
+        OrderPlace place; // of the record; kNoOrder for one that was never sent
+    };
 
+    // With what the host knows of its scrip; none when it does not know it.
+    std::optional<FormOrder> Complete(Pass pass, sSipOrderData order) const;
+    // One step of the history.
+    std::size_t TakeIn(const std::vector<ComingOrder>& orders);
     void Save(const std::function<std::string()>& text);
     Pressed Press() const;
     void AddAgain();

@@ -63,6 +63,13 @@ void BasketReader::Reject(const BasketLines::Line& line, const BasketTexts& colu
     m_sink.OnRejected(rejected, columns);
 }
 
+BeginReading ReadingOf(std::string text) {
+    return [kept = std::make_shared<const std::string>(std::move(text))](
+               const BasketRules& rules, ScripSource& scrips, BasketSink& sink) {
+        return std::make_unique<BasketReader>(kept, rules, scrips, sink);
+    };
+}
+
 void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
     for (const BasketField field : kBasketColumns)
         text.append(row.Text(field)).push_back(',');

@@ -4,13 +4,17 @@
 
 #include "base/Text.h"
 #include "plugin/basket/BasketLine.h"
+#include "plugin/basket/BasketReading.h"
 #include "plugin/basket/BasketRows.h"
 #include "plugin/basket/BasketView.h"
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace planfold {
@@ -36,15 +40,6 @@ private:
     std::string_view m_rest;
 };
 
-// A line that did not become a row.
-struct RejectedLine {
-    int number;         // from 1
-    std::string text;   // as it was read, without its end; may hold zeros
-    std::string reason; // may be empty
-    // What is said about it: the line up to a zero, "failed to load" and why.
-    std::string report;
-};
-
 // The lines that a load rejected, as they came.
 struct RejectedLines {
     std::vector<RejectedLine> lines;
@@ -54,41 +49,32 @@ struct RejectedLines {
     std::string Text() const;
 };
 
-// What a load brings, line by line.
-class BasketSink {
-public:
-    // The texts live during the call only.
-    virtual void OnRow(const BasketTexts& texts) = 0;
-    // `columns` are the line's, as far as it had the file's format.
-    virtual void OnRejected(const RejectedLine& line, const BasketTexts& columns) = 0;
-    // A text for the user, at once.
-    virtual void OnNotice(std::string_view text) = 0;
-    // A line for the log.
-    virtual void OnLog(std::string_view text) = 0;
-
-protected:
-    ~BasketSink() = default;
-};
-
-class BasketReader {
+class BasketReader final : public BasketReading {
 public:
     // The text, the rules and the others outlive the load.
     BasketReader(std::string_view text, const BasketRules& rules, ScripSource& scrips, BasketSink& sink)
-        : m_lines(text), m_check(rules, scrips), m_sink(sink) {}
+        : m_size(text.size()), m_lines(text), m_check(rules, scrips), m_sink(sink) {}
+    // Holds the text.
+    BasketReader(std::shared_ptr<const std::string> text, const BasketRules& rules, ScripSource& scrips,
+                 BasketSink& sink)
+        : BasketReader(*text, rules, scrips, sink) {
+        m_held = std::move(text);
+    }
 
-    // At most so many lines; false when the file is at its end.
-    bool Read(std::size_t lines);
+    bool Read(std::size_t lines) override;
 
-    int LinesRead() const { return m_number; }
-    std::size_t CharactersLeft() const { return m_lines.CharactersLeft(); }
-    std::size_t RowsLoaded() const { return m_rows; }
-    // Of the line rejected last; empty without one, or when it had none.
-    const std::string& LastReason() const { return m_lastReason; }
+    int LinesRead() const override { return m_number; }
+    std::size_t RowsLoaded() const override { return m_rows; }
+    const std::string& LastReason() const override { return m_lastReason; }
+    std::size_t Done() const override { return m_size - m_lines.CharactersLeft(); }
+    std::size_t Total() const override { return m_size; }
 
 private:
     void ReadLine(const BasketLines::Line& line);
     void Reject(const BasketLines::Line& line, const BasketTexts& columns, std::string reason, bool hasNumber);
 
+    std::shared_ptr<const std::string> m_held;
+    std::size_t m_size;
     BasketLines m_lines;
     BasketCheck m_check;
     BasketSink& m_sink;
@@ -97,6 +83,9 @@ private:
     std::size_t m_rows = 0;
     std::string m_lastReason;
 };
+
+// Of a basket file's text.
+BeginReading ReadingOf(std::string text);
 
 // One line of an exported file, with its line feed.
 void AppendBasketLine(const sBasketOrderData& row, std::string& text);

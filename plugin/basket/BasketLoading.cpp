@@ -23,20 +23,21 @@ ScripNames HostScrips::Names(std::string_view exchange, std::string_view series,
     return AskScripNames(m_pass.value(), m_session, exchange, series, symbol);
 }
 
-BasketLoading::BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target)
-    : m_session(session), m_text(std::move(text)), m_rules(std::move(rules)), m_scrips(session),
-      m_target(target), m_load(m_text, m_rules, m_scrips, *this) {}
+BasketLoading::BasketLoading(const Session& session, const BeginReading& reading, BasketRules rules,
+                             const Target& target)
+    : m_session(session), m_rules(std::move(rules)), m_scrips(session), m_target(target),
+      m_load(reading(m_rules, m_scrips, *this)) {}
 
 bool BasketLoading::Step(Pass pass) {
     m_scrips.Admit(pass);
     // Each line may ask the host, which may bring the end of the load.
     for (int line = 0; line < kLinesAtOnce; ++line)
-        if (m_stopped || m_session.Ended() || !m_load.Read(1)) return false;
+        if (m_stopped || m_session.Ended() || !m_load->Read(1)) return false;
     return true;
 }
 
 void BasketLoading::OnRow(const BasketTexts& texts) {
-    const RecordId row = m_target.rows.AddLoaded(texts, m_load.LinesRead());
+    const RecordId row = m_target.rows.AddLoaded(texts, m_load->LinesRead());
     KnowAgain(row, texts);
     m_target.list.InsertFront(row);
 }

@@ -37,7 +37,7 @@ public:
         std::vector<RejectedLine>& rejected;
     };
 
-    BasketLoading(const Session& session, std::string text, BasketRules rules, const Target& target);
+    BasketLoading(const Session& session, const BeginReading& reading, BasketRules rules, const Target& target);
     BasketLoading(const BasketLoading&) = delete;
     BasketLoading& operator=(const BasketLoading&) = delete;
 
@@ -49,11 +49,7 @@ public:
     void Stop() { m_stopped = true; }
     bool Stopped() const { return m_stopped; }
 
-    int LinesRead() const { return m_load.LinesRead(); }
-    std::size_t RowsLoaded() const { return m_load.RowsLoaded(); }
-    std::size_t CharactersRead() const { return m_text.size() - m_load.CharactersLeft(); }
-    std::size_t Characters() const { return m_text.size(); }
-    const std::string& LastReason() const { return m_load.LastReason(); }
+    const BasketReading& Reading() const { return *m_load; }
     // What the checks had to say beside the reasons.
     std::string Notices() const { return m_notices.Text(); }
 
@@ -66,14 +62,13 @@ private:
     void KnowAgain(RecordId row, const BasketTexts& texts);
 
     const Session& m_session;
-    std::string m_text;
     BasketRules m_rules;
     HostScrips m_scrips;
     Target m_target;
     StartDates m_startDates;
     KeptTexts m_notices;
     std::string m_notice; // the last
-    BasketReader m_load;
+    std::unique_ptr<BasketReading> m_load;
     bool m_stopped = false;
 };
 

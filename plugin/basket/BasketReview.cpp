@@ -4,7 +4,6 @@
 #include "plugin/base/Text.h"
 #include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/DuplicateGuard.h"
-#include "plugin/orderentry/PlannedDates.h"
 
 #include <algorithm>
 #include <iterator>
@@ -94,10 +93,11 @@ public:
             if (client.empty() || IsUnknownClient(pass, m_session, client))
                 Add(ReviewKind::warning, client.empty() ? "No client" : "The terminal does not know the client",
                     line);
+        const ClosedDays closed = m_session.ClosedDays();
         for (auto& [seconds, line] : groups[3]) {
             const LocalDateTime date = ToLocal(LeadingInteger(seconds));
             line.of = FormatPickerDate(date);
-            if (IsNonTradingDay(date, m_session.m_pNonTradingDates))
+            if (const auto day = DayOf(date); day && closed.Has(*day))
                 Add(ReviewKind::note, "Starts on a day without trading", line);
         }
         for (const auto& each : groups)

@@ -30,23 +30,41 @@ void BasketRuns::LoadFile() {
     auto text = m_view.ReadFile(m_path);
     if (!text) return m_view.ShowLast("File Open Error");
     if (base::IsUtf16(*text)) return m_view.ShowLast(Format("The basket cannot be read: %s.", kUtf16Fault));
-    const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
-    if (unsent > 0
-        && !m_questions.Ask(
-            Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
-            m_loadAgain))
-        return;
-    BeginLoading(std::move(*text), m_form.Rules(m_view.Now()));
+    if (MayReplaceRows(m_loadAgain)) BeginLoading(ReadingOf(std::move(*text)), m_form.Rules(m_view.Now()));
 }
 
-void BasketRuns::BeginLoading(std::string text, BasketRules rules) {
+bool BasketRuns::MayReplaceRows(const Act& again) {
+    const std::size_t unsent = m_view.List().RowCount() - m_rows.SentCount();
+    return unsent == 0
+           || m_questions.Ask(
+               Format("Orders in the basket that were not sent: %zu.\nLoad the file in their place?", unsent),
+               again);
+}
+
+void BasketRuns::Import() {
+    if (IsBusy()) return;
+    auto choice =
+        m_questions.Alone([&](Pass pass) { return m_view.AskImport(pass, m_form.Rules(m_view.Now())); })
+            .value_or(std::nullopt);
+    if (!choice) return;
+    m_path = std::move(choice->path);
+    m_import = std::move(choice->begin);
+    ImportFile();
+}
+
+void BasketRuns::ImportFile() {
+    if (MayReplaceRows(m_importAgain))
+        BeginLoading(std::exchange(m_import, nullptr), m_form.Rules(m_view.Now()));
+}
+
+void BasketRuns::BeginLoading(const BeginReading& reading, BasketRules rules) {
     BasketList& list = m_view.List();
     m_history.BeginLoad(m_path.substr(m_path.find_last_of("\\/") + 1));
     m_session.record.Refresh();
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
     m_view.ShowPanel();
-    m_loading = std::make_shared<BasketLoading>(m_session, std::move(text), std::move(rules),
+    m_loading = std::make_shared<BasketLoading>(m_session, reading, std::move(rules),
                                                 BasketLoading::Target{m_rows, list, m_rejected.lines});
     RunFor(kFirstPortionMs);
     if (IsUnderWay()) m_view.ShowRun();
@@ -60,13 +78,13 @@ void BasketRuns::EndLoading() {
     m_view.ShowRun();
     m_view.ShowStatus();
     m_view.ShowPanel();
-    std::string texts[] = {loading->Notices(), loading->LastReason(), {}};
+    std::string texts[] = {loading->Notices(), loading->Reading().LastReason(), {}};
     if (m_bringsBack) {
         if (!m_life.Across([&](Pass) { texts[2] = EndBringingBack(loading->Stopped()); })) return;
     } else {
         if (loading->Stopped())
             texts[2] = Format("Loading was stopped: %d lines were read, %zu of them are in the list.",
-                              loading->LinesRead(), loading->RowsLoaded());
+                              loading->Reading().LinesRead(), loading->Reading().RowsLoaded());
         if (!KeepUnsent()) return;
     }
     for (const std::string& text : texts)
@@ -175,17 +193,17 @@ void BasketRuns::Stop() {
 }
 
 std::string BasketRuns::Progress() const {
-    if (m_loading) return Format("Loading: %d lines", m_loading->LinesRead());
+    if (m_loading) return Format("Loading: %d lines", m_loading->Reading().LinesRead());
     return Format("%s %zu of %zu", m_placing->IsSending() ? "Placing" : "Preparing", m_placing->Tried(),
                   m_placing->Total());
 }
 
 std::size_t BasketRuns::Done() const {
-    return m_loading ? m_loading->CharactersRead() : m_placing->Tried();
+    return m_loading ? m_loading->Reading().Done() : m_placing->Tried();
 }
 
 std::size_t BasketRuns::Total() const {
-    return m_loading ? m_loading->Characters() : m_placing->Total();
+    return m_loading ? m_loading->Reading().Total() : m_placing->Total();
 }
 
 } // namespace planfold

@@ -26,6 +26,8 @@ public:
     // Once the window stands: asks what becomes of the orders that an earlier session did not send.
     void OfferUnsent();
     void Load();
+    // As Load, of a file of any form, once its columns are settled.
+    void Import();
     // Which rows a placing is about.
     enum class Placed { all, selected, unsent, refused };
     void Place(Placed which = Placed::all);
@@ -63,7 +65,9 @@ private:
     static constexpr std::int64_t kPortionMs = 50;
 
     void LoadFile();
-    void BeginLoading(std::string text, BasketRules rules);
+    void ImportFile();
+    bool MayReplaceRows(const Act& again);
+    void BeginLoading(const BeginReading& reading, BasketRules rules);
     void RunFor(std::int64_t milliseconds);
     void EndLoading();
     // Those that are to be placed; none when that is not clear, or nothing is to be.
@@ -90,6 +94,7 @@ private:
     BasketHistory& m_history;
     const Act m_offerAgain{[this] { OfferUnsent(); }};
     const Act m_loadAgain{[this] { LoadFile(); }};
+    const Act m_importAgain{[this] { ImportFile(); }};
     const Act m_placeAgain[4] = {{[this] { Place(Placed::all); }},
                                  {[this] { Place(Placed::selected); }},
                                  {[this] { Place(Placed::unsent); }},
@@ -101,6 +106,7 @@ private:
     std::shared_ptr<BasketPlacing> m_placing;
     UnansweredRows m_unanswered;
     std::string m_path; // of the file to load
+    BeginReading m_import;
     // Those that a placing sent before it was stopped, by serial number, and how many it was of.
     std::vector<std::int32_t> m_stoppedSent;
     std::size_t m_stoppedTotal = 0;

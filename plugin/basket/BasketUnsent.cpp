@@ -77,7 +77,7 @@ void BasketRuns::OfferUnsent() {
     if (choice == Choice::no) return KeepUnsentLast();
     m_bringsBack = true;
     m_path = "PlanfoldBasket.csv";
-    BeginLoading(std::move(*text), m_form.RulesOfUnsent(m_view.Now()));
+    BeginLoading(ReadingOf(std::move(*text)), m_form.RulesOfUnsent(m_view.Now()));
 }
 
 // What there is to tell.
@@ -89,6 +89,8 @@ std::string BasketRuns::EndBringingBack(bool stopped) {
     std::string aside;
     if (!m_rejected.lines.empty()) aside = m_view.Unsent().SaveAside(m_rejected.Text(), m_view.Now());
     m_bringsBack = false;
+    // Nothing stood there before that an undo could bring, and what is kept would go.
+    m_history.Clear();
     m_unsentSettled = m_rejected.lines.empty() || !aside.empty();
     KeepUnsentLast();
     return aside.empty() ? aside : "The orders that cannot be taken back are in\n" + aside;

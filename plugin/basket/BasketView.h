@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/base/LongRun.h"
+#include "plugin/basket/BasketReading.h"
 #include "plugin/controls/DialogView.h"
 
 #include <cstdint>
@@ -54,6 +55,12 @@ protected:
 
 enum class Choice { yes, no, cancel };
 
+// A file whose columns are settled.
+struct ImportChoice {
+    std::string path;
+    BeginReading begin;
+};
+
 class BasketView : public DialogView {
 public:
     virtual BasketList& List() = 0;
@@ -69,6 +76,8 @@ public:
     virtual std::optional<std::string> AskLoadPath(Pass pass) = 0;
     virtual std::optional<std::string> AskExportPath(Pass pass) = 0;
     virtual std::optional<std::string> AskRejectsPath(Pass pass) = 0;
+    // Lets the user choose a file of any form and say how its columns are read; none when the user does not.
+    virtual std::optional<ImportChoice> AskImport(Pass pass, const BasketRules& rules) = 0;
     // None when it cannot be opened or read.
     virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
     // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's

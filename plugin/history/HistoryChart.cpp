@@ -64,6 +64,11 @@ std::vector<std::size_t> ByTime(std::span<const sOrderHistory> orders) {
     return places;
 }
 
+std::int64_t InPaise(double rupees) {
+    constexpr double most = 9e16;
+    return std::llround(std::min(rupees, most) * 100);
+}
+
 ChartBar Joined(std::span<const ChartBar> orders) {
     ChartBar bar{orders.front().from, orders.back().to, orders.size()};
     for (const ChartBar& order : orders)
@@ -74,14 +79,27 @@ ChartBar Joined(std::span<const ChartBar> orders) {
 
 } // namespace
 
+std::vector<ChartBar> JoinedBars(std::span<const ChartBar> bars, std::size_t most) {
+    if (bars.empty() || most == 0) return {};
+    const std::size_t together = (bars.size() + most - 1) / most;
+    std::vector<ChartBar> joined;
+    for (std::size_t i = 0; i < bars.size(); i += together)
+        joined.push_back(Joined(bars.subspan(i, std::min(together, bars.size() - i))));
+    return joined;
+}
+
+ChartPart PartOf(const sOrderHistory& order) {
+    const double filled = Positive(order[HistoryField::tradedQuantity]);
+    return KindOf(order, filled, std::max(Positive(order[HistoryField::quantity]), filled));
+}
+
 double ChartBar::Total() const {
     return std::accumulate(values.begin(), values.end(), 0.0);
 }
 
 HistoryChart::HistoryChart(std::span<const sOrderHistory> orders) {
     const auto hasPrice = [](const sOrderHistory& order) { return PriceOf(order) > 0; };
-    const bool inRupees = !orders.empty() && std::ranges::all_of(orders, hasPrice);
-    if (inRupees) m_measure = "Amount";
+    m_inRupees = !orders.empty() && std::ranges::all_of(orders, hasPrice);
     for (const std::size_t place : ByTime(orders)) {
         const sOrderHistory& order = orders[place];
         const double filled = Positive(order[HistoryField::tradedQuantity]);
@@ -90,25 +108,20 @@ HistoryChart::HistoryChart(std::span<const sOrderHistory> orders) {
         ++m_counts[static_cast<std::size_t>(kind)];
         const std::string date = DateOf(order[HistoryField::placementTime]);
         ChartBar& bar = m_orders.emplace_back(ChartBar{date, date, 1});
-        const double price = inRupees ? PriceOf(order) : 1;
+        const double price = m_inRupees ? PriceOf(order) : 1;
         At(bar.values, ChartPart::filled) = filled * price;
         if (kind != ChartPart::filled) At(bar.values, kind) = (quantity - filled) * price;
     }
 }
 
 std::vector<ChartBar> HistoryChart::Bars(std::size_t most) const {
-    if (m_orders.empty() || most == 0) return {};
-    const std::size_t together = (m_orders.size() + most - 1) / most;
-    std::vector<ChartBar> bars;
-    for (std::size_t i = 0; i < m_orders.size(); i += together)
-        bars.push_back(Joined(std::span(m_orders).subspan(i, std::min(together, m_orders.size() - i))));
-    return bars;
+    return JoinedBars(m_orders, most);
 }
 
 std::string HistoryChart::Heading(std::span<const ChartBar> bars) const {
     const std::size_t together = bars.empty() ? 1 : bars.front().orders;
-    const std::string measure = m_measure;
-    return measure + (together == 1 ? " by order" : Format(", %zu orders a bar", together));
+    return std::string(m_inRupees ? "Rupees" : "Quantity")
+           + (together == 1 ? " by order" : Format(", %zu orders a bar", together));
 }
 
 std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
@@ -121,12 +134,20 @@ std::array<std::string, kChartPartCount> HistoryChart::Legend() const {
 std::string HistoryChart::Summary() const {
     if (m_orders.empty()) return "No orders";
     ChartBar all = Joined(m_orders);
+    const char* measure = m_inRupees ? "Amount" : "Quantity";
+    const auto value = [&](double number) {
+        return m_inRupees ? FormatRupees(InPaise(number)) : ValueText(number);
+    };
     std::string text = Format("Orders: %zu, from %s to %s. %s: %s. %s filled: %s.", all.orders,
-                              all.from.c_str(), all.to.c_str(), m_measure, ValueText(all.Total()).c_str(),
-                              m_measure, ValueText(At(all.values, ChartPart::filled)).c_str());
+                              all.from.c_str(), all.to.c_str(), measure, value(all.Total()).c_str(), measure,
+                              value(At(all.values, ChartPart::filled)).c_str());
     for (const std::string& entry : Legend())
         text += " " + entry + ".";
     return text;
+}
+
+std::string HistoryChart::Value(double height) const {
+    return m_inRupees ? RupeeText(height) : ValueText(height);
 }
 
 double ScaleTop(std::span<const ChartBar> bars) {
@@ -138,6 +159,12 @@ double ScaleTop(std::span<const ChartBar> bars) {
     for (const double step : {1.0, 1.5, 2.0, 3.0, 4.0, 6.0, 8.0})
         if (step * power >= highest) return step * power;
     return 10 * power;
+}
+
+std::string RupeeText(double rupees) {
+    std::string text = GroupedRupees(InPaise(rupees));
+    if (text.ends_with(".00")) text.resize(text.size() - 3);
+    return text;
 }
 
 std::string ValueText(double value) {

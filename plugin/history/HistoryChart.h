@@ -1,6 +1,5 @@
 // The instalments of a registration over time, as bars: how much each order asked for and what became of it, in
 // rupees when every order has a price, else in shares.
-// Knows no pixels; whoever paints says how many bars there is room for.
 #pragma once
 
 #include "plugin/history/HistoryRecord.h"
@@ -27,30 +26,52 @@ struct ChartBar {
     double Total() const;
 };
 
-class HistoryChart {
+// They themselves, or when these are more than `most`, every few that follow each other as one.
+std::vector<ChartBar> JoinedBars(std::span<const ChartBar> bars, std::size_t most);
+
+// What is painted. It knows no pixels; whoever paints says how many bars there is room for.
+class BarChart {
+public:
+    virtual std::vector<ChartBar> Bars(std::size_t most) const = 0;
+    // What the height of the bars is counted in.
+    virtual std::string Heading(std::span<const ChartBar> bars) const = 0;
+    // An entry a part; a part without one is in no bar.
+    virtual std::array<std::string, kChartPartCount> Legend() const = 0;
+    // A height, at the scale.
+    virtual std::string Value(double height) const = 0;
+
+protected:
+    ~BarChart() = default;
+};
+
+class HistoryChart final : public BarChart {
 public:
     HistoryChart() = default;
     // In the order of placement; as given where a time stamp cannot be read.
     explicit HistoryChart(std::span<const sOrderHistory> orders);
 
     // A bar an order, or, when these are more than `most`, one for every few orders that follow each other.
-    std::vector<ChartBar> Bars(std::size_t most) const;
-    // What the height of the bars is counted in.
-    std::string Heading(std::span<const ChartBar> bars) const;
-    // How many orders are of each kind, an entry a part.
-    std::array<std::string, kChartPartCount> Legend() const;
+    std::vector<ChartBar> Bars(std::size_t most) const override;
+    std::string Heading(std::span<const ChartBar> bars) const override;
+    // How many orders are of each kind.
+    std::array<std::string, kChartPartCount> Legend() const override;
+    std::string Value(double height) const override;
     // All of it in words.
     std::string Summary() const;
 
 private:
-    const char* m_measure = "Quantity";
+    bool m_inRupees = false;
     std::vector<ChartBar> m_orders;
     std::array<std::size_t, kChartPartCount> m_counts{};
 };
 
+// What has become of an order as a whole: `unfilled` when it was filled in part.
+ChartPart PartOf(const sOrderHistory& order);
+
 // The smallest round number that no bar is higher than.
 double ScaleTop(std::span<const ChartBar> bars);
-// Without a fraction that says nothing.
+// Without a fraction that says nothing; the first in groups, "1,50,000".
+std::string RupeeText(double rupees);
 std::string ValueText(double value);
 
 } // namespace planfold

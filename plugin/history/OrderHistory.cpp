@@ -94,6 +94,7 @@ void OrderHistory::List() {
     if (!goesOn) return;
     Describe();
     m_view.Show(!m_records.empty());
+    if (m_records.empty() && !m_session.Ended()) m_view.ShowLast("No orders yet: " + m_registrationNumber);
 }
 
 void OrderHistory::HandleTrade(const Answer& answer) {
@@ -125,7 +126,11 @@ void OrderHistory::OnFocusChanged() {
 void OrderHistory::Describe() {
     m_described = m_view.FocusedRecord();
     const bool any = m_described && *m_described < m_records.size();
-    m_view.ShowDetails(any ? TakeDetails(m_records[*m_described]) : HistoryDetails());
+    if (any)
+        m_view.ShowDetails(TakeDetails(m_records[*m_described]),
+                           m_records[*m_described][HistoryField::userText]);
+    else
+        m_view.ShowDetails({}, {});
 }
 
 } // namespace planfold

@@ -32,7 +32,8 @@ public:
     virtual void OnRecordChanged() = 0;
     // The focused row's record; none without a window.
     virtual std::optional<std::size_t> FocusedRecord() const = 0;
-    virtual void ShowDetails(const HistoryDetails& details) = 0;
+    // With the server's remarks, by which an order was rejected, whole.
+    virtual void ShowDetails(const HistoryDetails& details, const std::string& remarks) = 0;
     // In front, or hidden. Nothing without a window.
     virtual void Show(bool shown) = 0;
 

@@ -4,6 +4,7 @@
 
 #include "plugin/base/Frequencies.h"
 #include "plugin/base/Notices.h"
+#include "plugin/base/RunCalendar.h"
 #include "plugin/messaging/HostCallbacks.h"
 #include "sdk/CString.h"
 #include "sdk/Qmx.h"
@@ -100,6 +101,13 @@ public:
     double m_dMinSipMonthly = 0.0;
     double m_dMinSipYearly = 0.0;
     const NonTradingDates* m_pNonTradingDates = nullptr; // the host's; it may replace the contents
+    std::vector<RestrictedRange> restricted;             // one a year, as far as the server has told
+    // As they are known now. A host that fetches its dates again after a restriction has that among them.
+    planfold::ClosedDays ClosedDays() const {
+        const bool hostKnows = host.pu_resend_nontradingDate_Request != nullptr;
+        return planfold::ClosedDays(m_pNonTradingDates,
+                                    hostKnows ? std::span<const RestrictedRange>() : restricted);
+    }
 
 private:
     static double Session::*const kMinimums[kFrequencyCount];

@@ -43,7 +43,12 @@ inline constexpr std::span<const BookColumn> kCancelledColumns = kBookColumns;
 inline constexpr std::span<const BookColumn> kRegisteredColumns = kCancelledColumns.first<20>();
 // The one that the active client filters.
 inline constexpr int kClientColumn = 1;
-static_assert(kBookColumns[kClientColumn].field == OrderField::account);
+// Those by which the status line sums up.
+inline constexpr int kSideColumn = 5, kAmountColumn = 7, kQuantityColumn = 8;
+static_assert(kBookColumns[kClientColumn].field == OrderField::account
+              && kBookColumns[kSideColumn].field == OrderField::side
+              && kBookColumns[kAmountColumn].field == OrderField::amount
+              && kBookColumns[kQuantityColumn].field == OrderField::quantity);
 
 inline constexpr int kOrderHistoryCommand = 4;
 inline constexpr int kRefreshCommand = 25001;
@@ -54,6 +59,31 @@ inline constexpr int kResumeCommand = 25005;
 // These two are for several rows, and stand among the list's own entries.
 inline constexpr int kPauseSelectedCommand = 25101;
 inline constexpr int kResumeSelectedCommand = 25102;
+// Windows about the whole book.
+inline constexpr int kUpcomingRunsCommand = 25105;
+inline constexpr int kRunsOfPeriodCommand = 25106;
+// The selected rows of the open page.
+inline constexpr int kCopyToBasketCommand = 25107;
+inline constexpr MenuEntry kMorningMenu[] = {
+    {"Upcoming Runs...\tCtrl+U", kUpcomingRunsCommand},
+    {"Runs of a Period...\tCtrl+R", kRunsOfPeriodCommand},
+    {"Copy to Basket...\tCtrl+B", kCopyToBasketCommand},
+};
+// Out to a spreadsheet, and back.
+inline constexpr int kExportForChangesCommand = 25121;
+inline constexpr int kLoadChangesCommand = 25122;
+inline constexpr int kStepUpCommand = 25123;
+inline constexpr MenuEntry kChangesMenu[] = {
+    {"Export for Changes...", kExportForChangesCommand},
+    {"Load Changes...", kLoadChangesCommand},
+    {"Step Up...", kStepUpCommand},
+};
+constexpr bool IsChangesCommand(int command) {
+    return command >= kExportForChangesCommand && command <= kStepUpCommand;
+}
+constexpr bool IsMorningCommand(int command) {
+    return command >= kUpcomingRunsCommand && command <= kCopyToBasketCommand;
+}
 
 // `selected` is the first selected row's record; null when no row is selected.
 std::vector<MenuEntry> RegisteredMenu(const sOrderinfo* selected);

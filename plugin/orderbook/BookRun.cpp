@@ -16,7 +16,8 @@ struct Words {
     const char* noun;
 };
 // The rows are in the order of RunKind.
-constexpr Words kWords[] = {{"Cancelling", "Cancel"}, {"Pausing", "Pause"}, {"Resuming", "Resume"}};
+constexpr Words kWords[] = {
+    {"Cancelling", "Cancel"}, {"Pausing", "Pause"}, {"Resuming", "Resume"}, {"Modifying", "Modify"}};
 
 const Words& WordsOf(RunKind kind) {
     return kWords[static_cast<std::size_t>(kind)];

@@ -15,7 +15,7 @@
 
 namespace planfold {
 
-enum class RunKind { cancel, pause, resume };
+enum class RunKind { cancel, pause, resume, modify };
 
 class BookRun {
 public:

@@ -27,6 +27,7 @@ void OrderBook::Open(const LocalDateTime& today) {
     for (BookList* list : {&m_view.Registered(), &m_view.Cancelled()})
         list->RemoveAll();
     m_cache.Clear();
+    m_filling = true;
     FilterByClient({});
     m_session.m_nSipOperationMode = 0;
     // Each failure is a box.
@@ -42,6 +43,7 @@ void OrderBook::Open(const LocalDateTime& today) {
 }
 
 void OrderBook::Refresh() {
+    m_filling = true;
     Lifetime::Last([&](Pass pass) { SendGetSipOrders(pass, m_session, m_controls.requests, m_view); });
 }
 
@@ -103,7 +105,8 @@ void OrderBook::HandleOperationMode(const Answer& answer) {
 }
 
 void OrderBook::HandleRow(const Answer& answer) {
-    if (FieldCount(answer.message, tag::queriedRow) > 0) ApplyRow(answer.message, Arrival::listed);
+    m_filling = FieldCount(answer.message, tag::queriedRow) > 0;
+    if (m_filling) ApplyRow(answer.message, Arrival::listed);
 }
 
 void OrderBook::HandleHistoryRow(const Answer& answer) {

@@ -43,6 +43,8 @@ public:
     void OnBroadcast(void* message);
 
     const OrderCache& Records() const { return m_cache; }
+    // The answers to the query of the registrations have not ended.
+    bool IsFilling() const { return m_filling; }
     BookActions& Actions() { return m_actions; }
     const Lifetime& Life() const { return m_life; }
 
@@ -65,6 +67,7 @@ private:
     BookView& m_view;
     BookControls m_controls;
     OrderCache m_cache;
+    bool m_filling = false;
     Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }}; // of the window
     BookActions m_actions;
 };

@@ -42,6 +42,7 @@ RecordId OrderCache::Add(std::string_view number) {
 void OrderCache::Clear() {
     m_entries.clear();
     m_places.clear();
+    ++m_filling;
 }
 
 void OrderCache::Enter(Place place) {

@@ -20,6 +20,8 @@ public:
     // A new record that holds its number and nothing else.
     RecordId Add(std::string_view number);
     void Clear();
+    // Another one after each Clear: by it who keeps numbers of records sees that these are gone.
+    std::uint32_t Filling() const { return m_filling; }
 
     std::size_t Size() const { return m_entries.size(); }
     // Another Add may move the record, not its texts.
@@ -57,6 +59,7 @@ private:
 
     std::vector<Entry> m_entries;
     std::vector<Place> m_places; // a power of two, at most half of them taken
+    std::uint32_t m_filling = 0;
 };
 
 } // namespace planfold

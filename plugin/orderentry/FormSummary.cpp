@@ -18,7 +18,7 @@ ModifiedPlan OrderEntryForm::ReadModification() const {
     ModifiedPlan plan;
     plan.periodsBefore = m_modifying->Periods();
     plan.periods = LeadingInteger(m_view.Text(IDC_PERIOD));
-    plan.progress = ProgressOf(registration, plan.periodsBefore, m_session.m_pNonTradingDates);
+    plan.progress = ProgressOf(registration, plan.periodsBefore, m_session.ClosedDays());
     plan.action = registration.action;
     plan.valueBefore = m_modifying->Value();
     plan.paused = registration.status == "Paused";

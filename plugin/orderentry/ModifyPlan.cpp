@@ -63,32 +63,22 @@ std::string LastOf(const Plan& plan, std::int64_t instalments) {
 } // namespace
 
 std::optional<Progress> ProgressOf(const SipRegistration& registration, std::int64_t periods,
-                                   const NonTradingDates* holidays) {
-    const auto start = ReadServerDate(registration.startDate);
-    const auto next = ReadServerDate(registration.nextExecutionDate);
-    if (!start || !next || periods <= 0) return std::nullopt;
-    const Plan schedule{*start, registration.frequency};
-    const auto place = PlaceBy(schedule, *next);
-    if (!place) return std::nullopt;
+                                   const ClosedDays& closed) {
+    const auto start = ReadServerDay(registration.startDate);
+    const auto next = ReadServerDay(registration.nextExecutionDate);
+    const auto schedule = start ? Schedule::Of(*start, registration.frequency) : std::nullopt;
+    if (!schedule || !next || periods <= 0) return std::nullopt;
 
-    Progress progress{*place, *place, *next, true};
+    const std::int64_t place = schedule->PlaceOf(*next, std::nullopt, closed);
     // After a pause the plan ends later: so many places of its schedule have lapsed.
     std::int64_t lapsed = 0;
-    if (const auto end = ReadServerDate(registration.endDate))
-        if (const auto last = PlaceBy(schedule, *end)) lapsed = *last - (periods - 1);
-    const int days = FindFrequency(registration.frequency)->days;
-    if (days == 1) {
-        constexpr std::int64_t mostDays = 40000; // a century: no plan that anybody made
-        if (*place > mostDays) return std::nullopt;
-        // Each day with trading takes one instalment, so that they fall behind the schedule.
-        progress.done = TradingDays(*start, *next, holidays);
-        progress.exact = progress.done == 0;
-    } else {
-        progress.done = *place - std::clamp<std::int64_t>(lapsed, 0, *place);
-        // A week can go by on days that only the server closes.
-        const auto due = PlannedDate({*start, registration.frequency, *place + 1}, *place);
-        progress.exact = days == 0 || (due && TradingDays(*due, *next, holidays) == 0);
-    }
+    if (const auto end = ReadServerDay(registration.endDate)) lapsed = schedule->PlaceBy(*end) - (periods - 1);
+    Progress progress{place - std::clamp<std::int64_t>(lapsed, 0, place), place, DateOf(*next), true};
+    // A week can go by on days that only the server closes, and each of them counts for a daily plan.
+    const int days = schedule->Step().days;
+    const auto due = schedule->Due(place);
+    if (days == 1) progress.exact = progress.done == 0;
+    if (days > 1) progress.exact = due && closed.OpenBetween(*due, *next) == 0;
     // What has a next day is not yet at its end.
     if (lapsed != 0 || progress.done >= periods) progress.exact = false;
     progress.done = std::min(progress.done, periods - 1);

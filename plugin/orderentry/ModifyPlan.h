@@ -21,7 +21,7 @@ struct Progress {
 
 // `periods` are those of the registration. None when its dates cannot be read.
 std::optional<Progress> ProgressOf(const SipRegistration& registration, std::int64_t periods,
-                                   const NonTradingDates* holidays);
+                                   const ClosedDays& closed);
 
 struct ModifiedPlan {
     std::int64_t periodsBefore = 0;

@@ -1,9 +1,8 @@
-// The dates on which a SIP would fall by the calendar. Planned only: the server moves those on days without
-// trading and decides.
+// The dates on which a SIP would fall by the calendar, and what the server makes of those on days without
+// trading. Planned only: the server decides.
 #pragma once
 
-#include "plugin/base/Dates.h"
-#include "sdk/HostRecords.h"
+#include "plugin/base/RunCalendar.h"
 
 #include <cstdint>
 #include <optional>
@@ -34,24 +33,16 @@ struct Plan {
 // for an unknown frequency, an index outside the plan, or a date after the year 9999.
 std::optional<LocalDateTime> PlannedDate(const Plan& plan, std::int64_t index);
 
-// The last place in the schedule that is due by the date; 0 for an earlier one. None when one of the two is no
-// date, or the frequency is unknown.
-std::optional<std::int64_t> PlaceBy(const Plan& plan, const LocalDateTime& date);
-
-// The days with trading from the first date on and before the second.
-std::int64_t TradingDays(const LocalDateTime& from, const LocalDateTime& to, const NonTradingDates* holidays);
-
-// Saturday, Sunday, or one of the host's dates; `holidays` may be null.
-bool IsNonTradingDay(const LocalDateTime& date, const NonTradingDates* holidays);
-
-// What stands beside a row of the listed dates.
-std::string PlannedNote(const Plan& plan, std::int64_t row, const NonTradingDates* holidays);
+// What stands beside a row of the listed dates: "due 22-Nov, expected 23-Nov" where the server moves it.
+std::string PlannedNote(const Plan& plan, std::int64_t row, const ClosedDays& closed);
 
 // "Mon" to "Sun".
 std::string_view WeekdayName(const LocalDateTime& date);
 
 // "22-Dec-2026".
 std::string FormatPlannedDate(const LocalDateTime& date);
+// "22-Dec".
+std::string DayAndMonth(Day day);
 
 // What the form says of its plan in two lines; empty when there is none. `investType` and `value` are the
 // server's words ("value" and paise, or "qty" and shares); an empty value leaves the total out.

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "plugin/base/Dates.h"
+#include "plugin/base/Frequencies.h"
 #include "plugin/controls/DialogView.h"
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -60,6 +62,15 @@ struct FormTexts {
     const char* noClient = nullptr;
     const char* malformedQuantity = "Enter valid Quantity";
 };
+
+// How many periods an order may have.
+struct PeriodRules {
+    bool serverPeriods = false; // the server sets the least numbers; otherwise they are months
+    std::array<double, kFrequencyCount> minimums{};
+};
+PeriodRules PeriodRulesOf(const Session& session);
+std::optional<Refusal> CheckPeriods(const PeriodRules& rules, std::string_view frequency,
+                                    const std::string& periods);
 
 // The typed value in the server's words: "Amount" to whole paise, "Quantity" to shares; any other invest
 // type leaves it as it is. A refused value is left in either form.

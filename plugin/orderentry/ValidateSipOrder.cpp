@@ -64,21 +64,6 @@ Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
     return std::nullopt;
 }
 
-Verdict CheckPeriod(const Session& session, const SipOrderForm& form) {
-    if (form.totalPeriod.empty()) return PeriodRefusal("Enter a Month.");
-    if (form.totalPeriod == "0") return PeriodRefusal("Enter valid Month.");
-    const std::int64_t period = LeadingInteger(form.totalPeriod);
-    if (session.m_nSipOperationMode == 1) {
-        const Frequency* frequency = FindFrequency(form.frequency);
-        const double minimum = frequency ? session.MinimumPeriods(*frequency) : 0.0;
-        if (frequency && static_cast<double>(period) < minimum)
-            return PeriodRefusal(Format("Minimum SIP value is %.0lf", minimum));
-    } else if (period < 1 || period > 60) {
-        return PeriodRefusal("Month Should be Between 1 and 60");
-    }
-    return std::nullopt;
-}
-
 Verdict QuantityToWire(std::string& value, const char* malformed) {
     if (value.empty()) return ValueRefusal("Enter Quantity");
     if (value == "." || value == "0") return ValueRefusal(malformed);
@@ -109,6 +94,29 @@ Verdict AmountToWire(std::string& value) {
 
 } // namespace
 
+PeriodRules PeriodRulesOf(const Session& session) {
+    PeriodRules rules{.serverPeriods = session.m_nSipOperationMode == 1};
+    for (const Frequency& frequency : kFrequencies)
+        rules.minimums[IndexOf(frequency)] = session.MinimumPeriods(frequency);
+    return rules;
+}
+
+std::optional<Refusal> CheckPeriods(const PeriodRules& rules, std::string_view frequency,
+                                    const std::string& periods) {
+    if (periods.empty()) return PeriodRefusal("Enter a Month.");
+    if (periods == "0") return PeriodRefusal("Enter valid Month.");
+    const std::int64_t period = LeadingInteger(periods);
+    if (rules.serverPeriods) {
+        const Frequency* known = FindFrequency(frequency);
+        const double minimum = known ? rules.minimums[IndexOf(*known)] : 0.0;
+        if (known && static_cast<double>(period) < minimum)
+            return PeriodRefusal(Format("Minimum SIP value is %.0lf", minimum));
+    } else if (period < 1 || period > 60) {
+        return PeriodRefusal("Month Should be Between 1 and 60");
+    }
+    return std::nullopt;
+}
+
 std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value, const FormTexts& texts) {
     if (investType == "Quantity") return QuantityToWire(value, texts.malformedQuantity);
     if (investType == "Amount") return AmountToWire(value);
@@ -134,7 +142,7 @@ std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostW
     record.startDate = std::to_string(ParseDate(FormatPickerDate(form.startDate)));
 
     record.totalPeriod = form.totalPeriod;
-    if (auto refusal = CheckPeriod(session, form)) return refusal;
+    if (auto refusal = CheckPeriods(PeriodRulesOf(session), form.frequency, form.totalPeriod)) return refusal;
     record.customerFirm = "C";
     record.validity = "DAY";
     record.account = form.account;

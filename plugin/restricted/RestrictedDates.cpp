@@ -5,6 +5,7 @@
 #include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
 
+#include <algorithm>
 #include <string>
 
 namespace planfold {
@@ -45,6 +46,13 @@ constexpr char kDateFailed[] = "Failed to add start date";
 template <std::size_t row>
 std::optional<std::string_view> Value(const DayRange& range) {
     return range.*kValues[row].member;
+}
+
+RestrictedRange InNumbers(const std::string& from, const std::string& to, const std::string& year) {
+    const auto number = [](const std::string& text) {
+        return static_cast<int>(std::clamp<std::int64_t>(LeadingInteger(text), 0, 9999));
+    };
+    return {number(year), number(from), number(to)};
 }
 
 constexpr RequestField<const DayRange> kSetFields[] = {
@@ -99,7 +107,9 @@ void RestrictedDates::Set() {
     const bool isThere = m_life.Across([&](Pass pass) {
         SendRequest<const DayRange>(pass, m_session, m_control, m_view, kSetRequest, range);
     });
-    if (isThere) ShowHeld(nullptr);
+    if (!isThere) return;
+    m_asked = InNumbers(range.from, range.to, range.year);
+    ShowHeld(nullptr);
 }
 
 void RestrictedDates::Get() {
@@ -112,7 +122,13 @@ void RestrictedDates::OnResponse(void* message) {
     Dispatch<RestrictedDates>(*this, m_session, kAnswers, Answer(message));
 }
 
+void RestrictedDates::Know(const RestrictedRange& range) {
+    std::erase_if(m_session.restricted, [&](const RestrictedRange& held) { return held.year == range.year; });
+    if (range.year > 0) m_session.restricted.push_back(range);
+}
+
 void RestrictedDates::HandleSet(const Answer&) {
+    Know(m_asked);
     const bool goesOn = m_session.life.Across(
         [&](Pass pass) { m_view.ShowMessage(pass, "Restricted Date configured Succesfully"); });
     if (const auto resend = m_session.host.pu_resend_nontradingDate_Request; resend && goesOn)
@@ -128,6 +144,8 @@ void RestrictedDates::ShowHeld(const Answer* answer) {
 
 void RestrictedDates::HandleGet(const Answer& answer) {
     ShowHeld(&answer);
+    const auto told = [&](const ValueRow& row) { return FieldText(answer.message, row.tag); };
+    Know(InNumbers(told(kValues[0]), told(kValues[1]), told(kValues[2])));
     m_session.LogLast("Restricted date retrieved succesfully");
 }
 

@@ -31,12 +31,16 @@ private:
     void HandleSet(const Answer& answer);
     void HandleGet(const Answer& answer);
 
+    // What the server holds, which whoever foretells runs goes by.
+    void Know(const RestrictedRange& range);
+
     static const AnswerHandler<RestrictedDates> kAnswers[];
 
     Session& m_session;
     DialogView& m_view;
     Lifetime m_life{[this] { return m_view.IsOpen() && !m_session.Ended(); }}; // of the window
     RxControl* m_control;
+    RestrictedRange m_asked; // for, last
 };
 
 } // namespace planfold

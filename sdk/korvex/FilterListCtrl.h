@@ -112,6 +112,8 @@ public:
     bool HandleNotify(const HostNotification* notification, HostResult* result) noexcept;
 
 private:
+    friend struct KorvexExtrasAccess; // finds what sdk/korvex/ListExtras.h says
+
     class Impl;
     Impl* m_impl;
 };

@@ -1,11 +1,13 @@
 // The list without its window, beside a plain model and by tables.
 #include "host/korvexcontrols/model/Export.h"
 #include "host/korvexcontrols/model/KeptLayout.h"
+#include "host/korvexcontrols/model/ListSums.h"
 #include "tests/support/ListPair.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <random>
 #include <sstream>
@@ -83,18 +85,46 @@ TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
         {between, "1", "", "", "", "\"\" is not a number."},
         {atLeast, "1,000", "", "", "", "\"1,000\" is not a number."},
         {contains, "", "", "", "", "Type the text to look for."},
+        {on, "05/03/2027", "", "05-Mar-2027|05-MAR-2027 23:59:59|2027-03-05", "06-Mar-2027|05-Mar-2027x|5|"},
+        {before, "today", "", "09-Jun-2027|31-Dec-1969", "10-Jun-2027|"},
+        {after, "2024-02-29", "", "01-Mar-2024", "29-Feb-2024 10:00|30-Feb-2025|01-Xyz-2025|1-1-1|01-Mar/2024"},
+        {betweenDates, "1-Mar-2027", " today ", "01-Mar-2027|10-Jun-2027", "28-Feb-2027|11-Jun-2027"},
+        {nextDays, "", "", "10-Jun-2027|17-Jun-2027", "09-Jun-2027|18-Jun-2027"},
+        {betweenDates, "02-Mar-2027", "01-Mar-2027", "", "", "The second date is before the first."},
+        {on, "31-Feb-2027", "", "", "", "\"31-Feb-2027\" is not a date such as 05-Mar-2027."},
     };
+    const std::int64_t today = DayOf(*ReadDate("10-Jun-2027"));
     for (const Row& row : rows) {
         const FilterInput input{row.id, row.value, row.second};
-        ASSERT_EQ(ColumnFilter::FaultOf(input), row.fault) << row.value;
+        ASSERT_EQ(ColumnFilter::FaultOf(input, today), row.fault) << row.value;
         if (*row.fault) continue;
-        const ColumnFilter filter(0, input);
+        const ColumnFilter filter(0, input, today);
         for (const bool passes : {true, false}) {
             std::istringstream cells(std::string(passes ? row.passing : row.failing) + "|");
             for (std::string cell; std::getline(cells, cell, '|');)
                 EXPECT_EQ(filter.Passes(cell), passes) << row.value << " on \"" << cell << '"';
         }
     }
+}
+
+TEST(OperatorsFor, FollowWhatTheCellsHold) {
+    struct Row {
+        ValueType type;
+        std::vector<std::string_view> cells;
+        std::string_view first;
+    };
+    const Row rows[] = {
+        {ValueType::text, {"05-Mar-2027", "", "06-Mar-2027"}, "on"},
+        {ValueType::text, {"05-Mar-2027", "soon"}, "contains"},
+        {ValueType::text, {"12", "6"}, "="},
+        {ValueType::text, {"12", "05-Mar-2027"}, "contains"},
+        {ValueType::text, {"", ""}, "contains"},
+        {ValueType::identifier, {"12"}, "contains"},
+        {ValueType::date, {}, "on"},
+        {ValueType::amount, {}, "="},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(OperatorsFor(row.type, ContentOf(row.cells)).front().name, row.first) << row.cells.size();
 }
 
 TEST(Export, QuotesAndDisarmsCells) {
@@ -115,6 +145,10 @@ TEST(Export, QuotesAndDisarmsCells) {
         {"-5.50", amount, "-5.50", "-5.50"},
         {"-5+cmd", amount, "'-5+cmd", "'-5+cmd"},
         {"", amount, "", ""},
+        {"05-Mar-2027", text, "2027-03-05", "05-Mar-2027"},
+        {"5/3/2027 9:15", text, "5/3/2027 9:15", "5/3/2027 9:15"},
+        {"05/03/2027 09:15", ValueType::date, "2027-03-05 09:15", "05/03/2027 09:15"},
+        {"05-Mar-2027", ValueType::identifier, "05-Mar-2027", "05-Mar-2027"},
     };
     struct Source final : CellSource {
         void Cells(std::span<const std::uint32_t> records, std::int32_t, std::string_view* texts) override {
@@ -142,6 +176,102 @@ TEST(ColumnsState, IsReadWholeOrNotAtAll) {
         EXPECT_FALSE(ReadColumns(damaged, 3)) << damaged;
     for (const std::size_t columns : {0, 2, 4})
         EXPECT_FALSE(ReadColumns(line, columns));
+}
+
+TEST(RowsState, IsReadWholeOrNotAtAll) {
+    const RowsState state{{{2, true}, {0, false}},
+                          {{1, {FilterOperator::contains, "a;b|c,d%=\r\n", ""}},
+                           {0, {FilterOperator::betweenDates, "01-Mar-2027", "today"}}},
+                          "Due; Today",
+                          {"Mine | Only", "x"}};
+    const std::string line = WriteRows(state);
+    EXPECT_EQ(ReadRows(line, 3), state);
+    EXPECT_EQ(ReadRows(WriteRows({}), 3), RowsState());
+    EXPECT_FALSE(ReadRows(line, 2));
+    for (const char* damaged : {"", ";;", ";;;;", "0;;;", "+;;;", "0+|;;;", "-1+;;;", ";0,0,x;;", ";0,99,x,;;",
+                                ";0,4,many,;;", ";0,16,C001,;;", ";3,0,x,;;"})
+        EXPECT_FALSE(ReadRows(damaged, 3)) << damaged;
+}
+
+// Whatever happens between portions, the sums become those of the rows.
+TEST(ListSums, BecomeThoseOfTheRows) {
+    struct Source final : CellSource {
+        std::vector<std::array<std::string, 3>> cells;
+        void Cells(std::span<const std::uint32_t> records, std::int32_t column,
+                   std::string_view* texts) override {
+            for (const std::uint32_t record : records)
+                *texts++ = cells[record][static_cast<std::size_t>(column)];
+        }
+    } source;
+    constexpr std::uint32_t count = 60;
+    source.cells.resize(count);
+    ListModel model(source);
+    ListSums sums(model, source);
+    std::mt19937 random(7);
+    const auto next = [&](unsigned most) { return static_cast<std::uint32_t>(random() % most); };
+    const auto fill = [&](std::uint32_t record) {
+        constexpr const char* sides[] = {"SIP", "SWP", ""};
+        source.cells[record] = {sides[next(3)], next(4) ? std::to_string(next(90000)) + ".05" : "n/a",
+                                std::to_string(next(50))};
+    };
+    const auto plain = [&](const std::vector<std::uint32_t>& records) {
+        std::map<std::string, std::array<std::uint64_t, 3>> sides;
+        for (const std::uint32_t record : records) {
+            auto& [rows, paise, quantity] = sides[source.cells[record][0]];
+            const std::string& amount = source.cells[record][1];
+            ++rows;
+            if (amount != "n/a") paise += std::stoull(amount) * 100 + 5;
+            quantity += std::stoull(source.cells[record][2]);
+        }
+        return sides;
+    };
+    const auto told = [&](const ListSums::Sides& all) {
+        std::map<std::string, std::array<std::uint64_t, 3>> sides;
+        for (const auto& [name, rows, paise, quantity] : all)
+            if (rows || paise || quantity) sides[name] = {rows, paise, quantity};
+        return sides;
+    };
+    const auto step = [&] {
+        const std::uint32_t record = next(count);
+        const FilterInput filter{FilterOperator::greater, "20", {}};
+        switch (next(9)) {
+        case 0:
+        case 1:
+            if (!model.Contains(record)) fill(record);
+            return sums.Note(model.InsertFront(record), record);
+        case 2:
+            return sums.Note(model.Remove(record), record);
+        case 3:
+        case 4:
+            fill(record);
+            return sums.Note(model.Repaint(record), record);
+        case 5:
+            return sums.Note(model.SetFilter(2, next(2) ? &filter : nullptr), kNone);
+        case 6:
+            return sums.Note(model.SetSort({{static_cast<std::int32_t>(next(3)), false, ValueType::number}}),
+                             kNone);
+        case 7:
+            if (next(20) == 0) return sums.Note(model.RemoveAll(), kNone);
+            [[fallthrough]];
+        default:
+            model.SelectRows(next(count), next(count), next(3) != 0);
+            sums.SelectionChanged();
+        }
+    };
+    for (std::uint32_t record = 0; record < count; record += 2)
+        model.InsertFront((fill(record), record));
+    sums.Begin({0, 1, 2});
+    for (int round = 0; round < 20000; ++round) {
+        step();
+        sums.Work(next(4));
+        if (next(4)) continue;
+        while (sums.Work(1 + next(9)))
+            ASSERT_FALSE(sums.IsComplete());
+        ASSERT_EQ(told(sums.Shown()), plain(model.Rows().ShownRecords())) << round;
+        if (model.Selection().Count() > 1) {
+            ASSERT_EQ(told(sums.Selected()), plain(model.SelectedRecords())) << round;
+        }
+    }
 }
 
 TEST(SplitPosition, KeepsItsShareAndTheLeastLengths) {

@@ -87,6 +87,9 @@ public:
     }
     std::optional<std::string> AskExportPath(Pass) override { return path; }
     std::optional<std::string> AskRejectsPath(Pass) override { return path; }
+    std::optional<ImportChoice> AskImport(Pass, const BasketRules&) override {
+        return import ? std::optional(ImportChoice{"branch.csv", import}) : std::nullopt;
+    }
     std::optional<std::string> ReadFile(const std::string& name) override {
         const auto file = files.find(name);
         return file == files.end() ? std::nullopt : std::optional(file->second);
@@ -113,6 +116,7 @@ public:
     std::function<void()> duringQuestion, duringLoadQuestion; // run once
     std::optional<std::string> path = "basket.csv";
     std::map<std::string, std::string> files, limits;
+    BeginReading import; // none: the user chooses no file
     bool writable = true;
     int waiting = 0;
     LocalDateTime now{2027, 1, 31, 15, 30, 0};

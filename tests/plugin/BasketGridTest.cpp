@@ -221,6 +221,150 @@ TEST_F(BasketGridTest, WhatWasSentStaysSent) {
     EXPECT_TRUE(view.list.rows.empty());
 }
 
+// What a dealer can have done with three orders by the time that some of them are sent.
+struct SentWay {
+    const char* what;
+    void (*go)(class UndoOfSent& stage);
+};
+
+class UndoOfSent : public BasketGridTest, public ::testing::WithParamInterface<SentWay> {
+public:
+    using BasketGridTest::Add, BasketGridTest::basket, BasketGridTest::control, BasketGridTest::Edit,
+        BasketGridTest::host, BasketGridTest::Load, BasketGridTest::Run, BasketGridTest::session,
+        BasketGridTest::view;
+    void Place(BasketRuns::Placed which = BasketRuns::Placed::all) {
+        basket.Runs().Place(which);
+        Run();
+    }
+    // The second order of the placing is the last that goes out.
+    void PlaceTwo(bool remove) {
+        host.onRequest = [this, remove] {
+            if (host.requests.size() != 2) return;
+            view.yes = remove;
+            basket.Runs().Stop();
+        };
+        Place();
+        host.onRequest = nullptr;
+        view.yes = true;
+    }
+    std::vector<sSipOrderData> Orders() {
+        std::vector<sSipOrderData> orders;
+        for (const RecordId row : view.list.rows) {
+            sSipOrderData& order = orders.emplace_back();
+            for (const auto& [field, member] : kSipOrderFields)
+                order.*member = basket.Rows()[row].Text(field);
+            order.amountOrQuantity = basket.Rows()[row].Text(Field::amount);
+        }
+        return orders;
+    }
+};
+
+const SentWay kSentWays[] = {
+    {"Loaded", [](UndoOfSent& on) { on.Load(Lines(3)), on.Place(); }},
+    {"Edited", [](UndoOfSent& on) { on.Load(Lines(3)), on.Edit(1, Field::amount, "7"), on.Place(); }},
+    {"Imported",
+     [](UndoOfSent& on) {
+         on.view.import = ReadingOf(Lines(3));
+         on.basket.Runs().Import();
+         on.Run();
+         on.Place();
+     }},
+    {"Copied",
+     [](UndoOfSent& on) {
+         on.Load(Lines(3));
+         const std::vector<sSipOrderData> orders = on.Orders();
+         on.Load("");
+         on.basket.Add(kPass, orders);
+         on.Place();
+     }},
+    {"StoppedAndRemoved", [](UndoOfSent& on) { on.Load(Lines(3)), on.PlaceTwo(true); }},
+    {"StoppedAndKept", [](UndoOfSent& on) { on.Load(Lines(3)), on.PlaceTwo(false); }},
+    {"WithoutARecord",
+     [](UndoOfSent& on) {
+         on.host.recordFiles.hasFolder = false;
+         on.Load(Lines(3));
+         on.Place();
+     }},
+    {"WindowClosed",
+     [](UndoOfSent& on) {
+         on.Load(Lines(3));
+         on.host.onRequest = [&on] { on.basket.OnClosed(); };
+         on.Place();
+         on.host.onRequest = nullptr;
+         on.basket.Initialise({});
+     }},
+    {"BroughtBack",
+     [](UndoOfSent& on) {
+         on.view.unsent.text = Lines(3);
+         on.basket.Runs().OfferUnsent();
+         on.Run();
+         on.PlaceTwo(false);
+     }},
+    {"TakenBack",
+     [](UndoOfSent& on) {
+         on.Load(Lines(3));
+         on.Place();
+         for (const OrderPlace place : {0u, 1u})
+             for (const OrderEvent event : {OrderEvent::inDoubt, OrderEvent::absent})
+                 on.session.record.Tell(place, event, {});
+         on.Load("");
+         const OrderPlace absent[] = {0, 1};
+         on.basket.TakeBack(kPass, absent);
+         on.Place(BasketRuns::Placed::unsent);
+     }},
+    {"RefusedAndPlacedAgain",
+     [](UndoOfSent& on) {
+         on.Load(Lines(3));
+         on.Place();
+         on.session.record.Tell(1, OrderEvent::refused, "no");
+         on.Place(BasketRuns::Placed::refused);
+     }},
+};
+
+// Whatever is taken back and made again then, no order that went out stands there as one that did not.
+TEST_P(UndoOfSent, ComesBackAsSent) {
+    GetParam().go(*this);
+    const std::string sent = Sent() + " ";
+    ASSERT_NE(sent, " ");
+    std::mt19937 random(3);
+    for (int step = 0; step < 60; ++step) {
+        switch (random() % 5) {
+        case 0:
+            if (!view.list.rows.empty()) Select({random() % view.list.rows.size()});
+            basket.Delete();
+            break;
+        case 1:
+            basket.Redo();
+            break;
+        default:
+            basket.Undo();
+        }
+        BasketLines kept(view.unsent.text);
+        while (const auto line = kept.Next())
+            ASSERT_EQ(sent.find(std::string(line->text.substr(0, line->text.find(','))) + " "), sent.npos)
+                << "step " << step;
+        for (const RecordId row : view.list.rows)
+            ASSERT_TRUE(basket.Rows().IsSent(row)
+                        || sent.find(std::string(basket.Rows()[row].Text(Field::account)) + " ") == sent.npos)
+                << "step " << step;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BasketGrid, UndoOfSent, ::testing::ValuesIn(kSentWays),
+                         [](const auto& way) { return std::string(way.param.what); });
+
+TEST_F(BasketGridTest, NothingIsTakenBackDuringARun) {
+    Load(Lines(3));
+    host.onRequest = [&] {
+        basket.Undo();
+        basket.Redo();
+    };
+    basket.Runs().Place();
+    Run();
+    EXPECT_EQ(Sent(), "C3 C2 C1");
+    EXPECT_EQ(view.list.rows.size(), 3u);
+}
+
 TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
     Load("=cmd,\"x\"\n" + Line("+91"));
     basket.SaveReasons();

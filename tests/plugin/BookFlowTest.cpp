@@ -191,7 +191,8 @@ TEST_F(BookFlowTest, TheHistorysOrdersAndTheirTradesComeAsTheServerHasThem) {
     history.Open(kPass, number);
     Pump();
     EXPECT_EQ(seen.listings, 1);
-    EXPECT_FALSE(seen.shown) << "no orders yet";
+    EXPECT_FALSE(seen.shown);
+    EXPECT_EQ(std::exchange(seen.boxes, {}), Texts{"No orders yet: " + number});
 
     const vesk::Registration& registration = *server.Find(number);
     ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");

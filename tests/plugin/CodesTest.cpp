@@ -50,6 +50,8 @@ TEST(FormatRupees, GroupsAsTheMarketDoes) {
     const std::pair<std::int64_t, const char*> rows[] = {
         {0, "Rs 0.00"},
         {7, "Rs 0.07"},
+        {-7, "Rs -0.07"},
+        {-10000000, "Rs -1,00,000.00"},
         {-123456750, "Rs -12,34,567.50"},
         {INT64_MIN, "Rs -92,23,37,20,36,85,47,758.08"},
         {99999, "Rs 999.99"},

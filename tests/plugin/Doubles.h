@@ -123,7 +123,7 @@ public:
         focused = !history || history->Records().empty() ? std::nullopt : std::optional<std::size_t>(0);
     }
     std::optional<std::size_t> FocusedRecord() const override { return focused; }
-    void ShowDetails(const HistoryDetails&) override {}
+    void ShowDetails(const HistoryDetails&, const std::string&) override {}
     void Show(bool on) override { shown = on; }
 
     const OrderHistory* history = nullptr; // the first of whose orders is focused when they are listed

@@ -32,11 +32,14 @@ public:
         for (const sOrderHistory& record : m_history.Records())
             text += record[HistoryField::registrationNumber] + record[HistoryField::orderNumber] + "="
                     + record[HistoryField::tradedPrice] + " ";
-        return text + (shown ? "shown " : "hidden ") + m_details;
+        text += (shown ? "shown " : "hidden ") + m_details;
+        for (const std::string& box : boxes)
+            text += box;
+        return text;
     }
 
-    void ShowDetails(const HistoryDetails& details) override {
-        m_details.clear();
+    void ShowDetails(const HistoryDetails& details, const std::string& remarks) override {
+        m_details = remarks;
         for (std::size_t i = 5; i < details.size(); ++i)
             m_details += details[i] + "|";
     }
@@ -138,7 +141,7 @@ TEST_F(OrderHistoryTest, AnswersAreListedWhenTheyEndAndTradesFindTheirOrders) {
     };
     const Row rows[] = {
         {"?A A1 A2*", "hidden ", 1},
-        {"?A .", "hidden ||||", 1},
+        {"?A .", "hidden ||||No orders yet: A", 1},
         {"?A - ! A1 .", "A1=NA shown A|NA|NA| |", 1, 2},
         {"?A A1* A2 .", "A1=NA A2= shown A|NA|5| |", 2},
         {"?A A1* A1=200 .", "A1=NA shown A|NA|5| |", 2}, // not yet listed
@@ -193,7 +196,7 @@ TEST_F(OrderHistoryTest, QueriesTellWhatFailsAndLeaveTheListAlone) {
             play.Do(word);
             failing.reset();
             host.refuses = false;
-            EXPECT_EQ(play.boxes, row.boxes) << word << row.function << row.call;
+            EXPECT_EQ(std::exchange(play.boxes, {}), row.boxes) << word << row.function << row.call;
             EXPECT_EQ(host.requests, Texts{});
             if (*word == '?') play.Do(".");
             EXPECT_EQ(play.Text(), "A1=NA shown A|NA|5| |") << "what was asked before still comes";
@@ -232,7 +235,7 @@ TEST_F(OrderHistoryTest, TheChartTellsWhatBecameOfEachOrder) {
         {good, 1, "Quantity, 5 orders a bar: 18+12+10+20 < 60"},
         {"later,-5,NA, 05-Mar-2027,1e999,,Cancelled", 9, "Quantity by order: 0+0+0+0 0+0+0+1e+15 < 1e+15"},
         {"04-Mar-2027,10,4,open,2.50 05-Mar-2027,3,0,rejected,100.10", 9,
-         "Amount by order: 10+15+0+0 0+0+0+300.3 < 400"},
+         "Rupees by order: 10+15+0+0 0+0+0+300.3 < 400"},
         {"", 9, "Quantity by order: < 1"},
     };
     const auto chartOf = [](const std::string& text) {

@@ -36,15 +36,16 @@ TEST(PlannedDate, FollowsTheCalendar) {
             << row.frequency << " " << FormatPlannedDate(row.start);
 }
 
-TEST(IsNonTradingDay, KnowsWeekendsAndTheHostsDates) {
-    const std::uint32_t dates[] = {20270126, 20270315};
+TEST(PlannedNote, SaysWhereTheServerMovesARun) {
+    const std::uint32_t dates[] = {20270126, 20270503};
     const NonTradingDates holidays{2, 0, dates};
     const NonTradingDates none{5, 0, nullptr};
-    EXPECT_TRUE(IsNonTradingDay({2027, 1, 26}, &holidays)); // a Tuesday
-    EXPECT_FALSE(IsNonTradingDay({2027, 1, 27}, &holidays));
-    EXPECT_FALSE(IsNonTradingDay({2027, 1, 26}, nullptr));
-    EXPECT_FALSE(IsNonTradingDay({2027, 1, 26}, &none));
-    EXPECT_TRUE(IsNonTradingDay({2027, 1, 30}, nullptr));
+    const Plan daily{{2027, 4, 30}, "daily", 5}, january{{2027, 1, 26}, "monthly", 2};
+    EXPECT_EQ(PlannedNote(daily, 0, ClosedDays(&holidays)), "");
+    EXPECT_EQ(PlannedNote(daily, 1, ClosedDays(&holidays)), "Non-trading day, due 01-May, expected 04-May");
+    EXPECT_EQ(PlannedNote(daily, 4, ClosedDays(&holidays)), "Due 04-May, expected 07-May");
+    EXPECT_EQ(PlannedNote(january, 0, ClosedDays(&holidays)), "Non-trading day, due 26-Jan, expected 27-Jan");
+    EXPECT_EQ(PlannedNote(january, 0, ClosedDays(&none)), "");
     EXPECT_EQ(WeekdayName({2027, 1, 30}), "Sat");
 }
 
@@ -98,14 +99,14 @@ TEST(ProgressOf, CountsWhatHasRunByTheDates) {
         {"weekly", "06-Mar-2027", "15-Mar-2027", "10-Apr-2027", 6, "1 1 exact"}, // Saturday to Monday
         {"weekly", "01-Mar-2027", "09-Mar-2027", "05-Apr-2027", 6, "1 1 about"}, // a closed Monday
         {"daily", "01-Mar-2027", "01-Mar-2027", "22-Mar-2027", 22, "0 0 exact"},
-        {"daily", "01-Mar-2027", "15-Mar-2027", "22-Mar-2027", 22, "10 14 about"},
-        {"daily", "01-Mar-2027", "01-Jun-2027", "22-Mar-2027", 22, "21 92 about"}, // one is left at least
+        {"daily", "01-Mar-2027", "15-Mar-2027", "22-Mar-2027", 22, "10 10 about"},
+        {"daily", "01-Mar-2027", "01-Jun-2027", "22-Mar-2027", 22, "21 66 about"}, // one is left at least
         {"monthly", "05-Mar-2027", "", "05-Dec-2028", 22, "none"},
         {"fortnightly", "05-Mar-2027", "05-Jul-2028", "", 22, "none"},
     };
     for (const Row& row : rows) {
         const auto progress =
-            ProgressOf(Running(row.frequency, row.start, row.next, row.end), row.periods, nullptr);
+            ProgressOf(Running(row.frequency, row.start, row.next, row.end), row.periods, ClosedDays());
         EXPECT_EQ(progress ? std::to_string(progress->done) + " " + std::to_string(progress->place)
                                  + (progress->exact ? " exact" : " about")
                            : "none",
@@ -140,7 +141,7 @@ TEST(DescribeModification, SaysWhatIsLeftNewBesideOld) {
          "14 of 30 left instead of 6 of 22: quantity 15 a run\nNext 05-Jul-2028, last planned 05-Aug-2029 "
          "instead of "
          "05-Dec-2028\nQuantity to come 210 instead of 90",
-         "17 05-Jul-2028 |30 05-Aug-2029 Added, non-trading day"},
+         "17 05-Jul-2028 |30 05-Aug-2029 Added, non-trading day, due 05-Aug, expected 06-Aug"},
         {next, plan(16, "value", "150000", "300000"),
          "16 have run, so that 16 are too few: Rs 3,000.00 a run instead of 1,500.00",
          "17 05-Jul-2028 Dropped|22 05-Dec-2028 Dropped"},
@@ -149,19 +150,19 @@ TEST(DescribeModification, SaysWhatIsLeftNewBesideOld) {
          asItWas},
         {"", plan(30, "value", "150000", "300000"),
          "30 registered instead of 22: Rs 3,000.00 a run instead of 1,500.00",
-         "1 05-Mar-2027 |30 05-Aug-2029 Non-trading day"},
+         "1 05-Mar-2027 |30 05-Aug-2029 Non-trading day, due 05-Aug, expected 06-Aug"},
     };
     for (const Row& row : rows) {
         const SipRegistration registration = Running("monthly", "05-Mar-2027", row.next, "05-Dec-2028");
         ModifiedPlan modified = row.plan;
-        modified.progress = ProgressOf(registration, modified.periodsBefore, nullptr);
+        modified.progress = ProgressOf(registration, modified.periodsBefore, ClosedDays());
         const Plan toCome = PlanToCome(registration, modified);
         EXPECT_EQ(DescribeModification(modified, toCome), row.text);
         std::string listed;
         for (const std::int64_t at : {std::int64_t{0}, toCome.Rows() - 1}) {
             const auto date = PlannedDate(toCome, at);
             listed += (at ? "|" : "") + std::to_string(toCome.done + at + 1) + " "
-                      + (date ? FormatPlannedDate(*date) : "?") + " " + PlannedNote(toCome, at, nullptr);
+                      + (date ? FormatPlannedDate(*date) : "?") + " " + PlannedNote(toCome, at, ClosedDays());
         }
         EXPECT_EQ(listed, row.listed);
     }

@@ -138,6 +138,7 @@ struct FakeHost {
     HostWindow mainFrame = nullptr; // a real window under Windows
     VeskApp app{sizeof(VeskApp), 0, nullptr, nullptr};
     bool hasApp = true, refuses = false; // what controls are asked for
+    bool connected = true;
     std::string peerIdA = "PEERA", peerIdB = "PEERB";
     std::string uuid = "UUID-1"; // empty: the host gives none
     std::string activeClient;

@@ -273,6 +273,9 @@ int pu_invoke_caution_order_confirmation(InString client, InString investType, I
 int pu_is_actionright_enabled(InString right) {
     return Host().rights.contains(Shown(right));
 }
+int pu_is_connected() {
+    return Host().connected ? 1 : 0;
+}
 VeskApp* pu_get_exe_app() {
     return Host().hasApp ? &Host().app : nullptr;
 }

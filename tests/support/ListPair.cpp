@@ -7,7 +7,31 @@
 namespace korvex::test {
 namespace {
 
+struct Text {
+    const char* text;
+    double value = 0; // of whole numbers and dates
+};
+constexpr Text kValues[] = {
+    {"7", 7},
+    {"12", 12},
+    {"-3", -3},
+    {"999999999999999999", 999999999999999999.0},
+    {"05-Mar-2027", 1e19},
+    {"06/03/2027 09:15", 2e19},
+    {"01-APR-2027", 3e19},
+};
 constexpr const char* kTexts[] = {
+    "7",
+    "12",
+    "-3",
+    "999999999999999999",
+    "05-Mar-2027",
+    "06/03/2027 09:15",
+    "01-APR-2027",
+    "007",
+    "7a",
+    "31-Feb-2027",
+    "9999999999999999999",
     "",
     "a",
     "B",
@@ -41,6 +65,17 @@ bool Number(const std::string& text, long double& value) {
            && text.find_first_not_of(" +-.0123456789") == text.npos;
 }
 
+// Less than, equal to or greater than 0.
+int CompareTexts(const std::string& one, const std::string& other, bool values) {
+    const auto valueOf = [&](const std::string& text) {
+        return std::ranges::find_if(kValues, [&](const Text& known) { return values && text == known.text; });
+    };
+    const auto left = valueOf(one), right = valueOf(other), none = std::end(kValues);
+    if (left == none && right == none) return Lower(one).compare(Lower(other));
+    if (left == none || right == none) return left == none ? 1 : -1;
+    return (left->value > right->value) - (left->value < right->value);
+}
+
 } // namespace
 
 void ListPair::Cells(std::span<const std::uint32_t> records, std::int32_t column, std::string_view* texts) {
@@ -68,7 +103,7 @@ std::vector<std::uint32_t> ListPair::Shown() const {
             const auto& left = m_cells[one][static_cast<std::size_t>(by.column)];
             const auto& right = m_cells[other][static_cast<std::size_t>(by.column)];
             if (!IsNumeric(by.type)) {
-                if (const int order = Lower(left).compare(Lower(right)))
+                if (const int order = CompareTexts(left, right, by.type == ValueType::text))
                     return by.descending ? order > 0 : order < 0;
                 continue;
             }
@@ -134,8 +169,9 @@ void ListPair::Filters(const std::function<unsigned()>& next) {
         const bool isOwners = filter.Input().id == FilterOperator::exactly;
         return isOwners == owners && (owners || filter.Column() == column);
     });
-    const auto& values = IsNumeric(kTypes[column]) ? kNumbers : kTexts;
-    const std::string value = values[next() % std::size(values)];
+    const std::span<const char* const> values =
+        IsNumeric(kTypes[column]) ? std::span(kNumbers) : std::span<const char* const>(kTexts);
+    const std::string value = values[next() % values.size()];
     if (owners) {
         const bool set = next() % 2;
         const std::string_view view = value;
@@ -143,7 +179,7 @@ void ListPair::Filters(const std::function<unsigned()>& next) {
         return Settle(m_model.SetOwnerFilter(column, set ? &view : nullptr), before, true);
     }
     const auto operators = OperatorsFor(kTypes[column]);
-    const FilterInput input{operators[next() % operators.size()].id, value, values[next() % std::size(values)]};
+    const FilterInput input{operators[next() % operators.size()].id, value, values[next() % values.size()]};
     const bool set = how > 1 && ColumnFilter::FaultOf(input).empty();
     if (set) m_filters.emplace_back(column, input);
     Settle(m_model.SetFilter(column, set ? &input : nullptr), before, true);

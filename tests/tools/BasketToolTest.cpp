@@ -57,10 +57,27 @@ TEST(BasketTool, AnswersAndPrints) {
         {"printf '\\357\\273\\277' | cat - good.csv | head -n 9 |", "check - $S", 0, "9 rows, 0 rejected"},
         {"printf '\\377\\376C\\0' |", "check - $S", 2, "-: it is UTF-16 text; "},
         {"printf 'x\\0y\\n' |", "check - $S --rejects /dev/stdout | od -c", 0, "x  \\0   y  \\n"},
+        {"", "import branch.csv $S --date dd/mm/yyyy --default series=EQ", 1,
+         "branch.csv:9: symbol (column 3): \"NOSUCH\" is not a scrip that the terminal knows\n"},
+        {"", "import branch.csv $S --default series=EQ --json", 1,
+         "may be two dates; the mapping must say the order of day and month\",\n      \"text\": "
+         "\"CL100,nse_cm,EQ,ALPHATEX,,,CNC,10000000,,monthly,,,12,MKT,B,,,,, ,\",\n      \"column\": 8"},
+        {"printf 'UCC,Amount\\nC1,2\\n' |", "import - $S --amount paise", 1,
+         "-:2: exchange: no column says it, and no default\n2 lines"},
+        {"", "import good.csv $S", 2, "good.csv: it has no line of headings"},
+        {"", "import branch.csv $S --date dd/mm", 2, "--date does not take \"dd/mm\""},
+        {"printf '[A]\\n' |", "import branch.csv $S --map -", 2, "-: has no mapping for these headings\n"},
+        {"printf '[A]\\nx = y\\n' |", "import branch.csv $S --map -", 2, "-: line 2: x cannot be set so\n"},
         {"", "check /dev/null $S", 2, "null: file not found"},
         {"", "check good.csv $S --rejects /nowhere/x", 2, "/nowhere/x: cannot be written"},
         {"", "check good.csv $S >/dev/full", 2, ""},
         {"", "template $S --lines 500 --mode weekly:70 | " TOOL " check - $S --mode weekly:70", 0, "500 rows"},
+        {"O='SIP Registration No,Amount,SIP Status,Start Date,Total Period(Month(s)),As Exported';"
+         "(echo $O; echo 'S1,1500.00,active,2027-03-05,22,1500.00|22|50ec5d8c0cf34d31') >/tmp/changes-$$.csv;"
+         "sed 's/S1,1500.00/S1,\"2,000\"/;s/2027-03-05/05 Mar 2027/' /tmp/changes-$$.csv |",
+         "changes /tmp/changes-$$.csv - --json; rm /tmp/changes-$$.csv", 0, "\"notPossible\": 1,"},
+        {"", "changes good.csv", 2, "changes needs the old and the edited file"},
+        {"", "changes good.csv good.csv", 2, "The column \"User ID\" is missing."},
         {"", "", 2, "a command is missing"},
         {"", "chek", 2, "unknown command"},
         {"", "check good.csv", 2, "--scrips is missing"},
@@ -95,6 +112,14 @@ TEST(BasketTool, SortsTheLinesOfABasketIntoTwoFiles) {
     fs::create_directories(folder / "taken" / "by");
     EXPECT_EQ(Called("check mixed.csv $S --rejects " + (folder / "taken").string()).status, 2);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3);
+}
+
+// The manual page is the help, dressed.
+TEST(BasketTool, TheManualPageSaysWhatTheHelpSays) {
+    const Ended undressed = Called("--help | sed 's/^ *//' > page.help.$$; sed '1d;/^\\.[nf][fi]$/d;s/^\\.SH "
+                                   "//;s/\\\\-/-/g;s/\\\\e/\\\\/g;s/^\\\\&//;s/^ *//' " MANUAL_PAGE
+                                   " | diff -B page.help.$$ -; rm page.help.$$");
+    EXPECT_EQ(undressed.printed, "");
 }
 
 } // namespace

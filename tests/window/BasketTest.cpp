@@ -96,7 +96,8 @@ TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     const std::string entries = MenuOf(list);
     EXPECT_TRUE(entries.starts_with(
         "Delete\tDel 25002|-|(Place Selected\tCtrl+P 25006)|Place Unsent\tCtrl+U 25007|"
-        "(Place Refused Again\tCtrl+R 25008)|-|Undo\tCtrl+Z 25020|Redo\tCtrl+Y 25021|Edit Cell\tF2 25022|"
+        "(Place Refused Again\tCtrl+R 25008)|-|Import...\tCtrl+I 25028|-|Undo\tCtrl+Z 25020|Redo\tCtrl+Y "
+        "25021|Edit Cell\tF2 25022|"
         "(Fill Down\tCtrl+D 25023)|Paste Rows\tCtrl+V 25024|Next Fault\tF8 25025|Check...\tAlt+C 1178|Save as "
         "Table... 25027|-|Orders "
         "of a Day... "

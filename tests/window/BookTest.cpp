@@ -228,7 +228,10 @@ TEST_F(BookTest, RowMenusOfferWhatTheSelectionAllows) {
         const std::string own =
             std::string("Refresh 25001|Cancel\tDel 25002|") + row.changes + "Order History 4|-|"
             + (row.selected.size() > 1 ? "Pause Selected... 25101|Resume Selected... 25102|-|" : "")
-            + "Orders of a Day... 25103|(Compare Orders in Doubt 25104)|-|"
+            + "Orders of a Day... 25103|(Compare Orders in Doubt 25104)|Upcoming Runs...\tCtrl+U 25105|"
+              "Runs of a Period...\tCtrl+R 25106|Copy to Basket...\tCtrl+B 25107|Export for Changes... "
+              "25121|Load Changes... 25122|Step Up... "
+              "25123|-|"
             + (row.selected.empty() ? "(Copy\tCtrl+C 26000)" : "Copy\tCtrl+C 26000");
         EXPECT_EQ(MenuOf(registered).substr(0, own.size()), own);
     }
@@ -236,7 +239,9 @@ TEST_F(BookTest, RowMenusOfferWhatTheSelectionAllows) {
     EXPECT_TRUE(IsWindowVisible(cancelled));
     EXPECT_FALSE(IsWindowVisible(registered));
     EXPECT_TRUE(MenuOf(cancelled).starts_with(
-        "Order History 4|-|Orders of a Day... 25103|(Compare Orders in Doubt 25104)|-|(Copy\tCtrl+C 26100)"));
+        "Order History 4|-|Orders of a Day... 25103|(Compare Orders in "
+        "Doubt 25104)|Upcoming Runs...\tCtrl+U 25105|"
+        "Runs of a Period...\tCtrl+R 25106|Copy to Basket...\tCtrl+B 25107|-|(Copy\tCtrl+C 26100)"));
 }
 
 TEST_F(BookTest, TakesItsControlsLastAndStopsItsStreams) {

@@ -30,7 +30,7 @@ TEST_F(FilterList, MenuEntriesCanBePickedWhenTheyDoSomething) {
         EXPECT_EQ(possible, state.possible) << state.name;
     }
     EXPECT_EQ(control->ShownCount(), 6u) << "the owner's filter stays";
-    EXPECT_FALSE(control->HandleCommand(kFirstCommand + reset + 1));
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand + 99));
     EXPECT_FALSE(control->HandleCommand(kFirstCommand - 1));
 }
 
@@ -151,6 +151,179 @@ TEST_F(FilterList, AnExportIsWholeOrNotThere) {
     control->SelectOnly(1);
     Run(copy);
     EXPECT_EQ(probe::OnClipboard(), "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
+}
+
+TEST_F(FilterList, FindGoesOnFromTheHitWhateverComesAndStandsBesideIt) {
+    Fill(60);
+    for (const std::uint32_t record : {50u, 30u, 10u})
+        cells[record][2] = "Expired";
+    Run(find);
+    HWND box = probe::FindDialog("Find");
+    probe::SetEdit(box, IDC_FIND_TEXT, "Expired");
+    for (const std::uint32_t record : {50u, 30u, 10u}) {
+        probe::Press(box, IDOK);
+        EXPECT_EQ(SelectedSymbols(), std::vector{cells[record][0]});
+        RECT row{0, LVIR_BOUNDS, 0, 0}, both{};
+        row.left = LVIR_BOUNDS;
+        Send(LVM_GETITEMRECT, static_cast<WPARAM>(control->IndexOf(record)), reinterpret_cast<LPARAM>(&row));
+        MapWindowPoints(list, nullptr, reinterpret_cast<POINT*>(&row), 2);
+        const RECT place = probe::PlaceOf(box);
+        EXPECT_FALSE(IntersectRect(&both, &row, &place)) << record;
+        Insert(60 + record); // takes the focus
+    }
+    SetState(5, LVIS_FOCUSED, LVIS_FOCUSED);
+    PostMessageA(list, WM_KEYDOWN, VK_DOWN, 0); // the user has gone elsewhere
+    probe::Pump();
+    Run(findNext);
+    EXPECT_EQ(SelectedSymbols(), std::vector{cells[50][0]});
+}
+
+TEST_F(FilterList, SumsFollowRowsAndSelectionWhenNothingElseWaits) {
+    Fill(7);
+    Extras().SumBy(2, 1, 0);
+    EXPECT_EQ(Sums(false), "not known");
+    const auto become = [&](bool selected, const std::string& text) {
+        probe::PumpUntil([&] { return Sums(selected) == text; });
+        EXPECT_EQ(Sums(selected), text);
+    };
+    // Record n has n * 31 and a half; each third one is paused.
+    become(false, "Paused 3 28050|active 4 37400|");
+    Run(filterCell);
+    control->Remove(6);
+    control->SetOwnerFilter(2, "active");
+    Run(clearAll);
+    become(false, "active 4 37400|");
+    Run(selectAll);
+    become(true, "active 4 37400|");
+    control->Deselect(5);
+    become(true, "active 3 21850|");
+    control->SelectOnly(1);
+    become(true, "");
+}
+
+struct Watcher final : KorvexListWatcher {
+    void ListSaysMore(CFilterListCtrl*) noexcept override { ++told; }
+    std::int32_t Meets(std::uint32_t record, std::int32_t condition) noexcept override {
+        return condition == 0 ? record < 3 : record % 2;
+    }
+    int told = 0;
+};
+
+TEST_F(FilterList, WhatIsSeenOfTheRowsComesBackAndViewsAreNamed) {
+    constexpr KorvexCondition conditions[] = {{"Early", 0, 1}, {"Odd Only", 1, 1}, {"Never", 0, 0}};
+    Watcher watcher;
+    const auto watch = [&] {
+        Extras().Watch(&watcher);
+        Extras().SetConditions(conditions, 3);
+    };
+    Fill(9);
+    watch();
+    ClickHeading(0);
+    Run(static_cast<Command>(firstCondition + 2));
+    EXPECT_EQ(control->ShownCount(), 9u) << "greyed";
+    Run(static_cast<Command>(firstCondition));
+    EXPECT_EQ(control->ShownCount(), 3u);
+    Run(static_cast<Command>(firstCondition + 1));
+    EXPECT_EQ(std::string(Extras().ViewName()), "Early, Odd Only");
+    Run(saveView);
+    HWND box = probe::FindDialog("Save View");
+    ASSERT_TRUE(box);
+    probe::SetEdit(box, IDC_VIEW_NAME, "  A=B; ");
+    probe::Press(box, IDOK);
+    EXPECT_EQ(std::string(Extras().ViewName()), "A-B;, Odd Only");
+
+    HMENU menu = CreatePopupMenu();
+    control->AppendMenuEntries(menu);
+    HMENU views = nullptr;
+    for (int i = 0; i < GetMenuItemCount(menu) && !views; ++i)
+        views = GetSubMenu(menu, i);
+    std::string entries;
+    for (int i = 0; i < GetMenuItemCount(views); ++i) {
+        char text[64] = "";
+        GetMenuStringA(views, static_cast<UINT>(i), text, sizeof text, MF_BYPOSITION);
+        const UINT state = GetMenuState(views, static_cast<UINT>(i), MF_BYPOSITION);
+        const char* mark = state & MF_GRAYED ? "~" : state & MF_CHECKED ? "*" : "";
+        entries += std::string(*text ? mark : "-") + text + "|";
+    }
+    DestroyMenu(menu);
+    EXPECT_EQ(entries, "All Rows|-|*Early|~Never|-|*Odd Only|-|*A-B;|-|Save View...|Delete \"A-B;\"|");
+
+    // Another session of the same user.
+    Close();
+    control.reset();
+    Open();
+    Fill(9);
+    EXPECT_EQ(control->ShownCount(), 9u) << "nobody knows the conditions yet";
+    watch();
+    EXPECT_EQ(control->ShownCount(), 1u);
+    EXPECT_EQ(control->RecordAt(0), 8u);
+    Run(allRows);
+    EXPECT_EQ(control->ShownCount(), 9u);
+    EXPECT_NE(Cell(0, 0), cells[8][0]) << "still sorted";
+    Run(reset);
+    EXPECT_EQ(Cell(0, 0), cells[8][0]);
+    Run(firstView);
+    EXPECT_EQ(control->ShownCount(), 1u);
+    Run(deleteView);
+    EXPECT_FALSE(control->HandleCommand(kFirstCommand + firstView));
+    EXPECT_GT(watcher.told, 3);
+    Extras().Watch(nullptr);
+}
+
+TEST_F(FilterList, ColumnsAreChosenOrderedAndFitted) {
+    Fill(3);
+    cells[1][1] = "1234567890123456.00";
+    Run(columns);
+    HWND box = probe::FindDialog("Columns");
+    ASSERT_TRUE(box);
+    HWND known = GetDlgItem(box, IDC_COLUMNS_LIST);
+    ListView_SetCheckState(known, 0, FALSE);
+    ListView_SetItemState(known, 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    probe::Press(box, IDC_COLUMNS_FIT);
+    probe::Press(box, IDC_COLUMNS_DOWN);
+    probe::Press(box, IDOK);
+    std::array<int, 3> order{};
+    Send(LVM_GETCOLUMNORDERARRAY, 3, reinterpret_cast<LPARAM>(order.data()));
+    EXPECT_EQ(order, (std::array<int, 3>{0, 2, 1}));
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 0);
+    EXPECT_GT(Send(LVM_GETCOLUMNWIDTH, 1),
+              Send(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(cells[1][1].c_str())));
+    Run(columns);
+    box = probe::FindDialog("Columns");
+    probe::Press(box, IDC_COLUMNS_RESET);
+    for (int row = 0; row < 3; ++row)
+        ListView_SetCheckState(GetDlgItem(box, IDC_COLUMNS_LIST), row, FALSE);
+    probe::Press(box, IDOK);
+    EXPECT_EQ(probe::Text(box, IDC_COLUMNS_FAULT), "Show at least one column.");
+    ListView_SetCheckState(GetDlgItem(box, IDC_COLUMNS_LIST), 2, TRUE);
+    probe::Press(box, IDOK);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 2), 90);
+    Extras().StretchLastText(1);
+    RECT client{};
+    GetClientRect(list, &client);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 2), client.right);
+    Run(reset);
+    Extras().StretchLastText(0);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 120);
+}
+
+TEST_F(FilterList, TheFilterKeyAsksForTheColumnWhenNoneIsCurrent) {
+    Fill(4);
+    cells[2][2] = "05-Mar-2027";
+    BYTE keys[256] = {}, usual[256] = {};
+    GetKeyboardState(usual);
+    keys[VK_CONTROL] = keys[VK_SHIFT] = 0x80;
+    SetKeyboardState(keys);
+    Send(WM_KEYDOWN, 'L');
+    SetKeyboardState(usual);
+    HWND box = probe::FindDialog("Filter");
+    ASSERT_TRUE(box);
+    probe::Press(box, IDOK);
+    EXPECT_EQ(probe::Text(box, IDC_FILTER_FAULT), "Choose the column.");
+    ASSERT_TRUE(probe::Select(box, IDC_FILTER_COLUMN, "State"));
+    probe::SetEdit(box, IDC_FILTER_VALUE, "05-");
+    probe::Press(box, IDOK);
+    EXPECT_EQ(control->ShownCount(), 1u);
 }
 
 // Whatever is open or under way, the window and even the list may go.

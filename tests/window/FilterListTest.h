@@ -3,7 +3,7 @@
 
 #include "host/korvexcontrols/resource.h"
 #include "sdk/HeapStringManager.h"
-#include "sdk/korvex/FilterListCtrl.h"
+#include "sdk/korvex/ListExtras.h"
 #include "tests/support/BoxRecorder.h"
 #include "tests/support/WindowProbe.h"
 
@@ -34,7 +34,15 @@ enum Command : std::uint32_t {
     sortDown,
     natural,
     exportRows,
-    reset
+    reset,
+    findNext,
+    findPrevious,
+    columns,
+    allRows = 20,
+    saveView,
+    deleteView,
+    firstCondition = 30,
+    firstView = 60
 };
 inline constexpr KorvexColumn kColumns[] = {{"Symbol", 120, 0, korvex::ValueType::text},
                                             {"Amount", 80, 1, korvex::ValueType::amount},
@@ -133,6 +141,20 @@ protected:
         SendMessageA(Header(), WM_LBUTTONUP, 0, place);
     }
     void Run(Command command) { EXPECT_TRUE(control->HandleCommand(kFirstCommand + command)); }
+    KorvexListExtras& Extras() const {
+        const FARPROC found = GetProcAddress(GetModuleHandleA("KorvexControls.dll"), kKorvexExtrasOf);
+        return *reinterpret_cast<KorvexExtrasOfFunction*>(reinterpret_cast<void*>(found))(control.get());
+    }
+    // "SIP 2 Rs 31.00/0", of each side.
+    std::string Sums(bool selected) const {
+        KorvexSide sides[4];
+        std::string text;
+        const std::int32_t count = Extras().Sums(selected, sides, 4);
+        for (std::int32_t i = 0; i < count; ++i)
+            text += std::string(sides[i].name.data, sides[i].name.length) + " " + std::to_string(sides[i].rows)
+                    + " " + std::to_string(sides[i].paise) + "|";
+        return count < 0 ? "not known" : text;
+    }
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override {
         for (std::uint32_t i = 0; i < count; ++i) {

@@ -90,7 +90,7 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
     probe::PostKey(VK_UP);
     expect("NA|NA|NA|NA|NA|SIP1|123.50|4|9:15 today|");
     EXPECT_TRUE(probe::PumpUntil([&] {
-        return probe::Text(history, IDC_HISTORY_CHART).find("Amount filled: 494.") != std::string::npos;
+        return probe::Text(history, IDC_HISTORY_CHART).find("Amount filled: Rs 494.00.") != std::string::npos;
     })) << "the chart counts what was paid: "
         << probe::Text(history, IDC_HISTORY_CHART);
     InvalidateRect(list, nullptr, FALSE);
@@ -117,7 +117,8 @@ TEST_F(HistoryTest, IsHiddenWithoutOrdersAndOutlivesItsWindow) {
     Command(kHistoryCommand);
     End();
     EXPECT_TRUE(IsWindow(first));
-    EXPECT_FALSE(IsWindowVisible(first)) << "no orders";
+    EXPECT_FALSE(IsWindowVisible(first));
+    EXPECT_EQ(boxes.Texts(), "No orders yet: SIP1|");
     EXPECT_EQ(OpenHistory(), first);
     Close(first);
     EXPECT_FALSE(IsWindow(first));

@@ -1,97 +1,24 @@
-#include "plugin/base/Numbers.h"
-#include "plugin/base/Text.h"
+#include "base/Text.h"
 #include "plugin/basket/BasketFile.h"
-#include "tools/planfold-basket/Commands.h"
+#include "plugin/import/ImportFile.h"
+#include "tools/planfold-basket/Report.h"
 #include "tools/planfold-basket/Sources.h"
 
-#include <nlohmann/json.hpp>
-
-#include <utility>
-#include <vector>
-
 namespace basket {
-namespace {
 
 using namespace planfold;
 
-// The orders of one side.
-struct SideTotals {
-    std::int64_t orders = 0;
-    std::int64_t amountPaise = 0; // of orders by value
-    std::int64_t quantity = 0;    // of orders by quantity
-};
+namespace {
 
-struct Rejection {
-    int line;
-    std::string reason;
-    std::string text;
-};
+constexpr std::size_t kLinesAtOnce = 1'000'000;
 
-class Findings final : public BasketSink {
-public:
-    explicit Findings(bool keepRows) : m_keepRows(keepRows) {}
-
-    void OnRow(const BasketTexts& texts) override {
-        SideTotals& side = texts[BasketField::side] == "B" ? buy : sell;
-        ++side.orders;
-        if (texts[BasketField::investType] == "value")
-            side.amountPaise += LeadingInteger(texts[BasketField::amount]);
-        else
-            side.quantity += LeadingInteger(texts[BasketField::quantity]);
-        if (m_keepRows) AppendBasketLine(sBasketOrderData(texts, 0), rows);
-    }
-    void OnRejected(const RejectedLine& line, const BasketTexts&) override {
-        // What has no reason was told as a notice.
-        rejected.push_back({line.number, line.reason.empty() ? m_notice : line.reason, line.text});
-    }
-    void OnNotice(std::string_view text) override { m_notice = text; }
-    void OnLog(std::string_view) override {}
-
-    std::vector<Rejection> rejected;
-    SideTotals buy, sell;
-    std::string rows;
-
-private:
-    bool m_keepRows;
-    std::string m_notice;
-};
-
-struct Side {
-    const char* name;
-    SideTotals Findings::*totals;
-};
-constexpr Side kSides[] = {{"buy", &Findings::buy}, {"sell", &Findings::sell}};
-
-std::string PlainReport(const std::string& file, const BasketReader& load, const Findings& findings) {
-    std::string text;
-    for (const Rejection& each : findings.rejected)
-        text += file + Format(":%d: ", each.line) + each.reason + '\n';
-    text += Format("%d lines read, %zu rows, %zu rejected\n", load.LinesRead(), load.RowsLoaded(),
-                   findings.rejected.size());
-    for (const Side& side : kSides) {
-        const SideTotals& of = findings.*side.totals;
-        text += Format("%-4s %lld orders, amount %lld.%02lld, quantity %lld\n", side.name,
-                       static_cast<long long>(of.orders), static_cast<long long>(of.amountPaise / 100),
-                       static_cast<long long>(of.amountPaise % 100), static_cast<long long>(of.quantity));
-    }
-    return text;
-}
-
-std::string JsonReport(const std::string& file, const BasketReader& load, const Findings& findings) {
-    nlohmann::ordered_json report = {
-        {"file", file},
-        {"lines", load.LinesRead()},
-        {"rows", load.RowsLoaded()},
-        {"rejected", nlohmann::ordered_json::array()},
-    };
-    for (const Rejection& each : findings.rejected)
-        report["rejected"].push_back({{"line", each.line}, {"reason", each.reason}, {"text", each.text}});
-    for (const Side& side : kSides) {
-        const SideTotals& of = findings.*side.totals;
-        report[side.name] = {{"orders", of.orders}, {"amountPaise", of.amountPaise}, {"quantity", of.quantity}};
-    }
-    // A line may hold what is no UTF-8.
-    return report.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+// What the words say goes before what is kept, and that before what the headings say.
+void Apply(const Options& options, ImportFile& file) {
+    ImportMapping& mapping = file.Mapping();
+    if (options.unit != AmountUnit::undecided) mapping.unit = options.unit;
+    if (options.pattern != DatePattern::undecided) mapping.pattern = options.pattern;
+    for (const auto& [field, value] : options.defaults)
+        mapping.defaults[field] = value;
 }
 
 } // namespace
@@ -102,24 +29,33 @@ int Check(const Options& options, ScripSource& scrips) {
     if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
     Findings findings(!options.normalised.empty());
     BasketReader load(text.Value(), options.rules, scrips, findings);
-    while (load.Read(1'000'000)) {
+    while (load.Read(kLinesAtOnce)) {
     }
-    std::string rejects;
-    for (const Rejection& each : findings.rejected)
-        rejects += each.text + '\n';
-    const auto report = options.json ? JsonReport : PlainReport;
-    const struct {
-        std::string path;
-        std::string text;
-    } outputs[] = {
-        {options.rejects, BasketFileText(std::move(rejects))},
-        {options.normalised, BasketFileText(std::move(findings.rows))},
-        {std::string(kStandardStream), report(options.file, load, findings)},
-    };
-    for (const auto& output : outputs)
-        if (!output.path.empty() && !WriteText(output.path, output.text))
-            return Fail(output.path + ": cannot be written");
-    return findings.rejected.empty() ? kAllGood : kSomeRejected;
+    return Tell(options, load, findings);
+}
+
+int Import(const Options& options, ScripSource& scrips) {
+    KeptMappings kept;
+    if (!options.map.empty()) {
+        const auto settings = ReadText(options.map);
+        if (!settings) return Fail(settings.Fault().Text());
+        if (const std::string fault = kept.Read(settings.Value()); !fault.empty())
+            return Fail(options.map + ": " + fault);
+    }
+    auto bytes = ReadText(options.file);
+    if (!bytes) return Fail(bytes.Fault().Text());
+    ImportFile file;
+    if (const std::string fault = file.Open(std::move(bytes.Value()), kept); !fault.empty())
+        return Fail(options.file + ": " + fault);
+    if (!options.map.empty() && !file.IsKept())
+        return Fail(options.map + ": has no mapping for these headings");
+    Apply(options, file);
+    Findings findings(!options.normalised.empty());
+    const auto reader = file.Read(options.rules, scrips, findings);
+    findings.columnOf = [&] { return reader->Finding().column; };
+    while (reader->Read(kLinesAtOnce)) {
+    }
+    return Tell(options, *reader, findings, file.NotRead());
 }
 
 } // namespace basket

@@ -3,6 +3,7 @@
 
 #include "host/market/ScripMaster.h"
 #include "plugin/basket/BasketLine.h"
+#include "plugin/import/Mapping.h"
 
 #include <optional>
 #include <span>
@@ -10,7 +11,7 @@
 
 namespace basket {
 
-enum class Task { help, check, writeTemplate };
+enum class Task { help, check, importFile, writeTemplate };
 
 inline constexpr std::string_view kStandardStream = "-";
 
@@ -23,6 +24,11 @@ struct Options {
     std::string out{kStandardStream}; // of the template
     long long lines = 10;
     planfold::BasketRules rules;
+    // Of an import; undecided and empty where the file's headings are to say it.
+    std::string map;
+    planfold::AmountUnit unit = planfold::AmountUnit::undecided;
+    planfold::DatePattern pattern = planfold::DatePattern::undecided;
+    std::map<planfold::BasketField, std::string> defaults;
 };
 
 // The words behind the program's name. The answer says what is wrong with them, if anything.
@@ -34,7 +40,11 @@ inline constexpr int kSomeRejected = 1;
 inline constexpr int kFailed = 2;
 
 int Check(const Options& options, planfold::ScripSource& scrips);
+int Import(const Options& options, planfold::ScripSource& scrips);
 int WriteTemplate(const Options& options, std::span<const vesk::Scrip> master, planfold::ScripSource& scrips);
+
+// Of the words behind "changes", which has options of its own.
+int Changes(std::span<const std::string> words);
 
 // Says on standard error why the program ends.
 int Fail(std::string_view why);

@@ -8,8 +8,12 @@ constinit const std::string_view kHelp = R"(NAME
 SYNOPSIS
     planfold-basket check FILE --scrips FILE [--products LIST] [--mode MODE]
                     [--today DATE] [--rejects OUT] [--normalised OUT] [--json]
+    planfold-basket import FILE --scrips FILE [--map FILE] [--date PATTERN]
+                    [--amount UNIT] [--default FIELD=VALUE]... [the options of
+                    check]
     planfold-basket template --scrips FILE [--lines N] [--products LIST]
                     [--mode MODE] [--today DATE] [--out OUT]
+    planfold-basket changes OLD EDITED [--mode MODE] [--user ID] [--json]
     planfold-basket --help
 
 DESCRIPTION
@@ -17,8 +21,18 @@ DESCRIPTION
     of each line that would be rejected where it stands and why, then how many
     lines there were and what their orders come to. FILE "-" is standard input.
 
+    import reads a table as the basket window's Import does: .xlsx, CSV or text
+    with headings in any order. docs/basket-files.md has the headings that are
+    known and the cure of each reason. What is in doubt is rejected, not guessed.
+
     template writes a basket that passes the check: an order a line, as an
     example, or as many as are asked for, to try something with.
+
+    changes compares two files of registrations, as the book exports them: OLD as
+    it was exported, EDITED as a spreadsheet left it. It tells what would be
+    modified, old and new, and by the window's rules what is not possible and
+    why; with --user what is another user's as well. Its exit status is 1 when
+    something is not possible.
 
     A basket has no heading; it is ANSI or UTF-8 text. A line holds 19 fields,
     each followed by a comma, and one more that nobody reads; there are no
@@ -45,6 +59,12 @@ OPTIONS
     --rejects OUT      writes the rejected lines as they stand, to be mended
     --normalised OUT   writes the other lines in the form in which the basket
                        window exports them, in the order of FILE
+    --map FILE         the choices that the window's Import kept, which are
+                       found by the headings of FILE
+    --date PATTERN     how dates are written: dd/mm/yyyy, mm/dd/yyyy,
+                       yyyy-mm-dd, "serial 1900" or "serial 1904"
+    --amount UNIT      rupees or paise
+    --default F=VALUE  for all rows, where no column has it: series=EQ
     --json             writes the findings as JSON
     --lines N          so many lines; 10 without it
     --out OUT          where to; "-", as without it, is standard output
@@ -59,6 +79,8 @@ EXAMPLES
     planfold-basket template --scrips data/scrips.csv --lines 3
     planfold-basket check basket.csv --scrips data/scrips.csv --products CNC,MIS
     planfold-basket check - --scrips data/scrips.csv --json < basket.csv
+    planfold-basket import branch.xlsx --scrips data/scrips.csv \
+                    --date dd/mm/yyyy --default series=EQ --normalised basket.csv
 
 REASONS
     The first that applies is told, in this order:

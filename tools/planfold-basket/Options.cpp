@@ -87,12 +87,39 @@ bool ReadJson(Options& options, std::string_view) {
     return options.json = true;
 }
 
-constexpr OptionRow<Options> kOfBoth[] = {
+// "dd/mm/yyyy", or a mapping's word.
+bool ReadPattern(Options& options, std::string_view text) {
+    options.pattern = planfold::PatternOfWord(text).value_or(planfold::PatternOfHeading(text));
+    return options.pattern != planfold::DatePattern::undecided;
+}
+
+bool ReadUnit(Options& options, std::string_view text) {
+    options.unit = planfold::UnitOfWord(text).value_or(planfold::AmountUnit::undecided);
+    return options.unit != planfold::AmountUnit::undecided;
+}
+
+// "series=EQ"
+bool ReadDefault(Options& options, std::string_view text) {
+    const std::size_t equals = std::min(text.find('='), text.size());
+    const auto field = planfold::FieldOfWord(text.substr(0, equals));
+    if (!field || !planfold::FindImportField(*field)->hasDefault || equals + 1 >= text.size()) return false;
+    options.defaults[*field] = text.substr(equals + 1);
+    return true;
+}
+
+constexpr OptionRow<Options> kOfAll[] = {
     {"--scrips", ReadText<&Options::scrips>},
     {"--products", ReadProducts},
     {"--mode", ReadMode},
     {"--today", ReadToday},
 };
+constexpr OptionRow<Options> kOfImport[] = {
+    {"--map", ReadText<&Options::map>},
+    {"--date", ReadPattern},
+    {"--amount", ReadUnit},
+    {"--default", ReadDefault},
+};
+// Also of an import.
 constexpr OptionRow<Options> kOfCheck[] = {
     {"--rejects", ReadText<&Options::rejects>},
     {"--normalised", ReadText<&Options::normalised>},
@@ -103,16 +130,30 @@ constexpr OptionRow<Options> kOfTemplate[] = {
     {"--lines", ReadLineCount},
 };
 
+struct TaskWord {
+    std::string_view word;
+    Task task;
+};
+constexpr TaskWord kTasks[] = {
+    {"check", Task::check}, {"import", Task::importFile}, {"template", Task::writeTemplate}};
+
 using vesk::Complaint;
 
+bool ReadsOrders(const Options& options) {
+    return options.task == Task::check || options.task == Task::importFile;
+}
+
 Complaint ReadRows(std::span<const std::string> words, Options& options) {
-    const bool checks = options.task == Task::check;
-    std::vector<OptionRow<Options>> rows(std::begin(kOfBoth), std::end(kOfBoth));
-    const std::span<const OptionRow<Options>> own =
-        checks ? std::span<const OptionRow<Options>>(kOfCheck) : kOfTemplate;
-    rows.insert(rows.end(), own.begin(), own.end());
+    std::vector<OptionRow<Options>> rows;
+    const auto add = [&](std::span<const OptionRow<Options>> own) {
+        for (const OptionRow<Options>& row : own)
+            rows.push_back(row);
+    };
+    add(kOfAll);
+    add(ReadsOrders(options) ? std::span<const OptionRow<Options>>(kOfCheck) : kOfTemplate);
+    if (options.task == Task::importFile) add(kOfImport);
     return vesk::ReadOptionRows<Options>(words, rows, options, [&](const std::string& word) {
-        if (!checks || !options.file.empty()) return false;
+        if (!ReadsOrders(options) || !options.file.empty()) return false;
         options.file = word;
         return true;
     });
@@ -120,7 +161,7 @@ Complaint ReadRows(std::span<const std::string> words, Options& options) {
 
 Complaint Incomplete(const Options& options) {
     if (options.scrips.empty()) return "--scrips is missing";
-    if (options.task != Task::check) return std::nullopt;
+    if (!ReadsOrders(options)) return std::nullopt;
     if (options.file.empty()) return "the basket's file is missing";
     if (!options.rejects.empty() && options.rejects == options.normalised)
         return "--rejects and --normalised name the same file";
@@ -135,8 +176,9 @@ Complaint ReadOptions(std::span<const std::string> words, Options& options) {
     if (words.empty()) return "a command is missing";
     if (std::ranges::find(words, std::string_view("--help")) != words.end()) return std::nullopt;
     const std::string_view command = words.front();
-    if (command != "check" && command != "template") return "unknown command " + Quoted(command);
-    options.task = command == "check" ? Task::check : Task::writeTemplate;
+    const auto* task = std::ranges::find(kTasks, command, &TaskWord::word);
+    if (task == std::end(kTasks)) return "unknown command " + Quoted(command);
+    options.task = task->task;
     if (Complaint complaint = ReadRows(words.subspan(1), options)) return complaint;
     return Incomplete(options);
 }

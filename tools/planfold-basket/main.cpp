@@ -15,6 +15,7 @@ namespace basket {
 namespace {
 
 int Run(std::span<const std::string> words) {
+    if (!words.empty() && words.front() == "changes") return Changes(words.subspan(1));
     Options options;
     if (const auto complaint = ReadOptions(words, options))
         return Fail(*complaint + "; see planfold-basket --help");
@@ -22,8 +23,14 @@ int Run(std::span<const std::string> words) {
     const auto master = vesk::ScripMaster::Load(options.scrips);
     if (!master) return Fail(master.Fault().Text());
     MasterScrips scrips(master.Value());
-    return options.task == Task::check ? Check(options, scrips)
-                                       : WriteTemplate(options, master.Value().Scrips(), scrips);
+    switch (options.task) {
+    case Task::check:
+        return Check(options, scrips);
+    case Task::importFile:
+        return Import(options, scrips);
+    default:
+        return WriteTemplate(options, master.Value().Scrips(), scrips);
+    }
 }
 
 } // namespace

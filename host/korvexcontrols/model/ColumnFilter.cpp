@@ -21,18 +21,97 @@ constexpr OperatorName kNumberOperators[] = {
     {FilterOperator::between, "between"},
 };
 
+// Of columns of text; what compares values stands first.
+constexpr OperatorName kWholeNumberOperators[] = {
+    {FilterOperator::equals, "="},
+    {FilterOperator::equalsNot, "not ="},
+    {FilterOperator::less, "<"},
+    {FilterOperator::atMost, "<="},
+    {FilterOperator::greater, ">"},
+    {FilterOperator::atLeast, ">="},
+    {FilterOperator::between, "between"},
+    {FilterOperator::contains, "contains"},
+    {FilterOperator::containsNot, "does not contain"},
+    {FilterOperator::beginsWith, "begins with"},
+};
+constexpr OperatorName kDateOperators[] = {
+    {FilterOperator::on, "on"},
+    {FilterOperator::before, "before"},
+    {FilterOperator::after, "after"},
+    {FilterOperator::betweenDates, "between"},
+    {FilterOperator::nextDays, "next 7 days"},
+    {FilterOperator::contains, "contains"},
+    {FilterOperator::containsNot, "does not contain"},
+};
+constexpr std::int64_t kNextDays = 7;
+constexpr std::string_view kToday = "today";
+
+bool ComparesDates(FilterOperator id) {
+    return id >= FilterOperator::on && id <= FilterOperator::nextDays;
+}
+
+bool IsToday(std::string_view text) {
+    return CompareFolded(Trimmed(text), kToday) == 0;
+}
+
+std::optional<std::int64_t> ReadDay(std::string_view text, std::int64_t today) {
+    if (IsToday(text)) return today;
+    const auto date = ReadDate(Trimmed(text));
+    return date ? std::optional(DayOf(*date)) : std::nullopt;
+}
+
 bool ComparesNumbers(FilterOperator id) {
     return id >= FilterOperator::equals && id <= FilterOperator::between;
 }
 
 } // namespace
 
-std::span<const OperatorName> OperatorsFor(ValueType type) {
+ValueType ContentOf(std::span<const std::string_view> cells) {
+    bool dates = false, numbers = false;
+    for (const std::string_view cell : cells) {
+        if (cell.empty()) continue;
+        const bool date = ReadDate(cell).has_value();
+        if (!date && !ReadTextValue(cell)) return ValueType::text;
+        (date ? dates : numbers) = true;
+    }
+    if (dates == numbers) return ValueType::text;
+    return dates ? ValueType::date : ValueType::number;
+}
+
+std::span<const OperatorName> OperatorsFor(ValueType type, ValueType content) {
     if (IsNumeric(type)) return kNumberOperators;
+    if (type == ValueType::date || (type == ValueType::text && content == ValueType::date))
+        return kDateOperators;
+    if (type == ValueType::text && content == ValueType::number) return kWholeNumberOperators;
     return kTextOperators;
 }
 
-std::string ColumnFilter::FaultOf(const FilterInput& input) {
+int ValuesOf(FilterOperator id) {
+    if (id == FilterOperator::nextDays) return 0;
+    return id == FilterOperator::between || id == FilterOperator::betweenDates ? 2 : 1;
+}
+
+namespace {
+
+std::string FaultOfDates(const FilterInput& input, std::int64_t today) {
+    const std::string* values[] = {&input.value, &input.second};
+    std::int64_t days[2] = {};
+    for (int i = 0; i < ValuesOf(input.id); ++i) {
+        const auto day = ReadDay(*values[i], today);
+        if (!day) return "\"" + *values[i] + "\" is not a date such as 05-Mar-2027.";
+        days[i] = *day;
+    }
+    // What today is may be otherwise tomorrow.
+    const bool moves = IsToday(input.value) || IsToday(input.second);
+    if (input.id == FilterOperator::betweenDates && !moves && days[1] < days[0])
+        return "The second date is before the first.";
+    return {};
+}
+
+} // namespace
+
+std::string ColumnFilter::FaultOf(const FilterInput& input, std::int64_t today) {
+    if (ComparesDates(input.id)) return FaultOfDates(input, today);
     if (!ComparesNumbers(input.id)) {
         // An empty text is in every cell, but a cell may equal it.
         const bool needsText = input.id != FilterOperator::equalsText && input.id != FilterOperator::exactly;
@@ -47,9 +126,17 @@ std::string ColumnFilter::FaultOf(const FilterInput& input) {
     return {};
 }
 
-ColumnFilter::ColumnFilter(std::int32_t column, FilterInput input)
+ColumnFilter::ColumnFilter(std::int32_t column, FilterInput input, std::int64_t today)
     : m_column(column), m_input(std::move(input)) {
-    if (ComparesNumbers(m_input.id)) {
+    if (ComparesDates(m_input.id)) {
+        const std::int64_t day = ReadDay(m_input.value, today).value_or(today);
+        if (m_input.id == FilterOperator::nextDays) m_firstDay = today, m_lastDay = today + kNextDays;
+        if (m_input.id == FilterOperator::on) m_firstDay = m_lastDay = day;
+        if (m_input.id == FilterOperator::before) m_lastDay = day - 1;
+        if (m_input.id == FilterOperator::after) m_firstDay = day + 1;
+        if (m_input.id == FilterOperator::betweenDates)
+            m_firstDay = day, m_lastDay = ReadDay(m_input.second, today).value_or(day);
+    } else if (ComparesNumbers(m_input.id)) {
         m_value = ReadDecimal(m_input.value).value_or(Decimal{});
         m_second = ReadDecimal(m_input.second).value_or(Decimal{});
     } else {
@@ -71,8 +158,20 @@ bool ColumnFilter::Passes(std::string_view cell) const {
     case FilterOperator::exactly:
         return cell == m_input.value;
     default:
-        return PassesNumber(cell);
+        return ComparesDates(m_input.id) ? PassesDate(cell) : PassesNumber(cell);
     }
+}
+
+bool ColumnFilter::IsOfToday() const {
+    return m_input.id == FilterOperator::nextDays
+           || (ComparesDates(m_input.id) && (IsToday(m_input.value) || IsToday(m_input.second)));
+}
+
+bool ColumnFilter::PassesDate(std::string_view cell) const {
+    const auto date = ReadDate(cell);
+    if (!date) return false;
+    const std::int64_t day = DayOf(*date);
+    return m_firstDay <= day && day <= m_lastDay;
 }
 
 bool ColumnFilter::PassesNumber(std::string_view cell) const {
@@ -124,6 +223,7 @@ void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& re
         }
         records.resize(kept);
     };
+    if (m_condition) std::erase_if(records, [&](std::uint32_t record) { return !m_condition(record); });
     if (m_owner) drop(*m_owner);
     std::ranges::for_each(m_filters, drop);
 }

@@ -1,5 +1,7 @@
 #include "host/korvexcontrols/model/Export.h"
 
+#include "host/korvexcontrols/model/CellDates.h"
+
 #include <algorithm>
 
 namespace korvex {
@@ -39,8 +41,16 @@ void AddOnOneLine(std::string& text, std::string_view cell, bool disarm) {
 struct Notation {
     char separator;
     void (*add)(std::string& text, std::string_view cell, bool disarm);
+    bool isoDates; // a program reads it
 };
-constexpr Notation kCsv{',', AddQuoted}, kTabbed{'\t', AddOnOneLine};
+constexpr Notation kCsv{',', AddQuoted, true}, kTabbed{'\t', AddOnOneLine, false};
+
+void AddCell(std::string& text, std::string_view cell, ValueType type, const Notation& notation) {
+    const bool mayBeDate = type == ValueType::text || type == ValueType::date;
+    if (const auto date = notation.isoDates && mayBeDate ? IsoDate(cell) : std::nullopt)
+        return notation.add(text, *date, false);
+    notation.add(text, cell, MustBeDisarmed(cell, type));
+}
 
 // The source is asked once a column for many rows; the rows are then put together.
 void AddRows(std::string& text, CellSource& source, std::span<const ExportColumn> columns,
@@ -50,9 +60,8 @@ void AddRows(std::string& text, CellSource& source, std::span<const ExportColumn
         source.Cells(records, columns[i].column, &cells[i * records.size()]);
     for (std::size_t row = 0; row < records.size(); ++row) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            const std::string_view cell = cells[i * records.size() + row];
             if (i) text += notation.separator;
-            notation.add(text, cell, MustBeDisarmed(cell, columns[i].type));
+            AddCell(text, cells[i * records.size() + row], columns[i].type, notation);
         }
         text += "\r\n";
     }

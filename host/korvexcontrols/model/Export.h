@@ -16,7 +16,7 @@ struct ExportColumn {
     ValueType type;
 };
 
-// Comma-separated values as RFC 4180 has them, under a line of headings.
+// Comma-separated values as RFC 4180 has them, under a line of headings; dates as 2027-03-05.
 std::string ToCsv(CellSource& source, std::span<const ExportColumn> columns,
                   std::span<const std::uint32_t> records);
 // For the clipboard: cells between tabs; tabs and line breaks inside a cell become blanks.

@@ -62,6 +62,111 @@ std::optional<ColumnsState> ReadColumns(std::string_view line, std::size_t colum
 
 namespace {
 
+constexpr std::string_view kSpecial = "%;|,\r\n=";
+constexpr char kParts = '|';
+constexpr std::string_view kHex = "0123456789ABCDEF";
+
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (kSpecial.find(character) == kSpecial.npos) {
+            escaped += character;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(character);
+        escaped += {'%', kHex[byte / kHex.size()], kHex[byte % kHex.size()]};
+    }
+    return escaped;
+}
+
+std::string Unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto byte =
+            text[at] == '%' ? base::ReadNumber<unsigned char>(text.substr(at + 1, 2), 16) : std::nullopt;
+        plain += byte ? static_cast<char>(*byte) : text[at];
+        if (byte) at += 2;
+    }
+    return plain;
+}
+
+std::vector<std::string_view> Parts(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (std::size_t end = 0; end != text.npos; text.remove_prefix(end == text.npos ? 0 : end + 1)) {
+        end = text.find(separator);
+        parts.push_back(text.substr(0, end));
+    }
+    return parts;
+}
+
+template <class Range, class Write>
+std::string Joined(const Range& range, const Write& write) {
+    std::string joined;
+    for (const auto& value : range) {
+        if (!joined.empty()) joined += kParts;
+        joined += write(value);
+    }
+    return joined;
+}
+
+std::optional<int> ReadColumn(std::string_view text, std::size_t columns) {
+    const auto column = base::ReadNumber<int>(text);
+    if (!column || *column < 0 || static_cast<std::size_t>(*column) >= columns) return std::nullopt;
+    return column;
+}
+
+std::optional<KeptFilter> ReadFilter(std::string_view text, std::size_t columns) {
+    const auto parts = Parts(text, kSeparator);
+    if (parts.size() != 4) return std::nullopt;
+    const auto column = ReadColumn(parts[0], columns);
+    const auto id = base::ReadNumber<int>(parts[1]);
+    // The owner's is not the user's.
+    if (!column || !id || *id < 0 || *id >= static_cast<int>(FilterOperator::exactly)) return std::nullopt;
+    KeptFilter filter{*column, {static_cast<FilterOperator>(*id), Unescaped(parts[2]), Unescaped(parts[3])}};
+    if (!ColumnFilter::FaultOf(filter.input).empty()) return std::nullopt;
+    return filter;
+}
+
+} // namespace
+
+std::string WriteRows(const RowsState& state) {
+    const auto sort = [](const RowsState::By& by) {
+        return std::to_string(by.column) + (by.descending ? "-" : "+");
+    };
+    const auto filter = [](const KeptFilter& kept) {
+        return std::to_string(kept.column) + kSeparator + std::to_string(static_cast<int>(kept.input.id))
+               + kSeparator + Escaped(kept.input.value) + kSeparator + Escaped(kept.input.second);
+    };
+    return Joined(state.sort, sort) + kBetween + Joined(state.filters, filter) + kBetween
+           + Escaped(state.condition) + kBetween + Joined(state.switches, Escaped);
+}
+
+std::optional<RowsState> ReadRows(std::string_view line, std::size_t columns) {
+    const auto parts = Parts(line, kBetween);
+    if (parts.size() != 4) return std::nullopt;
+    RowsState state;
+    if (!parts[0].empty())
+        for (const std::string_view by : Parts(parts[0], kParts)) {
+            if (by.empty() || (by.back() != '+' && by.back() != '-')) return std::nullopt;
+            const auto column = ReadColumn(by.substr(0, by.size() - 1), columns);
+            if (!column) return std::nullopt;
+            state.sort.push_back({*column, by.back() == '-'});
+        }
+    if (!parts[1].empty())
+        for (const std::string_view text : Parts(parts[1], kParts)) {
+            auto filter = ReadFilter(text, columns);
+            if (!filter) return std::nullopt;
+            state.filters.push_back(std::move(*filter));
+        }
+    state.condition = Unescaped(parts[2]);
+    if (!parts[3].empty())
+        for (const std::string_view name : Parts(parts[3], kParts))
+            state.switches.push_back(Unescaped(name));
+    return state;
+}
+
+namespace {
+
 // The result is rounded; none of the values is negative.
 int Portion(int whole, int part, int of) {
     return static_cast<int>((std::int64_t{whole} * part + of / 2) / of);

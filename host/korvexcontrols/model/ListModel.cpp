@@ -70,6 +70,19 @@ ListChange ListModel::SetOwnerFilter(std::int32_t column, const std::string_view
     return Rearrange([&] { m_rows.Filters().SetOwner(column, text); });
 }
 
+ListChange ListModel::SetCondition(RowFilters::Condition condition) {
+    return Rearrange([&] { m_rows.Filters().SetCondition(std::move(condition)); });
+}
+
+ListChange ListModel::Arrange(std::span<const KeptFilter> filters, std::vector<SortColumn> sort) {
+    return Rearrange([&] {
+        m_rows.Filters().Clear();
+        for (const KeptFilter& filter : filters)
+            m_rows.Filters().Set(filter.column, &filter.input);
+        m_rows.SetSort(std::move(sort));
+    });
+}
+
 ListChange ListModel::SetSort(std::vector<SortColumn> columns) {
     return Rearrange([&] { m_rows.SetSort(std::move(columns)); });
 }

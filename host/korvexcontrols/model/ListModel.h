@@ -48,6 +48,10 @@ public:
     ListChange ClearFilters(); // but the owner's
     // The text must equal the cell exactly, beside the filters of the columns; null takes it away.
     ListChange SetOwnerFilter(std::int32_t column, const std::string_view* text);
+    // What else the owner decides of each record; none takes it away.
+    ListChange SetCondition(RowFilters::Condition condition);
+    // Filters and sort in one step.
+    ListChange Arrange(std::span<const KeptFilter> filters, std::vector<SortColumn> sort);
     // No column is the natural order.
     ListChange SetSort(std::vector<SortColumn> columns);
 

@@ -1,5 +1,6 @@
 #include "host/korvexcontrols/model/SortOrder.h"
 
+#include "host/korvexcontrols/model/CellDates.h"
 #include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
@@ -10,31 +11,63 @@ namespace {
 
 constexpr std::uint64_t kNoNumber = UINT64_MAX, kBefore = 0, kBehind = UINT64_MAX;
 constexpr std::size_t kKeyText = 7, kLongerThanKey = kKeyText + 1;
+constexpr unsigned kLengthBits = 4; // enough for the latter
 // Below these, comparing cells costs less than fetching them together, and comparing keys less than counting
 // their bytes.
 constexpr std::size_t kFew = 8, kManyKeys = 512;
 
 // The key holds seven folded bytes behind the offset, then how many there are, at most eight. So a text comes
 // before those that begin with it, and two keys are equal when the texts are, unless both are longer.
-std::uint64_t KeyAt(std::string_view text, std::size_t offset) {
+std::uint64_t KeyAt(std::string_view text, std::size_t offset, unsigned lengthBits = 8) {
     const std::size_t rest = text.size() - offset;
     std::uint64_t key = 0;
     for (std::size_t i = 0; i < kKeyText; ++i)
         key = key << 8 | (i < rest ? Fold(text[offset + i]) : 0u);
-    return key << 8 | std::min(rest, kLongerThanKey);
+    return key << lengthBits | std::min(rest, kLongerThanKey);
 }
 
-bool IsWhole(std::uint64_t key) {
-    return (key & 0xFF) < kLongerThanKey;
+// Where some cells have a value: that, or the text behind all of them.
+std::uint64_t KeyAmongValues(std::string_view text) {
+    constexpr std::uint64_t noValue = std::uint64_t{1} << 63;
+    if (const auto value = ReadTextValue(text)) return *value;
+    return noValue | KeyAt(text, 0, kLengthBits);
+}
+
+bool IsWhole(std::uint64_t key, bool hasValues) {
+    if (hasValues && key >> 63 == 0) return true;
+    return (key & ((1u << kLengthBits) - 1)) < kLongerThanKey;
+}
+
+std::optional<DecimalKey> KeyOf(std::string_view cell, ValueType type) {
+    if (type != ValueType::date) return ReadKey(cell);
+    const auto date = ReadDate(cell);
+    return date ? std::optional(DecimalKey{*date, true}) : std::nullopt;
 }
 
 // It is false when another number may have the same key.
-bool MakeNumberKey(std::string_view cell, bool descending, std::uint64_t& key) {
-    const auto made = ReadKey(cell);
+bool MakeNumberKey(std::string_view cell, const SortColumn& by, std::uint64_t& key) {
+    const auto made = KeyOf(cell, by.type);
     key = kNoNumber;
     if (!made) return true;
-    key = static_cast<std::uint64_t>(descending ? -made->key : made->key) ^ (std::uint64_t{1} << 63);
+    key = static_cast<std::uint64_t>(by.descending ? -made->key : made->key) ^ (std::uint64_t{1} << 63);
     return made->exact;
+}
+
+template <class Value>
+int Compare(const std::optional<Value>& one, const std::optional<Value>& other) {
+    if (one && other) return (*one > *other) - (*one < *other);
+    return static_cast<int>(!one) - static_cast<int>(!other);
+}
+
+int CompareDates(std::string_view one, std::string_view other, bool descending) {
+    const auto left = ReadDate(one), right = ReadDate(other);
+    const int order = Compare(left, right);
+    return descending && left && right ? -order : order;
+}
+
+int CompareTexts(std::string_view one, std::string_view other) {
+    const auto left = ReadTextValue(one), right = ReadTextValue(other);
+    return left || right ? Compare(left, right) : CompareFolded(one, other);
 }
 
 int CompareNumbers(std::string_view one, std::string_view other, bool descending) {
@@ -46,7 +79,8 @@ int CompareNumbers(std::string_view one, std::string_view other, bool descending
 
 int CompareCells(const SortColumn& by, std::string_view one, std::string_view other) {
     if (IsNumeric(by.type)) return CompareNumbers(one, other, by.descending);
-    const int order = CompareFolded(one, other);
+    if (by.type == ValueType::date) return CompareDates(one, other, by.descending);
+    const int order = by.type == ValueType::text ? CompareTexts(one, other) : CompareFolded(one, other);
     return by.descending ? -order : order;
 }
 
@@ -69,6 +103,8 @@ std::vector<SortColumn> AfterClick(std::vector<SortColumn> columns, std::int32_t
 
 // Texts without the prefix come before or behind all that have it.
 std::uint64_t SortOrder::TextKey(std::string_view cell) const {
+    if (m_hasValues) return KeyAmongValues(cell);
+    if (m_columns.front().type == ValueType::text && HasTextValue(cell)) return kBefore;
     if (StartsWithFolded(cell, m_prefix)) return KeyAt(cell, m_prefix.size());
     return CompareFolded(cell, m_prefix) < 0 ? kBefore : kBehind;
 }
@@ -77,11 +113,11 @@ std::uint64_t SortOrder::MakeKey(std::uint32_t record) {
     const SortColumn& by = m_columns.front();
     const std::string_view cell = m_source.Cell(record, by.column);
     std::uint64_t key = 0;
-    if (IsNumeric(by.type)) {
-        m_exact &= MakeNumberKey(cell, by.descending, key);
+    if (!IsText(by.type)) {
+        m_exact &= MakeNumberKey(cell, by, key);
     } else {
         key = TextKey(cell);
-        m_exact &= IsWhole(key) && key != kBefore;
+        m_exact &= IsWhole(key, m_hasValues) && key != kBefore;
         if (by.descending) key = ~key;
     }
     return key;
@@ -157,30 +193,45 @@ void SortOrder::SortByKey(std::span<Item> items) {
 
 bool SortOrder::MakeNumberKeys(std::span<Item> items, const SortColumn& by) {
     bool exact = true;
-    ForCells(items, by.column, [&](std::size_t i, std::string_view cell) {
-        exact &= MakeNumberKey(cell, by.descending, items[i].key);
-    });
+    ForCells(items, by.column,
+             [&](std::size_t i, std::string_view cell) { exact &= MakeNumberKey(cell, by, items[i].key); });
     return exact;
 }
 
 SortOrder::Made SortOrder::MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset) {
     const SortColumn& by = m_columns[level];
+    if (IsText(by.type)) return MakeTextKeys(items, level, offset);
     Made made;
-    if (IsNumeric(by.type)) {
-        made.exact = MakeNumberKeys(items, by);
-        return made;
-    }
+    made.exact = MakeNumberKeys(items, by);
+    return made;
+}
+
+SortOrder::Made SortOrder::MakeTextKeys(std::span<Item> items, std::size_t level, std::size_t offset) {
+    const SortColumn& by = m_columns[level];
+    Made made;
     std::vector<std::string_view> cells(items.size());
     ForCells(items, by.column, [&](std::size_t i, std::string_view cell) { cells[i] = cell; });
+    // Cells that agree in what stood before the offset are all without a value.
+    made.hasValues = offset == 0 && by.type == ValueType::text && std::ranges::any_of(cells, HasTextValue);
+    if (level + offset == 0) m_hasValues = made.hasValues;
+    made.behind = kKeyText;
+    if (made.hasValues) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const std::uint64_t key = KeyAmongValues(cells[i]);
+            made.exact &= IsWhole(key, true);
+            items[i].key = by.descending ? ~key : key;
+        }
+        return made;
+    }
     std::string_view prefix = cells.front();
     for (const std::string_view cell : cells)
         prefix = prefix.substr(0, offset + CommonPrefixFolded(cell.substr(offset), prefix.substr(offset)));
     for (std::size_t i = 0; i < items.size(); ++i) {
         const std::uint64_t key = KeyAt(cells[i], prefix.size());
-        made.exact &= IsWhole(key);
+        made.exact &= IsWhole(key, false);
         items[i].key = by.descending ? ~key : key;
     }
-    made.behind = prefix.size() + kKeyText;
+    made.behind += prefix.size();
     if (level + offset == 0) m_prefix = prefix;
     return made;
 }
@@ -201,11 +252,11 @@ void SortOrder::SortTies(std::span<Item> items, std::size_t level, const Made& m
         const auto end = std::find_if(begin, items.end(), [&](const Item& item) { return item.key != key; });
         const std::span<Item> run(begin, end);
         begin = end;
-        if (IsNumeric(by.type)) {
+        if (!IsText(by.type)) {
             const bool open = !made.exact && key != kNoNumber;
             open ? SortByCells(run, level) : SortRun(run, level + 1, 0);
         } else {
-            const bool whole = IsWhole(by.descending ? ~key : key);
+            const bool whole = IsWhole(by.descending ? ~key : key, made.hasValues);
             whole ? SortRun(run, level + 1, 0) : SortRun(run, level, made.behind);
         }
     }
@@ -214,6 +265,7 @@ void SortOrder::SortTies(std::span<Item> items, std::size_t level, const Made& m
 std::vector<std::uint64_t> SortOrder::Sort(std::vector<std::uint32_t>& records) {
     m_prefix.clear();
     m_exact = true;
+    m_hasValues = m_columns.front().type == ValueType::text; // those to come may have
     if (records.empty()) return {};
     std::vector<Item> items(records.size());
     for (std::size_t i = 0; i < items.size(); ++i)

@@ -1,9 +1,11 @@
-// The order of records by the cells of several columns: numbers by value, what is no number behind them; text
-// without the case of ASCII letters; and among equals the newest first.
+// The order of records by the cells of several columns: numbers and dates by value, what is none behind them;
+// of text whole numbers and dates by value, then the others without the case of ASCII letters; and among equals
+// the newest first.
 //
 // Each record has a key of its first column, eight bytes that compare as the cells do: a number in units of
-// 1/10000; of a text what follows the prefix that all had when they were sorted, seven bytes and its length.
-// Cells are compared only where keys are equal.
+// 1/10000; of a text what follows the prefix that all had when they were sorted, seven bytes and its length;
+// and where cells of text had values, the value, or all of the text behind a bit. Cells are compared only where
+// keys are equal.
 #pragma once
 
 #include "host/korvexcontrols/model/Cells.h"
@@ -63,6 +65,7 @@ private:
     // It says what the keys of a run leave open.
     struct Made {
         bool exact = true;      // equal keys mean equal cells
+        bool hasValues = false; // cells of text have
         std::size_t behind = 0; // of texts: the first place that no key holds
     };
 
@@ -76,13 +79,15 @@ private:
     Made MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset);
     void SortByKey(std::span<Item> items);
     void SortTies(std::span<Item> items, std::size_t level, const Made& made);
+    Made MakeTextKeys(std::span<Item> items, std::size_t level, std::size_t offset);
     std::uint64_t TextKey(std::string_view cell) const;
 
     CellSource& m_source;
     const RowOrder& m_arrival;
     std::vector<SortColumn> m_columns;
-    std::string m_prefix; // of the first column's texts
-    bool m_exact = true;  // equal keys mean equal cells
+    std::string m_prefix;     // of the first column's texts
+    bool m_hasValues = false; // some of them
+    bool m_exact = true;      // equal keys mean equal cells
     std::vector<Item> m_spare;
 };
 

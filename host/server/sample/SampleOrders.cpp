@@ -18,16 +18,19 @@ const std::vector<std::string_view> kReasons{"Client's request", "Funds not avai
 struct Day {
     Date today;
     Date entered;
+    const MarketDays& market;
 };
 
-// Whatever fell due until today counts as executed.
-void SetProgress(Registration& registration, const InstalmentPlan& plan, Date today) {
-    const Date tomorrow = sys_days(today) + std::chrono::days(1);
-    const int due = std::min(InstalmentsBefore(plan.start, plan.frequency, tomorrow), plan.periods);
-    registration.progress = {due, due, today};
-    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, registration.progress)));
-    const Date next = InstalmentDate(plan.start, plan.frequency, std::min(due, plan.periods - 1));
-    registration.Set(tag::nextExecutionDate, RecordDate(next));
+// What fell due until today counts as executed, on the days on which the server executes.
+void SetProgress(Registration& registration, const InstalmentPlan& plan, const Day& day) {
+    PlanProgress& progress = registration.progress = BeginPlan(plan, day.entered);
+    sys_days next = ExecutionDay(plan, progress, day.market);
+    for (; progress.executed < plan.periods && next <= sys_days(day.today);
+         next = ExecutionDay(plan, progress, day.market))
+        progress = {progress.executed + 1, progress.place + 1, next};
+    registration.Set(tag::endDate, RecordDate(LastDueDate(plan, progress)));
+    registration.Set(tag::nextExecutionDate,
+                     RecordDate(progress.executed < plan.periods ? next : progress.after));
 }
 
 void SetStatus(Registration& registration, const Day& day, int periods, SampleOrders& orders) {
@@ -58,7 +61,7 @@ Registration MakeSample(const Day& day, const UserIdentity& user, std::size_t se
     registration.Set(tag::orderId, "sample-" + std::to_string(sequence));
     registration.Set(tag::streamName, kStreamName);
     const std::string frequency(registration.Text(tag::frequency));
-    SetProgress(registration, {start, frequency, periods}, day.today);
+    SetProgress(registration, {start, frequency, periods}, day);
     SetStatus(registration, day, periods, orders);
     registration.Shrink();
     return registration;
@@ -111,7 +114,7 @@ std::string Fill(Server& server, const FillPlan& plan) {
         for (; done < end; ++done) {
             // Oldest first, as if they had come one after the other.
             const auto age = kDaysBack - static_cast<int>(done * kDaysBack / plan.count);
-            const Day day{today, sys_days(today) - std::chrono::days(age)};
+            const Day day{today, sys_days(today) - std::chrono::days(age), server.Clock().Market()};
             batch.push_back(MakeSample(day, orders.AnyOf(plan.users), first + batch.size(), orders));
         }
         if (std::string fault = server.EnterMadeUp(std::move(batch)); !fault.empty()) return fault;

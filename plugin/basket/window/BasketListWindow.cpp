@@ -11,8 +11,11 @@ constexpr unsigned kListCommands = 26200; // of a hundred
 
 bool BasketListWindow::Attach(HWND list) {
     const auto columns = ListColumns<BasketColumn>(kBasketListColumns);
-    return m_list.Attach(
-        {list, kName, this, columns.data(), static_cast<std::int32_t>(columns.size()), kListCommands});
+    if (!m_list.Attach(
+            {list, kName, this, columns.data(), static_cast<std::int32_t>(columns.size()), kListCommands}))
+        return false;
+    StretchLastText(m_list);
+    return true;
 }
 
 void BasketListWindow::RemoveAll() {

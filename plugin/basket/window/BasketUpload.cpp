@@ -19,13 +19,16 @@ constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
 constexpr int kPlaceSelectedCommand = 25006;
 constexpr int kPlaceUnsentCommand = 25007;
 constexpr int kPlaceRefusedCommand = 25008;
+constexpr int kImportCommand = 25028;
 
-struct PlaceKey {
+struct ListKey {
     WORD letter; // with Ctrl, in the list
     int command;
 };
-constexpr PlaceKey kPlaceKeys[] = {
-    {'P', kPlaceSelectedCommand}, {'U', kPlaceUnsentCommand}, {'R', kPlaceRefusedCommand}};
+constexpr ListKey kListKeys[] = {{'P', kPlaceSelectedCommand},
+                                 {'U', kPlaceUnsentCommand},
+                                 {'R', kPlaceRefusedCommand},
+                                 {'I', kImportCommand}};
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kStatusTimerMs = 100;
 
@@ -53,6 +56,7 @@ constexpr Action kActions[] = {
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
     {BasketEditing::kSaveTableCommand, [](Basket& basket) { basket.SaveTable(false); }},
+    {kImportCommand, [](Basket& basket) { basket.Runs().Import(); }},
     {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
     {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
     {kPlaceRefusedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::refused); }},
@@ -67,11 +71,21 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
       m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel), m_check(module, session),
       m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
-      m_controls(*this, session, m_basket.Life()), m_recordCommand(std::move(recordCommand)) {}
+      m_import(module, session, boxes), m_controls(*this, session, m_basket.Life()),
+      m_recordCommand(std::move(recordCommand)) {}
 
 void CBasketUpload::Open() {
     BringUp(*this, m_session);
     if (HasWindow()) m_basket.Runs().OfferUnsent();
+}
+
+void CBasketUpload::Add(Pass pass, std::vector<sSipOrderData> orders) {
+    const std::size_t count = orders.size(), added = m_basket.Add(pass, std::move(orders));
+    if (added < count && !m_session.Ended())
+        ShowLast(
+            Format("%zu of %zu orders are not in the basket: the terminal does not know their scrip, or the "
+                   "basket is busy.",
+                   count - added, count));
 }
 
 void CBasketUpload::ShutDown() {
@@ -96,6 +110,7 @@ void CBasketUpload::OnInit() {
 
 void CBasketUpload::OnDestroyed() {
     m_basket.OnClosed();
+    m_import.Destroy();
     m_progress.Destroy();
     m_check.Destroy();
     m_ownSize = {};
@@ -213,6 +228,8 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
         {nullptr, 0},
+        {"Import...\tCtrl+I", kImportCommand, m_basket.Runs().IsBusy()},
+        {nullptr, 0},
     };
     const std::array editing = m_editing.MenuEntries();
     further.insert(further.end(), editing.begin(), editing.end());
@@ -283,7 +300,7 @@ std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
     }
     if (notification.code != LVN_KEYDOWN) return std::nullopt;
     const WORD pressed = reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey;
-    for (const auto& [letter, command] : kPlaceKeys)
+    for (const auto& [letter, command] : kListKeys)
         if (pressed == letter && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
             OnButton(command);
             return 0;

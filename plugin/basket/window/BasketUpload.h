@@ -9,6 +9,7 @@
 #include "plugin/basket/window/UnsentOrdersFile.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/controls/window/RunProgressDlg.h"
+#include "plugin/import/window/ImportDlg.h"
 #include "plugin/messaging/RxLink.h"
 #include "plugin/orderentry/window/SipFormControls.h"
 #include "sdk/korvex/FlatSplitterWnd.h"
@@ -31,6 +32,8 @@ public:
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) {
         return m_basket.TakeBack(pass, orders);
     }
+    // The same of new orders; tells of those that it cannot take.
+    void Add(Pass pass, std::vector<sSipOrderData> orders);
     // Takes the window away and gives the control back, for good.
     void ShutDown();
 
@@ -59,6 +62,9 @@ private:
     std::optional<std::string> AskLoadPath(Pass) override;
     std::optional<std::string> AskExportPath(Pass) override;
     std::optional<std::string> AskRejectsPath(Pass) override;
+    std::optional<ImportChoice> AskImport(Pass pass, const BasketRules& rules) override {
+        return m_import.Ask(pass, Dialog::Handle(), rules, FontSize());
+    }
     std::optional<std::string> ReadFile(const std::string& path) override;
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
     std::string DeskLimit(const std::string& key) override;
@@ -91,6 +97,7 @@ private:
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
+    CImportDlg m_import;
     SipFormControls m_controls;
     RecordCommand m_recordCommand;
     ActivateOnEnter m_enter;

@@ -39,6 +39,9 @@ private:
     std::deque<CTypeAheadCombo> m_combos;
 };
 
+// In which a date picker shows its day.
+inline constexpr char kDateFormat[] = "dd/MMM/yyyy";
+
 // Enter and Escape in the calendar of a date picker close the calendar; the form hears nothing of them.
 class CCalendarKeys {
 public:

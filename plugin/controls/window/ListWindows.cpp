@@ -107,6 +107,16 @@ void RowMenu::Close() const {
     if (m_open) EndMenu();
 }
 
+KorvexListExtras* ExtrasOf(CFilterListCtrl& list) {
+    const HMODULE library = GetModuleHandleA("KorvexControls.dll");
+    const FARPROC found = library ? GetProcAddress(library, kKorvexExtrasOf) : nullptr;
+    return found ? reinterpret_cast<KorvexExtrasOfFunction*>(reinterpret_cast<void*>(found))(&list) : nullptr;
+}
+
+void StretchLastText(CFilterListCtrl& list) {
+    if (KorvexListExtras* const extras = ExtrasOf(list)) extras->StretchLastText(1);
+}
+
 std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list) {
     std::vector<RecordId> records(list.SelectedCount());
     records.resize(list.Selected(records.data(), static_cast<std::uint32_t>(records.size())));

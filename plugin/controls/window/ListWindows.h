@@ -5,7 +5,7 @@
 #include "framework/Subclass.h"
 #include "plugin/base/LongRun.h"
 #include "plugin/controls/Lists.h"
-#include "sdk/korvex/FilterListCtrl.h"
+#include "sdk/korvex/ListExtras.h"
 #include "sdk/korvex/QVBrickBar.h"
 
 #include <windows.h>
@@ -54,6 +54,11 @@ std::vector<KorvexColumn> ListColumns(std::span<const Column> columns) {
         result.push_back({column.heading, column.width, column.align == Align::right, column.type});
     return result;
 }
+
+// What the list does besides; null where its library does not know it.
+KorvexListExtras* ExtrasOf(CFilterListCtrl& list);
+// Gives the last text column what room the others leave, where the list can.
+void StretchLastText(CFilterListCtrl& list);
 
 // The shown, selected records from the top.
 std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list);

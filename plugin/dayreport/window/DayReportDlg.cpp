@@ -14,7 +14,6 @@ namespace {
 
 constexpr char kName[] = "SIPDayReport";
 constexpr unsigned kListCommands = 26400; // of a hundred
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
 // A button's width in the template's units, of which four are a letter.
 constexpr int kButtonUnits = 54;
 
@@ -55,44 +54,25 @@ void CDayReportDlg::OnInit() {
 void CDayReportDlg::OnDestroyed() {
     m_progress.Destroy();
     m_report.Forget();
-    m_ownSize = {};
+    m_frame.Forget();
 }
 
-SIZE CDayReportDlg::WindowSize() const {
-    RECT place{};
-    GetWindowRect(Handle(), &place);
-    return {place.right - place.left, place.bottom - place.top};
-}
-
-// What the user has made the window larger by stays.
 void CDayReportDlg::LayOut(UINT dpi) {
-    const bool normal = m_ownSize.cx && !IsIconic(Handle()) && !IsZoomed(Handle());
-    const SIZE before = normal ? WindowSize() : m_ownSize;
-    const SIZE larger{before.cx - m_ownSize.cx, before.cy - m_ownSize.cy};
-    m_ownSize = {}; // meanwhile the sizes belong neither to the old layout nor to the new one
-    Dialog::LayOut(dpi);
-    SetCaptionIcon(IDI_CALENDAR);
-    RECT list{};
-    GetWindowRect(Item(IDC_DAY_LIST).Handle(), &list);
-    m_listCorner = {list.left, list.top};
-    ScreenToClient(Handle(), &m_listCorner);
-    if (!IsIconic(Handle()) && !IsZoomed(Handle())) {
-        m_ownSize = WindowSize();
-        framework::ResizeOnScreen(Handle(), {m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy});
-    }
+    m_frame.Renew([&] {
+        Dialog::LayOut(dpi);
+        SetCaptionIcon(IDI_CALENDAR);
+    });
     Item(IDC_DAY_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_DAY_TODAY).Send(WM_GETFONT)));
     Arrange();
 }
 
 // The list takes what the line above and the status bar below leave.
 void CDayReportDlg::Arrange() {
-    if (!m_ownSize.cx) return;
-    const RECT client = Self().ClientRect();
+    if (!m_frame.HasRoom()) return;
     m_statusBar.Place();
     const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     ShowStatus();
-    const auto [left, top] = m_listCorner;
-    Item(IDC_DAY_LIST).Move({left, top, client.right - left, std::max(top, client.bottom - status - left / 2)});
+    Item(IDC_DAY_LIST).Move(m_frame.Room(status));
 }
 
 void CDayReportDlg::ShowStatus() {
@@ -107,7 +87,7 @@ std::optional<LRESULT> CDayReportDlg::OnMessage(UINT message, WPARAM wParam, LPA
         Arrange();
         return std::nullopt;
     case WM_GETMINMAXINFO:
-        if (m_ownSize.cx) reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+        m_frame.SetLeastSize(lParam);
         return 0;
     case WM_SYSCOLORCHANGE:
         return Item(IDC_DAY_LIST).Send(message);

@@ -3,9 +3,11 @@
 
 #include "framework/Dialog.h"
 #include "plugin/controls/window/FormKeys.h"
+#include "plugin/controls/window/ListFrame.h"
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/dayreport/DayReport.h"
+#include "plugin/resources/resource.h"
 #include "sdk/korvex/QVBrickBar.h"
 
 namespace planfold {
@@ -45,7 +47,6 @@ private:
 
     void ShowDay(const LocalDateTime& day);
     bool OnKey(WPARAM key, LPARAM keyData);
-    SIZE WindowSize() const;
     void Arrange();
     void ShowStatus();
 
@@ -58,8 +59,7 @@ private:
     CRunProgressDlg m_progress;
     CCalendarKeys m_calendar;
     RowMenu m_menu;
-    SIZE m_ownSize{};     // of the window as the template has it, in its font
-    POINT m_listCorner{}; // in the client area
+    ListFrame m_frame{*this, IDC_DAY_LIST};
 };
 
 } // namespace planfold

@@ -49,15 +49,15 @@ public:
         m_rowHeight = Extent("0").cy + Scaled(2, dpi);
     }
 
-    void Paint(const HistoryChart& chart);
+    void Paint(const BarChart& chart);
 
 private:
     SIZE Extent(const std::string& text) const;
     void Text(int left, int top, const std::string& text) const;
     void Part(const RECT& place, std::size_t part) const;
     void Line(int y, int style, int colour) const;
-    void Heading(const HistoryChart& chart, const std::vector<ChartBar>& bars);
-    void Scale(double top);
+    void Heading(const BarChart& chart, const std::vector<ChartBar>& bars);
+    void Scale(const BarChart& chart, double top);
     void Bars(const std::vector<ChartBar>& bars, double top) const;
     void Dates(const std::vector<ChartBar>& bars) const;
     int Pitch(std::size_t bars, std::size_t at) const;
@@ -97,7 +97,7 @@ void Painter::Line(int y, int style, int colour) const {
 }
 
 // The legend stands behind it, in as many rows as it needs.
-void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& bars) {
+void Painter::Heading(const BarChart& chart, const std::vector<ChartBar>& bars) {
     const int gap = Scaled(kGap, m_dpi);
     const int side = m_rowHeight - gap;
     const std::string heading = chart.Heading(bars);
@@ -106,6 +106,7 @@ void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& ba
     int top = m_area.top;
     const auto legend = chart.Legend();
     for (std::size_t part = 0; part < legend.size(); ++part) {
+        if (legend[part].empty()) continue;
         const int width = side * 2 + gap + Extent(legend[part]).cx;
         if (left + width > m_area.right && left > m_area.left) {
             left = m_area.left;
@@ -118,9 +119,9 @@ void Painter::Heading(const HistoryChart& chart, const std::vector<ChartBar>& ba
     m_plot.top = top + m_rowHeight * 3 / 2;
 }
 
-void Painter::Scale(double top) {
+void Painter::Scale(const BarChart& chart, double top) {
     const int gap = Scaled(kGap, m_dpi);
-    const std::string highest = ValueText(top);
+    const std::string highest = chart.Value(top);
     m_plot.bottom = m_area.bottom - m_rowHeight - gap / 2;
     m_plot.left = m_area.left + Extent(highest).cx + gap;
     const int half = m_rowHeight / 2;
@@ -180,19 +181,19 @@ void Painter::Dates(const std::vector<ChartBar>& bars) const {
     }
 }
 
-void Painter::Paint(const HistoryChart& chart) {
+void Painter::Paint(const BarChart& chart) {
     const int room = (m_area.right - m_area.left) / Scaled(kNarrowestPitch, m_dpi);
     const auto bars = chart.Bars(static_cast<std::size_t>(std::max(room, 1)));
     const double top = ScaleTop(bars);
     Heading(chart, bars);
-    Scale(top);
+    Scale(chart, top);
     Bars(bars, top);
     Dates(bars);
 }
 
 } // namespace
 
-void PaintHistoryChart(HDC target, const RECT& area, HFONT font, UINT dpi, const HistoryChart& chart) {
+void PaintBarChart(HDC target, const RECT& area, HFONT font, UINT dpi, const BarChart& chart) {
     const MemoryDc dc(CreateCompatibleDC(target));
     const Bitmap bitmap(CreateCompatibleBitmap(target, area.right, area.bottom));
     const Pen pen(CreatePen(PS_SOLID, 1, GetSysColor(COLOR_WINDOWTEXT)));

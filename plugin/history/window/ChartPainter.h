@@ -1,4 +1,4 @@
-// Paints the chart of the order history into a rectangle, in the system's colours, at any resolution.
+// Paints a chart of bars into a rectangle, in the system's colours, at any resolution.
 #pragma once
 
 #include "plugin/history/HistoryChart.h"
@@ -8,6 +8,6 @@
 namespace planfold {
 
 // At once, as one picture: nothing flickers. `font` is for all texts.
-void PaintHistoryChart(HDC target, const RECT& area, HFONT font, UINT dpi, const HistoryChart& chart);
+void PaintBarChart(HDC target, const RECT& area, HFONT font, UINT dpi, const BarChart& chart);
 
 } // namespace planfold

@@ -39,6 +39,7 @@ void CSIPOrderHistoryDlg::OnInit() {
     const auto columns = ListColumns<HistoryColumn>(kHistoryColumns);
     m_list.Attach({Item(IDC_HISTORY_LIST).Handle(), "SIPOrderHistory", this, columns.data(),
                    static_cast<std::int32_t>(columns.size()), kListCommands});
+    StretchLastText(m_list);
     m_splitter.Create({Handle(), m_list.Handle(), IDC_HISTORY_SPLITTER, "SIPOrderHistory", kListShare,
                        kLeastList, kLeastBelow});
     Arrange();
@@ -93,6 +94,7 @@ void CSIPOrderHistoryDlg::Arrange() {
     const RECT above = m_splitter.First();
     for (auto [id, place] : m_places) {
         OffsetRect(&place, 0, above.bottom - list.bottom);
+        if (id == IDC_HISTORY_REMARKS) place.right = area.right;
         if (id == IDC_HISTORY_CHART)
             place = {place.left, place.top, area.right, std::max(place.top, area.bottom)};
         Item(id).Move(id == IDC_HISTORY_LIST ? above : place);
@@ -118,7 +120,7 @@ std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wPara
         if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
         if (m_chartIsOld) RefreshChart();
         const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
-        PaintHistoryChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
+        PaintBarChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
         return TRUE;
     }
     case WM_CONTEXTMENU:
@@ -189,11 +191,12 @@ std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {
     return HasWindow() && focused != UINT32_MAX ? std::optional<std::size_t>(focused) : std::nullopt;
 }
 
-void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details) {
+void CSIPOrderHistoryDlg::ShowDetails(const HistoryDetails& details, const std::string& remarks) {
     // All is drawn again: what waited to be painted before, as a row that lost the focus, may be forgotten.
     const framework::RedrawHold hold(Handle());
     for (std::size_t i = 0; i < details.size(); ++i)
         Item(IDC_HISTORY_DETAIL + static_cast<int>(i)).SetText(details[i]);
+    Item(IDC_HISTORY_REMARKS).SetText(remarks);
 }
 
 void CSIPOrderHistoryDlg::Show(bool shown) {

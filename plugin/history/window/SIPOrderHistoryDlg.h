@@ -44,7 +44,7 @@ private:
     void ListRecords() override;
     void OnRecordChanged() override;
     std::optional<std::size_t> FocusedRecord() const override;
-    void ShowDetails(const HistoryDetails& details) override;
+    void ShowDetails(const HistoryDetails& details, const std::string& remarks) override;
     void Show(bool shown) override;
 
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,

@@ -14,46 +14,6 @@
 
 namespace planfold {
 
-bool BookListWindow::Attach(HWND list) {
-    const auto columns = ListColumns(m_args.columns);
-    return m_list.Attach({list, m_args.name, this, columns.data(), static_cast<std::int32_t>(columns.size()),
-                          m_args.firstCommand});
-}
-
-void BookListWindow::FilterBy(int column, std::string_view text) {
-    m_list.SetOwnerFilter(column, text.empty() ? nullptr : std::string(text).c_str());
-}
-
-// The control follows once for what is selected, and once for what goes.
-std::vector<RecordId> BookListWindow::RemoveSelected(std::span<const RecordId> records) {
-    std::vector<RecordId> selected = Selected(), removed;
-    std::ranges::sort(selected);
-    m_list.BeginChanges();
-    for (const RecordId record : records)
-        if (std::ranges::binary_search(selected, record)) {
-            m_list.Deselect(record);
-            m_list.Remove(record);
-            removed.push_back(record);
-        }
-    m_list.EndChanges();
-    return removed;
-}
-
-void BookListWindow::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
-                               KorvexText* texts) noexcept {
-    const OrderField field = m_args.columns[static_cast<std::size_t>(column)].field;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::string_view text = m_records[records[i]].Text(field);
-        texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
-    }
-}
-
-std::int32_t BookListWindow::RowLook(std::uint32_t record) noexcept {
-    const std::string_view status = m_records[record].Text(OrderField::sipStatus);
-    if (status == kPausedStatus) return kKorvexAttention;
-    return IsCancelled(status) || status == "expired" ? kKorvexMuted : kKorvexPlain;
-}
-
 namespace {
 
 constexpr WPARAM kMostCharacters = 250;
@@ -89,7 +49,11 @@ namespace {
 
 constexpr unsigned kRegisteredListCommands = 26000;
 constexpr unsigned kCancelledListCommands = 26100;
-constexpr int kCountWidth = 90; // pixels at 96 DPI
+constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R', kCopyToBasketKey = 'B'; // with Ctrl
+constexpr int kCountWidth = 90, kConnectionWidth = 170;                               // pixels at 96 DPI
+constexpr int kStatusPart = 2, kConnectionPart = 3;                                   // behind both counts
+constexpr UINT_PTR kSecond = 1;
+constexpr UINT kShowStatus = WM_APP + 1;
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
 
 struct Page {
@@ -118,9 +82,11 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
                              const BookControls& controls, OrderForm orderForm, History history,
                              RecordCommand recordCommand)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
-      m_registered(m_book.Records(), {kName, kRegisteredColumns, kRegisteredListCommands},
+      m_registered(m_book.Records(), session,
+                   {kName, kRegisteredColumns, kRegisteredListCommands, BookConditions()},
                    [this] { ShowCounts(); }),
-      m_cancelled(m_book.Records(), {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands},
+      m_cancelled(m_book.Records(), session,
+                  {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands, BookConditions().last(1)},
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Actions(), CRunProgressDlg::Owner::enabled),
       m_orderForm(std::move(orderForm)), m_history(std::move(history)),
@@ -137,12 +103,16 @@ void COrderBookDlg::OnInit() {
     }
     m_registered.Attach(Item(IDC_REGISTERED_LIST).Handle());
     m_cancelled.Attach(Item(IDC_CANCELLED_LIST).Handle());
+    for (BookListWindow* list : {&m_registered, &m_cancelled})
+        list->SetDay(LocalNow().Midnight());
+    m_filling.Begin();
     if (!m_statusBar.Create(Handle(), IDC_BOOK_STATUS, kName)
         && !m_book.Life().Across([&](Pass pass) { ShowMessage(pass, "Status Bar Creation Failed"); }))
         return;
     LayOut(Self().Dpi());
     ShowPage();
     ShowCounts();
+    SetTimer(Handle(), kSecond, 1000, nullptr);
     m_book.Open(LocalNow());
 }
 
@@ -163,16 +133,22 @@ void COrderBookDlg::LayOut(UINT dpi) {
     for (const int id : {IDC_BOOK_TABS, IDC_REGISTERED_LIST, IDC_CANCELLED_LIST, IDC_BOOK_STATUS})
         Item(id).SetFont(font.Get());
     m_font = std::move(font);
-    const int width = framework::Scaled(kCountWidth, dpi);
-    const int edges[] = {width, 2 * width};
-    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
     Arrange();
+}
+
+void COrderBookDlg::PlaceParts() {
+    const UINT dpi = Self().Dpi();
+    const int width = framework::Scaled(kCountWidth, dpi);
+    const int free = static_cast<int>(Self().ClientRect().right) - framework::Scaled(kConnectionWidth, dpi);
+    const int edges[] = {width, 2 * width, std::max(3 * width, free), -1};
+    m_statusBar.SetParts(edges, static_cast<int>(std::size(edges)));
 }
 
 // The tabs are a strip of their own height, the lists fill what it and the status bar leave.
 void COrderBookDlg::Arrange() {
     const RECT client = Self().ClientRect();
     m_statusBar.Place();
+    PlaceParts();
     RECT status = framework::Window(m_statusBar.Handle()).ClientRect();
     RECT strip{0, 0, client.right, client.bottom};
     Item(IDC_BOOK_TABS).Send(TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&strip));
@@ -205,6 +181,32 @@ void COrderBookDlg::ShowCounts() {
     const CFilterListCtrl* lists[] = {&m_registered.Control(), &m_cancelled.Control()};
     for (int pane = 0; pane < static_cast<int>(std::size(lists)); ++pane)
         m_statusBar.SetText(pane, Format("%d", static_cast<int>(lists[pane]->ShownCount())).c_str());
+    if (!m_tellsStatus && m_open) m_tellsStatus = PostMessageA(Handle(), kShowStatus, 0, 0) != 0;
+}
+
+// Once for a burst of changes.
+void COrderBookDlg::ShowStatus() {
+    m_tellsStatus = false;
+    BookStatus status = (CurrentPage() == 1 ? m_cancelled : m_registered).Status();
+    status.loading = m_filling.IsUnderWay() && m_book.IsFilling();
+    m_statusBar.SetText(kStatusPart, status.Text().c_str());
+    m_statusBar.SetText(kConnectionPart, m_connection.Text().c_str());
+    for (BookListWindow* list : {&m_registered, &m_cancelled})
+        list->SetEmptyText(status.EmptyText());
+}
+
+std::optional<bool> COrderBookDlg::IsConnected() const {
+    const auto ask = reinterpret_cast<sdk::fn::pu_is_connected*>(m_session.lookup("pu_is_connected"));
+    return ask ? std::optional(ask() != 0) : std::nullopt;
+}
+
+void COrderBookDlg::OnTime() {
+    const LocalDateTime now = LocalNow();
+    m_filling.OnTime(m_book.Records().Size());
+    m_connection.Hear(IsConnected(), Format("%02d:%02d", now.hour, now.minute));
+    for (BookListWindow* list : {&m_registered, &m_cancelled})
+        list->SetDay(now.Midnight());
+    ShowStatus();
 }
 
 std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -217,6 +219,13 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     case framework::kOfferedKey:
         return OnEscape(wParam, lParam);
+    case kShowStatus:
+        ShowStatus();
+        return 0;
+    case WM_TIMER:
+        if (wParam != kSecond) return std::nullopt;
+        OnTime();
+        return 0;
     case WM_DESTROY:
         m_boxes.Close(Handle());
         m_menu.Close();
@@ -243,9 +252,12 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
     CFilterListCtrl& control = (cancelled ? m_cancelled : m_registered).Control();
     const RecordId first = m_registered.FirstSelected();
     const auto ofRecord = RecordEntries(m_session);
-    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), ofRecord);
-    std::vector<MenuEntry> further = SeveralRowsMenu(control.SelectedCount());
+    std::vector<MenuEntry> further =
+        cancelled ? std::vector<MenuEntry>() : SeveralRowsMenu(control.SelectedCount());
     further.insert(further.end(), ofRecord.begin(), ofRecord.end());
+    further.insert(further.end(), std::begin(kMorningMenu), std::end(kMorningMenu));
+    if (!cancelled) further.insert(further.end(), std::begin(kChangesMenu), std::end(kChangesMenu));
+    if (cancelled) return m_menu.Open(Handle(), at, control, CancelledMenu(), further);
     m_menu.Open(Handle(), at, control, RegisteredMenu(first == kNoRecord ? nullptr : &m_book.Records()[first]),
                 further);
 }
@@ -253,13 +265,27 @@ void COrderBookDlg::OpenMenu(HWND list, POINT at) {
 bool COrderBookDlg::OnCommand(const framework::Command& command) {
     const auto id = static_cast<std::uint32_t>(command.id);
     if (m_registered.Control().HandleCommand(id) || m_cancelled.Control().HandleCommand(id)) return true;
-    if (command.id == kRefreshCommand) m_book.Refresh();
+    if (command.id == kRefreshCommand) Refresh();
     if (command.id == kOrderHistoryCommand) OpenHistory();
-    if (IsRecordCommand(command.id)) Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
+    if (IsRecordCommand(command.id) || IsMorningCommand(command.id) || IsChangesCommand(command.id))
+        Lifetime::Last([&](Pass pass) { m_recordCommand(pass, command.id); });
     for (const CommandRow& row : kCommands)
         if (row.command == command.id) (m_book.Actions().*row.act)();
     // Escape is no wish to be rid of the book.
     return true;
+}
+
+std::vector<std::string> COrderBookDlg::SelectedNumbers() const {
+    std::vector<std::string> numbers;
+    if (!m_open) return numbers;
+    for (const RecordId record : (CurrentPage() == 1 ? m_cancelled : m_registered).Selected())
+        numbers.emplace_back(m_book.Records()[record].Number());
+    return numbers;
+}
+
+void COrderBookDlg::Refresh() {
+    m_filling.Begin();
+    m_book.Refresh();
 }
 
 // The history is that of the first selected row of the open page.
@@ -271,7 +297,17 @@ void COrderBookDlg::OpenHistory() {
 
 std::optional<LRESULT> COrderBookDlg::OnNotify(const NMHDR& notification) {
     if (!m_open) return std::nullopt;
-    if (notification.idFrom == IDC_BOOK_TABS && notification.code == TCN_SELCHANGE) ShowPage();
+    if (notification.idFrom == IDC_BOOK_TABS && notification.code == TCN_SELCHANGE) {
+        ShowPage();
+        ShowStatus();
+    }
+    if (notification.code == LVN_ITEMACTIVATE) {
+        if (notification.idFrom != IDC_REGISTERED_LIST && notification.idFrom != IDC_CANCELLED_LIST)
+            return std::nullopt;
+        (CurrentPage() == 1 ? m_cancelled : m_registered).SelectFocused();
+        OpenHistory();
+        return 0;
+    }
     if (notification.code == LVN_KEYDOWN
         && OnKey(notification.idFrom, reinterpret_cast<const NMLVKEYDOWN&>(notification).wVKey))
         return 0;
@@ -295,9 +331,22 @@ bool COrderBookDlg::OnKey(UINT_PTR list, int key) {
         m_book.Actions().Cancel();
         return true;
     }
-    if ((key != VK_PRIOR && key != VK_NEXT) || GetKeyState(VK_CONTROL) >= 0) return false;
+    if (key == VK_F5) {
+        Refresh();
+        return true;
+    }
+    if (GetKeyState(VK_CONTROL) >= 0) return false;
+    if (key == kUpcomingRunsKey || key == kRunsOfPeriodKey || key == kCopyToBasketKey) {
+        OnCommand({key == kUpcomingRunsKey   ? kUpcomingRunsCommand
+                   : key == kRunsOfPeriodKey ? kRunsOfPeriodCommand
+                                             : kCopyToBasketCommand,
+                   0, nullptr});
+        return true;
+    }
+    if (key != VK_PRIOR && key != VK_NEXT) return false;
     Item(IDC_BOOK_TABS).Send(TCM_SETCURSEL, key == VK_NEXT ? 1 : 0);
     ShowPage();
+    ShowStatus();
     return true;
 }
 

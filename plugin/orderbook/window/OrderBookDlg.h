@@ -7,7 +7,9 @@
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/orderbook/BookConditions.h"
 #include "plugin/orderbook/BookLists.h"
+#include "plugin/orderbook/BookStatus.h"
 #include "plugin/orderbook/BookView.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "sdk/korvex/FilterListCtrl.h"
@@ -20,16 +22,18 @@
 namespace planfold {
 
 // One of the book's two lists: the shared filter list over the book's records.
-class BookListWindow final : public BookList, private CListOwner {
+class BookListWindow final : public BookList, private CListOwner, private KorvexListWatcher {
 public:
     struct Args {
         const char* name; // under which the user's columns are remembered
         std::span<const BookColumn> columns;
-        unsigned firstCommand; // of a hundred for the list's own menu entries
+        unsigned firstCommand;                     // of a hundred for the list's own menu entries
+        std::span<const BookCondition> conditions; // in the menu, beside the user's own views
     };
 
-    BookListWindow(const OrderCache& records, const Args& args, std::function<void()> shownChanged)
-        : m_records(records), m_args(args), m_shownChanged(std::move(shownChanged)) {}
+    BookListWindow(const OrderCache& records, const Session& session, const Args& args,
+                   std::function<void()> shownChanged)
+        : m_records(records), m_session(session), m_args(args), m_shownChanged(std::move(shownChanged)) {}
 
     // False when the system refuses.
     bool Attach(HWND list);
@@ -44,6 +48,13 @@ public:
     void Remove(RecordId record) override { m_list.Remove(record); }
     void RemoveAll() override { m_list.RemoveAll(); }
     void FilterBy(int column, std::string_view text) override;
+    // What the status line says of the list.
+    BookStatus Status() const;
+    void SetEmptyText(const char* text);
+    // Conditions are about another day.
+    void SetDay(const LocalDateTime& today);
+    // The row that is to be acted upon: without a selected one that of the focus, which is selected then.
+    void SelectFocused();
     std::vector<RecordId> Selected() const override { return SelectedRecords(m_list); }
     RecordId FirstSelected() const override { return FirstSelectedRecord(m_list); }
     std::vector<RecordId> RemoveSelected(std::span<const RecordId> records) override;
@@ -53,11 +64,19 @@ private:
                    KorvexText* texts) noexcept override;
     std::int32_t RowLook(std::uint32_t record) noexcept override;
     void ShownRowsChanged(CFilterListCtrl*) noexcept override { framework::Guard(m_shownChanged); }
+    void ListSaysMore(CFilterListCtrl*) noexcept override { framework::Guard(m_shownChanged); }
+    std::int32_t Meets(std::uint32_t record, std::int32_t condition) noexcept override;
+    std::optional<std::vector<SideSum>> Sums(bool ofSelected) const;
 
     const OrderCache& m_records;
+    const Session& m_session;
     Args m_args;
     std::function<void()> m_shownChanged;
+    LocalDateTime m_today;
+    std::string m_client, m_emptyText;
     CFilterListCtrl m_list;
+    KorvexListExtras* m_extras = nullptr;
+    ActivateOnEnter m_enter;
 };
 
 // Asks for the reason of a cancellation.
@@ -93,7 +112,7 @@ public:
     };
     // Opens the order history of a registration number.
     using History = std::function<void(Pass, const std::string&)>;
-    // A command of the order record's menu entries was chosen.
+    // A command of the menu's that opens another window was chosen.
     using RecordCommand = std::function<void(Pass, int)>;
 
     COrderBookDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes,
@@ -102,6 +121,7 @@ public:
     ~COrderBookDlg() override { Destroy(); }
 
     OrderBook& Book() { return m_book; }
+    std::vector<std::string> SelectedNumbers() const;
     // The list of the open page takes the keyboard.
     void FocusList();
 
@@ -132,9 +152,14 @@ private:
     int CurrentPage() const;
     bool OnKey(UINT_PTR list, int key);
     bool OnEscape(WPARAM key, LPARAM keyData);
+    void PlaceParts();
     void ShowCounts();
+    void ShowStatus();
+    void OnTime();
+    std::optional<bool> IsConnected() const;
     void OpenMenu(HWND list, POINT at);
     void OpenHistory();
+    void Refresh();
 
     Session& m_session;
     framework::MessageBoxes& m_boxes;
@@ -149,6 +174,9 @@ private:
     History m_history;
     RecordCommand m_recordCommand;
     framework::Font m_font;
+    ConnectionNews m_connection;
+    BookFilling m_filling;
+    bool m_tellsStatus = false;
     bool m_open = false;
 };
 

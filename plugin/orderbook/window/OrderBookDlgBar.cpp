@@ -118,6 +118,7 @@ std::optional<LRESULT> COrderBookDlgBar::OnMessage(UINT message, WPARAM wParam, 
     case WM_CLOSE:
         Self().Show(false);
         return 0;
+    case WM_COMMAND: // as a script or an accelerator of the host's sends it
     case COrderBookDlg::kCommandTextMessage:
         return m_dialog.Self().Send(message, wParam, lParam);
     default:

@@ -38,6 +38,11 @@ public:
     // An empty client shows all rows. Nothing without a window.
     void FilterByClient(std::string_view client);
 
+    // Of the registered rows that are selected, from the top.
+    std::vector<std::string> SelectedNumbers() const { return m_dialog.SelectedNumbers(); }
+    // As the book has them; its number of fillings tells that they are others.
+    const OrderCache& Records() { return m_dialog.Book().Records(); }
+
     void OnBroadcast(void* message, std::uint32_t, void*) noexcept override;
     void OnResponse(void*, void* message, void*) noexcept override;
 

@@ -8,7 +8,7 @@ namespace planfold {
 
 namespace {
 
-constexpr framework::ReportList::Column kColumns[] = {{"No", 50}, {"Date", 90}, {"Day", 50}, {"Note", 110}};
+constexpr framework::ReportList::Column kColumns[] = {{"No", 50}, {"Date", 90}, {"Day", 50}, {"Note", 260}};
 constexpr int kRowHeight = 18;
 
 } // namespace
@@ -68,7 +68,7 @@ std::string CPlannedDatesDlg::Cell(int row, int column) const {
     case 2:
         return std::string(WeekdayName(*date));
     default:
-        return PlannedNote(m_plan, row, m_session.m_pNonTradingDates);
+        return PlannedNote(m_plan, row, m_session.ClosedDays());
     }
 }
 

@@ -11,7 +11,6 @@ namespace planfold {
 namespace {
 
 constexpr UINT kClientSearchDelayMs = 700;
-constexpr char kDateFormat[] = "dd/MMM/yyyy";
 
 // After a pick from one of these the host may move the focus on.
 constexpr int kHostDropDowns[] = {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_CLIENT_COMBO};

@@ -25,6 +25,18 @@ CPlanfoldControlBlock::CPlanfoldControlBlock(HINSTANCE module, Identity identity
            [this](Pass, const sOrderinfo& record) { TellChanged(record); }},
           [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
           [this](Pass, int command) { RecordCommand(command); }),
+      m_upcomingRuns(module, m_session, m_orderBook.Records(),
+                     [this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); }),
+      m_runsOfPeriod(module, m_session, m_orderBook.Records(),
+                     {[this](Pass pass, const std::string& number) { OpenOrderHistory(pass, number); },
+                      [this](Pass, std::vector<std::string> numbers) {
+                          OpenCopyPlans(m_runsOfPeriod.Handle(), std::move(numbers), true);
+                      }}),
+      m_copyPlans(
+          module, m_session, m_orderBook.Records(),
+          [this](Pass pass, std::vector<sSipOrderData> orders) { CopyToBasket(pass, std::move(orders)); }),
+      m_changes(module, m_session, boxes, m_orderBook.Records(),
+                [this] { return m_orderBook.SelectedNumbers(); }),
       m_doubts(module, m_session, boxes,
                {[this](Pass) { OpenDayReport(); },
                 [this](Pass pass, std::span<const OrderPlace> orders) { return TakeBack(pass, orders); }}) {
@@ -51,6 +63,10 @@ constexpr CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::RowOf(std::str
 
 const CPlanfoldControlBlock::WindowRow CPlanfoldControlBlock::kWindows[] = {
     RowOf<&CPlanfoldControlBlock::m_doubts>({}),
+    RowOf<&CPlanfoldControlBlock::m_copyPlans>({}),
+    RowOf<&CPlanfoldControlBlock::m_changes>({}),
+    RowOf<&CPlanfoldControlBlock::m_runsOfPeriod>({}),
+    RowOf<&CPlanfoldControlBlock::m_upcomingRuns>({}),
     RowOf<&CPlanfoldControlBlock::m_orderBook>(kBookMenu),
     RowOf<&CPlanfoldControlBlock::m_dayReport>({}),
     RowOf<&CPlanfoldControlBlock::m_orderHistory>({}),
@@ -122,10 +138,13 @@ void CPlanfoldControlBlock::OpenOrderHistory(Pass pass, const std::string& regis
 }
 
 void CPlanfoldControlBlock::RecordCommand(int command) {
-    if (command == kDayReportCommand)
-        OpenDayReport();
-    else
-        m_doubts.Compare();
+    if (command == kDayReportCommand) OpenDayReport();
+    if (command == kCompareCommand) m_doubts.Compare();
+    if (command == kUpcomingRunsCommand) OpenUpcomingRuns();
+    if (command == kRunsOfPeriodCommand) OpenRunsOfPeriod();
+    if (command == kCopyToBasketCommand)
+        OpenCopyPlans(m_orderBook.Handle(), m_orderBook.SelectedNumbers(), false);
+    if (IsChangesCommand(command)) ChangesCommand(command);
 }
 
 std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
@@ -136,6 +155,28 @@ std::size_t CPlanfoldControlBlock::TakeBack(Pass pass, std::span<const OrderPlac
 
 void CPlanfoldControlBlock::OpenDayReport() {
     if (m_recordFile.HasFolder() && SetHostsFont(m_dayReport)) m_dayReport.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenUpcomingRuns() {
+    if (SetHostsFont(m_upcomingRuns)) m_upcomingRuns.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenRunsOfPeriod() {
+    if (SetHostsFont(m_runsOfPeriod)) m_runsOfPeriod.BringUp();
+}
+
+void CPlanfoldControlBlock::OpenCopyPlans(HWND owner, std::vector<std::string> numbers, bool areRuns) {
+    if (!numbers.empty() && SetHostsFont(m_copyPlans)) m_copyPlans.Open(owner, std::move(numbers), areRuns);
+}
+
+void CPlanfoldControlBlock::CopyToBasket(Pass pass, std::vector<sSipOrderData> orders) {
+    if (!SetHostsFont(m_basket)) return;
+    m_basket.Open();
+    if (!m_session.Ended()) m_basket.Add(pass, std::move(orders));
+}
+
+void CPlanfoldControlBlock::ChangesCommand(int command) {
+    if (SetHostsFont(m_changes)) m_changes.OnBookCommand(command, m_orderBook.Handle());
 }
 
 bool CPlanfoldControlBlock::SetHostsFont(const framework::Dialog& dialog) {

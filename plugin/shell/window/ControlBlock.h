@@ -4,10 +4,14 @@
 #include "framework/KeyboardHook.h"
 #include "framework/MessageBoxes.h"
 #include "plugin/basket/window/BasketUpload.h"
+#include "plugin/changes/window/ChangesDlg.h"
 #include "plugin/dayreport/window/DayReportDlg.h"
 #include "plugin/doubts/window/DoubtsWindow.h"
 #include "plugin/history/window/SIPOrderHistoryDlg.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/morning/window/CopyPlansDlg.h"
+#include "plugin/morning/window/PeriodRunsDlg.h"
+#include "plugin/morning/window/UpcomingRunsDlg.h"
 #include "plugin/orderbook/window/OrderBookDlgBar.h"
 #include "plugin/orderentry/window/OrderEntryDlg.h"
 #include "plugin/record/window/RecordFile.h"
@@ -69,6 +73,11 @@ private:
     void TellChanged(const sOrderinfo& record);
     void OpenOrderHistory(Pass pass, const std::string& registrationNumber);
     void OpenDayReport();
+    void OpenUpcomingRuns();
+    void OpenRunsOfPeriod();
+    void OpenCopyPlans(HWND owner, std::vector<std::string> numbers, bool areRuns);
+    void CopyToBasket(Pass pass, std::vector<sSipOrderData> orders);
+    void ChangesCommand(int command);
     void RecordCommand(int command);
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
     void FindSettingsPaths(Pass pass);
@@ -85,6 +94,10 @@ private:
     CSIPOrderHistoryDlg m_orderHistory;
     CDayReportDlg m_dayReport;
     COrderBookDlgBar m_orderBook;
+    CUpcomingRunsDlg m_upcomingRuns;
+    CPeriodRunsDlg m_runsOfPeriod;
+    CCopyPlansDlg m_copyPlans;
+    CChangesDlg m_changes;
     CDoubtsWindow m_doubts;
     std::intptr_t m_nFontVariation = 0; // points
     std::intptr_t m_nFontSize = 0;      // points; 0 is the template's

@@ -132,6 +132,7 @@ StepResult ExpectStatus(ScriptStep& step) {
     const auto part = static_cast<WPARAM>(step.Number(1));
     if (LOWORD(SendMessageA(step.control, SB_GETTEXTLENGTHA, part, 0)) < sizeof text)
         SendMessageA(step.control, SB_GETTEXTA, part, reinterpret_cast<LPARAM>(text));
+    if (IsCaption(text, step.Word(2))) return StepResult::Done();
     return Compare("status " + step.Word(1), text, step.Word(2));
 }
 

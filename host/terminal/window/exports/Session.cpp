@@ -38,6 +38,10 @@ VeskApp* pu_get_exe_app() {
     return Serve(static_cast<VeskApp*>(nullptr), [](Application& application) { return application.Record(); });
 }
 
+int pu_is_connected() {
+    return Serve(0, [](Application& application) { return application.Server().Status().isTrouble ? 0 : 1; });
+}
+
 int pu_is_actionright_enabled(InString right) {
     return Serve(0,
                  [&](Application& application) { return application.State().HasRight(Text(right)) ? 1 : 0; });
