@@ -88,6 +88,19 @@ void PutOnClipboard(HWND owner, const std::string& text) {
     CloseClipboard();
 }
 
+std::optional<std::string> TextOfClipboard(HWND owner) {
+    if (!OpenClipboard(owner)) return std::nullopt;
+    std::optional<std::string> text;
+    if (const HANDLE memory = GetClipboardData(CF_TEXT))
+        if (const auto* from = static_cast<const char*>(GlobalLock(memory))) {
+            // Another program's text may lack its zero.
+            text.emplace(from, strnlen(from, GlobalSize(memory)));
+            GlobalUnlock(memory);
+        }
+    CloseClipboard();
+    return text;
+}
+
 std::optional<std::string> AskForFileToRead(HWND owner, const FileQuestion& question) {
     return Ask(GetOpenFileNameW, owner, question, {}, OFN_FILEMUSTEXIST);
 }

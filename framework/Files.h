@@ -18,6 +18,8 @@ inline void CloseFile(HANDLE file) {
 using File = UniqueHandle<HANDLE, CloseFile>;
 
 void PutOnClipboard(HWND owner, const std::string& text);
+// None when it holds no text.
+std::optional<std::string> TextOfClipboard(HWND owner);
 
 // What the system's dialogs for a file name show. `filter` is pairs of a name and a pattern, each ended by "|".
 struct FileQuestion {

@@ -10,6 +10,7 @@
 #include "sdk/Tags.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace planfold {
@@ -101,8 +102,7 @@ void Basket::AddOrModify() {
                                      m_addAgain))
         return;
     if (!IsModifying()) {
-        m_view.List().InsertFront(m_rows.Add(order.Texts()));
-        LeaveCorrected();
+        TakeIn(order.Texts());
         m_view.ShowStatus();
         return m_runs.KeepUnsentLast();
     }
@@ -115,8 +115,7 @@ void Basket::AddOrModify() {
     LeaveModifyMode();
     m_form.ClearAfterModify();
     if (selected == kNoRecord) return m_view.ShowLast("Order Not Found");
-    m_rows.Replace(selected, order.Texts());
-    m_view.List().Repaint(selected);
+    m_history.Replace(selected, order.Texts());
     m_view.ShowStatus();
     m_runs.KeepUnsentLast();
 }
@@ -155,21 +154,32 @@ void Basket::ActivateRejected(std::size_t index) {
     TellNotShown(*notShown);
 }
 
-// What the form was filled from is in the list now.
-void Basket::LeaveCorrected() {
-    const int number = std::exchange(m_rejected.corrected, 0);
-    if (std::erase_if(m_rejected.lines, [&](const RejectedLine& line) { return line.number == number; }))
-        m_view.ShowPanel();
+// What the form was filled from is in the list then.
+void Basket::TakeIn(const BasketTexts& texts) {
+    const BasketHistory::Change change(m_history);
+    m_history.Add(texts);
+    const auto corrected =
+        std::ranges::find(m_rejected.lines, std::exchange(m_rejected.corrected, 0), &RejectedLine::number);
+    if (corrected == m_rejected.lines.end()) return;
+    m_history.RemoveRejected(static_cast<std::size_t>(corrected - m_rejected.lines.begin()));
+    m_view.ShowPanel();
 }
 
 void Basket::Delete() {
     if (m_runs.IsBusy()) return;
     const std::vector<RecordId> selected = m_view.List().Selected();
     if (selected.empty()) return;
-    m_view.List().RemoveSelected();
-    for (const RecordId record : selected)
-        m_rows.Remove(record);
+    m_history.Remove(selected, [&] { m_view.List().RemoveSelected(); });
     m_view.ShowStatus();
+    m_runs.KeepUnsentLast();
+}
+
+void Basket::GoBack(std::optional<std::string> (BasketHistory::*go)()) {
+    if (m_runs.IsBusy()) return;
+    if (const auto refusal = (m_history.*go)()) return m_view.ShowLast(*refusal);
+    m_runs.LetPlace(m_view.List().RowCount() > m_rows.SentCount());
+    m_view.ShowStatus();
+    m_view.ShowPanel();
     m_runs.KeepUnsentLast();
 }
 
@@ -188,44 +198,50 @@ std::optional<FormOrder> Basket::Complete(Pass pass, sSipOrderData order) const 
 }
 
 std::size_t Basket::Add(Pass pass, std::vector<sSipOrderData> orders) {
-    std::size_t added = 0;
-    if (m_runs.IsBusy()) return added;
+    if (m_runs.IsBusy()) return 0;
+    std::vector<ComingOrder> coming;
     for (sSipOrderData& order : orders) {
-        const auto whole = Complete(pass, std::move(order));
-        if (m_session.Ended()) return added;
-        if (!whole) continue;
-        m_view.List().InsertFront(m_rows.Add(whole->Texts()));
-        ++added;
+        auto whole = Complete(pass, std::move(order));
+        if (m_session.Ended()) return 0;
+        if (whole) coming.push_back({std::move(*whole), kNoOrder});
     }
-    EndAdding();
-    return added;
-}
-
-void Basket::EndAdding() {
-    m_runs.LetPlace(m_view.List().RowCount() > 0);
-    m_view.ShowStatusSoon();
-    m_runs.KeepUnsentLast();
+    return TakeIn(coming);
 }
 
 std::size_t Basket::TakeBack(Pass pass, std::span<const OrderPlace> orders) {
-    std::size_t taken = 0;
-    if (m_runs.IsBusy()) return taken;
+    if (m_runs.IsBusy()) return 0;
+    std::vector<ComingOrder> coming;
+    std::size_t standing = 0;
     for (const OrderPlace place : orders) {
         if (m_rows.ByOrder(place) != kNoRecord) {
-            ++taken;
+            ++standing;
             continue;
         }
         auto sent = OrderOf(m_session.record.Ledger()[place]);
-        const auto order = sent ? Complete(pass, std::move(*sent)) : std::nullopt;
-        if (m_session.Ended()) return taken;
-        if (!order) continue;
-        const RecordId row = m_rows.Add(order->Texts());
-        m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
-        m_view.List().InsertFront(row);
-        ++taken;
+        auto whole = sent ? Complete(pass, std::move(*sent)) : std::nullopt;
+        if (m_session.Ended()) return 0;
+        if (whole) coming.push_back({std::move(*whole), place});
     }
-    EndAdding();
-    return taken;
+    return standing + TakeIn(coming);
+}
+
+// The host was let in before, and with it perhaps a load.
+std::size_t Basket::TakeIn(const std::vector<ComingOrder>& orders) {
+    if (m_runs.IsBusy()) return 0;
+    {
+        const BasketHistory::Change change(m_history);
+        for (const auto& [order, place] : orders) {
+            if (place != kNoOrder && m_rows.ByOrder(place) != kNoRecord) continue;
+            const RecordId row = m_history.Add(order.Texts());
+            if (place == kNoOrder) continue;
+            m_rows.SetOrder(row, place, RowStateOf(m_session.record.Ledger()[place].State()));
+            m_view.List().Repaint(row);
+        }
+    }
+    m_runs.LetPlace(m_view.List().RowCount() > 0);
+    m_view.ShowStatusSoon();
+    m_runs.KeepUnsentLast();
+    return orders.size();
 }
 
 // Only what was submitted: under the box the user may have typed the next order.
@@ -254,6 +270,16 @@ void Basket::Export() {
         m_view.ShowLast(" Basket File Write Error: File Open Error");
 }
 
+std::optional<std::vector<ReviewLine>> Basket::Check() {
+    if (m_runs.IsBusy()) return std::nullopt;
+    std::vector<RecordId> unsent;
+    const BasketList& list = m_view.List();
+    for (std::size_t row = 0; row < list.RowCount(); ++row)
+        if (!m_rows.IsSent(list.RecordAt(row))) unsent.push_back(list.RecordAt(row));
+    return m_questions.Alone(
+        [&](Pass pass) { return ReviewBasket(pass, m_session, m_rows, unsent, m_rejected, m_runs.Limits()); });
+}
+
 void Basket::SaveRejected() {
     if (!m_rejected.lines.empty()) Save([&] { return m_rejected.Text(); });
 }
@@ -264,6 +290,32 @@ void Basket::SaveResults() {
         for (const BasketResult& result : Results())
             AppendBasketLine(m_rows[result.record], text);
         return BasketFileText(std::move(text));
+    });
+}
+
+void Basket::SaveReasons() {
+    if (!m_rejected.lines.empty()) Save([&] { return RejectedTable(m_rejected.lines); });
+}
+
+void Basket::SaveTable(bool resultsOnly) {
+    if (m_view.List().RowCount() == 0) return m_view.ShowLast("No items in the list");
+    Save([&] {
+        std::vector<RecordId> records;
+        const BasketList& list = m_view.List();
+        if (resultsOnly)
+            std::ranges::transform(Results(), std::back_inserter(records), &BasketResult::record);
+        else
+            for (std::size_t row = 0; row < list.RowCount(); ++row)
+                records.push_back(list.RecordAt(row));
+        BasketCells cells;
+        std::string csv;
+        for (const BasketColumn& column : kBasketListColumns)
+            AppendCsvField(column.heading, column.field == kStateOfRow, csv);
+        for (const RecordId record : records)
+            for (const auto& [heading, width, field, type, align] : kBasketListColumns)
+                AppendCsvField(field == kStateOfRow ? StateText(record) : cells.Text(m_rows[record], field),
+                               field == kStateOfRow, csv);
+        return csv;
     });
 }
 
@@ -357,7 +409,9 @@ void Basket::HandlePlaced(const Answer& answer) {
     std::int64_t number = 0;
     int status = kFieldRead;
     if (answer.hasError || !GetFieldNumber(answer.message, tag::echoedNumber, 0, number, status)) return;
-    const RecordId record = m_rows.BySerialNumber(number);
+    // A row that was deleted and taken back has another number.
+    const RecordId numbered = m_rows.BySerialNumber(number);
+    const RecordId record = numbered == kNoRecord ? m_rows.ByOrder(place) : numbered;
     if (record == kNoRecord) return;
     m_rows.SetUserText(record, FieldText(answer.message, tag::userText));
     m_view.List().Repaint(record);

@@ -2,9 +2,21 @@
 
 #include "plugin/base/Text.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace planfold {
+
+namespace {
+
+// By the file's columns, with the units where a list's heading would mislead.
+constexpr const char* kColumnNames[] = {
+    "Client ID",       "Exchange",  "Series",    "Symbol",        "Token",      "Trading Symbol", "Product",
+    "Amount in Paise", "Quantity",  "Frequency", "Start Seconds", "Start Date", "Total Period",   "Order Type",
+    "Action",          "Side Word", "Firm",      "Validity",      "Invest Type"};
+
+} // namespace
 
 std::optional<BasketLines::Line> BasketLines::Next() {
     if (m_rest.empty()) return std::nullopt;
@@ -62,6 +74,40 @@ void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
     for (const BasketField field : kBasketColumns)
         text.append(row.Text(field)).push_back(',');
     text.append(" ,\n");
+}
+
+void AppendCsvField(std::string_view text, bool isLast, std::string& csv) {
+    // What makes a spreadsheet calculate, and the apostrophe that keeps it from that.
+    constexpr std::string_view arming = "=+-@\t'";
+    const bool disarm = !text.empty() && arming.find(text[0]) != arming.npos;
+    const bool quote = text.find_first_of(",;\t\"\r\n") != text.npos;
+    if (quote) csv += '"';
+    if (disarm) csv += '\'';
+    for (const char c : text) {
+        if (c == '"') csv += '"';
+        csv += c == '\0' || c == '\r' || c == '\n' ? ' ' : c;
+    }
+    if (quote) csv += '"';
+    csv += isLast ? '\n' : ',';
+}
+
+std::string RejectedTable(const std::vector<RejectedLine>& lines) {
+    static_assert(std::size(kColumnNames) == std::size(kBasketColumns));
+    std::string csv;
+    for (const char* name : kColumnNames)
+        AppendCsvField(name, false, csv);
+    AppendCsvField("Reason", true, csv);
+    for (const RejectedLine& line : lines) {
+        // As many as it has; what is behind the last column is nobody's.
+        std::string_view rest = std::string_view(line.text).substr(0, line.text.find('\0'));
+        for (std::size_t i = 0; i < std::size(kBasketColumns); ++i) {
+            const std::size_t end = std::min(rest.find(','), rest.size());
+            AppendCsvField(rest.substr(0, end), false, csv);
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
+        AppendCsvField(line.reason, true, csv);
+    }
+    return csv;
 }
 
 std::string BasketFileText(std::string lines) {

@@ -90,6 +90,13 @@ BeginReading ReadingOf(std::string text);
 // One line of an exported file, with its line feed.
 void AppendBasketLine(const sBasketOrderData& row, std::string& text);
 
+// One field of a table that a spreadsheet reads: quoted where it has to be, and never calculated. `isLast` ends
+// the line.
+void AppendCsvField(std::string_view text, bool isLast, std::string& csv);
+// The lines below the names of the file's columns, with the reasons in a last one that nobody reads as an
+// order's.
+std::string RejectedTable(const std::vector<RejectedLine>& lines);
+
 // What is written of lines, so that they read the same: where the first begins like a file's mark, that is no
 // mark.
 std::string BasketFileText(std::string lines);

@@ -33,6 +33,11 @@ std::string_view sBasketOrderData::Text(BasketField field) const {
     return {m_block.get() + sizeof(Ends) + ends[0], static_cast<std::size_t>(ends[1] - ends[0])};
 }
 
+std::size_t sBasketOrderData::Size() const {
+    const std::string_view last = Text(BasketField::userText);
+    return m_block ? static_cast<std::size_t>(last.data() + last.size() - m_block.get()) : 0;
+}
+
 BasketTexts sBasketOrderData::Texts() const {
     BasketTexts texts;
     for (std::size_t i = 0; i < kBasketFieldCount; ++i)

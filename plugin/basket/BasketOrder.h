@@ -55,6 +55,9 @@ public:
 
     // By which the server's answer finds its row.
     std::int32_t SerialNumber() const { return m_serialNumber; }
+    void SetSerialNumber(std::int32_t number) { m_serialNumber = number; }
+    // Of the memory that the texts take.
+    std::size_t Size() const;
 
 private:
     // Where each text ends, counted from the first, then the texts.

@@ -91,6 +91,36 @@ bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed wh
     return choice != Choice::cancel && !placed.empty();
 }
 
+DeskLimits BasketRuns::Limits() const {
+    return DeskLimits([this](const std::string& key) { return m_view.DeskLimit(key); },
+                      ToSeconds(m_view.Now()));
+}
+
+// What has a question of its own, as clients and doubles have, is no warning here.
+bool BasketRuns::KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Placed which) {
+    DeskLimits limits = Limits();
+    std::size_t warnings = 0;
+    KeptTexts hard;
+    const sBasketOrderData* row = nullptr;
+    const auto tell = [&](const LimitBreach& breach) {
+        if (!breach.isHard) return void(++warnings);
+        const std::string of = breach.isOfRow ? std::string(row->Text(BasketField::account)) : breach.of;
+        hard.Add(of.empty() ? breach.what : of + ": " + breach.what);
+    };
+    limits.TellUnreadable(tell);
+    for (const BasketPlacing::Row& each : placed)
+        limits.Add((row = &m_rows[each.record])->Texts(), tell);
+    limits.End(tell);
+    if (const std::string texts = hard.Text(); !texts.empty()) {
+        m_view.ShowLast("The desk does not allow these orders to be placed.\n" + texts);
+        return false;
+    }
+    return warnings == 0
+           || m_questions.Ask(
+               Format("Warnings: %zu. \"Check\" (Alt+C) lists them.\nPlace the orders all the same?", warnings),
+               PlaceAgain(which));
+}
+
 void BasketRuns::Place(Placed which) {
     if (IsBusy()) return;
     std::vector<BasketPlacing::Row> placed = ChooseRows(which);
@@ -101,7 +131,7 @@ void BasketRuns::Place(Placed which) {
     for (const BasketPlacing::Row& row : placed)
         clients.emplace(m_rows[row.record].Text(BasketField::account));
     if (!m_questions.AskAboutUnknown(clients, "Place their orders all the same?", PlaceAgain(which))
-        || !LeaveOutLike(placed, which)
+        || !LeaveOutLike(placed, which) || !KeepsLimits(placed, which)
         || !m_questions.Ask("Are you sure to place these Basket Orders?", PlaceAgain(which)))
         return;
     m_placesPart = m_placeable && which != Placed::all;
@@ -109,8 +139,12 @@ void BasketRuns::Place(Placed which) {
     // Its first call to the host is made before it stands.
     auto placing = m_questions.Alone([&](Pass pass) {
         return std::make_shared<BasketPlacing>(
-            pass, m_session, m_control, m_rows, m_unanswered, m_path.substr(m_path.find_last_of("\\/") + 1),
-            [this](Pass asking) { return m_view.Ask(asking, kNoRecordQuestion); }, std::move(placed));
+            pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
+            [this](Pass asking) -> std::optional<bool> {
+                if (!m_questions.MayAskFirst(m_goOn)) return std::nullopt;
+                return m_view.Ask(asking, kNoRecordQuestion);
+            },
+            std::move(placed));
     });
     if (!placing) return LetPlace(true);
     m_placing = std::move(*placing);

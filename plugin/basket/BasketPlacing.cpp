@@ -88,7 +88,10 @@ void BasketPlacing::PreparePortion(Pass pass) {
     }
     auto places = m_session.record.Sending(recorded);
     if (!places) {
-        m_withoutRecord = m_withoutRecord || m_ask(pass);
+        const auto agreed = m_withoutRecord ? true : m_ask(pass);
+        m_waits = !agreed;
+        if (m_waits) return;
+        m_withoutRecord = *agreed;
         m_stopped = m_stopped || !m_withoutRecord;
         if (m_stopped || m_session.Ended()) return;
         places = m_session.record.SendingUnwritten(recorded);

@@ -27,8 +27,9 @@ public:
         RecordId record;
         int index; // among all rows of the list, by which the host knows it
     };
-    // Whether the dealer agrees that orders go out which the order record cannot take.
-    using AskWithoutRecord = std::function<bool(Pass)>;
+    // Whether the dealer agrees that orders go out which the order record cannot take; none when that cannot be
+    // asked now.
+    using AskWithoutRecord = std::function<std::optional<bool>(Pass)>;
 
     // `placed` are rows in the list's order, of the file with this name. Rows and unanswered ones outlive it.
     BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows, UnansweredRows& unanswered,
@@ -46,6 +47,8 @@ public:
     void Abandon() { m_stopped = true; }
 
     bool Stopped() const { return m_stopped; }
+    // For a question that could not be asked: the next step asks it anew.
+    bool Waits() const { return m_waits; }
     bool IsSending() const { return m_confirmed >= 0; }
     std::size_t Total() const { return m_placed.size(); }
     std::size_t Tried() const { return m_next; }
@@ -89,6 +92,7 @@ private:
     KeptTexts m_failures;
     bool m_stopped = false;
     bool m_withoutRecord = false; // the dealer agreed
+    bool m_waits = false;
 };
 
 } // namespace planfold

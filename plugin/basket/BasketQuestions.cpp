@@ -14,6 +14,12 @@ bool BasketQuestions::MayAsk(const Act& act) {
     return false;
 }
 
+bool BasketQuestions::MayAskFirst(const Act& act) {
+    if (m_view.MayAsk()) return true;
+    m_later.insert(m_later.begin(), &act);
+    return false;
+}
+
 bool BasketQuestions::OnBoxGone(bool busy) {
     if (busy || m_later.empty()) return m_later.empty();
     const Act& act = *m_later.front();

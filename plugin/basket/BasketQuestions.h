@@ -56,6 +56,10 @@ public:
     [[nodiscard]] bool AskAboutUnknown(const std::set<std::string>& clients, const char* question,
                                        const Act& act);
 
+    // Whether a question can be asked; otherwise what is under way goes on by `act`, before all that waits to
+    // begin.
+    [[nodiscard]] bool MayAskFirst(const Act& act);
+
     // What has waited longest begins anew, unless the basket is busy. False when more has to wait.
     bool OnBoxGone(bool busy);
     // What waits is given up.

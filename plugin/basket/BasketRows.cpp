@@ -39,7 +39,7 @@ RowState RowStateOf(OrderState state) {
     return states[static_cast<std::size_t>(state)];
 }
 
-RecordId BasketRows::Add(const BasketTexts& texts) {
+RecordId BasketRows::Reserve() {
     RecordId record = static_cast<RecordId>(m_rows.size());
     if (m_free.empty()) {
         m_rows.emplace_back();
@@ -49,6 +49,11 @@ RecordId BasketRows::Add(const BasketTexts& texts) {
         record = m_free.back();
         m_free.pop_back();
     }
+    return record;
+}
+
+RecordId BasketRows::Add(const BasketTexts& texts) {
+    const RecordId record = Reserve();
     m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
     m_lines[record] = 0;
     m_bySerialNumber.push_back(record);
@@ -62,18 +67,28 @@ RecordId BasketRows::AddLoaded(const BasketTexts& texts, int line) {
     return record;
 }
 
-void BasketRows::Replace(RecordId record, const BasketTexts& texts) {
-    Leave(record);
-    m_lines[record] = 0;
-    m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
-    m_bySerialNumber.push_back(record);
-    Enter(record);
+void BasketRows::Remove(RecordId record) {
+    Take(record);
+    Release(record);
 }
 
-void BasketRows::Remove(RecordId record) {
+TakenRow BasketRows::Take(RecordId record) {
+    TakenRow taken{{}, m_lines[record], OrderOf(record), State(record), std::string(WhyNotPlaced(record))};
     Leave(record);
-    m_rows[record] = {};
-    m_free.push_back(record);
+    taken.row = std::exchange(m_rows[record], {});
+    return taken;
+}
+
+void BasketRows::PutBack(RecordId record, TakenRow taken, RowState state) {
+    m_rows[record] = std::move(taken.row);
+    m_rows[record].SetSerialNumber(m_nextSerial++);
+    m_bySerialNumber.push_back(record);
+    m_lines[record] = taken.line;
+    Enter(record);
+    if (taken.order != kNoOrder)
+        SetOrder(record, taken.order, state);
+    else if (state == RowState::notPlaced)
+        SetNotPlaced(record, taken.whyNotPlaced);
 }
 
 void BasketRows::Clear() {

@@ -36,18 +36,33 @@ enum class RowState : std::uint8_t {
 };
 RowState RowStateOf(OrderState state);
 
+// A row that was taken out, with all that is known of it.
+struct TakenRow {
+    sBasketOrderData row;
+    int line = 0;
+    OrderPlace order = kNoOrder;
+    RowState state = RowState::notSent;
+    std::string whyNotPlaced{};
+};
+
 class BasketRows {
 public:
     // The row gets the next serial number.
     RecordId Add(const BasketTexts& texts);
     // The same for a row out of a file's line (from 1).
     RecordId AddLoaded(const BasketTexts& texts, int line);
-    // The row is another order from now on: with the next serial number, and not sent.
-    void Replace(RecordId record, const BasketTexts& texts);
     void SetUserText(RecordId record, std::string_view text) { m_rows[record].SetUserText(text); }
     void Remove(RecordId record);
+    // The place of the row stays empty until one is put back there, or it is released.
+    TakenRow Take(RecordId record);
+    void Release(RecordId record) { m_free.push_back(record); }
+    RecordId Reserve();
+    // With the next serial number; `state` is that of its order by now.
+    void PutBack(RecordId record, TakenRow taken, RowState state);
     // Serial numbers go on.
     void Clear();
+    // Every row that comes or changes has this number next.
+    std::int32_t NextSerial() const { return m_nextSerial; }
 
     const sBasketOrderData& operator[](RecordId record) const { return m_rows[record]; }
     // kNoRecord when the row is gone, or is another order now.

@@ -59,9 +59,7 @@ void BasketRuns::ImportFile() {
 
 void BasketRuns::BeginLoading(const BeginReading& reading, BasketRules rules) {
     BasketList& list = m_view.List();
-    list.RemoveAll();
-    m_rows.Clear();
-    m_rejected = {};
+    m_history.BeginLoad(m_path.substr(m_path.find_last_of("\\/") + 1));
     m_session.record.Refresh();
     m_titleBefore = m_view.Title();
     m_view.SetTitle(m_titleBefore + " - Loading Basket. Please Wait.... ");
@@ -74,6 +72,7 @@ void BasketRuns::BeginLoading(const BeginReading& reading, BasketRules rules) {
 
 void BasketRuns::EndLoading() {
     const auto loading = std::exchange(m_loading, nullptr);
+    m_history.EndLoad();
     LetPlace(true);
     m_view.SetTitle(m_titleBefore);
     m_view.ShowRun();
@@ -121,14 +120,17 @@ void BasketRuns::OfferToRemove() {
                    m_stoppedTotal, sent),
             m_removeAgain))
         return;
+    std::vector<RecordId> records;
+    for (const std::int32_t number : m_stoppedSent)
+        // Others went while the question waited.
+        if (const RecordId record = m_rows.BySerialNumber(number); record != kNoRecord)
+            records.push_back(record);
     BasketList& list = m_view.List();
     list.BeginChanges();
-    for (const std::int32_t number : m_stoppedSent) {
-        const RecordId record = m_rows.BySerialNumber(number);
-        if (record == kNoRecord) continue; // went while the question waited
-        list.Remove(record);
-        m_rows.Remove(record);
-    }
+    m_history.Remove(records, [&] {
+        for (const RecordId record : records)
+            list.Remove(record);
+    });
     list.EndChanges();
     m_view.ShowStatus();
 }
@@ -140,6 +142,7 @@ void BasketRuns::OnClosed() {
     // A portion may be on its way below.
     if (m_loading) m_loading->Stop();
     if (m_placing) m_placing->Abandon();
+    m_history.EndLoad();
     m_loading.reset();
     m_placing.reset();
     if (!ranOn) return;
@@ -168,7 +171,7 @@ void BasketRuns::RunFor(std::int64_t milliseconds) {
         do
             isThere =
                 m_life.Across([&](Pass pass) { more = loading ? loading->Step(pass) : placing->Step(pass); });
-        while (isThere && more && m_view.Milliseconds() < end);
+        while (isThere && more && !(placing && placing->Waits()) && m_view.Milliseconds() < end);
         if (loading) {
             m_view.List().EndChanges();
             m_view.ShowWaiting(false);

@@ -4,9 +4,11 @@
 
 #include "plugin/base/LongRun.h"
 #include "plugin/basket/BasketForm.h"
+#include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketLoading.h"
 #include "plugin/basket/BasketPlacing.h"
 #include "plugin/basket/BasketQuestions.h"
+#include "plugin/basket/DeskLimits.h"
 
 #include <memory>
 #include <string>
@@ -17,9 +19,9 @@ namespace planfold {
 class BasketRuns final : public LongRun {
 public:
     BasketRuns(Session& session, BasketView& view, RxControl* control, BasketQuestions& questions,
-               const BasketForm& form, BasketRows& rows, RejectedLines& rejected)
+               const BasketForm& form, BasketRows& rows, RejectedLines& rejected, BasketHistory& history)
         : m_session(session), m_view(view), m_control(control), m_questions(questions),
-          m_life(questions.Life()), m_form(form), m_rows(rows), m_rejected(rejected) {}
+          m_life(questions.Life()), m_form(form), m_rows(rows), m_rejected(rejected), m_history(history) {}
 
     // Once the window stands: asks what becomes of the orders that an earlier session did not send.
     void OfferUnsent();
@@ -29,6 +31,8 @@ public:
     // Which rows a placing is about.
     enum class Placed { all, selected, unsent, refused };
     void Place(Placed which = Placed::all);
+    // The desk's, as the settings have them now.
+    DeskLimits Limits() const;
     // Says whether the rows may be placed; the place button shows it.
     void LetPlace(bool may);
     void ShowPlaceable();
@@ -43,8 +47,12 @@ public:
     // Nothing else is done meanwhile: rows keep their places, the form its contents, and no second run begins.
     // A portion counts even when its window has gone: a new one must not take the rows away from under it.
     bool IsBusy() const { return m_questions.IsTaken() || m_inPortion || IsUnderWay(); }
+    // Under way, but for a question that could not be asked.
+    bool Waits() const { return m_placing && m_placing->Waits() && !m_inPortion && !m_questions.IsTaken(); }
     bool IsUnderWay() const override { return m_loading || m_placing; }
-    void Continue() override { RunFor(kPortionMs); }
+    void Continue() override {
+        if (!Waits()) RunFor(kPortionMs);
+    }
     void Stop() override;
     std::string Progress() const override;
     std::size_t Done() const override;
@@ -65,6 +73,7 @@ private:
     // Those that are to be placed; none when that is not clear, or nothing is to be.
     std::vector<BasketPlacing::Row> ChooseRows(Placed which);
     bool LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which);
+    bool KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Placed which);
     bool LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which);
     const Act& PlaceAgain(Placed which) const { return m_placeAgain[static_cast<std::size_t>(which)]; }
     void EndPlacing();
@@ -82,6 +91,7 @@ private:
     const BasketForm& m_form;
     BasketRows& m_rows;
     RejectedLines& m_rejected; // of the last load
+    BasketHistory& m_history;
     const Act m_offerAgain{[this] { OfferUnsent(); }};
     const Act m_loadAgain{[this] { LoadFile(); }};
     const Act m_importAgain{[this] { ImportFile(); }};
@@ -89,6 +99,7 @@ private:
                                  {[this] { Place(Placed::selected); }},
                                  {[this] { Place(Placed::unsent); }},
                                  {[this] { Place(Placed::refused); }}};
+    const Act m_goOn{[this] { RunFor(kPortionMs); }};
     const Act m_removeAgain{[this] { OfferToRemove(); }};
     // Shared with the portion that is under way, in which the window may be closed.
     std::shared_ptr<BasketLoading> m_loading;

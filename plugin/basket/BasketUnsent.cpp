@@ -89,6 +89,8 @@ std::string BasketRuns::EndBringingBack(bool stopped) {
     std::string aside;
     if (!m_rejected.lines.empty()) aside = m_view.Unsent().SaveAside(m_rejected.Text(), m_view.Now());
     m_bringsBack = false;
+    // Nothing stood there before that an undo could bring, and what is kept would go.
+    m_history.Clear();
     m_unsentSettled = m_rejected.lines.empty() || !aside.empty();
     KeepUnsentLast();
     return aside.empty() ? aside : "The orders that cannot be taken back are in\n" + aside;
@@ -100,6 +102,7 @@ void BasketRuns::BringNothingBack() {
     m_view.List().RemoveAll();
     m_rows.Clear();
     m_rejected = {};
+    m_history.Clear();
     m_view.ShowStatus();
     m_view.ShowPanel();
 }

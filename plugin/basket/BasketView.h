@@ -19,6 +19,8 @@ public:
     virtual std::size_t RowCount() const = 0;
     virtual std::size_t ShownCount() const = 0;
     virtual RecordId RecordAt(std::size_t row) const = 0;
+    // Of a record that stands there, in the same order.
+    virtual std::size_t IndexOf(RecordId record) const = 0;
     virtual void InsertFront(RecordId record) = 0;
     virtual void Repaint(RecordId record) = 0;
     virtual void Remove(RecordId record) = 0;
@@ -81,6 +83,8 @@ public:
     // Replaces the file as a whole, or leaves it as it was and returns false. Line feeds become the platform's
     // line ends.
     virtual bool WriteFileWhole(const std::string& path, std::string_view text) = 0;
+    // A key of the desk's limits in the settings file; empty when it is not there.
+    virtual std::string DeskLimit(const std::string& key) = 0;
     virtual void ShowWaiting(bool waiting) = 0;
     // What stands in the status line, or on the panel of rejected lines and results, is no longer true.
     virtual void ShowStatus() = 0;

@@ -15,6 +15,9 @@ public:
     std::size_t RowCount() const override { return rows.size(); }
     std::size_t ShownCount() const override { return rows.size() - hidden; }
     RecordId RecordAt(std::size_t row) const override { return rows.at(row); }
+    std::size_t IndexOf(RecordId record) const override {
+        return static_cast<std::size_t>(std::ranges::find(rows, record) - rows.begin());
+    }
     void InsertFront(RecordId record) override { rows.insert(rows.begin(), record); }
     void Repaint(RecordId) override {}
     void Remove(RecordId record) override { std::erase(rows, record); }
@@ -95,6 +98,7 @@ public:
         if (writable) files[name] = text;
         return writable;
     }
+    std::string DeskLimit(const std::string& key) override { return limits[key]; }
     void ShowWaiting(bool on) override { waiting += on ? 1 : -1; }
     void ShowStatusSoon() override {}
     void ShowStatus() override {}
@@ -111,7 +115,7 @@ public:
     UnsentDouble unsent;
     std::function<void()> duringQuestion, duringLoadQuestion; // run once
     std::optional<std::string> path = "basket.csv";
-    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> files, limits;
     BeginReading import; // none: the user chooses no file
     bool writable = true;
     int waiting = 0;

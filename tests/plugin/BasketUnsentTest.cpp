@@ -86,6 +86,9 @@ TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
     basket.Runs().OfferUnsent();
     EXPECT_EQ(view.questions.size() + view.boxes.size() + view.unsent.aside.size(), 0u) << "once";
+    basket.Undo();
+    EXPECT_EQ(Taken(view.boxes), Texts{"There is nothing to undo."});
+    EXPECT_EQ(Kept(), "C1 C2");
 }
 
 TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {

@@ -139,6 +139,24 @@ TEST_F(BasketStage, WithoutARecordNothingIsPlacedUnlessTheDealerSaysSo) {
     }
 }
 
+TEST_F(BasketStage, TheQuestionAboutTheRecordWaitsForAnotherBox) {
+    Open();
+    Load(Lines(3));
+    host.recordFiles.writable = false;
+    view.duringQuestion = [&] { view.otherBox = true; };
+    basket.Runs().Place();
+    for (int tick = 0; tick < 3; ++tick)
+        basket.Runs().Continue();
+    basket.Runs().Load(); // nothing else begins
+    EXPECT_TRUE(basket.Runs().IsUnderWay());
+    EXPECT_EQ(view.questions.size(), 1u);
+    view.otherBox = false;
+    EXPECT_TRUE(basket.OnBoxGone());
+    Run();
+    EXPECT_EQ(view.questions.size(), 2u);
+    EXPECT_EQ(Sent(), "C3 C2 C1");
+}
+
 TEST_F(BasketStage, ARecordThatFailsAfterItsFirstPortionIsAskedAboutAsWell) {
     Open();
     Load(Lines(320));

@@ -94,10 +94,15 @@ TEST_F(BasketWindow, RowsAreAddedAndModifiedByKeyboardAndMouse) {
 TEST_F(BasketWindow, DeletesWhatIsShownAndSelected) {
     Load(Lines(6));
     const std::string entries = MenuOf(list);
-    EXPECT_TRUE(
-        entries.starts_with("Delete\tDel 25002|-|(Place Selected\tCtrl+P 25006)|Place Unsent\tCtrl+U 25007|"
-                            "(Place Refused Again\tCtrl+R 25008)|-|Import...\tCtrl+I 25020|-|Orders of a Day... 25103|(Compare Orders in "
-                            "Doubt 25104)|-|(Copy\tCtrl+C 26200)|Select All"))
+    EXPECT_TRUE(entries.starts_with(
+        "Delete\tDel 25002|-|(Place Selected\tCtrl+P 25006)|Place Unsent\tCtrl+U 25007|"
+        "(Place Refused Again\tCtrl+R 25008)|-|Import...\tCtrl+I 25028|-|Undo\tCtrl+Z 25020|Redo\tCtrl+Y "
+        "25021|Edit Cell\tF2 25022|"
+        "(Fill Down\tCtrl+D 25023)|Paste Rows\tCtrl+V 25024|Next Fault\tF8 25025|Check...\tAlt+C 1178|Save as "
+        "Table... 25027|-|Orders "
+        "of a Day... "
+        "25103|(Compare Orders in "
+        "Doubt 25104)|-|(Copy\tCtrl+C 26200)|Select All"))
         << entries;
     EXPECT_TRUE(entries.ends_with("|Reset Columns 26211|-")) << entries;
     const RECT header = probe::PlaceOf(ListView_GetHeader(list));

@@ -27,6 +27,7 @@ public:
     RecordId RecordAt(std::size_t row) const override {
         return m_list.RecordAt(static_cast<std::uint32_t>(row));
     }
+    std::size_t IndexOf(RecordId record) const override { return m_list.IndexOf(record); }
     void InsertFront(RecordId record) override { m_list.InsertFront(record, kKorvexAsked); }
     void Repaint(RecordId record) override { m_list.Repaint(record); }
     void Remove(RecordId record) override { m_list.Remove(record); }

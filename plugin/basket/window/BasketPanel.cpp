@@ -13,7 +13,8 @@ namespace planfold {
 namespace {
 
 constexpr framework::ReportList::Column kColumns[] = {{"Line", 50}, {"Reason", 360}, {"Text", 560}};
-enum { kLineColumn, kReasonColumn, kTextColumn };
+enum { kLineColumn, kReasonColumn };
+static_assert(std::string_view(kColumns[BasketPanel::kTextColumn].heading) == "Text");
 constexpr int kRowHeight = 15; // pixels at 96 DPI
 constexpr int kPages[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE};
 constexpr int kControls[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE, IDC_REJECTED_COPY, IDC_REJECTED_SAVE,
@@ -102,6 +103,8 @@ void BasketPanel::OpenMenu(LPARAM position) {
         {"Copy\tCtrl+C", kCopyCommand},
         {"Select All\tCtrl+A", kSelectAllCommand},
         {"Save As...", kSaveCommand},
+        {m_page == Page::rejected ? "Save Rejected with Reasons..." : "Save Results with Reasons...",
+         kSaveReasonsCommand},
     };
     m_menu.Open(m_dialog.Handle(), RowMenuPlace(list, position), entries);
 }
@@ -135,6 +138,13 @@ void BasketPanel::Copy() const {
         text.append(Report(i)).push_back('\n');
     }
     framework::PutOnClipboard(m_dialog.Handle(), framework::WithLineEnds(text));
+}
+
+void BasketPanel::GoTo(int line) {
+    if (m_page != Page::rejected) Show(Page::rejected);
+    const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
+    list.SelectRow(line);
+    list.Focus();
 }
 
 RecordId BasketPanel::RowOf(int result) const {

@@ -20,6 +20,9 @@ public:
     static constexpr int kOpenCommand = 25204; // correct the line in the form, or go to the row
     static constexpr int kSaveCommand = 25205;
 
+    static constexpr int kSaveReasonsCommand = 25206; // the lines, or the results, as a table with reasons
+    static constexpr int kTextColumn = 2;
+
     enum class Page { rejected, results };
 
     BasketPanel(framework::Dialog& dialog, const Basket& basket) : m_dialog(dialog), m_basket(basket) {}
@@ -39,6 +42,8 @@ public:
     bool HandleCommand(int command);
     // -1 when none is selected.
     int FirstSelected() const;
+    // Shows the rejected line alone selected, with the focus.
+    void GoTo(int line);
     // The row of a result; kNoRecord when there is no such result.
     RecordId RowOf(int result) const;
     std::optional<LRESULT> HandleNotify(const NMHDR& notification);

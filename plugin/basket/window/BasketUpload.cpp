@@ -2,6 +2,7 @@
 
 #include "framework/Files.h"
 #include "framework/Guard.h"
+#include "plugin/base/Settings.h"
 #include "plugin/dayreport/DayReport.h"
 #include "plugin/resources/resource.h"
 
@@ -18,7 +19,7 @@ constexpr MenuEntry kRowMenu[] = {{"Delete\tDel", kDeleteCommand}};
 constexpr int kPlaceSelectedCommand = 25006;
 constexpr int kPlaceUnsentCommand = 25007;
 constexpr int kPlaceRefusedCommand = 25008;
-constexpr int kImportCommand = 25020;
+constexpr int kImportCommand = 25028;
 
 struct ListKey {
     WORD letter; // with Ctrl, in the list
@@ -54,6 +55,7 @@ constexpr Action kActions[] = {
     {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
+    {BasketEditing::kSaveTableCommand, [](Basket& basket) { basket.SaveTable(false); }},
     {kImportCommand, [](Basket& basket) { basket.Runs().Import(); }},
     {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
     {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
@@ -67,7 +69,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
-      m_panel(*this, m_basket), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
+      m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel), m_check(module, session),
+      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_import(module, session, boxes), m_controls(*this, session, m_basket.Life()),
       m_recordCommand(std::move(recordCommand)) {}
 
@@ -109,6 +112,7 @@ void CBasketUpload::OnDestroyed() {
     m_basket.OnClosed();
     m_import.Destroy();
     m_progress.Destroy();
+    m_check.Destroy();
     m_ownSize = {};
 }
 
@@ -175,6 +179,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         m_controls.OnMoved();
         return std::nullopt;
     case WM_SIZE:
+        m_editing.Close();
         if (m_ownSize.cx) Arrange();
         return std::nullopt;
     case WM_GETMINMAXINFO: {
@@ -190,6 +195,7 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     case WM_DESTROY:
         Boxes().Close(Dialog::Handle());
+        m_editing.Close();
         m_menu.Close();
         m_panel.CloseMenu();
         return std::nullopt;
@@ -217,16 +223,17 @@ void CBasketUpload::OnContextMenu(HWND list, LPARAM position) {
     if (IsOnHeadings(list, position)) return;
     const BasketRows& rows = m_basket.Rows();
     const auto [dayReport, compare] = RecordEntries(m_session);
-    const MenuEntry further[] = {
+    std::vector<MenuEntry> further{
         {"Place Selected\tCtrl+P", kPlaceSelectedCommand, m_list.FirstSelected() == kNoRecord},
         {"Place Unsent\tCtrl+U", kPlaceUnsentCommand, m_list.RowCount() == rows.SentCount()},
         {"Place Refused Again\tCtrl+R", kPlaceRefusedCommand, rows.Count(RowState::refused) == 0},
         {nullptr, 0},
         {"Import...\tCtrl+I", kImportCommand, m_basket.Runs().IsBusy()},
         {nullptr, 0},
-        dayReport,
-        compare,
     };
+    const std::array editing = m_editing.MenuEntries();
+    further.insert(further.end(), editing.begin(), editing.end());
+    further.insert(further.end(), {{nullptr, 0}, dayReport, compare});
     if (list == Item(IDC_BASKET_LIST).Handle())
         m_menu.Open(Dialog::Handle(), RowMenuPlace(list, position), m_list.Control(), kRowMenu, further);
     else if (list == Item(IDC_REJECTED_LIST).Handle())
@@ -245,14 +252,18 @@ bool CBasketUpload::OnCommand(const framework::Command& command) {
 
 // A button's click or a menu's choice.
 void CBasketUpload::OnButton(int button) {
-    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button))
+    if (m_list.Control().HandleCommand(static_cast<std::uint32_t>(button)) || m_panel.HandleCommand(button)
+        || m_editing.HandleCommand(button))
         return;
+    if (button == IDC_BASKET_CHECK) return ShowCheck();
     for (const auto& [command, act] : kActions)
         if (command == button) return act(m_basket);
     if (IsRecordCommand(button)) return Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
     const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
     if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
         return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
+    if (button == BasketPanel::kSaveReasonsCommand)
+        return onResults ? m_basket.SaveTable(true) : m_basket.SaveReasons();
     if (button != BasketPanel::kOpenCommand) return;
     if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
     const RecordId row = m_panel.RowOf(m_panel.FirstSelected());
@@ -267,6 +278,7 @@ std::optional<LRESULT> CBasketUpload::OnNotify(const NMHDR& notification) {
         Arrange();
         return 0;
     }
+    if (m_editing.HandleNotify(notification)) return 0;
     if (notification.idFrom == IDC_REJECTED_LIST) {
         if (notification.code == LVN_ITEMACTIVATE) OnButton(BasketPanel::kOpenCommand);
         return m_panel.HandleNotify(notification);
@@ -329,6 +341,17 @@ std::optional<std::string> CBasketUpload::ReadFile(const std::string& path) {
 
 bool CBasketUpload::WriteFileWhole(const std::string& path, std::string_view text) {
     return framework::WriteWhole(path, framework::WithLineEnds(text)).empty();
+}
+
+std::string CBasketUpload::DeskLimit(const std::string& key) {
+    std::string value;
+    const bool isRead = ReadWriteSetting(SettingMode::read, kLimitsSection, key, value);
+    return isRead && value != "Settings not found" ? value : std::string();
+}
+
+void CBasketUpload::ShowCheck() {
+    auto lines = m_basket.Check();
+    if (lines && HasWindow()) m_check.Show(std::move(*lines));
 }
 
 void CBasketUpload::ShowWaiting(bool waiting) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "plugin/basket/Basket.h"
+#include "plugin/basket/window/BasketCheckDlg.h"
+#include "plugin/basket/window/BasketEditing.h"
 #include "plugin/basket/window/BasketListWindow.h"
 #include "plugin/basket/window/BasketPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
@@ -65,6 +67,7 @@ private:
     }
     std::optional<std::string> ReadFile(const std::string& path) override;
     bool WriteFileWhole(const std::string& path, std::string_view text) override;
+    std::string DeskLimit(const std::string& key) override;
     void ShowWaiting(bool waiting) override;
     void ShowStatus() override;
     void ShowStatusSoon() override;
@@ -76,6 +79,7 @@ private:
     LONG LetterWidth() const;
     void Arrange();
     void OnButton(int button);
+    void ShowCheck();
     void OnContextMenu(HWND list, LPARAM position);
     bool HotKeyIsForRows() const;
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
@@ -88,6 +92,8 @@ private:
     Basket m_basket;
     BasketListWindow m_list;
     BasketPanel m_panel;
+    BasketEditing m_editing;
+    BasketCheckDlg m_check;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
     CRunProgressDlg m_progress;
