@@ -1,7 +1,7 @@
 #include "host/korvexcontrols/ListDialogs.h"
 
 #include "base/Text.h"
-#include "host/korvexcontrols/RecoveryFiles.h"
+#include "host/korvexcontrols/WindowPlace.h"
 #include "host/korvexcontrols/resource.h"
 
 #include <algorithm>
@@ -10,12 +10,12 @@ namespace korvex {
 
 namespace {
 
-constexpr char kSection[] = "Dialogs";
+constexpr char kInThisModule = 0;
 
 } // namespace
 
 CQVDialog::CQVDialog(std::weak_ptr<void> owner, int resource, std::string name)
-    : Dialog(framework::ModuleHolding(&kSection), resource), m_owner(std::move(owner)),
+    : Dialog(framework::ModuleHolding(&kInThisModule), resource), m_owner(std::move(owner)),
       m_name(std::move(name)) {}
 
 void CQVDialog::Open(HWND list) {
@@ -25,7 +25,7 @@ void CQVDialog::Open(HWND list) {
 
 void CQVDialog::OnInit() {
     m_keys.emplace();
-    Place();
+    RestorePlace(Handle(), m_name);
 }
 
 void CQVDialog::OnDestroyed() {
@@ -33,31 +33,8 @@ void CQVDialog::OnDestroyed() {
 }
 
 std::optional<LRESULT> CQVDialog::OnMessage(UINT message, WPARAM, LPARAM) {
-    if (message == WM_DESTROY) RememberPlace();
+    if (message == WM_DESTROY) RememberPlace(Handle(), m_name);
     return std::nullopt;
-}
-
-// A place on a monitor that is no longer there is not taken.
-void CQVDialog::Place() const {
-    const std::string kept = ReadRecovered(RecoveryFile::dialogPositions, kSection, m_name);
-    const std::size_t comma = kept.find(',');
-    if (comma == kept.npos) return;
-    const auto left = base::ReadNumber<int>(kept.substr(0, comma)),
-               top = base::ReadNumber<int>(kept.substr(comma + 1));
-    if (!left || !top) return;
-    RECT rect{};
-    GetWindowRect(Handle(), &rect);
-    OffsetRect(&rect, *left - rect.left, *top - rect.top);
-    if (MonitorFromRect(&rect, MONITOR_DEFAULTTONULL))
-        SetWindowPos(Handle(), nullptr, *left, *top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void CQVDialog::RememberPlace() const {
-    RECT rect{};
-    if (!GetWindowRect(Handle(), &rect)) return;
-    const std::string place = std::to_string(rect.left) + "," + std::to_string(rect.top);
-    if (place != ReadRecovered(RecoveryFile::dialogPositions, kSection, m_name))
-        WriteRecovered(RecoveryFile::dialogPositions, kSection, m_name, place);
 }
 
 FilterDialog::FilterDialog(std::weak_ptr<void> owner, Calls calls)

@@ -29,9 +29,6 @@ protected:
     void Open(HWND list);
 
 private:
-    void Place() const;
-    void RememberPlace() const;
-
     std::weak_ptr<void> m_owner;
     std::string m_name;
     std::optional<framework::KeyboardHook> m_keys;

@@ -1,6 +1,7 @@
 // What the list says besides its rows: sums, why it is empty, and how wide its columns have to be.
 #include "framework/Guard.h"
 #include "host/korvexcontrols/ListWindow.h"
+#include "host/korvexcontrols/WindowPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -61,6 +62,27 @@ std::int32_t CFilterListCtrl::Impl::Sums(std::int32_t selected, KorvexSide* side
 
 void CFilterListCtrl::Impl::StretchLastText(std::int32_t on) noexcept {
     Guard([&] { m_header.StretchLastText(on != 0); });
+}
+
+void CFilterListCtrl::Impl::KeepWindow() noexcept {
+    Guard([&] {
+        const HWND window = GetAncestor(Handle(), GA_ROOT);
+        if (!window) return;
+        m_laidDownSize = korvex::Rescaled(korvex::NormalSize(window), framework::Window(window).Dpi(),
+                                          USER_DEFAULT_SCREEN_DPI);
+        korvex::RestorePlace(window, m_name);
+    });
+}
+
+void CFilterListCtrl::Impl::RememberWindow() const {
+    if (m_laidDownSize && Handle()) korvex::RememberPlace(GetAncestor(Handle(), GA_ROOT), m_name);
+}
+
+void CFilterListCtrl::Impl::ResetWindow() const {
+    const HWND window = GetAncestor(Handle(), GA_ROOT);
+    if (!m_laidDownSize || IsIconic(window) || IsZoomed(window)) return;
+    framework::ResizeOnScreen(
+        window, korvex::Rescaled(*m_laidDownSize, USER_DEFAULT_SCREEN_DPI, framework::Window(window).Dpi()));
 }
 
 void CFilterListCtrl::Impl::WorkLater() {

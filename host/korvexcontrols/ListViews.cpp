@@ -175,6 +175,7 @@ void CFilterListCtrl::Impl::ShowAllRows() {
 
 void CFilterListCtrl::Impl::ResetColumns() {
     m_header.Reset();
+    ResetWindow();
     See({});
 }
 

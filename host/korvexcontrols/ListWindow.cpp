@@ -99,6 +99,7 @@ bool CFilterListCtrl::Impl::Attach(const Args& args) {
 void CFilterListCtrl::Impl::Release() {
     const auto last = std::move(m_self);
     m_header.Save();
+    RememberWindow();
     Detach();
     OnGone();
     m_face = nullptr;
@@ -370,6 +371,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
         return std::nullopt;
     case WM_DESTROY:
         m_header.Save();
+        RememberWindow();
         return std::nullopt;
     case kSaveColumns:
         m_header.Save();

@@ -56,6 +56,7 @@ public:
     void SetConditions(const KorvexCondition* conditions, std::int32_t count) noexcept override;
     const char* ViewName() noexcept override;
     void StretchLastText(std::int32_t on) noexcept override;
+    void KeepWindow() noexcept override;
 
 private:
     static constexpr UINT_PTR kWorkTimer = 0x4B01; // the control has others of its own
@@ -110,6 +111,9 @@ private:
     void OnMouseDown(POINT place);
     // The control itself would unselect row by row, and paint each.
     void DropLargeSelection();
+
+    void RememberWindow() const;
+    void ResetWindow() const;
 
     static std::span<const Entry> Entries();
     void AppendEntries(HMENU menu, bool ofColumnOnly);
@@ -176,6 +180,7 @@ private:
     korvex::RowsState m_wanted; // as kept; conditions may be told later
     std::string m_savedSeen, m_viewName, m_viewNames, m_emptyText, m_shownEmptyText;
     bool m_painting = false;
+    std::optional<SIZE> m_laidDownSize; // of the window, at USER_DEFAULT_SCREEN_DPI, when its size is kept
     std::optional<korvex::FilterDialog> m_filterDialog;
     std::optional<korvex::FindDialog> m_findDialog;
     std::optional<korvex::ColumnsDialog> m_columnsDialog;

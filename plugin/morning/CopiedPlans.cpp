@@ -10,11 +10,11 @@ namespace planfold {
 
 namespace {
 
-// A single run goes under the plan's own frequency, unless the server wants more runs of that and not of days.
+// A single run is the same of any frequency, and of days servers want the fewest. How many they want may not be
+// known yet.
 std::string_view FrequencyOfOneRun(std::string_view own, const Session& session) {
-    const auto allows = [&](const Frequency* frequency) { return session.MinimumPeriods(*frequency) <= 1; };
-    const Frequency *frequency = FindFrequency(own), *daily = FindFrequency("daily");
-    return !frequency || allows(frequency) || !allows(daily) ? own : "daily";
+    constexpr std::string_view daily = "daily";
+    return session.MinimumPeriods(*FindFrequency(daily)) <= 1 ? daily : own;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "plugin/morning/PeriodRuns.h"
 
 #include "plugin/base/Text.h"
+#include "plugin/orderbook/BookConditions.h"
 #include "plugin/orderentry/PlannedDates.h"
 #include "sdk/Tags.h"
 
@@ -58,7 +59,7 @@ const AnswerHandler<PeriodRuns> PeriodRuns::kAnswers[] = {
     {kHistoryOrdersRequest, &PeriodRuns::HandleOrder, OnError::handle},
 };
 
-void PeriodRuns::Show(const RunPeriod& period, Day today, bool anew) {
+void PeriodRuns::Show(const RunPeriod& period, Day today, bool anew, bool mineOnly) {
     m_life.Renew();
     m_period = {period.from,
                 std::clamp(period.to, period.from, period.from + std::chrono::days(kMostDays - 1))};
@@ -68,7 +69,8 @@ void PeriodRuns::Show(const RunPeriod& period, Day today, bool anew) {
     m_keptOn = m_today = today;
     m_plans.clear();
     m_why.clear();
-    m_asking = std::make_unique<Asking>(m_session.ClosedDays(), m_records.Filling());
+    m_asking = std::make_unique<Asking>(m_session.ClosedDays(), m_records.Filling(),
+                                        mineOnly ? m_session.identity.loginId : std::string());
     m_asking->lastAnswer = m_view.Milliseconds();
     LookAndAsk(kFirstPortionMs);
     if (!IsUnderWay()) return;
@@ -111,7 +113,8 @@ void PeriodRuns::LookAtSome() {
     const auto size = static_cast<RecordId>(m_records.Size());
     for (const RecordId end = std::min(size, m_asking->next + kRecordsAStep); m_asking->next < end;) {
         const sOrderinfo& record = m_records[m_asking->next++];
-        if (!CanHaveRun(record, m_period.from, m_period.to, m_asking->closed)) continue;
+        if (!IsOf(record, m_asking->user) || !CanHaveRun(record, m_period.from, m_period.to, m_asking->closed))
+            continue;
         m_plans.emplace_back(record.Number());
         if (!m_kept.contains(m_plans.back())) m_asking->plans.push_back(m_plans.back());
     }

@@ -93,7 +93,7 @@ public:
     static constexpr std::int64_t kPatienceMs = 30'000;
 
     // Plans that have answered today are not asked again, unless it is `anew`.
-    void Show(const RunPeriod& period, Day today, bool anew);
+    void Show(const RunPeriod& period, Day today, bool anew, bool mineOnly = false);
     void ShowFailedOnly(bool on);
     void OnResponse(void* message);
     // The window is gone. What was answered is kept.
@@ -123,10 +123,12 @@ private:
         ChartPart part;
     };
     struct Asking {
-        Asking(ClosedDays days, std::uint32_t bookFilling) : closed(std::move(days)), filling(bookFilling) {}
+        Asking(ClosedDays days, std::uint32_t bookFilling, std::string_view whose)
+            : closed(std::move(days)), filling(bookFilling), user(whose) {}
 
         ClosedDays closed;
         std::uint32_t filling; // of the book
+        std::string user;      // whose plans; empty: everybody's
         RecordId next = 0;     // of it, to be looked at
         std::vector<std::string> plans;
         std::size_t asked = 0;

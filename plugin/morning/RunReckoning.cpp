@@ -1,5 +1,7 @@
 #include "plugin/morning/RunReckoning.h"
 
+#include "plugin/orderbook/BookConditions.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -11,8 +13,9 @@ constexpr std::size_t kRecordsAStep = 500;
 
 } // namespace
 
-RunReckoning::RunReckoning(const OrderCache& records, RunPeriod period, Day today, ClosedDays closed)
-    : m_records(records), m_today(today), m_closed(std::move(closed)) {
+RunReckoning::RunReckoning(const OrderCache& records, RunPeriod period, Day today, ClosedDays closed,
+                           std::string user)
+    : m_records(records), m_today(today), m_closed(std::move(closed)), m_user(std::move(user)) {
     period.to = std::clamp(period.to, period.from, period.from + std::chrono::days(RunPeriod::kMostDays - 1));
     m_rows.period = period;
     m_rows.filling = records.Filling();
@@ -33,6 +36,7 @@ bool RunReckoning::Step() {
 
 void RunReckoning::TakeRecord(RecordId id) {
     const sOrderinfo& record = m_records[id];
+    if (!IsOf(record, m_user)) return;
     std::optional<PlanRuns> read;
     const PlanState state = ReadPlan(record, m_today, m_closed, read);
     if (state == PlanState::paused) ++m_rows.paused;

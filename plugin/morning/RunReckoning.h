@@ -65,8 +65,9 @@ struct UpcomingRows {
 
 class RunReckoning {
 public:
-    // A period that is too long is cut.
-    RunReckoning(const OrderCache& records, RunPeriod period, Day today, ClosedDays closed);
+    // A period that is too long is cut. Only plans of this user; of all when it is empty.
+    RunReckoning(const OrderCache& records, RunPeriod period, Day today, ClosedDays closed,
+                 std::string user = {});
 
     // Takes some more plans; false when there are none.
     bool Step();
@@ -82,6 +83,7 @@ private:
     const OrderCache& m_records;
     Day m_today;
     ClosedDays m_closed;
+    std::string m_user;
     UpcomingRows m_rows;
     std::unordered_map<std::string, std::uint32_t> m_clients;
     RecordId m_next = 0;

@@ -44,8 +44,9 @@ static_assert(NeedOf(RunField::toReceive) == Need::receive && NeedOf(RunField::t
 
 } // namespace
 
-void UpcomingRuns::Show(const RunPeriod& period, Day today) {
-    m_reckoning = std::make_unique<RunReckoning>(m_records, period, today, m_session.ClosedDays());
+void UpcomingRuns::Show(const RunPeriod& period, Day today, bool mineOnly) {
+    m_reckoning = std::make_unique<RunReckoning>(m_records, period, today, m_session.ClosedDays(),
+                                                 mineOnly ? m_session.identity.loginId : std::string());
     RunFor(kFirstPortionMs);
     if (IsUnderWay()) m_view.ShowRun();
 }

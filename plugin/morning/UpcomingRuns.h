@@ -75,7 +75,7 @@ public:
         : m_session(session), m_records(records), m_view(view) {}
 
     // Reckons up the book as it is now, at once or in a run.
-    void Show(const RunPeriod& period, Day today);
+    void Show(const RunPeriod& period, Day today, bool mineOnly = false);
     // True when the book has grown since and grows no more: as it does while it fills.
     bool IsOutdated();
     // The window is gone.

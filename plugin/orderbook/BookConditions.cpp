@@ -63,13 +63,14 @@ constexpr BookCondition kConditions[] = {
          const auto toNext = DaysToNext(record, day);
          return toNext && !IsPaused(record) && *toNext < 0;
      }},
-    {"Mine Only", true,
-     [](const sOrderinfo& record, const BookDay& day) {
-         return day.loginId.empty() || record.Text(OrderField::loginId) == day.loginId;
-     }},
+    {"Mine Only", true, [](const sOrderinfo& record, const BookDay& day) { return IsOf(record, day.loginId); }},
 };
 
 } // namespace
+
+bool IsOf(const sOrderinfo& record, std::string_view user) {
+    return user.empty() || record.Text(OrderField::loginId) == user;
+}
 
 std::span<const BookCondition> BookConditions() {
     return kConditions;

@@ -20,6 +20,9 @@ struct BookCondition {
     bool (*meets)(const sOrderinfo& record, const BookDay& day);
 };
 
+// Whether it is this user's; everything is an empty one's.
+bool IsOf(const sOrderinfo& record, std::string_view user);
+
 // "Due Today", "Due in 7 Days", "Ending within 3 Runs", "Paused over 30 Days", "Not Run when Due" and the
 // switch "Mine Only". Days are those of the records: the next execution, and the end. A pause is as old as the
 // day that passed in it: no record says when it began.

@@ -97,8 +97,15 @@ TEST_F(UpcomingWindow, ListsClientsWithTheirPlansAndWhatTheyNeed) {
               "6 days from 22-Mar-2027 to 29-Mar-2027. To pay: Rs 1,500.50. To receive: "
               "Rs 2,000.00.");
     EXPECT_EQ(runs.Chart().Bars(2)[1].values[0], 1500.5);
+    // Without what colleagues have registered.
+    OrderChanges mine;
+    mine[OrderField::loginId] = session.identity.loginId;
+    book[book.Find("S1")].Apply(mine);
+    runs.Show({kMonday, kMonday + days(7)}, kMonday, true);
+    EXPECT_EQ(Listed(), last);
     // What is open stays so; of a plan it is its client that is closed.
     Show(1);
+    runs.SetOpen(0, true);
     const std::uint32_t plan = runs.Rows()[1];
     EXPECT_EQ(runs.Registration(plan), "S2");
     EXPECT_EQ(runs.ClientRow(plan), 0u);
@@ -199,6 +206,8 @@ TEST_F(RunsWindow, AsksFourAtATimeAndKeepsTheAnswersForTheDay) {
     EXPECT_EQ(Listed(), "B rejected|C rejected|5 runs: 3 filled, 2 failed of 6 plans//");
     ASSERT_EQ(runs.Failed().size(), 2u);
     EXPECT_EQ(runs.Failed()[1].registration + runs.Failed()[1].reason, "CMargin");
+    runs.Show({kMonday - days(4), kMonday - days(3)}, kMonday, false, true);
+    EXPECT_EQ(Listed(), "0 runs of 0 plans//No runs are known from 18-Mar-2027 to 19-Mar-2027.");
     Show("01-Mar-2027", "20-Mar-2027");
     EXPECT_EQ(Asked(), 6u);
     Show("01-Mar-2027", "20-Mar-2027", true);

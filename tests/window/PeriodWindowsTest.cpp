@@ -52,7 +52,8 @@ TEST_F(PeriodWindows, AreOpenedOnceByMenuAndKeyAndGoAtTheExit) {
         const char key;
         int command;
         HWND (*window)();
-    } rows[] = {{'U', kUpcomingRuns, Upcoming}, {'R', kRunsOfPeriod, Runs}};
+        int resetColumns;
+    } rows[] = {{'U', kUpcomingRuns, Upcoming, 26511}, {'R', kRunsOfPeriod, Runs, 26611}};
     for (const auto& row : rows) {
         SetFocus(registered);
         Key(static_cast<WPARAM>(row.key));
@@ -70,6 +71,9 @@ TEST_F(PeriodWindows, AreOpenedOnceByMenuAndKeyAndGoAtTheExit) {
         Key(VK_ESCAPE);
         EXPECT_EQ(row.window(), nullptr);
         Command(row.command);
+        EXPECT_EQ(probe::SizeOf(row.window()).cy, before.cy + 100) << "as it was left";
+        SendMessageA(row.window(), WM_COMMAND, static_cast<WPARAM>(row.resetColumns), 0);
+        EXPECT_EQ(probe::SizeOf(row.window()).cy, before.cy);
     }
     plugin->Exit();
     EXPECT_EQ(Upcoming(), nullptr);

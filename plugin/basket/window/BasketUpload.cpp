@@ -105,6 +105,7 @@ void CBasketUpload::OnInit() {
     m_statusBar.Create(Dialog::Handle(), IDC_BASKET_STATUS, "SIPBasket");
     if (!m_basket.Life().Across([&](Pass) { LayOut(Self().Dpi()); })) return;
     ShowAllColumns(Dialog::Handle(), Item(IDC_BASKET_LIST).Handle());
+    KeepWindow(m_list.Control());
     m_basket.Initialise(SipFormControls::CustomProducts());
 }
 

@@ -21,6 +21,7 @@ void CListDialog::OnInit() {
     m_statusBar.Create(Handle(), m_parts.status, m_parts.name);
     LayOut(Self().Dpi());
     ShowAllColumns(Handle(), list);
+    KeepWindow(m_list);
 }
 
 void CListDialog::LayOut(UINT dpi) {

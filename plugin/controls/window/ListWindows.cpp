@@ -117,6 +117,10 @@ void StretchLastText(CFilterListCtrl& list) {
     if (KorvexListExtras* const extras = ExtrasOf(list)) extras->StretchLastText(1);
 }
 
+void KeepWindow(CFilterListCtrl& list) {
+    if (KorvexListExtras* const extras = ExtrasOf(list)) extras->KeepWindow();
+}
+
 std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list) {
     std::vector<RecordId> records(list.SelectedCount());
     records.resize(list.Selected(records.data(), static_cast<std::uint32_t>(records.size())));

@@ -59,6 +59,8 @@ std::vector<KorvexColumn> ListColumns(std::span<const Column> columns) {
 KorvexListExtras* ExtrasOf(CFilterListCtrl& list);
 // Gives the last text column what room the others leave, where the list can.
 void StretchLastText(CFilterListCtrl& list);
+// Place and size of its window come back, and are kept, where the list can.
+void KeepWindow(CFilterListCtrl& list);
 
 // The shown, selected records from the top.
 std::vector<RecordId> SelectedRecords(const CFilterListCtrl& list);

@@ -43,6 +43,7 @@ void CSIPOrderHistoryDlg::OnInit() {
     m_splitter.Create({Handle(), m_list.Handle(), IDC_HISTORY_SPLITTER, "SIPOrderHistory", kListShare,
                        kLeastList, kLeastBelow});
     Arrange();
+    KeepWindow(m_list);
 }
 
 // What the user made the window larger than its template stays.

@@ -60,7 +60,7 @@ void CPeriodRunsDlg::Refresh() {
 
 void CPeriodRunsDlg::ShowPeriod(const RunPeriod& period) {
     ShowAsOf();
-    m_runs.Show(period, DayOf(LocalNow()).value_or(Day()), std::exchange(m_anew, false));
+    m_runs.Show(period, DayOf(LocalNow()).value_or(Day()), std::exchange(m_anew, false), MineOnly());
 }
 
 void CPeriodRunsDlg::ShowRows() {

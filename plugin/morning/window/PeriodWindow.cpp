@@ -90,6 +90,10 @@ bool CPeriodWindow::OnCommand(const framework::Command& command) {
             Choose(Item<framework::ComboBox>(IDC_RUNS_PERIOD).Selected());
         return true;
     }
+    if (command.id == IDC_RUNS_MINE) {
+        Choose(Item<framework::ComboBox>(IDC_RUNS_PERIOD).Selected());
+        return true;
+    }
     if (command.id == IDC_RUNS_REFRESH) {
         Refresh();
         return true;

@@ -4,6 +4,7 @@
 #include "plugin/controls/window/FormKeys.h"
 #include "plugin/controls/window/ListDialog.h"
 #include "plugin/morning/RunReckoning.h"
+#include "plugin/resources/resource.h"
 
 namespace planfold {
 
@@ -22,7 +23,7 @@ protected:
     };
     CPeriodWindow(HINSTANCE module, int resource, Session& session, Args args);
 
-    // The user has chosen it.
+    // The user has chosen it, or whose plans are shown.
     virtual void ShowPeriod(const RunPeriod& period) = 0;
     // F5: what is chosen, as it is now.
     virtual void Refresh();
@@ -33,6 +34,8 @@ protected:
     virtual bool OnRowKey(int, std::uint32_t) { return false; }
 
     RunPeriod Chosen() const;
+    // Without the plans of others, which the server may tell as well.
+    bool MineOnly() const { return Item(IDC_RUNS_MINE).Send(BM_GETCHECK) == BST_CHECKED; }
     std::uint32_t FocusedRow() const { return List().Focused(); }
     // The time of what is shown.
     void ShowAsOf();

@@ -73,7 +73,7 @@ std::optional<LRESULT> CUpcomingRunsDlg::OnNotify(const NMHDR& notification) {
 
 void CUpcomingRunsDlg::ShowPeriod(const RunPeriod& period) {
     ShowAsOf();
-    m_runs.Show(period, DayOf(LocalNow()).value_or(Day()));
+    m_runs.Show(period, DayOf(LocalNow()).value_or(Day()), MineOnly());
 }
 
 void CUpcomingRunsDlg::ShowRows() {
