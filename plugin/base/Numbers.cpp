@@ -120,6 +120,20 @@ std::string GroupedRupees(std::int64_t paise) {
            + Format(".%02d", rest < 0 ? -rest : rest);
 }
 
+std::string InRupees(std::int64_t paise) {
+    const auto size = static_cast<unsigned long long>(paise < 0 ? -paise : paise);
+    return Format("%s%llu.%02llu", paise < 0 ? "-" : "", size / 100, size % 100);
+}
+
+std::string InPaise(std::string_view rupees) {
+    constexpr std::size_t places = 2;
+    const std::size_t point = std::min(rupees.find('.'), rupees.size());
+    std::string paise(rupees.substr(0, point));
+    const std::string_view fraction = rupees.substr(std::min(point + 1, rupees.size())).substr(0, places);
+    paise.append(fraction).append(places - fraction.size(), '0');
+    return paise.erase(0, std::min(paise.find_first_not_of('0'), paise.size()));
+}
+
 // Three digits, then groups of two.
 std::string GroupedCount(std::int64_t count) {
     constexpr std::size_t firstGroup = 3, group = 2;

@@ -23,6 +23,9 @@ bool AllDigits(std::string_view text);
 // plug-in's own; the second is for where "Rs" stands elsewhere.
 std::string FormatRupees(std::int64_t paise);
 std::string GroupedRupees(std::int64_t paise);
+// "1500.50", as cells have it, and back: the digits of the paise, empty for nothing.
+std::string InRupees(std::int64_t paise);
+std::string InPaise(std::string_view rupees);
 // "1,00,000".
 std::string GroupedCount(std::int64_t count);
 

@@ -8,10 +8,6 @@
 
 namespace planfold {
 
-std::string InRupees(std::int64_t paise) {
-    return Format("%lld.%02lld", static_cast<long long>(paise / 100), static_cast<long long>(paise % 100));
-}
-
 std::string_view BasketCells::Text(const sBasketOrderData& row, BasketField field) {
     const std::string_view text = row.Text(field);
     switch (field) {

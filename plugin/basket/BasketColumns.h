@@ -34,9 +34,6 @@ inline constexpr BasketColumn kBasketListColumns[] = {
     {"State", 190, kStateOfRow},
 };
 
-// "1500.50"
-std::string InRupees(std::int64_t paise);
-
 // The texts of the cells. What a row does not keep as it is shown is kept here, once for equal texts.
 class BasketCells {
 public:

@@ -19,14 +19,8 @@ constexpr const char* kStates[] = {"Sent", "Modified", "Refused", "Not sent", "I
 static_assert(std::size(kStates) == static_cast<std::size_t>(OrderState::count));
 
 // As the book's cells have them: "-1500.00".
-std::string Rupees(std::int64_t paise) {
-    const std::int64_t size = paise < 0 ? -paise : paise;
-    return Format("%s%lld.%02lld", paise < 0 ? "-" : "", static_cast<long long>(size / 100),
-                  static_cast<long long>(size % 100));
-}
-
 std::string InCell(const Change& change, const std::string& value) {
-    return value.empty() || change.isByQuantity ? value : Rupees(LeadingInteger(value));
+    return value.empty() || change.isByQuantity ? value : InRupees(LeadingInteger(value));
 }
 
 // "Amount; Periods" and what stands there, one after the other.
@@ -74,7 +68,7 @@ ChangeSet::ChangeSet(const OrderCache& book, ChangeRules rules, std::span<const 
         if (change.refusal.empty() && change.isByQuantity)
             change.refusal = "Invests by quantity, not by amount";
         if (change.refusal.empty() && !next) change.refusal = "Beyond what an amount can be";
-        if (change.refusal.empty()) change = Propose(book[id], m_rules, Rupees(*next), change.periods);
+        if (change.refusal.empty()) change = Propose(book[id], m_rules, InRupees(*next), change.periods);
         if (!change.refusal.empty() || change.ChangesValue()) Add(std::move(change));
     }
 }
@@ -179,7 +173,7 @@ void ChangeSet::Write(std::size_t index) {
     texts[ChangeField::before] = Cells(change, InCell(change, change.valueBefore), change.periodsBefore);
     texts[ChangeField::after] =
         Cells(change, change.isAsTyped ? change.value : InCell(change, change.value), change.periods);
-    texts[ChangeField::difference] = more ? Rupees(more) : "";
+    texts[ChangeField::difference] = more ? InRupees(more) : "";
     texts[ChangeField::reason] = change.refusal.empty() ? m_results[index].answer : change.refusal;
 }
 

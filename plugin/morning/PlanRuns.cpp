@@ -18,14 +18,6 @@ std::int64_t Sum(std::int64_t one, std::int64_t other) {
     return __builtin_add_overflow(one, other, &sum) ? kMost : sum;
 }
 
-// Paise of "1500.50", as the book writes an amount.
-std::int64_t InPaise(std::string_view rupees) {
-    const std::size_t point = rupees.find('.');
-    const std::int64_t whole = LeadingInteger(rupees.substr(0, point));
-    const std::int64_t paise = point == rupees.npos ? 0 : LeadingInteger(rupees.substr(point + 1));
-    return Sum(Times(whole, 100), paise);
-}
-
 std::int64_t PeriodsOf(const sOrderinfo& record) {
     const std::string_view registered = record.Text(OrderField::installmentsRegistered);
     return LeadingInteger(registered.empty() ? record.Text(OrderField::totalPeriod) : registered);
@@ -118,7 +110,7 @@ PlanState ReadPlan(const sOrderinfo& record, Day today, const ClosedDays& closed
     const bool byQuantity = record.Text(OrderField::investType) == "qty";
     const Need need = byQuantity ? (bySell ? Need::deliver : Need::buy) : (bySell ? Need::receive : Need::pay);
     const std::int64_t value = byQuantity ? LeadingInteger(record.Text(OrderField::quantity))
-                                          : InPaise(record.Text(OrderField::amount));
+                                          : LeadingInteger(InPaise(record.Text(OrderField::amount)));
     plan = PlanRuns{rest->schedule,
                     rest->place,
                     rest->left,

@@ -2,6 +2,7 @@
 
 #include "plugin/base/Codes.h"
 #include "plugin/base/Dates.h"
+#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 
 #include <algorithm>
@@ -9,12 +10,6 @@
 namespace planfold {
 
 namespace {
-
-std::string InPaise(std::string_view rupees) {
-    std::string paise(rupees);
-    std::erase(paise, '.');
-    return paise.erase(0, std::min(paise.find_first_not_of('0'), paise.size()));
-}
 
 // Of "05-Mar-2027".
 std::string SortableDate(std::string_view date) {
