@@ -45,6 +45,8 @@ public:
 
     // Seconds since 1970, by the server's clock.
     std::int64_t Now() const { return m_clock.now() + m_aheadSeconds; }
+    // The same by the machine's, which is not advanced.
+    std::int64_t MachineTime() const { return m_clock.now(); }
     std::chrono::year_month_day Today() const { return DateAt(Now()); }
     std::chrono::year_month_day DateAt(std::int64_t seconds) const { return m_clock.localDate(seconds); }
     const MarketDays& Market() const { return m_market; }

@@ -44,6 +44,7 @@ bool Registrations::Replay(std::string_view record) {
         Enter(std::move(*registration));
         return true;
     }
+    if (m_changes.Replay(record)) return true;
     auto order = ExchangeOrder::FromJson(record);
     if (!order || !Find(order->order.Text(tag::registrationNumber))) return false;
     Enter(std::move(*order));
@@ -51,6 +52,7 @@ bool Registrations::Replay(std::string_view record) {
 }
 
 std::size_t Registrations::Enter(Registration registration) {
+    if (!registration.changes.Text(0).empty()) m_changes.Remember(registration.LatestChange());
     const auto [place, isNew] = m_byNumber.emplace(registration.Number(), m_all.size());
     if (!isNew) {
         m_all[place->second] = std::move(registration);
@@ -110,6 +112,8 @@ const ExecutionHistory& Registrations::HistoryOf(std::string_view number) const 
 }
 
 void Registrations::WriteTo(const Journal::Sink& sink) const {
+    // In front, because the registrations' own records tell less.
+    m_changes.WriteTo(sink);
     for (const Registration& registration : m_all)
         sink(registration.Json());
     for (const Registration& registration : m_all)

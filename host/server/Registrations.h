@@ -45,6 +45,8 @@ public:
     // The one that the login's request with this text in tag::orderId, or of this name in tag::requestName, has
     // registered; null when it has not.
     const Registration* FindOrdered(std::uint32_t tag, std::string_view text, std::string_view loginId) const;
+    ChangeMemory& Changes() { return m_changes; }
+    const ChangeMemory& Changes() const { return m_changes; }
     std::size_t PlaceOf(const Registration& registration) const;
     // Empty without any order.
     const ExecutionHistory& HistoryOf(std::string_view number) const;
@@ -66,6 +68,7 @@ private:
     // By the hash of the identifier, and of the name, of the request that registered; two may be the same.
     std::unordered_multimap<std::size_t, std::size_t> m_byOrdered;
     std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
+    ChangeMemory m_changes;
     std::size_t m_orderCount = 0;
     std::size_t m_lastSequence = 0; // the highest of any registration
     std::vector<UpdateListener*> m_listeners;

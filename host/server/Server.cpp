@@ -150,13 +150,15 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
     const Registration* before = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId);
     if (!before)
         before = m_registrations.FindOrdered(tag::orderId, qmx::Text(request, tag::orderId), user.loginId);
+    if (m_registrations.Changes().Find(user.loginId, sentAs)) return Refuse(request, OtherChange());
     if (before && !IsSameOrder(request, *before)) return Refuse(request, OtherOrder(before->Number()));
     if (before) return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
-    const Registration registration = MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
+    const Registration registration =
+        MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
 }
@@ -199,16 +201,26 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     if (const auto refusal = FindNamed(request, before)) return Refuse(request, *refusal);
     if (before->Text(tag::loginId) != user.loginId) return Refuse(request, OtherUser());
     const std::string number(before->Number());
+    if (const Registration* ordered = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId))
+        return Refuse(request, OtherOrder(ordered->Number()));
+    const ChangeOrigin origin{user.loginId, sentAs, ChangeOrigin::ContentsOf(request), m_clock.MachineTime()};
+    const auto made = m_registrations.Changes().Find(user.loginId, sentAs);
+    if (made && made->HasOther(*origin.contents)) return Refuse(request, OtherChange());
 
-    if (!before->WasChangedBy(sentAs)) {
+    if (!made && !before->WasChangedBy(sentAs)) {
         if (const std::string fault = m_clock.ExecuteDueOf(m_registrations.PlaceOf(*before)); !fault.empty())
             return Refuse(request, {kCodeJournal, fault});
         Registration after = *before;
         const ChangeRequest change{request, user.loginId, m_config, m_clock.Market(), m_clock.Today()};
         if (const auto refusal = kind.apply(change, after)) return Refuse(request, *refusal);
         if (after != *before) {
-            after.RememberChange(sentAs);
+            after.RememberChange(origin);
             if (const auto refusal = Keep(std::move(after))) return Refuse(request, *refusal);
+        } else if (!sentAs.empty()) {
+            // It comes again perhaps when there is something to change.
+            if (const std::string fault = m_journal.Write(origin.Json()); !fault.empty())
+                return Refuse(request, {kCodeJournal, fault});
+            m_registrations.Changes().Remember(origin);
         }
     }
     m_writer.Start().Add(tag::echoedRequest, kind.request);
@@ -325,7 +337,8 @@ Reply Server::AnswerRegistered(void* request, const Registration& registration) 
 }
 
 bool Server::IsJournalStale() const {
-    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount());
+    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount()
+                             + m_registrations.Changes().Size());
 }
 
 std::string Server::CompactWhenStale() {
