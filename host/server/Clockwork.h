@@ -61,6 +61,8 @@ public:
 
     // False when the journal's record is neither of the clock nor of restricted days.
     bool Replay(std::string_view record);
+    // As at the start.
+    void Clear();
     // All that a replay needs. It goes before the registrations, because a change of the days lets instalments
     // of paused ones lapse.
     void WriteTo(const Journal::Sink& sink) const;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <utility>
 
 namespace vesk {
 namespace {
@@ -14,19 +15,6 @@ constexpr std::uint32_t kOrderedBy[] = {tag::orderId, tag::requestName};
 
 std::size_t KeyOf(std::string_view text) {
     return std::hash<std::string_view>()(text);
-}
-
-// The orders of one registration with their trades, which stand in the same order. Which instalments they were
-// is in the registration's progress by now.
-void WriteOrders(const ExecutionHistory& history, const Journal::Sink& sink) {
-    auto trade = history.trades.begin();
-    for (const FieldRecord& order : history.orders) {
-        ExchangeOrder whole{order, {}};
-        const std::string_view number = order.Text(tag::orderNumber);
-        while (trade != history.trades.end() && trade->Text(tag::orderNumber) == number)
-            whole.trades.push_back(*trade++);
-        sink(whole.Json());
-    }
 }
 
 } // namespace
@@ -69,7 +57,9 @@ std::size_t Registrations::Enter(Registration registration) {
 void Registrations::Enter(ExchangeOrder order) {
     ++m_orderCount;
     Count(order);
-    m_histories[std::string(order.order.Text(tag::registrationNumber))].Enter(std::move(order));
+    const std::string number(order.order.Text(tag::registrationNumber));
+    if (m_noted) ++(*m_noted)[number];
+    m_histories[number].Enter(std::move(order));
 }
 
 void Registrations::Count(const ExchangeOrder& order) {
@@ -111,16 +101,54 @@ const ExecutionHistory& Registrations::HistoryOf(std::string_view number) const 
     return found == m_histories.end() ? none : found->second;
 }
 
-void Registrations::WriteTo(const Journal::Sink& sink) const {
-    // In front, because the registrations' own records tell less.
-    m_changes.WriteTo(sink);
-    for (const Registration& registration : m_all)
-        sink(registration.Json());
-    for (const Registration& registration : m_all)
-        WriteOrders(HistoryOf(registration.Number()), sink);
+void Registrations::Clear() {
+    m_all.clear();
+    m_byNumber.clear();
+    m_byOrdered.clear();
+    m_histories.clear();
+    m_changes = {};
+    m_orderCount = m_lastSequence = 0;
+    m_told.clear();
+    m_noted.reset();
 }
 
-void Registrations::Tell(const Registration& registration) const {
+void Registrations::BeginNoting() {
+    m_noted.emplace();
+}
+
+void Registrations::EndNoting() {
+    m_noted.reset();
+}
+
+// With their trades, which stand in the same order. Which instalments they were is in the registration's
+// progress by now.
+void Registrations::WriteOrders(const Registration& registration, const Journal::Sink& sink) const {
+    const ExecutionHistory& history = HistoryOf(registration.Number());
+    std::size_t left = history.orders.size();
+    if (m_noted)
+        if (const auto later = m_noted->find(std::string(registration.Number())); later != m_noted->end())
+            left -= later->second;
+    auto trade = history.trades.begin();
+    for (auto order = history.orders.begin(); left-- > 0; ++order) {
+        ExchangeOrder whole{*order, {}};
+        const std::string_view number = order->Text(tag::orderNumber);
+        while (trade != history.trades.end() && trade->Text(tag::orderNumber) == number)
+            whole.trades.push_back(*trade++);
+        sink(whole.Json());
+    }
+}
+
+void Registrations::TellHeld() {
+    m_holdsTold = false;
+    for (const Registration& registration : std::exchange(m_told, {}))
+        Tell(registration);
+}
+
+void Registrations::Tell(const Registration& registration) {
+    if (m_holdsTold) {
+        if (!m_listeners.empty()) m_told.push_back(registration);
+        return;
+    }
     for (UpdateListener* listener : m_listeners)
         listener->OnUpdate(registration);
 }

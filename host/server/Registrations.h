@@ -8,6 +8,7 @@
 #include "host/server/journal/Journal.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -53,12 +54,21 @@ public:
     // Exchange orders, of all registrations.
     std::size_t OrderCount() const { return m_orderCount; }
 
-    // Hands the sink all that a replay needs.
-    void WriteTo(const Journal::Sink& sink) const;
+    // As at the start. Who listens still does.
+    void Clear();
+
+    // From here on it notes what the orders of each are, until `EndNoting`.
+    void BeginNoting();
+    void EndNoting();
+    // Hands the sink the orders of one registration that were there before.
+    void WriteOrders(const Registration& registration, const Journal::Sink& sink) const;
 
     void AddListener(UpdateListener& listener) { m_listeners.push_back(&listener); }
     void RemoveListener(UpdateListener& listener) { std::erase(m_listeners, &listener); }
-    void Tell(const Registration& registration) const;
+    // Until `TellHeld` nobody is told; what is held is forgotten by `Clear`.
+    void HoldTold() { m_holdsTold = true; }
+    void TellHeld();
+    void Tell(const Registration& registration);
 
 private:
     void Count(const ExchangeOrder& order);
@@ -72,6 +82,10 @@ private:
     std::size_t m_orderCount = 0;
     std::size_t m_lastSequence = 0; // the highest of any registration
     std::vector<UpdateListener*> m_listeners;
+    bool m_holdsTold = false;
+    std::vector<Registration> m_told; // held
+    // How many orders came to each since the noting began, by registration number.
+    std::optional<std::unordered_map<std::string, std::size_t>> m_noted{};
 };
 
 } // namespace vesk

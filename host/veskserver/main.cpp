@@ -25,8 +25,8 @@ namespace vesk {
 namespace {
 
 constexpr int kFailed = 2;
-constexpr int kWaitMs = 100;                           // until it looks whether it is to end
-constexpr std::chrono::milliseconds kExecutionTime{5}; // of due instalments, between two looks at the terminals
+constexpr int kWaitMs = 100;                      // until it looks whether it is to end
+constexpr std::chrono::milliseconds kStepTime{5}; // of due instalments, or of a journal, between two looks
 
 std::atomic<bool> g_isToEnd = false; // set by a signal's handler, which has no other way
 static_assert(std::atomic<bool>::is_always_lock_free);
@@ -132,8 +132,9 @@ void Answer(const std::vector<std::string>& lines, ServerCommands& commands, con
 }
 
 int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& user) {
-    Clockwork& clock = marketServer.Serving().Clock();
-    NetServer net(marketServer.Serving(), marketServer.Commands(), Note);
+    Server& server = marketServer.Serving();
+    Clockwork& clock = server.Clock();
+    NetServer net(server, marketServer.Commands(), Note);
     if (const std::string fault = net.Listen(port); !fault.empty()) return Fail(fault);
     EndOn(SIGINT);
     EndOn(SIGTERM);
@@ -142,12 +143,13 @@ int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& us
     std::fflush(stdout);
     while (!g_isToEnd) {
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : clock.HasDue() ? 0 : kWaitMs);
+        net.Turn(isBehind ? 1 : clock.HasDue() || server.IsCompacting() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, marketServer.Commands(), user);
         if (input.isOver) break;
+        if (const std::string note = server.CompactWhenStale(kStepTime); !note.empty()) Note(note);
         if (isBehind) continue;
-        const Executed done = clock.ExecuteDue(kExecutionTime);
+        const Executed done = clock.ExecuteDue(kStepTime);
         if (!done.fault.empty()) Note(done.fault);
     }
     net.FinishRest();

@@ -1,5 +1,7 @@
 // The trading server for several terminals at once: connections of this machine, a session each.
 //
+// What all of them asked for is done and put on the disk together, and then answered.
+//
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
@@ -53,7 +55,11 @@ private:
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
     void Accept();
-    void Serve(Connection& connection, const SocketEvents& came);
+    // A fault ends the connection.
+    template <class Work>
+    void Do(Connection& connection, Work work);
+    void Exchange(Connection& connection, const SocketEvents& came);
+    void Answer(Connection& connection, const std::string& fault);
     void Receive(Connection& connection);
     // What a terminal that takes no answers any more has sent before.
     void ReceiveRest(Connection& connection);

@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
 
@@ -42,8 +43,12 @@ public:
 
     // `nowMs` never goes back.
     void Take(std::string_view bytes, std::int64_t nowMs);
-    // Does a portion of what there is to do.
+    // Does a portion of what there is to do: all of the following.
     void Pump(std::int64_t nowMs);
+    // Handles what is due while the server holds the changes.
+    void Handle(std::int64_t nowMs);
+    // What the server said when it released them; then the answers go out, and the rest.
+    void Deliver(const std::string& fault);
     bool TakesInput() const;
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
@@ -77,6 +82,13 @@ private:
         std::size_t restrictions = 0; // changes of them
         bool operator==(const ToldState&) const = default;
     };
+    // What was asked, and is answered when it is on the disk.
+    struct Handled {
+        Asked asked;
+        Reply reply{};
+        Told told{};
+        bool hasWritten = false;
+    };
     struct Step;
     static const Step kSteps[];
 
@@ -98,9 +110,16 @@ private:
     // Tells the state when it differs from what was told.
     void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
-    void Handle(const net::ControlRequest& request);
-    void Handle(const net::ServerCommand& command);
-    bool PumpOnce();
+    bool TakesRequests(std::int64_t nowMs) const;
+    bool HasToSay() const;
+    void Handle(Handled& one, const net::ControlRequest& request);
+    void Handle(Handled& one, const net::ServerCommand& command);
+    void Answer(Handled& one, const net::ControlRequest& request, const std::string& fault);
+    void Answer(Handled& one, const net::ServerCommand& command, const std::string& fault);
+    std::string SentAs(const net::ControlRequest& request) const {
+        return m_terminal + "-" + std::to_string(request.number);
+    }
+    bool DeliverOnce();
     void NextRow();
     bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
     // Ends a terminal that does not keep up.
@@ -119,6 +138,7 @@ private:
     std::optional<Streams> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::uint32_t> m_controlKinds;
     AskedQueue m_asked;
+    std::vector<Handled> m_handled;
     std::deque<RunningQuery> m_queries;
     ToldState m_toldState;
     std::int64_t m_nowMs = 0;
