@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/server/ExchangeOrder.h"
+#include "host/server/PlaceIndex.h"
 #include "host/server/Registration.h"
 #include "host/server/journal/Journal.h"
 
@@ -71,21 +72,21 @@ public:
     void Tell(const Registration& registration);
 
 private:
-    void Count(const ExchangeOrder& order);
+    std::optional<std::size_t> PlaceOf(std::string_view number) const;
+    void Count(const ExchangeOrder& order, Registration& registration);
 
     std::vector<Registration> m_all;
-    std::unordered_map<std::string, std::size_t> m_byNumber;
-    // By the hash of the identifier, and of the name, of the request that registered; two may be the same.
-    std::unordered_multimap<std::size_t, std::size_t> m_byOrdered;
-    std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
+    PlaceIndex m_byNumber;
+    PlaceIndex m_byOrdered; // by the identifier, and by the name, of the request that registered
+    std::unordered_map<std::size_t, ExecutionHistory> m_histories; // by place
     ChangeMemory m_changes;
     std::size_t m_orderCount = 0;
     std::size_t m_lastSequence = 0; // the highest of any registration
     std::vector<UpdateListener*> m_listeners;
     bool m_holdsTold = false;
     std::vector<Registration> m_told; // held
-    // How many orders came to each since the noting began, by registration number.
-    std::optional<std::unordered_map<std::string, std::size_t>> m_noted{};
+    // How many orders came to each since the noting began, by place.
+    std::optional<std::unordered_map<std::size_t, std::size_t>> m_noted{};
 };
 
 } // namespace vesk

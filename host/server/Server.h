@@ -47,6 +47,9 @@ public:
     // In place of the answer to a request that was undone.
     Reply HandleUndone(void* request, const UserIdentity& user, std::string_view sentAs,
                        const std::string& fault);
+    std::uint64_t JournalBytes() { return m_journal.File().Size(); }
+    // How long each flush took since the last call, in milliseconds.
+    std::vector<double> TakeFlushTimes() { return m_journal.TakeFlushTimes(); }
     // Records, by now.
     std::size_t Written() const { return m_journal.Written(); }
 

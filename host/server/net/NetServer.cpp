@@ -101,6 +101,9 @@ void NetServer::Exchange(Connection& connection, const SocketEvents& came) {
 void NetServer::Answer(Connection& connection, const std::string& fault) {
     Do(connection, [&] {
         connection.session.Deliver(fault);
+        const Traffic traffic = connection.session.TakeTraffic();
+        m_carried.requests += traffic.requests;
+        m_carried.updates += traffic.updates;
         if (!connection.session.Output().empty()) Send(connection);
         if (connection.isGone && connection.socket) ReceiveRest(connection);
     });

@@ -32,6 +32,8 @@ public:
     // Port 0 is the system's choice. Why it cannot; empty when it does.
     std::string Listen(std::uint16_t port);
     std::uint16_t Port() const { return m_listener.Port(); }
+    // What has gone through all connections.
+    Traffic Carried() const { return m_carried; }
     std::size_t Connections() const { return m_connections.size(); }
 
     // Whether a terminal that takes its updates has many to take: what makes more of them can wait for it.
@@ -72,6 +74,7 @@ private:
     SessionLimits m_limits;
     Socket m_listener;
     std::list<Connection> m_connections;
+    Traffic m_carried;
 };
 
 } // namespace vesk

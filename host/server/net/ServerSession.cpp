@@ -209,7 +209,7 @@ void ServerSession::Deliver(const std::string& fault) {
 // All updates, and one row of a long query.
 bool ServerSession::DeliverOnce() {
     if (!HasToSay()) return false;
-    for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed)
+    for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed, ++m_traffic.updates)
         Say(m_streams->TakeNext());
     if (!HasRoom() || HasEnded()) return false;
     if (auto missed = m_streams->NextMissed()) Say(std::move(*missed));
@@ -222,6 +222,7 @@ bool ServerSession::DeliverOnce() {
 
 void ServerSession::Handle(Handled& one, const net::ControlRequest& request) {
     const qmx::MessageReader reader(request.bytes);
+    ++m_traffic.requests;
     one.reply = m_server.Handle(reader.Handle(), m_user, SentAs(request));
     if (one.reply.isLost) m_asked = {};
     if (one.reply.isCut) End("the server plays a cut connection");

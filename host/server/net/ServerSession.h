@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -32,6 +33,11 @@ struct SessionLimits {
     std::size_t turns = 64;                     // of one pump,
     std::chrono::milliseconds pumpTime{60'000}; // and how long it begins another one
     Checksum checksum = Checksum::crc32;        // of the frames, both ways
+};
+
+// What has gone through.
+struct Traffic {
+    std::size_t requests = 0, updates = 0;
 };
 
 class ServerSession {
@@ -58,6 +64,9 @@ public:
     bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
     // The bytes to be sent; the caller takes away what it has sent.
     std::string& Output() { return m_output; }
+
+    // Since the last call.
+    Traffic TakeTraffic() { return std::exchange(m_traffic, {}); }
 
     // Its terminal is gone: nothing is said any more, but what was asked is still done, when it is due.
     void Leave();
@@ -145,6 +154,7 @@ private:
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};
     std::size_t m_streamed = 0; // updates that went out
+    Traffic m_traffic;
     // How it takes a backlog, judged again and again.
     struct {
         std::int64_t sinceMs = 0;
