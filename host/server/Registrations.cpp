@@ -22,8 +22,9 @@ void Registrations::MakeRoom(std::size_t more) {
 
 bool Registrations::Replay(std::string_view record) {
     if (auto registration = Registration::FromJson(record)) {
-        if (const Registration* before = Find(registration->Number())) registration->KeepOrdered(*before);
-        Enter(std::move(*registration));
+        const auto place = PlaceOf(registration->Number());
+        if (place) registration->KeepOrdered(m_all[*place]);
+        EnterAt(place, std::move(*registration));
         return true;
     }
     if (m_changes.Replay(record)) return true;
@@ -34,10 +35,15 @@ bool Registrations::Replay(std::string_view record) {
 }
 
 std::size_t Registrations::Enter(Registration registration) {
+    const auto place = PlaceOf(registration.Number());
+    return EnterAt(place, std::move(registration));
+}
+
+std::size_t Registrations::EnterAt(std::optional<std::size_t> before, Registration registration) {
     if (!registration.changes.Text(0).empty()) m_changes.Remember(registration.LatestChange());
-    if (const auto place = PlaceOf(registration.Number())) {
-        m_all[*place] = std::move(registration);
-        return *place;
+    if (before) {
+        m_all[*before] = std::move(registration);
+        return *before;
     }
     const std::size_t place = m_all.size();
     m_byNumber.Add(registration.Number(), place);

@@ -73,6 +73,8 @@ public:
 
 private:
     std::optional<std::size_t> PlaceOf(std::string_view number) const;
+    // `before` is the place of the one with the same number.
+    std::size_t EnterAt(std::optional<std::size_t> before, Registration registration);
     void Count(const ExchangeOrder& order, Registration& registration);
 
     std::vector<Registration> m_all;

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "host/connectvesk/Wire.h"
 
+#include <array>
 #include <optional>
 
 namespace vesk {
@@ -136,9 +137,14 @@ bool RecordReader::TakeAll(std::string_view kind, FieldRecord& record) {
 
 bool RecordReader::TakeText(std::string_view& text, std::string& unescaped) {
     // Nearly all are letters and digits, and stand as they are.
-    const auto isPlain = [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; };
+    static constexpr std::array<bool, 256> plain = [] {
+        std::array<bool, 256> table{};
+        for (std::size_t byte = ' '; byte <= '~'; ++byte)
+            table[byte] = byte != '"' && byte != '\\';
+        return table;
+    }();
     std::size_t end = 1;
-    while (end < m_rest.size() && isPlain(m_rest[end]))
+    while (end < m_rest.size() && plain[static_cast<unsigned char>(m_rest[end])])
         ++end;
     if (end < m_rest.size() && m_rest[end] == '"' && m_rest[0] == '"') {
         text = m_rest.substr(1, end - 1);
