@@ -95,6 +95,13 @@ bool Clockwork::Replay(std::string_view record) {
     return true;
 }
 
+void Clockwork::Clear() {
+    m_market.restricted = {};
+    m_aheadSeconds = 0;
+    m_due = {};
+    m_unscheduled.reset();
+}
+
 void Clockwork::WriteTo(const Journal::Sink& sink) const {
     sink(ClockRecord(m_aheadSeconds));
     for (const RestrictedRange& range : m_market.restricted.Ranges())

@@ -45,6 +45,8 @@ public:
 
     // Seconds since 1970, by the server's clock.
     std::int64_t Now() const { return m_clock.now() + m_aheadSeconds; }
+    // The same by the machine's, which is not advanced.
+    std::int64_t MachineTime() const { return m_clock.now(); }
     std::chrono::year_month_day Today() const { return DateAt(Now()); }
     std::chrono::year_month_day DateAt(std::int64_t seconds) const { return m_clock.localDate(seconds); }
     const MarketDays& Market() const { return m_market; }
@@ -59,6 +61,8 @@ public:
 
     // False when the journal's record is neither of the clock nor of restricted days.
     bool Replay(std::string_view record);
+    // As at the start.
+    void Clear();
     // All that a replay needs. It goes before the registrations, because a change of the days lets instalments
     // of paused ones lapse.
     void WriteTo(const Journal::Sink& sink) const;

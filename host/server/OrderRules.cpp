@@ -154,8 +154,10 @@ std::optional<ServerRefusal> Cancel(const ChangeRequest& request, Registration& 
     const std::string_view by = qmx::Text(request.message, tag::cancelledBy);
     const std::string_view remarks = qmx::Text(request.message, tag::userText);
     const bool isCancelled = registration.Text(tag::sipStatus) == kStatusCancelled;
-    if (isCancelled && !orderId.empty() && registration.changes.Text(tag::orderId) == orderId)
-        return std::nullopt;
+    if (isCancelled && !orderId.empty() && registration.changes.Text(tag::orderId) == orderId) {
+        if (registration.Text(tag::userText) == remarks) return std::nullopt;
+        return OtherChange();
+    }
     if (auto refusal = JudgeStatus(registration)) return refusal;
     if (!by.empty() && by != request.loginId) return WrongUser();
     if (orderId.size() > kLongestText) return WrongValue("request identifier", orderId);

@@ -15,6 +15,8 @@ constexpr std::uint32_t kChangeable[] = {tag::amountOrQuantity, tag::totalPeriod
 
 // As many as a terminal may have under way for one registration.
 constexpr std::uint32_t kChangesKept = 4;
+// Of the latest of them.
+constexpr std::uint32_t kTagContents = 4, kTagAt = 5;
 
 } // namespace
 
@@ -60,11 +62,21 @@ bool Registration::WasChangedBy(std::string_view sentAs) const {
     return false;
 }
 
-void Registration::RememberChange(std::string_view sentAs) {
-    if (sentAs.empty()) return;
+void Registration::RememberChange(const ChangeOrigin& origin) {
+    if (origin.sentAs.empty()) return;
     for (std::uint32_t i = kChangesKept - 1; i > 0; --i)
         if (!changes.Text(i - 1).empty()) changes.Set(i, changes.Text(i - 1));
-    changes.Set(0, sentAs);
+    changes.Set(0, origin.sentAs);
+    changes.Set(kTagContents, std::to_string(origin.contents.value_or(0)));
+    changes.Set(kTagAt, std::to_string(origin.at));
+}
+
+ChangeOrigin Registration::LatestChange() const {
+    ChangeOrigin origin{Text(tag::loginId), changes.Text(0)};
+    if (const auto contents = WholeNumber(changes.Text(kTagContents)))
+        origin.contents = static_cast<std::uint32_t>(*contents);
+    origin.at = WholeNumber(changes.Text(kTagAt)).value_or(0);
+    return origin;
 }
 
 std::string_view Registration::Ordered(std::uint32_t tag) const {

@@ -3,6 +3,7 @@
 // Thread: any; plain values.
 #pragma once
 
+#include "host/server/ChangeMemory.h"
 #include "host/server/journal/FieldRecord.h"
 #include "host/server/schedule/Instalments.h"
 
@@ -40,7 +41,9 @@ public:
     // Whether a request of this name made one of the latest changes.
     bool WasChangedBy(std::string_view sentAs) const;
     // A change without a name is not remembered: nobody can send it again.
-    void RememberChange(std::string_view sentAs);
+    void RememberChange(const ChangeOrigin& origin);
+    // Of the latest change that is remembered. It points into this record.
+    ChangeOrigin LatestChange() const;
 
     // What the order that registered it had in this field, or in tag::requestName the name of its request.
     std::string_view Ordered(std::uint32_t tag) const;
@@ -49,7 +52,8 @@ public:
 
     // The server's own, and in no message.
     PlanProgress progress{};
-    // The names of the requests that made the latest ones, the last in front, and a cancellation's identifier.
+    // The names of the requests that made the latest ones, the last in front, what that asked for and when it
+    // came, and a cancellation's identifier.
     FieldRecord changes{};
     FieldRecord ordered{}; // the name of the order's request, and what changes have made otherwise since
 };

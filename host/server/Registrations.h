@@ -4,10 +4,12 @@
 #pragma once
 
 #include "host/server/ExchangeOrder.h"
+#include "host/server/PlaceIndex.h"
 #include "host/server/Registration.h"
 #include "host/server/journal/Journal.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -45,30 +47,48 @@ public:
     // The one that the login's request with this text in tag::orderId, or of this name in tag::requestName, has
     // registered; null when it has not.
     const Registration* FindOrdered(std::uint32_t tag, std::string_view text, std::string_view loginId) const;
+    ChangeMemory& Changes() { return m_changes; }
+    const ChangeMemory& Changes() const { return m_changes; }
     std::size_t PlaceOf(const Registration& registration) const;
     // Empty without any order.
     const ExecutionHistory& HistoryOf(std::string_view number) const;
     // Exchange orders, of all registrations.
     std::size_t OrderCount() const { return m_orderCount; }
 
-    // Hands the sink all that a replay needs.
-    void WriteTo(const Journal::Sink& sink) const;
+    // As at the start. Who listens still does.
+    void Clear();
+
+    // From here on it notes what the orders of each are, until `EndNoting`.
+    void BeginNoting();
+    void EndNoting();
+    // Hands the sink the orders of one registration that were there before.
+    void WriteOrders(const Registration& registration, const Journal::Sink& sink) const;
 
     void AddListener(UpdateListener& listener) { m_listeners.push_back(&listener); }
     void RemoveListener(UpdateListener& listener) { std::erase(m_listeners, &listener); }
-    void Tell(const Registration& registration) const;
+    // Until `TellHeld` nobody is told; what is held is forgotten by `Clear`.
+    void HoldTold() { m_holdsTold = true; }
+    void TellHeld();
+    void Tell(const Registration& registration);
 
 private:
-    void Count(const ExchangeOrder& order);
+    std::optional<std::size_t> PlaceOf(std::string_view number) const;
+    // `before` is the place of the one with the same number.
+    std::size_t EnterAt(std::optional<std::size_t> before, Registration registration);
+    void Count(const ExchangeOrder& order, Registration& registration);
 
     std::vector<Registration> m_all;
-    std::unordered_map<std::string, std::size_t> m_byNumber;
-    // By the hash of the identifier, and of the name, of the request that registered; two may be the same.
-    std::unordered_multimap<std::size_t, std::size_t> m_byOrdered;
-    std::unordered_map<std::string, ExecutionHistory> m_histories; // by registration number
+    PlaceIndex m_byNumber;
+    PlaceIndex m_byOrdered; // by the identifier, and by the name, of the request that registered
+    std::unordered_map<std::size_t, ExecutionHistory> m_histories; // by place
+    ChangeMemory m_changes;
     std::size_t m_orderCount = 0;
     std::size_t m_lastSequence = 0; // the highest of any registration
     std::vector<UpdateListener*> m_listeners;
+    bool m_holdsTold = false;
+    std::vector<Registration> m_told; // held
+    // How many orders came to each since the noting began, by place.
+    std::optional<std::unordered_map<std::size_t, std::size_t>> m_noted{};
 };
 
 } // namespace vesk

@@ -91,6 +91,10 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
                ServerClock clock)
     : m_config(std::move(config)), m_journal(journal),
       m_clock(m_config, m_registrations, m_journal, std::move(clock)) {
+    Replay(records);
+}
+
+void Server::Replay(const std::vector<std::string_view>& records) {
     m_registrations.MakeRoom(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
         if (m_registrations.Replay(records[i]) || m_clock.Replay(records[i])) continue;
@@ -100,6 +104,38 @@ Server::Server(ServerConfig config, Journal& journal, const std::vector<std::str
     for (std::size_t place = 0; place < m_registrations.Size(); ++place)
         m_clock.Schedule(place);
     m_journal.EndReplay(records.size());
+}
+
+void Server::Hold() {
+    m_journal.Hold();
+    m_registrations.HoldTold();
+}
+
+std::string Server::Release() {
+    std::string fault = m_journal.Release();
+    if (!fault.empty()) Undo();
+    m_registrations.TellHeld();
+    return fault;
+}
+
+void Server::Undo() {
+    m_renewal.reset();
+    m_registrations.Clear();
+    m_clock.Clear();
+    std::string text, error;
+    std::vector<std::string_view> records;
+    if (m_journal.File().ReadBack(text, records, error))
+        Replay(records);
+    else
+        m_journal.FailReplay("The server's journal can be used no more: it " + error);
+}
+
+Reply Server::HandleUndone(void* request, const UserIdentity& user, std::string_view sentAs,
+                           const std::string& fault) {
+    m_journal.Refuse(fault);
+    Reply reply = Dispatch(qmx::Text(request, tag::requestName).substr(0, kLongestText), request, user, sentAs);
+    m_journal.Refuse({});
+    return reply;
 }
 
 Reply Server::Handle(void* request, const UserIdentity& user, std::string_view sentAs) {
@@ -150,13 +186,15 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
     const Registration* before = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId);
     if (!before)
         before = m_registrations.FindOrdered(tag::orderId, qmx::Text(request, tag::orderId), user.loginId);
+    if (m_registrations.Changes().Find(user.loginId, sentAs)) return Refuse(request, OtherChange());
     if (before && !IsSameOrder(request, *before)) return Refuse(request, OtherOrder(before->Number()));
     if (before) return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 
-    const Registration registration = MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
+    const Registration registration =
+        MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
 }
@@ -199,16 +237,26 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     if (const auto refusal = FindNamed(request, before)) return Refuse(request, *refusal);
     if (before->Text(tag::loginId) != user.loginId) return Refuse(request, OtherUser());
     const std::string number(before->Number());
+    if (const Registration* ordered = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId))
+        return Refuse(request, OtherOrder(ordered->Number()));
+    const ChangeOrigin origin{user.loginId, sentAs, ChangeOrigin::ContentsOf(request), m_clock.MachineTime()};
+    const auto made = m_registrations.Changes().Find(user.loginId, sentAs);
+    if (made && made->HasOther(*origin.contents)) return Refuse(request, OtherChange());
 
-    if (!before->WasChangedBy(sentAs)) {
+    if (!made && !before->WasChangedBy(sentAs)) {
         if (const std::string fault = m_clock.ExecuteDueOf(m_registrations.PlaceOf(*before)); !fault.empty())
             return Refuse(request, {kCodeJournal, fault});
         Registration after = *before;
         const ChangeRequest change{request, user.loginId, m_config, m_clock.Market(), m_clock.Today()};
         if (const auto refusal = kind.apply(change, after)) return Refuse(request, *refusal);
         if (after != *before) {
-            after.RememberChange(sentAs);
+            after.RememberChange(origin);
             if (const auto refusal = Keep(std::move(after))) return Refuse(request, *refusal);
+        } else if (!sentAs.empty()) {
+            // It comes again perhaps when there is something to change.
+            if (const std::string fault = m_journal.Write(origin.Json()); !fault.empty())
+                return Refuse(request, {kCodeJournal, fault});
+            m_registrations.Changes().Remember(origin);
         }
     }
     m_writer.Start().Add(tag::echoedRequest, kind.request);
@@ -233,13 +281,14 @@ std::string Server::NextRow(RowQuery& query) {
 
 std::string Server::NextRegistration(RowQuery& query) {
     constexpr std::size_t mostLookedAt = 256;
+    query.end = std::min(query.end, m_registrations.Size());
     const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
     const Registration* found = nullptr;
     while (!found && query.next < stop) {
         const Registration& registration = m_registrations.At(query.next++);
         if (query.Wants(registration)) found = &registration;
     }
-    query.isDone = query.next == query.end;
+    query.isDone = query.next >= query.end;
     // The rows of a list are ended by what is no row.
     if (query.isList && found) query.isDone = false;
     if (!found && (!query.isDone || (query.hasRows && !query.isList))) return {};
@@ -264,13 +313,13 @@ Reply Server::StartExecutionQuery(const ExecutionQuery& kind, void* request, con
 
 std::string Server::NextExecution(RowQuery& query) {
     const ExecutionQuery& kind = *query.executions;
-    query.isDone = query.next == query.end;
+    const auto& rows = m_registrations.HistoryOf(query.number).*kind.rows;
+    query.isDone = query.next >= std::min(query.end, rows.size());
     m_writer.Start().Add(tag::echoedRequest, query.request);
     if (query.isDone)
         m_writer.Add(kind.closingTag, kind.closingText);
     else
-        OrderAsOf(m_clock.Today(), (m_registrations.HistoryOf(query.number).*kind.rows)[query.next++])
-            .AddTo(m_writer);
+        OrderAsOf(m_clock.Today(), rows[query.next++]).AddTo(m_writer);
     return m_writer.Finish();
 }
 
@@ -325,20 +374,31 @@ Reply Server::AnswerRegistered(void* request, const Registration& registration) 
 }
 
 bool Server::IsJournalStale() const {
-    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount());
+    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount()
+                             + m_registrations.Changes().Size());
 }
 
-std::string Server::CompactWhenStale() {
-    if (!IsJournalStale()) return {};
-    std::string fault = CompactJournal();
-    return fault.empty() ? "The journal is written anew without what was superseded" : fault;
+std::string Server::CompactWhenStale(std::chrono::milliseconds time) {
+    if (!m_renewal) {
+        if (!IsJournalStale()) return {};
+        m_renewal.emplace(m_journal, m_clock, m_registrations);
+    }
+    m_renewal->GoOn(time);
+    if (!m_renewal->IsOver()) return {};
+    const std::string error = m_renewal->Error();
+    m_renewal.reset();
+    if (error.empty()) return "The journal is written anew without what was superseded";
+    m_journal.SetRecords(0); // not at once again
+    return "The server's journal " + error;
 }
 
 std::string Server::CompactJournal() {
-    return m_journal.Replace([this](const Journal::Sink& sink) {
-        m_clock.WriteTo(sink);
-        m_registrations.WriteTo(sink);
-    });
+    m_renewal.emplace(m_journal, m_clock, m_registrations);
+    while (!m_renewal->IsOver())
+        m_renewal->GoOn(std::chrono::seconds(1));
+    const std::string error = m_renewal->Error();
+    m_renewal.reset();
+    return error.empty() ? "" : "The server's journal " + error;
 }
 
 } // namespace vesk

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"
-#include "host/server/Clockwork.h"
+#include "host/server/JournalRenewal.h"
 #include "host/server/OrderRules.h"
 #include "host/server/RowQuery.h"
 
@@ -39,6 +39,20 @@ public:
     // The answers' bytes, in the order they are sent. `request` is a message handle. Under `sentAs` it comes
     // again when its answer was lost: a change is then not made twice, but answered as the first time.
     Reply Handle(void* request, const UserIdentity& user, std::string_view sentAs = {});
+    // From here on changes are put on the disk and told together. Nothing that they made may be told before.
+    void Hold();
+    // Ends that. When what was changed meanwhile cannot be put on the disk, that is undone, and the answer says
+    // why: the server then holds what the journal does.
+    std::string Release();
+    // In place of the answer to a request that was undone.
+    Reply HandleUndone(void* request, const UserIdentity& user, std::string_view sentAs,
+                       const std::string& fault);
+    std::uint64_t JournalBytes() { return m_journal.File().Size(); }
+    // How long each flush took since the last call, in milliseconds.
+    std::vector<double> TakeFlushTimes() { return m_journal.TakeFlushTimes(); }
+    // Records, by now.
+    std::size_t Written() const { return m_journal.Written(); }
+
     // The next row's bytes, with the record as it is now. Empty when the registrations looked at in this call
     // gave none: it looks at a few hundred at most.
     std::string NextRow(RowQuery& query);
@@ -50,12 +64,14 @@ public:
     // `knows` says whom orders may be for; without it they may be for anybody.
     void SetClients(std::function<bool(std::string_view account)> knows) { m_knows = std::move(knows); }
 
-    // After a start: whether most of the journal's many records are superseded.
+    // Whether most of the journal's many records are superseded.
     bool IsJournalStale() const;
     // Writes it anew with what the server holds. Why it could not; empty when that is done.
     std::string CompactJournal();
-    // What became of it, for the log; empty when the journal was left as it is.
-    std::string CompactWhenStale();
+    // Begins that when it is stale, and goes on with it for about so long; never while changes are held. What
+    // became of it, for the log; empty until it is over.
+    std::string CompactWhenStale(std::chrono::milliseconds time);
+    bool IsCompacting() const { return m_renewal.has_value(); }
 
     // An answer that refuses, ready to be sent.
     static std::string Refusal(qmx::MessageWriter& writer, void* request, const ServerRefusal& refusal,
@@ -82,6 +98,10 @@ public:
 private:
     struct Handler;
     static const Handler kHandlers[];
+
+    void Replay(const std::vector<std::string_view>& records);
+    // Holds what the journal does.
+    void Undo();
 
     Reply Dispatch(std::string_view name, void* request, const UserIdentity& user, std::string_view sentAs);
     Reply AnswerOperationMode(void* request, const UserIdentity& user);
@@ -111,6 +131,7 @@ private:
     ServerJournal m_journal;
     vesk::Registrations m_registrations;
     Clockwork m_clock;
+    std::optional<JournalRenewal> m_renewal{};
     qmx::MessageWriter m_writer;
     std::function<bool(std::string_view)> m_knows;
 };

@@ -57,6 +57,11 @@ inline ServerRefusal OtherOrder(std::string_view number) {
             "Another order was registered under this identifier. Registration No : " + std::string(number)};
 }
 
+// The same for a change.
+inline ServerRefusal OtherChange() {
+    return {kCodeOtherOrder, "Another change was made under this identifier"};
+}
+
 inline ServerRefusal Withdrawn() {
     return {kCodeWithdrawn, "Withdrawn by the user"};
 }

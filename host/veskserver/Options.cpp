@@ -28,12 +28,17 @@ bool ReadCheckJournal(ServerOptions& options, std::string_view) {
     return options.checksJournal = true;
 }
 
+bool ReadStatus(ServerOptions& options, std::string_view) {
+    return options.tellsStatus = true;
+}
+
 constexpr OptionRow<ServerOptions> kOptions[] = {
     {"--port", ReadPort},
     {"--journal", ReadText<&ServerOptions::journal>},
     {"--config", ReadText<&ServerOptions::config>},
     {"--data", ReadData},
     {"--check-journal", ReadCheckJournal, ""},
+    {"--status", ReadStatus, ""},
     {"--help", ReadHelp, ""},
 };
 
@@ -45,6 +50,7 @@ constinit const std::string_view kServerHelp = R"(NAME
 SYNOPSIS
     veskserver --port N --journal FILE [--config FILE] [--data FOLDER]
     veskserver --check-journal --journal FILE
+    veskserver --status --journal FILE
     veskserver --help
 
 DESCRIPTION
@@ -90,6 +96,11 @@ OPTIONS
                      is missing stops the start) and FILE.torn (what crashes tore)
     --check-journal  tells all that is wrong with the journal, a line each with its
                      place, and changes nothing
+    --status         tells what the server of this journal has to do: sessions,
+                     requests and updates a second, the journal's size, and how long
+                     flushes took, over the last minute or less. It reads FILE.status,
+                     which the server writes every 5 seconds, and so needs no login.
+                     The server's log has the same line each minute
     --config FILE    frequencies and faults to play, as data/server.json
     --data FOLDER    where "journal" and "server.json" are, unless they are named, and
                      the market: "scrips.csv", "clients.csv", "nontrading.csv". In
@@ -97,8 +108,8 @@ OPTIONS
                      one of these four is told and done without
 
 EXIT STATUS
-    0    it was told to end; the journal has no fault
-    1    the journal has faults
+    0    it was told to end; the journal has no fault; a server told its status
+    1    the journal has faults; no server has told its status for 30 seconds
     2    the words of the command were wrong, the port was taken, or a file could
          not be used; standard error says which
 

@@ -12,6 +12,7 @@ namespace vesk {
 struct ServerOptions {
     bool help = false;
     bool checksJournal = false; // and does nothing else
+    bool tellsStatus = false;   // the same
     std::uint16_t port = 0;
     std::string journal;
     std::string config; // empty: the usual settings

@@ -2,12 +2,13 @@
 #include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
 #include "host/server/MarketServer.h"
-#include "host/server/net/NetServer.h"
+#include "host/server/net/ServerWatch.h"
 #include "host/veskserver/Options.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -25,8 +26,8 @@ namespace vesk {
 namespace {
 
 constexpr int kFailed = 2;
-constexpr int kWaitMs = 100;                           // until it looks whether it is to end
-constexpr std::chrono::milliseconds kExecutionTime{5}; // of due instalments, between two looks at the terminals
+constexpr int kWaitMs = 100;                      // until it looks whether it is to end
+constexpr std::chrono::milliseconds kStepTime{5}; // of due instalments, or of a journal, between two looks
 
 std::atomic<bool> g_isToEnd = false; // set by a signal's handler, which has no other way
 static_assert(std::atomic<bool>::is_always_lock_free);
@@ -131,23 +132,27 @@ void Answer(const std::vector<std::string>& lines, ServerCommands& commands, con
     if (!lines.empty()) std::fflush(stdout);
 }
 
-int Serve(MarketServer& marketServer, std::uint16_t port, const UserIdentity& user) {
-    Clockwork& clock = marketServer.Serving().Clock();
-    NetServer net(marketServer.Serving(), marketServer.Commands(), Note);
-    if (const std::string fault = net.Listen(port); !fault.empty()) return Fail(fault);
+int Serve(MarketServer& marketServer, const ServerOptions& options, const UserIdentity& user) {
+    Server& server = marketServer.Serving();
+    Clockwork& clock = server.Clock();
+    NetServer net(server, marketServer.Commands(), Note);
+    if (const std::string fault = net.Listen(options.port); !fault.empty()) return Fail(fault);
     EndOn(SIGINT);
     EndOn(SIGTERM);
     const auto takeInput = ReadInput();
     std::printf("listening on 127.0.0.1:%u\n", unsigned{net.Port()});
     std::fflush(stdout);
+    ServerWatch watch(net, server, PathOf(options.journal), SteadyMs());
     while (!g_isToEnd) {
+        if (const std::string line = watch.Look(SteadyMs(), std::time(nullptr)); !line.empty()) Note(line);
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : clock.HasDue() ? 0 : kWaitMs);
+        net.Turn(isBehind ? 1 : clock.HasDue() || server.IsCompacting() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, marketServer.Commands(), user);
         if (input.isOver) break;
+        if (const std::string note = server.CompactWhenStale(kStepTime); !note.empty()) Note(note);
         if (isBehind) continue;
-        const Executed done = clock.ExecuteDue(kExecutionTime);
+        const Executed done = clock.ExecuteDue(kStepTime);
         if (!done.fault.empty()) Note(done.fault);
     }
     net.FinishRest();
@@ -167,6 +172,13 @@ int CheckJournal(const std::string& name) {
     return faults.empty() ? 0 : faulty;
 }
 
+int TellStatus(const std::string& name) {
+    constexpr int absent = 1;
+    bool isCurrent = false;
+    std::printf("%s\n", ServerWatch::Read(PathOf(name), std::time(nullptr), isCurrent).c_str());
+    return isCurrent ? 0 : absent;
+}
+
 int Run(std::span<const std::string> words) {
     ServerOptions options;
     if (const auto complaint = ReadServerOptions(words, options))
@@ -175,6 +187,7 @@ int Run(std::span<const std::string> words) {
         std::fwrite(kServerHelp.data(), 1, kServerHelp.size(), stdout);
         return 0;
     }
+    if (options.tellsStatus) return TellStatus(options.journal);
     if (options.checksJournal) return CheckJournal(options.journal);
     ConfigResult config{ServerConfig{}, {}};
     if (!options.config.empty()) config = LoadServerConfig(options.config);
@@ -186,8 +199,7 @@ int Run(std::span<const std::string> words) {
     MarketServer server(std::move(opening), std::move(*config.config), market.master, market.clients,
                         market.calendar, true);
     if (!server.Serving().ReplayError().empty()) return Fail(server.Serving().ReplayError());
-    if (const std::string note = server.Serving().CompactWhenStale(); !note.empty()) Note(note);
-    return Serve(server, options.port, Operator(market.terminal));
+    return Serve(server, options, Operator(market.terminal));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Terminals at a server over TCP: what they see of each other, through the server's end and return, beside one
 // that reads slowly, and when either side sends rubbish.
 
+#include "host/server/net/ServerWatch.h"
 #include "host/server/sample/SampleOrders.h"
 #include "tests/net/NetFixture.h"
 
@@ -313,6 +314,54 @@ TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
             session.Output().clear(), session.Pump(0);
         EXPECT_TRUE(session.TakesInput());
     }
+}
+
+TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
+    Start();
+    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1})
+                              + Framed(net::OpenControl{1, 0}) + Framed(net::OpenControl{2, 1})
+                              + Framed(net::Subscribe{2, 0, {{tag::streamName, std::string(kStreamName)}}});
+    std::string asked;
+    for (std::uint64_t number = 1; number <= 3; ++number)
+        asked += Framed(net::ControlRequest{1, number, Message(Order("orderId=" + std::to_string(number)))});
+    asked += Framed(net::ControlRequest{1, 4, Message(ListOf("USER1"))});
+    ServerSession session(*m_running->server, *m_commands, {});
+    session.Take(hello, 0);
+    session.Pump(0);
+    session.Output().clear();
+    session.Take(asked, 0);
+    m_running->server->Hold();
+    session.Handle(0);
+    EXPECT_EQ(FileText(m_folder.File("journal")), "");
+    EXPECT_EQ(session.Output(), "");
+    session.Deliver(m_running->server->Release());
+    EXPECT_EQ(ReadJournalText(FileText(m_folder.File("journal"))).records.size(), 3u);
+    EXPECT_EQ(m_running->server->TakeFlushTimes().size(), 1u);
+    EXPECT_GT(session.Output().size(), 3000u); // answers, updates and rows
+}
+
+TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {
+    const auto path = m_folder.File("journal");
+    bool isCurrent = true;
+    Start();
+    {
+        ServerWatch watch(*m_net, *m_running->server, path, 0);
+        Terminal one(m_port, "USER1");
+        ASSERT_TRUE(one.Subscribe() && one.Place("a"));
+        ASSERT_TRUE(Until([&] { return !one.streamed.empty() && !one.answers.empty(); }, {&one}));
+        EXPECT_EQ(watch.Look(30'000, 1'000), "");
+        const std::string line = watch.Look(60'000, 1'030);
+        EXPECT_TRUE(line.starts_with("1 sessions, 0.0 requests and 0.0 updates a second, journal 0.0 MB, "
+                                     "1 flushes, longest "))
+            << line;
+        EXPECT_EQ(ServerWatch::Read(path, 1'033, isCurrent), line + ", 3 s ago");
+        EXPECT_TRUE(isCurrent);
+        EXPECT_EQ(watch.Look(61'000, 1'031), "");
+        ServerWatch::Read(path, 1'061, isCurrent);
+        EXPECT_FALSE(isCurrent);
+        EXPECT_NE(watch.Look(120'000, 1'090).find(" 0 flushes, "), std::string::npos);
+    }
+    EXPECT_EQ(ServerWatch::Read(path, 1'091, isCurrent), "no server serves this journal");
 }
 
 TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {

@@ -122,22 +122,54 @@ TEST(Change, RequestSentAgainIsAnsweredAsTheFirstTimeAndNotMadeTwice) {
         {"1-1", "modify_sip_order amountOrQuantity=500 totalPeriod=6 registrationNumber=" + kNumber},
         {"1-2", "modify_sip_order amountOrQuantity=700 totalPeriod=7 registrationNumber=" + kNumber},
         {"1-3", "pause_sip_order registrationNumber=" + kNumber},
+        {"1-4", "resume_sip_order registrationNumber=" + kNumber},
+        {"1-5", "resume_sip_order registrationNumber=" + kNumber}, // changes nothing
+        {"1-6", "pause_sip_order registrationNumber=" + kNumber},
+        {"1-7", "modify_sip_order amountOrQuantity=700 totalPeriod=9 registrationNumber=" + kNumber},
         {"2-1", kCancel},
     };
+    // Under names and an identifier that are taken.
+    std::pair<const char*, Fields> others[] = {
+        {"1-1", "modify_sip_order amountOrQuantity=501 totalPeriod=6 registrationNumber=" + kNumber},
+        {"1-3", "resume_sip_order registrationNumber=" + kNumber},
+        {"1-1", "modify_sip_order amountOrQuantity=500 totalPeriod=6 registrationNumber=SIP2603020000002"},
+        {"1-2", Order("orderId=id-3")},
+        {"0-1", kCancel},
+        {"", kCancel},
+    };
+    others[5].second[tag::userText] = "other";
+    running->Ask(Order("orderId=id-2"), "0-1");
     std::vector<Answers> first;
     for (const auto& [name, request] : sent)
         first.push_back(running->Ask(request, name));
-    const std::string journal = FileText(path);
-    for (const bool hasRestarted : {false, true}) {
-        if (hasRestarted) running.reset();
-        if (hasRestarted) running = std::make_unique<RunningServer>(path);
+    for (const char* when : {"at once", "after a restart", "written anew"}) {
+        if (when == std::string("written anew")) running->server->CompactJournal();
+        const std::string journal = FileText(path);
+        if (when != std::string("at once")) running.reset();
+        if (!running) running = std::make_unique<RunningServer>(path);
         for (std::size_t i = 0; i < std::size(sent); ++i)
-            EXPECT_EQ(running->Ask(sent[i].second, sent[i].first), first[i]) << sent[i].first;
-        EXPECT_EQ(FileText(path), journal);
+            EXPECT_EQ(running->Ask(sent[i].second, sent[i].first), first[i]) << when << ' ' << sent[i].first;
+        for (const auto& [name, request] : others)
+            EXPECT_NE(running->Ask(request, name)[0].find("errorCode=110 "), std::string::npos)
+                << when << ' ' << name;
+        EXPECT_EQ(FileText(path), journal) << when;
     }
     EXPECT_EQ(running->Ask(sent[0].second, "2-2"),
               Answers{"echoedRequest=modify_sip_order errorCode=108 userText=The registration is cancelled"
                       + kEchoed});
+}
+
+TEST(Change, RequestsAreRememberedForAWeekAndNotWithoutBound) {
+    ChangeMemory memory;
+    constexpr std::int64_t day = 86'400;
+    for (const int at : {0, 1, 7, 8})
+        memory.Remember({"USER1", std::to_string(at), {}, at * day});
+    EXPECT_FALSE(memory.Find("USER1", "0"));
+    EXPECT_TRUE(memory.Find("USER1", "1") && !memory.Find("USER2", "1"));
+    for (int i = 10; i < 300'000; ++i)
+        memory.Remember({"USER1", std::to_string(i), {}, 8 * day});
+    EXPECT_TRUE(memory.Find("USER1", "200000"));
+    EXPECT_EQ(memory.Size(), 200'000u);
 }
 
 } // namespace

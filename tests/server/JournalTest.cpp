@@ -153,21 +153,24 @@ TEST(Journal, SecondServerAndRecordOfTwoLinesAreKeptOut) {
     EXPECT_EQ(FileText(folder.File("journal")), "");
 }
 
+std::string StateOf(RunningServer& running) {
+    std::string state = RecordDate(running.server->Clock().Today());
+    for (const Registration& registration : running.server->Registrations()) {
+        state += registration.Json();
+        for (const std::string request : {"qry_eq_sip_orders", "qry_eq_sip_trades"})
+            for (const std::string& answer :
+                 running.Ask(request + " registrationNumber=" + std::string(registration.Number())))
+                state += answer;
+    }
+    return state + running.Ask("calendar_get_restricted_dates")[0];
+}
+
 TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal"), beside = folder.File("journal.new");
-    std::string held;
     const auto state = [&] {
         RunningServer running(path);
-        held = RecordDate(running.server->Clock().Today());
-        for (const Registration& registration : running.server->Registrations())
-            held += registration.Json();
-        for (const char* request :
-             {"qry_eq_sip_orders registrationNumber=SIP2603020000001",
-              "qry_eq_sip_trades registrationNumber=SIP2603020000001", "calendar_get_restricted_dates"})
-            for (const std::string& answer : running.Ask(request))
-                held += answer;
-        return held;
+        return StateOf(running);
     };
     {
         RunningServer running(path);
@@ -215,6 +218,52 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
     }
 }
 
+// Between its steps the server goes on, and may be killed.
+TEST(Journal, IsWrittenAnewStepByStepWhileTheServerChangesWhatItHolds) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal"), killed = folder.File("killed");
+    RunningServer running(path);
+    constexpr std::size_t count = 20;
+    const auto number = [](std::size_t place) {
+        return " registrationNumber=SIP260302" + std::to_string(10'000'001 + place).substr(1);
+    };
+    const auto change = [&](std::size_t step) {
+        const std::string sentAs = "1-" + std::to_string(step);
+        for (const std::size_t place : {std::size_t{0}, count - 1, step % count}) {
+            running.Ask("modify_sip_order amountOrQuantity=" + std::to_string(500 + step) + " totalPeriod=20"
+                            + number(place),
+                        sentAs + "a" + std::to_string(place));
+            running.Ask((step % 2 ? "pause_sip_order" : "resume_sip_order") + number(place + 1), sentAs);
+        }
+        running.AdvanceTo(std::chrono::year(2026) / 4 / 1 + std::chrono::months(step / 20));
+        running.Ask("calendar_add_restricted_dates restrictedYear=2026 restrictedTo=9 startDate="
+                    + std::to_string(1 + step % 9));
+        running.Ask(Order("orderId=new-" + std::to_string(step)));
+    };
+    for (std::size_t i = 0; i < count; ++i)
+        running.Ask(Order("orderId=id-" + std::to_string(i)));
+    for (std::size_t step = 0; !running.server->IsJournalStale(); ++step) {
+        running.server->Hold();
+        change(step % 10);
+        EXPECT_EQ(running.server->Release(), "");
+    }
+    std::string note;
+    for (std::size_t step = 100; note.empty(); ++step) {
+        change(step);
+        note = running.server->CompactWhenStale({});
+        WriteJournal(killed, FileText(path));
+        RunningServer again(killed);
+        EXPECT_EQ(StateOf(again), StateOf(running)) << step;
+        change(step + 100);
+    }
+    EXPECT_EQ(note, "The journal is written anew without what was superseded");
+    EXPECT_FALSE(running.server->IsJournalStale());
+    WriteJournal(killed, FileText(path));
+    RunningServer again(killed);
+    EXPECT_EQ(StateOf(again), StateOf(running));
+    EXPECT_FALSE(std::filesystem::exists(folder.File("journal.new")));
+}
+
 #ifndef _WIN32
 // A file size limit in the middle of a record stands for a full disk.
 class FullDisk {
@@ -251,6 +300,58 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
     }
     running.Ask(Order("orderId=id-2 frequency=weekly"));
     EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 2u);
+}
+
+TEST(Journal, ChangesThatAreHeldAreWrittenAndToldTogetherOrUndone) {
+    struct Listener : UpdateListener {
+        void OnUpdate(const Registration&) override { ++updates; }
+        int updates = 0;
+    } listener;
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    RunningServer running(path);
+    running.Ask(Order());
+    running.server->AddListener(listener);
+    const std::string journal = FileText(path), state = StateOf(running);
+    const Fields order = Order("orderId=id-2");
+    const auto hold = [&] {
+        const std::string before = FileText(path);
+        running.server->Hold();
+        running.Ask(order, "1-1");
+        running.Ask("pause_sip_order registrationNumber=SIP2603020000001", "1-2");
+        running.Ask("calendar_add_restricted_dates restrictedYear=2026 startDate=5 restrictedTo=7");
+        EXPECT_EQ(running.server->Clock().AdvanceTo(std::chrono::year(2026) / 3 / 5), "");
+        EXPECT_EQ(FileText(path), before);
+        EXPECT_EQ(listener.updates, 0);
+    };
+    std::string fault;
+    hold();
+    {
+        const FullDisk full(journal.size() + 300);
+        fault = running.server->Release();
+    }
+    EXPECT_NE(fault, "");
+    EXPECT_EQ(FileText(path), journal);
+    EXPECT_EQ(StateOf(running), state);
+    EXPECT_EQ(listener.updates, 0);
+    for (const auto& [request, code] : {std::pair(order, "106"), std::pair(Order(), "")}) {
+        const std::string bytes = Message(request);
+        const qmx::MessageReader reader(bytes);
+        const Reply reply = running.server->HandleUndone(reader.Handle(), running.user, "1-1", fault);
+        EXPECT_EQ(qmx::Text(qmx::MessageReader(reply.answers.at(0)).Handle(), tag::errorCode), code);
+    }
+    // The first once more is flushed alone.
+    EXPECT_NE(running.Ask(Order("orderId=id-3"))[0].find("registered"), std::string::npos);
+    const std::size_t records = ReadJournalText(FileText(path)).records.size();
+    listener.updates = 0;
+    hold();
+    EXPECT_EQ(running.server->Release(), "");
+    EXPECT_EQ(ReadJournalText(FileText(path)).records.size(), records + 4);
+    EXPECT_EQ(listener.updates, 2);
+    running.AdvanceTo(running.server->Clock().Today()); // until the restricted days are told of
+    WriteJournal(folder.File("killed"), FileText(path));
+    RunningServer again(folder.File("killed"));
+    EXPECT_EQ(StateOf(again), StateOf(running));
 }
 
 TEST(Journal, RecordThatCannotBeWrittenLeavesNoTraceAndNoHarm) {

@@ -1,7 +1,6 @@
 #include "host/server/journal/DurableFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -112,18 +111,20 @@ DurableFile::~DurableFile() {
     CloseFile(m_descriptor);
 }
 
-bool DurableFile::ReadAll(std::string& text, std::string& error) {
+bool DurableFile::ReadFrom(std::uint64_t offset, std::string& text, std::string& error) {
+    constexpr std::size_t most = std::size_t{1} << 20; // at once
     text.clear();
-    const long long size = SeekTo(m_descriptor, 0, SEEK_END);
-    if (size < 0 || SeekTo(m_descriptor, 0, SEEK_SET) < 0) return FailWith(error, "cannot be read");
-    text.reserve(static_cast<std::size_t>(size));
-    std::array<char, 65536> part;
-    for (;;) {
-        const long long got = ReadSome(m_descriptor, part.data(), part.size());
-        if (got == 0) return true;
+    const long long end = SeekTo(m_descriptor, 0, SEEK_END);
+    const long long start = SeekTo(m_descriptor, static_cast<long long>(offset), SEEK_SET);
+    if (end < start || start < 0) return FailWith(error, "cannot be read");
+    text.resize(static_cast<std::size_t>(end - start));
+    for (std::size_t had = 0; had < text.size();) {
+        const long long got = ReadSome(m_descriptor, text.data() + had, std::min(most, text.size() - had));
         if (got < 0) return FailWith(error, "cannot be read");
-        text.append(part.data(), static_cast<std::size_t>(got));
+        if (got == 0) text.resize(had);
+        had += static_cast<std::size_t>(got);
     }
+    return true;
 }
 
 bool DurableFile::Append(std::string_view bytes, std::string& error) {

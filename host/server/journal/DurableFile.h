@@ -19,7 +19,9 @@ public:
     DurableFile& operator=(const DurableFile&) = delete;
     ~DurableFile();
 
-    bool ReadAll(std::string& text, std::string& error);
+    bool ReadAll(std::string& text, std::string& error) { return ReadFrom(0, text, error); }
+    // To the end.
+    bool ReadFrom(std::uint64_t offset, std::string& text, std::string& error);
     // Writes at the end and flushes to the disk. After a failure part of `bytes` may stand in the file.
     bool Append(std::string_view bytes, std::string& error);
     // Puts the bytes in place of as many at the start. Nothing is flushed, and a failure is not told.

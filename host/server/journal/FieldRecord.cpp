@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "host/connectvesk/Wire.h"
 
+#include <array>
 #include <optional>
 
 namespace vesk {
@@ -13,12 +14,11 @@ FieldRecord::Field FieldRecord::FieldAt(std::size_t at) const {
 }
 
 std::size_t FieldRecord::PlaceOf(std::uint32_t tag) const {
+    const char* const fields = m_fields.data();
+    const std::size_t end = m_fields.size();
     std::size_t at = 0;
-    while (at < m_fields.size()) {
-        const Field field = FieldAt(at);
-        if (field.tag >= tag) break;
-        at += SizeOf(field);
-    }
+    while (at < end && qmx::Load(fields + at) < tag)
+        at += kHeadSize + qmx::Load(fields + at + 4);
     return at;
 }
 
@@ -109,13 +109,23 @@ bool RecordReader::Take(std::string_view expected) {
 bool RecordReader::TakeFields(FieldRecord& record) {
     if (!Take("{")) return false;
     record.m_fields.reserve(m_rest.size());
-    std::string name;
-    std::string bytes;
+    std::string unescaped;
+    std::string_view text;
+    std::optional<std::uint32_t> last;
     do {
-        if (!TakeQuoted(name) || !Take(":") || !TakeQuoted(bytes)) return false;
-        const std::optional<std::uint32_t> tag = base::ReadNumber<std::uint32_t>(name);
-        if (!tag) return false;
-        record.Set(*tag, bytes);
+        if (!TakeText(text, unescaped) || !Take(":")) return false;
+        const std::optional<std::uint32_t> tag = base::ReadNumber<std::uint32_t>(text);
+        if (!tag || !TakeText(text, unescaped)) return false;
+        // As a server writes them each is the last so far.
+        if (last && *tag <= *last) {
+            record.Set(*tag, text);
+            continue;
+        }
+        last = tag;
+        char head[FieldRecord::kHeadSize];
+        qmx::Store(head, *tag);
+        qmx::Store(head + 4, static_cast<std::uint32_t>(text.size()));
+        record.m_fields.append(head, sizeof head).append(text);
     } while (Take(","));
     record.Shrink();
     return Take("}");
@@ -123,6 +133,27 @@ bool RecordReader::TakeFields(FieldRecord& record) {
 
 bool RecordReader::TakeAll(std::string_view kind, FieldRecord& record) {
     return Take("{\"") && Take(kind) && Take("\":") && TakeFields(record) && Take("}") && AtEnd();
+}
+
+bool RecordReader::TakeText(std::string_view& text, std::string& unescaped) {
+    // Nearly all are letters and digits, and stand as they are.
+    static constexpr std::array<bool, 256> plain = [] {
+        std::array<bool, 256> table{};
+        for (std::size_t byte = ' '; byte <= '~'; ++byte)
+            table[byte] = byte != '"' && byte != '\\';
+        return table;
+    }();
+    std::size_t end = 1;
+    while (end < m_rest.size() && plain[static_cast<unsigned char>(m_rest[end])])
+        ++end;
+    if (end < m_rest.size() && m_rest[end] == '"' && m_rest[0] == '"') {
+        text = m_rest.substr(1, end - 1);
+        m_rest.remove_prefix(end + 1);
+        return true;
+    }
+    if (!TakeQuoted(unescaped)) return false;
+    text = unescaped;
+    return true;
 }
 
 bool RecordReader::TakeQuoted(std::string& bytes) {

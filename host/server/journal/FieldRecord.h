@@ -64,6 +64,8 @@ public:
     bool TakeAll(std::string_view kind, FieldRecord& record);
 
 private:
+    // It points into what is read, or into `unescaped`.
+    bool TakeText(std::string_view& text, std::string& unescaped);
     bool TakeQuoted(std::string& bytes);
     bool TakeCodePoint(unsigned char lead, std::string& bytes);
     // Reads what follows a backslash.

@@ -2,6 +2,7 @@
 
 #include "host/files/Files.h"
 #include "host/server/journal/DurableFile.h"
+#include "host/server/journal/JournalCopy.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,9 +17,11 @@ std::filesystem::path Beside(std::filesystem::path journal, const char* ending) 
 } // namespace
 
 Journal::Journal(std::filesystem::path path, Files files, const JournalText& judged)
-    : m_path(std::move(path)), m_files(std::move(files)), m_chain(judged.chain), m_end(judged.end) {}
+    : m_path(std::move(path)), m_files(std::move(files)), m_chain(judged.chain), m_next(judged.chain),
+      m_end(judged.end) {}
 
 Journal::~Journal() {
+    m_copy.reset();
     const std::filesystem::path lock = Beside(m_path, ".lock");
     m_files.journal.reset();
     // Where an open file can be removed, it must go while it is held; elsewhere nobody else can have it open.
@@ -84,6 +87,7 @@ bool Journal::TakeAway(const std::filesystem::path& path, DurableFile& journal, 
 void JournalBatch::Add(std::string_view content) {
     m_isWritable = m_isWritable && content.find('\n') == content.npos;
     m_contents.append(content).push_back('\n');
+    ++m_size;
 }
 
 bool Journal::Append(std::string_view content, std::string& error) {
@@ -93,6 +97,10 @@ bool Journal::Append(std::string_view content, std::string& error) {
 }
 
 bool Journal::Append(const JournalBatch& batch, std::string& error) {
+    return Add(batch, error) && Flush(error);
+}
+
+bool Journal::Add(const JournalBatch& batch, std::string& error) {
     if (m_broken) {
         error = "an earlier failure left the journal unusable";
         return false;
@@ -101,20 +109,36 @@ bool Journal::Append(const JournalBatch& batch, std::string& error) {
         error = "a record is one line";
         return false;
     }
-    JournalChain chain = m_chain;
-    std::string lines;
     for (std::string_view left = batch.m_contents; !left.empty(); left.remove_prefix(left.find('\n') + 1))
-        chain.AppendLine(lines, left.substr(0, left.find('\n')));
+        m_next.AppendLine(m_waiting, left.substr(0, left.find('\n')));
+    if (m_copy) m_contents += batch.m_contents;
+    return true;
+}
+
+bool Journal::Flush(std::string& error) {
+    const std::string lines = std::exchange(m_waiting, {}), contents = std::exchange(m_contents, {});
+    if (lines.empty()) return true;
     if (!m_files.journal->Append(lines, error)) {
         // What was written of the records must go, or the next one would follow on their line.
         std::string cutError;
         m_broken = !m_files.journal->CutTo(m_end, cutError);
+        m_next = m_chain;
         return false;
     }
     m_end += lines.size();
-    m_chain = chain;
+    m_chain = m_next;
+    if (m_copy) m_copy->AddBehind(contents);
     m_files.head->Overwrite(HeadOf(m_chain));
     return true;
+}
+
+bool Journal::ReadBack(std::string& text, std::vector<std::string_view>& records, std::string& error) {
+    if (m_broken || !m_files.journal->ReadAll(text, error)) return false;
+    JournalText judged = ReadJournalText(text);
+    records = std::move(judged.records);
+    if (judged.end == m_end && judged.chain == m_chain) return true;
+    error = "is not on the disk as it was written";
+    return false;
 }
 
 } // namespace vesk

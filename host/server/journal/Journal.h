@@ -21,17 +21,19 @@
 namespace vesk {
 
 class DurableFile;
+class JournalCopy;
 struct JournalOpening;
 
 // Records that are put on the disk together, as one text: many small blocks of memory would outlive it.
 class JournalBatch {
 public:
     void Add(std::string_view content);
+    std::size_t Size() const { return m_size; }
 
 private:
     friend class Journal;
-    friend class JournalCopy;
     std::string m_contents; // each with a line feed
+    std::size_t m_size = 0;
     bool m_isWritable = true;
 };
 
@@ -44,17 +46,30 @@ public:
     Journal& operator=(const Journal&) = delete;
     ~Journal();
 
-    // True once the record is on the disk. After a failure, told in `error`, the journal holds exactly what
-    // it held before; when even that cannot be restored, every later append fails.
+    // Records that wait for the next flush. They are refused when they could not be written.
+    [[nodiscard]] bool Add(const JournalBatch& batch, std::string& error);
+    std::size_t Waiting() const { return m_waiting.size(); } // bytes
+    // True once all that waits is on the disk. After a failure, told in `error`, none of it is, and the journal
+    // holds exactly what it held before; when even that cannot be restored, every later one fails.
+    [[nodiscard]] bool Flush(std::string& error);
+    // Both.
     [[nodiscard]] bool Append(std::string_view content, std::string& error);
-    // The same for many records, of which none counts before all are on the disk.
     [[nodiscard]] bool Append(const JournalBatch& batch, std::string& error);
+    // What is on the disk, for another replay; the records point into `text`. False when that is not what was
+    // written.
+    [[nodiscard]] bool ReadBack(std::string& text, std::vector<std::string_view>& records, std::string& error);
+    std::uint64_t Size() const { return m_end; }
 
-    // Puts a journal of only those records in its place that `write` hands to the sink. It is written beside,
-    // as
-    // ".new", and read back before; a crash leaves the old or the new one whole. After a failure, told in
-    // `error`, the old one goes on, or every later append fails.
+    // Puts a journal of other records in its place, step by step. It is written beside, as ".new", and read
+    // back before; a crash leaves the old or the new one whole. What is appended meanwhile comes behind what is
+    // copied. After a failure, told in `error`, the old one goes on, or every later append fails.
+    [[nodiscard]] bool BeginCopy(std::string& error);
+    [[nodiscard]] bool Copy(std::string_view content, std::string& error);
+    // Nothing waits for a flush. It is called until it `isDone`.
+    [[nodiscard]] bool EndCopy(bool& isDone, std::string& error);
+    void DropCopy();
     using Sink = std::function<void(std::string_view content)>;
+    // All at once, of what `write` hands to the sink.
     [[nodiscard]] bool Replace(const std::function<void(const Sink&)>& write, std::string& error);
 
 private:
@@ -67,7 +82,10 @@ private:
 
     std::filesystem::path m_path;
     Files m_files;
-    JournalChain m_chain;
+    JournalChain m_chain, m_next; // behind what is on the disk, and behind what waits
+    std::string m_waiting;        // lines
+    std::string m_contents;       // of those, for the copy
+    std::unique_ptr<JournalCopy> m_copy;
     std::uint64_t m_end; // bytes of whole records
     bool m_broken = false;
 };

@@ -37,7 +37,13 @@ void NetServer::Turn(int timeoutMs) {
     Wait(waiting, PauseMs(timeoutMs));
     auto came = waiting.begin() + 1;
     for (Connection& connection : m_connections)
-        Serve(connection, connection.socket ? *came++ : SocketEvents{&connection.socket});
+        Exchange(connection, connection.socket ? *came++ : SocketEvents{&connection.socket});
+    m_server.Hold();
+    for (Connection& connection : m_connections)
+        Do(connection, [&] { connection.session.Handle(SteadyMs()); });
+    const std::string fault = m_server.Release();
+    for (Connection& connection : m_connections)
+        Answer(connection, fault);
     DropEnded();
     if (waiting.front().canRead) Accept();
 }
@@ -74,18 +80,33 @@ void NetServer::Accept() {
     }
 }
 
-void NetServer::Serve(Connection& connection, const SocketEvents& came) {
+template <class Work>
+void NetServer::Do(Connection& connection, Work work) {
     try {
-        if (came.canRead) Receive(connection);
-        // Before it is judged by what it has not taken: the server itself may have been busy.
-        if (came.canWrite) Send(connection);
-        connection.session.Pump(SteadyMs());
-        if (!connection.session.Output().empty()) Send(connection);
-        if (connection.isGone && connection.socket) ReceiveRest(connection);
+        work();
     } catch (const std::exception& fault) {
         m_log(connection.session.Name() + ": " + fault.what());
         connection.isGone = true;
     }
+}
+
+void NetServer::Exchange(Connection& connection, const SocketEvents& came) {
+    Do(connection, [&] {
+        if (came.canRead) Receive(connection);
+        // Before it is judged by what it has not taken: the server itself may have been busy.
+        if (came.canWrite) Send(connection);
+    });
+}
+
+void NetServer::Answer(Connection& connection, const std::string& fault) {
+    Do(connection, [&] {
+        connection.session.Deliver(fault);
+        const Traffic traffic = connection.session.TakeTraffic();
+        m_carried.requests += traffic.requests;
+        m_carried.updates += traffic.updates;
+        if (!connection.session.Output().empty()) Send(connection);
+        if (connection.isGone && connection.socket) ReceiveRest(connection);
+    });
 }
 
 void NetServer::Receive(Connection& connection) {

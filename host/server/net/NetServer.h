@@ -1,5 +1,7 @@
 // The trading server for several terminals at once: connections of this machine, a session each.
 //
+// What all of them asked for is done and put on the disk together, and then answered.
+//
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
@@ -30,6 +32,8 @@ public:
     // Port 0 is the system's choice. Why it cannot; empty when it does.
     std::string Listen(std::uint16_t port);
     std::uint16_t Port() const { return m_listener.Port(); }
+    // What has gone through all connections.
+    Traffic Carried() const { return m_carried; }
     std::size_t Connections() const { return m_connections.size(); }
 
     // Whether a terminal that takes its updates has many to take: what makes more of them can wait for it.
@@ -53,7 +57,11 @@ private:
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
     void Accept();
-    void Serve(Connection& connection, const SocketEvents& came);
+    // A fault ends the connection.
+    template <class Work>
+    void Do(Connection& connection, Work work);
+    void Exchange(Connection& connection, const SocketEvents& came);
+    void Answer(Connection& connection, const std::string& fault);
     void Receive(Connection& connection);
     // What a terminal that takes no answers any more has sent before.
     void ReceiveRest(Connection& connection);
@@ -66,6 +74,7 @@ private:
     SessionLimits m_limits;
     Socket m_listener;
     std::list<Connection> m_connections;
+    Traffic m_carried;
 };
 
 } // namespace vesk

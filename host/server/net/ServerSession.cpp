@@ -160,9 +160,16 @@ bool ServerSession::TakesInput() const {
 }
 
 bool ServerSession::HasWork(std::int64_t nowMs) const {
-    if (m_hasLeft) return HasRest() && m_asked.IsDue(nowMs);
-    if (!m_streams || HasEnded() || !HasRoom()) return false;
-    return m_asked.IsDue(nowMs) || !m_queries.empty() || m_streams->Waiting() > 0 || m_streams->CatchUps() > 0
+    return TakesRequests(nowMs) || HasToSay();
+}
+
+bool ServerSession::TakesRequests(std::int64_t nowMs) const {
+    return m_streams && m_asked.IsDue(nowMs) && (m_hasLeft || (!HasEnded() && HasRoom()));
+}
+
+bool ServerSession::HasToSay() const {
+    if (!m_streams || m_hasLeft || HasEnded() || !HasRoom()) return false;
+    return !m_queries.empty() || m_streams->Waiting() > 0 || m_streams->CatchUps() > 0
            || m_toldState != StateNow();
 }
 
@@ -172,23 +179,37 @@ std::size_t ServerSession::Waiting() const {
 }
 
 void ServerSession::Pump(std::int64_t nowMs) {
+    m_server.Hold();
+    Handle(nowMs);
+    Deliver(m_server.Release());
+}
+
+void ServerSession::Handle(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (HasRoom()) m_roomAtMs = m_nowMs;
     if (!m_beganMs) m_beganMs = m_nowMs;
-    TellState();
     const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
-    for (std::size_t turn = 0; turn < m_limits.turns && PumpOnce(); ++turn)
+    for (std::size_t turn = 0; turn < m_limits.turns && TakesRequests(m_nowMs); ++turn) {
+        Handled& one = m_handled.emplace_back(Handled{m_asked.TakeFirst()});
+        std::visit([&](const auto& asked) { Handle(one, asked); }, one.asked);
+        if (std::chrono::steady_clock::now() >= end) break;
+    }
+}
+
+void ServerSession::Deliver(const std::string& fault) {
+    TellState();
+    for (Handled& one : std::exchange(m_handled, {}))
+        std::visit([&](const auto& asked) { Answer(one, asked, fault); }, one.asked);
+    const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
+    for (std::size_t turn = 0; turn < m_limits.turns && DeliverOnce(); ++turn)
         if (std::chrono::steady_clock::now() >= end) break;
     if (!m_hasLeft) Judge();
 }
 
-// One of each: neither many requests nor a long query holds up the other.
-bool ServerSession::PumpOnce() {
-    if (!HasWork(m_nowMs)) return false;
-    if (m_asked.IsDue(m_nowMs)) std::visit([this](const auto& one) { Handle(one); }, m_asked.TakeFirst());
-    if (m_hasLeft) return true;
-    // All of them before the next row.
-    for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed)
+// All updates, and one row of a long query.
+bool ServerSession::DeliverOnce() {
+    if (!HasToSay()) return false;
+    for (; HasRoom() && !HasEnded() && m_streams->Waiting() > 0; ++m_streamed, ++m_traffic.updates)
         Say(m_streams->TakeNext());
     if (!HasRoom() || HasEnded()) return false;
     if (auto missed = m_streams->NextMissed()) Say(std::move(*missed));
@@ -199,24 +220,37 @@ bool ServerSession::PumpOnce() {
     return true;
 }
 
-void ServerSession::Handle(const net::ControlRequest& request) {
+void ServerSession::Handle(Handled& one, const net::ControlRequest& request) {
     const qmx::MessageReader reader(request.bytes);
-    Reply reply = m_server.Handle(reader.Handle(), m_user, m_terminal + "-" + std::to_string(request.number));
-    if (reply.isLost) m_asked = {};
-    if (reply.isCut) return End("the server plays a cut connection");
-    TellState();
-    for (std::string& answer : reply.answers)
+    ++m_traffic.requests;
+    one.reply = m_server.Handle(reader.Handle(), m_user, SentAs(request));
+    if (one.reply.isLost) m_asked = {};
+    if (one.reply.isCut) End("the server plays a cut connection");
+}
+
+void ServerSession::Handle(Handled& one, const net::ServerCommand& command) {
+    const std::size_t written = m_server.Written();
+    one.told = m_commands.Run(command.line, m_user, m_nowMs);
+    one.hasWritten = m_server.Written() != written;
+}
+
+void ServerSession::Answer(Handled& one, const net::ControlRequest& request, const std::string& fault) {
+    if (one.reply.isCut) return;
+    if (!fault.empty() && (one.reply.rows || !one.reply.answers.empty())) {
+        const qmx::MessageReader reader(request.bytes);
+        one.reply = m_server.HandleUndone(reader.Handle(), m_user, SentAs(request), fault);
+    }
+    for (std::string& answer : one.reply.answers)
         Say(net::Response{request.control, request.number, std::move(answer)});
-    if (reply.rows && !m_hasLeft)
-        m_queries.push_back({request.control, request.number, std::move(*reply.rows)});
+    if (one.reply.rows && !m_hasLeft)
+        m_queries.push_back({request.control, request.number, std::move(*one.reply.rows)});
     else
         Say(net::RequestDone{request.number});
 }
 
-void ServerSession::Handle(const net::ServerCommand& command) {
-    Told told = m_commands.Run(command.line, m_user, m_nowMs);
-    TellState();
-    Say(net::CommandDone{command.number, told.isDone, std::move(told.text)});
+void ServerSession::Answer(Handled& one, const net::ServerCommand& command, const std::string& fault) {
+    if (!fault.empty() && one.hasWritten) one.told = {false, fault};
+    Say(net::CommandDone{command.number, one.told.isDone, std::move(one.told.text)});
 }
 
 void ServerSession::NextRow() {

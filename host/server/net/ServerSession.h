@@ -18,6 +18,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace vesk {
 
@@ -33,6 +35,11 @@ struct SessionLimits {
     Checksum checksum = Checksum::crc32;        // of the frames, both ways
 };
 
+// What has gone through.
+struct Traffic {
+    std::size_t requests = 0, updates = 0;
+};
+
 class ServerSession {
 public:
     ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits);
@@ -42,8 +49,12 @@ public:
 
     // `nowMs` never goes back.
     void Take(std::string_view bytes, std::int64_t nowMs);
-    // Does a portion of what there is to do.
+    // Does a portion of what there is to do: all of the following.
     void Pump(std::int64_t nowMs);
+    // Handles what is due while the server holds the changes.
+    void Handle(std::int64_t nowMs);
+    // What the server said when it released them; then the answers go out, and the rest.
+    void Deliver(const std::string& fault);
     bool TakesInput() const;
     // Whether another pump would do something, as far as `nowMs`.
     bool HasWork(std::int64_t nowMs) const;
@@ -53,6 +64,9 @@ public:
     bool IsBehind() const { return HasBacklog() && m_pace.isGood; }
     // The bytes to be sent; the caller takes away what it has sent.
     std::string& Output() { return m_output; }
+
+    // Since the last call.
+    Traffic TakeTraffic() { return std::exchange(m_traffic, {}); }
 
     // Its terminal is gone: nothing is said any more, but what was asked is still done, when it is due.
     void Leave();
@@ -77,6 +91,13 @@ private:
         std::size_t restrictions = 0; // changes of them
         bool operator==(const ToldState&) const = default;
     };
+    // What was asked, and is answered when it is on the disk.
+    struct Handled {
+        Asked asked;
+        Reply reply{};
+        Told told{};
+        bool hasWritten = false;
+    };
     struct Step;
     static const Step kSteps[];
 
@@ -98,9 +119,16 @@ private:
     // Tells the state when it differs from what was told.
     void TellState();
     bool HasRoom() const { return m_output.size() < m_limits.outputBytes; }
-    void Handle(const net::ControlRequest& request);
-    void Handle(const net::ServerCommand& command);
-    bool PumpOnce();
+    bool TakesRequests(std::int64_t nowMs) const;
+    bool HasToSay() const;
+    void Handle(Handled& one, const net::ControlRequest& request);
+    void Handle(Handled& one, const net::ServerCommand& command);
+    void Answer(Handled& one, const net::ControlRequest& request, const std::string& fault);
+    void Answer(Handled& one, const net::ServerCommand& command, const std::string& fault);
+    std::string SentAs(const net::ControlRequest& request) const {
+        return m_terminal + "-" + std::to_string(request.number);
+    }
+    bool DeliverOnce();
     void NextRow();
     bool HasBacklog() const { return m_streams && m_streams->Waiting() > m_limits.streamBacklog / 4; }
     // Ends a terminal that does not keep up.
@@ -119,12 +147,14 @@ private:
     std::optional<Streams> m_streams; // once the terminal has said who it is
     std::map<std::uint32_t, std::uint32_t> m_controlKinds;
     AskedQueue m_asked;
+    std::vector<Handled> m_handled;
     std::deque<RunningQuery> m_queries;
     ToldState m_toldState;
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};
     std::size_t m_streamed = 0; // updates that went out
+    Traffic m_traffic;
     // How it takes a backlog, judged again and again.
     struct {
         std::int64_t sinceMs = 0;

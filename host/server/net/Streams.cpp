@@ -77,6 +77,7 @@ std::optional<net::Update> Streams::NextMissed() {
     constexpr std::size_t mostLookedAt = 256;
     if (m_catchUps.empty()) return std::nullopt;
     CatchUp& missed = m_catchUps.front();
+    missed.end = std::min(missed.end, m_server.Registrations().size());
     const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
     std::optional<net::Update> found;
     while (!found && missed.next < stop) {
@@ -85,7 +86,7 @@ std::optional<net::Update> Streams::NextMissed() {
         registration.AddTo(m_writer.Start());
         found = net::Update{missed.control, m_writer.Finish()};
     }
-    if (missed.next == missed.end) m_catchUps.pop_front();
+    if (missed.next >= missed.end) m_catchUps.pop_front();
     return found;
 }
 

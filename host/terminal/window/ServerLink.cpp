@@ -48,7 +48,6 @@ void ServerLink::StartServer(const TerminalState& state, JournalOpening opening,
                                               state.clients, state.calendar, false);
     Server& server = m_server->Serving();
     if (!server.ReplayError().empty()) notes.push_back(server.ReplayError());
-    if (std::string note = server.CompactWhenStale(); !note.empty()) notes.push_back(std::move(note));
     m_status = {"Embedded server"};
     for (const auto date : server.Clock().Restricted().All())
         m_restricted.push_back(DateNumber(date));
@@ -83,6 +82,9 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
 
 void ServerLink::Pump() {
     if (m_client) m_client->Pump(NowMs());
+    if (m_server)
+        if (const std::string note = m_server->Serving().CompactWhenStale(kExecutionTime); !note.empty())
+            m_events.say(note);
     if (HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
 }
 

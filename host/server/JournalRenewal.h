@@ -1,0 +1,43 @@
+// Writes the server's journal anew with what the server holds, a little at a time, while the server goes on.
+//
+// A record may be copied as it is later than when the renewal began, and what has changed it is behind it once
+// more: a replay then takes the change again, and comes to the same.
+//
+// Thread: the server's, and never while changes are held. Lifetime: what the constructor takes outlives it.
+#pragma once
+
+#include "host/server/Clockwork.h"
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+namespace vesk {
+
+class JournalRenewal {
+public:
+    JournalRenewal(ServerJournal& journal, const Clockwork& clock, Registrations& registrations);
+    JournalRenewal(const JournalRenewal&) = delete;
+    JournalRenewal& operator=(const JournalRenewal&) = delete;
+    ~JournalRenewal();
+
+    // Goes on for about so long; at least a step.
+    void GoOn(std::chrono::milliseconds time);
+    bool IsOver() const { return m_isOver || !m_error.empty(); }
+    // Why the journal is left as it was; empty when it is not.
+    const std::string& Error() const { return m_error; }
+
+private:
+    void Step();
+
+    ServerJournal& m_journal;
+    Registrations& m_registrations;
+    const std::size_t m_end;                       // registrations that were there
+    std::size_t m_registration = 0, m_history = 0; // the next ones
+    std::size_t m_records = 0;
+    bool m_isOver = false;
+    std::string m_error;
+    const Journal::Sink m_sink;
+};
+
+} // namespace vesk
