@@ -2,13 +2,13 @@
 
 #include "host/files/Files.h"
 #include "plugin/base/Text.h"
+#include "plugin/basket/BasketFile.h"
 #include "plugin/basket/DeskLimits.h"
 #include "tools/planfold-basket/Commands.h"
 
 #include <algorithm>
 #include <iostream>
 #include <iterator>
-#include <sstream>
 #include <system_error>
 
 namespace basket {
@@ -48,10 +48,10 @@ vesk::Loaded<std::map<std::string, std::string>> ReadLimits(const std::string& p
     const auto text = path == kStandardStream ? ReadText(path) : vesk::ReadTextFile(path);
     if (!text) return text.Fault();
     std::map<std::string, std::string> limits;
-    std::istringstream lines(text.Value());
+    planfold::BasketLines lines(text.Value());
     bool isIn = false;
-    for (std::string line; std::getline(lines, line);) {
-        const std::string_view setting = Trimmed(line);
+    while (const auto line = lines.Next()) {
+        const std::string_view setting = Trimmed(line->text);
         if (setting.starts_with('[') && isIn) break;
         if (setting.starts_with('['))
             isIn = planfold::EqualsIgnoringCase(setting.substr(1, setting.find(']') - 1),

@@ -2,7 +2,6 @@
 
 #include "plugin/base/Text.h"
 #include "plugin/basket/CellJudge.h"
-#include "plugin/resources/resource.h"
 
 #include <algorithm>
 #include <iterator>

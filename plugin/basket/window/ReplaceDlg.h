@@ -3,6 +3,7 @@
 
 #include "framework/Dialog.h"
 #include "plugin/basket/Basket.h"
+#include "plugin/resources/resource.h"
 
 namespace planfold {
 
@@ -17,6 +18,7 @@ public:
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void OnInit() override;
+    void OnLaidOut() override { SetCaptionIcon(IDI_REPEAT); }
     bool OnCommand(const framework::Command& command) override;
     bool IsChecked(int box) const { return Item(box).Send(BM_GETCHECK) == BST_CHECKED; }
     CellReplacement Replacement() const;
