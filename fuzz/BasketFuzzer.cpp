@@ -97,10 +97,17 @@ public:
             m_store.SetUserText(row.record, step);
             Demand(m_store[row.record].Text(BasketField::userText) == step);
         } else if (step[0] == 'm') {
-            const sBasketOrderData other(m_store[m_rows[(place + 1) % m_rows.size()].record].Texts(), 0);
-            m_store.Replace(row.record, other.Texts());
+            TakenRow other{sBasketOrderData(m_store[m_rows[(place + 1) % m_rows.size()].record].Texts(), 0)};
+            m_store.Take(row.record);
+            m_store.PutBack(row.record, std::move(other), RowState::notSent);
             Demand(m_store.BySerialNumber(row.serial) == kNoRecord);
             row = {row.record, ++m_serial};
+        } else if (step[0] == 'u') {
+            // Taken out and put back, it is the order that it was.
+            TakenRow taken = m_store.Take(row.record);
+            const RowState state = taken.state;
+            m_store.PutBack(row.record, std::move(taken), state);
+            row.serial = ++m_serial;
         } else if (step[0] == 'd') {
             m_store.Remove(row.record);
             Demand(m_store.BySerialNumber(row.serial) == kNoRecord);
@@ -189,7 +196,7 @@ private:
     }
 
     BasketRows m_store;
-    std::vector<Row> m_rows;                      // the newest first
+    std::vector<Row> m_rows; // the newest first
     OrderPlace m_nextOrder = 0;
     std::int32_t m_serial = 0;
     Scrips m_scrips;

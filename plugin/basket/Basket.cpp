@@ -276,8 +276,9 @@ std::optional<std::vector<ReviewLine>> Basket::Check() {
     const BasketList& list = m_view.List();
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         if (!m_rows.IsSent(list.RecordAt(row))) unsent.push_back(list.RecordAt(row));
-    return m_questions.Alone(
-        [&](Pass pass) { return ReviewBasket(pass, m_session, m_rows, unsent, m_rejected, m_runs.Limits()); });
+    return m_questions.Alone([&](Pass pass) {
+        return ReviewBasket(m_rows, unsent, m_rejected, m_runs.Limits(), FactsOf(pass, m_session));
+    });
 }
 
 void Basket::SaveRejected() {

@@ -121,25 +121,37 @@ void BasketGrid::FillDown(BasketField field) {
     EditAll("Rows filled", rows, field, [&](const std::string&) { return value; });
 }
 
-std::vector<RecordId> BasketGrid::RowsToReplaceIn() const {
+std::vector<RecordId> BasketGrid::RowsToReplaceIn(const CellReplacement& replacement) const {
     const BasketList& list = m_view.List();
-    std::vector<RecordId> rows = list.Selected();
-    if (rows.size() > 1) return rows;
-    rows.clear();
+    if (replacement.isOfSelected) return list.Selected();
+    std::vector<RecordId> rows;
     for (std::size_t row = 0; row < list.RowCount(); ++row)
         rows.push_back(list.RecordAt(row));
     return rows;
 }
 
-std::size_t BasketGrid::Matches(BasketField field, std::string_view text) const {
-    if (text.empty()) return 0;
-    const auto holds = [&](RecordId row) { return m_cells.Text(m_rows[row], field).find(text) != text.npos; };
-    return static_cast<std::size_t>(std::ranges::count_if(RowsToReplaceIn(), holds));
+std::size_t BasketGrid::Matches(const CellReplacement& replacement) const {
+    if (replacement.text.empty() || !IsEditable(replacement.field)) return 0;
+    const auto holds = [&](RecordId row) {
+        const std::string_view cell = m_cells.Text(m_rows[row], replacement.field);
+        return replacement.isWhole ? cell == replacement.text : cell.find(replacement.text) != cell.npos;
+    };
+    return static_cast<std::size_t>(std::ranges::count_if(RowsToReplaceIn(replacement), holds));
 }
 
-void BasketGrid::Replace(BasketField field, std::string_view text, std::string_view by) {
-    if (m_runs.IsBusy() || text.empty() || !IsEditable(field)) return;
-    EditAll("Rows changed", RowsToReplaceIn(), field, [&](std::string cell) {
+std::string BasketGrid::MatchesText(const CellReplacement& replacement) const {
+    const BasketList& list = m_view.List();
+    const bool areHidden = !replacement.isOfSelected && list.ShownCount() < list.RowCount();
+    return Format("%zu of %zu%s rows hold it%s.", Matches(replacement), RowsToReplaceIn(replacement).size(),
+                  replacement.isOfSelected ? " selected" : "",
+                  areHidden ? ", those that a filter hides among them" : "");
+}
+
+void BasketGrid::Replace(const CellReplacement& replacement) {
+    const std::string_view text = replacement.text, by = replacement.by;
+    if (m_runs.IsBusy() || text.empty() || !IsEditable(replacement.field)) return;
+    EditAll("Rows changed", RowsToReplaceIn(replacement), replacement.field, [&](std::string cell) {
+        if (replacement.isWhole) return cell == text ? std::string(by) : cell;
         for (std::size_t at = 0; (at = cell.find(text, at)) != cell.npos; at += by.size())
             cell.replace(at, text.size(), by);
         return cell;

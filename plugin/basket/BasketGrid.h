@@ -25,6 +25,14 @@ struct BasketFault {
     bool operator==(const BasketFault&) const = default;
 };
 
+// What is replaced by what in a column.
+struct CellReplacement {
+    BasketField field;
+    std::string text, by;
+    bool isWhole = false;      // only cells that hold nothing else
+    bool isOfSelected = false; // otherwise of all rows
+};
+
 class BasketGrid {
 public:
     BasketGrid(Session& session, BasketView& view, BasketQuestions& questions, const BasketForm& form,
@@ -43,10 +51,13 @@ public:
 
     // The shown text of the first selected row's cell goes to the others.
     void FillDown(BasketField field);
-    // In the selected rows when there are several, otherwise in all: cells that hold the text.
-    std::size_t Matches(BasketField field, std::string_view text) const;
+    // Whether several rows are selected.
     bool IsAboutSelected() const { return m_view.List().Selected().size() > 1; }
-    void Replace(BasketField field, std::string_view text, std::string_view by);
+    // Rows whose cell holds the text.
+    std::size_t Matches(const CellReplacement& replacement) const;
+    // "12 of 300 rows hold it, those that a filter hides among them."
+    std::string MatchesText(const CellReplacement& replacement) const;
+    void Replace(const CellReplacement& replacement);
     // Cells of a spreadsheet; see LinesOfCells. What does not pass joins the rejected lines.
     void Paste(std::string_view cells);
 
@@ -66,7 +77,7 @@ private:
     void TellOutcome(const char* what, const Outcome& outcome);
     // The rows have changed, and nothing of the caller's comes after it.
     void ShowChangedLast();
-    std::vector<RecordId> RowsToReplaceIn() const;
+    std::vector<RecordId> RowsToReplaceIn(const CellReplacement& replacement) const;
     int LastNumber() const;
 
     Session& m_session;

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <optional>
+#include <memory>
 #include <utility>
 
 namespace planfold {
@@ -50,8 +50,8 @@ ReviewLine OfRow(ReviewKind kind, std::string what, const sBasketOrderData& row)
 
 class Review {
 public:
-    Review(Session& session, const BasketRows& rows, const std::vector<RecordId>& records)
-        : m_session(session), m_rows(rows), m_records(records) {}
+    Review(const ReviewFacts& facts, const BasketRows& rows, const std::vector<RecordId>& records)
+        : m_facts(facts), m_rows(rows), m_records(records) {}
 
     void Rejected(const RejectedLines& rejected) {
         for (const RejectedLine& line : rejected.lines)
@@ -73,14 +73,13 @@ public:
         limits.End(tell);
     }
     void Likes() {
-        DuplicateGuard guard(m_session);
         StartDates dates;
         for (const RecordId record : m_records)
-            if (guard.IsLike(AskedForBy(m_rows[record].Texts(), dates)))
+            if (m_facts.isLike && m_facts.isLike(AskedForBy(m_rows[record].Texts(), dates)))
                 lines.push_back(OfRow(ReviewKind::warning,
                                       "Like a registration, an order of today or another row", m_rows[record]));
     }
-    void Groups(Pass pass) {
+    void Groups() {
         std::map<std::string, ReviewLine> groups[std::size(kGroupings)];
         for (const RecordId record : m_records)
             for (std::size_t i = 0; i < std::size(kGroupings); ++i) {
@@ -90,14 +89,13 @@ public:
                 Take(group.first->second, m_rows[record]);
             }
         for (auto& [client, line] : groups[0])
-            if (client.empty() || IsUnknownClient(pass, m_session, client))
+            if (client.empty() || (m_facts.isUnknown && m_facts.isUnknown(client)))
                 Add(ReviewKind::warning, client.empty() ? "No client" : "The terminal does not know the client",
                     line);
-        const ClosedDays closed = m_session.ClosedDays();
         for (auto& [seconds, line] : groups[3]) {
             const LocalDateTime date = ToLocal(LeadingInteger(seconds));
             line.of = FormatPickerDate(date);
-            if (const auto day = DayOf(date); day && closed.Has(*day))
+            if (const auto day = DayOf(date); day && m_facts.closed.Has(*day))
                 Add(ReviewKind::note, "Starts on a day without trading", line);
         }
         for (const auto& each : groups)
@@ -127,7 +125,7 @@ private:
         lines.push_back(std::move(line));
     }
 
-    Session& m_session;
+    const ReviewFacts& m_facts;
     const BasketRows& m_rows;
     const std::vector<RecordId>& m_records;
 };
@@ -151,14 +149,20 @@ std::string ReviewText(const ReviewLine& line, ReviewField field) {
     }
 }
 
-std::vector<ReviewLine> ReviewBasket(Pass pass, Session& session, const BasketRows& rows,
-                                     const std::vector<RecordId>& records, const RejectedLines& rejected,
-                                     DeskLimits limits) {
-    Review review(session, rows, records);
+ReviewFacts FactsOf(Pass pass, Session& session) {
+    const auto guard = std::make_shared<DuplicateGuard>(session);
+    return {session.ClosedDays(), [guard](const RecordTexts& order) { return guard->IsLike(order); },
+            [pass, &session](const std::string& client) { return IsUnknownClient(pass, session, client); }};
+}
+
+std::vector<ReviewLine> ReviewBasket(const BasketRows& rows, const std::vector<RecordId>& records,
+                                     const RejectedLines& rejected, DeskLimits limits,
+                                     const ReviewFacts& facts) {
+    Review review(facts, rows, records);
     review.Rejected(rejected);
     review.Limits(std::move(limits));
     review.Likes();
-    review.Groups(pass);
+    review.Groups();
     review.Tickets();
     std::ranges::stable_sort(review.lines, {}, &ReviewLine::kind);
     return std::move(review.lines);

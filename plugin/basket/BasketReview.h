@@ -6,9 +6,11 @@
 #include "plugin/basket/DeskLimits.h"
 #include "plugin/controls/Lists.h"
 #include "plugin/messaging/Session.h"
+#include "plugin/record/OrderLedger.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,9 +38,18 @@ inline constexpr ListColumn<ReviewField> kReviewColumns[] = {
 };
 std::string ReviewText(const ReviewLine& line, ReviewField field);
 
-// Asks the host about the clients. The faults come first, then warnings, notes and totals.
-std::vector<ReviewLine> ReviewBasket(Pass pass, Session& session, const BasketRows& rows,
-                                     const std::vector<RecordId>& records, const RejectedLines& rejected,
-                                     DeskLimits limits);
+// What is known beside the orders; functions may be empty.
+struct ReviewFacts {
+    ClosedDays closed{};
+    std::function<bool(const RecordTexts&)> isLike{};    // one before
+    std::function<bool(const std::string&)> isUnknown{}; // a client
+};
+// The session's; the host is asked about the clients.
+ReviewFacts FactsOf(Pass pass, Session& session);
+
+// The faults come first, then warnings, notes and totals.
+std::vector<ReviewLine> ReviewBasket(const BasketRows& rows, const std::vector<RecordId>& records,
+                                     const RejectedLines& rejected, DeskLimits limits,
+                                     const ReviewFacts& facts);
 
 } // namespace planfold

@@ -4,6 +4,7 @@
 #include "plugin/base/Text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace planfold {
 
@@ -58,8 +59,6 @@ private:
 // The first rows, and why those of them are rejected that are.
 class FirstRows final : public BasketSink {
 public:
-    explicit FirstRows(std::vector<PreviewRow>& rows) : m_rows(rows) {}
-
     void Follow(const ImportReader& reader) { m_reader = &reader; }
     void OnRow(const BasketTexts& texts) override { Add(texts, {}); }
     void OnRejected(const RejectedLine& line, const BasketTexts& texts) override {
@@ -71,19 +70,19 @@ public:
 
     std::array<std::size_t, static_cast<std::size_t>(ImportFault::count)> counts{};
     std::size_t read = 0;
+    std::vector<PreviewRow> rows;
 
 private:
     void Add(const BasketTexts& texts, std::string reason) {
         ++read;
-        if (m_rows.size() == ImportFile::kRowsShown) return;
-        PreviewRow& row = m_rows.emplace_back();
+        if (rows.size() == ImportFile::kRowsShown) return;
+        PreviewRow& row = rows.emplace_back();
         row.line = m_reader->LinesRead();
         row.reason = std::move(reason);
         for (const ImportField& each : kImportFields)
             row.texts[each.field] = texts[each.field];
     }
 
-    std::vector<PreviewRow>& m_rows;
     const ImportReader* m_reader = nullptr;
 };
 
@@ -94,6 +93,14 @@ std::unique_ptr<TableReader> Opened(std::string_view bytes) {
 }
 
 } // namespace
+
+// One reading that goes on row by row.
+struct ImportFile::Trial {
+    const BasketRules rules;
+    FirstRows first{};
+    std::unique_ptr<ImportReader> reader{};
+    bool hasMore = true;
+};
 
 std::string ImportFile::Open(std::string bytes, const KeptMappings& kept) {
     m_bytes = std::make_shared<const std::string>(std::move(bytes));
@@ -166,27 +173,57 @@ std::unique_ptr<ImportReader> ImportFile::Read(const BasketRules& rules, ScripSo
 }
 
 BeginReading ImportFile::Begin() const {
-    return [file = *this](const BasketRules& rules, ScripSource& scrips, BasketSink& sink) {
+    ImportFile kept = *this;
+    kept.m_trial.reset();
+    return [file = std::move(kept)](const BasketRules& rules, ScripSource& scrips, BasketSink& sink) {
         return std::make_unique<HeldReader>(file, rules, scrips, sink);
     };
 }
 
 void ImportFile::Try(const BasketRules& rules, ScripSource& scrips) {
-    m_rows.clear();
-    FirstRows first(m_rows);
-    const auto reader = Read(rules, scrips, first);
-    first.Follow(*reader);
-    m_hasMore = true;
-    for (int i = 0; i < kRowsTried && m_hasMore; ++i)
-        m_hasMore = reader->Read(1);
-    m_tried = first.read;
-    m_good = reader->RowsLoaded();
-    m_counts = first.counts;
-
+    m_trial = std::make_shared<Trial>(Trial{rules});
+    m_trial->reader = Read(m_trial->rules, scrips, m_trial->first);
+    m_trial->first.Follow(*m_trial->reader);
     m_doubt = {};
+    TryMore(kRowsTried);
+}
+
+// The host, asked about a scrip, may let another choice in.
+bool ImportFile::TryMore(int rows) {
+    const auto trial = m_trial;
+    for (int i = 0; i < rows && trial->hasMore; ++i) {
+        trial->hasMore = trial->reader->Read(1);
+        if (trial != m_trial) return HasMore();
+    }
+    if (m_doubt.said.empty() && Count(ImportFault::undecidedDate) > 0) FindDoubt();
+    return trial->hasMore;
+}
+
+std::span<const PreviewRow> ImportFile::Rows() const {
+    return m_trial ? std::span<const PreviewRow>(m_trial->first.rows) : std::span<const PreviewRow>();
+}
+
+std::size_t ImportFile::RowsTried() const {
+    return m_trial ? m_trial->first.read : 0;
+}
+
+std::size_t ImportFile::Good() const {
+    return m_trial ? m_trial->reader->RowsLoaded() : 0;
+}
+
+bool ImportFile::HasMore() const {
+    return m_trial && m_trial->hasMore;
+}
+
+std::size_t ImportFile::Count(ImportFault fault) const {
+    return m_trial ? m_trial->first.counts[static_cast<std::size_t>(fault)] : 0;
+}
+
+// The first cell of the column that says two dates.
+void ImportFile::FindDoubt() {
     const auto table = Opened(*m_bytes);
     const auto column = std::ranges::find(m_mapping.columns, BasketField::startDateText);
-    if (Count(ImportFault::undecidedDate) == 0 || column == m_mapping.columns.end()) return;
+    if (column == m_mapping.columns.end()) return;
     const auto place = static_cast<std::size_t>(column - m_mapping.columns.begin());
     TableRow row;
     while (m_doubt.said.empty() && table->Next(row)) {
@@ -202,8 +239,9 @@ void ImportFile::Try(const BasketRules& rules, ScripSource& scrips) {
 
 std::vector<std::string> ImportFile::FaultTexts() const {
     std::vector<std::pair<std::size_t, std::string>> found;
-    for (std::size_t i = 1; i < m_counts.size(); ++i)
-        if (m_counts[i] > 0) found.emplace_back(m_counts[i], Format("%zu %s", m_counts[i], kFaultNames[i]));
+    for (std::size_t i = 1; i < std::size(kFaultNames); ++i)
+        if (const std::size_t count = Count(static_cast<ImportFault>(i)); count > 0)
+            found.emplace_back(count, Format("%zu %s", count, kFaultNames[i]));
     std::ranges::stable_sort(found, std::ranges::greater(), [](const auto& each) { return each.first; });
     std::vector<std::string> texts;
     for (const auto& each : found)

@@ -4,7 +4,6 @@
 #include "plugin/import/ImportReader.h"
 #include "plugin/import/Mapping.h"
 
-#include <array>
 #include <memory>
 #include <span>
 #include <string>
@@ -44,14 +43,16 @@ public:
     // The headings of the columns that are not read.
     std::vector<std::string> NotRead() const;
 
-    // Reads the first rows as the mapping is now.
+    // Reads the first rows as the mapping is now. `scrips` lives until the last row is tried, or others are.
     void Try(const BasketRules& rules, ScripSource& scrips);
-    std::span<const PreviewRow> Rows() const { return m_rows; }
-    std::size_t RowsTried() const { return m_tried; }
-    std::size_t Good() const { return m_good; }
+    // Some rows more, for the counts; false at the end of the file.
+    bool TryMore(int rows);
+    std::span<const PreviewRow> Rows() const;
+    std::size_t RowsTried() const;
+    std::size_t Good() const;
     // Whether there are more rows than were tried.
-    bool HasMore() const { return m_hasMore; }
-    std::size_t Count(ImportFault fault) const { return m_counts[static_cast<std::size_t>(fault)]; }
+    bool HasMore() const;
+    std::size_t Count(ImportFault fault) const;
     // "3 cells may be two dates", the most frequent first.
     std::vector<std::string> FaultTexts() const;
     // Of the first cell that is in doubt; its text is empty without one.
@@ -63,17 +64,17 @@ public:
     BeginReading Begin() const;
 
 private:
+    struct Trial;
+
     void LookAtColumns(TableReader& table);
+    void FindDoubt();
 
     std::shared_ptr<const std::string> m_bytes;
     Headings m_headings;
     std::vector<std::string> m_firstValues;
     ImportMapping m_mapping;
     bool m_isKept = false;
-    std::vector<PreviewRow> m_rows;
-    std::size_t m_tried = 0, m_good = 0;
-    bool m_hasMore = false;
-    std::array<std::size_t, static_cast<std::size_t>(ImportFault::count)> m_counts{};
+    std::shared_ptr<Trial> m_trial; // none before Try
     TwoDates m_doubt;
 };
 

@@ -88,11 +88,22 @@ TEST_F(BasketGridTest, FillingAndReplacingTellWhatTheyLeave) {
     EXPECT_EQ(Rows(Field::amount), "200000 150000 150000 150000");
 
     view.list.selected.clear();
-    EXPECT_EQ(basket.Grid().Matches(Field::account, "C"), 4u);
+    const CellReplacement all{Field::account, "C", "CC"}, selected{Field::account, "C", "CC", false, true};
+    const CellReplacement whole{Field::account, "C4", "C9", true}, part{Field::account, "C", "X", true};
+    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows hold it.");
+    view.list.hidden = 1;
+    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows hold it, those that a filter hides among them.");
     Select({1, 2});
-    EXPECT_EQ(basket.Grid().Matches(Field::account, "C"), 2u);
-    basket.Grid().Replace(Field::account, "C", "CC");
+    EXPECT_EQ(basket.Grid().MatchesText(selected), "2 of 2 selected rows hold it.");
+    basket.Grid().Replace(selected);
     EXPECT_EQ(Rows(Field::account), "C4 CC3 CC2 C1");
+    basket.Grid().Replace(whole);
+    EXPECT_EQ(Rows(Field::account), "C9 CC3 CC2 C1");
+    EXPECT_EQ(basket.Grid().Matches(part), 0u);
+    basket.Grid().Replace(part);
+    basket.Undo();
+    basket.Undo();
+    EXPECT_EQ(Rows(Field::account), "C4 C3 C2 C1");
 }
 
 TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
@@ -157,7 +168,7 @@ void BasketGridTest::ChangeSomething(std::mt19937& random) {
     case 5:
         return basket.Grid().FillDown(Field::account);
     case 6:
-        return basket.Grid().Replace(Field::account, "R", "C");
+        return basket.Grid().Replace({Field::account, "R", "C"});
     default:
         if (!basket.Rejected().empty())
             basket.Grid().EditRejected(basket.Rejected().back().number, Line(client));

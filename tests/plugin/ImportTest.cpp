@@ -6,6 +6,8 @@
 #include "plugin/import/XlsxTable.h"
 #include "tests/plugin/BasketStage.h"
 
+#include <zlib.h>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -332,7 +334,154 @@ TEST(Import, AnyTableComesBackFromAnyWriter) {
     }
 }
 
+// A workbook of one sheet, whose parts are not packed.
+std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
+    std::string sheet = "<worksheet><sheetData>";
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        sheet += "<row r=\"" + std::to_string(row + 1) + "\">";
+        for (const std::string& cell : table[row]) {
+            sheet += "<c t=\"inlineStr\"><is><t xml:space=\"preserve\">";
+            for (const char c : cell)
+                sheet += c == '&' ? "&amp;" : c == '<' ? "&lt;" : std::string(1, c);
+            sheet += "</t></is></c>";
+        }
+        sheet += "</row>";
+    }
+    const std::pair<std::string, std::string> parts[] = {
+        {"_rels/.rels", "<Relationships><Relationship Id=\"r0\" Type=\"x/officeDocument\" "
+                        "Target=\"xl/workbook.xml\"/></Relationships>"},
+        {"xl/workbook.xml", "<workbook><sheets><sheet name=\"A\" r:id=\"r1\"/></sheets></workbook>"},
+        {"xl/_rels/workbook.xml.rels",
+         "<Relationships><Relationship Id=\"r1\" Target=\"worksheets/sheet1.xml\"/></Relationships>"},
+        {"xl/worksheets/sheet1.xml", sheet + "</sheetData></worksheet>"}};
+    const auto put = [](std::string& bytes, std::size_t number, int size) {
+        for (; size > 0; --size, number >>= 8)
+            bytes.push_back(static_cast<char>(number & 0xFF));
+    };
+    std::string bytes, directory;
+    for (const auto& [name, content] : parts) {
+        std::string fields;
+        const auto* at = reinterpret_cast<const Bytef*>(content.data());
+        for (const auto& [number, size] : {std::pair<std::size_t, int>{0, 6},
+                                           {crc32(0, at, static_cast<uInt>(content.size())), 4},
+                                           {content.size(), 4},
+                                           {content.size(), 4},
+                                           {name.size(), 2},
+                                           {0, 2}})
+            put(fields, number, size);
+        directory.append("PK\x01\x02\x14\0\x14\0\0\0", 10).append(fields).append(10, '\0');
+        put(directory, bytes.size(), 4);
+        directory += name;
+        bytes.append("PK\x03\x04\x14\0\0\0", 8).append(fields).append(name).append(content);
+    }
+    const std::size_t place = bytes.size();
+    bytes.append(directory).append("PK\x05\x06\0\0\0\0\4\0\4\0", 12);
+    put(bytes, directory.size(), 4);
+    put(bytes, place, 4);
+    return bytes.append(2, '\0');
+}
+
+std::string AsText(const std::vector<std::vector<std::string>>& table, char delimiter) {
+    std::string text;
+    for (const auto& cells : table)
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            text += '"';
+            for (const char c : cells[i])
+                text.append(c == '"' ? 2 : 1, c);
+            text.append(1, '"').append(1, i + 1 < cells.size() ? delimiter : '\n');
+        }
+    return text;
+}
+
+// Of letters up to U+00FF.
+std::string AsUtf16(const std::string& utf8) {
+    std::string text = "\xFF\xFE";
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const bool isTwo = (utf8[i] & 0xE0) == 0xC0;
+        text += static_cast<char>(isTwo ? (utf8[i] & 3) << 6 | (utf8[i + 1] & 0x3F) : utf8[i]);
+        text += '\0';
+        i += isTwo;
+    }
+    return text;
+}
+
+// Whoever wrote it: the same orders, and the same lines refused in the same columns for the same reasons.
+TEST(Import, ATableIsTheSameOrdersByWhicheverWriter) {
+    std::mt19937 random(11);
+    const auto one = [&](std::initializer_list<const char*> of) {
+        return *(of.begin() + random() % of.size());
+    };
+    std::size_t orders = 0, refused = 0;
+    for (int round = 0; round < 30; ++round) {
+        std::vector<std::vector<std::string>> table{{"UCC", "Exch", "Series", "Symbol", "Amount (Rs)", "Freq",
+                                                     "Start Date", "Periods", "Action", "Br\xC3\xA4nch"}};
+        for (std::size_t row = 0; row < 6; ++row) {
+            const bool isBad = random() % 4 == 0;
+            table.push_back({one({"C1", "007", "=C,2", "J\xC3\xBCrg \"A\""}), one({"NSE", "nse_cm"}), "EQ",
+                             isBad ? "NONE" : one({"ALPHA", "beta", " GAMMA "}),
+                             one({"1500", "1,50,000.50", "Rs 10", "1.5.0", "<1&2>"}),
+                             one({"monthly", "W", "yearly"}),
+                             one({"05/Mar/2027", "2027-03-05", "31/12/2027", "03/05/2027"}),
+                             one({"12", "24", "x"}), one({"SIP", "Sell"}), "\xC3\xA9;\t"});
+        }
+        const std::string text = AsText(table, ',');
+        std::string latin = AsUtf16(text).substr(2);
+        for (std::size_t i = 0; i < latin.size(); ++i)
+            latin.erase(i + 1, 1);
+        std::vector<int> columns;
+        const auto told = [&](const std::string& bytes) {
+            ImportFile file;
+            if (const std::string fault = file.Open(bytes, {}); !fault.empty()) return fault;
+            file.Mapping().pattern = DatePattern::dayFirst;
+            columns.clear();
+            return Imported(file, &columns);
+        };
+        const std::string first = told(text);
+        EXPECT_EQ(std::ranges::count(columns, 0), 0) << first;
+        orders += 6 - columns.size();
+        refused += columns.size();
+        for (const std::string& other : {AsText(table, ';'), AsText(table, '\t'), "\xEF\xBB\xBF" + text,
+                                         AsUtf16(text), latin, AsWorkbook(table)})
+            ASSERT_EQ(told(other), first) << other;
+    }
+    EXPECT_GT(std::min(orders, refused), 20u);
+}
+
+TEST(Import, FaultsAreCountedToTheEndOfTheFile) {
+    std::string text = kHead;
+    for (int row = 0; row < 2100; ++row)
+        text += row == 2050 ? "C1,NSE,EQ,ALPHA,x,m,05/Mar/2027,12,SIP\n"
+                            : "C1,NSE,EQ,ALPHA,1,m,05/Mar/2027,12,SIP\n";
+    ImportFile file;
+    ASSERT_EQ(file.Open(text, {}), "");
+    Scrips scrips;
+    file.Try(kRules, scrips);
+    EXPECT_EQ(FaultsText(file), "Of the first 1999 rows 1999 are orders.");
+    while (file.TryMore(64)) {
+    }
+    EXPECT_EQ(FaultsText(file), "Of 2100 rows 2099 are orders. Rejected: 1 no numbers");
+    EXPECT_EQ(file.Rows().size(), ImportFile::kRowsShown);
+}
+
 class ImportFlow : public test::BasketStage {};
+
+TEST_F(ImportFlow, RejectedLinesSavedWithReasonsAreMendedInASpreadsheet) {
+    Open();
+    Load(test::Line("=C1", "77") + test::Line("C2", "77", "qty"));
+    ASSERT_EQ(basket.Rejected().size(), 2u);
+    basket.SaveReasons();
+    std::string table = view.files["basket.csv"];
+    for (std::size_t at; (at = table.find(",77,")) != table.npos;)
+        table.replace(at, 4, ",1013,");
+    ImportFile file;
+    ASSERT_EQ(file.Open(table, {}), "");
+    EXPECT_EQ(file.NotRead().back(), "Reason");
+    view.import = file.Begin();
+    basket.Runs().Import();
+    Run();
+    EXPECT_EQ(Rows(Field::account) + Rows(Field::amount) + Rows(Field::quantity), "C2 =C1 1500007 ");
+    EXPECT_TRUE(basket.Rejected().empty());
+}
 
 TEST_F(ImportFlow, ImportedRowsComeInAsLoadedOnesDo) {
     Open();

@@ -27,7 +27,7 @@ int Check(const Options& options, ScripSource& scrips) {
     const auto text = ReadText(options.file);
     if (!text) return Fail(text.Fault().Text());
     if (base::IsUtf16(text.Value())) return Fail(options.file + ": " + kUtf16Fault);
-    Findings findings(!options.normalised.empty());
+    Findings findings(options);
     BasketReader load(text.Value(), options.rules, scrips, findings);
     while (load.Read(kLinesAtOnce)) {
     }
@@ -50,7 +50,7 @@ int Import(const Options& options, ScripSource& scrips) {
     if (!options.map.empty() && !file.IsKept())
         return Fail(options.map + ": has no mapping for these headings");
     Apply(options, file);
-    Findings findings(!options.normalised.empty());
+    Findings findings(options);
     const auto reader = file.Read(options.rules, scrips, findings);
     findings.columnOf = [&] { return reader->Finding().column; };
     while (reader->Read(kLinesAtOnce)) {

@@ -20,6 +20,7 @@ struct Options {
     std::string file; // the basket
     std::string scrips;
     std::string rejects, normalised; // empty: not asked for
+    std::string limits;              // the settings file with the desk's; empty: not asked for
     bool json = false;
     std::string out{kStandardStream}; // of the template
     long long lines = 10;

@@ -8,6 +8,7 @@ constinit const std::string_view kHelp = R"(NAME
 SYNOPSIS
     planfold-basket check FILE --scrips FILE [--products LIST] [--mode MODE]
                     [--today DATE] [--rejects OUT] [--normalised OUT] [--json]
+                    [--limits FILE]
     planfold-basket import FILE --scrips FILE [--map FILE] [--date PATTERN]
                     [--amount UNIT] [--default FIELD=VALUE]... [the options of
                     check]
@@ -20,6 +21,11 @@ DESCRIPTION
     check reads a basket as the basket window does, by the same rules, and tells
     of each line that would be rejected where it stands and why, then how many
     lines there were and what their orders come to. FILE "-" is standard input.
+
+    With --limits it also tells what the window's Check says of the orders: what
+    is beyond the desk's limits, rows like another one, starts at a weekend; in
+    JSON the totals by client, side, scrip and start date as well. A limit that is
+    marked hard makes the exit status 1.
 
     import reads a table as the basket window's Import does: .xlsx, CSV or text
     with headings in any order. docs/basket-files.md has the headings that are
@@ -59,6 +65,9 @@ OPTIONS
     --rejects OUT      writes the rejected lines as they stand, to be mended
     --normalised OUT   writes the other lines in the form in which the basket
                        window exports them, in the order of FILE
+    --limits FILE      Planfold.ini with the section [Basket_Limits]: Amount and
+                       Total in rupees, Quantity, Periods, FirstDate in days from
+                       today, RowsPerClient; "hard" behind a value forbids
     --map FILE         the choices that the window's Import kept, which are
                        found by the headings of FILE
     --date PATTERN     how dates are written: dd/mm/yyyy, mm/dd/yyyy,
@@ -71,7 +80,7 @@ OPTIONS
 
 EXIT STATUS
     0    no line was rejected
-    1    a line was rejected
+    1    a line was rejected, or a hard limit is exceeded
     2    the words of the command were wrong, or a file could not be read or
          written; standard error says which. No file is left half written
 
@@ -79,6 +88,7 @@ EXAMPLES
     planfold-basket template --scrips data/scrips.csv --lines 3
     planfold-basket check basket.csv --scrips data/scrips.csv --products CNC,MIS
     planfold-basket check - --scrips data/scrips.csv --json < basket.csv
+    planfold-basket check basket.csv --scrips data/scrips.csv --limits Planfold.ini
     planfold-basket import branch.xlsx --scrips data/scrips.csv \
                     --date dd/mm/yyyy --default series=EQ --normalised basket.csv
 

@@ -123,6 +123,7 @@ constexpr OptionRow<Options> kOfImport[] = {
 constexpr OptionRow<Options> kOfCheck[] = {
     {"--rejects", ReadText<&Options::rejects>},
     {"--normalised", ReadText<&Options::normalised>},
+    {"--limits", ReadText<&Options::limits>},
     {"--json", ReadJson, ""},
 };
 constexpr OptionRow<Options> kOfTemplate[] = {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/basket/BasketReading.h"
+#include "plugin/basket/BasketRows.h"
 #include "tools/planfold-basket/Commands.h"
 
 #include <string>
@@ -25,7 +26,9 @@ struct Rejection {
 
 class Findings final : public planfold::BasketSink {
 public:
-    explicit Findings(bool keepRows) : m_keepRows(keepRows) {}
+    // Keeps what the options ask for.
+    explicit Findings(const Options& options)
+        : m_keepRows(!options.normalised.empty()), m_keepOrders(!options.limits.empty()) {}
 
     void OnRow(const planfold::BasketTexts& texts) override;
     void OnRejected(const planfold::RejectedLine& line, const planfold::BasketTexts&) override;
@@ -37,9 +40,11 @@ public:
     std::vector<Rejection> rejected;
     SideTotals buy, sell;
     std::string rows;
+    planfold::BasketRows orders;
+    std::vector<planfold::RecordId> records; // of the orders
 
 private:
-    bool m_keepRows;
+    bool m_keepRows, m_keepOrders;
     std::string m_notice;
 };
 

@@ -1,8 +1,12 @@
 #include "tools/planfold-basket/Sources.h"
 
 #include "host/files/Files.h"
+#include "plugin/base/Text.h"
+#include "plugin/basket/BasketFile.h"
+#include "plugin/basket/DeskLimits.h"
 #include "tools/planfold-basket/Commands.h"
 
+#include <algorithm>
 #include <iostream>
 #include <iterator>
 #include <system_error>
@@ -27,6 +31,40 @@ bool WriteText(const std::string& path, std::string_view text) {
     if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
         return vesk::WriteInPlace(path, text, asText);
     return vesk::WriteWholeFile(path, text, asText);
+}
+
+namespace {
+
+std::string_view Trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r";
+    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+} // namespace
+
+// Of two sections with the name the first counts, and of two equal keys as well.
+vesk::Loaded<std::map<std::string, std::string>> ReadLimits(const std::string& path) {
+    const auto text = path == kStandardStream ? ReadText(path) : vesk::ReadTextFile(path);
+    if (!text) return text.Fault();
+    std::map<std::string, std::string> limits;
+    planfold::BasketLines lines(text.Value());
+    bool isIn = false;
+    while (const auto line = lines.Next()) {
+        const std::string_view setting = Trimmed(line->text);
+        if (setting.starts_with('[') && isIn) break;
+        if (setting.starts_with('['))
+            isIn = planfold::EqualsIgnoringCase(setting.substr(1, setting.find(']') - 1),
+                                                planfold::kLimitsSection);
+        const std::size_t equals = setting.find('=');
+        if (!isIn || setting.starts_with(';') || equals == setting.npos) continue;
+        for (int limit = 0; limit < static_cast<int>(planfold::DeskLimit::count); ++limit) {
+            const char* key = KeyOf(static_cast<planfold::DeskLimit>(limit));
+            if (planfold::EqualsIgnoringCase(Trimmed(setting.substr(0, equals)), key))
+                limits.try_emplace(key, Trimmed(setting.substr(equals + 1)));
+        }
+    }
+    return limits;
 }
 
 std::optional<ScripDetails> MasterScrips::Details(std::string_view exchange, std::string_view tradingSymbol) {

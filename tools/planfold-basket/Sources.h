@@ -5,6 +5,7 @@
 #include "host/market/ScripMaster.h"
 #include "plugin/basket/BasketLine.h"
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,9 @@ vesk::Loaded<std::string> ReadText(const std::string& path);
 // Line feeds become the platform's line ends; "-" is standard output. A file is replaced as a whole or not at
 // all. False when it cannot be.
 bool WriteText(const std::string& path, std::string_view text);
+
+// The desk's limits in a settings file, by key, as the basket's window finds them.
+vesk::Loaded<std::map<std::string, std::string>> ReadLimits(const std::string& path);
 
 // The terminal's scrip master as what baskets are checked against.
 class MasterScrips final : public planfold::ScripSource {

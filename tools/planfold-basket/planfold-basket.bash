@@ -1,13 +1,13 @@
 # Completion of planfold-basket for bash: source it, or put it into /usr/share/bash-completion/completions/planfold-basket.
 _planfold_basket() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} all="--scrips --products --mode --today"
-    local reads="--rejects --normalised --json" words
+    local reads="--rejects --normalised --limits --json" words
     COMPREPLY=()
     case $before in
     --amount) words="rupees paise" ;;
     --date) words="dd/mm/yyyy mm/dd/yyyy yyyy-mm-dd" ;;
     --mode) words="months" ;;
-    --scrips | --map | --rejects | --normalised | --out)
+    --scrips | --map | --limits | --rejects | --normalised | --out)
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
         ;;

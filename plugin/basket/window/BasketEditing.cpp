@@ -19,7 +19,8 @@ enum : int {
     kFillCommand,
     kPasteCommand,
     kNextFaultCommand,
-    kPreviousFaultCommand
+    kPreviousFaultCommand,
+    kReplaceCommand = 25029 // behind the dialog's own
 };
 
 struct EditKey {
@@ -29,13 +30,10 @@ struct EditKey {
     bool rowsOnly; // not in the list of rejected lines
 };
 constexpr EditKey kKeys[] = {
-    {'Z', true, false, kUndoCommand, false},
-    {'Y', true, false, kRedoCommand, false},
-    {VK_F2, false, false, kEditCommand, false},
-    {'D', true, false, kFillCommand, true},
-    {'V', true, false, kPasteCommand, false},
-    {VK_F8, false, false, kNextFaultCommand, false},
-    {VK_F8, false, true, kPreviousFaultCommand, false},
+    {'Z', true, false, kUndoCommand, false},         {'Y', true, false, kRedoCommand, false},
+    {VK_F2, false, false, kEditCommand, false},      {'D', true, false, kFillCommand, true},
+    {'H', true, false, kReplaceCommand, true},       {'V', true, false, kPasteCommand, false},
+    {VK_F8, false, false, kNextFaultCommand, false}, {VK_F8, false, true, kPreviousFaultCommand, false},
 };
 
 // Columns as they stand on the screen.
@@ -58,6 +56,7 @@ std::array<MenuEntry, BasketEditing::kEntries> BasketEditing::MenuEntries() cons
              {"Redo\tCtrl+Y", kRedoCommand},
              {"Edit Cell\tF2", kEditCommand, isEmpty},
              {"Fill Down\tCtrl+D", kFillCommand, m_list.Selected().size() < 2},
+             {"Replace in Column...\tCtrl+H", kReplaceCommand, isEmpty},
              {"Paste Rows\tCtrl+V", kPasteCommand},
              {"Next Fault\tF8", kNextFaultCommand},
              {"Check...\tAlt+C", IDC_BASKET_CHECK},
@@ -77,6 +76,9 @@ bool BasketEditing::HandleCommand(int command) {
         return true;
     case kFillCommand:
         if (const auto field = Field()) m_basket.Grid().FillDown(*field);
+        return true;
+    case kReplaceCommand:
+        Replace();
         return true;
     case kPasteCommand:
         Paste();
@@ -179,6 +181,11 @@ void BasketEditing::EditRejected() {
 
 void BasketEditing::Paste() {
     if (const auto cells = framework::TextOfClipboard(m_dialog.Handle())) m_basket.Grid().Paste(*cells);
+}
+
+void BasketEditing::Replace() {
+    if (!m_basket.Runs().IsBusy() && m_list.RowCount() > 0)
+        m_replace.Open(m_dialog.Handle(), m_dialog.FontSize(), Field().value_or(kStateOfRow));
 }
 
 void BasketEditing::GoToFault(bool back) {

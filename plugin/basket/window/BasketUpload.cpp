@@ -69,8 +69,8 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
       m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
-      m_panel(*this, m_basket), m_editing(*this, session, m_basket, m_list, m_panel), m_check(module, session),
-      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
+      m_panel(*this, m_basket), m_editing(module, *this, session, m_basket, m_list, m_panel),
+      m_check(module, session), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_import(module, session, boxes), m_controls(*this, session, m_basket.Life()),
       m_recordCommand(std::move(recordCommand)) {}
 
@@ -114,6 +114,7 @@ void CBasketUpload::OnDestroyed() {
     m_import.Destroy();
     m_progress.Destroy();
     m_check.Destroy();
+    m_editing.Destroy();
     m_ownSize = {};
 }
 
@@ -352,7 +353,9 @@ std::string CBasketUpload::DeskLimit(const std::string& key) {
 
 void CBasketUpload::ShowCheck() {
     auto lines = m_basket.Check();
-    if (lines && HasWindow()) m_check.Show(std::move(*lines));
+    if (!lines || !HasWindow()) return;
+    m_check.SetFontSize(FontSize());
+    m_check.Show(std::move(*lines));
 }
 
 void CBasketUpload::ShowWaiting(bool waiting) {

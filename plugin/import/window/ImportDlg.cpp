@@ -17,6 +17,10 @@ constexpr framework::ReportList::Column kColumnsOfFile[] = {
     {"No", 30}, {"Heading", 150}, {"First value", 130}, {"Read as", 100}};
 constexpr int kRowHeight = 18;
 constexpr std::size_t kLongestName = 60;
+constexpr UINT_PTR kTryTimer = 7;
+constexpr UINT kTryPauseMs = 30;
+constexpr ULONGLONG kTryPortionMs = 60;
+constexpr int kRowsAtOnce = 64;
 
 // Files are read in UTF-8.
 std::string Ansi(std::string_view text) {
@@ -26,7 +30,7 @@ std::string Ansi(std::string_view text) {
 } // namespace
 
 CImportDlg::CImportDlg(HINSTANCE module, const Session& session, framework::MessageBoxes& boxes)
-    : Dialog(module, IDD_IMPORT), m_session(session), m_boxes(boxes) {}
+    : Dialog(module, IDD_IMPORT), m_session(session), m_boxes(boxes), m_scrips(session) {}
 
 std::string CImportDlg::KeptName() const {
     return framework::Utf8(m_session.userDirectory + "\\PlanfoldImport.ini");
@@ -119,13 +123,36 @@ void CImportDlg::ShowChoices() {
 }
 
 void CImportDlg::TryRows() {
-    HostScrips scrips(m_session);
-    scrips.Admit(m_pass.value());
-    m_file.Try(m_rules, scrips);
+    m_scrips.Admit(m_pass.value());
+    m_file.Try(m_rules, m_scrips);
     if (!HasWindow()) return;
     List(IDC_IMPORT_ROWS).SetCount(static_cast<int>(m_file.Rows().size()));
+    ShowFaults();
+    if (m_file.HasMore()) SetTimer(Handle(), kTryTimer, kTryPauseMs, nullptr);
+}
+
+void CImportDlg::ShowFaults() {
     Item(IDC_IMPORT_DOUBT).SetText(Ansi(DoubtText(m_file)));
     Item(IDC_IMPORT_FAULTS).SetText(FaultsText(m_file));
+}
+
+// The faults of the whole file are counted while the user looks at its first rows.
+void CImportDlg::TryMore() {
+    if (std::exchange(m_isTrying, true)) return;
+    const ULONGLONG end = GetTickCount64() + kTryPortionMs;
+    bool more = true;
+    while (more && HasWindow() && GetTickCount64() < end)
+        more = m_file.TryMore(kRowsAtOnce);
+    m_isTrying = false;
+    if (!HasWindow()) return;
+    ShowFaults();
+    if (!more) KillTimer(Handle(), kTryTimer);
+}
+
+std::optional<LRESULT> CImportDlg::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+    if (message != WM_TIMER || wParam != kTryTimer) return std::nullopt;
+    TryMore();
+    return 0;
 }
 
 BasketField CImportDlg::ChosenDefault() const {

@@ -26,6 +26,7 @@ private:
     void OnLaidOut() override;
     void OnDestroyed() override;
     bool OnCommand(const framework::Command& command) override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
 
     std::string KeptName() const;
@@ -33,6 +34,8 @@ private:
     void ShowColumns();
     void ShowChoices();
     void TryRows();
+    void TryMore();
+    void ShowFaults();
     void OnChosen(int combo);
     void OnDefaultTyped();
     BasketField ChosenDefault() const;
@@ -45,7 +48,9 @@ private:
     KeptMappings m_kept;
     BasketRules m_rules;
     std::string m_path;
+    HostScrips m_scrips;
     std::optional<Pass> m_pass; // of the question that is open
+    bool m_isTrying = false;    // the host may let the window's timer in
     bool m_accepted = false;
     bool m_isShowing = false; // what changes is not the user's doing
 };
