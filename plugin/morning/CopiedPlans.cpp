@@ -14,7 +14,7 @@ namespace {
 // known yet.
 std::string_view FrequencyOfOneRun(std::string_view own, const Session& session) {
     constexpr std::string_view daily = "daily";
-    return session.MinimumPeriods(*FindFrequency(daily)) <= 1 ? daily : own;
+    return FindFrequency(own) && session.MinimumPeriods(*FindFrequency(daily)) <= 1 ? daily : own;
 }
 
 } // namespace
