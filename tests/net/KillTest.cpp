@@ -32,7 +32,8 @@ public:
         if (m_id == 0) {
             dup2(in[0], 0), dup2(out[1], 1), dup2(file, 2);
             execl(program.c_str(), program.c_str(), "--port", number.c_str(), "--data", folder.c_str(),
-                  nullptr);
+                  "--allow-commands", "--login", "USER1:BROKER", "--login", "USER2:BROKER", "--login",
+                  "USER3:BROKER", nullptr);
             _exit(127);
         }
         close(in[0]), close(out[1]), close(file);
@@ -130,8 +131,10 @@ private:
     }
     void Hire(std::size_t place) {
         const std::string count = std::to_string(m_dealers.size() + 1);
-        m_living[place] = &m_dealers.emplace_back(m_port, "USER" + std::to_string(place + 1), "d" + count + "-",
-                                                  m_seed + static_cast<unsigned>(m_dealers.size()));
+        m_living[place] =
+            &m_dealers.emplace_back(ServerPlace{m_port, SecretsBeside((m_folder / "journal").string())},
+                                    "USER" + std::to_string(place + 1), "d" + count + "-",
+                                    m_seed + static_cast<unsigned>(m_dealers.size()));
     }
     void Work(unsigned leastMs, unsigned spanMs) {
         const std::int64_t end = SteadyMs() + leastMs + static_cast<unsigned>(m_random()) % spanMs;
