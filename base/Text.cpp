@@ -152,14 +152,6 @@ std::string Format(const char* format, ...) {
     return text;
 }
 
-std::string Printable(std::string_view text) {
-    std::string printable;
-    for (const char c : text)
-        printable +=
-            c >= ' ' && c <= '~' ? std::string(1, c) : Format("\\x%02X", static_cast<unsigned char>(c));
-    return printable;
-}
-
 std::string_view WithoutMark(std::string_view text) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.remove_prefix(mark.size());

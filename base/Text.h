@@ -28,9 +28,6 @@ std::optional<Number> ReadNumber(std::string_view text, int base = 10) {
     return number;
 }
 
-// For a line of a log: what is no printable ASCII character becomes "\x1B".
-std::string Printable(std::string_view text);
-
 // A byte order mark at the start of a file belongs to no field.
 std::string_view WithoutMark(std::string_view text);
 

@@ -1,5 +1,4 @@
 // veskserver: the trading server as a program of its own.
-#include "base/Text.h"
 #include "host/files/Files.h"
 #include "host/market/TerminalConfig.h"
 #include "host/server/MarketServer.h"
@@ -134,7 +133,7 @@ UserIdentity Operator(const TerminalConfig& terminal) {
 
 void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user) {
     for (const std::string& line : lines)
-        std::printf("%s\n", base::Printable(commands.Run(line, user, SteadyMs()).text).c_str());
+        std::printf("%s\n", Printable(commands.Run(line, user, SteadyMs()).text).c_str());
     if (!lines.empty()) std::fflush(stdout);
 }
 

@@ -273,7 +273,7 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
         {Framed(net::Challenge{2, ""}), "the server speaks version 2"},
         {Framed(net::Challenge{net::kProtocolVersion, "nonce"}),
          "the server asks for a proof: none: file not found"},
-        {Framed(net::ConnectionRefused{"full"}), "the server refuses: full"},
+        {Framed(net::ConnectionRefused{"full\x1B[2J\n\xFF"}), "the server refuses: full\\x1B[2J\\x0A\\xFF"},
         {welcome + Framed(net::RequestDone{5}), "the end of a request that nobody made"},
         {welcome + Framed(net::Response{1, 5, ""}), "an answer that nobody asked for"},
         {welcome + Framed(net::Response{1, 1, "rubbish"}), "a message that cannot be read"},

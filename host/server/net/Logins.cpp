@@ -29,7 +29,7 @@ constexpr Member kMembers[] = {
 };
 
 std::string InDigits(std::string_view bytes) {
-    constexpr char digits[] = "0123456789abcdef";
+    constexpr char digits[] = "0123456789ABCDEF";
     std::string text;
     for (const char byte : bytes) {
         const auto number = static_cast<unsigned char>(byte);
@@ -62,6 +62,13 @@ bool IsName(std::string_view text) {
     return text.size() <= kLongestName && std::ranges::all_of(text, [](char c) {
                return static_cast<unsigned char>(c) >= ' ' && c != 0x7F;
            });
+}
+
+std::string Printable(std::string_view text) {
+    std::string printable;
+    for (const char& c : text)
+        printable += c >= ' ' && c <= '~' ? std::string(1, c) : "\\x" + InDigits({&c, 1});
+    return printable;
 }
 
 Loaded<Logins> Logins::Parse(std::string_view text, std::string_view fileName) {

@@ -20,6 +20,8 @@ inline constexpr std::size_t kLongestName = 64; // of a login, a firm or a branc
 
 // Whether it can be the name of a login, and, empty, of no firm.
 bool IsName(std::string_view text);
+// For a line of a log: what is no printable ASCII character becomes "\x1B".
+std::string Printable(std::string_view text);
 
 struct Login {
     UserIdentity user;

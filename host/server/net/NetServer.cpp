@@ -1,6 +1,5 @@
 #include "host/server/net/NetServer.h"
 
-#include "base/Text.h"
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -151,7 +150,7 @@ void NetServer::NoteEnd(const ServerSession& session) {
 }
 
 void NetServer::Note(const std::string& line) {
-    m_log(base::Printable(line));
+    m_log(Printable(line));
 }
 
 void NetServer::DropEnded() {

@@ -1,4 +1,3 @@
-#include "base/Text.h"
 #include "host/server/net/Proof.h"
 #include "host/server/net/RxClientControl.h"
 
@@ -266,7 +265,7 @@ void RxClient::On(const net::Welcome& said) {
 }
 
 void RxClient::On(const net::ConnectionRefused& said) {
-    Lose("the server refuses: " + base::Printable(said.text));
+    Lose("the server refuses: " + Printable(said.text));
 }
 
 void RxClient::On(net::Response&& said) {
@@ -305,13 +304,13 @@ void RxClient::Keep(Delivery delivery) {
 void RxClient::On(const net::Unsubscribed& said) {
     const auto found = m_controls.find(said.control);
     if (found != m_controls.end()) found->second->Forget();
-    Change(m_state, "a subscription was refused: " + base::Printable(said.text));
+    Change(m_state, "a subscription was refused: " + Printable(said.text));
 }
 
 void RxClient::On(net::CommandDone&& said) {
     auto found = m_commands.extract(said.number);
     if (found.empty()) return Lose("the answer of a command that nobody gave");
-    TellLater(std::move(found.mapped()), {said.isDone, base::Printable(said.text)});
+    TellLater(std::move(found.mapped()), {said.isDone, Printable(said.text)});
 }
 
 void RxClient::On(net::ServerState&& said) {
