@@ -81,7 +81,7 @@ private:
 class Terminal final : public CKeloRxNotifierBase {
 public:
     explicit Terminal(std::uint16_t port)
-        : m_client(std::make_unique<TcpChannel>(ServerAddress{"localhost", port}), {"DEALER", "B", ""}, {}),
+        : m_client(std::make_unique<TcpChannel>(ServerAddress{"localhost", port}, ""), {"DEALER", "B", ""}, {}),
           m_requests(m_client.Get(kRxRequests, this)), m_stream(m_client.Get(kRxIdentityStream, this)) {
         const std::uint32_t tag = tag::loginId;
         const QmxDatum own{};

@@ -3,6 +3,9 @@
 #include "base/Text.h"
 #include "host/files/OptionRows.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace vesk {
 namespace {
 
@@ -32,11 +35,31 @@ bool ReadStatus(ServerOptions& options, std::string_view) {
     return options.tellsStatus = true;
 }
 
+// LOGIN, LOGIN:FIRM or LOGIN:FIRM:BRANCH.
+bool ReadLogin(ServerOptions& options, std::string_view text) {
+    UserIdentity user;
+    for (std::string UserIdentity::*part :
+         {&UserIdentity::loginId, &UserIdentity::peerIdA, &UserIdentity::peerIdB}) {
+        const std::size_t end = std::min(text.find(':'), text.size());
+        user.*part = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    const bool isUser = text.empty() && !user.loginId.empty();
+    if (isUser) options.logins.push_back(std::move(user));
+    return isUser;
+}
+
+bool ReadAllowCommands(ServerOptions& options, std::string_view) {
+    return options.takesCommands = true;
+}
+
 constexpr OptionRow<ServerOptions> kOptions[] = {
     {"--port", ReadPort},
     {"--journal", ReadText<&ServerOptions::journal>},
     {"--config", ReadText<&ServerOptions::config>},
     {"--data", ReadData},
+    {"--login", ReadLogin},
+    {"--allow-commands", ReadAllowCommands, ""},
     {"--check-journal", ReadCheckJournal, ""},
     {"--status", ReadStatus, ""},
     {"--help", ReadHelp, ""},
@@ -49,6 +72,7 @@ constinit const std::string_view kServerHelp = R"(NAME
 
 SYNOPSIS
     veskserver --port N --journal FILE [--config FILE] [--data FOLDER]
+               [--login LOGIN[:FIRM[:BRANCH]]]... [--allow-commands]
     veskserver --check-journal --journal FILE
     veskserver --status --journal FILE
     veskserver --help
@@ -83,10 +107,27 @@ DESCRIPTION
                              disconnect-before [TIMES] cut before it has come
                              none
 
-    A terminal can give the same commands.
+    With --allow-commands every terminal can give the same commands.
 
     It can be ended at any moment, even by force: what a terminal was answered is
     in the journal, and the next server goes on from there.
+
+WHO MAY COME
+    FILE.secrets, beside the journal, has a secret for each login, and only its
+    owner can read it. A terminal proves that it knows its login's (it signs what
+    the server makes up for each connection); one that cannot is refused. It then
+    sees and changes its own orders, and sees its firm's; nobody streams another
+    firm's.
+
+    When there is no such file it is made, with a secret for the user of
+    "terminal.json" and for each --login. To let another one in, start with
+    --login and hand him his part of the file: only that, for who knows a secret
+    is that login. A secret is made anew when its part is removed before a start.
+
+    Not protected is what can be read on the way or on this machine: nothing is
+    encrypted, and the journal lies open in its folder. Terminals of this machine
+    alone can connect; who carries the port further carries it as it is. Who can
+    change the files beside the journal, or this program's input, runs the server.
 
 OPTIONS
     --port N         0, as without it: one that the system chooses
@@ -94,6 +135,8 @@ OPTIONS
                      there is none. Only one server at a time can have it open.
                      Beside it stand FILE.head (how far it was written: an end that
                      is missing stops the start) and FILE.torn (what crashes tore)
+    --login LOGIN    makes a secret for the login, where it has none; again for more
+    --allow-commands terminals may move the clock, make up orders and play faults
     --check-journal  tells all that is wrong with the journal, a line each with its
                      place, and changes nothing
     --status         tells what the server of this journal has to do: sessions,
@@ -105,7 +148,8 @@ OPTIONS
     --data FOLDER    where "journal" and "server.json" are, unless they are named, and
                      the market: "scrips.csv", "clients.csv", "nontrading.csv". In
                      "terminal.json" it says whose orders "fill" makes up. A missing
-                     one of these four is told and done without
+                     one of these four is told and done without; a bad one stops the
+                     start
 
 EXIT STATUS
     0    it was told to end; the journal has no fault; a server told its status

@@ -1,11 +1,14 @@
 // What veskserver is asked to do.
 #pragma once
 
+#include "host/server/RowQuery.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
 
@@ -13,10 +16,12 @@ struct ServerOptions {
     bool help = false;
     bool checksJournal = false; // and does nothing else
     bool tellsStatus = false;   // the same
+    bool takesCommands = false; // from terminals
     std::uint16_t port = 0;
     std::string journal;
-    std::string config; // empty: the usual settings
-    std::string data;   // the terminal's folder; empty: none
+    std::string config;               // empty: the usual settings
+    std::string data;                 // the terminal's folder; empty: none
+    std::vector<UserIdentity> logins; // that need a secret
 };
 
 extern const std::string_view kServerHelp;

@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -103,10 +104,15 @@ struct Market {
     TerminalConfig terminal;
 };
 
+// A missing file is done without; a bad one throws where and why.
 template <class T>
-void Take(Loaded<T> loaded, T& target) {
+void Take(const std::string& path, T& target) {
+    Loaded<T> loaded = T::Load(path);
+    std::error_code error;
     if (loaded)
         target = std::move(loaded.Value());
+    else if (std::filesystem::exists(PathOf(path), error))
+        throw std::runtime_error(loaded.Fault().Text());
     else
         Note(loaded.Fault().Text());
 }
@@ -114,10 +120,10 @@ void Take(Loaded<T> loaded, T& target) {
 Market LoadMarket(const std::string& data) {
     Market market;
     if (data.empty()) return market;
-    Take(ScripMaster::Load(data + "/scrips.csv"), market.master);
-    Take(ClientList::Load(data + "/clients.csv"), market.clients);
-    Take(TradingCalendar::Load(data + "/nontrading.csv"), market.calendar);
-    Take(TerminalConfig::Load(data + "/terminal.json"), market.terminal);
+    Take(data + "/scrips.csv", market.master);
+    Take(data + "/clients.csv", market.clients);
+    Take(data + "/nontrading.csv", market.calendar);
+    Take(data + "/terminal.json", market.terminal);
     return market;
 }
 
@@ -128,14 +134,15 @@ UserIdentity Operator(const TerminalConfig& terminal) {
 
 void Answer(const std::vector<std::string>& lines, ServerCommands& commands, const UserIdentity& user) {
     for (const std::string& line : lines)
-        std::printf("%s\n", commands.Run(line, user, SteadyMs()).text.c_str());
+        std::printf("%s\n", Printable(commands.Run(line, user, SteadyMs()).text).c_str());
     if (!lines.empty()) std::fflush(stdout);
 }
 
-int Serve(MarketServer& marketServer, const ServerOptions& options, const UserIdentity& user) {
+int Serve(MarketServer& marketServer, const ServerOptions& options, const UserIdentity& user,
+          const SessionLimits& limits) {
     Server& server = marketServer.Serving();
     Clockwork& clock = server.Clock();
-    NetServer net(server, marketServer.Commands(), Note);
+    NetServer net(server, marketServer.Commands(), Note, limits);
     if (const std::string fault = net.Listen(options.port); !fault.empty()) return Fail(fault);
     EndOn(SIGINT);
     EndOn(SIGTERM);
@@ -199,7 +206,17 @@ int Run(std::span<const std::string> words) {
     MarketServer server(std::move(opening), std::move(*config.config), market.master, market.clients,
                         market.calendar, true);
     if (!server.Serving().ReplayError().empty()) return Fail(server.Serving().ReplayError());
-    return Serve(server, options, Operator(market.terminal));
+    std::string made;
+    const UserIdentity user = Operator(market.terminal);
+    options.logins.insert(options.logins.begin(), user);
+    const std::string secrets = SecretsBeside(options.journal);
+    const Loaded<Logins> logins = Logins::LoadWith(secrets, options.logins, made);
+    if (!logins) return Fail(logins.Fault().Text());
+    if (!made.empty()) Note("made in " + secrets + ": the secret of " + made);
+    SessionLimits limits;
+    limits.logins = &logins.Value();
+    limits.takesCommands = options.takesCommands;
+    return Serve(server, options, user, limits);
 }
 
 } // namespace

@@ -11,9 +11,10 @@ namespace {
 
 class Dealer final : private DoubtsView, private RecordListener {
 public:
-    Dealer(const Round& round, Memory& memory, std::uint16_t port, int socket)
+    Dealer(const Round& round, Memory& memory, const vesk::ServerPlace& place, int socket)
         : m_round(round), m_memory(memory), m_socket(socket),
-          m_client(std::make_unique<vesk::TcpChannel>(vesk::ServerAddress{"localhost", port}),
+          m_client(std::make_unique<vesk::TcpChannel>(vesk::ServerAddress{"localhost", place.port},
+                                                      place.secretsFile),
                    {round.login, round.login, ""}) {
         m_host.loginId = m_host.peerA = round.login;
         m_session.host = ResolveHostCallbacks(m_session.lookup);
@@ -393,8 +394,8 @@ private:
 
 } // namespace
 
-void LiveAsDealer(const Round& round, Memory& memory, std::uint16_t port, int socket) {
-    Dealer dealer(round, memory, port, socket);
+void LiveAsDealer(const Round& round, Memory& memory, const vesk::ServerPlace& place, int socket) {
+    Dealer dealer(round, memory, place, socket);
     dealer.Live();
     _exit(0);
 }

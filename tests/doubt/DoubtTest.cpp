@@ -23,6 +23,9 @@ namespace {
 
 using Words = std::vector<std::string>;
 
+constexpr const char* kOperator = "OPERATOR";
+constexpr unsigned kRoundsAtServer = 100; // one with too much in it would be slow to start
+
 void Demand(bool holds, const std::string& what) {
     if (holds) return;
     std::fprintf(stderr, "doubt_test: %s\n", what.c_str());
@@ -39,30 +42,33 @@ std::string ReadLine(int file) {
 // The server as a program, told commands and killed.
 class ServerProcess {
 public:
-    explicit ServerProcess(std::string program) : m_program(std::move(program)) { Start(); }
+    ServerProcess(std::string program, std::string secretsFile)
+        : m_program(std::move(program)), m_place{0, std::move(secretsFile)} {
+        Start();
+    }
     ~ServerProcess() { Kill(); }
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
 
-    std::uint16_t Port() const { return m_port; }
+    const vesk::ServerPlace& Place() const { return m_place; }
     void Start() {
         if (m_id != 0) return;
         int ends[2];
         Demand(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "no sockets");
-        const std::string port = std::to_string(m_port);
+        const std::string port = std::to_string(m_place.port);
         m_id = fork();
         if (m_id == 0) {
             dup2(ends[0], 0), dup2(ends[0], 1);
             dup2(open("server.log", O_WRONLY | O_CREAT | O_APPEND, 0600), 2);
             execl(m_program.c_str(), m_program.c_str(), "--port", port.c_str(), "--journal", "journal",
-                  nullptr);
+                  "--allow-commands", nullptr);
             _exit(127);
         }
         close(ends[0]);
         m_socket = ends[1];
         const std::string line = ReadLine(m_socket);
         Demand(line.starts_with("listening"), "the server did not start");
-        m_port = static_cast<std::uint16_t>(std::stoul(line.substr(line.rfind(':') + 1)));
+        m_place.port = static_cast<std::uint16_t>(std::stoul(line.substr(line.rfind(':') + 1)));
     }
     void Kill() {
         if (m_id == 0) return;
@@ -74,7 +80,7 @@ public:
     }
     // By a terminal of its own, which it answers at once.
     void Tell(const Words& commands) {
-        vesk::Terminal terminal(m_port, "OPERATOR");
+        vesk::Terminal terminal(m_place, kOperator);
         std::size_t told = 0;
         const std::int64_t end = vesk::SteadyMs() + 20'000;
         for (bool isAsked = false; told < commands.size(); usleep(100)) {
@@ -94,7 +100,7 @@ private:
     const std::string m_program;
     pid_t m_id = 0;
     int m_socket = -1;
-    std::uint16_t m_port = 0; // the first one's, and of all after it
+    vesk::ServerPlace m_place; // the first one's port, and of all after it
 };
 
 // What the dealer is told, line by line, against the book.
@@ -191,9 +197,7 @@ public:
               mmap(nullptr, sizeof(Memory), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {}
 
     void Play(unsigned number) {
-        // A server with too much in it would be slow to start.
-        constexpr std::size_t most = 400;
-        if (!m_server || ++m_atServer % most == 0) MakeServer();
+        if (!m_server || ++m_atServer % kRoundsAtServer == 0) MakeServer(number);
         const Round round(m_seed, number);
         *m_memory = {};
         const std::string folder = "d" + std::to_string(number);
@@ -223,11 +227,17 @@ public:
     }
 
 private:
-    void MakeServer() {
+    void MakeServer(unsigned number) {
         m_server.reset();
         for (const char* name : {"journal", "journal.head"})
             std::filesystem::remove(name);
-        m_server = std::make_unique<ServerProcess>(m_program);
+        const std::string secretsFile = vesk::SecretsBeside(std::filesystem::absolute("journal").string());
+        vesk::Logins logins;
+        logins.Add({kOperator, "BROKER", ""});
+        for (unsigned one = number; one < number + kRoundsAtServer; ++one)
+            logins.Add({"U" + std::to_string(one), "U" + std::to_string(one), ""});
+        Demand(logins.Write(secretsFile).empty(), "no secrets");
+        m_server = std::make_unique<ServerProcess>(m_program, secretsFile);
     }
     // False once the dealer has come to his end.
     bool LiveOnce(const Round& round, const std::string& folder, Judgement& judgement) {
@@ -239,7 +249,7 @@ private:
         if (id == 0) {
             close(ends[1]);
             if (chdir(folder.c_str()) != 0) _exit(3);
-            LiveAsDealer(round, *m_memory, m_server->Port(), ends[0]);
+            LiveAsDealer(round, *m_memory, m_server->Place(), ends[0]);
         }
         close(ends[0]);
         std::string said;
@@ -292,7 +302,7 @@ private:
         m_server->Tell(commands);
     }
     void ReadBook(const Round& round, Judgement& judgement) {
-        vesk::Terminal terminal(m_server->Port(), round.login);
+        vesk::Terminal terminal(m_server->Place(), round.login, round.login);
         bool isOver = false;
         terminal.onAnswer = [&](void* message) {
             isOver = !qmx::Has(message, tag::queriedRow);

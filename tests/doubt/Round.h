@@ -1,6 +1,8 @@
 // A round of doubt_test: what a dealer wants, what goes wrong and at which step, and what outlives his process.
 #pragma once
 
+#include "tests/net/ServerPlace.h"
+
 #include <cstdint>
 #include <random>
 #include <string>
@@ -119,6 +121,6 @@ struct Memory {
 // lines at the socket: "!what it asks for", which is answered by a byte; "o STATE ID NUMBER CLIENT/PAISE" and
 // "c STATE NUMBER REQUEST" as often as it is told so of an order or a change; "t SECOND CLIENT" for what is
 // told to be registered twice; "w TEXT" of what contradicts itself.
-[[noreturn]] void LiveAsDealer(const Round& round, Memory& memory, std::uint16_t port, int socket);
+[[noreturn]] void LiveAsDealer(const Round& round, Memory& memory, const vesk::ServerPlace& place, int socket);
 
 } // namespace planfold::test

@@ -20,12 +20,12 @@ trap end EXIT
 start_server() {
     rm -f input server.txt
     mkfifo input && exec 3<>input
-    "$server" --port 0 --data "$dist/data" --journal "$PWD/journal" <input >server.txt 2>server.log &
+    "$server" --port 0 --data "$dist/data" --journal "$PWD/journal" --allow-commands <input >server.txt 2>server.log &
     for _ in $(seq 100); do [ -s server.txt ] || sleep 0.05; done
     port=$(sed -n 's/^listening on 127.0.0.1:\([0-9]*\).*/\1/p' server.txt)
 }
 play() {
-    PLAY_OPTIONS="--user Z:$PWD/user --server localhost:$port" "$scripts/play.sh" "$dist" "$PWD/$1.script" "$PWD" >"$1.txt"
+    PLAY_OPTIONS="--user Z:$PWD/user --server localhost:$port --secrets Z:$PWD/journal.secrets" "$scripts/play.sh" "$dist" "$PWD/$1.script" "$PWD" >"$1.txt"
 }
 amounts() { sort -u; }
 # Of the record: the amount of each order whose last event is one of these.

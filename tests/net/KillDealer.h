@@ -11,8 +11,8 @@ namespace vesk {
 
 class Dealer {
 public:
-    Dealer(std::uint16_t port, const std::string& login, std::string name, unsigned seed)
-        : m_login(login), m_name(std::move(name)), m_terminal(std::in_place, port, login), m_random(seed) {
+    Dealer(const ServerPlace& place, const std::string& login, std::string name, unsigned seed)
+        : m_login(login), m_name(std::move(name)), m_terminal(std::in_place, place, login), m_random(seed) {
         m_terminal->onAnswer = [this](void* message) { OnAnswer(message); };
         m_terminal->onUpdate = [this](void* message) { OnUpdate(message); };
         Demand(m_terminal->Subscribe(tag::loginId, ""), "no stream");

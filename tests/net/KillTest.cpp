@@ -7,58 +7,16 @@
 
 #include "host/server/schedule/Schedule.h"
 #include "tests/net/KillDealer.h"
+#include "tests/net/ServerProcess.h"
 
 #include <algorithm>
 #include <array>
-#include <csignal>
-#include <fcntl.h>
 #include <list>
 #include <random>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace vesk {
 namespace {
-
-// The server, as a program of its own until it is killed.
-class ServerProcess {
-public:
-    ServerProcess(const std::string& program, const std::string& folder, std::uint16_t port) {
-        int in[2], out[2];
-        Demand(pipe2(in, O_CLOEXEC) == 0 && pipe2(out, O_CLOEXEC) == 0, "no pipes");
-        const std::string number = std::to_string(port), errors = folder + "/server.log";
-        const int file = open(errors.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-        m_id = fork();
-        if (m_id == 0) {
-            dup2(in[0], 0), dup2(out[1], 1), dup2(file, 2);
-            execl(program.c_str(), program.c_str(), "--port", number.c_str(), "--data", folder.c_str(),
-                  nullptr);
-            _exit(127);
-        }
-        close(in[0]), close(out[1]), close(file);
-        m_input = in[1], m_output = out[0];
-        std::string line;
-        for (char byte = 0; byte != '\n' && read(m_output, &byte, 1) == 1;)
-            line += byte;
-        Demand(line.starts_with("listening on 127.0.0.1:"), "the server did not start");
-        m_port = static_cast<std::uint16_t>(std::stoul(line.substr(line.rfind(':') + 1)));
-    }
-    ServerProcess(const ServerProcess&) = delete;
-    ServerProcess& operator=(const ServerProcess&) = delete;
-    ~ServerProcess() {
-        int state = 0;
-        kill(m_id, SIGKILL);
-        waitpid(m_id, &state, 0);
-        close(m_input), close(m_output);
-        Demand(WIFSIGNALED(state) && WTERMSIG(state) == SIGKILL, "the server ended before it was killed");
-    }
-    std::uint16_t Port() const { return m_port; }
-
-private:
-    pid_t m_id = 0;
-    int m_input = -1, m_output = -1;
-    std::uint16_t m_port = 0;
-};
 
 // Terminals at a server.
 class Trial {
@@ -125,13 +83,17 @@ private:
         return file;
     }
     void StartServer() {
-        m_server = std::make_unique<ServerProcess>(m_program, m_folder.string(), m_port);
+        m_server = std::make_unique<ServerProcess>(m_program, m_folder.string(), m_port,
+                                                   Texts{"--allow-commands", "--login", "USER1:BROKER",
+                                                         "--login", "USER2:BROKER", "--login", "USER3:BROKER"});
         m_port = m_server->Port();
     }
     void Hire(std::size_t place) {
         const std::string count = std::to_string(m_dealers.size() + 1);
-        m_living[place] = &m_dealers.emplace_back(m_port, "USER" + std::to_string(place + 1), "d" + count + "-",
-                                                  m_seed + static_cast<unsigned>(m_dealers.size()));
+        m_living[place] =
+            &m_dealers.emplace_back(ServerPlace{m_port, SecretsBeside((m_folder / "journal").string())},
+                                    "USER" + std::to_string(place + 1), "d" + count + "-",
+                                    m_seed + static_cast<unsigned>(m_dealers.size()));
     }
     void Work(unsigned leastMs, unsigned spanMs) {
         const std::int64_t end = SteadyMs() + leastMs + static_cast<unsigned>(m_random()) % spanMs;

@@ -5,6 +5,7 @@
 #include "tests/server/ServerFixture.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -14,7 +15,7 @@ namespace vesk {
 // Ends the program with the text unless it holds.
 inline void Demand(bool holds, const std::string& what) {
     if (holds) return;
-    std::fprintf(stderr, "kill_test: %s\n", what.c_str());
+    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, what.c_str());
     std::_Exit(1);
 }
 

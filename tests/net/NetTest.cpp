@@ -7,59 +7,17 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 namespace vesk {
 namespace {
 
-using Texts = std::vector<std::string>;
 Fields ListOf(const char* user) {
     return std::string("om_get_sip_orders loginId=") + user;
 }
 
-class Net : public testing::Test {
-protected:
-    void Start(SessionLimits limits = {}) {
-        m_running.emplace(m_folder.File("journal"), m_config);
-        m_commands.emplace(*m_running->server, SampleMarket{{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}},
-                           true);
-        m_net.emplace(
-            *m_running->server, *m_commands, [this](const std::string& line) { m_log.push_back(line); },
-            limits);
-        ASSERT_EQ(m_net->Listen(m_port), "");
-        m_port = m_net->Port();
-    }
-    void Kill() {
-        m_net.reset();
-        m_running.reset();
-    }
-    void Fill(std::size_t count, const UserIdentity& user) {
-        const FillPlan plan{count, {user}, {{"CL1"}, {{"nse_cm", "1013", "ARBORTEX-EQ"}}}};
-        ASSERT_EQ(vesk::Fill(*m_running->server, plan), "");
-    }
-    template <class Condition>
-    bool Until(Condition condition, std::initializer_list<Terminal*> terminals) {
-        const std::int64_t end = SteadyMs() + 20'000;
-        while (!condition() && SteadyMs() < end) {
-            if (m_net) m_net->Turn(1);
-            for (Terminal* terminal : terminals)
-                terminal->Pump();
-        }
-        return condition();
-    }
-
-    TemporaryFolder m_folder;
-    ServerConfig m_config;
-    std::uint16_t m_port = 0;
-    std::optional<RunningServer> m_running;
-    std::optional<ServerCommands> m_commands;
-    std::optional<NetServer> m_net;
-    Texts m_log;
-};
-
 TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     Start();
-    Terminal one(m_port, "USER1"), two(m_port, "USER2");
+    Terminal one(Place(), "USER1"), two(Place(), "USER2");
     ASSERT_TRUE(two.Subscribe() && two.Send("get_sip_operation_mode"));
     ASSERT_TRUE(Until([&] { return two.Client().Waiting() == 0; }, {&two}));
     ASSERT_TRUE(one.Place("a"));
@@ -98,7 +56,7 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
     Texts told;
     const auto tell = [&](const Told& one) { told.push_back((one.isDone ? "" : "-") + one.text); };
     Start();
-    Terminal one(m_port, "USER1"), two(m_port, "USER2");
+    Terminal one(Place(), "USER1"), two(Place(), "USER2");
     one.Client().Command("clock 1", tell);
     ASSERT_TRUE(two.Subscribe());
     const auto areThere = [&] {
@@ -150,7 +108,7 @@ TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
         m_config.faults["add_sip_orders"] = row.fault;
         Start(row.limits);
         const std::size_t before = m_running->server->Registrations().size();
-        auto gone = std::make_unique<Terminal>(m_port, "USER1");
+        auto gone = std::make_unique<Terminal>(Place(), "USER1");
         for (std::size_t i = 0; i < orders; ++i)
             ASSERT_TRUE(gone->Place(std::to_string(before) + "-" + std::to_string(i)));
         ASSERT_TRUE(Until([&] { return gone->Client().State() == LinkState::connected; }, {gone.get()}));
@@ -171,7 +129,7 @@ TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
 TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
     constexpr std::uint64_t orders = 800;
     Start();
-    Terminal one(m_port, "USER1");
+    Terminal one(Place(), "USER1");
     ASSERT_TRUE(Until([&] { return one.Client().State() == LinkState::connected; }, {&one}));
     for (std::uint64_t i = 1; i <= orders; ++i)
         ASSERT_TRUE(one.Place(std::to_string(i)));
@@ -187,7 +145,7 @@ TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {
     Start({.outputBytes = 4096});
     Fill(2000, m_running->user);
-    Terminal one(m_port, "USER1");
+    Terminal one(Place(), "USER1");
     ASSERT_TRUE(one.Send(ListOf("USER1")));
     for (std::size_t enough : {10, 700, 1300}) {
         ASSERT_TRUE(Until([&] { return one.answers.size() >= enough; }, {&one}));
@@ -219,7 +177,7 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
     int identifiers = 0;
     for (const auto& row : rows) {
         Start(row.limits);
-        Terminal fast(m_port, "USER1"), slow(m_port, "SLOW");
+        Terminal fast(Place(), "USER1"), slow(Place(), "SLOW");
         ASSERT_TRUE(slow.Subscribe() && fast.Subscribe() && slow.Send(ListOf("SLOW")));
         ASSERT_TRUE(Until([&] { return !slow.answers.empty(); }, {&slow, &fast}));
         std::size_t sent = 0;
@@ -234,18 +192,6 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
         EXPECT_EQ(fast.streamed.size(), sent);
         Kill();
     }
-}
-
-std::string Framed(FrameType type, std::string_view payload) {
-    std::string bytes;
-    EXPECT_TRUE(AppendFrame(bytes, type, payload));
-    return bytes;
-}
-template <class Said>
-std::string Framed(Said said) {
-    std::string bytes;
-    EXPECT_TRUE(net::Append(bytes, said));
-    return bytes;
 }
 
 TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
@@ -268,7 +214,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {damaged, "a frame's checksum is wrong"},
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
         {Framed(FrameType::end, ""), "a frame's type is unknown"},
-        {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 2, not 1"},
+        {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 3, not 1"},
         {Framed(net::Hello{}), "a terminal without a login"},
         {Framed(net::OpenControl{1, 1}), "a terminal says hello first"},
         {hello + hello, "a second hello"},
@@ -346,7 +292,7 @@ TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {
     Start();
     {
         ServerWatch watch(*m_net, *m_running->server, path, 0);
-        Terminal one(m_port, "USER1");
+        Terminal one(Place(), "USER1");
         ASSERT_TRUE(one.Subscribe() && one.Place("a"));
         ASSERT_TRUE(Until([&] { return !one.streamed.empty() && !one.answers.empty(); }, {&one}));
         EXPECT_EQ(watch.Look(30'000, 1'000), "");
@@ -365,14 +311,19 @@ TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {
 }
 
 TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
-    const std::string welcome = Framed(net::Welcome{});
+    const std::string challenge = Framed(net::Challenge{}), welcome = challenge + Framed(net::Welcome{});
     const struct {
         std::string bytes;
         const char* state;
     } rows[] = {
         {"rubbish, and more of it", "a frame is too long"},
-        {Framed(net::RequestDone{1}), "a server welcomes first"},
-        {Framed(net::ConnectionRefused{"full"}), "the server refuses: full"},
+        {Framed(net::Welcome{}), "a server challenges first"},
+        {challenge + Framed(net::RequestDone{1}), "a server welcomes first"},
+        {welcome + challenge, "a second challenge"},
+        {Framed(net::Challenge{2, ""}), "the server speaks version 2"},
+        {Framed(net::Challenge{net::kProtocolVersion, "nonce"}),
+         "the server asks for a proof: none: file not found"},
+        {Framed(net::ConnectionRefused{"full\x1B[2J\n\xFF"}), "the server refuses: full\\x1B[2J\\x0A\\xFF"},
         {welcome + Framed(net::RequestDone{5}), "the end of a request that nobody made"},
         {welcome + Framed(net::Response{1, 5, ""}), "an answer that nobody asked for"},
         {welcome + Framed(net::Response{1, 1, "rubbish"}), "a message that cannot be read"},
@@ -383,7 +334,7 @@ TEST_F(Net, RubbishFromTheServerEndsTheConnectionAndNothingElse) {
     for (const auto& row : rows) {
         std::string error;
         Socket listener = Socket::Listen(0, error);
-        Terminal terminal(listener.Port(), "USER1");
+        Terminal terminal({listener.Port(), "none"}, "USER1");
         terminal.Send("any");
         Socket server;
         std::string_view left = row.bytes;

@@ -107,16 +107,16 @@ TEST_F(BookFlowTest, EveryLoginModeHearsWhatItsSubscriptionAndHistoryGive) {
     struct Row {
         int mode;
         int overview;
-        const char* heard; // of own, colleague's and stranger's orders
+        const char* heard; // of own, colleague's and stranger's orders: never of another firm
         const char* history;
     };
     const Row rows[] = {
         {0, 0, "own ", "own colleague "},
         {1, 0, "own colleague ", "own colleague "},
         {2, 0, "own colleague ", "own colleague "},
-        {3, 1, "own colleague stranger ", "own "},
+        {3, 1, "own colleague ", "own "},
         {3, 0, "own ", "own "},
-        {4, 1, "own colleague stranger ", "own "},
+        {4, 1, "own colleague ", "own "},
         {4, 0, "own ", "own "},
         {7, 1, "own ", "own "},
     };

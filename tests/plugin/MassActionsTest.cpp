@@ -19,7 +19,7 @@ protected:
     MassActionsTest() {
         EXPECT_EQ(net.Listen(0), "");
         client = std::make_unique<vesk::RxClient>(
-            std::make_unique<vesk::TcpChannel>(vesk::ServerAddress{"localhost", net.Port()}), own);
+            std::make_unique<vesk::TcpChannel>(vesk::ServerAddress{"localhost", net.Port()}, ""), own);
         book = std::make_unique<OrderBook>(session, view,
                                            BookControls{client->Get(kRxRequests, &line),
                                                         client->Get(kRxIdentityStream, &line),

@@ -37,13 +37,13 @@ await() {
 start_server() {
     rm -f "$out/server.txt"
     WINE_CONSOLE=1 "$scripts/../../cmake/wine.sh" "$dist/veskserver.exe" --port "$1" \
-        --data "Z:$(realpath "$dist/data")" --journal "Z:$out/journal" <"$out/input" >"$out/server.txt" 2>&1 &
+        --data "Z:$(realpath "$dist/data")" --journal "Z:$out/journal" --allow-commands <"$out/input" >"$out/server.txt" 2>&1 &
     await "the server" "$out/server.txt"
 }
 # play SCRIPT
 play() {
     sed "s/@SERVER@/localhost:$port/" "$scripts/$1.script" >"$played/$1.script"
-    PLAY_OPTIONS="--server localhost:$port" "$scripts/play.sh" "$dist" "$played/$1.script" "$out"
+    PLAY_OPTIONS="--server localhost:$port --secrets Z:$out/journal.secrets" "$scripts/play.sh" "$dist" "$played/$1.script" "$out"
 }
 
 # The end of its input would end the server.

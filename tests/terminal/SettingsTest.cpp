@@ -106,13 +106,15 @@ TEST_F(TerminalFolder, RunsWithoutWhatIsMissing) {
 }
 
 TEST(CommandLine, ReadsOptions) {
-    const std::string words[] = {"--script", "a.script", "--log", "out log.txt", "--server", "localhost:7040"};
+    const std::string words[] = {"--script", "a.script", "--log", "out log.txt", "--server", "localhost:7040",
+                                 "--secrets", "s"};
     const StartOptions options = ParseCommandLine(words);
     EXPECT_EQ(options.scriptFile, "a.script");
     EXPECT_EQ(options.logFile, "out log.txt");
     EXPECT_EQ(options.journal, "");
     EXPECT_EQ(options.serverHost, "localhost");
     EXPECT_EQ(options.serverPort, 7040);
+    EXPECT_EQ(options.secretsFile, "s");
     EXPECT_EQ(options.fault, "");
     const struct {
         std::vector<std::string> words;

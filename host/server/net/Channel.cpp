@@ -10,6 +10,13 @@ constexpr const char* kEnded = "the server has ended the connection";
 
 } // namespace
 
+Loaded<std::string> TcpChannel::Secret(const std::string& loginId) const {
+    const Loaded<Logins> logins = Logins::Load(m_secretsFile);
+    if (!logins) return logins.Fault();
+    if (const Login* login = logins.Value().Find(loginId)) return login->secret;
+    return FileFault{std::string(FileNameOf(m_secretsFile)), 0, "no secret of " + loginId};
+}
+
 std::string TcpChannel::Open() {
     std::string error;
     m_socket = Socket::Connect(m_address.host, m_address.port, error);

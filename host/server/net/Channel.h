@@ -4,6 +4,7 @@
 // can be opened again after that.
 #pragma once
 
+#include "host/files/Files.h"
 #include "host/server/net/ServerSession.h"
 #include "host/server/net/Socket.h"
 
@@ -28,6 +29,8 @@ public:
     virtual std::string Name() const = 0;
     // Whether the frames have checksums, both ways.
     virtual Checksum Sums() const = 0;
+    // What proves the login to a server that asks for it.
+    virtual Loaded<std::string> Secret(const std::string& loginId) const = 0;
     // Begins a connection. Why it cannot; empty when it is under way.
     virtual std::string Open() = 0;
     virtual void Close() = 0;
@@ -48,10 +51,13 @@ struct ServerAddress {
 // A server in another process.
 class TcpChannel final : public Channel {
 public:
-    explicit TcpChannel(ServerAddress address) : m_address(std::move(address)) {}
+    // The file of secrets is read for each connection: it may come later than the terminal.
+    TcpChannel(ServerAddress address, std::string secretsFile)
+        : m_address(std::move(address)), m_secretsFile(std::move(secretsFile)) {}
 
     std::string Name() const override { return m_address.host + ":" + std::to_string(m_address.port); }
     Checksum Sums() const override { return Checksum::crc32; }
+    Loaded<std::string> Secret(const std::string& loginId) const override;
     std::string Open() override;
     void Close() override { m_socket = {}; }
     void Leave() override;
@@ -62,6 +68,7 @@ private:
     Transfer Receive(FrameReader& reader);
 
     const ServerAddress m_address;
+    const std::string m_secretsFile;
     Socket m_socket;
 };
 
@@ -72,6 +79,7 @@ public:
 
     std::string Name() const override { return "the embedded server"; }
     Checksum Sums() const override { return Checksum::none; }
+    Loaded<std::string> Secret(const std::string&) const override { return std::string(); }
     std::string Open() override;
     void Close() override { m_session.reset(); }
     Exchanged Exchange(std::string_view& output, FrameReader* reader, std::int64_t nowMs) override;

@@ -37,6 +37,7 @@ enum class FrameType : std::uint8_t {
     command,     // from the terminal
     commandDone, // from the server
     state,       // from the server
+    challenge,   // from the server
     end,         // no type: the first number without a meaning
 };
 

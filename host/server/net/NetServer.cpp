@@ -5,11 +5,13 @@
 #include <chrono>
 #include <exception>
 #include <limits>
+#include <utility>
 
 namespace vesk {
 namespace {
 
 constexpr std::size_t kMostConnections = 256;
+constexpr std::size_t kMostAccepted = 64; // of a turn: those that are there come first
 
 } // namespace
 
@@ -29,7 +31,7 @@ std::string NetServer::Listen(std::uint16_t port) {
 }
 
 void NetServer::Turn(int timeoutMs) {
-    std::vector<SocketEvents> waiting{{&m_listener, m_connections.size() < kMostConnections}};
+    std::vector<SocketEvents> waiting{{&m_listener, HasPlace() || FindYielding()}};
     for (Connection& connection : m_connections)
         if (connection.socket)
             waiting.push_back(
@@ -72,10 +74,29 @@ bool NetServer::IsBehind() const {
     return std::ranges::any_of(m_connections, [](const Connection& one) { return one.session.IsBehind(); });
 }
 
+bool NetServer::HasPlace() const {
+    return m_connections.size() < kMostConnections;
+}
+
+// The oldest of those that yield most readily.
+NetServer::Connection* NetServer::FindYielding() {
+    const std::int64_t now = SteadyMs();
+    const auto found = std::ranges::max_element(
+        m_connections, {}, [now](const Connection& one) { return one.session.Yields(now); });
+    return found == m_connections.end() || found->session.Yields(now) == Yielding::never ? nullptr : &*found;
+}
+
 void NetServer::Accept() {
-    while (m_connections.size() < kMostConnections) {
+    for (std::size_t i = 0; i < kMostAccepted; ++i) {
+        Connection* yielding = HasPlace() ? nullptr : FindYielding();
+        if (!HasPlace() && !yielding) return;
         Socket socket = m_listener.Accept();
         if (!socket) return;
+        if (yielding) {
+            yielding->session.YieldPlace();
+            Send(*yielding);
+            DropEnded();
+        }
         m_connections.emplace_back(std::move(socket), *this);
     }
 }
@@ -85,7 +106,7 @@ void NetServer::Do(Connection& connection, Work work) {
     try {
         work();
     } catch (const std::exception& fault) {
-        m_log(connection.session.Name() + ": " + fault.what());
+        Note(connection.session.Name() + ": " + fault.what());
         connection.isGone = true;
     }
 }
@@ -137,10 +158,26 @@ void NetServer::Send(Connection& connection) {
     if (transfer == Transfer::ended) connection.isGone = true;
 }
 
+// Strangers come as fast as they can: they get a line a second.
+void NetServer::NoteEnd(const ServerSession& session) {
+    constexpr std::int64_t pauseMs = 1000;
+    std::string line = session.Name() + " is cut off: " + session.EndReason();
+    if (session.IsStranger()) {
+        if (SteadyMs() - m_strangerNotedMs < pauseMs) return void(++m_unnoted);
+        m_strangerNotedMs = SteadyMs();
+        if (m_unnoted > 0) line += " (" + std::to_string(std::exchange(m_unnoted, 0)) + " others before)";
+    }
+    Note(line);
+}
+
+void NetServer::Note(const std::string& line) {
+    m_log(Printable(line));
+}
+
 void NetServer::DropEnded() {
     for (auto at = m_connections.begin(); at != m_connections.end();) {
         ServerSession& session = at->session;
-        if (session.HasEnded() && at->socket) m_log(session.Name() + " is cut off: " + session.EndReason());
+        if (session.HasEnded() && at->socket) NoteEnd(session);
         if (session.HasEnded() || at->isGone) {
             at->isGone = true;
             at->socket = {};

@@ -5,6 +5,8 @@
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
+// When there is no place for a new one, a stranger goes for it, and else who wants nothing for a while.
+//
 // What a terminal has asked for is done although its connection is over.
 //
 // Lifetime: server and commands outlive it. Failure: a fault of one connection ends that connection, with a
@@ -56,6 +58,9 @@ private:
 
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
+    // Whose place a new one may have; null when all are needed.
+    Connection* FindYielding();
+    bool HasPlace() const;
     void Accept();
     // A fault ends the connection.
     template <class Work>
@@ -67,10 +72,14 @@ private:
     void ReceiveRest(Connection& connection);
     void Send(Connection& connection);
     void DropEnded();
+    void NoteEnd(const ServerSession& session);
+    void Note(const std::string& line);
 
     Server& m_server;
     ServerCommands& m_commands;
     Log m_log;
+    std::int64_t m_strangerNotedMs = 0; // last
+    std::size_t m_unnoted = 0;          // strangers since
     SessionLimits m_limits;
     Socket m_listener;
     std::list<Connection> m_connections;

@@ -1,5 +1,6 @@
-// What terminal and server say to each other, a frame each. The terminal begins with a hello, the server
-// answers with a welcome or a refusal; after a refusal the connection ends.
+// What terminal and server say to each other, a frame each. The server begins with a challenge, the terminal
+// answers it with a hello, and the server that with a welcome or a refusal; after a refusal the connection
+// ends.
 //
 // A terminal numbers its controls and its requests. A request has any number of answers, told to be over by its
 // "done". A subscription is made at once; one that cannot be is told by "unsubscribed". A command is answered
@@ -28,7 +29,7 @@ using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
 
 namespace vesk::net {
 
-inline constexpr std::uint32_t kProtocolVersion = 2;
+inline constexpr std::uint32_t kProtocolVersion = 3;
 
 // What a terminal sends is short.
 inline constexpr std::size_t kLongestRequest = std::size_t{32} * 1024;       // the message's bytes
@@ -43,7 +44,10 @@ struct Hello {
     // The same on every connection of a terminal, and of no other: with the number it is the name of a request
     // that is sent again.
     std::uint64_t terminal = 0;
-    void Each(auto&& field) { field(version), field(loginId), field(peerIdA), field(peerIdB), field(terminal); }
+    std::string proof{}; // of all this and the nonce; empty where the server asks for none
+    void Each(auto&& field) {
+        field(version), field(loginId), field(peerIdA), field(peerIdB), field(terminal), field(proof);
+    }
 };
 struct OpenControl {
     static constexpr FrameType kType = FrameType::openControl;
@@ -74,6 +78,12 @@ struct Stop {
     static constexpr FrameType kType = FrameType::stop;
     std::uint32_t control = 0;
     void Each(auto&& field) { field(control); }
+};
+struct Challenge {
+    static constexpr FrameType kType = FrameType::challenge;
+    std::uint32_t version = kProtocolVersion;
+    std::string nonce; // another one on each connection; empty: who comes need not prove himself
+    void Each(auto&& field) { field(version), field(nonce); }
 };
 struct Welcome {
     static constexpr FrameType kType = FrameType::welcome;

@@ -1,3 +1,4 @@
+#include "host/server/net/Proof.h"
 #include "host/server/net/RxClientControl.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ struct RxClient::Step {
     bool (RxClient::*take)(std::string_view payload); // false: it cannot be read
 };
 const RxClient::Step RxClient::kSteps[] = {
+    {FrameType::challenge, &RxClient::TakeAs<net::Challenge>},
     {FrameType::welcome, &RxClient::TakeAs<net::Welcome>},
     {FrameType::connectionRefused, &RxClient::TakeAs<net::ConnectionRefused>},
     {FrameType::response, &RxClient::TakeAs<net::Response>},
@@ -186,9 +188,8 @@ void RxClient::Connect() {
     m_sent = 0;
     if (const std::string error = m_channel->Open(); !error.empty()) return Lose(error);
     m_againAtMs = m_nowMs + kConnectMs;
+    m_isChallenged = false;
     Change(LinkState::connecting, "connecting to " + m_channel->Name());
-    const net::Hello hello{net::kProtocolVersion, m_user.loginId, m_user.peerIdA, m_user.peerIdB, m_identity};
-    static_cast<void>(net::Append(m_output, hello, m_channel->Sums()));
 }
 
 bool RxClient::HasRoom() const {
@@ -222,8 +223,10 @@ void RxClient::TakeFrames() {
 void RxClient::Take(const Frame& frame) {
     const auto step = std::ranges::find(kSteps, frame.type, &Step::type);
     if (step == std::end(kSteps)) return Lose("a frame that a terminal sends");
-    const bool isGreeting = frame.type == FrameType::welcome || frame.type == FrameType::connectionRefused;
-    if (m_state == LinkState::connecting && !isGreeting) return Lose("a server welcomes first");
+    const bool isGreeting = frame.type == (m_isChallenged ? FrameType::welcome : FrameType::challenge)
+                            || frame.type == FrameType::connectionRefused;
+    if (m_state == LinkState::connecting && !isGreeting)
+        return Lose(m_isChallenged ? "a server welcomes first" : "a server challenges first");
     if (!(this->*step->take)(frame.payload)) Lose("a frame that cannot be read");
 }
 
@@ -232,6 +235,19 @@ bool RxClient::TakeAs(std::string_view payload) {
     auto said = net::Read<Said>(payload);
     if (said) On(std::move(*said));
     return said.has_value();
+}
+
+void RxClient::On(const net::Challenge& said) {
+    if (std::exchange(m_isChallenged, true)) return Lose("a second challenge");
+    if (said.version != net::kProtocolVersion)
+        return Lose("the server speaks version " + std::to_string(said.version));
+    net::Hello hello{net::kProtocolVersion, m_user.loginId, m_user.peerIdA, m_user.peerIdB, m_identity};
+    if (!said.nonce.empty()) {
+        const Loaded<std::string> secret = m_channel->Secret(m_user.loginId);
+        if (!secret) return Lose("the server asks for a proof: " + secret.Fault().Text());
+        hello.proof = ProofOf(secret.Value(), said.nonce, hello);
+    }
+    static_cast<void>(net::Append(m_output, std::move(hello), m_channel->Sums()));
 }
 
 void RxClient::On(const net::Welcome& said) {
@@ -249,7 +265,7 @@ void RxClient::On(const net::Welcome& said) {
 }
 
 void RxClient::On(const net::ConnectionRefused& said) {
-    Lose("the server refuses: " + said.text);
+    Lose("the server refuses: " + Printable(said.text));
 }
 
 void RxClient::On(net::Response&& said) {
@@ -288,13 +304,13 @@ void RxClient::Keep(Delivery delivery) {
 void RxClient::On(const net::Unsubscribed& said) {
     const auto found = m_controls.find(said.control);
     if (found != m_controls.end()) found->second->Forget();
-    Change(m_state, "a subscription was refused: " + said.text);
+    Change(m_state, "a subscription was refused: " + Printable(said.text));
 }
 
 void RxClient::On(net::CommandDone&& said) {
     auto found = m_commands.extract(said.number);
     if (found.empty()) return Lose("the answer of a command that nobody gave");
-    TellLater(std::move(found.mapped()), {said.isDone, std::move(said.text)});
+    TellLater(std::move(found.mapped()), {said.isDone, Printable(said.text)});
 }
 
 void RxClient::On(net::ServerState&& said) {

@@ -110,6 +110,7 @@ private:
 
     template <class Said>
     bool TakeAs(std::string_view payload);
+    void On(const net::Challenge& said);
     void On(const net::Welcome& said);
     void On(const net::ConnectionRefused& said);
     void On(net::Response&& said);
@@ -157,6 +158,7 @@ private:
     std::int64_t m_nowMs = 0;
     std::int64_t m_againAtMs = 0; // when to connect, or to give up connecting
     std::int64_t m_pauseMs = 0;
+    bool m_isChallenged = false; // on this connection
     bool m_wasConnected = false;
     std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
     std::map<std::uint64_t, Unanswered> m_requests;

@@ -1,5 +1,6 @@
 #include "host/server/net/ServerSession.h"
 
+#include "host/server/net/Proof.h"
 #include "host/server/schedule/Schedule.h"
 #include "sdk/RxControl.h"
 
@@ -12,10 +13,7 @@ namespace {
 
 constexpr std::size_t kMostControls = 1024;
 constexpr std::size_t kMostSubscriptions = 4096; // each is looked at for every update
-
-std::string_view Shortened(std::string_view text) {
-    return text.substr(0, kLongestText);
-}
+constexpr std::size_t kNonceBytes = 32;
 
 } // namespace
 
@@ -35,10 +33,13 @@ const ServerSession::Step ServerSession::kSteps[] = {
 
 ServerSession::ServerSession(Server& server, ServerCommands& commands, const SessionLimits& limits)
     : m_server(server), m_commands(commands), m_limits(limits),
-      m_reader(limits.checksum, net::kMostTerminalFrameBytes) {}
+      m_reader(limits.checksum, net::kMostTerminalFrameBytes),
+      m_nonce(limits.logins ? RandomBytes(kNonceBytes) : std::string()) {
+    Say(net::Challenge{net::kProtocolVersion, m_nonce});
+}
 
 void ServerSession::Take(std::string_view bytes, std::int64_t nowMs) {
-    m_nowMs = std::max(m_nowMs, nowMs);
+    m_nowMs = m_heardMs = std::max(m_nowMs, nowMs);
     m_reader.Add(bytes);
     while (!HasEnded()) {
         const auto frame = m_reader.Next();
@@ -65,12 +66,23 @@ void ServerSession::On(const net::Hello& said) {
         return Refuse("the server speaks version " + std::to_string(net::kProtocolVersion) + ", not "
                       + std::to_string(said.version));
     if (said.loginId.empty()) return Refuse("a terminal without a login");
+    if (!IsName(said.loginId) || !IsName(said.peerIdA) || !IsName(said.peerIdB))
+        return Refuse("a hello with a name that is none");
+    m_name = said.loginId;
+    if (!IsProven(said)) return Refuse("the login is unknown here, or its secret or firm is another");
     m_user = {said.loginId, said.peerIdA, said.peerIdB};
-    m_name = Shortened(said.loginId);
     m_terminal = std::to_string(said.terminal);
-    m_streams.emplace(m_server, m_user.loginId);
+    m_streams.emplace(m_server, m_user);
     Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Clock().Now())});
     TellState();
+}
+
+// An unknown login takes as long as a wrong secret.
+bool ServerSession::IsProven(const net::Hello& hello) const {
+    if (!m_limits.logins) return true;
+    const Login* login = m_limits.logins->Find(hello.loginId);
+    const bool isSigned = AreSame(ProofOf(login ? login->secret : m_nonce, m_nonce, hello), hello.proof);
+    return login && isSigned && login->user.peerIdA == hello.peerIdA && login->user.peerIdB == hello.peerIdB;
 }
 
 void ServerSession::On(const net::OpenControl& said) {
@@ -99,6 +111,9 @@ void ServerSession::On(net::ControlRequest&& said) {
 }
 
 void ServerSession::On(net::ServerCommand&& said) {
+    if (!m_limits.takesCommands)
+        return Say(net::CommandDone{said.number, false,
+                                    "The server takes no commands from terminals; --allow-commands lets it"});
     m_asked.Add(m_nowMs, std::move(said));
 }
 
@@ -108,8 +123,8 @@ void ServerSession::On(const net::Subscribe& said) {
         return Say(net::Unsubscribed{said.control, "there is no such stream control"});
     if (said.fields.size() > net::kMostSubscribedFields) return Refuse("a subscription to too much");
     if (m_streams->Subscriptions() >= kMostSubscriptions) return Refuse("too many subscriptions");
-    if (const char* fault = m_streams->Subscribe(said.control, said.fields, said.isRenewed))
-        return Say(net::Unsubscribed{said.control, fault});
+    if (std::string fault = m_streams->Subscribe(said.control, said.fields, said.isRenewed); !fault.empty())
+        Say(net::Unsubscribed{said.control, std::move(fault)});
 }
 
 void ServerSession::On(const net::Stop& said) {
@@ -135,7 +150,7 @@ void ServerSession::Leave() {
     if (std::exchange(m_hasLeft, true)) return;
     m_output.clear();
     m_queries.clear();
-    if (m_streams) m_streams.emplace(m_server, m_user.loginId); // subscribed to nothing
+    if (m_streams) m_streams.emplace(m_server, m_user); // subscribed to nothing
 }
 
 ServerSession::ToldState ServerSession::StateNow() const {
@@ -156,7 +171,16 @@ void ServerSession::TellState() {
 
 bool ServerSession::TakesInput() const {
     const std::size_t waiting = m_asked.Size() + m_queries.size() + (m_streams ? m_streams->CatchUps() : 0);
-    return !HasEnded() && m_asked.Bytes() < m_limits.requestBytes && waiting < m_limits.requests;
+    return !HasEnded() && HasRoom() && m_asked.Bytes() < m_limits.requestBytes && waiting < m_limits.requests;
+}
+
+Yielding ServerSession::Yields(std::int64_t nowMs) const {
+    if (HasEnded() || m_hasLeft) return Yielding::never;
+    if (IsStranger())
+        return m_beganMs && nowMs - *m_beganMs >= m_limits.graceMs ? Yielding::stranger : Yielding::never;
+    const bool wants =
+        m_streams->Subscriptions() > 0 || m_asked.Size() > 0 || !m_queries.empty() || Waiting() > 0;
+    return wants || nowMs - m_heardMs < m_limits.idleMs ? Yielding::never : Yielding::idle;
 }
 
 bool ServerSession::HasWork(std::int64_t nowMs) const {

@@ -10,6 +10,7 @@
 
 #include "host/server/ServerCommands.h"
 #include "host/server/net/AskedQueue.h"
+#include "host/server/net/Logins.h"
 #include "host/server/net/Streams.h"
 
 #include <cstdint>
@@ -28,17 +29,24 @@ struct SessionLimits {
     std::size_t streamBacklog = 20'000;         // updates that wait for room
     std::int64_t stalledMs = 30'000;            // without room
     std::int64_t greetingMs = 10'000;           // until it has said hello
+    std::int64_t graceMs = 250;                 // for which a stranger need not yield to another,
+    std::int64_t idleMs = 60'000;               // and a terminal that wants nothing
     std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
     std::size_t requestBytes = 8 * 1024 * 1024; // of these
     std::size_t turns = 64;                     // of one pump,
     std::chrono::milliseconds pumpTime{60'000}; // and how long it begins another one
     Checksum checksum = Checksum::crc32;        // of the frames, both ways
+    const Logins* logins = nullptr;             // who may come, and proves it; null: anybody
+    bool takesCommands = true;
 };
 
 // What has gone through.
 struct Traffic {
     std::size_t requests = 0, updates = 0;
 };
+
+// Whose place a new terminal may have, the most readily given one last.
+enum class Yielding { never, idle, stranger };
 
 class ServerSession {
 public:
@@ -67,6 +75,11 @@ public:
 
     // Since the last call.
     Traffic TakeTraffic() { return std::exchange(m_traffic, {}); }
+    bool IsStranger() const { return !m_streams; }
+    // A stranger has not said, or not proved, who it is; an idle one neither asks nor is subscribed to
+    // anything.
+    Yielding Yields(std::int64_t nowMs) const;
+    void YieldPlace() { Refuse("another terminal needs its place"); }
 
     // Its terminal is gone: nothing is said any more, but what was asked is still done, when it is due.
     void Leave();
@@ -111,6 +124,7 @@ private:
     void On(const net::Stop& said);
     void On(net::ServerCommand&& said);
 
+    bool IsProven(const net::Hello& hello) const;
     template <class Said>
     void Say(Said said);
     void Refuse(const std::string& text);
@@ -139,6 +153,7 @@ private:
     SessionLimits m_limits;
     FrameReader m_reader;
     std::string m_output;
+    const std::string m_nonce; // empty: nothing is to be proved
     std::string m_name = "a terminal";
     std::string m_endReason;
     bool m_hasLeft = false;
@@ -153,6 +168,7 @@ private:
     std::int64_t m_nowMs = 0;
     std::int64_t m_roomAtMs = 0; // when a pump began with room last
     std::optional<std::int64_t> m_beganMs{};
+    std::int64_t m_heardMs = 0; // of it last
     std::size_t m_streamed = 0; // updates that went out
     Traffic m_traffic;
     // How it takes a backlog, judged again and again.

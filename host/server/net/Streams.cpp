@@ -15,9 +15,15 @@ constexpr std::uint32_t kSubscriptionTags[] = {
 };
 
 // Fields by which a registration belongs to somebody.
-bool IsIdentity(std::uint32_t tag) {
-    return tag == tag::loginId || tag == tag::peerIdA || tag == tag::peerIdB;
-}
+struct Identity {
+    std::uint32_t tag;
+    std::string UserIdentity::*text;
+};
+constexpr Identity kIdentities[] = {
+    {tag::loginId, &UserIdentity::loginId},
+    {tag::peerIdA, &UserIdentity::peerIdA},
+    {tag::peerIdB, &UserIdentity::peerIdB},
+};
 
 } // namespace
 
@@ -32,28 +38,38 @@ const char* FaultOf(const Subscription& subscription, std::size_t others) {
     return nullptr;
 }
 
-bool Matches(const Subscription& subscription, const Registration& registration, std::string_view loginId) {
-    return std::ranges::all_of(subscription, [&](const auto& field) {
+bool IsForeign(const Subscription& subscription, const UserIdentity& user) {
+    return std::ranges::any_of(subscription, [&](const auto& field) {
         const auto& [tag, value] = field;
-        if (!value.empty()) return registration.Text(tag) == value;
-        return !IsIdentity(tag) || registration.Text(tag::loginId) == loginId;
+        const auto* own = std::ranges::find(kIdentities, tag, &Identity::tag);
+        return own != std::end(kIdentities) && !value.empty() && value != user.*own->text;
     });
 }
 
-Streams::Streams(Server& server, std::string loginId) : m_server(server), m_loginId(std::move(loginId)) {
+bool Matches(const Subscription& subscription, const Registration& registration, const UserIdentity& user) {
+    return MaySee(user, registration) && std::ranges::all_of(subscription, [&](const auto& field) {
+               const auto& [tag, value] = field;
+               if (!value.empty()) return registration.Text(tag) == value;
+               return std::ranges::count(kIdentities, tag, &Identity::tag) == 0
+                      || registration.Text(tag::loginId) == user.loginId;
+           });
+}
+
+Streams::Streams(Server& server, UserIdentity user) : m_server(server), m_user(std::move(user)) {
     m_server.AddListener(*this);
 }
 Streams::~Streams() {
     m_server.RemoveListener(*this);
 }
 
-const char* Streams::Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed) {
+std::string Streams::Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed) {
     const auto found = m_controls.find(control);
     if (const char* fault = FaultOf(subscription, found == m_controls.end() ? 0 : found->second.size()))
         return fault;
+    if (IsForeign(subscription, m_user)) return WrongUser().text;
     m_controls[control].push_back(subscription);
     if (isRenewed) m_catchUps.push_back({control, subscription, 0, m_server.Registrations().size()});
-    return nullptr;
+    return {};
 }
 
 void Streams::Stop(std::uint32_t control) {
@@ -82,7 +98,7 @@ std::optional<net::Update> Streams::NextMissed() {
     std::optional<net::Update> found;
     while (!found && missed.next < stop) {
         const Registration& registration = m_server.Registrations()[missed.next++];
-        if (!Matches(missed.fields, registration, m_loginId)) continue;
+        if (!Matches(missed.fields, registration, m_user)) continue;
         registration.AddTo(m_writer.Start());
         found = net::Update{missed.control, m_writer.Finish()};
     }
@@ -93,8 +109,8 @@ std::optional<net::Update> Streams::NextMissed() {
 void Streams::OnUpdate(const Registration& registration) {
     std::string bytes;
     for (const auto& [control, subscriptions] : m_controls) {
-        if (std::ranges::none_of(
-                subscriptions, [&](const Subscription& one) { return Matches(one, registration, m_loginId); }))
+        if (std::ranges::none_of(subscriptions,
+                                 [&](const Subscription& one) { return Matches(one, registration, m_user); }))
             continue;
         if (bytes.empty()) {
             registration.AddTo(m_writer.Start());

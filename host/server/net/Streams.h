@@ -21,17 +21,20 @@ inline constexpr std::size_t kMostSubscriptionFields = 16;
 
 // Why it cannot be made beside so many others of the same control; null when it can.
 const char* FaultOf(const Subscription& subscription, std::size_t others);
-bool Matches(const Subscription& subscription, const Registration& registration, std::string_view loginId);
+// Whether it asks for what belongs to another than the user.
+bool IsForeign(const Subscription& subscription, const UserIdentity& user);
+// Never what the user may not see.
+bool Matches(const Subscription& subscription, const Registration& registration, const UserIdentity& user);
 
 class Streams final : private UpdateListener {
 public:
-    Streams(Server& server, std::string loginId);
+    Streams(Server& server, UserIdentity user);
     Streams(const Streams&) = delete;
     Streams& operator=(const Streams&) = delete;
     ~Streams();
 
-    // Why it cannot; null when it is made. A renewed one gets what it may have missed.
-    const char* Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed);
+    // Why it cannot; empty when it is made. A renewed one gets what it may have missed.
+    std::string Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed);
     // Ends the control's subscriptions; what waits for it is dropped.
     void Stop(std::uint32_t control);
     std::size_t Subscriptions() const;
@@ -52,7 +55,7 @@ private:
     void OnUpdate(const Registration& registration) override;
 
     Server& m_server;
-    const std::string m_loginId;
+    const UserIdentity m_user;
     std::map<std::uint32_t, std::vector<Subscription>> m_controls; // that have one
     std::deque<net::Update> m_updates;
     std::deque<CatchUp> m_catchUps;

@@ -24,6 +24,7 @@ constexpr OptionRow<StartOptions> kOptions[] = {
     {"--user", ReadText<&StartOptions::userFolder>, "a path"},
     {"--journal", ReadText<&StartOptions::journal>, "a path"},
     {"--server", ReadServer, "HOST:PORT"},
+    {"--secrets", ReadText<&StartOptions::secretsFile>, "a path"},
     {"--script", ReadText<&StartOptions::scriptFile>, "a path"},
     {"--log", ReadText<&StartOptions::logFile>, "a path"},
     {"--out", ReadText<&StartOptions::outFolder>, "a path"},

@@ -19,10 +19,11 @@ struct StartOptions {
     std::string journal;    // the embedded server's file
     std::string serverHost; // of a server of its own instead; empty for the embedded one
     std::uint16_t serverPort = 0;
-    std::string scriptFile; // a session to play; empty for none
-    std::string logFile;    // what happened, line by line; empty for none
-    std::string outFolder;  // for screenshots
-    std::string fault;      // what is wrong with the command line; empty when nothing is
+    std::string secretsFile; // what proves the login to that server; empty: the one beside the journal
+    std::string scriptFile;  // a session to play; empty for none
+    std::string logFile;     // what happened, line by line; empty for none
+    std::string outFolder;   // for screenshots
+    std::string fault;       // what is wrong with the command line; empty when nothing is
 };
 
 // `words` are without the program's name.

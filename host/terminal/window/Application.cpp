@@ -27,6 +27,7 @@ StartOptions WithDefaults(StartOptions options) {
     settle(options.dataFolder, ProgramFolder() + "\\data");
     settle(options.userFolder, options.dataFolder + "\\user");
     settle(options.journal, options.dataFolder + "\\journal");
+    settle(options.secretsFile, SecretsBeside(options.journal));
     settle(options.outFolder, ".");
     std::error_code ignored; // a folder that cannot be made shows when the first file is written
     // Plug-ins build paths upon it and may change the current folder.
@@ -53,9 +54,9 @@ std::unique_ptr<ServerLink> LinkToServer(Application& application, std::vector<s
     const TerminalConfig& config = application.State().config;
     if (options.serverHost.empty())
         return std::make_unique<ServerLink>(application.State(), options.journal, std::move(events), notes);
-    return std::make_unique<ServerLink>(ServerAddress{options.serverHost, options.serverPort},
-                                        UserIdentity{config.loginId, config.peerIdA, config.peerIdB},
-                                        std::move(events));
+    return std::make_unique<ServerLink>(
+        ServerAddress{options.serverHost, options.serverPort}, options.secretsFile,
+        UserIdentity{config.loginId, config.peerIdA, config.peerIdB}, std::move(events));
 }
 
 // While it lasts, no other window of the program takes input.

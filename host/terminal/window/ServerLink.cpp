@@ -36,10 +36,11 @@ ServerLink::ServerLink(const TerminalState& state, const std::string& journalFil
         notes.push_back(ForScreen(opening.error) + "; there is no trading server");
 }
 
-ServerLink::ServerLink(const ServerAddress& address, UserIdentity user, LinkEvents events)
+ServerLink::ServerLink(const ServerAddress& address, const std::string& secretsFile, UserIdentity user,
+                       LinkEvents events)
     : m_name(address.host + ":" + std::to_string(address.port)),
       m_events(std::move(events)), m_status{m_name + " connecting"} {
-    Connect(std::make_unique<TcpChannel>(address), std::move(user));
+    Connect(std::make_unique<TcpChannel>(address, secretsFile), std::move(user));
 }
 
 void ServerLink::StartServer(const TerminalState& state, JournalOpening opening, ServerConfig config,

@@ -38,8 +38,9 @@ public:
     // its prices are asked for at every execution.
     ServerLink(const TerminalState& state, const std::string& journalFile, LinkEvents events,
                std::vector<std::string>& notes);
-    // Connects to a server of its own.
-    ServerLink(const ServerAddress& address, UserIdentity user, LinkEvents events);
+    // Connects to a server of its own, to which the file proves the user.
+    ServerLink(const ServerAddress& address, const std::string& secretsFile, UserIdentity user,
+               LinkEvents events);
     ServerLink(const ServerLink&) = delete;
     ServerLink& operator=(const ServerLink&) = delete;
     ~ServerLink() = default;

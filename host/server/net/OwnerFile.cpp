@@ -1,0 +1,102 @@
+#include "host/server/net/OwnerFile.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <aclapi.h>
+#include <array>
+#include <memory>
+#include <sddl.h>
+#include <string>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace vesk {
+
+#ifdef _WIN32
+namespace {
+
+struct FreeLocal {
+    void operator()(void* memory) const { LocalFree(memory); }
+};
+template <class T>
+using Local = std::unique_ptr<T, FreeLocal>;
+
+// Who runs this program, as access lists name him: "S-1-5-21-...".
+std::wstring NameOfUser() {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
+    alignas(TOKEN_USER) std::array<std::byte, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> user{};
+    DWORD size = 0;
+    wchar_t* name = nullptr;
+    if (GetTokenInformation(token, TokenUser, user.data(), static_cast<DWORD>(user.size()), &size))
+        ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, &name);
+    CloseHandle(token);
+    const Local<wchar_t> freed(name);
+    return name ? name : std::wstring();
+}
+
+Local<void> Described(const std::wstring& text) {
+    void* made = nullptr;
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &made, nullptr);
+    return Local<void>(made);
+}
+
+} // namespace
+
+bool MakeForOwner(const std::filesystem::path& path) {
+    const std::wstring user = NameOfUser();
+    // Nothing is inherited from the folder.
+    const Local<void> access = user.empty() ? nullptr : Described(L"O:" + user + L"D:P(A;;FA;;;" + user + L")");
+    if (!access) return false;
+    SECURITY_ATTRIBUTES attributes{sizeof attributes, access.get(), FALSE};
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, &attributes, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    CloseHandle(file);
+    return true;
+}
+
+// Everybody, all who are logged in, and all users of the machine are asked about: an access list can name
+// others.
+bool IsForOwner(const std::filesystem::path& path) {
+    ACL* list = nullptr;
+    void* descriptor = nullptr;
+    std::wstring name = path.wstring();
+    if (GetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                              nullptr, &descriptor)
+        != ERROR_SUCCESS)
+        return true;
+    const Local<void> freed(descriptor);
+    for (const WELL_KNOWN_SID_TYPE kind : {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid}) {
+        std::array<std::byte, SECURITY_MAX_SID_SIZE> who{};
+        DWORD size = static_cast<DWORD>(who.size());
+        TRUSTEE_W trustee{};
+        ACCESS_MASK rights = 0;
+        if (!CreateWellKnownSid(kind, nullptr, who.data(), &size)) continue;
+        BuildTrusteeWithSidW(&trustee, who.data());
+        if (!list
+            || (GetEffectiveRightsFromAclW(list, &trustee, &rights) == ERROR_SUCCESS
+                && (rights & FILE_READ_DATA) != 0))
+            return false;
+    }
+    return true;
+}
+#else
+bool MakeForOwner(const std::filesystem::path& path) {
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0) return false;
+    ::close(file);
+    return true;
+}
+
+bool IsForOwner(const std::filesystem::path& path) {
+    struct stat found {};
+    return ::stat(path.c_str(), &found) != 0 || (found.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
+#endif
+
+} // namespace vesk
