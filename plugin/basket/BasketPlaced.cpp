@@ -140,9 +140,9 @@ void BasketRuns::Place(Placed which) {
     auto placing = m_questions.Alone([&](Pass pass) {
         return std::make_shared<BasketPlacing>(
             pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
-            [this](Pass asking) -> std::optional<bool> {
+            [this](Pass asking, std::string_view question) -> std::optional<bool> {
                 if (!m_questions.MayAskFirst(m_goOn)) return std::nullopt;
-                return m_view.Ask(asking, kNoRecordQuestion);
+                return m_view.Ask(asking, question);
             },
             std::move(placed));
     });

@@ -86,16 +86,15 @@ void BasketPlacing::PreparePortion(Pass pass) {
         if (m_stopped || m_session.Ended()) return;
         if (portion[i].goesOut) recorded.push_back(Recorded(m_placed[m_next + i], portion[i]));
     }
-    auto places = m_session.record.Sending(recorded);
-    if (!places) {
-        const auto agreed = m_withoutRecord ? true : m_ask(pass);
+    m_waits = false;
+    const auto places = m_recording.Places(recorded, [&](std::string_view question) {
+        const std::optional<bool> agreed = m_ask(pass, question);
         m_waits = !agreed;
-        if (m_waits) return;
-        m_withoutRecord = *agreed;
-        m_stopped = m_stopped || !m_withoutRecord;
-        if (m_stopped || m_session.Ended()) return;
-        places = m_session.record.SendingUnwritten(recorded);
-    }
+        return agreed.value_or(false) && !m_stopped && !m_session.Ended();
+    });
+    if (m_waits) return;
+    m_stopped = m_stopped || !places;
+    if (!places) return;
     auto next = places->begin();
     for (Prepared& prepared : portion)
         if (prepared.goesOut) prepared.recorded = *next++;

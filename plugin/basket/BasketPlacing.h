@@ -27,9 +27,9 @@ public:
         RecordId record;
         int index; // among all rows of the list, by which the host knows it
     };
-    // Whether the dealer agrees that orders go out which the order record cannot take; none when that cannot be
-    // asked now.
-    using AskWithoutRecord = std::function<std::optional<bool>(Pass)>;
+    // Asks whether orders that the order record cannot take go out all the same; none when that cannot be asked
+    // now.
+    using AskWithoutRecord = std::function<std::optional<bool>(Pass, std::string_view question)>;
 
     // `placed` are rows in the list's order, of the file with this name. Rows and unanswered ones outlive it.
     BasketPlacing(Pass pass, Session& session, RxControl* control, BasketRows& rows, UnansweredRows& unanswered,
@@ -91,7 +91,7 @@ private:
     std::vector<RecordId> m_sent;
     KeptTexts m_failures;
     bool m_stopped = false;
-    bool m_withoutRecord = false; // the dealer agreed
+    BeforeSending m_recording{m_session.record};
     bool m_waits = false;
 };
 

@@ -115,13 +115,7 @@ void CBasketUpload::OnDestroyed() {
     m_progress.Destroy();
     m_check.Destroy();
     m_editing.Destroy();
-    m_ownSize = {};
-}
-
-SIZE CBasketUpload::WindowSize() const {
-    RECT place{};
-    GetWindowRect(Dialog::Handle(), &place);
-    return {place.right - place.left, place.bottom - place.top};
+    m_frame.Forget();
 }
 
 RECT CBasketUpload::PlaceOf(int control) const {
@@ -131,20 +125,13 @@ RECT CBasketUpload::PlaceOf(int control) const {
     return place;
 }
 
-// What the user has made the window larger by stays.
 void CBasketUpload::LayOut(UINT dpi) {
-    const bool normal = m_ownSize.cx && !IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle());
-    const SIZE before = normal ? WindowSize() : m_ownSize;
-    const SIZE larger{before.cx - m_ownSize.cx, before.cy - m_ownSize.cy};
-    m_ownSize = {};
-    DialogWindowOf::LayOut(dpi);
-    SetCaptionIcon(IDI_REPEAT);
-    m_listTop = PlaceOf(IDC_BASKET_LIST).top;
-    m_panel.FollowDpi();
-    if (!IsIconic(Dialog::Handle()) && !IsZoomed(Dialog::Handle())) {
-        m_ownSize = WindowSize();
-        framework::ResizeOnScreen(Dialog::Handle(), {m_ownSize.cx + larger.cx, m_ownSize.cy + larger.cy});
-    }
+    m_frame.Renew([&] {
+        DialogWindowOf::LayOut(dpi);
+        SetCaptionIcon(IDI_REPEAT);
+        m_listTop = PlaceOf(IDC_BASKET_LIST).top;
+        m_panel.FollowDpi();
+    });
     Item(IDC_BASKET_STATUS).SetFont(reinterpret_cast<HFONT>(Item(IDC_SUBMIT).Send(WM_GETFONT)));
     Arrange();
     ShowStatus();
@@ -182,13 +169,11 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
         return std::nullopt;
     case WM_SIZE:
         m_editing.Close();
-        if (m_ownSize.cx) Arrange();
+        if (m_frame.HasRoom()) Arrange();
         return std::nullopt;
-    case WM_GETMINMAXINFO: {
-        auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
-        if (m_ownSize.cx) limits.ptMinTrackSize = {m_ownSize.cx, m_ownSize.cy};
+    case WM_GETMINMAXINFO:
+        m_frame.SetLeastSize(lParam);
         return 0;
-    }
     case WM_TIMER:
         if (wParam != kStatusTimer) return std::nullopt;
         KillTimer(Dialog::Handle(), kStatusTimer);

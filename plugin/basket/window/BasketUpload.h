@@ -8,6 +8,7 @@
 #include "plugin/basket/window/BasketPanel.h"
 #include "plugin/basket/window/UnsentOrdersFile.h"
 #include "plugin/controls/window/DialogWindow.h"
+#include "plugin/controls/window/ListFrame.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/import/window/ImportDlg.h"
 #include "plugin/messaging/RxLink.h"
@@ -83,7 +84,6 @@ private:
     void OnContextMenu(HWND list, LPARAM position);
     bool HotKeyIsForRows() const;
     std::optional<LRESULT> OnListNotify(const NMHDR& notification);
-    SIZE WindowSize() const;
     RECT PlaceOf(int control) const; // in the client area
 
     Session& m_session;
@@ -102,7 +102,7 @@ private:
     RecordCommand m_recordCommand;
     ActivateOnEnter m_enter;
     RowMenu m_menu;
-    SIZE m_ownSize{};                            // of the window as the template has it, in its font
+    ListFrame m_frame{*this, IDC_BASKET_LIST};
     LONG m_listTop = 0;                          // pixels
     std::pair<std::size_t, std::size_t> m_marks; // rows that stand twice and that were sent, as drawn
     HCURSOR m_cursor = nullptr;                  // before the wait cursor

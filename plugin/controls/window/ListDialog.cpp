@@ -18,7 +18,7 @@ void CListDialog::OnInit() {
     const HWND list = Item(m_parts.list).Handle();
     m_list.Attach({list, m_parts.name, this, m_parts.columns.data(),
                    static_cast<std::int32_t>(m_parts.columns.size()), m_parts.firstCommand});
-    m_statusBar.Create(Handle(), m_parts.status, m_parts.name);
+    if (m_parts.status) m_statusBar.Create(Handle(), m_parts.status, m_parts.name);
     LayOut(Self().Dpi());
     ShowAllColumns(Handle(), list);
     KeepWindow(m_list);
@@ -29,17 +29,18 @@ void CListDialog::LayOut(UINT dpi) {
         Dialog::LayOut(dpi);
         SetCaptionIcon(m_parts.icon);
     });
-    Item(m_parts.status).SetFont(reinterpret_cast<HFONT>(Item(m_parts.button).Send(WM_GETFONT)));
+    if (m_parts.status)
+        Item(m_parts.status).SetFont(reinterpret_cast<HFONT>(Item(m_parts.button).Send(WM_GETFONT)));
     Arrange();
 }
 
 // The list takes what the line above and the status bar below leave.
 void CListDialog::Arrange() {
     if (!m_frame.HasRoom()) return;
+    if (!m_parts.status) return PlaceList(m_frame.Room(0));
     m_statusBar.Place();
-    const LONG status = framework::Window(m_statusBar.Handle()).ClientRect().bottom;
     ShowStatus();
-    PlaceList(m_frame.Room(status));
+    PlaceList(m_frame.Room(framework::Window(m_statusBar.Handle()).ClientRect().bottom));
 }
 
 void CListDialog::ShowStatus() {

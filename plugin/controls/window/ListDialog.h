@@ -1,5 +1,5 @@
-// A window that shows rows in a list between a line of controls and a status bar. While there are none, a
-// notice may stand on the list's background.
+// A window that shows rows in a list, mostly between a line of controls and a status bar. While there are none,
+// a notice may stand on the list's background.
 #pragma once
 
 #include "framework/Dialog.h"
@@ -19,9 +19,10 @@ class CListDialog : public framework::Dialog, private CListOwner {
 protected:
     struct Parts {
         int icon;
-        int list, notice, status; // identifiers
-        int button;               // one that is kButtonUnits wide, in the font of all
-        const char* name;         // under which what the user makes of list and window is remembered
+        int list;           // identifiers
+        int notice, status; // 0: none
+        int button;         // beside a status bar: one that is kButtonUnits wide, in the font of all
+        const char* name;   // under which what the user makes of list and window is remembered
         std::vector<KorvexColumn> columns;
         unsigned firstCommand; // of a hundred for the list's own menu entries
     };

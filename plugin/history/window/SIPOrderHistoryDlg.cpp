@@ -46,23 +46,16 @@ void CSIPOrderHistoryDlg::OnInit() {
     KeepWindow(m_list);
 }
 
-// What the user made the window larger than its template stays.
 void CSIPOrderHistoryDlg::LayOut(UINT dpi) {
-    const RECT before = Self().ClientRect();
-    const bool normal = m_ownSize.cx && !IsIconic(Handle()) && !IsZoomed(Handle());
-    const SIZE larger = normal ? SIZE{before.right - m_ownSize.cx, before.bottom - m_ownSize.cy} : SIZE{};
-    m_ownSize = {}; // meanwhile the sizes belong neither to the old layout nor to the new one
-    Dialog::LayOut(dpi);
-    SetCaptionIcon(IDI_CALENDAR);
-    RememberPlaces();
-    const SIZE frame = FrameSize();
-    if (normal)
-        framework::ResizeOnScreen(Handle(),
-                                  {m_ownSize.cx + frame.cx + larger.cx, m_ownSize.cy + frame.cy + larger.cy});
+    m_frame.Renew([&] {
+        Dialog::LayOut(dpi);
+        SetCaptionIcon(IDI_CALENDAR);
+        RememberPlaces();
+    });
     Arrange();
 }
 
-// As the template has them; the margins are the list's.
+// As the template has them.
 void CSIPOrderHistoryDlg::RememberPlaces() {
     m_places.clear();
     for (HWND child = GetWindow(Handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
@@ -71,21 +64,11 @@ void CSIPOrderHistoryDlg::RememberPlaces() {
         MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&place), 2);
     }
     m_places.erase(IDC_HISTORY_SPLITTER);
-    const RECT& list = m_places[IDC_HISTORY_LIST];
-    const RECT& chart = m_places[IDC_HISTORY_CHART];
-    m_ownSize = {chart.right + list.left, chart.bottom + list.top};
-}
-
-SIZE CSIPOrderHistoryDlg::FrameSize() const {
-    RECT window{};
-    GetWindowRect(Handle(), &window);
-    const RECT client = Self().ClientRect();
-    return {window.right - window.left - client.right, window.bottom - window.top - client.bottom};
 }
 
 // The list, and below the bar the details and the chart, which takes what is left.
 void CSIPOrderHistoryDlg::Arrange() {
-    if (!m_ownSize.cx || !m_splitter.Handle() || IsIconic(Handle())) return;
+    if (!m_frame.HasRoom() || !m_splitter.Handle() || IsIconic(Handle())) return;
     // A control that moves onto another would take its picture along.
     const framework::RedrawHold hold(Handle());
     const RECT client = Self().ClientRect();
@@ -108,11 +91,7 @@ std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wPara
         Arrange();
         return 0;
     case WM_GETMINMAXINFO:
-        if (m_ownSize.cx && !IsIconic(Handle())) {
-            const SIZE frame = FrameSize();
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_ownSize.cx + frame.cx,
-                                                                     m_ownSize.cy + frame.cy};
-        }
+        m_frame.SetLeastSize(lParam);
         return 0;
     case WM_SYSCOLORCHANGE:
         return Item(IDC_HISTORY_LIST).Send(message);

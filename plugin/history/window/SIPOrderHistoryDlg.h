@@ -4,6 +4,7 @@
 
 #include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
+#include "plugin/controls/window/ListFrame.h"
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
@@ -35,7 +36,7 @@ private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
     void LayOut(UINT dpi) override;
     void OnInit() override;
-    void OnDestroyed() override { m_ownSize = {}; }
+    void OnDestroyed() override { m_frame.Forget(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
@@ -55,7 +56,6 @@ private:
     void RefreshChart();
     void Arrange();
     void RememberPlaces();
-    SIZE FrameSize() const;
     void FollowFocus() noexcept;
 
     Session& m_session;
@@ -66,8 +66,8 @@ private:
     CFlatSplitterWnd m_splitter; // between the list and what stands below
     RowMenu m_menu;
     HistoryChart m_chart;
-    bool m_chartIsOld = false;    // until it is painted
-    SIZE m_ownSize{};             // of the client area as the template says
+    bool m_chartIsOld = false; // until it is painted
+    ListFrame m_frame{*this, IDC_HISTORY_LIST};
     std::map<int, RECT> m_places; // of the controls in it
     bool m_listing = false;
 };
