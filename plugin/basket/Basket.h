@@ -1,13 +1,16 @@
-// What the basket's window decides without being one: the form, editing, export, what an answer changes, and
-// its runs and questions. The rows outlive the window: one closed by mistake has lost nothing when it is opened
-// again.
+// What the basket's window decides without being one, and what all that belongs to it has in common: the form,
+// the rows, what is asked. The rows outlive the window: one closed by mistake has lost nothing when it is
+// opened again.
 #pragma once
 
+#include "plugin/basket/BasketEntry.h"
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketGrid.h"
 #include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketReview.h"
 #include "plugin/basket/BasketRuns.h"
+#include "plugin/basket/BasketSaving.h"
+#include "plugin/basket/ComingOrders.h"
 #include "plugin/messaging/Answer.h"
 #include "plugin/record/OrderRecord.h"
 
@@ -20,12 +23,6 @@
 
 namespace planfold {
 
-// A row that was not registered, and why.
-struct BasketResult {
-    RecordId record;
-    std::string reason;
-};
-
 class Basket final : private RecordListener {
 public:
     // The window and its group of hot keys have this name.
@@ -37,7 +34,10 @@ public:
         : m_session(session), m_view(view), m_form(session, view, control, m_life),
           m_history(session.record, view, m_rows, m_rejected), m_questions(session, view, m_life),
           m_runs(session, view, control, m_questions, m_form, m_rows, m_rejected, m_history),
-          m_grid(session, view, m_questions, m_form, m_rows, m_rejected, m_history, m_runs) {
+          m_grid(session, view, m_questions, m_form, m_rows, m_rejected, m_history, m_runs),
+          m_entry(view, m_questions, m_form, m_rows, m_rejected, m_history, m_runs),
+          m_coming(session, view, m_rows, m_history, m_runs), m_outcome(session, view, m_rows),
+          m_saving(view, m_questions, m_rows, m_rejected, m_runs, m_outcome) {
         m_session.record.AddListener(*this);
     }
     Basket(const Basket&) = delete;
@@ -60,79 +60,26 @@ public:
     BasketRuns& Runs() { return m_runs; }
     BasketGrid& Grid() { return m_grid; }
     const BasketGrid& Grid() const { return m_grid; }
+    BasketEntry& Entry() { return m_entry; }
+    ComingOrders& Coming() { return m_coming; }
+    const BasketOutcome& Outcome() const { return m_outcome; }
+    BasketSaving& Saving() { return m_saving; }
 
-    void AddOrModify();
-    // A row was chosen for modification.
-    void Activate(RecordId record);
-    // A rejected line was chosen to be corrected in the form.
-    void ActivateRejected(std::size_t index);
     void Delete();
     // The last change of the basket is taken back, or made again.
     void Undo() { GoBack(&BasketHistory::Undo); }
     void Redo() { GoBack(&BasketHistory::Redo); }
     // What stands in the way of what the user wishes.
     void Tell(std::string_view text) { m_view.ShowLast(text); }
-    // Orders of the record that are proven not to be registered come back, to be placed again. How many of them
-    // stand in the basket.
-    std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders);
-    // Orders without tokens and serial numbers, as if they had been entered one by one. How many came in: the
-    // host does not know every scrip.
-    std::size_t Add(Pass pass, std::vector<sSipOrderData> orders);
     // Then the key arrives as the host's message, and not from the list.
     bool HostOwnsDeleteKey() const { return m_hostOwnsDeleteKey; }
-    void Export();
     // All that there is to say of the orders that were not sent; none while something else is under way.
     std::optional<std::vector<ReviewLine>> Check();
-    // The rejected lines as they were read, to be corrected and loaded again.
-    void SaveRejected();
-    // The same as a table with headings, and why each was rejected.
-    void SaveReasons();
-    // The rows that were not registered, as a basket's file.
-    void SaveResults();
-    // As a table with the list's headings: all rows, or those that were not registered.
-    void SaveTable(bool resultsOnly);
-
-    // What has become of the row, in words: "Registered SIP2611…", "Refused: ... (code 104)."
-    std::string StateText(RecordId record) const;
-    // "CL105 BASALTAGRO monthly 1500.00"
-    std::string Describe(RecordId record) const;
-    // In the order of the rows.
-    std::vector<BasketResult> Results() const;
-    // What the rows come to, a part of the status line each.
-    std::vector<std::string> Status() const;
-
     void OnResponse(void* message);
 
 private:
-    // The form as it is, and the row that it would be taken into.
-    struct Pressed {
-        SipOrderForm form;
-        std::int32_t row;
-
-        bool operator==(const Pressed&) const = default;
-    };
-    struct ComingOrder {
-        FormOrder order;
-        OrderPlace place; // of the record; kNoOrder for one that was never sent
-    };
-
-    // With what the host knows of its scrip; none when it does not know it.
-    std::optional<FormOrder> Complete(Pass pass, sSipOrderData order) const;
-    // One step of the history.
-    std::size_t TakeIn(const std::vector<ComingOrder>& orders);
-    void Save(const std::function<std::string()>& text);
-    Pressed Press() const;
-    void AddAgain();
     void GoBack(std::optional<std::string> (BasketHistory::*go)());
     void RegisterDeleteKey(Pass pass);
-    void LeaveModifyMode();
-    void TakeIn(const BasketTexts& texts);
-    void TellNotShown(int fields);
-    bool IsModifying() const;
-    // kNoRecord when it is no longer there.
-    RecordId RowToModify() const;
-    // When that is not the row that the form shows.
-    std::string OtherRowQuestion(RecordId selected) const;
     void HandleOperationMode(const Answer& answer) { m_form.OnOperationMode(answer); }
     void HandlePlaced(const Answer& answer);
     void OnOrder(OrderPlace place) override;
@@ -149,9 +96,10 @@ private:
     BasketQuestions m_questions;
     BasketRuns m_runs;
     BasketGrid m_grid;
-    const BasketQuestions::Act m_addAgain{[this] { AddAgain(); }, [this] { m_pressed = Press(); }};
-    Pressed m_pressed{};         // as it was when it had to wait
-    std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
+    BasketEntry m_entry;
+    ComingOrders m_coming;
+    BasketOutcome m_outcome;
+    BasketSaving m_saving;
     bool m_hostOwnsDeleteKey = false;
 };
 

@@ -3,10 +3,19 @@
 #include "plugin/base/Text.h"
 #include "plugin/record/OrderRecord.h"
 #include "plugin/resources/resource.h"
+#include "sdk/Tags.h"
 
 #include <utility>
 
 namespace planfold {
+
+namespace {
+
+const char* const kNothingToPlace[] = {"Please Select an Order", "Please Select an Order",
+                                       "No order of the basket waits to be placed.",
+                                       "The server has refused no order of the basket."};
+
+} // namespace
 
 void BasketRuns::LetPlace(bool may) {
     m_placeable = may;
@@ -204,6 +213,49 @@ std::size_t BasketRuns::Done() const {
 
 std::size_t BasketRuns::Total() const {
     return m_loading ? m_loading->Reading().Total() : m_placing->Total();
+}
+
+void BasketRuns::Place(Placed which) {
+    if (IsBusy()) return;
+    std::vector<BasketPlacing::Row> placed = m_choice.Meant(which);
+    if (placed.empty()) return m_view.ShowLast(kNothingToPlace[static_cast<std::size_t>(which)]);
+    if (which == Placed::all && !m_placeable) return;
+    if (!m_choice.MayPlace(placed, which, m_placeAgain[static_cast<std::size_t>(which)])) return;
+    m_placesPart = m_placeable && which != Placed::all;
+    LetPlace(false);
+    // Its first call to the host is made before it stands.
+    auto placing = m_questions.Alone([&](Pass pass) {
+        return std::make_shared<BasketPlacing>(
+            pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
+            [this](Pass asking, std::string_view question) -> std::optional<bool> {
+                if (!m_questions.MayAskFirst(m_goOn)) return std::nullopt;
+                return m_view.Ask(asking, question);
+            },
+            std::move(placed));
+    });
+    if (!placing) return LetPlace(true);
+    m_placing = std::move(*placing);
+    if (!KeepUnsent()) return;
+    RunFor(kFirstPortionMs);
+    if (IsUnderWay()) m_view.ShowRun();
+}
+
+OrderPlace BasketRuns::TakeAnswered(const Answer& answer) {
+    const std::string orderId = FieldText(answer.message, tag::orderId);
+    std::int64_t serial = 0;
+    int status = kFieldRead;
+    if (GetFieldNumber(answer.message, tag::echoedNumber, 0, serial, status))
+        if (const auto sent = m_unanswered.find(static_cast<std::int32_t>(serial));
+            sent != m_unanswered.end()) {
+            const OrderPlace place = sent->second;
+            const RecordedOrder& order = m_session.record.Ledger()[place];
+            const std::string_view sentId = order.Text(RecordField::orderId);
+            if (orderId.empty() || sentId.empty() || sentId == orderId) {
+                m_unanswered.erase(sent);
+                return place;
+            }
+        }
+    return PlaceOf(m_session, answer);
 }
 
 } // namespace planfold

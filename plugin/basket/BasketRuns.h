@@ -3,12 +3,10 @@
 #pragma once
 
 #include "plugin/base/LongRun.h"
+#include "plugin/basket/BasketChoice.h"
 #include "plugin/basket/BasketForm.h"
 #include "plugin/basket/BasketHistory.h"
 #include "plugin/basket/BasketLoading.h"
-#include "plugin/basket/BasketPlacing.h"
-#include "plugin/basket/BasketQuestions.h"
-#include "plugin/basket/DeskLimits.h"
 
 #include <memory>
 #include <string>
@@ -28,11 +26,9 @@ public:
     void Load();
     // As Load, of a file of any form, once its columns are settled.
     void Import();
-    // Which rows a placing is about.
-    enum class Placed { all, selected, unsent, refused };
+    using Placed = BasketChoice::Placed;
     void Place(Placed which = Placed::all);
-    // The desk's, as the settings have them now.
-    DeskLimits Limits() const;
+    DeskLimits Limits() const { return m_choice.Limits(); } // as the settings have them now
     // Says whether the rows may be placed; the place button shows it.
     void LetPlace(bool may);
     void ShowPlaceable();
@@ -70,12 +66,6 @@ private:
     void BeginLoading(const BeginReading& reading, BasketRules rules);
     void RunFor(std::int64_t milliseconds);
     void EndLoading();
-    // Those that are to be placed; none when that is not clear, or nothing is to be.
-    std::vector<BasketPlacing::Row> ChooseRows(Placed which);
-    bool LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which);
-    bool KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Placed which);
-    bool LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which);
-    const Act& PlaceAgain(Placed which) const { return m_placeAgain[static_cast<std::size_t>(which)]; }
     void EndPlacing();
     void OfferToRemove();
     // False when the window has gone meanwhile.
@@ -92,6 +82,7 @@ private:
     BasketRows& m_rows;
     RejectedLines& m_rejected; // of the last load
     BasketHistory& m_history;
+    BasketChoice m_choice{m_session, m_view, m_questions, m_rows};
     const Act m_offerAgain{[this] { OfferUnsent(); }};
     const Act m_loadAgain{[this] { LoadFile(); }};
     const Act m_importAgain{[this] { ImportFile(); }};

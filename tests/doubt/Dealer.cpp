@@ -329,7 +329,7 @@ private:
             if (const OrderPlace place = m_basket.Rows().OrderOf(row);
                 place != kNoOrder && m_basket.Rows().State(row) != RowStateOf(ledger[place].State())
                 && m_basket.Rows().State(row) != RowState::notPlaced)
-                Say("w a row shows another state: " + m_basket.StateText(row));
+                Say("w a row shows another state: " + m_basket.Outcome().StateText(row));
     }
 
     void OnOrder(OrderPlace place) override {
@@ -358,7 +358,7 @@ private:
     }
     void ShowOrdersOfDay(Pass) override {}
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) override {
-        return m_basket.TakeBack(pass, orders);
+        return m_basket.Coming().TakeBack(pass, orders);
     }
     void Hear(std::string_view text) {
         m_isCompared = m_isCompared || text.starts_with("Compared") || text.starts_with("No order");

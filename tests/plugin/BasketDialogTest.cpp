@@ -71,7 +71,7 @@ TEST_F(BasketDialogTest, TheFormIsCheckedInItsOwnOrder) {
         view.SetText(IDC_PERIOD, row.period);
         view.Select(IDC_INVEST_BY, row.byQuantity);
         host.exchangeAndToken = row.scrip;
-        basket.AddOrModify();
+        basket.Entry().AddOrModify();
         EXPECT_EQ(Taken(view.boxes), Texts{row.refusal});
     }
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled) << "also by a refused one";
@@ -92,54 +92,54 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(Rows(BasketField::sideWord), "SELL BUY BUY");
     EXPECT_EQ(Rows(BasketField::startDateText), "05/Mar/2027 05/Mar/2027 05/Mar/2027");
     EXPECT_EQ(Serials(), "3 2 1 ");
-    EXPECT_EQ(basket.Status(), (std::vector<std::string>{"Rows: 3", "SIP: amount 1500.50, quantity 0",
-                                                         "SWP: amount 0.00, quantity 7", ""}));
+    EXPECT_EQ(basket.Outcome().Status(), (std::vector<std::string>{"Rows: 3", "SIP: amount 1500.50, quantity 0",
+                                                                   "SWP: amount 0.00, quantity 7", ""}));
 
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     EXPECT_EQ(view.Text(IDC_SUBMIT) + view.Text(IDC_CLIENT_SEARCH) + view.Text(IDC_VALUE), "&ModifyC20.50");
     EXPECT_EQ(view.Text(IDC_ACTION) + view.Text(IDC_INVEST_BY), "SIPAmount");
     view.SetText(IDC_VALUE, "60");
     view.list.selected = {view.list.rows[1]};
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Rows(BasketField::amount), " 6000 150000");
     EXPECT_EQ(Serials(), "3 4 1 ") << "an answer to the earlier order no longer finds it";
     EXPECT_EQ(view.Text(IDC_SUBMIT) + view.Text(IDC_VALUE) + view.Text(IDC_PERIOD), "Add");
 
     // Of several selected rows, in whatever order a sort left them, the one that the form was filled from.
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     view.SetText(IDC_VALUE, "70");
     view.list.selected = {view.list.rows[2], view.list.rows[1]};
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Rows(BasketField::amount), " 7000 150000");
 
     // Another row was selected since: it is not replaced without a question.
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[0]};
     const std::string before = Rows(BasketField::account) + Serials();
     view.yes = false;
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Taken(view.questions).size(), 1u);
     EXPECT_EQ(Rows(BasketField::account) + Serials(), before);
     EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.yes = true;
 
     // The row that was to be modified is gone: no other is taken for it.
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[1]};
     basket.Delete();
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
     view.list.selected = {view.list.rows[1]};
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
 
     // What the form cannot show is told, and the button adds, also when it modified before.
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.controls[IDC_SYMBOL].items = {"BYTEFIN"};
     view.controls[IDC_PRODUCT].items = {};
-    basket.Activate(view.list.rows[0]);
+    basket.Entry().Activate(view.list.rows[0]);
     EXPECT_EQ(Taken(view.boxes), (Texts{"Failed to Load", "Failed to Load"}));
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
 }
@@ -162,7 +162,7 @@ TEST_F(BasketDialogTest, EveryFieldOfARowComesIntoTheForm) {
     const char* const shown[] = {"BSE EQ INFOCAR SWP MARKET MIS Quantity  9 weekly 13 C8 07/May/2028",
                                  "NSE BE LUMENBANK SIP MARKET CNC Amount 123.45  daily 12 C7 06/Apr/2027"};
     for (std::size_t row : {0, 1}) {
-        basket.Activate(view.list.rows.at(row));
+        basket.Entry().Activate(view.list.rows.at(row));
         std::string form;
         for (const int id :
              {IDC_EXCHANGE, IDC_SERIES, IDC_SYMBOL, IDC_ACTION, IDC_ORDER_TYPE, IDC_PRODUCT, IDC_INVEST_BY,
@@ -184,19 +184,19 @@ TEST_F(BasketDialogTest, TheFormAddsOnlyWhatItShows) {
     Fill();
     for (const auto& [combo, refusal] : choices) {
         const int before = std::exchange(view.controls[combo].selected, -1);
-        basket.AddOrModify();
+        basket.Entry().AddOrModify();
         EXPECT_EQ(Taken(view.boxes), Texts{refusal});
         EXPECT_EQ(view.focused, combo);
         view.controls[combo].selected = before;
     }
     view.SetText(IDC_PERIOD, "1,2");
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Invalid Period"});
     EXPECT_TRUE(view.list.rows.empty());
 
     // The scrip of a file's row is the one that is sent, whatever the file calls it.
     Load("C1,nse_cm,EQ,BYTEFIN,1013,ARBORTEX-EQ,CNC,150000,,daily,,05/Mar/2027,12,MKT,B,,,,value,\n");
-    basket.Activate(view.list.rows[0]);
+    basket.Entry().Activate(view.list.rows[0]);
     EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
     EXPECT_EQ(view.Text(IDC_SYMBOL) + view.Text(IDC_SUBMIT), "Add");
 }
@@ -231,27 +231,27 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
         Load(Line("C2", "9") + line + "x\n");
         Taken(view.boxes);
         view.date = {2031, 5, 6};
-        basket.ActivateRejected(1);
+        basket.Entry().ActivateRejected(1);
         EXPECT_EQ(Taken(view.boxes), Texts(each.failed, "Failed to Load")) << line;
         EXPECT_EQ(view.Text(each.control), each.shown) << line;
-        basket.AddOrModify();
+        basket.Entry().AddOrModify();
         EXPECT_EQ(Taken(view.boxes), each.refusal ? Texts{each.refusal} : Texts{}) << line;
         EXPECT_EQ(basket.Rejected().size(), each.refusal ? 3u : 2u) << line;
     }
     // Only the line that was brought into the form, and only once.
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(basket.Rejected().size(), 2u);
-    basket.ActivateRejected(0);
-    basket.Activate(view.list.rows[0]);
+    basket.Entry().ActivateRejected(0);
+    basket.Entry().Activate(view.list.rows[0]);
     view.list.selected = {view.list.rows[0]};
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     Add("C3");
     EXPECT_EQ(Rows(BasketField::account), "C3 C1 C1");
-    basket.SaveRejected();
+    basket.Saving().SaveRejected();
     EXPECT_EQ(view.files["basket.csv"], Line("C2", "9") + "x\n");
 
     // A line of the file before is none of the next one's.
-    basket.ActivateRejected(0);
+    basket.Entry().ActivateRejected(0);
     Load(Line("C2", "9") + "x\n");
     Add("C4");
     EXPECT_EQ(basket.Rejected().size(), 2u);
@@ -261,7 +261,7 @@ TEST_F(BasketDialogTest, ARejectedLineIsCorrectedInTheForm) {
     basket.OnClosed();
     view.ClearItems(IDC_FREQUENCY);
     basket.Initialise({});
-    basket.ActivateRejected(0);
+    basket.Entry().ActivateRejected(0);
     EXPECT_EQ(Taken(view.boxes), Texts{"Failed to Load"});
     Answer("echoedRequest=get_sip_operation_mode errorCode=5");
     EXPECT_EQ(view.Text(IDC_FREQUENCY), "monthly");
@@ -283,11 +283,11 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     EXPECT_EQ(view.titles, (Texts{" - Loading Basket. Please Wait.... ", ""}));
     EXPECT_EQ(view.waiting + view.list.changes, 0);
 
-    basket.SaveRejected();
+    basket.Saving().SaveRejected();
     EXPECT_EQ(view.files["basket.csv"], Line("C2", "9") + "x\n");
-    basket.ActivateRejected(0);
+    basket.Entry().ActivateRejected(0);
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + view.Text(IDC_SUBMIT), "C2Add");
-    basket.ActivateRejected(1);
+    basket.Entry().ActivateRejected(1);
     EXPECT_EQ(Taken(view.boxes), Texts{"The line does not have the columns of a basket file."});
 
     // Nothing is changed by a file that is not there or is no text, or when none is chosen.
@@ -317,7 +317,7 @@ TEST_F(BasketDialogTest, AFileBecomesRowsAndRejectedLines) {
     const std::string cut("x\0,y", 4);
     Load("\xEF\xBB\xBF" + cut + "\nz");
     EXPECT_EQ(basket.Rejected()[0].report, "x\nfailed to load due to Invalid Format");
-    basket.SaveRejected();
+    basket.Saving().SaveRejected();
     EXPECT_EQ(view.files["basket.csv"], cut + "\nz\n");
     Taken(view.boxes);
 
@@ -363,30 +363,30 @@ TEST_F(BasketDialogTest, AnswersFindTheirRowBySerialNumber) {
 
 TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
     Open();
-    basket.Export();
+    basket.Saving().Export();
     EXPECT_EQ(Taken(view.boxes), Texts{"No items in the list"});
     Load(Line("C1") + Line("C2"));
     view.list.hidden = 2;
-    EXPECT_EQ(basket.Status()[0], "Rows: 2 (2 hidden)");
-    basket.Export();
+    EXPECT_EQ(basket.Outcome().Status()[0], "Rows: 2 (2 hidden)");
+    basket.Saving().Export();
     EXPECT_EQ(Taken(view.boxes), Texts{"Exported to File Successfully"});
     basket.Runs().Load();
     EXPECT_EQ(Rows(BasketField::account), "C1 C2");
     view.writable = false;
-    basket.Export();
+    basket.Saving().Export();
     EXPECT_EQ(view.boxes, Texts{" Basket File Write Error: File Open Error"});
 }
 
 TEST_F(BasketDialogTest, RowsThatStandTwiceAreMarked) {
     Open();
     Load(Line("C1") + Line("C2") + Line("C1") + Line("C1"));
-    EXPECT_EQ(basket.Status()[3], "Twice: 3");
+    EXPECT_EQ(basket.Outcome().Status()[3], "Twice: 3");
     EXPECT_TRUE(basket.Rows().StandsTwice(view.list.rows[0]));
     EXPECT_FALSE(basket.Rows().StandsTwice(view.list.rows[2]));
     for (const char* left : {"Twice: 2", ""}) {
         view.list.selected = {view.list.rows[0]};
         basket.Delete();
-        EXPECT_EQ(basket.Status()[3], left);
+        EXPECT_EQ(basket.Outcome().Status()[3], left);
     }
 }
 

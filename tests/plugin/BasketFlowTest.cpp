@@ -101,7 +101,7 @@ protected:
         EXPECT_EQ(std::exchange(view.boxes, {}), Texts{});
     }
     std::string Exported() {
-        basket.Export();
+        basket.Saving().Export();
         EXPECT_EQ(std::exchange(view.boxes, {}), Texts{"Exported to File Successfully"});
         return view.files["basket.csv"];
     }
@@ -220,12 +220,12 @@ TEST_F(BasketFlowTest, LateAnswersReachOnlyTheRowsThatAreStillTheSameOrder) {
     view.list.selected = {sent[0]};
     basket.Delete();
     view.list.selected = {sent[1]};
-    basket.Activate(sent[1]);
+    basket.Entry().Activate(sent[1]);
     view.SetText(IDC_VALUE, "60");
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     view.SetText(IDC_VALUE, "70");
     view.SetText(IDC_PERIOD, "12");
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     ASSERT_EQ(view.boxes, Texts{});
     const RecordId added = view.list.rows[0];
     EXPECT_EQ(added, sent[0]) << "in the place of the one that was deleted";

@@ -25,7 +25,7 @@ protected:
     std::string State() const {
         std::string text;
         for (const RecordId row : view.list.rows) {
-            text += basket.StateText(row) + Format("|%d|", basket.Rows().LineOf(row));
+            text += basket.Outcome().StateText(row) + Format("|%d|", basket.Rows().LineOf(row));
             AppendBasketLine(basket.Rows()[row], text);
         }
         text += Format("totals %lld, twice %zu, sent %zu\n",
@@ -285,7 +285,7 @@ const SentWay kSentWays[] = {
          on.Load(Lines(3));
          const std::vector<sSipOrderData> orders = on.Orders();
          on.Load("");
-         on.basket.Add(kPass, orders);
+         on.basket.Coming().Add(kPass, orders);
          on.Place();
      }},
     {"StoppedAndRemoved", [](UndoOfSent& on) { on.Load(Lines(3)), on.PlaceTwo(true); }},
@@ -320,7 +320,7 @@ const SentWay kSentWays[] = {
                  on.session.record.Tell(place, event, {});
          on.Load("");
          const OrderPlace absent[] = {0, 1};
-         on.basket.TakeBack(kPass, absent);
+         on.basket.Coming().TakeBack(kPass, absent);
          on.Place(BasketRuns::Placed::unsent);
      }},
     {"RefusedAndPlacedAgain",
@@ -378,11 +378,11 @@ TEST_F(BasketGridTest, NothingIsTakenBackDuringARun) {
 
 TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
     Load("=cmd,\"x\"\n" + Line("+91"));
-    basket.SaveReasons();
+    basket.Saving().SaveReasons();
     EXPECT_NE(view.files["basket.csv"].find("Invest Type,Reason\n'=cmd,\"\"\"x\"\"\",,,"), std::string::npos)
         << view.files["basket.csv"];
     EXPECT_TRUE(view.files["basket.csv"].ends_with(",Invalid Format\n"));
-    basket.SaveTable(false);
+    basket.Saving().SaveTable(false);
     EXPECT_EQ(
         view.files["basket.csv"],
         "Client ID,Exchange,Series,Symbol,Product,Amount,Quantity,Frequency,Start Date,Total Period,Order Type,"

@@ -15,9 +15,9 @@ TEST_F(BasketPlacingTest, ALongLoadCanBeStopped) {
     EXPECT_TRUE(first > 0 && first < 1000);
     basket.Runs().Load(); // nothing begins meanwhile
     basket.Runs().Place();
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     basket.Delete();
-    basket.Export();
+    basket.Saving().Export();
     EXPECT_EQ(view.list.rows.size(), first);
     EXPECT_EQ(view.questions, Texts{});
     basket.Runs().Stop();
@@ -85,7 +85,8 @@ TEST_F(BasketPlacingTest, PlacingAsksTheHostFirstAndSendsRowByRow) {
               "NSE BUY SIP Order : Status : Trigger Pending CNC ARBORTEX-EQ at 1500.00 DAY monthly "
               "for period : 12 Months Client ID : C1 by DEALER1");
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Placed..!!"});
-    EXPECT_EQ(basket.Status()[3], "Sent 3: 0 registered, 0 refused, 0 in doubt  Waiting: 3  Not placed: 1");
+    EXPECT_EQ(basket.Outcome().Status()[3],
+              "Sent 3: 0 registered, 0 refused, 0 in doubt  Waiting: 3  Not placed: 1");
 
     // Pressed once more by whatever way, also in a window opened anew: nothing.
     basket.Runs().Place();
@@ -216,9 +217,9 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
     // Complete, and then one more; one that was changed is another order.
     Add("C9");
     view.list.selected = {view.list.rows[2]};
-    basket.Activate(view.list.rows[2]);
+    basket.Entry().Activate(view.list.rows[2]);
     view.SetText(IDC_VALUE, "20");
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(place(Choice::cancel), "");
     EXPECT_EQ(view.questions.size(), 1u);
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
@@ -228,7 +229,7 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
               1)
         << "by its place among all rows";
     EXPECT_EQ(Taken(view.boxes), (Texts{"Order Placed..!!", "Order Placed..!!"}));
-    basket.AddOrModify(); // refused, and enables the button
+    basket.Entry().AddOrModify(); // refused, and enables the button
     EXPECT_EQ(place(Choice::no), "");
     EXPECT_EQ(Taken(view.questions), Texts{"4 of the 4 orders have already been sent.\n\n"
                                            "Yes: place all 4, and so these again.\nNo: place none."});
@@ -236,10 +237,12 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
 
     // Loaded again, each is known by what it orders, as often as it was sent.
     Load(Line("C3") + Line("C8") + Line("C3") + Line("C3"));
-    EXPECT_EQ(basket.Status()[3], "Twice: 3  Sent 2: 0 registered, 0 refused, 0 in doubt  Waiting: 2");
+    EXPECT_EQ(basket.Outcome().Status()[3],
+              "Twice: 3  Sent 2: 0 registered, 0 refused, 0 in doubt  Waiting: 2");
     EXPECT_EQ(place(Choice::no), "C8");
-    EXPECT_EQ(view.questions[1], "1 like an order of today: C3 ARBORTEX-EQ monthly, sent at 15:30, no answer\n\n"
-                                 "Yes: place all 2.\nNo: place only the other 1.\nCancel: place none.");
+    EXPECT_EQ(view.questions[1],
+              "1 like an order of today: C3 ARBORTEX-EQ monthly, sent at 15:30, no answer\n\n"
+              "Yes: place all 2.\nNo: place only the other 1.\nCancel: place none.");
     std::string dearer = Line("C1");
     dearer.replace(dearer.find("150000"), 6, "160000");
     Load(Line("C1") + Line("C2", "1013", "qty") + dearer);
@@ -377,11 +380,11 @@ TEST_F(BasketPlacingTest, NothingIsDoneTwiceOrMixedUpInTheHostsHands) {
 
     Add("C2", "20");
     view.list.selected = {view.list.rows[1]};
-    host.duringScripFill = [&] { basket.Activate(view.list.rows[0]); };
-    basket.Activate(view.list.rows[1]);
+    host.duringScripFill = [&] { basket.Entry().Activate(view.list.rows[0]); };
+    basket.Entry().Activate(view.list.rows[1]);
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH) + " " + view.Text(IDC_VALUE), "C1 1500.00");
-    host.duringScripLookUp = [&] { basket.AddOrModify(); };
-    basket.AddOrModify();
+    host.duringScripLookUp = [&] { basket.Entry().AddOrModify(); };
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Rows(BasketField::account), "C2 C1") << "a second press does not add what the first modifies";
 
     // The rows that a stopped placing offers to remove cannot go under the box before.

@@ -31,7 +31,7 @@ protected:
     }
     void Add(const std::string& client, const std::string& amount = "1500") {
         Fill(client, amount);
-        basket.AddOrModify();
+        basket.Entry().AddOrModify();
     }
     void Load(const std::string& text) {
         view.files["basket.csv"] = text;

@@ -31,9 +31,9 @@ TEST_F(BasketUnsentTest, AreKeptWithEveryChange) {
     Add("C2");
     EXPECT_EQ(Kept(), "C1 C2");
     view.list.selected = {view.list.rows[1]};
-    basket.Activate(view.list.rows[1]);
+    basket.Entry().Activate(view.list.rows[1]);
     view.SetText(IDC_CLIENT_SEARCH, "C3");
-    basket.AddOrModify();
+    basket.Entry().AddOrModify();
     EXPECT_EQ(Kept(), "C3 C2");
     basket.Delete();
     EXPECT_EQ(Kept(), "C2");
@@ -82,7 +82,7 @@ TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
     EXPECT_EQ(Taken(view.questions), offer);
     EXPECT_EQ(Rows(BasketField::account), "C2 C1");
     EXPECT_EQ(Kept(), "C1 C2");
-    EXPECT_EQ(basket.Status()[3], "");
+    EXPECT_EQ(basket.Outcome().Status()[3], "");
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled);
     basket.Runs().OfferUnsent();
     EXPECT_EQ(view.questions.size() + view.boxes.size() + view.unsent.aside.size(), 0u) << "once";
@@ -113,7 +113,7 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
         another.Runs().OfferUnsent();
         Fill("C9");
         view.SelectText(IDC_FREQUENCY, "monthly");
-        another.AddOrModify();
+        another.Entry().AddOrModify();
         EXPECT_EQ(Kept(), row.kept);
         EXPECT_EQ(view.unsent.aside, Texts(row.saved, lines));
         EXPECT_EQ(Taken(view.boxes), row.saved ? told : Texts{});

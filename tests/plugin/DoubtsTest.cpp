@@ -48,7 +48,7 @@ protected:
     std::string States(const Basket& of) const {
         std::string text;
         for (const RecordId record : view.list.rows)
-            text.append(of.StateText(record)).push_back('|');
+            text.append(of.Outcome().StateText(record)).push_back('|');
         return text;
     }
     std::string IdOf(OrderPlace place) {
@@ -81,19 +81,19 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     Later(1);
     session.record.OnTime();
     EXPECT_EQ(States(basket), "Registered SIP9|In doubt: sent at 15:30, no answer|");
-    EXPECT_EQ(basket.Status()[3], "Sent 2: 1 registered, 0 refused, 1 in doubt");
+    EXPECT_EQ(basket.Outcome().Status()[3], "Sent 2: 1 registered, 0 refused, 1 in doubt");
 
     // A late answer ends the doubt.
     Answer("echoedRequest=add_sip_orders echoedNumber=1 errorCode=7 userText=no");
     EXPECT_EQ(States(basket), "Registered SIP9|Refused: no (code 7).|");
-    ASSERT_EQ(basket.Results().size(), 1u);
+    ASSERT_EQ(basket.Outcome().Results().size(), 1u);
 
     // Of an answer before the time, a single one and a broken one nothing follows.
     host.recordTime.second = 0;
     Place("345");
     Doubts doubts(session, told, [this] { return &control; });
     told.takeBack = [&](Pass pass, std::span<const OrderPlace> orders) {
-        return basket.TakeBack(pass, orders);
+        return basket.Coming().TakeBack(pass, orders);
     };
     session.record.OnSessionEnd();
     Tick(doubts, 20);

@@ -469,7 +469,7 @@ TEST_F(ImportFlow, RejectedLinesSavedWithReasonsAreMendedInASpreadsheet) {
     Open();
     Load(test::Line("=C1", "77") + test::Line("C2", "77", "qty"));
     ASSERT_EQ(basket.Rejected().size(), 2u);
-    basket.SaveReasons();
+    basket.Saving().SaveReasons();
     std::string table = view.files["basket.csv"];
     for (std::size_t at; (at = table.find(",77,")) != table.npos;)
         table.replace(at, 4, ",1013,");
@@ -508,7 +508,7 @@ TEST_F(ImportFlow, ImportedRowsComeInAsLoadedOnesDo) {
                                            "digits are lost");
     // As a basket's line it must not become a thousand rupees.
     EXPECT_EQ(basket.Rejected()[0].text, "C2,nse_cm,EQ,ARBORTEX,,,CNC,,,monthly,,05/Mar/2027,12,MKT,B,,,,, ,");
-    basket.ActivateRejected(0); // what could be read of it stands in the form
+    basket.Entry().ActivateRejected(0); // what could be read of it stands in the form
     EXPECT_EQ(view.Text(IDC_CLIENT_SEARCH), "C2");
 }
 

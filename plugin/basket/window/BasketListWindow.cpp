@@ -67,7 +67,7 @@ void BasketListWindow::CellTexts(const std::uint32_t* records, std::uint32_t cou
         const BasketField field = kBasketListColumns[column].field;
         for (std::uint32_t i = 0; i < count; ++i) {
             const std::string_view text = field == kStateOfRow
-                                              ? *m_states.insert(m_basket.StateText(records[i])).first
+                                              ? *m_states.insert(m_basket.Outcome().StateText(records[i])).first
                                               : m_cells.Text(m_rows[records[i]], field);
             texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
         }

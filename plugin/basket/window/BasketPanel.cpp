@@ -43,7 +43,7 @@ void BasketPanel::FollowDpi() {
 bool BasketPanel::Refresh() {
     const std::optional<bool> wasShown = m_wasShown;
     const bool hadResults = !m_results.empty();
-    m_results = m_basket.Results();
+    m_results = m_basket.Outcome().Results();
     const std::size_t rejected = m_basket.Rejected().size();
     Page page = m_page;
     if (rejected == 0 || (!hadResults && !m_results.empty())) page = Page::results;
@@ -170,7 +170,7 @@ std::string BasketPanel::CellText(std::size_t line, int column) const {
         if (column == kReasonColumn)
             text = result.reason;
         else if (column == kTextColumn)
-            text = m_basket.Describe(result.record);
+            text = m_basket.Outcome().Describe(result.record);
         else if (number > 0)
             text = std::to_string(number);
     }

@@ -50,12 +50,12 @@ struct Action {
     void (*act)(Basket& basket);
 };
 constexpr Action kActions[] = {
-    {IDC_SUBMIT, [](Basket& basket) { basket.AddOrModify(); }},
+    {IDC_SUBMIT, [](Basket& basket) { basket.Entry().AddOrModify(); }},
     {IDC_BASKET_LOAD, [](Basket& basket) { basket.Runs().Load(); }},
-    {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Export(); }},
+    {IDC_BASKET_EXPORT, [](Basket& basket) { basket.Saving().Export(); }},
     {IDC_BASKET_PLACE, [](Basket& basket) { basket.Runs().Place(); }},
     {kDeleteCommand, [](Basket& basket) { basket.Delete(); }},
-    {BasketEditing::kSaveTableCommand, [](Basket& basket) { basket.SaveTable(false); }},
+    {BasketEditing::kSaveTableCommand, [](Basket& basket) { basket.Saving().SaveTable(false); }},
     {kImportCommand, [](Basket& basket) { basket.Runs().Import(); }},
     {kPlaceSelectedCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::selected); }},
     {kPlaceUnsentCommand, [](Basket& basket) { basket.Runs().Place(BasketRuns::Placed::unsent); }},
@@ -80,7 +80,7 @@ void CBasketUpload::Open() {
 }
 
 void CBasketUpload::Add(Pass pass, std::vector<sSipOrderData> orders) {
-    const std::size_t count = orders.size(), added = m_basket.Add(pass, std::move(orders));
+    const std::size_t count = orders.size(), added = m_basket.Coming().Add(pass, std::move(orders));
     if (added < count && !m_session.Ended())
         ShowLast(
             Format("%zu of %zu orders are not in the basket: the terminal does not know their scrip, or the "
@@ -248,11 +248,11 @@ void CBasketUpload::OnButton(int button) {
     if (IsRecordCommand(button)) return Lifetime::Last([&](Pass pass) { m_recordCommand(pass, button); });
     const bool onResults = m_panel.Shown() == BasketPanel::Page::results;
     if (button == IDC_REJECTED_SAVE || button == BasketPanel::kSaveCommand)
-        return onResults ? m_basket.SaveResults() : m_basket.SaveRejected();
+        return onResults ? m_basket.Saving().SaveResults() : m_basket.Saving().SaveRejected();
     if (button == BasketPanel::kSaveReasonsCommand)
-        return onResults ? m_basket.SaveTable(true) : m_basket.SaveReasons();
+        return onResults ? m_basket.Saving().SaveTable(true) : m_basket.Saving().SaveReasons();
     if (button != BasketPanel::kOpenCommand) return;
-    if (!onResults) return m_basket.ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
+    if (!onResults) return m_basket.Entry().ActivateRejected(static_cast<std::size_t>(m_panel.FirstSelected()));
     const RecordId row = m_panel.RowOf(m_panel.FirstSelected());
     if (row != kNoRecord && !m_list.GoTo(row)) ShowLast("A filter of the list hides this row.");
 }
@@ -282,7 +282,7 @@ std::optional<LRESULT> CBasketUpload::OnListNotify(const NMHDR& notification) {
         CFilterListCtrl& list = m_list.Control();
         // A new row has the focus alone; what is modified is the selected row.
         if (m_list.FirstSelected() == kNoRecord && list.Focused() != kNoRecord) list.SelectOnly(list.Focused());
-        m_basket.Activate(m_list.FirstSelected());
+        m_basket.Entry().Activate(m_list.FirstSelected());
         return 0;
     }
     if (notification.code != LVN_KEYDOWN) return std::nullopt;
@@ -357,7 +357,7 @@ LONG CBasketUpload::LetterWidth() const {
 
 void CBasketUpload::ShowStatus() {
     if (!HasWindow()) return;
-    ShowParts(m_statusBar, m_basket.Status(), LetterWidth());
+    ShowParts(m_statusBar, m_basket.Outcome().Status(), LetterWidth());
     // A row that came or went may have changed the look of another.
     const BasketRows& rows = m_basket.Rows();
     const std::pair marks(rows.StandingTwice(), rows.SentCount());

@@ -31,7 +31,7 @@ public:
     void Open();
     // Into the open window; see Basket.
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) {
-        return m_basket.TakeBack(pass, orders);
+        return m_basket.Coming().TakeBack(pass, orders);
     }
     // The same of new orders; tells of those that it cannot take.
     void Add(Pass pass, std::vector<sSipOrderData> orders);

@@ -9,6 +9,7 @@
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
 #include "plugin/messaging/RxLink.h"
+#include "plugin/resources/resource.h"
 #include "sdk/korvex/FilterListCtrl.h"
 #include "sdk/korvex/FlatSplitterWnd.h"
 

@@ -1,8 +1,7 @@
-// Which rows of the basket are placed, and what is asked about them before.
+#include "plugin/basket/BasketChoice.h"
+
 #include "plugin/base/Text.h"
-#include "plugin/basket/BasketRuns.h"
 #include "plugin/orderentry/DuplicateGuard.h"
-#include "sdk/Tags.h"
 
 #include <algorithm>
 #include <set>
@@ -12,17 +11,13 @@ namespace planfold {
 
 namespace {
 
-const char* const kNothingToPlace[] = {"Please Select an Order", "Please Select an Order",
-                                       "No order of the basket waits to be placed.",
-                                       "The server has refused no order of the basket."};
-
 std::string All(std::size_t rows) {
     return rows == 1 ? "it" : Format("all %zu", rows);
 }
 
 } // namespace
 
-std::vector<BasketPlacing::Row> BasketRuns::ChooseRows(Placed which) {
+std::vector<BasketPlacing::Row> BasketChoice::Meant(Placed which) const {
     const BasketList& list = m_view.List();
     std::set<RecordId> selected;
     if (which == Placed::selected)
@@ -47,8 +42,7 @@ std::vector<BasketPlacing::Row> BasketRuns::ChooseRows(Placed which) {
     return placed;
 }
 
-// False when none is to be placed.
-bool BasketRuns::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which) {
+bool BasketChoice::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again) {
     if (which == Placed::refused) return true; // it is they that are meant
     const auto isSent = [&](const BasketPlacing::Row& row) { return m_rows.IsSent(row.record); };
     const std::size_t rows = placed.size();
@@ -65,13 +59,13 @@ bool BasketRuns::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed wh
     question += "\nYes: place " + All(rows) + (rows == 1 ? "" : ", and so these") + " again.\n";
     question += sent == rows ? "No: place none."
                              : Format("No: place only the other %zu.\nCancel: place none.", rows - sent);
-    const Choice choice = m_questions.Choose(question, PlaceAgain(which));
+    const Choice choice = m_questions.Choose(question, again);
     if (choice == Choice::no) std::erase_if(placed, isSent);
     return choice != Choice::cancel && !placed.empty();
 }
 
 // What was agreed to be sent again is not asked about twice. About what was refused nothing has been asked.
-bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which) {
+bool BasketChoice::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again) {
     DuplicateGuard guard(m_session);
     StartDates dates;
     std::set<RecordId> like;
@@ -85,19 +79,19 @@ bool BasketRuns::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed wh
     question += like.size() == rows
                     ? "No: place none."
                     : Format("No: place only the other %zu.\nCancel: place none.", rows - like.size());
-    const Choice choice = m_questions.Choose(question, PlaceAgain(which));
+    const Choice choice = m_questions.Choose(question, again);
     if (choice == Choice::no)
         std::erase_if(placed, [&](const BasketPlacing::Row& row) { return like.contains(row.record); });
     return choice != Choice::cancel && !placed.empty();
 }
 
-DeskLimits BasketRuns::Limits() const {
+DeskLimits BasketChoice::Limits() const {
     return DeskLimits([this](const std::string& key) { return m_view.DeskLimit(key); },
                       ToSeconds(m_view.Now()));
 }
 
 // What has a question of its own, as clients and doubles have, is no warning here.
-bool BasketRuns::KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Placed which) {
+bool BasketChoice::KeepsLimits(const std::vector<BasketPlacing::Row>& placed, const Act& again) {
     DeskLimits limits = Limits();
     std::size_t warnings = 0;
     KeptTexts hard;
@@ -118,57 +112,17 @@ bool BasketRuns::KeepsLimits(const std::vector<BasketPlacing::Row>& placed, Plac
     return warnings == 0
            || m_questions.Ask(
                Format("Warnings: %zu. \"Check\" (Alt+C) lists them.\nPlace the orders all the same?", warnings),
-               PlaceAgain(which));
+               again);
 }
 
-void BasketRuns::Place(Placed which) {
-    if (IsBusy()) return;
-    std::vector<BasketPlacing::Row> placed = ChooseRows(which);
-    if (placed.empty()) return m_view.ShowLast(kNothingToPlace[static_cast<std::size_t>(which)]);
-    if (which == Placed::all && !m_placeable) return;
-    if (!LeaveOutSent(placed, which)) return;
+bool BasketChoice::MayPlace(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again) {
+    if (!LeaveOutSent(placed, which, again)) return false;
     std::set<std::string> clients;
     for (const BasketPlacing::Row& row : placed)
         clients.emplace(m_rows[row.record].Text(BasketField::account));
-    if (!m_questions.AskAboutUnknown(clients, "Place their orders all the same?", PlaceAgain(which))
-        || !LeaveOutLike(placed, which) || !KeepsLimits(placed, which)
-        || !m_questions.Ask("Are you sure to place these Basket Orders?", PlaceAgain(which)))
-        return;
-    m_placesPart = m_placeable && which != Placed::all;
-    LetPlace(false);
-    // Its first call to the host is made before it stands.
-    auto placing = m_questions.Alone([&](Pass pass) {
-        return std::make_shared<BasketPlacing>(
-            pass, m_session, m_control, m_rows, m_unanswered, m_history.File(),
-            [this](Pass asking, std::string_view question) -> std::optional<bool> {
-                if (!m_questions.MayAskFirst(m_goOn)) return std::nullopt;
-                return m_view.Ask(asking, question);
-            },
-            std::move(placed));
-    });
-    if (!placing) return LetPlace(true);
-    m_placing = std::move(*placing);
-    if (!KeepUnsent()) return;
-    RunFor(kFirstPortionMs);
-    if (IsUnderWay()) m_view.ShowRun();
-}
-
-OrderPlace BasketRuns::TakeAnswered(const Answer& answer) {
-    const std::string orderId = FieldText(answer.message, tag::orderId);
-    std::int64_t serial = 0;
-    int status = kFieldRead;
-    if (GetFieldNumber(answer.message, tag::echoedNumber, 0, serial, status))
-        if (const auto sent = m_unanswered.find(static_cast<std::int32_t>(serial));
-            sent != m_unanswered.end()) {
-            const OrderPlace place = sent->second;
-            const RecordedOrder& order = m_session.record.Ledger()[place];
-            const std::string_view sentId = order.Text(RecordField::orderId);
-            if (orderId.empty() || sentId.empty() || sentId == orderId) {
-                m_unanswered.erase(sent);
-                return place;
-            }
-        }
-    return PlaceOf(m_session, answer);
+    return m_questions.AskAboutUnknown(clients, "Place their orders all the same?", again)
+           && LeaveOutLike(placed, which, again) && KeepsLimits(placed, again)
+           && m_questions.Ask("Are you sure to place these Basket Orders?", again);
 }
 
 } // namespace planfold
