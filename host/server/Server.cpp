@@ -81,13 +81,11 @@ struct Server::Handler {
 };
 const Server::Handler Server::kHandlers[] = {
     {"get_sip_operation_mode", &Server::AnswerOperationMode},
-    {"om_get_sip_orders", &Server::StartQuery<ReadListQuery>},
-    {"qry_eq_sip", &Server::StartQuery<ReadHistoryQuery>},
     {"calendar_add_restricted_dates", &Server::SetRestrictedDays},
     {"calendar_get_restricted_dates", &Server::AnswerRestrictedDays},
 };
 
-Server::Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
+Server::Server(ServerConfig config, vesk::Journal& journal, const std::vector<std::string_view>& records,
                ServerClock clock)
     : m_config(std::move(config)), m_journal(journal),
       m_clock(m_config, m_registrations, m_journal, std::move(clock)) {
@@ -119,7 +117,7 @@ std::string Server::Release() {
 }
 
 void Server::Undo() {
-    m_renewal.reset();
+    m_upkeep.Forget();
     m_registrations.Clear();
     m_clock.Clear();
     std::string text, error;
@@ -160,7 +158,7 @@ Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity&
                                     [&](const Handler& row) { return row.request == name; });
     if (found != std::end(kHandlers)) return (this->*found->handle)(request, user);
     if (const ChangeKind* kind = FindChange(name)) return ChangeRegistration(*kind, request, user, sentAs);
-    if (const ExecutionQuery* kind = FindExecutionQuery(name)) return StartExecutionQuery(*kind, request, user);
+    if (Queries::Has(name)) return StartQuery(name, request, user);
     return Refuse(request, {kCodeUnknownRequest, "The server does not know this request"});
 }
 
@@ -206,13 +204,10 @@ bool Server::IsSameOrder(void* request, const Registration& registration) const 
            && registration.Text(tag::startDate) == RecordDate(StartOf(request, m_clock));
 }
 
-std::optional<ServerRefusal> Server::FindNamed(void* request, const Registration*& found) const {
-    const std::string_view number = qmx::Text(request, tag::registrationNumber);
-    if (number.empty()) return MissingField("registration number");
-    found = Find(number);
-    if (found) return std::nullopt;
-    return ServerRefusal{kCodeUnknownNumber,
-                         "There is no registration " + std::string(number.substr(0, kLongestText))};
+Reply Server::StartQuery(std::string_view name, void* request, const UserIdentity& user) {
+    RowQuery query;
+    if (const auto refusal = m_queries.Start(name, request, user, query)) return Refuse(request, *refusal);
+    return {{}, std::move(query)};
 }
 
 Reply Server::SetRestrictedDays(void* request, const UserIdentity&) {
@@ -234,7 +229,7 @@ Reply Server::AnswerRestrictedDays(void* request, const UserIdentity&) {
 Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user,
                                  std::string_view sentAs) {
     const Registration* before = nullptr;
-    if (const auto refusal = FindNamed(request, before)) return Refuse(request, *refusal);
+    if (const auto refusal = FindNamed(m_registrations, request, before)) return Refuse(request, *refusal);
     if (before->Text(tag::loginId) != user.loginId) return Refuse(request, OtherUser());
     const std::string number(before->Number());
     if (const Registration* ordered = m_registrations.FindOrdered(tag::requestName, sentAs, user.loginId))
@@ -264,63 +259,6 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
     m_writer.Add(tag::userText, "SIP " + std::string(kind.done) + ". Registration No : " + number);
     m_writer.Add(tag::registrationNumber, number);
     return {{m_writer.Finish()}};
-}
-
-template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
-Reply Server::StartQuery(void* request, const UserIdentity& user) {
-    RowQuery query;
-    query.request = qmx::Text(request, tag::requestName);
-    if (const auto refusal = read(request, user, query)) return Refuse(request, *refusal);
-    query.end = m_registrations.Size();
-    return {{}, std::move(query)};
-}
-
-std::string Server::NextRow(RowQuery& query) {
-    return query.executions ? NextExecution(query) : NextRegistration(query);
-}
-
-std::string Server::NextRegistration(RowQuery& query) {
-    constexpr std::size_t mostLookedAt = 256;
-    query.end = std::min(query.end, m_registrations.Size());
-    const std::size_t stop = std::min(query.end, query.next + mostLookedAt);
-    const Registration* found = nullptr;
-    while (!found && query.next < stop) {
-        const Registration& registration = m_registrations.At(query.next++);
-        if (query.Wants(registration)) found = &registration;
-    }
-    query.isDone = query.next >= query.end;
-    // The rows of a list are ended by what is no row.
-    if (query.isList && found) query.isDone = false;
-    if (!found && (!query.isDone || (query.hasRows && !query.isList))) return {};
-    query.hasRows = true;
-    m_writer.Start().Add(tag::echoedRequest, query.request);
-    if (found && query.isList) m_writer.Add(tag::queriedRow, "1");
-    if (found) found->AddTo(m_writer);
-    return m_writer.Finish();
-}
-
-Reply Server::StartExecutionQuery(const ExecutionQuery& kind, void* request, const UserIdentity& user) {
-    const Registration* registration = nullptr;
-    if (const auto refusal = FindNamed(request, registration)) return Refuse(request, *refusal);
-    if (!MaySee(user, *registration)) return Refuse(request, OtherUser());
-    RowQuery query;
-    query.request = kind.request;
-    query.executions = &kind;
-    query.number = registration->Number();
-    query.end = (m_registrations.HistoryOf(query.number).*kind.rows).size();
-    return {{}, std::move(query)};
-}
-
-std::string Server::NextExecution(RowQuery& query) {
-    const ExecutionQuery& kind = *query.executions;
-    const auto& rows = m_registrations.HistoryOf(query.number).*kind.rows;
-    query.isDone = query.next >= std::min(query.end, rows.size());
-    m_writer.Start().Add(tag::echoedRequest, query.request);
-    if (query.isDone)
-        m_writer.Add(kind.closingTag, kind.closingText);
-    else
-        OrderAsOf(m_clock.Today(), rows[query.next++]).AddTo(m_writer);
-    return m_writer.Finish();
 }
 
 std::optional<ServerRefusal> Server::Keep(Registration registration) {
@@ -371,34 +309,6 @@ Reply Server::AnswerRegistered(void* request, const Registration& registration) 
         .Add(tag::registrationNumber, registration.Number());
     EchoOrder(m_writer, request, !m_config.FaultFor(kAddOrder).noSerial);
     return {{m_writer.Finish()}};
-}
-
-bool Server::IsJournalStale() const {
-    return m_journal.IsStale(m_clock.RecordCount() + m_registrations.Size() + m_registrations.OrderCount()
-                             + m_registrations.Changes().Size());
-}
-
-std::string Server::CompactWhenStale(std::chrono::milliseconds time) {
-    if (!m_renewal) {
-        if (!IsJournalStale()) return {};
-        m_renewal.emplace(m_journal, m_clock, m_registrations);
-    }
-    m_renewal->GoOn(time);
-    if (!m_renewal->IsOver()) return {};
-    const std::string error = m_renewal->Error();
-    m_renewal.reset();
-    if (error.empty()) return "The journal is written anew without what was superseded";
-    m_journal.SetRecords(0); // not at once again
-    return "The server's journal " + error;
-}
-
-std::string Server::CompactJournal() {
-    m_renewal.emplace(m_journal, m_clock, m_registrations);
-    while (!m_renewal->IsOver())
-        m_renewal->GoOn(std::chrono::seconds(1));
-    const std::string error = m_renewal->Error();
-    m_renewal.reset();
-    return error.empty() ? "" : "The server's journal " + error;
 }
 
 } // namespace vesk

@@ -8,9 +8,9 @@
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"
-#include "host/server/JournalRenewal.h"
+#include "host/server/JournalUpkeep.h"
 #include "host/server/OrderRules.h"
-#include "host/server/RowQuery.h"
+#include "host/server/Queries.h"
 
 #include <functional>
 #include <optional>
@@ -31,7 +31,7 @@ struct Reply {
 class Server {
 public:
     // `records` are the journal's, replayed here.
-    Server(ServerConfig config, Journal& journal, const std::vector<std::string_view>& records,
+    Server(ServerConfig config, vesk::Journal& journal, const std::vector<std::string_view>& records,
            ServerClock clock);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
@@ -47,15 +47,13 @@ public:
     // In place of the answer to a request that was undone.
     Reply HandleUndone(void* request, const UserIdentity& user, std::string_view sentAs,
                        const std::string& fault);
-    std::uint64_t JournalBytes() { return m_journal.File().Size(); }
-    // How long each flush took since the last call, in milliseconds.
-    std::vector<double> TakeFlushTimes() { return m_journal.TakeFlushTimes(); }
-    // Records, by now.
-    std::size_t Written() const { return m_journal.Written(); }
+    ServerJournal& Journal() { return m_journal; }
+    JournalUpkeep& Upkeep() { return m_upkeep; }
+    const JournalUpkeep& Upkeep() const { return m_upkeep; }
 
     // The next row's bytes, with the record as it is now. Empty when the registrations looked at in this call
     // gave none: it looks at a few hundred at most.
-    std::string NextRow(RowQuery& query);
+    std::string NextRow(RowQuery& query) { return m_queries.NextRow(query); }
 
     // Enters registrations that nobody asked for, and tells no listener. Why it could not; empty when it is
     // done.
@@ -63,15 +61,6 @@ public:
 
     // `knows` says whom orders may be for; without it they may be for anybody.
     void SetClients(std::function<bool(std::string_view account)> knows) { m_knows = std::move(knows); }
-
-    // Whether most of the journal's many records are superseded.
-    bool IsJournalStale() const;
-    // Writes it anew with what the server holds. Why it could not; empty when that is done.
-    std::string CompactJournal();
-    // Begins that when it is stale, and goes on with it for about so long; never while changes are held. What
-    // became of it, for the log; empty until it is over.
-    std::string CompactWhenStale(std::chrono::milliseconds time);
-    bool IsCompacting() const { return m_renewal.has_value(); }
 
     // An answer that refuses, ready to be sent.
     static std::string Refusal(qmx::MessageWriter& writer, void* request, const ServerRefusal& refusal,
@@ -108,19 +97,12 @@ private:
     Reply AddRegistration(void* request, const UserIdentity& user, std::string_view sentAs);
     // Whether the order asks for what the registration's has.
     bool IsSameOrder(void* request, const Registration& registration) const;
-    template <std::optional<ServerRefusal> (*read)(void*, const UserIdentity&, RowQuery&)>
-    Reply StartQuery(void* request, const UserIdentity& user);
+    Reply StartQuery(std::string_view name, void* request, const UserIdentity& user);
 
     Reply SetRestrictedDays(void* request, const UserIdentity& user);
     Reply AnswerRestrictedDays(void* request, const UserIdentity& user);
-    Reply StartExecutionQuery(const ExecutionQuery& kind, void* request, const UserIdentity& user);
     Reply ChangeRegistration(const ChangeKind& kind, void* request, const UserIdentity& user,
                              std::string_view sentAs);
-
-    std::string NextRegistration(RowQuery& query);
-    std::string NextExecution(RowQuery& query);
-    // The registration that the request names.
-    std::optional<ServerRefusal> FindNamed(void* request, const Registration*& found) const;
 
     Reply Refuse(void* request, const ServerRefusal& refusal);
     Reply AnswerRegistered(void* request, const Registration& registration);
@@ -131,7 +113,8 @@ private:
     ServerJournal m_journal;
     vesk::Registrations m_registrations;
     Clockwork m_clock;
-    std::optional<JournalRenewal> m_renewal{};
+    Queries m_queries{m_registrations, m_clock};
+    JournalUpkeep m_upkeep{m_journal, m_clock, m_registrations};
     qmx::MessageWriter m_writer;
     std::function<bool(std::string_view)> m_knows;
 };

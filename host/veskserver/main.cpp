@@ -153,11 +153,11 @@ int Serve(MarketServer& marketServer, const ServerOptions& options, const UserId
     while (!g_isToEnd) {
         if (const std::string line = watch.Look(SteadyMs(), std::time(nullptr)); !line.empty()) Note(line);
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : clock.HasDue() || server.IsCompacting() ? 0 : kWaitMs);
+        net.Turn(isBehind ? 1 : clock.HasDue() || server.Upkeep().IsUnderWay() ? 0 : kWaitMs);
         const InputLines input = takeInput();
         Answer(input.lines, marketServer.Commands(), user);
         if (input.isOver) break;
-        if (const std::string note = server.CompactWhenStale(kStepTime); !note.empty()) Note(note);
+        if (const std::string note = server.Upkeep().RenewWhenStale(kStepTime); !note.empty()) Note(note);
         if (isBehind) continue;
         const Executed done = clock.ExecuteDue(kStepTime);
         if (!done.fault.empty()) Note(done.fault);

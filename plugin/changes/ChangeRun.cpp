@@ -1,6 +1,7 @@
 #include "plugin/changes/ChangeRun.h"
 
 #include "plugin/base/Text.h"
+#include "plugin/changes/ChangeTexts.h"
 #include "plugin/orderentry/Modification.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "plugin/orderentry/RecordedOrders.h"
@@ -63,18 +64,6 @@ void ChangeRun::ReadSome() {
     m_view.ShowRun();
 }
 
-std::string ChangeRun::Question(std::span<const std::size_t> changes) const {
-    std::string text = Format("Send %zu modification%s: ", changes.size(), changes.size() == 1 ? "" : "s")
-                       + m_set->Difference(changes);
-    const auto periods = std::ranges::count_if(
-        changes, [&](std::size_t change) { return m_set->Changes()[change].ChangesPeriods(); });
-    if (periods) text += Format("\n%lld change the number of periods.", static_cast<long long>(periods));
-    if (const std::size_t refused = m_set->Refused())
-        text += Format("\n%zu more are not possible; the list says why.", refused);
-    if (!m_set->Note().empty()) text += "\n" + m_set->Note();
-    return text + "\nProceed?";
-}
-
 void ChangeRun::Send() {
     if (!m_set || TellsBusy() || m_asking) return;
     m_asksLater = !m_view.MayAsk();
@@ -83,7 +72,7 @@ void ChangeRun::Send() {
     m_view.ShowRows(false);
     const std::vector<std::size_t> changes = m_set->Sendable();
     if (changes.empty()) return m_view.ShowLast("There is nothing to send.");
-    const std::string question = Question(changes);
+    const std::string question = QuestionOf(*m_set, changes);
     m_asking = true;
     const Reply reply = m_life.Across([&](Pass pass) { return m_view.Ask(pass, question); });
     m_asking = false;
@@ -222,37 +211,6 @@ void ChangeRun::Forget() {
     m_sent.clear();
     m_run.reset();
     m_set.reset();
-}
-
-std::string ChangeRun::Notice() const {
-    if (!m_set)
-        return "Load a file that \"Export for Changes...\" wrote and a spreadsheet has changed, or step up the "
-               "amounts of the rows that are selected in the book.";
-    if (!m_set->IsRead()) return "Reading...";
-    if (!m_set->Fault().empty()) return m_set->Fault();
-    return m_set->Changes().empty() ? "Nothing would change." : "";
-}
-
-std::array<std::string, 3> ChangeRun::Status() const {
-    if (!m_set || !m_set->IsRead() || !m_set->Fault().empty()) return {};
-    const std::vector<std::size_t> sendable = m_set->Sendable();
-    std::array<std::size_t, static_cast<std::size_t>(OrderState::count)> states{};
-    for (std::size_t i = 0; i < m_set->Changes().size(); ++i)
-        if (m_set->Result(i).isTried) ++states[static_cast<std::size_t>(m_set->Result(i).state)];
-    const auto of = [&](OrderState state) { return states[static_cast<std::size_t>(state)]; };
-    std::string became;
-    const auto add = [&](std::size_t count, const char* word) {
-        if (count) became += (became.empty() ? "" : ", ") + Format("%zu ", count) + word;
-    };
-    add(of(OrderState::done), "modified");
-    add(of(OrderState::refused), "refused");
-    add(of(OrderState::inDoubt) + of(OrderState::absent), "in doubt");
-    add(of(OrderState::sent), "waiting");
-    add(m_set->Refused(), "not possible");
-    add(m_set->Unchanged(), "unchanged");
-    return {Format("%zu to be sent", sendable.size())
-                + (sendable.empty() ? "" : ": " + m_set->Difference(sendable)),
-            became, m_set->Note()};
 }
 
 std::string ChangeRun::Progress() const {

@@ -62,10 +62,6 @@ public:
 
     const ChangeSet* Set() const { return m_set.get(); }
     bool CanSend() const { return m_set && m_set->IsRead() && !IsUnderWay() && !m_set->Sendable().empty(); }
-    // For an empty list.
-    std::string Notice() const;
-    // What can be sent, what cannot or what became of it, and what else there is to say.
-    std::array<std::string, 3> Status() const;
 
     bool IsUnderWay() const override { return IsReading() || m_run; }
     void Continue() override;
@@ -80,7 +76,6 @@ private:
     bool IsSending() const { return m_run && !m_run->AllTried(); }
     bool Replace();
     void ReadSome();
-    std::string Question(std::span<const std::size_t> changes) const;
     void Begin(std::span<const std::size_t> changes);
     void SendPortion(std::size_t most);
     std::optional<RecordedOrder> Recorded(const BookRun& run, std::size_t row) override;

@@ -282,7 +282,7 @@ TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     EXPECT_EQ(session.Output(), "");
     session.Deliver(m_running->server->Release());
     EXPECT_EQ(ReadJournalText(FileText(m_folder.File("journal"))).records.size(), 3u);
-    EXPECT_EQ(m_running->server->TakeFlushTimes().size(), 1u);
+    EXPECT_EQ(m_running->server->Journal().TakeFlushTimes().size(), 1u);
     EXPECT_GT(session.Output().size(), 3000u); // answers, updates and rows
 }
 

@@ -1,6 +1,7 @@
 // Registrations that come back from a spreadsheet: what cells mean, what may be changed, and what is sent.
 #include "plugin/changes/Cells.h"
 #include "plugin/changes/ChangeRun.h"
+#include "plugin/changes/ChangeTexts.h"
 #include "plugin/orderbook/BookLists.h"
 #include "tests/plugin/Doubles.h"
 
@@ -290,7 +291,7 @@ TEST_F(ChangesTest, AFileThatLacksSomethingIsToldAsAWhole) {
     semicolons += "S1;1600,50;mine;" + Stamp::Of(book[0], false).Text() + "\n";
     Load(semicolons);
     EXPECT_EQ(Listed(), "2|To be sent|S1|Amount|1500.00|1600.50|100.50|");
-    EXPECT_EQ(run.Status()[2], "Not read: Notes.");
+    EXPECT_EQ(StatusOf(run.Set())[2], "Not read: Notes.");
     const struct {
         const char *text, *fault;
     } rows[] = {
@@ -304,7 +305,7 @@ TEST_F(ChangesTest, AFileThatLacksSomethingIsToldAsAWhole) {
     };
     for (const auto& row : rows) {
         Load(row.text[0] == '\xFF' ? std::string(row.text, 6) : row.text);
-        EXPECT_TRUE(run.Notice().starts_with(row.fault)) << run.Notice();
+        EXPECT_TRUE(NoticeOf(run.Set()).starts_with(row.fault)) << NoticeOf(run.Set());
         EXPECT_FALSE(run.CanSend());
     }
 }
@@ -359,7 +360,7 @@ TEST_F(ChangesTest, APortionIsOnTheDiskBeforeItGoesOutAndAStopKeepsTheRest) {
     for (RecordId record = 0; record < book.Size(); ++record)
         numbers.emplace_back(book[record].Number());
     run.Step(numbers, {.hundredths = 1000});
-    EXPECT_EQ(run.Status()[0], "403 to be sent: Rs 50,150.00 more a run, Rs 50.00 more a run of sales");
+    EXPECT_EQ(StatusOf(run.Set())[0], "403 to be sent: Rs 50,150.00 more a run, Rs 50.00 more a run of sales");
     host.recordFiles.writable = false;
     yes = false;
     run.Send();
@@ -377,8 +378,8 @@ TEST_F(ChangesTest, APortionIsOnTheDiskBeforeItGoesOutAndAStopKeepsTheRest) {
     for (const std::string& number : numbers)
         Answer("echoedRequest=modify_sip_order registrationNumber=" + number + " userText=ok");
     EXPECT_FALSE(run.IsUnderWay());
-    EXPECT_TRUE(run.Status()[0].starts_with("153 to be sent")) << run.Status()[0];
-    EXPECT_TRUE(run.Status()[1].starts_with("250 modified")) << run.Status()[1];
+    EXPECT_TRUE(StatusOf(run.Set())[0].starts_with("153 to be sent")) << StatusOf(run.Set())[0];
+    EXPECT_TRUE(StatusOf(run.Set())[1].starts_with("250 modified")) << StatusOf(run.Set())[1];
     open = false;
     run.Forget();
     EXPECT_EQ(run.Set(), nullptr);

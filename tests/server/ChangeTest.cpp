@@ -143,7 +143,7 @@ TEST(Change, RequestSentAgainIsAnsweredAsTheFirstTimeAndNotMadeTwice) {
     for (const auto& [name, request] : sent)
         first.push_back(running->Ask(request, name));
     for (const char* when : {"at once", "after a restart", "written anew"}) {
-        if (when == std::string("written anew")) running->server->CompactJournal();
+        if (when == std::string("written anew")) running->server->Upkeep().Renew();
         const std::string journal = FileText(path);
         if (when != std::string("at once")) running.reset();
         if (!running) running = std::make_unique<RunningServer>(path);

@@ -228,7 +228,7 @@ private:
             Start();
         }
         const std::vector<Registration> held = m_running->server->Registrations();
-        if (Below(3) == 0) m_running->server->CompactJournal();
+        if (Below(3) == 0) m_running->server->Upkeep().Renew();
         Start();
         ASSERT_EQ(m_running->server->Registrations(), held);
     }

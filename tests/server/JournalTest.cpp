@@ -180,7 +180,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         running.AdvanceTo(std::chrono::year(2026) / 6 / 20);
         running.Ask("calendar_add_restricted_dates restrictedYear=2026 startDate=5 restrictedTo=7");
         running.Ask("pause_sip_order registrationNumber=SIP2603020000001");
-        EXPECT_FALSE(running.server->IsJournalStale());
+        EXPECT_FALSE(running.server->Upkeep().IsStale());
     }
     const std::string few = FileText(path);
     const std::string last(ReadJournalText(few).records.back());
@@ -190,8 +190,8 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
     std::string compacted;
     {
         RunningServer running(path);
-        EXPECT_TRUE(running.server->IsJournalStale());
-        EXPECT_EQ(running.server->CompactJournal(), "");
+        EXPECT_TRUE(running.server->Upkeep().IsStale());
+        EXPECT_EQ(running.server->Upkeep().Renew(), "");
         EXPECT_FALSE(Journal::Open(path).journal); // nobody else has it meanwhile
         compacted = FileText(path);
         EXPECT_LE(compacted.size(), few.size());
@@ -211,7 +211,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         WriteJournal(path, inPlace);
         WriteFileText(beside, left);
         EXPECT_EQ(state(), before);
-        EXPECT_EQ(RunningServer(path).server->CompactJournal(), "");
+        EXPECT_EQ(RunningServer(path).server->Upkeep().Renew(), "");
         EXPECT_EQ(ReadJournalText(FileText(path)).records, ReadJournalText(compacted).records);
         EXPECT_FALSE(std::filesystem::exists(beside));
         EXPECT_EQ(state(), before);
@@ -242,7 +242,7 @@ TEST(Journal, IsWrittenAnewStepByStepWhileTheServerChangesWhatItHolds) {
     };
     for (std::size_t i = 0; i < count; ++i)
         running.Ask(Order("orderId=id-" + std::to_string(i)));
-    for (std::size_t step = 0; !running.server->IsJournalStale(); ++step) {
+    for (std::size_t step = 0; !running.server->Upkeep().IsStale(); ++step) {
         running.server->Hold();
         change(step % 10);
         EXPECT_EQ(running.server->Release(), "");
@@ -250,14 +250,14 @@ TEST(Journal, IsWrittenAnewStepByStepWhileTheServerChangesWhatItHolds) {
     std::string note;
     for (std::size_t step = 100; note.empty(); ++step) {
         change(step);
-        note = running.server->CompactWhenStale({});
+        note = running.server->Upkeep().RenewWhenStale({});
         WriteJournal(killed, FileText(path));
         RunningServer again(killed);
         EXPECT_EQ(StateOf(again), StateOf(running)) << step;
         change(step + 100);
     }
     EXPECT_EQ(note, "The journal is written anew without what was superseded");
-    EXPECT_FALSE(running.server->IsJournalStale());
+    EXPECT_FALSE(running.server->Upkeep().IsStale());
     WriteJournal(killed, FileText(path));
     RunningServer again(killed);
     EXPECT_EQ(StateOf(again), StateOf(running));

@@ -139,7 +139,7 @@ TEST(Server, OrderSentAgainIsOneOrderAndAnotherUnderItsIdentifierIsRefused) {
           "modify_sip_order amountOrQuantity=9 totalPeriod=7", "cancel_sip_order orderId=cancel"})
         running->Ask(change + std::string(" registrationNumber=SIP2603020000001"));
     check("when it is changed and cancelled");
-    EXPECT_EQ(running->server->CompactJournal(), "");
+    EXPECT_EQ(running->server->Upkeep().Renew(), "");
     running.reset();
     running.emplace(path);
     check("from a journal that was written anew");

@@ -253,9 +253,9 @@ void ServerSession::Handle(Handled& one, const net::ControlRequest& request) {
 }
 
 void ServerSession::Handle(Handled& one, const net::ServerCommand& command) {
-    const std::size_t written = m_server.Written();
+    const std::size_t written = m_server.Journal().Written();
     one.told = m_commands.Run(command.line, m_user, m_nowMs);
-    one.hasWritten = m_server.Written() != written;
+    one.hasWritten = m_server.Journal().Written() != written;
 }
 
 void ServerSession::Answer(Handled& one, const net::ControlRequest& request, const std::string& fault) {

@@ -84,7 +84,7 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
 void ServerLink::Pump() {
     if (m_client) m_client->Pump(NowMs());
     if (m_server)
-        if (const std::string note = m_server->Serving().CompactWhenStale(kExecutionTime); !note.empty())
+        if (const std::string note = m_server->Serving().Upkeep().RenewWhenStale(kExecutionTime); !note.empty())
             m_events.say(note);
     if (HasDue() && m_client->Waiting() <= kMostWaiting) ExecuteDue();
 }

@@ -3,6 +3,7 @@
 #include "framework/Files.h"
 #include "framework/Guard.h"
 #include "plugin/base/Text.h"
+#include "plugin/changes/ChangeTexts.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/orderbook/BookLists.h"
 #include "plugin/resources/resource.h"
@@ -158,7 +159,7 @@ void CChangesDlg::ShowRows(bool anew) {
         List().Repaint(row);
     List().EndChanges();
     Item(IDC_CHANGES_SEND).Enable(m_run.CanSend());
-    ShowTexts(m_run.Notice(), m_run.Status());
+    ShowTexts(NoticeOf(m_run.Set()), StatusOf(m_run.Set()));
 }
 
 std::string_view CChangesDlg::Cell(std::uint32_t row, std::int32_t column) const {
