@@ -67,7 +67,8 @@ void ServerLink::Connect(std::unique_ptr<Channel> channel, UserIdentity user) {
         });
 }
 
-// The attempts to come back change nothing that is shown, and are not told one by one.
+// The attempts to come back change nothing that is shown, and are not told one by one. What is told of a
+// connection that stands, as a subscription that is refused, is.
 void ServerLink::OnState(LinkState state, const std::string& text) {
     const bool isLost = state == LinkState::lost;
     if (m_name.empty()) {
@@ -76,7 +77,7 @@ void ServerLink::OnState(LinkState state, const std::string& text) {
     }
     if (state == LinkState::connecting) return;
     LinkStatus status{m_name + (isLost ? " not connected" : " connected"), isLost};
-    if (status == m_status) return;
+    if (status == m_status && isLost) return;
     m_status = std::move(status);
     m_events.say("Trading server " + m_name + ": " + text + (isLost ? "; trying again" : ""));
 }
