@@ -107,7 +107,7 @@ TEST_F(HistoryTest, ShowsTheOrdersAndTheFocusedOneInDetail) {
     plugin->ApplyFont();
     EXPECT_GT(probe::SizeOf(history).cx, before.cx + 150) << "grown by the user and by the font";
     EXPECT_GT(probe::SizeOf(list).cx, listBefore.cx + 150);
-    EXPECT_TRUE(MenuOf(list).starts_with("Copy\tCtrl+C"));
+    EXPECT_TRUE(MenuOf(list, -1).starts_with("Copy\tCtrl+C"));
     probe::PostKey(VK_ESCAPE);
     EXPECT_TRUE(probe::PumpUntil([&] { return !IsWindow(history); }));
 }

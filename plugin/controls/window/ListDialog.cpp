@@ -20,7 +20,10 @@ void CListDialog::OnInit() {
                    static_cast<std::int32_t>(m_parts.columns.size()), m_parts.firstCommand});
     if (m_parts.status) m_statusBar.Create(Handle(), m_parts.status, m_parts.name);
     LayOut(Self().Dpi());
-    ShowAllColumns(Handle(), list);
+    if (m_parts.stretchesLast)
+        StretchLastText(m_list);
+    else
+        ShowAllColumns(Handle(), list);
     KeepWindow(m_list);
 }
 
@@ -114,6 +117,10 @@ void CListDialog::CellTexts(const std::uint32_t* records, std::uint32_t count, s
             texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
         }
     });
+}
+
+void CListDialog::ShownRowsChanged(CFilterListCtrl*) noexcept {
+    framework::Guard([&] { OnShownRows(); });
 }
 
 std::int32_t CListDialog::RowLook(std::uint32_t record) noexcept {

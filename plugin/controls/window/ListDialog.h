@@ -24,7 +24,8 @@ protected:
         int button;         // beside a status bar: one that is kButtonUnits wide, in the font of all
         const char* name;   // under which what the user makes of list and window is remembered
         std::vector<KorvexColumn> columns;
-        unsigned firstCommand; // of a hundred for the list's own menu entries
+        unsigned firstCommand;      // of a hundred for the list's own menu entries
+        bool stretchesLast = false; // the last column, instead of the window
     };
     static constexpr int kButtonUnits = 54; // of the template, of which four are a letter
 
@@ -34,7 +35,9 @@ protected:
 
     // Both are valid until the rows are listed anew.
     virtual std::string_view Cell(std::uint32_t row, std::int32_t column) const = 0;
-    virtual KorvexRowLook Look(std::uint32_t row) const = 0;
+    virtual KorvexRowLook Look(std::uint32_t) const { return kKorvexPlain; }
+    // A filter or a sort has changed them.
+    virtual void OnShownRows() {}
     // The rows' own entries of the menu.
     virtual std::vector<MenuEntry> Entries() const { return {}; }
     // The list takes the area, and whatever stands below it.
@@ -66,7 +69,7 @@ private:
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override;
     std::int32_t RowLook(std::uint32_t record) noexcept override;
-    void ShownRowsChanged(CFilterListCtrl*) noexcept override {}
+    void ShownRowsChanged(CFilterListCtrl*) noexcept override;
     void ShowStatus();
 
     const Parts m_parts;

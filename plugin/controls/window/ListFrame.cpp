@@ -32,7 +32,8 @@ void ListFrame::AfterLayout(const SIZE& larger) {
 RECT ListFrame::Room(LONG statusHeight) const {
     const RECT client = m_dialog.Self().ClientRect();
     const auto [left, top] = m_listCorner;
-    return {left, top, client.right - left, std::max(top, client.bottom - statusHeight - left / 2)};
+    const LONG below = statusHeight ? statusHeight + left / 2 : left;
+    return {left, top, client.right - left, std::max(top, client.bottom - below)};
 }
 
 void ListFrame::SetLeastSize(LPARAM minMaxInfo) const {

@@ -19,7 +19,7 @@ public:
     }
     // Until the first layout, and within each, there is no room.
     bool HasRoom() const { return m_ownSize.cx != 0; }
-    // In the client area, above a status bar of this height.
+    // In the client area, above a status bar of this height; 0 without one.
     RECT Room(LONG statusHeight) const;
     // Of WM_GETMINMAXINFO.
     void SetLeastSize(LPARAM minMaxInfo) const;

@@ -11,6 +11,7 @@ namespace planfold {
 
 namespace {
 
+constexpr char kName[] = "SIPOrderHistory";
 constexpr unsigned kListCommands = 26300; // of a hundred
 // The list's share of the room, of a hundred; least heights in pixels at 96 DPI.
 constexpr int kListShare = 45;
@@ -20,8 +21,18 @@ constexpr int kLeastBelow = 140;
 } // namespace
 
 CSIPOrderHistoryDlg::CSIPOrderHistoryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes)
-    : Dialog(module, IDD_ORDER_HISTORY), m_session(session), m_boxes(boxes),
-      m_link(session.lookup, kRxRequests, this, this), m_history(session, *this, m_link.Control()) {}
+    : CListDialog(module, IDD_ORDER_HISTORY, session,
+                  {IDI_CALENDAR,
+                   IDC_HISTORY_LIST,
+                   {},
+                   {},
+                   {},
+                   kName,
+                   ListColumns<HistoryColumn>(kHistoryColumns),
+                   kListCommands,
+                   true}),
+      m_boxes(boxes), m_link(session.lookup, kRxRequests, this, this),
+      m_history(session, *this, m_link.Control()) {}
 
 void CSIPOrderHistoryDlg::ShutDown() {
     Destroy();
@@ -36,22 +47,9 @@ void CSIPOrderHistoryDlg::OnResponse(void*, void* message, void*) noexcept {
 }
 
 void CSIPOrderHistoryDlg::OnInit() {
-    const auto columns = ListColumns<HistoryColumn>(kHistoryColumns);
-    m_list.Attach({Item(IDC_HISTORY_LIST).Handle(), "SIPOrderHistory", this, columns.data(),
-                   static_cast<std::int32_t>(columns.size()), kListCommands});
-    StretchLastText(m_list);
-    m_splitter.Create({Handle(), m_list.Handle(), IDC_HISTORY_SPLITTER, "SIPOrderHistory", kListShare,
-                       kLeastList, kLeastBelow});
-    Arrange();
-    KeepWindow(m_list);
-}
-
-void CSIPOrderHistoryDlg::LayOut(UINT dpi) {
-    m_frame.Renew([&] {
-        Dialog::LayOut(dpi);
-        SetCaptionIcon(IDI_CALENDAR);
-        RememberPlaces();
-    });
+    CListDialog::OnInit();
+    m_splitter.Create(
+        {Handle(), List().Handle(), IDC_HISTORY_SPLITTER, kName, kListShare, kLeastList, kLeastBelow});
     Arrange();
 }
 
@@ -67,13 +65,11 @@ void CSIPOrderHistoryDlg::RememberPlaces() {
 }
 
 // The list, and below the bar the details and the chart, which takes what is left.
-void CSIPOrderHistoryDlg::Arrange() {
-    if (!m_frame.HasRoom() || !m_splitter.Handle() || IsIconic(Handle())) return;
+void CSIPOrderHistoryDlg::PlaceList(const RECT& area) {
+    if (!m_splitter.Handle() || IsIconic(Handle())) return;
     // A control that moves onto another would take its picture along.
     const framework::RedrawHold hold(Handle());
-    const RECT client = Self().ClientRect();
     const RECT list = m_places[IDC_HISTORY_LIST];
-    const RECT area{list.left, list.top, client.right - list.left, client.bottom - list.top};
     m_splitter.Place(area);
     const RECT above = m_splitter.First();
     for (auto [id, place] : m_places) {
@@ -86,37 +82,13 @@ void CSIPOrderHistoryDlg::Arrange() {
 }
 
 std::optional<LRESULT> CSIPOrderHistoryDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_SIZE:
-        Arrange();
-        return 0;
-    case WM_GETMINMAXINFO:
-        m_frame.SetLeastSize(lParam);
-        return 0;
-    case WM_SYSCOLORCHANGE:
-        return Item(IDC_HISTORY_LIST).Send(message);
-    case WM_DRAWITEM: {
-        const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
-        if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
-        if (m_chartIsOld) RefreshChart();
-        const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
-        PaintBarChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
-        return TRUE;
-    }
-    case WM_CONTEXTMENU:
-        if (reinterpret_cast<HWND>(wParam) != m_list.Handle()) return std::nullopt;
-        m_menu.Open(Handle(), RowMenuPlace(m_list.Handle(), lParam), m_list, {});
-        return 0;
-    case WM_DESTROY:
-        m_menu.Close();
-        return std::nullopt;
-    default:
-        return std::nullopt;
-    }
-}
-
-bool CSIPOrderHistoryDlg::OnCommand(const framework::Command& command) {
-    return m_list.HandleCommand(static_cast<std::uint32_t>(command.id));
+    if (message != WM_DRAWITEM) return CListDialog::OnMessage(message, wParam, lParam);
+    const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+    if (draw.CtlID != IDC_HISTORY_CHART) return std::nullopt;
+    if (m_chartIsOld) RefreshChart();
+    const auto font = reinterpret_cast<HFONT>(Item(IDC_HISTORY_CHART).Send(WM_GETFONT));
+    PaintBarChart(draw.hDC, draw.rcItem, font, Self().Dpi(), m_chart);
+    return TRUE;
 }
 
 std::optional<LRESULT> CSIPOrderHistoryDlg::OnNotify(const NMHDR& notification) {
@@ -124,16 +96,13 @@ std::optional<LRESULT> CSIPOrderHistoryDlg::OnNotify(const NMHDR& notification) 
         Arrange();
         return 0;
     }
-    LRESULT result = 0;
-    const bool handled = m_list.HandleNotify(&notification, &result);
+    const auto handled = CListDialog::OnNotify(notification);
     if (notification.code == LVN_ITEMCHANGED) FollowFocus();
-    return handled ? std::optional(result) : std::nullopt;
+    return handled;
 }
 
-void CSIPOrderHistoryDlg::FollowFocus() noexcept {
-    framework::Guard([&] {
-        if (HasWindow() && !m_listing) m_history.OnFocusChanged();
-    });
+void CSIPOrderHistoryDlg::FollowFocus() {
+    if (HasWindow() && !m_listing) m_history.OnFocusChanged();
 }
 
 void CSIPOrderHistoryDlg::ListRecords() {
@@ -143,11 +112,7 @@ void CSIPOrderHistoryDlg::ListRecords() {
     const auto& records = m_history.Records();
     // Each row has the focus for a moment, which is nothing to be told.
     m_listing = true;
-    m_list.BeginChanges();
-    m_list.RemoveAll();
-    for (auto record = static_cast<std::uint32_t>(records.size()); record-- > 0;)
-        m_list.InsertFront(record, kKorvexAsked);
-    m_list.EndChanges();
+    ListRows(records.size());
     m_listing = false;
     RefreshChart();
     InvalidateRect(Item(IDC_HISTORY_CHART).Handle(), nullptr, FALSE);
@@ -167,7 +132,7 @@ void CSIPOrderHistoryDlg::RefreshChart() {
 }
 
 std::optional<std::size_t> CSIPOrderHistoryDlg::FocusedRecord() const {
-    const std::uint32_t focused = m_list.Focused();
+    const std::uint32_t focused = List().Focused();
     return HasWindow() && focused != UINT32_MAX ? std::optional<std::size_t>(focused) : std::nullopt;
 }
 
@@ -187,16 +152,10 @@ void CSIPOrderHistoryDlg::Show(bool shown) {
     Item(IDC_HISTORY_LIST).Focus();
 }
 
-void CSIPOrderHistoryDlg::CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
-                                    KorvexText* texts) noexcept {
-    const HistoryField field = kHistoryColumns[column].field;
-    const auto& all = m_history.Records();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        texts[i] = {};
-        if (records[i] >= all.size()) continue;
-        const std::string& text = all[records[i]][field];
-        texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
-    }
+std::string_view CSIPOrderHistoryDlg::Cell(std::uint32_t record, std::int32_t column) const {
+    const auto& records = m_history.Records();
+    if (record >= records.size()) return {};
+    return records[record][kHistoryColumns[column].field];
 }
 
 } // namespace planfold

@@ -2,25 +2,18 @@
 // in a chart.
 #pragma once
 
-#include "framework/Dialog.h"
 #include "framework/MessageBoxes.h"
-#include "plugin/controls/window/ListFrame.h"
-#include "plugin/controls/window/ListWindows.h"
+#include "plugin/controls/window/ListDialog.h"
 #include "plugin/history/HistoryChart.h"
 #include "plugin/history/OrderHistory.h"
 #include "plugin/messaging/RxLink.h"
-#include "plugin/resources/resource.h"
-#include "sdk/korvex/FilterListCtrl.h"
 #include "sdk/korvex/FlatSplitterWnd.h"
 
 #include <map>
 
 namespace planfold {
 
-class CSIPOrderHistoryDlg final : public framework::Dialog,
-                                  public CKeloRxNotifierBase,
-                                  private HistoryView,
-                                  private CListOwner {
+class CSIPOrderHistoryDlg final : public CListDialog, public CKeloRxNotifierBase, private HistoryView {
 public:
     CSIPOrderHistoryDlg(HINSTANCE module, Session& session, framework::MessageBoxes& boxes);
     ~CSIPOrderHistoryDlg() override { Destroy(); }
@@ -34,12 +27,9 @@ public:
     void OnResponse(void*, void* message, void*) noexcept override;
 
 private:
-    std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
-    void LayOut(UINT dpi) override;
+    void OnLaidOut() override { RememberPlaces(); }
     void OnInit() override;
-    void OnDestroyed() override { m_frame.Forget(); }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    bool OnCommand(const framework::Command& command) override;
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
 
     void ShowMessage(Pass, std::string_view text) override { m_boxes.Show(Handle(), text); }
@@ -49,26 +39,20 @@ private:
     void ShowDetails(const HistoryDetails& details, const std::string& remarks) override;
     void Show(bool shown) override;
 
-    void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
-                   KorvexText* texts) noexcept override;
-    std::int32_t RowLook(std::uint32_t) noexcept override { return kKorvexPlain; }
-    void ShownRowsChanged(CFilterListCtrl*) noexcept override { FollowFocus(); }
+    std::string_view Cell(std::uint32_t record, std::int32_t column) const override;
+    void OnShownRows() override { FollowFocus(); }
+    void PlaceList(const RECT& area) override;
 
     void RefreshChart();
-    void Arrange();
     void RememberPlaces();
-    void FollowFocus() noexcept;
+    void FollowFocus();
 
-    Session& m_session;
     framework::MessageBoxes& m_boxes;
     RxLink m_link;
     OrderHistory m_history;
-    CFilterListCtrl m_list;
     CFlatSplitterWnd m_splitter; // between the list and what stands below
-    RowMenu m_menu;
     HistoryChart m_chart;
-    bool m_chartIsOld = false; // until it is painted
-    ListFrame m_frame{*this, IDC_HISTORY_LIST};
+    bool m_chartIsOld = false;    // until it is painted
     std::map<int, RECT> m_places; // of the controls in it
     bool m_listing = false;
 };
