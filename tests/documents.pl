@@ -17,11 +17,11 @@ find({no_chdir => 1, wanted => sub {
     return unless -f && /\.(cpp|h|rc|1|cmake|txt|sh|in)$/;
     my $source = Read($_);
     $raw .= $source;
-    return if m{^tests/} || !/\.(cpp|h|rc)$/;
+    return if m{^(tests|fuzz|bench)/} || !/\.(cpp|h|rc)$/;
     $source =~ s{^\s*(//|#include).*$}{}mg;
     $source =~ s/(?<!\\)"\s*\n\s*L?"//g;
     $texts .= "$1\n" while $source =~ /"((?:[^"\\\n]|\\.)*)"/g;
-}}, qw(tests plugin host sdk framework base tools cmake));
+}}, qw(tests plugin host sdk framework base tools fuzz bench cmake));
 $texts =~ s/\\"/"/g;
 $texts =~ s/\\n/ /g;
 $texts =~ s/\\x2026/.../g;
@@ -58,7 +58,7 @@ for my $name (glob("*.md docs/*.md")) {
             if ($word =~ m{^(plugin|host|sdk|framework|base|tools|tests|fuzz|bench|docs|data|cmake)/}) {
                 my @found = glob($word);
                 Complain("$name: there is no $word") unless @found && -e $found[0];
-            } elsif ($isProducts) {
+            } elsif ($isProducts || $name =~ m{docs/(developers|design)\.md}) {
                 for (grep { /[a-z]{3}/ && !/YYYY/ } split m{[\\/|,()\[\]=:]}, $word =~ s/\.(exe|dll)\b//r) {
                     Complain("$name: nothing knows `$_`") if index($raw, $_) < 0;
                 }

@@ -238,8 +238,9 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
     Load(Line("C3") + Line("C8") + Line("C3") + Line("C3"));
     EXPECT_EQ(basket.Status()[3], "Duplicates: 3  Sent 2: 0 registered, 0 refused, 0 in doubt  Waiting: 2");
     EXPECT_EQ(place(Choice::no), "C8");
-    EXPECT_EQ(view.questions[1], "1 like an order of today: C3 ARBORTEX-EQ monthly, sent at 15:30, no answer\n\n"
-                                 "Yes: place all 2.\nNo: place only the other 1.\nCancel: place none.");
+    EXPECT_EQ(view.questions[1],
+              "1 like an order of today: C3 ARBORTEX-EQ monthly, sent at 15:30, no answer\n\n"
+              "Yes: place all 2.\nNo: place only the other 1.\nCancel: place none.");
     std::string dearer = Line("C1");
     dearer.replace(dearer.find("150000"), 6, "160000");
     Load(Line("C1") + Line("C2", "1013", "qty") + dearer);
