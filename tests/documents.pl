@@ -52,7 +52,7 @@ for my $name (glob("*.md docs/*.md")) {
         my $target = $1;
         Complain("$name: there is no $target") unless $target =~ /^https?:/ || -e dirname($name) . "/$target";
     }
-    my $isProducts = $name =~ m{docs/(guide|install|hosts|troubleshooting)\.md};
+    my $isProducts = $name =~ m{docs/(guide|install|hosts|server|troubleshooting)\.md};
     while ($text =~ /`([^`]+)`/g) {
         for my $word (split /\s+/, $1) {
             if ($word =~ m{^(plugin|host|sdk|framework|base|tools|tests|fuzz|bench|docs|data|cmake)/}) {
