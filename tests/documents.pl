@@ -83,6 +83,7 @@ sub Named {
         while ($source =~ /$pattern/g) {
             my $text = sprintf $form, map { defined $_ ? $_ : () } $1, $2;
             $text =~ s/&(?=\w)//g;
+            $text =~ s{ +}{ }g;
             Complain("$document does not name $text") if index($whole{$document} // "", $text) < 0;
         }
     }
@@ -92,4 +93,8 @@ Named("docs/guide.md", qr/"([^"\\]+)\\t((?:Ctrl|Alt|Shift|Del|F\d)[\w+]*)"/, '"%
 Named("docs/guide.md", qr/^CAPTION "([^"]+)"/m, '"%s"', "plugin/resources/Planfold.rc");
 Named("docs/troubleshooting.md", qr/kCode\w+ = "(\d+)"/, '| %s |', "host/server/ServerRefusal.h");
 Named("docs/hosts.md", qr/^    X\((\w+)/m, '`%s`', "sdk/HostExports.h");
+# What a box says, up to what varies.
+$whole{"guide and troubleshooting"} = $whole{"docs/guide.md"} . $whole{"docs/troubleshooting.md"};
+my @boxes = split /\n/, `grep -rlE 'ShowLast|ShowMessage|oxes.Show' plugin --include=*.cpp`;
+Named("guide and troubleshooting", qr/(?:ShowLast|ShowMessage|oxes\.Show)\([^;"]*" ?([^"\\%]{6,}?) ?["\\%]/, '%s', @boxes);
 exit $bad;
