@@ -73,12 +73,12 @@ using ByValueString = CString*;
 //   pu_invoke_caution_order_confirmation(client, investType, product, value, tradingSymbol, exchangeCode):
 //   `value` in
 //     paise or shares. 1 the order is sent with the cautionary flag "Y", 0 with "N", anything else without one.
-//   pu_build_bskt_caution_order_map(the same six, row): tells of one row of a basket, from 0. Then, once for
+//   pu_build_bskt_caution_order_map(the same six, row): describes one row of a basket, from 0. Then, once for
 //   all,
 //     pu_invoke_bskt_caution_order_confirmation(): 1 the user confirmed. Then, a row,
 //     pu_get_cautionary_bskt_confirm_state(tradingSymbol, exchangeCode, row): 1 the row carries the flag of
 //     that answer, 0 the row is not sent at all, anything else it is sent without a flag.
-//   pu_free_allocated_memory(): forgets what was told of a basket; called before the next one.
+//   pu_free_allocated_memory(): forgets the rows of a basket; called before the next one.
 //
 // The terminal.
 //   pu_add_to_tabbed_log(text): adds a line to the log. The text is passed by value.

@@ -33,7 +33,7 @@ using GetVeskPluginInfo = int(CString* name, CString* version, CStringArray* men
 // is appended to; the last two pointers are not used.
 using GetOptionalVeskPluginInfo = void(CString* rightsRoot, CStringArray* rightNames, void*, void*);
 // The user picked this entry. `loginId` is the user's, zero-terminated; `loginMode` 0 to 2 chooses the identity
-// that requests carry, anything else the login itself. A refusal is told to the user in a message box, whose
+// that requests carry, anything else the login itself. A refusal is shown to the user in a message box, whose
 // message loop may bring the next call.
 using InitVeskPlugin = void(void* unused, const char* loginId, std::int32_t loginMode, CString* menuEntry);
 // For window messages that a host wants to offer; the plug-in takes none. Always 0.

@@ -137,9 +137,9 @@ OPTIONS
                      is missing stops the start) and FILE.torn (what crashes tore)
     --login LOGIN    makes a secret for the login, where it has none; again for more
     --allow-commands terminals may move the clock, make up orders and play faults
-    --check-journal  tells all that is wrong with the journal, a line each with its
+    --check-journal  prints all that is wrong with the journal, a line each with its
                      place, and changes nothing
-    --status         tells what the server of this journal has to do: sessions,
+    --status         prints what the server of this journal has to do: sessions,
                      requests and updates a second, the journal's size, and how long
                      flushes took, over the last minute or less. It reads FILE.status,
                      which the server writes every 5 seconds, and so needs no login.
@@ -148,12 +148,12 @@ OPTIONS
     --data FOLDER    where "journal" and "server.json" are, unless they are named, and
                      the market: "scrips.csv", "clients.csv", "nontrading.csv". In
                      "terminal.json" it says whose orders "fill" makes up. A missing
-                     one of these four is told and done without; a bad one stops the
-                     start
+                     one of these four is reported and done without; a bad one stops
+                     the start
 
 EXIT STATUS
-    0    it was told to end; the journal has no fault; a server told its status
-    1    the journal has faults; no server has told its status for 30 seconds
+    0    it was ended; the journal has no fault; a server gave its status
+    1    the journal has faults; no server has given its status for 30 seconds
     2    the words of the command were wrong, the port was taken, or a file could
          not be used; standard error says which
 

@@ -142,7 +142,7 @@ std::size_t BasketGrid::Matches(const CellReplacement& replacement) const {
 std::string BasketGrid::MatchesText(const CellReplacement& replacement) const {
     const BasketList& list = m_view.List();
     const bool areHidden = !replacement.isOfSelected && list.ShownCount() < list.RowCount();
-    return Format("%zu of %zu%s rows hold it%s.", Matches(replacement), RowsToReplaceIn(replacement).size(),
+    return Format("%zu of %zu%s rows contain it%s.", Matches(replacement), RowsToReplaceIn(replacement).size(),
                   replacement.isOfSelected ? " selected" : "",
                   areHidden ? ", those that a filter hides among them" : "");
 }

@@ -55,7 +55,7 @@ public:
     bool IsAboutSelected() const { return m_view.List().Selected().size() > 1; }
     // Rows whose cell holds the text.
     std::size_t Matches(const CellReplacement& replacement) const;
-    // "12 of 300 rows hold it, those that a filter hides among them."
+    // "12 of 300 rows contain it, those that a filter hides among them."
     std::string MatchesText(const CellReplacement& replacement) const;
     void Replace(const CellReplacement& replacement);
     // Cells of a spreadsheet; see LinesOfCells. What does not pass joins the rejected lines.

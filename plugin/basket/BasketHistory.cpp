@@ -159,7 +159,7 @@ std::optional<std::string> BasketHistory::Go(std::deque<Step>& from, std::deque<
     EndLoad();
     if (!(Now() == m_seen) && m_depth == 0) Clear();
     if (m_depth > 0 || from.empty())
-        return &from == &m_undo && m_forgot ? "What was changed before is too much to be kept."
+        return &from == &m_undo && m_forgot ? "The changes before this were too large to be kept."
                                             : Format("There is nothing to %s.", what);
     if (const RecordId sent = SentSince(from.back()); sent != kNoRecord)
         return Format("Orders of that change were sent since, the first of them for %s.\n"

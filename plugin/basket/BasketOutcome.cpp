@@ -76,7 +76,7 @@ std::vector<std::string> BasketOutcome::Status() const {
     if (hidden) counts += Format(" (%zu hidden)", hidden);
     std::string marks;
     const auto tell = [&](const std::string& text) { marks.append(marks.empty() ? "" : "  ").append(text); };
-    if (m_rows.StandingTwice()) tell(Format("Twice: %zu", m_rows.StandingTwice()));
+    if (m_rows.StandingTwice()) tell(Format("Duplicates: %zu", m_rows.StandingTwice()));
     if (const std::size_t sent = m_rows.SentCount(); sent > 0)
         tell(Format("Sent %zu: %zu registered, %zu refused, %zu in doubt", sent,
                     m_rows.Count(RowState::registered), m_rows.Count(RowState::refused),

@@ -136,10 +136,10 @@ void ChangeFile::ReadHeadings(const std::vector<std::string>& headings) {
         const BookColumn& column = kRegisteredColumns[i];
         const bool needed = !m_hasStamps || column.field == OrderField::registrationNumber;
         const std::string name = '"' + std::string(HeadingOf(column)) + '"';
-        if (counts[i] > 1) m_fault = "The column " + name + " stands twice." + kAgain;
+        if (counts[i] > 1) m_fault = "The column " + name + " appears twice." + kAgain;
         if (!counts[i] && needed) m_fault = "The column " + name + " is missing." + kAgain;
     }
-    if (stamps > 1) m_fault = "The column \"" + std::string(kStampHeading) + "\" stands twice." + kAgain;
+    if (stamps > 1) m_fault = "The column \"" + std::string(kStampHeading) + "\" appears twice." + kAgain;
 }
 
 bool ChangeFile::Next(Row& row) {
@@ -148,7 +148,7 @@ bool ChangeFile::Next(Row& row) {
         if (!m_fault.empty() || !m_csv.Next(cells)) return false;
     } while (cells.IsBlank());
     if (m_csv.IsTorn()) {
-        m_fault = Format("Line %d has a quote that nothing ends, or text behind one.", cells.line);
+        m_fault = Format("Line %d has a quote that is not closed, or text behind one.", cells.line);
         return false;
     }
     row = {};

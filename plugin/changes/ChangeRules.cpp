@@ -156,7 +156,8 @@ std::string WhyNot(const sOrderinfo& record, const ChangeRules& rules) {
         return "The registration is of another user: " + std::string(owner);
     if (HasEnded(status) || IsCancelled(status))
         return "Cannot modify SIP. Order status: " + std::string(status);
-    return ValueField(record) ? "" : "The book does not say by what the registration invests";
+    return ValueField(record) ? ""
+                              : "The book does not say whether the registration is by amount or by quantity";
 }
 
 Change Propose(const sOrderinfo& record, const ChangeRules& rules, const std::string& value,

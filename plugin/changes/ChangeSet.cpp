@@ -110,7 +110,7 @@ void ChangeSet::RefuseRepeated() {
         Change& change = m_changes[i];
         const std::vector<int>& lines = m_linesOf[change.registration];
         if (!change.refusal.empty() || lines.size() < 2) continue;
-        change.refusal = Format("The registration stands in lines %d and %d", lines[0], lines[1]);
+        change.refusal = Format("The registration is in lines %d and %d", lines[0], lines[1]);
         Write(i);
     }
     m_linesOf.clear();

@@ -23,7 +23,7 @@ public:
     char Separator() const { return m_separator; }
     // False at the end.
     bool Next(CsvRow& row);
-    // A row had a quote that nothing ends, or text behind one: it may have taken other rows in.
+    // A row had a quote that is not closed, or text behind one: it may have taken other rows in.
     bool IsTorn() const { return m_torn; }
 
 private:

@@ -44,7 +44,7 @@ void Doubts::Compare() {
         if (!m_outcome) m_view.ShowLast("No order of yours is in doubt.");
         return;
     }
-    m_session.LogLast("Comparing what is in doubt with the book: a box tells the outcome");
+    m_session.LogLast("Comparing what is in doubt with the book: a box will show the outcome");
 }
 
 // What was compared before and not taken into the basket, or could not be.

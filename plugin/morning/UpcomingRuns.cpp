@@ -96,7 +96,7 @@ void UpcomingRuns::End(bool stopped) {
 }
 
 std::string UpcomingRuns::Progress() const {
-    return Format("Reckoning up the runs: %zu of %zu plans", m_reckoning->Done(), m_reckoning->Total());
+    return Format("Calculating the runs: %zu of %zu plans", m_reckoning->Done(), m_reckoning->Total());
 }
 
 std::size_t UpcomingRuns::Done() const {

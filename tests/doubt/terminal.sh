@@ -76,7 +76,7 @@ second_session() {
     amounts <basket >rows
     refused=$(last_events refused not_sent | comm -12 - rows | count) rows=$(count <rows)
     twice=$(awk '{ ++of[($1 - 500000) / 100 % 50] } END { for (client in of) if (of[client] > 1) all += of[client]
-        if (all) print "Twice: " all "  " }' rows)
+        if (all) print "Duplicates: " all "  " }' rows)
     {
         echo 'expect log "connected"'
         echo 'fault add_sip_orders none'

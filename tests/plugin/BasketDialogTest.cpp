@@ -380,10 +380,10 @@ TEST_F(BasketDialogTest, ExportWritesEveryRowAndLoadsAgain) {
 TEST_F(BasketDialogTest, RowsThatStandTwiceAreMarked) {
     Open();
     Load(Line("C1") + Line("C2") + Line("C1") + Line("C1"));
-    EXPECT_EQ(basket.Outcome().Status()[3], "Twice: 3");
+    EXPECT_EQ(basket.Outcome().Status()[3], "Duplicates: 3");
     EXPECT_TRUE(basket.Rows().StandsTwice(view.list.rows[0]));
     EXPECT_FALSE(basket.Rows().StandsTwice(view.list.rows[2]));
-    for (const char* left : {"Twice: 2", ""}) {
+    for (const char* left : {"Duplicates: 2", ""}) {
         view.list.selected = {view.list.rows[0]};
         basket.Delete();
         EXPECT_EQ(basket.Outcome().Status()[3], left);

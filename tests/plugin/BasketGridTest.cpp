@@ -90,11 +90,11 @@ TEST_F(BasketGridTest, FillingAndReplacingTellWhatTheyLeave) {
     view.list.selected.clear();
     const CellReplacement all{Field::account, "C", "CC"}, selected{Field::account, "C", "CC", false, true};
     const CellReplacement whole{Field::account, "C4", "C9", true}, part{Field::account, "C", "X", true};
-    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows hold it.");
+    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows contain it.");
     view.list.hidden = 1;
-    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows hold it, those that a filter hides among them.");
+    EXPECT_EQ(basket.Grid().MatchesText(all), "4 of 4 rows contain it, those that a filter hides among them.");
     Select({1, 2});
-    EXPECT_EQ(basket.Grid().MatchesText(selected), "2 of 2 selected rows hold it.");
+    EXPECT_EQ(basket.Grid().MatchesText(selected), "2 of 2 selected rows contain it.");
     basket.Grid().Replace(selected);
     EXPECT_EQ(Rows(Field::account), "C4 CC3 CC2 C1");
     basket.Grid().Replace(whole);

@@ -238,7 +238,7 @@ TEST_F(BasketPlacingTest, WhatWasSentIsAskedAboutBeforeItIsSentAgain) {
     // Loaded again, each is known by what it orders, as often as it was sent.
     Load(Line("C3") + Line("C8") + Line("C3") + Line("C3"));
     EXPECT_EQ(basket.Outcome().Status()[3],
-              "Twice: 3  Sent 2: 0 registered, 0 refused, 0 in doubt  Waiting: 2");
+              "Duplicates: 3  Sent 2: 0 registered, 0 refused, 0 in doubt  Waiting: 2");
     EXPECT_EQ(place(Choice::no), "C8");
     EXPECT_EQ(view.questions[1],
               "1 like an order of today: C3 ARBORTEX-EQ monthly, sent at 15:30, no answer\n\n"

@@ -241,7 +241,7 @@ TEST_F(ChangesTest, AFileIsReadBackAsItWasMeant) {
         {"S1", "|22|>|22", true, "2|Not possible|S1|||||\"As Exported\" is not as it was written"},
         {"S1", "\"'=>\"=", true, ""},
         {"S1", "'=TWS, \"\"a\"\"\">never ends", true,
-         "Line 2 has a quote that nothing ends, or text behind one."},
+         "Line 2 has a quote that is not closed, or text behind one."},
     };
     for (const auto& row : rows) {
         Load(Edited(file, row.number, row.edit, row.stamps));
@@ -285,8 +285,8 @@ TEST_F(ChangesTest, AFileThatLacksSomethingIsToldAsAWhole) {
     std::string twice = Edited(file, "S1", "1500.00>2000");
     twice += twice.substr(twice.find('\n') + 1, twice.find('\n', twice.find('\n') + 1) - twice.find('\n'));
     Load(twice);
-    EXPECT_EQ(Listed(), "2|Not possible|S1|Amount|1500.00|2000.00||The registration stands in lines 2 and 7\n"
-                        "7|Not possible|S1|Amount|1500.00|2000.00||The registration stands in lines 2 and 7");
+    EXPECT_EQ(Listed(), "2|Not possible|S1|Amount|1500.00|2000.00||The registration is in lines 2 and 7\n"
+                        "7|Not possible|S1|Amount|1500.00|2000.00||The registration is in lines 2 and 7");
     std::string semicolons = "\xEF\xBB\xBFSIP Registration No;Amount;Notes;As Exported\n";
     semicolons += "S1;1600,50;mine;" + Stamp::Of(book[0], false).Text() + "\n";
     Load(semicolons);
@@ -298,7 +298,7 @@ TEST_F(ChangesTest, AFileThatLacksSomethingIsToldAsAWhole) {
         {"", "The file is empty."},
         {"Amount,As Exported\n", "The column \"SIP Registration No\" is missing."},
         {"SIP Registration No,Amount\n", "The column \"User ID\" is missing."},
-        {"SIP Registration No,Amount,Amount,As Exported\n", "The column \"Amount\" stands twice."},
+        {"SIP Registration No,Amount,Amount,As Exported\n", "The column \"Amount\" appears twice."},
         {"\xFF\xFE"
          "A\0,\0",
          "The file is in UTF-16. Save it as CSV in UTF-8."},

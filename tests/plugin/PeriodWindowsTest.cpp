@@ -125,7 +125,7 @@ TEST_F(UpcomingWindow, TakesALongBookInPortionsAndSeesItGrow) {
         Enter(book, "S" + std::to_string(i) + " A weekly 22-Mar-2027 22-Mar-2027 22-Mar-2028 active SIP 1");
     runs.Show({kMonday, kMonday}, kMonday);
     EXPECT_EQ(shown, "run ");
-    EXPECT_EQ(runs.Progress(), "Reckoning up the runs: 1000 of 3000 plans");
+    EXPECT_EQ(runs.Progress(), "Calculating the runs: 1000 of 3000 plans");
     runs.Continue();
     runs.Stop();
     EXPECT_TRUE(Told().starts_with("1 client, 1500 plans, 1500 runs/")) << Told();

@@ -30,7 +30,8 @@ TEST_F(BasketWindow, FilterAndSortChangeNothingOfThePlacing) {
         Command(command);
         char status[128] = "";
         SendMessageA(GetDlgItem(dialog, IDC_BASKET_STATUS), SB_GETTEXTA, 3, reinterpret_cast<LPARAM>(status));
-        EXPECT_STREQ(status, "Twice: 2  Sent 3: 0 registered, 0 refused, 0 in doubt  Waiting: 3  Not placed: 1")
+        EXPECT_STREQ(status,
+                     "Duplicates: 2  Sent 3: 0 registered, 0 refused, 0 in doubt  Waiting: 3  Not placed: 1")
             << command;
     }
 }

@@ -93,7 +93,7 @@ EXAMPLES
                     --date dd/mm/yyyy --default series=EQ --normalised basket.csv
 
 REASONS
-    The first that applies is told, in this order:
+    The first that applies is reported, in this order:
 
     Invalid Format          not 20 or 21 fields, no client, a field of more
                             than 127 characters, a line of more than 1022

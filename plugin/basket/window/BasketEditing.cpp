@@ -202,7 +202,7 @@ void BasketEditing::GoToFault(bool back) {
         if (m_list.GoTo(next->row) || *next == start || *next == at) return;
         if (at.row == kNoRecord && !at.line) at = *next;
     }
-    m_basket.Tell("No line is rejected, and no row stands twice or was refused.");
+    m_basket.Tell("No line is rejected, and no row is a duplicate or was refused.");
 }
 
 } // namespace planfold
