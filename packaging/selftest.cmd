@@ -29,7 +29,7 @@ if exist "%stage%\%~1" rmdir /s /q "%stage%\%~1"
 xcopy /e /i /q /y "%here%reference" "%stage%\%~1" > nul
 mkdir "%stage%\%~1\out"
 start "" /wait "%stage%\%~1\VeskTrader.exe" --script "%here%selftest\%~1.script" --log "%stage%\%~1\out\%~1.log" --out "%stage%\%~1\out"
-findstr /b /c:"script passed" "%stage%\%~1\out\%~1.log" > nul 2>&1
+find "script passed" "%stage%\%~1\out\%~1.log" > nul 2>&1
 if errorlevel 1 goto :broken
 echo %~1: passed >> "%report%"
 goto :eof

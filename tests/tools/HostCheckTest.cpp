@@ -56,7 +56,7 @@ TEST(HostCheck, NamesWhatIsMissingAndWhatStandsUnderAnotherName) {
     std::string why;
     const auto exports = hostcheck::ReadExports(image, why);
     ASSERT_TRUE(exports) << why;
-    const hostcheck::Findings findings = hostcheck::Examine(*exports);
+    const hostcheck::Findings findings = hostcheck::Examine(*exports, "host.exe");
     EXPECT_FALSE(findings.isPlugin);
     const struct {
         const char* name;
@@ -83,7 +83,9 @@ TEST(HostCheck, NamesWhatIsMissingAndWhatStandsUnderAnotherName) {
     EXPECT_NE(text.find("host.exe: pu_get_UserDirectory is missing (comfort): layouts"), text.npos) << text;
     EXPECT_NE(text.find("a host, 2 of 37 exports"), text.npos) << text;
     EXPECT_NE(AsJson(findings, "host.exe").find(R"("detail": "is not a function")"), std::string::npos);
-    EXPECT_TRUE(hostcheck::Examine(std::vector<hostcheck::Export>{{"InitVeskPlugin", true}}).isPlugin);
+    EXPECT_TRUE(
+        hostcheck::Examine(std::vector<hostcheck::Export>{{"InitVeskPlugin", true}}, "any.dll").isPlugin);
+    EXPECT_TRUE(hostcheck::Examine({}, "Other.zup").isPlugin);
 }
 
 TEST(HostCheck, ABrokenImageIsOnlyRefused) {

@@ -86,11 +86,12 @@ bool Findings::Lacks(sdk::Need need) const {
         exports, [&](const Finding& one) { return one.state != State::present && one.need == need; });
 }
 
-Findings Examine(std::span<const Export> exports) {
-    const bool isPlugin = std::ranges::any_of(exports, [](const Export& one) {
-        return std::ranges::find(kEntryPoints, std::string_view(one.name), &sdk::HostExportUse::name)
-               != std::end(kEntryPoints);
-    });
+Findings Examine(std::span<const Export> exports, std::string_view file) {
+    const bool isPlugin =
+        file.ends_with(".zup") || std::ranges::any_of(exports, [](const Export& one) {
+            return std::ranges::find(kEntryPoints, std::string_view(one.name), &sdk::HostExportUse::name)
+                   != std::end(kEntryPoints);
+        });
     const std::span<const sdk::HostExportUse> wanted =
         isPlugin ? std::span<const sdk::HostExportUse>(kEntryPoints) : sdk::kHostExportUses;
     Findings findings{isPlugin, {}};

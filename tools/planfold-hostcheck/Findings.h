@@ -25,8 +25,9 @@ struct Findings {
     bool Lacks(sdk::Need need) const;
 };
 
-// A file with one of the plug-in's entry points is taken for a plug-in, any other for a host.
-Findings Examine(std::span<const Export> exports);
+// A file that is named as plug-ins are, or has one of their entry points, is taken for a plug-in, any other for
+// a host.
+Findings Examine(std::span<const Export> exports, std::string_view file);
 
 std::string AsText(const Findings& findings, std::string_view file);
 std::string AsJson(const Findings& findings, std::string_view file);

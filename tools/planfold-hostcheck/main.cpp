@@ -75,10 +75,10 @@ int Run(std::span<const std::string> words) {
     std::string why;
     const auto exports = ReadExports(bytes.Value(), why);
     if (!exports) return Fail(file + ' ' + why);
-    const Findings findings = Examine(*exports);
+    const std::string name(vesk::FileNameOf(file));
+    const Findings findings = Examine(*exports, name);
     const bool isUnusable = findings.Lacks(sdk::Need::always) || findings.Lacks(sdk::Need::orders);
     const int status = isUnusable ? kUnusable : findings.Lacks(sdk::Need::comfort) ? kLess : kAllThere;
-    const std::string name(vesk::FileNameOf(file));
     return Print(asJson ? AsJson(findings, name) : AsText(findings, name), status);
 }
 
