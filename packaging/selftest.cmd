@@ -23,10 +23,12 @@ if not %failed%==0 echo something failed; the logs are in %stage% >> "%report%"
 type "%report%"
 exit /b %failed%
 
-rem Each script has a fresh copy of the terminal.
+rem Each script has a fresh copy of the terminal, without what was tried in it before.
 :play
 if exist "%stage%\%~1" rmdir /s /q "%stage%\%~1"
 xcopy /e /i /q /y "%here%reference" "%stage%\%~1" > nul
+if exist "%stage%\%~1\data\user" rmdir /s /q "%stage%\%~1\data\user"
+del /q "%stage%\%~1\data\journal*" > nul 2>&1
 mkdir "%stage%\%~1\out"
 start "" /wait "%stage%\%~1\VeskTrader.exe" --script "%here%selftest\%~1.script" --log "%stage%\%~1\out\%~1.log" --out "%stage%\%~1\out"
 find "script passed" "%stage%\%~1\out\%~1.log" > nul 2>&1
