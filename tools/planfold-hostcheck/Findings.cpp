@@ -1,6 +1,5 @@
 #include "tools/planfold-hostcheck/Findings.h"
 
-#include <cctype>
 #include <nlohmann/json.hpp>
 
 namespace hostcheck {
@@ -34,7 +33,7 @@ std::string Undecorated(std::string_view name) {
     name.remove_prefix(std::min(name.find_first_not_of("?_@"), name.size()));
     std::string bare(name.substr(0, name.find('@')));
     for (char& letter : bare)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
     return bare;
 }
 
