@@ -48,7 +48,7 @@ def version():
 
 def documents():
     """Path in the zip by path in the source."""
-    files = subprocess.run(['git', 'ls-files', '-z', 'README.md', 'docs'], cwd=ROOT, check=True, capture_output=True,
+    files = subprocess.run(['git', 'ls-files', '-z', ':(glob)*.md', 'docs'], cwd=ROOT, check=True, capture_output=True,
                            text=True).stdout.split('\0')
     return {name: re.sub(r'\.md$', '.html', name) for name in files if name.endswith(('.md', '.png', '.svg'))}
 
