@@ -12,6 +12,10 @@ done < "$list"
 echo "installing:$missing"
 as_root=
 [ "$(id -u)" = 0 ] || as_root=sudo
-$as_root apt-get update -q
+# Another installation may be under way. For the lists apt cannot wait itself.
+for _ in $(seq 60); do
+    ! $as_root apt-get update -q || break
+    sleep 10
+done
 # shellcheck disable=SC2086
-DEBIAN_FRONTEND=noninteractive $as_root apt-get install -q -y --no-install-recommends $missing
+DEBIAN_FRONTEND=noninteractive $as_root apt-get -o DPkg::Lock::Timeout=600 install -q -y --no-install-recommends $missing

@@ -24,15 +24,17 @@ make_prefix() {
     # the frames itself.
     [ "$kind" = display ] || wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
     [ -z "${WINE_DPI:-}" ] || wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$WINE_DPI" /f
+    # A crash ends the program at once: no debugger looks at it first, for minutes and behind a box.
+    wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d '' /f
     # Debian's Wine does not look where its own fonts are installed; Marlett draws the caption buttons.
     cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
     wineserver -w
-    touch "$WINEPREFIX/ready"
+    touch "$WINEPREFIX/ready-2"
 }
-# One process makes the prefix; the others wait for it.
+# One process makes the prefix; the others wait for it. The number is that of the settings above.
 (
     flock 9
-    [ -f "$WINEPREFIX/ready" ] || make_prefix >/dev/null 2>&1
+    [ -f "$WINEPREFIX/ready-2" ] || make_prefix >/dev/null 2>&1
 ) 9>"$WINEPREFIX.lock"
 
 set -- wine ${WINE_DESKTOP:+explorer "/desktop=$WINE_DESKTOP"} "$@"

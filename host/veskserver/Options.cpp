@@ -27,6 +27,10 @@ bool ReadHelp(ServerOptions& options, std::string_view) {
     return options.help = true;
 }
 
+bool ReadVersion(ServerOptions& options, std::string_view) {
+    return options.tellsVersion = true;
+}
+
 bool ReadCheckJournal(ServerOptions& options, std::string_view) {
     return options.checksJournal = true;
 }
@@ -63,6 +67,7 @@ constexpr OptionRow<ServerOptions> kOptions[] = {
     {"--check-journal", ReadCheckJournal, ""},
     {"--status", ReadStatus, ""},
     {"--help", ReadHelp, ""},
+    {"--version", ReadVersion, ""},
 };
 
 } // namespace
@@ -75,7 +80,7 @@ SYNOPSIS
                [--login LOGIN[:FIRM[:BRANCH]]]... [--allow-commands]
     veskserver --check-journal --journal FILE
     veskserver --status --journal FILE
-    veskserver --help
+    veskserver --help | --version
 
 DESCRIPTION
     Serves the terminals that connect to the port, over one journal, until it is
@@ -164,7 +169,7 @@ EXAMPLE
 Complaint ReadServerOptions(std::span<const std::string> words, ServerOptions& options) {
     const auto noWord = [](const std::string&) { return false; };
     if (const Complaint complaint = ReadOptionRows<ServerOptions>(words, kOptions, options, noWord);
-        !options.help)
+        !options.help && !options.tellsVersion)
         return complaint || !options.journal.empty() ? complaint : Complaint("a journal is needed");
     return std::nullopt;
 }

@@ -14,6 +14,7 @@ namespace vesk {
 
 struct ServerOptions {
     bool help = false;
+    bool tellsVersion = false;
     bool checksJournal = false; // and does nothing else
     bool tellsStatus = false;   // the same
     bool takesCommands = false; // from terminals

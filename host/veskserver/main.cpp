@@ -4,6 +4,7 @@
 #include "host/server/MarketServer.h"
 #include "host/server/net/ServerWatch.h"
 #include "host/veskserver/Options.h"
+#include "planfold_version.h"
 
 #include <atomic>
 #include <csignal>
@@ -192,6 +193,10 @@ int Run(std::span<const std::string> words) {
         return Fail(*complaint + "; see veskserver --help");
     if (options.help) {
         std::fwrite(kServerHelp.data(), 1, kServerHelp.size(), stdout);
+        return 0;
+    }
+    if (options.tellsVersion) {
+        std::puts("veskserver " PLANFOLD_VERSION);
         return 0;
     }
     if (options.tellsStatus) return TellStatus(options.journal);

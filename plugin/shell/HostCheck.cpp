@@ -1,5 +1,6 @@
 #include "plugin/shell/HostCheck.h"
 
+#include "planfold_version.h"
 #include "plugin/messaging/HostCallbacks.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ int PreferredPointSize(int templatePoints, std::intptr_t size, std::intptr_t var
 namespace {
 
 constexpr std::string_view kName = "Planfold";
-constexpr std::string_view kVersion = "4.5.2.10";
+constexpr std::string_view kVersion = PLANFOLD_VERSION;
 constexpr std::uint32_t kBuildStamp = 29032010; // DDMMYYYY
 constexpr std::uint32_t kInterfaceNumber = 58;
 

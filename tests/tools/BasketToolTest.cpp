@@ -42,6 +42,7 @@ TEST(BasketTool, AnswersAndPrints) {
         const char* printed; // somewhere in it
     } cases[] = {
         {"", "--help", 0, "EXIT STATUS"},
+        {"", "--version", 0, "planfold-basket 4.5.2.10\n"},
         {"", "check good.csv $S", 0,
          "60 lines read, 60 rows, 0 rejected\nbuy  48 orders, amount 39200.00, quantity 330\n"
          "sell 12 orders, amount 9800.00, quantity 100\n"},

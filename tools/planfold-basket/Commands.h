@@ -11,7 +11,7 @@
 
 namespace basket {
 
-enum class Task { help, check, importFile, writeTemplate };
+enum class Task { help, version, check, importFile, writeTemplate };
 
 inline constexpr std::string_view kStandardStream = "-";
 

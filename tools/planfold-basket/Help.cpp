@@ -15,7 +15,7 @@ SYNOPSIS
     planfold-basket template --scrips FILE [--lines N] [--products LIST]
                     [--mode MODE] [--today DATE] [--out OUT]
     planfold-basket changes OLD EDITED [--mode MODE] [--user ID] [--json]
-    planfold-basket --help
+    planfold-basket --help | --version
 
 DESCRIPTION
     check reads a basket as the basket window does, by the same rules, and tells

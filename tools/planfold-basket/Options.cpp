@@ -177,6 +177,10 @@ Complaint ReadOptions(std::span<const std::string> words, Options& options) {
     if (words.empty()) return "a command is missing";
     if (std::ranges::find(words, std::string_view("--help")) != words.end()) return std::nullopt;
     const std::string_view command = words.front();
+    if (command == "--version") {
+        options.task = Task::version;
+        return std::nullopt;
+    }
     const auto* task = std::ranges::find(kTasks, command, &TaskWord::word);
     if (task == std::end(kTasks)) return "unknown command " + Quoted(command);
     options.task = task->task;

@@ -1,5 +1,6 @@
 // planfold-basket: checks basket files without the terminal.
 #include "host/files/Files.h"
+#include "planfold_version.h"
 #include "tools/planfold-basket/Commands.h"
 #include "tools/planfold-basket/Sources.h"
 
@@ -20,6 +21,9 @@ int Run(std::span<const std::string> words) {
     if (const auto complaint = ReadOptions(words, options))
         return Fail(*complaint + "; see planfold-basket --help");
     if (options.task == Task::help) return WriteText(std::string(kStandardStream), kHelp) ? kAllGood : kFailed;
+    if (options.task == Task::version)
+        return WriteText(std::string(kStandardStream), "planfold-basket " PLANFOLD_VERSION "\n") ? kAllGood
+                                                                                                 : kFailed;
     const auto master = vesk::ScripMaster::Load(options.scrips);
     if (!master) return Fail(master.Fault().Text());
     MasterScrips scrips(master.Value());

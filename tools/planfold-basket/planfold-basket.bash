@@ -15,7 +15,7 @@ _planfold_basket() {
     esac
     if [ -z "${words:-}" ]; then
         case ${COMP_CWORD}:${COMP_WORDS[1]} in
-        1:*) words="check import template changes --help" ;;
+        1:*) words="check import template changes --help --version" ;;
         *:check) words="$all $reads" ;;
         *:import) words="$all $reads --map --date --amount --default" ;;
         *:changes) words="--mode --user --json" ;;

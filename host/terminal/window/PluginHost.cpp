@@ -58,7 +58,7 @@ std::vector<std::string> PluginHost::LoadFolder(const std::string& folder) {
 std::string PluginHost::LoadOne(const std::string& path, const std::string& fileName) {
     Plugin plugin;
     plugin.fileName = fileName;
-    plugin.module = LoadLibraryW(PathOf(path).c_str());
+    plugin.module = LoadLibraryExW(PathOf(path).c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     if (!plugin.module) return fileName + " cannot be loaded, error " + std::to_string(GetLastError());
     if (!Resolve(plugin.module, "GetVeskPluginInfo", plugin.info)
         || !Resolve(plugin.module, "InitVeskPlugin", plugin.init)) {
