@@ -152,6 +152,17 @@ std::string Format(const char* format, ...) {
     return text;
 }
 
+std::string Joined(std::initializer_list<std::string_view> pieces) {
+    std::size_t size = 0;
+    for (const std::string_view piece : pieces)
+        size += piece.size();
+    std::string text;
+    text.reserve(size);
+    for (const std::string_view piece : pieces)
+        text += piece;
+    return text;
+}
+
 std::string_view WithoutMark(std::string_view text) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.remove_prefix(mark.size());

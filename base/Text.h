@@ -3,6 +3,7 @@
 #pragma once
 
 #include <charconv>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ namespace base {
 // As printf does in the "C" locale. The conversions are d, i, u, c, s, f and g, with "-", "0", a width, a
 // precision (also "*") and a length. The format is always one of our own literals, never text from outside.
 [[gnu::format(BASE_PRINTF, 1, 2)]] std::string Format(const char* format, ...);
+
+// The pieces, one behind the other.
+std::string Joined(std::initializer_list<std::string_view> pieces);
 
 // The number that the whole text is, in the type's range: nothing may stand before or behind it.
 template <class Number>

@@ -24,8 +24,9 @@ class ModelView final : public BookView {
 public:
     void ShowMessage(planfold::Pass, std::string_view) override {}
     bool IsOpen() const override { return true; }
+    bool MayAsk() override { return true; }
     bool Ask(Pass, std::string_view) override { return false; }
-    std::string AskReason(Pass) override { return {}; }
+    std::string AskReason(Pass, std::size_t) override { return {}; }
     void OpenForModify(Pass, const sOrderinfo&) override {}
     void TellChanged(Pass, const sOrderinfo&) override {}
     void ShowRun() override {}

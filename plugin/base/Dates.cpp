@@ -28,13 +28,16 @@ std::int64_t MakeTime(const LocalDateTime& local, int daylightSaving) {
     return static_cast<std::int64_t>(std::mktime(&parts));
 }
 
+std::chrono::sys_days DayOf(const LocalDateTime& date) {
+    return std::chrono::year_month_day(std::chrono::year(date.year),
+                                       std::chrono::month(static_cast<unsigned>(date.month)),
+                                       std::chrono::day(static_cast<unsigned>(date.day)));
+}
+
 // A date that days can be added to.
 class WorkingDate {
 public:
-    explicit WorkingDate(const LocalDateTime& date)
-        : m_days(std::chrono::year_month_day(std::chrono::year(date.year),
-                                             std::chrono::month(static_cast<unsigned>(date.month)),
-                                             std::chrono::day(static_cast<unsigned>(date.day)))) {}
+    explicit WorkingDate(const LocalDateTime& date) : m_days(DayOf(date)) {}
 
     void Move(int days) {
         m_days += std::chrono::days(days);
@@ -110,6 +113,11 @@ int CountDaysInYears(const LocalDateTime& date, int years) {
     return at.Counted();
 }
 
+bool IsLater(const LocalDateTime& date, const LocalDateTime& day, int days) {
+    const std::chrono::sys_days latest = DayOf(day) + std::chrono::days(days);
+    return DayOf(date) > latest || (DayOf(date) == latest && date != date.Midnight());
+}
+
 std::string FormatPickerDate(const LocalDateTime& date) {
     return Format("%02d/%s/%04d", date.day, std::string(MonthName(date.month)).c_str(), date.year);
 }
@@ -125,7 +133,11 @@ std::int64_t ParseDate(std::string_view text) {
         yearText.size() < 3 ? Format("%d%s", 20, std::string(yearText).c_str()) : std::string(yearText));
     // A month that is no month must not slide into the year before.
     if (!IsCalendarDay(year, month, day) || year < 0 || year > 9999) return kNoSuchDate;
-    return MakeTime({static_cast<int>(year), static_cast<int>(month), static_cast<int>(day)}, 0);
+    return DateSeconds({static_cast<int>(year), static_cast<int>(month), static_cast<int>(day)});
+}
+
+std::int64_t DateSeconds(const LocalDateTime& date) {
+    return MakeTime(date.Midnight(), 0);
 }
 
 } // namespace planfold

@@ -32,6 +32,10 @@ bool IsLeapYear(int year);
 // January of a leap year the count stays one day short.
 int CountDaysInYears(const LocalDateTime& date, int years);
 
+// Whether `date`, with its time of day, is later than the midnight so many days after that of `day`. The days
+// of the calendar count, whatever the clocks do meanwhile.
+bool IsLater(const LocalDateTime& date, const LocalDateTime& day, int days);
+
 // "05/Mar/2027".
 std::string FormatPickerDate(const LocalDateTime& date);
 
@@ -39,5 +43,7 @@ std::string FormatPickerDate(const LocalDateTime& date);
 // seconds since 1 January 1970 for local midnight, daylight saving off. -1: a part is missing;
 // -2: no such date.
 std::int64_t ParseDate(std::string_view text);
+// The same of a date that is no text.
+std::int64_t DateSeconds(const LocalDateTime& date);
 
 } // namespace planfold

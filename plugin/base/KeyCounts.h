@@ -10,6 +10,10 @@ namespace planfold {
 
 class KeyCounts {
 public:
+    // Soon asked for: where it lies is fetched meanwhile.
+    void Expect(std::uint64_t key) const {
+        if (!m_slots.empty()) __builtin_prefetch(&m_slots[static_cast<std::size_t>(key >> m_shift)]);
+    }
     // Each returns the key's count afterwards. What is decremented was incremented before.
     std::uint32_t Increment(std::uint64_t key);
     std::uint32_t Decrement(std::uint64_t key);

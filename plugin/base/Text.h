@@ -11,6 +11,7 @@
 namespace planfold {
 
 using base::Format;
+using base::Joined;
 
 // A value for each field of a record.
 template <class Field, class Value>

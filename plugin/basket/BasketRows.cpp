@@ -21,11 +21,14 @@ void AddToKey(std::uint64_t& key, std::string_view text) {
     key = (key ^ std::hash<std::string_view>{}(text)) * 0x9E37'79B9'7F4A'7C15u;
 }
 
-std::uint64_t AlikeKey(const sBasketOrderData& row) {
+std::uint64_t AlikeKey(const BasketTexts& texts) {
     std::uint64_t key = 0;
     for (const BasketField field : kAlikeFields)
-        AddToKey(key, row.Text(field));
+        AddToKey(key, texts[field]);
     return key;
+}
+std::uint64_t AlikeKey(const sBasketOrderData& row) {
+    return AlikeKey(row.Texts());
 }
 
 constexpr RowState kSentStates[] = {RowState::sent, RowState::registered, RowState::refused, RowState::inDoubt};
@@ -53,11 +56,13 @@ RecordId BasketRows::Reserve() {
 }
 
 RecordId BasketRows::Add(const BasketTexts& texts) {
+    const std::uint64_t key = AlikeKey(texts);
+    m_alike.Expect(key);
     const RecordId record = Reserve();
     m_rows[record] = sBasketOrderData(texts, m_nextSerial++);
     m_lines[record] = 0;
     m_bySerialNumber.push_back(record);
-    Enter(record);
+    Enter(record, key);
     return record;
 }
 
@@ -84,7 +89,7 @@ void BasketRows::PutBack(RecordId record, TakenRow taken, RowState state) {
     m_rows[record].SetSerialNumber(m_nextSerial++);
     m_bySerialNumber.push_back(record);
     m_lines[record] = taken.line;
-    Enter(record);
+    Enter(record, AlikeKey(m_rows[record]));
     if (taken.order != kNoOrder)
         SetOrder(record, taken.order, state);
     else if (state == RowState::notPlaced)
@@ -146,8 +151,8 @@ bool BasketRows::StandsTwice(RecordId record) const {
     return m_alike.Of(AlikeKey(m_rows[record])) > 1;
 }
 
-void BasketRows::Enter(RecordId record) {
-    const std::uint32_t alike = m_alike.Increment(AlikeKey(m_rows[record]));
+void BasketRows::Enter(RecordId record, std::uint64_t alikeKey) {
+    const std::uint32_t alike = m_alike.Increment(alikeKey);
     // With the second of a kind, the first stands twice as well.
     if (alike > 1) m_standingTwice += alike == 2 ? 2 : 1;
     ++m_counts[static_cast<std::size_t>(State(record))];

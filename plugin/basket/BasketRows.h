@@ -100,7 +100,7 @@ private:
     };
 
     // What a row adds to the counts, and takes from them when it goes.
-    void Enter(RecordId record);
+    void Enter(RecordId record, std::uint64_t alikeKey);
     void Leave(RecordId record);
     void AddToTotals(const sBasketOrderData& row, int sign);
     void SetState(RecordId record, RowState state);

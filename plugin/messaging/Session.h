@@ -9,6 +9,7 @@
 #include "sdk/CString.h"
 #include "sdk/Qmx.h"
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -64,6 +65,11 @@ public:
     std::optional<std::string> FreshIdentifier(Pass pass) const;
     // One line of the host's tabbed log; nothing when the host has none.
     void Log(Pass pass, std::string_view text) const;
+    // The same of a line that is made only for a host that has one.
+    template <std::invocable Make>
+    void Log(Pass pass, const Make& make) const {
+        if (host.pu_add_to_tabbed_log) Log(pass, std::string_view(make()));
+    }
     // The same where nothing of the caller's comes after it.
     void LogLast(std::string_view text) const {
         Lifetime::Last([&](Pass pass) { Log(pass, text); });

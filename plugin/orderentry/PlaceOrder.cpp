@@ -33,18 +33,36 @@ struct AddSipOrder {
 enum class Outcome { sent, failed };
 
 // Ten fields, in this order; the amount in rupees once the order is sent.
-void LogOutcome(const AddSipOrder& add, Outcome outcome) {
+std::string OutcomeLine(const AddSipOrder& add, Outcome outcome) {
     const sSipOrderData& order = add.order;
-    std::string value = order.amountOrQuantity;
-    if (outcome == Outcome::sent && order.investType == "value")
-        value = Format("%.2lf", static_cast<double>(LeadingInteger(value)) / 100);
-    add.session.Log(add.pass, Format("%s %s SIP Order %s : Trigger Pending %s %s at %s %s %s for period : %s "
-                                     "Months Client ID : %s by %s",
-                                     std::string(add.exchangeShown).c_str(), order.sideWord.c_str(),
-                                     outcome == Outcome::sent ? ": Status" : "Failed Status",
-                                     order.product.c_str(), order.tradingSymbol.c_str(), value.c_str(),
-                                     order.validity.c_str(), order.frequency.c_str(), order.totalPeriod.c_str(),
-                                     order.account.c_str(), add.loginId.c_str()));
+    const bool isSent = outcome == Outcome::sent;
+    const bool inRupees = isSent && order.investType == "value";
+    const std::string rupees = inRupees ? InRupees(LeadingInteger(order.amountOrQuantity)) : std::string();
+    return Joined({add.exchangeShown,
+                   " ",
+                   order.sideWord,
+                   " SIP Order ",
+                   isSent ? ": Status" : "Failed Status",
+                   " : Trigger Pending ",
+                   order.product,
+                   " ",
+                   order.tradingSymbol,
+                   " at ",
+                   inRupees ? rupees : order.amountOrQuantity,
+                   " ",
+                   order.validity,
+                   " ",
+                   order.frequency,
+                   " for period : ",
+                   order.totalPeriod,
+                   " Months Client ID : ",
+                   order.account,
+                   " by ",
+                   add.loginId});
+}
+
+void LogOutcome(const AddSipOrder& add, Outcome outcome) {
+    add.session.Log(add.pass, [&] { return OutcomeLine(add, outcome); });
 }
 
 template <std::string sSipOrderData::*member>
@@ -80,13 +98,13 @@ Value BasketCautionaryFlag(AddSipOrder& add) {
 }
 
 Value Sequence(AddSipOrder& add) {
-    add.sequence = Format("%ld", static_cast<long>(add.place->serialNumber));
+    add.sequence = std::to_string(add.place->serialNumber);
     return add.sequence;
 }
 
 Value OperationMode(AddSipOrder& add) {
     if (add.session.m_nSipOperationMode == 0) return std::nullopt;
-    add.operationMode = Format("%d", add.session.m_nSipOperationMode);
+    add.operationMode = std::to_string(add.session.m_nSipOperationMode);
     return add.operationMode;
 }
 

@@ -41,25 +41,24 @@ void ScripFromDialog(Pass pass, const Session& session, HostWindow dialog, sSipO
 void ScripFromMaster(Pass pass, const Session& session, const SipOrderForm& form, sSipOrderData& record) {
     Convert(kExchangeToServer, form.exchange, record.exchange);
     record.tradingSymbol = AskTradingSymbol(pass, session, record.exchange, form.series, form.symbol);
-    session.Log(
-        pass,
-        Format("SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
-               record.exchange.c_str(), form.series.c_str(), form.symbol.c_str(),
-               record.tradingSymbol.c_str()));
+    session.Log(pass, [&] {
+        return Format(
+            "SIP OrderDetails Get Trading Symbol -Exng : %s,Series : %s,Symbol : %s,TradingSymbol : %s ",
+            record.exchange.c_str(), form.series.c_str(), form.symbol.c_str(), record.tradingSymbol.c_str());
+    });
     const auto details = AskScripDetails(pass, session, form.exchange, record.tradingSymbol);
     record.token = details ? TextOf(details->token) : std::string_view();
-    session.Log(pass, Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
-                             form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str()));
+    session.Log(pass, [&] {
+        return Format("SIP OrderDetails Get Token -Exng : %s,Trading Symbol : %s,Token : %s ",
+                      form.exchange.c_str(), record.tradingSymbol.c_str(), record.token.c_str());
+    });
 }
 
 Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
     if (form.modifyMode) return std::nullopt;
     const LocalDateTime today = now.Midnight();
     if (form.startDate.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
-    const std::int64_t latest = ToSeconds(today) + CountDaysInYears(today, kMostYearsAhead) * kSecondsPerDay;
-    const std::int64_t start = ToSeconds(form.startDate);
-    const bool beyondTheClock = start < 0;
-    if (beyondTheClock || start > latest)
+    if (IsLater(form.startDate, today, CountDaysInYears(today, kMostYearsAhead)))
         return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
     return std::nullopt;
 }
@@ -139,7 +138,7 @@ std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostW
     record.frequency = form.frequency;
 
     if (auto refusal = CheckStartDate(form, now)) return refusal;
-    record.startDate = std::to_string(ParseDate(FormatPickerDate(form.startDate)));
+    record.startDate = std::to_string(DateSeconds(form.startDate));
 
     record.totalPeriod = form.totalPeriod;
     if (auto refusal = CheckPeriods(PeriodRulesOf(session), form.frequency, form.totalPeriod)) return refusal;

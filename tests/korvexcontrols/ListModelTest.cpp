@@ -73,6 +73,9 @@ TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
     const Row rows[] = {
         {contains, "Ten", "", "ten|mitTEN|often", "te|t en|"},
         {containsNot, "Ten", "", "te|t en|", "ten|mitTEN"},
+        // Long cells are looked at in pieces.
+        {contains, "Ten", "", "TEN------------------|---------------tEn---|--------------------teN",
+         "te-------------------|---------------te----|-------------------t-en"},
         {equalsText, "", "", "", " |a"},
         {equalsText, "aB", "", "ab|AB", "a|abc|ab |"},
         {exactly, "Ab", "", "Ab", "ab|AB|Ab |"},

@@ -1,6 +1,7 @@
 #include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace korvex {
 
@@ -23,9 +24,39 @@ bool StartsWithFolded(std::string_view text, std::string_view start) {
     return CommonPrefixFolded(text, start) == start.size();
 }
 
+namespace {
+
+// Places of a text that are looked at together: a branch for each of them could not be foreseen.
+constexpr std::size_t kPlaces = 16;
+
+// Whether the two characters stand one behind the other at one of the places that begin there.
+bool HasPairFolded(const char* text, char first, char second) {
+    std::array<char, kPlaces> one, next;
+    std::memcpy(one.data(), text, kPlaces);
+    std::memcpy(next.data(), text + 1, kPlaces);
+    char found = 0;
+    for (std::size_t i = 0; i < kPlaces; ++i) {
+        const auto fold = [](char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c); };
+        found = static_cast<char>(found | ((fold(one[i]) == first) & (fold(next[i]) == second)));
+    }
+    return found != 0;
+}
+
+// The same in a text that has more characters than places; the last places are looked at twice.
+bool HasPairFolded(std::string_view text, char first, char second) {
+    const std::size_t last = text.size() - kPlaces - 1;
+    bool found = HasPairFolded(text.data() + last, first, second);
+    for (std::size_t at = 0; at < last; at += kPlaces)
+        found |= HasPairFolded(text.data() + at, first, second);
+    return found;
+}
+
+} // namespace
+
 bool ContainsFolded(std::string_view text, std::string_view folded) {
     if (folded.empty()) return true;
     if (text.size() < folded.size()) return false;
+    if (folded.size() > 1 && text.size() > kPlaces && !HasPairFolded(text, folded[0], folded[1])) return false;
     const char* last = text.data() + (text.size() - folded.size());
     const auto first = static_cast<unsigned char>(folded.front());
     for (const char* at = text.data(); at <= last; ++at) {

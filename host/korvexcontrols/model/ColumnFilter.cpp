@@ -213,13 +213,18 @@ void RowFilters::SetOwner(std::int32_t column, const std::string_view* text) {
 
 void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const {
     std::array<std::string_view, kBatch> cells;
+    constexpr std::size_t ahead = 8;
     const auto drop = [&](const ColumnFilter& filter) {
         std::size_t kept = 0;
         for (std::size_t at = 0; at < records.size(); at += kBatch) {
             const std::size_t count = std::min(kBatch, records.size() - at);
             source.Cells({&records[at], count}, filter.Column(), cells.data());
-            for (std::size_t i = 0; i < count; ++i)
-                if (filter.Passes(cells[i])) records[kept++] = records[at + i];
+            for (std::size_t i = 0; i < count; ++i) {
+                // The texts lie anywhere: those to come are fetched meanwhile.
+                if (i + ahead < count) __builtin_prefetch(cells[i + ahead].data());
+                records[kept] = records[at + i];
+                kept += filter.Passes(cells[i]);
+            }
         }
         records.resize(kept);
     };

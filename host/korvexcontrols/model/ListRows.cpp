@@ -82,12 +82,10 @@ std::vector<std::uint32_t> ListRows::Arrange() {
         const auto keys = m_sort.Sort(records);
         m_sorted.Assign(records, keys);
     } else if (IsFiltered()) {
-        auto next = records.rbegin();
-        for (std::uint32_t slot = 0; slot < m_order.Slots(); ++slot) {
-            const bool shown = next != records.rend() && m_order.SlotOf(*next) == slot;
-            m_passing.Append(shown);
-            next += shown;
-        }
+        std::vector<std::uint32_t> slots(records.size());
+        std::ranges::transform(records, slots.begin(),
+                               [&](std::uint32_t record) { return m_order.SlotOf(record); });
+        m_passing.Assign(m_order.Slots(), slots);
     }
     return records;
 }

@@ -98,6 +98,21 @@ void RankedBits::Clear() {
     m_tree.assign(1, 0);
 }
 
+void RankedBits::Assign(std::uint32_t size, std::span<const std::uint32_t> set) {
+    const std::uint32_t blocks = (size + kBlockBits - 1) / kBlockBits;
+    m_size = size;
+    m_count = static_cast<std::uint32_t>(set.size());
+    m_words.assign(std::size_t{blocks} * kBlockWords, 0);
+    m_tree.assign(blocks + std::size_t{1}, 0);
+    for (const std::uint32_t bit : set) {
+        m_words[bit / kWordBits] |= std::uint64_t{1} << (bit % kWordBits);
+        ++m_tree[bit / kBlockBits + 1];
+    }
+    for (std::uint32_t node = 1; node <= blocks; ++node)
+        if (const std::uint32_t parent = node + (node & -node); parent <= blocks)
+            m_tree[parent] += m_tree[node];
+}
+
 void RowOrder::Append(std::uint32_t record) {
     if (record >= m_slotOf.size())
         m_slotOf.resize(std::max<std::size_t>(record + std::size_t{1}, m_slotOf.size() * 2), kNone);
@@ -119,8 +134,7 @@ void RowOrder::Clear() {
 std::vector<std::uint32_t> RowOrder::Records() const {
     std::vector<std::uint32_t> records;
     records.reserve(Count());
-    for (std::uint32_t slot = Slots(); slot-- > 0;)
-        if (m_live.Test(slot)) records.push_back(m_recordAt[slot]);
+    m_live.ForSet([&](std::uint32_t slot) { records.push_back(m_recordAt[slot]); });
     return records;
 }
 

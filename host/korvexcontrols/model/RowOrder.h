@@ -2,8 +2,10 @@
 // a binary indexed tree over the counts of blocks of words.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace korvex {
@@ -23,6 +25,19 @@ public:
     void Append(bool set);
     void Set(std::uint32_t bit, bool set);
     void Clear();
+    // So many bits, of which those are set.
+    void Assign(std::uint32_t size, std::span<const std::uint32_t> set);
+
+    // Hands over the set bits, the last one first.
+    template <class Take>
+    void ForSet(Take&& take) const {
+        for (std::size_t word = m_words.size(); word-- > 0;)
+            for (std::uint64_t bits = m_words[word]; bits != 0;) {
+                const auto last = static_cast<std::uint32_t>(std::bit_width(bits) - 1);
+                bits ^= std::uint64_t{1} << last;
+                take(static_cast<std::uint32_t>(word) * kWordBits + last);
+            }
+    }
 
 private:
     static constexpr std::uint32_t kWordBits = 64, kBlockWords = 8, kBlockBits = kWordBits * kBlockWords;
