@@ -14,14 +14,14 @@ sub Read { my ($name) = @_; local $/; open my $file, "<", $name or die "$name: $
 
 my ($raw, $texts) = ("", "");
 find({no_chdir => 1, wanted => sub {
-    return unless -f && /\.(cpp|h|rc|1|cmake|txt|sh|in)$/;
+    return unless -f && /\.(cpp|h|rc|1|cmake|txt|sh|in|cmd|py)$/;
     my $source = Read($_);
     $raw .= $source;
     return if m{^(tests|fuzz|bench)/} || !/\.(cpp|h|rc)$/;
     $source =~ s{^\s*(//|#include).*$}{}mg;
     $source =~ s/(?<!\\)"\s*\n\s*L?"//g;
     $texts .= "$1\n" while $source =~ /"((?:[^"\\\n]|\\.)*)"/g;
-}}, qw(tests plugin host sdk framework base tools fuzz bench cmake));
+}}, qw(tests plugin host sdk framework base tools fuzz bench cmake packaging));
 $texts =~ s/\\"/"/g;
 $texts =~ s/\\n/ /g;
 $texts =~ s/\\x2026/.../g;
