@@ -37,7 +37,7 @@ bool HasPairFolded(const char* text, char first, char second) {
     char found = 0;
     for (std::size_t i = 0; i < kPlaces; ++i) {
         const auto fold = [](char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c); };
-        found = static_cast<char>(found | ((fold(one[i]) == first) & (fold(next[i]) == second)));
+        found = static_cast<char>(found | (int{fold(one[i]) == first} & int{fold(next[i]) == second}));
     }
     return found != 0;
 }
