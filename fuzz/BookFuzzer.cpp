@@ -7,6 +7,7 @@
 // sorts by that column.
 
 #include "fuzz/Messages.h"
+#include "host/korvexcontrols/model/CellDates.h"
 #include "tests/plugin/BookDouble.h"
 #include "tests/support/ModelList.h"
 
@@ -72,16 +73,21 @@ std::string Folded(std::string_view text) {
 void CompareShown(const View& view, const OrderBook& book, test::ModelList& list) {
     const korvex::ListModel& model = list.Model();
     std::vector<RecordId> rows;
-    const auto cell = [&](RecordId record) {
-        return Folded(book.Records()[record].Text(kBookColumns[view.column].field));
+    const auto text = [&](RecordId record) {
+        return book.Records()[record].Text(kBookColumns[view.column].field);
+    };
+    // Whole numbers and dates come before what has no value.
+    const auto place = [&](RecordId record) {
+        const auto value = korvex::ReadTextValue(text(record));
+        return std::tuple(!value, value.value_or(0), value ? std::string() : Folded(text(record)));
     };
     for (std::uint32_t row = 0; row < model.RowCount(); ++row) {
         const RecordId record = model.RecordAt(row);
         Demand(model.IndexOf(record) == row);
-        if (view.column < 0 || cell(record).find(Folded(view.filter)) != std::string::npos)
+        if (view.column < 0 || Folded(text(record)).find(Folded(view.filter)) != std::string::npos)
             rows.push_back(record);
     }
-    if (view.column >= 0) std::ranges::stable_sort(rows, {}, cell);
+    if (view.column >= 0) std::ranges::stable_sort(rows, {}, place);
     Demand(model.Rows().ShownRecords() == rows);
     Demand(model.ShownCount() == rows.size());
 }
