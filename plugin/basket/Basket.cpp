@@ -1,17 +1,7 @@
 #include "plugin/basket/Basket.h"
 
-#include "plugin/base/Numbers.h"
-#include "plugin/base/Text.h"
-#include "plugin/basket/BasketColumns.h"
-#include "plugin/basket/BasketFile.h"
-#include "plugin/messaging/HostQuestions.h"
 #include "plugin/orderentry/RecordedOrders.h"
-#include "plugin/resources/resource.h"
 #include "sdk/Tags.h"
-
-#include <algorithm>
-#include <iterator>
-#include <utility>
 
 namespace planfold {
 

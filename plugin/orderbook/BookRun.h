@@ -42,11 +42,6 @@ public:
     // Of every request that was sent it is known what came of it, as far as it can be.
     bool IsOver() const { return AllTried() && Count(OrderState::sent) == 0; }
 
-    // At most so many of those that are not tried. These are copies: the host may end the run.
-    std::vector<Row> Next(std::size_t most) const {
-        const auto from = m_rows.begin() + static_cast<std::ptrdiff_t>(m_next);
-        return {from, from + static_cast<std::ptrdiff_t>(std::min(most, m_rows.size() - m_next))};
-    }
     // The next rows are on the disk as sent, with these places in the order record.
     void Enter(std::span<const OrderPlace> places);
     // The next of them; only while not all are tried.

@@ -17,6 +17,16 @@ void BookWindowTest::TearDown() {
     RemoveWindowSubclass(Frame(), FrameProcedure, 77);
 }
 
+void BookWindowTest::Key(WPARAM key, BYTE control) {
+    BYTE keys[256] = {}, usual[256] = {};
+    GetKeyboardState(usual);
+    keys[VK_CONTROL] = control;
+    SetKeyboardState(keys);
+    probe::PostKey(key);
+    probe::Pump();
+    SetKeyboardState(usual);
+}
+
 LRESULT CALLBACK BookWindowTest::FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam,
                                                 UINT_PTR, DWORD_PTR context) {
     auto* self = reinterpret_cast<BookWindowTest*>(context);

@@ -33,6 +33,8 @@ protected:
     // Exactly these rows, by their numbers, and the focus on the last of them.
     static void Select(HWND list, const std::vector<std::string>& numbers);
     static HWND ReasonDialog() { return probe::FindDialog("Reject Reason"); }
+    // To whatever has the focus; `control` is 0x80 while that key is down.
+    static void Key(WPARAM key, BYTE control = 0);
     void Command(int command) const { SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(command), 0); }
 
     std::vector<HWND> announced;             // panes told to the frame

@@ -29,15 +29,6 @@ protected:
         return text;
     }
     static bool ShowsNotice() { return IsWindowVisible(GetDlgItem(Report(), IDC_DAY_NOTICE)); }
-    void Key(WPARAM key, BYTE control = 0) const {
-        BYTE keys[256] = {}, usual[256] = {};
-        GetKeyboardState(usual);
-        keys[VK_CONTROL] = control;
-        SetKeyboardState(keys);
-        probe::PostKey(key);
-        probe::Pump();
-        SetKeyboardState(usual);
-    }
 };
 
 TEST_F(DayReportWindow, OpensOnceFromEachListWhereRecordsAreKept) {

@@ -24,15 +24,6 @@ protected:
                         + number + " account=" + client + " startDate=" + DateText(-5)
                         + " nextExecutionDate=" + DateText(1) + " endDate=" + DateText(200));
     }
-    void Key(WPARAM key, BYTE control = 0) const {
-        BYTE keys[256] = {}, usual[256] = {};
-        GetKeyboardState(usual);
-        keys[VK_CONTROL] = control;
-        SetKeyboardState(keys);
-        probe::PostKey(key);
-        probe::Pump();
-        SetKeyboardState(usual);
-    }
     // The clients with the marks of their plans, and the row with the focus in brackets.
     static std::string Listed(HWND list) {
         std::string text;
