@@ -170,11 +170,11 @@ std::optional<ExchangeOrder> ExchangeOrder::FromJson(std::string_view text) {
     ExchangeOrder read;
     if (!reader.Take("{\"order\":") || !reader.TakeFields(read.order) || !reader.Take(",\"trades\":["))
         return std::nullopt;
-    if (!reader.Take("]")) {
+    if (!reader.Take(']')) {
         do {
             if (!reader.TakeFields(read.trades.emplace_back())) return std::nullopt;
-        } while (reader.Take(","));
-        if (!reader.Take("]")) return std::nullopt;
+        } while (reader.Take(','));
+        if (!reader.Take(']')) return std::nullopt;
     }
     if (reader.Take(kInstalment)) {
         FieldRecord fields;
@@ -182,7 +182,7 @@ std::optional<ExchangeOrder> ExchangeOrder::FromJson(std::string_view text) {
         read.instalment = Instalment::FromFields(fields);
         if (!read.instalment || !PlacementDay(read.order)) return std::nullopt;
     }
-    if (!reader.Take("}") || !reader.AtEnd() || read.order.Text(tag::registrationNumber).empty())
+    if (!reader.Take('}') || !reader.AtEnd() || read.order.Text(tag::registrationNumber).empty())
         return std::nullopt;
     return read;
 }

@@ -1,4 +1,4 @@
-// Has the journal written anew when most of it is superseded.
+// Has the journal written anew when much of it is superseded.
 //
 // Thread: the server's. Lifetime: what the constructor takes outlives it.
 #pragma once
@@ -16,7 +16,7 @@ public:
     JournalUpkeep(ServerJournal& journal, const Clockwork& clock, Registrations& registrations)
         : m_journal(journal), m_clock(clock), m_registrations(registrations) {}
 
-    // Whether most of the journal's many records are superseded.
+    // Whether many of the journal's records are superseded.
     bool IsStale() const;
     // Writes it anew with what the server holds. Why it could not; empty when that is done.
     std::string Renew();

@@ -52,7 +52,7 @@ std::optional<Registration> Registration::FromJson(std::string_view text) {
     }
     if (reader.Take(kChanges) && !reader.TakeFields(registration.changes)) return std::nullopt;
     if (reader.Take(kOrdered) && !reader.TakeFields(registration.ordered)) return std::nullopt;
-    if (!reader.Take("}") || !reader.AtEnd() || registration.Number().empty()) return std::nullopt;
+    if (!reader.Take('}') || !reader.AtEnd() || registration.Number().empty()) return std::nullopt;
     return registration;
 }
 

@@ -4,6 +4,7 @@
 #include "host/connectvesk/Wire.h"
 
 #include <array>
+#include <memory_resource>
 #include <optional>
 
 namespace vesk {
@@ -106,29 +107,41 @@ bool RecordReader::Take(std::string_view expected) {
     return true;
 }
 
+bool RecordReader::Take(char expected) {
+    if (m_rest.empty() || m_rest.front() != expected) return false;
+    m_rest.remove_prefix(1);
+    return true;
+}
+
 bool RecordReader::TakeFields(FieldRecord& record) {
-    if (!Take("{")) return false;
-    record.m_fields.reserve(m_rest.size());
+    if (!Take('{')) return false;
+    // Nearly every record fits, so that only what it keeps is memory of the heap.
+    std::array<char, 1024> room;
+    std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+    std::pmr::string fields(&memory);
+    fields.reserve(room.size() - 1);
     std::string unescaped;
     std::string_view text;
     std::optional<std::uint32_t> last;
     do {
-        if (!TakeText(text, unescaped) || !Take(":")) return false;
+        if (!TakeText(text, unescaped) || !Take(':')) return false;
         const std::optional<std::uint32_t> tag = base::ReadNumber<std::uint32_t>(text);
         if (!tag || !TakeText(text, unescaped)) return false;
         // As a server writes them each is the last so far.
         if (last && *tag <= *last) {
+            record.m_fields = fields;
             record.Set(*tag, text);
+            fields = record.m_fields;
             continue;
         }
         last = tag;
         char head[FieldRecord::kHeadSize];
         qmx::Store(head, *tag);
         qmx::Store(head + 4, static_cast<std::uint32_t>(text.size()));
-        record.m_fields.append(head, sizeof head).append(text);
-    } while (Take(","));
-    record.Shrink();
-    return Take("}");
+        fields.append(head, sizeof head).append(text);
+    } while (Take(','));
+    record.m_fields = fields;
+    return Take('}');
 }
 
 bool RecordReader::TakeAll(std::string_view kind, FieldRecord& record) {
@@ -158,7 +171,7 @@ bool RecordReader::TakeText(std::string_view& text, std::string& unescaped) {
 
 bool RecordReader::TakeQuoted(std::string& bytes) {
     bytes.clear();
-    if (!Take("\"")) return false;
+    if (!Take('"')) return false;
     while (!m_rest.empty()) {
         const auto byte = static_cast<unsigned char>(m_rest.front());
         m_rest.remove_prefix(1);

@@ -58,6 +58,7 @@ public:
 
     bool AtEnd() const { return m_rest.empty(); }
     bool Take(std::string_view expected);
+    bool Take(char expected);
     // It fails on a record without fields.
     bool TakeFields(FieldRecord& record);
     // A whole record, as JsonAs makes it.

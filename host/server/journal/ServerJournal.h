@@ -9,6 +9,7 @@
 
 #include "host/server/journal/Journal.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -46,10 +47,10 @@ public:
     // How often it took something.
     std::size_t Writes() const { return m_writes; }
 
-    // Whether so few records would do, of many that it has.
+    // Whether so few records would do, of many that it has. A start reads them all, so a third is many.
     bool IsStale(std::size_t needed) const {
         constexpr std::size_t leastSuperseded = 1000;
-        return m_replayError.empty() && m_records > needed + leastSuperseded && m_records > 2 * needed;
+        return m_replayError.empty() && m_records > needed + std::max(leastSuperseded, needed / 2);
     }
     // It has about so many from now on.
     void SetRecords(std::size_t records) { m_records = records; }
