@@ -137,7 +137,7 @@ TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
     EXPECT_TRUE(one.Client().Withdraw(orders));
     one.Pump();
     EXPECT_EQ(one.answers, Texts{"Withdrawn by the user"});
-    ASSERT_TRUE(Until([&] { return one.Client().RequestCount() == 0; }, {&one}));
+    ASSERT_TRUE(Until([&] { return one.Client().Requests().Size() == 0; }, {&one}));
     EXPECT_EQ(m_running->server->Registrations().size(), orders - 1);
     EXPECT_EQ(m_running->server->Registrations().back().Text(tag::orderId), std::to_string(orders - 1));
 }

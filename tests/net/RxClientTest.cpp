@@ -259,7 +259,7 @@ TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-2"}, {tag::echoedNumber, "7"}})));
     ASSERT_TRUE(Send(one, Order({{tag::orderId, "id-3"}})));
     ASSERT_TRUE(Send(one, "pause_sip_order registrationNumber=SIP2603020000001"));
-    EXPECT_EQ(m_client.Requests(), (std::vector<std::uint64_t>{1, 2, 3, 4}));
+    EXPECT_EQ(m_client.Requests().Numbers(), (std::vector<std::uint64_t>{1, 2, 3, 4}));
     const struct {
         std::uint64_t number;
         const char* answer; // empty: it has left, or is gone
@@ -271,7 +271,7 @@ TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     for (const auto& row : rows) {
         std::string answer;
         m_one.onAnswer = [&](void* message) { answer = qmx::Dump(message); };
-        const auto waiting = m_client.FindRequest(row.number);
+        const auto waiting = m_client.Requests().Find(row.number);
         EXPECT_EQ(waiting && !waiting->hasLeft, *row.answer != 0) << row.number;
         EXPECT_EQ(m_client.Withdraw(row.number), *row.answer != 0) << row.number;
         m_client.Pump(0);
@@ -281,7 +281,7 @@ TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     m_client.Pump(1000);
     ASSERT_EQ(m_running.server->Registrations().size(), 2u);
     EXPECT_EQ(m_running.server->Registrations()[1].Text(tag::orderId), "id-3");
-    EXPECT_EQ(m_client.RequestCount(), 0u);
+    EXPECT_EQ(m_client.Requests().Size(), 0u);
 }
 
 TEST_F(RxClientTest, WrongUseIsRefusedWithAnError) {

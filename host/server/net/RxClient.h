@@ -13,32 +13,21 @@
 //          pointer is ignored; an answer whose control is gone is dropped.
 #pragma once
 
-#include "host/server/net/Channel.h"
+#include "host/server/net/ClientConnection.h"
+#include "host/server/net/Deliveries.h"
+#include "host/server/net/SentRequests.h"
 #include "sdk/RxControl.h"
 
 #include <chrono>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vesk {
 
-enum class LinkState { connecting, connected, lost };
-
-// A request without its last answer. The bytes are its message, and the client's until the next call.
-struct WaitingRequest {
-    std::uint64_t number = 0;
-    std::string_view bytes{};
-    std::int64_t sinceMs = 0;
-    bool hasLeft = false; // on this connection or one before, perhaps only in part
-};
-
-class RxClient final {
+class RxClient final : private ConnectionListener {
 public:
     // Called from Pump at each change; `text` is for the user. It must not pump.
     using StateChanged = std::function<void(LinkState state, const std::string& text)>;
@@ -65,21 +54,17 @@ public:
     std::size_t Pump(std::int64_t nowMs);
     // Requests, commands and deliveries that still wait, a running query as one.
     std::size_t Waiting() const;
-    LinkState State() const { return m_state; }
+    LinkState State() const { return m_connection.State(); }
 
     // Sends and receives without a call to a notifier. Whether another call may do more at once.
     bool Flush(std::int64_t nowMs);
     // Ends the connection so that what has been sent arrives: waits a moment for the server to take it.
     // The next call begins another one.
-    void Leave();
+    void Leave() { m_connection.Leave(); }
 
-    // The numbers of the requests that wait, the oldest first.
-    std::vector<std::uint64_t> Requests() const;
-    std::size_t RequestCount() const { return m_requests.size(); }
+    const SentRequests& Requests() const { return m_requests; }
     // With them the answers that no notifier has been told yet.
     std::size_t AnswersDue() const;
-    // Nothing when the request does not wait any more.
-    std::optional<WaitingRequest> FindRequest(std::uint64_t number) const;
     // Takes back a request that never left. Its notifier gets a refusal from the next Pump. False when it has
     // left, or does not wait any more.
     bool Withdraw(std::uint64_t number);
@@ -91,82 +76,43 @@ public:
 
 private:
     class Control;
-    struct Unanswered {
-        net::ControlRequest request;
-        std::int64_t sinceMs;
-        bool hasLeft = false;    // on a connection before
-        std::size_t answers = 0; // that came
-        std::size_t toSkip = 0;  // of those to come, since they came before
-        std::string skipped{};   // the last one
-    };
-    struct Delivery {
-        std::uint32_t control;
-        bool isStream;
-        std::string bytes;
-        std::function<void()> tell{}; // instead of all that
-    };
     struct Step;
     static const Step kSteps[];
 
+    void OnWelcomed() override;
+    void OnFrame(const Frame& frame) override;
+    void OnLost() override;
+    void OnStateChanged(LinkState state, const std::string& text) override;
     template <class Said>
     bool TakeAs(std::string_view payload);
-    void On(const net::Challenge& said);
-    void On(const net::Welcome& said);
-    void On(const net::ConnectionRefused& said);
-    void On(net::Response&& said);
-    void On(const net::RequestDone& said);
-    void On(net::Update&& said);
+    // An answer, or the end of them.
+    template <class Said>
+    void TakeAnswer(Said&& said);
+    void On(net::Response&& said) { TakeAnswer(std::move(said)); }
+    void On(const net::RequestDone& said) { TakeAnswer(said); }
+    void On(net::Update&& said) { m_deliveries.Keep({said.control, true, std::move(said.bytes)}); }
     void On(const net::Unsubscribed& said);
     void On(net::CommandDone&& said);
     void On(net::ServerState&& said);
 
     std::uint64_t Send(std::uint32_t control, std::string_view bytes);
-    // Sends it when there is a server; the next connection begins with all of it anyway.
-    template <class Said>
-    void Say(Said said) {
-        if (m_state == LinkState::connected)
-            static_cast<void>(net::Append(m_output, std::move(said), m_channel->Sums()));
-    }
     // Puts requests into the output while that has room, so that the others can still be withdrawn.
     void SayRequests();
-    bool HasLeft(const Unanswered& one) const { return one.hasLeft || one.request.number <= m_lastSaid; }
-    void Connect();
-    void ConnectWhenDue(std::int64_t nowMs);
     // Whether another one may bring more at once.
     bool Exchange();
-    void TakeFrames();
-    void Take(const Frame& frame);
-    void Lose(const std::string& why);
-    void Change(LinkState state, const std::string& text);
     void TellLater(CommandTold command, Told told);
-    bool HasRoom() const;
-    void Keep(Delivery delivery);
     bool DeliverNext();
-    bool Deliver(const Delivery& delivery);
 
-    const std::unique_ptr<Channel> m_channel;
-    const UserIdentity m_user;
     const StateChanged m_changed;
     const StateTold m_stateTold;
     const std::chrono::milliseconds m_pumpTime;
-    const std::uint64_t m_identity;
     net::ServerState m_serverState;
-    LinkState m_state = LinkState::lost;
-    FrameReader m_reader;
-    std::string m_output;
-    std::size_t m_sent = 0; // of the output
-    std::int64_t m_nowMs = 0;
-    std::int64_t m_againAtMs = 0; // when to connect, or to give up connecting
-    std::int64_t m_pauseMs = 0;
-    bool m_isChallenged = false; // on this connection
+    ClientConnection m_connection;
     bool m_wasConnected = false;
     std::map<std::uint32_t, std::unique_ptr<Control>> m_controls;
-    std::map<std::uint64_t, Unanswered> m_requests;
-    std::uint64_t m_lastSaid = 0; // request on this connection: those behind it are not in the output
-    std::size_t m_requestBytes = 0;
+    SentRequests m_requests;
     std::map<std::uint64_t, CommandTold> m_commands; // that the server has not told of
-    std::deque<Delivery> m_deliveries;
-    std::size_t m_deliveryBytes = 0;
+    Deliveries m_deliveries;
     std::uint64_t m_lastRequest = 0; // or command
     std::uint32_t m_lastControl = 0; // never used again, so a late answer finds nobody
 };

@@ -33,9 +33,9 @@ auto OrNothing(Body&& body) noexcept -> decltype(body()) {
 } // namespace
 
 void RxClient::Control::Introduce(bool isRenewed) const {
-    m_client.Say(net::OpenControl{m_id, static_cast<std::uint32_t>(m_kind)});
+    m_client.m_connection.Say(net::OpenControl{m_id, static_cast<std::uint32_t>(m_kind)});
     for (const Subscription& fields : m_subscriptions)
-        m_client.Say(net::Subscribe{m_id, isRenewed, fields});
+        m_client.m_connection.Say(net::Subscribe{m_id, isRenewed, fields});
 }
 
 void RxClient::Control::Tell(void* message, bool isStream) {
@@ -66,7 +66,7 @@ int RxClient::Control::Subscribe(std::uint64_t* out, const std::uint32_t* tags, 
             made.emplace_back(tags[i], qmx::View(values[i]));
         fault = vesk::FaultOf(made, m_subscriptions.size());
         if (fault) return false;
-        m_client.Say(net::Subscribe{m_id, false, made});
+        m_client.m_connection.Say(net::Subscribe{m_id, false, made});
         m_subscriptions.push_back(std::move(made));
         return true;
     });
@@ -79,7 +79,7 @@ int RxClient::Control::Subscribe(std::uint64_t* out, const std::uint32_t* tags, 
 int RxClient::Control::Stop(int) noexcept {
     m_subscriptions.clear();
     return OrNothing([this] {
-        m_client.Say(net::Stop{m_id});
+        m_client.m_connection.Say(net::Stop{m_id});
         return 1;
     });
 }

@@ -78,6 +78,12 @@ void Streams::Stop(std::uint32_t control) {
     std::erase_if(m_catchUps, [&](const CatchUp& one) { return one.control == control; });
 }
 
+void Streams::StopAll() {
+    m_controls.clear();
+    m_updates.clear();
+    m_catchUps.clear();
+}
+
 std::size_t Streams::Subscriptions() const {
     return std::accumulate(m_controls.begin(), m_controls.end(), std::size_t{0},
                            [](std::size_t sum, const auto& entry) { return sum + entry.second.size(); });

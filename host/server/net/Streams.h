@@ -37,6 +37,7 @@ public:
     std::string Subscribe(std::uint32_t control, const Subscription& subscription, bool isRenewed);
     // Ends the control's subscriptions; what waits for it is dropped.
     void Stop(std::uint32_t control);
+    void StopAll();
     std::size_t Subscriptions() const;
     std::size_t Waiting() const { return m_updates.size(); }
     net::Update TakeNext();

@@ -63,8 +63,8 @@ std::string WaitingCell(const WaitingRequest& request, WaitingColumn column, std
 
 WaitingCounts CountWaiting(const RxClient& client) {
     WaitingCounts counts;
-    for (const std::uint64_t number : client.Requests()) {
-        const auto request = client.FindRequest(number);
+    for (const std::uint64_t number : client.Requests().Numbers()) {
+        const auto request = client.Requests().Find(number);
         ++counts.all;
         if (request && !request->hasLeft) ++counts.unsent;
     }

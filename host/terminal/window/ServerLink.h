@@ -54,14 +54,14 @@ public:
     std::size_t LiveControls() const { return m_client ? m_client->LiveControls() : 0; }
     // The clock of the requests' times.
     static std::int64_t NowMs();
-    std::size_t RequestCount() const { return m_client ? m_client->RequestCount() : 0; }
+    std::size_t RequestCount() const { return m_client ? m_client->Requests().Size() : 0; }
     std::size_t AnswersDue() const { return m_client ? m_client->AnswersDue() : 0; }
     WaitingCounts CountRequests() const { return m_client ? CountWaiting(*m_client) : WaitingCounts{}; }
     std::vector<std::uint64_t> Requests() const {
-        return m_client ? m_client->Requests() : std::vector<std::uint64_t>();
+        return m_client ? m_client->Requests().Numbers() : std::vector<std::uint64_t>();
     }
     std::optional<WaitingRequest> FindRequest(std::uint64_t number) const {
-        return m_client ? m_client->FindRequest(number) : std::nullopt;
+        return m_client ? m_client->Requests().Find(number) : std::nullopt;
     }
     bool Withdraw(std::uint64_t number) { return m_client && m_client->Withdraw(number); }
 
