@@ -33,7 +33,7 @@ bool Report(const std::string& fault) {
 // A record that supersedes the one before, of so many.
 bool ChangeUntilStale(Server& server) {
     constexpr std::size_t atOnce = 16'384;
-    const std::vector<Registration>& all = server.Registrations();
+    const std::vector<Registration>& all = server.Held().All();
     for (std::size_t i = 0; !server.Upkeep().IsStale();) {
         JournalBatch batch;
         for (const std::size_t end = i + atOnce; i < end; ++i)

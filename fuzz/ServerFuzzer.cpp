@@ -98,9 +98,9 @@ std::string Ask(Server& server, std::string_view line) {
 }
 
 void Execute(Server& server, std::int64_t instalments) {
-    if (server.Registrations().empty()) return;
+    if (server.Held().All().empty()) return;
     constexpr std::int64_t most = 20;
-    const Registration& registration = server.Registrations().back();
+    const Registration& registration = server.Held().All().back();
     const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(instalments, 0, most));
     const ExecutionPlan plan{server.Clock().OpenDays(registration, count), instalments};
     Demand(std::is_sorted(plan.days.begin(), plan.days.end()));
@@ -127,7 +127,7 @@ bool Command(ServerCommands& commands, std::string_view line) {
 // Everything that a server holds, as it tells it.
 std::string Held(Server& server) {
     std::string held = Ask(server, "0=calendar_get_restricted_dates");
-    for (const Registration& registration : server.Registrations()) {
+    for (const Registration& registration : server.Held().All()) {
         held += registration.Json();
         for (const std::string request : {"0=qry_eq_sip_orders", "0=qry_eq_sip_trades"})
             held += Ask(server, request + "|64804=" + std::string(registration.Number()));

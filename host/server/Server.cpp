@@ -73,6 +73,14 @@ Registration MakeRegistration(void* request, const Clockwork& clock, std::size_t
     return registration;
 }
 
+// Whether the order asks for what the registration's has.
+bool IsSameOrder(void* request, const Registration& registration, const Clockwork& clock) {
+    return std::ranges::all_of(
+               kSameOrder,
+               [&](std::uint32_t tag) { return registration.Ordered(tag) == qmx::Text(request, tag); })
+           && registration.Text(tag::startDate) == RecordDate(StartOf(request, clock));
+}
+
 } // namespace
 
 struct Server::Handler {
@@ -185,7 +193,7 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
     if (!before)
         before = m_registrations.FindOrdered(tag::orderId, qmx::Text(request, tag::orderId), user.loginId);
     if (m_registrations.Changes().Find(user.loginId, sentAs)) return Refuse(request, OtherChange());
-    if (before && !IsSameOrder(request, *before)) return Refuse(request, OtherOrder(before->Number()));
+    if (before && !IsSameOrder(request, *before, m_clock)) return Refuse(request, OtherOrder(before->Number()));
     if (before) return AnswerRegistered(request, *before);
     if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
@@ -195,13 +203,6 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
         MakeRegistration(request, m_clock, m_registrations.NextSequence(), sentAs);
     if (const auto refusal = Keep(registration)) return Refuse(request, *refusal);
     return AnswerRegistered(request, registration);
-}
-
-bool Server::IsSameOrder(void* request, const Registration& registration) const {
-    return std::ranges::all_of(
-               kSameOrder,
-               [&](std::uint32_t tag) { return registration.Ordered(tag) == qmx::Text(request, tag); })
-           && registration.Text(tag::startDate) == RecordDate(StartOf(request, m_clock));
 }
 
 Reply Server::StartQuery(std::string_view name, void* request, const UserIdentity& user) {
@@ -263,7 +264,8 @@ Reply Server::ChangeRegistration(const ChangeKind& kind, void* request, const Us
 
 std::optional<ServerRefusal> Server::Keep(Registration registration) {
     m_clock.SetNextExecution(registration);
-    if (const Registration* before = Find(registration.Number())) registration.KeepOrdered(*before);
+    if (const Registration* before = m_registrations.Find(registration.Number()))
+        registration.KeepOrdered(*before);
     if (std::string fault = m_journal.Write(registration.Json()); !fault.empty())
         return ServerRefusal{kCodeJournal, fault};
     m_registrations.Tell(registration);

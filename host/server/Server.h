@@ -75,12 +75,7 @@ public:
     const Clockwork& Clock() const { return m_clock; }
     Clockwork& Clock() { return m_clock; }
 
-    // They are in the order in which they were registered.
-    const std::vector<Registration>& Registrations() const { return m_registrations.All(); }
-    // Of the next registration's number.
-    std::size_t NextSequence() const { return m_registrations.NextSequence(); }
-    // Null when the number is unknown.
-    const Registration* Find(std::string_view number) const { return m_registrations.Find(number); }
+    const Registrations& Held() const { return m_registrations; }
     // Which journal record this server could not read; it then refuses every request. Empty when all is well.
     const std::string& ReplayError() const { return m_journal.ReplayError(); }
 
@@ -95,8 +90,6 @@ private:
     Reply Dispatch(std::string_view name, void* request, const UserIdentity& user, std::string_view sentAs);
     Reply AnswerOperationMode(void* request, const UserIdentity& user);
     Reply AddRegistration(void* request, const UserIdentity& user, std::string_view sentAs);
-    // Whether the order asks for what the registration's has.
-    bool IsSameOrder(void* request, const Registration& registration) const;
     Reply StartQuery(std::string_view name, void* request, const UserIdentity& user);
 
     Reply SetRestrictedDays(void* request, const UserIdentity& user);
@@ -111,7 +104,7 @@ private:
 
     ServerConfig m_config;
     ServerJournal m_journal;
-    vesk::Registrations m_registrations;
+    Registrations m_registrations;
     Clockwork m_clock;
     Queries m_queries{m_registrations, m_clock};
     JournalUpkeep m_upkeep{m_journal, m_clock, m_registrations};

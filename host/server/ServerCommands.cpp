@@ -158,7 +158,7 @@ Told ServerCommands::Fill(const Call& call) {
     if (!count) return told;
     if (!HasMarket()) return {false, kNoMarket};
     FillPlan plan{*count, {call.user, OtherUser(call.user)}, m_market};
-    plan.seed += m_server.Registrations().size(); // a second filling brings others
+    plan.seed += m_server.Held().All().size(); // a second filling brings others
     return Outcome(vesk::Fill(m_server, plan),
                    "Server filled with " + std::to_string(*count) + " registrations");
 }
@@ -178,8 +178,8 @@ Told ServerCommands::Execute(const Call& call) {
     const auto count = ReadCount(call.words[0], kMostOrders, told);
     if (!count) return told;
     std::string number(call.words.size() > 1 ? call.words[1].substr(0, kLongestText) : "");
-    if (number.empty() && !m_server.Registrations().empty()) number = m_server.Registrations().back().Number();
-    const Registration* registration = m_server.Find(number);
+    if (number.empty() && !m_server.Held().All().empty()) number = m_server.Held().All().back().Number();
+    const Registration* registration = m_server.Held().Find(number);
     if (!registration) return {false, "There is no registration " + number};
     const ExecutionPlan plan{m_server.Clock().OpenDays(*registration, *count),
                              m_server.Clock().PriceOf(*registration), m_server.Config().fills.seed};

@@ -47,7 +47,7 @@ class Verdict {
 public:
     Verdict(Server& server, const std::vector<std::chrono::year_month_day>& closed)
         : m_server(server), m_closed(closed.begin(), closed.end()) {
-        for (const Registration& registration : server.Registrations()) {
+        for (const Registration& registration : server.Held().All()) {
             std::string id(registration.Text(tag::orderId));
             // A cancellation has put its own there.
             if (id.ends_with('x')) id.pop_back();
@@ -125,7 +125,7 @@ private:
         return std::chrono::weekday(day).iso_encoding() < 6 && !m_closed.contains(day);
     }
     const Registration& Found(const std::string& number) const {
-        const Registration* found = m_server.Find(number);
+        const Registration* found = m_server.Held().Find(number);
         Demand(found != nullptr, number + " is gone");
         return *found;
     }

@@ -82,7 +82,7 @@ TEST_F(Net, OnlyWhoKnowsTheSecretOfALoginIsThatLogin) {
         EXPECT_EQ(session.EndReason(), row.reason) << row.name;
         EXPECT_EQ(LastOf<net::Welcome>(session).has_value(), !*row.reason) << row.name;
     }
-    EXPECT_EQ(m_running->server->Registrations().size(), 1u) << "nothing else is done for a stranger";
+    EXPECT_EQ(m_running->server->Held().All().size(), 1u) << "nothing else is done for a stranger";
 
     // Signed for a firm that is not the login's.
     net::Hello hello = good;

@@ -31,7 +31,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     const Fields cancel = "cancel_sip_order registrationNumber=" + number + " orderId=b";
     ASSERT_TRUE(one.Send(cancel) && one.Place("c"));
     one.Pump();
-    const auto heard = [&] { return m_running->server->Registrations().size() == 2; };
+    const auto heard = [&] { return m_running->server->Held().All().size() == 2; };
     ASSERT_TRUE(Until(heard, {}));
     Kill();
     ASSERT_TRUE(Until([&] { return two.Client().State() == LinkState::lost; }, {&two}));
@@ -47,7 +47,7 @@ TEST_F(Net, WhatOneDoesTheOtherSeesThroughTheServersEndAndReturn) {
     };
     ASSERT_TRUE(Until([&] { return one.answers.size() == 4 && seen(); }, {&one, &two}));
     EXPECT_EQ(one.answers[1], "SIP cancelled. Registration No : " + number);
-    EXPECT_EQ(m_running->server->Registrations().size(), 3u);
+    EXPECT_EQ(m_running->server->Held().All().size(), 3u);
     EXPECT_EQ(two.states.back(), "connected");
     EXPECT_EQ(one.Client().Waiting(), 0u);
 }
@@ -107,7 +107,7 @@ TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
     for (const auto& row : rows) {
         m_config.faults["add_sip_orders"] = row.fault;
         Start(row.limits);
-        const std::size_t before = m_running->server->Registrations().size();
+        const std::size_t before = m_running->server->Held().All().size();
         auto gone = std::make_unique<Terminal>(Place(), "USER1");
         for (std::size_t i = 0; i < orders; ++i)
             ASSERT_TRUE(gone->Place(std::to_string(before) + "-" + std::to_string(i)));
@@ -118,7 +118,7 @@ TEST_F(Net, WhatATerminalAskedForIsDoneAlthoughItIsGone) {
             m_net->Turn(1);
         m_net->FinishRest();
         ASSERT_TRUE(Until([&] { return m_net->Connections() == 0; }, {}));
-        const std::size_t done = m_running->server->Registrations().size() - before;
+        const std::size_t done = m_running->server->Held().All().size() - before;
         EXPECT_GE(done, row.least);
         EXPECT_LE(done, row.most);
         Kill();
@@ -138,8 +138,8 @@ TEST_F(Net, WhatIsNotYetOnItsWayMayBeWithdrawnAlsoWhileConnected) {
     one.Pump();
     EXPECT_EQ(one.answers, Texts{"Withdrawn by the user"});
     ASSERT_TRUE(Until([&] { return one.Client().Requests().Size() == 0; }, {&one}));
-    EXPECT_EQ(m_running->server->Registrations().size(), orders - 1);
-    EXPECT_EQ(m_running->server->Registrations().back().Text(tag::orderId), std::to_string(orders - 1));
+    EXPECT_EQ(m_running->server->Held().All().size(), orders - 1);
+    EXPECT_EQ(m_running->server->Held().All().back().Text(tag::orderId), std::to_string(orders - 1));
 }
 
 TEST_F(Net, RowsOfAQueryComeOnceWhenTheConnectionBreaksInItsMiddle) {

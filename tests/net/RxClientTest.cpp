@@ -141,8 +141,7 @@ TEST_F(RxClientTest, ChangesGoOnceToEverySubscriberTheyConcern) {
             m_client.Pump(0);
             Log expected{"one answer add_sip_orders"};
             if (std::string(row.delivered).find(name) != std::string::npos)
-                expected.push_back("two stream "
-                                   + std::string(m_running.server->Registrations().back().Number()));
+                expected.push_back("two stream " + std::string(m_running.server->Held().All().back().Number()));
             EXPECT_EQ(Taken(), expected) << name << " for " << row.subscriptions[0];
         }
         m_client.Destroy(control);
@@ -163,12 +162,12 @@ TEST_F(RxClientTest, StopEndsTheStreamAlsoForWhatAlreadyWaits) {
 TEST_F(RxClientTest, QueryGivesItsRowsOverManyPumpsAndAsTheyAreThen) {
     const auto enter = [&](const std::string& orderId) {
         m_running.Ask(Order("orderId=" + orderId));
-        return std::string(m_running.server->Registrations().back().Number());
+        return std::string(m_running.server->Held().All().back().Number());
     };
     for (int i = 0; i < 300; ++i)
         enter(std::to_string(i));
     const auto number = [&](std::size_t row) {
-        return std::string(m_running.server->Registrations()[row].Number());
+        return std::string(m_running.server->Held().All()[row].Number());
     };
     RxClient client = Client(m_running.user, std::chrono::milliseconds(0));
     RxControl* asking = client.Get(kRxRequests, &m_one);
@@ -227,7 +226,7 @@ TEST_F(RxClientTest, ControlMayBeDestroyedInItsOwnCallAndItsAnswersAreDropped) {
     ASSERT_TRUE(Send(two, "b"));
     m_client.Pump(0);
     EXPECT_EQ(m_log, (Log{"one answer a", "two answer b"}));
-    EXPECT_EQ(m_running.server->Registrations().size(), 1u) << "what was sent is still served";
+    EXPECT_EQ(m_running.server->Held().All().size(), 1u) << "what was sent is still served";
     EXPECT_EQ(m_client.LiveControls(), 1u);
     m_client.Destroy(one); // a stranger by now
     m_client.Destroy(nullptr);
@@ -244,9 +243,9 @@ TEST_F(RxClientTest, SessionThatEndsIsALostConnectionAndWhatWasAskedIsAskedAgain
     EXPECT_EQ(m_client.State(), LinkState::lost);
     EXPECT_EQ(m_log, Log{});
     m_client.Pump(1000);
-    const std::string number(m_running.server->Registrations().back().Number());
+    const std::string number(m_running.server->Held().All().back().Number());
     EXPECT_EQ(Taken(), (Log{"one answer add_sip_orders", "two stream " + number})) << "with what was missed";
-    EXPECT_EQ(m_running.server->Registrations().size(), 1u);
+    EXPECT_EQ(m_running.server->Held().All().size(), 1u);
     EXPECT_EQ(m_client.Waiting(), 0u);
 }
 
@@ -279,8 +278,8 @@ TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     }
     m_one.onAnswer = {};
     m_client.Pump(1000);
-    ASSERT_EQ(m_running.server->Registrations().size(), 2u);
-    EXPECT_EQ(m_running.server->Registrations()[1].Text(tag::orderId), "id-3");
+    ASSERT_EQ(m_running.server->Held().All().size(), 2u);
+    EXPECT_EQ(m_running.server->Held().All()[1].Text(tag::orderId), "id-3");
     EXPECT_EQ(m_client.Requests().Size(), 0u);
 }
 

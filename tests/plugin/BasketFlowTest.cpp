@@ -120,7 +120,7 @@ protected:
         return std::string(basket.Rows()[record].Text(Field::userText));
     }
     std::string RegisteredAs(std::size_t index) const {
-        return "SIP registered. Registration No : " + std::string(server.Registrations()[index].Number());
+        return "SIP registered. Registration No : " + std::string(server.Held().All()[index].Number());
     }
 
     BasketDouble view;
@@ -147,11 +147,11 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
         basket.Runs().Load();
         EXPECT_EQ(Exported(), Joined(forth));
 
-        const std::size_t before = server.Registrations().size();
+        const std::size_t before = server.Held().All().size();
         const std::vector<RecordId> sent = Place();
-        EXPECT_EQ(server.Registrations().size(), before) << "nothing is answered from inside the sending";
+        EXPECT_EQ(server.Held().All().size(), before) << "nothing is answered from inside the sending";
         Pump();
-        ASSERT_EQ(server.Registrations().size(), before + sent.size());
+        ASSERT_EQ(server.Held().All().size(), before + sent.size());
         std::size_t next = before;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const RecordId record = view.list.rows[i];
@@ -159,11 +159,11 @@ TEST_F(BasketFlowTest, AnyFileIsExportedLoadedPlacedRegisteredAnsweredAndStreame
                 EXPECT_EQ(Remarks(record), "NA");
                 continue;
             }
-            ASSERT_LT(next, server.Registrations().size());
+            ASSERT_LT(next, server.Held().All().size());
             EXPECT_EQ(Remarks(record), RegisteredAs(next));
             Texts registered;
             for (const std::uint32_t tag : kRegistered)
-                registered.emplace_back(server.Registrations()[next].Text(tag));
+                registered.emplace_back(server.Held().All()[next].Text(tag));
             EXPECT_EQ(registered, rows[i].registered);
             ++next;
         }
@@ -193,12 +193,12 @@ TEST_F(BasketFlowTest, WhatTheServerRefusesIsLoggedAndTheOthersAreRegistered) {
         Load(start + "daily" + end + start + "monthly" + end + start + "yearly" + end);
         server.Config().faults.clear();
         each.after();
-        const std::size_t before = server.Registrations().size();
+        const std::size_t before = server.Held().All().size();
         const auto sent = Place();
         ASSERT_EQ(sent.size(), 3u);
         host.log.clear();
         Pump();
-        EXPECT_EQ(server.Registrations().size() - before, each.registered);
+        EXPECT_EQ(server.Held().All().size() - before, each.registered);
         EXPECT_EQ(host.log, each.log);
         EXPECT_EQ(Remarks(sent[0]) != "NA", each.answered);
         const Texts events = host.recordFiles.Events();
@@ -230,7 +230,7 @@ TEST_F(BasketFlowTest, LateAnswersReachOnlyTheRowsThatAreStillTheSameOrder) {
     const RecordId added = view.list.rows[0];
     EXPECT_EQ(added, sent[0]) << "in the place of the one that was deleted";
     Pump();
-    EXPECT_EQ(server.Registrations().size(), 3u);
+    EXPECT_EQ(server.Held().All().size(), 3u);
     EXPECT_EQ(Remarks(added) + Remarks(sent[1]), "NANA");
     EXPECT_EQ(Remarks(sent[2]), RegisteredAs(2));
 
@@ -244,7 +244,7 @@ TEST_F(BasketFlowTest, LateAnswersReachOnlyTheRowsThatAreStillTheSameOrder) {
     Place();
     Load(line("C003"));
     Pump();
-    EXPECT_EQ(server.Registrations().size(), 8u);
+    EXPECT_EQ(server.Held().All().size(), 8u);
     EXPECT_EQ(Remarks(view.list.rows[0]), "NA");
 }
 

@@ -172,8 +172,8 @@ TEST_F(BookFlowTest, AnOrderIsRegisteredJournalledAnsweredAndStreamed) {
     entry.Submit(kNow);
     EXPECT_TRUE(form.boxes.empty()) << "answers never come from inside the sending";
     Pump();
-    ASSERT_EQ(server.Registrations().size(), 1u);
-    const std::string number(server.Registrations()[0].Number());
+    ASSERT_EQ(server.Held().All().size(), 1u);
+    const std::string number(server.Held().All()[0].Number());
     ASSERT_EQ(form.boxes.size(), 1u);
     EXPECT_NE(form.boxes[0].find(number), std::string::npos) << form.boxes[0];
     EXPECT_EQ(Lists(), number + "|");
@@ -194,7 +194,7 @@ TEST_F(BookFlowTest, TheHistorysOrdersAndTheirTradesComeAsTheServerHasThem) {
     EXPECT_FALSE(seen.shown);
     EXPECT_EQ(std::exchange(seen.boxes, {}), Texts{"No orders yet: " + number});
 
-    const vesk::Registration& registration = *server.Find(number);
+    const vesk::Registration& registration = *server.Held().Find(number);
     ASSERT_EQ(server.Clock().Execute(registration, {server.Clock().OpenDays(registration, 60), 12'345, 7}), "");
     history.Open(kPass, number);
     history.Open(kPass, "SIP-unknown"); // refused, and in nobody's way

@@ -46,7 +46,7 @@ struct FlowStage : Stage {
                   + " startDate=" + std::to_string(ToSeconds(kNow) + 5 * kSecondsPerDay) + " " + changes);
         order.push_back({tag::orderSource, {"TWS"}});
         Send(user, order);
-        return std::string(server.Registrations().back().Number());
+        return std::string(server.Held().All().back().Number());
     }
 
     const vesk::UserIdentity own{"DEALER1", "BROKER", "BRANCH"};

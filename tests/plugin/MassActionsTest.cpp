@@ -46,7 +46,7 @@ protected:
     }
     void Enter(const vesk::UserIdentity& user, std::size_t count) {
         Handle(user, OrderOf(user, "own"));
-        const vesk::Registration first = server.Registrations().back();
+        const vesk::Registration first = server.Held().All().back();
         std::vector<vesk::Registration> batch;
         for (std::size_t i = 1; i < count; ++i) {
             batch.push_back(first);
@@ -86,7 +86,7 @@ protected:
     // Of those that the dealer sees.
     std::size_t HasStatus(const char* login, std::string_view status) const {
         std::size_t count = 0;
-        for (const vesk::Registration& registration : server.Registrations())
+        for (const vesk::Registration& registration : server.Held().All())
             count += registration.Text(tag::loginId) == login && registration.Text(tag::sipStatus) == status;
         return count;
     }

@@ -137,7 +137,7 @@ public:
 
 private:
     int Below(int end) { return static_cast<int>(m_random() % static_cast<unsigned>(end)); }
-    const std::vector<vesk::Registration>& Held() const { return m_running->server->Registrations(); }
+    const std::vector<vesk::Registration>& Held() const { return m_running->server->Held().All(); }
     void Advance(int count) {
         m_today += days(count);
         m_running->AdvanceTo(m_today);

@@ -78,16 +78,16 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
             + " registrationNumber=" + request[tag::registrationNumber];
         const std::string what = name + " -> " + answer;
         const bool isChange = *row.changed != 0;
-        Registration expected = *running->server->Find(kNumber);
+        Registration expected = *running->server->Held().Find(kNumber);
         for (const auto& [tag, text] : Fields(row.changed))
             expected.Set(tag, text);
-        expected.KeepOrdered(*running->server->Find(kNumber));
+        expected.KeepOrdered(*running->server->Held().Find(kNumber));
         if (*row.changed && name == "cancel_sip_order") expected.changes.Set(tag::orderId, "cancel-1");
         const std::string journal = FileText(path);
         Counter counter(*running->server);
 
         EXPECT_EQ(running->Ask(request), Answers{"echoedRequest=" + name + " " + answer}) << what;
-        EXPECT_EQ(running->server->Find(kNumber)->Json(), expected.Json()) << what;
+        EXPECT_EQ(running->server->Held().Find(kNumber)->Json(), expected.Json()) << what;
         EXPECT_EQ(counter.updates, isChange) << what;
         EXPECT_TRUE(!isChange || counter.last == expected) << what;
         EXPECT_EQ(FileText(path), isChange ? JournalOf({expected.Json()}, journal) : journal) << what;
@@ -95,17 +95,17 @@ TEST(Change, RequestsInARowAreAppliedAnsweredToldAndJournaledOnceOrRefused) {
 
     // After a restart all is as it was, and neither request that was identified is carried out again.
     const std::string journal = FileText(path);
-    const Registration before = *running->server->Find(kNumber);
+    const Registration before = *running->server->Held().Find(kNumber);
     running.reset();
     running = std::make_unique<RunningServer>(path);
-    EXPECT_EQ(running->server->Registrations(), std::vector{before});
+    EXPECT_EQ(running->server->Held().All(), std::vector{before});
     EXPECT_EQ(running->Ask(kCancel), Answers{"echoedRequest=cancel_sip_order " + cancelled + kDone + kEchoed});
     EXPECT_EQ(running->Ask(Order()), Answers{"echoedRequest=add_sip_orders userText=SIP registered" + kDone
                                              + " account=CL1" + kEchoed + " orderId=id-1"});
     EXPECT_EQ(FileText(path), journal);
     // The order id of a cancellation says nothing about an order.
     running->Ask(Order("orderId=cancel-1"));
-    EXPECT_EQ(running->server->Registrations().size(), 2u);
+    EXPECT_EQ(running->server->Held().All().size(), 2u);
     running->user.loginId = "USER2";
     EXPECT_EQ(running->Ask(kCancel),
               Answers{"echoedRequest=cancel_sip_order errorCode=105 userText=The registration is another user's"

@@ -49,9 +49,9 @@ TEST(Commands, LineByLine) {
         const std::string text = (told.isDone ? "" : "-") + told.text;
         EXPECT_TRUE(text.starts_with(row.text)) << row.line << ": " << text;
     }
-    EXPECT_EQ(running.server->Registrations().size(), 4u);
-    EXPECT_EQ(running.server->Registrations()[0].Text(tag::loginId), "DEALER02");
-    EXPECT_EQ(running.server->Registrations()[0].Text(tag::peerIdA), "BROKER");
+    EXPECT_EQ(running.server->Held().All().size(), 4u);
+    EXPECT_EQ(running.server->Held().All()[0].Text(tag::loginId), "DEALER02");
+    EXPECT_EQ(running.server->Held().All()[0].Text(tag::peerIdA), "BROKER");
     const ServerConfig& config = running.server->Config();
     EXPECT_EQ(config.FaultFor("add_sip_orders").delayMs, 50);
     EXPECT_EQ(config.FaultFor("any").disconnects, 1);
@@ -73,13 +73,13 @@ TEST(Commands, FaultsOfAnswersOneByOne) {
     };
     for (const auto& row : rows) {
         EXPECT_TRUE(commands.Run("fault * " + std::string(row.kind), running.user, 0).isDone);
-        const std::size_t before = running.server->Registrations().size();
+        const std::size_t before = running.server->Held().All().size();
         const Reply reply = running.Begin(Order({{tag::orderId, ""}, {tag::echoedNumber, "4"}}));
         const auto serials = std::ranges::count_if(reply.answers, [](const std::string& answer) {
             return qmx::Has(qmx::MessageReader(answer).Handle(), tag::echoedNumber);
         });
         std::ostringstream told;
-        told << running.server->Registrations().size() - before << ' ' << reply.answers.size() << ' ' << serials
+        told << running.server->Held().All().size() - before << ' ' << reply.answers.size() << ' ' << serials
              << ' ' << reply.isCut << ' ' << reply.isLost;
         EXPECT_EQ(told.str(), row.told) << row.kind;
     }

@@ -83,7 +83,7 @@ TEST(Execution, OpenDaysFollowTheScheduleAndMissWeekendsAndRestrictedDays) {
 }
 
 std::string Executed(RunningServer& running, std::size_t count) {
-    const Registration& registration = *running.server->Find(kNumber);
+    const Registration& registration = *running.server->Held().Find(kNumber);
     return running.server->Clock().Execute(registration,
                                            {running.server->Clock().OpenDays(registration, count), 250'000, 1});
 }

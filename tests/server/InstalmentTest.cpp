@@ -91,19 +91,19 @@ TEST(Instalments, AreExecutedOnTheDaysWorkedOutByHand) {
         WriteJournal(folder.File("journal"), "");
         RunningServer running(folder.File("journal"), Config(row.nonTrading));
         running.Ask(Plan(*ParseRecordDate(row.start), row.frequency, row.periods));
-        const std::string number(running.server->Registrations()[0].Number());
+        const std::string number(running.server->Held().All()[0].Number());
         std::istringstream events(row.events);
         for (std::string event; std::getline(events, event, ';');) {
             const Date date = *ParseRecordDate(event.substr(0, 11));
             EXPECT_EQ(running.server->Clock().AdvanceTo(date), "");
             if (event[11] == ' ') running.AdvanceTo(date);
             if (event.ends_with("by hand"))
-                EXPECT_EQ(running.server->Clock().Execute(running.server->Registrations()[0], {{date}}), "");
+                EXPECT_EQ(running.server->Clock().Execute(running.server->Held().All()[0], {{date}}), "");
             else
                 running.Ask("registrationNumber=" + number + " " + event.substr(12));
         }
         running.AdvanceTo(std::chrono::year(2033) / 1 / 1);
-        const Registration held = running.server->Registrations()[0];
+        const Registration held = running.server->Held().All()[0];
         EXPECT_EQ(ExecutedOn(running, number), row.executed) << row.start << row.frequency;
         EXPECT_EQ(held.Text(tag::sipStatus), kStatusExpired) << row.start << row.frequency;
         EXPECT_EQ(held.Text(tag::endDate), row.end) << row.start << row.frequency;
@@ -121,9 +121,9 @@ TEST(Instalments, PeriodsBelowTheExecutedOnesAreRefusedAndTheNextDayIsFoundAndTo
     config.fills.rejected = 100; // what is rejected counts
     RunningServer running(folder.File("journal"), config);
     running.Ask(Plan(sys_days(*ParseRecordDate("06-Mar-2026")), "weekly", 3));
-    const std::string number(running.server->Registrations()[0].Number());
+    const std::string number(running.server->Held().All()[0].Number());
     for (const char* day : {"06-Mar-2026", "13-Mar-2026"}) {
-        EXPECT_EQ(running.server->Registrations()[0].Text(tag::nextExecutionDate), day);
+        EXPECT_EQ(running.server->Held().All()[0].Text(tag::nextExecutionDate), day);
         EXPECT_EQ(running.server->Clock().AdvanceToNextInstalment(), "");
         EXPECT_EQ(RecordDate(running.server->Clock().Today()), day);
         EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 1u);
@@ -178,7 +178,7 @@ public:
             const char* frequencies[] = {"daily", "weekly", "monthly", "yearly"};
             Model model{m_today + days(Below(40)), frequencies[Below(4)], 1 + Below(40)};
             m_running->Ask(Plan(model.start, model.frequency, model.periods));
-            model.number = m_running->server->Registrations().back().Number();
+            model.number = m_running->server->Held().All().back().Number();
             m_models.push_back(std::move(model));
         }
     }
@@ -227,14 +227,14 @@ private:
             WriteJournal(m_path, FileText(m_path).substr(0, before + m_random() % (written + 1)));
             Start();
         }
-        const std::vector<Registration> held = m_running->server->Registrations();
+        const std::vector<Registration> held = m_running->server->Held().All();
         if (Below(3) == 0) m_running->server->Upkeep().Renew();
         Start();
-        ASSERT_EQ(m_running->server->Registrations(), held);
+        ASSERT_EQ(m_running->server->Held().All(), held);
     }
     void Check() {
         for (const Model& model : m_models) {
-            const Registration& held = *m_running->server->Find(model.number);
+            const Registration& held = *m_running->server->Held().Find(model.number);
             ASSERT_EQ(ExecutedOn(*m_running, model.number), model.days) << held.Json();
             ASSERT_EQ(held.Text(tag::sipStatus), model.status);
             if (model.status != kStatusActive) continue;

@@ -155,7 +155,7 @@ TEST(Journal, SecondServerAndRecordOfTwoLinesAreKeptOut) {
 
 std::string StateOf(RunningServer& running) {
     std::string state = RecordDate(running.server->Clock().Today());
-    for (const Registration& registration : running.server->Registrations()) {
+    for (const Registration& registration : running.server->Held().All()) {
         state += registration.Json();
         for (const std::string request : {"qry_eq_sip_orders", "qry_eq_sip_trades"})
             for (const std::string& answer :
@@ -199,7 +199,7 @@ TEST(Journal, IsWrittenAnewWhenMostIsSupersededAndACrashLeavesTheOldOrTheNewOne)
         running.Ask("resume_sip_order registrationNumber=SIP2603020000001");
         for (const char* identifier : {"id-1", "id-2", "cancel"})
             running.Ask(Order(std::string("orderId=") + identifier));
-        EXPECT_EQ(running.server->Registrations().size(), 3u);
+        EXPECT_EQ(running.server->Held().All().size(), 3u);
     }
     EXPECT_EQ(state().find("Paused"), std::string::npos);
 
@@ -296,7 +296,7 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
         EXPECT_FALSE(running.server->Clock().HasDue());
         running.Ask(Order("orderId=id-2"));
         EXPECT_FALSE(running.server->Clock().HasDue());
-        EXPECT_EQ(running.server->Registrations().size(), 1u);
+        EXPECT_EQ(running.server->Held().All().size(), 1u);
     }
     running.Ask(Order("orderId=id-2 frequency=weekly"));
     EXPECT_EQ(running.server->Clock().ExecuteDue({}).instalments, 2u);

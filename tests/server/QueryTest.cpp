@@ -84,7 +84,7 @@ const SampleMarket kMarket{{"CL1", "CL2"},
 
 std::string AllRecords(const Server& server) {
     std::string text;
-    for (const Registration& registration : server.Registrations())
+    for (const Registration& registration : server.Held().All())
         text += registration.Json() + "\n";
     return text;
 }
@@ -104,8 +104,8 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
     RunningServer again(folder.File("journal"));
     EXPECT_EQ(AllRecords(*again.server), records);
     std::set<std::string> seen;
-    for (const Registration& registration : again.server->Registrations()) {
-        EXPECT_EQ(again.server->Find(registration.Number()), &registration);
+    for (const Registration& registration : again.server->Held().All()) {
+        EXPECT_EQ(again.server->Held().Find(registration.Number()), &registration);
         const bool isCancelled = registration.Text(tag::sipStatus) == kStatusCancelled;
         EXPECT_EQ(registration.Text(tag::cancelledDate).empty(), !isCancelled);
         for (const tag::Tag tag : {tag::sipStatus, tag::side, tag::investType, tag::frequency, tag::account,

@@ -48,27 +48,27 @@ TEST(Server, RegistrationIsAnsweredJournaledAndThereAfterARestart) {
     {
         RunningServer running(path);
         EXPECT_EQ(running.Ask(Order("cautionaryFlag=Y")), Answers{kRegistered});
-        EXPECT_EQ(running.server->Registrations()[0].Text(tag::cautionaryFlag), "Y");
-        record = running.server->Find("SIP2603020000001")->Json();
+        EXPECT_EQ(running.server->Held().All()[0].Text(tag::cautionaryFlag), "Y");
+        record = running.server->Held().Find("SIP2603020000001")->Json();
         EXPECT_EQ(FileText(path), JournalOf({record}));
     }
     RunningServer again(path);
-    ASSERT_EQ(again.server->Registrations().size(), 1u);
-    EXPECT_EQ(again.server->Registrations()[0].Json(), record);
+    ASSERT_EQ(again.server->Held().All().size(), 1u);
+    EXPECT_EQ(again.server->Held().All()[0].Json(), record);
     // Sent again after the restart it is the same order; another one goes on counting.
     EXPECT_EQ(again.Ask(Order()), Answers{kRegistered});
-    EXPECT_EQ(again.server->Registrations().size(), 1u);
+    EXPECT_EQ(again.server->Held().All().size(), 1u);
     again.Ask(Order("orderId=id-2"));
-    EXPECT_TRUE(again.server->Find("SIP2603020000002"));
+    EXPECT_TRUE(again.server->Held().Find("SIP2603020000002"));
     // Without an order id each is an order of its own.
     again.Ask(Order("orderId="));
     again.Ask(Order("orderId="));
-    EXPECT_EQ(again.server->Registrations().size(), 4u);
+    EXPECT_EQ(again.server->Held().All().size(), 4u);
     // Another user's request is another one, whatever order id it has.
     again.user.loginId = "USER2";
     for (int i = 0; i < 2; ++i)
         again.Ask(Order("loginId=USER2"));
-    EXPECT_EQ(again.server->Registrations().size(), 5u);
+    EXPECT_EQ(again.server->Held().All().size(), 5u);
 }
 
 TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameOrderId) {
@@ -129,8 +129,8 @@ TEST(Server, OrderSentAgainIsOneOrderAndAnotherUnderItsIdentifierIsRefused) {
                 *row.number ? "Registration No : " + number + " account=" : "errorCode=110";
             EXPECT_NE(answer.find(expected), answer.npos) << when << ": " << answer;
         }
-        EXPECT_EQ(running->server->Registrations().size(), 2u) << when;
-        EXPECT_EQ(running->server->Registrations()[0].Text(tag::orderId), "id-1") << when;
+        EXPECT_EQ(running->server->Held().All().size(), 2u) << when;
+        EXPECT_EQ(running->server->Held().All()[0].Text(tag::orderId), "id-1") << when;
     };
     check("at once");
     const std::string journal = FileText(path);
@@ -152,7 +152,7 @@ TEST(Server, OrderSentAgainIsOneOrderAndAnotherUnderItsIdentifierIsRefused) {
     WriteJournal(path, JournalOf({placed, cancelled}));
     running.emplace(path);
     EXPECT_EQ(running->Ask(first), Answers{kRegistered});
-    EXPECT_EQ(running->server->Registrations()[0].Text(tag::orderId), "id-1");
+    EXPECT_EQ(running->server->Held().All()[0].Text(tag::orderId), "id-1");
 }
 
 TEST(Server, RecordOfAnotherKindStopsItFromServing) {

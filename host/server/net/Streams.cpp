@@ -68,7 +68,7 @@ std::string Streams::Subscribe(std::uint32_t control, const Subscription& subscr
         return fault;
     if (IsForeign(subscription, m_user)) return WrongUser().text;
     m_controls[control].push_back(subscription);
-    if (isRenewed) m_catchUps.push_back({control, subscription, 0, m_server.Registrations().size()});
+    if (isRenewed) m_catchUps.push_back({control, subscription, 0, m_server.Held().All().size()});
     return {};
 }
 
@@ -99,11 +99,11 @@ std::optional<net::Update> Streams::NextMissed() {
     constexpr std::size_t mostLookedAt = 256;
     if (m_catchUps.empty()) return std::nullopt;
     CatchUp& missed = m_catchUps.front();
-    missed.end = std::min(missed.end, m_server.Registrations().size());
+    missed.end = std::min(missed.end, m_server.Held().All().size());
     const std::size_t stop = std::min(missed.end, missed.next + mostLookedAt);
     std::optional<net::Update> found;
     while (!found && missed.next < stop) {
-        const Registration& registration = m_server.Registrations()[missed.next++];
+        const Registration& registration = m_server.Held().All()[missed.next++];
         if (!Matches(missed.fields, registration, m_user)) continue;
         registration.AddTo(m_writer.Start());
         found = net::Update{missed.control, m_writer.Finish()};

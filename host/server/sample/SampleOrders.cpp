@@ -109,7 +109,7 @@ std::string Fill(Server& server, const FillPlan& plan) {
     SampleOrders orders(plan.market, server.Config(), plan.seed);
     for (std::size_t done = 0; done < plan.count;) {
         const std::size_t end = std::min(plan.count, done + batchSize);
-        const std::size_t first = server.NextSequence();
+        const std::size_t first = server.Held().NextSequence();
         std::vector<Registration> batch;
         for (; done < end; ++done) {
             // Oldest first, as if they had come one after the other.
@@ -136,7 +136,7 @@ std::size_t PlaceSampleOrders(Server& server, const UserIdentity& user, const Sa
         order.Set(tag::customerFirm, "C");
         order.Set(tag::startDate, std::to_string(server.Clock().Now() + 86'400));
         // Unlike a count of its own it is new after a restart too.
-        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.NextSequence()));
+        order.Set(tag::orderId, user.loginId + "-" + std::to_string(server.Held().NextSequence()));
         order.AddTo(writer.Start());
         for (const std::string& answer : server.Handle(writer.Handle(), user).answers)
             registered += !qmx::Has(qmx::MessageReader(answer).Handle(), tag::errorCode);

@@ -131,8 +131,8 @@ std::string ServerLink::Date() const {
 }
 
 std::string ServerLink::LatestRegistration() const {
-    if (!m_server || m_server->Serving().Registrations().empty()) return {};
-    return std::string(m_server->Serving().Registrations().back().Number());
+    if (!m_server || m_server->Serving().Held().All().empty()) return {};
+    return std::string(m_server->Serving().Held().All().back().Number());
 }
 
 void ServerLink::Command(const std::string& line, std::function<void(const Told&)> told) {
