@@ -99,12 +99,13 @@ std::optional<ServerRefusal> JudgePeriods(std::string_view frequency, std::int64
     return std::nullopt;
 }
 
-std::optional<ServerRefusal> JudgeOrder(void* request, std::string_view loginId, const ServerConfig& config) {
+std::optional<ServerRefusal> JudgeOrder(void* request, const UserIdentity& user, const ServerConfig& config) {
     for (const FieldRule& rule : kNeeded)
         if (auto refusal = JudgeField(request, rule, true)) return refusal;
     for (const FieldRule& rule : kOptional)
         if (auto refusal = JudgeField(request, rule, false)) return refusal;
-    if (qmx::Text(request, tag::loginId) != loginId) return WrongUser();
+    for (const IdentityField& field : kIdentityFields)
+        if (NamesAnother(field.tag, qmx::Text(request, field.tag), user)) return WrongUser();
     return JudgePeriods(qmx::Text(request, tag::frequency),
                         WholeNumber(qmx::Text(request, tag::totalPeriod)).value_or(0), config);
 }

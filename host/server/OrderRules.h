@@ -7,6 +7,7 @@
 #include "host/server/Registration.h"
 #include "host/server/ServerConfig.h"
 #include "host/server/ServerRefusal.h"
+#include "host/server/UserIdentity.h"
 #include "host/server/schedule/RestrictedDays.h"
 
 #include <chrono>
@@ -17,7 +18,7 @@
 namespace vesk {
 
 // Nothing when the order may be registered. `request` is a message handle.
-std::optional<ServerRefusal> JudgeOrder(void* request, std::string_view loginId, const ServerConfig& config);
+std::optional<ServerRefusal> JudgeOrder(void* request, const UserIdentity& user, const ServerConfig& config);
 
 // With a list of frequencies its minimums hold; without one the plain limits do.
 std::optional<ServerRefusal> JudgePeriods(std::string_view frequency, std::int64_t periods,

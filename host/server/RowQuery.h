@@ -7,6 +7,7 @@
 #include "host/server/ExchangeOrder.h"
 #include "host/server/Registration.h"
 #include "host/server/ServerRefusal.h"
+#include "host/server/UserIdentity.h"
 
 #include <chrono>
 #include <cstddef>
@@ -14,13 +15,6 @@
 #include <string>
 
 namespace vesk {
-
-// Who is logged in on the connection that a request came by.
-struct UserIdentity {
-    std::string loginId;
-    std::string peerIdA;
-    std::string peerIdB;
-};
 
 // A query for what became of one registration.
 struct ExecutionQuery {

@@ -195,7 +195,7 @@ Reply Server::AddRegistration(void* request, const UserIdentity& user, std::stri
     if (m_registrations.Changes().Find(user.loginId, sentAs)) return Refuse(request, OtherChange());
     if (before && !IsSameOrder(request, *before, m_clock)) return Refuse(request, OtherOrder(before->Number()));
     if (before) return AnswerRegistered(request, *before);
-    if (const auto refusal = JudgeOrder(request, user.loginId, m_config)) return Refuse(request, *refusal);
+    if (const auto refusal = JudgeOrder(request, user, m_config)) return Refuse(request, *refusal);
     if (const std::string_view account = qmx::Text(request, tag::account); m_knows && !m_knows(account))
         return Refuse(request, UnknownClient(account));
 

@@ -264,7 +264,7 @@ TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
 
 TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     Start();
-    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "B", "", 1})
+    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "BROKER", "", 1})
                               + Framed(net::OpenControl{1, 0}) + Framed(net::OpenControl{2, 1})
                               + Framed(net::Subscribe{2, 0, {{tag::streamName, std::string(kStreamName)}}});
     std::string asked;

@@ -7,10 +7,12 @@
 namespace vesk {
 namespace {
 
+const UserIdentity kUser{"USER1", "BROKER", "BRANCH"};
+
 std::string Code(const Fields& changes, const ServerConfig& config = {}) {
     const std::string bytes = Message(Order(changes));
     const qmx::MessageReader reader(bytes);
-    const auto refusal = JudgeOrder(reader.Handle(), "USER1", config);
+    const auto refusal = JudgeOrder(reader.Handle(), kUser, config);
     if (!refusal) return "";
     EXPECT_NE(refusal->text, "");
     return std::string(refusal->code);
@@ -27,7 +29,7 @@ TEST(OrderCheck, EveryNeededFieldIsMissedWhenAbsentOrEmpty) {
         without.erase(tag);
         const std::string bytes = Message(without);
         const qmx::MessageReader reader(bytes);
-        EXPECT_EQ(JudgeOrder(reader.Handle(), "USER1", {}).has_value(), needed) << tag;
+        EXPECT_EQ(JudgeOrder(reader.Handle(), kUser, {}).has_value(), needed) << tag;
     }
 }
 
@@ -52,6 +54,9 @@ TEST(OrderCheck, ValuesAreJudgedByTheirForm) {
         {tag::cautionaryFlag, "yes", kCodeWrongValue},
         {tag::operationMode, "x", kCodeWrongValue},
         {tag::loginId, "USER2", kCodeUser},
+        {tag::peerIdA, "OTHER", kCodeUser},
+        {tag::peerIdB, "BRANCH", ""},
+        {tag::peerIdB, "BR2", kCodeUser},
         {tag::frequency, "Monthly", kCodeFrequency},
     };
     for (const auto& row : rows)

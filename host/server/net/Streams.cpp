@@ -14,17 +14,6 @@ constexpr std::uint32_t kSubscriptionTags[] = {
     tag::streamName, tag::registrationNumber, tag::peerIdA, tag::peerIdB, tag::loginId, tag::account,
 };
 
-// Fields by which a registration belongs to somebody.
-struct Identity {
-    std::uint32_t tag;
-    std::string UserIdentity::*text;
-};
-constexpr Identity kIdentities[] = {
-    {tag::loginId, &UserIdentity::loginId},
-    {tag::peerIdA, &UserIdentity::peerIdA},
-    {tag::peerIdB, &UserIdentity::peerIdB},
-};
-
 } // namespace
 
 const char* FaultOf(const Subscription& subscription, std::size_t others) {
@@ -39,18 +28,15 @@ const char* FaultOf(const Subscription& subscription, std::size_t others) {
 }
 
 bool IsForeign(const Subscription& subscription, const UserIdentity& user) {
-    return std::ranges::any_of(subscription, [&](const auto& field) {
-        const auto& [tag, value] = field;
-        const auto* own = std::ranges::find(kIdentities, tag, &Identity::tag);
-        return own != std::end(kIdentities) && !value.empty() && value != user.*own->text;
-    });
+    return std::ranges::any_of(
+        subscription, [&](const auto& field) { return NamesAnother(field.first, field.second, user); });
 }
 
 bool Matches(const Subscription& subscription, const Registration& registration, const UserIdentity& user) {
     return MaySee(user, registration) && std::ranges::all_of(subscription, [&](const auto& field) {
                const auto& [tag, value] = field;
                if (!value.empty()) return registration.Text(tag) == value;
-               return std::ranges::count(kIdentities, tag, &Identity::tag) == 0
+               return std::ranges::count(kIdentityFields, tag, &IdentityField::tag) == 0
                       || registration.Text(tag::loginId) == user.loginId;
            });
 }
