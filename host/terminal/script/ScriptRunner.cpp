@@ -21,6 +21,9 @@ bool Names(const ScriptCommand& command, const std::string& boxText) {
 
 ScriptRunner::State ScriptRunner::Tick(std::int64_t nowMs) {
     if (m_state != State::running) return m_state;
+    if (m_nowMs == 0) m_nowMs = m_watchedFrom = nowMs;
+    m_longestPause = std::max(m_longestPause, nowMs - m_nowMs);
+    m_nowMs = nowMs;
     if (const std::optional<OpenMessageBox> box = m_stage.OpenBox(); box && !IsExpected(*box)) {
         Fail("unexpected message box \"" + box->text + '"');
         return m_state;
@@ -47,6 +50,9 @@ StepResult ScriptRunner::TryStep(const ScriptCommand& command) {
     switch (command.Rule().runner) {
     case RunnerVerb::timeout:
         m_timeoutMs = std::int64_t{1000} * command.Number(0);
+        return StepResult::Done();
+    case RunnerVerb::stopwatch:
+        ReportTime(command.words[0]);
         return StepResult::Done();
     case RunnerVerb::expectBox:
     case RunnerVerb::expectBoxStarting:
@@ -84,6 +90,13 @@ StepResult ScriptRunner::TryAnswer(int button) {
         return StepResult::Again("the message box \"" + box->text + "\" stays open");
     m_answeredBox = m_foundBox = 0;
     return StepResult::Done();
+}
+
+void ScriptRunner::ReportTime(const std::string& what) {
+    m_stage.Report("time " + what + ": " + std::to_string(m_nowMs - m_watchedFrom) + " ms, longest pause "
+                   + std::to_string(m_longestPause) + " ms");
+    m_watchedFrom = m_nowMs;
+    m_longestPause = 0;
 }
 
 bool ScriptRunner::IsExpected(const OpenMessageBox& box) const {

@@ -64,6 +64,8 @@ private:
     StepResult TryStep(const ScriptCommand& command);
     StepResult TryBox(const ScriptCommand& command, std::optional<int> button);
     StepResult TryAnswer(int button);
+    // Reports the time since the last such command, and the longest in it that the message loop left no call.
+    void ReportTime(const std::string& what);
     // A box is expected when the next box command of the script has its text, or "expect box" has found it.
     bool IsExpected(const OpenMessageBox& box) const;
     void Fail(const std::string& why);
@@ -75,6 +77,8 @@ private:
     std::size_t m_attempt = 0;
     std::int64_t m_stepBegan = 0;
     std::int64_t m_timeoutMs = kUsualTimeoutMs;
+    std::int64_t m_nowMs = 0;
+    std::int64_t m_watchedFrom = 0, m_longestPause = 0;
     std::uintptr_t m_foundBox = 0;    // by "expect box", not yet answered
     std::uintptr_t m_answeredBox = 0; // the button is pressed, the box not yet gone
     std::string m_failure;

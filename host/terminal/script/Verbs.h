@@ -75,4 +75,5 @@
     STAGE(StepResult, ExpectDocked, "expect docked", "td")                                                     \
     STAGE(void, CloseWindow, "close", "")                                                                      \
     RUNNER(timeout, "timeout", "n")                                                                            \
+    RUNNER(stopwatch, "stopwatch", "t")                                                                        \
     RUNNER(exit, "exit", "")
