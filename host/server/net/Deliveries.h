@@ -1,5 +1,8 @@
 // What has come for a client's notifiers and waits to be told, in its order.
 //
+// The messages lie behind one another in one block: ten thousand small ones that come and go between what stays
+// leave a heap full of holes, which some systems search through for each block.
+//
 // Thread: the client's; plain values.
 #pragma once
 
@@ -9,52 +12,59 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace vesk {
 
-struct Delivery {
-    std::uint32_t control;
-    bool isStream;
-    std::string bytes;
-    std::function<void()> tell{}; // instead of all that
-};
-
 class Deliveries {
 public:
-    void Keep(Delivery delivery) {
-        m_bytes += delivery.bytes.size();
-        m_waiting.push_back(std::move(delivery));
+    struct Delivery {
+        std::uint32_t control;
+        bool isStream;
+        std::string bytes{};
+        std::function<void()> tell{}; // instead of all that
+    };
+
+    void Keep(std::uint32_t control, bool isStream, std::string_view bytes) {
+        m_bytes += bytes;
+        m_waiting.push_back({{control, isStream}, bytes.size()});
     }
-    // For a control that is gone.
-    void Drop(std::uint32_t control) {
-        std::erase_if(m_waiting, [&](const Delivery& one) {
-            const bool isItsOwn = one.control == control;
-            if (isItsOwn) m_bytes -= one.bytes.size();
-            return isItsOwn;
-        });
-    }
+    void Keep(std::function<void()> tell) { m_waiting.push_back({{0, false, {}, std::move(tell)}, 0}); }
+    // Who has done with it gives it back, for the next one's bytes.
     Delivery TakeFirst() {
-        Delivery first = std::move(m_waiting.front());
+        Waiting first = std::move(m_waiting.front());
         m_waiting.pop_front();
-        m_bytes -= first.bytes.size();
-        return first;
+        first.delivery.bytes = std::exchange(m_spare, {});
+        first.delivery.bytes.assign(m_bytes, m_taken, first.size);
+        m_taken += first.size;
+        // Moved to the front seldom.
+        if (m_taken > m_bytes.size() / 2) m_bytes.erase(0, std::exchange(m_taken, 0));
+        return std::move(first.delivery);
     }
+    void GiveBack(Delivery delivery) { m_spare = std::move(delivery.bytes); }
     // Without it nothing more is read.
     bool HasRoom() const {
         constexpr std::size_t most = 10'000, mostBytes = 8 * 1024 * 1024;
-        return m_waiting.size() < most && m_bytes < mostBytes;
+        return m_waiting.size() < most && m_bytes.size() - m_taken < mostBytes;
     }
     std::size_t Size() const { return m_waiting.size(); }
-    // Of requests.
+    // Of requests, those of controls that are gone too.
     std::size_t Answers() const {
-        const auto isAnswer = [](const Delivery& one) { return !one.isStream && !one.tell; };
-        return static_cast<std::size_t>(std::ranges::count_if(m_waiting, isAnswer));
+        return static_cast<std::size_t>(std::ranges::count_if(
+            m_waiting, [](const Waiting& one) { return !one.delivery.isStream && !one.delivery.tell; }));
     }
 
 private:
-    std::deque<Delivery> m_waiting;
-    std::size_t m_bytes = 0;
+    struct Waiting {
+        Delivery delivery; // without the bytes
+        std::size_t size;
+    };
+
+    std::deque<Waiting> m_waiting;
+    std::string m_bytes;
+    std::size_t m_taken = 0; // of them
+    std::string m_spare;
 };
 
 } // namespace vesk

@@ -43,7 +43,6 @@ void RxClient::Destroy(RxControl* control) {
         std::ranges::find_if(m_controls, [&](const auto& entry) { return entry.second.get() == control; });
     if (found == m_controls.end()) return;
     const std::uint32_t id = found->first;
-    m_deliveries.Drop(id);
     m_controls.erase(found);
     m_connection.Say(net::CloseControl{id});
 }
@@ -65,7 +64,7 @@ bool RxClient::Withdraw(std::uint64_t number) {
     if (!request) return false;
     const qmx::MessageReader reader(request->bytes);
     qmx::MessageWriter writer;
-    m_deliveries.Keep({request->control, false, Server::Refusal(writer, reader.Handle(), Withdrawn())});
+    m_deliveries.Keep(request->control, false, Server::Refusal(writer, reader.Handle(), Withdrawn()));
     return true;
 }
 
@@ -81,8 +80,7 @@ void RxClient::Command(std::string line, CommandTold told) {
 
 void RxClient::TellLater(CommandTold command, Told told) {
     if (!command) return;
-    m_deliveries.Keep(
-        {0, false, {}, [command = std::move(command), told = std::move(told)] { command(told); }});
+    m_deliveries.Keep([command = std::move(command), told = std::move(told)] { command(told); });
 }
 
 std::size_t RxClient::AnswersDue() const {
@@ -159,7 +157,7 @@ template <class Said>
 void RxClient::TakeAnswer(Said&& said) {
     std::optional<SentRequests::Answer> told;
     if (const char* fault = m_requests.Take(std::forward<Said>(said), told)) return m_connection.Lose(fault);
-    if (told) m_deliveries.Keep({told->control, false, std::move(told->bytes)});
+    if (told) m_deliveries.Keep(told->control, false, told->bytes);
 }
 
 void RxClient::On(const net::Unsubscribed& said) {
@@ -181,7 +179,13 @@ void RxClient::On(net::ServerState&& said) {
 
 bool RxClient::DeliverNext() {
     // Taken out before the call: the notifier may run a message loop that pumps again.
-    const Delivery delivery = m_deliveries.TakeFirst();
+    Deliveries::Delivery next = m_deliveries.TakeFirst();
+    const bool isTold = Deliver(next);
+    m_deliveries.GiveBack(std::move(next));
+    return isTold;
+}
+
+bool RxClient::Deliver(const Deliveries::Delivery& delivery) {
     if (delivery.tell) {
         delivery.tell();
         return true;

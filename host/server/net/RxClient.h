@@ -90,7 +90,7 @@ private:
     void TakeAnswer(Said&& said);
     void On(net::Response&& said) { TakeAnswer(std::move(said)); }
     void On(const net::RequestDone& said) { TakeAnswer(said); }
-    void On(net::Update&& said) { m_deliveries.Keep({said.control, true, std::move(said.bytes)}); }
+    void On(const net::Update& said) { m_deliveries.Keep(said.control, true, said.bytes); }
     void On(const net::Unsubscribed& said);
     void On(net::CommandDone&& said);
     void On(net::ServerState&& said);
@@ -102,6 +102,7 @@ private:
     bool Exchange();
     void TellLater(CommandTold command, Told told);
     bool DeliverNext();
+    bool Deliver(const Deliveries::Delivery& delivery);
 
     const StateChanged m_changed;
     const StateTold m_stateTold;
