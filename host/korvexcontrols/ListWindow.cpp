@@ -141,7 +141,7 @@ void CFilterListCtrl::Impl::Apply(const Operation& operation, std::uint32_t reco
     if (!m_changes && Handle()) {
         BeginChanges();
         m_behind = true;
-        PostMessageA(Handle(), kCatchUp, 0, 0);
+        CatchUpSoon();
     }
     const ListChange change = operation();
     m_sums.Note(change, record);
@@ -158,9 +158,19 @@ void CFilterListCtrl::Impl::NoteRepainted(const ListChange& change) {
     if (change.kind == ListChange::moved) m_repainted.push_back(m_model.ShownAt(change.to));
 }
 
+// A stream of changes is shown ten times a second: what is painted would cost more than what changes.
+void CFilterListCtrl::Impl::CatchUpSoon() {
+    constexpr ULONGLONG pause = 100; // milliseconds
+    const ULONGLONG since = GetTickCount64() - m_caughtUpAt;
+    if (since >= pause || !SetTimer(Handle(), kCatchUpTimer, static_cast<UINT>(pause - since), nullptr))
+        PostMessageA(Handle(), kCatchUp, 0, 0);
+}
+
 void CFilterListCtrl::Impl::CatchUp() {
     if (!std::exchange(m_behind, false)) return;
+    KillTimer(Handle(), kCatchUpTimer);
     EndChanges();
+    m_caughtUpAt = GetTickCount64();
 }
 
 void CFilterListCtrl::Impl::AdoptSelection() {
@@ -337,7 +347,8 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
 }
 
 std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    CatchUp();
+    // These ask for nothing that the list shows.
+    if (message != WM_NCHITTEST && !(message == WM_TIMER && wParam == kWorkTimer)) CatchUp();
     switch (message) {
     case kCatchUp:
         return 0;
@@ -350,6 +361,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
         return answer;
     }
     case WM_TIMER:
+        if (wParam == kCatchUpTimer) return 0;
         if (wParam != kWorkTimer) return std::nullopt;
         Work();
         return 0;

@@ -59,7 +59,7 @@ public:
     void KeepWindow() noexcept override;
 
 private:
-    static constexpr UINT_PTR kWorkTimer = 0x4B01; // the control has others of its own
+    static constexpr UINT_PTR kWorkTimer = 0x4B01, kCatchUpTimer = 0x4B02; // the control has others of its own
     using Operation = std::function<korvex::ListChange()>;
     struct Entry;
     struct Condition {
@@ -76,9 +76,10 @@ private:
     std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
     void OnGone() override;
 
-    // Runs the operation on the model. The window follows before anything else reaches it: a stream of changes
-    // costs it one step.
+    // Runs the operation on the model. The window follows before anything else reaches it, and soon: a stream
+    // of changes costs it a few steps.
     void Apply(const Operation& operation, std::uint32_t record = korvex::kNone);
+    void CatchUpSoon();
     void CatchUp();
     // Runs an operation that changes filters or sort.
     void Rearrange(const Operation& operation);
@@ -166,6 +167,7 @@ private:
     bool m_unasked = false; // a row came that the user did not ask for
     std::vector<std::uint32_t> m_repainted;
     bool m_behind = false; // the window, with one of m_changes
+    ULONGLONG m_caughtUpAt = 0;
     korvex::ListSync::Before m_before;
     // A menu is about the cell clicked last; one opened by keyboard is about the focused row.
     std::uint32_t m_clickedRecord = korvex::kNone;

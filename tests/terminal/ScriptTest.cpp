@@ -79,6 +79,7 @@ public:
         open.pop_front();
         return true;
     }
+    std::int64_t ProcessorMs() override { return 0; }
     void Report(const std::string&) override {}
 
     std::deque<std::string> open; // one after the other

@@ -93,9 +93,12 @@ StepResult ScriptRunner::TryAnswer(int button) {
 }
 
 void ScriptRunner::ReportTime(const std::string& what) {
-    m_stage.Report("time " + what + ": " + std::to_string(m_nowMs - m_watchedFrom) + " ms, longest pause "
+    const std::int64_t processorMs = m_stage.ProcessorMs();
+    m_stage.Report("time " + what + ": " + std::to_string(m_nowMs - m_watchedFrom) + " ms, processor "
+                   + std::to_string(processorMs - m_processorFrom) + " ms, longest pause "
                    + std::to_string(m_longestPause) + " ms");
     m_watchedFrom = m_nowMs;
+    m_processorFrom = processorMs;
     m_longestPause = 0;
 }
 

@@ -38,6 +38,8 @@ public:
     virtual std::optional<OpenMessageBox> OpenBox() = 0;
     // Presses the button of the open message box; false when it has no such button.
     virtual bool AnswerBox(int button) = 0;
+    // The processor's time that the program has taken so far.
+    virtual std::int64_t ProcessorMs() = 0;
     // One line of what happened.
     virtual void Report(const std::string& line) = 0;
 };
@@ -64,7 +66,8 @@ private:
     StepResult TryStep(const ScriptCommand& command);
     StepResult TryBox(const ScriptCommand& command, std::optional<int> button);
     StepResult TryAnswer(int button);
-    // Reports the time since the last such command, and the longest in it that the message loop left no call.
+    // Reports the time since the last such command, how long of it the processor worked for the program, and the
+    // longest in it that the message loop left no call.
     void ReportTime(const std::string& what);
     // A box is expected when the next box command of the script has its text, or "expect box" has found it.
     bool IsExpected(const OpenMessageBox& box) const;
@@ -78,7 +81,7 @@ private:
     std::int64_t m_stepBegan = 0;
     std::int64_t m_timeoutMs = kUsualTimeoutMs;
     std::int64_t m_nowMs = 0;
-    std::int64_t m_watchedFrom = 0, m_longestPause = 0;
+    std::int64_t m_watchedFrom = 0, m_processorFrom = 0, m_longestPause = 0;
     std::uintptr_t m_foundBox = 0;    // by "expect box", not yet answered
     std::uintptr_t m_answeredBox = 0; // the button is pressed, the box not yet gone
     std::string m_failure;

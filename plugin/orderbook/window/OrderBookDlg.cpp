@@ -52,7 +52,8 @@ constexpr unsigned kCancelledListCommands = 26100;
 constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R', kCopyToBasketKey = 'B'; // with Ctrl
 constexpr int kCountWidth = 90, kConnectionWidth = 170;                               // pixels at 96 DPI
 constexpr int kStatusPart = 2, kConnectionPart = 3;                                   // behind both counts
-constexpr UINT_PTR kSecond = 1;
+constexpr UINT_PTR kSecond = 1, kStatusSoon = 2;
+constexpr ULONGLONG kStatusPause = 100; // milliseconds
 constexpr UINT kShowStatus = WM_APP + 1;
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
 
@@ -181,12 +182,22 @@ void COrderBookDlg::ShowCounts() {
     const CFilterListCtrl* lists[] = {&m_registered.Control(), &m_cancelled.Control()};
     for (int pane = 0; pane < static_cast<int>(std::size(lists)); ++pane)
         m_statusBar.SetText(pane, Format("%d", static_cast<int>(lists[pane]->ShownCount())).c_str());
-    if (!m_tellsStatus && m_open) m_tellsStatus = PostMessageA(Handle(), kShowStatus, 0, 0) != 0;
+    ShowStatusSoon();
 }
 
-// Once for a burst of changes.
+// Once for a burst of changes, and ten times a second while one goes on.
+void COrderBookDlg::ShowStatusSoon() {
+    if (m_tellsStatus || !m_open) return;
+    const ULONGLONG since = GetTickCount64() - m_statusAt;
+    m_tellsStatus = since < kStatusPause
+                        ? SetTimer(Handle(), kStatusSoon, static_cast<UINT>(kStatusPause - since), nullptr) != 0
+                        : PostMessageA(Handle(), kShowStatus, 0, 0) != 0;
+}
+
 void COrderBookDlg::ShowStatus() {
+    KillTimer(Handle(), kStatusSoon);
     m_tellsStatus = false;
+    m_statusAt = GetTickCount64();
     BookStatus status = (CurrentPage() == 1 ? m_cancelled : m_registered).Status();
     status.loading = m_filling.IsUnderWay() && m_book.IsFilling();
     m_statusBar.SetText(kStatusPart, status.Text().c_str());
@@ -223,8 +234,12 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
         ShowStatus();
         return 0;
     case WM_TIMER:
-        if (wParam != kSecond) return std::nullopt;
-        OnTime();
+        if (wParam == kStatusSoon)
+            ShowStatus();
+        else if (wParam == kSecond)
+            OnTime();
+        else
+            return std::nullopt;
         return 0;
     case WM_DESTROY:
         m_boxes.Close(Handle());

@@ -154,6 +154,7 @@ private:
     bool OnEscape(WPARAM key, LPARAM keyData);
     void PlaceParts();
     void ShowCounts();
+    void ShowStatusSoon();
     void ShowStatus();
     void OnTime();
     std::optional<bool> IsConnected() const;
@@ -176,7 +177,8 @@ private:
     framework::Font m_font;
     ConnectionNews m_connection;
     BookFilling m_filling;
-    bool m_tellsStatus = false;
+    bool m_tellsStatus = false; // soon
+    ULONGLONG m_statusAt = 0;   // when it was told last
     bool m_open = false;
 };
 

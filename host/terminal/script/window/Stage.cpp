@@ -75,6 +75,16 @@ bool WindowStage::AnswerBox(int button) {
     return true;
 }
 
+std::int64_t WindowStage::ProcessorMs() {
+    FILETIME started{}, ended{}, kernel{}, user{};
+    GetProcessTimes(GetCurrentProcess(), &started, &ended, &kernel, &user);
+    const auto milliseconds = [](const FILETIME& time) {
+        return static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime)
+               / 10'000;
+    };
+    return milliseconds(kernel) + milliseconds(user);
+}
+
 void ScriptPlay::Abandon(const std::string& verdict) {
     const Script picture = Script::Parse("screenshot failed.png", "").Value();
     m_stage.Try(picture.commands[0], 0);

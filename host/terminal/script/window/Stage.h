@@ -72,6 +72,7 @@ public:
     StepResult Try(const ScriptCommand& command, std::size_t attempt) override;
     std::optional<OpenMessageBox> OpenBox() override;
     bool AnswerBox(int button) override;
+    std::int64_t ProcessorMs() override;
     void Report(const std::string& line) override { m_stage.log.Write(line); }
 
 private:
