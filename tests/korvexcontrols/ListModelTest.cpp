@@ -76,6 +76,8 @@ TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
         // Long cells are looked at in pieces.
         {contains, "Ten", "", "TEN------------------|---------------tEn---|--------------------teN",
          "te-------------------|---------------te----|-------------------t-en"},
+        {contains, "A[", "", "--------a[|a[--------", "--------a{|--------[a"},
+        {contains, "p", "", "--------P|P--------|--------p-------", "----------------0"},
         {equalsText, "", "", "", " |a"},
         {equalsText, "aB", "", "ab|AB", "a|abc|ab |"},
         {exactly, "Ab", "", "Ab", "ab|AB|Ab |"},

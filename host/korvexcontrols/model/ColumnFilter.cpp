@@ -211,26 +211,27 @@ void RowFilters::SetOwner(std::int32_t column, const std::string_view* text) {
     if (text) m_owner.emplace(column, FilterInput{FilterOperator::exactly, std::string(*text), {}});
 }
 
-void RowFilters::DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const {
+std::span<const std::uint32_t> RowFilters::Passing(CellSource& source, std::span<std::uint32_t> records) const {
     std::array<std::string_view, kBatch> cells;
-    constexpr std::size_t ahead = 8;
-    const auto drop = [&](const ColumnFilter& filter) {
+    constexpr std::size_t ahead = 16;
+    const auto keep = [&](const ColumnFilter& filter) {
+        source.Cells(records, filter.Column(), cells.data());
         std::size_t kept = 0;
-        for (std::size_t at = 0; at < records.size(); at += kBatch) {
-            const std::size_t count = std::min(kBatch, records.size() - at);
-            source.Cells({&records[at], count}, filter.Column(), cells.data());
-            for (std::size_t i = 0; i < count; ++i) {
-                // The texts lie anywhere: those to come are fetched meanwhile.
-                if (i + ahead < count) __builtin_prefetch(cells[i + ahead].data());
-                records[kept] = records[at + i];
-                kept += filter.Passes(cells[i]);
-            }
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            // The texts lie anywhere: those to come are fetched meanwhile.
+            if (i + ahead < records.size()) __builtin_prefetch(cells[i + ahead].data());
+            records[kept] = records[i];
+            kept += filter.Passes(cells[i]);
         }
-        records.resize(kept);
+        records = records.first(kept);
     };
-    if (m_condition) std::erase_if(records, [&](std::uint32_t record) { return !m_condition(record); });
-    if (m_owner) drop(*m_owner);
-    std::ranges::for_each(m_filters, drop);
+    if (m_condition) {
+        const auto end = std::remove_if(records.begin(), records.end(), std::not_fn(m_condition));
+        records = records.first(static_cast<std::size_t>(end - records.begin()));
+    }
+    if (m_owner) keep(*m_owner);
+    std::ranges::for_each(m_filters, keep);
+    return records;
 }
 
 } // namespace korvex

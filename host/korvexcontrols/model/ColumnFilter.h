@@ -123,7 +123,8 @@ public:
         return (!m_condition || m_condition(record)) && (!m_owner || passes(*m_owner))
                && std::ranges::all_of(m_filters, passes);
     }
-    void DropThatFail(CellSource& source, std::vector<std::uint32_t>& records) const;
+    // Of at most kBatch records those that pass, in front of the others.
+    std::span<const std::uint32_t> Passing(CellSource& source, std::span<std::uint32_t> records) const;
 
 private:
     std::list<ColumnFilter> m_filters;

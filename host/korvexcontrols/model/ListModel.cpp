@@ -54,7 +54,9 @@ template <class Operation>
 ListChange ListModel::Rearrange(Operation&& operation) {
     m_selection.RememberAll(SelectedRecords());
     operation();
-    m_selection.SelectRemembered(m_rows.Arrange());
+    m_rows.Arrange();
+    m_selection.SelectRemembered(m_selection.RemembersAny() ? m_rows.ShownRecords()
+                                                            : std::vector<std::uint32_t>());
     return {ListChange::everything, 0, 0};
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace korvex {
 
@@ -21,11 +22,8 @@ std::uint32_t ListRows::ShownRowOf(std::uint32_t record) const {
 }
 
 std::vector<std::uint32_t> ListRows::ShownRecords() const {
-    std::vector<std::uint32_t> records;
-    records.reserve(ShownCount());
-    for (std::uint32_t row = 0; row < ShownCount(); ++row)
-        records.push_back(ShownAt(row));
-    return records;
+    if (IsSorted()) return m_sorted.Records();
+    return IsFiltered() ? m_order.RecordsOf(m_passing) : m_order.Records();
 }
 
 std::uint32_t ListRows::Show(std::uint32_t record) {
@@ -49,7 +47,10 @@ std::uint32_t ListRows::InsertFront(std::uint32_t record) {
     if (m_order.IsSparse()) m_order.Compact(m_passing);
     m_order.Append(record);
     if (IsFiltered() && !IsSorted()) m_passing.Append(false);
-    return m_filters.Pass(m_source, record) ? Show(record) : kNone;
+    if (!m_filters.Pass(m_source, record)) return kNone;
+    if (IsSorted()) return Show(record);
+    if (IsFiltered()) m_passing.Set(m_order.SlotOf(record), true);
+    return 0; // of the shown rows, too, it is the first
 }
 
 std::uint32_t ListRows::Remove(std::uint32_t record) {
@@ -73,21 +74,37 @@ ListRows::Move ListRows::Update(std::uint32_t record) {
     return {from, passes ? Show(record) : kNone};
 }
 
-std::vector<std::uint32_t> ListRows::Arrange() {
-    auto records = m_order.Records();
-    m_filters.DropThatFail(m_source, records);
+std::vector<std::uint32_t> ListRows::Passing() const {
+    if (!IsFiltered()) return m_order.Records();
+    std::vector<std::uint32_t> passing;
+    std::array<std::uint32_t, kBatch> piece;
+    std::size_t size = 0;
+    const auto judge = [&] {
+        const auto good = m_filters.Passing(m_source, {piece.data(), std::exchange(size, 0)});
+        passing.insert(passing.end(), good.begin(), good.end());
+    };
+    m_order.ForRecords([&](std::uint32_t record) {
+        piece[size++] = record;
+        if (size == kBatch) judge();
+    });
+    judge();
+    return passing;
+}
+
+void ListRows::Arrange() {
     m_sorted = SortedRows();
     m_passing.Clear();
+    if (!IsSorted() && !IsFiltered()) return;
+    auto records = Passing();
     if (IsSorted()) {
         const auto keys = m_sort.Sort(records);
         m_sorted.Assign(records, keys);
-    } else if (IsFiltered()) {
+    } else {
         std::vector<std::uint32_t> slots(records.size());
         std::ranges::transform(records, slots.begin(),
                                [&](std::uint32_t record) { return m_order.SlotOf(record); });
         m_passing.Assign(m_order.Slots(), slots);
     }
-    return records;
 }
 
 std::uint32_t ListRows::Find(const Search& search, const std::function<bool(std::string_view)>& wanted) const {

@@ -37,10 +37,10 @@ public:
 
     const RowFilters& Filters() const { return m_filters; }
     const std::vector<SortColumn>& Sort() const { return m_sort.Columns(); }
-    // A change of these shows with Arrange, which answers the shown records in their order.
+    // A change of these shows with Arrange.
     RowFilters& Filters() { return m_filters; }
     void SetSort(std::vector<SortColumn> columns) { m_sort.SetColumns(std::move(columns)); }
-    std::vector<std::uint32_t> Arrange();
+    void Arrange();
 
     // The first shown row, `steps` rows from `start` on and around the end, with a cell that is wanted; kNone
     // when there is none.
@@ -54,6 +54,8 @@ public:
 private:
     bool IsSorted() const { return !m_sort.IsNatural(); }
     bool IsFiltered() const { return !m_filters.PassAll(); }
+    // All records that pass the filters, the newest first.
+    std::vector<std::uint32_t> Passing() const;
     // Puts a record among the shown ones, or takes it from them; both answer the row.
     std::uint32_t Show(std::uint32_t record);
     std::uint32_t Hide(std::uint32_t record);

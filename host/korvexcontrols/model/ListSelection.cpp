@@ -38,7 +38,6 @@ void ListSelection::RememberAll(std::span<const std::uint32_t> selected) {
 
 void ListSelection::SelectRemembered(std::span<const std::uint32_t> shown) {
     m_rows.Clear();
-    if (m_hidden.empty()) return;
     for (std::uint32_t row = 0; row < shown.size(); ++row) {
         if (!IsRemembered(shown[row])) continue;
         const std::uint32_t begin = row;

@@ -24,6 +24,7 @@ public:
     void RowMoved(std::uint32_t from, std::uint32_t to);
     // The shown rows are found anew: before it the selected records are remembered, after it selected again.
     void RememberAll(std::span<const std::uint32_t> selected);
+    bool RemembersAny() const { return !m_hidden.empty(); }
     void SelectRemembered(std::span<const std::uint32_t> shown);
 
 private:

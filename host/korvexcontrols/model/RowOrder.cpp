@@ -131,10 +131,10 @@ void RowOrder::Clear() {
     m_slotOf.clear();
 }
 
-std::vector<std::uint32_t> RowOrder::Records() const {
+std::vector<std::uint32_t> RowOrder::RecordsOf(const RankedBits& slots) const {
     std::vector<std::uint32_t> records;
-    records.reserve(Count());
-    m_live.ForSet([&](std::uint32_t slot) { records.push_back(m_recordAt[slot]); });
+    records.reserve(slots.Count());
+    slots.ForSet([&](std::uint32_t slot) { records.push_back(m_recordAt[slot]); });
     return records;
 }
 

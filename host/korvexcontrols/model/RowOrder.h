@@ -75,8 +75,13 @@ public:
         return record < m_slotOf.size() ? m_slotOf[record] : kNone;
     }
     std::uint32_t RecordOfSlot(std::uint32_t slot) const { return m_recordAt[slot]; }
-    // All records, the newest first.
-    std::vector<std::uint32_t> Records() const;
+    // All records, or those of some slots, the newest first.
+    std::vector<std::uint32_t> Records() const { return RecordsOf(m_live); }
+    std::vector<std::uint32_t> RecordsOf(const RankedBits& slots) const;
+    template <class Take>
+    void ForRecords(Take&& take) const {
+        m_live.ForSet([&](std::uint32_t slot) { take(m_recordAt[slot]); });
+    }
 
     // When most slots are empty, Compact closes the gaps, also those of bits that were kept for the same slots.
     bool IsSparse() const { return Slots() > kSparseSlots && Count() < Slots() / 4; }

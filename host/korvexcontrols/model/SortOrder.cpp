@@ -166,10 +166,11 @@ void SortOrder::SortByCells(std::span<Item> items, std::size_t level) {
 
 // Sorts byte by byte from the lowest and leaves out those that are the same in all keys. Equal keys keep their
 // order.
-void SortOrder::SortByKey(std::span<Item> items) {
+// They are then where the answer tells: at their place or in m_spare.
+std::span<SortOrder::Item> SortOrder::SortByKey(std::span<Item> items) {
     if (items.size() < kManyKeys) {
         std::ranges::stable_sort(items, {}, &Item::key);
-        return;
+        return items;
     }
     constexpr int bytes = 8;
     std::array<std::array<std::uint32_t, 256>, bytes> counts{};
@@ -188,7 +189,7 @@ void SortOrder::SortByKey(std::span<Item> items) {
             to[places[item->key >> (8 * byte) & 0xFF]++] = *item;
         std::swap(from, to);
     }
-    if (from != items.data()) std::copy_n(from, items.size(), items.data());
+    return {from, items.size()};
 }
 
 bool SortOrder::MakeNumberKeys(std::span<Item> items, const SortColumn& by) {
@@ -240,7 +241,8 @@ void SortOrder::SortRun(std::span<Item> items, std::size_t level, std::size_t of
     if (level == m_columns.size() || items.size() < 2) return;
     if (items.size() <= kFew) return SortByCells(items, level);
     const Made made = MakeKeys(items, level, offset);
-    SortByKey(items);
+    if (const auto sorted = SortByKey(items); sorted.data() != items.data())
+        std::ranges::copy(sorted, items.begin());
     SortTies(items, level, made);
 }
 
@@ -272,7 +274,7 @@ std::vector<std::uint64_t> SortOrder::Sort(std::vector<std::uint32_t>& records) 
         items[i].record = records[i];
     const Made made = MakeKeys(items, 0, 0);
     m_exact = made.exact;
-    SortByKey(items);
+    if (SortByKey(items).data() != items.data()) items.swap(m_spare);
     // The ties would overwrite them; a tie stays among records of one key.
     std::vector<std::uint64_t> keys(items.size());
     std::ranges::transform(items, keys.begin(), &Item::key);

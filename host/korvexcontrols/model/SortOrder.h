@@ -77,7 +77,7 @@ private:
     void ForCells(std::span<const Item> items, std::int32_t column, Take&& take);
     bool MakeNumberKeys(std::span<Item> items, const SortColumn& by);
     Made MakeKeys(std::span<Item> items, std::size_t level, std::size_t offset);
-    void SortByKey(std::span<Item> items);
+    std::span<Item> SortByKey(std::span<Item> items);
     void SortTies(std::span<Item> items, std::size_t level, const Made& made);
     Made MakeTextKeys(std::span<Item> items, std::size_t level, std::size_t offset);
     std::uint64_t TextKey(std::string_view cell) const;

@@ -29,6 +29,14 @@ std::uint32_t SortedRows::RowOf(std::uint32_t record) const {
     return RowsBefore(block.place) + static_cast<std::uint32_t>(at);
 }
 
+std::vector<std::uint32_t> SortedRows::Records() const {
+    std::vector<std::uint32_t> records;
+    records.reserve(m_count);
+    for (const std::uint32_t block : m_row)
+        records.insert(records.end(), m_blocks[block].records.begin(), m_blocks[block].records.end());
+    return records;
+}
+
 void SortedRows::Assign(std::span<const std::uint32_t> records, std::span<const std::uint64_t> keys) {
     constexpr std::size_t filled = kFullBlock * 3 / 4;
     *this = SortedRows();
@@ -49,13 +57,10 @@ void SortedRows::Assign(std::span<const std::uint32_t> records, std::span<const 
 
 // Blocks that stay nearly empty, while others fill and are split, would become too many.
 void SortedRows::FillBlocksAnew() {
-    std::vector<std::uint32_t> records;
     std::vector<std::uint64_t> keys;
-    for (const std::uint32_t block : m_row) {
-        records.insert(records.end(), m_blocks[block].records.begin(), m_blocks[block].records.end());
+    for (const std::uint32_t block : m_row)
         keys.insert(keys.end(), m_blocks[block].keys.begin(), m_blocks[block].keys.end());
-    }
-    Assign(records, keys);
+    Assign(Records(), keys);
 }
 
 void SortedRows::Enter(std::uint32_t record, std::uint32_t block) {

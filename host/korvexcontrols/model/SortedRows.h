@@ -21,6 +21,8 @@ public:
     // The row of a record that stands here.
     std::uint32_t RowOf(std::uint32_t record) const;
 
+    std::vector<std::uint32_t> Records() const;
+
     void Assign(std::span<const std::uint32_t> records, std::span<const std::uint64_t> keys);
     // `standsBefore(other)` tells whether the record belongs in front of the other, which has the same key.
     // Insert answers the row that it got, Erase the one that it had.
