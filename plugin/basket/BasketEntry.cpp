@@ -28,11 +28,9 @@ void BasketEntry::LeaveModifyMode() {
     m_view.SetText(IDC_SUBMIT, kAdd);
 }
 
-// The selected row; of several, that which the form was filled from. When that one is gone, no other takes its
-// place.
+// The selected row; of several, that which the form was filled from.
 RecordId BasketEntry::RowToModify() const {
     const RecordId shown = m_rows.BySerialNumber(m_shownRow);
-    if (shown == kNoRecord) return kNoRecord;
     const std::vector<RecordId> selected = m_view.List().Selected();
     return std::ranges::find(selected, shown) != selected.end() ? shown : m_view.List().FirstSelected();
 }
@@ -42,7 +40,9 @@ std::string BasketEntry::OtherRowQuestion(RecordId selected) const {
         const sBasketOrderData& row = m_rows[record];
         return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
     };
-    return "The form was filled from the order for " + named(m_rows.BySerialNumber(m_shownRow))
+    const RecordId shown = m_rows.BySerialNumber(m_shownRow);
+    return "The form was filled from "
+           + (shown == kNoRecord ? "an order that has gone or changed since" : "the order for " + named(shown))
            + ", but the row for " + named(selected)
            + " is selected.\n\nYes: replace the selected order by what the form shows.\nNo: change nothing.";
 }

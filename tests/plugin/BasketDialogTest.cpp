@@ -123,12 +123,18 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.yes = true;
 
-    // The row that was to be modified is gone: no other is taken for it.
+    // The row that was to be modified is gone: another that is selected is not taken for it without a question.
     basket.Entry().Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[1]};
     basket.Delete();
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
     view.list.selected = {view.list.rows[1]};
+    view.yes = false;
+    basket.Entry().AddOrModify();
+    EXPECT_EQ(Taken(view.questions).size(), 1u);
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
+    view.yes = true;
+    view.list.selected.clear();
     basket.Entry().AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");
