@@ -10,6 +10,8 @@ namespace planfold {
 
 namespace {
 
+constexpr std::size_t kFewRows = 16;
+
 std::string_view RequestNameOf(RunKind kind) {
     return kind == RunKind::cancel ? kCancelSipOrder : RequestNameOf(ChangeOf(kind));
 }
@@ -107,9 +109,9 @@ void BookRuns::HandleCancelled(const Answer& answer) {
     const auto number = FieldView(answer.message, tag::echoedNumber);
     const RecordId record = number ? m_cache.Find(*number) : kNoRecord;
     if (record != kNoRecord) m_leaving.emplace(record, Leaving{place});
-    // The answers of a burst are one step, but the last of them waits for none.
+    // The answers of a burst are one step, but few rows go at once, and the last of them waits for none.
     const BookRun* run = RunOf(place);
-    if ((!run || run->IsOver()) && RemoveLeaving()) EndRuns();
+    if ((!run || run->IsOver() || run->Total() <= kFewRows) && RemoveLeaving()) EndRuns();
 }
 
 bool BookRuns::OnStreamedCancelled(RecordId record) {

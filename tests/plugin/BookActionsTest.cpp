@@ -214,6 +214,14 @@ TEST_F(BookActionsTest, AnswersRemoveSelectedRowsAndShowTexts) {
         EXPECT_EQ(Taken(view.boxes), (Texts{request, "refused"}));
     }
     EXPECT_EQ(host.log.size(), 3u);
+    // Of a few rows each goes with its answer, and the summary comes with the last.
+    Row("SIP4");
+    Select({"SIP2", "SIP4"});
+    actions.Cancel();
+    Answer("cancel_sip_order", "echoedNumber=SIP4");
+    EXPECT_EQ(Numbers(book, view.registered), "SIP2");
+    EXPECT_EQ(host.log.back(), "SIP4 Order Cancelled ");
+    EXPECT_EQ(view.boxes, Texts{});
 }
 
 // What a run sent is counted to its last answer, whatever stops it.
