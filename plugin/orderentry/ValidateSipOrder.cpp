@@ -54,15 +54,6 @@ void ScripFromMaster(Pass pass, const Session& session, const SipOrderForm& form
     });
 }
 
-Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
-    if (form.modifyMode) return std::nullopt;
-    const LocalDateTime today = now.Midnight();
-    if (form.startDate.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
-    if (IsLater(form.startDate, today, CountDaysInYears(today, kMostYearsAhead)))
-        return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
-    return std::nullopt;
-}
-
 Verdict QuantityToWire(std::string& value, const char* malformed) {
     if (value.empty()) return ValueRefusal("Enter Quantity");
     if (value == "." || value == "0") return ValueRefusal(malformed);
@@ -122,6 +113,14 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
     return std::nullopt;
 }
 
+std::optional<Refusal> CheckStartDate(const LocalDateTime& start, const LocalDateTime& now) {
+    const LocalDateTime today = now.Midnight();
+    if (start.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
+    if (IsLater(start, today, CountDaysInYears(today, kMostYearsAhead)))
+        return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
+    return std::nullopt;
+}
+
 std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,
                                         const SipOrderForm& form, const LocalDateTime& now,
                                         sSipOrderData& record, const FormTexts& texts) {
@@ -137,7 +136,8 @@ std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostW
     record.product = form.product;
     record.frequency = form.frequency;
 
-    if (auto refusal = CheckStartDate(form, now)) return refusal;
+    if (!form.modifyMode)
+        if (auto refusal = CheckStartDate(form.startDate, now)) return refusal;
     record.startDate = std::to_string(DateSeconds(form.startDate));
 
     record.totalPeriod = form.totalPeriod;
