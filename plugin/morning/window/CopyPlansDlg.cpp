@@ -54,7 +54,7 @@ bool CCopyPlansDlg::ShowCopies() {
     const auto refusal = CheckStartDate(Start(), LocalNow());
     Item(IDC_COPY_TEXT)
         .SetText(refusal ? refusal->text
-                         : DescribeCopies(copies) + (m_areRuns ? "\nEach is for one run." : ""));
+                         : DescribeCopies(copies) + (m_areRuns ? " Each is for one run." : ""));
     Item(IDOK).Enable(!copies.orders.empty());
     return !refusal;
 }
