@@ -35,15 +35,13 @@ RecordId BasketEntry::RowToModify() const {
     return std::ranges::find(selected, shown) != selected.end() ? shown : m_view.List().FirstSelected();
 }
 
+std::string BasketEntry::NameOf(RecordId record) const {
+    const sBasketOrderData& row = m_rows[record];
+    return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
+}
+
 std::string BasketEntry::OtherRowQuestion(RecordId selected) const {
-    const auto named = [&](RecordId record) {
-        const sBasketOrderData& row = m_rows[record];
-        return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
-    };
-    const RecordId shown = m_rows.BySerialNumber(m_shownRow);
-    return "The form was filled from "
-           + (shown == kNoRecord ? "an order that has gone or changed since" : "the order for " + named(shown))
-           + ", but the row for " + named(selected)
+    return "The form was filled from the order for " + m_shownName + ", but the row for " + NameOf(selected)
            + " is selected.\n\nYes: replace the selected order by what the form shows.\nNo: change nothing.";
 }
 
@@ -87,6 +85,7 @@ void BasketEntry::Activate(RecordId record) {
         m_questions.Alone([&](Pass pass) { return m_form.ShowRow(pass, row.Texts(), m_view.Now()); });
     if (!notShown) return;
     m_shownRow = m_rows[record].SerialNumber();
+    m_shownName = NameOf(record);
     m_rejected.corrected = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
     m_view.SetText(IDC_SUBMIT, *notShown == 0 ? kModify : kAdd);
