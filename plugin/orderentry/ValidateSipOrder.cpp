@@ -115,9 +115,9 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
 
 std::optional<Refusal> CheckStartDate(const LocalDateTime& start, const LocalDateTime& now) {
     const LocalDateTime today = now.Midnight();
-    if (start.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
+    if (start.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date", IDC_START_DATE};
     if (IsLater(start, today, CountDaysInYears(today, kMostYearsAhead)))
-        return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
+        return Refusal{"Start Date Cannot be more than 2 years from today's Date", IDC_START_DATE};
     return std::nullopt;
 }
 
@@ -128,8 +128,10 @@ std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostW
         ScripFromDialog(pass, session, dialog, record);
     else
         ScripFromMaster(pass, session, form, record);
-    if (texts.noToken && record.token.empty()) return Refusal{texts.noToken};
-    if (texts.noClient && form.account.empty()) return Refusal{texts.noClient};
+    if (texts.noToken && record.token.empty()) return Refusal{texts.noToken, IDC_SYMBOL};
+    if (texts.noClient && form.account.empty())
+        return Refusal{texts.noClient,
+                       session.host.pu_get_entered_text_results ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO};
     Convert(kPlanToServer, form.action, record.side);
     Convert(kPlanToSideLabel, form.action, record.sideWord);
     Convert(kOrderTypeToServer, form.orderType, record.orderType);
