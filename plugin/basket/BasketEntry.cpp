@@ -28,22 +28,20 @@ void BasketEntry::LeaveModifyMode() {
     m_view.SetText(IDC_SUBMIT, kAdd);
 }
 
-// The selected row; of several, that which the form was filled from. When that one is gone, no other takes its
-// place.
+// The selected row; of several, that which the form was filled from.
 RecordId BasketEntry::RowToModify() const {
     const RecordId shown = m_rows.BySerialNumber(m_shownRow);
-    if (shown == kNoRecord) return kNoRecord;
     const std::vector<RecordId> selected = m_view.List().Selected();
     return std::ranges::find(selected, shown) != selected.end() ? shown : m_view.List().FirstSelected();
 }
 
+std::string BasketEntry::NameOf(RecordId record) const {
+    const sBasketOrderData& row = m_rows[record];
+    return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
+}
+
 std::string BasketEntry::OtherRowQuestion(RecordId selected) const {
-    const auto named = [&](RecordId record) {
-        const sBasketOrderData& row = m_rows[record];
-        return std::string(row.Text(BasketField::account)) + ' ' + std::string(row.Text(BasketField::symbol));
-    };
-    return "The form was filled from the order for " + named(m_rows.BySerialNumber(m_shownRow))
-           + ", but the row for " + named(selected)
+    return "The form was filled from the order for " + m_shownName + ", but the row for " + NameOf(selected)
            + " is selected.\n\nYes: replace the selected order by what the form shows.\nNo: change nothing.";
 }
 
@@ -87,6 +85,7 @@ void BasketEntry::Activate(RecordId record) {
         m_questions.Alone([&](Pass pass) { return m_form.ShowRow(pass, row.Texts(), m_view.Now()); });
     if (!notShown) return;
     m_shownRow = m_rows[record].SerialNumber();
+    m_shownName = NameOf(record);
     m_rejected.corrected = 0;
     // What the form does not show as it is must not be taken for the row, whichever it showed before.
     m_view.SetText(IDC_SUBMIT, *notShown == 0 ? kModify : kAdd);

@@ -42,6 +42,7 @@ private:
     bool IsModifying() const;
     // kNoRecord when it is no longer there.
     RecordId RowToModify() const;
+    std::string NameOf(RecordId record) const;
     // When that is not the row that the form shows.
     std::string OtherRowQuestion(RecordId selected) const;
 
@@ -56,6 +57,7 @@ private:
     const BasketQuestions::Act m_addAgain{[this] { AddAgain(); }, [this] { m_pressed = Press(); }};
     Pressed m_pressed{};         // as it was when it had to wait
     std::int32_t m_shownRow = 0; // by serial number: which the form was filled from, to modify it
+    std::string m_shownName;
 };
 
 } // namespace planfold

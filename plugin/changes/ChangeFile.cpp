@@ -46,12 +46,6 @@ std::uint64_t PrintOf(const sOrderinfo& record) {
     return print;
 }
 
-OrderField PeriodsField(const sOrderinfo& record, bool serverPeriods) {
-    const OrderField meant = serverPeriods ? OrderField::installmentsRegistered : OrderField::totalPeriod;
-    const OrderField other = serverPeriods ? OrderField::totalPeriod : OrderField::installmentsRegistered;
-    return record.Text(meant).empty() && !record.Text(other).empty() ? other : meant;
-}
-
 std::optional<OrderField> ValueField(const sOrderinfo& record) {
     const std::string_view investType = record.Text(OrderField::investType);
     if (investType == "qty") return OrderField::quantity;

@@ -17,9 +17,6 @@ namespace planfold {
 
 // Another one when any text of the record changes that the server tells.
 std::uint64_t PrintOf(const sOrderinfo& record);
-// Where the record's periods stand: `serverPeriods` tells which field is meant, but a number may have come
-// before that was known.
-OrderField PeriodsField(const sOrderinfo& record, bool serverPeriods);
 // Where its value stands: a record by neither amount nor quantity has none.
 std::optional<OrderField> ValueField(const sOrderinfo& record);
 

@@ -51,7 +51,7 @@ CopiedPlans CopyPlans(const OrderCache& records, std::span<const std::string> nu
         order.orderType = "MKT";
         order.customerFirm = "C";
         order.validity = "DAY";
-        order.startDate = std::to_string(std::chrono::seconds(start.time_since_epoch()).count());
+        order.startDate = std::to_string(DateSeconds(DateOf(start)));
         if (periods == CopiedPeriods::one) {
             order.frequency = FrequencyOfOneRun(order.frequency, session);
             order.totalPeriod = "1";

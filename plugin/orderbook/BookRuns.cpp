@@ -10,6 +10,8 @@ namespace planfold {
 
 namespace {
 
+constexpr std::size_t kFewRows = 16;
+
 std::string_view RequestNameOf(RunKind kind) {
     return kind == RunKind::cancel ? kCancelSipOrder : RequestNameOf(ChangeOf(kind));
 }
@@ -106,26 +108,46 @@ void BookRuns::HandleCancelled(const Answer& answer) {
     const OrderPlace place = RecordAnswer(answer, RunKind::cancel, OrderEvent::cancelled);
     const auto number = FieldView(answer.message, tag::echoedNumber);
     const RecordId record = number ? m_cache.Find(*number) : kNoRecord;
-    if (record != kNoRecord) m_leaving.emplace(record, place);
-    // The answers of a burst are one step, but the last of them waits for none.
+    if (record != kNoRecord) m_leaving.emplace(record, Leaving{place});
+    // The answers of a burst are one step, but few rows go at once, and the last of them waits for none.
     const BookRun* run = RunOf(place);
-    if ((!run || run->IsOver()) && RemoveLeaving()) EndRuns();
+    if ((!run || run->IsOver() || run->Total() <= kFewRows) && RemoveLeaving()) EndRuns();
+}
+
+bool BookRuns::OnStreamedCancelled(RecordId record) {
+    const auto leaving = m_leaving.find(record);
+    if (leaving == m_leaving.end()) return false;
+    leaving->second.isStreamed = true;
+    return true;
+}
+
+std::string BookRuns::CancelledText(RecordId record) const {
+    return Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str());
 }
 
 bool BookRuns::RemoveLeaving() {
     const auto leaving = std::exchange(m_leaving, {});
     if (leaving.empty()) return true;
     std::vector<RecordId> records;
-    for (const auto& [record, place] : leaving)
+    for (const auto& [record, left] : leaving)
         records.push_back(record);
+    const auto log = [&](const std::string& done) {
+        return m_life.Across([&](Pass pass) { m_session.Log(pass, done); });
+    };
     std::string text;
     for (const RecordId record : m_view.Registered().RemoveSelected(records)) {
-        const std::string done = Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str());
-        if (BookRun* run = RunOf(leaving.at(record)))
+        const std::string done = CancelledText(record);
+        if (BookRun* run = RunOf(leaving.at(record).place))
             run->TellDone(done);
         else
             text.append(text.empty() ? "" : "\n").append(done);
-        if (!m_life.Across([&](Pass pass) { m_session.Log(pass, done); })) return false;
+        if (!log(done)) return false;
+    }
+    // What is selected no longer goes by its update, which has been waiting here.
+    for (const auto& [record, left] : leaving) {
+        if (!left.isStreamed || !m_view.Registered().Contains(record)) continue;
+        m_view.Registered().Remove(record);
+        if (!log(CancelledText(record))) return false;
     }
     return text.empty() || m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, text); });
 }

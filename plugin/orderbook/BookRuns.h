@@ -53,8 +53,12 @@ public:
     void HandleCancelled(const Answer& answer);
     // Of any run but a cancellation, and of a single registration.
     void HandleChanged(const Answer& answer, RunKind kind);
-    // Whether the answer to its cancellation has come, and its row leaves the book with the next of them.
-    bool IsLeaving(RecordId record) const { return m_leaving.contains(record); }
+    // The stream says that it is cancelled. True when the answer has said so already: then its row leaves the
+    // book with the others that were answered.
+    bool OnStreamedCancelled(RecordId record);
+
+    // What is said of a registration that leaves the registered book.
+    std::string CancelledText(RecordId record) const;
 
     // The records or their window are gone, and with them every run.
     void Reset();
@@ -82,8 +86,12 @@ private:
     std::list<BookRun> m_runs; // only the last one still sends
     RunSender m_sender{m_session, m_view, m_life, *this};
     std::vector<std::optional<std::string>> m_orderIds; // of the rows of the one that sends
-    std::map<RecordId, OrderPlace> m_leaving;
-    std::set<OrderPlace> m_late; // told as in doubt when their run ended
+    struct Leaving {
+        OrderPlace place;
+        bool isStreamed = false;
+    };
+    std::map<RecordId, Leaving> m_leaving; // whose cancellation is answered
+    std::set<OrderPlace> m_late;           // told as in doubt when their run ended
 };
 
 // Of any kind but a cancellation.

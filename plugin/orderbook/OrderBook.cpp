@@ -62,9 +62,9 @@ void OrderBook::OnBroadcast(void* message) {
     const auto status = FieldView(message, tag::sipStatus);
     if (record == kNoRecord || !status || !IsCancelled(*status)) return;
     BookList& registered = m_view.Registered();
-    if (!registered.Contains(record) || m_runs.IsLeaving(record)) return;
+    if (!registered.Contains(record) || m_runs.OnStreamedCancelled(record)) return;
     registered.Remove(record);
-    m_session.LogLast(Format("%s Order Cancelled ", std::string(m_cache[record].Number()).c_str()));
+    m_session.LogLast(m_runs.CancelledText(record));
 }
 
 RecordId OrderBook::ApplyRow(void* message, Arrival arrival) {

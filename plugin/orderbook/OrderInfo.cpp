@@ -182,6 +182,12 @@ static_assert(std::size(kRowFields) == kOrderFieldCount);
 
 } // namespace
 
+OrderField PeriodsField(const sOrderinfo& record, bool serverPeriods) {
+    const OrderField meant = serverPeriods ? OrderField::installmentsRegistered : OrderField::totalPeriod;
+    const OrderField other = serverPeriods ? OrderField::totalPeriod : OrderField::installmentsRegistered;
+    return record.Text(meant).empty() && !record.Text(other).empty() ? other : meant;
+}
+
 std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message) {
     const auto client = FieldView(message, tag::account);
     if (!client || !session.host.pu_get_client_name) return std::nullopt;

@@ -84,6 +84,10 @@ inline bool HasEnded(std::string_view sipStatus) {
 
 inline constexpr std::string_view kPausedStatus = "Paused";
 
+// Where the record's periods stand: `serverPeriods` tells which field is meant, but a number may have come
+// before that was known.
+OrderField PeriodsField(const sOrderinfo& record, bool serverPeriods);
+
 // The host's name for the message's client; none when the message names no client or the host cannot tell.
 std::optional<std::string> AskAccountName(Pass pass, const Session& session, void* message);
 

@@ -44,8 +44,7 @@ RecordedRow::RecordedRow(const sOrderinfo& record, bool installments)
     asked[RecordField::value] = m_value;
     asked[RecordField::frequency] = record.Text(OrderField::frequency);
     asked[RecordField::startDate] = record.Text(OrderField::startDate);
-    asked[RecordField::periods] =
-        record.Text(installments ? OrderField::installmentsRegistered : OrderField::totalPeriod);
+    asked[RecordField::periods] = record.Text(PeriodsField(record, installments));
 }
 
 } // namespace planfold

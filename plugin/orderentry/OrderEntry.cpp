@@ -102,7 +102,7 @@ bool OrderEntry::CheckAndSend(const LocalDateTime& now, Outcome& outcome) {
     const RecordedOrder recorded =
         form.modifyMode
             ? RecordedChange(m_session, kModifySipOrder, m_modifying->Number(), record.amountOrQuantity,
-                             record.totalPeriod, {}, record.investType)
+                             record.totalPeriod, {}, record.investType, m_modifying->Now().account)
             : RecordedNewOrder(m_session, record, orderId->value_or(""), StartDates().Text(record.startDate));
     std::optional<OrderPlace> place;
     if (!m_life.Across([&](Pass) { place = RecordSending(form, recorded); })) return false;

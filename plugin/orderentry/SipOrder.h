@@ -77,6 +77,9 @@ std::optional<Refusal> CheckPeriods(const PeriodRules& rules, std::string_view f
 std::optional<Refusal> ValueToWire(std::string_view investType, std::string& value,
                                    const FormTexts& texts = {});
 
+// Whether an order may start then; `now` is the local time.
+std::optional<Refusal> CheckStartDate(const LocalDateTime& start, const LocalDateTime& now);
+
 // Fills and checks the record, rule by rule; the first that fails is returned. `dialog` is handed to the
 // host's scrip callbacks; `now` is the local time.
 std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,

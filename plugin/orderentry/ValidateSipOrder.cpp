@@ -54,15 +54,6 @@ void ScripFromMaster(Pass pass, const Session& session, const SipOrderForm& form
     });
 }
 
-Verdict CheckStartDate(const SipOrderForm& form, const LocalDateTime& now) {
-    if (form.modifyMode) return std::nullopt;
-    const LocalDateTime today = now.Midnight();
-    if (form.startDate.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date"};
-    if (IsLater(form.startDate, today, CountDaysInYears(today, kMostYearsAhead)))
-        return Refusal{"Start Date Cannot be more than 2 years from today's Date"};
-    return std::nullopt;
-}
-
 Verdict QuantityToWire(std::string& value, const char* malformed) {
     if (value.empty()) return ValueRefusal("Enter Quantity");
     if (value == "." || value == "0") return ValueRefusal(malformed);
@@ -122,6 +113,14 @@ std::optional<Refusal> ValueToWire(std::string_view investType, std::string& val
     return std::nullopt;
 }
 
+std::optional<Refusal> CheckStartDate(const LocalDateTime& start, const LocalDateTime& now) {
+    const LocalDateTime today = now.Midnight();
+    if (start.Midnight() < today) return Refusal{"Start Date Cannot be less that today's Date", IDC_START_DATE};
+    if (IsLater(start, today, CountDaysInYears(today, kMostYearsAhead)))
+        return Refusal{"Start Date Cannot be more than 2 years from today's Date", IDC_START_DATE};
+    return std::nullopt;
+}
+
 std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostWindow dialog,
                                         const SipOrderForm& form, const LocalDateTime& now,
                                         sSipOrderData& record, const FormTexts& texts) {
@@ -129,15 +128,18 @@ std::optional<Refusal> ValidateSipOrder(Pass pass, const Session& session, HostW
         ScripFromDialog(pass, session, dialog, record);
     else
         ScripFromMaster(pass, session, form, record);
-    if (texts.noToken && record.token.empty()) return Refusal{texts.noToken};
-    if (texts.noClient && form.account.empty()) return Refusal{texts.noClient};
+    if (texts.noToken && record.token.empty()) return Refusal{texts.noToken, IDC_SYMBOL};
+    if (texts.noClient && form.account.empty())
+        return Refusal{texts.noClient,
+                       session.host.pu_get_entered_text_results ? IDC_CLIENT_SEARCH : IDC_CLIENT_COMBO};
     Convert(kPlanToServer, form.action, record.side);
     Convert(kPlanToSideLabel, form.action, record.sideWord);
     Convert(kOrderTypeToServer, form.orderType, record.orderType);
     record.product = form.product;
     record.frequency = form.frequency;
 
-    if (auto refusal = CheckStartDate(form, now)) return refusal;
+    if (!form.modifyMode)
+        if (auto refusal = CheckStartDate(form.startDate, now)) return refusal;
     record.startDate = std::to_string(DateSeconds(form.startDate));
 
     record.totalPeriod = form.totalPeriod;

@@ -49,12 +49,13 @@ TEST_F(BasketDialogTest, TheFormIsCheckedInItsOwnOrder) {
         bool byQuantity;
         const char* scrip; // as the host gives it
         const char* refusal;
+        int focus = IDC_VALUE;
     };
     const Row rows[] = {
-        {"", "", "", false, "nse_cm|", "Enter Token"},
-        {"", "", "", false, "", "Please select the ClientID"},
-        {"C001", "", "", false, "", "Enter a Month."},
-        {"C001", "", "61", false, "", "Month Should be Between 1 and 60"},
+        {"", "", "", false, "nse_cm|", "Enter Token", IDC_SYMBOL},
+        {"", "", "", false, "", "Please select the ClientID", IDC_CLIENT_SEARCH},
+        {"C001", "", "", false, "", "Enter a Month.", IDC_PERIOD},
+        {"C001", "", "61", false, "", "Month Should be Between 1 and 60", IDC_PERIOD},
         {"C001", "", "12", false, "", "Enter Amount"},
         {"C001", "0", "12", false, "", "Enter valid Amount"},
         {"C001", "10000000", "12", false, "", "cannot have more than 7 digits in rupees part of Amount"},
@@ -73,6 +74,7 @@ TEST_F(BasketDialogTest, TheFormIsCheckedInItsOwnOrder) {
         host.exchangeAndToken = row.scrip;
         basket.Entry().AddOrModify();
         EXPECT_EQ(Taken(view.boxes), Texts{row.refusal});
+        EXPECT_EQ(view.focused, row.byQuantity ? IDC_BASKET_QUANTITY : row.focus) << row.refusal;
     }
     EXPECT_TRUE(view.controls[IDC_BASKET_PLACE].enabled) << "also by a refused one";
     EXPECT_TRUE(view.list.rows.empty());
@@ -123,12 +125,18 @@ TEST_F(BasketDialogTest, RowsAreAddedInFrontModifiedAndDeleted) {
     EXPECT_EQ(view.Text(IDC_SUBMIT), "&Modify");
     view.yes = true;
 
-    // The row that was to be modified is gone: no other is taken for it.
+    // The row that was to be modified is gone: another that is selected is not taken for it without a question.
     basket.Entry().Activate(view.list.rows[1]);
     view.list.selected = {view.list.rows[1]};
     basket.Delete();
     EXPECT_EQ(Rows(BasketField::account), "C3 C1");
     view.list.selected = {view.list.rows[1]};
+    view.yes = false;
+    basket.Entry().AddOrModify();
+    EXPECT_EQ(Taken(view.questions).size(), 1u);
+    EXPECT_EQ(Rows(BasketField::account), "C3 C1");
+    view.yes = true;
+    view.list.selected.clear();
     basket.Entry().AddOrModify();
     EXPECT_EQ(Taken(view.boxes), Texts{"Order Not Found"});
     EXPECT_EQ(view.Text(IDC_SUBMIT), "Add");

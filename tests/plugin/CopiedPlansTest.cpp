@@ -47,21 +47,24 @@ TEST(CopiedPlans, TakeWhatAskedForTheSameAndTheRunsThatAreLeft) {
                      + order.startDate + "\n";
         return lines + DescribeCopies(copies);
     };
-    const std::string first = "C1 nse_cm B value 150050 monthly 7 1796601600\n",
-                      sold = "C1 nse_cm S qty 7 weekly 12 1796601600\n",
-                      bought = "C1 nse_cm B value 150050 monthly 12 1796601600\n",
-                      once = "C1 nse_cm B value 150050 daily 1 1796601600\n";
+    const std::string start = std::to_string(ParseDate("07/Dec/2026")) + "\n"; // the dealer's own midnight
+    const std::string first = "C1 nse_cm B value 150050 monthly 7 " + start,
+                      sold = "C1 nse_cm S qty 7 weekly 12 " + start,
+                      bought = "C1 nse_cm B value 150050 monthly 12 " + start,
+                      once = "C1 nse_cm B value 150050 daily 1 " + start;
     EXPECT_EQ(text(CopiedPeriods::left), first + first
                                              + "2 orders come into the basket. Left out: 1 still running, 1 "
                                                "without runs left, 3 not readable");
     EXPECT_EQ(text(CopiedPeriods::registered),
               bought + sold + bought + bought
                   + "4 orders come into the basket. Left out: 1 still running, 2 not readable");
-    EXPECT_EQ(text(CopiedPeriods::one), once + "C1 nse_cm S qty 7 daily 1 1796601600\n" + once + once + once
+    EXPECT_EQ(text(CopiedPeriods::one), once + "C1 nse_cm S qty 7 daily 1 " + start + once + once + once
                                             + "5 orders come into the basket. Left out: 2 not readable")
         << "the server may want more runs by the month";
+    session.m_nSipOperationMode = 0; // as each new order form makes it until the server has answered
+    EXPECT_TRUE(text(CopiedPeriods::registered).starts_with(bought + sold));
     session.MinimumPeriods(*FindFrequency("daily")) = 5;
-    EXPECT_TRUE(text(CopiedPeriods::one).starts_with("C1 nse_cm B value 150050 monthly 1 1796601600\n"));
+    EXPECT_TRUE(text(CopiedPeriods::one).starts_with("C1 nse_cm B value 150050 monthly 1 " + start));
 }
 
 } // namespace

@@ -79,6 +79,9 @@ TEST_F(OrderEntryTest, ARefusedSubmitKeepsWhatWasTyped) {
     view.SetText(IDC_PERIOD, "0");
     entry.Submit(kNow);
     EXPECT_EQ(view.focused, IDC_PERIOD);
+    view.date = {2020, 1, 1};
+    entry.Submit(kNow);
+    EXPECT_EQ(view.focused, IDC_START_DATE);
     EXPECT_EQ(host.requests.size(), 1u);
 }
 

@@ -74,6 +74,7 @@ TEST_F(OrderEntryTest, IsRecordedFromTheSendingToTheAnswer) {
 TEST_F(OrderEntryTest, AModificationIsRecordedToo) {
     SipRegistration registration;
     registration.number = "SIP7";
+    registration.account = "C001";
     registration.exchange = "NSE";
     registration.tradingSymbol = "A-EQ";
     registration.startDate = "05-Mar-2020";
@@ -82,9 +83,9 @@ TEST_F(OrderEntryTest, AModificationIsRecordedToo) {
     entry.FillForModify(registration);
     Type("200", "18", "C001");
     entry.Submit(kNow);
-    EXPECT_EQ(Taken(host.recordFiles), Texts{"sending SIP7 modify_sip_order"});
+    EXPECT_EQ(Taken(host.recordFiles), Texts{"sending C001 SIP7 modify_sip_order"});
     Answer("echoedRequest=modify_sip_order userText=done registrationNumber=SIP7");
-    EXPECT_EQ(Taken(host.recordFiles), Texts{"modified SIP7 modify_sip_order: done"});
+    EXPECT_EQ(Taken(host.recordFiles), Texts{"modified C001 SIP7 modify_sip_order: done"});
 }
 
 TEST_F(BasketStage, APlacingIsRecordedInPortionsAndStoppedRowsAreTold) {

@@ -38,26 +38,44 @@ CopiedPeriods CCopyPlansDlg::Periods() const {
     return left ? CopiedPeriods::left : CopiedPeriods::registered;
 }
 
-CopiedPlans CCopyPlansDlg::Copies() const {
-    const auto start = DayOf(FromSystemTime(Item<framework::DatePicker>(IDC_COPY_START).Time()));
-    return CopyPlans(m_records, m_numbers, Periods(), start.value_or(Day()), m_session);
+LocalDateTime CCopyPlansDlg::Start() const {
+    return FromSystemTime(Item<framework::DatePicker>(IDC_COPY_START).Time()).Midnight();
 }
 
-void CCopyPlansDlg::ShowCopies() {
+CopiedPlans CCopyPlansDlg::Copies() const {
+    return CopyPlans(m_records, m_numbers, Periods(), DayOf(Start()).value_or(Day()), m_session);
+}
+
+bool CCopyPlansDlg::ShowCopies() {
     for (const int choice : {IDC_COPY_LEFT, IDC_COPY_REGISTERED})
         Item(choice).Enable(!m_areRuns);
     const CopiedPlans copies = Copies();
-    Item(IDC_COPY_TEXT).SetText(DescribeCopies(copies) + (m_areRuns ? "\nEach is for one run." : ""));
+    // The basket takes these orders without a form's check.
+    const auto refusal = CheckStartDate(Start(), LocalNow());
+    Item(IDC_COPY_TEXT)
+        .SetText(refusal ? refusal->text
+                         : DescribeCopies(copies) + (m_areRuns ? " Each is for one run." : ""));
     Item(IDOK).Enable(!copies.orders.empty());
+    return !refusal;
 }
 
 bool CCopyPlansDlg::OnCommand(const framework::Command& command) {
     if (command.id == IDC_COPY_LEFT || command.id == IDC_COPY_REGISTERED) ShowCopies();
     if (command.id != IDOK) return command.id != IDCANCEL;
+    if (!ShowCopies()) {
+        Item(IDC_COPY_START).Focus();
+        return true;
+    }
     CopiedPlans copies = Copies();
     Destroy();
     Lifetime::Last([&](Pass pass) { m_copy(pass, std::move(copies.orders)); });
     return true;
+}
+
+std::optional<LRESULT> CCopyPlansDlg::OnNotify(const NMHDR& notification) {
+    if (notification.code == DTN_DROPDOWN) m_calendar.OnDropDown();
+    if (notification.code == DTN_DATETIMECHANGE) ShowCopies();
+    return std::nullopt;
 }
 
 } // namespace planfold

@@ -28,9 +28,12 @@ private:
     void OnInit() override;
     void OnLaidOut() override;
     bool OnCommand(const framework::Command& command) override;
+    std::optional<LRESULT> OnNotify(const NMHDR& notification) override;
+    LocalDateTime Start() const;
     CopiedPeriods Periods() const;
     CopiedPlans Copies() const;
-    void ShowCopies();
+    // False when no order may start on the chosen day.
+    bool ShowCopies();
 
     Session& m_session;
     const OrderCache& m_records;
