@@ -31,7 +31,7 @@ RecordId OrderCache::Add(std::string_view number) {
     if (m_places.size() <= 2 * (m_entries.size() + 1)) Grow();
     OrderChanges key;
     key[OrderField::registrationNumber] = number;
-    sOrderinfo record;
+    sOrderinfo record(m_memory);
     record.Apply(key);
     m_entries.push_back({Beginning(number), std::move(record)});
     const auto id = static_cast<RecordId>(m_entries.size() - 1);

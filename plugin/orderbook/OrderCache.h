@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <memory_resource>
 #include <string_view>
 #include <vector>
 
@@ -57,6 +58,8 @@ private:
     void Enter(Place place);
     void Grow();
 
+    // Of the records' texts. A million small blocks between others make some systems' heaps slow.
+    std::pmr::unsynchronized_pool_resource m_memory;
     std::vector<Entry> m_entries;
     std::vector<Place> m_places; // a power of two, at most half of them taken
     std::uint32_t m_filling = 0;

@@ -24,7 +24,7 @@ struct sOrderinfo::Head {
 };
 
 void sOrderinfo::Freed::operator()(Head* block) const {
-    ::operator delete(block);
+    memory->deallocate(block, sizeof(Head) + block->room);
 }
 
 std::string_view sOrderinfo::Text(OrderField field) const {
@@ -86,7 +86,8 @@ void sOrderinfo::MakeRoom(std::size_t length) {
     if (m_block && length <= m_block->room) return;
     constexpr std::size_t step = 64;
     const std::size_t bytes = (sizeof(Head) + length + step - 1) / step * step;
-    std::unique_ptr<Head, Freed> block(static_cast<Head*>(::operator new(bytes)));
+    const Freed& freed = m_block.get_deleter();
+    std::unique_ptr<Head, Freed> block(static_cast<Head*>(freed.memory->allocate(bytes)), freed);
     if (m_block) std::memcpy(block.get(), m_block.get(), sizeof(Head) + m_block->Length());
     block->room = static_cast<std::uint32_t>(bytes - sizeof(Head));
     m_block = std::move(block);

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,9 @@ using OrderChanges = ByField<OrderField, std::optional<std::string_view>>;
 
 class sOrderinfo {
 public:
+    // The memory outlives the record.
+    explicit sOrderinfo(std::pmr::memory_resource& memory = *std::pmr::new_delete_resource())
+        : m_block(nullptr, Freed{&memory}) {}
     // Valid until the record is changed.
     std::string_view Text(OrderField field) const;
     std::string_view Number() const { return Text(OrderField::registrationNumber); }
@@ -65,6 +69,7 @@ private:
     struct Head;
     struct Freed {
         void operator()(Head* block) const;
+        std::pmr::memory_resource* memory;
     };
 
     void MakeRoom(std::size_t length);
