@@ -15,8 +15,8 @@ namespace planfold {
 
 // It stands in front of the texts, which lie one behind the other.
 struct sOrderinfo::Head {
-    std::array<std::uint32_t, kOrderFieldCount> ends; // counted from the first text
-    std::uint32_t room;                               // for texts
+    Ends ends;
+    std::uint32_t room; // for texts
 
     std::uint32_t Begin(std::size_t place) const { return place ? ends[place - 1] : 0; }
     std::uint32_t Length() const { return ends.back(); }
@@ -34,51 +34,62 @@ std::string_view sOrderinfo::Text(OrderField field) const {
     return {m_block->Texts() + begin, m_block->ends[place] - begin};
 }
 
+void sOrderinfo::Fetch() const {
+    constexpr std::size_t line = 64, usual = 6 * line;
+    for (std::size_t at = 0; at < usual; at += line)
+        __builtin_prefetch(reinterpret_cast<const char*>(m_block.get()) + at);
+}
+
 void sOrderinfo::Apply(const OrderChanges& changes) {
-    std::size_t growth = 0;
+    Fetch();
+    // The pieces between the texts that change stay as they are, but may belong elsewhere.
+    struct Piece {
+        std::uint32_t from, to, length;
+    };
+    std::array<Piece, kOrderFieldCount + 1> pieces;
+    std::array<std::uint8_t, kOrderFieldCount> changed;
+    std::size_t count = 0;
+    const Ends before = m_block ? m_block->ends : Ends{};
+    Ends ends;
+    Piece piece{};
     for (std::size_t i = 0; i < kOrderFieldCount; ++i) {
-        const auto field = static_cast<OrderField>(i);
-        const auto& text = changes[field];
-        if (!text) continue;
-        const std::size_t size = Text(field).size();
-        if (text->size() > size) growth += text->size() - size;
+        if (const auto& text = changes[static_cast<OrderField>(i)]) {
+            piece.length = (i ? before[i - 1] : 0) - piece.from;
+            changed[count] = static_cast<std::uint8_t>(i);
+            pieces[count++] = piece;
+            piece = {before[i], piece.to + piece.length + static_cast<std::uint32_t>(text->size()), 0};
+        }
+        ends[i] = before[i] - piece.from + piece.to;
     }
-    if (growth) MakeRoom(growth);
-    if (!m_block) return;
-    for (std::size_t i = 0; i < kOrderFieldCount; ++i) {
-        const auto field = static_cast<OrderField>(i);
-        if (changes[field]) Set(field, *changes[field]);
+    piece.length = before.back() - piece.from;
+    pieces[count] = piece;
+    if (!m_block && !ends.back()) return;
+
+    MakeRoom(ends.back());
+    m_block->ends = ends;
+    char* const texts = m_block->Texts();
+    const auto move = [&](const Piece& one) { std::memmove(texts + one.to, texts + one.from, one.length); };
+    // In this order none is written over before it has moved.
+    for (std::size_t i = 0; i <= count; ++i)
+        if (pieces[i].to < pieces[i].from) move(pieces[i]);
+    for (std::size_t i = count + 1; i-- > 0;)
+        if (pieces[i].to > pieces[i].from) move(pieces[i]);
+    // Not compared with those before, which would wait for the memory that they lie in.
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto& text = *changes[static_cast<OrderField>(changed[i])];
+        text.copy(texts + m_block->Begin(changed[i]), text.size());
     }
 }
 
 // Blocks are a little larger than their texts, so that most changes find room.
-void sOrderinfo::MakeRoom(std::size_t growth) {
-    const std::size_t length = m_block ? m_block->Length() : 0;
-    if (m_block && length + growth <= m_block->room) return;
+void sOrderinfo::MakeRoom(std::size_t length) {
+    if (m_block && length <= m_block->room) return;
     constexpr std::size_t step = 64;
-    const std::size_t bytes = (sizeof(Head) + length + growth + step - 1) / step * step;
+    const std::size_t bytes = (sizeof(Head) + length + step - 1) / step * step;
     std::unique_ptr<Head, Freed> block(static_cast<Head*>(::operator new(bytes)));
-    if (m_block)
-        std::memcpy(block.get(), m_block.get(), sizeof(Head) + length);
-    else
-        block->ends.fill(0);
+    if (m_block) std::memcpy(block.get(), m_block.get(), sizeof(Head) + m_block->Length());
     block->room = static_cast<std::uint32_t>(bytes - sizeof(Head));
     m_block = std::move(block);
-}
-
-// There is room.
-void sOrderinfo::Set(OrderField field, std::string_view text) {
-    const std::string_view old = Text(field);
-    if (text == old) return;
-    const auto place = static_cast<std::size_t>(field);
-    char* at = m_block->Texts() + m_block->Begin(place);
-    if (text.size() != old.size()) {
-        std::memmove(at + text.size(), at + old.size(), m_block->Length() - m_block->ends[place]);
-        const auto difference = static_cast<std::uint32_t>(text.size() - old.size());
-        for (std::size_t i = place; i < kOrderFieldCount; ++i)
-            m_block->ends[i] += difference;
-    }
-    text.copy(at, text.size());
 }
 
 namespace {
@@ -179,6 +190,7 @@ std::optional<std::string> AskAccountName(Pass pass, const Session& session, voi
 
 void ReadOrderRow(void* message, bool installments, const std::optional<std::string>& accountName,
                   sOrderinfo& record) {
+    record.Fetch(); // all of it, while the message is read
     Reading reading{record.Text(OrderField::investType), installments, accountName};
     OrderChanges changes;
     for (const auto& [field, tag, conversion] : kRowFields) {

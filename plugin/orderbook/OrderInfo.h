@@ -55,17 +55,19 @@ public:
     // Valid until the record is changed.
     std::string_view Text(OrderField field) const;
     std::string_view Number() const { return Text(OrderField::registrationNumber); }
+    // Asks the memory for the texts ahead of their use.
+    void Fetch() const;
     // The changes' characters must not be the record's own.
     void Apply(const OrderChanges& changes);
 
 private:
+    using Ends = std::array<std::uint32_t, kOrderFieldCount>; // of the texts, counted from the first one
     struct Head;
     struct Freed {
         void operator()(Head* block) const;
     };
 
-    void MakeRoom(std::size_t growth);
-    void Set(OrderField field, std::string_view text);
+    void MakeRoom(std::size_t length);
 
     std::unique_ptr<Head, Freed> m_block; // none while every text is empty
 };
