@@ -47,7 +47,10 @@ std::uint32_t ListRows::InsertFront(std::uint32_t record) {
     if (m_order.IsSparse()) m_order.Compact(m_passing);
     m_order.Append(record);
     if (IsFiltered() && !IsSorted()) m_passing.Append(false);
-    return m_filters.Pass(m_source, record) ? Show(record) : kNone;
+    if (!m_filters.Pass(m_source, record)) return kNone;
+    if (IsSorted()) return Show(record);
+    if (IsFiltered()) m_passing.Set(m_order.SlotOf(record), true);
+    return 0; // of the shown rows, too, it is the first
 }
 
 std::uint32_t ListRows::Remove(std::uint32_t record) {
