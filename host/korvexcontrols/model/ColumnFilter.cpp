@@ -226,8 +226,8 @@ std::span<const std::uint32_t> RowFilters::Passing(CellSource& source, std::span
         records = records.first(kept);
     };
     if (m_condition) {
-        const auto failing = std::ranges::remove_if(records, std::not_fn(m_condition));
-        records = records.first(records.size() - failing.size());
+        const auto end = std::remove_if(records.begin(), records.end(), std::not_fn(m_condition));
+        records = records.first(static_cast<std::size_t>(end - records.begin()));
     }
     if (m_owner) keep(*m_owner);
     std::ranges::for_each(m_filters, keep);
