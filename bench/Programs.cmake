@@ -1,22 +1,5 @@
 set(bench ${CMAKE_SOURCE_DIR}/bench)
 
-if(WIN32)
-    set(support ${CMAKE_SOURCE_DIR}/tests/support)
-    add_executable(planfold_startup EXCLUDE_FROM_ALL
-        ${bench}/startup/Startup.cpp
-        ${support}/FakeHost.cpp
-        ${support}/WindowProbe.cpp)
-    target_link_libraries(planfold_startup PRIVATE house_rules sdk connectvesk comctl32)
-    set_target_properties(planfold_startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/startup)
-    # Beside the libraries, as the host is.
-    add_custom_command(TARGET planfold_startup POST_BUILD
-        COMMAND ${CMAKE_COMMAND} -E copy_if_different
-            $<TARGET_FILE:connectvesk> $<TARGET_FILE:korvexcontrols> $<TARGET_FILE:planfold> ${CMAKE_BINARY_DIR}/startup
-        VERBATIM)
-    add_dependencies(planfold_startup connectvesk korvexcontrols planfold)
-    return()
-endif()
-
 add_library(bench_rounds OBJECT EXCLUDE_FROM_ALL
     ${bench}/Allocations.cpp
     ${bench}/Report.cpp

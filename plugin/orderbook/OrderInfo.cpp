@@ -35,6 +35,7 @@ std::string_view sOrderinfo::Text(OrderField field) const {
 }
 
 void sOrderinfo::Fetch() const {
+    if (!m_block) return;
     constexpr std::size_t line = 64, usual = 6 * line;
     for (std::size_t at = 0; at < usual; at += line)
         __builtin_prefetch(reinterpret_cast<const char*>(m_block.get()) + at);
