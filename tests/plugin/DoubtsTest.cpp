@@ -145,6 +145,45 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     EXPECT_EQ(session.record.Ledger().Orders().back().State(), OrderState::refused);
 }
 
+TEST_F(DoubtsTest, AChangeIsDoneWhenTheBookShowsIt) {
+    Open();
+    const struct {
+        std::string_view request;
+        const char* status;
+        OrderState state;
+    } rows[] = {
+        {kCancelSipOrder, "cancelled", OrderState::done}, {kCancelSipOrder, "active", OrderState::absent},
+        {kPauseSipOrder, "Paused", OrderState::done},     {kPauseSipOrder, "active", OrderState::absent},
+        {kResumeSipOrder, "active", OrderState::done},    {kResumeSipOrder, "Paused", OrderState::absent},
+        {kResumeSipOrder, "expired", OrderState::absent},
+    };
+    std::vector<RecordedOrder> changes;
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const std::string number = "SIP" + std::to_string(i);
+        RecordTexts texts;
+        texts[RecordField::loginId] = session.identity.loginId;
+        texts[RecordField::registration] = number;
+        texts[RecordField::text] = rows[i].request;
+        changes.emplace_back(texts);
+    }
+    const auto places = session.record.Sending(changes);
+    session.record.OnSessionEnd();
+    Doubts doubts(session, told, [this] { return &control; });
+    doubts.Compare();
+    Tick(doubts, 30);
+    for (int time = 0; time < 2; ++time) {
+        for (std::size_t i = 0; i < std::size(rows); ++i)
+            doubts.OnResponse(Received("echoedRequest=om_get_sip_orders queriedRow=1 registrationNumber=SIP"
+                                       + std::to_string(i) + " sipStatus=" + rows[i].status)
+                                  .Message());
+        Book(doubts, {});
+        Tick(doubts, 1);
+    }
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        EXPECT_EQ(session.record.Ledger()[(*places)[i]].State(), rows[i].state)
+            << rows[i].request << rows[i].status;
+}
+
 // The host gives no identifiers; what was absent comes late, after it was placed again.
 TEST_F(DoubtsTest, OrdersRegisteredTwiceAreToldTogetherAndToldAgainUntilTheyAreCancelled) {
     Open();
