@@ -116,6 +116,7 @@ bool BookRuns::RemoveLeaving() {
     const auto leaving = std::exchange(m_leaving, {});
     if (leaving.empty()) return true;
     std::vector<RecordId> records;
+    records.reserve(leaving.size());
     for (const auto& [record, place] : leaving)
         records.push_back(record);
     std::string text;

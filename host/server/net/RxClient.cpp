@@ -17,9 +17,9 @@ constexpr std::size_t kMostRequestBytes = std::size_t{1} << 30;
 constexpr std::size_t kMostCommands = 1000;
 // From which on nothing more is read.
 constexpr std::size_t kMostDeliveries = 10'000;
-constexpr std::size_t kMostDeliveryBytes = 8 * 1024 * 1024;
+constexpr std::size_t kMostDeliveryBytes = std::size_t{8} * 1024 * 1024;
 // Unsent output, from which on no request is added.
-constexpr std::size_t kMostOutputBytes = 256 * 1024;
+constexpr std::size_t kMostOutputBytes = std::size_t{256} * 1024;
 
 // Under which this terminal's requests are known again, also after the server's restart.
 std::uint64_t MakeIdentity() {
