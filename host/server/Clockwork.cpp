@@ -16,7 +16,7 @@ constexpr std::string_view kRecordKind = "clock";
 constexpr std::uint32_t kTagAhead = 1; // the journal's name of the field
 constexpr std::int64_t kDaySeconds = 86'400;
 constexpr Date kLastDate{std::chrono::year(2099), std::chrono::December, std::chrono::day(31)};
-constexpr std::int64_t kMostAhead = 130 * 366 * kDaySeconds;
+constexpr std::int64_t kMostAhead = kDaySeconds * 366 * 130;
 
 // What is done between two looks at the clock: one flush of the journal, and some work per registration.
 constexpr std::size_t kInstalmentsAtOnce = 256;
@@ -31,7 +31,7 @@ constexpr const char* kFull = "The server executes nothing more: it holds 500000
 ServerClock SystemClock() {
     return {[] { return static_cast<std::int64_t>(std::time(nullptr)); },
             [](std::int64_t seconds) {
-                const std::time_t time = static_cast<std::time_t>(seconds);
+                const auto time = static_cast<std::time_t>(seconds);
                 const std::tm* local = std::localtime(&time);
                 if (!local) return std::chrono::year_month_day{};
                 return std::chrono::year(local->tm_year + 1900)

@@ -40,7 +40,7 @@ ServerConfig WithCalendar(ServerConfig config, const TradingCalendar& calendar) 
 
 } // namespace
 
-MarketServer::MarketServer(JournalOpening opening, ServerConfig config, const ScripMaster& master,
+MarketServer::MarketServer(JournalOpening&& opening, ServerConfig config, const ScripMaster& master,
                            const ClientList& clients, const TradingCalendar& calendar, bool hasConnections)
     : m_journal(std::move(opening.journal)), m_records(opening.records.size()),
       m_server(WithCalendar(std::move(config), calendar), *m_journal, opening.records, SystemClock()),

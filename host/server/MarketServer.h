@@ -17,7 +17,7 @@ namespace vesk {
 class MarketServer {
 public:
     // The opening has a journal. Whether the server could read it all, its ReplayError says.
-    MarketServer(JournalOpening opening, ServerConfig config, const ScripMaster& master,
+    MarketServer(JournalOpening&& opening, ServerConfig config, const ScripMaster& master,
                  const ClientList& clients, const TradingCalendar& calendar, bool hasConnections);
 
     Server& Serving() { return m_server; }

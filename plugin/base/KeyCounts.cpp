@@ -19,7 +19,7 @@ std::uint64_t Stored(std::uint64_t key) {
 // A key's highest bits are its place: slots and keys have the same order, and moving them into a larger table
 // goes through both from the beginning to the end.
 std::size_t KeyCounts::Find(std::uint64_t key) const {
-    std::size_t place = static_cast<std::size_t>(key >> m_shift);
+    auto place = static_cast<std::size_t>(key >> m_shift);
     while (m_slots[place].key != key && m_slots[place].key != 0)
         place = (place + 1) & (m_slots.size() - 1);
     return place;

@@ -14,7 +14,7 @@ namespace planfold {
 // The leave to let the host in.
 class Pass {
     friend class Lifetime;
-    Pass() {}
+    Pass() = default;
 };
 
 // The answer to a yes-or-no question, which counts only for one who is still there.

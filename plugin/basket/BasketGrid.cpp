@@ -116,7 +116,7 @@ void BasketGrid::TellOutcome(const char* what, const Outcome& outcome) {
 void BasketGrid::FillDown(BasketField field) {
     std::vector<RecordId> rows = m_view.List().Selected();
     if (m_runs.IsBusy() || !IsEditable(field) || rows.size() < 2) return;
-    const std::string value = CellText(rows.front(), field);
+    std::string value = CellText(rows.front(), field);
     rows.erase(rows.begin());
     EditAll("Rows filled", rows, field, [&](const std::string&) { return value; });
 }

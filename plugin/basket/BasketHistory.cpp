@@ -96,6 +96,7 @@ void BasketHistory::Replace(RecordId record, const BasketTexts& texts) {
 void BasketHistory::Remove(const std::vector<RecordId>& records, const std::function<void()>& takeFromList) {
     const Change change(*this);
     std::vector<Place> places;
+    places.reserve(records.size());
     for (const RecordId record : records)
         places.push_back(static_cast<Place>(m_view.List().IndexOf(record)));
     takeFromList();

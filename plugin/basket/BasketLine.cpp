@@ -22,7 +22,7 @@ constexpr std::size_t kLongestLine = 1022; // without its end
 constexpr std::size_t kLongestField = 127;
 
 std::string InLine(std::string reason, int lineNumber) {
-    return reason + Format(" In Line Number %d", lineNumber);
+    return std::move(reason) + Format(" In Line Number %d", lineNumber);
 }
 
 // A file of ever new names must not fill the memory.
@@ -57,7 +57,7 @@ std::uint64_t CommaBits(std::string_view text) {
     std::array<char, kStep> isComma{};
     text.copy(isComma.data(), kStep);
     for (char& c : isComma)
-        c = c == ',';
+        c = static_cast<char>(c == ',');
     std::uint64_t bits = 0;
     for (std::size_t at = 0; at < kStep; at += 8) {
         std::uint64_t eight = 0;

@@ -25,7 +25,7 @@ std::string BasketOutcome::StateText(RecordId record) const {
         return state == RowState::notSent ? "Not sent"
                                           : "Not placed: " + std::string(m_rows.WhyNotPlaced(record));
     const RecordedOrder& order = m_session.record.Ledger()[place];
-    const std::string said(order.Text(RecordField::text));
+    std::string said(order.Text(RecordField::text));
     switch (state) {
     case RowState::sent:
         return "Sent";

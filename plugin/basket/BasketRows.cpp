@@ -43,7 +43,7 @@ RowState RowStateOf(OrderState state) {
 }
 
 RecordId BasketRows::Reserve() {
-    RecordId record = static_cast<RecordId>(m_rows.size());
+    auto record = static_cast<RecordId>(m_rows.size());
     if (m_free.empty()) {
         m_rows.emplace_back();
         m_standing.emplace_back();

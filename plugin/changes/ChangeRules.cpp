@@ -79,7 +79,7 @@ Typed ReadTyped(const ChangeFile::Row& row, const sOrderinfo& record, const Chan
                 bool decimalComma) {
     Typed typed;
     const auto read = [&](OrderField field, auto reader, const char* kind) {
-        const std::string was(record.Text(field));
+        std::string was(record.Text(field));
         const auto& cell = row.cells[field];
         if (!cell || MeansTheSame(*cell, was, decimalComma)) return was;
         // What is empty has a rule of its own.

@@ -129,7 +129,7 @@ private:
         bool isStopped = false; // before its end
     };
     struct Reading {
-        explicit Reading(std::optional<std::string>&& file) : text(std::move(file).value_or("")) {
+        explicit Reading(std::optional<std::string>&& file) : text(file ? std::move(*file) : std::string()) {
             orders.isReadable = file.has_value();
         }
         void Take(const RecordTexts& event);

@@ -117,7 +117,7 @@ std::string ImportFile::Open(std::string bytes, const KeptMappings& kept) {
     const auto first = Opened(*m_bytes);
     for (int i = 0; i < kRowsTried && first->Next(row); ++i)
         for (std::size_t at = 0; row.line > m_headings.line && at < m_firstValues.size(); ++at)
-            if (m_firstValues[at].empty() && at < row.cells.size())
+            if (at < row.cells.size() && m_firstValues[at].empty())
                 m_firstValues[at] = row.cells[at].text.substr(0, kLongestFirst);
     if (!m_isKept) LookAtColumns(*Opened(*m_bytes));
     return {};
@@ -244,6 +244,7 @@ std::vector<std::string> ImportFile::FaultTexts() const {
             found.emplace_back(count, Format("%zu %s", count, kFaultNames[i]));
     std::ranges::stable_sort(found, std::ranges::greater(), [](const auto& each) { return each.first; });
     std::vector<std::string> texts;
+    texts.reserve(found.size());
     for (const auto& each : found)
         texts.push_back(each.second);
     return texts;

@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace planfold {
@@ -38,7 +39,8 @@ struct LoginIdentity {
 
 class Session {
 public:
-    Session(HostLookup hostLookup, Identity identityStrings, StringManager& manager, OrderRecord& orderRecord)
+    Session(HostLookup hostLookup, const Identity& identityStrings, StringManager& manager,
+            OrderRecord& orderRecord)
         : lookup(std::move(hostLookup)), identity(identityStrings), strings(manager), record(orderRecord) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;

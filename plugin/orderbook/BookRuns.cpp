@@ -129,6 +129,7 @@ bool BookRuns::RemoveLeaving() {
     const auto leaving = std::exchange(m_leaving, {});
     if (leaving.empty()) return true;
     std::vector<RecordId> records;
+    records.reserve(leaving.size());
     for (const auto& [record, left] : leaving)
         records.push_back(record);
     const auto log = [&](const std::string& done) {

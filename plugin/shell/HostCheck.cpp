@@ -34,7 +34,7 @@ HostCheck CheckHost(Pass pass, const HostLookup& lookup, Identity identity, Stri
 }
 
 HostWindow MainFrame(const VeskApp* app) {
-    constexpr std::uint32_t needed = offsetof(VeskApp, mainFrame) + sizeof(HostWindow);
+    constexpr std::uint32_t needed = offsetof(VeskApp, mainFrame) + sizeof(void*);
     return app && app->size >= needed ? app->mainFrame : nullptr;
 }
 

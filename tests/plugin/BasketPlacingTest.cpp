@@ -271,8 +271,18 @@ TEST_F(BasketPlacingTest, AsksBeforeOrdersAreReplacedOrGoToAnUnknownClient) {
     view.yes = true;
     basket.Runs().Place();
     EXPECT_EQ(Sent(), "NOBODY C1");
+    Load(Lines(22));
     Taken(view.questions);
+    session.host.pu_is_valid_account = [](InString) { return 0; };
+    view.yes = false;
+    basket.Runs().Place();
+    ASSERT_EQ(view.questions.size(), 1u);
+    EXPECT_TRUE(Taken(view.questions)[0].ends_with(", C7 and 2 more.\nPlace their orders all the same?"));
+    view.yes = true;
     Load(Lines(2));
+    Taken(view.questions);
+    basket.Runs().Place();
+    Taken(view.questions);
     session.host.pu_is_valid_account = nullptr;
     Add("NOBODY");
     EXPECT_EQ(view.questions, Texts{}) << "all were sent, and the host cannot tell";

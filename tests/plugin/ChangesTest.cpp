@@ -393,6 +393,12 @@ TEST_F(ChangesTest, TheServersLeastPeriodsAreAsked) {
     EXPECT_TRUE(run.CanSend());
     Answer("echoedRequest=get_sip_operation_mode frequency=monthly minimumPeriods=30");
     EXPECT_EQ(Listed(), "2|Not possible|S1|Amount|1500.00|2000.00||Minimum SIP value is 30");
+    // It goes by its own count of them.
+    OrderChanges registered;
+    registered[OrderField::installmentsRegistered] = "40";
+    book[book.Find("S1")].Apply(registered);
+    Load(Edited(File(), "S1", "1500.00>2000"));
+    EXPECT_EQ(Listed(), "2|To be sent|S1|Amount|1500.00|2000.00|500.00|");
 }
 
 } // namespace

@@ -17,7 +17,7 @@ struct DoubtsDouble final : DoubtsView {
     }
     bool Ask(Pass, std::string_view question) override {
         texts.emplace_back(question);
-        return true;
+        return std::exchange(yes, true);
     }
     void ShowOrdersOfDay(Pass) override {}
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) override {
@@ -25,6 +25,7 @@ struct DoubtsDouble final : DoubtsView {
     }
     Texts texts;
     Choice choice = Choice::yes;
+    bool yes = true; // to the next question
     std::function<std::size_t(Pass, std::span<const OrderPlace>)> takeBack;
 };
 
@@ -113,10 +114,16 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     Book(doubts, {});
     Tick(doubts, 1);
     Book(doubts, {3});
+    const std::string take =
+        " found, 1 not there, 0 still in doubt.\n\nTake 1 order that the book does not have "
+        "into the basket, to be placed again?";
+    told.yes = false;
     Tick(doubts, 1);
-    EXPECT_EQ(Taken(told.texts), Texts{"Compared with the book: 1 found, 1 not there, 0 still in doubt.\n\n"
-                                       "Take 1 order that the book does not have into the basket, to be placed "
-                                       "again?"});
+    EXPECT_EQ(Taken(told.texts), Texts{"Compared with the book: 1" + take});
+    // What was not taken is offered again.
+    doubts.Compare();
+    Tick(doubts, 1);
+    EXPECT_EQ(Taken(told.texts), Texts{"Compared with the book: 0" + take});
     EXPECT_EQ(States(basket), "Registered SIP2|Registered SIP3|Not in the book|");
 
     // It is the same order when it is placed again, and told when it turns up twice.
@@ -136,6 +143,45 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     doubts.OnResponse(Received("echoedRequest=cancel_sip_order echoedNumber=SIP5 errorCode=9").Message());
     EXPECT_EQ(Taken(told.texts), Texts{"SIP5 is not cancelled. Refused: (code 9)."});
     EXPECT_EQ(session.record.Ledger().Orders().back().State(), OrderState::refused);
+}
+
+TEST_F(DoubtsTest, AChangeIsDoneWhenTheBookShowsIt) {
+    Open();
+    const struct {
+        std::string_view request;
+        const char* status;
+        OrderState state;
+    } rows[] = {
+        {kCancelSipOrder, "cancelled", OrderState::done}, {kCancelSipOrder, "active", OrderState::absent},
+        {kPauseSipOrder, "Paused", OrderState::done},     {kPauseSipOrder, "active", OrderState::absent},
+        {kResumeSipOrder, "active", OrderState::done},    {kResumeSipOrder, "Paused", OrderState::absent},
+        {kResumeSipOrder, "expired", OrderState::absent},
+    };
+    std::vector<RecordedOrder> changes;
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const std::string number = "SIP" + std::to_string(i);
+        RecordTexts texts;
+        texts[RecordField::loginId] = session.identity.loginId;
+        texts[RecordField::registration] = number;
+        texts[RecordField::text] = rows[i].request;
+        changes.emplace_back(texts);
+    }
+    const auto places = session.record.Sending(changes);
+    session.record.OnSessionEnd();
+    Doubts doubts(session, told, [this] { return &control; });
+    doubts.Compare();
+    Tick(doubts, 30);
+    for (int time = 0; time < 2; ++time) {
+        for (std::size_t i = 0; i < std::size(rows); ++i)
+            doubts.OnResponse(Received("echoedRequest=om_get_sip_orders queriedRow=1 registrationNumber=SIP"
+                                       + std::to_string(i) + " sipStatus=" + rows[i].status)
+                                  .Message());
+        Book(doubts, {});
+        Tick(doubts, 1);
+    }
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        EXPECT_EQ(session.record.Ledger()[(*places)[i]].State(), rows[i].state)
+            << rows[i].request << rows[i].status;
 }
 
 // The host gives no identifiers; what was absent comes late, after it was placed again.

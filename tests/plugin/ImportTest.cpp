@@ -29,6 +29,8 @@ TEST(Import, ReadsMoneyInEveryWritingAndRefusesWhatIsInDoubt) {
         {"1500", undecided, "", Fault::undecidedUnit},
         {"1500.5", undecided, "150050"},
         {"Rs. 1,00,000/-", undecided, "10000000"},
+        {"Rs 1500", undecided, "150000"},
+        {"01500", rupees, "150000"},
         {"\xE2\x82\xB9 12,34,567.89", undecided, "123456789"},
         {"1,00,000", rupees, "10000000"},
         {"1,000,000", rupees, "100000000"},

@@ -51,6 +51,33 @@ TEST(PluginInfo, AppendsAndOffersTheFourthEntryOnlyToHoldersOfTheRight) {
     }
 }
 
+TEST(CheckHost, TellsWhatIsMissingAndTakesTheIdentity) {
+    const char* const old = "Initialisation failed. ZUP not compatible with Trader version.";
+    const struct {
+        const char* missing;
+        bool right;
+        const char* refusal; // empty: none
+        const char* peers;
+    } rows[] = {
+        {"pu_get_exe_app", true, "Exe is not compatible with ZUP", ""},
+        {"pu_get_peer_data", true, old, ""},
+        {"pu_is_actionright_enabled", true, old, "PEERAPEERB"},
+        {"", false, "You are not enabled on Planfold.", "PEERAPEERB"},
+        {"", true, "", "PEERAPEERB"},
+    };
+    for (const auto& row : rows) {
+        FakeHost host;
+        host.missing.insert(row.missing);
+        if (!row.right) host.rights.clear();
+        std::string loginId, peerIdA, peerIdB, client;
+        const HostCheck check =
+            CheckHost(kPass, host.Lookup(), {loginId, peerIdA, peerIdB, client}, host.strings);
+        EXPECT_STREQ(check.refusal ? check.refusal : "", row.refusal) << row.missing;
+        EXPECT_EQ(peerIdA + peerIdB, row.peers) << row.missing;
+        EXPECT_EQ(host.strings.Live() + host.strings.Faults(), 0);
+    }
+}
+
 TEST(PreferredPointSize, StaysReadable) {
     struct Row {
         std::intptr_t size, variation;

@@ -28,7 +28,7 @@ constexpr vesk::OptionRow<ChangeOptions> kOptions[] = {
 };
 
 vesk::Complaint ReadWords(std::span<const std::string> words, ChangeOptions& options) {
-    const auto complaint =
+    auto complaint =
         vesk::ReadOptionRows<ChangeOptions>(words, kOptions, options, [&](const std::string& word) {
             std::string& file = options.old.empty() ? options.old : options.edited;
             return file.empty() && (file = word, true);
@@ -40,7 +40,7 @@ vesk::Complaint ReadWords(std::span<const std::string> words, ChangeOptions& opt
 
 // "05-Mar-2027", as the book has it, from "2027-03-05".
 std::string AsInBook(const std::string& cell) {
-    const std::string text(Restored(cell));
+    std::string text(Restored(cell));
     if (DateInFigures(text) != text) return text;
     return text.substr(8, 2) + '-' + std::string(MonthName(static_cast<int>(LeadingInteger(text.substr(5, 2)))))
            + '-' + text.substr(0, 4) + text.substr(10);

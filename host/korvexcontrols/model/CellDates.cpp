@@ -55,7 +55,7 @@ std::optional<std::int64_t> ReadTime(std::string_view text) {
         parts[i] = *part;
     }
     if (!text.empty()) return std::nullopt;
-    return (parts[0] * std::int64_t{60} + parts[1]) * 60 + parts[2];
+    return (std::int64_t{60} * parts[0] + parts[1]) * 60 + parts[2];
 }
 
 } // namespace

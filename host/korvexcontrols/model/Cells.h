@@ -32,7 +32,7 @@ inline constexpr std::size_t kBatch = 1024;
 // Text as lists compare it: bytes, letters of ASCII without their case.
 inline constexpr auto kFolded = [] {
     std::array<unsigned char, 256> table{};
-    for (std::size_t i = 0; i < table.size(); ++i)
+    for (std::size_t i = 0; i != table.size(); ++i)
         table[i] = static_cast<unsigned char>(i >= 'A' && i <= 'Z' ? i - 'A' + 'a' : i);
     return table;
 }();

@@ -26,8 +26,7 @@ std::string ServerJournal::Write(const JournalBatch& records) {
 
 std::string ServerJournal::Release() {
     m_isHeld = false;
-    const std::string fault = m_lost.empty() ? Flush() : std::exchange(m_lost, {});
-    return fault;
+    return m_lost.empty() ? Flush() : std::exchange(m_lost, {});
 }
 
 std::string ServerJournal::Flush() {

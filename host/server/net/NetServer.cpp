@@ -21,7 +21,7 @@ std::int64_t SteadyMs() {
         .count();
 }
 
-NetServer::NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits)
+NetServer::NetServer(Server& server, ServerCommands& commands, Log log, const SessionLimits& limits)
     : m_server(server), m_commands(commands), m_log(std::move(log)), m_limits(limits) {}
 
 std::string NetServer::Listen(std::uint16_t port) {

@@ -29,7 +29,7 @@ class NetServer {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits = {});
+    NetServer(Server& server, ServerCommands& commands, Log log, const SessionLimits& limits = {});
 
     // Port 0 is the system's choice. Why it cannot; empty when it does.
     std::string Listen(std::uint16_t port);

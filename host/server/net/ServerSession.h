@@ -19,18 +19,18 @@
 namespace vesk {
 
 struct SessionLimits {
-    std::size_t outputBytes = 256 * 1024;       // from which on nothing more is made
-    std::size_t streamBacklog = 20'000;         // updates that wait for room
-    std::int64_t stalledMs = 30'000;            // without room
-    std::int64_t greetingMs = 10'000;           // until it has said hello
-    std::int64_t graceMs = 250;                 // for which a stranger need not yield to another,
-    std::int64_t idleMs = 60'000;               // and a terminal that wants nothing
-    std::size_t requests = 4096;                // and commands, that wait, before nothing more is read;
-    std::size_t requestBytes = 8 * 1024 * 1024; // of these
-    std::size_t turns = 64;                     // of one pump,
-    std::chrono::milliseconds pumpTime{60'000}; // and how long it begins another one
-    Checksum checksum = Checksum::crc32;        // of the frames, both ways
-    const Logins* logins = nullptr;             // who may come, and proves it; null: anybody
+    std::size_t outputBytes = std::size_t{256} * 1024; // from which on nothing more is made
+    std::size_t streamBacklog = 20'000;                // updates that wait for room
+    std::int64_t stalledMs = 30'000;                   // without room
+    std::int64_t greetingMs = 10'000;                  // until it has said hello
+    std::int64_t graceMs = 250;                        // for which a stranger need not yield to another,
+    std::int64_t idleMs = 60'000;                      // and a terminal that wants nothing
+    std::size_t requests = 4096;                       // and commands, that wait, before nothing more is read;
+    std::size_t requestBytes = std::size_t{8} * 1024 * 1024; // of these
+    std::size_t turns = 64;                                  // of one pump,
+    std::chrono::milliseconds pumpTime{60'000};              // and how long it begins another one
+    Checksum checksum = Checksum::crc32;                     // of the frames, both ways
+    const Logins* logins = nullptr;                          // who may come, and proves it; null: anybody
     bool takesCommands = true;
 };
 

@@ -33,7 +33,7 @@ ServerWatch::~ServerWatch() {
 std::string ServerWatch::Look(std::int64_t nowMs, std::int64_t time) {
     if (nowMs - m_lookedMs < kPeriodMs) return {};
     m_lookedMs = nowMs;
-    const std::string line = Line(nowMs);
+    std::string line = Line(nowMs);
     // Put in place as a whole: it is read at any time.
     std::ofstream(Beside(m_file, ".new"), std::ios::binary) << time << ' ' << line << '\n';
     std::error_code ignored;

@@ -43,7 +43,7 @@ std::optional<ServerRefusal> RestrictedRange::Read(void* request, Date today, Re
     FieldRecord fields;
     for (const std::uint32_t tag : {tag::startDate, tag::restrictedTo, tag::restrictedYear})
         fields.Set(tag, qmx::Text(request, tag));
-    const auto refusal = ReadRange(fields, today.year(), today.year() + std::chrono::years(kYearsAhead), range);
+    auto refusal = ReadRange(fields, today.year(), today.year() + std::chrono::years(kYearsAhead), range);
     range.since = today;
     return refusal;
 }

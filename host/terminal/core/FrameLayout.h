@@ -17,7 +17,7 @@ struct FrameScale {
     int points = kUsualPoints;
 
     int Pixels(int atUsualSize) const {
-        constexpr std::int64_t usual = kUsualDpi * kUsualPoints;
+        constexpr std::int64_t usual = std::int64_t{kUsualDpi} * kUsualPoints;
         return static_cast<int>((std::int64_t{atUsualSize} * dpi * points + usual / 2) / usual);
     }
 };

@@ -8,7 +8,7 @@ namespace vesk {
 namespace {
 
 std::string Value(void* message) {
-    const std::string text(qmx::Text(message, tag::amountOrQuantity));
+    std::string text(qmx::Text(message, tag::amountOrQuantity));
     const std::string_view type = qmx::Text(message, tag::investType);
     if (type == "qty") return text;
     const auto paise = type == "value" ? base::ReadNumber<std::int64_t>(text) : std::nullopt;
@@ -25,7 +25,7 @@ std::string Scrip(void* message) {
 }
 
 std::string Since(std::int64_t ageMs, int timeOfDay) {
-    constexpr std::int64_t day = 24 * 60 * 60, hour = 60 * 60, minute = 60;
+    constexpr std::int64_t minute = 60, hour = 60 * minute, day = 24 * hour;
     const auto then = static_cast<int>(((timeOfDay - ageMs / 1000) % day + day) % day);
     return base::Format("%02d:%02d:%02d", static_cast<int>(then / hour), static_cast<int>(then % hour / minute),
                         static_cast<int>(then % minute));
