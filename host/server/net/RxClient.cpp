@@ -8,20 +8,6 @@ namespace vesk {
 namespace {
 
 constexpr std::size_t kMostCommands = 1000;
-<<<<<<< HEAD
-=======
-// From which on nothing more is read.
-constexpr std::size_t kMostDeliveries = 10'000;
-constexpr std::size_t kMostDeliveryBytes = std::size_t{8} * 1024 * 1024;
-// Unsent output, from which on no request is added.
-constexpr std::size_t kMostOutputBytes = std::size_t{256} * 1024;
-
-// Under which this terminal's requests are known again, also after the server's restart.
-std::uint64_t MakeIdentity() {
-    std::random_device random;
-    return std::uint64_t{random()} << 32 | random();
-}
->>>>>>> check
 
 } // namespace
 

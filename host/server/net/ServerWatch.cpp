@@ -60,7 +60,8 @@ std::string ServerWatch::Line(std::int64_t nowMs) {
                         "longest %.1f ms, median %.1f ms",
                         m_net.Connections(), static_cast<double>(now.requests - m_before.requests) / seconds,
                         static_cast<double>(now.updates - m_before.updates) / seconds,
-                        static_cast<double>(m_server.Journal().File().Size()) / 1e6, m_flush.size(), longest, median);
+                        static_cast<double>(m_server.Journal().File().Size()) / 1e6, m_flush.size(), longest,
+                        median);
 }
 
 std::string ServerWatch::Read(const std::filesystem::path& journal, std::int64_t time, bool& isCurrent) {

@@ -66,8 +66,8 @@ private:
     StepResult TryStep(const ScriptCommand& command);
     StepResult TryBox(const ScriptCommand& command, std::optional<int> button);
     StepResult TryAnswer(int button);
-    // Reports the time since the last such command, how long of it the processor worked for the program, and the
-    // longest in it that the message loop left no call.
+    // Reports the time since the last such command, how long of it the processor worked for the program, and
+    // the longest in it that the message loop left no call.
     void ReportTime(const std::string& what);
     // A box is expected when the next box command of the script has its text, or "expect box" has found it.
     bool IsExpected(const OpenMessageBox& box) const;
