@@ -114,9 +114,10 @@ void ServerSession::On(const net::Subscribe& said) {
     if (kind == m_controlKinds.end() || kind->second == kRxRequests)
         return m_output.Say(net::Unsubscribed{said.control, "there is no such stream control"});
     if (said.fields.size() > net::kMostSubscribedFields) return m_output.Refuse("a subscription to too much");
-    Streams& streams = m_work->Streams();
-    if (streams.Subscriptions() >= kMostSubscriptions) return m_output.Refuse("too many subscriptions");
-    if (std::string fault = streams.Subscribe(said.control, said.fields, said.isRenewed); !fault.empty())
+    if (m_work->Streams().Subscriptions() >= kMostSubscriptions)
+        return m_output.Refuse("too many subscriptions");
+    if (std::string fault = m_work->Streams().Subscribe(said.control, said.fields, said.isRenewed);
+        !fault.empty())
         m_output.Say(net::Unsubscribed{said.control, std::move(fault)});
 }
 
