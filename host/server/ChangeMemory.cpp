@@ -6,7 +6,7 @@ namespace vesk {
 namespace {
 
 constexpr std::size_t kMost = 200'000; // some 30 MB
-constexpr std::int64_t kLongest = 7 * 86'400;
+constexpr std::int64_t kLongest = std::int64_t{7} * 86'400;
 
 constexpr std::string_view kRecordKind = "changed";
 // The journal's names of the fields.

@@ -161,7 +161,7 @@ int BasketForm::ShowRow(Pass, const BasketTexts& texts, const LocalDateTime& now
     return *shown + 1;
 }
 
-bool BasketForm::ShowNumber(int edit, std::optional<std::string> text) {
+bool BasketForm::ShowNumber(int edit, const std::optional<std::string>& text) {
     m_view.SetText(edit, text.value_or(""));
     return text.has_value();
 }

@@ -56,7 +56,7 @@ public:
 
 private:
     int ValueEdit() const;
-    bool ShowNumber(int edit, std::optional<std::string> text);
+    bool ShowNumber(int edit, const std::optional<std::string>& text);
     bool ShowStartDate(std::string_view text, const LocalDateTime& now);
     bool ShowClient(std::string_view client);
 

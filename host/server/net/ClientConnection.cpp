@@ -12,7 +12,7 @@ constexpr std::int64_t kShortestPauseMs = 200;
 constexpr std::int64_t kLongestPauseMs = 5000;
 constexpr std::int64_t kConnectMs = 5000; // until the server must have welcomed
 // Unsent output, from which on no request is added.
-constexpr std::size_t kMostOutputBytes = 256 * 1024;
+constexpr std::size_t kMostOutputBytes = std::size_t{256} * 1024;
 
 // Under which this terminal's requests are known again, also after the server's restart.
 std::uint64_t MakeIdentity() {

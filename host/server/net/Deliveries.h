@@ -45,7 +45,7 @@ public:
     void GiveBack(Delivery delivery) { m_spare = std::move(delivery.bytes); }
     // Without it nothing more is read.
     bool HasRoom() const {
-        constexpr std::size_t most = 10'000, mostBytes = 8 * 1024 * 1024;
+        constexpr std::size_t most = 10'000, mostBytes = std::size_t{8} * 1024 * 1024;
         return m_waiting.size() < most && m_bytes.size() - m_taken < mostBytes;
     }
     std::size_t Size() const { return m_waiting.size(); }
