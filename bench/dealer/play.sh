@@ -2,7 +2,7 @@
 # bench/dealer/play.sh DIST OUT [LINES]: plays what a dealer waits for in the real terminal, and prints the times:
 # a book of 104,856 rows (of 300,000 registrations on the server), and a basket of so many lines.
 set -eu
-dist=$1 out=$2 lines=${3:-100000}
+dist=$1 out=$2 lines=${3:-10000}
 here=$(cd "$(dirname "$0")" && pwd)
 rm -rf "$out"
 mkdir -p "$out"
