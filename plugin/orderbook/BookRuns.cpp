@@ -42,7 +42,7 @@ void BookRuns::Continue() {
 void BookRuns::Stop() {
     if (!IsSending()) return;
     m_runs.back().Stop();
-    if (!m_sender.IsSending()) EndRuns();
+    if (!m_sender.IsSending() && RemoveLeaving()) EndRuns();
 }
 
 void BookRuns::SendPortion(std::size_t most) {
