@@ -2,6 +2,8 @@
 
 #include "framework/Guard.h"
 
+#include <ctime>
+
 namespace planfold {
 
 SYSTEMTIME ToSystemTime(const LocalDateTime& local) {
@@ -20,9 +22,7 @@ LocalDateTime FromSystemTime(const SYSTEMTIME& time) {
 }
 
 LocalDateTime LocalNow() {
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    return FromSystemTime(now);
+    return ToLocal(std::time(nullptr));
 }
 
 bool SelectEntry(framework::ComboBox combo, std::string_view text) {
