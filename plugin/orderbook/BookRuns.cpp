@@ -42,7 +42,7 @@ void BookRuns::Continue() {
 void BookRuns::Stop() {
     if (!IsSending()) return;
     m_runs.back().Stop();
-    if (!m_sender.IsSending() && RemoveLeaving()) EndRuns();
+    if (!m_sender.IsSending()) EndRuns();
 }
 
 void BookRuns::SendPortion(std::size_t most) {
@@ -111,7 +111,7 @@ void BookRuns::HandleCancelled(const Answer& answer) {
     if (record != kNoRecord) m_leaving.emplace(record, Leaving{place});
     // The answers of a burst are one step, but few rows go at once, and the last of them waits for none.
     const BookRun* run = RunOf(place);
-    if ((!run || run->IsOver() || run->Total() <= kFewRows) && RemoveLeaving()) EndRuns();
+    if ((run && run->Total() > kFewRows) || RemoveLeaving()) EndRuns();
 }
 
 bool BookRuns::OnStreamedCancelled(RecordId record) {
@@ -165,16 +165,21 @@ void BookRuns::HandleChanged(const Answer& answer, RunKind kind) {
         m_view.ShowLast(text);
 }
 
-void BookRuns::EndRuns(std::string text) {
+bool BookRuns::IsEnding(const BookRun& run) const {
+    return run.IsOver() && !(m_sender.IsSending() && &run == &m_runs.back());
+}
+
+void BookRuns::EndRuns() {
+    const auto isEnding = [&](const BookRun& run) { return IsEnding(run); };
+    if (std::ranges::none_of(m_runs, isEnding) || !RemoveLeaving()) return;
+    std::string text;
     const bool isRecorded = m_session.record.IsKept();
     std::vector<std::string> refusals;
-    bool isAny = false;
     for (auto run = m_runs.begin(); run != m_runs.end();) {
-        if (!run->IsOver() || (m_sender.IsSending() && run == std::prev(m_runs.end()))) {
+        if (!IsEnding(*run)) {
             ++run;
             continue;
         }
-        isAny = true;
         if (const std::string summary = run->Summary(isRecorded); !summary.empty())
             text.append(text.empty() ? "" : "\n\n").append(summary);
         for (const BookRun::Row& row : run->Rows())
@@ -184,7 +189,7 @@ void BookRuns::EndRuns(std::string text) {
                 m_late.insert(place);
         run = m_runs.erase(run);
     }
-    if (isAny) m_view.ShowRun();
+    m_view.ShowRun();
     for (const std::string& refusal : refusals)
         if (!m_life.Across([&](Pass pass) { m_session.Log(pass, refusal); })) return;
     if (!text.empty()) m_view.ShowLast(text);

@@ -75,8 +75,9 @@ private:
     void OnOrder(OrderPlace place) override;
     // Takes answered cancellations out of the book in one step. False when the window has gone meanwhile.
     [[nodiscard]] bool RemoveLeaving();
-    // Ends what is over, and tells of it behind `text`.
-    void EndRuns(std::string text = {});
+    bool IsEnding(const BookRun& run) const;
+    // Ends what is over and tells of it, once its answered rows have left the book.
+    void EndRuns();
 
     Session& m_session;
     BookView& m_view;
