@@ -15,9 +15,6 @@ using korvex::ListChange;
 
 namespace {
 
-// Column changes are in force only after their notification.
-constexpr UINT kSaveColumns = WM_APP + 1;
-constexpr UINT kCatchUp = WM_APP + 2;
 constexpr std::uint32_t kLargeSelection = 1000;
 constexpr std::size_t kMostRepainted = 64;
 constexpr std::string_view kTooNarrow = "###";
@@ -109,6 +106,7 @@ void CFilterListCtrl::Impl::Release() {
 // The rows stay, and are there again when the list is attached to another window.
 void CFilterListCtrl::Impl::OnGone() {
     if (std::exchange(m_behind, false)) --m_changes;
+    m_pace.NoteGone();
     m_sync.Detach();
     m_header.Detach();
     if (m_filterDialog) m_filterDialog->Destroy();
@@ -141,7 +139,7 @@ void CFilterListCtrl::Impl::Apply(const Operation& operation, std::uint32_t reco
     if (!m_changes && Handle()) {
         BeginChanges();
         m_behind = true;
-        CatchUpSoon();
+        m_pace.Ask(Handle());
     }
     const ListChange change = operation();
     m_sums.Note(change, record);
@@ -158,19 +156,10 @@ void CFilterListCtrl::Impl::NoteRepainted(const ListChange& change) {
     if (change.kind == ListChange::moved) m_repainted.push_back(m_model.ShownAt(change.to));
 }
 
-// A stream of changes is shown ten times a second: what is painted would cost more than what changes.
-void CFilterListCtrl::Impl::CatchUpSoon() {
-    constexpr ULONGLONG pause = 100; // milliseconds
-    const ULONGLONG since = GetTickCount64() - m_caughtUpAt;
-    if (since >= pause || !SetTimer(Handle(), kCatchUpTimer, static_cast<UINT>(pause - since), nullptr))
-        PostMessageA(Handle(), kCatchUp, 0, 0);
-}
-
 void CFilterListCtrl::Impl::CatchUp() {
     if (!std::exchange(m_behind, false)) return;
-    KillTimer(Handle(), kCatchUpTimer);
+    m_pace.NoteShown(Handle());
     EndChanges();
-    m_caughtUpAt = GetTickCount64();
 }
 
 void CFilterListCtrl::Impl::AdoptSelection() {
@@ -349,9 +338,8 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnNotify(const NMHDR& notification
 std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     // These ask for nothing that the list shows.
     if (message != WM_NCHITTEST && !(message == WM_TIMER && wParam == kWorkTimer)) CatchUp();
+    if (m_pace.IsTime(message, wParam)) return 0;
     switch (message) {
-    case kCatchUp:
-        return 0;
     case WM_PAINT:
     case WM_PRINTCLIENT: {
         m_painting = true;
@@ -361,7 +349,6 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
         return answer;
     }
     case WM_TIMER:
-        if (wParam == kCatchUpTimer) return 0;
         if (wParam != kWorkTimer) return std::nullopt;
         Work();
         return 0;

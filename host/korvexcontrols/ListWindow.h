@@ -5,6 +5,7 @@
 #pragma once
 
 #include "framework/MessageBoxes.h"
+#include "framework/Pace.h"
 #include "framework/Subclass.h"
 #include "host/korvexcontrols/ColumnsDialog.h"
 #include "host/korvexcontrols/ListDialogs.h"
@@ -59,6 +60,8 @@ public:
     void KeepWindow() noexcept override;
 
 private:
+    // Column changes are in force only after their notification.
+    static constexpr UINT kSaveColumns = WM_APP + 1, kCatchUp = WM_APP + 2;
     static constexpr UINT_PTR kWorkTimer = 0x4B01, kCatchUpTimer = 0x4B02; // the control has others of its own
     using Operation = std::function<korvex::ListChange()>;
     struct Entry;
@@ -79,7 +82,6 @@ private:
     // Runs the operation on the model. The window follows before anything else reaches it, and soon: a stream
     // of changes costs it a few steps.
     void Apply(const Operation& operation, std::uint32_t record = korvex::kNone);
-    void CatchUpSoon();
     void CatchUp();
     // Runs an operation that changes filters or sort.
     void Rearrange(const Operation& operation);
@@ -167,7 +169,7 @@ private:
     bool m_unasked = false; // a row came that the user did not ask for
     std::vector<std::uint32_t> m_repainted;
     bool m_behind = false; // the window, with one of m_changes
-    ULONGLONG m_caughtUpAt = 0;
+    framework::Pace m_pace{kCatchUp, kCatchUpTimer};
     korvex::ListSync::Before m_before;
     // A menu is about the cell clicked last; one opened by keyboard is about the focused row.
     std::uint32_t m_clickedRecord = korvex::kNone;

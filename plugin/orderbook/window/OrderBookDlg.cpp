@@ -53,7 +53,6 @@ constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R', kCopyToBasketKey =
 constexpr int kCountWidth = 90, kConnectionWidth = 170;                               // pixels at 96 DPI
 constexpr int kStatusPart = 2, kConnectionPart = 3;                                   // behind both counts
 constexpr UINT_PTR kSecond = 1, kStatusSoon = 2;
-constexpr ULONGLONG kStatusPause = 100; // milliseconds
 constexpr UINT kShowStatus = WM_APP + 1;
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
 
@@ -91,7 +90,7 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Runs(), CRunProgressDlg::Owner::enabled),
       m_orderForm(std::move(orderForm)), m_history(std::move(history)),
-      m_recordCommand(std::move(recordCommand)) {}
+      m_recordCommand(std::move(recordCommand)), m_statusPace(kShowStatus, kStatusSoon) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
@@ -124,6 +123,7 @@ void COrderBookDlg::OnClose() {
 
 void COrderBookDlg::OnDestroyed() {
     m_open = false;
+    m_statusPace.NoteGone();
     m_book.Actions().Reset();
     m_reason.Destroy();
     m_progress.Destroy();
@@ -182,22 +182,11 @@ void COrderBookDlg::ShowCounts() {
     const CFilterListCtrl* lists[] = {&m_registered.Control(), &m_cancelled.Control()};
     for (int pane = 0; pane < static_cast<int>(std::size(lists)); ++pane)
         m_statusBar.SetText(pane, Format("%d", static_cast<int>(lists[pane]->ShownCount())).c_str());
-    ShowStatusSoon();
-}
-
-// Once for a burst of changes, and ten times a second while one goes on.
-void COrderBookDlg::ShowStatusSoon() {
-    if (m_tellsStatus || !m_open) return;
-    const ULONGLONG since = GetTickCount64() - m_statusAt;
-    m_tellsStatus = since < kStatusPause
-                        ? SetTimer(Handle(), kStatusSoon, static_cast<UINT>(kStatusPause - since), nullptr) != 0
-                        : PostMessageA(Handle(), kShowStatus, 0, 0) != 0;
+    if (m_open) m_statusPace.Ask(Handle());
 }
 
 void COrderBookDlg::ShowStatus() {
-    KillTimer(Handle(), kStatusSoon);
-    m_tellsStatus = false;
-    m_statusAt = GetTickCount64();
+    m_statusPace.NoteShown(Handle());
     BookStatus status = (CurrentPage() == 1 ? m_cancelled : m_registered).Status();
     status.loading = m_filling.IsUnderWay() && m_book.IsFilling();
     m_statusBar.SetText(kStatusPart, status.Text().c_str());
@@ -221,6 +210,10 @@ void COrderBookDlg::OnTime() {
 }
 
 std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (m_statusPace.IsTime(message, wParam)) {
+        ShowStatus();
+        return 0;
+    }
     switch (message) {
     case WM_SIZE:
         if (!m_open) return 0;
@@ -230,16 +223,9 @@ std::optional<LRESULT> COrderBookDlg::OnMessage(UINT message, WPARAM wParam, LPA
         return 0;
     case framework::kOfferedKey:
         return OnEscape(wParam, lParam);
-    case kShowStatus:
-        ShowStatus();
-        return 0;
     case WM_TIMER:
-        if (wParam == kStatusSoon)
-            ShowStatus();
-        else if (wParam == kSecond)
-            OnTime();
-        else
-            return std::nullopt;
+        if (wParam != kSecond) return std::nullopt;
+        OnTime();
         return 0;
     case WM_DESTROY:
         m_boxes.Close(Handle());

@@ -4,6 +4,7 @@
 #include "framework/Dialog.h"
 #include "framework/Guard.h"
 #include "framework/MessageBoxes.h"
+#include "framework/Pace.h"
 #include "plugin/controls/window/ListWindows.h"
 #include "plugin/controls/window/RunProgressDlg.h"
 #include "plugin/messaging/Session.h"
@@ -154,7 +155,6 @@ private:
     bool OnEscape(WPARAM key, LPARAM keyData);
     void PlaceParts();
     void ShowCounts();
-    void ShowStatusSoon();
     void ShowStatus();
     void OnTime();
     std::optional<bool> IsConnected() const;
@@ -177,8 +177,7 @@ private:
     framework::Font m_font;
     ConnectionNews m_connection;
     BookFilling m_filling;
-    bool m_tellsStatus = false; // soon
-    ULONGLONG m_statusAt = 0;   // when it was told last
+    framework::Pace m_statusPace;
     bool m_open = false;
 };
 
