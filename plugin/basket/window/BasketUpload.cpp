@@ -29,8 +29,8 @@ constexpr ListKey kListKeys[] = {{'P', kPlaceSelectedCommand},
                                  {'U', kPlaceUnsentCommand},
                                  {'R', kPlaceRefusedCommand},
                                  {'I', kImportCommand}};
-constexpr UINT_PTR kStatusTimer = 2;
-constexpr UINT kStatusTimerMs = 100;
+constexpr UINT kShowStatus = WM_APP + 1;
+constexpr UINT_PTR kStatusSoon = 2;
 
 // The rows' share of the room that they have with the rejected lines, of a hundred; least heights in pixels at
 // 96 DPI.
@@ -68,9 +68,10 @@ CBasketUpload::CBasketUpload(HINSTANCE module, Session& session, framework::Mess
                              RecordCommand recordCommand)
     : DialogWindowOf(module, IDD_BASKET, boxes), m_session(session),
       m_link(session.lookup, kRxRequests, this, this), m_unsent(session),
-      m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatus(); }),
+      m_basket(session, *this, m_link.Control()), m_list(m_basket, [this] { ShowStatusSoon(); }),
       m_panel(*this, m_basket), m_editing(module, *this, session, m_basket, m_list, m_panel),
-      m_check(module, session), m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
+      m_check(module, session), m_statusPace(kShowStatus, kStatusSoon),
+      m_progress(module, session, m_basket.Runs(), CRunProgressDlg::Owner::disabled),
       m_import(module, session, boxes), m_controls(*this, session, m_basket.Life()),
       m_recordCommand(std::move(recordCommand)) {}
 
@@ -163,6 +164,12 @@ void CBasketUpload::Arrange() {
 }
 
 std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (m_statusPace.IsTime(message, wParam)) {
+        m_statusPace.NoteShown(Dialog::Handle());
+        ShowStatus();
+        ShowPanel();
+        return 0;
+    }
     switch (message) {
     case WM_MOVE:
         m_controls.OnMoved();
@@ -174,13 +181,8 @@ std::optional<LRESULT> CBasketUpload::OnMessage(UINT message, WPARAM wParam, LPA
     case WM_GETMINMAXINFO:
         m_frame.SetLeastSize(lParam);
         return 0;
-    case WM_TIMER:
-        if (wParam != kStatusTimer) return std::nullopt;
-        KillTimer(Dialog::Handle(), kStatusTimer);
-        ShowStatus();
-        ShowPanel();
-        return 0;
     case WM_DESTROY:
+        m_statusPace.NoteGone();
         Boxes().Close(Dialog::Handle());
         m_editing.Close();
         m_menu.Close();
@@ -365,7 +367,7 @@ void CBasketUpload::ShowStatus() {
 }
 
 void CBasketUpload::ShowStatusSoon() {
-    if (HasWindow()) SetTimer(Dialog::Handle(), kStatusTimer, kStatusTimerMs, nullptr);
+    if (HasWindow()) m_statusPace.Ask(Dialog::Handle());
 }
 
 void CBasketUpload::ShowPanel() {

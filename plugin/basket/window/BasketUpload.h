@@ -1,6 +1,7 @@
 // The basket window.
 #pragma once
 
+#include "framework/Pace.h"
 #include "plugin/basket/Basket.h"
 #include "plugin/basket/window/BasketCheckDlg.h"
 #include "plugin/basket/window/BasketEditing.h"
@@ -96,6 +97,7 @@ private:
     BasketCheckDlg m_check;
     CFlatSplitterWnd m_splitter; // between the rows and the rejected lines
     CQVBrickBar m_statusBar;
+    framework::Pace m_statusPace;
     CRunProgressDlg m_progress;
     CImportDlg m_import;
     SipFormControls m_controls;
