@@ -140,7 +140,7 @@ Yielding ServerSession::Yields(std::int64_t nowMs) const {
     if (HasEnded() || m_output.HasLeft()) return Yielding::never;
     if (IsStranger())
         return m_beganMs && nowMs - *m_beganMs >= m_limits.graceMs ? Yielding::stranger : Yielding::never;
-    const bool wants = !m_work->WantsNothing() || !m_output.Bytes().empty();
+    const bool wants = !m_work->WantsNothing() || !m_output.Bytes().IsEmpty();
     return wants || nowMs - m_heardMs < m_limits.idleMs ? Yielding::never : Yielding::idle;
 }
 
@@ -153,7 +153,7 @@ bool ServerSession::TakesRequests(std::int64_t nowMs) const {
 }
 
 std::size_t ServerSession::Waiting() const {
-    return (m_work ? m_work->Unasked() : 0) + (m_output.Bytes().empty() ? 0 : 1);
+    return (m_work ? m_work->Unasked() : 0) + (m_output.Bytes().IsEmpty() ? 0 : 1);
 }
 
 bool ServerSession::IsBehind() const {

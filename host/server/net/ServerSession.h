@@ -60,7 +60,7 @@ public:
     // Whether many updates wait for it although it takes them at a good pace.
     bool IsBehind() const;
     // The bytes to be sent; the caller takes away what it has sent.
-    std::string& Output() { return m_output.Bytes(); }
+    ByteQueue& Output() { return m_output.Bytes(); }
 
     // Since the last call.
     Traffic TakeTraffic() { return m_work ? m_work->TakeTraffic() : Traffic(); }
