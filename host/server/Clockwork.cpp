@@ -26,6 +26,12 @@ constexpr std::size_t kSchedulesAtOnce = 1024;
 constexpr std::size_t kMostOrders = 5'000'000; // as the text says
 constexpr const char* kFull = "The server executes nothing more: it holds 5000000 exchange orders";
 
+std::string ClockRecord(std::int64_t ahead) {
+    FieldRecord clock;
+    clock.Set(kTagAhead, std::to_string(ahead));
+    return clock.JsonAs(kRecordKind);
+}
+
 } // namespace
 
 ServerClock SystemClock() {
@@ -74,12 +80,6 @@ std::string Clockwork::AdvanceToNextInstalment() {
     }
     if (!next) return "There is no instalment to come";
     return AdvanceTo(std::max(*next, sys_days(Today())));
-}
-
-std::string Clockwork::ClockRecord(std::int64_t ahead) {
-    FieldRecord clock;
-    clock.Set(kTagAhead, std::to_string(ahead));
-    return clock.JsonAs(kRecordKind);
 }
 
 bool Clockwork::Replay(std::string_view record) {

@@ -114,7 +114,6 @@ private:
         bool operator==(const Halt&) const = default;
     };
 
-    static std::string ClockRecord(std::int64_t ahead);
     // Goes by the range. What came until now while a registration was paused lapses by the days as they were.
     void Apply(const RestrictedRange& range);
     std::optional<std::chrono::sys_days> NextExecution(const Registration& registration) const;

@@ -16,7 +16,7 @@ constexpr const char* kNotProven = "the login is unknown here, or its secret or 
 template <class Said>
 std::optional<Said> LastOf(ServerSession& session) {
     FrameReader reader;
-    reader.Add(session.Output());
+    reader.Add(session.Output().Bytes());
     std::optional<Said> said;
     while (const auto frame = reader.Next())
         if (frame->type == Said::kType) said = net::Read<Said>(frame->payload);
@@ -229,7 +229,7 @@ TEST_F(Net, WhoIsRefusedSubscriptionsAndReadsNoneIsNotReadEither) {
     for (; taken < 1000 && session.TakesInput(); ++taken)
         session.Take(Framed(net::Subscribe{7, false, {}}), 0);
     EXPECT_LT(taken, 1000u);
-    session.Output().clear();
+    session.Output().Clear();
     EXPECT_TRUE(session.TakesInput());
 }
 

@@ -234,7 +234,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         for (const char byte : row.bytes)
             session.Take({&byte, 1}, 0);
         EXPECT_EQ(session.EndReason(), row.reason);
-        EXPECT_TRUE(session.Output().ends_with(row.reason));
+        EXPECT_TRUE(session.Output().Bytes().ends_with(row.reason));
     }
 }
 
@@ -257,7 +257,7 @@ TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
             session.Pump(0);
         }
         while (session.HasWork(0))
-            session.Output().clear(), session.Pump(0);
+            session.Output().Clear(), session.Pump(0);
         EXPECT_TRUE(session.TakesInput());
     }
 }
@@ -274,16 +274,16 @@ TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     ServerSession session(*m_running->server, *m_commands, {});
     session.Take(hello, 0);
     session.Pump(0);
-    session.Output().clear();
+    session.Output().Clear();
     session.Take(asked, 0);
     m_running->server->Hold();
     session.Handle(0);
     EXPECT_EQ(FileText(m_folder.File("journal")), "");
-    EXPECT_EQ(session.Output(), "");
+    EXPECT_EQ(session.Output().Bytes(), "");
     session.Deliver(m_running->server->Release());
     EXPECT_EQ(ReadJournalText(FileText(m_folder.File("journal"))).records.size(), 3u);
     EXPECT_EQ(m_running->server->Journal().TakeFlushTimes().size(), 1u);
-    EXPECT_GT(session.Output().size(), 3000u); // answers, updates and rows
+    EXPECT_GT(session.Output().Size(), 3000u); // answers, updates and rows
 }
 
 TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {

@@ -78,10 +78,10 @@ Channel::Exchanged SessionChannel::Exchange(std::string_view& output, FrameReade
     output = {};
     m_session->Pump(nowMs);
     if (!reader) return {};
-    std::string& came = m_session->Output();
-    reader->Add(came);
-    const bool hasCome = !came.empty();
-    came.clear();
+    ByteQueue& came = m_session->Output();
+    reader->Add(came.Bytes());
+    const bool hasCome = !came.IsEmpty();
+    came.Clear();
     return {hasCome || m_session->HasWork(nowMs), m_session->HasEnded() ? kEnded : nullptr};
 }
 

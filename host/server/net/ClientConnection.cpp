@@ -34,8 +34,7 @@ void ClientConnection::BeginWhenDue(std::int64_t nowMs) {
 
 void ClientConnection::Begin() {
     m_reader = FrameReader(m_channel->Sums());
-    m_output.clear();
-    m_sent = 0;
+    m_output.Clear();
     if (const std::string error = m_channel->Open(); !error.empty()) return Lose(error);
     m_againAtMs = m_nowMs + kConnectMs;
     m_isChallenged = false;
@@ -62,16 +61,14 @@ void ClientConnection::Change(LinkState state, const std::string& text) {
 }
 
 bool ClientConnection::HasRoom() const {
-    return m_state == LinkState::connected && m_output.size() - m_sent < kMostOutputBytes;
+    return m_state == LinkState::connected && m_output.Size() < kMostOutputBytes;
 }
 
 bool ClientConnection::Exchange(bool takes) {
     if (m_state == LinkState::lost) return false;
-    std::string_view left = std::string_view(m_output).substr(m_sent);
+    std::string_view left = m_output.Bytes();
     const Channel::Exchanged exchanged = m_channel->Exchange(left, takes ? &m_reader : nullptr, m_nowMs);
-    m_sent = m_output.size() - left.size();
-    // Moved to the front seldom: a great basket makes much output.
-    if (m_sent > m_output.size() / 2) m_output.erase(0, std::exchange(m_sent, 0));
+    m_output.Take(m_output.Size() - left.size());
     TakeFrames();
     if (exchanged.over) Lose(exchanged.over);
     if (m_state == LinkState::connecting && m_nowMs >= m_againAtMs) Lose("the server does not answer");
@@ -121,7 +118,7 @@ void ClientConnection::On(const net::Challenge& said) {
         if (!secret) return Lose("the server asks for a proof: " + secret.Fault().Text());
         hello.proof = ProofOf(secret.Value(), said.nonce, hello);
     }
-    static_cast<void>(net::Append(m_output, std::move(hello), m_channel->Sums()));
+    static_cast<void>(net::Append(m_output.Back(), std::move(hello), m_channel->Sums()));
 }
 
 void ClientConnection::On(const net::Welcome& said) {

@@ -5,6 +5,7 @@
 // Failure: whatever the server sends, at worst the connection is lost; the state says why.
 #pragma once
 
+#include "host/server/net/ByteQueue.h"
 #include "host/server/net/Channel.h"
 
 #include <cstdint>
@@ -45,7 +46,8 @@ public:
     // False when it is too long. Without a server nothing is said.
     template <class Said>
     bool Say(Said said) {
-        return m_state != LinkState::connected || net::Append(m_output, std::move(said), m_channel->Sums());
+        return m_state != LinkState::connected
+               || net::Append(m_output.Back(), std::move(said), m_channel->Sums());
     }
     // Whether a request may be said: others wait where they can still be withdrawn.
     bool HasRoom() const;
@@ -53,7 +55,7 @@ public:
     // bring more at once.
     bool Exchange(bool takes);
     // Whether all that was said has gone.
-    bool HasSaidAll() const { return m_state == LinkState::connected && m_sent == m_output.size(); }
+    bool HasSaidAll() const { return m_state == LinkState::connected && m_output.IsEmpty(); }
     // How much is known to be on its way here.
     std::size_t Waiting() const { return m_channel->Waiting(); }
 
@@ -74,8 +76,7 @@ private:
     const std::uint64_t m_identity;
     LinkState m_state = LinkState::lost;
     FrameReader m_reader;
-    std::string m_output;
-    std::size_t m_sent = 0; // of the output
+    ByteQueue m_output;
     std::int64_t m_nowMs = 0;
     std::int64_t m_againAtMs = 0; // when to connect, or to give up connecting
     std::int64_t m_pauseMs = 0;

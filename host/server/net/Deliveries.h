@@ -6,6 +6,8 @@
 // Thread: the client's; plain values.
 #pragma once
 
+#include "host/server/net/ByteQueue.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -27,7 +29,7 @@ public:
     };
 
     void Keep(std::uint32_t control, bool isStream, std::string_view bytes) {
-        m_bytes += bytes;
+        m_bytes.Back() += bytes;
         m_waiting.push_back({{control, isStream}, bytes.size()});
     }
     void Keep(std::function<void()> tell) { m_waiting.push_back({{0, false, {}, std::move(tell)}, 0}); }
@@ -36,17 +38,15 @@ public:
         Waiting first = std::move(m_waiting.front());
         m_waiting.pop_front();
         first.delivery.bytes = std::exchange(m_spare, {});
-        first.delivery.bytes.assign(m_bytes, m_taken, first.size);
-        m_taken += first.size;
-        // Moved to the front seldom.
-        if (m_taken > m_bytes.size() / 2) m_bytes.erase(0, std::exchange(m_taken, 0));
+        first.delivery.bytes = m_bytes.Bytes().substr(0, first.size);
+        m_bytes.Take(first.size);
         return std::move(first.delivery);
     }
     void GiveBack(Delivery delivery) { m_spare = std::move(delivery.bytes); }
     // Without it nothing more is read.
     bool HasRoom() const {
         constexpr std::size_t most = 10'000, mostBytes = std::size_t{8} * 1024 * 1024;
-        return m_waiting.size() < most && m_bytes.size() - m_taken < mostBytes;
+        return m_waiting.size() < most && m_bytes.Size() < mostBytes;
     }
     std::size_t Size() const { return m_waiting.size(); }
     // Of requests, those of controls that are gone too.
@@ -62,8 +62,7 @@ private:
     };
 
     std::deque<Waiting> m_waiting;
-    std::string m_bytes;
-    std::size_t m_taken = 0; // of them
+    ByteQueue m_bytes;
     std::string m_spare;
 };
 

@@ -122,6 +122,12 @@ bool Logins::Add(const UserIdentity& user) {
     return true;
 }
 
+bool Logins::IsProven(const net::Hello& hello, const std::string& nonce) const {
+    const Login* login = Find(hello.loginId);
+    const bool isSigned = AreSame(ProofOf(login ? login->secret : nonce, nonce, hello), hello.proof);
+    return login && isSigned && login->user.peerIdA == hello.peerIdA && login->user.peerIdB == hello.peerIdB;
+}
+
 std::string Logins::Write(const std::string& path) const {
     json root = json::object();
     for (const auto& [name, login] : m_logins)

@@ -8,6 +8,7 @@
 
 #include "host/files/Files.h"
 #include "host/server/RowQuery.h"
+#include "host/server/net/Protocol.h"
 
 #include <map>
 #include <span>
@@ -41,6 +42,9 @@ public:
 
     // Null when it is unknown.
     const Login* Find(std::string_view loginId) const;
+    // Whether the hello answers the nonce with its login's secret, and is of its firm. An unknown login takes
+    // as long as a wrong secret.
+    bool IsProven(const net::Hello& hello, const std::string& nonce) const;
     // Gives it a secret, unless it has one. Whether it does.
     bool Add(const UserIdentity& user);
     // Replaces the file. Why it could not; empty when that is done.

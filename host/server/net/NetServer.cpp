@@ -35,7 +35,7 @@ void NetServer::Turn(int timeoutMs) {
     for (Connection& connection : m_connections)
         if (connection.socket)
             waiting.push_back(
-                {&connection.socket, connection.session.TakesInput(), !connection.session.Output().empty()});
+                {&connection.socket, connection.session.TakesInput(), !connection.session.Output().IsEmpty()});
     Wait(waiting, PauseMs(timeoutMs));
     auto came = waiting.begin() + 1;
     for (Connection& connection : m_connections)
@@ -125,7 +125,7 @@ void NetServer::Answer(Connection& connection, const std::string& fault) {
         const Traffic traffic = connection.session.TakeTraffic();
         m_carried.requests += traffic.requests;
         m_carried.updates += traffic.updates;
-        if (!connection.session.Output().empty()) Send(connection);
+        if (!connection.session.Output().IsEmpty()) Send(connection);
         if (connection.isGone && connection.socket) ReceiveRest(connection);
     });
 }
@@ -149,12 +149,12 @@ void NetServer::ReceiveRest(Connection& connection) {
 }
 
 void NetServer::Send(Connection& connection) {
-    std::string& output = connection.session.Output();
-    std::string_view left = output;
+    ByteQueue& output = connection.session.Output();
+    std::string_view left = output.Bytes();
     Transfer transfer = Transfer::some;
     while (!left.empty() && transfer == Transfer::some)
         transfer = connection.socket.Send(left);
-    output.erase(0, output.size() - left.size());
+    output.Take(output.Size() - left.size());
     if (transfer == Transfer::ended) connection.isGone = true;
 }
 

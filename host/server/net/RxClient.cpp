@@ -55,8 +55,11 @@ std::uint64_t RxClient::Send(std::uint32_t control, std::string_view bytes) {
 }
 
 void RxClient::SayRequests() {
-    while (m_connection.HasRoom() && m_requests.HasUnsaid())
-        m_connection.Say(m_requests.SayNext());
+    while (m_connection.HasRoom()) {
+        const net::ControlRequest* request = m_requests.SayNext();
+        if (!request) break;
+        m_connection.Say(*request);
+    }
 }
 
 bool RxClient::Withdraw(std::uint64_t number) {

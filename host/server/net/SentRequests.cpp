@@ -31,10 +31,11 @@ void SentRequests::EndConnection() {
     m_lastSaid = 0;
 }
 
-const net::ControlRequest& SentRequests::SayNext() {
+const net::ControlRequest* SentRequests::SayNext() {
     const auto next = m_requests.upper_bound(m_lastSaid);
+    if (next == m_requests.end()) return nullptr;
     m_lastSaid = next->first;
-    return next->second.request;
+    return &next->second.request;
 }
 
 const char* SentRequests::Take(net::Response&& said, std::optional<Answer>& told) {

@@ -38,8 +38,8 @@ public:
     void BeginConnection();
     void EndConnection();
     bool HasUnsaid() const { return m_requests.upper_bound(m_lastSaid) != m_requests.end(); }
-    // The first that is not said on this connection, and is from now on.
-    const net::ControlRequest& SayNext();
+    // The first that is not said on this connection, and is from now on; null when all are.
+    const net::ControlRequest* SayNext();
 
     // What is to be told of it, if anything. The answer is why the server may not say this; null when it may.
     const char* Take(net::Response&& said, std::optional<Answer>& told);

@@ -68,18 +68,11 @@ void ServerSession::On(const net::Hello& said) {
     if (!IsName(said.loginId) || !IsName(said.peerIdA) || !IsName(said.peerIdB))
         return m_output.Refuse("a hello with a name that is none");
     m_name = said.loginId;
-    if (!IsProven(said)) return m_output.Refuse("the login is unknown here, or its secret or firm is another");
+    if (m_limits.logins && !m_limits.logins->IsProven(said, m_nonce))
+        return m_output.Refuse("the login is unknown here, or its secret or firm is another");
     m_work.emplace(m_server, m_commands, said, m_output);
     m_output.Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Clock().Now())});
     m_work->TellState();
-}
-
-// An unknown login takes as long as a wrong secret.
-bool ServerSession::IsProven(const net::Hello& hello) const {
-    if (!m_limits.logins) return true;
-    const Login* login = m_limits.logins->Find(hello.loginId);
-    const bool isSigned = AreSame(ProofOf(login ? login->secret : m_nonce, m_nonce, hello), hello.proof);
-    return login && isSigned && login->user.peerIdA == hello.peerIdA && login->user.peerIdB == hello.peerIdB;
 }
 
 void ServerSession::On(const net::OpenControl& said) {
@@ -140,7 +133,7 @@ Yielding ServerSession::Yields(std::int64_t nowMs) const {
     if (HasEnded() || m_output.HasLeft()) return Yielding::never;
     if (IsStranger())
         return m_beganMs && nowMs - *m_beganMs >= m_limits.graceMs ? Yielding::stranger : Yielding::never;
-    const bool wants = !m_work->WantsNothing() || !m_output.Bytes().empty();
+    const bool wants = !m_work->WantsNothing() || !m_output.Bytes().IsEmpty();
     return wants || nowMs - m_heardMs < m_limits.idleMs ? Yielding::never : Yielding::idle;
 }
 
@@ -153,11 +146,11 @@ bool ServerSession::TakesRequests(std::int64_t nowMs) const {
 }
 
 std::size_t ServerSession::Waiting() const {
-    return (m_work ? m_work->Unasked() : 0) + (m_output.Bytes().empty() ? 0 : 1);
+    return (m_work ? m_work->Unasked() : 0) + (m_output.Bytes().IsEmpty() ? 0 : 1);
 }
 
 bool ServerSession::IsBehind() const {
-    return m_work && m_work->Streams().Waiting() > Backlog() && m_work->IsAtGoodPace();
+    return m_work && m_work->Streams().Waiting() > m_limits.Backlog() && m_work->IsAtGoodPace();
 }
 
 void ServerSession::Pump(std::int64_t nowMs) {
@@ -194,7 +187,7 @@ void ServerSession::Judge() {
         if (m_nowMs - *m_beganMs > m_limits.greetingMs) m_output.End("it does not say hello");
         return;
     }
-    m_work->JudgePace(m_nowMs, Backlog());
+    m_work->JudgePace(m_nowMs, m_limits.Backlog());
     if (m_work->Streams().Waiting() > m_limits.streamBacklog) m_output.End("too many updates wait for it");
 }
 

@@ -32,6 +32,9 @@ struct SessionLimits {
     Checksum checksum = Checksum::crc32;                     // of the frames, both ways
     const Logins* logins = nullptr;                          // who may come, and proves it; null: anybody
     bool takesCommands = true;
+
+    // From so many updates on, a terminal is behind.
+    std::size_t Backlog() const { return streamBacklog / 4; }
 };
 
 // Whose place a new terminal may have, the most readily given one last.
@@ -60,7 +63,7 @@ public:
     // Whether many updates wait for it although it takes them at a good pace.
     bool IsBehind() const;
     // The bytes to be sent; the caller takes away what it has sent.
-    std::string& Output() { return m_output.Bytes(); }
+    ByteQueue& Output() { return m_output.Bytes(); }
 
     // Since the last call.
     Traffic TakeTraffic() { return m_work ? m_work->TakeTraffic() : Traffic(); }
@@ -94,9 +97,7 @@ private:
     void On(const net::Stop& said);
     void On(net::ServerCommand&& said);
 
-    bool IsProven(const net::Hello& hello) const;
     bool TakesRequests(std::int64_t nowMs) const;
-    std::size_t Backlog() const { return m_limits.streamBacklog / 4; }
     // Ends a terminal that does not keep up.
     void Judge();
 

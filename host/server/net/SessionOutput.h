@@ -3,6 +3,7 @@
 // Thread: the session's; plain values.
 #pragma once
 
+#include "host/server/net/ByteQueue.h"
 #include "host/server/net/Protocol.h"
 
 #include <cstddef>
@@ -19,7 +20,7 @@ public:
     template <class Said>
     void Say(Said said) {
         if (m_hasLeft) return;
-        if (!net::Append(m_bytes, std::move(said), m_checksum)) End("a message is too long to be sent");
+        if (!net::Append(m_bytes.Back(), std::move(said), m_checksum)) End("a message is too long to be sent");
     }
     // Tells the terminal why, and ends.
     void Refuse(const std::string& reason) {
@@ -36,20 +37,20 @@ public:
     // Nobody is there to be told anything.
     void Leave() {
         m_hasLeft = true;
-        m_bytes.clear();
+        m_bytes.Clear();
     }
     bool HasLeft() const { return m_hasLeft; }
 
-    bool HasRoom() const { return m_bytes.size() < m_most; }
+    bool HasRoom() const { return m_bytes.Size() < m_most; }
     // Whether more may be said now.
     bool IsOpen() const { return HasRoom() && !m_hasLeft && !HasEnded(); }
-    std::string& Bytes() { return m_bytes; }
-    const std::string& Bytes() const { return m_bytes; }
+    ByteQueue& Bytes() { return m_bytes; }
+    const ByteQueue& Bytes() const { return m_bytes; }
 
 private:
     const std::size_t m_most;
     const Checksum m_checksum;
-    std::string m_bytes;
+    ByteQueue m_bytes;
     std::string m_endReason;
     bool m_hasLeft = false;
 };
