@@ -104,6 +104,12 @@ TEST_F(BasketGridTest, FillingAndReplacingTellWhatTheyLeave) {
     basket.Undo();
     basket.Undo();
     EXPECT_EQ(Rows(Field::account), "C4 C3 C2 C1");
+
+    // All that stands in a cell, none of what replaced it; a replacement of nothing changes nothing.
+    Load(Line("CACC"));
+    for (const CellReplacement& each : {all, {Field::account, "", "X"}, {Field::userText, "NA", "X"}})
+        basket.Grid().Replace(each);
+    EXPECT_EQ(Rows(Field::account) + Rows(Field::userText), "CCACCCCNA");
 }
 
 TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
@@ -121,6 +127,10 @@ TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
     std::ranges::replace(cells, ',', '\t');
     basket.Grid().Paste(cells);
     EXPECT_EQ(Rows(Field::account), "C3 C1");
+    // One known word is no line of headings.
+    basket.Grid().Paste("Client ID\tbad\n");
+    EXPECT_EQ(Taken(view.boxes).back(), "Lines pasted: 1, rejected: 1.");
+    basket.Undo();
 
     // The rejected one is mended as it stands, or says why not, and is another row then.
     const int number = basket.Rejected()[0].number;
@@ -230,6 +240,31 @@ TEST_F(BasketGridTest, WhatWasSentStaysSent) {
     EXPECT_EQ(basket.Rows().Count(RowState::refused), 1u);
     basket.Redo();
     EXPECT_TRUE(view.list.rows.empty());
+}
+
+// Two orders that ask for the same: the one that may be in the book is shown.
+TEST_F(BasketGridTest, ALoadedRowIsKnownByTheOrderThatMayStand) {
+    using enum OrderEvent;
+    const struct {
+        OrderEvent first, second;
+        RowState shown;
+    } pairs[] = {
+        {registered, refused, RowState::registered}, {refused, registered, RowState::registered},
+        {inDoubt, registered, RowState::registered},    {refused, inDoubt, RowState::inDoubt},
+        {refused, refused, RowState::refused},
+    };
+    int round = 0;
+    StartDates dates;
+    for (const auto& [first, second, shown] : pairs) {
+        const std::string line = Line("K" + std::to_string(++round));
+        Load(line);
+        const RecordedOrder order(AskedForBy(basket.Rows()[Row(0)].Texts(), dates));
+        const std::vector<OrderPlace> places = session.record.Sending(std::vector{order, order}).value();
+        session.record.Tell(places[0], first, {});
+        session.record.Tell(places[1], second, {});
+        Load(line);
+        EXPECT_EQ(basket.Rows().Count(shown), 1u) << round;
+    }
 }
 
 // What a dealer can have done with three orders by the time that some of them are sent.
@@ -369,6 +404,7 @@ TEST_F(BasketGridTest, NothingIsTakenBackDuringARun) {
     host.onRequest = [&] {
         basket.Undo();
         basket.Redo();
+        basket.Grid().Replace({Field::account, "C", "X"});
     };
     basket.Runs().Place();
     Run();

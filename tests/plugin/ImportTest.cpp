@@ -84,6 +84,8 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"5 March 2027", undecided, "05/Mar/2027"},
         {"Mar 5, 2027", undecided, "05/Mar/2027"},
         {"5-mar-27", undecided, "05/Mar/2027"},
+        {"5 January 2028", undecided, "05/Jan/2028"},
+        {"5 dec 2027", undecided, "05/Dec/2027"},
         {"46451", undecided, "", Fault::undecidedSerial},
         {"46451", since1900, "05/Mar/2027"},
         {"44989", since1904, "05/Mar/2027"},

@@ -234,6 +234,22 @@ TEST(OrderRecord, ReadsEachOfItsLinesOnceAndNotItsOwn) {
     EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), 1u);
 }
 
+// Of the day before only what is still open is known, with when it was sent.
+TEST(OrderRecord, TakesWhatIsOpenOverMidnight) {
+    Files files;
+    OrderRecord record(files, [] { return LocalDateTime{2027, 3, 5, 23, 59, 50}; });
+    const RecordedOrder orders[] = {RecordedOrder(Words("order_id=o1 client=C1 frequency=daily").texts),
+                                    RecordedOrder(Words("order_id=o2 client=C2 frequency=daily").texts),
+                                    RecordedOrder(Words("order_id=o3 client=C3 frequency=daily").texts)};
+    record.Sending(orders);
+    record.Tell(orders[0], OrderEvent::registered, "", "S1");
+    record.Tell(orders[1], OrderEvent::refused, "no");
+    OrderRecord next(files, [] { return LocalDateTime{2027, 3, 6, 9, 0, 0}; });
+    ASSERT_EQ(next.Ledger().Orders().size(), 1u);
+    EXPECT_EQ(next.Ledger()[0].Text(Field::account), "C3");
+    EXPECT_EQ(next.Ledger()[0].SentAt(), "2027-03-05 23:59:50");
+}
+
 // Of orders without identifiers a line that stands there twice would be two orders.
 TEST(OrderRecord, WhatADiskTookBeforeItWasFullIsNotWrittenOnceMore) {
     const std::vector<RecordedOrder> twins(2, RecordedOrder(Words("client=C1 frequency=daily").texts));
