@@ -132,6 +132,14 @@ TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
     EXPECT_EQ(Taken(view.boxes).back(), "Lines pasted: 1, rejected: 1.");
     basket.Undo();
 
+    // What an order is not by may stand there as 0, as in a copy of the list.
+    basket.Grid().Paste(
+        "Client ID\tExchange\tSeries\tSymbol\tProduct\tAmount\tQuantity\tFrequency\tStart Date\t"
+        "Total Period\tAction\n"
+        "C4\tNSE\tEQ\tARBORTEX\tCNC\t0.00\t7\tmonthly\t05/Mar/2027\t12\tSIP\n");
+    EXPECT_EQ(Rows(Field::investType), "qty value value");
+    basket.Undo();
+
     // The rejected one is mended as it stands, or says why not, and is another row then.
     const int number = basket.Rejected()[0].number;
     EXPECT_EQ(basket.Grid().EditRejected(number, "C2,nse_cm"), "Invalid Format");
@@ -250,7 +258,7 @@ TEST_F(BasketGridTest, ALoadedRowIsKnownByTheOrderThatMayStand) {
         RowState shown;
     } pairs[] = {
         {registered, refused, RowState::registered}, {refused, registered, RowState::registered},
-        {inDoubt, registered, RowState::registered},    {refused, inDoubt, RowState::inDoubt},
+        {inDoubt, registered, RowState::registered}, {refused, inDoubt, RowState::inDoubt},
         {refused, refused, RowState::refused},
     };
     int round = 0;

@@ -194,8 +194,15 @@ TEST(Import, AMappingIsFoundAgainByItsHeadings) {
     ASSERT_EQ(again.Read(kept.Text()), "") << kept.Text();
     EXPECT_EQ(again.Text(), kept.Text());
     EXPECT_EQ(Imported(text, again), "2:C1 ALPHA-EQ value 150000 monthly 03/May/2027 12 B|");
-    EXPECT_EQ(again.Read("[A]\ncolumns = client;nonsense\n"), "line 2: columns cannot be set so");
-    EXPECT_EQ(again.Read("amount = rupees\n"), "line 1: a mapping begins with its [name]");
+    const std::pair<const char*, const char*> faults[] = {
+        {"[A]\ncolumns = client;nonsense\n", "line 2: columns cannot be set so"},
+        {"[A]\nclient digits = 33\n", "line 2: client digits cannot be set so"},
+        {"[A]\nclient digits = 32\n", ""},
+        {"amount = rupees\n", "line 1: a mapping begins with its [name]"},
+        {"[A\n", "line 1: a mapping begins with its [name]"},
+    };
+    for (const auto& [setting, told] : faults)
+        EXPECT_EQ(again.Read(setting), told) << setting;
 }
 
 std::string Content(const std::filesystem::path& path) {

@@ -186,6 +186,9 @@ TEST(Import, AWorkbookIsReadPieceByPieceCellByCell) {
                             : ":" + client + " ALPHA-EQ value 150 monthly 05/Mar/2027 12 B|";
     }
     EXPECT_EQ(Imported(AsWorkbook(table)), expected);
+    std::string crowded = AsWorkbook({{"UCC"}});
+    crowded.replace(crowded.size() - 12, 2, "\xFF\xFF"); // the count of its parts
+    EXPECT_EQ(Imported(crowded), "fault: the workbook has too many parts");
 }
 
 } // namespace

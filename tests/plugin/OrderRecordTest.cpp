@@ -295,6 +295,37 @@ TEST(OrderRecord, WhatIsSentAgainWaitsAnew) {
     }
 }
 
+TEST(OrderRecord, OnlyWhatWasSentAgainSinceItWasAbsentIsToldAsRegisteredTwice) {
+    const struct {
+        const char* steps; // s: sending C1, o: sending C2, with a place: a: absent, r: registered, x: refused
+        int told;
+    } rows[] = {
+        {"s a0 s r0 r1", 1}, {"s s a0 r0 r1", 0}, {"o a0 s s r1 r2", 0},
+        {"s a0 s r0 x1", 0}, {"s a0 s r1", 0},    {"s a0 o r0 r1", 0},
+    };
+    for (const auto& [steps, told] : rows) {
+        Files files;
+        LocalDateTime now{2027, 3, 5, 10, 0, 0};
+        OrderRecord record(files, [&] { return now; });
+        struct Listener final : RecordListener {
+            void OnRegisteredTwice(OrderPlace, std::string_view) override { ++times; }
+            int times = 0;
+        } listener;
+        record.AddListener(listener);
+        std::istringstream words(steps);
+        for (std::string step; words >> step; ++now.minute) {
+            const auto place = static_cast<OrderPlace>(step.size() > 1 ? step[1] - '0' : 0);
+            const RecordedOrder order(Words(step == "s" ? "client=C1 frequency=daily" : "client=C2").texts);
+            if (step.size() == 1) record.Sending({&order, 1});
+            if (step[0] == 'a')
+                record.Tell(place, OrderEvent::inDoubt, ""), record.Tell(place, OrderEvent::absent, "");
+            if (step[0] == 'r') record.Tell(place, OrderEvent::registered, "", "S" + step.substr(1));
+            if (step[0] == 'x') record.Tell(place, OrderEvent::refused, "no");
+        }
+        EXPECT_EQ(listener.times, told) << steps;
+    }
+}
+
 // Some hosts give the same to all.
 TEST(OrderRecord, OrdersUnderOneIdentifierAreKnownByWhatTheyAskFor) {
     Files files;
