@@ -434,6 +434,27 @@ TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
         "sent\n");
 }
 
+TEST_F(BasketGridTest, ACheckListsFaultsWarningsAndTotals) {
+    Load(Line("NOBODY") + Line("C1", "1013", "qty") + "bad\n");
+    std::string text;
+    const auto lines = basket.Check().value();
+    for (const ReviewLine& line : lines) {
+        for (const ReviewField field : {ReviewField::kind, ReviewField::what, ReviewField::of,
+                                        ReviewField::rows, ReviewField::amount, ReviewField::quantity})
+            text += ReviewText(line, field) + "|";
+        text += "\n";
+    }
+    EXPECT_EQ(text, "Fault|Line 3 was rejected: Invalid Format|bad||||\n"
+                    "Warning|The terminal does not know the client|NOBODY|1|Rs 1,500.00||\n"
+                    "Total|Client|C1|1||7|\n"
+                    "Total|Client|NOBODY|1|Rs 1,500.00||\n"
+                    "Total|Side|BUY|2|Rs 1,500.00|7|\n"
+                    "Total|Scrip|ARBORTEX-EQ|2|Rs 1,500.00|7|\n"
+                    "Total|Start date|05/Mar/2027|2|Rs 1,500.00|7|\n"
+                    "Total|Largest ticket|NOBODY ARBORTEX-EQ monthly|1|Rs 1,500.00||\n"
+                    "Total|Smallest ticket|NOBODY ARBORTEX-EQ monthly|1|Rs 1,500.00||\n");
+}
+
 TEST_F(BasketGridTest, LimitsOfTheDeskWarnOnceOrForbid) {
     const struct {
         const char* key;

@@ -205,6 +205,23 @@ TEST(Import, AMappingIsFoundAgainByItsHeadings) {
         EXPECT_EQ(again.Read(setting), told) << setting;
 }
 
+TEST(Import, LettersBeyondSixteenBitsAreTwoUnitsAndHalfOfOneIsNone) {
+    const std::pair<std::string_view, const char*> rows[] = {
+        {{"\xFF\xFE\x00\xD8\x00\xDC", 6}, "\xF0\x90\x80\x80"},
+        {{"\xFF\xFE\xFF\xDB\xFF\xDF", 6}, "\xF4\x8F\xBF\xBF"},
+        {{"\xFF\xFE\x00\xD8"
+          "a\0",
+          6},
+         "\xEF\xBF\xBD"
+         "a"},
+        {{"\xFF\xFE\x00\xE0\xFF\xDF", 6}, "\xEE\x80\x80\xEF\xBF\xBD"},
+    };
+    for (const auto& [bytes, text] : rows) {
+        std::string kept;
+        EXPECT_EQ(TextInUtf8(bytes, kept), text);
+    }
+}
+
 std::string Content(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

@@ -55,14 +55,14 @@ TEST(Import, AnyTableComesBackFromAnyWriter) {
     }
 }
 
-// A workbook of one sheet, whose parts are not packed. A cell "#5" is the number 5.
+// A workbook of one sheet, whose parts are not packed. A cell "#5" is the number 5, in red.
 std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
     std::string sheet = "<worksheet><sheetData>";
     for (std::size_t row = 0; row < table.size(); ++row) {
         sheet += "<row r=\"" + std::to_string(row + 1) + "\">";
         for (const std::string& cell : table[row]) {
             if (cell.starts_with('#')) {
-                sheet += "<c><v>" + cell.substr(1) + "</v></c>";
+                sheet += "<c s=\"0\"><v>" + cell.substr(1) + "</v></c>";
                 continue;
             }
             sheet += "<c t=\"inlineStr\"><is><t xml:space=\"preserve\">";
@@ -77,7 +77,10 @@ std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
                         "Target=\"xl/workbook.xml\"/></Relationships>"},
         {"xl/workbook.xml", "<workbook><sheets><sheet name=\"A\" r:id=\"r1\"/></sheets></workbook>"},
         {"xl/_rels/workbook.xml.rels",
-         "<Relationships><Relationship Id=\"r1\" Target=\"worksheets/sheet1.xml\"/></Relationships>"},
+         "<Relationships><Relationship Id=\"r1\" Target=\"worksheets/sheet1.xml\"/>"
+         "<Relationship Id=\"r2\" Type=\"x/styles\" Target=\"styles.xml\"/></Relationships>"},
+        {"xl/styles.xml", "<styleSheet><numFmts><numFmt numFmtId=\"170\" formatCode=\"[Red]0.00\"/></numFmts>"
+                          "<cellXfs><xf numFmtId=\"170\"/></cellXfs></styleSheet>"},
         {"xl/worksheets/sheet1.xml", sheet + "</sheetData></worksheet>"}};
     const auto put = [](std::string& bytes, std::size_t number, int size) {
         for (; size > 0; --size, number >>= 8)
@@ -100,7 +103,7 @@ std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
         bytes.append("PK\x03\x04\x14\0\0\0", 8).append(fields).append(name).append(content);
     }
     const std::size_t place = bytes.size();
-    bytes.append(directory).append("PK\x05\x06\0\0\0\0\4\0\4\0", 12);
+    bytes.append(directory).append("PK\x05\x06\0\0\0\0\5\0\5\0", 12);
     put(bytes, directory.size(), 4);
     put(bytes, place, 4);
     return bytes.append(2, '\0');

@@ -320,6 +320,7 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
         EXPECT_FALSE(running.server->Clock().HasDue());
         running.Ask(Order("orderId=id-2"));
         EXPECT_FALSE(running.server->Clock().HasDue());
+        EXPECT_NE(running.server->EnterMadeUp({running.server->Held().All()[0]}), "");
         EXPECT_EQ(running.server->Held().All().size(), 1u);
     }
     running.Ask(Order("orderId=id-2 frequency=weekly"));
