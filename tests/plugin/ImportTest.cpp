@@ -94,6 +94,8 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"2027-03-05", monthFirst, "05/Mar/2027", Fault::none, CellKind::date},
         {"29/02/2027", dayFirst, "", Fault::noDate},
         {"5 Foo 2027", undecided, "", Fault::noDate},
+        {"5 March", undecided, "", Fault::noDate},
+        {"05/03/2027 tea", dayFirst, "", Fault::noDate},
         {"4.6E+04", since1900, "", Fault::shortened},
     };
     for (const auto& [said, pattern, date, fault, kind] : cases) {
