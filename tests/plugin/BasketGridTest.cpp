@@ -110,6 +110,7 @@ TEST_F(BasketGridTest, FillingAndReplacingTellWhatTheyLeave) {
     for (const CellReplacement& each : {all, {Field::account, "", "X"}, {Field::userText, "NA", "X"}})
         basket.Grid().Replace(each);
     EXPECT_EQ(Rows(Field::account) + Rows(Field::userText), "CCACCCCNA");
+    EXPECT_TRUE(view.unsent.text.starts_with("CCACCCC,")) << "kept as it is now";
 }
 
 TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
