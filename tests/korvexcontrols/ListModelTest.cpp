@@ -132,6 +132,31 @@ TEST(OperatorsFor, FollowWhatTheCellsHold) {
         EXPECT_EQ(OperatorsFor(row.type, ContentOf(row.cells)).front().name, row.first) << row.cells.size();
 }
 
+TEST(AfterClick, TurnsRoundAddsAndTakesAway) {
+    const struct {
+        const char* before; // columns, descending ones in brackets
+        std::int32_t column;
+        bool adding;
+        const char* after;
+    } rows[] = {
+        {"", 1, false, "1 "},        {"1 ", 1, false, "(1) "},  {"(1) ", 1, false, ""},
+        {"1 ", 2, false, "2 "},      {"1 ", 2, true, "1 2 "},   {"1 2 ", 2, false, "2 "},
+        {"1 2 ", 1, true, "(1) 2 "}, {"(1) 2 ", 1, true, "2 "},
+    };
+    for (const auto& row : rows) {
+        std::vector<SortColumn> before;
+        std::istringstream words(row.before);
+        for (std::string word; words >> word;) {
+            const bool descending = word[0] == '(';
+            before.push_back({word[descending ? 1 : 0] - '0', descending, ValueType::text});
+        }
+        std::string after;
+        for (const SortColumn& by : AfterClick(before, row.column, ValueType::text, row.adding))
+            after += by.descending ? "(" + std::to_string(by.column) + ") " : std::to_string(by.column) + " ";
+        EXPECT_EQ(after, row.after) << row.before << row.column << row.adding;
+    }
+}
+
 TEST(Export, QuotesAndDisarmsCells) {
     struct Row {
         std::string cell;

@@ -154,6 +154,31 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
     EXPECT_EQ(host.misuses, Texts{});
 }
 
+TEST_F(AnswerTest, AControlIsTakenOnlyWhenItCanBeGivenBack) {
+    const struct {
+        const char* lacks;
+        RxControlKind kind;
+        bool taken;
+    } rows[] = {
+        {"", kRxRequests, true},
+        {"", kRxAccountStream, true},
+        {"GetKeloRxControl", kRxRequests, false},
+        {"DestoryKeloRxCOntrol", kRxRequests, false},
+    };
+    for (const auto& [lacks, kind, taken] : rows) {
+        host.missing = {lacks};
+        host.calls.clear();
+        {
+            RxLink link(host.Lookup(), kind, nullptr, &notices);
+            EXPECT_EQ(link.Control() != nullptr, taken) << lacks;
+            link.Release();
+        }
+        EXPECT_EQ(host.CallsOf("DestoryKeloRxCOntrol"), taken ? 1 : 0) << lacks;
+    }
+    EXPECT_EQ(host.misuses, Texts{});
+    EXPECT_EQ(notices.shown, Texts(2, "Exe is not compatible with the plugin"));
+}
+
 TEST_F(AnswerTest, FailedSubscriptionsAreToldAndTheNextAccountGoesOn) {
     host.accounts = {"C1", "C2"};
     session.m_nLoginMode = 3;

@@ -104,6 +104,13 @@ TEST_F(BasketGridTest, FillingAndReplacingTellWhatTheyLeave) {
     basket.Undo();
     basket.Undo();
     EXPECT_EQ(Rows(Field::account), "C4 C3 C2 C1");
+
+    // All that stands in a cell, none of what replaced it; a replacement of nothing changes nothing.
+    Load(Line("CACC"));
+    for (const CellReplacement& each : {all, {Field::account, "", "X"}, {Field::userText, "NA", "X"}})
+        basket.Grid().Replace(each);
+    EXPECT_EQ(Rows(Field::account) + Rows(Field::userText), "CCACCCCNA");
+    EXPECT_TRUE(view.unsent.text.starts_with("CCACCCC,")) << "kept as it is now";
 }
 
 TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
@@ -121,6 +128,18 @@ TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
     std::ranges::replace(cells, ',', '\t');
     basket.Grid().Paste(cells);
     EXPECT_EQ(Rows(Field::account), "C3 C1");
+    // One known word is no line of headings.
+    basket.Grid().Paste("Client ID\tbad\n");
+    EXPECT_EQ(Taken(view.boxes).back(), "Lines pasted: 1, rejected: 1.");
+    basket.Undo();
+
+    // What an order is not by may stand there as 0, as in a copy of the list.
+    basket.Grid().Paste(
+        "Client ID\tExchange\tSeries\tSymbol\tProduct\tAmount\tQuantity\tFrequency\tStart Date\t"
+        "Total Period\tAction\n"
+        "C4\tNSE\tEQ\tARBORTEX\tCNC\t0.00\t7\tmonthly\t05/Mar/2027\t12\tSIP\n");
+    EXPECT_EQ(Rows(Field::investType), "qty value value");
+    basket.Undo();
 
     // The rejected one is mended as it stands, or says why not, and is another row then.
     const int number = basket.Rejected()[0].number;
@@ -230,6 +249,31 @@ TEST_F(BasketGridTest, WhatWasSentStaysSent) {
     EXPECT_EQ(basket.Rows().Count(RowState::refused), 1u);
     basket.Redo();
     EXPECT_TRUE(view.list.rows.empty());
+}
+
+// Two orders that ask for the same: the one that may be in the book is shown.
+TEST_F(BasketGridTest, ALoadedRowIsKnownByTheOrderThatMayStand) {
+    using enum OrderEvent;
+    const struct {
+        OrderEvent first, second;
+        RowState shown;
+    } pairs[] = {
+        {registered, refused, RowState::registered}, {refused, registered, RowState::registered},
+        {inDoubt, registered, RowState::registered}, {refused, inDoubt, RowState::inDoubt},
+        {refused, refused, RowState::refused},
+    };
+    int round = 0;
+    StartDates dates;
+    for (const auto& [first, second, shown] : pairs) {
+        const std::string line = Line("K" + std::to_string(++round));
+        Load(line);
+        const RecordedOrder order(AskedForBy(basket.Rows()[Row(0)].Texts(), dates));
+        const std::vector<OrderPlace> places = session.record.Sending(std::vector{order, order}).value();
+        session.record.Tell(places[0], first, {});
+        session.record.Tell(places[1], second, {});
+        Load(line);
+        EXPECT_EQ(basket.Rows().Count(shown), 1u) << round;
+    }
 }
 
 // What a dealer can have done with three orders by the time that some of them are sent.
@@ -369,6 +413,7 @@ TEST_F(BasketGridTest, NothingIsTakenBackDuringARun) {
     host.onRequest = [&] {
         basket.Undo();
         basket.Redo();
+        basket.Grid().Replace({Field::account, "C", "X"});
     };
     basket.Runs().Place();
     Run();
@@ -388,6 +433,27 @@ TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
         "Client ID,Exchange,Series,Symbol,Product,Amount,Quantity,Frequency,Start Date,Total Period,Order Type,"
         "Action,Remarks,State\n'+91,nse_cm,EQ,ARBORTEX,CNC,1500.00,7,monthly,05/Mar/2027,12,MKT,SIP,NA,Not "
         "sent\n");
+}
+
+TEST_F(BasketGridTest, ACheckListsFaultsWarningsAndTotals) {
+    Load(Line("NOBODY") + Line("C1", "1013", "qty") + "bad\n");
+    std::string text;
+    const auto lines = basket.Check().value();
+    for (const ReviewLine& line : lines) {
+        for (const ReviewField field : {ReviewField::kind, ReviewField::what, ReviewField::of,
+                                        ReviewField::rows, ReviewField::amount, ReviewField::quantity})
+            text += ReviewText(line, field) + "|";
+        text += "\n";
+    }
+    EXPECT_EQ(text, "Fault|Line 3 was rejected: Invalid Format|bad||||\n"
+                    "Warning|The terminal does not know the client|NOBODY|1|Rs 1,500.00||\n"
+                    "Total|Client|C1|1||7|\n"
+                    "Total|Client|NOBODY|1|Rs 1,500.00||\n"
+                    "Total|Side|BUY|2|Rs 1,500.00|7|\n"
+                    "Total|Scrip|ARBORTEX-EQ|2|Rs 1,500.00|7|\n"
+                    "Total|Start date|05/Mar/2027|2|Rs 1,500.00|7|\n"
+                    "Total|Largest ticket|NOBODY ARBORTEX-EQ monthly|1|Rs 1,500.00||\n"
+                    "Total|Smallest ticket|NOBODY ARBORTEX-EQ monthly|1|Rs 1,500.00||\n");
 }
 
 TEST_F(BasketGridTest, LimitsOfTheDeskWarnOnceOrForbid) {

@@ -20,6 +20,9 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
         {"1,00,000.00", "100000.00", false, true},
         {"100000", "100000.00", false, true},
         {"1E+05", "100000", false, true},
+        {"1.5E-01", "0.15", false, true},
+        {"1E", "1", false, false},
+        {"1E+999999999", "1", false, false},
         {"1.23457E+14", "123456789012345", false, false},
         {"1.23456789012345E+14", "123456789012345", false, true},
         {"1500,00", "1500.00", true, true},
@@ -36,6 +39,8 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
         {"5-mar-27", "05-Mar-2027", false, true},
         {"05.03.2027", "05-Mar-2027", false, true},
         {"06/03/2027", "05-Mar-2027", false, false},
+        {"005/03/2027", "05-Mar-2027", false, false},
+        {"05/03/2027", "May", false, false},
         {"2027-03-05 14:02", "05-Mar-2027 14:02:31", false, true},
         {"2027-03-05 14:03", "05-Mar-2027 14:02:31", false, false},
         {"2027-03-05", "05-Mar-2027 14:02:31", false, false},
@@ -141,9 +146,9 @@ protected:
         return yes;
     }
     void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
-    void ShowRows(bool) override {}
+    void ShowRows(bool) override { shownRows = run.Set() ? run.Set()->Changes().size() : 0; }
     void ShowRun() override {}
-    std::int64_t Milliseconds() const override { return 0; }
+    std::int64_t Milliseconds() const override { return clock += clockStep; }
 
     std::string File() const {
         std::vector<RecordId> all(book.Size());
@@ -190,6 +195,8 @@ protected:
 
     OrderCache book;
     Texts questions, boxes;
+    std::size_t shownRows = 0;
+    mutable std::int64_t clock = 0, clockStep = 0;
     bool open = true, otherBox = false, yes = true;
     std::function<void()> duringQuestion; // run once
     ChangeRun run{session, book, *this, [this] { return &control; }};
@@ -246,6 +253,9 @@ TEST_F(ChangesTest, AFileIsReadBackAsItWasMeant) {
     for (const auto& row : rows) {
         Load(Edited(file, row.number, row.edit, row.stamps));
         EXPECT_EQ(Listed(), row.listed) << row.number << " " << row.edit;
+        if (!run.Set()->Changes().empty()) {
+            EXPECT_EQ(run.Set()->Text(0, ChangeField::account), Format("C%c", row.number[1])) << row.edit;
+        }
     }
 }
 
@@ -369,17 +379,32 @@ TEST_F(ChangesTest, APortionIsOnTheDiskBeforeItGoesOutAndAStopKeepsTheRest) {
     boxes.clear();
     otherBox = true;
     run.Send();
+    run.Stop();
     EXPECT_EQ(Modifications(), Texts());
     otherBox = false;
+    host.onRequest = [&] { run.Continue(); }; // the host lets the progress window in
     EXPECT_TRUE(run.OnBoxGone());
     EXPECT_EQ(Modifications().size(), 250u);
     EXPECT_EQ(run.Progress(), "Modifying 250 of 403");
+    host.onRequest = nullptr;
     run.Stop();
     for (const std::string& number : numbers)
         Answer("echoedRequest=modify_sip_order registrationNumber=" + number + " userText=ok");
     EXPECT_FALSE(run.IsUnderWay());
     EXPECT_TRUE(StatusOf(run.Set())[0].starts_with("153 to be sent")) << StatusOf(run.Set())[0];
     EXPECT_TRUE(StatusOf(run.Set())[1].starts_with("250 modified")) << StatusOf(run.Set())[1];
+    // A reading that is stopped leaves nothing, nor the rows before it.
+    EXPECT_EQ(shownRows, numbers.size());
+    for (int i = 500; i < 900; ++i)
+        Enter(book, "S" + std::to_string(i) + " C1 DEALER1 active 1000.00 12");
+    clockStep = 100;
+    run.Load(File(), "edited.csv");
+    EXPECT_TRUE(run.IsUnderWay());
+    run.Stop();
+    EXPECT_FALSE(run.IsUnderWay());
+    EXPECT_EQ(shownRows, 0u);
+    Load(Edited(File(), "S899", "1000.00>2000"));
+    EXPECT_EQ(shownRows, 1u);
     open = false;
     run.Forget();
     EXPECT_EQ(run.Set(), nullptr);

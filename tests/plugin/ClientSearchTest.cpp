@@ -81,7 +81,9 @@ TEST_F(ClientSearchTest, KeysMoveAndPick) {
     search.OnKey(Key::down);
     search.OnKey(Key::pageDown);
     EXPECT_EQ(selected, 2);
-    search.OnKey(Key::up);
+    search.OnKey(Key::pageUp);
+    EXPECT_EQ(selected, 0);
+    search.OnKey(Key::down);
     search.OnKey(Key::enter);
     EXPECT_EQ(State(), "1,C00, box C002, list hidden, picked C002, tip C002(Bela Shah)");
     EXPECT_TRUE(textSelected);
@@ -92,6 +94,10 @@ TEST_F(ClientSearchTest, KeysMoveAndPick) {
     search.OnKey(Key::escape);
     EXPECT_EQ(rows, 0);
     EXPECT_EQ(text, "C002");
+    search.OnKey(Key::down);
+    search.OnKey(Key::down); // the first of two
+    search.OnKey(Key::enter);
+    EXPECT_EQ(State(), "1,C002, box C002, list hidden, picked C002, tip C002(Bela Shah)");
 }
 
 TEST_F(ClientSearchTest, ASingleMatchIsTakenByEnter) {

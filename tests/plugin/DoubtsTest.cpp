@@ -96,6 +96,8 @@ TEST_F(DoubtsTest, WhatIsNotAnsweredIsInDoubtAndProvenAbsentOnlyByTwoLateAnswers
     told.takeBack = [&](Pass pass, std::span<const OrderPlace> orders) {
         return basket.Coming().TakeBack(pass, orders);
     };
+    doubts.Compare();
+    EXPECT_EQ(Taken(told.texts), Texts{"No order of yours is in doubt."});
     session.record.OnSessionEnd();
     Tick(doubts, 20);
     doubts.Compare();

@@ -84,6 +84,8 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"5 March 2027", undecided, "05/Mar/2027"},
         {"Mar 5, 2027", undecided, "05/Mar/2027"},
         {"5-mar-27", undecided, "05/Mar/2027"},
+        {"5 January 2028", undecided, "05/Jan/2028"},
+        {"5 dec 2027", undecided, "05/Dec/2027"},
         {"46451", undecided, "", Fault::undecidedSerial},
         {"46451", since1900, "05/Mar/2027"},
         {"44989", since1904, "05/Mar/2027"},
@@ -92,6 +94,8 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"2027-03-05", monthFirst, "05/Mar/2027", Fault::none, CellKind::date},
         {"29/02/2027", dayFirst, "", Fault::noDate},
         {"5 Foo 2027", undecided, "", Fault::noDate},
+        {"5 March", undecided, "", Fault::noDate},
+        {"05/03/2027 tea", dayFirst, "", Fault::noDate},
         {"4.6E+04", since1900, "", Fault::shortened},
     };
     for (const auto& [said, pattern, date, fault, kind] : cases) {
@@ -192,8 +196,32 @@ TEST(Import, AMappingIsFoundAgainByItsHeadings) {
     ASSERT_EQ(again.Read(kept.Text()), "") << kept.Text();
     EXPECT_EQ(again.Text(), kept.Text());
     EXPECT_EQ(Imported(text, again), "2:C1 ALPHA-EQ value 150000 monthly 03/May/2027 12 B|");
-    EXPECT_EQ(again.Read("[A]\ncolumns = client;nonsense\n"), "line 2: columns cannot be set so");
-    EXPECT_EQ(again.Read("amount = rupees\n"), "line 1: a mapping begins with its [name]");
+    const std::pair<const char*, const char*> faults[] = {
+        {"[A]\ncolumns = client;nonsense\n", "line 2: columns cannot be set so"},
+        {"[A]\nclient digits = 33\n", "line 2: client digits cannot be set so"},
+        {"[A]\nclient digits = 32\n", ""},
+        {"amount = rupees\n", "line 1: a mapping begins with its [name]"},
+        {"[A\n", "line 1: a mapping begins with its [name]"},
+    };
+    for (const auto& [setting, told] : faults)
+        EXPECT_EQ(again.Read(setting), told) << setting;
+}
+
+TEST(Import, LettersBeyondSixteenBitsAreTwoUnitsAndHalfOfOneIsNone) {
+    const std::pair<std::string_view, const char*> rows[] = {
+        {{"\xFF\xFE\x00\xD8\x00\xDC", 6}, "\xF0\x90\x80\x80"},
+        {{"\xFF\xFE\xFF\xDB\xFF\xDF", 6}, "\xF4\x8F\xBF\xBF"},
+        {{"\xFF\xFE\x00\xD8"
+          "a\0",
+          6},
+         "\xEF\xBF\xBD"
+         "a"},
+        {{"\xFF\xFE\x00\xE0\xFF\xDF", 6}, "\xEE\x80\x80\xEF\xBF\xBD"},
+    };
+    for (const auto& [bytes, text] : rows) {
+        std::string kept;
+        EXPECT_EQ(TextInUtf8(bytes, kept), text);
+    }
 }
 
 std::string Content(const std::filesystem::path& path) {

@@ -31,6 +31,15 @@ TEST_F(OrderEntryTest, CustomProductsNeedTheRightAndAKnownName) {
     }
 }
 
+TEST_F(OrderEntryTest, TheHostIsToldWhereClientsAreSearched) {
+    for (const bool searches : {false, true}) {
+        if (!searches) session.host.pu_get_entered_text_results = nullptr;
+        Open();
+        EXPECT_EQ(host.settings.count("Client_Search/Planfold Order Entry"), searches ? 1u : 0u);
+        session.host = ResolveHostCallbacks(session.lookup);
+    }
+}
+
 TEST_F(OrderEntryTest, SwitchingInvestByClearsTheValue) {
     Open();
     for (const int selected : {1, 0, 1}) {

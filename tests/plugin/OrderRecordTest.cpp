@@ -234,6 +234,22 @@ TEST(OrderRecord, ReadsEachOfItsLinesOnceAndNotItsOwn) {
     EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), 1u);
 }
 
+// Of the day before only what is still open is known, with when it was sent.
+TEST(OrderRecord, TakesWhatIsOpenOverMidnight) {
+    Files files;
+    OrderRecord record(files, [] { return LocalDateTime{2027, 3, 5, 23, 59, 50}; });
+    const RecordedOrder orders[] = {RecordedOrder(Words("order_id=o1 client=C1 frequency=daily").texts),
+                                    RecordedOrder(Words("order_id=o2 client=C2 frequency=daily").texts),
+                                    RecordedOrder(Words("order_id=o3 client=C3 frequency=daily").texts)};
+    record.Sending(orders);
+    record.Tell(orders[0], OrderEvent::registered, "", "S1");
+    record.Tell(orders[1], OrderEvent::refused, "no");
+    OrderRecord next(files, [] { return LocalDateTime{2027, 3, 6, 9, 0, 0}; });
+    ASSERT_EQ(next.Ledger().Orders().size(), 1u);
+    EXPECT_EQ(next.Ledger()[0].Text(Field::account), "C3");
+    EXPECT_EQ(next.Ledger()[0].SentAt(), "2027-03-05 23:59:50");
+}
+
 // Of orders without identifiers a line that stands there twice would be two orders.
 TEST(OrderRecord, WhatADiskTookBeforeItWasFullIsNotWrittenOnceMore) {
     const std::vector<RecordedOrder> twins(2, RecordedOrder(Words("client=C1 frequency=daily").texts));
@@ -276,6 +292,37 @@ TEST(OrderRecord, WhatIsSentAgainWaitsAnew) {
         if (second == 20) record.Sending({&cancel, 1});
         record.OnTime();
         EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), inDoubt) << second;
+    }
+}
+
+TEST(OrderRecord, OnlyWhatWasSentAgainSinceItWasAbsentIsToldAsRegisteredTwice) {
+    const struct {
+        const char* steps; // s: sending C1, o: sending C2, with a place: a: absent, r: registered, x: refused
+        int told;
+    } rows[] = {
+        {"s a0 s r0 r1", 1}, {"s s a0 r0 r1", 0}, {"o a0 s s r1 r2", 0},
+        {"s a0 s r0 x1", 0}, {"s a0 s r1", 0},    {"s a0 o r0 r1", 0},
+    };
+    for (const auto& [steps, told] : rows) {
+        Files files;
+        LocalDateTime now{2027, 3, 5, 10, 0, 0};
+        OrderRecord record(files, [&] { return now; });
+        struct Listener final : RecordListener {
+            void OnRegisteredTwice(OrderPlace, std::string_view) override { ++times; }
+            int times = 0;
+        } listener;
+        record.AddListener(listener);
+        std::istringstream words(steps);
+        for (std::string step; words >> step; ++now.minute) {
+            const auto place = static_cast<OrderPlace>(step.size() > 1 ? step[1] - '0' : 0);
+            const RecordedOrder order(Words(step == "s" ? "client=C1 frequency=daily" : "client=C2").texts);
+            if (step.size() == 1) record.Sending({&order, 1});
+            if (step[0] == 'a')
+                record.Tell(place, OrderEvent::inDoubt, ""), record.Tell(place, OrderEvent::absent, "");
+            if (step[0] == 'r') record.Tell(place, OrderEvent::registered, "", "S" + step.substr(1));
+            if (step[0] == 'x') record.Tell(place, OrderEvent::refused, "no");
+        }
+        EXPECT_EQ(listener.times, told) << steps;
     }
 }
 

@@ -83,6 +83,8 @@ TEST_F(OrderEntryTest, AModificationIsRecordedToo) {
     entry.FillForModify(registration);
     Type("200", "18", "C001");
     entry.Submit(kNow);
+    EXPECT_NE(host.recordFiles.text.find(",SIP7," + host.loginId + ",form,"), std::string::npos)
+        << host.recordFiles.text;
     EXPECT_EQ(Taken(host.recordFiles), Texts{"sending C001 SIP7 modify_sip_order"});
     Answer("echoedRequest=modify_sip_order userText=done registrationNumber=SIP7");
     EXPECT_EQ(Taken(host.recordFiles), Texts{"modified C001 SIP7 modify_sip_order: done"});

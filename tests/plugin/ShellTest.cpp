@@ -35,6 +35,7 @@ TEST(PluginInfo, AppendsAndOffersTheFourthEntryOnlyToHoldersOfTheRight) {
             std::uint32_t stamp = 0, number = 0;
             FillPluginInfo(kPass, host.Lookup(), &name, &version, &menu, &stamp, &number, own);
             EXPECT_EQ(std::string(name.View()) + " " + std::string(version.View()), "Planfold 4.5.2.10");
+            EXPECT_EQ(std::pair(stamp, number), std::pair(29032010u, 58u));
             Texts expected{"earlier", "Order Entry", "SIP Basket Entry", "SIP Registration Book",
                            "SIP Set Restricted Date"};
             expected.resize(1 + row.entries);

@@ -57,6 +57,24 @@ TEST(RunCalendar, MovesRunsFromClosedDaysToTheFirstOpenOneBehindTheRunBefore) {
         EXPECT_FALSE(ReadServerDay(text)) << text;
 }
 
+// Days before the registration took no run, so nothing was made up for on them.
+TEST(RunCalendar, APlanThatWasRegisteredLateBeginsThere) {
+    const struct {
+        const char *frequency, *registered, *next;
+        std::int64_t place;
+    } rows[] = {
+        {"daily", "", "11-Mar-2027", 8},
+        {"daily", "01-Mar-2027", "11-Mar-2027", 8},
+        {"daily", "10-Mar-2027", "11-Mar-2027", 10},
+        {"weekly", "10-Mar-2027", "15-Mar-2027", 2},
+    };
+    for (const auto& [frequency, registered, next, place] : rows)
+        EXPECT_EQ(Schedule::Of(On("01-Mar-2027"), frequency)
+                      ->PlaceOf(On(next), ReadServerDay(registered), ClosedDays()),
+                  place)
+            << frequency << registered;
+}
+
 // Runs as the window adds them up, a line a client.
 using Figures = std::map<std::string, RunSums>;
 std::string Dump(const Figures& figures) {

@@ -13,6 +13,30 @@ namespace {
 
 const std::vector<std::string> kThree{"{\"a\":1}", "", "{\"c\":3}"};
 
+TEST(FieldRecord, ReadsTextsAsAnyWriterOfJsonEscapesThem) {
+    const struct {
+        const char* said;
+        const char* text; // null: no record
+    } rows[] = {
+        {R"(a\u00e9\n\\\/\")", "a\xE9\n\\/\""},
+        {"\xC3\xA9 ", "\xE9 "},
+        {R"(\u0020)", " "},
+        {R"(\u0100)", nullptr},
+        {R"(\u00e)", nullptr},
+        {R"(\x41)", nullptr},
+        {"\x1F", nullptr},
+        {"\xC4\x80", nullptr},
+    };
+    for (const auto& [said, text] : rows) {
+        const std::string json = "{\"order\":{\"7\":\"" + std::string(said) + "\"}}";
+        FieldRecord record;
+        EXPECT_EQ(RecordReader(json).TakeAll("order", record), text != nullptr) << said;
+        if (text) {
+            EXPECT_EQ(record.Text(7), text);
+        }
+    }
+}
+
 TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
     const TemporaryFolder folder;
     const std::string whole = JournalOf(kThree);
@@ -296,6 +320,7 @@ TEST(Journal, InstalmentsGoOnOnceItTakesRecordsAgain) {
         EXPECT_FALSE(running.server->Clock().HasDue());
         running.Ask(Order("orderId=id-2"));
         EXPECT_FALSE(running.server->Clock().HasDue());
+        EXPECT_NE(running.server->EnterMadeUp({running.server->Held().All()[0]}), "");
         EXPECT_EQ(running.server->Held().All().size(), 1u);
     }
     running.Ask(Order("orderId=id-2 frequency=weekly"));

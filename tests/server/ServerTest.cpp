@@ -190,6 +190,8 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
          "s:1: \"disconnectBefore\" must be a whole number"},
         {"{\"faults\": {\"a\": {\"twice\": 1}}}", "s:1: \"twice\" must be true or false"},
         {"{\n\"fills\": {\"rejected\": 71}}", "s:2: \"rejected\" and \"partial\" must not exceed 100 together"},
+        {"{\n\"fills\": {\"rejected\": 60, \"partial\": 41}}",
+         "s:2: \"rejected\" and \"partial\" must not exceed 100 together"},
         {"{\"faults\": {\"a\": {\"error\": \"\"}}}", "s:1: \"error\" must be a code of 1 to 255 bytes"},
         {"{\"operationMode\": {\"frequencies\": [{\"minimum\": 1}]}}", "s:1: a frequency needs a \"name\""},
         {"{\"operationMode\": {\n\"frequencies\": [{\"name\": \"a\"}, {\"name\": \"b\", \"minimum\": 1}]}}",
@@ -200,6 +202,12 @@ TEST(ServerConfig, RefusesWithFileLineAndReason) {
         EXPECT_FALSE(result.config) << row.text;
         EXPECT_EQ(result.error, row.error);
     }
+    const ConfigResult good =
+        ParseServerConfig("{\"fills\": {\"rejected\": 60, \"partial\": 40, \"seed\": 9}}", "s");
+    ASSERT_TRUE(good.config) << good.error;
+    EXPECT_EQ(good.config->fills.rejected, 60);
+    EXPECT_EQ(good.config->fills.partial, 40);
+    EXPECT_EQ(good.config->fills.seed, 9u);
 }
 
 } // namespace

@@ -36,6 +36,7 @@ TEST(ScripMaster, IsFoundByEveryKey) {
         {"case matters", master.ByTradingSymbol("NSE", "zulu-eq"), "none"},
         {"unknown exchange", master.ByTradingSymbol("mcx", "ZULU-EQ"), "none"},
         {"symbol is no trading symbol", master.ByTradingSymbol("NSE", "ZULU"), "none"},
+        {"key", master.ByKey("NSE|BE|ALPHA"), "13"},
         {"key with a part missing", master.ByKey("nse_cm|BE"), "none"},
         {"key with a part too many", master.ByKey("nse_cm|BE|ALPHA|"), "none"},
         {"no key", master.ByKey(""), "none"},
@@ -114,6 +115,8 @@ TEST(ClientList, SearchesByMode) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(Found(loaded.Value(), row.mode, row.text), row.found) << row.mode << ' ' << row.text;
+    for (const Client* client : loaded.Value().Search(1, "CL"))
+        EXPECT_EQ(client->mapped, client->id == "CL10");
 }
 
 TEST(ClientList, FaultsNameFileAndLine) {
