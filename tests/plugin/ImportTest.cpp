@@ -91,6 +91,8 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"44989", since1904, "05/Mar/2027"},
         {"20270305", yearFirst, "05/Mar/2027"},
         {"03052027", undecided, "", Fault::undecidedDate},
+        {"03052027", dayFirst, "03/May/2027"},
+        {"03052027", monthFirst, "05/Mar/2027"},
         {"2027-03-05", monthFirst, "05/Mar/2027", Fault::none, CellKind::date},
         {"29/02/2027", dayFirst, "", Fault::noDate},
         {"5 Foo 2027", undecided, "", Fault::noDate},
