@@ -14,11 +14,11 @@ target_compile_options(house_rules INTERFACE
 if(PLANFOLD_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 if(PLANFOLD_FUZZ)
     # The counting of branches goes everywhere, libFuzzer's own main only into the fuzzers.
     add_compile_options(-fsanitize=fuzzer-no-link)
-    add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 if(WIN32)
     add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
