@@ -68,7 +68,7 @@ bool Start(const std::filesystem::path& path, const char* when) {
                 SecondsSince(start));
     opening.records.clear();
     opening.text.reset();
-    if (!server.Upkeep().IsStale()) return Report(server.ReplayError());
+    if (!server.Upkeep().IsStale()) return Report(server.Journal().ReplayError());
     start = std::clock();
     const bool isDone = Report(server.Upkeep().Renew());
     std::printf("written anew in %.1f s\n", SecondsSince(start));

@@ -183,7 +183,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         changes += Registration::FromJson(record).has_value();
     Demand(isCommanded || updates >= changes);
     Server again(config, *opening.journal, opening.records, FixedClock());
-    Demand(again.ReplayError().empty() && Held(again) == held);
+    Demand(again.Journal().ReplayError().empty() && Held(again) == held);
     Remove(path);
     return 0;
 }

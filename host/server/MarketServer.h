@@ -16,7 +16,7 @@ namespace vesk {
 
 class MarketServer {
 public:
-    // The opening has a journal. Whether the server could read it all, its ReplayError says.
+    // The opening has a journal. Whether the server could read it all, the ReplayError of its journal says.
     MarketServer(JournalOpening&& opening, ServerConfig config, const ScripMaster& master,
                  const ClientList& clients, const TradingCalendar& calendar, bool hasConnections);
 

@@ -160,7 +160,7 @@ Reply Server::Handle(void* request, const UserIdentity& user, std::string_view s
 
 Reply Server::Dispatch(std::string_view name, void* request, const UserIdentity& user,
                        std::string_view sentAs) {
-    if (!ReplayError().empty()) return Refuse(request, {kCodeJournal, ReplayError()});
+    if (!m_journal.ReplayError().empty()) return Refuse(request, {kCodeJournal, m_journal.ReplayError()});
     if (name == kAddOrder) return AddRegistration(request, user, sentAs);
     const auto found = std::find_if(std::begin(kHandlers), std::end(kHandlers),
                                     [&](const Handler& row) { return row.request == name; });

@@ -47,6 +47,7 @@ public:
     // In place of the answer to a request that was undone.
     Reply HandleUndone(void* request, const UserIdentity& user, std::string_view sentAs,
                        const std::string& fault);
+    // With a replay error it refuses every request.
     ServerJournal& Journal() { return m_journal; }
     JournalUpkeep& Upkeep() { return m_upkeep; }
     const JournalUpkeep& Upkeep() const { return m_upkeep; }
@@ -76,8 +77,6 @@ public:
     Clockwork& Clock() { return m_clock; }
 
     const Registrations& Held() const { return m_registrations; }
-    // Which journal record this server could not read; it then refuses every request. Empty when all is well.
-    const std::string& ReplayError() const { return m_journal.ReplayError(); }
 
 private:
     struct Handler;

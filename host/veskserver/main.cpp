@@ -210,7 +210,8 @@ int Run(std::span<const std::string> words) {
     if (!opening.warning.empty()) Note(opening.warning);
     MarketServer server(std::move(opening), std::move(*config.config), market.master, market.clients,
                         market.calendar, true);
-    if (!server.Serving().ReplayError().empty()) return Fail(server.Serving().ReplayError());
+    if (!server.Serving().Journal().ReplayError().empty())
+        return Fail(server.Serving().Journal().ReplayError());
     std::string made;
     const UserIdentity user = Operator(market.terminal);
     options.logins.insert(options.logins.begin(), user);

@@ -61,7 +61,7 @@ public:
         JournalOpening opening = Journal::Open(m_folder / "journal");
         Demand(opening.journal != nullptr, opening.error);
         Server held(m_config, *opening.journal, opening.records, SystemClock());
-        Demand(held.ReplayError().empty(), held.ReplayError());
+        Demand(held.Journal().ReplayError().empty(), held.Journal().ReplayError());
         Verdict verdict(held, m_config.nonTrading);
         for (const Dealer& dealer : m_dealers)
             verdict.Hear(dealer.Told());

@@ -165,9 +165,10 @@ TEST(Server, RecordOfAnotherKindStopsItFromServing) {
         const TemporaryFolder folder;
         WriteJournal(folder.File("journal"), JournalOf({content}));
         RunningServer running(folder.File("journal"));
-        EXPECT_EQ(running.server->ReplayError(), "journal record 1 is not one this server knows") << content;
+        EXPECT_EQ(running.server->Journal().ReplayError(), "journal record 1 is not one this server knows")
+            << content;
         EXPECT_EQ(running.Ask(kAskMode), Answers{"echoedRequest=get_sip_operation_mode errorCode=106 userText="
-                                                 + running.server->ReplayError()});
+                                                 + running.server->Journal().ReplayError()});
     }
 }
 

@@ -27,6 +27,7 @@ public:
         FailReplay("journal record " + std::to_string(record) + " is not one this server knows");
     }
     void FailReplay(std::string error) { m_replayError = std::move(error); }
+    // Which record could not be read; empty when all is well.
     const std::string& ReplayError() const { return m_replayError; }
 
     void Hold() { m_isHeld = true; }

@@ -108,7 +108,10 @@ std::size_t RxClient::Pump(std::int64_t nowMs) {
         isActive = Exchange();
         while (m_deliveries.Size() > 0) {
             isActive = true;
-            if (DeliverNext()) ++calls;
+            // Taken out before the call: the notifier may run a message loop that pumps again.
+            Deliveries::Delivery next = m_deliveries.TakeFirst();
+            if (Deliver(next)) ++calls;
+            m_deliveries.GiveBack(std::move(next));
             if (isOver()) break;
         }
         if (!isOver()) continue;
@@ -178,14 +181,6 @@ void RxClient::On(net::CommandDone&& said) {
 void RxClient::On(net::ServerState&& said) {
     m_serverState = std::move(said);
     if (m_stateTold) m_stateTold(m_serverState);
-}
-
-bool RxClient::DeliverNext() {
-    // Taken out before the call: the notifier may run a message loop that pumps again.
-    Deliveries::Delivery next = m_deliveries.TakeFirst();
-    const bool isTold = Deliver(next);
-    m_deliveries.GiveBack(std::move(next));
-    return isTold;
 }
 
 bool RxClient::Deliver(const Deliveries::Delivery& delivery) {

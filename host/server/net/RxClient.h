@@ -101,7 +101,6 @@ private:
     // Whether another one may bring more at once.
     bool Exchange();
     void TellLater(CommandTold command, Told told);
-    bool DeliverNext();
     bool Deliver(const Deliveries::Delivery& delivery);
 
     const StateChanged m_changed;

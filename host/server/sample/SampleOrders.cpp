@@ -101,7 +101,7 @@ Registration SampleOrders::Next() {
 }
 
 std::string Fill(Server& server, const FillPlan& plan) {
-    if (!server.ReplayError().empty()) return server.ReplayError();
+    if (!server.Journal().ReplayError().empty()) return server.Journal().ReplayError();
     if (plan.users.empty() || plan.market.accounts.empty() || plan.market.scrips.empty())
         return "nothing to make registrations of";
     constexpr std::size_t batchSize = 16'384;

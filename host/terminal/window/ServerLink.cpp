@@ -48,7 +48,7 @@ void ServerLink::StartServer(const TerminalState& state, JournalOpening opening,
     m_server = std::make_unique<MarketServer>(std::move(opening), std::move(config), state.master,
                                               state.clients, state.calendar, false);
     Server& server = m_server->Serving();
-    if (!server.ReplayError().empty()) notes.push_back(server.ReplayError());
+    if (!server.Journal().ReplayError().empty()) notes.push_back(server.Journal().ReplayError());
     m_status = {"Embedded server"};
     for (const auto date : server.Clock().Restricted().All())
         m_restricted.push_back(DateNumber(date));
