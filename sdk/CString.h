@@ -11,6 +11,13 @@
 // A CString passed by value travels as a pointer to a temporary that the callee destroys: declare the
 // parameter as CString*, hand over with `PassedString`, take over with `TakenString`.
 // Text is in the system's ANSI code page.
+//
+// Example, an export of the host that takes a string by value, and its caller:
+//
+//     void pu_add_to_tabbed_log(CString* text) { const TakenString taken(text); Show(taken.View()); }
+//
+//     PassedString line("Order placed", manager);
+//     log(line.Hand());
 #pragma once
 
 #include <atomic>

@@ -5,6 +5,15 @@
 // Failure:  std::bad_alloc; the array is then unchanged.
 //
 // Arrays that are handed over are appended to, never cleared.
+//
+// Example, a host that fills an array which the plug-in has handed over:
+//
+//     array->Append("C001", manager);
+//     array->Append("C002", manager);
+//
+// and the plug-in behind the call:
+//
+//     for (const CString& account : array.Elements()) Know(account.View());
 #pragma once
 
 #include "sdk/CString.h"

@@ -2,6 +2,13 @@
 // process heap and are counted, so that a test can demand that none is left.
 //
 // Thread: any. Lifetime: as long as the module is loaded. Failure: null, as `StringManager` says.
+//
+// Example, one for the whole module:
+//
+//     HeapStringManager manager;
+//     CString client("C001", manager);
+//     ...
+//     if (manager.LiveBuffers() != 0) Tell("strings were left behind");
 #pragma once
 
 #include "sdk/CString.h"

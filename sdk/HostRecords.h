@@ -1,5 +1,11 @@
 // Records that the host hands out. The host owns them; how long each lives stands at the export that
 // gives it (HostExports.h). The plug-in only reads.
+//
+// Example, what the plug-in reads of a scrip and of the host:
+//
+//     const double tickRupees = static_cast<double>(scrip.tickSize) / scrip.priceMultiplier;
+//     const std::string_view symbol = TextOf(scrip.tradingSymbol);
+//     const bool tellsInstance = app->size >= sizeof(VeskApp);
 #pragma once
 
 #include "sdk/HostWindow.h"

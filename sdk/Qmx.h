@@ -6,6 +6,20 @@
 //           notifier returns.
 // Failure:  every call returns non-zero for success; otherwise 0 with `QmxError` filled. A null handle
 //           gives 0. Nothing is ever read or written outside the scratch buffer.
+//
+// Example, a message of one field that is built and sent, and a value of an answer (tags stand in Tags.h):
+//
+//     void *scratch = nullptr, *message = nullptr;
+//     QmxError error{};
+//     if (!qmx_open_scratch(&scratch, 32'768, &error)) return Log(error.text);
+//     if (!qmx_ctor_primecb(&message, &error)) return Log(error.text);
+//     *static_cast<std::uint32_t*>(scratch) = 0;
+//     const QmxDatum account{"C001", 4};
+//     if (qmx_start_msg(message, scratch, &error) && qmx_add_data(message, tag::account, 1, &account, &error))
+//         control->SendRequest(&number, message, 0, &error);
+//     ...
+//     QmxDatum told{};
+//     if (qmx_get_data(answer, tag::userText, 0, &told, &error)) Show({told.data, told.length});
 #pragma once
 
 #include <cstddef>

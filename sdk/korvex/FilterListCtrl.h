@@ -5,6 +5,17 @@
 // record; "all rows" is that order, "shown rows" is what filters and sort leave of it on the screen.
 //
 // Thread: the GUI thread. Nothing throws across.
+//
+// Example, a list of two columns over a vector of orders (`this` is its CListOwner):
+//
+//     const KorvexColumn columns[] = {{"Client ID", 80, 0, korvex::ValueType::text},
+//                                     {"Amount", 70, 1, korvex::ValueType::amount}};
+//     if (!m_list.Attach({GetDlgItem(dialog, 1201), "Orders", this, columns, 2, 26400})) return false;
+//     m_orders.push_back(order);
+//     m_list.InsertFront(static_cast<std::uint32_t>(m_orders.size() - 1));
+//     ...
+//     case WM_NOTIFY: // of the dialog
+//         if (m_list.HandleNotify(reinterpret_cast<NMHDR*>(lParam), &result)) return result;
 #pragma once
 
 #include "sdk/HostWindow.h"

@@ -5,6 +5,20 @@
 // Thread:   the GUI thread. Nothing throws across.
 // Owner:    the list; the interface lives as long as the list's object. Later libraries add operations behind
 //           the last one.
+//
+// Example, a list that says why it is empty, and what its shown rows come to by side:
+//
+//     const FARPROC found = GetProcAddress(GetModuleHandleA("KorvexControls.dll"), kKorvexExtrasOf);
+//     KorvexListExtras* extras = found ? reinterpret_cast<KorvexExtrasOfFunction*>(found)(&m_list) : nullptr;
+//     if (!extras) return; // an older library
+//     extras->SetEmptyText("No order has been placed today.");
+//     extras->SumBy(kSideColumn, kAmountColumn, kQuantityColumn);
+//     extras->Watch(this);
+//     ...
+//     void ListSaysMore(CFilterListCtrl*) noexcept override { // also when the sums are known
+//         KorvexSide sides[2];
+//         ShowSums(sides, m_extras->Sums(0, sides, 2));
+//     }
 #pragma once
 
 #include "sdk/korvex/FilterListCtrl.h"
