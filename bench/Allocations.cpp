@@ -1,4 +1,4 @@
-#include "bench/Allocations.h"
+#include "bench/Rounds.h"
 
 #include <malloc.h>
 

@@ -1,7 +1,5 @@
-#include "bench/BasketCases.h"
-
-#include "bench/Allocations.h"
 #include "bench/Cases.h"
+
 #include "bench/SampleBasket.h"
 
 #include <deque>

@@ -1,9 +1,7 @@
 // planfold_basket_bench [ROUNDS]          measures baskets and prints the ratios
 // planfold_basket_bench --repeat CASE N   runs one case of 1,000 lines N times and prints nothing, to be
 // counted
-#include "bench/BasketCases.h"
 #include "bench/Cases.h"
-#include "bench/Report.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,5 +1,3 @@
-#include "bench/Allocations.h"
-#include "bench/BasketCases.h"
 #include "bench/Cases.h"
 #include "bench/SampleBasket.h"
 #include "bench/SilentHost.h"

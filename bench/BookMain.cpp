@@ -2,8 +2,7 @@
 // planfold_book_bench --repeat CASE N   runs one case of 1,000 rows N times and prints nothing, to be counted
 // by
 //                                       valgrind
-#include "bench/BookCases.h"
-#include "bench/Report.h"
+#include "bench/Cases.h"
 
 #include <cstdio>
 

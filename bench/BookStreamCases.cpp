@@ -1,5 +1,3 @@
-#include "bench/Allocations.h"
-#include "bench/BookCases.h"
 #include "bench/Cases.h"
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"

@@ -1,7 +1,6 @@
 // planfold_list_bench [ROUNDS]   the shared list's model beside what a list does that holds its rows in a
 // vector
 #include "bench/Cases.h"
-#include "bench/Report.h"
 #include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ListModel.h"
 

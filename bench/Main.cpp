@@ -1,7 +1,6 @@
 // planfold_bench [ROUNDS]          measures all cases in turns and prints the ratios
 // planfold_bench --repeat CASE N   runs one case N times and prints nothing, to be counted by valgrind
 #include "bench/Cases.h"
-#include "bench/Report.h"
 
 namespace {
 

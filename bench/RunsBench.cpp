@@ -1,6 +1,6 @@
 // planfold_runs_bench [ROUNDS]   reckons up the runs to come of a book of a million registrations; a unit is
 // one
-#include "bench/Report.h"
+#include "bench/Rounds.h"
 #include "plugin/base/Text.h"
 #include "plugin/morning/RunReckoning.h"
 #include "plugin/orderentry/PlannedDates.h"
