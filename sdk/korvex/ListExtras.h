@@ -68,8 +68,8 @@ public:
     virtual const char* ViewName() noexcept = 0;
     // Not 0: the last text column takes what room the columns leave.
     virtual void StretchLastText(std::int32_t on) noexcept = 0;
-    // From now on the place and the size of the list's own window are kept under the list's name, and those that
-    // were kept come back. What resets the columns gives it the size again that it has now.
+    // From now on the place and the size of the list's own window are kept under the list's name, and those
+    // that were kept come back. What resets the columns gives it the size again that it has now.
     virtual void KeepWindow() noexcept = 0;
 
 protected:
