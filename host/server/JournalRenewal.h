@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace vesk {
@@ -38,6 +39,30 @@ private:
     bool m_isOver = false;
     std::string m_error;
     const Journal::Sink m_sink;
+};
+
+// Has that done when much of the journal is superseded.
+class JournalUpkeep {
+public:
+    JournalUpkeep(ServerJournal& journal, const Clockwork& clock, Registrations& registrations)
+        : m_journal(journal), m_clock(clock), m_registrations(registrations) {}
+
+    // Whether many of the journal's records are superseded.
+    bool IsStale() const;
+    // Writes it anew with what the server holds. Why it could not; empty when that is done.
+    std::string Renew();
+    // Begins that when it is stale, and goes on with it for about so long; never while changes are held. What
+    // became of it, for the log; empty until it is over.
+    std::string RenewWhenStale(std::chrono::milliseconds time);
+    bool IsUnderWay() const { return m_renewal.has_value(); }
+    // What the server holds is about to be others: a renewal begins anew.
+    void Forget() { m_renewal.reset(); }
+
+private:
+    ServerJournal& m_journal;
+    const Clockwork& m_clock;
+    Registrations& m_registrations;
+    std::optional<JournalRenewal> m_renewal{};
 };
 
 } // namespace vesk

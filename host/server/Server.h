@@ -8,7 +8,7 @@
 #pragma once
 
 #include "host/connectvesk/QmxHost.h"
-#include "host/server/JournalUpkeep.h"
+#include "host/server/JournalRenewal.h"
 #include "host/server/OrderRules.h"
 #include "host/server/Queries.h"
 

@@ -1,7 +1,7 @@
 #include "plugin/changes/ChangeRun.h"
 
 #include "plugin/base/Text.h"
-#include "plugin/changes/ChangeTexts.h"
+#include "plugin/changes/ChangeSet.h"
 #include "plugin/orderentry/Modification.h"
 #include "plugin/orderentry/OperationMode.h"
 #include "plugin/orderentry/RecordedOrders.h"

@@ -1,4 +1,4 @@
-#include "plugin/changes/ChangeTexts.h"
+#include "plugin/changes/ChangeSet.h"
 
 #include "plugin/base/Text.h"
 

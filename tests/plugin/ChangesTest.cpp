@@ -1,7 +1,7 @@
 // Registrations that come back from a spreadsheet: what cells mean, what may be changed, and what is sent.
 #include "plugin/changes/Cells.h"
 #include "plugin/changes/ChangeRun.h"
-#include "plugin/changes/ChangeTexts.h"
+#include "plugin/changes/ChangeSet.h"
 #include "plugin/orderbook/BookLists.h"
 #include "tests/plugin/Doubles.h"
 

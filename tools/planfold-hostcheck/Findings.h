@@ -1,12 +1,25 @@
-// What is said of a host's or plug-in's exports.
+// A host's or plug-in's exports, and what is said of them.
 #pragma once
 
 #include "sdk/HostExportUses.h"
-#include "tools/planfold-hostcheck/ImageExports.h"
 
+#include <optional>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace hostcheck {
+
+// The names that a Windows program or library exports, read from its file: nothing of it is run.
+struct Export {
+    std::string name;
+    bool isFunction; // false: it lies where no code is
+};
+
+// Nothing when the file is no 64-bit image, or a broken one; `why` then says which. By name, as the file has
+// them.
+std::optional<std::vector<Export>> ReadExports(std::string_view image, std::string& why);
 
 enum class State { present, missing, wrong };
 

@@ -1,4 +1,4 @@
-#include "tools/planfold-hostcheck/ImageExports.h"
+#include "tools/planfold-hostcheck/Findings.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "framework/Files.h"
 #include "framework/Guard.h"
 #include "plugin/base/Text.h"
-#include "plugin/changes/ChangeTexts.h"
+#include "plugin/changes/ChangeSet.h"
 #include "plugin/controls/window/DialogWindow.h"
 #include "plugin/orderbook/BookLists.h"
 #include "plugin/resources/resource.h"
