@@ -1,6 +1,5 @@
 // planfold_basket_bench [ROUNDS]          measures baskets and prints the ratios
-// planfold_basket_bench --repeat CASE N   runs one case of 1,000 lines N times and prints nothing, to be
-// counted
+// planfold_basket_bench --repeat CASE N   runs one case of 1,000 lines N times, to be counted by valgrind
 #include "bench/Cases.h"
 
 #include <algorithm>

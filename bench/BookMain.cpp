@@ -1,7 +1,5 @@
 // planfold_book_bench [ROUNDS]          measures the registration book and prints the ratios
-// planfold_book_bench --repeat CASE N   runs one case of 1,000 rows N times and prints nothing, to be counted
-// by
-//                                       valgrind
+// planfold_book_bench --repeat CASE N   runs one case of 1,000 rows N times, to be counted by valgrind
 #include "bench/Cases.h"
 
 #include <cstdio>

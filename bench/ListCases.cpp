@@ -1,5 +1,4 @@
-// planfold_list_bench [ROUNDS]   the shared list's model beside what a list does that holds its rows in a
-// vector
+// planfold_list_bench [ROUNDS]   the shared list's model beside a list that holds its rows in a vector
 #include "bench/Cases.h"
 #include "host/korvexcontrols/model/Cells.h"
 #include "host/korvexcontrols/model/ListModel.h"

@@ -1,5 +1,4 @@
-// planfold_runs_bench [ROUNDS]   reckons up the runs to come of a book of a million registrations; a unit is
-// one
+// planfold_runs_bench [ROUNDS]   reckons up the runs to come of a million registrations; a unit is one
 #include "bench/Rounds.h"
 #include "plugin/base/Text.h"
 #include "plugin/morning/RunReckoning.h"
