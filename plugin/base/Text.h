@@ -20,6 +20,12 @@ public:
     Value& operator[](Field field) { return m_values[static_cast<std::size_t>(field)]; }
     const Value& operator[](Field field) const { return m_values[static_cast<std::size_t>(field)]; }
 
+    // In the order of the fields.
+    auto begin() { return m_values.begin(); }
+    auto end() { return m_values.end(); }
+    auto begin() const { return m_values.begin(); }
+    auto end() const { return m_values.end(); }
+
 private:
     std::array<Value, static_cast<std::size_t>(Field::count)> m_values{};
 };

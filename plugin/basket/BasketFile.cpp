@@ -71,9 +71,7 @@ BeginReading ReadingOf(std::string text) {
 }
 
 void AppendBasketLine(const sBasketOrderData& row, std::string& text) {
-    for (const BasketField field : kBasketColumns)
-        text.append(row.Text(field)).push_back(',');
-    text.append(" ,\n");
+    text.append(row.Columns()).append(", ,\n");
 }
 
 void AppendCsvField(std::string_view text, bool isLast, std::string& csv) {

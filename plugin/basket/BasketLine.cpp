@@ -9,6 +9,9 @@
 #include <climits>
 #include <cstring>
 #include <utility>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace planfold {
 
@@ -34,6 +37,11 @@ Map& RoomFor(Map& map) {
     return map;
 }
 
+// What says so already stays where it is: the texts of a row that lie together are copied together.
+void Put(std::string_view& column, std::string_view text) {
+    if (column != text) column = text;
+}
+
 struct WordRule {
     BasketField field;
     std::string_view words[4]; // one of them
@@ -48,59 +56,76 @@ constexpr WordRule kWordRules[] = {
     {BasketField::orderType, {"MKT", "MKT", "MKT", "MKT"}, kInvalidOrderType},
 };
 
-using Commas = std::array<std::uint16_t, kMostCommas>;
-
 constexpr std::size_t kStep = 64;
 
-// Bit i tells whether character i is a comma, without a branch for each: where commas stand cannot be foreseen.
-std::uint64_t CommaBits(std::string_view text) {
-    std::array<char, kStep> isComma{};
-    text.copy(isComma.data(), kStep);
-    for (char& c : isComma)
-        c = static_cast<char>(c == ',');
-    std::uint64_t bits = 0;
-    for (std::size_t at = 0; at < kStep; at += 8) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, &isComma[at], 8);
-        // Moves the lowest bits of the eight bytes together into the highest byte.
-        bits |= eight * 0x0102'0408'1020'4080 >> 56 << at;
+// A line with spaces behind it, so that it is looked through in whole steps.
+class PaddedLine {
+public:
+    explicit PaddedLine(std::string_view line) : m_steps((line.size() + kStep - 1) / kStep) {
+        char* const end = std::ranges::copy(line, m_text.begin()).out;
+        std::fill_n(end, kStep, ' ');
     }
-    return bits;
-}
+    std::size_t Size() const { return m_steps * kStep; }
+    // Whether one of its characters cannot be printed.
+    bool HasControl() const {
+        unsigned char least = ' ';
+        for (std::size_t i = 0; i < Size(); ++i)
+            least = std::min(least, static_cast<unsigned char>(m_text[i]));
+        return least < ' ';
+    }
+    // Bit i is that of character begin + i. A branch for each would be a guess: where commas stand, none
+    // foresees.
+    std::uint64_t CommasFrom(std::size_t begin) const {
+        std::uint64_t bits = 0;
+#ifdef __SSE2__
+        constexpr std::size_t step = sizeof(__m128i);
+        for (std::size_t i = 0; i < kStep; i += step) {
+            const auto* const text = reinterpret_cast<const __m128i*>(&m_text[begin + i]);
+            const __m128i isComma = _mm_cmpeq_epi8(_mm_loadu_si128(text), _mm_set1_epi8(','));
+            bits |= static_cast<std::uint64_t>(_mm_movemask_epi8(isComma)) << i;
+        }
+#else
+        for (std::size_t i = 0; i < kStep; ++i)
+            bits |= static_cast<std::uint64_t>(m_text[begin + i] == ',') << i;
+#endif
+        return bits;
+    }
 
-// False unless there are as many as a line has.
-bool FindCommas(std::string_view line, Commas& commas) {
-    std::size_t count = 0;
-    for (std::size_t base = 0; base < line.size(); base += kStep) {
-        std::uint64_t bits = CommaBits(line.substr(base));
-        if (count + static_cast<std::size_t>(std::popcount(bits)) > kMostCommas) return false;
-        for (; bits; bits &= bits - 1)
-            commas[count++] =
-                static_cast<std::uint16_t>(base + static_cast<std::size_t>(std::countr_zero(bits)));
-    }
-    return count >= kFewestCommas;
+private:
+    std::array<char, kLongestLine + kStep> m_text;
+    std::size_t m_steps;
+};
+
+// What a line end cuts off leaves the columns behind it empty.
+void CutColumns(BasketTexts& columns, std::string_view line) {
+    const char* const end = line.data() + line.size();
+    for (std::string_view& column : columns)
+        column = {std::min(column.data(), end), std::min(column.data() + column.size(), end)};
 }
 
 } // namespace
 
 bool SplitBasketLine(std::string_view line, BasketTexts& columns) {
-    if (line.size() > kLongestLine) return false;
-    line = line.substr(0, line.find('\0'));
-    if (line.empty() || line.front() == ',') return false;
-    Commas commas;
-    if (!FindCommas(line, commas)) return false;
-    // What a line end cuts off leaves the columns behind it empty.
-    line = line.substr(0, std::min(line.find('\n'), line.find('\r')));
-    std::size_t at = 0;
-    std::size_t longest = 0;
-    for (std::size_t i = 0; i < std::size(kBasketColumns); ++i) {
-        const std::size_t end = std::min<std::size_t>(commas[i], line.size());
-        columns[kBasketColumns[i]] = {line.data() + at, end - at};
-        longest = std::max(longest, end - at);
-        at = std::min(end + 1, line.size());
+    if (line.size() > kLongestLine || line.empty() || line.front() == ',') return false;
+    const PaddedLine padded(line);
+    const bool hasControl = padded.HasControl();
+    if (const std::size_t zero = hasControl ? line.find('\0') : line.npos; zero != line.npos)
+        return SplitBasketLine(line.substr(0, zero), columns);
+    std::size_t count = 0, at = 0;
+    for (std::size_t begin = 0; begin < padded.Size(); begin += kStep) {
+        std::uint64_t commas = padded.CommasFrom(begin);
+        if (count + static_cast<std::size_t>(std::popcount(commas)) > kMostCommas) return false;
+        for (; commas; commas &= commas - 1) {
+            const std::size_t end = begin + static_cast<std::size_t>(std::countr_zero(commas));
+            columns[static_cast<BasketField>(count++)] = {line.data() + at, end - at};
+            at = end + 1;
+        }
     }
-    columns[BasketField::userText] = {};
-    return longest <= kLongestField;
+    if (count < kFewestCommas) return false;
+    columns[BasketField::userText] = {}; // behind the last column something may stand
+    if (hasControl) CutColumns(columns, line.substr(0, std::min(line.find('\n'), line.find('\r'))));
+    const auto isTooLong = [](std::string_view column) { return column.size() > kLongestField; };
+    return line.size() <= kLongestField || std::ranges::none_of(columns, isTooLong);
 }
 
 Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
@@ -116,9 +141,9 @@ Verdict BasketCheck::Validate(BasketTexts& columns, int lineNumber) {
     if (std::ranges::find(m_rules.products, columns[BasketField::product]) == m_rules.products.end())
         return BasketRefusal{kInvalidProduct};
 
-    columns[BasketField::customerFirm] = "C";
-    columns[BasketField::validity] = "DAY";
-    columns[BasketField::sideWord] = columns[BasketField::side] == "B" ? "BUY" : "SELL";
+    Put(columns[BasketField::customerFirm], "C");
+    Put(columns[BasketField::validity], "DAY");
+    Put(columns[BasketField::sideWord], columns[BasketField::side] == "B" ? "BUY" : "SELL");
     const bool byQuantity = columns[BasketField::investType] == "qty";
     if (Verdict refusal =
             byQuantity ? CheckQuantity(columns, lineNumber) : CheckAmount(columns, scrip, lineNumber))
@@ -170,8 +195,8 @@ bool BasketCheck::ReadStartDate(BasketTexts& columns) {
         if (date.text.size() <= kLongestField) date.seconds = ParseDate(date.text);
         date.number = std::to_string(date.seconds);
     }
-    columns[BasketField::startDateText] = date.text;
-    columns[BasketField::startDate] = date.number;
+    Put(columns[BasketField::startDateText], date.text);
+    Put(columns[BasketField::startDate], date.number);
     return date.seconds >= m_rules.now;
 }
 

@@ -38,15 +38,6 @@ struct BasketRules {
     std::int64_t now = 0;                           // seconds since 1 January 1970
 };
 
-// The columns of the file, in order; each names the field that it fills.
-inline constexpr BasketField kBasketColumns[] = {
-    BasketField::account,      BasketField::exchange,      BasketField::series,     BasketField::symbol,
-    BasketField::token,        BasketField::tradingSymbol, BasketField::product,    BasketField::amount,
-    BasketField::quantity,     BasketField::frequency,     BasketField::startDate,  BasketField::startDateText,
-    BasketField::totalPeriod,  BasketField::orderType,     BasketField::side,       BasketField::sideWord,
-    BasketField::customerFirm, BasketField::validity,      BasketField::investType,
-};
-
 // Reasons that the form gives as well.
 inline constexpr const char* kInvalidFormat = "Invalid Format";
 inline constexpr const char* kInvalidToken = "InValid Token";

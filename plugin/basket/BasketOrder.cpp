@@ -5,21 +5,53 @@
 
 namespace planfold {
 
-sBasketOrderData::sBasketOrderData(const BasketTexts& texts, std::int32_t serialNumber)
-    : m_serialNumber(serialNumber) {
-    Ends ends;
-    std::size_t end = 0;
-    for (std::size_t i = 0; i < kBasketFieldCount; ++i) {
-        end = std::min<std::size_t>(end + texts[static_cast<BasketField>(i)].size(), UINT16_MAX);
-        ends[i] = static_cast<std::uint16_t>(end);
+namespace {
+
+constexpr std::size_t kCommas = kBasketFieldCount - 1;
+
+std::size_t SizeOf(const BasketTexts& texts) {
+    std::size_t size = kCommas;
+    for (const std::string_view text : texts)
+        size += text.size();
+    return size;
+}
+
+// What does not fit behind those before it is cut off.
+BasketTexts Fitting(BasketTexts texts, std::size_t room) {
+    room -= kCommas;
+    for (std::string_view& text : texts) {
+        text = text.substr(0, room);
+        room -= text.size();
     }
-    m_block = std::make_unique_for_overwrite<char[]>(sizeof ends + end);
-    char* to = m_block.get();
-    std::memcpy(to, ends.data(), sizeof ends);
-    to += sizeof ends;
-    char* const last = to + end;
-    for (std::size_t i = 0; i < kBasketFieldCount; ++i)
-        to += texts[static_cast<BasketField>(i)].copy(to, static_cast<std::size_t>(last - to));
+    return texts;
+}
+
+} // namespace
+
+sBasketOrderData::sBasketOrderData(const BasketTexts& given, std::int32_t serialNumber)
+    : m_serialNumber(serialNumber) {
+    const std::size_t size = SizeOf(given);
+    if (size > UINT16_MAX) {
+        *this = sBasketOrderData(Fitting(given, UINT16_MAX), serialNumber);
+        return;
+    }
+    m_block = std::make_unique_for_overwrite<char[]>(sizeof(Ends) + size);
+    char* const to = m_block.get() + sizeof(Ends);
+    const auto* const texts = &*given.begin();
+    Ends ends;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < kBasketFieldCount;) {
+        const char* const first = texts[i].data();
+        const char* last = first;
+        // Those of a file's line are copied at once, with the commas between them.
+        do {
+            last = texts[i].data() + texts[i].size();
+            ends[i] = static_cast<std::uint16_t>(at + static_cast<std::size_t>(last - first));
+        } while (++i < kBasketFieldCount && last && texts[i].data() == last + 1 && *last == ',');
+        at = static_cast<std::size_t>(std::copy(first, last, to + at) - to);
+        if (at < size) to[at++] = ',';
+    }
+    std::memcpy(m_block.get(), ends.data(), sizeof ends);
 }
 
 std::string_view sBasketOrderData::Text(BasketField field) const {
@@ -30,7 +62,13 @@ std::string_view sBasketOrderData::Text(BasketField field) const {
         std::memcpy(ends, m_block.get() + (index - 1) * sizeof ends[0], sizeof ends);
     else
         std::memcpy(&ends[1], m_block.get(), sizeof ends[1]);
-    return {m_block.get() + sizeof(Ends) + ends[0], static_cast<std::size_t>(ends[1] - ends[0])};
+    const std::size_t begin = index ? ends[0] + 1u : 0;
+    return {m_block.get() + sizeof(Ends) + begin, ends[1] - begin};
+}
+
+std::string_view sBasketOrderData::Columns() const {
+    const std::string_view first = Text(BasketField{}), last = Text(kBasketColumns.back());
+    return {first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data())};
 }
 
 std::size_t sBasketOrderData::Size() const {

@@ -14,30 +14,38 @@
 
 namespace planfold {
 
+// The columns of a basket's file, in their order, and behind them what no file has.
 enum class BasketField : std::uint8_t {
-    orderType, // "MKT"
-    product,
-    frequency,
+    account,
+    exchange, // "nse_cm"
     series,
+    symbol,
+    token,
+    tradingSymbol,
+    product,
     amount, // paise
     quantity,
-    totalPeriod,
-    startDateText, // day/month/year
+    frequency,
     startDate,     // seconds since 1 January 1970, decimal
+    startDateText, // day/month/year
+    totalPeriod,
+    orderType, // "MKT"
+    side,      // "B" or "S"
+    sideWord,  // "BUY" or "SELL"
     customerFirm,
     validity,
-    exchange, // "nse_cm"
-    side,     // "B" or "S"
-    token,
-    symbol,
-    tradingSymbol,
-    account,
-    sideWord,   // "BUY" or "SELL"
     investType, // "value" or "qty"
     userText,   // the server's answer
     count
 };
 inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
+
+inline constexpr auto kBasketColumns = [] {
+    std::array<BasketField, static_cast<std::size_t>(BasketField::userText)> columns{};
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        columns[i] = static_cast<BasketField>(i);
+    return columns;
+}();
 
 // The texts of a row while it is put together; they are whoever's.
 using BasketTexts = ByField<BasketField, std::string_view>;
@@ -48,9 +56,11 @@ public:
     // Copies the texts. What would make the row longer than 65,535 characters is cut off.
     sBasketOrderData(const BasketTexts& texts, std::int32_t serialNumber);
 
-    // Valid until the row is changed.
+    // All valid until the row is changed.
     std::string_view Text(BasketField field) const;
     BasketTexts Texts() const;
+    // The file's columns, with a comma between each two.
+    std::string_view Columns() const;
     void SetUserText(std::string_view text);
 
     // By which the server's answer finds its row.
@@ -60,7 +70,7 @@ public:
     std::size_t Size() const;
 
 private:
-    // Where each text ends, counted from the first, then the texts.
+    // Where each text ends, counted from the first one; then the texts, with a comma between each two.
     using Ends = std::array<std::uint16_t, kBasketFieldCount>;
 
     std::unique_ptr<char[]> m_block;
