@@ -292,6 +292,32 @@ TEST(BasketLine, IsBroughtIntoTheFormOfARow) {
               std::to_string(ToSeconds({2027, 3, 5, 0, 0, 0})));
 }
 
+// What lies in a line already is copied with its commas; what does not fit is cut off behind the rest.
+TEST(BasketRow, KeepsItsTextsWhereverTheyComeFrom) {
+    BasketTexts line;
+    const std::string text = Line({});
+    ASSERT_TRUE(SplitBasketLine(text, line));
+    const std::string neighbours("a;b", 3), tooLong(70'000, 'x');
+    BasketTexts scattered = line, adjacent = line, cut = line;
+    scattered[Field::symbol] = {};
+    scattered[Field::userText] = "NA";
+    adjacent[Field::account] = std::string_view(neighbours).substr(0, 1);
+    adjacent[Field::exchange] = std::string_view(neighbours).substr(2);
+    cut[Field::userText] = tooLong;
+    for (const BasketTexts& given : {BasketTexts(), line, scattered, adjacent, cut}) {
+        const sBasketOrderData row(given, 1);
+        std::string columns;
+        for (const Field field : kBasketColumns) {
+            EXPECT_EQ(row.Text(field), given[field]);
+            columns.append(given[field]).append(1, ',');
+        }
+        EXPECT_EQ(std::string(row.Columns()) + ',', columns);
+        const std::string_view last = row.Text(Field::userText);
+        EXPECT_EQ(last.size(), std::min(given[Field::userText].size(), 65'535 - columns.size()));
+        EXPECT_TRUE(given[Field::userText].starts_with(last));
+    }
+}
+
 TEST(BasketReader, NumbersLinesAndReportsThemLetterByLetter) {
     const std::string heading = "client,exchange\r\n", bad = Line({{4, "9"}}),
                       few = Line({{8, "3000000000"}, {18, "qty"}, {14, "S"}});
