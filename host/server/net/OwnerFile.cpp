@@ -39,6 +39,15 @@ std::wstring NameOfUser() {
     return name ? name : std::wstring();
 }
 
+// Wine gives the user's group what the user is given, so the Unix side would find the file readable for more
+// than its owner. What it gives an owner who is not the user, it gives to him alone, whoever that is said to
+// be.
+std::wstring NameOfOwner() {
+    constexpr const wchar_t* ownerRights = L"S-1-3-4";
+    const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    return isWine ? ownerRights : NameOfUser();
+}
+
 Local<void> Described(const std::wstring& text) {
     void* made = nullptr;
     ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &made, nullptr);
@@ -48,9 +57,10 @@ Local<void> Described(const std::wstring& text) {
 } // namespace
 
 bool MakeForOwner(const std::filesystem::path& path) {
-    const std::wstring user = NameOfUser();
+    const std::wstring owner = NameOfOwner();
     // Nothing is inherited from the folder.
-    const Local<void> access = user.empty() ? nullptr : Described(L"O:" + user + L"D:P(A;;FA;;;" + user + L")");
+    const Local<void> access =
+        owner.empty() ? nullptr : Described(L"O:" + owner + L"D:P(A;;FA;;;" + owner + L")");
     if (!access) return false;
     SECURITY_ATTRIBUTES attributes{sizeof attributes, access.get(), FALSE};
     const HANDLE file =
