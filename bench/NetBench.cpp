@@ -56,9 +56,8 @@ public:
                 m_net->Turn(isBehind                     ? 1
                             : m_server->Clock().HasDue() ? 0
                                                          : 10,
-                            [&](bool hasHandled) {
-                                const std::chrono::milliseconds time(hasHandled ? 0 : 5);
-                                if (!isBehind) m_executed += m_server->Clock().ExecuteDue(time).instalments;
+                            [&] {
+                                if (!isBehind) m_executed += m_server->Clock().ExecuteDue({}).instalments;
                             });
             }
         });

@@ -29,8 +29,7 @@ namespace {
 
 constexpr int kFailed = 2;
 constexpr int kWaitMs = 100;                      // until it looks whether it is to end
-constexpr std::chrono::milliseconds kStepTime{5}; // of due instalments, or of a journal, between two looks
-constexpr std::chrono::milliseconds kShortStep{}; // of instalments while requests wait for the same flush
+constexpr std::chrono::milliseconds kStepTime{5}; // of a journal's renewal, between two looks
 
 std::atomic<bool> g_isToEnd = false; // set by a signal's handler, which has no other way
 static_assert(std::atomic<bool>::is_always_lock_free);
@@ -158,9 +157,10 @@ int Serve(MarketServer& marketServer, const ServerOptions& options, const UserId
         net.Turn(isBehind                                         ? 1
                  : clock.HasDue() || server.Upkeep().IsUnderWay() ? 0
                                                                   : kWaitMs,
-                 [&](bool hasHandled) {
+                 [&] {
+                     // Some at a time: what is asked for meanwhile waits for what they make.
                      if (isBehind) return;
-                     const Executed done = clock.ExecuteDue(hasHandled ? kShortStep : kStepTime);
+                     const Executed done = clock.ExecuteDue({});
                      if (!done.fault.empty()) Note(done.fault);
                  });
         const InputLines input = takeInput();

@@ -298,11 +298,10 @@ TEST_F(Net, InstalmentsThatAreDueShareTheFlushOfTheRequestsBesideThem) {
     ASSERT_TRUE(one.Place("b"));
     one.Pump();
     const std::size_t writes = m_running->server->Journal().Writes();
-    std::size_t executed = 0, requests = 0;
-    while (requests == 0)
-        m_net->Turn(0, [&](bool hasHandled) {
-            if (!hasHandled) return;
-            ++requests;
+    std::size_t executed = 0;
+    while (executed == 0)
+        m_net->Turn(0, [&] {
+            if (m_running->server->Held().All().size() < instalments + 2) return;
             executed = m_running->server->Clock().ExecuteDue(std::chrono::seconds(1)).instalments;
         });
     EXPECT_GT(executed, 0u);

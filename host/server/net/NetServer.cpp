@@ -32,7 +32,7 @@ std::string NetServer::Listen(std::uint16_t port) {
     return error;
 }
 
-void NetServer::Turn(int timeoutMs, const std::function<void(bool hasHandled)>& beside) {
+void NetServer::Turn(int timeoutMs, const std::function<void()>& beside) {
     std::vector<SocketEvents> waiting{{&m_listener, HasPlace() || FindYielding()}};
     for (Connection& connection : m_connections)
         if (connection.socket)
@@ -43,10 +43,9 @@ void NetServer::Turn(int timeoutMs, const std::function<void(bool hasHandled)>& 
     for (Connection& connection : m_connections)
         Exchange(connection, connection.socket ? *came++ : SocketEvents{&connection.socket});
     m_server.Hold();
-    bool hasHandled = false;
     for (Connection& connection : m_connections)
-        Do(connection, [&] { hasHandled = connection.session.Handle(SteadyMs()) || hasHandled; });
-    if (beside) beside(hasHandled);
+        Do(connection, [&] { connection.session.Handle(SteadyMs()); });
+    if (beside) beside();
     const std::string fault = m_server.Release();
     for (Connection& connection : m_connections)
         Answer(connection, fault);

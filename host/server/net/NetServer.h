@@ -46,8 +46,8 @@ public:
     bool IsBehind() const;
 
     // Takes, does and sends what there is, after waiting for something at most so long. `beside` is done with
-    // what was asked for, and put on the disk with it; it is told whether there was any.
-    void Turn(int timeoutMs, const std::function<void(bool hasHandled)>& beside = {});
+    // what was asked for, and put on the disk with it.
+    void Turn(int timeoutMs, const std::function<void()>& beside = {});
     // Before its end: does at once what terminals that are gone had asked for. The others ask the next server.
     void FinishRest();
 

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <aclapi.h>
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <sddl.h>
@@ -54,6 +55,18 @@ Local<void> Described(const std::wstring& text) {
     return Local<void>(made);
 }
 
+// Everybody, all who are logged in, and all users of the machine are asked about: an access list can name
+// others. What denies them is not weighed.
+bool LetsOthersRead(ACCESS_ALLOWED_ACE& entry) {
+    constexpr ACCESS_MASK reads = FILE_READ_DATA | GENERIC_READ | GENERIC_ALL;
+    if (entry.Header.AceType != ACCESS_ALLOWED_ACE_TYPE || (entry.Header.AceFlags & INHERIT_ONLY_ACE) != 0)
+        return false;
+    constexpr WELL_KNOWN_SID_TYPE others[] = {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid};
+    return (entry.Mask & reads) != 0 && std::ranges::any_of(others, [&](WELL_KNOWN_SID_TYPE kind) {
+               return IsWellKnownSid(&entry.SidStart, kind) != FALSE;
+           });
+}
+
 } // namespace
 
 bool MakeForOwner(const std::filesystem::path& path) {
@@ -70,8 +83,6 @@ bool MakeForOwner(const std::filesystem::path& path) {
     return true;
 }
 
-// Everybody, all who are logged in, and all users of the machine are asked about: an access list can name
-// others.
 bool IsForOwner(const std::filesystem::path& path) {
     ACL* list = nullptr;
     void* descriptor = nullptr;
@@ -81,19 +92,10 @@ bool IsForOwner(const std::filesystem::path& path) {
         != ERROR_SUCCESS)
         return true;
     const Local<void> freed(descriptor);
-    for (const WELL_KNOWN_SID_TYPE kind : {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid}) {
-        std::array<std::byte, SECURITY_MAX_SID_SIZE> who{};
-        DWORD size = static_cast<DWORD>(who.size());
-        TRUSTEE_W trustee{};
-        ACCESS_MASK rights = 0;
-        if (!CreateWellKnownSid(kind, nullptr, who.data(), &size)) continue;
-        BuildTrusteeWithSidW(&trustee, who.data());
-        if (!list
-            || (GetEffectiveRightsFromAclW(list, &trustee, &rights) == ERROR_SUCCESS
-                && (rights & FILE_READ_DATA) != 0))
-            return false;
-    }
-    return true;
+    void* entry = nullptr;
+    for (DWORD i = 0; list && GetAce(list, i, &entry); ++i)
+        if (LetsOthersRead(*static_cast<ACCESS_ALLOWED_ACE*>(entry))) return false;
+    return list != nullptr;
 }
 #else
 bool MakeForOwner(const std::filesystem::path& path) {

@@ -161,18 +161,15 @@ void ServerSession::Pump(std::int64_t nowMs) {
     Deliver(m_server.Release());
 }
 
-bool ServerSession::Handle(std::int64_t nowMs) {
+void ServerSession::Handle(std::int64_t nowMs) {
     m_nowMs = std::max(m_nowMs, nowMs);
     if (m_output.HasRoom()) m_roomAtMs = m_nowMs;
     if (!m_beganMs) m_beganMs = m_nowMs;
     const auto end = std::chrono::steady_clock::now() + m_limits.pumpTime;
-    std::size_t handled = 0;
-    while (handled < m_limits.turns && TakesRequests(m_nowMs)) {
+    for (std::size_t turn = 0; turn < m_limits.turns && TakesRequests(m_nowMs); ++turn) {
         m_work->HandleNext(m_nowMs);
-        ++handled;
         if (std::chrono::steady_clock::now() >= end) break;
     }
-    return handled > 0;
 }
 
 void ServerSession::Deliver(const std::string& fault) {

@@ -55,8 +55,8 @@ public:
     void Take(std::string_view bytes, std::int64_t nowMs);
     // Does a portion of what there is to do: all of the following.
     void Pump(std::int64_t nowMs);
-    // Handles what is due while the server holds the changes. Whether there was any.
-    bool Handle(std::int64_t nowMs);
+    // Handles what is due while the server holds the changes.
+    void Handle(std::int64_t nowMs);
     // What the server said when it released them; then the answers go out, and the rest.
     void Deliver(const std::string& fault);
     bool TakesInput() const;
