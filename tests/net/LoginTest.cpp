@@ -141,6 +141,7 @@ TEST_F(Net, SecretsAreMadeOnceAndForTheirOwnerOnly) {
     EXPECT_EQ(made, "DEALER01");
     const auto first = Logins::Load(path);
     ASSERT_TRUE(first) << first.Fault().Text();
+    WriteFileText(path + ".new", "left by a crash");
     ASSERT_TRUE(Logins::LoadWith(path, users, made));
     EXPECT_EQ(made, "DEALER02");
     const auto second = Logins::Load(path);
@@ -205,6 +206,10 @@ TEST_F(Net, StrangersAndIdleTerminalsLockNobodyOut) {
         ASSERT_TRUE(Until(isIn(one), {&one})) << i;
     }
     crowd();
+    const std::int64_t later = SteadyMs() + 1000;
+    ASSERT_TRUE(Until([&] { return SteadyMs() > later; }, {}));
+    crowd();
+    EXPECT_NE(m_log.back().find(" others before)"), std::string::npos) << m_log.back();
     m_log.clear();
     Terminal& last = idle.emplace_back(Place(), "USER2");
     ASSERT_TRUE(Until(isIn(last), {&last}));

@@ -204,12 +204,21 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
     for (std::uint32_t tag = 1; tag <= net::kMostRequestFields + 1; ++tag)
         many.Add(tag, "");
     const std::string manyFields = many.Finish();
+    const auto requestOf = [](std::size_t bytes) {
+        qmx::MessageWriter writer(2 * net::kLongestRequest);
+        const std::size_t around = writer.Add(tag::orderId, "").Finish().size();
+        return Framed(net::ControlRequest{
+            1, 1, writer.Start().Add(tag::orderId, std::string(bytes - around, 'x')).Finish()});
+    };
     const struct {
         std::string bytes;
         const char* reason; // empty: it goes on
     } rows[] = {
-        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::CloseControl{1}) + Framed(net::CloseControl{7}),
+        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::CloseControl{1}) + Framed(net::CloseControl{7})
+             + Framed(net::OpenControl{1, 0}),
          ""},
+        {hello + requestOf(net::kLongestRequest), ""},
+        {hello + requestOf(net::kLongestRequest + 1), "a request that is too long"},
         {hello + Framed(net::Subscribe{9, 1, false, {}}) + Framed(net::Stop{9}), ""},
         {damaged, "a frame's checksum is wrong"},
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
@@ -285,6 +294,28 @@ TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     EXPECT_EQ(ReadJournalText(FileText(m_folder.File("journal"))).records.size(), 3u);
     EXPECT_EQ(m_running->server->Journal().TakeFlushTimes().size(), 1u);
     EXPECT_GT(session.Output().Size(), 3000u); // answers, updates and rows
+
+    session.Output().Clear();
+    session.Take(Framed(net::CloseControl{2}), 0);
+    m_running->Ask(Order("orderId=5"));
+    session.Pump(0);
+    EXPECT_EQ(session.Output().Bytes(), "") << "its stream has ended";
+}
+
+TEST(Streams, SubscriptionsAreBounded) {
+    const struct {
+        std::size_t fields, length, others;
+        const char* fault;
+    } rows[] = {
+        {kMostSubscriptionFields, kLongestText, 255, nullptr},
+        {kMostSubscriptionFields + 1, 1, 0, "a subscription of too many fields"},
+        {1, kLongestText + 1, 0, "a value that no record has"},
+        {1, 1, 256, "too many subscriptions"},
+    };
+    for (const auto& row : rows)
+        EXPECT_STREQ(
+            FaultOf(Subscription(row.fields, {tag::account, std::string(row.length, 'x')}), row.others),
+            row.fault);
 }
 
 TEST_F(Net, InstalmentsThatAreDueShareTheFlushOfTheRequestsBesideThem) {
