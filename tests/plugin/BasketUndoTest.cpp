@@ -233,6 +233,30 @@ TEST_P(UndoOfSent, ComesBackAsSent) {
 INSTANTIATE_TEST_SUITE_P(Basket, UndoOfSent, ::testing::ValuesIn(kSentWays),
                          [](const auto& way) { return std::string(way.param.what); });
 
+TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
+    constexpr std::size_t kept = 1000;
+    for (std::size_t i = 0; i < kept + 2; ++i)
+        Add("C1");
+    for (std::size_t i = 0; i < kept; ++i)
+        basket.Undo();
+    EXPECT_EQ(view.list.rows.size(), 2u);
+    EXPECT_EQ(view.boxes, Texts{});
+    basket.Undo();
+    EXPECT_EQ(view.boxes, Texts{"The changes before this were too large to be kept."});
+}
+
+TEST_F(BasketUndoTest, OrdersThatComeWhileTheSessionEndsAreNotTaken) {
+    static Session* ended = nullptr;
+    Load(Lines(2));
+    ended = &session;
+    session.host.pu_get_scrip_details_from_TradSymbol = [](InString, InString, ScripDetails* details) {
+        ended->End();
+        return details;
+    };
+    EXPECT_EQ(basket.Coming().Add(kPass, std::vector<sSipOrderData>(2)), 0u);
+    EXPECT_EQ(view.list.rows.size(), 2u);
+}
+
 TEST_F(BasketUndoTest, NothingIsTakenBackDuringARun) {
     Load(Lines(3));
     host.onRequest = [&] {
