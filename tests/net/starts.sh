@@ -6,7 +6,8 @@ server=$1
 wine=${2:-}
 export WINE_CONSOLE=1
 folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+# A session of Wine without a display is nothing for the windows of the next test.
+trap 'rm -rf "$folder"; [ -z "$wine" ] || "$wine" --end' EXIT
 bad=0
 data=$folder/data
 
