@@ -45,16 +45,20 @@ public:
         Fill(*m_server,
              {kRegistrations, {{"DEALER", "B", ""}}, {{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}});
         m_commands.emplace(*m_server, SampleMarket{{"C001"}, {{"nse_cm", "1013", "ARBORTOOLS-EQ"}}}, true);
-        m_net.emplace(*m_server, *m_commands,
-                      [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+        m_net.emplace(
+            *m_server, *m_commands, [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); },
+            SessionLimits{.loginSessions = kTerminals});
         m_net->Listen(0);
         m_port = m_net->Port();
         m_thread = std::thread([this] {
             while (!m_isToEnd) {
                 const bool isBehind = m_net->IsBehind();
-                m_net->Turn(isBehind ? 1 : m_server->Clock().HasDue() ? 0 : 10);
-                if (!isBehind)
-                    m_executed += m_server->Clock().ExecuteDue(std::chrono::milliseconds(5)).instalments;
+                m_net->Turn(isBehind                     ? 1
+                            : m_server->Clock().HasDue() ? 0
+                                                         : 10,
+                            [&] {
+                                if (!isBehind) m_executed += m_server->Clock().ExecuteDue({}).instalments;
+                            });
             }
         });
     }

@@ -122,17 +122,19 @@ WHO MAY COME
     owner can read it. A terminal proves that it knows its login's (it signs what
     the server makes up for each connection); one that cannot is refused. It then
     sees and changes its own orders, and sees its firm's; nobody streams another
-    firm's.
+    firm's. A login has 32 sessions at most: for another one the oldest goes that
+    has wanted nothing for a minute, or else the new one is refused.
 
     When there is no such file it is made, with a secret for the user of
     "terminal.json" and for each --login. To let another one in, start with
     --login and hand him his part of the file: only that, for who knows a secret
     is that login. A secret is made anew when its part is removed before a start.
 
-    Not protected is what can be read on the way or on this machine: nothing is
-    encrypted, and the journal lies open in its folder. Terminals of this machine
-    alone can connect; who carries the port further carries it as it is. Who can
-    change the files beside the journal, or this program's input, runs the server.
+    Not protected is what can be read on the way: nothing is encrypted. Terminals
+    of this machine alone can connect; who carries the port further carries it as
+    it is. The journal and what stands beside it are made readable for their owner
+    only; on Windows the folder's rights count for all but the secrets. Who can
+    change these files, or this program's input, runs the server.
 
 OPTIONS
     --port N         0, as without it: one that the system chooses

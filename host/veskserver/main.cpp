@@ -29,7 +29,7 @@ namespace {
 
 constexpr int kFailed = 2;
 constexpr int kWaitMs = 100;                      // until it looks whether it is to end
-constexpr std::chrono::milliseconds kStepTime{5}; // of due instalments, or of a journal, between two looks
+constexpr std::chrono::milliseconds kStepTime{5}; // of a journal's renewal, between two looks
 
 std::atomic<bool> g_isToEnd = false; // set by a signal's handler, which has no other way
 static_assert(std::atomic<bool>::is_always_lock_free);
@@ -154,14 +154,19 @@ int Serve(MarketServer& marketServer, const ServerOptions& options, const UserId
     while (!g_isToEnd) {
         if (const std::string line = watch.Look(SteadyMs(), std::time(nullptr)); !line.empty()) Note(line);
         const bool isBehind = net.IsBehind();
-        net.Turn(isBehind ? 1 : clock.HasDue() || server.Upkeep().IsUnderWay() ? 0 : kWaitMs);
+        net.Turn(isBehind                                         ? 1
+                 : clock.HasDue() || server.Upkeep().IsUnderWay() ? 0
+                                                                  : kWaitMs,
+                 [&] {
+                     // Some at a time: what is asked for meanwhile waits for what they make.
+                     if (isBehind) return;
+                     const Executed done = clock.ExecuteDue({});
+                     if (!done.fault.empty()) Note(done.fault);
+                 });
         const InputLines input = takeInput();
         Answer(input.lines, marketServer.Commands(), user);
         if (input.isOver) break;
         if (const std::string note = server.Upkeep().RenewWhenStale(kStepTime); !note.empty()) Note(note);
-        if (isBehind) continue;
-        const Executed done = clock.ExecuteDue(kStepTime);
-        if (!done.fault.empty()) Note(done.fault);
     }
     net.FinishRest();
     return 0;

@@ -302,6 +302,17 @@ TEST(ListSums, BecomeThoseOfTheRows) {
             ASSERT_EQ(told(sums.Selected()), plain(model.SelectedRecords())) << round;
         }
     }
+    ListModel many(source);
+    ListSums merged(many, source);
+    for (std::uint32_t record = 0; record < count; ++record) {
+        source.cells[record] = {std::to_string(record % 6), "1", "1"};
+        many.InsertFront(record);
+    }
+    merged.Begin({0, 1, 2});
+    while (merged.Work(count)) {
+    }
+    ASSERT_EQ(merged.Shown().size(), ListSums::kMostSides);
+    EXPECT_EQ(merged.Shown().back().rows, 30u) << "of three sides";
 }
 
 TEST(SplitPosition, KeepsItsShareAndTheLeastLengths) {

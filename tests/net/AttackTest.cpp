@@ -170,7 +170,7 @@ private:
         }
         std::string asked;
         for (int i = 0; i < 50; ++i)
-            asked += Framed(net::Subscribe{2, false, {{tag::loginId, "W1"}}})
+            asked += Framed(net::Subscribe{2, 1, false, {{tag::loginId, "W1"}}})
                      + Framed(net::ServerCommand{++m_number, "clock 2099-01-01"})
                      + Framed(net::ControlRequest{
                          1, ++m_number, Message(Fields("qry_eq_sip startDate=1/1/2020 toDate=1/1/2090"))});

@@ -204,17 +204,26 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
     for (std::uint32_t tag = 1; tag <= net::kMostRequestFields + 1; ++tag)
         many.Add(tag, "");
     const std::string manyFields = many.Finish();
+    const auto requestOf = [](std::size_t bytes) {
+        qmx::MessageWriter writer(2 * net::kLongestRequest);
+        const std::size_t around = writer.Add(tag::orderId, "").Finish().size();
+        return Framed(net::ControlRequest{
+            1, 1, writer.Start().Add(tag::orderId, std::string(bytes - around, 'x')).Finish()});
+    };
     const struct {
         std::string bytes;
         const char* reason; // empty: it goes on
     } rows[] = {
-        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::CloseControl{1}) + Framed(net::CloseControl{7}),
+        {hello + Framed(net::OpenControl{1, 1}) + Framed(net::CloseControl{1}) + Framed(net::CloseControl{7})
+             + Framed(net::OpenControl{1, 0}),
          ""},
-        {hello + Framed(net::Subscribe{9, 0, {}}) + Framed(net::Stop{9}), ""},
+        {hello + requestOf(net::kLongestRequest), ""},
+        {hello + requestOf(net::kLongestRequest + 1), "a request that is too long"},
+        {hello + Framed(net::Subscribe{9, 1, false, {}}) + Framed(net::Stop{9}), ""},
         {damaged, "a frame's checksum is wrong"},
         {std::string("\x01\x00\x10\x00", 4) + "xxxx", "a frame is too long"},
         {Framed(FrameType::end, ""), "a frame's type is unknown"},
-        {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 3, not 1"},
+        {Framed(net::Hello{1, "USER1", "", "", 1}), "the server speaks version 4, not 1"},
         {Framed(net::Hello{}), "a terminal without a login"},
         {Framed(net::OpenControl{1, 1}), "a terminal says hello first"},
         {hello + hello, "a second hello"},
@@ -224,7 +233,7 @@ TEST_F(Net, TerminalThatBreaksTheRulesIsToldAndEnded) {
         {hello + Framed(net::ControlRequest{1, 1, std::string(net::kMostTerminalFrameBytes, 'x')}),
          "a frame is too long"},
         {hello + Framed(net::OpenControl{9, 1})
-             + Framed(net::Subscribe{9, 0, Subscription(net::kMostSubscribedFields + 1)}),
+             + Framed(net::Subscribe{9, 1, false, Subscription(net::kMostSubscribedFields + 1)}),
          "a subscription to too much"},
         {hello + Framed(FrameType::subscribe, std::string(12, '\xFF')), "a frame that cannot be read"},
         {hello + Framed(net::RequestDone{1}), "a frame that a server sends"},
@@ -264,9 +273,10 @@ TEST_F(Net, TerminalThatAsksForMuchIsNotReadUntilThatIsDone) {
 
 TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     Start();
-    const std::string hello = Framed(net::Hello{net::kProtocolVersion, "USER1", "BROKER", "", 1})
-                              + Framed(net::OpenControl{1, 0}) + Framed(net::OpenControl{2, 1})
-                              + Framed(net::Subscribe{2, 0, {{tag::streamName, std::string(kStreamName)}}});
+    const std::string hello =
+        Framed(net::Hello{net::kProtocolVersion, "USER1", "BROKER", "", 1}) + Framed(net::OpenControl{1, 0})
+        + Framed(net::OpenControl{2, 1})
+        + Framed(net::Subscribe{2, 1, false, {{tag::streamName, std::string(kStreamName)}}});
     std::string asked;
     for (std::uint64_t number = 1; number <= 3; ++number)
         asked += Framed(net::ControlRequest{1, number, Message(Order("orderId=" + std::to_string(number)))});
@@ -284,6 +294,50 @@ TEST_F(Net, NothingIsAnsweredOrToldBeforeAllThatIsInHandIsOnTheDisk) {
     EXPECT_EQ(ReadJournalText(FileText(m_folder.File("journal"))).records.size(), 3u);
     EXPECT_EQ(m_running->server->Journal().TakeFlushTimes().size(), 1u);
     EXPECT_GT(session.Output().Size(), 3000u); // answers, updates and rows
+
+    session.Output().Clear();
+    session.Take(Framed(net::CloseControl{2}), 0);
+    m_running->Ask(Order("orderId=5"));
+    session.Pump(0);
+    EXPECT_EQ(session.Output().Bytes(), "") << "its stream has ended";
+}
+
+TEST(Streams, SubscriptionsAreBounded) {
+    const struct {
+        std::size_t fields, length, others;
+        const char* fault;
+    } rows[] = {
+        {kMostSubscriptionFields, kLongestText, 255, nullptr},
+        {kMostSubscriptionFields + 1, 1, 0, "a subscription of too many fields"},
+        {1, kLongestText + 1, 0, "a value that no record has"},
+        {1, 1, 256, "too many subscriptions"},
+    };
+    for (const auto& row : rows)
+        EXPECT_STREQ(
+            FaultOf(Subscription(row.fields, {tag::account, std::string(row.length, 'x')}), row.others),
+            row.fault);
+}
+
+TEST_F(Net, InstalmentsThatAreDueShareTheFlushOfTheRequestsBesideThem) {
+    constexpr std::size_t instalments = 300; // more than are executed at a time
+    Start();
+    Fill(instalments, {"USER1", "BROKER", ""});
+    m_running->server->Clock().AdvanceToNextInstalment();
+    Terminal one(Place(), "USER1");
+    ASSERT_TRUE(one.Subscribe() && one.Place("a"));
+    ASSERT_TRUE(Until([&] { return one.answers.size() == 1; }, {&one}));
+    ASSERT_TRUE(one.Place("b"));
+    one.Pump();
+    const std::size_t writes = m_running->server->Journal().Writes();
+    std::size_t executed = 0;
+    while (executed == 0)
+        m_net->Turn(0, [&] {
+            if (m_running->server->Held().All().size() < instalments + 2) return;
+            executed = m_running->server->Clock().ExecuteDue(std::chrono::seconds(1)).instalments;
+        });
+    EXPECT_GT(executed, 0u);
+    EXPECT_EQ(m_running->server->Journal().Writes(), writes + 1);
+    ASSERT_TRUE(Until([&] { return one.streamed.size() == executed + 2 && one.answers.size() == 2; }, {&one}));
 }
 
 TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {

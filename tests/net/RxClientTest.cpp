@@ -52,7 +52,13 @@ protected:
 
     // A busy machine must not end a pump early.
     RxClient Client(const UserIdentity& user, std::chrono::milliseconds pumpTime = std::chrono::hours(1)) {
-        return {std::make_unique<SessionChannel>(*m_running.server, m_commands), user, {}, {}, pumpTime};
+        return {std::make_unique<SessionChannel>(*m_running.server, m_commands),
+                user,
+                [this](LinkState, const std::string& text) {
+                    if (m_onState) m_onState(text);
+                },
+                {},
+                pumpTime};
     }
     int Send(RxControl* control, const Fields& fields) {
         const std::string bytes = Message(fields); // which is copied before that returns
@@ -77,6 +83,7 @@ protected:
     Notifier m_one{m_log, "one"};
     Notifier m_two{m_log, "two"};
     ServerCommands m_commands{*m_running.server, {}};
+    std::function<void(const std::string& text)> m_onState;
     RxClient m_client = Client(m_running.user);
     std::uint64_t m_number = 0;
     QmxError m_error{};
@@ -145,6 +152,25 @@ TEST_F(RxClientTest, ChangesGoOnceToEverySubscriberTheyConcern) {
             EXPECT_EQ(Taken(), expected) << name << " for " << row.subscriptions[0];
         }
         m_client.Destroy(control);
+    }
+}
+
+TEST_F(RxClientTest, OneRefusedSubscriptionLeavesTheOthersOfItsControlAlsoOnTheNextConnection) {
+    RxControl* sender = m_client.Get(kRxRequests, &m_one);
+    RxControl* stream = m_client.Get(kRxIdentityStream, &m_two);
+    std::size_t refused = 0;
+    m_onState = [&](const std::string& text) { refused += text.starts_with("a subscription was refused"); };
+    for (const char* fields : {"account=CL1", "loginId=USER2", "account=CL2"})
+        ASSERT_TRUE(Subscribe(stream, fields));
+    for (int order = 1; order <= 4; ++order) {
+        m_client.Pump(order * 1000);
+        EXPECT_EQ(refused, 1u) << "it is not asked for again";
+        m_log.clear(); // of what was perhaps missed
+        ASSERT_TRUE(Send(sender, Order("orderId=" + std::to_string(order) + " account=CL" + "21"[order % 2])));
+        m_client.Pump(order * 1000);
+        const std::string number(m_running.server->Held().All().back().Number());
+        EXPECT_EQ(Taken(), (Log{"one answer add_sip_orders", "two stream " + number}));
+        if (order == 2) m_client.Leave();
     }
 }
 

@@ -233,6 +233,31 @@ TEST_P(UndoOfSent, ComesBackAsSent) {
 INSTANTIATE_TEST_SUITE_P(Basket, UndoOfSent, ::testing::ValuesIn(kSentWays),
                          [](const auto& way) { return std::string(way.param.what); });
 
+TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
+    constexpr int kept = 1000;
+    Load(Lines(1));
+    for (int i = 1; i <= kept; ++i)
+        Edit(0, Field::amount, std::to_string(i));
+    for (int i = 0; i < kept; ++i)
+        basket.Undo();
+    EXPECT_EQ(view.list.rows.size(), 1u) << "of the load";
+    EXPECT_EQ(view.boxes, Texts{});
+    basket.Undo();
+    EXPECT_EQ(view.boxes, Texts{"The changes before this were too large to be kept."});
+}
+
+TEST_F(BasketUndoTest, OrdersThatComeWhileTheSessionEndsAreNotTaken) {
+    static Session* ended = nullptr;
+    Load(Lines(2));
+    ended = &session;
+    session.host.pu_get_scrip_details_from_TradSymbol = [](InString, InString, ScripDetails* details) {
+        ended->End();
+        return details;
+    };
+    EXPECT_EQ(basket.Coming().Add(kPass, std::vector<sSipOrderData>(2)), 0u);
+    EXPECT_EQ(view.list.rows.size(), 2u);
+}
+
 TEST_F(BasketUndoTest, NothingIsTakenBackDuringARun) {
     Load(Lines(3));
     host.onRequest = [&] {

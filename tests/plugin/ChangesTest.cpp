@@ -332,6 +332,11 @@ TEST_F(ChangesTest, SendsAfterOneQuestionAndListsWhatBecameOfEach) {
               "\nProceed?");
     EXPECT_EQ(Modifications(), Texts());
     yes = true;
+    // The list goes while the question is open.
+    duringQuestion = [&] { Load(Edited(File(), "S1", "1500.00>2500")); };
+    run.Send();
+    EXPECT_EQ(Modifications(), Texts());
+    Load(Edited(file, "S2", ",12,>,24,"));
     // It changes while the question is open, and is not sent.
     duringQuestion = [&] { Enter(book, "W4 C4 DEALER1 active 700.00 60"); };
     run.Send();

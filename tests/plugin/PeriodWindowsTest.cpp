@@ -144,8 +144,8 @@ protected:
             Enter(book, std::string(1, static_cast<char>('A' + i))
                             + " C monthly 19-Feb-2027 19-Apr-2027 19-Feb-2028 active SIP 30");
     }
-    void ShowRows() override { ++listings; }
-    void ShowRun() override {}
+    void ShowRows() override { shown += "rows "; }
+    void ShowRun() override { shown += "run "; }
     std::int64_t Milliseconds() const override { return now; }
 
     // "A" an order of A, "A!" a rejected one, "." the end of an answer, "!" a refusal, "+30" that time goes on.
@@ -187,7 +187,7 @@ protected:
 
     OrderCache book;
     std::int64_t now = 0;
-    int listings = 0;
+    std::string shown;
     PeriodRuns runs{session, book, *this, [this] { return &control; }};
 };
 
@@ -197,9 +197,12 @@ TEST_F(RunsWindow, AsksFourAtATimeAndKeepsTheAnswersForTheDay) {
     Show("18-Mar-2027", "19-Mar-2027");
     EXPECT_EQ(Asked(), 4u);
     EXPECT_EQ(runs.Progress(), "Asking for the runs of 6 plans: 0");
+    EXPECT_TRUE(shown.ends_with("rows run ")) << shown;
     Play("A . B! .");
     EXPECT_EQ(Asked(), 6u);
+    shown.clear();
     Play("C! . . E . F .");
+    EXPECT_TRUE(shown.ends_with("run rows ")) << shown;
     EXPECT_EQ(Listed(),
               "A complete|B rejected|C rejected|E complete|F complete|5 runs: 3 filled, 2 failed of 6 plans//");
     runs.ShowFailedOnly(true);

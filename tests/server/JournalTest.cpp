@@ -289,6 +289,19 @@ TEST(Journal, IsWrittenAnewStepByStepWhileTheServerChangesWhatItHolds) {
 }
 
 #ifndef _WIN32
+TEST(Journal, WhatStandsInItAndBesideItIsItsOwnersAlone) {
+    using std::filesystem::perms;
+    const TemporaryFolder folder;
+    WriteFileText(folder.File("journal"), "V2F 1 0");
+    RunningServer running(folder.File("journal"));
+    running.Ask(Order());
+    EXPECT_EQ(running.server->Upkeep().Renew(), "");
+    for (const char* name : {"journal", "journal.head", "journal.torn", "journal.lock"})
+        EXPECT_EQ(std::filesystem::status(folder.File(name)).permissions(),
+                  perms::owner_read | perms::owner_write)
+            << name;
+}
+
 // A file size limit in the middle of a record stands for a full disk.
 class FullDisk {
 public:

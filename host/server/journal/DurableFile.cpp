@@ -52,7 +52,8 @@ bool FlushNames(const std::filesystem::path& file) {
 }
 #else
 int OpenLocked(const std::filesystem::path& path) {
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    // What is in it is its owner's alone.
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor < 0) return descriptor;
     const bool isLocked = ::flock(descriptor, LOCK_EX | LOCK_NB) == 0;
     // Until it was locked another file may have come to that path.

@@ -21,8 +21,10 @@ std::int64_t SteadyMs() {
         .count();
 }
 
-NetServer::NetServer(Server& server, ServerCommands& commands, Log log, const SessionLimits& limits)
-    : m_server(server), m_commands(commands), m_log(std::move(log)), m_limits(limits) {}
+NetServer::NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits)
+    : m_server(server), m_commands(commands), m_log(std::move(log)), m_limits(std::move(limits)) {
+    m_limits.admits = [this](std::string_view loginId) { return Admits(loginId); };
+}
 
 std::string NetServer::Listen(std::uint16_t port) {
     std::string error;
@@ -30,7 +32,7 @@ std::string NetServer::Listen(std::uint16_t port) {
     return error;
 }
 
-void NetServer::Turn(int timeoutMs) {
+void NetServer::Turn(int timeoutMs, const std::function<void()>& beside) {
     std::vector<SocketEvents> waiting{{&m_listener, HasPlace() || FindYielding()}};
     for (Connection& connection : m_connections)
         if (connection.socket)
@@ -43,6 +45,7 @@ void NetServer::Turn(int timeoutMs) {
     m_server.Hold();
     for (Connection& connection : m_connections)
         Do(connection, [&] { connection.session.Handle(SteadyMs()); });
+    if (beside) beside();
     const std::string fault = m_server.Release();
     for (Connection& connection : m_connections)
         Answer(connection, fault);
@@ -79,11 +82,23 @@ bool NetServer::HasPlace() const {
 }
 
 // The oldest of those that yield most readily.
-NetServer::Connection* NetServer::FindYielding() {
+NetServer::Connection* NetServer::FindYielding(std::string_view loginId) {
     const std::int64_t now = SteadyMs();
-    const auto found = std::ranges::max_element(
-        m_connections, {}, [now](const Connection& one) { return one.session.Yields(now); });
-    return found == m_connections.end() || found->session.Yields(now) == Yielding::never ? nullptr : &*found;
+    const auto yields = [&](const Connection& one) {
+        return loginId.empty() || one.session.IsOf(loginId) ? one.session.Yields(now) : Yielding::never;
+    };
+    const auto found = std::ranges::max_element(m_connections, {}, yields);
+    return found == m_connections.end() || yields(*found) == Yielding::never ? nullptr : &*found;
+}
+
+bool NetServer::Admits(std::string_view loginId) {
+    const auto isOf = [&](const Connection& one) { return one.session.IsOf(loginId); };
+    const auto sessions = static_cast<std::size_t>(std::ranges::count_if(m_connections, isOf));
+    if (sessions < m_limits.loginSessions) return true;
+    Connection* yielding = FindYielding(loginId);
+    // It is dropped at the end of the turn.
+    if (yielding) yielding->session.YieldPlace();
+    return yielding != nullptr;
 }
 
 void NetServer::Accept() {

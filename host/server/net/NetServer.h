@@ -5,7 +5,9 @@
 // Everything happens inside Turn, on the caller's thread, and nothing in it waits for a terminal: one that
 // reads slowly is not made anything for while its output is full, and ends when that lasts.
 //
-// When there is no place for a new one, a stranger goes for it, and else who wants nothing for a while.
+// When there is no place for a new one, a stranger goes for it, and else who wants nothing for a while. No
+// login has more than its number of places: there one of its own goes that wants nothing, or the new one is
+// refused.
 //
 // What a terminal has asked for is done although its connection is over.
 //
@@ -29,7 +31,9 @@ class NetServer {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    NetServer(Server& server, ServerCommands& commands, Log log, const SessionLimits& limits = {});
+    NetServer(Server& server, ServerCommands& commands, Log log, SessionLimits limits = {});
+    NetServer(const NetServer&) = delete;
+    NetServer& operator=(const NetServer&) = delete;
 
     // Port 0 is the system's choice. Why it cannot; empty when it does.
     std::string Listen(std::uint16_t port);
@@ -41,8 +45,9 @@ public:
     // Whether a terminal that takes its updates has many to take: what makes more of them can wait for it.
     bool IsBehind() const;
 
-    // Takes, does and sends what there is, after waiting for something at most so long.
-    void Turn(int timeoutMs);
+    // Takes, does and sends what there is, after waiting for something at most so long. `beside` is done with
+    // what was asked for, and put on the disk with it.
+    void Turn(int timeoutMs, const std::function<void()>& beside = {});
     // Before its end: does at once what terminals that are gone had asked for. The others ask the next server.
     void FinishRest();
 
@@ -58,9 +63,11 @@ private:
 
     bool AnyHasWork(std::int64_t nowMs) const;
     int PauseMs(int longestMs) const;
-    // Whose place a new one may have; null when all are needed.
-    Connection* FindYielding();
+    // Whose place a new one may have, of one login or of all; null when all are needed.
+    Connection* FindYielding(std::string_view loginId = {});
     bool HasPlace() const;
+    // Makes place for another session of the login. False when it can have none.
+    bool Admits(std::string_view loginId);
     void Accept();
     // A fault ends the connection.
     template <class Work>

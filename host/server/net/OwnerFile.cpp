@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <aclapi.h>
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <sddl.h>
@@ -39,18 +40,40 @@ std::wstring NameOfUser() {
     return name ? name : std::wstring();
 }
 
+// Wine gives the user's group what the user is given, so the Unix side would find the file readable for more
+// than its owner. What it gives an owner who is not the user, it gives to him alone, whoever that is said to
+// be.
+std::wstring NameOfOwner() {
+    constexpr const wchar_t* ownerRights = L"S-1-3-4";
+    const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    return isWine ? ownerRights : NameOfUser();
+}
+
 Local<void> Described(const std::wstring& text) {
     void* made = nullptr;
     ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &made, nullptr);
     return Local<void>(made);
 }
 
+// Everybody, all who are logged in, and all users of the machine are asked about: an access list can name
+// others. What denies them is not weighed.
+bool LetsOthersRead(ACCESS_ALLOWED_ACE& entry) {
+    constexpr ACCESS_MASK reads = FILE_READ_DATA | GENERIC_READ | GENERIC_ALL;
+    if (entry.Header.AceType != ACCESS_ALLOWED_ACE_TYPE || (entry.Header.AceFlags & INHERIT_ONLY_ACE) != 0)
+        return false;
+    constexpr WELL_KNOWN_SID_TYPE others[] = {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid};
+    return (entry.Mask & reads) != 0 && std::ranges::any_of(others, [&](WELL_KNOWN_SID_TYPE kind) {
+               return IsWellKnownSid(&entry.SidStart, kind) != FALSE;
+           });
+}
+
 } // namespace
 
 bool MakeForOwner(const std::filesystem::path& path) {
-    const std::wstring user = NameOfUser();
+    const std::wstring owner = NameOfOwner();
     // Nothing is inherited from the folder.
-    const Local<void> access = user.empty() ? nullptr : Described(L"O:" + user + L"D:P(A;;FA;;;" + user + L")");
+    const Local<void> access =
+        owner.empty() ? nullptr : Described(L"O:" + owner + L"D:P(A;;FA;;;" + owner + L")");
     if (!access) return false;
     SECURITY_ATTRIBUTES attributes{sizeof attributes, access.get(), FALSE};
     const HANDLE file =
@@ -60,8 +83,6 @@ bool MakeForOwner(const std::filesystem::path& path) {
     return true;
 }
 
-// Everybody, all who are logged in, and all users of the machine are asked about: an access list can name
-// others.
 bool IsForOwner(const std::filesystem::path& path) {
     ACL* list = nullptr;
     void* descriptor = nullptr;
@@ -71,19 +92,10 @@ bool IsForOwner(const std::filesystem::path& path) {
         != ERROR_SUCCESS)
         return true;
     const Local<void> freed(descriptor);
-    for (const WELL_KNOWN_SID_TYPE kind : {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid}) {
-        std::array<std::byte, SECURITY_MAX_SID_SIZE> who{};
-        DWORD size = static_cast<DWORD>(who.size());
-        TRUSTEE_W trustee{};
-        ACCESS_MASK rights = 0;
-        if (!CreateWellKnownSid(kind, nullptr, who.data(), &size)) continue;
-        BuildTrusteeWithSidW(&trustee, who.data());
-        if (!list
-            || (GetEffectiveRightsFromAclW(list, &trustee, &rights) == ERROR_SUCCESS
-                && (rights & FILE_READ_DATA) != 0))
-            return false;
-    }
-    return true;
+    void* entry = nullptr;
+    for (DWORD i = 0; list && GetAce(list, i, &entry); ++i)
+        if (LetsOthersRead(*static_cast<ACCESS_ALLOWED_ACE*>(entry))) return false;
+    return list != nullptr;
 }
 #else
 bool MakeForOwner(const std::filesystem::path& path) {

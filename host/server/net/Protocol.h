@@ -2,10 +2,10 @@
 // answers it with a hello, and the server that with a welcome or a refusal; after a refusal the connection
 // ends.
 //
-// A terminal numbers its controls and its requests. A request has any number of answers, told to be over by its
-// "done". A subscription is made at once; one that cannot be is told by "unsubscribed". A command is answered
-// by its "told". The server's state comes after the welcome and whenever it differs, before the answers of the
-// request or command that changed it.
+// A terminal numbers its controls, its requests and its subscriptions. A request has any number of answers,
+// told to be over by its "done". A subscription is made at once; one that cannot be is told by "unsubscribed".
+// A command is answered by its "told". The server's state comes after the welcome and whenever it differs,
+// before the answers of the request or command that changed it.
 //
 // Thread: any; plain values. Each says its fields once, for writing and reading alike.
 #pragma once
@@ -29,7 +29,7 @@ using Subscription = std::vector<std::pair<std::uint32_t, std::string>>;
 
 namespace vesk::net {
 
-inline constexpr std::uint32_t kProtocolVersion = 3;
+inline constexpr std::uint32_t kProtocolVersion = 4;
 
 // What a terminal sends is short.
 inline constexpr std::size_t kLongestRequest = std::size_t{32} * 1024;       // the message's bytes
@@ -70,9 +70,10 @@ struct ControlRequest {
 struct Subscribe {
     static constexpr FrameType kType = FrameType::subscribe;
     std::uint32_t control = 0;
+    std::uint64_t number = 0;
     bool isRenewed = false; // what the terminal may have missed is streamed first
     Subscription fields;
-    void Each(auto&& field) { field(control), field(isRenewed), field(fields); }
+    void Each(auto&& field) { field(control), field(number), field(isRenewed), field(fields); }
 };
 struct Stop {
     static constexpr FrameType kType = FrameType::stop;
@@ -117,8 +118,9 @@ struct Update {
 struct Unsubscribed {
     static constexpr FrameType kType = FrameType::unsubscribed;
     std::uint32_t control = 0;
+    std::uint64_t number = 0; // of the subscription
     std::string text;
-    void Each(auto&& field) { field(control), field(text); }
+    void Each(auto&& field) { field(control), field(number), field(text); }
 };
 
 // A line of words, as ServerCommands has them.

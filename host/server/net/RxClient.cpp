@@ -168,7 +168,7 @@ void RxClient::TakeAnswer(Said&& said) {
 
 void RxClient::On(const net::Unsubscribed& said) {
     const auto found = m_controls.find(said.control);
-    if (found != m_controls.end()) found->second->Forget();
+    if (found != m_controls.end()) found->second->Forget(said.number);
     OnStateChanged(State(), "a subscription was refused: " + Printable(said.text));
 }
 

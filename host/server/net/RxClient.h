@@ -114,6 +114,7 @@ private:
     std::map<std::uint64_t, CommandTold> m_commands; // that the server has not told of
     Deliveries m_deliveries;
     std::uint64_t m_lastRequest = 0; // or command
+    std::uint64_t m_lastSubscription = 0;
     std::uint32_t m_lastControl = 0; // never used again, so a late answer finds nobody
 };
 

@@ -34,8 +34,8 @@ auto OrNothing(Body&& body) noexcept -> decltype(body()) {
 
 void RxClient::Control::Introduce(bool isRenewed) const {
     m_client.m_connection.Say(net::OpenControl{m_id, static_cast<std::uint32_t>(m_kind)});
-    for (const Subscription& fields : m_subscriptions)
-        m_client.m_connection.Say(net::Subscribe{m_id, isRenewed, fields});
+    for (const auto& [number, fields] : m_subscriptions)
+        m_client.m_connection.Say(net::Subscribe{m_id, number, isRenewed, fields});
 }
 
 void RxClient::Control::Tell(void* message, bool isStream) {
@@ -66,8 +66,9 @@ int RxClient::Control::Subscribe(std::uint64_t* out, const std::uint32_t* tags, 
             made.emplace_back(tags[i], qmx::View(values[i]));
         fault = vesk::FaultOf(made, m_subscriptions.size());
         if (fault) return false;
-        m_client.m_connection.Say(net::Subscribe{m_id, false, made});
-        m_subscriptions.push_back(std::move(made));
+        const std::uint64_t number = ++m_client.m_lastSubscription;
+        m_client.m_connection.Say(net::Subscribe{m_id, number, false, made});
+        m_subscriptions.emplace(number, std::move(made));
         return true;
     });
     if (fault) return Fail(error, kQmxBadArgument, fault);

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <map>
 
 namespace vesk {
 
@@ -22,7 +22,8 @@ public:
     // Tells a server that knows nothing of it what it is and is subscribed to.
     void Introduce(bool isRenewed) const;
     bool IsSubscribed() const { return !m_subscriptions.empty(); }
-    void Forget() { m_subscriptions.clear(); }
+    // The subscription with the number is refused.
+    void Forget(std::uint64_t number) { m_subscriptions.erase(number); }
     // Hands its notifier a message. The notifier may destroy the control.
     void Tell(void* message, bool isStream);
 
@@ -52,7 +53,7 @@ private:
     const std::uint32_t m_id;
     const int m_kind;
     CKeloRxNotifierBase& m_notifier;
-    std::vector<Subscription> m_subscriptions;
+    std::map<std::uint64_t, Subscription> m_subscriptions; // by number
 };
 
 } // namespace vesk

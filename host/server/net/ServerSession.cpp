@@ -70,6 +70,8 @@ void ServerSession::On(const net::Hello& said) {
     m_name = said.loginId;
     if (m_limits.logins && !m_limits.logins->IsProven(said, m_nonce))
         return m_output.Refuse("the login is unknown here, or its secret or firm is another");
+    if (m_limits.admits && !m_limits.admits(said.loginId))
+        return m_output.Refuse("too many terminals of this login");
     m_work.emplace(m_server, m_commands, said, m_output);
     m_output.Say(net::Welcome{net::kProtocolVersion, static_cast<std::uint64_t>(m_server.Clock().Now())});
     m_work->TellState();
@@ -105,13 +107,13 @@ void ServerSession::On(net::ServerCommand&& said) {
 void ServerSession::On(const net::Subscribe& said) {
     const auto kind = m_controlKinds.find(said.control);
     if (kind == m_controlKinds.end() || kind->second == kRxRequests)
-        return m_output.Say(net::Unsubscribed{said.control, "there is no such stream control"});
+        return m_output.Say(net::Unsubscribed{said.control, said.number, "there is no such stream control"});
     if (said.fields.size() > net::kMostSubscribedFields) return m_output.Refuse("a subscription to too much");
     if (m_work->Streams().Subscriptions() >= kMostSubscriptions)
         return m_output.Refuse("too many subscriptions");
     if (std::string fault = m_work->Streams().Subscribe(said.control, said.fields, said.isRenewed);
         !fault.empty())
-        m_output.Say(net::Unsubscribed{said.control, std::move(fault)});
+        m_output.Say(net::Unsubscribed{said.control, said.number, std::move(fault)});
 }
 
 void ServerSession::On(const net::Stop& said) {

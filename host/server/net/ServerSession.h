@@ -11,6 +11,7 @@
 #include "host/server/net/TerminalWork.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -27,11 +28,14 @@ struct SessionLimits {
     std::int64_t idleMs = 60'000;                      // and a terminal that wants nothing
     std::size_t requests = 4096;                       // and commands, that wait, before nothing more is read;
     std::size_t requestBytes = std::size_t{8} * 1024 * 1024; // of these
+    std::size_t loginSessions = 32;                          // of one login at a time
     std::size_t turns = 64;                                  // of one pump,
     std::chrono::milliseconds pumpTime{60'000};              // and how long it begins another one
     Checksum checksum = Checksum::crc32;                     // of the frames, both ways
     const Logins* logins = nullptr;                          // who may come, and proves it; null: anybody
     bool takesCommands = true;
+    // Whether the login may have another session; null: always.
+    std::function<bool(std::string_view loginId)> admits{};
 
     // From so many updates on, a terminal is behind.
     std::size_t Backlog() const { return streamBacklog / 4; }
@@ -68,6 +72,7 @@ public:
     // Since the last call.
     Traffic TakeTraffic() { return m_work ? m_work->TakeTraffic() : Traffic(); }
     bool IsStranger() const { return !m_work; }
+    bool IsOf(std::string_view loginId) const { return m_work && !HasEnded() && m_name == loginId; }
     // A stranger has not said, or not proved, who it is; an idle one neither asks nor is subscribed to
     // anything.
     Yielding Yields(std::int64_t nowMs) const;
