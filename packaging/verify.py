@@ -13,7 +13,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(ROOT / 'packaging'))
 import windows  # noqa: E402
 
-NEEDED = ['README.html', 'CONTENTS.txt', 'selftest.cmd', 'SHA256SUMS', 'reference/data/scrips.csv', 'docs/design.html',
+NEEDED = ['README.html', 'Planfold.pdf', 'CONTENTS.txt', 'selftest.cmd', 'SHA256SUMS', 'reference/data/scrips.csv', 'docs/design.html',
           'sdk/HostExports.h', 'sdk/example/ExampleHost.cpp', *(f'licences/{name}.txt' for name in windows.LICENCES),
           *(f'{folder}/{name}' for folder, names in windows.PLACES.items() for name in names if '*' not in name)]
 

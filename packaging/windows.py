@@ -8,6 +8,7 @@ import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 import time
 import zipfile
 
@@ -31,6 +32,13 @@ LICENCES = {
     'mingw-w64-runtime-and-winpthreads': 'mingw-w64-common',
     'gcc-runtime': 'gcc-mingw-w64-x86-64-posix',
 }
+
+# The chapters of the PDF, after README: from the dealer's to the developer's.
+CHAPTERS = ['install', 'guide', 'basket-files', 'troubleshooting', 'hosts', 'server', 'scripts', 'developers', 'design']
+# Pictures of 1280 pixels and code of 120 columns go into the width of a page.
+BOOK = ['--quiet', '--book', '--no-title', '--toclevels', '2', '--charset', 'utf-8', '--no-strict', '--linkstyle', 'plain',
+        '--size', 'a4', '--left', '2cm', '--right', '1.5cm', '--browserwidth', '1300', '--bodyfont', 'Helvetica',
+        '--fontsize', '10', '--header', '...', '--footer', '.t1', '-t', 'pdf14']
 
 PAGE = """<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8"><title>{title}</title>
@@ -72,6 +80,27 @@ def page(source, pages):
     return PAGE.format(title=heading.group(1) if heading else 'Planfold', body=body).encode()
 
 
+def book(files, pages):
+    """The documents as one PDF, from what the zip holds of them."""
+    chapters = ['README.md', *(f'docs/{name}.md' for name in CHAPTERS)]
+    chapters += sorted(name for name in pages if name.endswith('.md') and name not in chapters)
+    with tempfile.TemporaryDirectory() as folder:
+        for name in pages.values():
+            content = files[name]
+            if name.endswith('.html'):
+                content = content.replace(b'<table>', b'<table border="1" cellspacing="0" cellpadding="3" width="100%">')
+                content = re.sub(rb'(?<=<t[dh]>)<img ', b'<img width="600" ', content) # two beside each other
+                content = re.sub(rb'<pre>(.*?)</pre>', rb'<pre><font size="-2">\1</font></pre>', content, flags=re.S)
+            path = pathlib.Path(folder, name)
+            path.parent.mkdir(exist_ok=True)
+            path.write_bytes(content)
+        subprocess.run(['htmldoc', *BOOK, '-f', 'book.pdf', *(pages[name] for name in chapters)], cwd=folder, check=True)
+        content = pathlib.Path(folder, 'book.pdf').read_bytes()
+    # Its identifier is a random one: that of the rest takes its place.
+    start, identifiers, end = re.split(rb'(?<=/ID\[)(<[0-9a-f]{32}><[0-9a-f]{32}>)(?=\])', content)
+    return start + b'<%s>' % hashlib.md5(start + end).hexdigest().encode() * 2 + end
+
+
 def licence(package):
     return pathlib.Path('/usr/share/doc', package, 'copyright').read_bytes()
 
@@ -89,6 +118,7 @@ def contents(dist):
     pages = documents()
     for source, target in pages.items():
         files[target] = page(source, pages) if source.endswith('.md') else (ROOT / source).read_bytes()
+    files['Planfold.pdf'] = book(files, pages)
     for path in sorted((ROOT / 'sdk').rglob('*')):
         if path.is_file():
             files[path.relative_to(ROOT).as_posix()] = path.read_bytes()

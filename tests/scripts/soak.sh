@@ -14,6 +14,6 @@ for copy in 1 2 3 4 5; do
     cat "$dist/data/baskets/good.csv"
 done >"$stage/data/baskets/big.csv"
 awk -v weeks="$weeks" -v seed="$seed" -f "$here/soak/weeks.awk" "$here/soak/week.pieces" >"$out/soak.script"
-PLAY_TIMEOUT=${PLAY_TIMEOUT:-$((60 + weeks * 60))} "$here/play.sh" "$stage" "$out/soak.script" "$out"
+PLAY_TIMEOUT=${PLAY_TIMEOUT:-$((120 + weeks * 120))} "$here/play.sh" "$stage" "$out/soak.script" "$out"
 tr -d '\r' <"$out/soak.log" | awk -f "$here/soak/judge.awk" | tee "$out/figures.txt"
 tail -n 1 "$out/figures.txt" | grep -q '^soak passed'

@@ -1,12 +1,18 @@
 // What a screen reader and the keyboard need of every dialog template, and of the lists of the open windows:
 // names by the system's rule, underlined letters that mean one control, a default button, headings.
+#include "framework/Colours.h"
 #include "tests/window/BookWindowTest.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 
 namespace {
+
+constexpr int kDayReport = 25103, kUpcoming = 25105, kRuns = 25106;
 
 bool HasStyle(HWND window, DWORD style) {
     return (static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE)) & style) == style;
@@ -50,9 +56,41 @@ bool IsTyped(HWND control) {
     return kinds.contains(probe::ClassOf(control));
 }
 
-// What a control shows is its value, not its name, where the user can change it.
-bool IsNamed(HWND control) {
-    return !LabelOf(control).empty() || (!IsTyped(control) && !probe::Text(control).empty());
+// As a screen reader is told it: the label's text, or the control's own where that is not its value. Not every
+// system looks for labels for every class, so that is done here.
+std::string NameOf(HWND control) {
+    if (probe::ClassOf(control) != "Edit") {
+        const std::string label = probe::ClassOf(control) == "Button" ? "" : LabelOf(control);
+        return label.empty() && !IsTyped(control) ? probe::Text(control) : label;
+    }
+    void* found = nullptr;
+    if (FAILED(CreateStdAccessibleObject(control, OBJID_CLIENT, __uuidof(IAccessible), &found))) return "";
+    auto* const object = static_cast<IAccessible*>(found);
+    VARIANT self{};
+    self.vt = VT_I4;
+    self.lVal = CHILDID_SELF;
+    BSTR text = nullptr;
+    std::string name;
+    if (object->get_accName(self, &text) == S_OK && text) name.assign(text, text + SysStringLen(text));
+    SysFreeString(text);
+    object->Release();
+    return name;
+}
+
+// A label that is there for another purpose would name the list, and its text changes.
+bool IsNamedByItself(HWND list) {
+    const HWND label = LabelBefore(list);
+    return !label || MnemonicOf(probe::Text(label));
+}
+
+void ExpectNamed(HWND window) {
+    for (HWND control = GetWindow(window, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+        const std::string kind = probe::ClassOf(control);
+        SCOPED_TRACE(kind + " " + std::to_string(GetDlgCtrlID(control)) + " '" + probe::Text(control) + "'");
+        if (!HasStyle(control, WS_VISIBLE) || kind == "Static" || kind == "msctls_statusbar32") continue;
+        EXPECT_NE(NameOf(control), "");
+        EXPECT_TRUE(kind != "SysListView32" || IsNamedByItself(control)) << "named " << LabelOf(control);
+    }
 }
 
 // OK, Cancel, and what the forms of orders have always had: these are reached by Enter, Escape and Tab.
@@ -98,7 +136,6 @@ protected:
             if (!HasStyle(control, WS_VISIBLE) || IsLabel(control)) continue;
             if (kind == "Static" && TypeOf(control, SS_TYPEMASK) == SS_ICON)
                 continue; // beside a label that says it
-            EXPECT_TRUE(IsNamed(control)) << "no name";
             EXPECT_TRUE(!IsTyped(control) || MnemonicOf(LabelOf(control)) || GoesWithoutMnemonic(control))
                 << "no letter is underlined";
         }
@@ -117,6 +154,7 @@ TEST_F(Accessibility, EveryTemplateNamesItsControlsAndIsReachedByKeys) {
                 [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
             ASSERT_NE(window, nullptr);
             ExpectReachable(window);
+            ExpectNamed(window);
             DestroyWindow(window);
             ++seen;
         }
@@ -124,10 +162,9 @@ TEST_F(Accessibility, EveryTemplateNamesItsControlsAndIsReachedByKeys) {
 }
 
 TEST_F(Accessibility, EveryColumnOfEveryListHasAHeading) {
-    constexpr int dayReport = 25103, upcoming = 25105, runs = 25106;
     Open();
     Pick("SIP Basket Entry");
-    for (const int command : {dayReport, upcoming, runs})
+    for (const int command : {kDayReport, kUpcoming, kRuns})
         Command(command);
     const HWND basket = probe::FindDialog("Planfold Basket Order");
     SendMessageA(basket, WM_COMMAND, IDC_BASKET_CHECK, 0);
@@ -153,6 +190,69 @@ TEST_F(Accessibility, EveryColumnOfEveryListHasAHeading) {
             }
         }
     EXPECT_GE(lists, 8u);
+}
+
+TEST_F(Accessibility, EveryControlOfTheOpenWindowsIsNamed) {
+    Open();
+    Pick("SIP Basket Entry");
+    const HWND basket = probe::FindDialog("Planfold Basket Order"), rows = GetDlgItem(basket, IDC_BASKET_LIST);
+    const Received modes(Fields("echoedRequest=get_sip_operation_mode frequency=0"));
+    host.controls.at(1).notifier->OnResponse(nullptr, modes.Message(), nullptr);
+    FillGoodOrder(basket);
+    probe::SetDate(basket, IDC_START_DATE, DaysFromNow(40));
+    probe::Press(basket, IDC_SUBMIT);
+    EXPECT_EQ(boxes.Texts(), "");
+    SetFocus(rows);
+    ListView_SetItemState(rows, 0, LVIS_FOCUSED, LVIS_FOCUSED);
+    probe::PressKey(VK_F2);
+    const HWND cell = GetFocus();
+    EXPECT_EQ(probe::ClassOf(cell), "Edit");
+    EXPECT_EQ(LabelOf(cell), "Client ID") << "as its column";
+    ExpectNamed(basket);
+    for (const char* entry : {"Order Entry", "SIP Set Restricted Date"})
+        Pick(entry);
+    for (const int command : {kDayReport, kUpcoming, kRuns})
+        Command(command);
+    const HWND box = GetDlgItem(OrderEntry(), IDC_CLIENT_SEARCH);
+    SetFocus(box);
+    probe::SetEdit(OrderEntry(), IDC_CLIENT_SEARCH, "C");
+    probe::PostKey(VK_DOWN);
+    const auto isPopup = [](HWND window) {
+        return IsWindowVisible(window) && GetDlgItem(window, IDC_CLIENT_RESULTS);
+    };
+    EXPECT_TRUE(probe::PumpUntil([&] { return std::ranges::any_of(PluginWindows(), isPopup); }));
+    std::size_t seen = 0;
+    for (const HWND window : PluginWindows()) {
+        if (!IsWindowVisible(window)) continue;
+        SCOPED_TRACE(probe::ClassOf(window) + " " + probe::Text(window));
+        ExpectNamed(window);
+        seen += probe::ClassOf(window) == "#32770" || isPopup(window);
+    }
+    EXPECT_GE(seen, 7u) << "with the list of clients";
+    ExpectNamed(dialog);
+}
+
+// As a sum of what the eye takes of each colour, from 0 to 1.
+double Brightness(COLORREF colour) {
+    const auto part = [](int value) {
+        const double share = value / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour))
+           + 0.0722 * part(GetBValue(colour));
+}
+
+TEST(Colours, CanBeReadOnLightAndDarkWindows) {
+    using framework::Meaning;
+    constexpr double least = 4.5;
+    for (const int grey : {255, 240, 48, 0})
+        for (const Meaning meaning : {Meaning::muted, Meaning::attention, Meaning::good, Meaning::bad}) {
+            const COLORREF window = RGB(grey, grey, grey);
+            const auto [text, own] = framework::ColoursOf(meaning, window);
+            const double first = Brightness(text), second = Brightness(own == CLR_DEFAULT ? window : own);
+            EXPECT_GE((std::max(first, second) + 0.05) / (std::min(first, second) + 0.05), least)
+                << static_cast<int>(meaning) << " on " << grey;
+        }
 }
 
 } // namespace

@@ -28,10 +28,12 @@ protected:
 };
 
 TEST_F(Keyboard, TabVisitsEveryControlInReadingOrder) {
-    Pick("SIP Basket Entry");
+    for (const char* entry : {"SIP Basket Entry", "SIP Set Restricted Date"})
+        Pick(entry);
     const HWND basket = probe::FindDialog("Planfold Basket Order");
     SendMessageA(basket, WM_COMMAND, kDayReport, 0);
-    for (HWND window : {dialog, basket, probe::FindDialog("Orders of a Day")}) {
+    for (HWND window :
+         {dialog, basket, probe::FindDialog("Orders of a Day"), probe::FindDialog("SIP Set Restricted Date")}) {
         dialog = window;
         SetForegroundWindow(dialog);
         std::vector<HWND> stops;
@@ -122,7 +124,10 @@ protected:
     std::vector<Shown> ShownControls(HWND dialog) const {
         std::vector<Shown> shown;
         for (HWND child : probe::Children(dialog)) {
-            if (!IsWindowVisible(child)) continue;
+            // A box around others is there to be stood upon.
+            const bool group = probe::ClassOf(child) == "Button"
+                               && (GetWindowLongPtrA(child, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+            if (!IsWindowVisible(child) || group) continue;
             RECT place = probe::PlaceOf(child);
             MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
             shown.push_back({child,
@@ -256,6 +261,17 @@ TEST_F(Layout, FollowsTheResolution) {
             ExpectNothingClipped(window);
         }
         EXPECT_NEAR(FontHeight(dialog), MulDiv(usual, dpi, USER_DEFAULT_SCREEN_DPI), 1);
+    }
+    // The largest font there is, where all is twice as large.
+    Pick("SIP Set Restricted Date");
+    host.fontSize = 36;
+    plugin->ApplyFont();
+    for (HWND window : PluginWindows()) {
+        if (probe::ClassOf(window) != "#32770") continue;
+        SCOPED_TRACE(probe::Text(window));
+        SendMessageA(window, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&suggested));
+        ExpectNothingClipped(window);
+        ExpectOnScreen(window);
     }
 }
 

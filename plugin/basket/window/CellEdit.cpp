@@ -36,6 +36,17 @@ RECT CellPlace(HWND list, int row, int column) {
     return cell;
 }
 
+std::string Heading(HWND list, int column) {
+    char text[64] = "";
+    HDITEMA heading{};
+    heading.mask = HDI_TEXT;
+    heading.pszText = text;
+    heading.cchTextMax = sizeof text;
+    SendMessageA(ListView_GetHeader(list), HDM_GETITEMA, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&heading));
+    return text;
+}
+
 } // namespace
 
 void CellEdit::Open(HWND dialog, HWND list, int row, int column, const std::string& text, Take take, Go go) {
@@ -54,6 +65,10 @@ void CellEdit::Open(HWND dialog, HWND list, int row, int column, const std::stri
     window.Send(EM_LIMITTEXT, kLongestText);
     window.Send(EM_SETSEL, 0, -1);
     SetWindowPos(edit, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    // A label directly before it names it for screen readers; this one takes no place.
+    m_label = CreateWindowExA(0, WC_STATICA, Heading(list, column).c_str(), WS_CHILD | WS_VISIBLE | SS_NOPREFIX,
+                              place.left, place.top, 0, 0, dialog, nullptr, nullptr, nullptr);
+    SetWindowPos(m_label, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     SetFocus(edit);
 }
 
@@ -63,6 +78,7 @@ void CellEdit::Close() {
     Detach();
     m_balloon.Forget();
     if (edit) DestroyWindow(edit);
+    if (const HWND label = std::exchange(m_label, nullptr); IsWindow(label)) DestroyWindow(label);
 }
 
 void CellEdit::Accept(int step) {

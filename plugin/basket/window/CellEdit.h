@@ -28,12 +28,16 @@ public:
 
 private:
     std::shared_ptr<void> Hold() override { return m_session.owner.lock(); }
-    void OnGone() override { m_balloon.Forget(); }
+    void OnGone() override {
+        m_balloon.Forget();
+        m_label = nullptr;
+    }
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Accept(int step);
 
     const Session& m_session;
     HWND m_list = nullptr;
+    HWND m_label = nullptr;
     Take m_take;
     Go m_go;
     framework::Balloon m_balloon;

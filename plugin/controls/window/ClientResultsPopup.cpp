@@ -60,7 +60,7 @@ void CPopup::Make(HWND box) {
             .exStyle = WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE,
             .rect = {0, 0, 1, 1},
             .parent = GetParent(box)});
-    m_list = CResultsList(CreateWindowExA(0, WC_LISTVIEWA, "",
+    m_list = CResultsList(CreateWindowExA(0, WC_LISTVIEWA, "Clients",
                                           WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL
                                               | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
                                           0, 0, 1, 1, Handle(), reinterpret_cast<HMENU>(IDC_CLIENT_RESULTS),

@@ -2,13 +2,14 @@
 # After some weeks of warming up, nothing that is counted may grow.
 #
 # Memory grows by what is kept on purpose: registrations, with the server and with the book; lines of the log; and a
-# message buffer for each menu pick, until the plug-in ends. What a piece adds beyond the latter two may be no more,
-# for each registration that it makes, than what orders of another session add, which no window of the plug-in
-# places. Two things are the system's: under Wine a file dialog keeps a handle, and a static control 24 bytes.
+# message buffer for each menu pick, until the plug-in ends; what a piece says itself (week.pieces). What a piece adds
+# beyond the latter three may be no more, for each registration that it makes, than what orders of another session add,
+# which no window of the plug-in places. Two things are the system's: under Wine a file dialog keeps a handle, and a
+# static control 24 bytes.
 
 function fault(text) { faults = faults "soak failed: " text "\n" }
 
-function grown(piece) { return sum[piece, "heap"] - 32.1 * sum[piece, "picks"] - 0.16 * sum[piece, "lines"] }
+function grown(piece) { return sum[piece, "heap"] - 32.1 * sum[piece, "picks"] - 0.16 * sum[piece, "lines"] - sum[piece, "kept"] }
 
 BEGIN { split("handles gdi user windows menus icons strings controls", counted) }
 
@@ -22,7 +23,8 @@ BEGIN { split("handles gdi user windows menus icons strings controls", counted) 
     week = $2
     piece = $3
     now["registered"] = $4 + 0
-    for (i = 5; i < NF; i += 2) now[$i] = $(i + 1)
+    now["kept"] = $5 + 0
+    for (i = 6; i < NF; i += 2) now[$i] = $(i + 1)
     now["handles"] -= files
     now["beside"] = now["private"] - now["heap"] # the system's own, and what the heaps keep for later
     if (!(piece in known) && week > 0) {
@@ -46,16 +48,16 @@ END {
             for (i in now) sum[name[n], i] += change[w, name[n], i]
 
     printf "Average of weeks %d to %d, memory in KiB\n\n", settled + 1, weeks
-    printf "%-11s %9s %9s %6s %6s %9s %9s %11s\n", \
-        "piece", "registers", "executes", "lines", "picks", "private", "heap", "unexplained"
+    printf "%-11s %9s %9s %6s %6s %6s %9s %9s %11s\n", \
+        "piece", "registers", "executes", "lines", "picks", "kept", "private", "heap", "unexplained"
     other = grown("others") / sum["others", "registered"]
     for (n = 1; n <= names; ++n) {
         piece = name[n]
         made = sum[piece, "registered"]
         more = grown(piece) - made * other
-        printf "%-11s %9.1f %9.1f %6.1f %6.1f %9.1f %9.1f %11s\n", piece, made / judged, \
+        printf "%-11s %9.1f %9.1f %6.1f %6.1f %6.1f %9.1f %9.1f %11s\n", piece, made / judged, \
             sum[piece, "executed"] / judged, sum[piece, "lines"] / judged, sum[piece, "picks"] / judged, \
-            sum[piece, "private"] / judged, sum[piece, "heap"] / judged, \
+            sum[piece, "kept"] / judged, sum[piece, "private"] / judged, sum[piece, "heap"] / judged, \
             piece == "clock" ? "-" : sprintf("%.1f", more / judged)
         if (piece != "clock" && judged >= 20 && more > judged * 4 + made * other / 2)
             fault(sprintf("\"%s\" adds %.1f KiB a week that nothing explains", piece, more / judged))

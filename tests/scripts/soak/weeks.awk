@@ -13,6 +13,7 @@
 
 END {
     count["week"] = count["days"] = count["registered"] = count["others"] = count["cancelled"] = 0
+    count["kept"] = 0
     if (seed != "") srand(seed)
     for (i = 1; i <= pieces; ++i) order[i] = i
     print "timeout 30"
@@ -35,7 +36,7 @@ function shuffle(    i, k, other) {
 function play(piece,    list, n, i) {
     n = split(lines[piece], list, "\n")
     for (i = 1; i < n; ++i) line(list[i])
-    printf "measure \"%d %s %d\"\n", count["week"], names[piece], count["registered"] + count["cancelled"]
+    printf "measure \"%d %s %d %d\"\n", count["week"], names[piece], count["registered"] + count["cancelled"], count["kept"]
 }
 
 function line(text,    words) {
