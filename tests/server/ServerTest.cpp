@@ -1,6 +1,7 @@
 // What the server takes for its configuration, what it answers, what it journals, and what is left of it after
 // a restart.
 
+#include "host/server/MarketServer.h"
 #include "tests/server/ServerFixture.h"
 
 #include <optional>
@@ -87,6 +88,34 @@ TEST(Server, RefusalLeavesNoTraceAndMayBeRepairedUnderTheSameOrderId) {
               Answers{"echoedRequest= errorCode=100 userText=The server does not know this request"});
     EXPECT_EQ(FileText(folder.File("journal")), "");
     EXPECT_EQ(running.Ask(Order()), Answers{kRegistered});
+}
+
+TEST(MarketServer, TakesOrdersForItsListsClientsAndForAnybodyWithoutAList) {
+    const struct {
+        const char *list, *account;
+        bool isTaken;
+    } cases[] = {
+        {"client,name,mapped\n", "CL2", true},
+        {"client,name,mapped\nCL1,Arbor,Y\n", "CL1", true},
+        {"client,name,mapped\nCL1,Arbor,Y\n", "CL2", false},
+    };
+    const TemporaryFolder folder;
+    const ScripMaster master;
+    for (const auto& each : cases) {
+        auto clients = ClientList::Parse(each.list, "clients.csv");
+        ASSERT_TRUE(clients);
+        MarketServer market(Journal::Open(folder.File("journal")), {}, master, clients.Value(), {}, false);
+        const std::string bytes = Message(Order({{tag::account, each.account},
+                                                 {tag::orderId, each.isTaken ? each.account : "id"},
+                                                 {tag::startDate, "4070908800"}}));
+        const qmx::MessageReader order(bytes);
+        const Reply reply = market.Serving().Handle(order.Handle(), {"USER1", "BROKER", ""}, {});
+        ASSERT_EQ(reply.answers.size(), 1u);
+        const qmx::MessageReader answer(reply.answers.front());
+        const std::string told = planfold::test::Named(qmx::Dump(answer.Handle()));
+        EXPECT_EQ(told.find("errorCode=109") == told.npos, each.isTaken) << told;
+        EXPECT_EQ(told.find("SIP registered") != told.npos, each.isTaken) << told;
+    }
 }
 
 // What a terminal sends again when it does not know whether the first has come, in a row at one server.
