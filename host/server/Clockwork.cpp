@@ -19,7 +19,7 @@ constexpr Date kLastDate{std::chrono::year(2099), std::chrono::December, std::ch
 constexpr std::int64_t kMostAhead = kDaySeconds * 366 * 130;
 
 // What is done between two looks at the clock: one flush of the journal, and some work per registration.
-constexpr std::size_t kInstalmentsAtOnce = 256;
+constexpr std::size_t kInstalmentsAtOnce = 128;
 constexpr std::size_t kSchedulesAtOnce = 1024;
 
 // Some gigabytes of memory. Years of thousands of daily plans would take it all.
