@@ -83,8 +83,9 @@ void Step(ClientSearch& search, Box& box, char step, const std::string& typed) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static test::FakeHost host;
-    static Session session(host.Lookup(), host.IdentityStrings(), host.strings, host.record);
+    // Its strings, which are kept when they are freed, go with it.
+    test::FakeHost host;
+    Session session(host.Lookup(), host.IdentityStrings(), host.strings, host.record);
     session.host.pu_get_entered_text_results = GiveMatches;
     session.host.pu_is_valid_account = IsValid;
     fuzz::Input input(data, size);
