@@ -40,12 +40,13 @@ enum class BasketField : std::uint8_t {
 };
 inline constexpr std::size_t kBasketFieldCount = static_cast<std::size_t>(BasketField::count);
 
-inline constexpr auto kBasketColumns = [] {
-    std::array<BasketField, static_cast<std::size_t>(BasketField::userText)> columns{};
+constexpr auto MakeBasketColumns() {
+    std::array<BasketField, kBasketFieldCount - 1> columns{};
     for (std::size_t i = 0; i < columns.size(); ++i)
         columns[i] = static_cast<BasketField>(i);
     return columns;
-}();
+}
+inline constexpr auto kBasketColumns = MakeBasketColumns();
 
 // The texts of a row while it is put together; they are whoever's.
 using BasketTexts = ByField<BasketField, std::string_view>;
