@@ -26,13 +26,10 @@ if(PLANFOLD_PRECOMPILE)
     house_headers(window_headers ${asked_for_everywhere} <windows.h> <commctrl.h>)
 endif()
 
-# house_precompiled(SET target...): portable_headers for what knows no windows, window_headers for the rest.
-function(house_precompiled set)
-    if(NOT PLANFOLD_PRECOMPILE)
-        return()
-    endif()
-    foreach(target IN LISTS ARGN)
+# house_precompiled(SET TARGET): portable_headers for what knows no windows, window_headers for the rest.
+function(house_precompiled set target)
+    if(PLANFOLD_PRECOMPILE)
         target_compile_options(${target} PRIVATE ${precompiled_options})
         target_precompile_headers(${target} REUSE_FROM ${set})
-    endforeach()
+    endif()
 endfunction()

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <bit>
 #include <climits>
-#include <cstring>
 #include <utility>
 #ifdef __SSE2__
 #include <emmintrin.h>
