@@ -29,22 +29,14 @@ void CopyShort(char* to, const char* from, std::uint32_t length) {
         Store(to + length - 4, tail);
     } else if (length) {
         to[0] = from[0];
-        to[length / 2] = from[length / 2];
-        to[length - 1] = from[length - 1];
+        if (length > 1) std::memcpy(to + length - 2, from + length - 2, 2);
     }
 }
 
-// Whether `bytes` more fit into the message that is being written and into its buffer, of which both still
-// tell the same.
-bool HasRoom(const Message& message, std::uint64_t bytes) {
-    if (message.state != Message::State::writing) return false;
-    const ScratchPrefix& prefix = *PrefixBefore(message.scratch);
-    return IsOpen(prefix) && Load(message.scratch) == message.used
-           && bytes + message.used + kFillSize <= prefix.capacity;
-}
-
+// Whether the message is being written, and it and its buffer still tell the same.
 bool IsWritable(const Message& message) {
-    return HasRoom(message, 0);
+    return message.state == Message::State::writing && PrefixBefore(message.scratch)->seal == message.seal
+           && Load(message.scratch) == message.used;
 }
 
 bool IsReadable(const Message& message) {
@@ -118,29 +110,31 @@ int FindBetween(Message& message, std::uint32_t from, std::uint32_t to, std::uin
     return found != 0;
 }
 
-// Makes the field part of the message. Gives the place of its values, which are there or written at once.
-char* Append(Message& message, const FieldHeader& header) {
+// Makes the field, whose tag is in the filter, part of the message, which ends behind it now. Gives the place of
+// its values, which are there or written at once.
+char* Append(Message& message, std::uint32_t tag, std::uint32_t count, std::uint32_t end) {
     char* const scratch = message.scratch;
     char* const field = MessageStart(scratch) + message.used;
-    const std::uint32_t used = message.used + kFieldHeaderSize + header.size;
-    message.used = used;
-    message.tags.Add(header.tag);
-    Store(scratch, used);
-    Store(MessageStart(scratch) + 4, used);
-    Store(field, header.tag);
-    Store(field + 4, header.count);
-    Store(field + 8, header.size);
+    const std::uint32_t size = end - message.used - kFieldHeaderSize;
+    message.used = end;
+    Store(scratch, end);
+    Store(MessageStart(scratch) + 4, end);
+    Store(field, tag);
+    Store(field + 4, count);
+    Store(field + 8, size);
     return field + kFieldHeaderSize;
 }
 
-[[gnu::noinline]] int AddAnyField(Message& message, std::uint32_t tag, std::uint32_t count,
+[[gnu::noinline]] int AddAnyField(Message* started, std::uint32_t tag, std::uint32_t count,
                                   const QmxDatum* data, QmxError* error) {
+    if (!started) return TellBadMessage(error);
+    Message& message = *started;
     if (!IsWritable(message)) return TellNotWritable(message, error);
     if (count == 0 || !data) return Fail(error, kQmxBadArgument, "field %u has no values", tag);
     if (message.tags.MayHave(tag) && !CheckNotThere(message, tag, error)) return 0;
     // A count that cannot fit is refused before the caller's array is walked.
     const std::uint64_t overhead = kFieldHeaderSize + std::uint64_t{kLengthSize} * count;
-    std::uint64_t left = PrefixBefore(message.scratch)->capacity - kFillSize - message.used;
+    std::uint64_t left = message.limit - message.used;
     if (left < overhead) return Fail(error, kQmxBufferFull, "no room for field %u of %u values", tag, count);
 
     left -= overhead; // which leaves it to the bytes of all values
@@ -156,7 +150,8 @@ char* Append(Message& message, const FieldHeader& header) {
         to += kLengthSize + length;
         left -= length;
     }
-    Append(message, {tag, count, static_cast<std::uint32_t>(to - values)});
+    message.tags.Add(tag);
+    Append(message, tag, count, message.used + kFieldHeaderSize + static_cast<std::uint32_t>(to - values));
     return Succeed(error);
 }
 
@@ -175,6 +170,7 @@ std::optional<std::uint32_t> FindRepeated(const Message& message) {
 bool HoldsItsValues(const Message& message, const FoundField& found) {
     const char* from = message.bytes + found.values;
     std::uint32_t left = found.header.size;
+    if (found.header.count == 1) return left >= kLengthSize && Load(from) == left - kLengthSize;
     std::uint32_t values = 0;
     for (; left >= kLengthSize && values < found.header.count; ++values) {
         const std::uint32_t length = Load(from);
@@ -185,8 +181,10 @@ bool HoldsItsValues(const Message& message, const FoundField& found) {
     return values != 0 && values == found.header.count && left == 0;
 }
 
-[[gnu::noinline]] int ReadAnyField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum,
+[[gnu::noinline]] int ReadAnyField(Message* opened, std::uint32_t tag, std::uint32_t index, QmxDatum* datum,
                                    QmxError* error) {
+    if (!opened) return TellBadMessage(error);
+    Message& message = *opened;
     if (!CheckReadable(message, error)) return 0;
     if (!datum) return Fail(error, kQmxBadArgument, "no place for the value");
     FoundField found;
@@ -194,6 +192,10 @@ bool HoldsItsValues(const Message& message, const FoundField& found) {
 }
 
 } // namespace
+
+int TellBadMessage(QmxError* error) {
+    return Fail(error, kQmxBadHandle, "not an open message handle");
+}
 
 int StartMessage(Message& message, void* scratch, QmxError* error) {
     if (message.state == Message::State::reading)
@@ -203,12 +205,15 @@ int StartMessage(Message& message, void* scratch, QmxError* error) {
     const ScratchPrefix* prefix = PrefixOf(scratch);
     if (!prefix) return Fail(error, kQmxBadHandle, "not an open scratch buffer");
     if (prefix->capacity < kFillSize + kHeaderSize)
-        return Fail(error, kQmxBufferFull, "a scratch buffer of %u bytes holds no message", prefix->capacity);
+        return Fail(error, kQmxBufferFull, "a scratch buffer of %u bytes holds no message",
+                    static_cast<unsigned>(prefix->capacity));
     if (const std::uint32_t fill = Load(static_cast<char*>(scratch)); fill != 0)
         return Fail(error, kQmxBadArgument, "fill length is %u before the start, not 0", fill);
 
     message.state = Message::State::writing;
     message.scratch = static_cast<char*>(scratch);
+    message.seal = prefix->seal;
+    message.limit = static_cast<std::uint32_t>(prefix->capacity) - kFillSize;
     message.bytes = MessageStart(scratch);
     message.used = kHeaderSize;
     message.resume = kHeaderSize;
@@ -219,18 +224,19 @@ int StartMessage(Message& message, void* scratch, QmxError* error) {
     return Succeed(error);
 }
 
-int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error) {
+int AddField(void* handle, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error) {
+    Message* const message = AsMessage(handle);
     // One short value that fits, under a new tag, is the ordinary field. Whatever else there is, and every
     // fault, is left to the general way: so this one needs neither loop nor call.
-    if (count == 1 && data) {
+    if (message && count == 1 && data && data->length <= kShortValue && (data->data || !data->length)
+        && IsWritable(*message)) {
         // Member by member: the caller has just written them so, and one wider load would wait for its stores.
-        const char* const from = data->data;
         const std::uint32_t length = data->length;
-        if (length <= kShortValue && (from || !length)
-            && HasRoom(message, kFieldHeaderSize + kLengthSize + length) && !message.tags.MayHave(tag)) {
-            char* const value = Append(message, {tag, 1, kLengthSize + length});
+        const std::uint32_t end = message->used + kFieldHeaderSize + kLengthSize + length;
+        if (end <= message->limit && message->tags.Add(tag)) {
+            char* const value = Append(*message, tag, 1, end);
             Store(value, length);
-            CopyShort(value + kLengthSize, from, length);
+            CopyShort(value + kLengthSize, data->data, length);
             return Succeed(error);
         }
     }
@@ -254,19 +260,22 @@ int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* 
     return Succeed(error);
 }
 
-int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error) {
-    // The first value of the field behind the last one found is the ordinary wish.
-    std::uint32_t position = message.resume;
-    FoundField found;
-    if (index == 0 && datum && IsReadable(message) && StepOver(message, position, found)
-        && found.header.tag == tag && found.header.count != 0 && found.header.size >= kLengthSize) {
-        const char* const value = message.bytes + found.values;
-        const std::uint32_t length = Load(value);
-        if (length <= found.header.size - kLengthSize) {
-            message.resume = position;
-            datum->data = value + kLengthSize;
-            datum->length = length;
-            return Succeed(error);
+int ReadField(void* handle, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error) {
+    Message* const message = AsMessage(handle);
+    // The first value of the received field behind the last one found is the ordinary wish.
+    if (message && index == 0 && datum && message->state == Message::State::reading) {
+        std::uint32_t position = message->resume;
+        FoundField found;
+        if (StepOver(*message, position, found) && found.header.tag == tag && found.header.count != 0
+            && found.header.size >= kLengthSize) {
+            const char* const value = message->bytes + found.values;
+            const std::uint32_t length = Load(value);
+            if (length <= found.header.size - kLengthSize) {
+                message->resume = position;
+                datum->data = value + kLengthSize;
+                datum->length = length;
+                return Succeed(error);
+            }
         }
     }
     return ReadAnyField(message, tag, index, datum, error);
@@ -305,7 +314,6 @@ int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error) {
 
     message.bytes = bytes.data;
     message.used = bytes.length;
-    message.tags = TagFilter();
     constexpr int mostLookedFor = 16; // with more, who sends a message could make it slow to open
     int maybes = 0;
     for (std::uint32_t position = kHeaderSize; position < message.used;) {
@@ -316,10 +324,9 @@ int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error) {
             return Fail(error, kQmxCorrupt, "field %u does not hold the %u values it claims", found.header.tag,
                         found.header.count);
         if (FoundField before;
-            message.tags.MayHave(found.header.tag) && ++maybes <= mostLookedFor
+            !message.tags.Add(found.header.tag) && ++maybes <= mostLookedFor
             && FindBetween(message, kHeaderSize, fieldStart, found.header.tag, before, error) == 1)
             return Fail(error, kQmxCorrupt, "field %u stands twice", found.header.tag);
-        message.tags.Add(found.header.tag);
     }
     if (maybes > mostLookedFor)
         if (const auto tag = FindRepeated(message))

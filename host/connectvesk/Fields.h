@@ -18,11 +18,13 @@ struct FoundField {
 };
 
 int StartMessage(Message& message, void* scratch, QmxError* error);
-int AddField(Message& message, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error);
 int FindField(Message& message, std::uint32_t tag, FoundField& found, QmxError* error);
-int ReadField(Message& message, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error);
 int ReadValue(const Message& message, const FoundField& field, std::uint32_t index, QmxDatum& datum,
               QmxError* error);
+
+// These two, called for every field, judge the handle themselves.
+int AddField(void* handle, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error);
+int ReadField(void* handle, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error);
 
 // Non-zero while the message can be read; tells why not.
 int CheckReadable(const Message& message, QmxError* error);
@@ -30,6 +32,8 @@ int CheckReadable(const Message& message, QmxError* error);
 int OpenReceived(Message& message, const QmxDatum& bytes, QmxError* error);
 // The field at `position`, which moves behind it. Non-zero when it lies wholly inside the message.
 int NextField(const Message& message, std::uint32_t& position, FoundField& found, QmxError* error);
+
+int TellBadMessage(QmxError* error);
 
 // Filling the error record, which a caller may leave out.
 inline int Succeed(QmxError* error) {

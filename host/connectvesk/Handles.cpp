@@ -63,19 +63,19 @@ Message* NewMessage() {
 void* NewScratch(std::uint32_t size) {
     void* memory = std::malloc(sizeof(ScratchPrefix) + size);
     if (!memory) return nullptr;
-    auto* prefix = new (memory) ScratchPrefix{Mark::scratch, size, ~size};
+    auto* prefix = new (memory) ScratchPrefix{size, SealOf(size)};
     std::memset(prefix + 1, 0, size);
     return prefix + 1;
 }
 
 void Close(Message* message) {
-    *message = Message{};
     message->mark = Mark::closed;
+    message->state = Message::State::idle;
     g_closedMessages.Keep(message);
 }
 
 void Close(ScratchPrefix* prefix) {
-    prefix->mark = Mark::closed;
+    prefix->seal = static_cast<std::uint64_t>(Mark::closed);
     g_closedScratch.Keep(prefix);
 }
 

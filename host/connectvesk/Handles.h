@@ -19,9 +19,8 @@ enum class Mark : std::uint64_t {
 
 // Stands hidden before the buffer that qmx_open_scratch hands out; the buffer begins with the fill length.
 struct alignas(16) ScratchPrefix {
-    Mark mark;
-    std::uint32_t capacity;      // bytes of the buffer, the fill length included
-    std::uint32_t capacityCheck; // its complement: an overrun from in front is noticed
+    std::uint64_t capacity; // bytes of the buffer, the fill length included
+    std::uint64_t seal;     // of an open buffer and this capacity: an overrun from in front is noticed
 };
 
 struct Message {
@@ -30,7 +29,9 @@ struct Message {
     Mark mark = Mark::message;
     State state = State::idle;
     std::uint32_t used = 0;             // bytes of the message, header included
-    char* scratch = nullptr;            // the buffer that is written
+    std::uint32_t limit = 0;            // bytes that it may have in the buffer that is written
+    char* scratch = nullptr;            // that buffer
+    std::uint64_t seal = 0;             // and its seal
     const char* bytes = nullptr;        // the message itself
     std::uint32_t resume = kHeaderSize; // where the look-up of the next field starts
     TagFilter tags;
@@ -46,8 +47,11 @@ inline Message* AsMessage(void* handle) {
 inline ScratchPrefix* PrefixBefore(void* scratch) {
     return static_cast<ScratchPrefix*>(scratch) - 1;
 }
+inline std::uint64_t SealOf(std::uint64_t capacity) {
+    return static_cast<std::uint64_t>(Mark::scratch) ^ capacity;
+}
 inline bool IsOpen(const ScratchPrefix& prefix) {
-    return prefix.mark == Mark::scratch && prefix.capacity == ~prefix.capacityCheck;
+    return prefix.seal == SealOf(prefix.capacity);
 }
 // Null when the pointer is not an open scratch buffer.
 inline ScratchPrefix* PrefixOf(void* scratch) {

@@ -6,22 +6,19 @@
 using qmx::Fail;
 using qmx::Message;
 using qmx::Succeed;
+using qmx::TellBadMessage;
 
 namespace {
 
-int BadMessage(QmxError* error) {
-    return Fail(error, kQmxBadHandle, "not an open message handle");
-}
-
 Message* Readable(void* handle, QmxError* error) {
     Message* message = qmx::AsMessage(handle);
-    if (!message) BadMessage(error);
+    if (!message) TellBadMessage(error);
     return message && CheckReadable(*message, error) ? message : nullptr;
 }
 
 int CloseMessage(void** handle, QmxError* error) {
     Message* message = handle ? qmx::AsMessage(*handle) : nullptr;
-    if (!message) return BadMessage(error);
+    if (!message) return TellBadMessage(error);
     qmx::Close(message);
     *handle = nullptr;
     return Succeed(error);
@@ -97,12 +94,11 @@ int qmx_dtor_primecb(void** primeCb, QmxError* error) {
 
 int qmx_start_msg(void* primeCb, void* scratch, QmxError* error) {
     Message* message = qmx::AsMessage(primeCb);
-    return message ? StartMessage(*message, scratch, error) : BadMessage(error);
+    return message ? StartMessage(*message, scratch, error) : TellBadMessage(error);
 }
 
 int qmx_add_data(void* primeCb, std::uint32_t tag, std::uint32_t count, const QmxDatum* data, QmxError* error) {
-    Message* message = qmx::AsMessage(primeCb);
-    return message ? AddField(*message, tag, count, data, error) : BadMessage(error);
+    return qmx::AddField(primeCb, tag, count, data, error);
 }
 
 int qmx_get_field(void* handle, std::uint32_t tag, QmxField* field, QmxError* error) {
@@ -116,8 +112,7 @@ int qmx_get_field(void* handle, std::uint32_t tag, QmxField* field, QmxError* er
 }
 
 int qmx_get_data(void* handle, std::uint32_t tag, std::uint32_t index, QmxDatum* datum, QmxError* error) {
-    Message* message = qmx::AsMessage(handle);
-    return message ? ReadField(*message, tag, index, datum, error) : BadMessage(error);
+    return qmx::ReadField(handle, tag, index, datum, error);
 }
 
 int qmx_message_bytes(void* handle, QmxDatum* bytes, QmxError* error) {
@@ -130,11 +125,12 @@ int qmx_message_bytes(void* handle, QmxDatum* bytes, QmxError* error) {
 
 int qmx_open_message(void** handle, const QmxDatum* bytes, QmxError* error) {
     if (!handle || !bytes) return Fail(error, kQmxBadArgument, "no bytes, or no place for the handle");
-    Message checked;
-    if (!OpenReceived(checked, *bytes, error)) return 0;
     Message* message = qmx::NewMessage();
     if (!message) return Fail(error, kQmxNoMemory, "no memory for a message handle");
-    *message = checked;
+    if (!OpenReceived(*message, *bytes, error)) {
+        qmx::Close(message);
+        return 0;
+    }
     *handle = message;
     return 1;
 }

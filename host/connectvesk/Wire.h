@@ -46,18 +46,23 @@ inline std::size_t CountFields(std::string_view message) {
     return count;
 }
 
-// Which tags may be in a message: a clear bit says surely not. Saves the writer a scan for doubles and the
-// reader a scan for absent fields.
+// Which tags may be in a message: a clear flag says surely not. Saves the writer a scan for doubles and the
+// reader a scan for absent fields. A byte a flag, which one instruction reads or sets.
 class TagFilter {
 public:
-    void Add(std::uint32_t tag) { m_words[Hash(tag) >> 6] |= Bit(tag); }
-    bool MayHave(std::uint32_t tag) const { return (m_words[Hash(tag) >> 6] & Bit(tag)) != 0; }
+    // False when it may have been there before.
+    bool Add(std::uint32_t tag) {
+        bool& flag = m_flags[Hash(tag)];
+        if (flag) return false;
+        flag = true;
+        return true;
+    }
+    bool MayHave(std::uint32_t tag) const { return m_flags[Hash(tag)]; }
 
 private:
     static std::uint32_t Hash(std::uint32_t tag) { return tag * 0x9E3779B1u >> 24; }
-    static std::uint64_t Bit(std::uint32_t tag) { return 1ull << (Hash(tag) & 63); }
 
-    std::uint64_t m_words[4] = {};
+    bool m_flags[256] = {};
 };
 
 } // namespace qmx
