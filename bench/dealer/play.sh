@@ -1,6 +1,6 @@
 #!/bin/sh
 # bench/dealer/play.sh DIST OUT [LINES]: plays what a dealer waits for in the real terminal, and prints the times:
-# a book of 104,856 rows (of 300,000 registrations on the server), and a basket of so many lines.
+# a book of 104,856 rows (of 300,000 registrations on the server), a basket of so many lines, and a book of a million.
 set -eu
 dist=$1 out=$2 lines=${3:-10000}
 here=$(cd "$(dirname "$0")" && pwd)
@@ -14,7 +14,7 @@ awk -v lines="$lines" 'BEGIN {
 }' > "$out/basket.csv"
 # Each separator becomes two backslashes in the script.
 file=$(printf 'Z:%s/basket.csv' "$out" | sed 's#/#\\\\\\\\#g')
-for script in book basket; do
+for script in book basket million; do
     sed "s#@FILE@#$file#; s/@LINES@/$lines/g" "$here/$script.script" > "$out/$script.script"
     PLAY_TIMEOUT=1200 "$here/../../tests/scripts/play.sh" "$dist" "$out/$script.script" "$out"
     echo "$script:"

@@ -32,8 +32,13 @@ std::string Folded(std::string text) {
 
 std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
     static constexpr auto always = [](Impl&) { return true; };
-    static constexpr auto anySelected = [](Impl& list) { return list.m_model.Selection().Count() > 0; };
+    static constexpr auto canCopy = [](Impl& list) {
+        return list.m_model.Selection().Count() > 0 && !list.m_output.IsUnderWay();
+    };
     static constexpr auto anyShown = [](Impl& list) { return list.m_model.ShownCount() > 0; };
+    static constexpr auto canExport = [](Impl& list) {
+        return list.m_model.ShownCount() > 0 && !list.m_output.IsUnderWay();
+    };
     static constexpr auto hasCell = [](Impl& list) { return list.FilterByThisCell().has_value(); };
     static constexpr auto filtered = [](Impl& list) {
         return list.m_model.Rows().Filters().Of(list.m_clickedColumn) != nullptr;
@@ -42,7 +47,7 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
     static constexpr auto searched = [](Impl& list) { return !list.m_searched.empty(); };
     static constexpr auto sorted = [](Impl& list) { return !list.m_model.Rows().Sort().empty(); };
     static constexpr Entry entries[] = {
-        {0, "Copy\tCtrl+C", false, false, anySelected, &Impl::Copy},
+        {0, "Copy\tCtrl+C", false, false, canCopy, &Impl::Copy},
         {1, "Select All\tCtrl+A", false, false, anyShown, &Impl::SelectAll},
         {2, "Find...\tCtrl+F", false, false, always, &Impl::OpenFind},
         {12, "Find Next\tF3", false, false, searched, &Impl::FindNext},
@@ -54,7 +59,7 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
         {7, "Sort Ascending", true, true, always, &Impl::SortAscending},
         {8, "Sort Descending", false, true, always, &Impl::SortDescending},
         {9, "Natural Order", false, true, sorted, &Impl::SortNaturally},
-        {10, "Export...", true, false, anyShown, &Impl::Export},
+        {10, "Export...", true, false, canExport, &Impl::Export},
         {14, "Columns...", false, true, always, &Impl::OpenColumns},
         {11, "Reset Columns", false, true, always, &Impl::ResetColumns},
     };
@@ -121,7 +126,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnKey(WPARAM key) {
         return 0;
     }
     if (key >= VK_PRIOR && key <= VK_DOWN) m_found = kNone;
-    if (key >= VK_PRIOR && key <= VK_DOWN && !control && !shift) DropLargeSelection();
+    if (key >= VK_PRIOR && key <= VK_DOWN && !control) DropLargeSelection();
     return std::nullopt;
 }
 
@@ -281,9 +286,10 @@ std::vector<korvex::ExportColumn> CFilterListCtrl::Impl::ExportedColumns() const
 
 void CFilterListCtrl::Impl::Copy() {
     AdoptSelection();
-    const auto selected = m_model.SelectedRecords();
-    if (!selected.empty())
-        framework::PutOnClipboard(Handle(), korvex::ToTabbed(*this, ExportedColumns(), selected));
+    auto selected = m_model.SelectedRecords();
+    if (selected.empty()) return;
+    PutOut("Copying", korvex::Notation::tabbed, std::move(selected),
+           [this](const std::string& text) { framework::PutOnClipboard(Handle(), text); });
 }
 
 // While the box is open the list goes on, and may go.
@@ -291,7 +297,18 @@ void CFilterListCtrl::Impl::Export() {
     const HWND top = GetAncestor(Handle(), GA_ROOT);
     const auto path = framework::AskForFileToWrite(top, kExport, m_name + ".csv");
     if (!path || !Handle() || !m_owner) return;
-    const std::string text = korvex::ToCsv(*this, ExportedColumns(), m_model.Rows().ShownRecords());
-    const std::string fault = framework::WriteWhole(*path, text);
-    if (!fault.empty()) m_boxes.Show(top, fault);
+    PutOut("Exporting", korvex::Notation::csv, m_model.Rows().ShownRecords(),
+           [this, path = *path](const std::string& text) {
+               const std::string fault = framework::WriteWhole(path, text);
+               if (!fault.empty()) m_boxes.Show(Handle() ? GetAncestor(Handle(), GA_ROOT) : nullptr, fault);
+           });
+}
+
+// One at a time: what is under way stays, and the user sees how far it is.
+void CFilterListCtrl::Impl::PutOut(const char* name, korvex::Notation notation,
+                                   std::vector<std::uint32_t> records, korvex::ListOutput::Ready ready) {
+    if (m_output.IsUnderWay()) return;
+    if (!m_progress) m_progress.emplace(m_self, m_output);
+    m_output.Start(name, {notation, ExportedColumns(), std::move(records)}, std::move(ready));
+    if (Handle()) m_progress->Follow(Handle());
 }

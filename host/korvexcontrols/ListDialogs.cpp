@@ -193,4 +193,9 @@ bool FindDialog::OnCommand(const framework::Command& command) {
     return true;
 }
 
+OutputProgress::OutputProgress(std::weak_ptr<void> owner, base::LongRun& run)
+    : RunProgressDlg(framework::ModuleHolding(&kInThisModule), run, Owner::enabled, "Rows of the List",
+                     "Alt+S here stops it."),
+      m_owner(std::move(owner)) {}
+
 } // namespace korvex

@@ -5,6 +5,7 @@
 #include "framework/Colours.h"
 #include "framework/Dialog.h"
 #include "framework/KeyboardHook.h"
+#include "framework/RunProgressDlg.h"
 #include "host/korvexcontrols/model/ColumnFilter.h"
 
 #include <functional>
@@ -106,6 +107,17 @@ private:
 
     Step m_step;
     std::string m_text;
+};
+
+// How far rows have gone out. The list can be worked in meanwhile.
+class OutputProgress final : public framework::RunProgressDlg {
+public:
+    OutputProgress(std::weak_ptr<void> owner, base::LongRun& run);
+
+private:
+    std::shared_ptr<void> Hold() override { return m_owner.lock(); }
+
+    std::weak_ptr<void> m_owner;
 };
 
 } // namespace korvex

@@ -95,6 +95,7 @@ bool CFilterListCtrl::Impl::Attach(const Args& args) {
 
 void CFilterListCtrl::Impl::Release() {
     const auto last = std::move(m_self);
+    m_output.Stop(); // nobody is left to ask for cells
     m_header.Save();
     RememberWindow();
     Detach();
@@ -113,6 +114,8 @@ void CFilterListCtrl::Impl::OnGone() {
     if (m_findDialog) m_findDialog->Destroy();
     if (m_columnsDialog) m_columnsDialog->Destroy();
     if (m_viewDialog) m_viewDialog->Destroy();
+    m_output.Finish();
+    if (m_progress) m_progress->Destroy();
     m_works = false;
 }
 
@@ -207,6 +210,7 @@ void CFilterListCtrl::Impl::Remove(std::uint32_t record) {
 }
 
 void CFilterListCtrl::Impl::RemoveAll() {
+    m_output.Finish();
     Apply([&] { return m_model.RemoveAll(); });
 }
 
@@ -365,9 +369,15 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     case WM_LBUTTONDOWN:
     case WM_RBUTTONDOWN:
         OnMouseDown({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
-        if (message == WM_LBUTTONDOWN && m_clickedRecord != kNone && !(wParam & (MK_CONTROL | MK_SHIFT)))
+        if (message == WM_LBUTTONDOWN && m_clickedRecord != kNone && !(wParam & MK_CONTROL))
             DropLargeSelection();
         return std::nullopt;
+    case LVM_SETITEMSTATE: {
+        const auto& item = *reinterpret_cast<const LVITEMA*>(lParam);
+        const bool deselects = (item.stateMask & ~item.state & LVIS_SELECTED) != 0;
+        if (static_cast<int>(wParam) < 0 && deselects && !m_sync.Busy()) DropLargeSelection();
+        return std::nullopt;
+    }
     case WM_DESTROY:
         m_header.Save();
         RememberWindow();

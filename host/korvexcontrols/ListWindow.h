@@ -11,7 +11,7 @@
 #include "host/korvexcontrols/ListDialogs.h"
 #include "host/korvexcontrols/ListHeader.h"
 #include "host/korvexcontrols/ListSync.h"
-#include "host/korvexcontrols/model/Export.h"
+#include "host/korvexcontrols/model/ListOutput.h"
 #include "host/korvexcontrols/model/ListSums.h"
 #include "sdk/korvex/ListExtras.h"
 
@@ -152,6 +152,8 @@ private:
     void SortDescending() { SortBy(true); }
     void SortNaturally();
     void Export();
+    void PutOut(const char* name, korvex::Notation notation, std::vector<std::uint32_t> records,
+                korvex::ListOutput::Ready ready);
     void ResetColumns();
 
     CFilterListCtrl* m_face = nullptr;
@@ -189,5 +191,7 @@ private:
     std::optional<korvex::FindDialog> m_findDialog;
     std::optional<korvex::ColumnsDialog> m_columnsDialog;
     std::optional<korvex::ViewDialog> m_viewDialog;
+    korvex::ListOutput m_output{m_model, *this};
+    std::optional<korvex::OutputProgress> m_progress;
     framework::MessageBoxes m_boxes{"Export"};
 };

@@ -1,9 +1,9 @@
 // What lists of many records need: numbers for the records, and runs over them.
 #pragma once
 
-#include <cstddef>
+#include "base/LongRun.h"
+
 #include <cstdint>
-#include <string>
 
 namespace planfold {
 
@@ -11,23 +11,6 @@ namespace planfold {
 using RecordId = std::uint32_t;
 inline constexpr RecordId kNoRecord = UINT32_MAX;
 
-// Work that may take long, done in portions, so that the window keeps painting and the user can stop it.
-class LongRun {
-public:
-    virtual bool IsUnderWay() const = 0;
-    // The next portion; nothing when no run is under way.
-    virtual void Continue() = 0;
-    // The user wishes it.
-    virtual void Stop() = 0;
-    // Whether there is anything left that would not be done then.
-    virtual bool CanStop() const { return true; }
-    // How far it has come: a line for the user, and two numbers. Only while it is under way.
-    virtual std::string Progress() const = 0;
-    virtual std::size_t Done() const = 0;
-    virtual std::size_t Total() const = 0;
-
-protected:
-    ~LongRun() = default;
-};
+using base::LongRun;
 
 } // namespace planfold

@@ -163,7 +163,7 @@ TEST(Export, QuotesAndDisarmsCells) {
         ValueType type;
         const char *csv, *tabbed;
     };
-    const ValueType text = ValueType::text, amount = ValueType::amount;
+    using enum ValueType;
     const Row rows[] = {
         {"plain", text, "plain", "plain"},
         {"a,b", text, "\"a,b\"", "a,b"},
@@ -186,13 +186,16 @@ TEST(Export, QuotesAndDisarmsCells) {
         }
         std::string_view cell;
     } source;
-    const std::uint32_t records[] = {0};
     for (const Row& row : rows) {
         source.cell = row.cell;
         const ExportColumn columns[] = {{0, "=H", row.type}, {1, "I", row.type}};
-        EXPECT_EQ(ToCsv(source, columns, records), std::string("'=H,I\r\n") + row.csv + "," + row.csv + "\r\n");
-        EXPECT_EQ(ToTabbed(source, columns, records),
-                  std::string("'=H\tI\r\n") + row.tabbed + "\t" + row.tabbed + "\r\n");
+        const auto text = [&](Notation notation) {
+            RowsText out(notation, {columns, columns + 2}, {0, 1});
+            out.AddSome(source, [](std::uint32_t record) { return record == 1; });
+            return out.Text();
+        };
+        EXPECT_EQ(text(Notation::csv), std::string("'=H,I\r\n") + row.csv + "," + row.csv + "\r\n");
+        EXPECT_EQ(text(Notation::tabbed), std::string("'=H\tI\r\n") + row.tabbed + "\t" + row.tabbed + "\r\n");
     }
 }
 

@@ -153,6 +153,34 @@ TEST_F(FilterList, AnExportIsWholeOrNotThere) {
     EXPECT_EQ(probe::OnClipboard(), "Symbol\tAmount\tState\r\n'=1+1\t-5.50\ta,\"b\"\r\n");
 }
 
+TEST_F(FilterList, ALongCopyShowsHowFarItIsAndCanBeStopped) {
+    constexpr int stop = IDCANCEL, end = 0, close = 1;
+    constexpr std::uint32_t rows = 5000;
+    Fill(rows);
+    const auto progress = [] { return probe::FindDialog("Rows of the List"); };
+    for (const int way : {stop, end, close}) {
+        control->SelectOnly(0);
+        Run(copy);
+        const std::string one = probe::OnClipboard();
+        Run(selectAll);
+        piecesTakeMs = 60;
+        Run(copy);
+        ASSERT_TRUE(probe::PumpUntil([&] { return progress() && IsWindowVisible(progress()); })) << way;
+        EXPECT_TRUE(IsWindowEnabled(parent));
+        EXPECT_EQ(GetFocus(), list);
+        Run(copy); // while one is under way
+        piecesTakeMs = 1;
+        if (way == stop) probe::Press(progress(), stop);
+        if (way == close) Close();
+        EXPECT_TRUE(probe::PumpUntil([&] { return !progress(); }));
+        const std::string now = probe::OnClipboard();
+        if (way == stop)
+            EXPECT_EQ(now, one);
+        else
+            EXPECT_EQ(std::ranges::count(now, '\n'), rows + 1) << way;
+    }
+}
+
 TEST_F(FilterList, FindGoesOnFromTheHitWhateverComesAndStandsBesideIt) {
     Fill(60);
     for (const std::uint32_t record : {50u, 30u, 10u})

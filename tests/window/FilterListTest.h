@@ -157,6 +157,7 @@ protected:
     }
     void CellTexts(const std::uint32_t* records, std::uint32_t count, std::int32_t column,
                    KorvexText* texts) noexcept override {
+        if (count > 100) Sleep(piecesTakeMs);
         for (std::uint32_t i = 0; i < count; ++i) {
             const std::string& text = cells[records[i]][static_cast<std::size_t>(column)];
             texts[i] = {text.data(), static_cast<std::uint32_t>(text.size())};
@@ -190,5 +191,6 @@ protected:
     std::unique_ptr<CFilterListCtrl> control;
     HWND parent = nullptr, list = nullptr;
     int changes = 0;
+    DWORD piecesTakeMs = 0; // of many cells
     std::function<void()> onChange;
 };

@@ -38,58 +38,54 @@ void AddOnOneLine(std::string& text, std::string_view cell, bool disarm) {
     std::replace_if(text.begin() + static_cast<std::ptrdiff_t>(begin), text.end(), breaks, ' ');
 }
 
-struct Notation {
+struct Spelling {
     char separator;
     void (*add)(std::string& text, std::string_view cell, bool disarm);
     bool isoDates; // a program reads it
 };
-constexpr Notation kCsv{',', AddQuoted, true}, kTabbed{'\t', AddOnOneLine, false};
+const Spelling& SpellingOf(Notation notation) {
+    static constexpr Spelling spellings[] = {{',', AddQuoted, true}, {'\t', AddOnOneLine, false}};
+    return spellings[static_cast<std::size_t>(notation)];
+}
 
-void AddCell(std::string& text, std::string_view cell, ValueType type, const Notation& notation) {
+void AddCell(std::string& text, std::string_view cell, ValueType type, const Spelling& spelling) {
     const bool mayBeDate = type == ValueType::text || type == ValueType::date;
-    if (const auto date = notation.isoDates && mayBeDate ? IsoDate(cell) : std::nullopt)
-        return notation.add(text, *date, false);
-    notation.add(text, cell, MustBeDisarmed(cell, type));
-}
-
-// The source is asked once a column for many rows; the rows are then put together.
-void AddRows(std::string& text, CellSource& source, std::span<const ExportColumn> columns,
-             std::span<const std::uint32_t> records, const Notation& notation) {
-    std::vector<std::string_view> cells(columns.size() * records.size());
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        source.Cells(records, columns[i].column, &cells[i * records.size()]);
-    for (std::size_t row = 0; row < records.size(); ++row) {
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (i) text += notation.separator;
-            AddCell(text, cells[i * records.size() + row], columns[i].type, notation);
-        }
-        text += "\r\n";
-    }
-}
-
-std::string Compose(CellSource& source, std::span<const ExportColumn> columns,
-                    std::span<const std::uint32_t> records, const Notation& notation) {
-    std::string text;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (i) text += notation.separator;
-        notation.add(text, columns[i].heading, MustBeDisarmed(columns[i].heading, ValueType::text));
-    }
-    text += "\r\n";
-    for (std::size_t at = 0; at < records.size(); at += kBatch)
-        AddRows(text, source, columns, records.subspan(at, std::min(kBatch, records.size() - at)), notation);
-    return text;
+    if (const auto date = spelling.isoDates && mayBeDate ? IsoDate(cell) : std::nullopt)
+        return spelling.add(text, *date, false);
+    spelling.add(text, cell, MustBeDisarmed(cell, type));
 }
 
 } // namespace
 
-std::string ToCsv(CellSource& source, std::span<const ExportColumn> columns,
-                  std::span<const std::uint32_t> records) {
-    return Compose(source, columns, records, kCsv);
+RowsText::RowsText(Notation notation, std::vector<ExportColumn> columns, std::vector<std::uint32_t> records)
+    : m_notation(notation), m_columns(std::move(columns)), m_records(std::move(records)) {
+    const Spelling& spelling = SpellingOf(m_notation);
+    for (const ExportColumn& column : m_columns) {
+        if (&column != m_columns.data()) m_text += spelling.separator;
+        spelling.add(m_text, column.heading, MustBeDisarmed(column.heading, ValueType::text));
+    }
+    m_text += "\r\n";
 }
 
-std::string ToTabbed(CellSource& source, std::span<const ExportColumn> columns,
-                     std::span<const std::uint32_t> records) {
-    return Compose(source, columns, records, kTabbed);
+void RowsText::AddSome(CellSource& source, const std::function<bool(std::uint32_t)>& gone) {
+    const auto some = std::span(m_records).subspan(m_done, std::min(kBatch, m_records.size() - m_done));
+    m_done += some.size();
+    AddRows(source, some.first(some.size() - std::ranges::remove_if(some, gone).size()));
+}
+
+// The source is asked once a column for many rows; the rows are then put together.
+void RowsText::AddRows(CellSource& source, std::span<const std::uint32_t> records) {
+    const Spelling& spelling = SpellingOf(m_notation);
+    std::vector<std::string_view> cells(m_columns.size() * records.size());
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
+        source.Cells(records, m_columns[i].column, &cells[i * records.size()]);
+    for (std::size_t row = 0; row < records.size(); ++row) {
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
+            if (i) m_text += spelling.separator;
+            AddCell(m_text, cells[i * records.size() + row], m_columns[i].type, spelling);
+        }
+        m_text += "\r\n";
+    }
 }
 
 } // namespace korvex

@@ -16,7 +16,7 @@ END {
     count["kept"] = 0
     if (seed != "") srand(seed)
     for (i = 1; i <= pieces; ++i) order[i] = i
-    print "timeout 30"
+    print "timeout 120" # the machine may have other work
     play(1)
     while (++count["week"] <= weeks) {
         if (seed != "") shuffle()

@@ -1,11 +1,11 @@
-#include "plugin/controls/window/RunProgressDlg.h"
+#include "framework/RunProgressDlg.h"
 
 #include "framework/KeyboardHook.h"
-#include "plugin/resources/resource.h"
+#include "framework/resource.h"
 
 #include <algorithm>
 
-namespace planfold {
+namespace framework {
 
 namespace {
 
@@ -16,10 +16,11 @@ constexpr int kMargin = 12;              // pixels at 96 DPI
 
 } // namespace
 
-CRunProgressDlg::CRunProgressDlg(HINSTANCE module, const Session& session, LongRun& run, Owner owner)
-    : Dialog(module, IDD_RUN_PROGRESS), m_session(session), m_run(run), m_owner(owner) {}
+RunProgressDlg::RunProgressDlg(HINSTANCE module, base::LongRun& run, Owner owner, const char* caption,
+                               const char* note)
+    : Dialog(module, IDD_RUN_PROGRESS), m_run(run), m_owner(owner), m_caption(caption), m_note(note) {}
 
-void CRunProgressDlg::Follow(HWND owner) {
+void RunProgressDlg::Follow(HWND owner) {
     if (!m_run.IsUnderWay()) return Destroy();
     if (HasWindow()) return;
     const HWND root = GetAncestor(owner, GA_ROOT);
@@ -34,20 +35,28 @@ void CRunProgressDlg::Follow(HWND owner) {
     if (wasActive) Item(IDCANCEL).Focus();
 }
 
-void CRunProgressDlg::OnInit() {
-    Item(IDC_RUN_NOTE)
-        .SetText(m_owner == Owner::enabled ? "Esc in the book stops it, and Alt+S here."
-                                           : "Esc or Alt+S stops it.");
+void RunProgressDlg::OnClose() {
+    m_run.Stop();
+    if (!m_run.IsUnderWay()) Destroy();
+}
+
+void RunProgressDlg::OnInit() {
+    Self().SetText(m_caption);
+    Item(IDC_RUN_NOTE).SetText(m_note);
     ShowState();
     SetTimer(Handle(), kPortionTimer, kPortionMs, nullptr);
 }
 
-std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+std::optional<LRESULT> RunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     // A key that is held down was meant for the window before.
-    if (message == framework::kOfferedKey) return framework::IsRepeated(lParam) && wParam != VK_TAB;
+    if (message == kOfferedKey) return IsRepeated(lParam) && wParam != VK_TAB;
     if (message != WM_TIMER || wParam != kPortionTimer) return std::nullopt;
     m_run.Continue();
-    if (!HasWindow() || !m_run.IsUnderWay()) return 0;
+    if (!HasWindow()) return 0;
+    if (!m_run.IsUnderWay()) {
+        Destroy();
+        return 0;
+    }
     ShowState();
     if (!IsWindowVisible(Handle()) && GetTickCount64() - m_startedMs >= kNoticedMs) ShowBeside();
     return 0;
@@ -55,7 +64,7 @@ std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, L
 
 // In the lower right corner of what it belongs to, where a box in the middle does not hide it; in front, but
 // the keyboard stays where the dealer works.
-void CRunProgressDlg::ShowBeside() {
+void RunProgressDlg::ShowBeside() {
     const HWND owner = GetWindow(Handle(), GW_OWNER);
     MONITORINFO screen{};
     screen.cbSize = sizeof screen;
@@ -63,14 +72,14 @@ void CRunProgressDlg::ShowBeside() {
     RECT room{}, own{};
     GetWindowRect(owner, &room);
     GetWindowRect(Handle(), &own);
-    const int margin = framework::Scaled(kMargin, Self().Dpi());
+    const int margin = Scaled(kMargin, Self().Dpi());
     const LONG x = std::min(room.right, screen.rcWork.right) - (own.right - own.left) - margin;
     const LONG y = std::min(room.bottom, screen.rcWork.bottom) - (own.bottom - own.top) - margin;
     SetWindowPos(Handle(), HWND_TOP, std::max(x, screen.rcWork.left), std::max(y, screen.rcWork.top), 0, 0,
                  SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
 }
 
-void CRunProgressDlg::ShowState() {
+void RunProgressDlg::ShowState() {
     Item(IDC_RUN_TEXT).SetText(m_run.Progress());
     Item(IDC_RUN_BAR).Send(PBM_SETRANGE32, 0, static_cast<LPARAM>(m_run.Total()));
     Item(IDC_RUN_BAR).Send(PBM_SETPOS, static_cast<WPARAM>(m_run.Done()));
@@ -79,4 +88,4 @@ void CRunProgressDlg::ShowState() {
     Item(IDC_RUN_NOTE).Show(m_run.CanStop());
 }
 
-} // namespace planfold
+} // namespace framework
