@@ -27,6 +27,11 @@ public:
     virtual std::size_t Total() const = 0;
 
 protected:
+    // What is done by the end of the first portion needs no progress window.
+    static constexpr std::int64_t kFirstPortionMs = 500;
+    static constexpr std::int64_t kFirstReckoningMs = 300; // of the windows of runs
+    static constexpr std::int64_t kPortionMs = 50;         // each later one
+
     ~LongRun() = default;
 };
 
