@@ -10,7 +10,7 @@ namespace planfold {
 namespace {
 
 constexpr UINT_PTR kPortionTimer = 1;
-constexpr UINT kPortionMs = 20;
+constexpr UINT kPortionTickMs = 20;
 constexpr std::int64_t kNoticedMs = 400; // what is over by then needs no window
 constexpr int kMargin = 12;              // pixels at 96 DPI
 
@@ -39,7 +39,7 @@ void CRunProgressDlg::OnInit() {
         .SetText(m_owner == Owner::enabled ? "Esc in the book stops it, and Alt+S here."
                                            : "Esc or Alt+S stops it.");
     ShowState();
-    SetTimer(Handle(), kPortionTimer, kPortionMs, nullptr);
+    SetTimer(Handle(), kPortionTimer, kPortionTickMs, nullptr);
 }
 
 std::optional<LRESULT> CRunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
