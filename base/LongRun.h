@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace base {
@@ -21,6 +22,11 @@ public:
     virtual std::size_t Total() const = 0;
 
 protected:
+    // What is done by the end of the first portion needs no progress window.
+    static constexpr std::int64_t kFirstPortionMs = 500;
+    static constexpr std::int64_t kFirstReckoningMs = 300; // where nothing is sent
+    static constexpr std::int64_t kPortionMs = 50;         // each later one
+
     ~LongRun() = default;
 };
 

@@ -163,6 +163,11 @@ std::string Joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
 std::string_view WithoutMark(std::string_view text) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text.starts_with(mark)) text.remove_prefix(mark.size());

@@ -32,6 +32,9 @@ std::optional<Number> ReadNumber(std::string_view text, int base = 10) {
     return number;
 }
 
+// Without those of the blanks that stand before and behind it.
+std::string_view Trimmed(std::string_view text, std::string_view blanks);
+
 // A byte order mark at the start of a file belongs to no field.
 std::string_view WithoutMark(std::string_view text);
 

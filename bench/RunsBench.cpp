@@ -13,10 +13,6 @@ using namespace planfold;
 constexpr std::uint32_t kRecords = 1'000'000, kClients = 200;
 const Day kToday = *ReadServerDay("22-Mar-2027");
 
-std::string DateText(Day day) {
-    return FormatPlannedDate(DateOf(day));
-}
-
 // Plans of every frequency and value that began within the last two years; one in ten is paused.
 std::shared_ptr<OrderCache> SampleBook() {
     const auto book = std::make_shared<OrderCache>();
@@ -27,8 +23,8 @@ std::shared_ptr<OrderCache> SampleBook() {
         const auto schedule = Schedule::Of(start, frequency.word);
         const Day next = closed.FirstOpen(*schedule->Due(schedule->PlaceBy(kToday) + 1));
         const std::string number = Format("SIP%010u", i), account = Format("CL%u", i * 31 % kClients),
-                          startDate = DateText(start), nextDate = DateText(next),
-                          end = DateText(next + std::chrono::days(400)),
+                          startDate = FormatPlannedDate(start), nextDate = FormatPlannedDate(next),
+                          end = FormatPlannedDate(next + std::chrono::days(400)),
                           amount = Format("%u.00", 100 + i % 50000);
         OrderChanges changes;
         changes[OrderField::account] = account;

@@ -33,15 +33,11 @@ if(NOT PLANFOLD_SANITIZE)
     add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
 endif()
 
-# house_library(NAME SOURCES... [LINK libs...] [HEADERS set]), with the set of Precompiled.cmake that is not portable
+# house_library(NAME SOURCES... [LINK libs...])
 function(house_library name)
-    cmake_parse_arguments(arg "" "HEADERS" "LINK" ${ARGN})
+    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
     add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PUBLIC sdk ${arg_LINK} PRIVATE house_rules)
-    if(NOT arg_HEADERS)
-        set(arg_HEADERS portable_headers)
-    endif()
-    house_precompiled(${arg_HEADERS} ${name})
 endfunction()
 
 if(PLANFOLD_FUZZ)

@@ -10,7 +10,7 @@ namespace framework {
 namespace {
 
 constexpr UINT_PTR kPortionTimer = 1;
-constexpr UINT kPortionMs = 20;
+constexpr UINT kPortionTickMs = 20;
 constexpr std::int64_t kNoticedMs = 400; // what is over by then needs no window
 constexpr int kMargin = 12;              // pixels at 96 DPI
 
@@ -44,7 +44,7 @@ void RunProgressDlg::OnInit() {
     Self().SetText(m_caption);
     Item(IDC_RUN_NOTE).SetText(m_note);
     ShowState();
-    SetTimer(Handle(), kPortionTimer, kPortionMs, nullptr);
+    SetTimer(Handle(), kPortionTimer, kPortionTickMs, nullptr);
 }
 
 std::optional<LRESULT> RunProgressDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {

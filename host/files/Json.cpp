@@ -6,14 +6,14 @@ namespace vesk {
 
 using nlohmann::json;
 
-namespace {
-
 // The parser's way through the text. It may have read one character more than it has understood, such as the
 // line feed behind a number, so the line is the one on which the last character stands.
 struct ParsedJson {
     std::size_t line = 1;
     char last = 0;
 };
+
+namespace {
 
 class Position {
 public:

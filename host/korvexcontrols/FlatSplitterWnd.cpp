@@ -15,7 +15,7 @@ using framework::Guard;
 
 namespace {
 
-constexpr char kSection[] = "Splitters";
+constexpr char kSplitters[] = "Splitters";
 constexpr int kThickness = 6; // pixels at 96 DPI
 constexpr int kKeyStep = 8;
 constexpr int kFarthest = 1 << 20;
@@ -78,9 +78,9 @@ bool CFlatSplitterWnd::Impl::Open(const CFlatSplitterWnd::Args& args) {
     m_firstLeast = args.firstLeast;
     m_secondLeast = args.secondLeast;
     m_usual = korvex::SplitPosition(args.firstShare * (korvex::SplitPosition::kWhole / 100));
-    const std::string kept = korvex::ReadRecovered(korvex::RecoveryFile::dialogPositions, kSection, m_name);
+    const std::string kept = korvex::ReadRecovered(korvex::RecoveryFile::dialogPositions, kSplitters, m_name);
     m_position = korvex::ReadSplit(kept).value_or(m_usual);
-    if (!Create({.module = framework::ModuleHolding(&kSection),
+    if (!Create({.module = framework::ModuleHolding(&kSplitters),
                  .className = "KorvexSplitter",
                  .classStyle = CS_DBLCLKS,
                  .caption = "Splitter",
@@ -208,10 +208,10 @@ void CFlatSplitterWnd::Impl::Paint() const {
 
 void CFlatSplitterWnd::Impl::Remember() const {
     const std::string share = std::to_string(m_position.Share());
-    const std::string kept = korvex::ReadRecovered(korvex::RecoveryFile::dialogPositions, kSection, m_name);
+    const std::string kept = korvex::ReadRecovered(korvex::RecoveryFile::dialogPositions, kSplitters, m_name);
     const bool neverMoved = kept.empty() && m_position.Share() == m_usual.Share();
     if (share != kept && !neverMoved)
-        korvex::WriteRecovered(korvex::RecoveryFile::dialogPositions, kSection, m_name, share);
+        korvex::WriteRecovered(korvex::RecoveryFile::dialogPositions, kSplitters, m_name, share);
 }
 
 CFlatSplitterWnd::CFlatSplitterWnd() noexcept

@@ -152,7 +152,7 @@ void ViewDialog::OnInit() {
 
 bool ViewDialog::OnCommand(const framework::Command& command) {
     if (command.id != IDOK) return false;
-    const std::string name(Trimmed(Item(IDC_VIEW_NAME).Text()));
+    const std::string name(base::Trimmed(Item(IDC_VIEW_NAME).Text(), " "));
     if (name.empty()) return true;
     const Named named = m_named;
     Destroy();

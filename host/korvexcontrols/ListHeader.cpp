@@ -10,7 +10,7 @@
 namespace korvex {
 namespace {
 
-constexpr char kSection[] = "Lists";
+constexpr char kLists[] = "Lists";
 
 std::vector<int> GivenOrder(std::size_t columns) {
     std::vector<int> order(columns);
@@ -31,7 +31,7 @@ void ListHeader::Attach(HWND list, std::vector<Column> columns, std::string name
     m_name = std::move(name);
     m_scale = m_list.Scale();
     Insert();
-    m_saved = ReadRecovered(RecoveryFile::userSettings, kSection, m_name);
+    m_saved = ReadRecovered(RecoveryFile::userSettings, kLists, m_name);
     if (const auto state = ReadColumns(m_saved, m_columns.size())) Apply(state->order, state->widths);
 }
 
@@ -87,7 +87,7 @@ void ListHeader::Save() {
     if (!m_list || m_columns.empty()) return;
     std::string line = WriteColumns(State());
     if (line == m_saved) return;
-    WriteRecovered(RecoveryFile::userSettings, kSection, m_name, line);
+    WriteRecovered(RecoveryFile::userSettings, kLists, m_name, line);
     m_saved = std::move(line);
 }
 

@@ -13,7 +13,7 @@ namespace korvex {
 
 namespace {
 
-constexpr char kSection[] = "Dialogs";
+constexpr char kDialogs[] = "Dialogs";
 
 struct Place {
     POINT corner;
@@ -71,12 +71,12 @@ void RememberPlace(HWND window, const std::string& name) {
             Rescaled(NormalSize(window), framework::Window(window).Dpi(), USER_DEFAULT_SCREEN_DPI);
         text += "," + std::to_string(size.cx) + "," + std::to_string(size.cy);
     }
-    if (text != ReadRecovered(RecoveryFile::dialogPositions, kSection, name))
-        WriteRecovered(RecoveryFile::dialogPositions, kSection, name, text);
+    if (text != ReadRecovered(RecoveryFile::dialogPositions, kDialogs, name))
+        WriteRecovered(RecoveryFile::dialogPositions, kDialogs, name, text);
 }
 
 void RestorePlace(HWND window, const std::string& name) {
-    const auto kept = ReadPlace(ReadRecovered(RecoveryFile::dialogPositions, kSection, name));
+    const auto kept = ReadPlace(ReadRecovered(RecoveryFile::dialogPositions, kDialogs, name));
     if (!kept) return;
     RECT place{};
     GetWindowRect(window, &place);

@@ -1,5 +1,6 @@
 #include "host/market/ClientList.h"
 
+#include "base/Text.h"
 #include "host/market/CsvLines.h"
 
 #include <algorithm>
@@ -7,19 +8,14 @@
 namespace vesk {
 namespace {
 
-constexpr std::string_view kHeading = "client,name,mapped";
+constexpr std::string_view kClientHeading = "client,name,mapped";
+constexpr std::string_view kBlank = " ";
 
 std::string Upper(std::string_view text) {
     std::string result(text);
     for (char& c : result)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
     return result;
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 } // namespace
@@ -33,7 +29,7 @@ Loaded<ClientList> ClientList::Load(const std::string& path) {
 Loaded<ClientList> ClientList::Parse(std::string_view text, std::string_view fileName) {
     ClientList list;
     list.m_clients.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1);
-    auto fault = ReadCsv(text, fileName, kHeading,
+    auto fault = ReadCsv(text, fileName, kClientHeading,
                          [&](std::span<const std::string_view> fields) -> std::optional<std::string> {
                              if (fields[0].empty()) return "client is empty";
                              if (fields[2] != "Y" && fields[2] != "N")
@@ -54,10 +50,11 @@ const Client* ClientList::Find(std::string_view id) const {
 }
 
 std::vector<const Client*> ClientList::Search(int mode, std::string_view text) const {
-    const std::string wanted = Upper(Trimmed(text));
+    const std::string wanted = Upper(base::Trimmed(text, kBlank));
     std::vector<const Client*> result;
     if (wanted.ends_with('(')) {
-        if (const Client* exact = Find(Trimmed(std::string_view(wanted).substr(0, wanted.size() - 1))))
+        const std::string_view id = std::string_view(wanted).substr(0, wanted.size() - 1);
+        if (const Client* exact = Find(base::Trimmed(id, kBlank)))
             result.push_back(exact);
         return result;
     }

@@ -10,7 +10,7 @@
 namespace vesk {
 namespace {
 
-constexpr std::string_view kHeading =
+constexpr std::string_view kScripHeading =
     "exchange,series,symbol,token,trading symbol,company,decimals,multiplier,tick size,last price,cautionary";
 
 enum Field {
@@ -113,7 +113,7 @@ Loaded<ScripMaster> ScripMaster::Parse(std::string_view text, std::string_view f
     ScripMaster master;
     // The index points into the rows, so they may not move while it grows.
     master.m_scrips.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1);
-    auto fault = ReadCsv(text, fileName, kHeading,
+    auto fault = ReadCsv(text, fileName, kScripHeading,
                          [&](std::span<const std::string_view> fields) -> std::optional<std::string> {
                              Scrip scrip;
                              if (auto what = ReadScrip(fields, scrip)) return what;

@@ -5,10 +5,10 @@
 namespace vesk {
 namespace {
 
-constexpr std::size_t kMost = 200'000; // some 30 MB
+constexpr std::size_t kMostChanges = 200'000; // some 30 MB
 constexpr std::int64_t kLongest = std::int64_t{7} * 86'400;
 
-constexpr std::string_view kRecordKind = "changed";
+constexpr std::string_view kChangeRecord = "changed";
 // The journal's names of the fields.
 constexpr std::uint32_t kTagLogin = 1, kTagSentAs = 2, kTagContents = 3, kTagAt = 4;
 
@@ -37,7 +37,7 @@ std::string ChangeOrigin::Json() const {
     record.Set(kTagSentAs, sentAs);
     if (contents) record.Set(kTagContents, std::to_string(*contents));
     record.Set(kTagAt, std::to_string(at));
-    return record.JsonAs(kRecordKind);
+    return record.JsonAs(kChangeRecord);
 }
 
 void ChangeMemory::Remember(const ChangeOrigin& origin) {
@@ -47,7 +47,7 @@ void ChangeMemory::Remember(const ChangeOrigin& origin) {
     if (!isNew) return;
     m_order.push_back(&known->first);
     for (auto oldest = m_known.find(*m_order.front());
-         m_order.size() > kMost || origin.at - oldest->second.at > kLongest;
+         m_order.size() > kMostChanges || origin.at - oldest->second.at > kLongest;
          oldest = m_known.find(*m_order.front())) {
         m_order.pop_front();
         m_known.erase(oldest);
@@ -71,7 +71,7 @@ void ChangeMemory::WriteTo(const Journal::Sink& sink) const {
 
 bool ChangeMemory::Replay(std::string_view record) {
     FieldRecord fields;
-    if (!RecordReader(record).TakeAll(kRecordKind, fields)) return false;
+    if (!RecordReader(record).TakeAll(kChangeRecord, fields)) return false;
     ChangeOrigin origin{fields.Text(kTagLogin), fields.Text(kTagSentAs)};
     if (const auto contents = WholeNumber(fields.Text(kTagContents)))
         origin.contents = static_cast<std::uint32_t>(*contents);

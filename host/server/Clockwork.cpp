@@ -12,7 +12,7 @@ namespace {
 using Date = std::chrono::year_month_day;
 using std::chrono::sys_days;
 
-constexpr std::string_view kRecordKind = "clock";
+constexpr std::string_view kClockRecord = "clock";
 constexpr std::uint32_t kTagAhead = 1; // the journal's name of the field
 constexpr std::int64_t kDaySeconds = 86'400;
 constexpr Date kLastDate{std::chrono::year(2099), std::chrono::December, std::chrono::day(31)};
@@ -23,13 +23,13 @@ constexpr std::size_t kInstalmentsAtOnce = 128;
 constexpr std::size_t kSchedulesAtOnce = 1024;
 
 // Some gigabytes of memory. Years of thousands of daily plans would take it all.
-constexpr std::size_t kMostOrders = 5'000'000; // as the text says
+constexpr std::size_t kMostExchangeOrders = 5'000'000; // as the text says
 constexpr const char* kFull = "The server executes nothing more: it holds 5000000 exchange orders";
 
 std::string ClockRecord(std::int64_t ahead) {
     FieldRecord clock;
     clock.Set(kTagAhead, std::to_string(ahead));
-    return clock.JsonAs(kRecordKind);
+    return clock.JsonAs(kClockRecord);
 }
 
 } // namespace
@@ -56,7 +56,7 @@ Clockwork::Clockwork(const ServerConfig& config, Registrations& registrations, S
 std::string Clockwork::AdvanceTo(Date date) {
     if (!m_journal.ReplayError().empty()) return m_journal.ReplayError();
     if (!date.ok() || date > kLastDate) return "The clock goes no further than " + RecordDate(kLastDate);
-    if (m_registrations.OrderCount() >= kMostOrders) return kFull;
+    if (m_registrations.OrderCount() >= kMostExchangeOrders) return kFull;
     m_halt.reset();
     const auto days = (sys_days(date) - sys_days(Today())).count();
     if (days <= 0) return {};
@@ -88,7 +88,7 @@ bool Clockwork::Replay(std::string_view record) {
         return true;
     }
     FieldRecord clock;
-    if (!RecordReader(record).TakeAll(kRecordKind, clock)) return false;
+    if (!RecordReader(record).TakeAll(kClockRecord, clock)) return false;
     const auto ahead = WholeNumber(clock.Text(kTagAhead));
     if (!ahead || *ahead > kMostAhead) return false;
     m_aheadSeconds = *ahead;
@@ -129,7 +129,7 @@ void Clockwork::Apply(const RestrictedRange& range) {
 
 bool Clockwork::HasDue() const {
     if (!m_journal.ReplayError().empty() || (m_halt && *m_halt == Halt{Today(), m_journal.Writes()})
-        || m_registrations.OrderCount() >= kMostOrders)
+        || m_registrations.OrderCount() >= kMostExchangeOrders)
         return false;
     if (m_unscheduled) return true;
     const auto first = m_due.FirstDay();
@@ -179,7 +179,7 @@ std::string Clockwork::ExecuteSome(std::size_t& count) {
         m_registrations.Tell(m_registrations.At(place));
     }
     count += places.size();
-    return m_registrations.OrderCount() < kMostOrders ? "" : kFull;
+    return m_registrations.OrderCount() < kMostExchangeOrders ? "" : kFull;
 }
 
 std::string Clockwork::ExecuteDueOf(std::size_t place) {

@@ -22,7 +22,7 @@ constexpr std::uint32_t kOfTheLastFill[] = {tag::fillDetailB, tag::fillDetailA};
 
 constexpr std::string_view kInstalment = ",\"instalment\":";
 
-constexpr std::string_view kReasons[] = {
+constexpr std::string_view kRejectReasons[] = {
     "Margin of the account is not sufficient",
     "Scrip is not open for trading",
     "Quantity exceeds the limit of a single order",
@@ -41,9 +41,9 @@ std::string TimeOfDay(std::int64_t second) {
     return text;
 }
 
-class Exchange {
+class SimulatedExchange {
 public:
-    explicit Exchange(const Placement& placement)
+    explicit SimulatedExchange(const Placement& placement)
         : m_placement(placement), m_random(placement.plan.seed + placement.sequence) {}
 
     ExchangeOrder Place() {
@@ -89,7 +89,7 @@ private:
 
     void Reject() {
         Order().Set(tag::sipStatus, kStatusRejected);
-        Order().Set(tag::userText, kReasons[Below(std::ssize(kReasons))]);
+        Order().Set(tag::userText, kRejectReasons[Below(std::ssize(kRejectReasons))]);
     }
     // Fills of equal size, so the traded price is their mean.
     void Fill(std::int64_t quantity, std::string_view status) {
@@ -128,7 +128,7 @@ private:
 } // namespace
 
 ExchangeOrder PlaceOnExchange(const Placement& placement) {
-    return Exchange(placement).Place();
+    return SimulatedExchange(placement).Place();
 }
 
 std::optional<std::chrono::year_month_day> PlacementDay(const FieldRecord& order) {

@@ -188,7 +188,7 @@ std::optional<ServerRefusal> Resume(const ChangeRequest& request, Registration& 
     return std::nullopt;
 }
 
-constexpr ChangeKind kChanges[] = {
+constexpr ChangeKind kChangeKinds[] = {
     {"modify_sip_order", "modified", Modify},
     {"cancel_sip_order", "cancelled", Cancel},
     {"pause_sip_order", "paused", Pause},
@@ -198,9 +198,9 @@ constexpr ChangeKind kChanges[] = {
 } // namespace
 
 const ChangeKind* FindChange(std::string_view request) {
-    const auto found = std::find_if(std::begin(kChanges), std::end(kChanges),
+    const auto found = std::find_if(std::begin(kChangeKinds), std::end(kChangeKinds),
                                     [&](const ChangeKind& row) { return row.request == request; });
-    return found == std::end(kChanges) ? nullptr : found;
+    return found == std::end(kChangeKinds) ? nullptr : found;
 }
 
 } // namespace vesk

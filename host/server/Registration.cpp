@@ -16,7 +16,7 @@ constexpr std::uint32_t kChangeable[] = {tag::amountOrQuantity, tag::totalPeriod
 // As many as a terminal may have under way for one registration.
 constexpr std::uint32_t kChangesKept = 4;
 // Of the latest of them.
-constexpr std::uint32_t kTagContents = 4, kTagAt = 5;
+constexpr std::uint32_t kOriginContents = 4, kOriginAt = 5;
 
 } // namespace
 
@@ -67,15 +67,15 @@ void Registration::RememberChange(const ChangeOrigin& origin) {
     for (std::uint32_t i = kChangesKept - 1; i > 0; --i)
         if (!changes.Text(i - 1).empty()) changes.Set(i, changes.Text(i - 1));
     changes.Set(0, origin.sentAs);
-    changes.Set(kTagContents, std::to_string(origin.contents.value_or(0)));
-    changes.Set(kTagAt, std::to_string(origin.at));
+    changes.Set(kOriginContents, std::to_string(origin.contents.value_or(0)));
+    changes.Set(kOriginAt, std::to_string(origin.at));
 }
 
 ChangeOrigin Registration::LatestChange() const {
     ChangeOrigin origin{Text(tag::loginId), changes.Text(0)};
-    if (const auto contents = WholeNumber(changes.Text(kTagContents)))
+    if (const auto contents = WholeNumber(changes.Text(kOriginContents)))
         origin.contents = static_cast<std::uint32_t>(*contents);
-    origin.at = WholeNumber(changes.Text(kTagAt)).value_or(0);
+    origin.at = WholeNumber(changes.Text(kOriginAt)).value_or(0);
     return origin;
 }
 

@@ -14,7 +14,7 @@ constexpr std::string_view kOtherLogin = "DEALER02";
 constexpr const char* kNoMarket = "There are no clients or no scrips to make orders of";
 constexpr std::int64_t kMostDays = 50'000; // behind the end of the server's time
 constexpr std::size_t kMostFilled = 1'000'000;
-constexpr std::size_t kMostOrders = 10'000; // of another session, or of one registration
+constexpr std::size_t kMostOrdersMade = 10'000; // of another session, or of one registration
 constexpr std::size_t kMostFaults = 256;    // rows
 
 UserIdentity OtherUser(const UserIdentity& user) {
@@ -37,7 +37,7 @@ std::vector<std::string_view> WordsOf(std::string_view line, std::size_t most) {
     return words;
 }
 
-std::string Quoted(std::string_view word) {
+std::string QuotedStart(std::string_view word) {
     return '"' + std::string(word.substr(0, kLongestText)) + '"';
 }
 
@@ -49,7 +49,7 @@ Told Outcome(std::string fault, const std::string& done) {
 std::optional<std::size_t> ReadCount(std::string_view word, std::int64_t most, Told& told) {
     const auto number = WholeNumber(word);
     if (number && *number <= most) return static_cast<std::size_t>(*number);
-    told.text = Quoted(word) + " is no whole number up to " + std::to_string(most);
+    told.text = QuotedStart(word) + " is no whole number up to " + std::to_string(most);
     return std::nullopt;
 }
 
@@ -124,10 +124,10 @@ Told ServerCommands::Run(std::string_view line, const UserIdentity& user, std::i
     const std::vector<std::string_view> words = WordsOf(line, mostWords);
     if (words.empty()) return {false, "A command is expected"};
     const auto* verb = std::ranges::find(kVerbs, words.front(), &Verb::name);
-    if (verb == std::end(kVerbs)) return {false, Quoted(words.front()) + " is no command"};
+    if (verb == std::end(kVerbs)) return {false, QuotedStart(words.front()) + " is no command"};
     const Call call{std::span(words).subspan(1), user, nowMs};
     if (call.words.size() < verb->least || call.words.size() > verb->most)
-        return {false, Quoted(verb->name) + " takes " + std::string(verb->words)};
+        return {false, QuotedStart(verb->name) + " takes " + std::string(verb->words)};
     return (this->*verb->run)(call);
 }
 
@@ -144,7 +144,7 @@ Told ServerCommands::MoveClock(const Call& call) {
     }
     const auto days = WholeNumber(call.words[0]);
     if (!days || *days > kMostDays)
-        return {false, Quoted(call.words[0]) + " is neither next, nor a whole number of days up to "
+        return {false, QuotedStart(call.words[0]) + " is neither next, nor a whole number of days up to "
                            + std::to_string(kMostDays) + ", nor a date such as 2027-03-05"};
     const auto date =
         std::chrono::sys_days(m_server.Clock().Today()) + std::chrono::days(static_cast<int>(*days));
@@ -165,7 +165,7 @@ Told ServerCommands::Fill(const Call& call) {
 
 Told ServerCommands::PlaceOtherOrders(const Call& call) {
     Told told;
-    const auto count = ReadCount(call.words[0], kMostOrders, told);
+    const auto count = ReadCount(call.words[0], kMostOrdersMade, told);
     if (!count) return told;
     if (!HasMarket()) return {false, kNoMarket};
     const std::size_t placed = PlaceSampleOrders(m_server, OtherUser(call.user), m_market,
@@ -175,7 +175,7 @@ Told ServerCommands::PlaceOtherOrders(const Call& call) {
 
 Told ServerCommands::Execute(const Call& call) {
     Told told;
-    const auto count = ReadCount(call.words[0], kMostOrders, told);
+    const auto count = ReadCount(call.words[0], kMostOrdersMade, told);
     if (!count) return told;
     std::string number(call.words.size() > 1 ? call.words[1].substr(0, kLongestText) : "");
     if (number.empty() && !m_server.Held().All().empty()) number = m_server.Held().All().back().Number();
@@ -194,11 +194,11 @@ Told ServerCommands::SetFault(const Call& call) {
     const std::string_view request = call.words[0], kind = call.words[1];
     const std::string_view value = call.words.size() > 2 ? call.words[2] : std::string_view();
     const auto* row = std::ranges::find(kFaultKinds, kind, &FaultKind::name);
-    if (row == std::end(kFaultKinds)) return {false, Quoted(kind) + " is not a fault"};
+    if (row == std::end(kFaultKinds)) return {false, QuotedStart(kind) + " is not a fault"};
     RequestFault fault;
     const bool hasExcess = row->value.empty() && !value.empty();
     if (hasExcess || !row->set(fault, value))
-        return {false, Quoted(value) + " is no value of \"" + std::string(kind) + "\", which takes "
+        return {false, QuotedStart(value) + " is no value of \"" + std::string(kind) + "\", which takes "
                            + std::string(row->value.empty() ? "none" : row->value)};
     if ((fault.disconnects != 0 || fault.disconnectsBefore != 0) && !m_hasConnections)
         return {false, "The terminal's own server has no connection that could be cut"};

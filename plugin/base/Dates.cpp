@@ -28,7 +28,7 @@ std::int64_t MakeTime(const LocalDateTime& local, int daylightSaving) {
     return static_cast<std::int64_t>(std::mktime(&parts));
 }
 
-std::chrono::sys_days DayOf(const LocalDateTime& date) {
+std::chrono::sys_days CalendarDay(const LocalDateTime& date) {
     return std::chrono::year_month_day(std::chrono::year(date.year),
                                        std::chrono::month(static_cast<unsigned>(date.month)),
                                        std::chrono::day(static_cast<unsigned>(date.day)));
@@ -37,7 +37,7 @@ std::chrono::sys_days DayOf(const LocalDateTime& date) {
 // A date that days can be added to.
 class WorkingDate {
 public:
-    explicit WorkingDate(const LocalDateTime& date) : m_days(DayOf(date)) {}
+    explicit WorkingDate(const LocalDateTime& date) : m_days(CalendarDay(date)) {}
 
     void Move(int days) {
         m_days += std::chrono::days(days);
@@ -114,8 +114,8 @@ int CountDaysInYears(const LocalDateTime& date, int years) {
 }
 
 bool IsLater(const LocalDateTime& date, const LocalDateTime& day, int days) {
-    const std::chrono::sys_days latest = DayOf(day) + std::chrono::days(days);
-    return DayOf(date) > latest || (DayOf(date) == latest && date != date.Midnight());
+    const std::chrono::sys_days latest = CalendarDay(day) + std::chrono::days(days);
+    return CalendarDay(date) > latest || (CalendarDay(date) == latest && date != date.Midnight());
 }
 
 std::string FormatPickerDate(const LocalDateTime& date) {

@@ -12,6 +12,7 @@ namespace planfold {
 
 using base::Format;
 using base::Joined;
+using base::Trimmed;
 
 // A value for each field of a record.
 template <class Field, class Value>

@@ -11,8 +11,6 @@ namespace planfold {
 
 namespace {
 
-constexpr FormTexts kTexts{"Enter Token", "Please select the ClientID", "Enter valid Qty"};
-
 // A choice that shows nothing is refused as the field of a line would be.
 struct ChoiceRule {
     int combo;
@@ -110,7 +108,8 @@ std::optional<Refusal> BasketForm::Read(Pass pass, const LocalDateTime& now, For
     order.series = form.series;
     order.symbol = form.symbol;
     order.startDateText = FormatPickerDate(form.startDate);
-    if (auto refusal = ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, order.data, kTexts)) {
+    if (auto refusal =
+            ValidateSipOrder(pass, m_session, m_view.Handle(), form, now, order.data, kBasketTexts)) {
         if (refusal->focus == IDC_VALUE) refusal->focus = value;
         return refusal;
     }

@@ -28,11 +28,11 @@ std::string InLine(std::string reason, int lineNumber) {
 }
 
 // A file of ever new names must not fill the memory.
-constexpr std::size_t kMostKept = 100'000;
+constexpr std::size_t kMostRead = 100'000;
 
 template <class Map>
 Map& RoomFor(Map& map) {
-    if (map.size() >= kMostKept) map.clear();
+    if (map.size() >= kMostRead) map.clear();
     return map;
 }
 

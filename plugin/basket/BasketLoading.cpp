@@ -11,7 +11,7 @@ namespace planfold {
 
 namespace {
 
-constexpr int kLinesAtOnce = 64;
+constexpr int kLinesAStep = 64;
 
 } // namespace
 
@@ -31,7 +31,7 @@ BasketLoading::BasketLoading(const Session& session, const BeginReading& reading
 bool BasketLoading::Step(Pass pass) {
     m_scrips.Admit(pass);
     // Each line may ask the host, which may bring the end of the load.
-    for (int line = 0; line < kLinesAtOnce; ++line)
+    for (int line = 0; line < kLinesAStep; ++line)
         if (m_stopped || m_session.Ended() || !m_load->Read(1)) return false;
     return true;
 }

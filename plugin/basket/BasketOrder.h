@@ -14,6 +14,9 @@
 
 namespace planfold {
 
+// Where the basket says it in other words than the form of one order.
+inline constexpr FormTexts kBasketTexts{"Enter Token", "Please select the ClientID", "Enter valid Qty"};
+
 // The columns of a basket's file, in their order, and behind them what no file has.
 enum class BasketField : std::uint8_t {
     account,

@@ -57,9 +57,6 @@ public:
 private:
     using Act = BasketQuestions::Act;
 
-    static constexpr std::int64_t kFirstPortionMs = 500; // what is done by then needs no progress window
-    static constexpr std::int64_t kPortionMs = 50;
-
     void LoadFile();
     void ImportFile();
     bool MayReplaceRows(const Act& again);

@@ -16,8 +16,8 @@ namespace planfold {
 namespace {
 
 constexpr std::size_t kLongestCell = 127;
+constexpr std::string_view kCellBlanks = " \t\r";
 constexpr const char* kNoAmount = "Please enter valid amount.";
-constexpr FormTexts kTexts{"Enter Token", "Please select the ClientID", "Enter valid Qty"};
 
 // By which words of cells become those of files.
 std::optional<CodeTable> WordsOf(BasketField field) {
@@ -31,12 +31,6 @@ std::optional<CodeTable> WordsOf(BasketField field) {
     default:
         return std::nullopt;
     }
-}
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t\r");
-    return first == text.npos ? std::string_view()
-                              : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 // As the form's edit lets it be typed.
@@ -59,7 +53,7 @@ std::vector<std::string_view> SplitCells(std::string_view line) {
     std::vector<std::string_view> cells;
     for (std::size_t at = 0; at <= line.size();) {
         const std::size_t end = std::min(line.find('\t', at), line.size());
-        cells.push_back(Trimmed(line.substr(at, end - at)));
+        cells.push_back(Trimmed(line.substr(at, end - at), kCellBlanks));
         at = end + 1;
     }
     return cells;
@@ -123,7 +117,7 @@ bool IsEditable(BasketField field) {
 
 std::optional<std::string> CellToFile(BasketField field, std::string_view typed, const BasketRules& rules,
                                       std::string& text) {
-    text = Trimmed(typed);
+    text = Trimmed(typed, kCellBlanks);
     if (text.size() > kLongestCell || text.find_first_of(std::string_view(",\n\r\0", 4)) != text.npos)
         return kInvalidFormat;
     if (const auto words = WordsOf(field))
@@ -140,7 +134,7 @@ std::optional<std::string> CellToFile(BasketField field, std::string_view typed,
     std::string wire = text;
     switch (field) {
     case BasketField::account:
-        return text.empty() ? std::optional<std::string>(kTexts.noClient) : std::nullopt;
+        return text.empty() ? std::optional<std::string>(kBasketTexts.noClient) : std::nullopt;
     case BasketField::product:
         spelled(rules.products, [](const std::string& each) { return std::string_view(each); });
         return std::nullopt;
@@ -149,11 +143,11 @@ std::optional<std::string> CellToFile(BasketField field, std::string_view typed,
         return std::nullopt;
     case BasketField::amount:
         if (!IsPositiveDecimal(text)) return kNoAmount;
-        refusal = ValueToWire("Amount", wire, kTexts);
+        refusal = ValueToWire("Amount", wire, kBasketTexts);
         break;
     case BasketField::quantity:
-        if (!AllDigits(text)) return kTexts.malformedQuantity;
-        refusal = ValueToWire("Quantity", wire, kTexts);
+        if (!AllDigits(text)) return kBasketTexts.malformedQuantity;
+        refusal = ValueToWire("Quantity", wire, kBasketTexts);
         break;
     default:
         return std::nullopt;
@@ -197,7 +191,7 @@ std::vector<PastedLine> LinesOfCells(std::string_view cells, const BasketRules& 
     bool isFirst = true;
     while (const auto line = lines.Next()) {
         if (std::exchange(isFirst, false) && !(headings = HeadingsOf(line->text)).empty()) continue;
-        if (Trimmed(line->text).empty()) continue;
+        if (Trimmed(line->text, kCellBlanks).empty()) continue;
         pasted.push_back(headings.empty() ? LineInFileOrder(line->text)
                                           : LineBelow(headings, line->text, rules));
     }

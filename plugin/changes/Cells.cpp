@@ -17,12 +17,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kRisky = "=+-@\t\r";
 
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == text.npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 bool Take(std::string_view& text, std::string_view beginning) {
     if (!text.starts_with(beginning)) return false;
     text.remove_prefix(beginning.size());
@@ -30,7 +24,7 @@ bool Take(std::string_view& text, std::string_view beginning) {
 }
 
 // "1,00,000" by its separator: one to three digits, groups of two or three, and three at the end.
-bool IsGrouped(std::string_view digits, char separator) {
+bool IsGroupedNumber(std::string_view digits, char separator) {
     std::size_t begin = 0;
     for (bool first = true;; first = false) {
         const std::size_t end = std::min(digits.find(separator, begin), digits.size());
@@ -58,7 +52,7 @@ std::optional<Parts> Divide(std::string_view text, bool decimalComma) {
     std::string_view whole = text.substr(0, at), fraction = text.substr(std::min(at + 1, text.size()));
     // 1,500 is one and a half to some programs.
     if (point == ',' && !both && fraction.size() == 3) return std::nullopt;
-    if (whole.find(group) != whole.npos && !IsGrouped(whole, group)) return std::nullopt;
+    if (whole.find(group) != whole.npos && !IsGroupedNumber(whole, group)) return std::nullopt;
     Parts parts{std::string(whole), std::string(fraction)};
     std::erase(parts.whole, group);
     if (parts.whole.empty() || !AllDigits(parts.whole) || !AllDigits(parts.fraction)) return std::nullopt;
@@ -126,7 +120,7 @@ std::optional<Moment> ReadMoment(std::string_view text, bool monthFirst) {
     const auto day = Figure(first, 2), month = Month(second), year = Figure(third, 4);
     if (!day || !month || !year || (third.size() != 4 && third.size() != 2)) return std::nullopt;
     const Moment moment{third.size() == 2 ? 2000 + *year : *year, *month, *day,
-                        Trimmed(text.substr(std::min(end + 1, text.size())))};
+                        Trimmed(text.substr(std::min(end + 1, text.size())), kBlanks)};
     const bool isTime = std::ranges::all_of(
         moment.time, [](char character) { return character == ':' || (character >= '0' && character <= '9'); });
     const std::chrono::year_month_day day3{std::chrono::year(moment.year),
@@ -145,7 +139,7 @@ bool AreSame(const Moment& shown, const Moment& whole) {
 } // namespace
 
 std::optional<std::string> PlainNumber(std::string_view cell, bool decimalComma) {
-    std::string_view text = Trimmed(cell);
+    std::string_view text = Trimmed(cell, kBlanks);
     const bool negative = Take(text, "-");
     const auto exponent = TakeExponent(text);
     if (!exponent) return std::nullopt;
@@ -162,7 +156,7 @@ std::optional<std::string> PlainNumber(std::string_view cell, bool decimalComma)
 
 std::optional<std::string> ReadRupees(std::string_view cell, bool decimalComma) {
     std::string_view text = Restored(cell);
-    if (Take(text, "Rs.") || Take(text, "Rs") || Take(text, "\xE2\x82\xB9")) text = Trimmed(text);
+    if (Take(text, "Rs.") || Take(text, "Rs") || Take(text, "\xE2\x82\xB9")) text = Trimmed(text, kBlanks);
     auto plain = PlainNumber(text, decimalComma);
     if (!plain || text.find_first_of("eE") != text.npos) return std::nullopt;
     // 1.500 may be one and a half thousand.
@@ -186,19 +180,19 @@ std::optional<std::string> ReadCount(std::string_view cell, bool decimalComma) {
 std::string_view Restored(std::string_view cell) {
     std::string_view text = cell.substr(std::min(cell.find_first_not_of(' '), cell.size()));
     if (text.size() > 1 && text.front() == '\'' && kRisky.find(text[1]) != kRisky.npos) text.remove_prefix(1);
-    return Trimmed(text);
+    return Trimmed(text, kBlanks);
 }
 
 std::optional<std::string> DateInFigures(std::string_view cell) {
-    const auto moment = ReadMoment(Trimmed(cell), false);
+    const auto moment = ReadMoment(Trimmed(cell, kBlanks), false);
     if (!moment) return std::nullopt;
     const std::string date = Format("%04d-%02d-%02d", moment->year, moment->month, moment->day);
     return moment->time.empty() ? date : date + ' ' + std::string(moment->time);
 }
 
 bool MeansTheSame(std::string_view cell, std::string_view ofBook, bool decimalComma) {
-    const std::string_view there = Trimmed(ofBook);
-    if (Trimmed(cell) == there || Restored(cell) == there) return true;
+    const std::string_view there = Trimmed(ofBook, kBlanks);
+    if (Trimmed(cell, kBlanks) == there || Restored(cell) == there) return true;
     if (cell.empty() || there.empty()) return false;
     const bool isCode = there.size() > 1 && there.front() == '0' && there[1] != '.';
     if (const auto number = PlainNumber(there, false); number && !isCode)
@@ -206,7 +200,7 @@ bool MeansTheSame(std::string_view cell, std::string_view ofBook, bool decimalCo
     const auto whole = ReadMoment(there, false);
     if (!whole) return false;
     for (const bool monthFirst : {false, true})
-        if (const auto shown = ReadMoment(Trimmed(cell), monthFirst); shown && AreSame(*shown, *whole))
+        if (const auto shown = ReadMoment(Trimmed(cell, kBlanks), monthFirst); shown && AreSame(*shown, *whole))
             return true;
     return false;
 }

@@ -18,6 +18,23 @@ struct ListColumn {
     Align align = Align::left;
 };
 
+// Each list has a hundred numbers for the commands of its own menu entries, by its place here.
+enum class NumberedList : unsigned {
+    registeredOrders,
+    cancelledOrders,
+    basket,
+    orderHistory,
+    dayReport,
+    upcomingRuns,
+    runsOfPeriod,
+    changes = 8, // the hundred before it is free
+    basketCheck
+};
+
+constexpr unsigned FirstCommand(NumberedList list) {
+    return 26000 + 100 * static_cast<unsigned>(list);
+}
+
 // An entry of a list's menu.
 struct MenuEntry {
     const char* text; // none: a separator

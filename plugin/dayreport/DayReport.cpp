@@ -16,8 +16,6 @@ namespace planfold {
 
 namespace {
 
-constexpr std::int64_t kFirstPortionMs = 500; // what is read by then needs no progress window
-constexpr std::int64_t kPortionMs = 50;
 constexpr int kLinesAStep = 1000;
 
 struct EventRow {
@@ -97,7 +95,7 @@ bool IsByQuantity(const RecordedOrder& order) {
 }
 
 // What is registered of one side, a run of each.
-struct SideSum {
+struct SideOfDay {
     std::int64_t paise = 0;
     std::int64_t shares = 0;
 
@@ -120,7 +118,7 @@ std::string_view Recorded(const RecordedOrder& order) {
 
 // The texts in the order of DayField; when an order was sent first is not the order's.
 using TextOf = std::string_view (*)(const RecordedOrder& order);
-constexpr TextOf kTexts[] = {
+constexpr TextOf kDayTexts[] = {
     nullptr,
     [](const RecordedOrder& order) { return EventOf(order).state; },
     Recorded<RecordField::registration>,
@@ -143,7 +141,7 @@ constexpr TextOf kTexts[] = {
     AnswerOf,
     Recorded<RecordField::orderId>,
 };
-static_assert(std::size(kTexts) == static_cast<std::size_t>(DayField::count));
+static_assert(std::size(kDayTexts) == static_cast<std::size_t>(DayField::count));
 
 } // namespace
 
@@ -260,7 +258,7 @@ std::string_view DayReport::Text(std::size_t row, DayField field) const {
     if (row >= RowCount()) return {};
     const RecordedOrder& order = m_shown.ledger.Orders()[row];
     if (field == DayField::sentAt) return m_shown.sentAt[row];
-    const std::string_view text = kTexts[static_cast<std::size_t>(field)](order);
+    const std::string_view text = kDayTexts[static_cast<std::size_t>(field)](order);
     if (field != DayField::amount || text.empty()) return text;
     const auto [shown, isNew] = m_rupees.try_emplace(std::string(text));
     if (isNew) shown->second = AllDigits(text) ? InRupees(LeadingInteger(text)) : text;
@@ -280,7 +278,7 @@ std::string DayReport::Notice() const {
 
 std::array<std::string, 3> DayReport::Status() const {
     Counts orders, changes;
-    SideSum buy, sell;
+    SideOfDay buy, sell;
     for (std::size_t row = 0; row < RowCount(); ++row) {
         const RecordedOrder& order = m_shown.ledger.Orders()[row];
         ++(order.ChangesRegistration() ? changes : orders)[order.State()];

@@ -16,6 +16,8 @@ namespace planfold {
 
 namespace {
 
+constexpr std::string_view kSpaces = " \t\n\v\f\r";
+
 constexpr const char* kFaultTexts[] = {
     "",
     "there is nothing",
@@ -64,18 +66,6 @@ constexpr WordRow kWords[] = {
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool IsBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && IsBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
 }
 
 // "1E+05", "1,5E+11".
@@ -158,12 +148,12 @@ ImportFault ReadDecimal(const TableCell& cell, Decimal& number) {
             text.replace(at, space.size(), " ");
     for (const std::string_view currency : kCurrencies)
         if (StartsWithIgnoringCase(text, currency)) {
-            text = Trimmed(std::string_view(text).substr(currency.size()));
+            text = Trimmed(std::string_view(text).substr(currency.size()), kSpaces);
             number.isCurrency = true;
             break;
         }
     if (text.ends_with("/-")) {
-        text = Trimmed(std::string_view(text).substr(0, text.size() - 2));
+        text = Trimmed(std::string_view(text).substr(0, text.size() - 2), kSpaces);
         number.isCurrency = true;
     }
     if (text.empty() || text.find_first_not_of("0123456789., '") != text.npos || !IsDigit(text.front()))
@@ -260,9 +250,9 @@ const char* TextOf(ImportFault fault) {
 }
 
 std::string_view PlainText(std::string_view text) {
-    text = Trimmed(text);
+    text = Trimmed(text, kSpaces);
     if (text.size() > 3 && text.starts_with("=\"") && text.ends_with('"'))
-        return Trimmed(text.substr(2, text.size() - 3));
+        return Trimmed(text.substr(2, text.size() - 3), kSpaces);
     if (text.size() > 1 && text.front() == '\'' && std::string_view("=+-@").find(text[1]) != text.npos)
         text.remove_prefix(1);
     return text;

@@ -56,8 +56,16 @@ private:
     std::unique_ptr<ImportReader> m_reader;
 };
 
+std::unique_ptr<TableReader> Opened(std::string_view bytes) {
+    auto opened = OpenTable(bytes);
+    auto* table = std::get_if<std::unique_ptr<TableReader>>(&opened);
+    return table ? std::move(*table) : nullptr;
+}
+
+} // namespace
+
 // The first rows, and why those of them are rejected that are.
-class FirstRows final : public BasketSink {
+class ImportFile::FirstRows final : public BasketSink {
 public:
     void Follow(const ImportReader& reader) { m_reader = &reader; }
     void OnRow(const BasketTexts& texts) override { Add(texts, {}); }
@@ -75,7 +83,7 @@ public:
 private:
     void Add(const BasketTexts& texts, std::string reason) {
         ++read;
-        if (rows.size() == ImportFile::kRowsShown) return;
+        if (rows.size() == kRowsShown) return;
         PreviewRow& row = rows.emplace_back();
         row.line = m_reader->LinesRead();
         row.reason = std::move(reason);
@@ -85,14 +93,6 @@ private:
 
     const ImportReader* m_reader = nullptr;
 };
-
-std::unique_ptr<TableReader> Opened(std::string_view bytes) {
-    auto opened = OpenTable(bytes);
-    auto* table = std::get_if<std::unique_ptr<TableReader>>(&opened);
-    return table ? std::move(*table) : nullptr;
-}
-
-} // namespace
 
 // One reading that goes on row by row.
 struct ImportFile::Trial {

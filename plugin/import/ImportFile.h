@@ -64,6 +64,7 @@ public:
     BeginReading Begin() const;
 
 private:
+    class FirstRows;
     struct Trial;
 
     void LookAtColumns(TableReader& table);

@@ -28,12 +28,9 @@ std::optional<Meaning> MeaningOf(const Words& words, std::string_view word) {
     return static_cast<Meaning>(found - words.begin());
 }
 
-std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r'))
-        text.remove_suffix(1);
-    return text;
+// A carriage return is a blank at the end of a line only.
+std::string_view SettingOf(std::string_view text) {
+    return Trimmed(text.substr(0, text.find_last_not_of(" \t\r") + 1), " \t");
 }
 
 std::string_view CutAt(std::string_view& rest, char end) {
@@ -46,7 +43,7 @@ std::string_view CutAt(std::string_view& rest, char end) {
 bool ReadColumns(ImportMapping& mapping, std::string_view text) {
     mapping.columns.clear();
     while (!text.empty()) {
-        const std::string_view word = Trimmed(CutAt(text, ';'));
+        const std::string_view word = SettingOf(CutAt(text, ';'));
         const auto field = FieldOfWord(word);
         if ((!field && word != kNotReadWord) || mapping.columns.size() == kMostTableColumns) return false;
         mapping.columns.push_back(field.value_or(kNotRead));
@@ -126,19 +123,19 @@ std::string KeyOf(const Headings& headings) {
 std::string KeptMappings::Read(std::string_view text) {
     m_kept.clear();
     for (int line = 1; !text.empty(); ++line) {
-        std::string_view setting = Trimmed(CutAt(text, '\n'));
+        std::string_view setting = SettingOf(CutAt(text, '\n'));
         if (setting.empty()) continue;
         if (setting.front() == '[' && setting.back() == ']' && m_kept.size() < kMostKept) {
             m_kept.emplace_back();
             m_kept.back().mapping.name = setting.substr(1, setting.size() - 2);
             continue;
         }
-        const std::string_view key = Trimmed(CutAt(setting, '='));
+        const std::string_view key = SettingOf(CutAt(setting, '='));
         if (m_kept.empty()) return Format("line %d: a mapping begins with its [name]", line);
         Kept& kept = m_kept.back();
         if (key == "headings")
-            kept.headings = Trimmed(setting);
-        else if (!ReadSetting(kept.mapping, key, Trimmed(setting)))
+            kept.headings = SettingOf(setting);
+        else if (!ReadSetting(kept.mapping, key, SettingOf(setting)))
             return Format("line %d: %s cannot be set so", line, std::string(key.substr(0, 40)).c_str());
     }
     return {};
@@ -169,12 +166,12 @@ std::string KeptMappings::Text() const {
 }
 
 const ImportMapping* KeptMappings::Find(const Headings& headings) const {
-    const auto found = std::ranges::find(m_kept, std::string(Trimmed(KeyOf(headings))), &Kept::headings);
+    const auto found = std::ranges::find(m_kept, std::string(SettingOf(KeyOf(headings))), &Kept::headings);
     return found == m_kept.end() ? nullptr : &found->mapping;
 }
 
 void KeptMappings::Keep(const Headings& headings, const ImportMapping& mapping) {
-    const std::string key(Trimmed(KeyOf(headings)));
+    const std::string key(SettingOf(KeyOf(headings)));
     std::erase_if(m_kept,
                   [&](const Kept& kept) { return kept.headings == key || kept.mapping.name == mapping.name; });
     m_kept.push_back({key, mapping});

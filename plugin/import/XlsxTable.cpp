@@ -16,7 +16,6 @@ namespace {
 
 using Node = rapidxml::xml_node<>;
 
-constexpr char kBroken[] = "a part of the workbook is no XML, or was cut off";
 constexpr char kNoSheet[] = "the workbook has no sheet that is shown";
 constexpr std::string_view kMain = "_rels/.rels";
 
@@ -172,9 +171,9 @@ bool XlsxTable::Parse(std::string& text) {
     try {
         m_xml->document.parse<rapidxml::parse_no_data_nodes>(text.data());
     } catch (const rapidxml::parse_error&) {
-        return Refuse(kBroken);
+        return Refuse(XmlCutter::kBroken);
     }
-    return m_xml->document.first_node() || Refuse(kBroken);
+    return m_xml->document.first_node() || Refuse(XmlCutter::kBroken);
 }
 
 // A part of few elements, whose root has this name.
@@ -183,7 +182,7 @@ bool XlsxTable::ReadWhole(const std::string& part, const char* root, std::string
     if (!entry) return Refuse("the workbook has no part " + part);
     ZipPart unpacked(*entry);
     XmlCutter cutter(unpacked, root);
-    if (!cutter.Next(text)) return Refuse(cutter.Fault().empty() ? kBroken : cutter.Fault());
+    if (!cutter.Next(text)) return Refuse(cutter.Fault().empty() ? XmlCutter::kBroken : cutter.Fault());
     return Parse(text);
 }
 

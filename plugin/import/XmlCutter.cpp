@@ -9,7 +9,6 @@ namespace {
 constexpr int kDeepest = 64;
 constexpr std::size_t kLongestElement = 4u << 20;
 constexpr std::size_t kPiece = 64u << 10;
-constexpr char kBroken[] = "a part of the workbook is no XML, or was cut off";
 
 } // namespace
 

@@ -11,6 +11,8 @@ namespace planfold {
 
 class XmlCutter {
 public:
+    static constexpr char kBroken[] = "a part of the workbook is no XML, or was cut off";
+
     // The name is the local one: files may put a prefix in front.
     XmlCutter(ZipPart& part, std::string_view name) : m_part(part), m_name(name) {}
 

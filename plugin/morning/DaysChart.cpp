@@ -23,7 +23,7 @@ double Rupees(std::int64_t paise) {
 DaysChart::DaysChart(Day first, std::span<const RunSums> days, const ClosedDays& closed) {
     for (Day day = first; const RunSums& sums : days) {
         if (sums.runs > 0 || !closed.Has(day)) {
-            const std::string date = FormatPlannedDate(DateOf(day));
+            const std::string date = FormatPlannedDate(day);
             ChartBar& bar = m_days.emplace_back(ChartBar{date, date, 1});
             bar.values[kPaid] = Rupees(sums[Need::pay]);
             bar.values[kReceived] = Rupees(sums[Need::receive]);

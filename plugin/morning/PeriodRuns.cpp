@@ -13,10 +13,6 @@ namespace planfold {
 
 namespace {
 
-constexpr std::int64_t kFirstPortionMs = 300; // what is done by then needs no progress window
-constexpr std::int64_t kPortionMs = 50;
-constexpr RecordId kRecordsAStep = 500;
-
 struct PartRow {
     ChartPart part;
     const char* word;
@@ -48,10 +44,6 @@ constexpr ToldRow kTold[] = {
     {PastField::orderNumber, HistoryField::orderNumber},
 };
 
-std::string DateText(Day day) {
-    return FormatPlannedDate(DateOf(day));
-}
-
 } // namespace
 
 // An error field without a value is how an answer ends, so the handler judges it.
@@ -72,7 +64,7 @@ void PeriodRuns::Show(const RunPeriod& period, Day today, bool anew, bool mineOn
     m_asking = std::make_unique<Asking>(m_session.ClosedDays(), m_records.Filling(),
                                         mineOnly ? m_session.identity.loginId : std::string());
     m_asking->lastAnswer = m_view.Milliseconds();
-    LookAndAsk(kFirstPortionMs);
+    LookAndAsk(kFirstReckoningMs);
     if (!IsUnderWay()) return;
     m_view.ShowRows();
     m_view.ShowRun();
@@ -233,7 +225,7 @@ std::optional<PeriodRuns::PastRun> PeriodRuns::MissingRun(const std::string& pla
     for (const auto& [field, told] : fields)
         run.texts[field] = record.Text(told);
     run.texts[PastField::registration] = plan;
-    run.texts[PastField::date] = DateText(*next);
+    run.texts[PastField::date] = FormatPlannedDate(*next);
     run.texts[PastField::status] = "not run";
     run.texts[PastField::reason] = "No order of the server is known for this day";
     run.day = *next;
@@ -303,7 +295,8 @@ KorvexRowLook PeriodRuns::Look(std::size_t row) const {
 
 std::string PeriodRuns::Notice() const {
     if (IsUnderWay() || !m_rows.empty()) return {};
-    const std::string period = " from " + DateText(m_period.from) + " to " + DateText(m_period.to) + ".";
+    const std::string period =
+        " from " + FormatPlannedDate(m_period.from) + " to " + FormatPlannedDate(m_period.to) + ".";
     return (m_failedOnly && !m_all.empty() ? "No run failed" : "No runs are known") + period;
 }
 

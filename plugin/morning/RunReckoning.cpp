@@ -7,12 +7,6 @@
 
 namespace planfold {
 
-namespace {
-
-constexpr std::size_t kRecordsAStep = 500;
-
-} // namespace
-
 RunReckoning::RunReckoning(const OrderCache& records, RunPeriod period, Day today, ClosedDays closed,
                            std::string user)
     : m_records(records), m_today(today), m_closed(std::move(closed)), m_user(std::move(user)) {
@@ -28,7 +22,7 @@ bool RunReckoning::Step() {
         m_rows.isStopped = true;
         return false;
     }
-    const std::size_t end = std::min(m_records.Size(), m_next + kRecordsAStep);
+    const std::size_t end = std::min<std::size_t>(m_records.Size(), m_next + kRecordsAStep);
     while (m_next < end)
         TakeRecord(m_next++);
     return m_next < m_records.Size();

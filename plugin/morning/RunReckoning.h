@@ -10,6 +10,9 @@
 
 namespace planfold {
 
+// Between two looks at the clock.
+inline constexpr RecordId kRecordsAStep = 500;
+
 // Both days belong to it.
 struct RunPeriod {
     static constexpr int kMostDays = 366;

@@ -11,13 +11,6 @@ namespace planfold {
 
 namespace {
 
-constexpr std::int64_t kFirstPortionMs = 300; // what is reckoned up by then needs no progress window
-constexpr std::int64_t kPortionMs = 50;
-
-std::string DateText(Day day) {
-    return FormatPlannedDate(DateOf(day));
-}
-
 std::string Whole(std::int64_t number) {
     return Format("%lld", static_cast<long long>(number));
 }
@@ -47,7 +40,7 @@ static_assert(NeedOf(RunField::toReceive) == Need::receive && NeedOf(RunField::t
 void UpcomingRuns::Show(const RunPeriod& period, Day today, bool mineOnly) {
     m_reckoning = std::make_unique<RunReckoning>(m_records, period, today, m_session.ClosedDays(),
                                                  mineOnly ? m_session.identity.loginId : std::string());
-    RunFor(kFirstPortionMs);
+    RunFor(kFirstReckoningMs);
     if (IsUnderWay()) m_view.ShowRun();
 }
 
@@ -182,9 +175,9 @@ std::string UpcomingRuns::PlanText(const UpcomingRows::Plan& plan, RunField fiel
     if (IsNeed(field)) return NeedOf(field) == plan.need ? NeedText(plan.need, plan.value) : "";
     switch (field) {
     case RunField::due:
-        return DateText(plan.first.due);
+        return FormatPlannedDate(plan.first.due);
     case RunField::expected:
-        return DateText(plan.first.expected);
+        return FormatPlannedDate(plan.first.expected);
     case RunField::runs:
         return Whole(plan.runs);
     case RunField::note: {
@@ -205,7 +198,8 @@ std::string UpcomingRuns::PlanText(const UpcomingRows::Plan& plan, RunField fiel
 std::string UpcomingRuns::Notice() const {
     if (IsUnderWay() || !m_shown.clients.empty()) return {};
     if (m_records.Size() == 0) return "The registration book holds no plans.";
-    return "No plan runs from " + DateText(m_shown.period.from) + " to " + DateText(m_shown.period.to) + ".";
+    return "No plan runs from " + FormatPlannedDate(m_shown.period.from) + " to "
+           + FormatPlannedDate(m_shown.period.to) + ".";
 }
 
 std::array<std::string, 3> UpcomingRuns::Status() const {

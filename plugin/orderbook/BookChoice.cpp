@@ -25,7 +25,7 @@ constexpr StatusRefusal kResumeRefusals[] = {
 };
 
 // What registrations of one side mean in a run of each.
-struct SideSum {
+struct SideTotal {
     std::int64_t paise = 0;
     std::int64_t shares = 0;
 
@@ -49,7 +49,7 @@ struct SideSum {
 // What many registrations mean, for the question before something is done with all of them.
 struct Totals {
     std::set<std::string_view> clients;
-    SideSum buy, sell;
+    SideTotal buy, sell;
 
     void Add(const sOrderinfo& record) {
         clients.insert(record.Text(OrderField::account));

@@ -23,9 +23,9 @@ bool IsPaused(const sOrderinfo& record) {
     return record.Text(OrderField::sipStatus) == kPausedStatus;
 }
 
-bool IsDueWithin(const sOrderinfo& record, const BookDay& day, std::int64_t days) {
+bool IsDueWithin(const sOrderinfo& record, const BookDay& day, std::int64_t most) {
     const auto toNext = DaysToNext(record, day);
-    return toNext && !IsPaused(record) && *toNext >= 0 && *toNext <= days;
+    return toNext && !IsPaused(record) && *toNext >= 0 && *toNext <= most;
 }
 
 // Runs from the next one to the last, as the calendar has them.

@@ -21,7 +21,7 @@ struct ModifySipOrder {
     std::string number;
     const sSipOrderData& order;
 };
-constexpr RequestField<ModifySipOrder> kFields[] = {
+constexpr RequestField<ModifySipOrder> kModifyFields[] = {
     {tag::registrationNumber, [](ModifySipOrder& modify) -> Value { return modify.number; },
      "Failed to add the SIP ID"},
     {tag::amountOrQuantity, [](ModifySipOrder& modify) -> Value { return modify.order.amountOrQuantity; },
@@ -29,8 +29,8 @@ constexpr RequestField<ModifySipOrder> kFields[] = {
     {tag::totalPeriod, [](ModifySipOrder& modify) -> Value { return modify.order.totalPeriod; },
      "Failed to add the Total Period"},
 };
-constexpr Request<ModifySipOrder> kRequest{kModifySipOrder, "Failed to add the request modify_sip_order",
-                                           kFields, "Sending Request modify_sip_order Failed"};
+constexpr Request<ModifySipOrder> kModifyRequest{kModifySipOrder, "Failed to add the request modify_sip_order",
+                                                 kModifyFields, "Sending Request modify_sip_order Failed"};
 
 } // namespace
 
@@ -53,7 +53,7 @@ std::optional<LocalDateTime> ReadServerDate(std::string_view text) {
 bool SendModifySipOrder(Pass pass, Session& session, RxControl* control, Notices& notices,
                         std::string_view number, const sSipOrderData& order) {
     ModifySipOrder modify{std::string(number), order};
-    if (!SendRequest(pass, session, control, notices, kRequest, modify)) return false;
+    if (!SendRequest(pass, session, control, notices, kModifyRequest, modify)) return false;
     session.Log(pass, Format("Request sent Modify SIP Order: %s", modify.number.c_str()));
     return true;
 }

@@ -12,10 +12,10 @@ namespace {
 struct NoSource {};
 
 // Its failures are told in the words of an order's request.
-constexpr Request<NoSource> kRequest{"get_sip_operation_mode",
-                                     "Failed to add the request add_sip_orders",
-                                     {},
-                                     "Sending Request add_sip_orders Failed"};
+constexpr Request<NoSource> kModeRequest{"get_sip_operation_mode",
+                                         "Failed to add the request add_sip_orders",
+                                         {},
+                                         "Sending Request add_sip_orders Failed"};
 
 // What a server without a period list offers, after whatever was read before.
 OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
@@ -30,7 +30,7 @@ OperationModeAnswer Defaults(Session& session, OperationModeAnswer answer) {
 
 bool SendGetSipOperationMode(Pass pass, Session& session, RxControl* control, Notices& notices) {
     NoSource source;
-    return SendRequest(pass, session, control, notices, kRequest, source);
+    return SendRequest(pass, session, control, notices, kModeRequest, source);
 }
 
 OperationModeAnswer ReadOperationMode(Session& session, const Answer& answer) {

@@ -153,7 +153,7 @@ constexpr Field kBasketCaution[] = {{tag::cautionaryFlag, BasketCautionaryFlag, 
 constexpr Field kLocation[] = {
     {tag::location, [](AddSipOrder&) -> Value { return "1"; }, "Failed to add Location Id Tag"}};
 
-constexpr auto kFields = Join(kOrderFields, kOrderId, kCaution, kMode, kOrderSource);
+constexpr auto kFormFields = Join(kOrderFields, kOrderId, kCaution, kMode, kOrderSource);
 constexpr auto kBasketFields =
     Join(kOrderFields, kMode, kSequence, kOrderId, kBasketCaution, kOrderSource, kLocation);
 
@@ -161,7 +161,7 @@ constexpr Request<AddSipOrder> RequestOf(std::span<const Field> fields) {
     return {"add_sip_orders", "Failed to add the request add_sip_orders", fields,
             "Sending Request add_sip_orders Failed"};
 }
-constexpr auto kRequest = RequestOf(kFields);
+constexpr auto kFormRequest = RequestOf(kFormFields);
 constexpr auto kBasketRequest = RequestOf(kBasketFields);
 
 } // namespace
@@ -170,7 +170,7 @@ bool SendAddSipOrders(Pass pass, Session& session, RxControl* control, Notices& 
                       const sSipOrderData& order, const std::optional<std::string>& orderId,
                       std::string_view exchangeShown, const BasketPlace* place) {
     AddSipOrder add{pass, session, order, orderId, exchangeShown, place};
-    if (!SendRequest(pass, session, control, notices, place ? kBasketRequest : kRequest, add)) return false;
+    if (!SendRequest(pass, session, control, notices, place ? kBasketRequest : kFormRequest, add)) return false;
     LogOutcome(add, Outcome::sent);
     return true;
 }

@@ -65,9 +65,13 @@ std::string FormatPlannedDate(const LocalDateTime& date) {
     return Format("%02d-%s-%04d", date.day, std::string(MonthName(date.month)).c_str(), date.year);
 }
 
+std::string FormatPlannedDate(Day day) {
+    return FormatPlannedDate(DateOf(day));
+}
+
 std::string DayAndMonth(Day day) {
     constexpr std::size_t year = 5; // with its hyphen
-    const std::string text = FormatPlannedDate(DateOf(day));
+    const std::string text = FormatPlannedDate(day);
     return text.substr(0, text.size() - year);
 }
 

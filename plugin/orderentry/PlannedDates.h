@@ -41,6 +41,7 @@ std::string_view WeekdayName(const LocalDateTime& date);
 
 // "22-Dec-2026".
 std::string FormatPlannedDate(const LocalDateTime& date);
+std::string FormatPlannedDate(Day day);
 // "22-Dec".
 std::string DayAndMonth(Day day);
 

@@ -13,7 +13,7 @@ namespace {
 // Each piece of cells takes long enough for a few to be more than a portion.
 struct SlowSource final : CellSource {
     void Cells(std::span<const std::uint32_t> records, std::int32_t, std::string_view* texts) override {
-        std::this_thread::sleep_for(std::chrono::milliseconds(70));
+        std::this_thread::sleep_for(std::chrono::milliseconds(90));
         std::fill_n(texts, records.size(), std::string_view("x"));
     }
 };

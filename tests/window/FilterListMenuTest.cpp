@@ -163,7 +163,7 @@ TEST_F(FilterList, ALongCopyShowsHowFarItIsAndCanBeStopped) {
         Run(copy);
         const std::string one = probe::OnClipboard();
         Run(selectAll);
-        piecesTakeMs = 60;
+        piecesTakeMs = 90;
         Run(copy);
         ASSERT_TRUE(probe::PumpUntil([&] { return progress() && IsWindowVisible(progress()); })) << way;
         EXPECT_TRUE(IsWindowEnabled(parent));

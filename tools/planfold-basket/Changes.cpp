@@ -82,7 +82,7 @@ constexpr struct {
     {"reason", ChangeField::reason},
 };
 
-std::string PlainReport(const std::string& file, const ChangeSet& set) {
+std::string PlainChanges(const std::string& file, const ChangeSet& set) {
     std::string text = set.Note().empty() ? "" : set.Note() + '\n';
     for (std::size_t i = 0; i < set.Changes().size(); ++i) {
         text += file + Format(":%d: ", set.Changes()[i].line) + set.Text(i, ChangeField::registration);
@@ -99,7 +99,7 @@ std::string PlainReport(const std::string& file, const ChangeSet& set) {
                     set.Unchanged());
 }
 
-std::string JsonReport(const std::string& file, const ChangeSet& set) {
+std::string JsonChanges(const std::string& file, const ChangeSet& set) {
     std::int64_t more[2] = {};
     nlohmann::ordered_json rows = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < set.Changes().size(); ++i) {
@@ -151,7 +151,7 @@ int Changes(std::span<const std::string> words) {
     }
     if (!set.Fault().empty()) return Fail(options.edited + ": " + set.Fault());
     const std::string report =
-        options.json ? JsonReport(options.edited, set) : PlainReport(options.edited, set);
+        options.json ? JsonChanges(options.edited, set) : PlainChanges(options.edited, set);
     if (!WriteText(std::string(kStandardStream), report)) return kFailed;
     return set.Refused() ? kSomeRejected : kAllGood;
 }

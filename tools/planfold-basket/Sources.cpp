@@ -1,5 +1,6 @@
 #include "tools/planfold-basket/Sources.h"
 
+#include "base/Text.h"
 #include "host/files/Files.h"
 #include "plugin/base/Text.h"
 #include "plugin/basket/BasketFile.h"
@@ -35,11 +36,7 @@ bool WriteText(const std::string& path, std::string_view text) {
 
 namespace {
 
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
-    return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
-}
+constexpr std::string_view kBlanks = " \t\r";
 
 } // namespace
 
@@ -51,7 +48,7 @@ vesk::Loaded<std::map<std::string, std::string>> ReadLimits(const std::string& p
     planfold::BasketLines lines(text.Value());
     bool isIn = false;
     while (const auto line = lines.Next()) {
-        const std::string_view setting = Trimmed(line->text);
+        const std::string_view setting = base::Trimmed(line->text, kBlanks);
         if (setting.starts_with('[') && isIn) break;
         if (setting.starts_with('['))
             isIn = planfold::EqualsIgnoringCase(setting.substr(1, setting.find(']') - 1),
@@ -60,8 +57,8 @@ vesk::Loaded<std::map<std::string, std::string>> ReadLimits(const std::string& p
         if (!isIn || setting.starts_with(';') || equals == setting.npos) continue;
         for (int limit = 0; limit < static_cast<int>(planfold::DeskLimit::count); ++limit) {
             const char* key = KeyOf(static_cast<planfold::DeskLimit>(limit));
-            if (planfold::EqualsIgnoringCase(Trimmed(setting.substr(0, equals)), key))
-                limits.try_emplace(key, Trimmed(setting.substr(equals + 1)));
+            if (planfold::EqualsIgnoringCase(base::Trimmed(setting.substr(0, equals), kBlanks), key))
+                limits.try_emplace(key, base::Trimmed(setting.substr(equals + 1), kBlanks));
         }
     }
     return limits;

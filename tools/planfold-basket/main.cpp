@@ -15,7 +15,7 @@
 namespace basket {
 namespace {
 
-int Run(std::span<const std::string> words) {
+int RunCommand(std::span<const std::string> words) {
     if (!words.empty() && words.front() == "changes") return Changes(words.subspan(1));
     Options options;
     if (const auto complaint = ReadOptions(words, options))
@@ -52,7 +52,7 @@ int main(int count, char** words) {
     _setmode(_fileno(stdin), _O_BINARY);
 #endif
     try {
-        return basket::Run(vesk::CommandWords(count, words));
+        return basket::RunCommand(vesk::CommandWords(count, words));
     } catch (const std::exception& fault) {
         return basket::Fail(fault.what());
     }

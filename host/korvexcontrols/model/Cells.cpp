@@ -1,5 +1,7 @@
 #include "host/korvexcontrols/model/Cells.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -83,14 +85,6 @@ bool ContainsFolded(std::string_view text, std::string_view folded) {
     return false;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    return text;
-}
-
 namespace {
 
 constexpr std::size_t kKeyFraction = 4, kKeyWhole = 14;
@@ -138,7 +132,7 @@ int CompareSizes(const Decimal& one, const Decimal& other) {
 } // namespace
 
 std::optional<Decimal> ReadDecimal(std::string_view text) {
-    text = Trimmed(text);
+    text = base::Trimmed(text, " ");
     Decimal decimal;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
         decimal.negative = text.front() == '-';

@@ -46,7 +46,6 @@ bool StartsWithFolded(std::string_view text, std::string_view start);
 // Whether the text contains `folded`, which has no capital letters.
 bool ContainsFolded(std::string_view text, std::string_view folded);
 std::size_t CommonPrefixFolded(std::string_view one, std::string_view other);
-std::string_view Trimmed(std::string_view text);
 
 // Exact decimals of any length, as cells and filters hold them: digits, never a double.
 // The text of a number taken apart; the views lie in it.

@@ -1,5 +1,6 @@
 #include "host/korvexcontrols/model/ColumnFilter.h"
 
+#include "base/Text.h"
 #include "host/korvexcontrols/model/Cells.h"
 
 #include <algorithm>
@@ -51,12 +52,12 @@ bool ComparesDates(FilterOperator id) {
 }
 
 bool IsToday(std::string_view text) {
-    return CompareFolded(Trimmed(text), kToday) == 0;
+    return CompareFolded(base::Trimmed(text, " "), kToday) == 0;
 }
 
 std::optional<std::int64_t> ReadDay(std::string_view text, std::int64_t today) {
     if (IsToday(text)) return today;
-    const auto date = ReadDate(Trimmed(text));
+    const auto date = ReadDate(base::Trimmed(text, " "));
     return date ? std::optional(DayOf(*date)) : std::nullopt;
 }
 

@@ -2,40 +2,36 @@
 
 #include "base/Text.h"
 
+#include <chrono>
+#include <limits>
 #include <utility>
 
 namespace korvex {
-
-namespace {
-
-using std::chrono::milliseconds;
-
-constexpr milliseconds kFirstPortion(200); // what is done by then needs no progress window
-constexpr milliseconds kPortion(50);
-constexpr milliseconds kAllTime = std::chrono::days(1);
-
-} // namespace
 
 void ListOutput::Start(const char* name, RowsText text, Ready ready) {
     m_name = name;
     m_text.emplace(std::move(text));
     m_ready = std::move(ready);
-    RunFor(kFirstPortion);
+    RunFor(kFirstReckoningMs);
 }
 
 void ListOutput::Finish() {
-    RunFor(kAllTime);
+    RunFor(std::numeric_limits<std::int64_t>::max());
 }
 
 void ListOutput::Continue() {
-    RunFor(kPortion);
+    RunFor(kPortionMs);
 }
 
-void ListOutput::RunFor(milliseconds most) {
+void ListOutput::RunFor(std::int64_t mostMs) {
     const auto start = std::chrono::steady_clock::now();
+    const auto elapsedMs = [&] {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+            .count();
+    };
     const auto gone = [this](std::uint32_t record) { return !m_model.Contains(record); };
     while (m_text && m_text->Done() < m_text->Total()) {
-        if (std::chrono::steady_clock::now() - start >= most) return;
+        if (elapsedMs() >= mostMs) return;
         m_text->AddSome(m_source, gone);
     }
     if (!m_text) return;

@@ -6,7 +6,6 @@
 #include "host/korvexcontrols/model/Export.h"
 #include "host/korvexcontrols/model/ListModel.h"
 
-#include <chrono>
 #include <optional>
 
 namespace korvex {
@@ -31,7 +30,7 @@ public:
     std::size_t Total() const override { return m_text ? m_text->Total() : 0; }
 
 private:
-    void RunFor(std::chrono::milliseconds most);
+    void RunFor(std::int64_t mostMs);
 
     const ListModel& m_model;
     CellSource& m_source;

@@ -11,7 +11,7 @@ namespace vesk {
 namespace {
 
 constexpr std::size_t kMostControls = 1024;
-constexpr std::size_t kMostSubscriptions = 4096; // each is looked at for every update
+constexpr std::size_t kMostSessionSubscriptions = 4096; // each is looked at for every update
 constexpr std::size_t kNonceBytes = 32;
 
 } // namespace
@@ -109,7 +109,7 @@ void ServerSession::On(const net::Subscribe& said) {
     if (kind == m_controlKinds.end() || kind->second == kRxRequests)
         return m_output.Say(net::Unsubscribed{said.control, said.number, "there is no such stream control"});
     if (said.fields.size() > net::kMostSubscribedFields) return m_output.Refuse("a subscription to too much");
-    if (m_work->Streams().Subscriptions() >= kMostSubscriptions)
+    if (m_work->Streams().Subscriptions() >= kMostSessionSubscriptions)
         return m_output.Refuse("too many subscriptions");
     if (std::string fault = m_work->Streams().Subscribe(said.control, said.fields, said.isRenewed);
         !fault.empty())

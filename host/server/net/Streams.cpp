@@ -7,7 +7,7 @@
 namespace vesk {
 namespace {
 
-constexpr std::size_t kMostSubscriptions = 256; // of one control
+constexpr std::size_t kMostControlSubscriptions = 256;
 
 // What a subscription may ask for; the stream's name besides.
 constexpr std::uint32_t kSubscriptionTags[] = {
@@ -19,7 +19,7 @@ constexpr std::uint32_t kSubscriptionTags[] = {
 const char* FaultOf(const Subscription& subscription, std::size_t others) {
     if (subscription.empty()) return "a subscription needs fields";
     if (subscription.size() > kMostSubscriptionFields) return "a subscription of too many fields";
-    if (others >= kMostSubscriptions) return "too many subscriptions";
+    if (others >= kMostControlSubscriptions) return "too many subscriptions";
     for (const auto& [tag, value] : subscription) {
         if (value.size() > kLongestText) return "a value that no record has";
         if (std::ranges::count(kSubscriptionTags, tag) == 0) return "a field that no stream goes by";

@@ -13,7 +13,7 @@ using std::chrono::sys_days;
 
 constexpr int kDaysBack = 730;
 
-const std::vector<std::string_view> kReasons{"Client's request", "Funds not available", "Wrong scrip", " "};
+const std::vector<std::string_view> kRemarks{"Client's request", "Funds not available", "Wrong scrip", " "};
 
 struct Day {
     Date today;
@@ -42,7 +42,7 @@ void SetStatus(Registration& registration, const Day& day, int periods, SampleOr
     if (status == kStatusCancelled) {
         const auto daysSince = static_cast<std::size_t>((sys_days(day.today) - sys_days(day.entered)).count());
         const auto after = std::chrono::days(static_cast<int>(orders.Below(daysSince + 1)));
-        registration.Set(tag::userText, orders.AnyOf(kReasons));
+        registration.Set(tag::userText, orders.AnyOf(kRemarks));
         registration.Set(tag::cancelledDate, RecordDate(sys_days(day.entered) + after));
         registration.Set(tag::cancelledBy, registration.Text(tag::loginId));
     }

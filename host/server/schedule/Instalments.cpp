@@ -13,7 +13,7 @@ using std::chrono::sys_days;
 // The names of the fields in the journal.
 enum JournalTag : std::uint32_t { kTagNumber = 1, kTagPlace = 2, kTagAfter = 3 };
 
-constexpr std::int64_t kMost = 10'000'000;
+constexpr std::int64_t kMostInstalments = 10'000'000;
 
 void SetNumber(FieldRecord& fields, std::uint32_t tag, std::int64_t number) {
     fields.Set(tag, std::to_string(number));
@@ -22,7 +22,7 @@ void SetNumber(FieldRecord& fields, std::uint32_t tag, std::int64_t number) {
 // Nothing when it is absent or absurd.
 std::optional<int> Number(const FieldRecord& fields, std::uint32_t tag) {
     const auto number = WholeNumber(fields.Text(tag));
-    return number && *number <= kMost ? std::optional(static_cast<int>(*number)) : std::nullopt;
+    return number && *number <= kMostInstalments ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
 } // namespace

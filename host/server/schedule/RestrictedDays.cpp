@@ -9,7 +9,7 @@ namespace {
 
 using Date = std::chrono::year_month_day;
 
-constexpr std::string_view kRecordKind = "restricted";
+constexpr std::string_view kRestrictedRecord = "restricted";
 constexpr std::int64_t kLastDay = 31;
 constexpr int kYearsAhead = 20;
 
@@ -59,7 +59,7 @@ FieldRecord RestrictedRange::Fields() const {
 std::string RestrictedRange::Json() const {
     FieldRecord fields = Fields();
     fields.Set(tag::registrationDate, RecordDate(since));
-    return fields.JsonAs(kRecordKind);
+    return fields.JsonAs(kRestrictedRecord);
 }
 
 std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) {
@@ -67,7 +67,7 @@ std::optional<RestrictedRange> RestrictedRange::FromJson(std::string_view text) 
     RestrictedRange range;
     // The clock may stand anywhere by now.
     constexpr std::chrono::year earliest(1);
-    if (!RecordReader(text).TakeAll(kRecordKind, fields)
+    if (!RecordReader(text).TakeAll(kRestrictedRecord, fields)
         || ReadRange(fields, earliest, std::chrono::year::max(), range))
         return std::nullopt;
     if (const auto date = ParseRecordDate(fields.Text(tag::registrationDate))) range.since = *date;

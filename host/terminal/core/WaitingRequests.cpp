@@ -19,7 +19,7 @@ std::string Value(void* message) {
 }
 
 // The scrip of an order, or the registration that a change is for.
-std::string Scrip(void* message) {
+std::string ScripOrRegistration(void* message) {
     const std::string_view symbol = qmx::Text(message, tag::tradingSymbol);
     return std::string(symbol.empty() ? qmx::Text(message, tag::registrationNumber) : symbol);
 }
@@ -48,7 +48,7 @@ std::string WaitingCell(const WaitingRequest& request, WaitingColumn column, std
     case WaitingColumn::client:
         return std::string(qmx::Text(message, tag::account));
     case WaitingColumn::scrip:
-        return Scrip(message);
+        return ScripOrRegistration(message);
     case WaitingColumn::value:
         return Value(message);
     case WaitingColumn::since:

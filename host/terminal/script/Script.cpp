@@ -127,7 +127,7 @@ std::optional<std::string> ParseLine(std::string_view line, std::size_t number, 
     return std::nullopt;
 }
 
-std::string Quoted(std::string_view text) {
+std::string QuotedWord(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {
         if (c == '\n')
@@ -161,7 +161,7 @@ std::string ScriptCommand::Text() const {
     std::string text(rule.name);
     for (std::size_t i = 0; i < words.size(); ++i) {
         const char kind = rule.words[std::min(i, rule.words.size() - 1)];
-        text += ' ' + (kind == 't' || kind == '*' ? Quoted(words[i]) : words[i]);
+        text += ' ' + (kind == 't' || kind == '*' ? QuotedWord(words[i]) : words[i]);
     }
     return text;
 }

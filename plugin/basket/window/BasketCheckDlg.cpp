@@ -7,12 +7,6 @@
 
 namespace planfold {
 
-namespace {
-
-constexpr unsigned kListCommands = 26900; // of a hundred
-
-} // namespace
-
 BasketCheckDlg::BasketCheckDlg(HINSTANCE module, Session& session)
     : CListDialog(module, IDD_BASKET_CHECK, session,
                   {IDI_REPEAT,
@@ -22,7 +16,7 @@ BasketCheckDlg::BasketCheckDlg(HINSTANCE module, Session& session)
                    {},
                    "SIPBasketCheck",
                    ListColumns<ListColumn<ReviewField>>(kReviewColumns),
-                   kListCommands}) {}
+                   FirstCommand(NumberedList::basketCheck)}) {}
 
 void BasketCheckDlg::Show(std::vector<ReviewLine> lines) {
     BringUp(*this, m_session);

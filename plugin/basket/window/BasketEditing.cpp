@@ -29,7 +29,7 @@ struct EditKey {
     int command;
     bool rowsOnly; // not in the list of rejected lines
 };
-constexpr EditKey kKeys[] = {
+constexpr EditKey kEditKeys[] = {
     {'Z', true, false, kUndoCommand, false},         {'Y', true, false, kRedoCommand, false},
     {VK_F2, false, false, kEditCommand, false},      {'D', true, false, kFillCommand, true},
     {'H', true, false, kReplaceCommand, true},       {'V', true, false, kPasteCommand, false},
@@ -105,7 +105,7 @@ bool BasketEditing::HandleNotify(const NMHDR& notification) {
 
 bool BasketEditing::OnKey(bool inRows, WORD key) {
     const bool control = GetKeyState(VK_CONTROL) < 0, shift = GetKeyState(VK_SHIFT) < 0;
-    for (const EditKey& known : kKeys) {
+    for (const EditKey& known : kEditKeys) {
         if (known.key != key || known.control != control || known.shift != shift || GetKeyState(VK_MENU) < 0)
             continue;
         if (known.rowsOnly && !inRows) return false;

@@ -4,15 +4,14 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "SIPBasket";
-constexpr unsigned kListCommands = 26200; // of a hundred
+constexpr char kBasketListName[] = "SIPBasket";
 
 } // namespace
 
 bool BasketListWindow::Attach(HWND list) {
     const auto columns = ListColumns<BasketColumn>(kBasketListColumns);
-    if (!m_list.Attach(
-            {list, kName, this, columns.data(), static_cast<std::int32_t>(columns.size()), kListCommands}))
+    if (!m_list.Attach({list, kBasketListName, this, columns.data(), static_cast<std::int32_t>(columns.size()),
+                        FirstCommand(NumberedList::basket)}))
         return false;
     StretchLastText(m_list);
     return true;

@@ -12,11 +12,11 @@ namespace planfold {
 
 namespace {
 
-constexpr framework::ReportList::Column kColumns[] = {{"Line", 50}, {"Reason", 360}, {"Text", 560}};
+constexpr framework::ReportList::Column kRejectedColumns[] = {{"Line", 50}, {"Reason", 360}, {"Text", 560}};
 enum { kLineColumn, kReasonColumn };
-static_assert(std::string_view(kColumns[BasketPanel::kTextColumn].heading) == "Text");
-constexpr int kRowHeight = 15; // pixels at 96 DPI
-constexpr int kPages[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE};
+static_assert(std::string_view(kRejectedColumns[BasketPanel::kTextColumn].heading) == "Text");
+constexpr int kPanelRowHeight = 15; // pixels at 96 DPI
+constexpr int kTabs[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE};
 constexpr int kControls[] = {IDC_REJECTED_PAGE, IDC_RESULTS_PAGE, IDC_REJECTED_COPY, IDC_REJECTED_SAVE,
                              IDC_REJECTED_LIST};
 constexpr const char* kOpenTexts[] = {"Correct in Form\tEnter", "Go to Row\tEnter"}; // by page
@@ -25,7 +25,7 @@ constexpr const char* kOpenTexts[] = {"Correct in Form\tEnter", "Go to Row\tEnte
 
 void BasketPanel::Attach() {
     const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
-    for (const framework::ReportList::Column& column : kColumns)
+    for (const framework::ReportList::Column& column : kRejectedColumns)
         list.AddColumn(column);
     m_enter.Attach(list.Handle());
     FollowDpi();
@@ -35,9 +35,9 @@ void BasketPanel::Attach() {
 
 void BasketPanel::FollowDpi() {
     const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
-    list.SetLook(kRowHeight);
-    for (int i = 0; i < static_cast<int>(std::size(kColumns)); ++i)
-        list.SetColumnWidth(i, kColumns[i].width);
+    list.SetLook(kPanelRowHeight);
+    for (int i = 0; i < static_cast<int>(std::size(kRejectedColumns)); ++i)
+        list.SetColumnWidth(i, kRejectedColumns[i].width);
 }
 
 bool BasketPanel::Refresh() {
@@ -64,8 +64,8 @@ bool BasketPanel::Refresh() {
 
 void BasketPanel::Show(Page page) {
     m_page = page;
-    for (int i = 0; i < static_cast<int>(std::size(kPages)); ++i)
-        m_dialog.Item(kPages[i]).Send(BM_SETCHECK, i == static_cast<int>(page) ? BST_CHECKED : BST_UNCHECKED);
+    for (int i = 0; i < static_cast<int>(std::size(kTabs)); ++i)
+        m_dialog.Item(kTabs[i]).Send(BM_SETCHECK, i == static_cast<int>(page) ? BST_CHECKED : BST_UNCHECKED);
     const auto list = m_dialog.Item<framework::ReportList>(IDC_REJECTED_LIST);
     ListView_SetItemState(list.Handle(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
     m_listed = Lines();
@@ -82,7 +82,7 @@ void BasketPanel::Arrange(const RECT& place) {
     const LONG gap = save.cy / 3;
     const LONG top = place.top + save.cy + gap;
     LONG left = place.left;
-    for (const int page : kPages) {
+    for (const int page : kTabs) {
         const LONG right = left + sizeOf(page).cx;
         m_dialog.Item(page).Move({left, place.top, right, place.top + save.cy});
         left = right;

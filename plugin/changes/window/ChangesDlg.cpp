@@ -14,11 +14,10 @@ namespace planfold {
 
 namespace {
 
-constexpr unsigned kListCommands = 26800; // of a hundred
-constexpr framework::FileQuestion kLoadQuestion{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
-                                                "Load Changes"};
-constexpr framework::FileQuestion kExportQuestion{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
-                                                  "Export for Changes"};
+constexpr framework::FileQuestion kLoadChanges{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
+                                               "Load Changes"};
+constexpr framework::FileQuestion kExportChanges{"CSV Files (*.csv)|*.csv|All Files (*.*)|*.*|", "csv",
+                                                 "Export for Changes"};
 
 std::string NameOf(const std::string& path) {
     return path.substr(path.find_last_of("\\/") + 1);
@@ -30,7 +29,8 @@ CChangesDlg::CChangesDlg(HINSTANCE module, Session& session, framework::MessageB
                          const OrderCache& book, Selected selected)
     : CListDialog(module, IDD_CHANGES, session,
                   {IDI_REPEAT, IDC_CHANGES_LIST, IDC_CHANGES_NOTICE, IDC_CHANGES_STATUS, IDC_CHANGES_STEP,
-                   "SIPChanges", ListColumns<ChangeColumn>(kChangeColumns), kListCommands}),
+                   "SIPChanges", ListColumns<ChangeColumn>(kChangeColumns),
+                   FirstCommand(NumberedList::changes)}),
       m_boxes(boxes), m_book(book), m_selected(std::move(selected)),
       m_run(session, book, *this, [this] { return Control(); }),
       m_progress(module, session, m_run, CRunProgressDlg::Owner::disabled), m_stepUp(module, session, boxes) {}
@@ -81,7 +81,7 @@ void CChangesDlg::Export(HWND owner) {
     });
     const std::string text = ChangeFileText(m_book, records, m_session.m_nSipOperationMode != 0);
     const auto path = m_session.life.Across(
-        [&](Pass) { return framework::AskForFileToWrite(owner, kExportQuestion, "Registrations.csv"); });
+        [&](Pass) { return framework::AskForFileToWrite(owner, kExportChanges, "Registrations.csv"); });
     if (!path || !*path) return;
     const std::string fault = framework::WriteWhole(**path, text);
     m_boxes.Show(owner, fault.empty() ? Format("%zu registrations were exported.", records.size())
@@ -90,7 +90,7 @@ void CChangesDlg::Export(HWND owner) {
 
 void CChangesDlg::Load() {
     if (m_run.TellsBusy()) return;
-    const auto path = m_life.Across([&](Pass) { return framework::AskForFileToRead(Handle(), kLoadQuestion); });
+    const auto path = m_life.Across([&](Pass) { return framework::AskForFileToRead(Handle(), kLoadChanges); });
     if (!path || !*path) return;
     auto text = framework::ReadWhole(**path);
     if (!text) return m_boxes.Show(Handle(), "The file cannot be read: " + **path);

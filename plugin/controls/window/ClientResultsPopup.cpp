@@ -14,14 +14,14 @@ constexpr UINT kGiveFocusBack = WM_APP + 1;
 struct Column : framework::ReportList::Column {
     const char* ClientResult::*text;
 };
-constexpr Column kColumns[] = {
+constexpr Column kResultColumns[] = {
     {{"Client ID", 100}, &ClientResult::clientId},
     {{"Client Name", 150}, &ClientResult::clientName},
 };
 
 constexpr int kPopupWidth = 500; // pixels at 96 DPI and 8 points, as the rest
 constexpr int kMostHeight = 500;
-constexpr int kRowHeight = 20;
+constexpr int kResultRowHeight = 20;
 constexpr int kHeightBesideRows = 50;
 
 // Under the box, or above it when there is room only there; cut to the larger side when neither has enough.
@@ -42,14 +42,14 @@ RECT PlaceBeside(HWND box, SIZE wanted) {
 } // namespace
 
 void CResultsList::AddColumns() const {
-    for (const Column& column : kColumns)
+    for (const Column& column : kResultColumns)
         AddColumn(column);
 }
 
 void CResultsList::SetSizes() const {
-    SetLook(kRowHeight);
-    for (int i = 0; i < static_cast<int>(std::size(kColumns)); ++i)
-        SetColumnWidth(i, kColumns[i].width);
+    SetLook(kResultRowHeight);
+    for (int i = 0; i < static_cast<int>(std::size(kResultColumns)); ++i)
+        SetColumnWidth(i, kResultColumns[i].width);
 }
 
 void CPopup::Make(HWND box) {
@@ -74,8 +74,8 @@ void CPopup::ShowUnder(HWND box, int count, int selected) {
     m_list.SetSizes();
     m_list.SetCount(count);
     const framework::TextScale scale = m_list.Scale();
-    const int rows = std::min(count, kMostHeight / kRowHeight);
-    const int height = std::min(kMostHeight, rows * kRowHeight + kHeightBesideRows);
+    const int rows = std::min(count, kMostHeight / kResultRowHeight);
+    const int height = std::min(kMostHeight, rows * kResultRowHeight + kHeightBesideRows);
     const RECT place = PlaceBeside(box, {scale(kPopupWidth), scale(height)});
     SetWindowPos(Handle(), HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_NOACTIVATE | SWP_SHOWWINDOW);
@@ -134,9 +134,9 @@ LRESULT CPopup::DrawRow(NMLVCUSTOMDRAW& draw) const {
 
 void CPopup::FillCell(LVITEMA& item) const {
     const auto column = static_cast<std::size_t>(item.iSubItem);
-    if (!(item.mask & LVIF_TEXT) || !item.pszText || column >= std::size(kColumns)) return;
+    if (!(item.mask & LVIF_TEXT) || !item.pszText || column >= std::size(kResultColumns)) return;
     if (item.iItem < 0 || item.iItem >= m_search.Results().Count()) return;
-    const char* text = m_search.Results().Row(item.iItem).*kColumns[column].text;
+    const char* text = m_search.Results().Row(item.iItem).*kResultColumns[column].text;
     lstrcpynA(item.pszText, text, item.cchTextMax);
 }
 

@@ -25,15 +25,15 @@ struct KeyRow {
     WPARAM virtualKey;
     ClientSearch::Key key;
 };
-constexpr KeyRow kKeys[] = {
+constexpr KeyRow kSearchKeys[] = {
     {VK_UP, ClientSearch::Key::up},        {VK_DOWN, ClientSearch::Key::down},
     {VK_PRIOR, ClientSearch::Key::pageUp}, {VK_NEXT, ClientSearch::Key::pageDown},
     {VK_RETURN, ClientSearch::Key::enter}, {VK_ESCAPE, ClientSearch::Key::escape},
 };
 
 const KeyRow* FindKey(WPARAM virtualKey) {
-    const auto* row = std::ranges::find(kKeys, virtualKey, &KeyRow::virtualKey);
-    return row == std::end(kKeys) ? nullptr : row;
+    const auto* row = std::ranges::find(kSearchKeys, virtualKey, &KeyRow::virtualKey);
+    return row == std::end(kSearchKeys) ? nullptr : row;
 }
 
 } // namespace

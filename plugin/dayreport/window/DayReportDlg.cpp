@@ -7,16 +7,10 @@
 
 namespace planfold {
 
-namespace {
-
-constexpr unsigned kListCommands = 26400; // of a hundred
-
-} // namespace
-
 CDayReportDlg::CDayReportDlg(HINSTANCE module, Session& session, RecordFiles& files)
     : CListDialog(module, IDD_DAY_REPORT, session,
                   {IDI_CALENDAR, IDC_DAY_LIST, IDC_DAY_NOTICE, IDC_DAY_STATUS, IDC_DAY_TODAY, "SIPDayReport",
-                   ListColumns<DayColumn>(kDayColumns), kListCommands}),
+                   ListColumns<DayColumn>(kDayColumns), FirstCommand(NumberedList::dayReport)}),
       m_report(files, *this), m_progress(module, session, m_report, CRunProgressDlg::Owner::disabled) {}
 
 void CDayReportDlg::BringUp() {

@@ -11,18 +11,18 @@ namespace {
 
 using framework::Scaled;
 
-void DeleteBrush(HBRUSH brush) {
+void EndBrush(HBRUSH brush) {
     DeleteObject(brush);
 }
-void DeletePen(HPEN pen) {
+void EndPen(HPEN pen) {
     DeleteObject(pen);
 }
-void DeleteBitmap(HBITMAP bitmap) {
+void EndBitmap(HBITMAP bitmap) {
     DeleteObject(bitmap);
 }
-using Brush = framework::UniqueHandle<HBRUSH, DeleteBrush>;
-using Pen = framework::UniqueHandle<HPEN, DeletePen>;
-using Bitmap = framework::UniqueHandle<HBITMAP, DeleteBitmap>;
+using Brush = framework::UniqueHandle<HBRUSH, EndBrush>;
+using Pen = framework::UniqueHandle<HPEN, EndPen>;
+using Bitmap = framework::UniqueHandle<HBITMAP, EndBitmap>;
 using MemoryDc = framework::UniqueHandle<HDC, DeleteDC>;
 
 // Lengths are pixels at 96 DPI.

@@ -11,8 +11,7 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "SIPOrderHistory";
-constexpr unsigned kListCommands = 26300; // of a hundred
+constexpr char kHistoryName[] = "SIPOrderHistory";
 // The list's share of the room, of a hundred; least heights in pixels at 96 DPI.
 constexpr int kListShare = 45;
 constexpr int kLeastList = 60;
@@ -27,9 +26,9 @@ CSIPOrderHistoryDlg::CSIPOrderHistoryDlg(HINSTANCE module, Session& session, fra
                    {},
                    {},
                    {},
-                   kName,
+                   kHistoryName,
                    ListColumns<HistoryColumn>(kHistoryColumns),
-                   kListCommands,
+                   FirstCommand(NumberedList::orderHistory),
                    true}),
       m_boxes(boxes), m_link(session.lookup, kRxRequests, this, this),
       m_history(session, *this, m_link.Control()) {}
@@ -49,7 +48,7 @@ void CSIPOrderHistoryDlg::OnResponse(void*, void* message, void*) noexcept {
 void CSIPOrderHistoryDlg::OnInit() {
     CListDialog::OnInit();
     m_splitter.Create(
-        {Handle(), List().Handle(), IDC_HISTORY_SPLITTER, kName, kListShare, kLeastList, kLeastBelow});
+        {Handle(), List().Handle(), IDC_HISTORY_SPLITTER, kHistoryName, kListShare, kLeastList, kLeastBelow});
     Arrange();
 }
 

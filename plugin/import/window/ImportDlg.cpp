@@ -15,7 +15,7 @@ constexpr framework::FileQuestion kQuestion{
     "Tables (*.xlsx, *.csv, *.txt)|*.xlsx;*.csv;*.txt;*.tsv|All Files (*.*)|*.*||", "xlsx", "Import"};
 constexpr framework::ReportList::Column kColumnsOfFile[] = {
     {"No", 30}, {"Heading", 150}, {"First value", 130}, {"Read as", 100}};
-constexpr int kRowHeight = 18;
+constexpr int kPreviewRowHeight = 18;
 constexpr std::size_t kLongestName = 60;
 constexpr UINT_PTR kTryTimer = 7;
 constexpr UINT kTryPauseMs = 30;
@@ -91,7 +91,7 @@ void CImportDlg::OnInit() {
 void CImportDlg::OnLaidOut() {
     SetCaptionIcon(IDI_REPEAT);
     for (const int list : {IDC_IMPORT_COLUMNS, IDC_IMPORT_ROWS})
-        List(list).SetLook(kRowHeight);
+        List(list).SetLook(kPreviewRowHeight);
     for (int i = 0; i < static_cast<int>(std::size(kColumnsOfFile)); ++i)
         List(IDC_IMPORT_COLUMNS).SetColumnWidth(i, kColumnsOfFile[i].width);
     for (int i = 0; i < static_cast<int>(std::size(kPreviewColumns)); ++i)

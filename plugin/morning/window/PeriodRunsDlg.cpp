@@ -10,16 +10,16 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "SIPRunsOfPeriod";
-constexpr unsigned kListCommands = 26600; // of a hundred
-enum Entry { kHistoryEntry = 25311, kCopyEntry };
+constexpr char kPeriodName[] = "SIPRunsOfPeriod";
+enum PeriodEntry { kPeriodHistoryEntry = 25311, kPeriodCopyEntry };
 
 } // namespace
 
 CPeriodRunsDlg::CPeriodRunsDlg(HINSTANCE module, Session& session, const OrderCache& records, Others others)
     : CPeriodWindow(
         module, IDD_RUNS_OF_PERIOD, session,
-        {kName, ListColumns<PastColumn>(kPastColumns), kListCommands, kPastChoices, kFirstPastChoice}),
+        {kPeriodName, ListColumns<PastColumn>(kPastColumns), FirstCommand(NumberedList::runsOfPeriod),
+         kPastChoices, kFirstPastChoice}),
       m_runs(session, records, *this, [this] { return Control(); }),
       m_progress(module, session, m_runs, CRunProgressDlg::Owner::disabled), m_others(std::move(others)) {}
 
@@ -74,14 +74,14 @@ std::string_view CPeriodRunsDlg::Cell(std::uint32_t row, std::int32_t column) co
 }
 
 std::vector<MenuEntry> CPeriodRunsDlg::Entries() const {
-    return {{"Order History\tEnter", kHistoryEntry, FocusedRow() == UINT32_MAX},
-            {"Copy Failed Runs to Basket...\tCtrl+B", kCopyEntry, m_runs.Failed().empty()}};
+    return {{"Order History\tEnter", kPeriodHistoryEntry, FocusedRow() == UINT32_MAX},
+            {"Copy Failed Runs to Basket...\tCtrl+B", kPeriodCopyEntry, m_runs.Failed().empty()}};
 }
 
 bool CPeriodRunsDlg::OnEntry(int command) {
-    if (command == kHistoryEntry && FocusedRow() != UINT32_MAX) Activate(FocusedRow());
-    if (command == kCopyEntry) CopyFailed();
-    return command == kHistoryEntry || command == kCopyEntry;
+    if (command == kPeriodHistoryEntry && FocusedRow() != UINT32_MAX) Activate(FocusedRow());
+    if (command == kPeriodCopyEntry) CopyFailed();
+    return command == kPeriodHistoryEntry || command == kPeriodCopyEntry;
 }
 
 bool CPeriodRunsDlg::OnRowKey(int key, std::uint32_t) {

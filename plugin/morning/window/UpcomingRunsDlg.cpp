@@ -8,17 +8,16 @@ namespace planfold {
 
 namespace {
 
-constexpr char kName[] = "SIPUpcomingRuns";
-constexpr unsigned kListCommands = 26500; // of a hundred
+constexpr char kUpcomingName[] = "SIPUpcomingRuns";
 // The list's share of the room, of a hundred; least heights in pixels at 96 DPI.
-constexpr int kListShare = 65;
-constexpr int kLeastList = 80;
+constexpr int kUpcomingShare = 65;
+constexpr int kLeastUpcoming = 80;
 constexpr int kLeastChart = 90;
 
 constexpr UINT_PTR kGrowthTimer = 1;
 constexpr UINT kGrowthMs = 1000;
 
-enum Entry { kOpenAll = 25301, kCloseAll, kHistory };
+enum UpcomingEntry { kOpenAllEntry = 25301, kCloseAllEntry, kUpcomingHistoryEntry };
 
 } // namespace
 
@@ -26,14 +25,15 @@ CUpcomingRunsDlg::CUpcomingRunsDlg(HINSTANCE module, Session& session, const Ord
                                    History history)
     : CPeriodWindow(
         module, IDD_UPCOMING_RUNS, session,
-        {kName, ListColumns<RunColumn>(kRunColumns), kListCommands, kPeriodChoices, kFirstPeriodChoice}),
+        {kUpcomingName, ListColumns<RunColumn>(kRunColumns), FirstCommand(NumberedList::upcomingRuns),
+         kPeriodChoices, kFirstPeriodChoice}),
       m_runs(session, records, *this), m_progress(module, session, m_runs, CRunProgressDlg::Owner::disabled),
       m_history(std::move(history)) {}
 
 void CUpcomingRunsDlg::OnInit() {
     CPeriodWindow::OnInit();
-    m_splitter.Create({Handle(), Item(IDC_RUNS_LIST).Handle(), IDC_RUNS_SPLITTER, kName, kListShare, kLeastList,
-                       kLeastChart});
+    m_splitter.Create({Handle(), Item(IDC_RUNS_LIST).Handle(), IDC_RUNS_SPLITTER, kUpcomingName, kUpcomingShare,
+                       kLeastUpcoming, kLeastChart});
     SetTimer(Handle(), kGrowthTimer, kGrowthMs, nullptr);
     Arrange();
 }
@@ -96,18 +96,18 @@ std::vector<MenuEntry> CUpcomingRunsDlg::Entries() const {
     const std::uint32_t row = FocusedRow();
     const bool isPlan = row != UINT32_MAX && !m_runs.Registration(row).empty();
     const bool isEmpty = m_runs.Rows().empty();
-    return {{"Expand All", kOpenAll, isEmpty},
-            {"Collapse All", kCloseAll, isEmpty},
-            {"Order History\tEnter", kHistory, !isPlan}};
+    return {{"Expand All", kOpenAllEntry, isEmpty},
+            {"Collapse All", kCloseAllEntry, isEmpty},
+            {"Order History\tEnter", kUpcomingHistoryEntry, !isPlan}};
 }
 
 bool CUpcomingRunsDlg::OnEntry(int command) {
-    if (command == kHistory && FocusedRow() != UINT32_MAX) OpenHistory(FocusedRow());
-    if (command == kOpenAll || command == kCloseAll) {
-        m_runs.SetAllOpen(command == kOpenAll);
+    if (command == kUpcomingHistoryEntry && FocusedRow() != UINT32_MAX) OpenHistory(FocusedRow());
+    if (command == kOpenAllEntry || command == kCloseAllEntry) {
+        m_runs.SetAllOpen(command == kOpenAllEntry);
         ListRows(m_runs.Rows());
     }
-    return command >= kOpenAll && command <= kHistory;
+    return command >= kOpenAllEntry && command <= kUpcomingHistoryEntry;
 }
 
 void CUpcomingRunsDlg::Activate(std::uint32_t row) {

@@ -47,20 +47,18 @@ bool CRejectReasonDlg::OnCommand(const framework::Command& command) {
 
 namespace {
 
-constexpr unsigned kRegisteredListCommands = 26000;
-constexpr unsigned kCancelledListCommands = 26100;
 constexpr int kUpcomingRunsKey = 'U', kRunsOfPeriodKey = 'R', kCopyToBasketKey = 'B'; // with Ctrl
 constexpr int kCountWidth = 90, kConnectionWidth = 170;                               // pixels at 96 DPI
 constexpr int kStatusPart = 2, kConnectionPart = 3;                                   // behind both counts
-constexpr UINT_PTR kSecond = 1, kStatusSoon = 2;
-constexpr UINT kShowStatus = WM_APP + 1;
+constexpr UINT_PTR kSecond = 1, kBookStatusSoon = 2;
+constexpr UINT kShowBookStatus = WM_APP + 1;
 constexpr const wchar_t* kFace = L"MS Shell Dlg";
 
 struct Page {
     const char* caption;
     int list;
 };
-constexpr Page kPages[] = {{"Registered Orders", IDC_REGISTERED_LIST},
+constexpr Page kBookPages[] = {{"Registered Orders", IDC_REGISTERED_LIST},
                            {"Cancelled Orders", IDC_CANCELLED_LIST}};
 
 struct CommandRow {
@@ -83,23 +81,24 @@ COrderBookDlg::COrderBookDlg(HINSTANCE module, Session& session, framework::Mess
                              RecordCommand recordCommand)
     : Dialog(module, IDD_ORDER_BOOK), m_session(session), m_boxes(boxes), m_book(session, *this, controls),
       m_registered(m_book.Records(), session,
-                   {kName, kRegisteredColumns, kRegisteredListCommands, BookConditions()},
+                   {kName, kRegisteredColumns, FirstCommand(NumberedList::registeredOrders), BookConditions()},
                    [this] { ShowCounts(); }),
       m_cancelled(m_book.Records(), session,
-                  {"SIPCancelledBook", kCancelledColumns, kCancelledListCommands, BookConditions().last(1)},
+                  {"SIPCancelledBook", kCancelledColumns, FirstCommand(NumberedList::cancelledOrders),
+                   BookConditions().last(1)},
                   [this] { ShowCounts(); }),
       m_reason(module, session), m_progress(module, session, m_book.Runs(), CRunProgressDlg::Owner::enabled),
       m_orderForm(std::move(orderForm)), m_history(std::move(history)),
-      m_recordCommand(std::move(recordCommand)), m_statusPace(kShowStatus, kStatusSoon) {}
+      m_recordCommand(std::move(recordCommand)), m_statusPace(kShowBookStatus, kBookStatusSoon) {}
 
 void COrderBookDlg::OnInit() {
     m_open = true;
-    for (const Page& page : kPages) {
+    for (const Page& page : kBookPages) {
         TCITEMA item{};
         item.mask = TCIF_TEXT;
         item.pszText = const_cast<char*>(page.caption);
         Item(IDC_BOOK_TABS)
-            .Send(TCM_INSERTITEMA, static_cast<WPARAM>(&page - kPages), reinterpret_cast<LPARAM>(&item));
+            .Send(TCM_INSERTITEMA, static_cast<WPARAM>(&page - kBookPages), reinterpret_cast<LPARAM>(&item));
     }
     m_registered.Attach(Item(IDC_REGISTERED_LIST).Handle());
     m_cancelled.Attach(Item(IDC_CANCELLED_LIST).Handle());
@@ -154,7 +153,7 @@ void COrderBookDlg::Arrange() {
     RECT strip{0, 0, client.right, client.bottom};
     Item(IDC_BOOK_TABS).Send(TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&strip));
     Item(IDC_BOOK_TABS).Move({0, 0, client.right, strip.top});
-    for (const Page& page : kPages)
+    for (const Page& page : kBookPages)
         Item(page.list).Move({0, strip.top, client.right, std::max(strip.top, client.bottom - status.bottom)});
 }
 
@@ -166,16 +165,16 @@ void COrderBookDlg::ShowPage() {
     const int current = CurrentPage();
     const bool focused =
         GetFocus() == Item(IDC_REGISTERED_LIST).Handle() || GetFocus() == Item(IDC_CANCELLED_LIST).Handle();
-    for (int i = 0; i < static_cast<int>(std::size(kPages)); ++i)
-        if (i == current) Item(kPages[i].list).Show(true);
+    for (int i = 0; i < static_cast<int>(std::size(kBookPages)); ++i)
+        if (i == current) Item(kBookPages[i].list).Show(true);
     if (focused) FocusList();
-    for (int i = 0; i < static_cast<int>(std::size(kPages)); ++i)
-        if (i != current) Item(kPages[i].list).Show(false);
+    for (int i = 0; i < static_cast<int>(std::size(kBookPages)); ++i)
+        if (i != current) Item(kBookPages[i].list).Show(false);
 }
 
 void COrderBookDlg::FocusList() {
     const int page = CurrentPage();
-    if (page >= 0) Item(kPages[page].list).Focus();
+    if (page >= 0) Item(kBookPages[page].list).Focus();
 }
 
 void COrderBookDlg::ShowCounts() {

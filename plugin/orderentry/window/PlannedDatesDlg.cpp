@@ -8,8 +8,8 @@ namespace planfold {
 
 namespace {
 
-constexpr framework::ReportList::Column kColumns[] = {{"No", 50}, {"Date", 90}, {"Day", 50}, {"Note", 260}};
-constexpr int kRowHeight = 18;
+constexpr framework::ReportList::Column kDateColumns[] = {{"No", 50}, {"Date", 90}, {"Day", 50}, {"Note", 260}};
+constexpr int kDateRowHeight = 18;
 
 } // namespace
 
@@ -33,16 +33,16 @@ void CPlannedDatesDlg::SetPlan(const Plan& plan) {
 }
 
 void CPlannedDatesDlg::OnInit() {
-    for (const auto& column : kColumns)
+    for (const auto& column : kDateColumns)
         List().AddColumn(column);
     OnLaidOut();
 }
 
 void CPlannedDatesDlg::OnLaidOut() {
     SetCaptionIcon(IDI_CALENDAR);
-    List().SetLook(kRowHeight);
-    for (int i = 0; i < static_cast<int>(std::size(kColumns)); ++i)
-        List().SetColumnWidth(i, kColumns[i].width);
+    List().SetLook(kDateRowHeight);
+    for (int i = 0; i < static_cast<int>(std::size(kDateColumns)); ++i)
+        List().SetColumnWidth(i, kDateColumns[i].width);
 }
 
 framework::ReportList CPlannedDatesDlg::List() const {

@@ -21,7 +21,7 @@ void Fill(HDC context, const RECT& rect, COLORREF colour) {
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-void Frame(HDC context, const RECT& rect, COLORREF colour) {
+void DrawFrame(HDC context, const RECT& rect, COLORREF colour) {
     SetDCBrushColor(context, colour);
     FrameRect(context, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
@@ -49,7 +49,7 @@ void DrawWindow(HDC context, const RECT& box, int thickness) {
     for (int i = 0; i < thickness; ++i) {
         RECT edge = box;
         InflateRect(&edge, -i, -i);
-        Frame(context, edge, colour);
+        DrawFrame(context, edge, colour);
     }
     Fill(context, {box.left, box.top, box.right, box.top + 2 * thickness + 1}, colour);
 }
@@ -103,7 +103,7 @@ void DockBars::PaintTabs(HDC context, const DockGroup& group) const {
         const bool hover = m_hover.part == DockHit::Part::tab && m_hover.pane == tab.pane;
         const int base = tab.pane == group.selected ? COLOR_WINDOW : COLOR_BTNFACE;
         Fill(context, rect, Blend(base, COLOR_HIGHLIGHT, hover ? 20 : 0));
-        Frame(context, rect, GetSysColor(COLOR_BTNSHADOW));
+        DrawFrame(context, rect, GetSysColor(COLOR_BTNSHADOW));
         DrawLabel(context, rect, m_site.Layout().Find(tab.pane)->caption, indent);
     }
 }

@@ -9,7 +9,7 @@ constexpr UINT_PTR kTickTimer = 1;
 constexpr UINT kTickMs = 100;
 constexpr int kRowHeight = 15; // pixels at 96 DPI
 
-int TimeOfDay() {
+int SecondOfDay() {
     SYSTEMTIME now{};
     GetLocalTime(&now);
     return (now.wHour * 60 + now.wMinute) * 60 + now.wSecond;
@@ -36,7 +36,7 @@ std::string WaitingWindow::Cell(int row, int column) const {
     const auto request = place < m_numbers.size() ? m_server.FindRequest(m_numbers[place]) : std::nullopt;
     if (!request) return {};
     return WaitingCell(*request, static_cast<WaitingColumn>(column), ServerLink::NowMs() - request->sinceMs,
-                       TimeOfDay());
+                       SecondOfDay());
 }
 
 std::vector<std::uint64_t> WaitingWindow::Selected() const {
