@@ -155,7 +155,7 @@ TEST_F(FilterList, AnExportIsWholeOrNotThere) {
 
 TEST_F(FilterList, ALongCopyShowsHowFarItIsAndCanBeStopped) {
     constexpr int stop = IDCANCEL, end = 0, close = 1;
-    constexpr std::uint32_t rows = 5000;
+    constexpr std::uint32_t rows = 20000;
     Fill(rows);
     const auto progress = [] { return probe::FindDialog("Rows of the List"); };
     for (const int way : {stop, end, close}) {
@@ -163,16 +163,23 @@ TEST_F(FilterList, ALongCopyShowsHowFarItIsAndCanBeStopped) {
         Run(copy);
         const std::string one = probe::OnClipboard();
         Run(selectAll);
-        piecesTakeMs = 90;
+        piecesTakeMs = 30;
+        const probe::WhenShown shown(
+            [&] {
+                const HWND box = progress();
+                return IsWindowVisible(box) ? box : nullptr;
+            },
+            [&](HWND box) {
+                EXPECT_TRUE(IsWindowEnabled(parent));
+                EXPECT_EQ(GetFocus(), list);
+                Run(copy); // while one is under way
+                piecesTakeMs = 1;
+                if (way == stop) probe::Press(box, stop);
+                if (way == close) DestroyWindow(parent);
+            });
         Run(copy);
-        ASSERT_TRUE(probe::PumpUntil([&] { return progress() && IsWindowVisible(progress()); })) << way;
-        EXPECT_TRUE(IsWindowEnabled(parent));
-        EXPECT_EQ(GetFocus(), list);
-        Run(copy); // while one is under way
-        piecesTakeMs = 1;
-        if (way == stop) probe::Press(progress(), stop);
-        if (way == close) Close();
         EXPECT_TRUE(probe::PumpUntil([&] { return !progress(); }));
+        EXPECT_TRUE(shown.Seen()) << way;
         const std::string now = probe::OnClipboard();
         if (way == stop)
             EXPECT_EQ(now, one);

@@ -2,6 +2,7 @@
 // leave behind, nothing, is checked at its end.
 #pragma once
 
+#include "framework/resource.h"
 #include "plugin/resources/resource.h"
 #include "tests/support/BoxRecorder.h"
 #include "tests/support/FakeHost.h"

@@ -11,18 +11,18 @@ namespace {
 
 using framework::Scaled;
 
-void EndBrush(HBRUSH brush) {
+void ReleaseBrush(HBRUSH brush) {
     DeleteObject(brush);
 }
-void EndPen(HPEN pen) {
+void ReleasePen(HPEN pen) {
     DeleteObject(pen);
 }
-void EndBitmap(HBITMAP bitmap) {
+void ReleaseBitmap(HBITMAP bitmap) {
     DeleteObject(bitmap);
 }
-using Brush = framework::UniqueHandle<HBRUSH, EndBrush>;
-using Pen = framework::UniqueHandle<HPEN, EndPen>;
-using Bitmap = framework::UniqueHandle<HBITMAP, EndBitmap>;
+using Brush = framework::UniqueHandle<HBRUSH, ReleaseBrush>;
+using Pen = framework::UniqueHandle<HPEN, ReleasePen>;
+using Bitmap = framework::UniqueHandle<HBITMAP, ReleaseBitmap>;
 using MemoryDc = framework::UniqueHandle<HDC, DeleteDC>;
 
 // Lengths are pixels at 96 DPI.
