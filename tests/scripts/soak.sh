@@ -6,6 +6,8 @@ set -eu
 dist=$1 out=$2 weeks=${3:-52} seed=${4:-}
 here=$(cd "$(dirname "$0")" && pwd)
 mkdir -p "$out"
+# Its own, which no test ends meanwhile.
+export WINEPREFIX="${WINEPREFIX:-$(cd "$here/../.." && pwd)/build/wineprefix-soak}"
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 cp -r "$dist/." "$stage"
