@@ -16,25 +16,28 @@ constexpr char kNoHeadings[] =
 constexpr std::size_t kLongestFirst = 60;
 
 // In the preview and its counts.
-constexpr const char* kFaultNames[] = {
-    "",
-    "values missing",
-    "no numbers",
-    "numbers in doubt",
-    "parts of a paisa",
-    "amounts without a unit",
-    "numbers shortened by a spreadsheet",
-    "lost leading zeros",
-    "no dates",
-    "dates in doubt",
-    "day numbers in doubt",
-    "unknown words",
-    "texts that do not fit",
-    "rows with amount and quantity",
-    "unknown scrips",
-    "other scrips than the symbol's",
-    "unreadable rows",
-    "against the basket's rules",
+struct FaultName {
+    const char *one, *many;
+};
+constexpr FaultName kFaultNames[] = {
+    {"", ""},
+    {"value missing", "values missing"},
+    {"no number", "no numbers"},
+    {"number in doubt", "numbers in doubt"},
+    {"part of a paisa", "parts of a paisa"},
+    {"amount without a unit", "amounts without a unit"},
+    {"number shortened by a spreadsheet", "numbers shortened by a spreadsheet"},
+    {"lost leading zero", "lost leading zeros"},
+    {"no date", "no dates"},
+    {"date in doubt", "dates in doubt"},
+    {"day number in doubt", "day numbers in doubt"},
+    {"unknown word", "unknown words"},
+    {"text that does not fit", "texts that do not fit"},
+    {"row with amount and quantity", "rows with amount and quantity"},
+    {"unknown scrip", "unknown scrips"},
+    {"other scrip than the symbol's", "other scrips than the symbol's"},
+    {"unreadable row", "unreadable rows"},
+    {"against the basket's rules", "against the basket's rules"},
 };
 static_assert(std::size(kFaultNames) == static_cast<std::size_t>(ImportFault::count));
 
@@ -241,7 +244,7 @@ std::vector<std::string> ImportFile::FaultTexts() const {
     std::vector<std::pair<std::size_t, std::string>> found;
     for (std::size_t i = 1; i < std::size(kFaultNames); ++i)
         if (const std::size_t count = Count(static_cast<ImportFault>(i)); count > 0)
-            found.emplace_back(count, Format("%zu %s", count, kFaultNames[i]));
+            found.emplace_back(count, Format("%zu %s", count, count == 1 ? kFaultNames[i].one : kFaultNames[i].many));
     std::ranges::stable_sort(found, std::ranges::greater(), [](const auto& each) { return each.first; });
     std::vector<std::string> texts;
     texts.reserve(found.size());

@@ -92,8 +92,9 @@ std::string DoubtText(const ImportFile& file) {
 }
 
 std::string FaultsText(const ImportFile& file) {
-    std::string text = Format("%s %zu rows %zu are orders.", file.HasMore() ? "Of the first" : "Of",
-                              file.RowsTried(), file.Good());
+    std::string text =
+        Format("%s %zu rows %zu %s.", file.HasMore() ? "Of the first" : "Of", file.RowsTried(), file.Good(),
+               file.Good() == 1 ? "is an order" : "are orders");
     const std::vector<std::string> faults = file.FaultTexts();
     for (std::size_t i = 0; i < faults.size(); ++i)
         text += (i == 0 ? " Rejected: " : ", ") + faults[i];

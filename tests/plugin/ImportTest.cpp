@@ -173,7 +173,7 @@ TEST(Import, AHeadingThatADateContradictsDecidesNothing) {
     Scrips scrips;
     file.Try(kRules, scrips);
     EXPECT_EQ(DoubtText(file), "03/05/2027 may be 03/May/2027 or 05/Mar/2027: choose how dates are written.");
-    EXPECT_EQ(FaultsText(file), "Of 2 rows 1 are orders. Rejected: 1 dates in doubt");
+    EXPECT_EQ(FaultsText(file), "Of 2 rows 1 is an order. Rejected: 1 date in doubt");
     file.Mapping().pattern = DatePattern::monthFirst;
     file.Try(kRules, scrips);
     EXPECT_EQ(DoubtText(file) + FaultsText(file), "Of 2 rows 2 are orders.");
@@ -280,7 +280,7 @@ TEST(Import, FaultsAreCountedToTheEndOfTheFile) {
     EXPECT_EQ(FaultsText(file), "Of the first 1999 rows 1999 are orders.");
     while (file.TryMore(64)) {
     }
-    EXPECT_EQ(FaultsText(file), "Of 2100 rows 2099 are orders. Rejected: 1 no numbers");
+    EXPECT_EQ(FaultsText(file), "Of 2100 rows 2099 are orders. Rejected: 1 no number");
     EXPECT_EQ(file.Rows().size(), ImportFile::kRowsShown);
 }
 
