@@ -32,13 +32,8 @@ std::string Folded(std::string text) {
 
 std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
     static constexpr auto always = [](Impl&) { return true; };
-    static constexpr auto canCopy = [](Impl& list) {
-        return list.m_model.Selection().Count() > 0 && !list.m_output.IsUnderWay();
-    };
+    static constexpr auto anySelected = [](Impl& list) { return list.m_model.Selection().Count() > 0; };
     static constexpr auto anyShown = [](Impl& list) { return list.m_model.ShownCount() > 0; };
-    static constexpr auto canExport = [](Impl& list) {
-        return list.m_model.ShownCount() > 0 && !list.m_output.IsUnderWay();
-    };
     static constexpr auto hasCell = [](Impl& list) { return list.FilterByThisCell().has_value(); };
     static constexpr auto filtered = [](Impl& list) {
         return list.m_model.Rows().Filters().Of(list.m_clickedColumn) != nullptr;
@@ -47,7 +42,7 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
     static constexpr auto searched = [](Impl& list) { return !list.m_searched.empty(); };
     static constexpr auto sorted = [](Impl& list) { return !list.m_model.Rows().Sort().empty(); };
     static constexpr Entry entries[] = {
-        {0, "Copy\tCtrl+C", false, false, canCopy, &Impl::Copy},
+        {0, "Copy\tCtrl+C", false, false, anySelected, &Impl::Copy},
         {1, "Select All\tCtrl+A", false, false, anyShown, &Impl::SelectAll},
         {2, "Find...\tCtrl+F", false, false, always, &Impl::OpenFind},
         {12, "Find Next\tF3", false, false, searched, &Impl::FindNext},
@@ -59,7 +54,7 @@ std::span<const CFilterListCtrl::Impl::Entry> CFilterListCtrl::Impl::Entries() {
         {7, "Sort Ascending", true, true, always, &Impl::SortAscending},
         {8, "Sort Descending", false, true, always, &Impl::SortDescending},
         {9, "Natural Order", false, true, sorted, &Impl::SortNaturally},
-        {10, "Export...", true, false, canExport, &Impl::Export},
+        {10, "Export...", true, false, anyShown, &Impl::Export},
         {14, "Columns...", false, true, always, &Impl::OpenColumns},
         {11, "Reset Columns", false, true, always, &Impl::ResetColumns},
     };
@@ -126,7 +121,7 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnKey(WPARAM key) {
         return 0;
     }
     if (key >= VK_PRIOR && key <= VK_DOWN) m_found = kNone;
-    if (key >= VK_PRIOR && key <= VK_DOWN && !control) DropLargeSelection();
+    if (key >= VK_PRIOR && key <= VK_DOWN && !control) DropLargeSelection(shift);
     return std::nullopt;
 }
 
@@ -304,10 +299,10 @@ void CFilterListCtrl::Impl::Export() {
            });
 }
 
-// One at a time: what is under way stays, and the user sees how far it is.
+// One at a time: what was asked for before goes out whole.
 void CFilterListCtrl::Impl::PutOut(const char* name, korvex::Notation notation,
                                    std::vector<std::uint32_t> records, korvex::ListOutput::Ready ready) {
-    if (m_output.IsUnderWay()) return;
+    m_output.Finish();
     if (!m_progress) m_progress.emplace(m_self, m_output);
     m_output.Start(name, {notation, ExportedColumns(), std::move(records)}, std::move(ready));
     if (Handle()) m_progress->Follow(Handle());

@@ -370,12 +370,12 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     case WM_RBUTTONDOWN:
         OnMouseDown({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
         if (message == WM_LBUTTONDOWN && m_clickedRecord != kNone && !(wParam & MK_CONTROL))
-            DropLargeSelection();
+            DropLargeSelection((wParam & MK_SHIFT) != 0);
         return std::nullopt;
     case LVM_SETITEMSTATE: {
         const auto& item = *reinterpret_cast<const LVITEMA*>(lParam);
         const bool deselects = (item.stateMask & ~item.state & LVIS_SELECTED) != 0;
-        if (static_cast<int>(wParam) < 0 && deselects && !m_sync.Busy()) DropLargeSelection();
+        if (static_cast<int>(wParam) < 0 && deselects && !m_sync.Busy()) DropLargeSelection(false);
         return std::nullopt;
     }
     case WM_DESTROY:
@@ -403,7 +403,8 @@ std::optional<LRESULT> CFilterListCtrl::Impl::OnMessage(UINT message, WPARAM wPa
     }
 }
 
-void CFilterListCtrl::Impl::DropLargeSelection() {
-    if (m_model.Selection().Count() < kLargeSelection) return;
+void CFilterListCtrl::Impl::DropLargeSelection(bool extends) {
+    const std::uint32_t selected = m_model.Selection().Count();
+    if (selected < std::max(kLargeSelection, extends ? m_model.ShownCount() : 0)) return;
     Select([&] { m_model.SelectRows(0, kNone, false); });
 }

@@ -112,8 +112,8 @@ private:
     int FindTyped(const LVFINDINFOA& find, int start);
     std::optional<LRESULT> OnKey(WPARAM key);
     void OnMouseDown(POINT place);
-    // The control itself would unselect row by row, and paint each.
-    void DropLargeSelection();
+    // The control itself would unselect row by row, and paint each. What Shift extends stays, unless it is all rows.
+    void DropLargeSelection(bool extends);
 
     void RememberWindow() const;
     void ResetWindow() const;
