@@ -134,7 +134,7 @@ TEST_F(AnswerTest, SubscriptionsGoByModeAndClientOverview) {
         {0, 1, "", {s + " peerIdA=-"}},
         {1, 1, "", {s + " peerIdA=BROKER"}},
         {2, 0, "", {s + " peerIdB=BRANCH"}},
-        {3, 1, "", {s + " account=C1", s + " account=C2"}},
+        {3, 2, "", {s + " account=C1", s + " account=C2"}},
         {3, 0, "", {s + " loginId=DEALER1 account=C1", s + " loginId=DEALER1 account=C2"}},
         {3, 0, accounts, {s + " loginId=DEALER1"}},
     };

@@ -246,8 +246,33 @@ TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
     EXPECT_EQ(view.boxes, Texts{"The changes before this were too large to be kept."});
 }
 
+TEST_F(BasketUndoTest, ALoadOverRowsTooLargeToBeKeptSaysSo) {
+    const std::string longLine = std::string(97u << 20, 'x') + "\n";
+    Load(longLine);
+    Load(Lines(1));
+    basket.Undo();
+    EXPECT_EQ(view.list.rows.size(), 1u);
+    EXPECT_EQ(view.boxes, Texts{"The changes before this were too large to be kept."});
+}
+
+// Places that are no longer right would bring back other rows.
+TEST_F(BasketUndoTest, WhatChangedBesideTheHistoryEndsIt) {
+    Load(Lines(3));
+    Edit(1, Field::amount, "7");
+    view.list.rows.pop_back();
+    const std::string before = State();
+    basket.Undo();
+    EXPECT_EQ(State(), before);
+    EXPECT_EQ(view.boxes, Texts{"There is nothing to undo."});
+}
+
 TEST_F(BasketUndoTest, OrdersThatComeWhileTheSessionEndsAreNotTaken) {
     static Session* ended = nullptr;
+    Load(Lines(1));
+    basket.Runs().Place();
+    Run();
+    for (const OrderEvent event : {OrderEvent::inDoubt, OrderEvent::absent})
+        session.record.Tell(0, event, {});
     Load(Lines(2));
     ended = &session;
     session.host.pu_get_scrip_details_from_TradSymbol = [](InString, InString, ScripDetails* details) {
@@ -255,6 +280,8 @@ TEST_F(BasketUndoTest, OrdersThatComeWhileTheSessionEndsAreNotTaken) {
         return details;
     };
     EXPECT_EQ(basket.Coming().Add(kPass, std::vector<sSipOrderData>(2)), 0u);
+    const OrderPlace absent[] = {0};
+    EXPECT_EQ(basket.Coming().TakeBack(kPass, absent), 0u);
     EXPECT_EQ(view.list.rows.size(), 2u);
 }
 

@@ -344,6 +344,20 @@ TEST_F(BookActionsTest, ARefusedCancellationOfOneRowIsToldAsWell) {
         << view.boxes[0];
 }
 
+TEST_F(BookActionsTest, WithoutARecordEachRefusalIsLogged) {
+    for (const char* number : {"SIP1", "SIP2", "SIP3"})
+        Row(number);
+    host.recordFiles.hasFolder = false;
+    Select({"SIP1", "SIP2", "SIP3"});
+    actions.PauseSelected();
+    host.log.clear();
+    Answer("pause_sip_order", "userText=paused registrationNumber=SIP2");
+    for (const char* number : {"SIP1", "SIP3"})
+        Answer("pause_sip_order", Fields("errorCode=5 userText=no registrationNumber=" + std::string(number)));
+    const char* logged = "Error in response : pause_sip_order . Error Code : 5";
+    EXPECT_EQ(host.log, (Texts{logged, logged, "SIP1 CSIP1: no (code 5)", "SIP3 CSIP3: no (code 5)"}));
+}
+
 // Under another box nothing is asked, but it is once that is gone: about the rows that were selected then.
 TEST_F(BookActionsTest, QuestionsWaitForAnotherBox) {
     for (const char* number : {"SIP1", "SIP2", "SIP3", "SIP4"})

@@ -23,6 +23,7 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
         {"1.5E-01", "0.15", false, true},
         {"1E", "1", false, false},
         {"1E+999999999", "1", false, false},
+        {"1E+31", "10000000000000000000000000000000", false, false},
         {"1.23457E+14", "123456789012345", false, false},
         {"1.23456789012345E+14", "123456789012345", false, true},
         {"1500,00", "1500.00", true, true},
@@ -40,6 +41,7 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
         {"05.03.2027", "05-Mar-2027", false, true},
         {"06/03/2027", "05-Mar-2027", false, false},
         {"005/03/2027", "05-Mar-2027", false, false},
+        {"05/03/02027", "05-Mar-2027", false, false},
         {"05/03/2027", "May", false, false},
         {"2027-03-05 14:02", "05-Mar-2027 14:02:31", false, true},
         {"2027-03-05 14:03", "05-Mar-2027 14:02:31", false, false},
@@ -146,7 +148,10 @@ protected:
         return yes;
     }
     void ShowMessage(Pass, std::string_view text) override { boxes.emplace_back(text); }
-    void ShowRows(bool) override { shownRows = run.Set() ? run.Set()->Changes().size() : 0; }
+    void ShowRows(bool) override {
+        shownRows = run.Set() ? run.Set()->Changes().size() : 0;
+        shown = run.Set() ? Listed() : "";
+    }
     void ShowRun() override {}
     std::int64_t Milliseconds() const override { return clock += clockStep; }
 
@@ -195,6 +200,7 @@ protected:
 
     OrderCache book;
     Texts questions, boxes;
+    std::string shown;
     std::size_t shownRows = 0;
     mutable std::int64_t clock = 0, clockStep = 0;
     bool open = true, otherBox = false, yes = true;
@@ -362,6 +368,7 @@ TEST_F(ChangesTest, SendsAfterOneQuestionAndListsWhatBecameOfEach) {
                         "4|Refused|Q3|Quantity|40|55||too_many (code 105)\n"
                         "5|Not sent|W4|Amount|500.00|400.00|-100.00|Changed meanwhile\n"
                         "6|Not possible|S5|Amount|500.00|600.00||The registration is of another user: DEALER2");
+    EXPECT_EQ(shown, Listed());
     // Nothing goes out a second time.
     run.Send();
     EXPECT_EQ(Modifications().size(), 3u);
@@ -413,6 +420,14 @@ TEST_F(ChangesTest, APortionIsOnTheDiskBeforeItGoesOutAndAStopKeepsTheRest) {
     open = false;
     run.Forget();
     EXPECT_EQ(run.Set(), nullptr);
+}
+
+TEST_F(ChangesTest, WhyNothingIsLeftToSendIsListed) {
+    Load(Edited(File(), "S1", "1500.00>2000"));
+    Enter(book, "S1 C1 DEALER1 Paused 1500.00 22");
+    run.Send();
+    EXPECT_EQ(boxes, Texts{"There is nothing to send."});
+    EXPECT_NE(shown.find("Changed since it was exported: SIP Status is \"Paused\""), std::string::npos) << shown;
 }
 
 // What the server demands is known before anything is asked.

@@ -24,6 +24,7 @@ TEST(FieldRecord, ReadsTextsAsAnyWriterOfJsonEscapesThem) {
         {R"(\u0100)", nullptr},
         {R"(\u00e)", nullptr},
         {R"(\x41)", nullptr},
+        {R"(\x0041)", nullptr},
         {"\x1F", nullptr},
         {"\xC4\x80", nullptr},
     };

@@ -247,8 +247,8 @@ int pu_get_client_name(OutString name, InString client) {
     return 0;
 }
 // The answer is the low byte only.
-int pu_get_client_overview_status(int) {
-    return 0x100 | Host().clientOverview;
+int pu_get_client_overview_status(int zero) {
+    return zero ? 0 : 0x100 | Host().clientOverview;
 }
 int pu_get_all_mappedAccount_ids(CStringArray* accounts) {
     for (const std::string& account : Host().accounts)
