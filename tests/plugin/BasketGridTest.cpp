@@ -213,6 +213,7 @@ TEST_F(BasketGridTest, LimitsOfTheDeskWarnOnceOrForbid) {
         {"Total", "2,999.99 hard", "Total above Rs 2,999.99", 0},
         {"Total", "3000 hard", "", 3},
         {"Total", "lots hard", "The limit Total cannot be read: lots", 0},
+        {"Total", "9999999999999999 hard", "The limit Total cannot be read: 9999999999999999", 0},
     };
     int round = 0;
     for (const auto& limit : limits) {

@@ -249,6 +249,7 @@ TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
 TEST_F(BasketUndoTest, ALoadOverRowsTooLargeToBeKeptSaysSo) {
     const std::string longLine = std::string(97u << 20, 'x') + "\n";
     Load(longLine);
+    Taken(view.boxes);
     Load(Lines(1));
     basket.Undo();
     EXPECT_EQ(view.list.rows.size(), 1u);
@@ -273,7 +274,7 @@ TEST_F(BasketUndoTest, OrdersThatComeWhileTheSessionEndsAreNotTaken) {
     Run();
     for (const OrderEvent event : {OrderEvent::inDoubt, OrderEvent::absent})
         session.record.Tell(0, event, {});
-    Load(Lines(2));
+    Load(Lines(2, "X"));
     ended = &session;
     session.host.pu_get_scrip_details_from_TradSymbol = [](InString, InString, ScripDetails* details) {
         ended->End();
