@@ -70,7 +70,8 @@ RowsText::RowsText(Notation notation, std::vector<ExportColumn> columns, std::ve
 void RowsText::AddSome(CellSource& source, const std::function<bool(std::uint32_t)>& gone) {
     const auto some = std::span(m_records).subspan(m_done, std::min(kBatch, m_records.size() - m_done));
     m_done += some.size();
-    AddRows(source, some.first(some.size() - std::ranges::remove_if(some, gone).size()));
+    const auto end = std::remove_if(some.begin(), some.end(), gone);
+    AddRows(source, some.first(static_cast<std::size_t>(end - some.begin())));
 }
 
 // The source is asked once a column for many rows; the rows are then put together.
