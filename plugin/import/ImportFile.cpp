@@ -244,7 +244,8 @@ std::vector<std::string> ImportFile::FaultTexts() const {
     std::vector<std::pair<std::size_t, std::string>> found;
     for (std::size_t i = 1; i < std::size(kFaultNames); ++i)
         if (const std::size_t count = Count(static_cast<ImportFault>(i)); count > 0)
-            found.emplace_back(count, Format("%zu %s", count, count == 1 ? kFaultNames[i].one : kFaultNames[i].many));
+            found.emplace_back(count,
+                               Format("%zu %s", count, count == 1 ? kFaultNames[i].one : kFaultNames[i].many));
     std::ranges::stable_sort(found, std::ranges::greater(), [](const auto& each) { return each.first; });
     std::vector<std::string> texts;
     texts.reserve(found.size());

@@ -3,7 +3,6 @@
 #include "base/Text.h"
 
 #include <chrono>
-#include <limits>
 #include <utility>
 
 namespace korvex {
@@ -16,25 +15,23 @@ void ListOutput::Start(const char* name, RowsText text, Ready ready) {
 }
 
 void ListOutput::Finish() {
-    RunFor(std::numeric_limits<std::int64_t>::max());
+    while (m_text)
+        Step();
 }
 
 void ListOutput::Continue() {
     RunFor(kPortionMs);
 }
 
-void ListOutput::RunFor(std::int64_t mostMs) {
-    const auto start = std::chrono::steady_clock::now();
-    const auto elapsedMs = [&] {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
-            .count();
-    };
-    const auto gone = [this](std::uint32_t record) { return !m_model.Contains(record); };
-    while (m_text && m_text->Done() < m_text->Total()) {
-        if (elapsedMs() >= mostMs) return;
-        m_text->AddSome(m_source, gone);
-    }
-    if (!m_text) return;
+void ListOutput::RunFor(std::int64_t milliseconds) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    while (m_text && std::chrono::steady_clock::now() < end)
+        Step();
+}
+
+void ListOutput::Step() {
+    if (m_text->Done() < m_text->Total())
+        return m_text->AddSome(m_source, [this](std::uint32_t record) { return !m_model.Contains(record); });
     const RowsText whole = *std::exchange(m_text, std::nullopt);
     std::exchange(m_ready, nullptr)(whole.Text());
 }

@@ -30,7 +30,9 @@ public:
     std::size_t Total() const override { return m_text ? m_text->Total() : 0; }
 
 private:
-    void RunFor(std::int64_t mostMs);
+    void RunFor(std::int64_t milliseconds);
+    // The next rows, or the text when all are in it.
+    void Step();
 
     const ListModel& m_model;
     CellSource& m_source;
