@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* kGap = "   ";
 
-std::string TextOf(const SideSum& sum) {
+std::string SideText(const SideSum& sum) {
     std::string text = (sum.side.empty() ? "" : sum.side + " ") + GroupedCount(sum.rows) + ": ";
     if (sum.paise || !sum.shares) text += FormatRupees(sum.paise);
     if (sum.shares)
@@ -30,7 +30,7 @@ std::string BookStatus::Text() const {
     if (selected > 1) append(GroupedCount(selected) + " selected");
     if (sums)
         for (const SideSum& sum : *sums)
-            append(TextOf(sum));
+            append(SideText(sum));
     return text;
 }
 
