@@ -15,12 +15,31 @@ RECT ToPixels(const RECT& units, SIZE base) {
 
 constexpr int kLeastPoints = 6;
 
+bool LookAlike(HFONT one, HFONT other) {
+    LOGFONTW a{};
+    LOGFONTW b{};
+    return GetObjectW(one, sizeof a, &a) != 0 && GetObjectW(other, sizeof b, &b) != 0 && a.lfHeight == b.lfHeight
+           && std::wstring_view(a.lfFaceName) == b.lfFaceName;
+}
+
+bool IsCombo(HWND control) {
+    char className[16] = "";
+    GetClassNameA(control, className, sizeof className);
+    return std::string_view(className) == WC_COMBOBOXA;
+}
+
+// A combo's place is that of its list as well, which shows only its upper part.
+bool IsAt(HWND control, const RECT& place, bool isCombo) {
+    RECT now{};
+    GetWindowRect(control, &now);
+    MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&now), 2);
+    if (isCombo) now.bottom = place.bottom;
+    return EqualRect(&now, &place) != FALSE;
+}
+
 // A combo makes its own height, of its text alone; beside edits of the template's height it would look low.
 void MatchEditHeight(HWND control, SIZE base) {
     constexpr LONG editUnits = 13;
-    char className[16] = "";
-    GetClassNameA(control, className, sizeof className);
-    if (std::string_view(className) != WC_COMBOBOXA) return;
     constexpr auto field = static_cast<WPARAM>(-1);
     RECT place{};
     GetWindowRect(control, &place);
@@ -100,14 +119,19 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     Font font = LargestFont(dialog, points, dpi);
     const SIZE base = BaseUnits(font.Get());
     const RedrawHold hold(dialog);
-    Window(dialog).SetFont(font.Get());
+    // A dialog made in this font has most controls in place already, and each one moved is many messages.
+    const auto current = reinterpret_cast<HFONT>(Window(dialog).Send(WM_GETFONT));
+    const bool fontChanges = !LookAlike(current, font.Get());
+    if (fontChanges) Window(dialog).SetFont(font.Get());
     for (const DialogTemplate::Item& item : m_template.items) {
         const Window control(GetDlgItem(dialog, item.id));
-        control.SetFont(font.Get());
-        control.Move(ToPixels(item.units, base));
-        MatchEditHeight(control.Handle(), base);
+        const bool isCombo = IsCombo(control.Handle());
+        const RECT place = ToPixels(item.units, base);
+        if (fontChanges) control.SetFont(font.Get());
+        if (fontChanges || !IsAt(control.Handle(), place, isCombo)) control.Move(place);
+        if (isCombo) MatchEditHeight(control.Handle(), base);
     }
-    m_font = std::move(font);
+    if (fontChanges) m_font = std::move(font);
     ResizeOnScreen(dialog, FrameSize(dialog, base, dpi));
 }
 

@@ -27,8 +27,6 @@ struct DialogTemplate {
 // Throws std::runtime_error when the module has no such resource or it is not an extended template.
 DialogTemplate ReadDialogTemplate(HINSTANCE module, int resource);
 
-// Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
-// the dialog itself grow with the text.
 // What the task bar leaves of the monitor that the window is on.
 RECT WorkArea(HWND window);
 
@@ -41,6 +39,8 @@ Font MakeFont(const std::wstring& face, int points, UINT dpi);
 // A dialog unit in pixels is x / 4 and y / 8.
 SIZE BaseUnits(HFONT font);
 
+// Lays a dialog out for a font size and DPI, from the dialog units of its own template: every control and
+// the dialog itself grow with the text.
 class DialogLayout {
 public:
     DialogLayout(HINSTANCE module, int resource) : m_template(ReadDialogTemplate(module, resource)) {}
