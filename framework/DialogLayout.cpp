@@ -15,11 +15,13 @@ RECT ToPixels(const RECT& units, SIZE base) {
 
 constexpr int kLeastPoints = 6;
 
-bool LookAlike(HFONT one, HFONT other) {
-    LOGFONTW a{};
-    LOGFONTW b{};
-    return GetObjectW(one, sizeof a, &a) != 0 && GetObjectW(other, sizeof b, &b) != 0 && a.lfHeight == b.lfHeight
-           && std::wstring_view(a.lfFaceName) == b.lfFaceName;
+// Or one that looks like it.
+bool HasFont(HWND control, HFONT font) {
+    LOGFONTW has{};
+    LOGFONTW wanted{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)), sizeof has, &has);
+    GetObjectW(font, sizeof wanted, &wanted);
+    return has.lfHeight == wanted.lfHeight && std::wstring_view(has.lfFaceName) == wanted.lfFaceName;
 }
 
 bool IsCombo(HWND control) {
@@ -120,8 +122,9 @@ void DialogLayout::Apply(HWND dialog, int points, UINT dpi) {
     const SIZE base = BaseUnits(font.Get());
     const RedrawHold hold(dialog);
     // A dialog made in this font has most controls in place already, and each one moved is many messages.
-    const auto current = reinterpret_cast<HFONT>(Window(dialog).Send(WM_GETFONT));
-    const bool fontChanges = !LookAlike(current, font.Get());
+    const bool fontChanges = std::ranges::any_of(m_template.items, [&](const DialogTemplate::Item& item) {
+        return !HasFont(GetDlgItem(dialog, item.id), font.Get());
+    });
     if (fontChanges) Window(dialog).SetFont(font.Get());
     for (const DialogTemplate::Item& item : m_template.items) {
         const Window control(GetDlgItem(dialog, item.id));
