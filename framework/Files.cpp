@@ -20,6 +20,11 @@ std::string SystemText(DWORD error) {
     return message.empty() ? "Error " + std::to_string(error) : message;
 }
 
+// What could not be done with a file.
+std::string FaultOf(const std::string& name, const char* done, DWORD error) {
+    return "\"" + Narrow(Wide(name, CP_UTF8), CP_ACP) + "\" could not be " + done + ": " + SystemText(error);
+}
+
 // The system wants another form of a long name.
 std::wstring SystemPath(std::string_view path) {
     constexpr std::size_t leastLong = MAX_PATH - 16; // with the neighbour's ending
@@ -114,8 +119,10 @@ bool FileExists(const std::string& name) {
     return GetFileAttributesW(SystemPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-void RemoveFile(const std::string& name) {
-    DeleteFileW(SystemPath(name).c_str());
+std::string RemoveFile(const std::string& name) {
+    if (DeleteFileW(SystemPath(name).c_str())) return {};
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND ? std::string() : FaultOf(name, "removed", error);
 }
 
 File HoldFile(const std::string& name) {
@@ -195,7 +202,7 @@ std::string WriteWhole(const std::string& name, const std::string& text) {
     const std::wstring neighbour = NeighbourOf(path);
     const auto failed = [&](DWORD error) {
         DeleteFileW(neighbour.c_str());
-        return "\"" + Narrow(Wide(name, CP_UTF8), CP_ACP) + "\" could not be written: " + SystemText(error);
+        return FaultOf(name, "written", error);
     };
     // Not every system refuses to replace a file that must not be written.
     const DWORD attributes = GetFileAttributesW(path.c_str());

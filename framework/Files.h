@@ -35,7 +35,8 @@ std::optional<std::string> AskForFileToWrite(HWND owner, const FileQuestion& que
                                              const std::string& proposed);
 
 bool FileExists(const std::string& name);
-void RemoveFile(const std::string& name);
+// What failed; empty when nothing did, or there was no such file.
+std::string RemoveFile(const std::string& name);
 // A file that is there as long as it is held, by one process; null while another holds it, or when it cannot be
 // made.
 File HoldFile(const std::string& name);

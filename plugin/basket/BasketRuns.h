@@ -103,6 +103,7 @@ private:
     bool m_placeable = false;     // the place button
     bool m_placesPart = false;    // what the list's menu meant, while the button stood open for all
     bool m_unsentSettled = false; // the kept file holds nothing that is not in the list
+    bool m_notKept = false;       // the last attempt failed
     bool m_bringsBack = false;    // the load is of that file
 };
 

@@ -49,21 +49,27 @@ std::string OfferOf(const UnsentCounts& found) {
 
 } // namespace
 
-// What the file held before and nobody has looked at is saved first.
+// What the file held before and nobody has looked at is saved first. A failure is told once, until all is kept again.
 bool BasketRuns::KeepUnsent() {
-    std::string aside;
+    std::string aside, failure;
     if (!m_unsentSettled)
         if (const auto found = m_view.Unsent().Read(); found && !found->empty()) {
             aside = m_view.Unsent().SaveAside(*found, m_view.Now());
-            if (aside.empty()) return true;
+            if (aside.empty()) failure = "Those kept before cannot be saved to a file of their own.";
         }
-    m_unsentSettled = true;
-    m_view.Unsent().Replace(UnsentText(m_rows, m_view.List()));
-    if (aside.empty() || m_session.Ended()) return !m_session.Ended();
-    return m_life.Across([&](Pass pass) {
-        m_view.ShowMessage(pass, "The orders that were not sent before are in\n" + aside
-                                     + "\nLoad reads them from there.");
-    });
+    if (failure.empty()) {
+        m_unsentSettled = true;
+        failure = m_view.Unsent().Replace(UnsentText(m_rows, m_view.List()));
+    }
+    std::string told;
+    if (!aside.empty())
+        told = "The orders that were not sent before are in\n" + aside + "\nLoad reads them from there.";
+    if (const bool knewBefore = std::exchange(m_notKept, !failure.empty()); m_notKept && !knewBefore)
+        told += (told.empty() ? "" : "\n\n")
+                + Format("The orders of the basket are not kept for the next start: Export saves them.\n%s",
+                         failure.c_str());
+    if (told.empty() || m_session.Ended()) return !m_session.Ended();
+    return m_life.Across([&](Pass pass) { m_view.ShowMessage(pass, told); });
 }
 
 void BasketRuns::OfferUnsent() {

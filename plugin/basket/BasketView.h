@@ -44,8 +44,9 @@ class UnsentFile {
 public:
     // None when there is none, or no place for one.
     virtual std::optional<std::string> Read() = 0;
-    // An empty text leaves no file. When anything fails, the old content stays.
-    virtual void Replace(std::string_view text) = 0;
+    // An empty text leaves no file. When anything fails, the old content stays. What failed; empty when nothing
+    // did, or when there is no place for such a file.
+    virtual std::string Replace(std::string_view text) = 0;
     // Writes the text into another file, which nobody replaces. Its name for the user; empty when it fails.
     virtual std::string SaveAside(std::string_view text, const LocalDateTime& now) = 0;
 

@@ -59,11 +59,12 @@ struct KeptBasket final : UnsentFile {
         std::string text = FileText("basket.csv");
         return text.empty() ? std::nullopt : std::optional(std::move(text));
     }
-    void Replace(std::string_view text) override {
+    std::string Replace(std::string_view text) override {
         gate(Step::keep);
         std::ofstream("basket.tmp", std::ios::binary) << text;
         std::filesystem::rename("basket.tmp", "basket.csv");
         gate(Step::kept);
+        return {};
     }
     std::string SaveAside(std::string_view, const LocalDateTime&) override { return {}; }
 

@@ -40,9 +40,11 @@ public:
 class UnsentDouble final : public UnsentFile {
 public:
     std::optional<std::string> Read() override { return text.empty() ? std::nullopt : std::optional(text); }
-    void Replace(std::string_view now) override {
+    std::string Replace(std::string_view now) override {
+        if (!writable) return "disk full";
         text = now;
         written.push_back(text);
+        return {};
     }
     std::string SaveAside(std::string_view saved, const LocalDateTime&) override {
         if (!writable) return {};

@@ -94,6 +94,8 @@ TEST_F(BasketUnsentTest, ComeBackOrAreSavedAsTheUserWishes) {
 TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
     const std::string lines = Line("C1") + Line("C2");
     const Texts told{"The orders that were not sent before are in\naside.csv\nLoad reads them from there."};
+    const Texts notKept{"The orders of the basket are not kept for the next start: Export saves them.\nThose kept "
+                        "before cannot be saved to a file of their own."};
     struct Row {
         Choice choice;
         bool writable;
@@ -116,8 +118,23 @@ TEST_F(BasketUnsentTest, AreNeverLostForWantOfAnAnswer) {
         another.Entry().AddOrModify();
         EXPECT_EQ(Kept(), row.kept);
         EXPECT_EQ(view.unsent.aside, Texts(row.saved, lines));
-        EXPECT_EQ(Taken(view.boxes), row.saved ? told : Texts{});
+        EXPECT_EQ(Taken(view.boxes), row.saved ? told : notKept);
     }
+}
+
+TEST_F(BasketUnsentTest, ThatCannotBeKeptAreToldOnceUntilTheyCan) {
+    Open();
+    const Texts told{"The orders of the basket are not kept for the next start: Export saves them.\ndisk full"};
+    view.unsent.writable = false;
+    Add("C1");
+    Add("C2");
+    EXPECT_EQ(Taken(view.boxes), told);
+    view.unsent.writable = true;
+    Add("C3");
+    EXPECT_EQ(Kept(), "C1 C2 C3");
+    view.unsent.writable = false;
+    Add("C4");
+    EXPECT_EQ(Taken(view.boxes), told) << "it is another failure";
 }
 
 TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheRecordHasThem) {

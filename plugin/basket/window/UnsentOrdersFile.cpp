@@ -37,12 +37,12 @@ std::optional<std::string> UnsentOrdersFile::Read() {
     return framework::ReadWhole(framework::Utf8(m_name));
 }
 
-void UnsentOrdersFile::Replace(std::string_view text) {
-    if (!Take()) return;
-    if (text.empty())
-        framework::RemoveFile(framework::Utf8(m_name));
-    else
-        framework::WriteWhole(framework::Utf8(m_name), framework::WithLineEnds(text));
+std::string UnsentOrdersFile::Replace(std::string_view text) {
+    if (m_released || m_session.userDirectory.empty()) return {};
+    if (!Take()) return text.empty() ? std::string() : "No file can be made in\n" + m_session.userDirectory;
+    const std::string name = framework::Utf8(m_name);
+    return text.empty() ? framework::RemoveFile(name)
+                        : framework::WriteWhole(name, framework::WithLineEnds(text));
 }
 
 std::string UnsentOrdersFile::SaveAside(std::string_view text, const LocalDateTime& now) {

@@ -14,7 +14,7 @@ public:
     explicit UnsentOrdersFile(const Session& session) : m_session(session) {}
 
     std::optional<std::string> Read() override;
-    void Replace(std::string_view text) override;
+    std::string Replace(std::string_view text) override;
     std::string SaveAside(std::string_view text, const LocalDateTime& now) override;
     // For good, so that another session may have it.
     void Release();
