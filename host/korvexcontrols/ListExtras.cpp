@@ -160,9 +160,8 @@ int CFilterListCtrl::Impl::FittingWidth(std::int32_t column) {
     Cells(records, column, cells.data());
     const auto measured = cells.begin() + static_cast<std::ptrdiff_t>(std::min(cells.size(), mostMeasured));
     std::ranges::partial_sort(cells, measured, std::ranges::greater(), &std::string_view::size);
-    LRESULT widest = 0;
+    int widest = 0;
     for (auto cell = cells.begin(); cell != measured; ++cell)
-        widest = std::max(widest, SendMessageA(Handle(), LVM_GETSTRINGWIDTHA, 0,
-                                               reinterpret_cast<LPARAM>(std::string(*cell).c_str())));
-    return m_header.WidthFor(column, static_cast<int>(widest));
+        widest = std::max(widest, m_header.WidthOf(std::string(*cell)));
+    return m_header.WidthFor(column, widest);
 }

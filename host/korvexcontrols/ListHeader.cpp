@@ -100,9 +100,7 @@ void ListHeader::Reset() {
 int ListHeader::WidthFor(std::int32_t column, int textWidth) const {
     const std::string& heading = At(column)->heading;
     // Beside the heading there is room for the mark of a sort or a filter.
-    const int ofHeading =
-        static_cast<int>(m_list.Send(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(heading.c_str())))
-        + m_scale(14);
+    const int ofHeading = WidthOf(heading) + m_scale(14);
     return m_scale.Undo(std::max(textWidth, ofHeading) + Padding()) + 1;
 }
 

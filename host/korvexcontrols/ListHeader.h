@@ -40,7 +40,11 @@ public:
     // Order and widths as they are, at 96 DPI and 8 points; a hidden column has none.
     ColumnsState State() const;
     void Set(const ColumnsState& state);
-    // The width, so counted, that shows a text of so many pixels whole.
+    // The pixels that a text takes in a cell.
+    int WidthOf(const std::string& text) const {
+        return static_cast<int>(m_list.Send(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text.c_str())));
+    }
+    // The width at 96 DPI and 8 points that shows a text of so many pixels whole.
     int WidthFor(std::int32_t column, int textWidth) const;
     // The pixels that a text may have in the column.
     int RoomIn(std::int32_t column) const;

@@ -15,6 +15,8 @@
 #include "host/korvexcontrols/model/ListSums.h"
 #include "sdk/korvex/ListExtras.h"
 
+#include <climits>
+
 // Of a key, while a message of the keyboard or the mouse is handled.
 inline bool IsDown(int key) {
     return GetKeyState(key) < 0;
@@ -69,6 +71,19 @@ private:
         std::string name;
         bool isSwitch, isPossible, holds;
     };
+    // What numbers there is room for: the user must not take one that is cut for another.
+    class NumberRoom {
+    public:
+        explicit NumberRoom(const Impl& list);
+        bool Cuts(std::string_view cell, std::int32_t column);
+
+    private:
+        static constexpr int kNotAsked = INT_MIN;
+
+        const Impl& m_list;
+        const int m_digit;          // pixels
+        std::vector<int> m_columns; // pixels
+    };
     // A view that the user has made.
     struct View {
         std::string name, line;
@@ -106,8 +121,6 @@ private:
     std::string EmptyText() const;
 
     std::string_view CellAt(int row, int column);
-    // The user must not take a number that is cut for another.
-    bool IsCutNumber(std::string_view cell, std::int32_t column);
     LRESULT DrawRow(NMLVCUSTOMDRAW& draw);
     int FindTyped(const LVFINDINFOA& find, int start);
     std::optional<LRESULT> OnKey(WPARAM key);
@@ -185,7 +198,7 @@ private:
     std::vector<Condition> m_conditions;
     korvex::RowsState m_wanted; // as kept; conditions may be told later
     std::string m_savedSeen, m_viewName, m_viewNames, m_emptyText, m_shownEmptyText;
-    bool m_painting = false;
+    std::optional<NumberRoom> m_room; // while it paints
     std::optional<SIZE> m_laidDownSize; // of the window, at USER_DEFAULT_SCREEN_DPI, when its size is kept
     std::optional<korvex::FilterDialog> m_filterDialog;
     std::optional<korvex::FindDialog> m_findDialog;
