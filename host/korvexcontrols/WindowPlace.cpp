@@ -18,25 +18,35 @@ constexpr char kDialogs[] = "Dialogs";
 struct Place {
     POINT corner;
     std::optional<SIZE> size; // at USER_DEFAULT_SCREEN_DPI
+    bool maximised = false;
 };
 
 bool IsSizable(HWND window) {
     return (GetWindowLongPtrA(window, GWL_STYLE) & WS_THICKFRAME) != 0;
 }
 
-RECT NormalPlace(HWND window) {
+WINDOWPLACEMENT PlacementOf(HWND window) {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
+    GetWindowPlacement(window, &placement);
+    return placement;
+}
+
+// Or will be when it is restored.
+bool IsMaximised(HWND window) {
+    return IsZoomed(window) || (IsIconic(window) && (PlacementOf(window).flags & WPF_RESTORETOMAXIMIZED));
+}
+
+RECT NormalPlace(HWND window) {
+    if (IsIconic(window) || IsZoomed(window)) return PlacementOf(window).rcNormalPosition;
     RECT place{};
-    if ((IsIconic(window) || IsZoomed(window)) && GetWindowPlacement(window, &placement))
-        return placement.rcNormalPosition;
     GetWindowRect(window, &place);
     return place;
 }
 
-// "left,top" or "left,top,width,height".
+// "left,top" or "left,top,width,height", with ",1" where it is maximised.
 std::optional<Place> ReadPlace(std::string_view text) {
-    std::array<int, 4> numbers{};
+    std::array<int, 5> numbers{};
     std::size_t count = 0;
     while (!text.empty() && count < numbers.size()) {
         const std::size_t comma = std::min(text.find(','), text.size());
@@ -45,10 +55,10 @@ std::optional<Place> ReadPlace(std::string_view text) {
         numbers[count++] = *number;
         text.remove_prefix(std::min(comma + 1, text.size()));
     }
-    const auto [left, top, width, height] = numbers;
+    const auto [left, top, width, height, maximised] = numbers;
     if (count == 2) return Place{{left, top}, std::nullopt};
     if (count < 4 || width <= 0 || height <= 0) return std::nullopt;
-    return Place{{left, top}, SIZE{width, height}};
+    return Place{{left, top}, SIZE{width, height}, maximised == 1};
 }
 
 } // namespace
@@ -69,7 +79,7 @@ void RememberPlace(HWND window, const std::string& name) {
     if (IsSizable(window)) {
         const SIZE size =
             Rescaled(NormalSize(window), framework::Window(window).Dpi(), USER_DEFAULT_SCREEN_DPI);
-        text += "," + std::to_string(size.cx) + "," + std::to_string(size.cy);
+        text += "," + std::to_string(size.cx) + "," + std::to_string(size.cy) + (IsMaximised(window) ? ",1" : "");
     }
     if (text != ReadRecovered(RecoveryFile::dialogPositions, kDialogs, name))
         WriteRecovered(RecoveryFile::dialogPositions, kDialogs, name, text);
@@ -83,9 +93,11 @@ void RestorePlace(HWND window, const std::string& name) {
     OffsetRect(&place, kept->corner.x - place.left, kept->corner.y - place.top);
     if (MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
         SetWindowPos(window, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    if (kept->size && IsSizable(window))
-        framework::ResizeOnScreen(
-            window, Rescaled(*kept->size, USER_DEFAULT_SCREEN_DPI, framework::Window(window).Dpi()));
+    if (!kept->size || !IsSizable(window)) return;
+    framework::ResizeOnScreen(
+        window, Rescaled(*kept->size, USER_DEFAULT_SCREEN_DPI, framework::Window(window).Dpi()));
+    // Once it is shown: its contents may not be there yet.
+    if (kept->maximised) PostMessageA(window, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
 }
 
 } // namespace korvex

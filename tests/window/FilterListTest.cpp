@@ -139,4 +139,30 @@ TEST_F(FilterList, HeadingsSortAndStayAsTheyWere) {
     }
 }
 
+TEST_F(FilterList, ItsWindowComesBackAsItStood) {
+    const auto keep = [&] {
+        Extras().KeepWindow();
+        probe::Pump();
+    };
+    const auto openAnew = [&] {
+        Close();
+        Open();
+        keep();
+    };
+    keep();
+    SetWindowPos(parent, nullptr, 60, 70, 500, 410, SWP_NOZORDER);
+    const RECT normal = probe::PlaceOf(parent);
+    for (const UINT state : {SC_RESTORE, SC_MAXIMIZE, SC_MINIMIZE, SC_RESTORE}) {
+        SCOPED_TRACE(state);
+        SendMessageA(parent, WM_SYSCOMMAND, state, 0);
+        openAnew();
+        EXPECT_EQ(IsZoomed(parent) != FALSE, state == SC_MAXIMIZE || state == SC_MINIMIZE)
+            << "minimised from maximised, it would come back so";
+        SendMessageA(parent, WM_SYSCOMMAND, SC_RESTORE, 0);
+        const RECT place = probe::PlaceOf(parent);
+        EXPECT_TRUE(EqualRect(&place, &normal));
+        if (state == SC_MAXIMIZE) SendMessageA(parent, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+    }
+}
+
 } // namespace
