@@ -342,9 +342,13 @@ TEST_F(ChangesTest, SendsAfterOneQuestionAndListsWhatBecameOfEach) {
     run.Send();
     EXPECT_EQ(Modifications(), Texts());
     Load(Edited(file, "S2", ",12,>,24,"));
-    // It changes while the question is open, and is not sent.
-    duringQuestion = [&] { Enter(book, "W4 C4 DEALER1 active 700.00 60"); };
+    // It changes while the question is open, and is not sent; a second press asks nothing.
+    duringQuestion = [&] {
+        run.Send();
+        Enter(book, "W4 C4 DEALER1 active 700.00 60");
+    };
     run.Send();
+    EXPECT_EQ(questions.size(), 3u);
     ASSERT_EQ(Modifications().size(), 3u);
     EXPECT_NE(Modifications()[0].find("amountOrQuantity=200000 totalPeriod=22"), std::string::npos)
         << Modifications()[0];
