@@ -344,7 +344,10 @@ TEST_F(BookActionsTest, ARefusedCancellationOfOneRowIsToldAsWell) {
         << view.boxes[0];
 }
 
-TEST_F(BookActionsTest, WithoutARecordEachRefusalIsLogged) {
+// The host, which logs them, may end the session.
+class UnrecordedRefusals : public BookActionsTest, public testing::WithParamInterface<bool> {};
+
+TEST_P(UnrecordedRefusals, AreLoggedUntilTheSessionEnds) {
     for (const char* number : {"SIP1", "SIP2", "SIP3"})
         Row(number);
     host.recordFiles.hasFolder = false;
@@ -352,11 +355,22 @@ TEST_F(BookActionsTest, WithoutARecordEachRefusalIsLogged) {
     actions.PauseSelected();
     host.log.clear();
     Answer("pause_sip_order", "userText=paused registrationNumber=SIP2");
-    for (const char* number : {"SIP1", "SIP3"})
+    const auto refuse = [&](const char* number) {
         Answer("pause_sip_order", Fields("errorCode=5 userText=no registrationNumber=" + std::string(number)));
+    };
+    refuse("SIP1");
     const char* logged = "Error in response : pause_sip_order . Error Code : 5";
-    EXPECT_EQ(host.log, (Texts{logged, logged, "SIP1 CSIP1: no (code 5)", "SIP3 CSIP3: no (code 5)"}));
+    Texts expected{logged, logged, "SIP1 CSIP1: no (code 5)"};
+    if (GetParam())
+        host.duringLog = [&] { host.duringLog = [&] { session.End(); }; };
+    else
+        expected.push_back("SIP3 CSIP3: no (code 5)");
+    refuse("SIP3");
+    EXPECT_EQ(host.log, expected);
+    EXPECT_EQ(view.boxes.size(), GetParam() ? 0u : 1u);
 }
+
+INSTANTIATE_TEST_SUITE_P(, UnrecordedRefusals, testing::Bool());
 
 // Under another box nothing is asked, but it is once that is gone: about the rows that were selected then.
 TEST_F(BookActionsTest, QuestionsWaitForAnotherBox) {
