@@ -1,6 +1,8 @@
 // Runs over many rows of the book: portions, their summary, what waits for another box, and sessions that end.
 #include "tests/plugin/BookActionsStage.h"
 
+#include <set>
+
 namespace planfold::test {
 namespace {
 
@@ -14,8 +16,11 @@ TEST_F(BookRunsTest, ALongRunGoesInPortionsAndEndsWithOneSummary) {
         Row(numbers.back());
     }
     Select(numbers);
+    runs.Continue(); // a late tick
+    host.onRequest = [&] { runs.Continue(); }; // the host may let the next tick in
     actions.Cancel();
     const std::size_t first = host.requests.size();
+    EXPECT_EQ(std::set(host.requests.begin(), host.requests.end()).size(), first) << "none twice";
     EXPECT_EQ(runs.Progress(), "Cancelling 250 of 1000");
     actions.Cancel(); // nothing else begins meanwhile, and says so
     actions.Pause();
@@ -124,6 +129,23 @@ TEST_F(BookRunsTest, ARefusedCancellationOfOneRowIsToldAsWell) {
     EXPECT_TRUE(view.boxes[0].starts_with("SIP1 Order Cancelled \n\nCancel: 1 of 1 requests were sent.\n"
                                           "The server confirmed 0 and refused 1."))
         << view.boxes[0];
+}
+
+TEST_F(BookRunsTest, AsManyRefusalsAreNamedAsThereIsRoomFor) {
+    for (const int refused : {30, 31}) {
+        Texts numbers;
+        for (int i = 0; i < refused; ++i) {
+            numbers.push_back("SIP" + std::to_string(i));
+            Row(numbers.back());
+        }
+        Select(numbers);
+        actions.PauseSelected();
+        for (const std::string& number : numbers)
+            Answer("pause_sip_order", Fields("errorCode=5 userText=no registrationNumber=" + number));
+        const std::string text = Taken(view.boxes).at(0);
+        EXPECT_NE(text.find(", SIP29 CSIP29"), text.npos) << text;
+        EXPECT_EQ(text.find("... and 1 more") != text.npos, refused == 31) << text;
+    }
 }
 
 // The host, which logs them, may end the session.

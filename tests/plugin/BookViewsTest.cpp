@@ -89,6 +89,8 @@ TEST(BookStatus, SaysWhatIsShownAndWhatItComesTo) {
     for (int second = 0; second < BookFilling::kPatience; ++second)
         filling.OnTime(2900);
     EXPECT_FALSE(filling.IsUnderWay()) << "an end that never came";
+    filling.OnTime(2901);
+    EXPECT_FALSE(filling.IsUnderWay()) << "a row that came later";
 }
 
 } // namespace

@@ -19,13 +19,14 @@ struct DoubtsDouble final : DoubtsView {
         texts.emplace_back(question);
         return std::exchange(yes, true);
     }
-    void ShowOrdersOfDay(Pass) override {}
+    void ShowOrdersOfDay(Pass) override { ++shownDays; }
     std::size_t TakeBack(Pass pass, std::span<const OrderPlace> orders) override {
         return takeBack(pass, orders);
     }
     Texts texts;
     Choice choice = Choice::yes;
     bool yes = true; // to the next question
+    int shownDays = 0;
     std::function<std::size_t(Pass, std::span<const OrderPlace>)> takeBack;
 };
 
@@ -246,7 +247,7 @@ TEST_F(DoubtsTest, TheNextSessionIsToldOnceAndKnowsTheFileAgain) {
     Session another([](const char*) { return nullptr; }, {host.loginId, host.peerA, host.peerB, host.active},
                     host.strings, next);
     Doubts doubts(another, told, [this] { return &control; });
-    told.choice = Choice::cancel;
+    told.choice = Choice::no;
     Tick(doubts, 10);
     EXPECT_EQ(told.texts, Texts{}) << "the other terminal may still get its answer";
     Answer("echoedRequest=add_sip_orders echoedNumber=2 userText=ok registrationNumber=SIP8");
@@ -254,6 +255,7 @@ TEST_F(DoubtsTest, TheNextSessionIsToldOnceAndKnowsTheFileAgain) {
     Tick(doubts, 1);
     Tick(doubts, 1);
     ASSERT_EQ(told.texts.size(), 1u);
+    EXPECT_EQ(told.shownDays, 1);
     EXPECT_TRUE(told.texts[0].starts_with("1 order of basket.csv, sent at 15:30, has no answer.\n"))
         << told.texts[0];
     EXPECT_EQ(next.Ledger().Count(OrderState::done), 2u);
@@ -300,6 +302,19 @@ TEST_F(DoubtsTest, OrdersLikeOthersAreAskedAboutUnlessTheHostKeepsNoRecord) {
     DuplicateGuard guard(session);
     EXPECT_FALSE(guard.IsLike(AskedForBy(basket.Rows()[view.list.rows[3]].Texts(), dates)));
     session.book = nullptr;
+}
+
+TEST_F(DoubtsTest, TheFirstOrdersLikeOthersAreNamed) {
+    for (const int like : {5, 6}) {
+        DuplicateGuard guard(session);
+        RecordTexts order;
+        order[RecordField::account] = "C1";
+        for (int i = 0; i <= like; ++i)
+            guard.IsLike(order);
+        const std::string text = guard.Text();
+        EXPECT_EQ(std::ranges::count(text, ';'), 4) << text;
+        EXPECT_EQ(text.ends_with(" and 1 more\n"), like == 6) << text;
+    }
 }
 
 } // namespace

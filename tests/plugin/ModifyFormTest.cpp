@@ -128,6 +128,7 @@ TEST_F(ModifyTest, AnAnswerClosesTheWindowThatSentItWhateverWasLost) {
         {"AsBs.", false}, {"AsBs..", true},  {"AsB.s.", true},   {"AsBs_.", true},  {"As_Bs.", true},
         {"AsAsa", true},  {"AsAs.", true},   {"AsAa", false},    {"AsAsa!a", true}, {"Assa", true},
         {"Ass.", true},   {"AssaBs.", true}, {"AsBsCs_.", true}, {"AsBsCsc", true}, {"AsBsCs...", true},
+        {"Asba", true},
     };
     for (const auto& [steps, closes] : rows) {
         view.closed = false;

@@ -245,6 +245,8 @@ TEST_F(OrderBookTest, ErrorsGoToTheLogAndChangeNoRow) {
     EXPECT_EQ(book.Records().Size(), 0u);
     Answer("get_sip_operation_mode", "frequency=monthly minimumPeriods=6");
     EXPECT_EQ(session.m_nSipOperationMode, 1);
+    Answer("get_sip_operation_mode", "frequency=0");
+    EXPECT_EQ(session.m_nSipOperationMode, 0);
     EXPECT_EQ(session.m_dMinSipMonthly, 0) << "the minimums are the order windows' affair";
 }
 
