@@ -108,6 +108,8 @@ TEST(Fill, IsThereAfterARestartAndVaried) {
         EXPECT_EQ(again.server->Held().Find(registration.Number()), &registration);
         const bool isCancelled = registration.Text(tag::sipStatus) == kStatusCancelled;
         EXPECT_EQ(registration.Text(tag::cancelledDate).empty(), !isCancelled);
+        EXPECT_TRUE(registration.Text(tag::sipStatus) != kStatusActive
+                    || !registration.Text(tag::nextExecutionDate).empty());
         for (const tag::Tag tag : {tag::sipStatus, tag::side, tag::investType, tag::frequency, tag::account,
                                    tag::loginId, tag::token})
             seen.emplace(registration.Text(tag));
