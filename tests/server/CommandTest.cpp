@@ -24,6 +24,7 @@ TEST(Commands, LineByLine) {
         {commands, " clock\tnext \r", "Server clock at the next instalment: 03-Mar-2026"},
         {commands, "clock 365", "Server clock advanced by 365 days"},
         {commands, "clock 2028-02-29", "Server clock advanced to 29-Feb-2028"},
+        {commands, "clock 2028-02-29", "Server clock advanced to 29-Feb-2028"},
         {commands, "clock 2028-02-28", "-The server's clock does not go back from 29-Feb-2028"},
         {commands, "clock 2027-02-29",
          "-\"2027-02-29\" is neither next, nor a whole number of days up to 50000"},
