@@ -1,6 +1,8 @@
 // Editing in the basket's list.
 #include "tests/plugin/BasketGridStage.h"
 
+#include <set>
+
 namespace planfold::test {
 namespace {
 
@@ -118,6 +120,15 @@ TEST_F(BasketGridTest, RowsOfASpreadsheetAreJudgedAsLines) {
     EXPECT_EQ(basket.Grid().EditRejected(number, Line("C2")), std::nullopt);
     EXPECT_EQ(Rows(Field::account), "C2 C3 C1");
     EXPECT_TRUE(basket.Rejected().empty());
+}
+
+TEST_F(BasketGridTest, APastedLineHasANumberOfItsOwn) {
+    Load(Line("C1") + "bad\n" + "worse\n");
+    basket.Grid().Paste("worst\n");
+    std::set<int> numbers;
+    for (const RejectedLine& line : basket.Rejected())
+        numbers.insert(line.number);
+    EXPECT_EQ(numbers, (std::set{2, 3, 4}));
 }
 
 TEST_F(BasketGridTest, TheNextFaultIsARejectedLineOrARowThatStandsTwice) {

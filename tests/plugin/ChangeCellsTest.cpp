@@ -38,6 +38,7 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
         {"005/03/2027", "05-Mar-2027", false, false},
         {"05/03/2027", "May", false, false},
         {"2027-03-05 14:02", "05-Mar-2027 14:02:31", false, true},
+        {"2027-03-05T14:02", "05-Mar-2027 14:02:31", false, true},
         {"2027-03-05 14:03", "05-Mar-2027 14:02:31", false, false},
         {"2027-03-05", "05-Mar-2027 14:02:31", false, false},
         {"active", "Active", false, false},

@@ -293,6 +293,9 @@ TEST(OrderRecord, WhatIsSentAgainWaitsAnew) {
         record.OnTime();
         EXPECT_EQ(record.Ledger().Count(OrderState::inDoubt), inDoubt) << second;
     }
+    OrderRecord another(files, [&] { return now; });
+    another.Refresh();
+    EXPECT_EQ(another.Ledger().Count(OrderState::refused), 0u) << "of the first time";
 }
 
 TEST(OrderRecord, OnlyWhatWasSentAgainSinceItWasAbsentIsToldAsRegisteredTwice) {

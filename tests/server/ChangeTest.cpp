@@ -159,6 +159,25 @@ TEST(Change, RequestSentAgainIsAnsweredAsTheFirstTimeAndNotMadeTwice) {
                       + kEchoed});
 }
 
+TEST(Change, ARegistrationKnowsItsLatestChangesWhateverIsForgotten) {
+    const TemporaryFolder folder;
+    ServerClock clock = FixedClock();
+    std::int64_t now = clock.now();
+    clock.now = [&] { return now; };
+    RunningServer running(folder.File("journal"), {}, clock);
+    running.Ask(Order());
+    const auto modify = [&](const char* amount, const char* name) {
+        running.Ask(Fields(std::string("modify_sip_order totalPeriod=6 amountOrQuantity=") + amount
+                           + " registrationNumber=" + kNumber),
+                    name);
+        return std::string(running.server->Held().Find(kNumber)->Text(tag::amountOrQuantity));
+    };
+    EXPECT_EQ(modify("500", "1-1"), "500");
+    now += 8 * 86'400;
+    EXPECT_EQ(modify("700", "1-2"), "700");
+    EXPECT_EQ(modify("500", "1-1"), "700") << "sent again, not made again";
+}
+
 TEST(Change, RequestsAreRememberedForAWeekAndNotWithoutBound) {
     ChangeMemory memory;
     constexpr std::int64_t day = 86'400;

@@ -58,10 +58,12 @@ private:
 };
 
 struct RunningServer {
-    explicit RunningServer(const std::filesystem::path& path, ServerConfig config = {}) {
+    explicit RunningServer(const std::filesystem::path& path, ServerConfig config = {},
+                           ServerClock clock = FixedClock()) {
         opening = Journal::Open(path);
         EXPECT_EQ(opening.error, "");
-        server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records, FixedClock());
+        server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records,
+                                          std::move(clock));
     }
 
     Reply Begin(const Fields& request, std::string_view sentAs = {}) {
