@@ -275,10 +275,8 @@ std::optional<ServerRefusal> Server::Keep(Registration registration) {
 
 std::string Server::EnterMadeUp(std::vector<Registration> batch) {
     JournalBatch records;
-    for (Registration& registration : batch) {
-        m_clock.SetNextExecution(registration);
+    for (const Registration& registration : batch)
         records.Add(registration.Json());
-    }
     if (std::string fault = m_journal.Write(records); !fault.empty()) return fault;
     for (Registration& registration : batch)
         m_clock.Schedule(m_registrations.Enter(std::move(registration)));

@@ -275,6 +275,51 @@ TEST_F(RxClientTest, SessionThatEndsIsALostConnectionAndWhatWasAskedIsAskedAgain
     EXPECT_EQ(m_client.Waiting(), 0u);
 }
 
+// Ends once, over what is to be sent.
+class BreakingChannel final : public Channel {
+public:
+    BreakingChannel(Server& server, ServerCommands& commands, bool& breaks)
+        : m_channel(server, commands), m_breaks(breaks) {}
+    std::string Name() const override { return m_channel.Name(); }
+    Checksum Sums() const override { return m_channel.Sums(); }
+    Loaded<std::string> Secret(const std::string& loginId) const override { return m_channel.Secret(loginId); }
+    std::string Open() override { return m_channel.Open(); }
+    void Close() override { m_channel.Close(); }
+    Exchanged Exchange(std::string_view& output, FrameReader* reader, std::int64_t nowMs) override {
+        if (m_breaks && !output.empty()) {
+            m_breaks = false;
+            return {.over = "broken"};
+        }
+        return m_channel.Exchange(output, reader, nowMs);
+    }
+    std::size_t Waiting() const override { return m_channel.Waiting(); }
+
+private:
+    SessionChannel m_channel;
+    bool& m_breaks;
+};
+
+TEST_F(RxClientTest, TheNextConnectionBeginsWithNothingOfTheOneBefore) {
+    bool breaks = false;
+    Log states;
+    RxClient client{std::make_unique<BreakingChannel>(*m_running.server, m_commands, breaks), m_running.user,
+                    [&](LinkState, const std::string& text) { states.push_back(text); },
+                    {},
+                    std::chrono::hours(1)};
+    RxControl* one = client.Get(kRxRequests, &m_one);
+    client.Pump(0);
+    ASSERT_EQ(client.State(), LinkState::connected);
+    breaks = true;
+    ASSERT_TRUE(Send(one, Order()));
+    states.clear();
+    for (const std::int64_t now : {1, 1'000, 2'000})
+        client.Pump(now);
+    EXPECT_EQ(client.State(), LinkState::connected);
+    EXPECT_EQ(states.size(), 3u) << "lost, connecting, connected";
+    EXPECT_EQ(Taken(), Log{"one answer add_sip_orders"});
+    EXPECT_EQ(m_running.server->Held().All().size(), 1u);
+}
+
 TEST_F(RxClientTest, RequestThatNeverLeftIsWithdrawnAnsweredAndNeverSent) {
     RxControl* one = m_client.Get(kRxRequests, &m_one);
     m_running.server->Config().faults["*"].disconnects = 1;

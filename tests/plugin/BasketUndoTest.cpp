@@ -233,6 +233,26 @@ TEST_P(UndoOfSent, ComesBackAsSent) {
 INSTANTIATE_TEST_SUITE_P(Basket, UndoOfSent, ::testing::ValuesIn(kSentWays),
                          [](const auto& way) { return std::string(way.param.what); });
 
+// Also where nothing but the load went before, whole or ended by the window's closing.
+TEST_F(BasketUndoTest, ALoadWhoseRowsWereSentIsNotTakenBack) {
+    for (const bool closes : {false, true}) {
+        SCOPED_TRACE(closes);
+        view.clockStep = closes ? 100 : 0;
+        Load(Lines(closes ? 3000 : 3));
+        ASSERT_EQ(basket.Runs().IsUnderWay(), closes);
+        if (closes) basket.OnClosed();
+        view.clockStep = 0;
+        basket.Runs().Place();
+        Run();
+        ASSERT_GT(basket.Rows().SentCount(), 0u);
+        const std::string sent = State();
+        view.boxes.clear();
+        basket.Undo();
+        EXPECT_EQ(State(), sent);
+        EXPECT_EQ(view.boxes.size(), 1u);
+    }
+}
+
 TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
     constexpr int kept = 1000;
     Load(Lines(1));
