@@ -22,10 +22,12 @@ bool Dialog::Create(HWND parent) {
 }
 
 bool Dialog::RunModal(HWND owner) {
-    const FocusKeeper focus;
     const HWND root = GetAncestor(owner, GA_ROOT);
-    if (!Create(root)) return false;
     DisableOwner(root);
+    if (!Create(root)) {
+        EnableOwner();
+        return false;
+    }
     Self().Show(true);
     MSG message{};
     while (m_handle) {
@@ -42,6 +44,7 @@ bool Dialog::RunModal(HWND owner) {
 }
 
 void Dialog::DisableOwner(HWND owner) {
+    m_ownersFocus.emplace();
     if (!EnableWindow(owner, FALSE)) m_disabledOwner = owner;
 }
 
@@ -141,6 +144,7 @@ INT_PTR Dialog::HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM l
         KeyboardHook::Withdraw(window);
         m_handle = nullptr;
         EnableOwner();
+        m_ownersFocus.reset();
         OnDestroyed();
         return FALSE; // the system's own procedure frees the template's font
     default:

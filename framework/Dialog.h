@@ -3,6 +3,7 @@
 #pragma once
 
 #include "framework/DialogLayout.h"
+#include "framework/FocusKeeper.h"
 #include "framework/Subclass.h"
 #include "framework/Window.h"
 
@@ -64,7 +65,7 @@ protected:
     // Puts it into the caption, at the size of the window's DPI.
     void SetCaptionIcon(int resource);
 
-    // The user cannot reach it until this window is gone.
+    // The user cannot reach it until this window is gone; then the keyboard is where it was in it.
     void DisableOwner(HWND owner);
 
     bool OnDpiChanged(UINT dpi, const RECT& suggested) override;
@@ -79,6 +80,7 @@ private:
     int m_resource;
     HWND m_handle = nullptr;
     HWND m_disabledOwner = nullptr;
+    std::optional<FocusKeeper> m_ownersFocus;
     const MessageBoxes* m_waitsFor = nullptr;
     int m_points = 0;
     std::optional<DialogLayout> m_layout;

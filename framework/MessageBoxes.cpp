@@ -1,5 +1,6 @@
 #include "framework/MessageBoxes.h"
 
+#include "framework/FocusKeeper.h"
 #include "framework/Guard.h"
 
 #include <utility>

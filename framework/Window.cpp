@@ -14,6 +14,17 @@ void Window::SetText(const std::string& text) const {
     if (m_handle) SetWindowTextA(m_handle, text.c_str());
 }
 
+bool Window::BringToFront() const {
+    HWND first = m_handle, next = GetTopWindow(nullptr);
+    while (next && !IsWindowEnabled(first)) {
+        const bool isBefore = GetWindow(next, GW_OWNER) == first && IsWindowVisible(next);
+        if (isBefore) first = next;
+        next = isBefore ? GetTopWindow(nullptr) : GetWindow(next, GW_HWNDNEXT);
+    }
+    SetForegroundWindow(first);
+    return first == m_handle;
+}
+
 void Window::Move(const RECT& rect) const {
     if (!m_handle) return;
     SetWindowPos(m_handle, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,

@@ -115,6 +115,10 @@ TEST_F(PeriodWindows, TheRunsOfAPeriodAreAskedForAndGoOnToTheHistory) {
     };
     choose(2); // the last seven days
     EXPECT_NE(Progress(), nullptr);
+    SetForegroundWindow(runs); // as a host may
+    Command(kRunsOfPeriod);
+    EXPECT_EQ(GetActiveWindow(), Progress()) << "what has to be done with first";
+    SetForegroundWindow(runs);
     const auto answer = [&](const std::string& number, const char* status) {
         host.AnswerSender("echoedRequest=qry_eq_sip_orders orderNumber=1 quantity=10 placementTime="
                           + DateText(-1) + "%s10:15 registrationNumber=" + number + status);
@@ -122,8 +126,10 @@ TEST_F(PeriodWindows, TheRunsOfAPeriodAreAskedForAndGoOnToTheHistory) {
     };
     answer("SIP1", " account=A sipStatus=complete tradedQuantity=10");
     answer("SIP2", " account=B sipStatus=rejected userText=Margin");
-    EXPECT_TRUE(probe::PumpUntil([&] { return Rows(list) == 2; }));
+    SendMessageA(Progress(), WM_TIMER, 1, 0);
     EXPECT_EQ(Progress(), nullptr);
+    EXPECT_EQ(GetFocus(), list) << "where it was";
+    EXPECT_TRUE(probe::PumpUntil([&] { return Rows(list) == 2; }));
     EXPECT_EQ(probe::Cell(list, 1, 11), "Margin");
     SendMessageA(GetDlgItem(runs, IDC_RUNS_FAILED), BM_CLICK, 0, 0);
     EXPECT_EQ(Rows(list), 1);

@@ -55,8 +55,7 @@ void CChangesDlg::OnResponse(void*, void* message, void*) noexcept {
 
 void CChangesDlg::OnBookCommand(int command, HWND owner) {
     if (command == kExportForChangesCommand) return Export(owner);
-    planfold::BringUp(*this, m_session);
-    if (!HasWindow()) return;
+    if (!planfold::BringUp(*this, m_session)) return;
     Item(IDC_CHANGES_LIST).Focus();
     if (command == kLoadChangesCommand)
         Load();

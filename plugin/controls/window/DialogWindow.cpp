@@ -31,14 +31,15 @@ bool SelectEntry(framework::ComboBox combo, std::string_view text) {
     return index >= 0;
 }
 
-void BringUp(framework::Dialog& dialog, const Session& session) {
+bool BringUp(framework::Dialog& dialog, const Session& session) {
     if (!dialog.HasWindow() && !dialog.Create() && !session.Ended())
         framework::ReportFault("a window cannot be made", std::source_location::current());
+    if (!dialog.HasWindow()) return false;
     if (IsIconic(dialog.Handle()))
         ShowWindow(dialog.Handle(), SW_RESTORE);
     else
         dialog.Self().Show(true);
-    SetForegroundWindow(dialog.Handle());
+    return dialog.Self().BringToFront();
 }
 
 } // namespace planfold

@@ -13,8 +13,9 @@ SYSTEMTIME ToSystemTime(const LocalDateTime& local);
 LocalDateTime LocalNow();
 // The entry that equals the text, ignoring case. False, and nothing changed, when there is none.
 bool SelectEntry(framework::ComboBox combo, std::string_view text);
-// Makes the window unless there is one, and shows it in front of the others.
-void BringUp(framework::Dialog& dialog, const Session& session);
+// Makes the window unless there is one, and shows it in front of the others, or what it waits for: then, and
+// without a window, false.
+bool BringUp(framework::Dialog& dialog, const Session& session);
 
 // `View` is DialogView or what a window adds to it.
 template <class View>

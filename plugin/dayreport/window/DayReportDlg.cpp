@@ -15,8 +15,7 @@ CDayReportDlg::CDayReportDlg(HINSTANCE module, Session& session, RecordFiles& fi
 
 void CDayReportDlg::BringUp() {
     const bool isNew = !HasWindow();
-    planfold::BringUp(*this, m_session);
-    if (!HasWindow()) return;
+    if (!planfold::BringUp(*this, m_session)) return;
     Item(IDC_DAY_LIST).Focus();
     ShowDay(isNew ? LocalNow() : m_report.Day());
 }

@@ -25,8 +25,7 @@ CPeriodWindow::CPeriodWindow(HINSTANCE module, int resource, Session& session, A
 
 void CPeriodWindow::BringUp() {
     const bool isNew = !HasWindow();
-    planfold::BringUp(*this, m_session);
-    if (!HasWindow()) return;
+    if (!planfold::BringUp(*this, m_session)) return;
     Item(IDC_RUNS_LIST).Focus();
     if (isNew) Choose(m_firstChoice);
 }

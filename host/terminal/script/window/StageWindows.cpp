@@ -32,7 +32,7 @@ StepResult UseWindow(ScriptStep& step) {
     const HWND window = FindWindowByCaption(step.Word(0), step.stage.Frame());
     if (!window) return StepResult::Again("there is no window \"" + step.Word(0) + '"');
     step.stage.window = window;
-    SetForegroundWindow(GetAncestor(window, GA_ROOT));
+    framework::Window(GetAncestor(window, GA_ROOT)).BringToFront();
     return StepResult::Done();
 }
 
