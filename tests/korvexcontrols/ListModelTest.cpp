@@ -112,6 +112,17 @@ TEST(ColumnFilter, ComparesExactlyAndSaysWhatItCannotRead) {
     }
 }
 
+TEST(ContainsFolded, FindsATextAtEachPlace) {
+    for (const std::string_view text : {"q", "qz", "quartz", "quartz-yz", "quartz-quiz-z"})
+        for (std::size_t at = 0; at < 40; ++at) {
+            const std::string before(at, 'x'), behind(40 - at, 'X');
+            std::string found = before + std::string(text) + behind, close = found;
+            close[at + text.size() / 2] = '_';
+            EXPECT_TRUE(ContainsFolded(found, text)) << found;
+            EXPECT_FALSE(ContainsFolded(close, text)) << close;
+        }
+}
+
 TEST(OperatorsFor, FollowWhatTheCellsHold) {
     struct Row {
         ValueType type;

@@ -78,6 +78,10 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"03-25-2027", undecided, "25/Mar/2027"},
         {"03/25/2027", dayFirst, "", Fault::noDate},
         {"05/05/2027", undecided, "05/May/2027"},
+        {"25/03/1971", undecided, "25/Mar/1971"},
+        {"25/03/1970", undecided, "", Fault::noDate},
+        {"25/03/9998", undecided, "25/Mar/9998"},
+        {"25/03/9999", undecided, "", Fault::noDate},
         {"25/03/27", undecided, "", Fault::undecidedDate},
         {"25/03/27", dayFirst, "25/Mar/2027"},
         {"2027-03-05 00:00:00", undecided, "05/Mar/2027"},
@@ -161,6 +165,15 @@ TEST(Import, FindsColumnsUnitsAndValuesByTheirHeadings) {
     };
     for (const auto& [text, told] : cases)
         EXPECT_EQ(Imported(text), told) << text;
+}
+
+TEST(Import, TheHeadingsStandInOneOfTheFirstFiftyRows) {
+    const std::string order = kHead + "C1,NSE,EQ,ALPHA,1,m,25/03/2027,12,SIP\n";
+    std::string notes;
+    for (int i = 1; i < 50; ++i)
+        notes += "a note\n";
+    EXPECT_EQ(Imported(notes + order), "51:C1 ALPHA-EQ value 100 monthly 25/Mar/2027 12 B|");
+    EXPECT_TRUE(Imported("a note\n" + notes + order).starts_with("fault: it has no line of headings"));
 }
 
 TEST(Import, AHeadingThatADateContradictsDecidesNothing) {

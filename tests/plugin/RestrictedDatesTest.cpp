@@ -121,6 +121,13 @@ TEST_F(RestrictedDatesTest, AnswersAreShownOrLogged) {
     };
     for (const Row& row : rows)
         EXPECT_EQ(answer(row.fields, row.name), row.seen);
+    for (const char* told : {"startDate=5 restrictedTo=6 restrictedYear=2031",
+                             "startDate=1 restrictedTo=2 restrictedYear=2030"})
+        answer(told, get);
+    std::string known;
+    for (const RestrictedRange& range : session.restricted)
+        known += Format("%d: %d-%d;", range.year, range.from, range.to);
+    EXPECT_EQ(known, "2031: 5-6;2030: 1-2;") << "one range a year";
     session.host.pu_resend_nontradingDate_Request = nullptr;
     EXPECT_EQ(answer({}, set), "Restricted Date configured Succesfully;1|1|1|");
     session.End();

@@ -69,6 +69,7 @@ TEST(ScripMaster, FaultsNameFileAndLine) {
         {"nse_cm,EQ,A,12345678901234567890123456789012,A-EQ,A Ltd,2,100,5,1,N",
          "scrips.csv:2: token is longer than 31 characters"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,8,100,5,1,N", "scrips.csv:2: decimals \"8\" is not between 0 and 7"},
+        {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,0,5,1,N", "scrips.csv:2: multiplier \"0\" is not between 1 and 10000000"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5x,1,N",
          "scrips.csv:2: tick size \"5x\" is not between 1 and 1000000"},
         {"nse_cm,EQ,A,1,A-EQ,A Ltd,2,100,5,1,y", "scrips.csv:2: cautionary \"y\" is neither Y nor N"},
