@@ -1,5 +1,6 @@
 #include "plugin/basket/BasketChoice.h"
 
+#include "plugin/base/Numbers.h"
 #include "plugin/base/Text.h"
 #include "plugin/orderentry/DuplicateGuard.h"
 
@@ -64,6 +65,26 @@ bool BasketChoice::LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed 
     return choice != Choice::cancel && !placed.empty();
 }
 
+// The start dates were judged when the rows came, perhaps days ago.
+bool BasketChoice::LeaveOutLate(std::vector<BasketPlacing::Row>& placed, const Act& again) {
+    const std::int64_t today = ToSeconds(m_view.Now().Midnight());
+    const auto isLate = [&](const BasketPlacing::Row& row) {
+        return LeadingInteger(m_rows[row.record].Text(BasketField::startDate)) < today;
+    };
+    const std::size_t rows = placed.size();
+    const auto late = static_cast<std::size_t>(std::ranges::count_if(placed, isLate));
+    if (late == 0) return true;
+    const std::string fault =
+        Format("The start date of %zu of the %zu orders has passed: enter another first.", late, rows);
+    if (late == rows) {
+        m_view.ShowLast(fault);
+        return false;
+    }
+    if (!m_questions.Ask(fault + Format("\nPlace only the other %zu?", rows - late), again)) return false;
+    std::erase_if(placed, isLate);
+    return true;
+}
+
 // What was agreed to be sent again is not asked about twice. About what was refused nothing has been asked.
 bool BasketChoice::LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again) {
     DuplicateGuard guard(m_session);
@@ -116,7 +137,7 @@ bool BasketChoice::KeepsLimits(const std::vector<BasketPlacing::Row>& placed, co
 }
 
 bool BasketChoice::MayPlace(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again) {
-    if (!LeaveOutSent(placed, which, again)) return false;
+    if (!LeaveOutSent(placed, which, again) || !LeaveOutLate(placed, again)) return false;
     std::set<std::string> clients;
     for (const BasketPlacing::Row& row : placed)
         clients.emplace(m_rows[row.record].Text(BasketField::account));

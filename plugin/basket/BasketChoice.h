@@ -30,6 +30,7 @@ public:
 private:
     // Each is false when none is to be placed.
     bool LeaveOutSent(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again);
+    bool LeaveOutLate(std::vector<BasketPlacing::Row>& placed, const Act& again);
     bool LeaveOutLike(std::vector<BasketPlacing::Row>& placed, Placed which, const Act& again);
     bool KeepsLimits(const std::vector<BasketPlacing::Row>& placed, const Act& again);
 

@@ -79,7 +79,7 @@ public:
                 lines.push_back(OfRow(ReviewKind::warning,
                                       "Like a registration, an order of today or another row", m_rows[record]));
     }
-    void Groups() {
+    void Groups(std::int64_t today) {
         std::map<std::string, ReviewLine> groups[std::size(kGroupings)];
         for (const RecordId record : m_records)
             for (std::size_t i = 0; i < std::size(kGroupings); ++i) {
@@ -95,6 +95,7 @@ public:
         for (auto& [seconds, line] : groups[3]) {
             const LocalDateTime date = ToLocal(LeadingInteger(seconds));
             line.of = FormatPickerDate(date);
+            if (ToSeconds(date) < today) Add(ReviewKind::fault, "The start date has passed", line);
             if (const auto day = DayOf(date); day && m_facts.closed.Has(*day))
                 Add(ReviewKind::note, "Starts on a day without trading", line);
         }
@@ -160,9 +161,10 @@ std::vector<ReviewLine> ReviewBasket(const BasketRows& rows, const std::vector<R
                                      const ReviewFacts& facts) {
     Review review(facts, rows, records);
     review.Rejected(rejected);
+    const std::int64_t today = limits.Today();
     review.Limits(std::move(limits));
     review.Likes();
-    review.Groups();
+    review.Groups(today);
     review.Tickets();
     std::ranges::stable_sort(review.lines, {}, &ReviewLine::kind);
     return std::move(review.lines);

@@ -39,6 +39,9 @@ public:
     // `valueOf` gives a key's text, empty for none.
     DeskLimits(const std::function<std::string(const std::string&)>& valueOf, std::int64_t now);
 
+    // Its midnight, in seconds since 1970 by the local clock: what starts before it is late.
+    std::int64_t Today() const { return m_today; }
+
     using Tell = std::function<void(const LimitBreach&)>;
     // Orders one by one, then what they come to. Settings that nobody can read are told first of all.
     void TellUnreadable(const Tell& tell) const;

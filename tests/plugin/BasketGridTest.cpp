@@ -247,5 +247,32 @@ TEST_F(BasketGridTest, LimitsOfTheDeskWarnOnceOrForbid) {
     }
 }
 
+TEST_F(BasketGridTest, WhatHasStayedTillItsStartDatePassedIsNotPlaced) {
+    std::string later = Line("C3");
+    later.replace(later.find("05/Mar"), 6, "06/Mar");
+    Load(Line("C1") + Line("C2") + later);
+    view.now = {2027, 3, 5, 23, 59, 59};
+    EXPECT_NE(basket.Check().value()[0].kind, ReviewKind::fault) << "it may start today";
+    view.now = {2027, 3, 6};
+    const ReviewLine fault = basket.Check().value()[0];
+    EXPECT_EQ(fault.what + ", " + fault.of + Format(": %zu", fault.rows),
+              "The start date has passed, 05/Mar/2027: 2");
+    view.yes = false;
+    basket.Runs().Place();
+    Run();
+    EXPECT_EQ(Taken(view.questions), Texts{"The start date of 2 of the 3 orders has passed: enter another first.\n"
+                                           "Place only the other 1?"});
+    EXPECT_EQ(basket.Rows().SentCount(), 0u);
+    view.yes = true;
+    basket.Runs().Place();
+    Run();
+    EXPECT_EQ(basket.Rows().SentCount(), 1u);
+    view.boxes.clear();
+    basket.Runs().Place(BasketChoice::Placed::unsent);
+    Run();
+    EXPECT_EQ(view.boxes, Texts{"The start date of 2 of the 2 orders has passed: enter another first."});
+    EXPECT_EQ(basket.Rows().SentCount(), 1u);
+}
+
 } // namespace
 } // namespace planfold::test
