@@ -125,7 +125,8 @@ private:
     int FindTyped(const LVFINDINFOA& find, int start);
     std::optional<LRESULT> OnKey(WPARAM key);
     void OnMouseDown(POINT place);
-    // The control itself would unselect row by row, and paint each. What Shift extends stays, unless it is all rows.
+    // The control itself would unselect row by row, and paint each. What Shift extends stays, unless it is all
+    // rows.
     void DropLargeSelection(bool extends);
 
     void RememberWindow() const;
@@ -198,7 +199,7 @@ private:
     std::vector<Condition> m_conditions;
     korvex::RowsState m_wanted; // as kept; conditions may be told later
     std::string m_savedSeen, m_viewName, m_viewNames, m_emptyText, m_shownEmptyText;
-    std::optional<NumberRoom> m_room; // while it paints
+    std::optional<NumberRoom> m_room;   // while it paints
     std::optional<SIZE> m_laidDownSize; // of the window, at USER_DEFAULT_SCREEN_DPI, when its size is kept
     std::optional<korvex::FilterDialog> m_filterDialog;
     std::optional<korvex::FindDialog> m_findDialog;

@@ -79,7 +79,8 @@ void RememberPlace(HWND window, const std::string& name) {
     if (IsSizable(window)) {
         const SIZE size =
             Rescaled(NormalSize(window), framework::Window(window).Dpi(), USER_DEFAULT_SCREEN_DPI);
-        text += "," + std::to_string(size.cx) + "," + std::to_string(size.cy) + (IsMaximised(window) ? ",1" : "");
+        text +=
+            "," + std::to_string(size.cx) + "," + std::to_string(size.cy) + (IsMaximised(window) ? ",1" : "");
     }
     if (text != ReadRecovered(RecoveryFile::dialogPositions, kDialogs, name))
         WriteRecovered(RecoveryFile::dialogPositions, kDialogs, name, text);
@@ -94,8 +95,8 @@ void RestorePlace(HWND window, const std::string& name) {
     if (MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
         SetWindowPos(window, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     if (!kept->size || !IsSizable(window)) return;
-    framework::ResizeOnScreen(
-        window, Rescaled(*kept->size, USER_DEFAULT_SCREEN_DPI, framework::Window(window).Dpi()));
+    framework::ResizeOnScreen(window,
+                              Rescaled(*kept->size, USER_DEFAULT_SCREEN_DPI, framework::Window(window).Dpi()));
     // Once it is shown: its contents may not be there yet.
     if (kept->maximised) PostMessageA(window, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
 }

@@ -5,6 +5,7 @@
 #include "plugin/messaging/HostQuestions.h"
 #include "plugin/record/OrderRecord.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace planfold {
@@ -46,14 +47,20 @@ void BasketLoading::OnRow(const BasketTexts& texts) {
 void BasketLoading::KnowAgain(RecordId row, const BasketTexts& texts) {
     const OrderLedger& ledger = m_session.record.Ledger();
     if (ledger.Orders().empty()) return;
-    BasketRows& rows = m_target.rows;
-    OrderPlace known = kNoOrder;
-    for (const OrderPlace place : ledger.Like(AskedForBy(texts, m_startDates))) {
-        if (rows.ByOrder(place) != kNoRecord) continue;
-        if (known == kNoOrder || (!MayStand(ledger[known].State()) && MayStand(ledger[place].State())))
-            known = place;
+    if (std::exchange(m_recordSize, ledger.Orders().size()) != ledger.Orders().size()) m_recorded.clear();
+    const RecordTexts order = AskedForBy(texts, m_startDates);
+    const auto [found, isNew] = m_recorded.try_emplace(AskedForKey(order));
+    std::vector<OrderPlace>& places = found->second;
+    if (isNew) {
+        places = ledger.Like(order);
+        std::ranges::reverse(places);
+        std::ranges::stable_partition(places,
+                                      [&](OrderPlace place) { return !MayStand(ledger[place].State()); });
     }
-    if (known != kNoOrder) rows.SetOrder(row, known, RowStateOf(ledger[known].State()));
+    BasketRows& rows = m_target.rows;
+    while (!places.empty() && rows.ByOrder(places.back()) != kNoRecord)
+        places.pop_back();
+    if (!places.empty()) rows.SetOrder(row, places.back(), RowStateOf(ledger[places.back()].State()));
 }
 
 void BasketLoading::OnNotice(std::string_view text) {

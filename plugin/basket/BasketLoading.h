@@ -10,6 +10,7 @@
 #include "plugin/orderentry/RecordedOrders.h"
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace planfold {
@@ -66,6 +67,10 @@ private:
     HostScrips m_scrips;
     Target m_target;
     StartDates m_startDates;
+    // By what they ask for, the orders of the record that are not rows yet, the likeliest last: while it has so
+    // many.
+    std::unordered_map<std::uint64_t, std::vector<OrderPlace>> m_recorded;
+    std::size_t m_recordSize = 0;
     KeptTexts m_notices;
     std::string m_notice; // the last
     std::unique_ptr<BasketReading> m_load;

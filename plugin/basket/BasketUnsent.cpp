@@ -5,7 +5,7 @@
 #include "plugin/basket/BasketFile.h"
 #include "plugin/record/OrderRecord.h"
 
-#include <set>
+#include <unordered_map>
 #include <utility>
 
 namespace planfold {
@@ -21,17 +21,18 @@ struct UnsentCounts {
 UnsentCounts Count(std::string_view text, const OrderLedger& ledger) {
     UnsentCounts counts;
     StartDates dates;
-    std::set<OrderPlace> known;
+    std::unordered_map<std::uint64_t, std::size_t> standing; // of those that ask for the same
     BasketLines lines(text);
     while (const auto line = lines.Next()) {
         ++counts.orders;
         BasketTexts columns;
         if (!SplitBasketLine(line->text, columns)) continue;
-        for (const OrderPlace place : ledger.StandingLike(AskedForBy(columns, dates)))
-            if (known.insert(place).second) {
-                ++counts.sent;
-                break;
-            }
+        const RecordTexts order = AskedForBy(columns, dates);
+        const auto [left, isNew] = standing.try_emplace(AskedForKey(order));
+        if (isNew) left->second = ledger.StandingLike(order).size();
+        if (left->second == 0) continue;
+        --left->second;
+        ++counts.sent;
     }
     return counts;
 }
@@ -49,7 +50,8 @@ std::string OfferOf(const UnsentCounts& found) {
 
 } // namespace
 
-// What the file held before and nobody has looked at is saved first. A failure is told once, until all is kept again.
+// What the file held before and nobody has looked at is saved first. A failure is told once, until all is kept
+// again.
 bool BasketRuns::KeepUnsent() {
     std::string aside, failure;
     if (!m_unsentSettled)

@@ -23,8 +23,8 @@ bool DuplicateGuard::IsLike(const RecordTexts& order) {
     const bool isFirst = m_seen.insert(key).second;
     if (const auto found = m_registered.find(key); found != m_registered.end())
         return Note(registration, order, found->second);
-    if (const auto sent = m_record ? m_record->StandingLike(order) : std::vector<OrderPlace>(); !sent.empty()) {
-        const RecordedOrder& latest = (*m_record)[sent.front()];
+    if (const OrderPlace sent = m_record ? m_record->LatestStandingLike(order) : kNoOrder; sent != kNoOrder) {
+        const RecordedOrder& latest = (*m_record)[sent];
         const std::string_view number = latest.Text(RecordField::registration);
         const std::string sentAt = "sent at " + std::string(latest.SentAt().substr(11, 5))
                                    + (latest.State() == OrderState::done ? "" : ", no answer");

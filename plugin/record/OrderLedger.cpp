@@ -202,6 +202,14 @@ OrderPlace OrderLedger::Named(const std::string& name) const {
     return found == m_places.end() ? kNoOrder : found->second;
 }
 
+OrderPlace OrderLedger::LatestStandingLike(const RecordTexts& order) const {
+    const auto latest = m_alike.find(AskedForKey(order));
+    OrderPlace place = latest == m_alike.end() ? kNoOrder : latest->second;
+    while (place != kNoOrder && !MayStand(m_orders[place].State()))
+        place = m_orders[place].m_alikeBefore;
+    return place;
+}
+
 std::vector<OrderPlace> OrderLedger::Like(const RecordTexts& order) const {
     std::vector<OrderPlace> places;
     const auto latest = m_alike.find(AskedForKey(order));

@@ -95,6 +95,8 @@ public:
     std::vector<OrderPlace> Like(const RecordTexts& order) const;
     // The same without those that are not in the book, nor may be.
     std::vector<OrderPlace> StandingLike(const RecordTexts& order) const;
+    // The latest of these; kNoOrder for none.
+    OrderPlace LatestStandingLike(const RecordTexts& order) const;
 
     // Those that the server may still turn out to have: what of a past day concerns this one.
     OrderLedger Open() const;

@@ -366,8 +366,9 @@ TEST_F(Net, WhatTheServerHasToDoIsToldEachMinuteAndBesideTheJournal) {
         EXPECT_EQ(watch.Look(61'000, 1'031), "");
         ServerWatch::Read(path, 1'061, isCurrent);
         EXPECT_FALSE(isCurrent);
-        EXPECT_TRUE(watch.Look(120'000, 1'090).starts_with(
-            "1 sessions, 0.0 requests and 0.0 updates a second, journal 0.0 MB, 0 flushes, "));
+        EXPECT_TRUE(
+            watch.Look(120'000, 1'090)
+                .starts_with("1 sessions, 0.0 requests and 0.0 updates a second, journal 0.0 MB, 0 flushes, "));
     }
     EXPECT_EQ(ServerWatch::Read(path, 1'091, isCurrent), "no server serves this journal");
 }

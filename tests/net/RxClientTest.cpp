@@ -302,7 +302,8 @@ private:
 TEST_F(RxClientTest, TheNextConnectionBeginsWithNothingOfTheOneBefore) {
     bool breaks = false;
     Log states;
-    RxClient client{std::make_unique<BreakingChannel>(*m_running.server, m_commands, breaks), m_running.user,
+    RxClient client{std::make_unique<BreakingChannel>(*m_running.server, m_commands, breaks),
+                    m_running.user,
                     [&](LinkState, const std::string& text) { states.push_back(text); },
                     {},
                     std::chrono::hours(1)};

@@ -169,6 +169,24 @@ TEST_F(BasketGridTest, ALoadedRowIsKnownByTheOrderThatMayStand) {
     }
 }
 
+TEST_F(BasketGridTest, WhatIsSentDuringALoadIsKnownToTheRestOfIt) {
+    Load(Line("K"));
+    StartDates dates;
+    const RecordedOrder order(AskedForBy(basket.Rows()[Row(0)].Texts(), dates));
+    const auto send = [&] { session.record.Sending({&order, 1}); };
+    send();
+    std::string lines;
+    for (int i = 0; i < 1000; ++i)
+        lines += Line("K");
+    view.clockStep = 200;
+    Load(lines);
+    ASSERT_TRUE(basket.Runs().IsUnderWay());
+    EXPECT_EQ(basket.Rows().SentCount(), 1u);
+    send();
+    Run();
+    EXPECT_EQ(basket.Rows().SentCount(), 2u);
+}
+
 TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {
     Load("=cmd,\"x\"\n" + Line("+91"));
     basket.Saving().SaveReasons();
@@ -260,8 +278,9 @@ TEST_F(BasketGridTest, WhatHasStayedTillItsStartDatePassedIsNotPlaced) {
     view.yes = false;
     basket.Runs().Place();
     Run();
-    EXPECT_EQ(Taken(view.questions), Texts{"The start date of 2 of the 3 orders has passed: enter another first.\n"
-                                           "Place only the other 1?"});
+    EXPECT_EQ(Taken(view.questions),
+              Texts{"The start date of 2 of the 3 orders has passed: enter another first.\n"
+                    "Place only the other 1?"});
     EXPECT_EQ(basket.Rows().SentCount(), 0u);
     view.yes = true;
     basket.Runs().Place();

@@ -16,7 +16,7 @@ TEST_F(BookRunsTest, ALongRunGoesInPortionsAndEndsWithOneSummary) {
         Row(numbers.back());
     }
     Select(numbers);
-    runs.Continue(); // a late tick
+    runs.Continue();                           // a late tick
     host.onRequest = [&] { runs.Continue(); }; // the host may let the next tick in
     actions.Cancel();
     const std::size_t first = host.requests.size();

@@ -235,7 +235,8 @@ TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {
         {"C002 70", "C002 ", "Refused"},
         {"stray", "C002 ",
          "Refused: no (code 104). F3 brings an earlier order back (C001 ARBORTEX 5). 1 more are kept."},
-        {"C001 6", "C001 ", "Refused: no (code 104). F3 brings the order back (C001 ARBORTEX 5). 1 more are kept."},
+        {"C001 6", "C001 ",
+         "Refused: no (code 104). F3 brings the order back (C001 ARBORTEX 5). 1 more are kept."},
     };
     Open();
     Answer(kMonthlyYearly);

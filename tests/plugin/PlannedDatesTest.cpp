@@ -100,7 +100,7 @@ TEST(ProgressOf, CountsWhatHasRunByTheDates) {
         {"weekly", "01-Mar-2027", "09-Mar-2027", "05-Apr-2027", 6, "1 1 about"}, // a closed Monday
         {"daily", "01-Mar-2027", "01-Mar-2027", "22-Mar-2027", 22, "0 0 exact"},
         {"daily", "01-Mar-2027", "15-Mar-2027", "22-Mar-2027", 22, "10 10 about"},
-        {"daily", "01-Mar-2027", "02-Mar-2027", "22-Mar-2027", 22, "1 1 about"}, // the server closes days too
+        {"daily", "01-Mar-2027", "02-Mar-2027", "22-Mar-2027", 22, "1 1 about"},   // the server closes days too
         {"daily", "01-Mar-2027", "01-Jun-2027", "22-Mar-2027", 22, "21 66 about"}, // one is left at least
         {"monthly", "05-Mar-2027", "", "05-Dec-2028", 22, "none"},
         {"fortnightly", "05-Mar-2027", "05-Jul-2028", "", 22, "none"},

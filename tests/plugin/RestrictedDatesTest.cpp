@@ -121,8 +121,8 @@ TEST_F(RestrictedDatesTest, AnswersAreShownOrLogged) {
     };
     for (const Row& row : rows)
         EXPECT_EQ(answer(row.fields, row.name), row.seen);
-    for (const char* told : {"startDate=5 restrictedTo=6 restrictedYear=2031",
-                             "startDate=1 restrictedTo=2 restrictedYear=2030"})
+    for (const char* told :
+         {"startDate=5 restrictedTo=6 restrictedYear=2031", "startDate=1 restrictedTo=2 restrictedYear=2030"})
         answer(told, get);
     std::string known;
     for (const RestrictedRange& range : session.restricted)

@@ -62,8 +62,8 @@ struct RunningServer {
                            ServerClock clock = FixedClock()) {
         opening = Journal::Open(path);
         EXPECT_EQ(opening.error, "");
-        server = std::make_unique<Server>(std::move(config), *opening.journal, opening.records,
-                                          std::move(clock));
+        server =
+            std::make_unique<Server>(std::move(config), *opening.journal, opening.records, std::move(clock));
     }
 
     Reply Begin(const Fields& request, std::string_view sentAs = {}) {
