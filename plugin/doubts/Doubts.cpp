@@ -154,7 +154,7 @@ void Doubts::TellOutcome() {
                 .append(" ")
                 .append(ledger[place].Text(RecordField::registration));
     }
-    if (changes > mostNamed) text += Format("\n... and %zu more changes", changes - mostNamed);
+    if (changes > mostNamed) text += "\n... and " + Counted(changes - mostNamed, "more change");
     if (orders.empty()) return m_view.ShowLast(text);
     text += "\n\nTake " + Counted(orders.size(), "order")
             + " that the book does not have into the basket, to be placed again?";

@@ -253,6 +253,19 @@ TEST_F(BasketUndoTest, ALoadWhoseRowsWereSentIsNotTakenBack) {
     }
 }
 
+TEST_F(BasketUndoTest, ALoadOfWhatHadBeenSentBeforeIsTakenBack) {
+    Load(Line("C1"));
+    basket.Runs().Place();
+    Run();
+    const std::string before = State();
+    Load(Line("C1") + Line("C2"));
+    EXPECT_EQ(basket.Rows().SentCount(), 1u);
+    view.boxes.clear();
+    basket.Undo();
+    EXPECT_EQ(State(), before);
+    EXPECT_EQ(view.boxes, Texts{});
+}
+
 TEST_F(BasketUndoTest, WhatIsNoLongerKeptIsSaid) {
     constexpr int kept = 1000;
     Load(Lines(1));
@@ -276,6 +289,22 @@ TEST_F(BasketUndoTest, ALoadOverRowsTooLargeToBeKeptSaysSo) {
     EXPECT_EQ(view.boxes, Texts{"The changes before this were too large to be kept."});
 }
 
+// What was undone and done anew is not counted twice.
+TEST_F(BasketUndoTest, ManyLargeStepsThatWereUndoneLeaveTheOthers) {
+    Load(std::string(40u << 20, 'x') + "\n");
+    for (int time = 0; time < 4; ++time) {
+        Load(Lines(1));
+        basket.Undo();
+        basket.Redo();
+        basket.Undo();
+    }
+    Taken(view.boxes);
+    EXPECT_EQ(basket.Rejected().size(), 1u);
+    basket.Undo();
+    EXPECT_EQ(basket.Rejected().size(), 0u);
+    EXPECT_EQ(view.boxes, Texts{});
+}
+
 // Places that are no longer right would bring back other rows.
 TEST_F(BasketUndoTest, WhatChangedBesideTheHistoryEndsIt) {
     Load(Lines(3));
@@ -284,6 +313,13 @@ TEST_F(BasketUndoTest, WhatChangedBesideTheHistoryEndsIt) {
     const std::string before = State();
     basket.Undo();
     EXPECT_EQ(State(), before);
+    EXPECT_EQ(Taken(view.boxes), Texts{"There is nothing to undo."});
+    Edit(0, Field::amount, "8");
+    view.list.rows.pop_back();
+    Edit(0, Field::amount, "9");
+    basket.Undo();
+    EXPECT_EQ(view.boxes, Texts{});
+    basket.Undo();
     EXPECT_EQ(view.boxes, Texts{"There is nothing to undo."});
 }
 

@@ -338,6 +338,16 @@ TEST_F(ChangesTest, WhyNothingIsLeftToSendIsListed) {
     EXPECT_NE(shown.find("Changed meanwhile"), std::string::npos) << shown;
 }
 
+TEST_F(ChangesTest, WhatIsOnItsWayIsJudgedNoMore) {
+    session.m_nSipOperationMode = 1;
+    Load(Edited(File(), "S1", "1500.00>2000"));
+    run.Send();
+    const std::string sent = Listed();
+    EXPECT_TRUE(run.IsUnderWay() && !sent.starts_with("2|Not possible|")) << sent;
+    Answer("echoedRequest=get_sip_operation_mode frequency=monthly minimumPeriods=30");
+    EXPECT_EQ(Listed(), sent);
+}
+
 // What the server demands is known before anything is asked.
 TEST_F(ChangesTest, TheServersLeastPeriodsAreAsked) {
     session.m_nSipOperationMode = 1;

@@ -187,6 +187,35 @@ TEST_F(DoubtsTest, AChangeIsDoneWhenTheBookShowsIt) {
             << rows[i].request << rows[i].status;
 }
 
+TEST_F(DoubtsTest, TenChangesThatWereNotDoneAreNamed) {
+    std::vector<RecordedOrder> changes;
+    for (int i = 0; i < 11; ++i) {
+        const std::string number = "SIP" + std::to_string(i);
+        RecordTexts texts;
+        texts[RecordField::loginId] = session.identity.loginId;
+        texts[RecordField::registration] = number;
+        texts[RecordField::text] = kPauseSipOrder;
+        changes.emplace_back(texts);
+    }
+    session.record.Sending(changes);
+    session.record.OnSessionEnd();
+    Doubts doubts(session, told, [this] { return &control; });
+    doubts.Compare();
+    Tick(doubts, 30);
+    for (int time = 0; time < 2; ++time) {
+        for (int i = 0; i < 11; ++i)
+            doubts.OnResponse(
+                Received("echoedRequest=om_get_sip_orders queriedRow=1 sipStatus=active registrationNumber=SIP"
+                         + std::to_string(i))
+                    .Message());
+        Book(doubts, {});
+        Tick(doubts, 1);
+    }
+    ASSERT_FALSE(told.texts.empty());
+    EXPECT_EQ(std::ranges::count(told.texts.back(), '\n'), 11) << told.texts.back();
+    EXPECT_TRUE(told.texts.back().ends_with(" SIP9\n... and 1 more change")) << told.texts.back();
+}
+
 // The host gives no identifiers; what was absent comes late, after it was placed again.
 TEST_F(DoubtsTest, OrdersRegisteredTwiceAreToldTogetherAndToldAgainUntilTheyAreCancelled) {
     Open();

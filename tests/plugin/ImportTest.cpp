@@ -239,6 +239,19 @@ TEST(Import, LettersBeyondSixteenBitsAreTwoUnitsAndHalfOfOneIsNone) {
     }
 }
 
+TEST(Import, BytesThatNoUtf8HasAreOfWindows) {
+    for (const std::string text :
+         {"\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        std::string kept;
+        EXPECT_EQ(TextInUtf8(text, kept), text);
+    }
+    for (const std::string text : {"\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                                   "\xF4\x90\x80\x80", "\xF5\x80\x80\x80"}) {
+        std::string kept;
+        EXPECT_NE(TextInUtf8(text, kept), text);
+    }
+}
+
 std::string Content(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

@@ -55,14 +55,20 @@ TEST(Import, AnyTableComesBackFromAnyWriter) {
     }
 }
 
-// A workbook of one sheet, whose parts are not packed. A cell "#5" is the number 5, in red.
+// A workbook of one sheet, whose parts are not packed. A cell "#5" is the number 5, in red, "%5" a day by its
+// number,
+// "@2027-03-05" one in words.
 std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
     std::string sheet = "<worksheet><sheetData>";
     for (std::size_t row = 0; row < table.size(); ++row) {
         sheet += "<row r=\"" + std::to_string(row + 1) + "\">";
         for (const std::string& cell : table[row]) {
-            if (cell.starts_with('#')) {
-                sheet += "<c s=\"0\"><v>" + cell.substr(1) + "</v></c>";
+            constexpr std::pair<char, const char*> kinds[] = {
+                {'#', "s=\"0\""}, {'%', "s=\"1\""}, {'@', "t=\"d\""}};
+            const auto* kind =
+                std::ranges::find(kinds, cell.empty() ? ' ' : cell[0], &std::pair<char, const char*>::first);
+            if (kind != std::end(kinds)) {
+                sheet += std::string("<c ") + kind->second + "><v>" + cell.substr(1) + "</v></c>";
                 continue;
             }
             sheet += "<c t=\"inlineStr\"><is><t xml:space=\"preserve\">";
@@ -80,7 +86,7 @@ std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
          "<Relationships><Relationship Id=\"r1\" Target=\"worksheets/sheet1.xml\"/>"
          "<Relationship Id=\"r2\" Type=\"x/styles\" Target=\"styles.xml\"/></Relationships>"},
         {"xl/styles.xml", "<styleSheet><numFmts><numFmt numFmtId=\"170\" formatCode=\"[Red]0.00\"/></numFmts>"
-                          "<cellXfs><xf numFmtId=\"170\"/></cellXfs></styleSheet>"},
+                          "<cellXfs><xf numFmtId=\"170\"/><xf numFmtId=\"27\"/></cellXfs></styleSheet>"},
         {"xl/worksheets/sheet1.xml", sheet + "</sheetData></worksheet>"}};
     const auto put = [](std::string& bytes, std::size_t number, int size) {
         for (; size > 0; --size, number >>= 8)
@@ -179,10 +185,11 @@ TEST(Import, ATableIsTheSameOrdersByWhicheverWriter) {
 TEST(Import, AWorkbookIsReadPieceByPieceCellByCell) {
     std::vector<std::vector<std::string>> table{
         {"UCC", "Exch", "Series", "Symbol", "Amount (Rs)", "Freq", "Start Date", "Periods", "Action"}};
+    constexpr const char* dates[] = {"05/Mar/2027", "%46451", "@2027-03-05T00:00:00"};
     std::string expected;
     for (int row = 2; row < 700; ++row) {
         const std::string client = "C" + std::to_string(row);
-        table.push_back({client, "NSE", "EQ", "ALPHA", row % 2 ? "1.500" : "#1.500", "monthly", "05/Mar/2027",
+        table.push_back({client, "NSE", "EQ", "ALPHA", row % 2 ? "1.500" : "#1.500", "monthly", dates[row % 3],
                          "12", "SIP"});
         expected += std::to_string(row);
         expected += row % 2 ? "! amount (column 5): \"1.500\" may be meant in two ways, or is grouped wrongly|"

@@ -157,10 +157,8 @@ void NetServer::ReceiveRest(Connection& connection) {
     constexpr std::size_t mostParts = 256;
     std::array<char, 65536> part;
     std::size_t got = 0;
-    for (std::size_t i = 0; i < mostParts; ++i) {
-        if (connection.socket.Receive(part, got) != Transfer::some) return;
+    for (std::size_t i = 0; i < mostParts && connection.socket.Receive(part, got) == Transfer::some; ++i)
         connection.session.Take({part.data(), got}, SteadyMs());
-    }
 }
 
 void NetServer::Send(Connection& connection) {
