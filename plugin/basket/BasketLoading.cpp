@@ -54,8 +54,7 @@ void BasketLoading::KnowAgain(RecordId row, const BasketTexts& texts) {
     if (isNew) {
         places = ledger.Like(order);
         std::ranges::reverse(places);
-        std::ranges::stable_partition(places,
-                                      [&](OrderPlace place) { return !MayStand(ledger[place].State()); });
+        std::ranges::stable_sort(places, {}, [&](OrderPlace place) { return MayStand(ledger[place].State()); });
     }
     BasketRows& rows = m_target.rows;
     while (!places.empty() && rows.ByOrder(places.back()) != kNoRecord)

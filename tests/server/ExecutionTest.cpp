@@ -117,6 +117,24 @@ TEST(Execution, TheRestOfAnOpenOrderLapsesAtTheCloseOfItsDay) {
     }
 }
 
+TEST(Execution, WhatIsNeverToHappenNeverDoes) {
+    const std::pair<int, std::string_view> rows[] = {{0, kStatusComplete}, {100, kStatusRejected}};
+    for (const auto& [rejected, status] : rows) {
+        const TemporaryFolder folder;
+        ServerConfig config;
+        config.fills.rejected = rejected;
+        config.fills.partial = 0;
+        RunningServer running(folder.File("journal"), config);
+        running.Ask(Order("amountOrQuantity=12345000"));
+        EXPECT_EQ(Executed(running, 400), "");
+        Answers orders = Rows(running, "orders");
+        EXPECT_EQ(orders.size(), 401u);
+        orders.pop_back();
+        for (const std::string& row : orders)
+            ASSERT_EQ(Field(row, tag::sipStatus), status);
+    }
+}
+
 TEST(Execution, OrdersAndTradesAgreeAndAreThereAfterARestart) {
     const TemporaryFolder folder;
     const auto path = folder.File("journal");
