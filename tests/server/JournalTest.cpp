@@ -66,6 +66,18 @@ TEST(Journal, TornAtEveryByteKeepsExactlyTheWholeRecordsAndGoesOn) {
     }
 }
 
+TEST(Journal, WhatWasTornStaysWhereItCannotBePutBeside) {
+    const TemporaryFolder folder;
+    const auto path = folder.File("journal");
+    const std::string whole = JournalOf(kThree), text = whole.substr(0, whole.size() - 3);
+    WriteJournal(path, text);
+    std::filesystem::create_directory(folder.File("journal.torn"));
+    const JournalOpening opening = Journal::Open(path);
+    EXPECT_FALSE(opening.journal);
+    EXPECT_NE(opening.error.find("ends in a torn record and "), std::string::npos) << opening.error;
+    EXPECT_EQ(FileText(path), text);
+}
+
 // Whatever happens to a record that was answered, the journal is not opened, and nothing is changed.
 TEST(Journal, NoRecordIsLostChangedOrMovedUnseen) {
     const TemporaryFolder folder;
