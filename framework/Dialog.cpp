@@ -26,6 +26,7 @@ bool Dialog::RunModal(HWND owner) {
     DisableOwner(root);
     if (!Create(root)) {
         EnableOwner();
+        m_ownersFocus.reset();
         return false;
     }
     Self().Show(true);
