@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/server/Server.h"
+#include "host/server/schedule/Schedule.h"
 #include "tests/server/Requests.h"
 
 #include <gtest/gtest.h>
@@ -97,5 +98,18 @@ struct RunningServer {
     UserIdentity user{"USER1", "BROKER", ""};
     std::unique_ptr<Server> server;
 };
+
+// All that the server holds and answers.
+inline std::string StateOf(RunningServer& running) {
+    std::string state = RecordDate(running.server->Clock().Today());
+    for (const Registration& registration : running.server->Held().All()) {
+        state += registration.Json();
+        for (const std::string request : {"qry_eq_sip_orders", "qry_eq_sip_trades"})
+            for (const std::string& answer :
+                 running.Ask(request + " registrationNumber=" + std::string(registration.Number())))
+                state += answer;
+    }
+    return state + running.Ask("calendar_get_restricted_dates")[0];
+}
 
 } // namespace vesk
