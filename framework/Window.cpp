@@ -15,6 +15,7 @@ void Window::SetText(const std::string& text) const {
 }
 
 bool Window::BringToFront() const {
+    if (!m_handle) return false;
     HWND first = m_handle, next = GetTopWindow(nullptr);
     while (next && !IsWindowEnabled(first)) {
         const bool isBefore = GetWindow(next, GW_OWNER) == first && IsWindowVisible(next);

@@ -57,7 +57,7 @@ public:
         if (m_handle) SetFocus(m_handle);
     }
     // To the front of the others and to the keyboard. A disabled one gives way to the window that it waits for:
-    // then false.
+    // then, and without a window, false.
     bool BringToFront() const;
     void Move(const RECT& rect) const;
     void SetFont(HFONT font) const { Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE); }

@@ -47,7 +47,7 @@ void BasketLoading::OnRow(const BasketTexts& texts) {
 void BasketLoading::KnowAgain(RecordId row, const BasketTexts& texts) {
     const OrderLedger& ledger = m_session.record.Ledger();
     if (ledger.Orders().empty()) return;
-    if (std::exchange(m_recordSize, ledger.Orders().size()) != ledger.Orders().size()) m_recorded.clear();
+    if (std::exchange(m_recordCounts, ledger.AllCounts()) != ledger.AllCounts()) m_recorded.clear();
     const RecordTexts order = AskedForBy(texts, m_startDates);
     const auto [found, isNew] = m_recorded.try_emplace(AskedForKey(order));
     std::vector<OrderPlace>& places = found->second;

@@ -68,9 +68,9 @@ private:
     Target m_target;
     StartDates m_startDates;
     // By what they ask for, the orders of the record that are not rows yet, the likeliest last: while it has so
-    // many.
+    // many of each state.
     std::unordered_map<std::uint64_t, std::vector<OrderPlace>> m_recorded;
-    std::size_t m_recordSize = 0;
+    OrderLedger::Counts m_recordCounts{};
     KeptTexts m_notices;
     std::string m_notice; // the last
     std::unique_ptr<BasketReading> m_load;

@@ -202,9 +202,13 @@ OrderPlace OrderLedger::Named(const std::string& name) const {
     return found == m_places.end() ? kNoOrder : found->second;
 }
 
+OrderPlace OrderLedger::LatestLike(const RecordTexts& order) const {
+    const auto found = m_alike.find(AskedForKey(order));
+    return found == m_alike.end() ? kNoOrder : found->second;
+}
+
 OrderPlace OrderLedger::LatestStandingLike(const RecordTexts& order) const {
-    const auto latest = m_alike.find(AskedForKey(order));
-    OrderPlace place = latest == m_alike.end() ? kNoOrder : latest->second;
+    OrderPlace place = LatestLike(order);
     while (place != kNoOrder && !MayStand(m_orders[place].State()))
         place = m_orders[place].m_alikeBefore;
     return place;
@@ -212,9 +216,7 @@ OrderPlace OrderLedger::LatestStandingLike(const RecordTexts& order) const {
 
 std::vector<OrderPlace> OrderLedger::Like(const RecordTexts& order) const {
     std::vector<OrderPlace> places;
-    const auto latest = m_alike.find(AskedForKey(order));
-    if (latest == m_alike.end()) return places;
-    for (OrderPlace place = latest->second; place != kNoOrder; place = m_orders[place].m_alikeBefore)
+    for (OrderPlace place = LatestLike(order); place != kNoOrder; place = m_orders[place].m_alikeBefore)
         places.push_back(place);
     return places;
 }

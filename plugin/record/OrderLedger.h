@@ -90,6 +90,8 @@ public:
     bool IsUnmistakable(OrderPlace place) const;
     // The one that an event with these texts belongs to. An identifier alone is enough while one order has it.
     OrderPlace Find(const RecordTexts& texts) const;
+    using Counts = std::array<std::size_t, static_cast<std::size_t>(OrderState::count)>; // by state
+    const Counts& AllCounts() const { return m_counts; }
     std::size_t Count(OrderState state) const { return m_counts[static_cast<std::size_t>(state)]; }
     // The new orders that ask for the same, the latest first.
     std::vector<OrderPlace> Like(const RecordTexts& order) const;
@@ -103,6 +105,7 @@ public:
 
 private:
     OrderPlace Enter(std::string name, const RecordTexts& sending);
+    OrderPlace LatestLike(const RecordTexts& order) const;
     OrderPlace Named(const std::string& name) const;
     void SetState(RecordedOrder& order, const RecordTexts& event, OrderState state);
 
@@ -110,7 +113,7 @@ private:
     std::unordered_map<std::string, OrderPlace> m_places;
     std::unordered_map<std::string, OrderPlace> m_byId;    // kNoOrder where several have it
     std::unordered_map<std::uint64_t, OrderPlace> m_alike; // the latest, by what they ask for
-    std::array<std::size_t, static_cast<std::size_t>(OrderState::count)> m_counts{};
+    Counts m_counts{};
 };
 
 } // namespace planfold

@@ -185,6 +185,15 @@ TEST_F(BasketGridTest, WhatIsSentDuringALoadIsKnownToTheRestOfIt) {
     send();
     Run();
     EXPECT_EQ(basket.Rows().SentCount(), 2u);
+
+    // The likelier one is another when an answer comes.
+    send();
+    Load(Line("K") + Lines(1000) + Line("K"));
+    ASSERT_TRUE(basket.Runs().IsUnderWay());
+    session.record.Tell(1, OrderEvent::refused, {});
+    Run();
+    EXPECT_EQ(basket.Rows().SentCount(), 2u);
+    EXPECT_EQ(basket.Rows().Count(RowState::refused), 0u);
 }
 
 TEST_F(BasketGridTest, TablesAreReadBySpreadsheetsAndNeverCalculated) {

@@ -56,8 +56,7 @@ TEST(Import, AnyTableComesBackFromAnyWriter) {
 }
 
 // A workbook of one sheet, whose parts are not packed. A cell "#5" is the number 5, in red, "%5" a day by its
-// number,
-// "@2027-03-05" one in words.
+// number, "@2027-03-05" one in words.
 std::string AsWorkbook(const std::vector<std::vector<std::string>>& table) {
     std::string sheet = "<worksheet><sheetData>";
     for (std::size_t row = 0; row < table.size(); ++row) {

@@ -39,7 +39,8 @@ bool BringUp(framework::Dialog& dialog, const Session& session) {
         ShowWindow(dialog.Handle(), SW_RESTORE);
     else
         dialog.Self().Show(true);
-    return dialog.Self().BringToFront();
+    // It may go as it is activated.
+    return dialog.Self().BringToFront() && dialog.HasWindow();
 }
 
 } // namespace planfold

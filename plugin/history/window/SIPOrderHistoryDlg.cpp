@@ -147,8 +147,7 @@ void CSIPOrderHistoryDlg::Show(bool shown) {
     if (!HasWindow()) return;
     if (!shown) return Self().Show(false);
     ShowWindow(Handle(), IsIconic(Handle()) ? SW_RESTORE : SW_SHOW);
-    SetForegroundWindow(Handle());
-    Item(IDC_HISTORY_LIST).Focus();
+    if (Self().BringToFront()) Item(IDC_HISTORY_LIST).Focus();
 }
 
 std::string_view CSIPOrderHistoryDlg::Cell(std::uint32_t record, std::int32_t column) const {

@@ -35,7 +35,7 @@ void COrderEntryDlg::OpenForModify(const SipRegistration& registration) {
     if (HasWindow()) m_entry.FillForModify(registration);
     if (HasWindow()) OnPlanChanged();
     m_session.m_nSipOperationMode = operationMode;
-    SetForegroundWindow(Dialog::Handle());
+    Self().BringToFront();
 }
 
 void COrderEntryDlg::ShutDown() {
