@@ -2,12 +2,13 @@
 # Runs a Windows program: in a 64-bit prefix inside the build folder, on a display of its own when there is
 # none. WINE_DESKTOP=NAME,WxH puts it into a Wine desktop (the exit code is then lost); WINE_DPI=144 sets the
 # screen's resolution; WINE_CONSOLE=1 is for a program without windows, which needs no display. Its session has none
-# either: "wine.sh --end" ends it, before windows of another are made in it.
+# either: "wine.sh --end" ends it, before windows of another are made in it. WINE_LANE=N (see lane.sh) is the number of
+# a prefix and of the displays for it: what has other numbers runs beside it.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 kind=display
 [ -n "${DISPLAY:-}" ] || kind=headless
-export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind${WINE_DPI:+-$WINE_DPI}}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
+export WINEPREFIX="${WINEPREFIX:-$root/build/wineprefix-$kind${WINE_LANE:+-lane$WINE_LANE}${WINE_DPI:+-$WINE_DPI}}" WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 mkdir -p "$(dirname "$WINEPREFIX")"
 
@@ -38,5 +39,5 @@ make_prefix() {
 ) 9>"$WINEPREFIX.lock"
 
 set -- wine ${WINE_DESKTOP:+explorer "/desktop=$WINE_DESKTOP"} "$@"
-[ -n "${DISPLAY:-}${WINE_CONSOLE:-}" ] || set -- xvfb-run -a -s "-screen 0 1280x800x24" "$@"
+[ -n "${DISPLAY:-}${WINE_CONSOLE:-}" ] || set -- xvfb-run -a -n $((100 + 100 * ${WINE_LANE:-0})) -s "-screen 0 1280x800x24" "$@"
 exec "$@"
