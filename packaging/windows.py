@@ -21,7 +21,7 @@ PLACES = {
     'terminal-plugin': ['Vesk Plugins/Planfold.zup', 'KorvexControls.dll'],
     'reference': ['VeskTrader.exe', 'veskserver.exe', 'connectvesk.dll', 'KorvexControls.dll',
                   'Vesk Plugins/Planfold.zup', 'data/**'],
-    'tools': ['planfold-basket.exe', 'planfold-hostcheck.exe', 'connectvesk.dll'],
+    'tools': ['planfold-basket.exe', 'planfold-hostcheck.exe', 'HostCheck.zup', 'connectvesk.dll'],
 }
 
 # What is linked into the programs, and the Debian packages whose copyright files say under which terms.

@@ -7,7 +7,7 @@ import struct
 import sys
 
 IMAGES = ['Vesk Plugins/Planfold.zup', 'KorvexControls.dll', 'connectvesk.dll', 'VeskTrader.exe', 'veskserver.exe',
-          'planfold-basket.exe', 'planfold-hostcheck.exe']
+          'planfold-basket.exe', 'planfold-hostcheck.exe', 'HostCheck.zup']
 HIGH_ENTROPY, DYNAMIC_BASE, NO_EXECUTE = 0x20, 0x40, 0x100
 EXECUTE, WRITE = 0x20000000, 0x80000000
 EXPORTS, RESOURCES = 0, 2

@@ -24,7 +24,7 @@ constexpr std::string_view NeedWord(sdk::Need need) {
 }
 
 constexpr std::string_view StateWord(State state) {
-    constexpr std::string_view words[] = {"ok", "missing", "wrong"};
+    constexpr std::string_view words[] = {"ok", "untried", "missing", "wrong"};
     return words[static_cast<int>(state)];
 }
 
@@ -82,7 +82,7 @@ Finding Look(const sdk::HostExportUse& use, std::span<const Export> exports,
 
 bool Findings::Lacks(sdk::Need need) const {
     return std::ranges::any_of(
-        exports, [&](const Finding& one) { return one.state != State::present && one.need == need; });
+        exports, [&](const Finding& one) { return one.state >= State::missing && one.need == need; });
 }
 
 Findings Examine(std::span<const Export> exports, std::string_view file) {
@@ -99,19 +99,33 @@ Findings Examine(std::span<const Export> exports, std::string_view file) {
     return findings;
 }
 
+std::string Summary(const Findings& findings) {
+    const auto count = [&](State state) {
+        return std::to_string(std::ranges::count(findings.exports, state, &Finding::state));
+    };
+    std::string text = count(State::present) + " of " + std::to_string(findings.exports.size())
+                       + " exports are as they must be";
+    if (const std::string untried = count(State::untried); untried != "0")
+        text += ", " + untried + " were not tried";
+    return text;
+}
+
 std::string AsText(const Findings& findings, std::string_view file) {
     std::string text;
-    std::size_t present = 0;
     for (const Finding& one : findings.exports) {
-        present += one.state == State::present;
         if (one.state == State::present) continue;
         text.append(file).append(": ").append(one.name).append(" ");
+        if (one.state == State::untried) {
+            text.append("was not tried: ").append(one.detail).append("\n");
+            continue;
+        }
         text.append(one.detail.empty() ? "is missing" : one.detail);
         text.append(" (").append(NeedWord(one.need)).append("): ").append(one.without).append("\n");
     }
-    text.append(file).append(findings.isPlugin ? ": a plug-in, " : ": a host, ");
-    text.append(std::to_string(present)).append(" of ").append(std::to_string(findings.exports.size()));
-    return text.append(" exports are as they must be\n");
+    return text.append(file)
+        .append(findings.isPlugin ? ": a plug-in, " : ": a host, ")
+        .append(Summary(findings))
+        .append("\n");
 }
 
 std::string AsJson(const Findings& findings, std::string_view file) {
@@ -119,7 +133,7 @@ std::string AsJson(const Findings& findings, std::string_view file) {
     for (const Finding& one : findings.exports) {
         nlohmann::ordered_json row{
             {"name", one.name}, {"state", StateWord(one.state)}, {"need", NeedWord(one.need)}};
-        if (one.state != State::present) row["without"] = one.without;
+        if (one.state >= State::missing) row["without"] = one.without;
         if (!one.detail.empty()) row["detail"] = one.detail;
         exports.push_back(std::move(row));
     }

@@ -21,14 +21,14 @@ struct Export {
 // them.
 std::optional<std::vector<Export>> ReadExports(std::string_view image, std::string& why);
 
-enum class State { present, missing, wrong };
+enum class State { present, untried, missing, wrong };
 
 struct Finding {
     std::string_view name;
     State state;
     sdk::Need need;
     std::string_view without;
-    std::string detail; // what is wrong with it, or what is there instead
+    std::string detail; // what is wrong with it, what is there instead, or why it was not tried
 };
 
 struct Findings {
@@ -42,6 +42,8 @@ struct Findings {
 // a host.
 Findings Examine(std::span<const Export> exports, std::string_view file);
 
+// How many are as they must be.
+std::string Summary(const Findings& findings);
 std::string AsText(const Findings& findings, std::string_view file);
 std::string AsJson(const Findings& findings, std::string_view file);
 

@@ -30,7 +30,8 @@ DESCRIPTION
 
     An export is wrong when it is no function, or stands there under another name:
     decorated by the compiler, in other letters, or misspelled. sdk/HostExports.h
-    has the type of each, and the names as they are looked up.
+    has the type of each, and the names as they are looked up. What they answer
+    is tried by HostCheck.zup, a plug-in, in the running host.
 
 OPTIONS
     --json       all exports as JSON, also those that are as they must be

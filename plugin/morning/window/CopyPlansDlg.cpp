@@ -16,7 +16,7 @@ void CCopyPlansDlg::Open(HWND owner, std::vector<std::string> numbers, bool areR
     if (!HasWindow() && !Create(owner)) return;
     ShowCopies();
     Self().Show(true);
-    SetForegroundWindow(Handle());
+    Self().BringToFront();
 }
 
 void CCopyPlansDlg::OnInit() {

@@ -38,7 +38,7 @@ StepResult UseWindow(ScriptStep& step) {
 
 void UseMain(ScriptStep& step) {
     step.stage.window = nullptr;
-    SetForegroundWindow(step.stage.Current());
+    framework::Window(step.stage.Current()).BringToFront();
 }
 
 void CloseWindow(ScriptStep& step) {
