@@ -26,6 +26,11 @@ void EachLine(std::string_view lines, Each each) {
     }
 }
 
+// Counted from noon: a day may have an hour more or less.
+LocalDateTime DayBefore(const LocalDateTime& day, int back) {
+    return ToLocal(ToSeconds({day.year, day.month, day.day, 12}) - back * kSecondsPerDay).Midnight();
+}
+
 } // namespace
 
 std::string TimeText(const LocalDateTime& now) {
@@ -50,10 +55,8 @@ const OrderLedger& OrderRecord::Ledger() {
 void OrderRecord::ReadDays() {
     if (std::exchange(m_isRead, true)) return;
     const LocalDateTime now = m_now();
-    // Counted from noon: a day may have an hour more or less.
-    const std::int64_t noon = ToSeconds({now.year, now.month, now.day, 12});
     for (int back = kDaysBack; back > 0 && m_files.HasFolder(); --back) {
-        const auto text = m_files.Read(ToLocal(noon - back * kSecondsPerDay));
+        const auto text = m_files.Read(DayBefore(now, back));
         if (!text) continue;
         TakeAll(*text);
         m_ledger = m_ledger.Open();
@@ -87,11 +90,15 @@ void OrderRecord::Refresh() {
     if (!m_isRead) return ReadDays();
     if (!m_files.HasFolder()) return;
     ReadOn();
+    // Others may have sent on the days since.
     const LocalDateTime today = m_now().Midnight();
-    if (today == m_day) return;
-    m_day = today;
-    m_readTo = 0;
-    ReadOn();
+    for (int back = kDaysBack; m_day != today; --back) {
+        const LocalDateTime day = DayBefore(today, back);
+        if (back > 0 && day <= m_day) continue;
+        m_day = day;
+        m_readTo = 0;
+        ReadOn();
+    }
 }
 
 void OrderRecord::ReadOn() {

@@ -250,6 +250,30 @@ TEST(OrderRecord, TakesWhatIsOpenOverMidnight) {
     EXPECT_EQ(next.Ledger()[0].SentAt(), "2027-03-05 23:59:50");
 }
 
+TEST(OrderRecord, DaysThatPassUnseenAreReadWithTheNext) {
+    Files files;
+    LocalDateTime now{2027, 3, 5, 18, 0, 0};
+    OrderRecord record(files, [&] { return now; });
+    record.Refresh();
+    const struct {
+        int written,
+            asked; // days of the month: another terminal sent on the first, the record looks on the second
+        bool isSeen;
+    } rows[] = {{6, 8, true}, {18, 19, true}, {20, 20, true}, {19, 20, false}};
+    for (const auto& [written, asked, isSeen] : rows) {
+        Files others;
+        now = {2027, 3, written, 10, 0, 0};
+        OrderRecord another(others, [&] { return now; });
+        const RecordedOrder order(Words("order_id=o" + std::to_string(written) + " frequency=daily").texts);
+        another.Sending({&order, 1});
+        files.text = others.text;
+        files.day = now.Midnight();
+        now = {2027, 3, asked, 11, 0, 0};
+        record.Refresh();
+        EXPECT_EQ(record.Ledger().Find(order.Texts()) != kNoOrder, isSeen) << written;
+    }
+}
+
 // Of orders without identifiers a line that stands there twice would be two orders.
 TEST(OrderRecord, WhatADiskTookBeforeItWasFullIsNotWrittenOnceMore) {
     const std::vector<RecordedOrder> twins(2, RecordedOrder(Words("client=C1 frequency=daily").texts));
