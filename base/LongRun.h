@@ -14,6 +14,8 @@ public:
     virtual void Continue() = 0;
     // The user wishes it.
     virtual void Stop() = 0;
+    // No window can be made that would drive it.
+    virtual void EndUnseen() { Stop(); }
     // Whether there is anything left that would not be done then.
     virtual bool CanStop() const { return true; }
     // How far it has come: a line for the user, and two numbers. Only while it is under way.

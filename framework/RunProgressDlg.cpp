@@ -26,7 +26,7 @@ void RunProgressDlg::Follow(HWND owner) {
     const HWND root = GetAncestor(owner, GA_ROOT);
     m_startedMs = GetTickCount64();
     // Without its timer a run would never end.
-    if (!Create(root)) return m_run.Stop();
+    if (!Create(root)) return m_run.EndUnseen();
     if (m_owner == Owner::enabled) return;
     // The keyboard goes on where it is, unless that is what cannot be reached now.
     const bool wasActive = GetActiveWindow() == root;

@@ -106,7 +106,7 @@ protected:
     }
     template <class Condition>
     bool Until(Condition condition, std::initializer_list<Terminal*> terminals) {
-        const std::int64_t end = SteadyMs() + 20'000;
+        const std::int64_t end = SteadyMs() + 60'000;
         while (!condition() && SteadyMs() < end) {
             if (m_net) m_net->Turn(1);
             for (Terminal* terminal : terminals)

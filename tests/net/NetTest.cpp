@@ -170,8 +170,8 @@ TEST_F(Net, SlowReaderEndsAndHoldsUpNobody) {
         SessionLimits limits;
         const char* reason;
     } rows[] = {
-        {{.outputBytes = 2048, .streamBacklog = 50}, "SLOW is cut off: too many updates wait for it"},
-        {{.outputBytes = 2048, .stalledMs = 200}, "SLOW is cut off: it takes nothing more"},
+        {{.outputBytes = 1 << 16, .streamBacklog = 10}, "SLOW is cut off: too many updates wait for it"},
+        {{.outputBytes = 1 << 16, .stalledMs = 200}, "SLOW is cut off: it takes nothing more"},
     };
     Start();
     // More rows than the system keeps for a connection that is not read from.

@@ -25,6 +25,7 @@ public:
     bool IsUnderWay() const override { return m_text.has_value(); }
     void Continue() override;
     void Stop() override { m_text.reset(); }
+    void EndUnseen() override { Finish(); }
     std::string Progress() const override;
     std::size_t Done() const override { return m_text ? m_text->Done() : 0; }
     std::size_t Total() const override { return m_text ? m_text->Total() : 0; }

@@ -70,6 +70,9 @@ public:
     }
     void WaitUntil(const std::function<bool()>& isSo) override {
         constexpr DWORD step = 50;
+        // As a box would have it: nobody ends the host meanwhile.
+        const HWND active = GetActiveWindow();
+        EnableWindow(active, FALSE);
         for (const ULONGLONG end = GetTickCount64() + kPatienceMs; !isSo() && GetTickCount64() < end;) {
             MsgWaitForMultipleObjects(0, nullptr, FALSE, step, QS_ALLINPUT);
             for (MSG message; !isSo() && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
@@ -77,6 +80,7 @@ public:
                 DispatchMessageA(&message);
             }
         }
+        EnableWindow(active, TRUE);
     }
     void Begin(std::string_view name) override {
         framework::WriteWhole(m_report, "The host was calling " + std::string(name) + " when it ended.\r\n");
