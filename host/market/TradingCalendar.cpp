@@ -14,7 +14,7 @@ std::optional<std::uint32_t> DateNumber(std::string_view text) {
     const auto year = base::ReadNumber<long long>(text.substr(0, 4));
     const auto month = base::ReadNumber<long long>(text.substr(5, 2));
     const auto day = base::ReadNumber<long long>(text.substr(8, 2));
-    if (!year || !month || !day || *year < 1970 || *month < 1 || *day < 1) return std::nullopt;
+    if (!year || !month || !day || *year < 1970) return std::nullopt;
     const std::chrono::year_month_day date{std::chrono::year(static_cast<int>(*year)),
                                            std::chrono::month(static_cast<unsigned>(*month)),
                                            std::chrono::day(static_cast<unsigned>(*day))};

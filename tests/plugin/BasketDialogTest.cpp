@@ -179,6 +179,10 @@ TEST_F(BasketDialogTest, EveryFieldOfARowComesIntoTheForm) {
         EXPECT_EQ(form + FormatPickerDate(view.date), shown[row]);
         EXPECT_EQ(view.controls[IDC_VALUE].enabled, row == 1);
     }
+    // A host that tells no names of scrips takes none back.
+    session.host.pu_get_intersted_scrip_field = {};
+    basket.Entry().Activate(view.list.rows[1]);
+    EXPECT_EQ(view.Text(IDC_SYMBOL), "LUMENBANK");
 }
 
 TEST_F(BasketDialogTest, TheFormAddsOnlyWhatItShows) {

@@ -165,6 +165,15 @@ TEST_F(BasketUnsentTest, AreCheckedAnewAndMarkedWhenTheRecordHasThem) {
     EXPECT_EQ(view.boxes, (Texts{"Invalid Date", "The orders that cannot be taken back are in\naside.csv"}));
 }
 
+// Their periods may be a server's, which may not have told its rules yet.
+TEST_F(BasketUnsentTest, ComeBackWithMorePeriodsThanWithoutAServersRules) {
+    std::string line = Line("C1");
+    line.replace(line.find(",12,"), 4, ",120,");
+    Found(line);
+    basket.Runs().OfferUnsent();
+    EXPECT_EQ(view.list.rows.size(), 1u);
+}
+
 TEST_F(BasketUnsentTest, StayInTheFileWhenTheyComeBackOnlyInPart) {
     const std::string lines = Lines(500) + "x\n" + Lines(500, "D");
     for (const bool closed : {false, true}) {

@@ -49,6 +49,18 @@ TEST(Cells, MeanTheSameHoweverTheyAreWritten) {
             << row.cell << " / " << row.ofBook;
 }
 
+TEST(Cells, AreDatesWhenAllOfThemIsOne) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"05-Mar-2027", "2027-03-05"},
+        {" 05-Mar-2027 14:02:31", "2027-03-05 14:02:31"},
+        {"31-Feb-2027", ""},
+        {"05-Mar-2027 by phone", ""},
+        {"1-2-3", ""},
+    };
+    for (const auto& [cell, date] : rows)
+        EXPECT_EQ(DateInFigures(cell).value_or(""), date) << cell;
+}
+
 TEST(Cells, GiveNewNumbersOnlyWhenTheyHaveOneMeaning) {
     const struct {
         const char* cell;

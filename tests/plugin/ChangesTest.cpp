@@ -19,6 +19,8 @@ void Enter(OrderCache& book, const std::string& text) {
     const bool byValue = value.find('.') != value.npos;
     OrderChanges changes;
     changes[OrderField::account] = client;
+    const std::string name = "of " + client;
+    changes[OrderField::accountName] = name;
     changes[OrderField::loginId] = user;
     changes[OrderField::sipStatus] = status;
     changes[byValue ? OrderField::amount : OrderField::quantity] = value;
@@ -164,7 +166,10 @@ TEST_F(ChangesTest, AFileIsReadBackAsItWasMeant) {
         Load(Edited(file, row.number, row.edit, row.stamps));
         EXPECT_EQ(Listed(), row.listed) << row.number << " " << row.edit;
         if (!run.Set()->Changes().empty()) {
-            EXPECT_EQ(run.Set()->Text(0, ChangeField::account), Format("C%c", row.number[1])) << row.edit;
+            const std::string& client = run.Set()->Text(0, ChangeField::account);
+            EXPECT_EQ(client, Format("C%c", row.number[1])) << row.edit;
+            const bool isKnown = run.Set()->Text(0, ChangeField::registration) == row.number;
+            EXPECT_EQ(run.Set()->Text(0, ChangeField::accountName), isKnown ? "of " + client : "") << row.edit;
         }
     }
 }

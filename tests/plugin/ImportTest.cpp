@@ -53,6 +53,7 @@ TEST(Import, ReadsMoneyInEveryWritingAndRefusesWhatIsInDoubt) {
         {"-1500", rupees, "", Fault::noNumber},
         {"1500 kg", rupees, "", Fault::noNumber},
         {"1234567890123456", rupees, "", Fault::noNumber},
+        {"123,456,789,012,345", paise, "123456789012345"},
         {" ", rupees, "", Fault::missing},
     };
     for (const auto& [said, unit, paise, fault, kind] : cases) {

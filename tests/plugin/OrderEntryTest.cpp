@@ -199,6 +199,14 @@ TEST_F(OrderEntryTest, AnOrderForAnUnknownClientIsAskedAbout) {
     EXPECT_EQ(host.LastRequest(), "get_sip_operation_mode") << "that window is gone";
 }
 
+TEST_F(OrderEntryTest, AWindowOpenedAgainBeforeTheAnswerListsTheFrequenciesOnce) {
+    Open();
+    Open();
+    Answer(kMonthlyYearly);
+    Answer(kMonthlyYearly);
+    EXPECT_EQ(view.Items(IDC_FREQUENCY), (Texts{"monthly", "yearly"}));
+}
+
 // Each step: an order typed and sent ("C001 100"), its answer ("ok", "no"), F3, or an order typed and not sent
 // ("type C002 7"); and what then stands in the form, and of the summary.
 TEST_F(OrderEntryTest, RefusedOrdersComeBackInTurnAndNothingTypedIsLost) {

@@ -43,6 +43,8 @@ TEST(ScripMaster, IsFoundByEveryKey) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(TokenOf(row.found), row.token) << row.what;
+    EXPECT_EQ(master.SymbolsOf("NSE", "EQ"), (std::vector<std::string_view>{"ALPHA", "ZULU"}));
+    EXPECT_EQ(master.SymbolsOf("BSE", "EQ"), std::vector<std::string_view>{"ALPHA"});
 }
 
 struct BadFile {
