@@ -2,6 +2,7 @@
 #include "bench/PeerBook.h"
 #include "bench/SampleBook.h"
 #include "bench/SilentHost.h"
+#include "host/korvexcontrols/model/Cells.h"
 #include "plugin/orderbook/OrderBook.h"
 #include "sdk/HeapStringManager.h"
 #include "sdk/Tags.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 
 namespace bench {
 namespace {
@@ -113,6 +115,22 @@ Case StreamCase(const Showing& showing, std::uint32_t rows, std::shared_ptr<cons
             }};
 }
 
+// Looks through all cells of each row, as a search does that finds nothing.
+Case SearchCase(std::uint32_t rows) {
+    std::shared_ptr<Book> book = Filled(rows);
+    std::vector<std::int32_t> columns(std::size(kBookColumns));
+    std::iota(columns.begin(), columns.end(), 0);
+    return {Sized("search", rows),
+            [=] {
+                const auto wanted = [](std::string_view cell) {
+                    return korvex::ContainsFolded(cell, "nowhere");
+                };
+                const korvex::ListRows::Search all{.columns = columns};
+                Require(book->Registered().Rows().Find(all, wanted) == korvex::kNone, "a search");
+            },
+            rows};
+}
+
 // New registrations in front of so many; the book is made anew when it has grown too far.
 class Growth {
 public:
@@ -210,6 +228,7 @@ std::vector<Case> StreamCases(std::uint32_t rows) {
     std::vector<Case> cases;
     for (const Showing& showing : kShowings)
         cases.push_back(StreamCase(showing, rows, numbers));
+    cases.push_back(SearchCase(rows));
     auto growth = std::make_shared<Growth>(rows);
     cases.push_back({Sized("new", rows), [=] { growth->Grow(); }, growth->Units(), [=] { growth->Prepare(); }});
     return cases;

@@ -128,7 +128,7 @@ Verdict TrySettings(Bench& bench) {
         CString told = bench.Text();
         if (!write(&section, &key, &written, 1)) return Wrong("cannot write a setting");
         if (!read(&section, &key, &told, 1)) return Wrong("cannot read the setting that was written");
-        if (const Verdict verdict = Same("setting", told.View(), value); !verdict.IsGood()) return verdict;
+        if (Verdict verdict = Same("setting", told.View(), value); !verdict.IsGood()) return verdict;
     }
     return {};
 }
