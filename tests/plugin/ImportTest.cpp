@@ -158,6 +158,11 @@ TEST(Import, FindsColumnsUnitsAndValuesByTheirHeadings) {
          "C1\tALPHA-EQ\t5\t-\tnse\tD\t03/05/2027\t12\tSell\t0042\n"
          "C1\tALPHA-EQ\t0\t250000\tnse\tD\t03/05/2027\t12\tSell\t42\n",
          "2:C1 ALPHA-EQ qty 5 daily 05/Mar/2027 12 S|3! token (column 10): \"42\" has lost its leading zeros|"},
+        // Of two headings alike the first is read, and says how.
+        {"UCC\tTrading Symbol\tAmt (Rs)\tAmt in paise\tSegment\tFreq.\tDate (dd/mm/yyyy)\tDate "
+         "(mm/dd/yyyy)\tTenure\tBuy/Sell\n"
+         "C1\tALPHA-EQ\t1500\t150000\tnse\tD\t05/03/2027\t03/05/2027\t12\tBuy\n",
+         "2:C1 ALPHA-EQ value 150000 daily 05/Mar/2027 12 B|"},
         {"sep=;\nNotes, on top\nClient;Symbol;Amount;Quantity\nC1;ALPHA;1,5;3\n",
          "4! exchange: no column says it, and no default|"},
         {"Client,Client\nC1,C2\n", "fault: it has no line of headings, such as \"Client Code\" and \"Amount\"; "
