@@ -67,16 +67,18 @@ TEST_F(Net, CommandsOfATerminalReachTheServerAndEveryTerminalHearsItsState) {
 
     for (const char* line : {"other 2", "clock next", "rubbish"})
         one.Client().Command(line, tell);
-    ASSERT_TRUE(Until([&] { return told.size() == 3 && two.Client().Server().hasDue; }, {&one, &two}));
+    // Its state may overtake the updates of a server that has much to do.
+    const auto hears = [&](bool isDue, std::size_t updates) {
+        return two.Client().Server().hasDue == isDue && two.streamed.size() == updates;
+    };
+    ASSERT_TRUE(Until([&] { return told.size() == 3 && hears(true, 2); }, {&one, &two}));
     EXPECT_EQ(std::exchange(told, {}),
               (Texts{"Another session placed 2 orders", "Server clock at the next instalment: 03-Mar-2026",
                      "-\"rubbish\" is no command"}));
     EXPECT_EQ(one.Client().Server().date, 20260303u);
-    EXPECT_EQ(two.streamed.size(), 2u);
     EXPECT_EQ(m_running->server->Clock().ExecuteDue({}).fault, "");
     // Not before what was executed.
-    ASSERT_TRUE(Until([&] { return !two.Client().Server().hasDue; }, {&two}));
-    EXPECT_EQ(two.streamed.size(), 4u);
+    ASSERT_TRUE(Until([&] { return hears(false, 4); }, {&two}));
 
     ASSERT_TRUE(one.Send("calendar_add_restricted_dates restrictedYear=2026 startDate=5 restrictedTo=6"));
     one.onAnswer = [&](void*) { EXPECT_EQ(one.Client().Server().restricted.size(), 24u); };

@@ -102,6 +102,7 @@ TEST(Import, NeverGuessesWhichNumberOfADateIsTheDay) {
         {"29/02/2027", dayFirst, "", Fault::noDate},
         {"5 Foo 2027", undecided, "", Fault::noDate},
         {"5 March", undecided, "", Fault::noDate},
+        {"05/03/4294969323", dayFirst, "", Fault::noDate}, // 2027, and 2 to the 32nd
         {"05/03/2027 tea", dayFirst, "", Fault::noDate},
         {"4.6E+04", since1900, "", Fault::shortened},
     };

@@ -144,6 +144,8 @@ TEST(Journal, NoRecordIsLostChangedOrMovedUnseen) {
         changed[i] = static_cast<char>(changed[i] ^ (1 << i % 8));
         expectRefused(changed, "byte " + std::to_string(i));
     }
+    for (const char character : {'\0', '\n', '\x1F'})
+        expectRefused(whole + "V2R " + std::to_string(lines.size() + 1) + ' ' + character, "no text");
     expectRefused("another program's file", "another program's file");
     expectRefused("", "an empty file");
     EXPECT_GT(looked, 800u);
