@@ -56,9 +56,8 @@ Verdict TryDetails(sdk::fn::pu_get_scrip_details_from_TradSymbol* call, Bench& b
         const ScripDetails* found = call(exchange, &symbol, &details);
         if (!found) return Wrong("does not find " + Quoted(symbol.View()) + " of " + Quoted(exchange->View()));
         if (!(found->priceMultiplier > 0)) return Wrong("tells a price multiplier that is not above 0");
-        Verdict verdict =
-            First({Same("token", TextOf(found->token), scrip.token),
-                   Same("trading symbol", TextOf(found->tradingSymbol), scrip.tradingSymbol)});
+        Verdict verdict = First({Same("token", TextOf(found->token), scrip.token),
+                                 Same("trading symbol", TextOf(found->tradingSymbol), scrip.tradingSymbol)});
         if (!verdict.IsGood()) return verdict;
     }
     return {};

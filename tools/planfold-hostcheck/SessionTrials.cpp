@@ -88,7 +88,7 @@ Verdict TryPeers(sdk::fn::pu_get_peer_data* call, Bench& bench) {
 }
 
 Verdict TryRight(sdk::fn::pu_is_actionright_enabled* call, Bench& bench) {
-    const CString right = bench.Text("QV: Planfold"), unknown = bench.Text(kNobody);
+    const CString right = bench.Text(planfold::kPluginRight), unknown = bench.Text(kNobody);
     if (!call(&right)) return Wrong("does not grant \"QV: Planfold\": nothing opens for this user");
     if (call(&unknown)) return Wrong("grants a right that there is not");
     return {};

@@ -7,13 +7,12 @@ namespace hostcheck {
 std::string Quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
-// What was told, beside what it must be.
+
 Verdict Same(std::string_view what, std::string_view told, std::string_view must) {
     if (told == must) return {};
     return Wrong("tells " + Quoted(told) + " as the " + std::string(what) + ", not " + Quoted(must));
 }
 
-// A text that the host filled is whole, and still its maker's.
 Verdict Whole(std::initializer_list<const CString*> texts, StringManager& maker) {
     for (const CString* text : texts) {
         if (&text->Manager() != &maker) return Wrong("puts another manager's text in place of the plug-in's");

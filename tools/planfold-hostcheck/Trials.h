@@ -1,6 +1,8 @@
 // What a host's exports answer when the plug-in calls them.
 #pragma once
 
+#include "plugin/messaging/HostCallbacks.h"
+#include "plugin/resources/resource.h"
 #include "sdk/HeapStringManager.h"
 #include "tools/planfold-hostcheck/Findings.h"
 
@@ -8,14 +10,13 @@
 
 namespace hostcheck {
 
-using AnyFunction = void (*)();
-// Finds an export of the running host by name; null when there is none.
-using HostLookup = std::function<AnyFunction(const char* name)>;
+using planfold::AnyFunction, planfold::HostLookup;
 
 // Identifiers of the plug-in's controls.
 namespace id {
-inline constexpr int exchange = 1003, series = 1005, symbol = 1008, expiry = 1048, strike = 1049, option = 1050,
-                     product = 1019, client = 1053, amount = 1025;
+inline constexpr int exchange = IDC_EXCHANGE, series = IDC_SERIES, symbol = IDC_SYMBOL,
+                     expiry = IDC_HOST_SCRIP_1, strike = IDC_HOST_SCRIP_2, option = IDC_HOST_SCRIP_3,
+                     product = IDC_PRODUCT, client = IDC_CLIENT_COMBO, amount = IDC_VALUE;
 inline constexpr int combos[] = {exchange, series, symbol, expiry, strike, option, product, client};
 } // namespace id
 
